@@ -1,0 +1,5 @@
+set(KELMOVIE_SANITIZE "" CACHE STRING "Sanitizers to build everything with, e.g. address,undefined or thread")
+if(KELMOVIE_SANITIZE)
+  add_compile_options(-fsanitize=${KELMOVIE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${KELMOVIE_SANITIZE})
+endif()

@@ -1,0 +1,1 @@
+#include "avcodec/KelAVCodecEncoder.h"

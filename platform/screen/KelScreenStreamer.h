@@ -14,8 +14,8 @@ public:
     virtual bool hasFrameChanged() = 0;
 
     /// Copies the rectangle's present content, in physical pixels, into `image`. Its size and format
-    /// (QImage::Format_ARGB32_Premultiplied, opaque) are set as needed; a fitting buffer is reused. What lies outside of
-    /// the screen is black. False (and `image` unchanged) when the screen cannot be read.
+    /// (QImage::Format_ARGB32_Premultiplied, opaque) are set as needed; a fitting buffer is reused. What lies outside
+    /// of the screen is black. False (and `image` unchanged) when the screen cannot be read.
     virtual bool captureTo(QImage &image) = 0;
 
     /// Empty while the streamer works; else what went wrong, in English. Any thread may ask.

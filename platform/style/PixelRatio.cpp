@@ -3,7 +3,8 @@
 #include <QGuiApplication>
 #include <QScreen>
 
-namespace {
+namespace
+{
 
 QScreen *screenHolding(const QRect &rect)
 {

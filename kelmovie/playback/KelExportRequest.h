@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+class KelPlaybackTrackManager;
+
+/// What to export, and how. A plain record, copied.
+struct KelExportRequest {
+    int format = 0;       ///< 0 MP4, 1 GIF, 2 APNG, 3 WebP, as the setting playbackEncodeFormat has it
+    int fps = 25;         ///< frames a second of the output
+    int quality = 90;     ///< 0 to 100; each encoder documents what it makes of it
+    double speed = 1.0;   ///< above 0; 2.0 plays twice as fast
+    QString outputPath;   ///< the file to produce
+    QString trackDataDir; ///< recording directory in which the sound is looked for; may be empty
+    KelPlaybackTrackManager *playbackManager = nullptr; ///< not owned; must outlive the export
+    int trimStartMs = -1;                               ///< range in recording time, used when both ends are 0 or more
+    int trimEndMs = -1;
+    bool fromRecording = false;       ///< started right after a recording
+    bool autoExitAfterEncode = false; ///< the setting encodeExitRecordAfterEncode
+    std::function<void()> onExitRecord;
+};

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+/// Records images as H.264 into an MP4 file, on a thread of its own behind a bounded queue. Made for recording: nearly
+/// lossless at full quality, cheap where the picture did not change, and readable up to the last frame whatever
+/// happens to the process. Used by one thread at a time; virtual so that a test can stand in for it.
+class KelAsyncEncoder
+{
+public:
+    struct Params {
+        QSize frameSize; ///< pixels of every image
+        QImage::Format inputFormat = QImage::Format_ARGB32_Premultiplied;
+        QString path;              ///< the MP4 file; replaced when it exists
+        int fps = 30;              ///< nominal frames a second: frame n is shown at n / fps seconds
+        int quality = 100;         ///< 0 (smallest) to 100 (small coloured text stays crisp)
+        int threads = 0;           ///< 0: as many as are useful
+        int keyframeInterval = 10; ///< a keyframe at least every so many frames
+        int keyframeIntervalMin = 10;
+        int queueCapacity = 4; ///< images that may wait or be in work
+    };
+
+    explicit KelAsyncEncoder(const Params &params);
+    virtual ~KelAsyncEncoder();
+    KelAsyncEncoder(const KelAsyncEncoder &) = delete;
+    KelAsyncEncoder &operator=(const KelAsyncEncoder &) = delete;
+
+    /// Called once, on the encoder's thread (or in place when it has failed already), with the first failure.
+    virtual void setErrorHandler(std::function<void(const QString &)> handler);
+
+    /// True while another frame cannot be taken without waiting, and for good after a failure.
+    virtual bool isBusy() const;
+
+    /// Queues the image as frame `index`; its pixels are copied before the call returns. Returns the number that the
+    /// frame got in the file, -1 when it was not taken.
+    virtual int addFrame(int index, const QImage &image);
+
+    /// Encodes what is queued, completes the file and returns when it is closed. Later calls do nothing.
+    virtual void waitForClosed();
+
+    /// The first failure in English, empty when there was none. Any thread.
+    virtual QString errorString() const;
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};

@@ -19,7 +19,8 @@ public:
     /// Encodes what is queued and finishes the file. False when it is not complete. Later calls answer the same.
     virtual bool close() = 0;
 
-    /// Drops what is queued and gives up the file as soon as possible; what was written stays on disk.
+    /// Drops what is queued and gives up the file as soon as possible; what was written stays on disk. Any thread: a
+    /// close() that waits on another one then returns false soon, so that a long tail of an export can be cancelled.
     virtual void abort() = 0;
 
     /// Frames that have been encoded and written so far. Any thread.

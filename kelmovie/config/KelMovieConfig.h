@@ -1,2 +1,80 @@
 #pragma once
+
 #include <KelMovie/KelMovieGlobal.h>
+
+#include <QColor>
+#include <QFont>
+#include <QString>
+
+class KelConfigIO;
+
+/// All settings of the module. Holds the current values at any time: read it at the moment of use, on the GUI thread,
+/// and copy nothing. The host sees the record too, so the order of the fields is part of the interface.
+///
+/// The key of a field in the host's store is "KelMovie." and the field's name with dots, such as
+/// "KelMovie.record.fps" for recordFps. The hostReserved fields and saveQuality have no key and are never persisted.
+struct KelMovieConfig {
+    bool playbackMouseEnable = true;
+    int playbackMouseShowActionButton = 7; ///< bit set: 1 left click, 2 right click, 4 middle click
+    bool playbackMouseShowWheel = true;
+    QColor playbackMouseColor{0x33, 0x88, 0xff};
+    int playbackMouseSize = 15;
+    int hostReserved1 = 1;
+    int hostReserved2 = 1;
+    bool hostReserved3 = true;
+    int playbackKeyboardShowKeyType = 14; ///< bit set: 1 characters, 2 other keys, 4 modifiers, 8 combinations
+    int playbackKeyboardMaxContinueChar = 5;
+    int playbackKeyboardKeepTime = 2;
+    int playbackKeyboardDisplayPos = 2;
+    int playbackKeyboardFontSizePx = 22;
+    QColor playbackKeyboardFontColor{255, 255, 255, 255};
+    QColor playbackKeyboardBgColor{0, 0, 0, 200};
+    int playbackKeyboardHistoryFontSize = 2;
+    int playbackKeyboardMaxHistoryCount = 5;
+    QFont playbackKeyboardFont;
+    bool playbackProgressEnable = false;
+    int playbackProgressDisplayMode = 0;
+    QColor playbackProgressFgColor{51, 136, 255, 200};
+    QColor playbackProgressBgColor{51, 136, 255, 120};
+    int playbackProgressSize = 16;
+    int playbackProgressRound = 0;
+    int playbackProgressGapTime = 41;
+    int playbackAudioSystemVolume = 100; ///< percent, like the gains
+    bool playbackAudioSystemMuted = false;
+    bool playbackAudioSystemEnabled = true;
+    int playbackAudioSystemGain = 100;
+    int playbackAudioMicrophoneVolume = 100;
+    bool playbackAudioMicrophoneMuted = false;
+    bool playbackAudioMicrophoneEnabled = true;
+    int playbackAudioMicrophoneGain = 100;
+    int playbackEncodeFormat = 0; ///< 0 MP4, 1 GIF, 2 APNG, 3 WebP
+    int recordDelay = 0;          ///< seconds before a recording starts; the host waits, not the module
+    int recordFps = 24;           ///< logic frames a second
+    bool recordKeyboard = true;
+    bool recordMouse = true;
+    bool recordRecordSystemAudio = true;
+    bool recordRecordMicrophone = true;
+    bool recordDontShowRecordingWarning = false;
+    int recordRecordToolbarDisplayType = 0;
+    bool recordEnableHardwareAcceleration = false; ///< decode with hardware on playback
+    int saveQuality = 1;                           ///< export quality 0, 1 or 2
+    int hostReserved4 = 90;
+    int hostReserved5 = 30;
+    int hostReserved6 = 30;
+    int encodeGifPlayLoop = 0;
+    bool encodeExitRecordAfterEncode = false;
+};
+
+extern KELMOVIE_EXPORT KelMovieConfig gKelMovieConfig;
+
+/// The host's store, null before KelMovieConfigInit() and when it was given none. Not owned.
+extern KELMOVIE_EXPORT KelConfigIO *gKelMovieConfigIO;
+
+/// Binds the persisted fields of gKelMovieConfig to the host's store, which must outlive the module's use. To be
+/// called once, before any widget or recorder exists. With null the defaults stay and nothing is persisted; settings
+/// panels must not be shown then.
+KELMOVIE_EXPORT void KelMovieConfigInit(KelConfigIO *io);
+
+/// File suffix, without dot, of the format chosen in playbackEncodeFormat: "mp4", "gif", "apng" or "webp"; "gif" for
+/// any other value.
+KELMOVIE_EXPORT QString KelMovieFormatSuffix();

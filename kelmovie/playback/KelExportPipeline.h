@@ -7,6 +7,8 @@
 
 #include <memory>
 
+struct KelExportSeams;
+
 /// Whoever watches an export: a dialog, a command line, a test. Called on the thread that runs the export.
 class KELMOVIE_EXPORT KelExportMonitor
 {
@@ -16,7 +18,8 @@ public:
     /// 0 to 100, never falling; 100 only once the file is complete.
     virtual void exportProgress(int percent) = 0;
 
-    /// Asked at least between any two frames; true ends the export.
+    /// Asked at least between any two frames and several times a second while the file is being finished; true ends the
+    /// export.
     virtual bool isExportCancelled() = 0;
 };
 
@@ -27,6 +30,8 @@ class KELMOVIE_EXPORT KelExportPipeline
 public:
     /// `monitor` may be null; it is not owned.
     explicit KelExportPipeline(const KelExportRequest &request, KelExportMonitor *monitor = nullptr);
+    /// The same with other encoders.
+    KelExportPipeline(const KelExportRequest &request, KelExportMonitor *monitor, const KelExportSeams &seams);
     ~KelExportPipeline();
     KelExportPipeline(const KelExportPipeline &) = delete;
     KelExportPipeline &operator=(const KelExportPipeline &) = delete;

@@ -3,6 +3,7 @@
 #include "screen/KelScreenStreamer.h"
 
 #include <QRect>
+#include <QString>
 
 #include <memory>
 
@@ -11,6 +12,9 @@ class KelScreenBackend
 {
 public:
     virtual ~KelScreenBackend() = default;
+
+    /// Empty when the screen can be captured, else why not, in English.
+    virtual QString errorString() const { return {}; }
 
     /// Never null: a streamer that cannot work says why in its errorString().
     virtual std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) = 0;
@@ -25,7 +29,7 @@ public:
     /// A new streamer for `rect` (logical pixels of the desktop). Never null; owned by the caller.
     KelScreenStreamer *createScreenStreamer(const QRect &rect);
 
-    /// Empty when the screen can be captured, else why not ("no display", "Wayland without X", …), in English.
+    /// Empty when the screen can be captured now, else why not ("no display", "Wayland without X", …), in English.
     QString errorString() const;
 
     /// Replaces the operating system's backend; null puts it back. Streamers handed out before keep working.

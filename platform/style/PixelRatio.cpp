@@ -6,16 +6,15 @@
 namespace
 {
 
-QScreen *screenHolding(const QRect &rect)
+/// Null without a QGuiApplication.
+const QScreen *screenHolding(const QRect &rect)
 {
-    if (!qGuiApp)
-        return nullptr;
-    QScreen *best = QGuiApplication::primaryScreen();
+    const QScreen *best = QGuiApplication::primaryScreen();
     qint64 bestArea = 0;
-    for (QScreen *screen : QGuiApplication::screens()) {
+    for (const QScreen *screen : QGuiApplication::screens()) {
         const QRect common = screen->geometry() & rect;
-        const qint64 area = common.isEmpty() ? 0 : qint64(common.width()) * common.height();
-        if (area > bestArea) {
+        const qint64 area = qint64(common.width()) * common.height();
+        if (!common.isEmpty() && area > bestArea) {
             best = screen;
             bestArea = area;
         }

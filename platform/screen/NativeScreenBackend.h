@@ -1,0 +1,8 @@
+#pragma once
+
+#include "screen/KelScreenManager.h"
+
+#include <memory>
+
+/// The backend of the operating system that this is built for. Each system's folder defines it.
+std::unique_ptr<KelScreenBackend> createNativeScreenBackend();

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "screen/x11/SharedMemory.h"
+#include "screen/x11/XcbConnection.h"
+
+#include <QImage>
+#include <QRect>
+#include <QVector>
+
+#include <xcb/shm.h>
+
+#include <optional>
+#include <vector>
+
+/// Reads pixels of the root window: through shared memory, or over the connection when the server is far away.
+class X11ImageReader
+{
+public:
+    /// The pixels of one rectangle, valid until the next read().
+    struct Block {
+        QRect rect;
+        const unsigned char *bits = nullptr;
+        int bytesPerLine = 0;
+        XcbPtr<xcb_get_image_reply_t> owner; ///< holds the bits when they came over the connection
+    };
+
+    /// All that is asked for at once fits into `maxSize`.
+    X11ImageReader(XcbConnection &connection, const QSize &maxSize);
+
+    /// How the pixels lie in memory (unused bits have any value); Format_Invalid when Qt has no name for it.
+    QImage::Format format() const { return m_format; }
+
+    /// Reads disjoint rectangles, which must lie inside of the root window, in one go.
+    /// Nothing when the server refused one of them, did not answer in time or is gone.
+    std::optional<std::vector<Block>> read(const QVector<QRect> &rects);
+
+private:
+    void attach(std::size_t bytes);
+    unsigned request(const QRect &rect, std::size_t offset);
+    int bytesPerLine(int width) const;
+
+    XcbConnection &m_connection;
+    QImage::Format m_format = QImage::Format_Invalid;
+    int m_bitsPerPixel = 0;
+    int m_linePadBits = 0;
+    std::optional<SharedMemory> m_memory; ///< only when the server has attached it, too
+    xcb_shm_seg_t m_segment = XCB_NONE;
+};

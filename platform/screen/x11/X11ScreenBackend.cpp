@@ -1,0 +1,53 @@
+#include "screen/x11/X11ScreenBackend.h"
+
+#include "screen/FailedScreenStreamer.h"
+#include "screen/NativeScreenBackend.h"
+#include "screen/PhysicalRect.h"
+#include "screen/x11/X11ScreenStreamer.h"
+#include "screen/x11/XcbConnection.h"
+
+namespace
+{
+
+/// Empty for a working connection.
+QString connectionError(const XcbConnection &connection)
+{
+    if (connection.isOpen() && connection.screen())
+        return {};
+    const QString display = qEnvironmentVariable("DISPLAY");
+    const bool isWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+    if (display.isEmpty() && isWayland)
+        return QStringLiteral("The screen cannot be captured: this is a Wayland session without an X server.");
+    if (display.isEmpty())
+        return QStringLiteral("The screen cannot be captured: there is no display (DISPLAY is not set).");
+    if (isWayland)
+        return QStringLiteral("The screen cannot be captured: this is a Wayland session, and there is no connection to "
+                              "its X server \"%1\".")
+            .arg(display);
+    return QStringLiteral("The screen cannot be captured: no connection to the X server \"%1\".").arg(display);
+}
+
+} // namespace
+
+std::unique_ptr<KelScreenBackend> createNativeScreenBackend()
+{
+    return std::make_unique<X11ScreenBackend>();
+}
+
+QString X11ScreenBackend::errorString() const
+{
+    return connectionError(XcbConnection());
+}
+
+std::unique_ptr<KelScreenStreamer> X11ScreenBackend::createStreamer(const QRect &rect)
+{
+    const QRect physical = physicalRect(rect);
+    if (physical.isEmpty())
+        return std::make_unique<FailedScreenStreamer>(
+            QStringLiteral("The screen cannot be captured: the rectangle is empty."));
+    auto connection = std::make_unique<XcbConnection>();
+    const QString error = connectionError(*connection);
+    if (!error.isEmpty())
+        return std::make_unique<FailedScreenStreamer>(error);
+    return std::make_unique<X11ScreenStreamer>(std::move(connection), physical);
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "screen/KelScreenManager.h"
+
+/// Captures the root window of the X screen that $DISPLAY names.
+class X11ScreenBackend final : public KelScreenBackend
+{
+public:
+    QString errorString() const override;
+    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override;
+};

@@ -1,0 +1,294 @@
+// What the streamer captures from a living screen, compared with what another client reads from it.
+#include "screen/KelScreenManager.h"
+#include "support/X11Painter.h"
+
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+namespace
+{
+
+constexpr QImage::Format frameFormat = QImage::Format_ARGB32_Premultiplied;
+
+std::unique_ptr<KelScreenStreamer> streamerFor(const QRect &rect)
+{
+    return std::unique_ptr<KelScreenStreamer>(KelScreenManager::instance()->createScreenStreamer(rect));
+}
+
+/// A picture in which every pixel tells its position.
+QImage positions(const QSize &size)
+{
+    QImage image(size, frameFormat);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, qRgb(x & 0xff, y & 0xff, (x >> 8) << 4 | y >> 8));
+    }
+    return image;
+}
+
+/// What a capture of `rect` must look like, read by the painter.
+QImage expected(X11Painter &painter, const QRect &rect)
+{
+    QImage image(rect.size(), frameFormat);
+    image.fill(Qt::black);
+    const QRect visible = rect & QRect({0, 0}, painter.screenSize());
+    if (!visible.isEmpty()) {
+        QPainter blit(&image);
+        blit.drawImage(visible.topLeft() - rect.topLeft(), painter.grab(visible));
+    }
+    return image;
+}
+
+/// Draws the kinds of things that happen on a desktop, at random places, partly outside of the screen.
+class Scribbler
+{
+public:
+    Scribbler(X11Painter &painter, quint32 seed)
+        : m_painter(painter)
+        , m_random(seed)
+        , m_window(painter.createWindow({50, 50, 200, 150}, 0xff336699))
+    {
+    }
+
+    ~Scribbler() { m_painter.destroyWindow(m_window); }
+
+    void draw()
+    {
+        const int kind = m_random.bounded(10);
+        if (kind == 0)
+            m_painter.moveWindow(m_window, {m_random.bounded(-100, 1200), m_random.bounded(-100, 700)});
+        else if (kind == 1)
+            m_painter.put(m_painter.root(), {m_random.bounded(1200), m_random.bounded(700)}, positions({40, 9}));
+        else
+            m_painter.fill(
+                m_random.bounded(2) ? m_window : m_painter.root(),
+                {m_random.bounded(1250), m_random.bounded(780), m_random.bounded(1, 90), m_random.bounded(1, 60)},
+                m_random.generate());
+    }
+
+private:
+    X11Painter &m_painter;
+    QRandomGenerator m_random;
+    const xcb_window_t m_window;
+};
+
+/// What a caller does to its image between two captures.
+using Replace = void (*)(QImage &);
+
+} // namespace
+
+Q_DECLARE_METATYPE(Replace)
+
+class tst_screen_capture : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        QVERIFY(m_painter.isConnected());
+        m_painter.put(m_painter.root(), {0, 0}, positions(m_painter.screenSize()));
+        m_painter.sync();
+    }
+
+    void capturesTheRectangle_data()
+    {
+        QTest::addColumn<QRect>("rect");
+        QTest::newRow("whole screen") << QRect(0, 0, 1280, 800);
+        QTest::newRow("inside") << QRect(101, 57, 333, 217);
+        QTest::newRow("one pixel") << QRect(1279, 799, 1, 1);
+        QTest::newRow("over the top left") << QRect(-30, -20, 100, 90);
+        QTest::newRow("over the bottom right") << QRect(1200, 750, 101, 99);
+        QTest::newRow("larger than the screen") << QRect(-5, -7, 1300, 820);
+        QTest::newRow("touching from outside") << QRect(1280, 0, 64, 64);
+        QTest::newRow("far outside") << QRect(-40000, 70000, 64, 48);
+    }
+
+    void capturesTheRectangle()
+    {
+        QFETCH(QRect, rect);
+        const auto streamer = streamerFor(rect);
+        QVERIFY(streamer->hasFrameChanged());
+        QVERIFY(streamer->hasFrameChanged());
+
+        QImage image;
+        QVERIFY(streamer->captureTo(image));
+        QCOMPARE(image.format(), frameFormat);
+        QCOMPARE(image, expected(m_painter, rect));
+        QCOMPARE(streamer->errorString(), QString());
+        QVERIFY(!streamer->hasFrameChanged());
+
+        // Later captures, which fetch only parts, must hit the right places, too.
+        m_painter.fill(m_painter.root(), {0, 0, 40, 30}, 0xff112233);
+        m_painter.fill(m_painter.root(), {1230, 760, 50, 40}, 0xff332211);
+        m_painter.sync();
+        QVERIFY(streamer->captureTo(image));
+        QCOMPARE(image, expected(m_painter, rect));
+    }
+
+    void partsAddUpToTheWhole_data()
+    {
+        QTest::addColumn<int>("drawsPerCapture");
+        QTest::newRow("few changes at a time") << 3;
+        QTest::newRow("many small rectangles") << 400;
+    }
+
+    void partsAddUpToTheWhole()
+    {
+        QFETCH(int, drawsPerCapture);
+        const QRect rect(60, 40, 1000, 700);
+        const auto streamer = streamerFor(rect);
+        QImage image;
+        QVERIFY(streamer->captureTo(image));
+        Scribbler scribbler(m_painter, 7);
+        for (int drawn = 0; drawn < 1200; drawn += drawsPerCapture) {
+            for (int i = 0; i < drawsPerCapture; ++i)
+                scribbler.draw();
+            m_painter.sync();
+            if (streamer->hasFrameChanged())
+                QVERIFY(streamer->captureTo(image));
+            QCOMPARE(image, expected(m_painter, rect));
+        }
+    }
+
+    void onlyChangesInsideCount()
+    {
+        const QRect rect(200, 100, 300, 200);
+        const auto streamer = streamerFor(rect);
+        QImage image;
+        QVERIFY(streamer->captureTo(image));
+
+        const QRect outside[] = {{199, 0, 1, 800}, {500, 0, 1, 800}, {0, 99, 1280, 1}, {0, 300, 1280, 1}};
+        for (const QRect &edge : outside)
+            m_painter.fill(m_painter.root(), edge, 0xffff0000);
+        m_painter.sync();
+        QVERIFY(!streamer->hasFrameChanged());
+
+        const QPoint corners[] = {{200, 100}, {499, 100}, {200, 299}, {499, 299}};
+        for (const QPoint &corner : corners) {
+            m_painter.fill(m_painter.root(), {corner, QSize(1, 1)}, 0xff00ff00);
+            m_painter.sync();
+            QVERIFY(streamer->hasFrameChanged());
+            QVERIFY(streamer->hasFrameChanged()); // until it is captured
+            QVERIFY(streamer->captureTo(image));
+            QVERIFY(!streamer->hasFrameChanged());
+            QCOMPARE(image.pixel(corner - rect.topLeft()), 0xff00ff00);
+        }
+    }
+
+    void changesBetweenQuestionsAddUp()
+    {
+        const QRect rect(0, 0, 640, 480);
+        const auto streamer = streamerFor(rect);
+        QImage image;
+        QVERIFY(streamer->captureTo(image));
+        for (int i = 0; i < 5; ++i) { // as while an encoder is busy
+            m_painter.fill(m_painter.root(), {i * 100, i * 70, 20, 20}, 0xff123456);
+            m_painter.sync();
+            QVERIFY(streamer->hasFrameChanged());
+        }
+        QVERIFY(streamer->captureTo(image));
+        QCOMPARE(image, expected(m_painter, rect));
+    }
+
+    void nothingIsMissedWhileOthersDraw()
+    {
+        const QRect rect(100, 100, 800, 500);
+        const auto streamer = streamerFor(rect);
+        QImage image;
+        std::atomic_bool done{false};
+        std::thread drawer([&done] {
+            X11Painter painter;
+            Scribbler scribbler(painter, 11);
+            for (int i = 0; i < 4000; ++i) {
+                scribbler.draw();
+                if (i % 16 == 0)
+                    painter.sync();
+            }
+            painter.sync();
+            done = true;
+        });
+        bool captured = true;
+        while (!done || streamer->hasFrameChanged())
+            captured = captured && (!streamer->hasFrameChanged() || streamer->captureTo(image));
+        drawer.join();
+        m_painter.sync();
+        if (streamer->hasFrameChanged())
+            captured = captured && streamer->captureTo(image);
+        QVERIFY(captured);
+        QCOMPARE(image, expected(m_painter, rect));
+    }
+
+    void anyImageMayBePassed_data()
+    {
+        QTest::addColumn<Replace>("replace");
+        const auto row = [](const char *name, Replace replace) { QTest::newRow(name) << replace; };
+        row("the same", [](QImage &) {});
+        row("none", [](QImage &image) { image = {}; });
+        row("another of that size", [](QImage &image) { image = QImage(image.size(), frameFormat); });
+        row("another size", [](QImage &image) { image = image.scaled(17, 23); });
+        row("another format", [](QImage &image) { image = image.convertToFormat(QImage::Format_RGB888); });
+        row("drawn into", [](QImage &image) { image.fill(Qt::red); });
+        row("one pixel changed", [](QImage &image) { image.setPixel(3, 3, 0xffff0000); });
+    }
+
+    void anyImageMayBePassed()
+    {
+        QFETCH(Replace, replace);
+        const QRect rect(20, 30, 400, 300);
+        const auto streamer = streamerFor(rect);
+        QImage image;
+        QVERIFY(streamer->captureTo(image));
+        replace(image);
+        m_painter.fill(m_painter.root(), {100, 100, 33, 44}, 0xff0055aa);
+        m_painter.sync();
+        QVERIFY(streamer->captureTo(image));
+        QCOMPARE(image.format(), frameFormat);
+        QCOMPARE(image, expected(m_painter, rect));
+    }
+
+    void sharedImagesKeepTheirContent()
+    {
+        const QRect rect(20, 30, 400, 300);
+        const auto streamer = streamerFor(rect);
+        QImage image;
+        QVERIFY(streamer->captureTo(image));
+        const QImage first = image; // as an encoder holds on to it
+        const QImage firstState = expected(m_painter, rect);
+
+        m_painter.fill(m_painter.root(), {100, 100, 33, 44}, 0xff0055aa);
+        m_painter.sync();
+        QVERIFY(streamer->captureTo(image));
+        QCOMPARE(first, firstState);
+        QCOMPARE(image, expected(m_painter, rect));
+
+        image = first; // content of an older capture
+        QVERIFY(streamer->captureTo(image));
+        QCOMPARE(first, firstState);
+        QCOMPARE(image, expected(m_painter, rect));
+    }
+
+    void aFittingBufferIsReused()
+    {
+        const auto streamer = streamerFor({0, 0, 320, 200});
+        QImage image(320, 200, frameFormat);
+        const uchar *buffer = image.constBits();
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(streamer->captureTo(image));
+            QCOMPARE(image.constBits(), buffer);
+            m_painter.fill(m_painter.root(), {i, i, 33, 44}, 0xff0055aa);
+            m_painter.sync();
+        }
+    }
+
+private:
+    X11Painter m_painter;
+};
+
+QTEST_MAIN(tst_screen_capture)
+#include "tst_screen_capture.moc"

@@ -1,0 +1,89 @@
+#include "CodeStrip.h"
+
+#include "SceneColors.h"
+#include "SceneText.h"
+
+#include <QRegularExpression>
+
+namespace
+{
+
+struct Rule {
+    const char *group;
+    QColor color;
+};
+
+const QRegularExpression &tokens()
+{
+    static const QRegularExpression expression(QStringLiteral(
+        "(?<comment>//.*)|(?<string>\"[^\"]*\"|<[a-z]+>)|(?<preprocessor>#\\w+)|"
+        "(?<number>\\b\\d[\\d.]*f?\\b)|"
+        "(?<keyword>\\b(?:alignas|auto|bool|char|class|const|explicit|float|if|inline|namespace|noexcept|private|"
+        "public|return|static_assert|struct|template|typename|true|false)\\b)|"
+        "(?<type>\\b[A-Z]\\w*|\\bstd\\b)|(?<call>\\b\\w+(?=\\())|(?<member>\\bm_\\w+)"));
+    return expression;
+}
+
+QColor colorOf(const QRegularExpressionMatch &match)
+{
+    static const Rule rules[] = {{"comment", SceneColors::Comment},
+                                 {"string", SceneColors::String},
+                                 {"preprocessor", SceneColors::Preprocessor},
+                                 {"number", SceneColors::Number},
+                                 {"keyword", SceneColors::Keyword},
+                                 {"type", SceneColors::Type},
+                                 {"call", SceneColors::Call},
+                                 {"member", SceneColors::Member}};
+    for (const Rule &rule : rules) {
+        if (!match.captured(QLatin1String(rule.group)).isEmpty())
+            return rule.color;
+    }
+    return SceneColors::Text;
+}
+
+void paintLine(QPainter &painter, const QPoint &baseline, const QString &line)
+{
+    const int advance = painter.fontMetrics().horizontalAdvance(QLatin1Char('m'));
+    painter.setPen(SceneColors::Text);
+    painter.drawText(baseline, line);
+    QRegularExpressionMatchIterator matches = tokens().globalMatch(line);
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        const QPoint at(baseline.x() + match.capturedStart() * advance, baseline.y());
+        const QRect place(at.x(), at.y() - painter.fontMetrics().ascent(), match.capturedLength() * advance,
+                          painter.fontMetrics().height());
+        painter.fillRect(place, SceneColors::EditorBackground);
+        painter.setPen(colorOf(match));
+        painter.drawText(at, match.captured());
+    }
+}
+
+} // namespace
+
+CodeStrip::CodeStrip(int width, int fontPx)
+{
+    const QStringList lines = SceneText::code();
+    const int lineHeight = fontPx * 3 / 2;
+    m_strip = QImage(width, lines.size() * lineHeight, QImage::Format_RGB32);
+    m_strip.fill(SceneColors::EditorBackground);
+    QPainter painter(&m_strip);
+    painter.setFont(SceneColors::codeFont(fontPx));
+    const int advance = painter.fontMetrics().horizontalAdvance(QLatin1Char('m'));
+    for (int i = 0; i < lines.size(); ++i) {
+        const int baseline = i * lineHeight + (lineHeight + painter.fontMetrics().ascent()) / 2 - 1;
+        painter.setPen(SceneColors::LineNumber);
+        painter.drawText(advance, baseline, QString::number(i + 1).rightJustified(3));
+        paintLine(painter, QPoint(advance * 6, baseline), lines.at(i));
+    }
+}
+
+void CodeStrip::paint(QPainter &painter, const QRect &area, int offset) const
+{
+    int source = offset % m_strip.height();
+    for (int y = area.top(); y <= area.bottom();) {
+        const int rows = qMin(m_strip.height() - source, area.bottom() + 1 - y);
+        painter.drawImage(QPoint(area.x(), y), m_strip, QRect(0, source, area.width(), rows));
+        y += rows;
+        source = 0;
+    }
+}

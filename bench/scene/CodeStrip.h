@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QImage>
+#include <QPainter>
+#include <QRect>
+
+/// Source code in small coloured letters, drawn once as one tall image and then scrolled as an endless loop.
+class CodeStrip
+{
+public:
+    /// `width` in pixels; `fontPx` is the height of the font.
+    CodeStrip(int width, int fontPx);
+
+    /// Fills `area` with the code, scrolled by so many pixels.
+    void paint(QPainter &painter, const QRect &area, int offset) const;
+
+private:
+    QImage m_strip;
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QImage>
+#include <QPainter>
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+
+/// A small window that drifts over the others, with a clock, a progress bar and a chart.
+class FloatingCard
+{
+public:
+    FloatingCard(const QSize &sceneSize, const QSize &size);
+
+    /// All that it covers at that frame, its shadow included.
+    QRect extent(int frame) const;
+
+    void paint(QPainter &painter, int frame) const;
+
+private:
+    QPoint position(int frame) const;
+    void paintChart(QPainter &painter, const QRect &area, int frame) const;
+    void paintProgress(QPainter &painter, const QRect &area, int frame) const;
+
+    const QSize m_sceneSize;
+    const QSize m_size;
+    const QImage m_shadow;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QImage>
+#include <QRect>
+#include <QSize>
+
+/// Where things are in a scene of a given size.
+struct SceneLayout {
+    explicit SceneLayout(const QSize &size);
+
+    QSize size;
+    int fontPx;    ///< of code and terminal
+    int titleBar;  ///< height of a window's title bar
+    int statusBar; ///< height of the editor's status bar
+    QRect editor;
+    QRect fileList;
+    QRect code;
+    QRect terminal;
+    QRect terminalText;
+    QSize card;
+};
+
+/// What lies below all else and never changes: the desktop and the editor without its code.
+QImage paintSceneBackdrop(const SceneLayout &layout);
+
+/// The empty terminal with its shadow, transparent around it; it lies over the code. ShadowMargin larger on every side.
+QImage paintTerminalWindow(const SceneLayout &layout);
+
+/// A soft shadow for a rounded rectangle of that size; it is `ShadowMargin` larger on every side.
+constexpr int ShadowMargin = 40;
+QImage paintShadow(const QSize &size, int radius);

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QImage>
+#include <QRegion>
+#include <QSize>
+#include <QString>
+
+#include <xcb/xcb.h>
+
+#include <cstddef>
+#include <cstdint>
+
+/// A bare window in the upper left corner of an X screen, painted through shared memory.
+class SceneWindow
+{
+public:
+    /// `size` may be empty: the whole screen.
+    explicit SceneWindow(QSize size);
+    ~SceneWindow();
+    SceneWindow(const SceneWindow &) = delete;
+    SceneWindow &operator=(const SceneWindow &) = delete;
+
+    /// Why there is no window; empty when there is one.
+    QString errorString() const { return m_error; }
+
+    /// What to paint into. It keeps what was painted before.
+    QImage &canvas() { return m_canvas; }
+
+    /// Shows those parts of the canvas. All at one moment, so that nobody who looks sees half of a frame. False when
+    /// the display is gone.
+    bool show(const QRegion &region);
+
+private:
+    bool shareCanvas(const QSize &size);
+
+    xcb_connection_t *m_connection = nullptr;
+    xcb_window_t m_window = 0;
+    xcb_gcontext_t m_context = 0;
+    std::uint32_t m_segment = 0;
+    void *m_memory = nullptr;
+    std::size_t m_memorySize = 0;
+    QImage m_canvas;
+    QString m_error;
+};

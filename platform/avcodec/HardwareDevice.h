@@ -1,0 +1,16 @@
+#pragma once
+
+#include "avcodec/AvHandles.h"
+
+#include <QByteArray>
+
+namespace av
+{
+
+/// Opens the machine's device of an FFmpeg type ("vaapi", "cuda", "d3d11va", …). Null when there is none.
+BufferRef openDevice(const QByteArray &type);
+
+/// The type of a device that can decode for the codec and really opens on this machine; empty when there is none.
+QByteArray usableDeviceType(const AVCodec *codec);
+
+} // namespace av

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "playback/KelPlaybackSeams.h"
+#include "playback/KelPlaybackTrack.h"
+
+#include <QPixmap>
+#include <QSize>
+
+#include <memory>
+#include <vector>
+
+/// The bottom layer of every picture: the recorded screen video. Maps logic frames to video frames through the frame
+/// index table and keeps the one decoded frame that is shown. A frame that cannot be decoded leaves the picture as it
+/// is.
+class KelPlaybackScreenTrack : public KelPlaybackTrack
+{
+    Q_OBJECT
+
+public:
+    /// Opens the video; errorString() is set when that fails. `devicePixelRatio` is that of the recording.
+    KelPlaybackScreenTrack(double devicePixelRatio, const QString &directory, bool preferHardwareDecode,
+                           const KelDecoderFactory &decoders, KelPlaybackTrackManager *manager);
+    ~KelPlaybackScreenTrack() override;
+
+    void seekToFrame(int frame) override;
+    void paint(QPainter *painter) override;
+    int nextKeyFrame() override;
+
+    /// Entries of the frame index table: the recording's number of logic frames.
+    int logicFrameCount() const;
+    int videoFrameCount() const { return m_videoFrameCount; }
+    /// The video's size in logical pixels, empty without a video.
+    QSize frameSize() const;
+    /// Drops the picture and the table and closes the video.
+    void releaseDecoder();
+
+private:
+    using DecoderPointer = std::unique_ptr<KelAVCodecDecoder>;
+
+    bool chooseVideo();
+    DecoderPointer openDecoder();
+    DecoderPointer openFfv1() const;
+    bool recreateDecoder();
+    void resetState();
+    void closeDecoder();
+    bool showFrame(int videoFrame);
+    bool isMatroska() const;
+
+    const KelDecoderFactory m_decoders;
+    DecoderPointer m_decoder;
+    QString m_videoPath;
+    QPixmap m_currentPixmap;
+    int m_currentLogicFrame = -1; // the last one asked for
+    int m_lastVideoFrame = -1;    // the one in m_currentPixmap
+    int m_videoFrameCount = 0;
+    const double m_devicePixelRatio;
+    bool m_hasFrame = false;
+    const bool m_preferHardwareDecode;
+    std::vector<int> m_frameIndexes; // logic frame -> video frame
+};

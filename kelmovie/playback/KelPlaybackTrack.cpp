@@ -1,0 +1,13 @@
+#include "playback/KelPlaybackTrack.h"
+
+KelPlaybackTrack::KelPlaybackTrack(const QString &directory, KelPlaybackTrackManager *)
+    : m_directory(directory)
+{
+}
+
+KelPlaybackTrack::~KelPlaybackTrack() = default;
+
+bool KelPlaybackTrack::isVisible()
+{
+    return true;
+}

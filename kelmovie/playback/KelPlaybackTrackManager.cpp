@@ -1,0 +1,341 @@
+#include "playback/KelPlaybackTrackManager.h"
+
+#include "playback/KelPlaybackScreenTrack.h"
+#include "playback/KelPlaybackSeams.h"
+#include "playback/PlaybackClock.h"
+#include "record/KelRecordingMetadata.h"
+
+#include <QDebug>
+#include <QFileInfo>
+#include <QPainter>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+namespace
+{
+
+constexpr double kMinSpeed = 0.1;
+constexpr double kMaxSpeed = 16.0;
+constexpr double kSkippingSpeed = 1.5;
+constexpr int kJumpFrames = 2;
+
+// Above a certain speed only every n-th frame change is decoded. Counted for all managers together, for good.
+unsigned frameChanges = 0;
+
+} // namespace
+
+class KelPlaybackTrackManager::Private
+{
+public:
+    Private(KelPlaybackTrackManager *manager, const QString &dir, bool hardware, const KelPlaybackSeams &outside)
+        : q(manager)
+        , seams(outside)
+        , timer(manager)
+        , recordDir(dir)
+        , preferHardwareDecode(hardware)
+    {
+    }
+
+    void createTracks();
+    void createScreenTrack();
+    void decideFrameCount();
+    bool holds(int frame) const { return frame >= 0 && frame < totalFrames; }
+    bool isJump(int frame) const;
+    void moveTracks(int frame);
+    void restartClock() { clock.restart(seams.nowMs(), currentFrame); }
+    void tick();
+    void endPlay();
+
+    KelPlaybackTrackManager *const q;
+    const KelPlaybackSeams seams;
+    QTimer timer;
+    std::vector<std::unique_ptr<KelPlaybackTrack>> tracks; // in painting order
+    KelPlaybackScreenTrack *screenTrack = nullptr;         // the one in tracks
+    State state = Stopped;
+    const QString recordDir;
+    KelRecordingMetadata metadata;
+    QString errorString;
+    PlaybackClock clock;
+    int currentFrame = 0;
+    int totalFrames = 0;
+    bool exporting = false;
+    qint64 lastPlayDurationMs = 0;
+    const bool preferHardwareDecode;
+};
+
+/// The order is the painting order: what comes later lies above.
+void KelPlaybackTrackManager::Private::createTracks()
+{
+    if (metadata.screenTrack)
+        createScreenTrack();
+    decideFrameCount();
+}
+
+void KelPlaybackTrackManager::Private::createScreenTrack()
+{
+    const QString dir = recordDir + "/Screen";
+    if (!QFileInfo(dir).isDir()) {
+        errorString = "Screen directory not found: " + dir;
+        qWarning() << "Screen track enabled but directory not found:" << dir;
+        return;
+    }
+    auto track = std::make_unique<KelPlaybackScreenTrack>(metadata.devicePixelRatio, dir, preferHardwareDecode,
+                                                          seams.decoders, q);
+    if (!track->errorString().isEmpty()) {
+        errorString = track->errorString();
+        qCritical() << "Screen track creation failed:" << errorString;
+        return;
+    }
+    screenTrack = track.get();
+    tracks.push_back(std::move(track));
+}
+
+void KelPlaybackTrackManager::Private::decideFrameCount()
+{
+    totalFrames = 1;
+    if (!metadata.screenTrack) {
+        errorString = "The recording has no screen track";
+        qWarning() << "Screen track disabled, cannot determine frame count";
+    } else if (!screenTrack) {
+        qCritical() << "No screen track found in tracks list";
+    } else if (screenTrack->logicFrameCount() <= 0) {
+        qWarning() << "Screen track has no logic frames, using fallback";
+    } else {
+        totalFrames = screenTrack->logicFrameCount();
+    }
+}
+
+bool KelPlaybackTrackManager::Private::isJump(int frame) const
+{
+    return std::abs(frame - currentFrame) > kJumpFrames;
+}
+
+void KelPlaybackTrackManager::Private::moveTracks(int frame)
+{
+    for (const auto &track : tracks)
+        track->seekToFrame(frame);
+}
+
+void KelPlaybackTrackManager::Private::tick()
+{
+    if (state != Playing)
+        return;
+    const qint64 now = seams.nowMs();
+    const int previous = currentFrame;
+    currentFrame = clock.frameAt(now, totalFrames);
+    const bool changed = currentFrame != previous;
+    if (changed)
+        emit q->sigFrameChanged(currentFrame);
+    if (state != Playing)
+        return; // the listener paused or stopped
+    if (currentFrame >= totalFrames - 1 && clock.isOver(now, totalFrames)) {
+        lastPlayDurationMs = now - clock.startMs;
+        endPlay();
+        return;
+    }
+    if (!changed)
+        return;
+    ++frameChanges;
+    const unsigned step = clock.speed > kSkippingSpeed ? unsigned(clock.speed) : 1U;
+    if (frameChanges % step == 0)
+        q->seek(currentFrame, false);
+}
+
+void KelPlaybackTrackManager::Private::endPlay()
+{
+    timer.stop();
+    state = Stopped;
+    currentFrame = 0;
+    emit q->sigFrameChanged(0);
+    emit q->sigPlaybackStopped();
+}
+
+KelPlaybackTrackManager::KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode, QObject *parent)
+    : KelPlaybackTrackManager(recordDir, preferHardwareDecode, KelPlaybackSeams::real(), parent)
+{
+}
+
+KelPlaybackTrackManager::KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode,
+                                                 const KelPlaybackSeams &seams, QObject *parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>(this, recordDir, preferHardwareDecode, seams))
+{
+    connect(&d->timer, &QTimer::timeout, this, [this] { d->tick(); });
+    d->timer.setTimerType(Qt::PreciseTimer);
+    KelRecordingMetadata::load(recordDir, &d->metadata);
+    d->clock.fps = d->metadata.fps;
+    d->createTracks();
+    if (!QFileInfo(recordDir).isDir())
+        d->errorString = "Recording directory not found: " + recordDir;
+}
+
+KelPlaybackTrackManager::~KelPlaybackTrackManager() = default;
+
+bool KelPlaybackTrackManager::isValidRecording() const
+{
+    return d->screenTrack != nullptr;
+}
+
+QString KelPlaybackTrackManager::errorString() const
+{
+    return d->errorString;
+}
+
+QString KelPlaybackTrackManager::recordDir() const
+{
+    return d->recordDir;
+}
+
+const KelRecordingMetadata &KelPlaybackTrackManager::metadata() const
+{
+    return d->metadata;
+}
+
+KelPlaybackTrackManager::State KelPlaybackTrackManager::state() const
+{
+    return d->state;
+}
+
+int KelPlaybackTrackManager::currentFrame() const
+{
+    return d->currentFrame;
+}
+
+int KelPlaybackTrackManager::totalFrames() const
+{
+    return d->totalFrames;
+}
+
+int KelPlaybackTrackManager::fps() const
+{
+    return d->metadata.fps;
+}
+
+qint64 KelPlaybackTrackManager::durationMs() const
+{
+    return d->metadata.durationMs;
+}
+
+double KelPlaybackTrackManager::speed() const
+{
+    return d->clock.speed;
+}
+
+qint64 KelPlaybackTrackManager::lastPlayDurationMs() const
+{
+    return d->lastPlayDurationMs;
+}
+
+QRect KelPlaybackTrackManager::recordArea() const
+{
+    return d->metadata.recordArea;
+}
+
+double KelPlaybackTrackManager::devicePixelRatio() const
+{
+    return d->metadata.devicePixelRatio;
+}
+
+QSize KelPlaybackTrackManager::pictureSize() const
+{
+    const QSize area = d->metadata.recordArea.size();
+    return area.isEmpty() && d->screenTrack ? d->screenTrack->frameSize() : area;
+}
+
+int KelPlaybackTrackManager::videoFrameCount() const
+{
+    return d->screenTrack ? d->screenTrack->videoFrameCount() : 0;
+}
+
+QStringList KelPlaybackTrackManager::trackNames() const
+{
+    QStringList names;
+    for (const auto &track : d->tracks)
+        names.append(track->name());
+    return names;
+}
+
+void KelPlaybackTrackManager::play()
+{
+    if (d->state == Playing)
+        return;
+    // After the end of play the tracks still stand at the last frame.
+    if (d->state == Stopped)
+        d->moveTracks(d->currentFrame);
+    d->state = Playing;
+    d->restartClock();
+    // Twice a frame, so that a frame is never late by a whole one.
+    d->timer.start(std::max(1, 500 / fps()));
+    emit sigPlaybackStarted();
+}
+
+void KelPlaybackTrackManager::pause()
+{
+    if (d->state != Playing)
+        return;
+    d->timer.stop();
+    d->state = Paused;
+    emit sigPlaybackPaused();
+}
+
+void KelPlaybackTrackManager::stop()
+{
+    if (d->state != Stopped)
+        d->endPlay();
+}
+
+void KelPlaybackTrackManager::setSpeed(double speed)
+{
+    if (!std::isfinite(speed))
+        return;
+    d->clock.speed = std::clamp(speed, kMinSpeed, kMaxSpeed);
+    d->restartClock();
+    emit sigPlaybackSpeedChanged(d->clock.speed);
+}
+
+void KelPlaybackTrackManager::seek(int frame)
+{
+    seek(frame, false);
+}
+
+void KelPlaybackTrackManager::seek(int frame, bool force)
+{
+    if (!d->holds(frame))
+        return;
+    const bool isMove = force || d->isJump(frame);
+    d->currentFrame = frame;
+    if (isMove && d->state == Playing)
+        d->restartClock();
+    d->moveTracks(frame);
+    emit sigFrameChanged(frame);
+}
+
+void KelPlaybackTrackManager::setFrameSilently(int frame)
+{
+    if (!d->holds(frame))
+        return;
+    d->currentFrame = frame;
+    d->moveTracks(frame);
+}
+
+void KelPlaybackTrackManager::paint(QPainter *painter)
+{
+    if (!painter)
+        return;
+    for (const auto &track : d->tracks)
+        track->paint(painter);
+}
+
+void KelPlaybackTrackManager::setExporting(bool on)
+{
+    d->exporting = on;
+}
+
+bool KelPlaybackTrackManager::isExporting() const
+{
+    return d->exporting;
+}

@@ -1,0 +1,19 @@
+#include "playback/PlaybackClock.h"
+
+#include <algorithm>
+
+void PlaybackClock::restart(qint64 nowMs, int frame)
+{
+    startMs = nowMs - qint64(double(frame) / fps * 1000.0 / speed);
+}
+
+int PlaybackClock::frameAt(qint64 nowMs, int totalFrames) const
+{
+    const double due = double(fps * (nowMs - startMs)) * speed / 1000.0;
+    return int(std::clamp(due, 0.0, double(totalFrames - 1)));
+}
+
+bool PlaybackClock::isOver(qint64 nowMs, int totalFrames) const
+{
+    return double(nowMs - startMs) >= totalFrames * 1000.0 / (fps * speed);
+}

@@ -30,7 +30,8 @@ public:
     KelAsyncEncoder(const KelAsyncEncoder &) = delete;
     KelAsyncEncoder &operator=(const KelAsyncEncoder &) = delete;
 
-    /// Called once, on the encoder's thread (or in place when it has failed already), with the first failure.
+    /// Called once with the first failure: on the encoder's thread, in waitForClosed(), or in place when it has failed
+    /// already.
     virtual void setErrorHandler(std::function<void(const QString &)> handler);
 
     /// True while another frame cannot be taken without waiting, and for good after a failure.

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <cstdint> // x264.h uses its types but does not include it
+
+extern "C" {
+#include <x264.h>
+}
+
+#include <memory>
+
+struct PlanarFrame;
+
+/// One picture, encoded: H.264 NAL units with four-byte lengths, as MP4 stores them.
+struct EncodedPicture {
+    const uint8_t *data = nullptr; ///< owned by the encoder, until its next call
+    int size = 0;                  ///< 0: there is no picture
+    qint64 pts = 0;
+    qint64 dts = 0;
+    bool isKeyframe = false;
+};
+
+/// Owner of one libx264 encoder. One thread at a time.
+class X264Encoder
+{
+public:
+    /// Opens the encoder; the parameters that its packet format depends on are set here.
+    explicit X264Encoder(x264_param_t param);
+
+    bool isValid() const { return m_encoder != nullptr; }
+
+    /// The "avcC" record: profile, level and the parameter sets.
+    QByteArray decoderConfiguration() const;
+
+    /// Encodes a frame. False when the encoder failed. The picture may be empty or an earlier one's.
+    bool encode(const PlanarFrame &frame, qint64 pts, EncodedPicture *picture);
+
+    /// The encoder holds back pictures that flush() delivers.
+    bool hasDelayedPictures() const;
+
+    /// Delivers one picture that was held back.
+    bool flush(EncodedPicture *picture);
+
+private:
+    bool encode(x264_picture_t *input, EncodedPicture *picture);
+
+    struct Closer {
+        void operator()(x264_t *encoder) const { x264_encoder_close(encoder); }
+    };
+    const int m_colourSpace;
+    const std::size_t m_macroblocks;
+    std::unique_ptr<x264_t, Closer> m_encoder;
+};

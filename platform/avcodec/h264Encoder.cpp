@@ -1,0 +1,269 @@
+#include "avcodec/h264Encoder.h"
+
+#include "avcodec/BoundedWorker.h"
+#include "avcodec/FirstError.h"
+#include "avcodec/Mp4Muxer.h"
+#include "avcodec/PlanarFrames.h"
+#include "avcodec/X264Encoder.h"
+
+#include <QDebug>
+
+#include <algorithm>
+#include <atomic>
+
+namespace
+{
+
+constexpr int kMaxDimension = 16384;
+constexpr int kQueueCapacity = 3;
+
+float rateFactor(int quality)
+{
+    constexpr float best = 10;
+    constexpr float worst = 50;
+    return worst - (worst - best) * float(std::clamp(quality, 0, 100)) / 100;
+}
+
+x264_param_t encoderParams(const QSize &size, int fps, int quality)
+{
+    x264_param_t x264;
+    x264_param_default_preset(&x264, "veryfast", nullptr);
+    x264.i_width = size.width();
+    x264.i_height = size.height();
+    x264.i_fps_num = uint32_t(fps);
+    x264.i_fps_den = 1;
+    x264.i_timebase_num = 1;
+    x264.i_timebase_den = uint32_t(fps);
+    x264.b_vfr_input = 0;
+    x264.i_csp = X264_CSP_I420;
+    x264.vui.i_colorprim = 1;
+    x264.vui.i_transfer = 1;
+    x264.vui.i_colmatrix = 1;
+    x264.vui.b_fullrange = 0;
+    x264.vui.i_chroma_loc = 1; // chroma samples are means of four pixels
+    x264.rc.i_rc_method = X264_RC_CRF;
+    x264.rc.f_rf_constant = rateFactor(quality);
+    constexpr int keyframeSeconds = 5; // for seeking in players
+    x264.i_keyint_max = std::min(keyframeSeconds * fps, 250);
+    x264_param_apply_profile(&x264, "high");
+    return x264;
+}
+
+QString parameterError(const h264Encoder::Params &params)
+{
+    const QSize &size = params.size;
+    if (size.isEmpty() || size.width() > kMaxDimension || size.height() > kMaxDimension)
+        return QStringLiteral("Cannot encode pictures of %1 x %2 pixels").arg(size.width()).arg(size.height());
+    if (params.fps < 1 || params.fps > 1000)
+        return QStringLiteral("Cannot encode %1 frames a second").arg(params.fps);
+    return {};
+}
+
+/// An output file of libavformat's own, which can be opened again to move the index to the front.
+class OutputFile
+{
+public:
+    ~OutputFile() { close(); }
+    int open(const QByteArray &url) { return avio_open(&m_io, url.constData(), AVIO_FLAG_WRITE); }
+    int close() { return avio_closep(&m_io); }
+    AVIOContext *io() const { return m_io; }
+
+private:
+    AVIOContext *m_io = nullptr;
+};
+
+} // namespace
+
+class h264Encoder::Private
+{
+public:
+    explicit Private(const Params &p);
+
+    bool addFrame(quint64 index, const QImage &image);
+    bool close();
+    void abort();
+    bool fail(const QString &text);
+    bool failToWrite(int code);
+
+    const Params params;
+    FirstError error;
+    std::atomic<quint64> framesWritten{0};
+
+private:
+    struct Item {
+        PlanarFrame *frame;
+        qint64 index;
+    };
+
+    QString open();
+    bool encode(const Item &item);
+    bool write(const EncodedPicture &picture);
+    bool drain();
+
+    std::unique_ptr<PlanarFrames> frames;
+    std::unique_ptr<X264Encoder> encoder;
+    OutputFile file;
+    std::unique_ptr<Mp4Muxer> muxer;
+    qint64 lastIndex = -1;
+    bool isClosed = false;
+    std::unique_ptr<BoundedWorker<Item>> worker; // last: its thread uses all of the above
+};
+
+h264Encoder::Private::Private(const Params &p)
+    : params(p)
+{
+    if (const QString text = open(); !text.isEmpty())
+        fail(text);
+}
+
+QString h264Encoder::Private::open()
+{
+    if (const QString text = parameterError(params); !text.isEmpty())
+        return text;
+    frames = std::make_unique<PlanarFrames>(params.size, PlanarFrames::Layout::Bt709Yuv420, kQueueCapacity + 1);
+    encoder = std::make_unique<X264Encoder>(encoderParams(frames->pictureSize(), params.fps, params.quality));
+    if (!encoder->isValid())
+        return QStringLiteral("The H.264 encoder cannot be opened");
+    const QByteArray url = "file:" + params.path.toUtf8();
+    int code = file.open(url);
+    if (code == 0) {
+        muxer =
+            std::make_unique<Mp4Muxer>(Mp4VideoTrack{frames->pictureSize(), params.fps, encoder->decoderConfiguration(),
+                                                     AVCOL_SPC_BT709, AVCOL_RANGE_MPEG},
+                                       file.io(), url.constData());
+        code = muxer->writeHeader("faststart");
+    }
+    if (code < 0)
+        return QStringLiteral("Cannot write %1: %2").arg(params.path, av::errorText(code));
+    worker =
+        std::make_unique<BoundedWorker<Item>>(std::size_t(kQueueCapacity), [this](Item &item) { return encode(item); });
+    return {};
+}
+
+bool h264Encoder::Private::addFrame(quint64 index, const QImage &image)
+{
+    if (error.isSet())
+        return false;
+    if (isClosed)
+        return fail(QStringLiteral("Frame %1 came after the end").arg(index));
+    if (image.size() != params.size)
+        return fail(QStringLiteral("Frame %1 has %2 x %3 pixels instead of %4 x %5")
+                        .arg(index)
+                        .arg(image.width())
+                        .arg(image.height())
+                        .arg(params.size.width())
+                        .arg(params.size.height()));
+    if (qint64(index) <= lastIndex)
+        return fail(QStringLiteral("Frame %1 came after frame %2").arg(index).arg(lastIndex));
+    lastIndex = qint64(index);
+    // There is one frame more than the queue takes, so this one is converted while the queue is full.
+    PlanarFrame *frame = frames->convert(image);
+    if (!frame || !worker->push({frame, lastIndex}))
+        return fail(QStringLiteral("The H.264 encoder does not answer"));
+    return true;
+}
+
+bool h264Encoder::Private::close()
+{
+    if (isClosed || !worker)
+        return !error.isSet();
+    isClosed = true;
+    worker->finish();
+    if (error.isSet() || !drain())
+        return false;
+    if (const int code = muxer->writeTrailer(); code < 0)
+        return failToWrite(code);
+    if (const int code = file.close(); code < 0)
+        return failToWrite(code);
+    return true;
+}
+
+void h264Encoder::Private::abort()
+{
+    fail(QStringLiteral("Aborted"));
+    if (worker)
+        worker->abort();
+}
+
+bool h264Encoder::Private::encode(const Item &item)
+{
+    EncodedPicture picture;
+    const bool isEncoded = encoder->encode(*item.frame, item.index, &picture);
+    frames->release(item.frame);
+    if (!isEncoded)
+        return fail(QStringLiteral("The H.264 encoder failed at frame %1").arg(item.index));
+    return write(picture);
+}
+
+bool h264Encoder::Private::write(const EncodedPicture &picture)
+{
+    if (error.isSet())
+        return false;
+    if (picture.size == 0)
+        return true;
+    if (const int code = muxer->writePicture(picture); code < 0)
+        return failToWrite(code);
+    ++framesWritten;
+    return true;
+}
+
+bool h264Encoder::Private::drain()
+{
+    while (encoder->hasDelayedPictures()) {
+        EncodedPicture picture;
+        if (!encoder->flush(&picture))
+            return fail(QStringLiteral("The H.264 encoder failed at the end"));
+        if (!write(picture))
+            return false;
+    }
+    return true;
+}
+
+bool h264Encoder::Private::fail(const QString &text)
+{
+    if (error.set(text))
+        qWarning().noquote() << "[h264Encoder]" << text;
+    return false;
+}
+
+bool h264Encoder::Private::failToWrite(int code)
+{
+    return fail(QStringLiteral("Cannot write %1: %2").arg(params.path, av::errorText(code)));
+}
+
+h264Encoder::h264Encoder(const Params &params)
+    : d(std::make_unique<Private>(params))
+{
+}
+
+h264Encoder::~h264Encoder() = default;
+
+bool h264Encoder::isValid() const
+{
+    return !d->error.isSet();
+}
+
+bool h264Encoder::addFrame(quint64 index, const QImage &image)
+{
+    return d->addFrame(index, image);
+}
+
+bool h264Encoder::close()
+{
+    return d->close();
+}
+
+void h264Encoder::abort()
+{
+    d->abort();
+}
+
+quint64 h264Encoder::framesWritten() const
+{
+    return d->framesWritten;
+}
+
+QString h264Encoder::errorString() const
+{
+    return d->error.text();
+}

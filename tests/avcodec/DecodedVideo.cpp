@@ -1,0 +1,133 @@
+#include "avcodec/DecodedVideo.h"
+
+#include <QFile>
+#include <QPainter>
+#include <QtEndian>
+
+#include <cmath>
+
+DecodedVideo::DecodedVideo(const QString &path)
+{
+    errorString = read(path);
+}
+
+QString DecodedVideo::read(const QString &path)
+{
+    AVFormatContext *opened = nullptr;
+    if (const int code = avformat_open_input(&opened, path.toUtf8(), nullptr, nullptr); code < 0)
+        return av::errorText(code);
+    const av::FormatContext format(opened);
+    if (format->nb_streams != 1)
+        return QStringLiteral("%1 streams").arg(format->nb_streams);
+    const AVStream *stream = format->streams[0];
+    statedFrames = stream->nb_frames;
+    fps = av_q2d(stream->avg_frame_rate);
+    containerColorSpace = stream->codecpar->color_space;
+    containerColorRange = stream->codecpar->color_range;
+
+    const av::CodecContext codec(avcodec_alloc_context3(avcodec_find_decoder(stream->codecpar->codec_id)));
+    avcodec_parameters_to_context(codec.get(), stream->codecpar);
+    codec->err_recognition = AV_EF_EXPLODE;
+    if (const int code = avcodec_open2(codec.get(), nullptr, nullptr); code < 0)
+        return av::errorText(code);
+
+    const auto receive = [&] {
+        for (;;) {
+            av::Frame frame(av_frame_alloc());
+            const int code = avcodec_receive_frame(codec.get(), frame.get());
+            if (code < 0)
+                return code == AVERROR(EAGAIN) || code == AVERROR_EOF ? 0 : code;
+            const AVRational frameTime = av_inv_q(stream->r_frame_rate.num ? stream->r_frame_rate : av_make_q(30, 1));
+            times.push_back(av_rescale_q(frame->best_effort_timestamp, stream->time_base, frameTime));
+            frames.push_back(std::move(frame));
+        }
+    };
+    const av::Packet packet(av_packet_alloc());
+    int code = 0;
+    while ((code = av_read_frame(format.get(), packet.get())) == 0) {
+        keyframes.push_back(packet->flags & AV_PKT_FLAG_KEY);
+        code = avcodec_send_packet(codec.get(), packet.get());
+        av_packet_unref(packet.get());
+        if (code == 0)
+            code = receive();
+        if (code < 0)
+            return QStringLiteral("Frame %1: %2").arg(frames.size()).arg(av::errorText(code));
+    }
+    if (code != AVERROR_EOF)
+        return av::errorText(code);
+    avcodec_send_packet(codec.get(), nullptr);
+    code = receive();
+    return code < 0 ? av::errorText(code) : QString();
+}
+
+QImage DecodedVideo::rgbImage(int index) const
+{
+    const AVFrame *frame = frames.at(std::size_t(index)).get();
+    if (frame->format != AV_PIX_FMT_GBRP)
+        return {};
+    QImage image(frame->width, frame->height, QImage::Format_RGB32);
+    for (int y = 0; y < frame->height; ++y)
+        for (int x = 0; x < frame->width; ++x)
+            image.setPixel(x, y, qRgb(sample(index, 2, x, y), sample(index, 0, x, y), sample(index, 1, x, y)));
+    return image;
+}
+
+int DecodedVideo::sample(int frame, int plane, int x, int y) const
+{
+    const AVFrame *f = frames.at(std::size_t(frame)).get();
+    return f->data[plane][y * f->linesize[plane] + x];
+}
+
+QList<QByteArray> mp4Boxes(const QString &path)
+{
+    QFile file(path);
+    QList<QByteArray> types;
+    if (!file.open(QIODevice::ReadOnly))
+        return types;
+    while (!file.atEnd()) {
+        const qint64 begin = file.pos();
+        const QByteArray header = file.read(16);
+        if (header.size() < 8)
+            return types << "?";
+        qint64 size = qFromBigEndian<quint32>(header.constData());
+        if (size == 1 && header.size() == 16)
+            size = qFromBigEndian<qint64>(header.constData() + 8);
+        types << header.mid(4, 4);
+        if (size < 8 || begin + size > file.size() || !file.seek(begin + size))
+            return types << "?";
+    }
+    return types;
+}
+
+double psnr(const QImage &a, const QImage &b)
+{
+    if (a.size() != b.size())
+        return 0;
+    qint64 sum = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x, y);
+            for (const int d : {qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q)})
+                sum += d * d;
+        }
+    }
+    return sum == 0 ? 99 : 10 * std::log10(255.0 * 255.0 * 3 * a.width() * a.height() / double(sum));
+}
+
+QImage textPicture(const QSize &size, int number)
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPixelSize(9);
+    painter.setFont(font);
+    const QColor colors[] = {Qt::red, Qt::blue, Qt::darkGreen, Qt::black, Qt::magenta, QColor(200, 120, 0)};
+    for (int line = 0; line * 12 < size.height() + number * 3 + 12; ++line) {
+        painter.setPen(colors[line % 6]);
+        painter.drawText(2 + line % 5, line * 12 - number * 3,
+                         QStringLiteral("%1 The quick brown fox jumps over the lazy dog ").arg(line).repeated(6));
+    }
+    return image;
+}

@@ -1,0 +1,184 @@
+// What is left of a recording when the process is killed or the disk is full.
+
+#include "avcodec/DecodedVideo.h"
+#include "avcodec/KelAsyncEncoder.h"
+#include "avcodec/Mp4Index.h"
+#include "avcodec/X264Encoder.h"
+
+#include <QGuiApplication>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <QtTest>
+
+#include <csignal>
+#include <cstdio>
+
+#include <sys/resource.h>
+
+namespace
+{
+
+constexpr int kFps = 30;
+const QSize kSize(320, 180);
+
+KelAsyncEncoder::Params params(const QString &path)
+{
+    return {kSize, QImage::Format_ARGB32_Premultiplied, path, kFps};
+}
+
+/// Records until the encoder fails or has taken `count` frames; returns how many it took.
+int record(KelAsyncEncoder &encoder, int count)
+{
+    int taken = 0;
+    while (taken < count && encoder.errorString().isEmpty())
+        if (encoder.addFrame(taken, textPicture(kSize, taken % 50)) == taken)
+            ++taken;
+    return taken;
+}
+
+/// Bounds the size of files, so that writing beyond fails as it does on a full disk.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(qint64 bytes)
+        : m_oldHandler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &m_old);
+        rlimit limit = m_old;
+        limit.rlim_cur = rlim_t(bytes);
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_old);
+        std::signal(SIGXFSZ, m_oldHandler);
+    }
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+private:
+    rlimit m_old{};
+    void (*m_oldHandler)(int);
+};
+
+} // namespace
+
+class tst_RecordingFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void survivesKill();
+    void survivesFullDisk_data();
+    void survivesFullDisk();
+    void addressesLargeFiles();
+
+private:
+    QString path() const { return m_dir.filePath(QStringLiteral("video.mp4")); }
+
+    QTemporaryDir m_dir;
+};
+
+void tst_RecordingFile::survivesKill()
+{
+    QProcess child;
+    child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--record"), path()});
+    int taken = 0;
+    while (taken < 100) {
+        QVERIFY(child.canReadLine() || child.waitForReadyRead(30000));
+        taken = child.readLine().toInt();
+    }
+    child.kill();
+    QVERIFY(child.waitForFinished());
+    QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+
+    const DecodedVideo video(path());
+    // The last fragment may be cut, and the reader may say so.
+    QVERIFY2(int(video.frames.size()) >= taken - kFps, qPrintable(QString::number(video.frames.size())));
+    for (int i = 0; i < int(video.frames.size()); i += 10)
+        QVERIFY(psnr(video.rgbImage(i), textPicture(kSize, i % 50)) >= 45);
+}
+
+void tst_RecordingFile::survivesFullDisk_data()
+{
+    constexpr int count = 60;
+    KelAsyncEncoder encoder(params(path()));
+    QCOMPARE(record(encoder, count), count);
+    encoder.waitForClosed();
+    // An ordinary file holds the fragments in its second box, whose 64-bit size stands behind the type.
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray begin = file.read(100);
+    const int mediaData = begin.indexOf("mdat");
+    const qint64 fragmentsEnd = mediaData - 4 + qFromBigEndian<qint64>(begin.constData() + mediaData + 4);
+
+    QTest::addColumn<qint64>("limit");
+    QTest::addColumn<int>("frames"); // at least
+    QTest::newRow("in the middle") << fragmentsEnd / 2 << 15;
+    QTest::newRow("in the last fragment") << fragmentsEnd - 1 << count - 1;
+    QTest::newRow("before the index") << fragmentsEnd << count;
+    QTest::newRow("in the index") << fragmentsEnd + 100 << count;
+}
+
+void tst_RecordingFile::survivesFullDisk()
+{
+    QFETCH(qint64, limit);
+    QFETCH(int, frames);
+    std::vector<QString> reports;
+    {
+        QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Cannot write")));
+        const FileSizeLimit fullDisk(limit);
+        KelAsyncEncoder encoder(params(path()));
+        encoder.setErrorHandler([&reports](const QString &text) { reports.push_back(text); });
+        const int taken = record(encoder, 60);
+        QVERIFY(taken >= frames);
+        encoder.waitForClosed();
+        QCOMPARE(encoder.addFrame(taken, textPicture(kSize, 0)), -1);
+        QCOMPARE(reports, std::vector<QString>{encoder.errorString()});
+        QVERIFY(reports[0].contains(path()));
+    }
+    const QList<QByteArray> boxes = mp4Boxes(path());
+    QCOMPARE(boxes.mid(0, 5), QList<QByteArray>({"ftyp", "free", "moov", "moof", "mdat"}));
+    QCOMPARE(boxes.last(), QByteArray("mdat"));
+    const DecodedVideo video(path());
+    QCOMPARE(video.errorString, QString());
+    QVERIFY(int(video.frames.size()) >= frames);
+}
+
+void tst_RecordingFile::addressesLargeFiles()
+{
+    // No picture is looked at; the record only has to look like one.
+    Mp4Index index({kSize, kFps, QByteArray::fromHex("014d401fffe1000400000000010004000000000000")});
+    const QByteArray bytes(1000, 'x');
+    const std::vector<qint64> offsets{1000, 0xfffff000, 0x100000001, 0x7fffffffff};
+    for (std::size_t i = 0; i < offsets.size(); ++i)
+        index.add({reinterpret_cast<const uint8_t *>(bytes.constData()), bytes.size(), qint64(i), qint64(i), i == 0},
+                  offsets[i]);
+    const QByteArray moov = index.finish();
+    QCOMPARE(qint64(moov.size()), qint64(qFromBigEndian<quint32>(moov.constData())));
+    const int table = moov.indexOf("co64");
+    QVERIFY(table > 0);
+    QCOMPARE(qFromBigEndian<quint32>(moov.constData() + table + 8), quint32(offsets.size()));
+    for (std::size_t i = 0; i < offsets.size(); ++i)
+        QCOMPARE(qFromBigEndian<qint64>(moov.constData() + table + 12 + 8 * i), offsets[i]);
+}
+
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == QLatin1String("--record")) {
+        KelAsyncEncoder encoder(params(arguments.value(2)));
+        for (int taken = 0;;) {
+            if (encoder.addFrame(taken, textPicture(kSize, taken % 50)) != taken)
+                continue;
+            std::printf("%d\n", ++taken);
+            std::fflush(stdout);
+        }
+    }
+    tst_RecordingFile test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_RecordingFile.moc"

@@ -36,7 +36,7 @@ public:
     KelExportPipeline(const KelExportPipeline &) = delete;
     KelExportPipeline &operator=(const KelExportPipeline &) = delete;
 
-    /// False on failure (errorString() tells) and on cancel (errorString() is empty).
+    /// Once. False on failure (errorString() tells) and on cancel (errorString() is empty).
     bool run();
 
     QString errorString() const;

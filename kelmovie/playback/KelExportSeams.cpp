@@ -1,0 +1,29 @@
+#include "playback/KelExportSeams.h"
+
+#include "avcodec/h264Encoder.h"
+
+#include <QDebug>
+#include <QImage>
+
+namespace
+{
+
+std::unique_ptr<KelAVCodecEncoder> createEncoder(int format, const QSize &size, const QString &path, int fps,
+                                                 int quality)
+{
+    switch (format) {
+    case 0:
+        return std::make_unique<h264Encoder>(
+            h264Encoder::Params{size, QImage::Format_ARGB32_Premultiplied, path, fps, quality});
+    default:
+        qWarning() << "Unsupported export format" << format;
+        return nullptr;
+    }
+}
+
+} // namespace
+
+KelExportSeams KelExportSeams::real()
+{
+    return {::createEncoder};
+}

@@ -12,6 +12,18 @@ X11Painter::X11Painter(const QByteArray &display)
     xcb_create_gc(m_connection, m_gc, m_screen->root, 0, nullptr);
 }
 
+uint32_t X11Painter::pixelValue(QRgb color) const
+{
+    if (m_screen->root_depth == 24)
+        return color & 0xffffff;
+    const auto cookie = xcb_alloc_color(m_connection, m_screen->default_colormap, uint16_t(qRed(color) * 0x101),
+                                        uint16_t(qGreen(color) * 0x101), uint16_t(qBlue(color) * 0x101));
+    xcb_alloc_color_reply_t *reply = xcb_alloc_color_reply(m_connection, cookie, nullptr);
+    const uint32_t value = reply ? reply->pixel : 0;
+    std::free(reply);
+    return value;
+}
+
 X11Painter::~X11Painter()
 {
     xcb_disconnect(m_connection);
@@ -50,7 +62,7 @@ void X11Painter::destroyWindow(xcb_window_t window)
 
 void X11Painter::fill(xcb_window_t window, const QRect &rect, QRgb color)
 {
-    const uint32_t foreground = color & 0xffffff;
+    const uint32_t foreground = pixelValue(color);
     xcb_change_gc(m_connection, m_gc, XCB_GC_FOREGROUND, &foreground);
     const xcb_rectangle_t area = {int16_t(rect.x()), int16_t(rect.y()), uint16_t(rect.width()),
                                   uint16_t(rect.height())};

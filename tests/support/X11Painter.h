@@ -7,7 +7,7 @@
 #include <xcb/xcb.h>
 
 /// An X11 client of its own that puts known pixels on the screen and reads them back, without anything of the product
-/// in between. Physical pixels; a screen of 24 bit. What it sends is done when sync() returns.
+/// in between. Physical pixels. What it sends is done when sync() returns.
 class X11Painter
 {
 public:
@@ -27,6 +27,7 @@ public:
     void destroyWindow(xcb_window_t window);
 
     /// Draws into a window; into the root window only what no window covers is seen.
+    /// Only fill() finds the right colour on screens that have not 8 bit a channel.
     void fill(xcb_window_t window, const QRect &rect, QRgb color);
     void put(xcb_window_t window, const QPoint &position, const QImage &image);
 
@@ -37,6 +38,8 @@ public:
     QImage grab(const QRect &rect);
 
 private:
+    uint32_t pixelValue(QRgb color) const;
+
     xcb_connection_t *m_connection;
     xcb_screen_t *m_screen = nullptr;
     xcb_gcontext_t m_gc = XCB_NONE;

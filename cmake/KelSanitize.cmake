@@ -2,4 +2,20 @@ set(KELMOVIE_SANITIZE "" CACHE STRING "Sanitizers to build everything with, e.g.
 if(KELMOVIE_SANITIZE)
   add_compile_options(-fsanitize=${KELMOVIE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${KELMOVIE_SANITIZE})
+
+  # Every program, test or not, brings along what its sanitizer has to know about the libraries that it uses.
+  find_package(Qt5 5.15 REQUIRED COMPONENTS Core)
+  if(KELMOVIE_SANITIZE MATCHES thread)
+    add_library(kel_sanitizer OBJECT ${CMAKE_CURRENT_LIST_DIR}/sanitize/ThreadSanitizer.cpp)
+    target_compile_options(kel_sanitizer PRIVATE -fno-sanitize=thread)
+    target_include_directories(kel_sanitizer SYSTEM PRIVATE ${Qt5Core_PRIVATE_INCLUDE_DIRS})
+  else()
+    add_library(kel_sanitizer OBJECT ${CMAKE_CURRENT_LIST_DIR}/sanitize/AddressSanitizer.cpp)
+  endif()
+  target_link_libraries(kel_sanitizer PRIVATE Qt5::Core)
+  set_target_properties(kel_sanitizer PROPERTIES AUTOMOC OFF)
+  add_library(kel_sanitized_program INTERFACE)
+  target_sources(kel_sanitized_program INTERFACE
+    $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:kel_sanitizer>>)
+  link_libraries($<BUILD_INTERFACE:kel_sanitized_program>)
 endif()

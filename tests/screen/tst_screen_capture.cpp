@@ -133,20 +133,22 @@ private slots:
 
     void partsAddUpToTheWhole_data()
     {
+        QTest::addColumn<int>("captures");
         QTest::addColumn<int>("drawsPerCapture");
-        QTest::newRow("few changes at a time") << 3;
-        QTest::newRow("many small rectangles") << 400;
+        QTest::newRow("few changes at a time") << 120 << 4;
+        QTest::newRow("many small rectangles") << 4 << 400;
     }
 
     void partsAddUpToTheWhole()
     {
+        QFETCH(int, captures);
         QFETCH(int, drawsPerCapture);
         const QRect rect(60, 40, 1000, 700);
         const auto streamer = streamerFor(rect);
         QImage image;
         QVERIFY(streamer->captureTo(image));
         Scribbler scribbler(m_painter, 7);
-        for (int drawn = 0; drawn < 1200; drawn += drawsPerCapture) {
+        while (captures-- > 0) {
             for (int i = 0; i < drawsPerCapture; ++i)
                 scribbler.draw();
             m_painter.sync();

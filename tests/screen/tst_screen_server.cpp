@@ -98,12 +98,8 @@ private slots:
         const EnvironmentChange change("DISPLAY", server.display());
         QCOMPARE(streamerFor({})->errorString(), "The screen cannot be captured: the rectangle is empty.");
 
-        const auto huge = streamerFor({0, 0, 200000, 200000});
-        QVERIFY(huge->hasFrameChanged());
-        QTest::ignoreMessage(QtWarningMsg, "[X11ScreenStreamer] There is no memory for a picture of the screen.");
-        QImage image;
-        QVERIFY(!huge->captureTo(image));
-        QVERIFY(image.isNull());
+        QCOMPARE(streamerFor({0, 0, 10, 32768})->errorString(),
+                 "The screen cannot be captured: the rectangle (10 x 32768) is larger than any screen.");
     }
 
     void worksOnPoorerServers_data()

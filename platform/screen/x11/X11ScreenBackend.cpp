@@ -9,6 +9,9 @@
 namespace
 {
 
+// The server's coordinates are signed and 16 bit wide.
+constexpr int largestLength = 32767;
+
 /// Empty for a working connection.
 QString connectionError(const XcbConnection &connection)
 {
@@ -45,6 +48,11 @@ std::unique_ptr<KelScreenStreamer> X11ScreenBackend::createStreamer(const QRect 
     if (physical.isEmpty())
         return std::make_unique<FailedScreenStreamer>(
             QStringLiteral("The screen cannot be captured: the rectangle is empty."));
+    if (physical.width() > largestLength || physical.height() > largestLength)
+        return std::make_unique<FailedScreenStreamer>(
+            QStringLiteral("The screen cannot be captured: the rectangle (%1 x %2) is larger than any screen.")
+                .arg(physical.width())
+                .arg(physical.height()));
     auto connection = std::make_unique<XcbConnection>();
     const QString error = connectionError(*connection);
     if (!error.isEmpty())

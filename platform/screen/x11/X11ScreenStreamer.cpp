@@ -10,9 +10,6 @@ namespace
 // Beyond this many rectangles one bigger transfer is cheaper than many small ones.
 constexpr int maxRects = 128;
 
-// A root window is never larger; coordinates are 16 bit wide.
-constexpr QRect largestRoot(0, 0, 32767, 32767);
-
 constexpr QImage::Format frameFormat = QImage::Format_ARGB32_Premultiplied;
 
 /// The server leaves the highest byte of a pixel empty.
@@ -33,7 +30,7 @@ X11ScreenStreamer::X11ScreenStreamer(std::unique_ptr<XcbConnection> connection, 
     : m_connection(std::move(connection))
     , m_rect(rect)
     , m_damage(*m_connection)
-    , m_reader(*m_connection, (rect & largestRoot).size())
+    , m_reader(*m_connection, rect.size())
 {
     if (m_reader.format() == QImage::Format_Invalid) {
         setError(QStringLiteral("The pixels of this X screen (depth %1) have an unknown format.")

@@ -18,7 +18,7 @@
 class X11ScreenStreamer final : public KelScreenStreamer
 {
 public:
-    /// `rect` is in physical pixels; the connection must be open.
+    /// `rect` is in physical pixels, at most 32767 wide and high; the connection must be open.
     X11ScreenStreamer(std::unique_ptr<XcbConnection> connection, const QRect &rect);
 
     bool hasFrameChanged() override;

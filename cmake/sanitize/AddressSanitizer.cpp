@@ -1,0 +1,26 @@
+// Linked into every program of a build with the address and undefined-behaviour sanitizers: what they ask a program
+// for, so that it is set however the program is started.
+#include <QtGlobal>
+
+extern "C" Q_DECL_EXPORT const char *__asan_default_options()
+{
+    return "detect_stack_use_after_return=1:check_initialization_order=1:allocator_may_return_"
+           "null=1";
+}
+
+extern "C" Q_DECL_EXPORT const char *__ubsan_default_options()
+{
+    return "print_stacktrace=1";
+}
+
+extern "C" Q_DECL_EXPORT const char *__lsan_default_options()
+{
+    return "print_suppressions=0";
+}
+
+extern "C" Q_DECL_EXPORT const char *__lsan_default_suppressions()
+{
+    // Caches that these libraries keep until the process ends.
+    return "leak:libfontconfig.so\n"
+           "leak:libglib-2.0.so\n";
+}

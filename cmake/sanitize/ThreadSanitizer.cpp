@@ -1,0 +1,265 @@
+// Linked into every program of a build with the thread sanitizer, to show it how Qt orders threads.
+//
+// The system's Qt is not instrumented, so what its mutexes, wait conditions, threads and queued calls order looks like
+// a race. Telling the sanitizer to forget all that comes near Qt would make it blind for our own races; instead this
+// tells what happens before what, and nothing more:
+// - What our code calls directly (mutexes, waiting, posting) is overridden by name, and passed on.
+// - What a thread did before it created an event happens before the event is delivered. Events of queued calls are
+//   created deep inside of Qt: the allocator tells of every block that is allocated during an emission or a posting,
+//   and Qt tells of every delivery.
+// What Qt does at the end of a blocking queued call stays invisible: such connections look like races.
+//
+// This file is not instrumented itself, since it looks at Qt's events.
+#include <QCoreApplication>
+#include <QMutex>
+#include <QSemaphore>
+#include <QThread>
+#include <QWaitCondition>
+#include <private/qobject_p.h>
+
+#include <dlfcn.h>
+#include <sanitizer/tsan_interface.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+// The sanitizer's library has it, but not every compiler brings the header.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*malloced)(const volatile void *, std::size_t),
+                                                         void (*freed)(const volatile void *));
+
+namespace
+{
+
+/// Qt's own function of that mangled name, which this file hides.
+template <typename Function>
+Function hidden(const char *name)
+{
+    void *const address = dlsym(RTLD_NEXT, name);
+    if (!address) {
+        std::fprintf(stderr, "ThreadSanitizer: Qt has no %s\n", name);
+        std::abort();
+    }
+    return reinterpret_cast<Function>(address);
+}
+
+/// Above 0 while this thread may be creating events for others.
+thread_local int postings = 0;
+
+class Posting
+{
+public:
+    Posting() { ++postings; }
+    ~Posting() { --postings; }
+    Q_DISABLE_COPY(Posting)
+};
+
+void signalBegins(QObject *sender, int, void **)
+{
+    ++postings;
+    if (qobject_cast<QThread *>(sender))
+        __tsan_release(sender); // finished() is the last that a thread does
+}
+
+void signalEnds(QObject *, int)
+{
+    --postings;
+}
+
+void blockAllocated(const volatile void *block, std::size_t)
+{
+    if (postings > 0)
+        __tsan_release(const_cast<void *>(block));
+}
+
+bool eventArrives(void **receiverAndEvent)
+{
+    __tsan_acquire(receiverAndEvent[1]);
+    return false; // go on with the delivery
+}
+
+const bool isWatching = [] {
+    static QSignalSpyCallbackSet callbacks = {&signalBegins, nullptr, &signalEnds, nullptr};
+    qt_register_signal_spy_callbacks(&callbacks);
+    return QInternal::registerCallback(QInternal::EventNotifyCallback, &eventArrives) &&
+           __sanitizer_install_malloc_and_free_hooks(&blockAllocated, [](const volatile void *) {}) != 0;
+}();
+
+} // namespace
+
+// What the sanitizer asks a program for, so that it is set however the program is started.
+
+extern "C" Q_DECL_EXPORT const char *__tsan_default_options()
+{
+    return "ignore_noninstrumented_modules=1:second_deadlock_stack=1:allocator_may_return_null=1";
+}
+
+extern "C" Q_DECL_EXPORT const char *__tsan_default_suppressions()
+{
+    return "called_from_lib:libQt5Core.so.5\n"
+           "called_from_lib:libglib-2.0.so.0\n"
+           // The arguments of a queued call are copied after its event was created.
+           "race:QtMetaTypePrivate::QMetaTypeFunctionHelper\n";
+}
+
+// Mutexes: the address of the mutex is what the sanitizer knows from Qt's inline functions, too.
+
+void QMutex::lock() QT_MUTEX_LOCK_NOEXCEPT
+{
+    static const auto real = hidden<void (*)(QMutex *)>("_ZN6QMutex4lockEv");
+    real(this);
+    __tsan_acquire(this);
+}
+
+bool QMutex::tryLock(int timeout) QT_MUTEX_LOCK_NOEXCEPT
+{
+    static const auto real = hidden<bool (*)(QMutex *, int)>("_ZN6QMutex7tryLockEi");
+    const bool locked = real(this, timeout);
+    if (locked)
+        __tsan_acquire(this);
+    return locked;
+}
+
+void QMutex::unlock() noexcept
+{
+    static const auto real = hidden<void (*)(QMutex *)>("_ZN6QMutex6unlockEv");
+    __tsan_release(this);
+    real(this);
+}
+
+void QBasicMutex::lockInternal() QT_MUTEX_LOCK_NOEXCEPT
+{
+    static const auto real = hidden<void (*)(QBasicMutex *)>("_ZN11QBasicMutex12lockInternalEv");
+    real(this);
+    __tsan_acquire(this);
+}
+
+bool QBasicMutex::lockInternal(int timeout) QT_MUTEX_LOCK_NOEXCEPT
+{
+    static const auto real = hidden<bool (*)(QBasicMutex *, int)>("_ZN11QBasicMutex12lockInternalEi");
+    const bool locked = real(this, timeout);
+    if (locked)
+        __tsan_acquire(this);
+    return locked;
+}
+
+void QBasicMutex::unlockInternal() noexcept
+{
+    static const auto real = hidden<void (*)(QBasicMutex *)>("_ZN11QBasicMutex14unlockInternalEv");
+    __tsan_release(this);
+    real(this);
+}
+
+bool QWaitCondition::wait(QMutex *mutex, QDeadlineTimer deadline)
+{
+    static const auto real = hidden<bool (*)(QWaitCondition *, QMutex *, QDeadlineTimer)>(
+        "_ZN14QWaitCondition4waitEP6QMutex14QDeadlineTimer");
+    __tsan_release(mutex);
+    const bool woken = real(this, mutex, deadline);
+    __tsan_acquire(mutex);
+    return woken;
+}
+
+bool QWaitCondition::wait(QMutex *mutex, unsigned long time)
+{
+    static const auto real =
+        hidden<bool (*)(QWaitCondition *, QMutex *, unsigned long)>("_ZN14QWaitCondition4waitEP6QMutexm");
+    __tsan_release(mutex);
+    const bool woken = real(this, mutex, time);
+    __tsan_acquire(mutex);
+    return woken;
+}
+
+// Semaphores
+
+void QSemaphore::release(int n)
+{
+    static const auto real = hidden<void (*)(QSemaphore *, int)>("_ZN10QSemaphore7releaseEi");
+    __tsan_release(this);
+    real(this, n);
+}
+
+void QSemaphore::acquire(int n)
+{
+    static const auto real = hidden<void (*)(QSemaphore *, int)>("_ZN10QSemaphore7acquireEi");
+    real(this, n);
+    __tsan_acquire(this);
+}
+
+bool QSemaphore::tryAcquire(int n)
+{
+    static const auto real = hidden<bool (*)(QSemaphore *, int)>("_ZN10QSemaphore10tryAcquireEi");
+    const bool acquired = real(this, n);
+    if (acquired)
+        __tsan_acquire(this);
+    return acquired;
+}
+
+bool QSemaphore::tryAcquire(int n, int timeout)
+{
+    static const auto real = hidden<bool (*)(QSemaphore *, int, int)>("_ZN10QSemaphore10tryAcquireEii");
+    const bool acquired = real(this, n, timeout);
+    if (acquired)
+        __tsan_acquire(this);
+    return acquired;
+}
+
+// Threads
+
+bool QThread::wait(QDeadlineTimer deadline)
+{
+    static const auto real = hidden<bool (*)(QThread *, QDeadlineTimer)>("_ZN7QThread4waitE14QDeadlineTimer");
+    const bool finished = real(this, deadline);
+    if (finished)
+        __tsan_acquire(this);
+    return finished;
+}
+
+bool QThread::wait(unsigned long time)
+{
+    static const auto real = hidden<bool (*)(QThread *, unsigned long)>("_ZN7QThread4waitEm");
+    const bool finished = real(this, time);
+    if (finished)
+        __tsan_acquire(this);
+    return finished;
+}
+
+// What is posted without a signal
+
+void QCoreApplication::postEvent(QObject *receiver, QEvent *event, int priority)
+{
+    static const auto real =
+        hidden<void (*)(QObject *, QEvent *, int)>("_ZN16QCoreApplication9postEventEP7QObjectP6QEventi");
+    __tsan_release(event);
+    real(receiver, event, priority);
+}
+
+void QObject::deleteLater()
+{
+    static const auto real = hidden<void (*)(QObject *)>("_ZN7QObject11deleteLaterEv");
+    const Posting posting;
+    real(this);
+}
+
+bool QMetaObject::invokeMethodImpl(QObject *object, QtPrivate::QSlotObjectBase *slot, Qt::ConnectionType type,
+                                   void *result)
+{
+    static const auto real = hidden<bool (*)(QObject *, QtPrivate::QSlotObjectBase *, Qt::ConnectionType, void *)>(
+        "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv");
+    const Posting posting;
+    return real(object, slot, type, result);
+}
+
+bool QMetaObject::invokeMethod(QObject *object, const char *member, Qt::ConnectionType type,
+                               QGenericReturnArgument result, QGenericArgument a0, QGenericArgument a1,
+                               QGenericArgument a2, QGenericArgument a3, QGenericArgument a4, QGenericArgument a5,
+                               QGenericArgument a6, QGenericArgument a7, QGenericArgument a8, QGenericArgument a9)
+{
+    using Argument = QGenericArgument;
+    static const auto real = hidden<bool (*)(QObject *, const char *, Qt::ConnectionType, QGenericReturnArgument,
+                                             Argument, Argument, Argument, Argument, Argument, Argument, Argument,
+                                             Argument, Argument, Argument)>(
+        "_ZN11QMetaObject12invokeMethodEP7QObjectPKcN2Qt14ConnectionTypeE22QGenericReturnArgument16QGenericArgumentS7"
+        "_S7_S7_S7_S7_S7_S7_S7_S7_");
+    const Posting posting;
+    return real(object, member, type, result, a0, a1, a2, a3, a4, a5, a6, a7, a8, a9);
+}

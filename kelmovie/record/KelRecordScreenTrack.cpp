@@ -1,0 +1,182 @@
+#include "record/KelRecordScreenTrack.h"
+
+#include "avcodec/KelAsyncEncoder.h"
+#include "screen/KelScreenManager.h"
+#include "style/PixelRatio.h"
+
+#include <QDebug>
+#include <QFileInfo>
+#include <QThread>
+
+#include <utility>
+
+namespace
+{
+constexpr int StreamFps = 30;
+
+QString videoPath(const QString &trackDir)
+{
+    return trackDir + QStringLiteral("/screen_record.mp4");
+}
+
+QSize physicalSize(const QRect &area)
+{
+    const double ratio = getDevicePixelRatio(area);
+    return {qRound(area.width() * ratio), qRound(area.height() * ratio)};
+}
+
+std::unique_ptr<KelAsyncEncoder> createEncoder(const QRect &area, const QString &trackDir, int quality)
+{
+    KelAsyncEncoder::Params params;
+    params.frameSize = physicalSize(area);
+    params.inputFormat = QImage::Format_ARGB32_Premultiplied;
+    params.path = videoPath(trackDir);
+    params.fps = StreamFps;
+    params.quality = quality;
+    params.threads = 0;
+    params.keyframeInterval = 10;
+    params.keyframeIntervalMin = 10;
+    params.queueCapacity = 4;
+    return std::make_unique<KelAsyncEncoder>(params);
+}
+
+/// Gives access to a thread's own switch.
+struct TerminationSwitch : QThread {
+    using QThread::setTerminationEnabled;
+};
+} // namespace
+
+KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int, int quality)
+    : KelRecordScreenTrack(
+          recordArea, trackDir,
+          std::unique_ptr<KelScreenStreamer>(KelScreenManager::instance()->createScreenStreamer(recordArea)),
+          createEncoder(recordArea, trackDir, quality))
+{
+}
+
+KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir,
+                                           std::unique_ptr<KelScreenStreamer> streamer,
+                                           std::unique_ptr<KelAsyncEncoder> encoder)
+    : KelRecordTrack(recordArea, trackDir)
+    , m_frameSize(physicalSize(recordArea))
+    , m_videoPath(videoPath(trackDir))
+    , m_indexFile(trackDir + QStringLiteral("/frame_indexes.dat"))
+    , m_frame(recordArea.size(), QImage::Format_ARGB32_Premultiplied)
+    , m_streamer(std::move(streamer))
+    , m_encoder(std::move(encoder))
+{
+    reportStreamerFailure();
+    if (m_encoder) {
+        m_encoder->setErrorHandler(
+            [this](const QString &problem) { reportFailure(QStringLiteral("Screen track: %1").arg(problem)); });
+    }
+}
+
+KelRecordScreenTrack::~KelRecordScreenTrack()
+{
+    releaseResources();
+}
+
+void KelRecordScreenTrack::recordFrame(int frameIndex)
+{
+    if (!m_streamer)
+        return;
+    if (!m_streamer->hasFrameChanged()) {
+        reportStreamerFailure();
+        return;
+    }
+    if (m_encoder && m_encoder->isBusy())
+        return;
+    if (!m_streamer->captureTo(m_frame)) {
+        reportStreamerFailure();
+        return;
+    }
+    if (!m_encoder)
+        return;
+
+    if (m_frame.size() != m_frameSize) {
+        qWarning() << "[Performance Warning] Unexpected frame size mismatch:" << m_frame.size()
+                   << "expected:" << m_frameSize;
+        m_frame = m_frame.scaled(m_frameSize, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    }
+    padTo(frameIndex);
+    const int expected = m_encodedCount;
+    const int actual = m_encoder->addFrame(expected, m_frame);
+    if (actual != expected)
+        qWarning() << "Encoder returned unexpected frame index:" << actual << "Expected:" << expected;
+    m_frameIndexes.push_back(expected);
+    ++m_encodedCount;
+}
+
+void KelRecordScreenTrack::stopRecording(qint64 frameCount, qint64)
+{
+    if (!m_streamer) // released: its files are complete
+        return;
+    // A slow disk must not cost the files that are being completed.
+    TerminationSwitch::setTerminationEnabled(false);
+    finishFiles(frameCount);
+    TerminationSwitch::setTerminationEnabled(true);
+}
+
+void KelRecordScreenTrack::finishFiles(qint64 frameCount)
+{
+    padTo(frameCount);
+    if (!m_indexFile.open()) {
+        qCritical() << "Failed to open frame index file for writing:" << m_indexFile.path();
+        reportIndexFailure();
+    } else if (!m_indexFile.update(m_frameIndexes)) {
+        qCritical() << "Failed to write frame index file:" << m_indexFile.path();
+        reportIndexFailure();
+    }
+    m_indexFile.close();
+
+    if (!m_encoder)
+        return;
+    m_encoder->waitForClosed();
+    m_encoder.reset();
+    const QFileInfo video(m_videoPath);
+    if (!video.exists() || video.size() == 0) {
+        qCritical() << "Failed to generate video file:" << m_videoPath;
+        reportFailure(QStringLiteral("Screen track: no video was recorded in %1").arg(m_videoPath));
+    }
+}
+
+void KelRecordScreenTrack::checkpoint(qint64 frameCount)
+{
+    if (!m_streamer)
+        return;
+    padTo(frameCount);
+    if (!m_indexFile.update(m_frameIndexes))
+        reportIndexFailure();
+}
+
+void KelRecordScreenTrack::releaseResources()
+{
+    m_frame = QImage();
+    m_frameIndexes.clear();
+    m_frameIndexes.shrink_to_fit();
+    m_streamer.reset();
+    if (m_encoder)
+        m_encoder->waitForClosed();
+    m_encoder.reset();
+}
+
+/// Logic frames without a picture of their own show the one before.
+void KelRecordScreenTrack::padTo(qint64 frameCount)
+{
+    if (frameCount > qint64(m_frameIndexes.size()))
+        m_frameIndexes.resize(std::size_t(frameCount), m_frameIndexes.empty() ? -1 : m_frameIndexes.back());
+}
+
+void KelRecordScreenTrack::reportStreamerFailure()
+{
+    const QString problem = m_streamer->errorString();
+    if (!problem.isEmpty())
+        reportFailure(QStringLiteral("Screen track: %1").arg(problem));
+}
+
+void KelRecordScreenTrack::reportIndexFailure()
+{
+    reportFailure(
+        QStringLiteral("Screen track: cannot write %1: %2").arg(m_indexFile.path(), m_indexFile.errorString()));
+}

@@ -1,0 +1,255 @@
+#include "record/KelRecordTrackManager.h"
+
+#include "record/KelRecordScreenTrack.h"
+#include "record/KelRecordTrackThreadWrap.h"
+#include "record/KelRecordingMetadata.h"
+#include "style/PixelRatio.h"
+
+#include <QDateTime>
+#include <QDebug>
+#include <QDir>
+#include <QElapsedTimer>
+
+#include <utility>
+
+namespace
+{
+constexpr std::chrono::milliseconds ReleaseWait{10000};
+constexpr qint64 CheckpointIntervalMs = 1000;
+constexpr int ScreenQuality = 100;
+
+/// Starts at the wall clock's time and then runs steadily, whatever happens to the wall clock.
+KelRecordTrackManager::Clock steadyClock()
+{
+    QElapsedTimer timer;
+    timer.start();
+    return [epochMs = QDateTime::currentMSecsSinceEpoch(), timer] { return epochMs + timer.elapsed(); };
+}
+
+/// Video formats want even sides.
+QRect withEvenSides(const QRect &area)
+{
+    return {area.x(), area.y(), area.width() + area.width() % 2, area.height() + area.height() % 2};
+}
+} // namespace
+
+KelRecordTrackManager::KelRecordTrackManager(const QRect &recordArea, const Config &config, QObject *parent)
+    : KelRecordTrackManager(recordArea, config, steadyClock(), parent)
+{
+}
+
+KelRecordTrackManager::KelRecordTrackManager(const QRect &recordArea, const Config &config, Clock now, QObject *parent)
+    : QObject(parent)
+    , m_frameTimer(this)
+    , m_recordArea(withEvenSides(recordArea))
+    , m_config(config)
+    , m_now(std::move(now))
+{
+    QDir().mkpath(m_config.directory);
+    m_frameTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_frameTimer, &QTimer::timeout, this, &KelRecordTrackManager::onFrameTimeout);
+    createTracks();
+}
+
+KelRecordTrackManager::~KelRecordTrackManager()
+{
+    if (m_isRecording)
+        stopRecording();
+    releaseResources();
+    qDeleteAll(m_threads);
+}
+
+void KelRecordTrackManager::createTracks()
+{
+    if (m_config.screen)
+        addTrack(new KelRecordScreenTrack(m_recordArea, createTrackDir(QStringLiteral("/Screen")), 0, ScreenQuality));
+}
+
+QString KelRecordTrackManager::createTrackDir(const QString &name) const
+{
+    const QString path = m_config.directory + name;
+    QDir().mkpath(path); // a track that cannot write there says so itself
+    return path;
+}
+
+void KelRecordTrackManager::addTrack(KelRecordTrack *track)
+{
+    track->setFailureHandler([this](const QString &problem) { addFailure(problem); });
+    m_threads.append(new KelRecordTrackThreadWrap(track, this));
+}
+
+void KelRecordTrackManager::startRecording()
+{
+    if (m_isRecording && !m_isPaused)
+        return;
+    if (m_isPaused) {
+        m_isPaused = false;
+        m_pausedTotalMs += m_now() - m_pauseStartMs;
+    } else {
+        m_frameIndex = 0;
+        m_startTimeMs = m_now();
+        m_pausedTotalMs = 0;
+        m_tickCostMs.clear();
+        m_instantFps.clear();
+    }
+    for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
+        thread->startRecording();
+    m_isRecording = true;
+    saveCheckpoint();
+    m_frameTimer.setInterval(int(1000.0 / qMax(1, m_config.fps)));
+    m_frameTimer.start();
+}
+
+void KelRecordTrackManager::onFrameTimeout()
+{
+    if (!m_isRecording || m_isPaused || isAtFrameLimit())
+        return;
+    const qint64 tickStartMs = m_now();
+    for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
+        thread->triggerFrame(m_frameIndex);
+    m_tickCostMs.append(m_now() - tickStartMs);
+    const qint64 elapsedMs = recordedMs();
+    if (elapsedMs > 0)
+        m_instantFps.append(m_frameIndex * 1000.0 / elapsedMs);
+    ++m_frameIndex;
+
+    if (isAtFrameLimit()) {
+        m_frameTimer.stop();
+        emit frameLimitReached();
+    } else if (tickStartMs - m_lastCheckpointMs >= CheckpointIntervalMs) {
+        saveCheckpoint();
+    }
+}
+
+void KelRecordTrackManager::pauseRecording()
+{
+    if (!m_isRecording || m_isPaused)
+        return;
+    m_frameTimer.stop();
+    m_pauseStartMs = m_now();
+    m_isPaused = true;
+    for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
+        thread->pauseRecording();
+    saveCheckpoint();
+}
+
+void KelRecordTrackManager::stopRecording()
+{
+    qWarning() << "[KelRecordTrackManager::stopRecording]";
+    qWarning() << "[KelRecordTrackManager]";
+    if (!m_isRecording)
+        return;
+    m_frameTimer.stop();
+    const qint64 durationMs = recordedMs();
+    if (m_isPaused)
+        qWarning() << "[KelRecordTrackManager]";
+
+    qWarning() << "[KelRecordTrackManager] 开始停止所有轨道 (共" << m_threads.size() << "个)";
+    for (int i = 0; i < m_threads.size(); ++i) {
+        qWarning() << "[KelRecordTrackManager] 停止轨道" << i << "，指针:" << static_cast<void *>(m_threads[i]);
+        m_threads[i]->stopRecording(m_frameIndex, durationMs);
+        qWarning() << "[KelRecordTrackManager] 轨道" << i << "停止完成";
+    }
+    qWarning() << "[KelRecordTrackManager] 所有轨道停止完成";
+    qWarning() << "[KelRecordTrackManager] 没有音频轨道";
+
+    logStatistics(durationMs);
+    saveMetadata(durationMs);
+    m_isRecording = false;
+    m_isPaused = false;
+}
+
+void KelRecordTrackManager::releaseResources()
+{
+    for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads)) {
+        auto *track = qobject_cast<KelRecordScreenTrack *>(thread->track());
+        // The stop may still be queued: resources taken from under it would cost the end of the recording.
+        if (track && thread->drain(ReleaseWait))
+            track->releaseResources();
+    }
+    m_tickCostMs.clear();
+    m_instantFps.clear();
+}
+
+QStringList KelRecordTrackManager::takeFailures()
+{
+    std::lock_guard lock(m_failuresMutex);
+    return std::exchange(m_failures, {});
+}
+
+void KelRecordTrackManager::addFailure(const QString &problem)
+{
+    {
+        std::lock_guard lock(m_failuresMutex);
+        m_failures.append(problem);
+    }
+    emit trackFailed();
+}
+
+/// Without pauses, the present one included.
+qint64 KelRecordTrackManager::recordedMs() const
+{
+    return (m_isPaused ? m_pauseStartMs : m_now()) - m_startTimeMs - m_pausedTotalMs;
+}
+
+KelRecordingMetadata KelRecordTrackManager::metadata(qint64 durationMs) const
+{
+    KelRecordingMetadata metadata;
+    metadata.recordArea = m_recordArea;
+    metadata.fps = m_config.fps;
+    metadata.totalFrames = durationMs > 0 ? qint64(m_config.fps * durationMs / 1000.0) : m_frameIndex;
+    metadata.actualRecordedFrames = m_frameIndex;
+    metadata.durationMs = durationMs;
+    metadata.timestamp = QDateTime::currentDateTime().toString(Qt::ISODate);
+    metadata.pixelRatio = getPixelRatio(m_recordArea);
+    metadata.devicePixelRatio = getDevicePixelRatio(m_recordArea);
+    metadata.screenTrack = m_config.screen;
+    metadata.mouseTrack = m_config.mouse;
+    metadata.keyboardTrack = m_config.keyboard;
+    metadata.systemAudio = m_config.systemAudio;
+    metadata.microphoneAudio = m_config.microphone;
+    return metadata;
+}
+
+void KelRecordTrackManager::saveMetadata(qint64 durationMs)
+{
+    QString error;
+    if (!metadata(durationMs).save(m_config.directory, &error)) {
+        qCritical() << "Failed to save manager metadata:" << error;
+        addFailure(QStringLiteral("Metadata: cannot write %1: %2")
+                       .arg(KelRecordingMetadata::filePath(m_config.directory), error));
+    }
+}
+
+/// What the recording consists of so far outlives a crash of the process: the metadata and, at the same logic frame,
+/// the tracks' files.
+void KelRecordTrackManager::saveCheckpoint()
+{
+    m_lastCheckpointMs = m_now();
+    for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
+        thread->checkpoint(m_frameIndex);
+    KelRecordingMetadata soFar = metadata(recordedMs());
+    soFar.complete = false;
+    QString error;
+    if (!soFar.save(m_config.directory, &error))
+        qDebug() << "[KelRecordTrackManager] No provisional metadata:" << error;
+}
+
+void KelRecordTrackManager::logStatistics(qint64 durationMs) const
+{
+    qWarning().noquote() << "[KelRecordTrackManager] ========== 录制完成统计 ==========";
+    qWarning().noquote() << QStringLiteral("[KelRecordTrackManager] 逻辑帧数: %1 帧").arg(m_frameIndex);
+    qWarning().noquote() << QStringLiteral("[KelRecordTrackManager] 设定FPS: %1").arg(m_config.fps);
+    qWarning().noquote() << QStringLiteral("[KelRecordTrackManager] 实际录制时长: %1 ms (%2 秒)")
+                                .arg(durationMs)
+                                .arg(durationMs / 1000.0, 0, 'f', 2);
+    for (const KelRecordTrackThreadWrap *thread : m_threads) {
+        const int frames = thread->trackFrameCount();
+        if (frames > 0) {
+            const double fps = durationMs > 0 ? frames * 1000.0 / durationMs : 0.0;
+            qWarning().noquote() << QStringLiteral("[KelRecordTrackManager] 轨道实际帧数: %1 帧, 实际FPS: %2")
+                                        .arg(frames)
+                                        .arg(fps, 0, 'f', 2);
+        }
+    }
+}

@@ -1,0 +1,33 @@
+#include "keymouse/KelKeyMouseHook.h"
+
+#include "keymouse/KeyMouseHub.h"
+
+KelKeyMouseHook::KelKeyMouseHook()
+{
+    KeyMouseHub::instance().watchScreens();
+}
+
+KelKeyMouseHook::~KelKeyMouseHook()
+{
+    setHookType(NoKind);
+}
+
+void KelKeyMouseHook::setHookType(int type)
+{
+    KeyMouseHub::instance().setHookKinds(this, type);
+}
+
+bool KelKeyMouseHook::OnKeyboardEvent(KelKeyboardEvent)
+{
+    return false;
+}
+
+bool KelKeyMouseHook::OnMouseEvent(KelMouseEvent)
+{
+    return false;
+}
+
+bool KelKeyMouseHook::OnMouseWheelEvent(KelWheelEvent)
+{
+    return false;
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "keymouse/KeyMouseEventSource.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+class X11InputMapper;
+class X11InputRecorder;
+
+/// Input of the X display, on a thread that lives while somebody wants events.
+class X11EventSource final : public KeyMouseEventSource
+{
+public:
+    explicit X11EventSource(KeyMouseEventSink &sink);
+    ~X11EventSource() override;
+
+    void update() override;
+
+private:
+    void run();
+    void setEnded();
+    bool serveRequests(X11InputRecorder &recorder);
+    bool deliverUntilRequest(X11InputRecorder &recorder, X11InputMapper &mapper);
+    int beginRequest(unsigned &number);
+    void endRequest(unsigned number);
+
+    KeyMouseEventSink &m_sink;
+    const int m_wake; // eventfd: readable when there is a request
+
+    std::mutex m_mutex; // guards what follows; taken before the sink's
+    std::condition_variable m_changed;
+    std::thread m_thread;
+    X11InputRecorder *m_recorder = nullptr; // while the thread works with it
+    unsigned m_requested = 0;               // number of the last request to look at the wanted kinds
+    unsigned m_served = 0;                  // number of the last one that was carried out
+    bool m_running = false;                 // false once the thread has decided to end
+    bool m_quit = false;
+    bool m_warned = false;
+};

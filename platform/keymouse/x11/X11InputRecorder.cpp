@@ -1,0 +1,151 @@
+#include "keymouse/x11/X11InputRecorder.h"
+
+#include <xcb/record.h>
+#include <xcb/xcb.h>
+#include <xcb/xcbext.h>
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace
+{
+
+constexpr int startLimitMs = 5000;
+
+struct Free {
+    void operator()(void *memory) const { std::free(memory); }
+};
+template <typename T>
+using Reply = std::unique_ptr<T, Free>;
+
+// Values of `category` in a reply with recorded data.
+enum Category { FromServer = 0, StartOfData = 4, EndOfData = 5 };
+
+constexpr std::size_t eventSize = sizeof(xcb_raw_generic_event_t);
+static_assert(sizeof(xcb_key_press_event_t) == 32 && sizeof(xcb_button_press_event_t) == 32, "events of the wire");
+
+} // namespace
+
+void X11InputRecorder::Disconnect::operator()(xcb_connection_t *connection) const
+{
+    xcb_disconnect(connection);
+}
+
+X11InputRecorder::~X11InputRecorder() = default;
+
+bool X11InputRecorder::fail(const char *message)
+{
+    m_error = QString::fromLatin1(message);
+    return false;
+}
+
+bool X11InputRecorder::open()
+{
+    m_control.reset(xcb_connect(nullptr, nullptr));
+    m_data.reset(xcb_connect(nullptr, nullptr));
+    if (xcb_connection_has_error(m_control.get()) || xcb_connection_has_error(m_data.get()))
+        return fail("no X display can be reached");
+
+    for (xcb_connection_t *connection : {m_control.get(), m_data.get()}) {
+        const xcb_query_extension_reply_t *extension = xcb_get_extension_data(connection, &xcb_record_id);
+        if (!extension || !extension->present)
+            return fail("the X server has no RECORD extension");
+    }
+    const Reply<xcb_record_query_version_reply_t> version(xcb_record_query_version_reply(
+        m_control.get(), xcb_record_query_version(m_control.get(), XCB_RECORD_MAJOR_VERSION, XCB_RECORD_MINOR_VERSION),
+        nullptr));
+    if (!version)
+        return fail("the X server does not answer");
+
+    m_context = xcb_generate_id(m_control.get());
+    const Reply<xcb_generic_error_t> error(xcb_request_check(
+        m_control.get(), xcb_record_create_context_checked(m_control.get(), m_context, 0, 0, 0, nullptr, nullptr)));
+    if (error || xcb_connection_has_error(m_control.get()))
+        return fail("the X server refuses to record input");
+    return enable();
+}
+
+bool X11InputRecorder::enable()
+{
+    m_enableSequence = xcb_record_enable_context(m_data.get(), m_context).sequence;
+    xcb_flush(m_data.get());
+    for (;;) {
+        void *reply = nullptr;
+        xcb_generic_error_t *error = nullptr;
+        if (xcb_poll_for_reply(m_data.get(), m_enableSequence, &reply, &error)) {
+            const Reply<xcb_record_enable_context_reply_t> start(
+                static_cast<xcb_record_enable_context_reply_t *>(reply));
+            const Reply<xcb_generic_error_t> refusal(error);
+            if (start && start->category == StartOfData)
+                return true;
+            return fail("the X server does not start to record input");
+        }
+        pollfd data{dataDescriptor(), POLLIN, 0};
+        if (poll(&data, 1, startLimitMs) == 0)
+            return fail("the X server does not answer");
+    }
+}
+
+bool X11InputRecorder::setRecorded(bool keys, bool buttons)
+{
+    xcb_record_range_t range{};
+    range.device_events.first = keys ? XCB_KEY_PRESS : XCB_BUTTON_PRESS;
+    range.device_events.last = buttons ? XCB_BUTTON_RELEASE : XCB_KEY_RELEASE;
+    const xcb_record_client_spec_t everybody = XCB_RECORD_CS_ALL_CLIENTS;
+
+    // A second registration replaces the first, while the context goes on recording.
+    const xcb_void_cookie_t cookie =
+        keys || buttons ? xcb_record_register_clients_checked(m_control.get(), m_context, 0, 1, 1, &everybody, &range)
+                        : xcb_record_unregister_clients_checked(m_control.get(), m_context, 1, &everybody);
+    const Reply<xcb_generic_error_t> error(xcb_request_check(m_control.get(), cookie));
+    if (xcb_connection_has_error(m_control.get()))
+        return fail("the connection to the X server is lost");
+    if (error)
+        return fail("the X server refuses to record input");
+    return true;
+}
+
+bool X11InputRecorder::read(std::vector<X11InputEvent> &events)
+{
+    void *next = nullptr;
+    xcb_generic_error_t *nextError = nullptr;
+    while (xcb_poll_for_reply(m_data.get(), m_enableSequence, &next, &nextError)) {
+        const Reply<xcb_record_enable_context_reply_t> reply(static_cast<xcb_record_enable_context_reply_t *>(next));
+        const Reply<xcb_generic_error_t> error(nextError);
+        if (!reply || reply->category == EndOfData)
+            return fail("the connection to the X server is lost");
+        if (reply->category != FromServer)
+            continue;
+        const std::uint8_t *data = xcb_record_enable_context_data(reply.get());
+        const int size = xcb_record_enable_context_data_length(reply.get());
+        for (std::size_t at = 0; at + eventSize <= std::size_t(size); at += eventSize) {
+            xcb_key_press_event_t event; // a button event has the same layout
+            std::memcpy(&event, data + at, sizeof event);
+            events.push_back({std::uint8_t(event.response_type & 0x7f), event.detail, event.state,
+                              QPoint(event.root_x, event.root_y)});
+        }
+    }
+    // MappingNotify goes to everybody. Only what is in the queue already: reading the socket here could put replies
+    // into the queue, where the caller's poll() does not see them.
+    while (xcb_generic_event_t *unasked = xcb_poll_for_queued_event(m_data.get()))
+        std::free(unasked);
+    if (xcb_connection_has_error(m_data.get()) || xcb_connection_has_error(m_control.get()))
+        return fail("the connection to the X server is lost");
+    return true;
+}
+
+int X11InputRecorder::dataDescriptor() const
+{
+    return xcb_get_file_descriptor(m_data.get());
+}
+
+void X11InputRecorder::interrupt()
+{
+    for (const Connection *connection : {&m_control, &m_data}) {
+        if (*connection && !xcb_connection_has_error(connection->get()))
+            shutdown(xcb_get_file_descriptor(connection->get()), SHUT_RDWR);
+    }
+}

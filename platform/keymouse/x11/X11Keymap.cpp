@@ -1,0 +1,96 @@
+#include "keymouse/x11/X11Keymap.h"
+
+#include <QDebug>
+
+#include <private/qxkbcommon_p.h>
+#include <xcb/xcb.h>
+#include <xkbcommon/xkbcommon-x11.h>
+
+#define explicit explicit_ // a field of xcb_xkb_set_explicit_t has this name
+#include <xcb/xkb.h>
+#undef explicit
+
+#include <cstdlib>
+
+namespace
+{
+
+constexpr std::uint16_t modifierMask = 0xff;
+
+int groupOf(std::uint16_t state)
+{
+    return (state >> 13) & 3;
+}
+
+} // namespace
+
+void X11Keymap::Unref::operator()(xkb_context *context) const
+{
+    xkb_context_unref(context);
+}
+
+void X11Keymap::Unref::operator()(xkb_keymap *keymap) const
+{
+    xkb_keymap_unref(keymap);
+}
+
+void X11Keymap::Unref::operator()(xkb_state *state) const
+{
+    xkb_state_unref(state);
+}
+
+X11Keymap::X11Keymap(xcb_connection_t *connection)
+    : m_connection(connection)
+    , m_context(xkb_context_new(XKB_CONTEXT_NO_DEFAULT_INCLUDES))
+{
+    if (!m_context ||
+        !xkb_x11_setup_xkb_extension(m_connection, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
+                                     XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent, nullptr) ||
+        !selectEvents()) {
+        m_firstEvent = 0;
+        qWarning("[KelKeyMouseHook] the X server has no usable XKB extension: keys cannot be told apart");
+    }
+}
+
+X11Keymap::~X11Keymap() = default;
+
+bool X11Keymap::selectEvents()
+{
+    const std::uint16_t events = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+    const std::uint16_t parts = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP |
+                                XCB_XKB_MAP_PART_EXPLICIT_COMPONENTS | XCB_XKB_MAP_PART_KEY_ACTIONS |
+                                XCB_XKB_MAP_PART_VIRTUAL_MODS | XCB_XKB_MAP_PART_VIRTUAL_MOD_MAP;
+    xcb_generic_error_t *error =
+        xcb_request_check(m_connection, xcb_xkb_select_events_checked(m_connection, XCB_XKB_ID_USE_CORE_KBD, events, 0,
+                                                                      events, parts, parts, nullptr));
+    std::free(error);
+    return !error && !xcb_connection_has_error(m_connection);
+}
+
+void X11Keymap::load()
+{
+    m_stale = false;
+    const std::int32_t device = xkb_x11_get_core_keyboard_device_id(m_connection);
+    std::unique_ptr<xkb_keymap, Unref> keymap(
+        device < 0
+            ? nullptr
+            : xkb_x11_keymap_new_from_device(m_context.get(), m_connection, device, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    if (!keymap)
+        return; // in the middle of a change: the last keymap serves until the next announcement
+    m_state.reset(xkb_state_new(keymap.get()));
+    m_keymap = std::move(keymap);
+}
+
+int X11Keymap::qtKey(std::uint8_t keycode, std::uint16_t state)
+{
+    if (m_stale && m_firstEvent != 0)
+        load();
+    if (!m_state)
+        return 0;
+    xkb_state_update_mask(m_state.get(), state & modifierMask, 0, 0, 0, 0, xkb_layout_index_t(groupOf(state)));
+    const xkb_keysym_t symbol = xkb_state_key_get_one_sym(m_state.get(), keycode);
+    Qt::KeyboardModifiers modifiers = QXkbCommon::modifiers(m_state.get());
+    if (QXkbCommon::isKeypad(symbol))
+        modifiers |= Qt::KeypadModifier;
+    return QXkbCommon::keysymToQtKey(symbol, modifiers, m_state.get(), keycode);
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "keymouse/KelKeyMouseHook.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <utility>
+
+/// Writes down what it is told, one line an event.
+class RecordingHook : public KelKeyMouseHook
+{
+public:
+    ~RecordingHook() override { setHookType(0); }
+
+    QStringList lines() const
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_lines;
+    }
+    /// Waits until there are `count` lines, or for too long, and takes those that there are.
+    QStringList take(int count)
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_added.wait_for(lock, std::chrono::seconds(10), [&] { return m_lines.size() >= count; });
+        return std::exchange(m_lines, {});
+    }
+    QStringList take()
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return std::exchange(m_lines, {});
+    }
+
+    std::function<void()> onEvent; ///< called within every callback, before the line is written
+
+protected:
+    bool OnKeyboardEvent(KelKeyboardEvent event) override
+    {
+        return add(QString("key %1 %2").arg(event.key, 0, 16).arg(event.state));
+    }
+    bool OnMouseEvent(KelMouseEvent event) override
+    {
+        return add(QString("button %1 %2 at %3,%4")
+                       .arg(event.button)
+                       .arg(event.state)
+                       .arg(event.globalPosition.x())
+                       .arg(event.globalPosition.y()));
+    }
+    bool OnMouseWheelEvent(KelWheelEvent event) override
+    {
+        return add(
+            QString("wheel %1 at %2,%3").arg(event.delta).arg(event.globalPosition.x()).arg(event.globalPosition.y()));
+    }
+
+private:
+    bool add(const QString &line)
+    {
+        if (onEvent)
+            onEvent();
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_lines.append(line);
+        m_added.notify_all();
+        return false;
+    }
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_added;
+    QStringList m_lines;
+};

@@ -1,0 +1,223 @@
+#include "RecordingHook.h"
+
+#include "keymouse/KeyMouseHub.h"
+
+#include <QtTest>
+
+#include <atomic>
+#include <future>
+#include <memory>
+
+namespace
+{
+
+/// Delivers what the test says, and remembers which kinds it was asked for.
+class ScriptedSource : public KeyMouseEventSource
+{
+public:
+    void update() override { kinds.append(KeyMouseHub::instance().wantedKinds()); }
+
+    QVector<int> kinds;
+};
+
+void sendKey(int key, int state = 1)
+{
+    KeyMouseHub::instance().deliver(KelKeyboardEvent{key, state});
+}
+
+/// One event of every kind.
+void sendAll()
+{
+    sendKey(Qt::Key_A);
+    KeyMouseHub::instance().deliver(KelMouseEvent{1, QPoint(3, 4), 1});
+    KeyMouseHub::instance().deliver(KelMouseEvent{1, QPoint(5, 6), 0});
+    KeyMouseHub::instance().deliver(KelWheelEvent{-120, QPoint(7, 8)});
+}
+
+} // namespace
+
+class keymouse_hook_test : public QObject
+{
+    Q_OBJECT
+
+    ScriptedSource *m_source = nullptr;
+
+private slots:
+    void init()
+    {
+        auto source = std::make_unique<ScriptedSource>();
+        m_source = source.get();
+        KeyMouseHub::instance().setSource(std::move(source));
+    }
+    void cleanup() { KeyMouseHub::instance().setSource(nullptr); }
+
+    void hooksGetTheKindsTheyAskFor_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QStringList>("lines");
+        const QString key = "key 41 1", press = "button 1 1 at 3,4", release = "button 1 0 at 5,6",
+                      wheel = "wheel -120 at 7,8";
+        QTest::newRow("none") << 0 << QStringList();
+        QTest::newRow("keyboard") << 1 << QStringList{key};
+        QTest::newRow("mouse") << 14 << QStringList{press, release, wheel};
+        QTest::newRow("both") << 15 << QStringList{key, press, release, wheel};
+        QTest::newRow("wheel") << 8 << QStringList{wheel};
+        QTest::newRow("unknown bits") << 0x7fffff00 << QStringList();
+    }
+    void hooksGetTheKindsTheyAskFor()
+    {
+        QFETCH(int, type);
+        QFETCH(QStringList, lines);
+        RecordingHook hook;
+        hook.setHookType(type);
+        sendAll();
+        QCOMPARE(hook.take(), lines);
+        hook.setHookType(0);
+        sendAll();
+        QCOMPARE(hook.take(), QStringList());
+    }
+
+    /// No keyboard hook, no keys in this process.
+    void sourceIsAskedForWhatSomeHookWants()
+    {
+        {
+            RecordingHook mouse, keyboard;
+            mouse.setHookType(14);
+            mouse.setHookType(14); // nothing new
+            keyboard.setHookType(1);
+            keyboard.setHookType(0);
+            keyboard.setHookType(1);
+            mouse.setHookType(0);
+        }
+        QCOMPARE(m_source->kinds, (QVector<int>{14, 15, 14, 15, 1, 0}));
+    }
+
+    void hookRemovedWithinACallback()
+    {
+        RecordingHook first, second, third;
+        for (RecordingHook *hook : {&first, &second, &third})
+            hook->setHookType(1);
+        first.onEvent = [&] { first.setHookType(0); };
+        second.onEvent = [&] { third.setHookType(0); };
+        sendKey(Qt::Key_A);
+        QCOMPARE(first.take().size(), 1); // the callback that removes its own hook runs to its end
+        QCOMPARE(third.take().size(), 0); // removed by another before its turn
+        sendKey(Qt::Key_B);
+        QCOMPARE(first.take().size(), 0);
+        QCOMPARE(second.take().size(), 2);
+    }
+
+    void hookInstalledWithinACallback()
+    {
+        RecordingHook first, second;
+        first.onEvent = [&] { second.setHookType(1); };
+        first.setHookType(1);
+        sendKey(Qt::Key_A);
+        sendKey(Qt::Key_B);
+        QCOMPARE(second.take(), QStringList{"key 42 1"});
+    }
+
+    void hookDeletedWithinItsCallback()
+    {
+        class Suicidal : public KelKeyMouseHook
+        {
+        public:
+            explicit Suicidal(bool &deleted)
+                : m_deleted(deleted)
+            {
+            }
+            ~Suicidal() override
+            {
+                setHookType(0);
+                m_deleted = true;
+            }
+
+        protected:
+            bool OnKeyboardEvent(KelKeyboardEvent) override
+            {
+                delete this;
+                return false;
+            }
+
+        private:
+            bool &m_deleted;
+        };
+        bool deleted = false;
+        (new Suicidal(deleted))->setHookType(1);
+        sendKey(Qt::Key_A);
+        QVERIFY(deleted);
+        sendKey(Qt::Key_B);
+    }
+
+    void removalWaitsForARunningCallback()
+    {
+        std::promise<void> entered, mayReturn;
+        std::atomic<bool> returned{false};
+        RecordingHook hook;
+        hook.onEvent = [&] {
+            entered.set_value();
+            mayReturn.get_future().wait();
+            returned = true;
+        };
+        hook.setHookType(1);
+        auto delivery = std::async(std::launch::async, [] { sendKey(Qt::Key_A); });
+        entered.get_future().wait();
+        auto removal = std::async(std::launch::async, [&] {
+            hook.setHookType(0);
+            return returned.load();
+        });
+        // The removal is under way when the kinds no longer include the keyboard.
+        QTRY_COMPARE(KeyMouseHub::instance().wantedKinds(), 0);
+        mayReturn.set_value();
+        QVERIFY(removal.get());
+        delivery.get();
+    }
+
+    void manyThreadsInstallAndRemove()
+    {
+        std::atomic<bool> stop{false};
+        auto delivery = std::async(std::launch::async, [&] {
+            while (!stop)
+                sendKey(Qt::Key_A);
+        });
+        std::vector<std::future<void>> threads;
+        for (int i = 0; i < 3; ++i) {
+            threads.push_back(std::async(std::launch::async, [] {
+                for (int round = 0; round < 300; ++round) {
+                    auto hook = std::make_unique<RecordingHook>();
+                    hook->setHookType(1);
+                    hook->setHookType(15);
+                }
+            }));
+        }
+        for (auto &thread : threads)
+            thread.get();
+        stop = true;
+        delivery.get();
+        QCOMPARE(KeyMouseHub::instance().wantedKinds(), 0);
+    }
+
+    void positionsAreLogical_data()
+    {
+        QTest::addColumn<QPoint>("physical");
+        QTest::addColumn<QPoint>("logical");
+        // A screen of 1920x1080 pixels, scaled 1; right of it one of 3840x2160 pixels, scaled 2, below it one at 1.5.
+        QTest::newRow("unscaled screen") << QPoint(100, 50) << QPoint(100, 50);
+        QTest::newRow("its last pixel") << QPoint(1919, 1079) << QPoint(1919, 1079);
+        QTest::newRow("corner of a scaled screen") << QPoint(1920, 0) << QPoint(1920, 0);
+        QTest::newRow("within a scaled screen") << QPoint(1920 + 1000, 600) << QPoint(1920 + 500, 300);
+        QTest::newRow("its last row") << QPoint(1920 + 3838, 2158) << QPoint(1920 + 1919, 1079);
+        QTest::newRow("odd scale") << QPoint(150, 2000 + 300) << QPoint(100, 2000 + 200);
+        QTest::newRow("outside of all") << QPoint(-10, 20) << QPoint(-10, 20);
+    }
+    void positionsAreLogical()
+    {
+        QFETCH(QPoint, physical);
+        const std::vector<LogicalDesktop::Screen> screens{
+            {QRect(0, 0, 1920, 1080), 1.0}, {QRect(1920, 0, 1920, 1080), 2.0}, {QRect(0, 2000, 800, 600), 1.5}};
+        QTEST(LogicalDesktop::toLogical(screens, physical), "logical");
+    }
+};
+
+QTEST_GUILESS_MAIN(keymouse_hook_test)
+#include "keymouse_hook_test.moc"

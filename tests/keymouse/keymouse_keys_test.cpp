@@ -1,0 +1,242 @@
+#include "RecordingHook.h"
+#include "XTestInput.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QProcess>
+#include <QWindow>
+#include <QtTest>
+
+namespace
+{
+
+// Key codes of the evdev rules, which all X servers of today use.
+enum Code {
+    SpareKey = 8,
+    EscapeKey = 9,
+    Digit1 = 10,
+    BackSpace = 22,
+    TabKey = 23,
+    LetterQ = 24,
+    ReturnKey = 36,
+    LeftControl = 37,
+    LetterA = 38,
+    SemicolonPlace = 47,
+    LeftShift = 50,
+    LetterZPlace = 52,
+    KeypadMultiply = 63,
+    LeftAlt = 64,
+    CapsLock = 66,
+    F1 = 67,
+    NumLock = 77,
+    Keypad7 = 79,
+    KeypadEnter = 104,
+    RightControl = 105,
+    RightAlt = 108,
+    UpArrow = 111,
+    Volume = 123,
+    LeftSuper = 133,
+    PlayPause = 172,
+    LastCode = 255
+};
+
+/// What Qt makes of the keys.
+class KeyWindow : public QWindow
+{
+public:
+    QStringList lines;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override { add(event, 1); }
+    void keyReleaseEvent(QKeyEvent *event) override { add(event, 0); }
+
+private:
+    void add(const QKeyEvent *event, int state)
+    {
+        if (event->key() != 0)
+            lines.append(QString("key %1 %2").arg(event->key(), 0, 16).arg(state));
+    }
+};
+
+} // namespace
+
+/// Compares what a hook says with the key events of a focused Qt window.
+class keymouse_keys_test : public QObject
+{
+    Q_OBJECT
+
+private:
+    XTestInput m_input;
+    KeyWindow m_window;
+    RecordingHook m_hook;
+    int m_marks = 0;
+
+    static void run(const char *program, const QStringList &arguments)
+    {
+        QProcess process;
+        process.start(program, arguments);
+        QVERIFY(process.waitForFinished(20000));
+        QCOMPARE(process.exitCode(), 0);
+    }
+
+    /// Waits until both have heard of all keys so far.
+    void catchUp()
+    {
+        const QString mark = QString("key %1 0").arg(int(Qt::Key_Escape), 0, 16);
+        m_input.tap(EscapeKey);
+        ++m_marks;
+        QTRY_COMPARE(m_window.lines.count(mark), m_marks);
+        QTRY_COMPARE(m_hook.lines().count(mark), m_marks);
+    }
+
+    /// Hands over what the hook and Qt said.
+    void finish(QStringList &hook, QStringList &qt)
+    {
+        catchUp();
+        m_marks = 0;
+        hook = m_hook.take();
+        qt = std::exchange(m_window.lines, {});
+    }
+
+private slots:
+    void initTestCase()
+    {
+        run("xset", {"r", "off"});
+        m_window.resize(100, 100);
+        m_window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&m_window));
+        m_input.focus(xcb_window_t(m_window.winId()));
+        QTRY_COMPARE(QGuiApplication::focusWindow(), &m_window);
+        m_hook.setHookType(KelKeyMouseHook::Keyboard);
+    }
+
+    void cleanupTestCase() { run("setxkbmap", {"us"}); }
+
+    void everyKeyIsWhatQtSays_data()
+    {
+        QTest::addColumn<QString>("layout");
+        QTest::addColumn<QVector<int>>("held");
+        for (const char *layout : {"us", "de", "fr", "ru"}) {
+            const auto row = [&](const char *name, const QVector<int> &held) {
+                QTest::addRow("%s %s", layout, name) << QString(layout) << held;
+            };
+            row("plain", {});
+            row("shift", {LeftShift});
+            row("control", {LeftControl});
+            row("right alt", {RightAlt});
+            row("shift, right alt", {LeftShift, RightAlt});
+            row("control, shift", {RightControl, LeftShift});
+        }
+    }
+    void everyKeyIsWhatQtSays()
+    {
+        QFETCH(QString, layout);
+        QFETCH(QVector<int>, held);
+        run("setxkbmap", {layout});
+        for (int lock : {0, int(CapsLock), int(NumLock)}) {
+            if (lock)
+                m_input.tap(lock);
+            for (int code : held)
+                m_input.key(code, true);
+            for (int code = Digit1; code <= LastCode; ++code) {
+                if (!held.contains(code) && code != CapsLock && code != NumLock)
+                    m_input.tap(code);
+                if (code % 64 == 0) // no hand is that fast: the server loses what fits into no buffer
+                    catchUp();
+            }
+            for (int code : held)
+                m_input.key(code, false);
+            if (lock)
+                m_input.tap(lock);
+        }
+        QStringList hook, qt;
+        finish(hook, qt);
+        QVERIFY2(hook.size() > 500, qPrintable(QString::number(hook.size())));
+        for (int i = 0; i < qMin(hook.size(), qt.size()); ++i)
+            QVERIFY2(hook[i] == qt[i],
+                     qPrintable(QString("event %1: %2; Qt: %3")
+                                    .arg(i)
+                                    .arg(hook.mid(i - 3, 8).join(", "), qt.mid(i - 3, 8).join(", "))));
+        QCOMPARE(hook.size(), qt.size());
+    }
+
+    void knownKeys_data()
+    {
+        QTest::addColumn<QString>("layout");
+        QTest::addColumn<int>("held");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<int>("key");
+        const auto row = [](const char *name, const char *layout, int held, int code, int key) {
+            QTest::newRow(name) << QString(layout) << held << code << key;
+        };
+        row("letter", "us", 0, LetterA, Qt::Key_A);
+        row("shifted letter", "us", LeftShift, LetterA, Qt::Key_A);
+        row("letter with control", "us", LeftControl, LetterA, Qt::Key_A);
+        row("digit", "us", 0, Digit1, Qt::Key_1);
+        row("shifted digit", "us", LeftShift, Digit1, Qt::Key_Exclam);
+        row("z", "us", 0, LetterZPlace, Qt::Key_Z);
+        row("German y", "de", 0, LetterZPlace, Qt::Key_Y);
+        row("German o umlaut", "de", 0, SemicolonPlace, Qt::Key_Odiaeresis);
+        row("German at sign", "de", RightAlt, LetterQ, Qt::Key_At);
+        row("return", "us", 0, ReturnKey, Qt::Key_Return);
+        row("backspace", "us", 0, BackSpace, Qt::Key_Backspace);
+        row("tab", "us", 0, TabKey, Qt::Key_Tab);
+        row("tab backwards", "us", LeftShift, TabKey, Qt::Key_Backtab);
+        row("shift", "us", 0, LeftShift, Qt::Key_Shift);
+        row("control", "us", 0, LeftControl, Qt::Key_Control);
+        row("right control", "us", 0, RightControl, Qt::Key_Control);
+        row("alt", "us", 0, LeftAlt, Qt::Key_Alt);
+        row("right alt", "us", 0, RightAlt, Qt::Key_Alt);
+        row("right alt of a German keyboard", "de", 0, RightAlt, Qt::Key_AltGr);
+        row("function", "us", 0, F1, Qt::Key_F1);
+        row("keypad multiply", "us", 0, KeypadMultiply, Qt::Key_Asterisk);
+        row("keypad without lock", "us", 0, Keypad7, Qt::Key_Home);
+        row("keypad enter", "us", 0, KeypadEnter, Qt::Key_Enter);
+        row("arrow", "us", 0, UpArrow, Qt::Key_Up);
+        row("volume", "us", 0, Volume, Qt::Key_VolumeUp);
+        row("media", "us", 0, PlayPause, Qt::Key_MediaPlay);
+        row("Cyrillic", "ru", 0, LetterA, 0x0424);
+        row("Windows key", "us", 0, LeftSuper, Qt::Key_Super_L);
+    }
+    void knownKeys()
+    {
+        QFETCH(QString, layout);
+        QFETCH(int, held);
+        QFETCH(int, code);
+        QFETCH(int, key);
+        run("setxkbmap", {layout});
+        if (held)
+            m_input.key(held, true);
+        m_input.tap(code);
+        if (held)
+            m_input.key(held, false);
+        QStringList hook, qt;
+        finish(hook, qt);
+        const QString expected = QString("key %1 1").arg(key, 0, 16);
+        QCOMPARE(qt.value(held ? 1 : 0), expected);
+        QCOMPARE(hook, qt);
+    }
+
+    /// A tool that types any text borrows a spare key, gives it a new meaning and presses it at once.
+    void meaningChangedOnTheFly()
+    {
+        run("setxkbmap", {"us"});
+        m_hook.take();
+        for (int key : {0xc4, 0x416, 0x2192, 0x39e, 0xc4}) {
+            m_input.setMeaning(SpareKey, 0x01000000u | std::uint32_t(key)); // the key symbol of a Unicode character
+            m_input.tap(SpareKey);
+            QCOMPARE(m_hook.take(2),
+                     (QStringList{QString("key %1 1").arg(key, 0, 16), QString("key %1 0").arg(key, 0, 16)}));
+        }
+    }
+};
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_IM_MODULE", "none"); // an input method would keep dead keys for itself
+    QGuiApplication app(argc, argv);
+    keymouse_keys_test test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "keymouse_keys_test.moc"

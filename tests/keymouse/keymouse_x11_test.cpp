@@ -1,0 +1,321 @@
+#include "RecordingHook.h"
+#include "XTestInput.h"
+
+#include "keymouse/KeyMouseEventSource.h"
+
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QProcess>
+#include <QScreen>
+#include <QWindow>
+#include <QtTest>
+
+#include <dirent.h>
+
+#include <atomic>
+#include <memory>
+
+namespace
+{
+
+enum Code { LetterA = 38, LetterB = 56 };
+
+constexpr int scale = 2; // of the screen, see main()
+
+/// Counts what really comes from the server, before any hook is asked.
+class CountingSink final : public KeyMouseEventSink
+{
+public:
+    std::atomic<int> wanted{0};
+    std::atomic<int> keys{0};
+    std::atomic<int> buttons{0};
+
+    int wantedKinds() const override { return wanted; }
+    void deliver(KelKeyboardEvent) override { ++keys; }
+    void deliver(KelMouseEvent) override { ++buttons; }
+    void deliver(KelWheelEvent) override {}
+};
+
+int threadsOfThisProcess()
+{
+    int count = 0;
+    DIR *directory = opendir("/proc/self/task");
+    while (const dirent *entry = readdir(directory))
+        count += entry->d_name[0] != '.';
+    closedir(directory);
+    return count;
+}
+
+/// An X server of our own that may die.
+class MortalServer
+{
+public:
+    MortalServer()
+    {
+        m_process.start("Xvfb", {"-displayfd", "1", "-screen", "0", "640x480x24", "-nolisten", "tcp", "-noreset"});
+        if (m_process.waitForReadyRead(20000))
+            m_display = ":" + m_process.readLine().trimmed();
+    }
+    ~MortalServer() { kill(); }
+
+    QByteArray display() const { return m_display; }
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+private:
+    QProcess m_process;
+    QByteArray m_display;
+};
+
+/// Sets $DISPLAY for a while.
+class Display
+{
+public:
+    explicit Display(const QByteArray &name)
+        : m_before(qgetenv("DISPLAY"))
+    {
+        name.isNull() ? qunsetenv("DISPLAY") : qputenv("DISPLAY", name);
+    }
+    ~Display() { qputenv("DISPLAY", m_before); }
+    Q_DISABLE_COPY(Display)
+
+private:
+    const QByteArray m_before;
+};
+
+QStringList warnings;
+
+void collectWarnings(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    if (type == QtWarningMsg && text.startsWith("[KelKeyMouseHook]"))
+        warnings.append(text);
+}
+
+class ClickWindow : public QWindow
+{
+public:
+    QVector<int> buttons;
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override { buttons.append(event->button()); }
+};
+
+} // namespace
+
+/// The event source of X11 with real input on a private X server whose screen is scaled.
+class keymouse_x11_test : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<XTestInput> m_input;
+
+private slots:
+    void initTestCase()
+    {
+        QCOMPARE(QGuiApplication::primaryScreen()->devicePixelRatio(), double(scale));
+        m_input = std::make_unique<XTestInput>();
+    }
+
+    void pointerAndWheel()
+    {
+        RecordingHook hook;
+        hook.setHookType(KelKeyMouseHook::Mouse);
+        m_input->move(100, 60);
+        m_input->click(1);
+        m_input->warp(300, 200); // by a program: nothing moves, the next event tells
+        m_input->click(3);
+        m_input->button(2, true); // dragged
+        m_input->move(310, 210);
+        m_input->move(320, 220);
+        m_input->button(2, false);
+        m_input->click(4);
+        m_input->click(5);
+        m_input->click(6); // sideways
+        m_input->click(7);
+        m_input->click(8);
+        m_input->click(9);
+        m_input->tap(LetterA);
+        m_input->click(1);
+        const QStringList expected{"button 1 1 at 50,30",   "button 1 0 at 50,30",    "button 2 1 at 150,100",
+                                   "button 2 0 at 150,100", "button 4 1 at 150,100",  "button 4 0 at 160,110",
+                                   "wheel 120 at 160,110",  "wheel -120 at 160,110",  "button 8 1 at 160,110",
+                                   "button 8 0 at 160,110", "button 16 1 at 160,110", "button 16 0 at 160,110",
+                                   "button 1 1 at 160,110", "button 1 0 at 160,110"};
+        QCOMPARE(hook.take(expected.size()), expected);
+    }
+
+    void buttonsAreThoseOfLeftHandedPeople()
+    {
+        ClickWindow window;
+        window.setGeometry(0, 0, 200, 200);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        RecordingHook hook;
+        hook.setHookType(KelKeyMouseHook::ButtonPress);
+        m_input->swapButtons();
+        m_input->move(20, 20);
+        for (int button : {1, 2, 3})
+            m_input->click(button);
+        m_input->swapButtons();
+        QTRY_COMPARE(window.buttons.size(), 3);
+        QStringList qt;
+        for (int button : qAsConst(window.buttons))
+            qt.append(QString("button %1 1 at 10,10").arg(button));
+        QCOMPARE(hook.take(3), qt);
+        QCOMPARE(window.buttons.first(), int(Qt::RightButton));
+    }
+
+    void heldKeyRepeats()
+    {
+        QCOMPARE(QProcess::execute("xset", {"r", "rate", "50", "100"}), 0);
+        RecordingHook hook;
+        hook.setHookType(KelKeyMouseHook::Keyboard);
+        m_input->key(LetterA, true);
+        QTRY_VERIFY(hook.lines().size() >= 4);
+        m_input->key(LetterA, false);
+        QTRY_VERIFY(hook.lines().endsWith("key 41 0"));
+        QStringList lines = hook.take();
+        lines.removeLast();
+        QCOMPARE(lines.count("key 41 1"), lines.size()); // presses only
+    }
+
+    void grabOfAnotherProgramHidesNothing()
+    {
+        xcb_connection_t *other = xcb_connect(nullptr, nullptr);
+        const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(other)).data->root;
+        auto *grab = xcb_grab_keyboard_reply(
+            other, xcb_grab_keyboard(other, true, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+            nullptr);
+        QVERIFY(grab && grab->status == XCB_GRAB_STATUS_SUCCESS);
+        std::free(grab);
+        RecordingHook hook;
+        hook.setHookType(KelKeyMouseHook::Keyboard);
+        m_input->tap(LetterA);
+        QCOMPARE(hook.take(2), (QStringList{"key 41 1", "key 41 0"}));
+        xcb_disconnect(other);
+    }
+
+    /// What nobody wants is not recorded at all, and a change of the kinds loses nothing of the others.
+    void onlyWantedKindsLeaveTheServer()
+    {
+        CountingSink sink;
+        const auto source = createKeyMouseEventSource(sink);
+        const auto want = [&](int kinds) {
+            sink.wanted = kinds;
+            source->update();
+        };
+        want(KelKeyMouseHook::Keyboard | KelKeyMouseHook::Mouse);
+        m_input->tap(LetterA);
+        m_input->button(1, true);
+        want(KelKeyMouseHook::Mouse);
+        m_input->tap(LetterA);
+        m_input->button(1, false);
+        QTRY_COMPARE(sink.buttons.load(), 2);
+        QCOMPARE(sink.keys.load(), 2);
+        want(KelKeyMouseHook::Keyboard);
+        m_input->click(1);
+        m_input->tap(LetterA);
+        QTRY_COMPARE(sink.keys.load(), 4);
+        QCOMPARE(sink.buttons.load(), 2);
+        want(0);
+        m_input->tap(LetterA);
+        want(KelKeyMouseHook::Mouse);
+        m_input->click(1);
+        QTRY_COMPARE(sink.buttons.load(), 4);
+        QCOMPARE(sink.keys.load(), 4);
+    }
+
+    void threadLivesFromFirstToLastHook()
+    {
+        const int before = threadsOfThisProcess();
+        for (int round = 0; round < 100; ++round) {
+            RecordingHook mouse, keyboard;
+            keyboard.setHookType(KelKeyMouseHook::Keyboard);
+            mouse.setHookType(KelKeyMouseHook::Mouse);
+            m_input->tap(LetterB);
+            m_input->click(1);
+            QCOMPARE(keyboard.take(2).size(), 2);
+            QCOMPARE(mouse.take(2).size(), 2);
+            QCOMPARE(threadsOfThisProcess(), before + 1);
+        }
+        QTRY_COMPARE(threadsOfThisProcess(), before);
+    }
+
+    void lastHookRemovedByItsOwnCallback()
+    {
+        const int before = threadsOfThisProcess();
+        RecordingHook hook;
+        hook.onEvent = [&] { hook.setHookType(0); };
+        for (int round = 0; round < 3; ++round) {
+            hook.setHookType(KelKeyMouseHook::Keyboard);
+            m_input->tap(LetterA);
+            QCOMPARE(hook.take(1), QStringList{"key 41 1"});
+            QTRY_COMPARE(threadsOfThisProcess(), before);
+        }
+    }
+
+    void noServer_data()
+    {
+        QTest::addColumn<QByteArray>("display");
+        QTest::newRow("no display") << QByteArray();
+        QTest::newRow("no such server") << QByteArray(":9999");
+        QTest::newRow("nonsense") << QByteArray("nonsense");
+    }
+    void noServer()
+    {
+        QFETCH(QByteArray, display);
+        const Display environment(display);
+        const auto before = qInstallMessageHandler(collectWarnings);
+        {
+            RecordingHook mouse, keyboard;
+            mouse.setHookType(KelKeyMouseHook::Mouse);
+            keyboard.setHookType(KelKeyMouseHook::Keyboard);
+        }
+        RecordingHook next;
+        next.setHookType(KelKeyMouseHook::Mouse);
+        qInstallMessageHandler(before);
+        // One warning for each time that somebody begins to watch, not one for each hook.
+        const QString text = "[KelKeyMouseHook] keyboard and mouse cannot be watched: no X display can be reached";
+        QCOMPARE(std::exchange(warnings, {}), (QStringList{text, text}));
+    }
+
+    void serverDies()
+    {
+        MortalServer server;
+        QVERIFY(!server.display().isEmpty());
+        const int threads = threadsOfThisProcess();
+        const auto before = qInstallMessageHandler(collectWarnings);
+        RecordingHook hook;
+        {
+            const Display environment(server.display());
+            hook.setHookType(KelKeyMouseHook::Keyboard | KelKeyMouseHook::Mouse);
+            XTestInput input;
+            input.tap(LetterA);
+            QCOMPARE(hook.take(2).size(), 2);
+        }
+        server.kill();
+        QTRY_COMPARE(threadsOfThisProcess(), threads);
+        hook.setHookType(0);
+        qInstallMessageHandler(before);
+        QCOMPARE(std::exchange(warnings, {}),
+                 QStringList{
+                     "[KelKeyMouseHook] keyboard and mouse cannot be watched: the connection to the X server is lost"});
+
+        hook.setHookType(KelKeyMouseHook::Keyboard); // on the server that lives
+        m_input->tap(LetterA);
+        QCOMPARE(hook.take(2).size(), 2);
+    }
+};
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
+    QGuiApplication app(argc, argv);
+    keymouse_x11_test test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "keymouse_x11_test.moc"

@@ -1,5 +1,6 @@
 #include "avcodec/Mp4Muxer.h"
 
+#include "avcodec/AvLog.h"
 #include "avcodec/X264Encoder.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@ Mp4Muxer::Mp4Muxer(const Mp4VideoTrack &track, AVIOContext *output, const char *
     : m_packet(av_packet_alloc())
     , m_fps(track.fps)
 {
+    av::useQtLog();
     AVFormatContext *context = nullptr;
     if (avformat_alloc_output_context2(&context, nullptr, "mp4", url) < 0)
         return;

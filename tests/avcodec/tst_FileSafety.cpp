@@ -1,10 +1,12 @@
-// What is left of a recording when the process is killed or the disk is full.
+// What is left of a file when the process is killed or the disk is full.
 
 #include "avcodec/DecodedVideo.h"
 #include "avcodec/KelAsyncEncoder.h"
 #include "avcodec/Mp4Index.h"
 #include "avcodec/X264Encoder.h"
+#include "avcodec/h264Encoder.h"
 
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -37,6 +39,16 @@ int record(KelAsyncEncoder &encoder, int count)
     return taken;
 }
 
+/// Encodes a video for export and returns the error, empty when there was none.
+QString exportVideo(const QString &path)
+{
+    h264Encoder encoder({kSize, QImage::Format_ARGB32_Premultiplied, path, kFps, 90});
+    quint64 index = 0;
+    while (index < 90 && encoder.addFrame(index, textPicture(kSize, int(index))))
+        ++index;
+    return encoder.close() == encoder.errorString().isEmpty() ? encoder.errorString() : QStringLiteral("undecided");
+}
+
 /// Bounds the size of files, so that writing beyond fails as it does on a full disk.
 class FileSizeLimit
 {
@@ -64,14 +76,16 @@ private:
 
 } // namespace
 
-class tst_RecordingFile : public QObject
+class tst_FileSafety : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void survivesKill();
-    void survivesFullDisk_data();
-    void survivesFullDisk();
+    void recordingSurvivesKill();
+    void recordingSurvivesFullDisk_data();
+    void recordingSurvivesFullDisk();
+    void exportReportsFullDisk_data();
+    void exportReportsFullDisk();
     void addressesLargeFiles();
 
 private:
@@ -80,7 +94,7 @@ private:
     QTemporaryDir m_dir;
 };
 
-void tst_RecordingFile::survivesKill()
+void tst_FileSafety::recordingSurvivesKill()
 {
     QProcess child;
     child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--record"), path()});
@@ -100,7 +114,7 @@ void tst_RecordingFile::survivesKill()
         QVERIFY(psnr(video.rgbImage(i), textPicture(kSize, i % 50)) >= 45);
 }
 
-void tst_RecordingFile::survivesFullDisk_data()
+void tst_FileSafety::recordingSurvivesFullDisk_data()
 {
     constexpr int count = 60;
     KelAsyncEncoder encoder(params(path()));
@@ -121,7 +135,7 @@ void tst_RecordingFile::survivesFullDisk_data()
     QTest::newRow("in the index") << fragmentsEnd + 100 << count;
 }
 
-void tst_RecordingFile::survivesFullDisk()
+void tst_FileSafety::recordingSurvivesFullDisk()
 {
     QFETCH(qint64, limit);
     QFETCH(int, frames);
@@ -146,7 +160,24 @@ void tst_RecordingFile::survivesFullDisk()
     QVERIFY(int(video.frames.size()) >= frames);
 }
 
-void tst_RecordingFile::addressesLargeFiles()
+void tst_FileSafety::exportReportsFullDisk_data()
+{
+    QVERIFY(exportVideo(path()).isEmpty());
+    const qint64 size = QFileInfo(path()).size();
+    QTest::addColumn<qint64>("limit");
+    QTest::newRow("in the middle") << size / 2;
+    QTest::newRow("when the index moves to the front") << size - 1;
+}
+
+void tst_FileSafety::exportReportsFullDisk()
+{
+    QFETCH(qint64, limit);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[h264Encoder\\] Cannot write")));
+    const FileSizeLimit fullDisk(limit);
+    QVERIFY(exportVideo(path()).contains(path()));
+}
+
+void tst_FileSafety::addressesLargeFiles()
 {
     // No picture is looked at; the record only has to look like one.
     Mp4Index index({kSize, kFps, QByteArray::fromHex("014d401fffe1000400000000010004000000000000")});
@@ -177,8 +208,8 @@ int main(int argc, char **argv)
             std::fflush(stdout);
         }
     }
-    tst_RecordingFile test;
+    tst_FileSafety test;
     return QTest::qExec(&test, argc, argv);
 }
 
-#include "tst_RecordingFile.moc"
+#include "tst_FileSafety.moc"

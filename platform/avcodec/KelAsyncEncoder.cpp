@@ -15,8 +15,6 @@
 namespace
 {
 
-constexpr int kMaxDimension = 16384;
-
 /// The worst quantizer is that of quality 0; at 100 small coloured text comes out at 49 dB and better.
 int quantizer(int quality)
 {
@@ -37,16 +35,8 @@ int threadCount(const KelAsyncEncoder::Params &params)
 
 x264_param_t encoderParams(const KelAsyncEncoder::Params &params)
 {
-    x264_param_t x264;
     // The fastest coding tools that there are; no frame waits in the encoder for later ones.
-    x264_param_default_preset(&x264, "ultrafast", "zerolatency");
-    x264.i_width = params.frameSize.width();
-    x264.i_height = params.frameSize.height();
-    x264.i_fps_num = uint32_t(params.fps);
-    x264.i_fps_den = 1;
-    x264.i_timebase_num = 1;
-    x264.i_timebase_den = uint32_t(params.fps);
-    x264.b_vfr_input = 0;
+    x264_param_t x264 = X264Encoder::defaultParams("ultrafast", "zerolatency", params.frameSize, params.fps);
 
     // RGB as it is on the screen: coloured text keeps its sharpness. All three planes count alike, while by default
     // the second and third get the coarser quantizer of chroma.
@@ -71,16 +61,6 @@ x264_param_t encoderParams(const KelAsyncEncoder::Params &params)
     x264.b_sliced_threads = x264.i_threads > 1;
     x264.i_slice_count = slices;
     return x264;
-}
-
-QString parameterError(const KelAsyncEncoder::Params &params)
-{
-    const QSize &size = params.frameSize;
-    if (size.isEmpty() || size.width() > kMaxDimension || size.height() > kMaxDimension)
-        return QStringLiteral("Cannot record pictures of %1 x %2 pixels").arg(size.width()).arg(size.height());
-    if (params.fps < 1 || params.fps > 1000)
-        return QStringLiteral("Cannot record %1 frames a second").arg(params.fps);
-    return {};
 }
 
 Mp4VideoTrack videoTrack(const KelAsyncEncoder::Params &params, const X264Encoder &encoder)
@@ -132,7 +112,7 @@ KelAsyncEncoder::Private::Private(const Params &p)
 
 QString KelAsyncEncoder::Private::open()
 {
-    if (const QString text = parameterError(params); !text.isEmpty())
+    if (QString text = X264Encoder::limitError(params.frameSize, params.fps); !text.isEmpty())
         return text;
     encoder = std::make_unique<X264Encoder>(encoderParams(params));
     if (!encoder->isValid())

@@ -12,6 +12,8 @@ namespace
 {
 
 constexpr int kLengthBytes = 4; // before each NAL unit
+constexpr int kMaxDimension = 16384;
+constexpr int kMaxFps = 1000;
 
 void logMessage(void *, int level, const char *format, va_list arguments)
 {
@@ -22,8 +24,24 @@ void logMessage(void *, int level, const char *format, va_list arguments)
         qDebug().noquote() << "[X264Encoder]" << text;
 }
 
-x264_param_t withPacketFormat(x264_param_t param)
+void appendParameterSet(QByteArray &record, const QByteArray &set)
 {
+    record.append(char(set.size() >> 8)).append(char(set.size())).append(set);
+}
+
+} // namespace
+
+x264_param_t X264Encoder::defaultParams(const char *preset, const char *tune, const QSize &size, int fps)
+{
+    x264_param_t param;
+    x264_param_default_preset(&param, preset, tune);
+    param.i_width = size.width();
+    param.i_height = size.height();
+    param.i_fps_num = uint32_t(fps);
+    param.i_fps_den = 1;
+    param.i_timebase_num = 1;
+    param.i_timebase_den = uint32_t(fps);
+    param.b_vfr_input = 0;
     param.b_annexb = 0;
     param.b_repeat_headers = 0;
     param.analyse.b_mb_info = 1;
@@ -32,18 +50,19 @@ x264_param_t withPacketFormat(x264_param_t param)
     return param;
 }
 
-void appendParameterSet(QByteArray &record, const QByteArray &set)
+QString X264Encoder::limitError(const QSize &size, int fps)
 {
-    record.append(char(set.size() >> 8)).append(char(set.size())).append(set);
+    if (size.isEmpty() || size.width() > kMaxDimension || size.height() > kMaxDimension)
+        return QStringLiteral("Cannot encode pictures of %1 x %2 pixels").arg(size.width()).arg(size.height());
+    if (fps < 1 || fps > kMaxFps)
+        return QStringLiteral("Cannot encode %1 frames a second").arg(fps);
+    return {};
 }
-
-} // namespace
 
 X264Encoder::X264Encoder(x264_param_t param)
     : m_colourSpace(param.i_csp)
     , m_macroblocks(std::size_t((param.i_width + 15) / 16) * std::size_t((param.i_height + 15) / 16))
 {
-    param = withPacketFormat(param);
     m_encoder.reset(x264_encoder_open(&param));
 }
 

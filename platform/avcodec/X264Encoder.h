@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSize>
+#include <QString>
 #include <QtGlobal>
 
 #include <cstdint> // x264.h uses its types but does not include it
@@ -26,7 +28,13 @@ struct EncodedPicture {
 class X264Encoder
 {
 public:
-    /// Opens the encoder; the parameters that its packet format depends on are set here.
+    /// What all encoders here have in common, for the frames' size and rate; time stamps count frames.
+    static x264_param_t defaultParams(const char *preset, const char *tune, const QSize &size, int fps);
+
+    /// Why pictures of this size and rate cannot be encoded, in English; empty when they can.
+    static QString limitError(const QSize &size, int fps);
+
+    /// Opens the encoder.
     explicit X264Encoder(x264_param_t param);
 
     bool isValid() const { return m_encoder != nullptr; }

@@ -14,7 +14,6 @@
 namespace
 {
 
-constexpr int kMaxDimension = 16384;
 constexpr int kQueueCapacity = 3;
 
 float rateFactor(int quality)
@@ -26,15 +25,7 @@ float rateFactor(int quality)
 
 x264_param_t encoderParams(const QSize &size, int fps, int quality)
 {
-    x264_param_t x264;
-    x264_param_default_preset(&x264, "veryfast", nullptr);
-    x264.i_width = size.width();
-    x264.i_height = size.height();
-    x264.i_fps_num = uint32_t(fps);
-    x264.i_fps_den = 1;
-    x264.i_timebase_num = 1;
-    x264.i_timebase_den = uint32_t(fps);
-    x264.b_vfr_input = 0;
+    x264_param_t x264 = X264Encoder::defaultParams("veryfast", nullptr, size, fps);
     x264.i_csp = X264_CSP_I420;
     x264.vui.i_colorprim = 1;
     x264.vui.i_transfer = 1;
@@ -47,16 +38,6 @@ x264_param_t encoderParams(const QSize &size, int fps, int quality)
     x264.i_keyint_max = std::min(keyframeSeconds * fps, 250);
     x264_param_apply_profile(&x264, "high");
     return x264;
-}
-
-QString parameterError(const h264Encoder::Params &params)
-{
-    const QSize &size = params.size;
-    if (size.isEmpty() || size.width() > kMaxDimension || size.height() > kMaxDimension)
-        return QStringLiteral("Cannot encode pictures of %1 x %2 pixels").arg(size.width()).arg(size.height());
-    if (params.fps < 1 || params.fps > 1000)
-        return QStringLiteral("Cannot encode %1 frames a second").arg(params.fps);
-    return {};
 }
 
 /// An output file of libavformat's own, which can be opened again to move the index to the front.
@@ -106,6 +87,7 @@ private:
     std::unique_ptr<Mp4Muxer> muxer;
     qint64 lastIndex = -1;
     bool isClosed = false;
+    std::atomic<bool> isComplete{false};
     std::unique_ptr<BoundedWorker<Item>> worker; // last: its thread uses all of the above
 };
 
@@ -118,7 +100,7 @@ h264Encoder::Private::Private(const Params &p)
 
 QString h264Encoder::Private::open()
 {
-    if (const QString text = parameterError(params); !text.isEmpty())
+    if (QString text = X264Encoder::limitError(params.size, params.fps); !text.isEmpty())
         return text;
     frames = std::make_unique<PlanarFrames>(params.size, PlanarFrames::Layout::Bt709Yuv420, kQueueCapacity + 1);
     encoder = std::make_unique<X264Encoder>(encoderParams(frames->pictureSize(), params.fps, params.quality));
@@ -175,11 +157,14 @@ bool h264Encoder::Private::close()
         return failToWrite(code);
     if (const int code = file.close(); code < 0)
         return failToWrite(code);
+    isComplete = true;
     return true;
 }
 
 void h264Encoder::Private::abort()
 {
+    if (isComplete)
+        return;
     fail(QStringLiteral("Aborted"));
     if (worker)
         worker->abort();

@@ -29,6 +29,7 @@ private slots:
     void keepsSmallColouredText();
     void takesImages_data();
     void takesImages();
+    void followsSmallChanges_data();
     void followsSmallChanges();
     void neverWaits();
     void refusesForeignSizes();
@@ -103,15 +104,24 @@ void tst_KelAsyncEncoder::takesImages()
     QVERIFY(psnr(video.rgbImage(0), image) >= 45);
 }
 
+void tst_KelAsyncEncoder::followsSmallChanges_data()
+{
+    QTest::addColumn<int>("threads");
+    QTest::newRow("one thread") << 1;
+    QTest::newRow("three threads") << 3;
+}
+
 // What is skipped as unchanged must be unchanged indeed: also across frames that reuse a buffer of several frames ago.
 void tst_KelAsyncEncoder::followsSmallChanges()
 {
+    QFETCH(int, threads);
     const QSize size(203, 119);
     std::mt19937 random(1);
     std::vector<QImage> images;
     QImage image = textPicture(size, 0);
     KelAsyncEncoder::Params params{size, QImage::Format_ARGB32_Premultiplied, path()};
     params.keyframeInterval = 30;
+    params.threads = threads;
     KelAsyncEncoder encoder(params);
     for (int i = 0; i < 60; ++i) {
         QPainter painter(&image);

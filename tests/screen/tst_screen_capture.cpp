@@ -216,8 +216,11 @@ private slots:
             done = true;
         });
         bool captured = true;
-        while (!done || streamer->hasFrameChanged())
+        for (int i = 0; !done || streamer->hasFrameChanged(); ++i) {
+            if (i % 3 == 0)
+                image = {}; // whole captures must not forget anything, either
             captured = captured && (!streamer->hasFrameChanged() || streamer->captureTo(image));
+        }
         drawer.join();
         m_painter.sync();
         if (streamer->hasFrameChanged())

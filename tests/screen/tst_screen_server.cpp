@@ -5,8 +5,9 @@
 
 #include <QtTest>
 
-#include <chrono>
+#include <atomic>
 #include <memory>
+#include <thread>
 
 namespace
 {
@@ -173,6 +174,8 @@ private slots:
         const XServer server({"-screen", "0", "800x600x8"});
         const EnvironmentChange change("DISPLAY", server.display());
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("depth 8"));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("depth 8"));
+        QVERIFY(KelScreenManager::instance()->errorString().contains("depth 8"));
         const auto streamer = streamerFor(wholeScreen);
         QVERIFY(streamer->errorString().contains("depth 8"));
         QVERIFY(!streamer->hasFrameChanged());
@@ -211,6 +214,27 @@ private slots:
         QVERIFY(streamer->captureTo(image));
         QCOMPARE(image.pixel(0, 0), 0xff880000);
         QCOMPARE(image.pixel(699, 499), 0xff880000);
+    }
+
+    void capturesWhileTheScreenIsBeingResized()
+    {
+        const XServer server;
+        const EnvironmentChange change("DISPLAY", server.display());
+        const auto streamer = streamerFor(wholeScreen);
+        std::atomic_bool done{false};
+        std::thread resizer([&done] {
+            for (int i = 0; i < 20; ++i)
+                QProcess::execute("xrandr", {"--output", "screen", "--off", "--fb", i % 2 ? "800x600" : "80x60"});
+            done = true;
+        });
+        bool captured = true;
+        QImage image;
+        while (!done) {
+            image = {};
+            captured = captured && streamer->captureTo(image) && image.size() == wholeScreen.size();
+        }
+        resizer.join();
+        QVERIFY2(captured, qPrintable(streamer->errorString()));
     }
 
     void endsWithItsServer()

@@ -30,21 +30,8 @@ QString connectionError(const XcbConnection &connection)
     return QStringLiteral("The screen cannot be captured: no connection to the X server \"%1\".").arg(display);
 }
 
-} // namespace
-
-std::unique_ptr<KelScreenBackend> createNativeScreenBackend()
+std::unique_ptr<KelScreenStreamer> streamerFor(const QRect &physical)
 {
-    return std::make_unique<X11ScreenBackend>();
-}
-
-QString X11ScreenBackend::errorString() const
-{
-    return connectionError(XcbConnection());
-}
-
-std::unique_ptr<KelScreenStreamer> X11ScreenBackend::createStreamer(const QRect &rect)
-{
-    const QRect physical = physicalRect(rect);
     if (physical.isEmpty())
         return std::make_unique<FailedScreenStreamer>(
             QStringLiteral("The screen cannot be captured: the rectangle is empty."));
@@ -58,4 +45,21 @@ std::unique_ptr<KelScreenStreamer> X11ScreenBackend::createStreamer(const QRect 
     if (!error.isEmpty())
         return std::make_unique<FailedScreenStreamer>(error);
     return std::make_unique<X11ScreenStreamer>(std::move(connection), physical);
+}
+
+} // namespace
+
+std::unique_ptr<KelScreenBackend> createNativeScreenBackend()
+{
+    return std::make_unique<X11ScreenBackend>();
+}
+
+QString X11ScreenBackend::errorString() const
+{
+    return streamerFor({0, 0, 1, 1})->errorString();
+}
+
+std::unique_ptr<KelScreenStreamer> X11ScreenBackend::createStreamer(const QRect &rect)
+{
+    return streamerFor(physicalRect(rect));
 }

@@ -2,6 +2,7 @@
 
 #include <QDebug>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -16,11 +17,12 @@ constexpr QImage::Format frameFormat = QImage::Format_ARGB32_Premultiplied;
 void copyOpaque(const QImage &from, const QPoint &to, QImage &image)
 {
     const std::size_t stride = std::size_t(image.bytesPerLine()) / sizeof(QRgb);
-    QRgb *line = reinterpret_cast<QRgb *>(image.bits()) + std::size_t(to.y()) * stride + to.x();
-    for (int y = 0; y < from.height(); ++y, line += stride) {
+    QRgb *target = reinterpret_cast<QRgb *>(image.bits()) + std::size_t(to.y()) * stride + to.x();
+    const int width = from.width();
+    const int height = from.height();
+    for (int y = 0; y < height; ++y, target += stride) {
         const QRgb *source = reinterpret_cast<const QRgb *>(from.constScanLine(y));
-        for (int x = 0; x < from.width(); ++x)
-            line[x] = source[x] | 0xff000000u;
+        std::transform(source, source + width, target, [](QRgb pixel) { return pixel | 0xff000000u; });
     }
 }
 
@@ -62,7 +64,7 @@ bool X11ScreenStreamer::captureTo(QImage &image)
     bool whole = m_everything || image.cacheKey() != m_filledKey;
     if (whole)
         m_damage.clear();
-    for (int attempts = 2; attempts > 0; --attempts) {
+    for (int attempts = 3; attempts > 0; --attempts) {
         if (const auto blocks = m_reader.read(rectsToRead(whole))) {
             if (!paint(*blocks, whole, image)) {
                 setError(QStringLiteral("There is no memory for a picture of the screen."));

@@ -1,7 +1,6 @@
-#include <QCoreApplication>
+#include "cli/CommandLine.h"
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
-    return 0;
+    return CommandLine::run(argc, argv);
 }

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+/// The log of the engine. A person wants to hear one line when something fails, not the engine's diary: it is shown
+/// only on demand, and kept in so far as it explains a failure.
+namespace MessageLog
+{
+
+/// From now on; `verbose` passes every line to standard error.
+void install(bool verbose);
+
+/// The first line of the severest kind that was logged, empty when there was none.
+QString firstCritical();
+
+} // namespace MessageLog

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <KelMovie/KelMultiTrackRecorder.h>
+
+#include <array>
+
+/// A track besides the screen that `record` can be asked for or told to leave out.
+struct OptionalTrack {
+    const char *option; ///< `--option` asks for it, `--no-option` leaves it out
+    bool KelMultiTrackRecorder::RecordConfig::*enabled;
+    bool isDefault;
+    bool isImplemented; ///< the engine can record it; one that cannot is never claimed by a recording
+};
+
+inline constexpr std::array OptionalTracks{
+    OptionalTrack{"mouse", &KelMultiTrackRecorder::RecordConfig::enableMouse, true, false},
+    OptionalTrack{"keyboard", &KelMultiTrackRecorder::RecordConfig::enableKeyboard, false, false},
+    OptionalTrack{"system-audio", &KelMultiTrackRecorder::RecordConfig::enableSystemAudio, false, false},
+    OptionalTrack{"microphone", &KelMultiTrackRecorder::RecordConfig::enableMicrophone, false, false},
+};

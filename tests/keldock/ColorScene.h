@@ -1,0 +1,62 @@
+#pragma once
+
+#include "support/X11Painter.h"
+
+#include <QColor>
+#include <QRect>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+/// A screen that shows one plain colour after the other, so that a picture of it tells when it was taken.
+class ColorScene
+{
+public:
+    static constexpr int Steps = 64;
+
+    explicit ColorScene(const QRect &rect, const QByteArray &display = {})
+        : m_thread([this, rect, display] { run(rect, display); })
+    {
+        while (!m_isShown)
+            std::this_thread::yield();
+    }
+
+    ~ColorScene()
+    {
+        m_isEnding = true;
+        m_thread.join();
+    }
+
+    static QColor color(int step) { return QColor::fromRgb(4 * (step % Steps), 255 - 4 * (step % Steps), 128); }
+
+    /// The step whose colour it is, -1 for a colour that never was on the screen.
+    static int step(const QColor &seen)
+    {
+        for (int i = 0; i < Steps; ++i) {
+            const QColor known = color(i);
+            if (qAbs(known.red() - seen.red()) < 2 && qAbs(known.green() - seen.green()) < 2 &&
+                qAbs(known.blue() - seen.blue()) < 2)
+                return i;
+        }
+        return -1;
+    }
+
+private:
+    void run(const QRect &rect, const QByteArray &display)
+    {
+        X11Painter painter(display);
+        const xcb_window_t window = painter.createWindow(rect, color(0).rgb());
+        painter.sync();
+        m_isShown = true;
+        for (int i = 1; !m_isEnding; ++i) {
+            painter.fill(window, QRect(QPoint(), rect.size()), color(i).rgb());
+            painter.sync();
+            std::this_thread::sleep_for(std::chrono::milliseconds(40)); // how fast the screen changes
+        }
+    }
+
+    std::atomic<bool> m_isShown{false};
+    std::atomic<bool> m_isEnding{false};
+    std::thread m_thread;
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "keldock/Keldock.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QString>
+
+/// What `keldock info --json` tells.
+inline QJsonObject recordingInfo(const QString &recording)
+{
+    return QJsonDocument::fromJson(Keldock::run({"info", recording, "--json"}).output.toUtf8()).object();
+}
+
+inline QByteArray readAll(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline bool writeAll(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+inline bool copyTree(const QString &from, const QString &to)
+{
+    QDirIterator files(from, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        const QString target = to + path.mid(from.size());
+        if (!QDir().mkpath(QFileInfo(target).path()) || !QFile::copy(path, target))
+            return false;
+    }
+    return true;
+}

@@ -1,0 +1,190 @@
+#include "keldock/Keldock.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+class CommandLineTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void helpTeaches_data();
+    void helpTeaches();
+    void wrongUsage_data();
+    void wrongUsage();
+    void noRecording_data();
+    void noRecording();
+    void noDisplay_data();
+    void noDisplay();
+    void lostOutput();
+};
+
+void CommandLineTest::helpTeaches_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("mentions");
+    QTest::newRow("overview") << QStringList{"--help"}
+                              << QStringList{"record", "info", "export", "frame", "--verbose", "Exit status"};
+    QTest::newRow("help word") << QStringList{"help", "frame"} << QStringList{"keldock frame DIR N FILE.png"};
+    QTest::newRow("record") << QStringList{"record", "--help"}
+                            << QStringList{"--area",
+                                           "--screen",
+                                           "--out",
+                                           "--fps",
+                                           "--duration",
+                                           "--[no-]mouse",
+                                           "Ctrl-C",
+                                           "--[no-]keyboard",
+                                           "--[no-]system-audio",
+                                           "--[no-]microphone",
+                                           "Examples:"};
+    QTest::newRow("info") << QStringList{"info", "-h"} << QStringList{"--json", "Examples:"};
+    QTest::newRow("export") << QStringList{"export", "x", "--help"}
+                            << QStringList{"--format", "--from", "--to", "--speed", "--fps", "--quality", "Examples:"};
+    QTest::newRow("version") << QStringList{"--version"} << QStringList{"keldock 2.0.0", "2.0.0-multitrack"};
+}
+
+void CommandLineTest::helpTeaches()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QStringList, mentions);
+    const Keldock keldock = Keldock::run(arguments);
+    QCOMPARE(keldock.status, 0);
+    QCOMPARE(keldock.errors, QString());
+    for (const QString &mention : mentions)
+        QVERIFY2(keldock.output.contains(mention), qPrintable(mention));
+    const QStringList lines = keldock.output.split('\n');
+    for (const QString &line : lines)
+        QVERIFY2(line.size() <= 120, qPrintable(line));
+}
+
+void CommandLineTest::wrongUsage_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QString>("hint");
+    const auto row = [](const char *arguments, const char *hint) {
+        QTest::newRow(*arguments ? arguments : "nothing") << QString(arguments) << QString(hint);
+    };
+    row("", "Usage: keldock COMMAND");
+    row("play", "no command 'play'");
+    row("record --out d", "--area X,Y,WxH or --screen N");
+    row("record --screen 0 --area 0,0,9x9 --out d", "exclude each other");
+    row("record --screen 0", "--out DIR is missing");
+    row("record --screen 0 --out", "Missing value");
+    row("record --screen one --out d", "--screen takes a whole number");
+    row("record --area 0,0,0x10 --out d", "--area takes X,Y,WxH");
+    row("record --area 0,0,10x-1 --out d", "--area takes X,Y,WxH");
+    row("record --area 0,0,99999x99999 --out d", "--area takes X,Y,WxH");
+    row("record --area 10x10 --out d", "--area takes X,Y,WxH");
+    row("record --screen 0 --fps 0 --out d", "from 1 to 240");
+    row("record --screen 0 --fps 241 --out d", "from 1 to 240");
+    row("record --screen 0 --duration nan --out d", "--duration takes a number");
+    row("record --screen 0 --duration -3 --out d", "--duration takes a number");
+    row("record --screen 0 --mouse --no-mouse --out d", "exclude each other");
+    row("record --screen 0 --out d extra", "'extra' is one argument too many");
+    row("record --screen 0 --out d --fast", "no option '--fast'");
+    row("info", "DIR is missing");
+    row("info d e", "'e' is one argument too many");
+    row("export d", "FILE is missing");
+    row("export d f.avi", "tells no format");
+    row("export d f", "tells no format");
+    row("export d f.mp4 --format avi", "--format takes mp4, gif, apng or webp");
+    row("export d f.mp4 --speed 0.05", "from 0.1 to 16");
+    row("export d f.mp4 --speed 17", "from 0.1 to 16");
+    row("export d f.mp4 --from -1", "--from takes a whole number");
+    row("export d f.mp4 --from 500 --to 500", "--to has to lie behind --from");
+    row("export d f.mp4 --quality 101", "from 0 to 100");
+    row("frame d 0", "FILE.png is missing");
+    row("frame d x f.png", "number of a frame");
+    row("frame d 0 f.jpg", "does not end in .png");
+}
+
+void CommandLineTest::wrongUsage()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QString, hint);
+    const Keldock keldock = Keldock::run(arguments.split(' ', Qt::SkipEmptyParts));
+    QCOMPARE(keldock.status, 2);
+    QCOMPARE(keldock.output, QString());
+    QVERIFY2(keldock.errors.contains(hint), qPrintable(keldock.errors));
+    QVERIFY2(keldock.errors.contains("--help"), qPrintable(keldock.errors));
+}
+
+void CommandLineTest::noRecording_data()
+{
+    QTest::addColumn<QString>("directory");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("missing") << "missing"
+                             << "there is no directory";
+    QTest::newRow("a file") << "file"
+                            << "is not a directory";
+    QTest::newRow("empty") << "empty"
+                           << "holds no recording";
+}
+
+void CommandLineTest::noRecording()
+{
+    QFETCH(QString, directory);
+    QFETCH(QString, reason);
+    const QTemporaryDir scratch;
+    QVERIFY(QDir(scratch.path()).mkdir("empty"));
+    QFile file(scratch.filePath("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+
+    const QString path = scratch.filePath(directory);
+    const QString product = scratch.filePath("product.gif");
+    const QString picture = scratch.filePath("product.png");
+    for (const QStringList &arguments :
+         {QStringList{"info", path}, QStringList{"info", path, "--json"}, QStringList{"export", path, product},
+          QStringList{"frame", path, "0", picture}}) {
+        const Keldock keldock = Keldock::run(arguments);
+        QVERIFY2(keldock.failedWith(reason), qPrintable(keldock.errors));
+        QCOMPARE(keldock.output, QString());
+    }
+    QVERIFY(!QFile::exists(product));
+    QVERIFY(!QFile::exists(picture));
+}
+
+void CommandLineTest::noDisplay_data()
+{
+    QTest::addColumn<QString>("display");
+    QTest::addColumn<QString>("platform");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("none") << ""
+                          << ""
+                          << "DISPLAY is not set";
+    QTest::newRow("nobody there") << ":987"
+                                  << ""
+                                  << "cannot connect to display ':987'";
+    QTest::newRow("platform demanded") << ":987"
+                                       << "xcb"
+                                       << "cannot connect to display ':987'";
+}
+
+void CommandLineTest::noDisplay()
+{
+    QFETCH(QString, display);
+    QFETCH(QString, platform);
+    QFETCH(QString, reason);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"DISPLAY", "QT_QPA_PLATFORM", "WAYLAND_DISPLAY"})
+        environment.remove(name);
+    if (!display.isEmpty())
+        environment.insert("DISPLAY", display);
+    if (!platform.isEmpty())
+        environment.insert("QT_QPA_PLATFORM", platform);
+    const QTemporaryDir scratch;
+    const QString out = scratch.filePath("out");
+    const Keldock keldock = Keldock::run({"record", "--screen", "0", "--out", out}, environment);
+    QVERIFY2(keldock.failedWith(reason), qPrintable(keldock.errors));
+    QVERIFY(!QFile::exists(out));
+}
+
+void CommandLineTest::lostOutput()
+{
+    const Keldock keldock = Keldock::runShell("\"$0\" --help >/dev/full");
+    QVERIFY2(keldock.failedWith("cannot write to standard output"), qPrintable(keldock.errors));
+}
+
+QTEST_GUILESS_MAIN(CommandLineTest)
+#include "tst_command_line.moc"

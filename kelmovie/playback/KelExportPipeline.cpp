@@ -12,6 +12,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -129,14 +130,13 @@ bool KelExportPipeline::Private::exportFrames(const QString &path)
 {
     manager->pause();
     const int savedFrame = manager->currentFrame();
-    const auto restore = [&](void *) {
+    const auto restore = qScopeGuard([&] {
         if (!manager)
             return;
         if (!cancelled)
             manager->setExporting(false);
         manager->seek(savedFrame);
-    };
-    const std::unique_ptr<Private, decltype(restore)> guard(this, restore);
+    });
     return encodeRange(path) && checkWritten(path);
 }
 

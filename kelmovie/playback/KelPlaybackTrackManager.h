@@ -90,6 +90,8 @@ public:
     bool isExporting() const;
 
 signals:
+    /// While playing, emitted when a frame is due and once more when the tracks have moved to it (at high speed they
+    /// leave some out): paint again each time.
     void sigFrameChanged(int frame);
     /// Playback reached the end or was stopped.
     void sigPlaybackStopped();

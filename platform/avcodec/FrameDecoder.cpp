@@ -20,6 +20,8 @@ constexpr int kDeepestReordering = 16;
 // Recordings have few slices a frame; more threads would only wait.
 constexpr int kMostThreads = 4;
 
+constexpr int kMostEarlierStarts = 4;
+
 constexpr std::int64_t kMostPixels = std::int64_t(16384) * 16384;
 
 } // namespace
@@ -104,10 +106,14 @@ bool FrameDecoder::fetch(int number)
         restartAt(start);
         return advanceTo(number);
     }
-    if (!m_failed && start > 0) {
-        // Nothing is damaged, yet the frame did not come: its keyframe is one that later frames refer across.
-        restartAt(m_source.index().keyframeBefore(start));
-        return advanceTo(number);
+    // Nothing is damaged, yet the frame did not come: where the picture is refreshed bit by bit, it is whole only some
+    // keyframes later.
+    int earlier = start;
+    for (int i = 0; i < kMostEarlierStarts && earlier > 0 && !m_failed; ++i) {
+        earlier = m_source.index().keyframeBefore(earlier);
+        restartAt(earlier);
+        if (advanceTo(number))
+            return true;
     }
     return false;
 }

@@ -36,17 +36,24 @@ quint32 *row(QImage &image, int y)
     return reinterpret_cast<quint32 *>(image.scanLine(y));
 }
 
-bool isFullRange(const AVFrame &frame)
+/// The format that a deprecated one stands for, which says "full range" besides.
+AVPixelFormat plainFormat(const AVFrame &frame)
 {
     switch (frame.format) {
     case AV_PIX_FMT_YUVJ420P:
+        return AV_PIX_FMT_YUV420P;
     case AV_PIX_FMT_YUVJ422P:
+        return AV_PIX_FMT_YUV422P;
     case AV_PIX_FMT_YUVJ444P:
-    case AV_PIX_FMT_YUVJ440P:
-        return true;
+        return AV_PIX_FMT_YUV444P;
     default:
-        return frame.color_range == AVCOL_RANGE_JPEG;
+        return static_cast<AVPixelFormat>(frame.format);
     }
+}
+
+bool isFullRange(const AVFrame &frame)
+{
+    return plainFormat(frame) != frame.format || frame.color_range == AVCOL_RANGE_JPEG;
 }
 
 int matrixOf(const AVFrame &frame)
@@ -95,12 +102,11 @@ bool FrameConverter::scale(const AVFrame &frame, QImage &image)
 {
     // Where chroma is subsampled, the library's vector code for that very conversion is within 3 levels and takes a
     // sixteenth of the time of the exact way. Elsewhere only the exact way keeps the full resolution of chroma.
-    const AVPixFmtDescriptor *const layout = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    const AVPixFmtDescriptor *const layout = av_pix_fmt_desc_get(plainFormat(frame));
     const bool isSubsampled = layout && layout->log2_chroma_w > 0;
     const int flags = SWS_BILINEAR | (isSubsampled ? 0 : SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT);
-    m_scaler.reset(sws_getCachedContext(m_scaler.release(), frame.width, frame.height,
-                                        static_cast<AVPixelFormat>(frame.format), frame.width, frame.height,
-                                        AV_PIX_FMT_0RGB32, flags, nullptr, nullptr, nullptr));
+    m_scaler.reset(sws_getCachedContext(m_scaler.release(), frame.width, frame.height, plainFormat(frame), frame.width,
+                                        frame.height, AV_PIX_FMT_0RGB32, flags, nullptr, nullptr, nullptr));
     if (!m_scaler)
         return false;
     constexpr int one = 1 << 16;

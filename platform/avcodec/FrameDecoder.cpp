@@ -122,6 +122,7 @@ void FrameDecoder::restartAt(int sample)
 {
     avcodec_flush_buffers(m_codec.get());
     m_running = true;
+    m_draining = false;
     m_nextSample = sample;
     m_firstNumber = sample == 0 ? 0 : m_source.index().sample(sample).number;
     m_lastNumber = m_firstNumber - 1;
@@ -129,17 +130,23 @@ void FrameDecoder::restartAt(int sample)
 
 bool FrameDecoder::advanceTo(int number)
 {
+    // Once the codec has had so many samples more, it does not hold the frame back any longer: there is none.
+    const int sampleCount = m_source.index().sampleCount();
+    const int lastSample = std::min(m_source.index().sampleOf(number) + kDeepestReordering + 1, sampleCount);
     av::Frame frame(av_frame_alloc());
-    while (m_running && m_lastNumber < number) {
+    while (m_running && !m_cache.find(number)) {
         const int result = avcodec_receive_frame(m_codec.get(), frame.get());
         if (result == 0) {
             accept(std::exchange(frame, av::Frame(av_frame_alloc())));
-        } else if (m_nextSample < m_source.index().sampleCount() || result == AVERROR(EAGAIN)) {
-            m_failed |= result != AVERROR(EAGAIN);
-            feed();
-        } else {
-            m_running = false; // drained
+            continue;
         }
+        m_failed |= result != AVERROR(EAGAIN) && result != AVERROR_EOF;
+        if (m_draining)
+            m_running = false;
+        else if (m_nextSample < lastSample || lastSample == sampleCount)
+            feed();
+        else
+            return false;
     }
     return m_cache.find(number) != nullptr;
 }
@@ -147,6 +154,7 @@ bool FrameDecoder::advanceTo(int number)
 void FrameDecoder::feed()
 {
     if (m_nextSample == m_source.index().sampleCount()) {
+        m_draining = true;
         avcodec_send_packet(m_codec.get(), nullptr);
         return;
     }

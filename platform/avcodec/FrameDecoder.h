@@ -53,9 +53,10 @@ private:
     quint64 m_decodedFrames = 0;
 
     // Where the codec stands.
-    bool m_running = false; // it can go on
-    bool m_failed = false;  // something was wrong since the last request
-    int m_nextSample = 0;   // to be given to it next; the number of samples once it drains
-    int m_firstNumber = 0;  // frames before this one lack what they refer to
-    int m_lastNumber = -1;  // the last frame that came out
+    bool m_running = false;  // it can go on
+    bool m_failed = false;   // something was wrong since the last request
+    bool m_draining = false; // it has had all samples
+    int m_nextSample = 0;    // to be given to it next
+    int m_firstNumber = 0;   // frames before this one lack what they refer to
+    int m_lastNumber = -1;   // the last frame that came out
 };

@@ -22,7 +22,7 @@ void SampleIndex::numberFrames()
     std::stable_sort(m_order.begin(), m_order.end(),
                      [this](int a, int b) { return sample(a).presentation < sample(b).presentation; });
     for (int frame = 0; frame < frameCount(); ++frame)
-        m_samples[static_cast<std::size_t>(m_order[static_cast<std::size_t>(frame)])].number = frame;
+        m_samples[static_cast<std::size_t>(sampleOf(frame))].number = frame;
     // The frame that most others overtake has all that are shown before it decoded before it too, so that its distance
     // from its place in decoding order is the depth.
     for (int i = 0; i < frameCount(); ++i)
@@ -31,7 +31,7 @@ void SampleIndex::numberFrames()
 
 int SampleIndex::startFor(int frame) const
 {
-    int start = keyframeBefore(m_order[static_cast<std::size_t>(frame)] + 1);
+    int start = keyframeBefore(sampleOf(frame) + 1);
     // In an open group of pictures the frames that follow the keyframe but are shown before it need the group before.
     while (start > 0 && sample(start).number > frame)
         start = keyframeBefore(start);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -27,6 +28,9 @@ public:
 
     /// Frames that are shown.
     int frameCount() const { return static_cast<int>(m_order.size()); }
+
+    /// The sample that holds the frame.
+    int sampleOf(int frame) const { return m_order[static_cast<std::size_t>(frame)]; }
 
     /// The last sample from which decoding yields the frame.
     int startFor(int frame) const;

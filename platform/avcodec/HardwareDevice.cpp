@@ -1,5 +1,7 @@
 #include "avcodec/HardwareDevice.h"
 
+#include "avcodec/AvLog.h"
+
 extern "C" {
 #include <libavutil/hwcontext.h>
 }
@@ -9,6 +11,7 @@ namespace av
 
 BufferRef openDevice(const QByteArray &type)
 {
+    useQtLog();
     AVBufferRef *device = nullptr;
     const AVHWDeviceType number = av_hwdevice_find_type_by_name(type.constData());
     if (number == AV_HWDEVICE_TYPE_NONE || av_hwdevice_ctx_create(&device, number, nullptr, nullptr, 0) < 0)

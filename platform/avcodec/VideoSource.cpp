@@ -1,5 +1,7 @@
 #include "avcodec/VideoSource.h"
 
+#include "avcodec/AvLog.h"
+
 #include <QFileInfo>
 
 #include <climits>
@@ -15,6 +17,7 @@ constexpr int kLargestSide = 16384;
 
 bool VideoSource::open(const QString &path, AVCodecID codec, QString *error)
 {
+    av::useQtLog();
     // A pipe or a device would block, a directory confuses the demuxers.
     if (!QFileInfo(path).isFile()) {
         *error = QStringLiteral("not a regular file");

@@ -5,6 +5,7 @@
 #include "avcodec/Mp4Index.h"
 #include "avcodec/X264Encoder.h"
 #include "avcodec/h264Encoder.h"
+#include "support/FileSizeLimit.h"
 
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -13,10 +14,7 @@
 #include <QtEndian>
 #include <QtTest>
 
-#include <csignal>
 #include <cstdio>
-
-#include <sys/resource.h>
 
 namespace
 {
@@ -48,31 +46,6 @@ QString exportVideo(const QString &path)
         ++index;
     return encoder.close() == encoder.errorString().isEmpty() ? encoder.errorString() : QStringLiteral("undecided");
 }
-
-/// Bounds the size of files, so that writing beyond fails as it does on a full disk.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(qint64 bytes)
-        : m_oldHandler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        rlimit limit = m_old;
-        limit.rlim_cur = rlim_t(bytes);
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_old);
-        std::signal(SIGXFSZ, m_oldHandler);
-    }
-    FileSizeLimit(const FileSizeLimit &) = delete;
-    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
-
-private:
-    rlimit m_old{};
-    void (*m_oldHandler)(int);
-};
 
 } // namespace
 
@@ -142,7 +115,7 @@ void tst_FileSafety::recordingSurvivesFullDisk()
     std::vector<QString> reports;
     {
         QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Cannot write")));
-        const FileSizeLimit fullDisk(limit);
+        const FileSizeLimit fullDisk{rlim_t(limit)};
         KelAsyncEncoder encoder(params(path()));
         encoder.setErrorHandler([&reports](const QString &text) { reports.push_back(text); });
         const int taken = record(encoder, 60);
@@ -173,7 +146,7 @@ void tst_FileSafety::exportReportsFullDisk()
 {
     QFETCH(qint64, limit);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[h264Encoder\\] Cannot write")));
-    const FileSizeLimit fullDisk(limit);
+    const FileSizeLimit fullDisk{rlim_t(limit)};
     QVERIFY(exportVideo(path()).contains(path()));
 }
 

@@ -1,0 +1,300 @@
+#include "lottie/KelLottie.h"
+
+#include <QFile>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+#include <limits>
+
+namespace
+{
+
+const char placed[] = R"({"ty":"tr","p":{"a":0,"k":[0,0]},"a":{"a":0,"k":[0,0]},"s":{"a":0,"k":[100,100]},)"
+                      R"("r":{"a":0,"k":0},"o":{"a":0,"k":100}})";
+
+/// On a canvas of 100 units for 10 frames: an accent square in red, 10 to 50 both ways; an accent bar in red, 70 to 90
+/// across and 10 to 30 down, which is a stroke; a square in green, 70 to 90 both ways, that is no accent.
+QByteArray sample()
+{
+    return QByteArray(R"({"v":"5.5.7","fr":25,"ip":0,"op":10,"w":100,"h":100,"layers":[{"ty":4,"ip":0,"op":10,"st":0,
+        "ks":{"o":{"a":0,"k":100}},"shapes":[
+        {"ty":"gr","it":[{"ty":"rc","p":{"a":0,"k":[30,30]},"s":{"a":0,"k":[40,40]},"r":{"a":0,"k":0}},
+            {"ty":"fl","nm":"accent","c":{"a":0,"k":[1,0,0,1]},"o":{"a":0,"k":100},"r":1},PLACED]},
+        {"ty":"gr","it":[{"ty":"sh","ks":{"a":0,"k":{"c":false,"v":[[70,20],[90,20]],"i":[[0,0],[0,0]],"o":[[0,0],[0,0]]}}},
+            {"ty":"st","nm":"accent","c":{"a":0,"k":[1,0,0,1]},"o":{"a":0,"k":100},"w":{"a":0,"k":20},"lc":1,"lj":1},PLACED]},
+        {"ty":"gr","it":[{"ty":"rc","p":{"a":0,"k":[80,80]},"s":{"a":0,"k":[20,20]},"r":{"a":0,"k":0}},
+            {"ty":"fl","nm":"own","c":{"a":0,"k":[0,1,0,1]},"o":{"a":0,"k":100},"r":1},PLACED]}]}]})")
+        .replace("PLACED", placed);
+}
+
+QImage canvas(int width, int height, double devicePixelRatio = 1)
+{
+    QImage image(QSize(width, height) * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(devicePixelRatio);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+double coverage(const QImage &image)
+{
+    double sum = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            sum += qAlpha(image.pixel(x, y)) / 255.0;
+    }
+    return sum / (image.width() * image.height());
+}
+
+int warnings = 0;
+
+void countWarnings(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    warnings += type == QtWarningMsg && text.startsWith("[KelLottie]");
+}
+
+} // namespace
+
+class lottie_test : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_directory;
+
+    QString write(const QByteArray &text)
+    {
+        const QString path = m_directory.filePath("animation.json");
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+            return {};
+        return path;
+    }
+
+private slots:
+    void effects_data()
+    {
+        QTest::addColumn<int>("holdFrame");
+        QTest::newRow("click_ray") << 8;
+        QTest::newRow("click_floral") << 0;
+        QTest::newRow("click_fireworks") << 12;
+        QTest::newRow("click_starts") << 8;
+        QTest::newRow("click_ripple") << 12;
+        QTest::newRow("wheel_arrow") << 18;
+    }
+    /// A click shows at once, the hold frame is in full bloom, and the end leaves nothing that would vanish abruptly.
+    void effects()
+    {
+        QFETCH(int, holdFrame);
+        KelLottie effect(QString(":/KelScreenRecord/%1.json").arg(QTest::currentDataTag()));
+        QCOMPARE(effect.frameRate(), 60.0);
+        QCOMPARE(effect.totalFrame(), 48ULL);
+        for (int side : {64, 256}) {
+            const auto covered = [&](int frame) {
+                QImage image = canvas(side, side);
+                QPainter painter(&image);
+                effect.paint(&painter, float(frame), image.rect(), 0);
+                painter.end();
+                return coverage(image);
+            };
+            QVERIFY(covered(0) > 0.01);
+            QVERIFY(covered(holdFrame) > 0.05);
+            QVERIFY(covered(holdFrame) >= covered(0));
+            QVERIFY2(covered(47) < 0.03, qPrintable(QString::number(covered(47))));
+        }
+    }
+
+    void placeAndAngle_data()
+    {
+        QTest::addColumn<double>("ratio");
+        QTest::addColumn<double>("zoom");
+        QTest::addColumn<double>("angle");
+        QTest::addColumn<QPointF>("red"); // the middle of the red square, as a part of the target
+        for (double ratio : {1.0, 1.5, 2.0}) {
+            for (double zoom : {1.0, 0.5}) {
+                const auto row = [&](double angle, QPointF red) {
+                    QTest::addRow("ratio %g, zoom %g, angle %g", ratio, zoom, angle) << ratio << zoom << angle << red;
+                };
+                row(0, {0.3, 0.3});
+                row(90, {0.7, 0.3});
+                row(180, {0.7, 0.7});
+                row(-90, {0.3, 0.7});
+                row(45, {0.5, 0.5 - 0.2 * std::sqrt(2.0)});
+            }
+        }
+    }
+    void placeAndAngle()
+    {
+        QFETCH(double, ratio);
+        QFETCH(double, zoom);
+        QFETCH(double, angle);
+        QFETCH(QPointF, red);
+        KelLottie lottie(write(sample()));
+        QImage image = canvas(200, 160, ratio);
+        QPainter painter(&image);
+        painter.translate(10, 4);
+        painter.scale(zoom, zoom);
+        const QRectF target(20, 10, 120, 120);
+        lottie.paint(&painter, 3, target, angle);
+        painter.end();
+        const QPointF middle = (target.topLeft() + red * target.width()) * zoom + QPointF(10, 4);
+        QCOMPARE(image.pixelColor((middle * ratio).toPoint()), QColor(Qt::red));
+        // Nothing outside of the target; when turned by an odd angle, of the circle that it turns in.
+        const QPointF centre = (target.center() * zoom + QPointF(10, 4)) * ratio;
+        const double half = target.width() / 2 * zoom * ratio;
+        const bool upright = std::fmod(angle, 90) == 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QPointF off = QPointF(x + 0.5, y + 0.5) - centre;
+                const double distance =
+                    upright ? qMax(qAbs(off.x()), qAbs(off.y())) : std::hypot(off.x(), off.y()) / M_SQRT2;
+                if (distance > half + 1)
+                    QCOMPARE(qAlpha(image.pixel(x, y)), 0);
+            }
+        }
+    }
+
+    /// Upright pictures are the renderer's own pixels, whatever the scale and the fraction of a pixel in the target.
+    void uprightPicturesAreSharp_data()
+    {
+        QTest::addColumn<double>("ratio");
+        QTest::addColumn<QRectF>("target");
+        QTest::addColumn<double>("angle");
+        QTest::newRow("plain") << 1.0 << QRectF(10, 10, 50, 50) << 0.0;
+        QTest::newRow("ratio 2") << 2.0 << QRectF(10, 10, 50, 50) << 0.0;
+        QTest::newRow("ratio 2, turned") << 2.0 << QRectF(10, 10, 50, 50) << 180.0;
+        QTest::newRow("ratio 2, to the right") << 2.0 << QRectF(10, 10, 50, 50) << 90.0;
+        QTest::newRow("between pixels") << 1.0 << QRectF(10.4, 9.7, 50, 50) << 0.0;
+        QTest::newRow("between pixels, turned") << 1.0 << QRectF(10.4, 9.7, 50, 50) << 180.0;
+    }
+    void uprightPicturesAreSharp()
+    {
+        QFETCH(double, ratio);
+        QFETCH(QRectF, target);
+        QFETCH(double, angle);
+        KelLottie lottie(write(sample()));
+        QImage image = canvas(80, 80, ratio);
+        QPainter painter(&image);
+        lottie.paint(&painter, 0, target, angle);
+        painter.end();
+        // All edges of the sample fall on whole pixels here, so a pixel is covered or not.
+        int covered = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const int alpha = qAlpha(image.pixel(x, y)); // the renderer's strokes are off by a few 255ths
+                QVERIFY2(alpha <= 5 || alpha >= 250, qPrintable(QString("alpha %1 at %2,%3").arg(alpha).arg(x).arg(y)));
+                covered += alpha >= 250;
+            }
+        }
+        QCOMPARE(covered, int((0.16 + 0.04 + 0.04) * 50 * 50 * ratio * ratio));
+    }
+
+    void colour()
+    {
+        KelLottie lottie(write(sample()));
+        KelLottie other(write(sample()));
+        const auto shot = [](KelLottie &object) {
+            QImage image = canvas(100, 100);
+            QPainter painter(&image);
+            object.paint(&painter, 4, image.rect(), 0);
+            return image;
+        };
+        const QPoint filled(30, 30), stroked(80, 20), own(80, 80);
+        QCOMPARE(shot(lottie).pixelColor(filled), QColor(Qt::red));
+        for (const QColor &color : {QColor(Qt::blue), QColor(51, 136, 255), QColor(Qt::black)}) {
+            lottie.setColor(color);
+            const QImage image = shot(lottie); // the same frame at the same size
+            QCOMPARE(image.pixelColor(filled), color);
+            QCOMPARE(image.pixelColor(stroked), color);
+            QCOMPARE(image.pixelColor(own), QColor(Qt::green));
+        }
+        QCOMPARE(shot(other).pixelColor(filled), QColor(Qt::red));
+        lottie.setColor(QColor()); // changes nothing
+        QCOMPARE(shot(lottie).pixelColor(stroked), QColor(Qt::black));
+        lottie.setColor(QColor(255, 255, 255, 128));
+        QVERIFY(std::abs(qAlpha(shot(lottie).pixel(filled)) - 128) <= 1);
+    }
+
+    void oddCallsPaintNothingOrTheNearestFrame()
+    {
+        KelLottie lottie(write(sample()));
+        QImage image = canvas(100, 100);
+        QPainter painter(&image);
+        const float nan = std::numeric_limits<float>::quiet_NaN();
+        lottie.paint(nullptr, 0, image.rect(), 0);
+        lottie.paint(&painter, nan, image.rect(), 0);
+        lottie.paint(&painter, 0, QRectF(), 0);
+        lottie.paint(&painter, 0, QRectF(0, 0, -5, 10), 0);
+        lottie.paint(&painter, 0, image.rect(), double(nan));
+        painter.save();
+        painter.scale(0, 1);
+        lottie.paint(&painter, 0, image.rect(), 0);
+        painter.restore();
+        QCOMPARE(coverage(image), 0.0);
+        lottie.paint(&painter, 1e9f, QRectF(0, 0, 50, 50), 0);
+        lottie.paint(&painter, -3, QRectF(50, 50, 50, 50), 0);
+        lottie.paint(&painter, 0, QRectF(0, 0, 1e7, 1e7), 30); // far larger than the device
+        QCOMPARE(image.pixelColor(15, 15), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(65, 65), QColor(Qt::red));
+    }
+
+    void unusableFiles_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        const auto with = [](const char *before, const char *after) { return sample().replace(before, after); };
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("no JSON") << QByteArray("GIF89a");
+        QTest::newRow("cut off") << sample().left(400);
+        QTest::newRow("array") << QByteArray("[1,2,3]");
+        QTest::newRow("empty object") << QByteArray("{}");
+        QTest::newRow("no frame rate") << with("\"fr\":25", "\"fr\":0");
+        QTest::newRow("negative frame rate") << with("\"fr\":25", "\"fr\":-25");
+        QTest::newRow("frame rate as text") << with("\"fr\":25", "\"fr\":\"25\"");
+        QTest::newRow("no length") << with("\"op\":10,\"w\"", "\"op\":0,\"w\"");
+        QTest::newRow("endless") << with("\"op\":10,\"w\"", "\"op\":1e300,\"w\"");
+        QTest::newRow("ends before it begins") << with("\"ip\":0,\"op\":10,\"w\"", "\"ip\":10,\"op\":2,\"w\"");
+        QTest::newRow("no size") << with("\"w\":100", "\"w\":0");
+        QTest::newRow("huge size") << with("\"h\":100", "\"h\":1e9");
+        QTest::newRow("no layers") << with("\"layers\":[", "\"layers\":[],\"others\":[");
+        QTest::newRow("pictures elsewhere")
+            << with("\"layers\"", R"("assets":[{"id":"a","u":"/etc/","p":"passwd","w":1,"h":1}],"layers")");
+        QTest::newRow("endless curve") << with("[[70,20],", "[[70,1e30],");
+        QTest::newRow("deeply nested") << QByteArray(100000, '[');
+        QTest::newRow("too large") << sample() + QByteArray(KelLottie::maxFileSize, ' ');
+    }
+    void unusableFiles()
+    {
+        QFETCH(QByteArray, text);
+        const QString path = write(text);
+        warnings = 0;
+        const auto before = qInstallMessageHandler(countWarnings);
+        KelLottie lottie(path);
+        qInstallMessageHandler(before);
+        checkUnusable(lottie);
+    }
+    void missingFile()
+    {
+        warnings = 0;
+        const auto before = qInstallMessageHandler(countWarnings);
+        KelLottie lottie(":/KelScreenRecord/nothing.json");
+        qInstallMessageHandler(before);
+        checkUnusable(lottie);
+    }
+
+private:
+    void checkUnusable(KelLottie &lottie)
+    {
+        QCOMPARE(warnings, 1);
+        QCOMPARE(lottie.totalFrame(), 0ULL);
+        QCOMPARE(lottie.frameRate(), 0.0);
+        lottie.setColor(Qt::red);
+        QImage image = canvas(10, 10);
+        QPainter painter(&image);
+        lottie.paint(&painter, 0, image.rect(), 0);
+        QCOMPARE(coverage(image), 0.0);
+    }
+};
+
+QTEST_GUILESS_MAIN(lottie_test)
+
+#include "lottie_test.moc"

@@ -118,7 +118,7 @@ QString makeRecording(const QTemporaryDir &dir)
     const qint64 needed = QFileInfo(scene).size() * (kHourFrames / kSceneFrames);
     if (QStorageInfo(dir.path()).bytesAvailable() < needed + needed / 8)
         qFatal("an hour takes %lld MB, which %s does not have", needed / 1'000'000, qPrintable(dir.path()));
-    const QString hour = dir.filePath("hour.mp4");
+    QString hour = dir.filePath("hour.mp4");
     repeat(scene, hour);
     return hour;
 }
@@ -137,6 +137,7 @@ void measureSeeking(h264Decoder &decoder)
     std::mt19937 random(1);
     std::uniform_int_distribution<int> anyFrame(0, decoder.getFrameCount() - 1);
     std::vector<double> times;
+    times.reserve(kSeeks);
     for (int i = 0; i < kSeeks; ++i)
         times.push_back(msFor(decoder, anyFrame(random)));
     std::sort(times.begin(), times.end());

@@ -24,7 +24,7 @@ QByteArray usableDeviceType(const AVCodec *codec)
     for (int i = 0; const AVCodecHWConfig *config = avcodec_get_hw_config(codec, i); ++i) {
         if (!(config->methods & AV_CODEC_HW_CONFIG_METHOD_HW_DEVICE_CTX))
             continue;
-        const QByteArray type = av_hwdevice_get_type_name(config->device_type);
+        QByteArray type = av_hwdevice_get_type_name(config->device_type);
         if (openDevice(type))
             return type;
     }

@@ -23,6 +23,7 @@ std::vector<QImage> decodeInto(const QString &path)
     h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
     std::vector<QImage> pictures;
     const int count = qMin(decoder.getFrameCount(), MaxPictures);
+    pictures.reserve(static_cast<std::size_t>(qMax(count, 0)));
     for (int i = 0; i < count; ++i)
         pictures.push_back(decoder.decodeFrame(i).convertToFormat(QImage::Format_ARGB32_Premultiplied));
     return pictures;

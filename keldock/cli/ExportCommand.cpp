@@ -134,7 +134,7 @@ QString ExportCommand::run()
     request.outputPath = output.temporaryPath();
     request.trackDataDir = m_directory;
     request.playbackManager = recording.manager();
-    const QString rangeError = chooseRange(recording, &request);
+    QString rangeError = chooseRange(recording, &request);
     if (!rangeError.isEmpty())
         return rangeError;
 
@@ -150,7 +150,7 @@ QString ExportCommand::run()
         return error.isEmpty() ? QStringLiteral("export cancelled, nothing was written")
                                : QStringLiteral("'%1' cannot be exported: %2").arg(m_file, error);
     }
-    const QString error = output.commit();
+    QString error = output.commit();
     if (error.isEmpty()) {
         Console::print(QStringLiteral("%1  %2, exported in %3\n")
                            .arg(m_file, Units::bytes(QFileInfo(m_file).size()), Units::seconds(timer.elapsed())));

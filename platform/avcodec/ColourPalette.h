@@ -1,0 +1,30 @@
+#pragma once
+
+#include "avcodec/ColourHistogram.h"
+
+#include <QColor>
+
+#include <vector>
+
+/// How the bins of a histogram are shown by the colours of a palette.
+struct PaletteMatch {
+    std::vector<quint8> indexOfBin;
+    double meanError = 0; ///< squared distance of a pixel's colour, all channels together; that inside bins not counted
+};
+
+/// Up to 256 colours.
+class ColourPalette
+{
+public:
+    ColourPalette() = default;
+    explicit ColourPalette(std::vector<QRgb> colours);
+
+    /// The colours that show the histogram best, at most `limit` (1 to 256); exactly its own when they are no more.
+    static ColourPalette bestFor(const ColourHistogram &histogram, int limit);
+
+    const std::vector<QRgb> &colours() const { return m_colours; }
+    PaletteMatch match(const ColourHistogram &histogram) const;
+
+private:
+    std::vector<QRgb> m_colours; // by rising green, which nearest() relies on
+};

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "avcodec/AnimationFormat.h"
+#include "avcodec/ColourPalette.h"
+#include "avcodec/GifLzw.h"
+
+/// GIF89a. The best colours of the first picture make the global palette; later frames bring a palette of their own
+/// where that one does not do.
+class GifFormat : public AnimationFormat
+{
+public:
+    /// What the qualities mean is told at kelGifEncoder.
+    explicit GifFormat(int quality);
+
+    Limits limits() const override;
+    void prepare(const PictureDelta &first) override;
+    EncodedPicture encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const override;
+    bool writeHeader(OutputFile &file, QSize size, int plays) override;
+    bool writeFrame(OutputFile &file, const EncodedPicture &picture, int ticks) override;
+    bool writeTrailer(OutputFile &file) override;
+
+private:
+    ColourPalette smallestPalette(const ColourHistogram &histogram) const;
+    QByteArray frame(const PictureDelta &delta, const ColourHistogram &histogram, const ColourPalette &palette,
+                     const PaletteMatch &match, bool local) const;
+
+    const int m_loss;            // 0: as good as possible, to 100
+    const double m_paletteError; // mean squared error of a palette that saves bytes
+    ColourPalette m_palette;
+};

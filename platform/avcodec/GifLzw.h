@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QByteArray>
+#include <QColor>
+
+#include <vector>
+
+/// A picture as the palette shows it.
+struct IndexedPicture {
+    std::vector<QRgb> pixels;    ///< what it should look like, see PictureDelta
+    std::vector<quint8> indices; ///< the best colour of each pixel
+    std::vector<QRgb> palette;   ///< at most 256 colours
+    int transparent = -1;        ///< index that leaves a pixel as it was; below 0 when there is none
+    int tolerance = 0;           ///< squared distance (all channels together) by which another colour may differ
+};
+
+/// The image data of a GIF frame: code size, blocks of codes and the terminator.
+///
+/// Most pixels leave a choice. One that did not change may be transparent or repeat its colour, and with a tolerance
+/// every colour that is near enough will do. Several ways to go on are followed at once, and the one that the
+/// dictionary carries furthest is written.
+QByteArray gifImageData(const IndexedPicture &picture);

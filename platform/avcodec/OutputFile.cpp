@@ -1,0 +1,57 @@
+#include "avcodec/OutputFile.h"
+
+bool OutputFile::open(const QString &path)
+{
+    m_file.setFileName(path);
+    if (m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
+        return true;
+    return fail(QStringLiteral("Cannot create %1: %2").arg(path, m_file.errorString()));
+}
+
+bool OutputFile::write(const QByteArray &bytes)
+{
+    if (!put(bytes))
+        return false;
+    m_size += bytes.size();
+    return true;
+}
+
+bool OutputFile::overwrite(qint64 position, const QByteArray &bytes)
+{
+    if (!m_error.isEmpty())
+        return false;
+    if (!m_file.seek(position) || !put(bytes) || !m_file.seek(m_size))
+        return fail(m_file.errorString());
+    return true;
+}
+
+bool OutputFile::cutBack(qint64 size)
+{
+    m_error.clear();
+    if (!m_file.resize(size) || !m_file.seek(size))
+        return fail(m_file.errorString());
+    m_size = size;
+    return true;
+}
+
+bool OutputFile::fail(const QString &reason)
+{
+    if (m_error.isEmpty())
+        m_error = reason;
+    return false;
+}
+
+bool OutputFile::put(const QByteArray &bytes)
+{
+    if (!m_error.isEmpty())
+        return false;
+    // A full disk takes a part of the bytes and reports no error until it is asked to take the rest.
+    qint64 done = 0;
+    while (done < bytes.size()) {
+        const qint64 written = m_file.write(bytes.constData() + done, bytes.size() - done);
+        if (written <= 0)
+            return fail(QStringLiteral("Cannot write %1: %2").arg(m_file.fileName(), m_file.errorString()));
+        done += written;
+    }
+    return true;
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QFile>
+#include <QString>
+
+/// A file whose every write is checked at once; nothing is kept back in a buffer. After a failure it takes no more,
+/// and the text of the first failure stays. One thread at a time.
+class OutputFile
+{
+public:
+    /// Creates the file, or empties it when it exists.
+    bool open(const QString &path);
+
+    /// Appends.
+    bool write(const QByteArray &bytes);
+
+    /// Replaces bytes that have been written.
+    bool overwrite(qint64 position, const QByteArray &bytes);
+
+    /// Cuts off what stands behind `size` and forgets a failure, so that what is left can be brought to a good end.
+    bool cutBack(qint64 size);
+
+    /// Refuses all further writing for the reason given. Answers false.
+    bool fail(const QString &reason);
+
+    qint64 size() const { return m_size; }
+    const QString &errorString() const { return m_error; }
+
+private:
+    bool put(const QByteArray &bytes);
+
+    QFile m_file;
+    qint64 m_size = 0;
+    QString m_error;
+};

@@ -1,0 +1,90 @@
+#include "avcodec/PngFilter.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace
+{
+
+enum Filter : quint8 { None, Sub, Up, Average, Paeth, FilterCount };
+
+quint8 paethPredictor(int left, int above, int aboveLeft)
+{
+    const int toLeft = std::abs(above - aboveLeft);
+    const int toAbove = std::abs(left - aboveLeft);
+    const int toAboveLeft = std::abs(left + above - 2 * aboveLeft);
+    const int nearest = toAbove <= toAboveLeft ? above : aboveLeft;
+    const int distance = toAbove <= toAboveLeft ? toAbove : toAboveLeft;
+    return quint8(toLeft <= distance ? left : nearest);
+}
+
+/// Bytes taken as signed: a small difference is near 0 from either side.
+quint32 magnitude(const quint8 *row, int count)
+{
+    quint32 sum = 0;
+    for (int i = 0; i < count; ++i)
+        sum += quint32(std::abs(int(qint8(row[i]))));
+    return sum;
+}
+
+/// Both input rows have `pixelBytes` zero bytes in front.
+void applyFilter(Filter filter, const quint8 *row, const quint8 *above, int rowBytes, int pixelBytes, quint8 *out)
+{
+    const quint8 *left = row - pixelBytes;
+    const quint8 *aboveLeft = above - pixelBytes;
+    switch (filter) {
+    case Sub:
+        for (int i = 0; i < rowBytes; ++i)
+            out[i] = quint8(row[i] - left[i]);
+        break;
+    case Up:
+        for (int i = 0; i < rowBytes; ++i)
+            out[i] = quint8(row[i] - above[i]);
+        break;
+    case Average:
+        for (int i = 0; i < rowBytes; ++i)
+            out[i] = quint8(row[i] - (left[i] + above[i]) / 2);
+        break;
+    case Paeth:
+        for (int i = 0; i < rowBytes; ++i)
+            out[i] = quint8(row[i] - paethPredictor(left[i], above[i], aboveLeft[i]));
+        break;
+    default:
+        std::memcpy(out, row, std::size_t(rowBytes));
+    }
+}
+
+} // namespace
+
+QByteArray png::filteredRows(const QByteArray &pixels, int rowBytes, int pixelBytes, Filtering filtering)
+{
+    const int rows = pixels.size() / rowBytes;
+    const int filters = filtering == Filtering::Adaptive ? FilterCount : None + 1;
+    QByteArray out(pixels.size() + rows, Qt::Uninitialized);
+    auto *to = reinterpret_cast<quint8 *>(out.data());
+    std::vector<quint8> above(std::size_t(pixelBytes + rowBytes)); // black above the first row and left of every one
+    std::vector<quint8> current(above.size());
+    std::vector<quint8> attempt(std::size_t(rowBytes + 1));
+    std::vector<quint8> best(attempt.size());
+    for (int row = 0; row < rows; ++row) {
+        std::memcpy(current.data() + pixelBytes, pixels.constData() + std::size_t(row) * rowBytes,
+                    std::size_t(rowBytes));
+        quint32 least = std::numeric_limits<quint32>::max();
+        for (int filter = None; filter < filters; ++filter) {
+            attempt[0] = quint8(filter);
+            applyFilter(Filter(filter), current.data() + pixelBytes, above.data() + pixelBytes, rowBytes, pixelBytes,
+                        attempt.data() + 1);
+            const quint32 sum = filters > 1 ? magnitude(attempt.data() + 1, rowBytes) : 0;
+            if (sum < least) {
+                least = sum;
+                std::swap(attempt, best);
+            }
+        }
+        to = std::copy(best.begin(), best.end(), to);
+        std::swap(above, current);
+    }
+    return out;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "avcodec/AnimationFormat.h"
+
+/// Animated WebP, written chunk by chunk as frames come.
+class WebpFormat : public AnimationFormat
+{
+public:
+    /// A RIFF file states its size in 32 bits, not counting the first 8 bytes.
+    static constexpr qint64 LargestFile = 0xfffffff6 + Q_INT64_C(8);
+
+    /// What the qualities mean is told at webpEncoder. `largestFile`: bytes.
+    explicit WebpFormat(int quality, qint64 largestFile = LargestFile);
+
+    Limits limits() const override;
+    void prepare(const PictureDelta &) override {}
+    EncodedPicture encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const override;
+    bool writeHeader(OutputFile &file, QSize size, int plays) override;
+    bool writeFrame(OutputFile &file, const EncodedPicture &picture, int ticks) override;
+    bool writeTrailer(OutputFile &file) override;
+
+private:
+    enum class Way { Lossless, Lossy };
+
+    QByteArray compressed(const PictureDelta &delta, Way way, const std::atomic<bool> &cancelled) const;
+
+    const int m_quality;
+    const qint64 m_largestFile;
+    bool m_hasAlpha = false;
+};

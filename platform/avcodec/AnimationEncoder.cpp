@@ -1,5 +1,6 @@
 #include "avcodec/AnimationEncoder.h"
 
+#include <QDebug>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -72,28 +73,16 @@ AnimationEncoder::~AnimationEncoder()
     abort();
 }
 
-bool AnimationEncoder::isValid() const
-{
-    return !m_failed;
-}
-
-QString AnimationEncoder::errorString() const
-{
-    std::lock_guard lock(m_errorMutex);
-    return m_error;
-}
-
 bool AnimationEncoder::fail(const QString &reason)
 {
-    std::lock_guard lock(m_errorMutex);
-    if (!m_failed.exchange(true))
-        m_error = reason;
+    if (m_error.set(reason))
+        qWarning().noquote() << "[AnimationEncoder]" << reason;
     return false;
 }
 
 bool AnimationEncoder::addFrame(quint64 index, const QImage &image)
 {
-    if (m_failed || m_closed)
+    if (!isValid() || m_closed)
         return false;
     const QString refusal = reasonToRefuse(index, image);
     if (!refusal.isEmpty())
@@ -103,7 +92,7 @@ bool AnimationEncoder::addFrame(quint64 index, const QImage &image)
     } catch (const std::exception &problem) { // out of memory or threads
         return fail(QString::fromLocal8Bit(problem.what()));
     }
-    return !m_failed;
+    return isValid();
 }
 
 QString AnimationEncoder::reasonToRefuse(quint64 index, const QImage &image) const
@@ -172,7 +161,7 @@ bool AnimationEncoder::commit(qint64 end, quint64 framesDone)
 
 bool AnimationEncoder::write(Job &job)
 {
-    EncodedPicture picture;
+    EncodedFrame picture;
     try {
         picture = job.picture.get();
     } catch (const std::exception &problem) {
@@ -205,24 +194,24 @@ void AnimationEncoder::saveWholeFrames()
 bool AnimationEncoder::close()
 {
     if (m_closed)
-        return !m_failed;
+        return isValid();
     m_closed = true;
     if (!m_writer)
         return false;
     if (!m_pending)
         return fail(QStringLiteral("There are no frames"));
     try {
-        if (!m_failed)
+        if (isValid())
             commit(std::max(ticksAt(m_frames), m_pendingStart + m_limits.shortest), m_frames);
     } catch (const std::exception &problem) {
         fail(QString::fromLocal8Bit(problem.what()));
     }
     m_writer->finish();
-    if (!m_failed && !m_format->writeTrailer(m_file)) {
+    if (isValid() && !m_format->writeTrailer(m_file)) {
         fail(m_file.errorString());
         saveWholeFrames();
     }
-    return !m_failed;
+    return isValid();
 }
 
 void AnimationEncoder::abort()
@@ -233,5 +222,5 @@ void AnimationEncoder::abort()
     m_cancelled = true;
     if (m_writer)
         m_writer->abort();
-    fail(QStringLiteral("Encoding was cancelled"));
+    m_error.set(QStringLiteral("Aborted"));
 }

@@ -2,13 +2,14 @@
 
 #include "avcodec/AnimationFormat.h"
 #include "avcodec/BoundedWorker.h"
+#include "avcodec/FirstError.h"
 #include "avcodec/KelAVCodecEncoder.h"
 
 #include <QSize>
 
+#include <atomic>
 #include <future>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 /// What the encoders of animated pictures have in common. Only what changes is encoded, several pictures at once;
@@ -26,7 +27,7 @@ class AnimationEncoder : public KelAVCodecEncoder
 public:
     ~AnimationEncoder() override;
 
-    bool isValid() const override;
+    bool isValid() const override { return !m_error.isSet(); }
 
     /// `index` counts from 0 and rises; frames left out prolong the one before. Images have the encoder's size.
     /// Alpha is taken as painted on black.
@@ -36,7 +37,7 @@ public:
 
     /// Frames whose picture, their own or the same one from before, stands in the file.
     quint64 framesWritten() const override { return m_framesWritten; }
-    QString errorString() const override;
+    QString errorString() const override { return m_error.text(); }
 
 protected:
     /// `extra` is "loop=N": the animation is to be played N (at most 65535) times; 0 and an empty text stand for
@@ -46,7 +47,7 @@ protected:
 
 private:
     struct Job {
-        std::future<EncodedPicture> picture;
+        std::future<EncodedFrame> picture;
         int ticks;
         quint64 framesDone; // once it is written
     };
@@ -74,10 +75,8 @@ private:
     bool m_closed = false;
 
     std::atomic<bool> m_cancelled{false};
-    std::atomic<bool> m_failed{false};
     std::atomic<quint64> m_framesWritten{0};
-    mutable std::mutex m_errorMutex;
-    QString m_error;
+    FirstError m_error;
 
     std::optional<BoundedWorker<Job>> m_writer; // last: it uses all of the above
 };

@@ -9,7 +9,7 @@
 #include <atomic>
 
 /// A picture in its encoded form, waiting to be written.
-struct EncodedPicture {
+struct EncodedFrame {
     QRect rect;               ///< place in the animation
     bool keepsPixels = false; ///< transparent pixels stand for what was there before
     QByteArray data;          ///< as the format that made it understands it; empty: it failed
@@ -37,10 +37,10 @@ public:
     virtual void prepare(const PictureDelta &first) = 0;
 
     /// May give up with empty data as soon as `cancelled` is set.
-    virtual EncodedPicture encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const = 0;
+    virtual EncodedFrame encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const = 0;
 
     /// `plays`: how often the animation is to be shown, 0 for endlessly.
     virtual bool writeHeader(OutputFile &file, QSize size, int plays) = 0;
-    virtual bool writeFrame(OutputFile &file, const EncodedPicture &picture, int ticks) = 0;
+    virtual bool writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks) = 0;
     virtual bool writeTrailer(OutputFile &file) = 0;
 };

@@ -79,7 +79,7 @@ void ApngFormat::prepare(const PictureDelta &first)
     m_pixelBytes = photograph ? 3 : 4;
 }
 
-EncodedPicture ApngFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
+EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
 {
     const PictureDelta sample = delta.sample();
     const auto trialSize = [&](Way way) { return deflated(filteredRows(sample, way), TrialLevel).size(); };
@@ -122,7 +122,7 @@ QByteArray ApngFormat::animationControl() const
     return chunk("acTL", bigEndian(m_frames) + bigEndian(quint32(m_plays)));
 }
 
-bool ApngFormat::writeFrame(OutputFile &file, const EncodedPicture &picture, int ticks)
+bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks)
 {
     constexpr char keepPicture = 0;
     QByteArray control = bigEndian(m_sequence++);

@@ -12,9 +12,9 @@ public:
 
     Limits limits() const override;
     void prepare(const PictureDelta &first) override;
-    EncodedPicture encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const override;
+    EncodedFrame encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const override;
     bool writeHeader(OutputFile &file, QSize size, int plays) override;
-    bool writeFrame(OutputFile &file, const EncodedPicture &picture, int ticks) override;
+    bool writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks) override;
     bool writeTrailer(OutputFile &file) override;
 
 private:

@@ -74,13 +74,13 @@ void GifFormat::prepare(const PictureDelta &first)
     m_palette = ColourPalette::bestFor(ColourHistogram(first), MaxColours);
 }
 
-EncodedPicture GifFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
+EncodedFrame GifFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
 {
     const ColourHistogram histogram(delta);
     const PaletteMatch global = m_palette.match(histogram);
     const bool globalWillDo = global.meanError <= m_paletteError;
     const bool fewColours = histogram.isExact() && histogram.bins().size() <= SmallPalette;
-    EncodedPicture encoded{delta.rect, true, {}};
+    EncodedFrame encoded{delta.rect, true, {}};
     if (cancelled)
         return encoded;
 
@@ -160,7 +160,7 @@ bool GifFormat::writeHeader(OutputFile &file, QSize size, int plays)
     return file.write(header);
 }
 
-bool GifFormat::writeFrame(OutputFile &file, const EncodedPicture &picture, int ticks)
+bool GifFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks)
 {
     QByteArray bytes = picture.data;
     return file.write(bytes.replace(DelayOffset, 2, littleEndian16(ticks)));

@@ -62,10 +62,10 @@ AnimationFormat::Limits WebpFormat::limits() const
     return {WEBP_MAX_DIMENSION, 2, 1000, 11, 0xffffff};
 }
 
-EncodedPicture WebpFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
+EncodedFrame WebpFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
 {
     const auto encoded = [&](Way way) {
-        return EncodedPicture{delta.rect, way == Way::Lossless, compressed(delta, way, cancelled)};
+        return EncodedFrame{delta.rect, way == Way::Lossless, compressed(delta, way, cancelled)};
     };
     if (m_quality == Lossless)
         return encoded(Way::Lossless);
@@ -77,8 +77,8 @@ EncodedPicture WebpFormat::encode(const PictureDelta &delta, const std::atomic<b
         return encoded(Way::Lossless);
     if (lossless > MaxSampleBias * lossy)
         return encoded(Way::Lossy);
-    EncodedPicture first = encoded(Way::Lossless);
-    EncodedPicture second = encoded(Way::Lossy);
+    EncodedFrame first = encoded(Way::Lossless);
+    EncodedFrame second = encoded(Way::Lossy);
     return first.data.size() <= second.data.size() ? first : second;
 }
 
@@ -123,7 +123,7 @@ bool WebpFormat::writeHeader(OutputFile &file, QSize size, int plays)
                       chunk("ANIM", background + littleEndian(quint32(plays), 2)));
 }
 
-bool WebpFormat::writeFrame(OutputFile &file, const EncodedPicture &picture, int ticks)
+bool WebpFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks)
 {
     if (file.size() + ChunkHeaderBytes + FrameHeaderBytes + picture.data.size() > m_largestFile)
         return file.fail(QStringLiteral("A WebP file cannot be larger than 4 GiB"));

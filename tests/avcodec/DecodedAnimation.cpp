@@ -1,0 +1,148 @@
+#include "avcodec/DecodedAnimation.h"
+
+#include "avcodec/AvHandles.h"
+
+#include <QFile>
+#include <QtEndian>
+
+#include <webp/demux.h>
+
+#include <numeric>
+
+namespace
+{
+
+QImage imageOf(const AVFrame &frame)
+{
+    QImage::Format format = QImage::Format_Invalid;
+    switch (frame.format) {
+    case AV_PIX_FMT_BGRA:
+        format = QImage::Format_ARGB32;
+        break;
+    case AV_PIX_FMT_RGBA:
+        format = QImage::Format_RGBA8888;
+        break;
+    case AV_PIX_FMT_RGB24:
+        format = QImage::Format_RGB888;
+        break;
+    default:
+        return {};
+    }
+    return QImage(frame.data[0], frame.width, frame.height, frame.linesize[0], format)
+        .copy()
+        .convertToFormat(QImage::Format_ARGB32);
+}
+
+/// What the readers do not tell: the number of plays.
+int playsOf(const QByteArray &bytes)
+{
+    if (bytes.startsWith("GIF89a")) {
+        const int extension = bytes.indexOf(QByteArrayLiteral("NETSCAPE2.0\x03\x01"));
+        if (extension < 0)
+            return 1;
+        const int repetitions = qFromLittleEndian<quint16>(bytes.constData() + extension + 13);
+        return repetitions == 0 ? 0 : repetitions + 1;
+    }
+    return int(qFromBigEndian<quint32>(bytes.constData() + bytes.indexOf("acTL") + 8));
+}
+
+} // namespace
+
+DecodedAnimation::DecodedAnimation(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        errorString = file.errorString();
+        return;
+    }
+    const QByteArray bytes = file.readAll();
+    if (bytes.startsWith("RIFF")) {
+        errorString = readWebp(bytes);
+        return;
+    }
+    errorString = read(path);
+    plays = playsOf(bytes);
+    // The readers do not mind a file without an end.
+    if (errorString.isEmpty() && !bytes.endsWith(';') && !bytes.endsWith("IEND\xae\x42\x60\x82"))
+        errorString = QStringLiteral("No trailer");
+}
+
+QString DecodedAnimation::readWebp(const QByteArray &bytes)
+{
+    if (qFromLittleEndian<quint32>(bytes.constData() + 4) + 8 != quint32(bytes.size()))
+        return QStringLiteral("The file has %1 bytes").arg(bytes.size());
+    const WebPData data{reinterpret_cast<const quint8 *>(bytes.constData()), std::size_t(bytes.size())};
+    WebPAnimDecoderOptions options;
+    WebPAnimDecoderOptionsInit(&options);
+    options.color_mode = MODE_RGBA;
+    const std::unique_ptr<WebPAnimDecoder, decltype(&WebPAnimDecoderDelete)> decoder(
+        WebPAnimDecoderNew(&data, &options), WebPAnimDecoderDelete);
+    WebPAnimInfo info;
+    if (!decoder || !WebPAnimDecoderGetInfo(decoder.get(), &info))
+        return QStringLiteral("Not an animated WebP");
+    plays = int(info.loop_count);
+    int before = 0;
+    while (WebPAnimDecoderHasMoreFrames(decoder.get())) {
+        quint8 *pixels = nullptr;
+        int end = 0;
+        if (!WebPAnimDecoderGetNext(decoder.get(), &pixels, &end))
+            return QStringLiteral("Frame %1 is damaged").arg(frames.size());
+        frames.push_back(QImage(pixels, int(info.canvas_width), int(info.canvas_height), QImage::Format_RGBA8888)
+                             .convertToFormat(QImage::Format_ARGB32));
+        durationsMs.push_back(end - before);
+        before = end;
+    }
+    return frames.size() == info.frame_count ? QString() : QStringLiteral("Frames are missing");
+}
+
+QString DecodedAnimation::read(const QString &path)
+{
+    AVDictionary *options = nullptr; // show each frame for as long as the file says, and once
+    av_dict_set(&options, "min_delay", "0", 0);
+    av_dict_set(&options, "max_fps", "0", 0);
+    AVFormatContext *opened = nullptr;
+    const int code = avformat_open_input(&opened, path.toUtf8(),
+                                         av_find_input_format(path.endsWith(".gif") ? "gif" : "apng"), &options);
+    const av::Dictionary unused(options);
+    if (code < 0)
+        return av::errorText(code);
+    const av::FormatContext format(opened);
+    const AVStream *stream = format->streams[0];
+    const av::CodecContext codec(avcodec_alloc_context3(avcodec_find_decoder(stream->codecpar->codec_id)));
+    avcodec_parameters_to_context(codec.get(), stream->codecpar);
+    codec->err_recognition = AV_EF_EXPLODE | AV_EF_CRCCHECK;
+    codec->thread_count = 1;
+    if (const int opening = avcodec_open2(codec.get(), nullptr, nullptr); opening < 0)
+        return av::errorText(opening);
+
+    const av::Packet packet(av_packet_alloc());
+    const av::Frame frame(av_frame_alloc());
+    int reading = 0;
+    while ((reading = av_read_frame(format.get(), packet.get())) == 0) {
+        durationsMs.push_back(double(packet->duration) * 1000 * av_q2d(stream->time_base));
+        int decoding = avcodec_send_packet(codec.get(), packet.get());
+        av_packet_unref(packet.get());
+        if (decoding == 0)
+            decoding = avcodec_receive_frame(codec.get(), frame.get());
+        if (decoding < 0)
+            return QStringLiteral("Frame %1: %2").arg(frames.size()).arg(av::errorText(decoding));
+        frames.push_back(imageOf(*frame));
+    }
+    return reading == AVERROR_EOF ? QString() : av::errorText(reading);
+}
+
+double DecodedAnimation::totalMs() const
+{
+    return std::accumulate(durationsMs.begin(), durationsMs.end(), 0.0);
+}
+
+QImage DecodedAnimation::at(double ms) const
+{
+    double end = 0;
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        end += durationsMs[i];
+        if (ms < end)
+            return frames[i];
+    }
+    return {};
+}

@@ -1,0 +1,223 @@
+// What can go wrong while an animated picture is written, and what is left of the file then.
+
+#include "avcodec/AnimationSample.h"
+#include "avcodec/DecodedAnimation.h"
+#include "avcodec/WebpFormat.h"
+#include "support/FileSizeLimit.h"
+
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace
+{
+
+const QSize kSize(120, 90);
+constexpr int kFps = 25;
+
+void addFormats()
+{
+    QTest::addColumn<QString>("format");
+    for (const char *format : {"gif", "png", "webp"})
+        QTest::newRow(format) << format;
+}
+
+/// Every failure is logged, once.
+void expectWarning(const char *pattern)
+{
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QLatin1String("^\\[AnimationEncoder\\] ") + pattern));
+}
+
+} // namespace
+
+class tst_AnimationFaults : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void refusesWhatCannotBe_data();
+    void refusesWhatCannotBe();
+    void refusesWrongFrames_data() { addFormats(); }
+    void refusesWrongFrames();
+    void noticesDeadDevice_data() { addFormats(); }
+    void noticesDeadDevice();
+    void keepsWholeFramesOnFullDisk_data();
+    void keepsWholeFramesOnFullDisk();
+    void webpStopsBeforeItsLimit();
+    void abortsAtOnce_data() { addFormats(); }
+    void abortsAtOnce();
+
+private:
+    QString path(const QString &format) const { return m_dir.filePath(QStringLiteral("animation.") + format); }
+
+    QTemporaryDir m_dir;
+};
+
+void tst_AnimationFaults::refusesWhatCannotBe_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<int>("fps");
+    QTest::addColumn<QString>("extra");
+    QTest::addColumn<QString>("error");
+    const QString file = path(QStringLiteral("any"));
+    QTest::newRow("no size") << "gif" << QSize(0, 5) << file << 25 << ""
+                             << "Invalid picture size: 0x5";
+    QTest::newRow("too wide") << "webp" << QSize(16384, 5) << file << 25 << ""
+                              << "Invalid picture size: 16384x5";
+    QTest::newRow("too large") << "png" << QSize(32767, 32767) << file << 25 << ""
+                               << "Invalid picture size: 32767x32767";
+    QTest::newRow("no rate") << "png" << kSize << file << 0 << ""
+                             << "Invalid frame rate: 0";
+    QTest::newRow("unknown option") << "gif" << kSize << file << 25 << "loops"
+                                    << "Invalid option: loops";
+    QTest::newRow("too many plays") << "gif" << kSize << file << 25 << "loop=65536"
+                                    << "Invalid option: loop=65536";
+    QTest::newRow("directory") << "webp" << kSize << m_dir.path() << 25 << ""
+                               << "Cannot create " + m_dir.path();
+    QTest::newRow("no directory") << "png" << kSize << m_dir.filePath("none/x") << 25 << ""
+                                  << "Cannot create " + m_dir.filePath("none/x");
+}
+
+void tst_AnimationFaults::refusesWhatCannotBe()
+{
+    QFETCH(QString, format);
+    QFETCH(QSize, size);
+    QFETCH(QString, path);
+    QFETCH(int, fps);
+    QFETCH(QString, extra);
+    QFETCH(QString, error);
+    expectWarning("(Invalid|Cannot create) ");
+    const auto encoder = makeAnimationEncoder(format, size, path, fps, 90, extra);
+    QVERIFY(!encoder->isValid());
+    QVERIFY2(encoder->errorString().startsWith(error), qPrintable(encoder->errorString()));
+    QVERIFY(!encoder->addFrame(0, patches(kSize, 0)));
+    QVERIFY(!encoder->close());
+}
+
+void tst_AnimationFaults::refusesWrongFrames()
+{
+    QFETCH(QString, format);
+    const auto encoder = makeAnimationEncoder(format, kSize, path(format), kFps, 90);
+    QVERIFY(encoder->addFrame(0, patches(kSize, 0)));
+    QVERIFY(encoder->addFrame(1, patches(kSize, 1)));
+    expectWarning("Frame ");
+    if (format == QLatin1String("gif")) {
+        QVERIFY(!encoder->addFrame(2, QImage()));
+        QCOMPARE(encoder->errorString(), QStringLiteral("Frame 2 has 0x0 pixels instead of 120x90"));
+    } else {
+        QVERIFY(!encoder->addFrame(1, patches(kSize, 2)));
+        QCOMPARE(encoder->errorString(), QStringLiteral("Frame 1 comes too late"));
+    }
+    QVERIFY(!encoder->addFrame(3, patches(kSize, 3)));
+    QVERIFY(!encoder->close());
+    QVERIFY(!encoder->close());
+
+    expectWarning("There are no frames");
+    QVERIFY(!makeAnimationEncoder(format, kSize, path(format), kFps, 90)->close());
+}
+
+void tst_AnimationFaults::noticesDeadDevice()
+{
+    QFETCH(QString, format);
+    expectWarning("Cannot write ");
+    const auto encoder = makeAnimationEncoder(format, kSize, QStringLiteral("/dev/full"), kFps, 90);
+    quint64 frame = 0;
+    while (frame < 1000 && encoder->addFrame(frame, noise(kSize, uint(frame))))
+        ++frame;
+    QVERIFY2(frame < 100, "noticed while frames are still coming");
+    QVERIFY(!encoder->isValid());
+    QVERIFY(!encoder->close());
+    QVERIFY2(encoder->errorString().contains(QStringLiteral("No space left")), qPrintable(encoder->errorString()));
+    QCOMPARE(encoder->framesWritten(), quint64(0));
+}
+
+void tst_AnimationFaults::keepsWholeFramesOnFullDisk_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("limit");
+    for (const char *format : {"gif", "png", "webp"}) {
+        QTest::addRow("%s, many frames", format) << format << 250000;
+        QTest::addRow("%s, few frames", format) << format << 100000;
+    }
+}
+
+void tst_AnimationFaults::keepsWholeFramesOnFullDisk()
+{
+    QFETCH(QString, format);
+    QFETCH(int, limit);
+    quint64 written = 0;
+    {
+        expectWarning("Cannot write ");
+        const FileSizeLimit fullDisk{rlim_t(limit)};
+        const auto encoder = makeAnimationEncoder(format, kSize, path(format), kFps, 100);
+        quint64 frame = 0;
+        while (frame < 1000 && encoder->addFrame(frame, noise(kSize, uint(frame))))
+            ++frame;
+        QVERIFY(frame < 100);
+        QVERIFY(!encoder->close());
+        QVERIFY2(encoder->errorString().startsWith(QStringLiteral("Cannot write ")),
+                 qPrintable(encoder->errorString()));
+        written = encoder->framesWritten();
+    }
+    QVERIFY(written > 0);
+    QVERIFY(QFileInfo(path(format)).size() <= limit);
+    const DecodedAnimation animation(path(format));
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(quint64(animation.frames.size()), written);
+    if (format != QLatin1String("gif"))
+        QVERIFY(animation.frames.back() == noise(kSize, uint(written - 1)).convertToFormat(QImage::Format_ARGB32));
+}
+
+void tst_AnimationFaults::webpStopsBeforeItsLimit()
+{
+    const QString name = path(QStringLiteral("webp"));
+    const std::atomic<bool> cancelled{false};
+    PictureComparer comparer(kSize, 2);
+    OutputFile file;
+    QVERIFY(file.open(name));
+    WebpFormat format(100, 200000);
+    QVERIFY(format.writeHeader(file, kSize, 0));
+    int frames = 0;
+    for (; frames < 100; ++frames) {
+        const PictureDelta delta = comparer.accept(noise(kSize, uint(frames)), QRect(QPoint(0, 0), kSize));
+        if (!format.writeFrame(file, format.encode(delta, cancelled), 40))
+            break;
+    }
+    QCOMPARE(file.errorString(), QStringLiteral("A WebP file cannot be larger than 4 GiB"));
+    QVERIFY(file.size() > 150000 && file.size() <= 200000);
+    QVERIFY(file.cutBack(file.size()));
+    QVERIFY(format.writeTrailer(file));
+    const DecodedAnimation animation(name);
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(int(animation.frames.size()), frames);
+}
+
+void tst_AnimationFaults::abortsAtOnce()
+{
+    QFETCH(QString, format);
+    const QSize size(1280, 720);
+    const QImage pictures[]{noise(size, 0), noise(size, 1)};
+    const auto encoder = makeAnimationEncoder(format, size, path(format), kFps, 90);
+    quint64 frame = 0;
+    for (; encoder->framesWritten() == 0; ++frame)
+        QVERIFY(encoder->addFrame(frame, pictures[frame % 2]));
+    encoder->abort();
+    QVERIFY(encoder->framesWritten() < frame);
+    QCOMPARE(encoder->errorString(), QStringLiteral("Aborted"));
+    QVERIFY(!encoder->isValid());
+    QVERIFY(!encoder->addFrame(frame, pictures[0]));
+    QVERIFY(!encoder->close());
+    QVERIFY2(QFileInfo(path(format)).size() > 0, "what was written stays");
+
+    const auto complete = makeAnimationEncoder(format, kSize, path(format), kFps, 90);
+    QVERIFY(complete->addFrame(0, patches(kSize, 0)));
+    QVERIFY(complete->close());
+    complete->abort();
+    QVERIFY(complete->isValid());
+    QVERIFY(complete->close());
+}
+
+QTEST_MAIN(tst_AnimationFaults)
+#include "tst_AnimationFaults.moc"

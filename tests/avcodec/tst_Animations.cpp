@@ -1,0 +1,315 @@
+// What animated GIF, PNG and WebP files show, and when, to those who read them.
+
+#include "avcodec/AnimationSample.h"
+#include "avcodec/DecodedAnimation.h"
+#include "avcodec/DecodedVideo.h"
+
+#include <QFileInfo>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <functional>
+
+namespace
+{
+
+const QStringList formats{QStringLiteral("gif"), QStringLiteral("png"), QStringLiteral("webp")};
+
+bool sameColours(const QImage &a, const QImage &b)
+{
+    return a.convertToFormat(QImage::Format_ARGB32) == b.convertToFormat(QImage::Format_ARGB32);
+}
+
+} // namespace
+
+class tst_Animations : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void showsEveryPictureAtItsTime_data();
+    void showsEveryPictureAtItsTime();
+    void dropsPicturesThatCannotBeShown_data();
+    void dropsPicturesThatCannotBeShown();
+    void unchangedPicturesCostNothing_data();
+    void unchangedPicturesCostNothing();
+    void takesAnySize_data();
+    void takesAnySize();
+    void takesAnyImageFormat_data();
+    void takesAnyImageFormat();
+    void leavesTheImageToTheCaller_data();
+    void leavesTheImageToTheCaller();
+    void showsPhotographs_data();
+    void showsPhotographs();
+    void playsAsOftenAsAsked_data();
+    void playsAsOftenAsAsked();
+
+private:
+    using Painter = std::function<QImage(int frame)>;
+
+    QString path(const QString &format) const { return m_dir.filePath(QStringLiteral("animation.") + format); }
+
+    /// Encodes the frames and reads them back.
+    DecodedAnimation encoded(const QString &format, QSize size, int fps, int quality, int count, const Painter &paint);
+
+    QTemporaryDir m_dir;
+};
+
+DecodedAnimation tst_Animations::encoded(const QString &format, QSize size, int fps, int quality, int count,
+                                         const Painter &paint)
+{
+    const auto encoder = makeAnimationEncoder(format, size, path(format), fps, quality);
+    for (int frame = 0; frame < count; ++frame)
+        encoder->addFrame(quint64(frame), paint(frame));
+    const bool complete = encoder->close();
+    DecodedAnimation animation(path(format));
+    if (!complete || encoder->framesWritten() != quint64(count))
+        animation.errorString = QStringLiteral("not complete: %1").arg(encoder->errorString());
+    return animation;
+}
+
+void tst_Animations::showsEveryPictureAtItsTime_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("fps");
+    for (const QString &format : formats)
+        for (const int fps : {1, 10, 24, 25, 30, 33, 50})
+            QTest::addRow("%s at %d", qPrintable(format), fps) << format << fps;
+    for (const int fps : {60, 75}) {
+        QTest::addRow("png at %d", fps) << "png" << fps;
+        QTest::addRow("webp at %d", fps) << "webp" << fps;
+    }
+}
+
+void tst_Animations::showsEveryPictureAtItsTime()
+{
+    QFETCH(QString, format);
+    QFETCH(int, fps);
+    const QSize size(150, 131);
+    const int count = 50;
+    const DecodedAnimation animation =
+        encoded(format, size, fps, 100, count, [&](int frame) { return patches(size, frame); });
+    QCOMPARE(animation.errorString, QString());
+    QVERIFY(std::abs(animation.totalMs() - 1000.0 * count / fps) <= 5);
+    for (int frame = 0; frame < count; ++frame) {
+        const QImage shown = animation.at((frame + 0.5) * 1000 / fps);
+        QVERIFY2(sameColours(shown, patches(size, frame)), qPrintable(QString::number(frame)));
+    }
+    QCOMPARE(animation.plays, 0);
+}
+
+void tst_Animations::dropsPicturesThatCannotBeShown_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("fps");
+    QTest::addColumn<int>("shortestMs");
+    QTest::newRow("gif at 60") << "gif" << 60 << 20;
+    QTest::newRow("gif at 100") << "gif" << 100 << 20;
+    QTest::newRow("gif at 1000") << "gif" << 1000 << 20;
+    QTest::newRow("png at 100") << "png" << 100 << 11;
+    QTest::newRow("png at 1000") << "png" << 1000 << 11;
+    QTest::newRow("webp at 100") << "webp" << 100 << 11;
+    QTest::newRow("webp at 1000") << "webp" << 1000 << 11;
+}
+
+void tst_Animations::dropsPicturesThatCannotBeShown()
+{
+    QFETCH(QString, format);
+    QFETCH(int, fps);
+    QFETCH(int, shortestMs);
+    const QSize size(64, 48);
+    const int count = 125;
+    const DecodedAnimation animation =
+        encoded(format, size, fps, 100, count, [&](int frame) { return patches(size, frame); });
+    QCOMPARE(animation.errorString, QString());
+    QVERIFY(std::abs(animation.totalMs() - 1000.0 * count / fps) <= shortestMs);
+    for (const double duration : animation.durationsMs)
+        QVERIFY2(duration > shortestMs - 0.01, qPrintable(QString::number(duration)));
+    QVERIFY(sameColours(animation.frames.back(), patches(size, count - 1)));
+}
+
+void tst_Animations::unchangedPicturesCostNothing_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("frames"); // one for each time that the longest duration fits in
+    QTest::newRow("gif") << "gif" << 3 + 3;
+    QTest::newRow("png") << "png" << 3 + 0;
+    QTest::newRow("webp") << "webp" << 3 + 0;
+}
+
+void tst_Animations::unchangedPicturesCostNothing()
+{
+    QFETCH(QString, format);
+    QFETCH(int, frames);
+    const QSize size(40, 30);
+    const int fps = 10;
+    const QImage pictures[]{patches(size, 0), patches(size, 1), noise(size, 0)};
+    const auto encoder = makeAnimationEncoder(format, size, path(format), fps, 100);
+    // Half an hour of standstill; telling each of its frames or leaving them out makes no difference.
+    const quint64 starts[]{0, 5, 20000};
+    for (quint64 frame = 0; frame < 30; ++frame)
+        QVERIFY(encoder->addFrame(frame, pictures[frame < starts[1] ? 0 : 1].copy()));
+    QVERIFY(encoder->addFrame(starts[2], pictures[2]));
+    QVERIFY(encoder->close());
+
+    const DecodedAnimation animation(path(format));
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(int(animation.frames.size()), frames);
+    QCOMPARE(animation.totalMs(), 2000100.0);
+    QVERIFY(sameColours(animation.at(1999990), pictures[1]));
+}
+
+void tst_Animations::takesAnySize_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QSize>("size");
+    for (const QString &format : formats)
+        for (const QSize size :
+             {QSize(1, 1), QSize(2, 1), QSize(1, 300), QSize(17, 5), QSize(641, 359), QSize(7680, 4320)})
+            QTest::addRow("%s %dx%d", qPrintable(format), size.width(), size.height()) << format << size;
+}
+
+void tst_Animations::takesAnySize()
+{
+    QFETCH(QString, format);
+    QFETCH(QSize, size);
+    const auto paint = [&](int frame) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        if (frame == 1) // an odd place, of which nothing may be cut off
+            image.setPixel(size.width() - 1, size.height() - 1, qRgb(200, 10, 30));
+        return image;
+    };
+    for (int count = size.width() > 1000 ? 2 : 1; count <= 2; ++count) {
+        const DecodedAnimation animation = encoded(format, size, 30, 100, count, paint);
+        QCOMPARE(animation.errorString, QString());
+        QCOMPARE(int(animation.frames.size()), count);
+        for (int frame = 0; frame < count; ++frame)
+            QVERIFY(sameColours(animation.frames[std::size_t(frame)], paint(frame)));
+    }
+}
+
+void tst_Animations::takesAnyImageFormat_data()
+{
+    QTest::addColumn<QImage::Format>("imageFormat");
+    QTest::newRow("RGB32 without alpha bits") << QImage::Format_RGB32;
+    QTest::newRow("premultiplied") << QImage::Format_ARGB32_Premultiplied;
+    QTest::newRow("not premultiplied") << QImage::Format_ARGB32;
+    QTest::newRow("3 bytes a pixel") << QImage::Format_RGB888;
+    QTest::newRow("grey") << QImage::Format_Grayscale8;
+}
+
+void tst_Animations::takesAnyImageFormat()
+{
+    QFETCH(QImage::Format, imageFormat);
+    const QSize size(33, 20);
+    QImage translucent(size, QImage::Format_ARGB32_Premultiplied);
+    translucent.fill(QColor(200, 100, 50, 128));
+    QPainter(&translucent).fillRect(3, 3, 9, 9, Qt::green);
+    QImage given = translucent.convertToFormat(imageFormat);
+    if (imageFormat == QImage::Format_RGB32) // as X11 gives them
+        for (int y = 0; y < size.height(); ++y)
+            for (int x = 0; x < size.width(); ++x)
+                reinterpret_cast<QRgb *>(given.scanLine(y))[x] &= 0xffffffu;
+    QImage shown(size, QImage::Format_ARGB32_Premultiplied);
+    shown.fill(Qt::black);
+    QPainter(&shown).drawImage(0, 0, given);
+    if (imageFormat == QImage::Format_RGB32)
+        shown = translucent.convertToFormat(QImage::Format_RGB32);
+
+    const DecodedAnimation animation = encoded(QStringLiteral("png"), size, 30, 100, 2, [&](int) { return given; });
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(animation.frames.size(), std::size_t(1));
+    QVERIFY(psnr(animation.frames[0], shown) > 48); // the last bit depends on who rounds
+}
+
+void tst_Animations::leavesTheImageToTheCaller_data()
+{
+    QTest::addColumn<QString>("format");
+    for (const QString &format : formats)
+        QTest::newRow(qPrintable(format)) << format;
+}
+
+void tst_Animations::leavesTheImageToTheCaller()
+{
+    QFETCH(QString, format);
+    const QSize size(320, 200);
+    std::vector<uchar> buffer(std::size_t(size.width() * size.height() * 4));
+    const auto encoder = makeAnimationEncoder(format, size, path(format), 25, 100);
+    const int count = 25;
+    for (int frame = 0; frame < count; ++frame) {
+        const QImage picture = patches(size, frame);
+        std::copy_n(picture.constBits(), buffer.size(), buffer.begin());
+        QVERIFY(
+            encoder->addFrame(quint64(frame), QImage(buffer.data(), size.width(), size.height(), picture.format())));
+        std::fill(buffer.begin(), buffer.end(), uchar(0x55));
+    }
+    QVERIFY(encoder->close());
+    const DecodedAnimation animation(path(format));
+    QCOMPARE(animation.errorString, QString());
+    for (int frame = 0; frame < count; ++frame)
+        QVERIFY(sameColours(animation.at(frame * 40 + 20), patches(size, frame)));
+}
+
+void tst_Animations::showsPhotographs_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("quality");
+    QTest::addColumn<double>("decibels"); // 99: exactly
+    QTest::newRow("gif 100") << "gif" << 100 << 33.0;
+    QTest::newRow("gif 90") << "gif" << 90 << 32.5;
+    QTest::newRow("gif 30") << "gif" << 30 << 25.0;
+    QTest::newRow("png 100") << "png" << 100 << 99.0;
+    QTest::newRow("png 75") << "png" << 75 << 99.0;
+    QTest::newRow("png 30") << "png" << 30 << 40.0;
+    QTest::newRow("webp 100") << "webp" << 100 << 99.0;
+    QTest::newRow("webp 90") << "webp" << 90 << 34.0;
+    QTest::newRow("webp 30") << "webp" << 30 << 30.0;
+}
+
+void tst_Animations::showsPhotographs()
+{
+    QFETCH(QString, format);
+    QFETCH(int, quality);
+    QFETCH(double, decibels);
+    const QSize size(320, 240);
+    const int count = 6;
+    const auto paint = [&](int frame) { return landscape(size, frame); };
+    const DecodedAnimation animation = encoded(format, size, 25, quality, count, paint);
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(int(animation.frames.size()), count);
+    for (int frame = 0; frame < count; ++frame) {
+        const double found = psnr(animation.frames[std::size_t(frame)], paint(frame));
+        QVERIFY2(found >= decibels, qPrintable(QString::number(found)));
+    }
+    if (quality < 100) {
+        const qint64 bytes = QFileInfo(path(format)).size();
+        encoded(format, size, 25, 100, count, paint);
+        QVERIFY(bytes <= QFileInfo(path(format)).size());
+    }
+}
+
+void tst_Animations::playsAsOftenAsAsked_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("plays");
+    for (const QString &format : formats)
+        for (const int plays : {0, 1, 2, 65535})
+            QTest::addRow("%s %d", qPrintable(format), plays) << format << plays;
+}
+
+void tst_Animations::playsAsOftenAsAsked()
+{
+    QFETCH(QString, format);
+    QFETCH(int, plays);
+    const QSize size(20, 10);
+    const auto encoder = makeAnimationEncoder(format, size, path(format), 10, 90, QStringLiteral("loop=%1").arg(plays));
+    for (int frame = 0; frame < 3; ++frame)
+        QVERIFY(encoder->addFrame(quint64(frame), patches(size, frame)));
+    QVERIFY(encoder->close());
+    QCOMPARE(DecodedAnimation(path(format)).plays, plays);
+}
+
+QTEST_MAIN(tst_Animations)
+#include "tst_Animations.moc"

@@ -1,6 +1,9 @@
 #include "playback/KelExportSeams.h"
 
 #include "avcodec/h264Encoder.h"
+#include "avcodec/kelGifEncoder.h"
+#include "avcodec/pngEncoder.h"
+#include "avcodec/webpEncoder.h"
 
 #include <QDebug>
 #include <QImage>
@@ -15,6 +18,12 @@ std::unique_ptr<KelAVCodecEncoder> createEncoder(int format, const QSize &size, 
     case 0:
         return std::make_unique<h264Encoder>(
             h264Encoder::Params{size, QImage::Format_ARGB32_Premultiplied, path, fps, quality});
+    case 1:
+        return std::make_unique<kelGifEncoder>(size, path, fps, quality, QString());
+    case 2:
+        return std::make_unique<pngEncoder>(size, path, fps, quality, QString());
+    case 3:
+        return std::make_unique<webpEncoder>(size, path, fps, quality, QString());
     default:
         qWarning() << "Unsupported export format" << format;
         return nullptr;

@@ -143,6 +143,9 @@ void PlaybackJourneyTest::exports_data()
     QTest::addColumn<QString>("demuxer");
 
     QTest::newRow("MP4") << 0 << "mp4";
+    QTest::newRow("GIF") << 1 << "gif";
+    QTest::newRow("APNG") << 2 << "apng";
+    QTest::newRow("WebP") << 3 << "";
 }
 
 void PlaybackJourneyTest::exports()

@@ -55,6 +55,12 @@ QString KelMultiTrackRecorder::Private::createManager(KelMultiTrackRecorder *rec
     managerConfig.microphone = config.enableMicrophone;
     recordManager = std::make_unique<KelRecordTrackManager>(recordArea, managerConfig, recorder);
 
+    // Queued: a host that reacts by starting anew deletes the manager that is just emitting.
+    connect(recordManager.get(), &KelRecordTrackManager::trackFailed, recorder,
+            &KelMultiTrackRecorder::reportTrackFailures, Qt::QueuedConnection);
+    connect(recordManager.get(), &KelRecordTrackManager::frameLimitReached, recorder,
+            &KelMultiTrackRecorder::stopAtFrameLimit, Qt::QueuedConnection);
+
     const QStringList failures = recordManager->takeFailures();
     if (failures.isEmpty())
         return {};
@@ -123,14 +129,8 @@ bool KelMultiTrackRecorder::startRecording()
     QString problem;
     try {
         problem = d->createManager(this);
-        if (problem.isEmpty()) {
-            // Queued: a host that reacts by starting anew deletes the manager that is just emitting.
-            connect(d->recordManager.get(), &KelRecordTrackManager::trackFailed, this,
-                    &KelMultiTrackRecorder::reportTrackFailures, Qt::QueuedConnection);
-            connect(d->recordManager.get(), &KelRecordTrackManager::frameLimitReached, this,
-                    &KelMultiTrackRecorder::stopAtFrameLimit, Qt::QueuedConnection);
+        if (problem.isEmpty())
             d->recordManager->startRecording();
-        }
     } catch (const std::exception &exception) {
         problem = QString::fromLocal8Bit(exception.what());
     }

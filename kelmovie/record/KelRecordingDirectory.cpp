@@ -25,6 +25,7 @@ bool KelRecordingDirectory::prepare()
         m_error = QStringLiteral("No output directory given");
         return false;
     }
+    m_isNew = !QFileInfo::exists(m_path);
     if (!QDir().mkpath(m_path)) {
         m_error = QStringLiteral("Cannot create the directory %1").arg(m_path);
         return false;
@@ -37,9 +38,9 @@ void KelRecordingDirectory::discard()
     const QString screenDir = m_path + QStringLiteral("/Screen");
     QFile::remove(screenDir + QStringLiteral("/screen_record.mp4"));
     QFile::remove(screenDir + QStringLiteral("/frame_indexes.dat"));
-    // Both only when they are empty then.
-    QDir().rmdir(screenDir);
-    QDir().rmdir(m_path);
+    QDir().rmdir(screenDir); // when it is empty now
+    if (m_isNew)
+        QDir().rmdir(m_path);
 }
 
 bool KelRecordingDirectory::isWritable()

@@ -23,5 +23,6 @@ private:
     bool setAsideRecording();
 
     const QString m_path;
+    bool m_isNew = false;
     QString m_error;
 };

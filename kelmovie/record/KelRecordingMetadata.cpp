@@ -45,13 +45,16 @@ qint64 readDuration(const QJsonObject &root)
 
 QRect readArea(const QJsonObject &area)
 {
-    const QRect rect(area.value(QLatin1String("x")).toInt(), area.value(QLatin1String("y")).toInt(),
-                     area.value(QLatin1String("width")).toInt(), area.value(QLatin1String("height")).toInt());
+    // Checked before it is a rectangle: that computes its far corner.
+    const int x = area.value(QLatin1String("x")).toInt();
+    const int y = area.value(QLatin1String("y")).toInt();
+    const int width = area.value(QLatin1String("width")).toInt();
+    const int height = area.value(QLatin1String("height")).toInt();
     const auto isPlace = [](int v) { return v >= -MaxCoordinate && v <= MaxCoordinate; };
     const auto isSide = [](int v) { return v >= 0 && v <= MaxSide; };
-    const bool sane = isPlace(rect.x()) && isPlace(rect.y()) && isSide(rect.width()) && isSide(rect.height()) &&
-                      qint64(rect.width()) * rect.height() <= MaxPixels;
-    return sane ? rect : QRect(0, 0, 0, 0);
+    const bool sane =
+        isPlace(x) && isPlace(y) && isSide(width) && isSide(height) && qint64(width) * height <= MaxPixels;
+    return sane ? QRect(x, y, width, height) : QRect(0, 0, 0, 0);
 }
 
 int readFps(const QJsonValue &value)

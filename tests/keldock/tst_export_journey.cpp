@@ -1,0 +1,171 @@
+#include "keldock/ColorScene.h"
+#include "keldock/Keldock.h"
+#include "keldock/RecordingFiles.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+/// From a recording to files that other programs open, with the real program.
+class ExportJourneyTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void exports_data();
+    void exports();
+    void refusesExport_data();
+    void refusesExport();
+    void cancelledExportLeavesNothing();
+    void showsProgressOnTerminal();
+    void damagedRecording_data();
+    void damagedRecording();
+
+private:
+    QString path(const QString &name) const { return m_scratch.filePath(name); }
+
+    QTemporaryDir m_scratch;
+    QString m_recording;
+};
+
+void ExportJourneyTest::initTestCase()
+{
+    std::signal(SIGINT, SIG_DFL); // a test run in the background ignores it, and so would the program
+    const ColorScene scene(QRect(0, 0, 160, 120));
+    m_recording = path("recording");
+    const Keldock recorded =
+        Keldock::run({"record", "--area", "0,0,160x120", "--fps", "20", "--duration", "1.5", "--out", m_recording});
+    QVERIFY2(recorded.status == 0, qPrintable(recorded.errors));
+}
+
+void ExportJourneyTest::exports_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("offset");
+    QTest::addColumn<QByteArray>("signature");
+    QTest::newRow("mp4") << QStringList() << "a.mp4" << 4 << QByteArray("ftyp");
+    QTest::newRow("gif, a part") << QStringList{"--from", "300", "--to", "900", "--fps", "10"} << "a.gif" << 0
+                                 << QByteArray("GIF89a");
+    QTest::newRow("apng, faster") << QStringList{"--speed", "3"} << "a.png" << 1 << QByteArray("PNG");
+    QTest::newRow("webp, to the end") << QStringList{"--from", "1000", "--quality", "40"} << "a.webp" << 8
+                                      << QByteArray("WEBP");
+    QTest::newRow("format by option") << QStringList{"--format", "gif"} << "a.bin" << 0 << QByteArray("GIF89a");
+    QTest::newRow("name beyond ASCII") << QStringList() << QString::fromUtf8("录制.mp4") << 4 << QByteArray("ftyp");
+}
+
+void ExportJourneyTest::exports()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QString, name);
+    QFETCH(int, offset);
+    QFETCH(QByteArray, signature);
+    const QString file = path(name);
+    QVERIFY(writeAll(file, "an older file of that name"));
+    const Keldock keldock = Keldock::run(QStringList{"export", m_recording, file} + options);
+    QVERIFY2(keldock.status == 0, qPrintable(keldock.errors));
+    QCOMPARE(keldock.errors, QString());
+    QVERIFY2(!keldock.output.contains('\r'), "a pipe gets no progress bar");
+    QCOMPARE(readAll(file).mid(offset, signature.size()), signature);
+}
+
+void ExportJourneyTest::refusesExport_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("onto a directory") << QStringList{"directory", "--format", "gif"} << "is a directory";
+    QTest::newRow("into nowhere") << QStringList{"nowhere/a.gif"} << "there is no directory";
+    QTest::newRow("onto a device") << QStringList{"/dev/null", "--format", "gif"} << "not an ordinary file";
+    QTest::newRow("where nobody may write") << QStringList{"/proc/a.gif"} << "cannot be written";
+    QTest::newRow("behind the end") << QStringList{"kept.gif", "--from", "60000"} << "lies behind the end";
+}
+
+void ExportJourneyTest::refusesExport()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, reason);
+    QVERIFY(QDir().mkpath(path("directory")));
+    QVERIFY(writeAll(path("kept.gif"), "an older file"));
+    if (!arguments.first().startsWith('/'))
+        arguments.first().prepend(m_scratch.path() + '/');
+    const Keldock keldock = Keldock::run(QStringList{"export", m_recording} + arguments);
+    QVERIFY2(keldock.failedWith(reason), qPrintable(keldock.errors));
+    QCOMPARE(readAll(path("kept.gif")), QByteArray("an older file"));
+}
+
+void ExportJourneyTest::cancelledExportLeavesNothing()
+{
+    const QString directory = path("cancelled");
+    QVERIFY(QDir().mkpath(directory));
+    QVERIFY(writeAll(directory + "/a.webp", "an older file"));
+    const auto entries = [&] { return QDir(directory).entryList(QDir::Files | QDir::Hidden); };
+    QProcess process;
+    process.start(QStringLiteral(KELDOCK_PROGRAM),
+                  {"export", m_recording, directory + "/a.webp", "--speed", "0.1", "--fps", "240", "--quality", "100"});
+    QTRY_VERIFY_WITH_TIMEOUT(entries().size() == 2, Keldock::LimitMs);
+    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+    const Keldock keldock = Keldock::finish(process);
+    QVERIFY2(keldock.failedWith("cancelled"), qPrintable(keldock.errors));
+    QCOMPARE(entries(), QStringList{"a.webp"});
+    QCOMPARE(readAll(directory + "/a.webp"), QByteArray("an older file"));
+}
+
+void ExportJourneyTest::showsProgressOnTerminal()
+{
+    // script(1) gives the program a terminal.
+    const Keldock keldock = Keldock::runShell("export TERM=xterm; script -qec '\"'\"$0\"'\" export " + m_recording +
+                                              " " + path("t.gif") + "' /dev/null");
+    QVERIFY2(keldock.status == 0, qPrintable(keldock.output));
+    QVERIFY2(keldock.output.contains("\rExporting t.gif"), qPrintable(keldock.output));
+    QVERIFY2(keldock.output.contains("100 %"), qPrintable(keldock.output));
+    QVERIFY2(keldock.output.endsWith('\n'), "the shell's prompt begins a line of its own");
+}
+
+void ExportJourneyTest::damagedRecording_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("content"); ///< null: the file is removed; empty: cut in half
+    QTest::addColumn<int>("status");
+    const QByteArray cut("");
+    const QString meta("TrackManager.meta");
+    const QString index("Screen/frame_indexes.dat");
+    const QString video("Screen/screen_record.mp4");
+    QTest::newRow("no metadata") << meta << QByteArray() << 0;
+    QTest::newRow("half the metadata") << meta << cut << 0;
+    QTest::newRow("hostile metadata")
+        << meta << QByteArray(R"({"fps":-5,"duration":"x","recordArea":{"x":"a","width":-1},"tracks":7})") << 0;
+    QTest::newRow("metadata of another kind") << meta << QByteArray("[1,2,3]") << 0;
+    QTest::newRow("index of garbage") << index << QByteArray(64, '\xff') << 0;
+    QTest::newRow("no video") << video << QByteArray() << 1;
+    QTest::newRow("video of garbage") << video << QByteArray(5000, 'x') << 1;
+}
+
+void ExportJourneyTest::damagedRecording()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, content);
+    QFETCH(int, status);
+    const QTemporaryDir scratch;
+    const QString damaged = scratch.filePath("damaged");
+    QVERIFY(copyTree(m_recording, damaged));
+    const QString victim = damaged + '/' + file;
+    if (content.isNull())
+        QVERIFY(QFile::remove(victim));
+    else if (content.isEmpty())
+        QVERIFY(QFile::resize(victim, QFileInfo(victim).size() / 2));
+    else
+        QVERIFY(writeAll(victim, content));
+
+    for (const QStringList &arguments :
+         {QStringList{"info", damaged}, QStringList{"frame", damaged, "0", scratch.filePath("a.png")},
+          QStringList{"export", damaged, scratch.filePath("a.gif")}}) {
+        const Keldock keldock = Keldock::run(arguments);
+        QVERIFY2(keldock.status == status, qPrintable(arguments.first() + ": " + keldock.errors));
+        QVERIFY(status == 0 || keldock.failedWith("cannot be shown"));
+    }
+}
+
+QTEST_GUILESS_MAIN(ExportJourneyTest)
+#include "tst_export_journey.moc"

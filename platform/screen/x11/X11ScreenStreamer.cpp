@@ -61,9 +61,22 @@ bool X11ScreenStreamer::captureTo(QImage &image)
         takeDamage();
     m_asked = false;
 
-    bool whole = m_everything || image.cacheKey() != m_filledKey;
+    const bool whole = m_everything || image.cacheKey() != m_filledKey;
     if (whole)
         m_damage.clear();
+    if (!capture(whole, image))
+        return false;
+    // What was drawn between the question what changed and the reading shows only where something had changed before:
+    // the picture would be of two moments. Who draws without a pause is left to the next capture.
+    for (int rounds = 2; rounds > 0 && update() && !m_everything && !m_changed.isEmpty(); --rounds) {
+        if (!capture(false, image))
+            return false;
+    }
+    return true;
+}
+
+bool X11ScreenStreamer::capture(bool whole, QImage &image)
+{
     for (int attempts = 3; attempts > 0; --attempts) {
         if (const auto blocks = m_reader.read(rectsToRead(whole))) {
             if (!paint(*blocks, whole, image)) {

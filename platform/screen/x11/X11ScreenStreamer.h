@@ -29,6 +29,7 @@ private:
     using Blocks = std::vector<X11ImageReader::Block>;
 
     bool update();
+    bool capture(bool whole, QImage &image);
     bool queryRootSize();
     void setRootSize(const QSize &size);
     void takeDamage();

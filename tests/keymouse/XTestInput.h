@@ -27,6 +27,13 @@ public:
         key(code, true);
         key(code, false);
     }
+    /// As key(), but does not let the server answer: nothing goes out of it but what the key causes.
+    void keyWithoutAnswer(int code, bool pressed)
+    {
+        xcb_test_fake_input(m_connection, pressed ? XCB_KEY_PRESS : XCB_KEY_RELEASE, std::uint8_t(code),
+                            XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_flush(m_connection);
+    }
     void setMeaning(int code, std::uint32_t keysym)
     {
         xcb_change_keyboard_mapping(m_connection, 1, std::uint8_t(code), 1, &keysym);

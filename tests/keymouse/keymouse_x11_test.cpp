@@ -177,6 +177,7 @@ private slots:
         m_input->key(LetterA, true);
         QTRY_VERIFY(hook.lines().size() >= 4);
         m_input->key(LetterA, false);
+        QCOMPARE(QProcess::execute("xset", {"r", "off"}), 0);
         QTRY_VERIFY(hook.lines().endsWith("key 41 0"));
         QStringList lines = hook.take();
         lines.removeLast();
@@ -197,6 +198,17 @@ private slots:
         m_input->tap(LetterA);
         QCOMPARE(hook.take(2), (QStringList{"key 41 1", "key 41 0"}));
         xcb_disconnect(other);
+    }
+
+    /// The server hands out what it has recorded only together with something else, which may never come.
+    void keysThatNoProgramGetsAreReportedAtOnce()
+    {
+        RecordingHook hook;
+        hook.setHookType(KelKeyMouseHook::Keyboard);
+        for (int i = 0; i < 20; ++i) {
+            m_input->keyWithoutAnswer(LetterA, i % 2 == 0);
+            QCOMPARE(hook.take(1), QStringList{i % 2 == 0 ? "key 41 1" : "key 41 0"});
+        }
     }
 
     /// What nobody wants is not recorded at all, and a change of the kinds loses nothing of the others.

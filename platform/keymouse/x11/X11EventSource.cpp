@@ -128,14 +128,18 @@ void X11EventSource::endRequest(unsigned number)
 bool X11EventSource::deliverUntilRequest(X11InputRecorder &recorder, X11InputMapper &mapper)
 {
     std::vector<X11InputEvent> events;
+    bool announced = false;
     for (;;) {
-        events.clear();
-        if (!recorder.read(events))
-            return false;
-        if (!events.empty())
-            mapper.update();
-        for (const X11InputEvent &event : events)
-            mapper.deliver(event, m_sink);
+        do {
+            events.clear();
+            if (!recorder.read(events))
+                return false;
+            if (announced || !events.empty())
+                mapper.update();
+            for (const X11InputEvent &event : events)
+                mapper.deliver(event, m_sink);
+            announced = mapper.takeAnnouncements(); // what came in while the mapper asked the server
+        } while (announced);
 
         pollfd waits[] = {{recorder.dataDescriptor(), POLLIN, 0},
                           {xcb_get_file_descriptor(recorder.control()), POLLIN, 0},
@@ -143,7 +147,6 @@ bool X11EventSource::deliverUntilRequest(X11InputRecorder &recorder, X11InputMap
         poll(waits, std::size(waits), -1);
         if (waits[2].revents)
             return true;
-        if (waits[1].revents)
-            mapper.takeAnnouncements();
+        announced = waits[1].revents != 0;
     }
 }

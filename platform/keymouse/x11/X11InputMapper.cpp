@@ -40,14 +40,18 @@ X11InputMapper::X11InputMapper(xcb_connection_t *connection)
 
 void X11InputMapper::update()
 {
-    std::free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
     takeAnnouncements();
+    do
+        std::free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    while (takeAnnouncements());
 }
 
-void X11InputMapper::takeAnnouncements()
+bool X11InputMapper::takeAnnouncements()
 {
+    bool any = false;
     bool buttonsChanged = false;
     while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection)) {
+        any = true;
         const int type = event->response_type & 0x7f;
         if (m_keymap.announces(type))
             m_keymap.reload();
@@ -57,6 +61,7 @@ void X11InputMapper::takeAnnouncements()
     }
     if (buttonsChanged)
         m_buttons.load(m_connection);
+    return any;
 }
 
 void X11InputMapper::deliver(const X11InputEvent &event, KeyMouseEventSink &sink)

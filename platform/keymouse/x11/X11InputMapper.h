@@ -15,11 +15,12 @@ public:
     explicit X11InputMapper(xcb_connection_t *connection);
 
     /// Takes notice of every change that happened before this call. Changes are announced on another connection than
-    /// the recorded events and may come later than they: so this first asks the server for a sign of life (0.1 ms).
+    /// the recorded events and may come later than they: so this asks the server for a sign of life (0.1 ms), and again
+    /// while there is news.
     void update();
 
-    /// Takes notice of the changes that have been announced so far.
-    void takeAnnouncements();
+    /// Takes notice of the changes that have been announced so far. False when the connection had nothing to say.
+    bool takeAnnouncements();
 
     /// Hands the event over in terms of Qt; events without meaning are dropped.
     void deliver(const X11InputEvent &event, KeyMouseEventSink &sink);

@@ -3,6 +3,7 @@
 #include <xcb/record.h>
 #include <xcb/xcb.h>
 #include <xcb/xcbext.h>
+#include <xcb/xinput.h>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -60,6 +61,7 @@ bool X11InputRecorder::open()
     if (!version)
         return fail("the X server does not answer");
 
+    m_root = xcb_setup_roots_iterator(xcb_get_setup(m_control.get())).data->root;
     m_context = xcb_generate_id(m_control.get());
     const Reply<xcb_generic_error_t> error(xcb_request_check(
         m_control.get(), xcb_record_create_context_checked(m_control.get(), m_context, 0, 0, 0, nullptr, nullptr)));
@@ -89,8 +91,28 @@ bool X11InputRecorder::enable()
     }
 }
 
+void X11InputRecorder::selectRawEvents(bool keys, bool buttons)
+{
+    const xcb_query_extension_reply_t *extension = xcb_get_extension_data(m_control.get(), &xcb_input_id);
+    if (!extension || !extension->present)
+        return; // events may come late then, but they come
+    const Reply<xcb_input_xi_query_version_reply_t> version(
+        xcb_input_xi_query_version_reply(m_control.get(), xcb_input_xi_query_version(m_control.get(), 2, 2), nullptr));
+    struct {
+        xcb_input_event_mask_t head{XCB_INPUT_DEVICE_ALL_MASTER, 1};
+        std::uint32_t events = 0;
+    } mask;
+    if (keys)
+        mask.events |= XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
+    if (buttons)
+        mask.events |= XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
+    const Reply<xcb_generic_error_t> ignored(
+        xcb_request_check(m_control.get(), xcb_input_xi_select_events_checked(m_control.get(), m_root, 1, &mask.head)));
+}
+
 bool X11InputRecorder::setRecorded(bool keys, bool buttons)
 {
+    selectRawEvents(keys, buttons);
     xcb_record_range_t range{};
     range.device_events.first = keys ? XCB_KEY_PRESS : XCB_BUTTON_PRESS;
     range.device_events.last = buttons ? XCB_BUTTON_RELEASE : XCB_KEY_RELEASE;

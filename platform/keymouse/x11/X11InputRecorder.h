@@ -25,7 +25,11 @@ struct X11InputEvent {
 /// second, and a server forgets recorded events when more than some 270 of them are left unread (its output buffer is
 /// written to while it is being flushed).
 ///
-/// RECORD wants two connections: one is given over to the recorded data, the other controls what is recorded.
+/// RECORD wants two connections: one is given over to the recorded data, the other controls what is recorded. The
+/// latter also receives raw input events, for their effect alone: the server keeps what it has recorded until it next
+/// writes to any client, and for a key that no program gets that could be never. The raw event goes out just before the
+/// recorded one is stored; whoever sees it, asks the server something, and the answer brings out the recorded event.
+///
 /// Belongs to one thread, except for interrupt().
 class X11InputRecorder
 {
@@ -44,7 +48,8 @@ public:
 
     int dataDescriptor() const;
 
-    /// The connection beside the data; for requests of any kind.
+    /// The connection beside the data; for requests of any kind. An event there says that there may be something to
+    /// read(), if the server is asked something first.
     xcb_connection_t *control() const { return m_control.get(); }
 
     /// Lets every call return that waits for the server, now and in future. Any thread, while the object lives.
@@ -61,10 +66,12 @@ private:
 
     bool fail(const char *message);
     bool enable();
+    void selectRawEvents(bool keys, bool buttons);
 
     Connection m_control;
     Connection m_data;
     std::uint32_t m_context = 0;
+    std::uint32_t m_root = 0;
     unsigned m_enableSequence = 0;
     QString m_error;
 };

@@ -4,6 +4,7 @@
 #include "avcodec/BoundedWorker.h"
 #include "avcodec/FirstError.h"
 #include "avcodec/KelAVCodecEncoder.h"
+#include "avcodec/PictureComparer.h"
 
 #include <QSize>
 

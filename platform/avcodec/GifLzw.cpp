@@ -16,7 +16,9 @@ constexpr int None = -1;
 constexpr int MaxBranches = 4;
 
 /// A string may end that much earlier than it could, if together with its successor it gets further.
+/// That gains nothing worth the time for strings that are long anyway.
 constexpr std::size_t MaxStepsBack = 3;
+constexpr std::size_t LongString = 64;
 
 /// Codes after which a full dictionary is judged again.
 constexpr int JudgedCodes = 128;
@@ -204,7 +206,7 @@ private:
     {
         const std::size_t from = at;
         at = longestMatch(symbol, from);
-        if (at == m_picture.pixels.size())
+        if (at == m_picture.pixels.size() || at - from > LongString)
             return m_matches.back();
         std::swap(m_matches, m_candidates);
         std::size_t best = m_candidates.size();

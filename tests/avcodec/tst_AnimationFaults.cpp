@@ -2,6 +2,7 @@
 
 #include "avcodec/AnimationSample.h"
 #include "avcodec/DecodedAnimation.h"
+#include "avcodec/PictureComparer.h"
 #include "avcodec/WebpFormat.h"
 #include "support/FileSizeLimit.h"
 

@@ -70,7 +70,7 @@ AnimationEncoder::AnimationEncoder(QSize size, const QString &path, int fps, con
 
 AnimationEncoder::~AnimationEncoder()
 {
-    abort();
+    AnimationEncoder::abort();
 }
 
 bool AnimationEncoder::fail(const QString &reason)

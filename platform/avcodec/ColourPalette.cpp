@@ -185,6 +185,7 @@ ColourPalette ColourPalette::bestFor(const ColourHistogram &histogram, int limit
 PaletteMatch ColourPalette::match(const ColourHistogram &histogram) const
 {
     std::vector<Bin> colours;
+    colours.reserve(m_colours.size());
     for (const QRgb colour : m_colours)
         colours.push_back({float(qRed(colour)), float(qGreen(colour)), float(qBlue(colour)), 0});
     PaletteMatch match;

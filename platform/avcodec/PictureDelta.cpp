@@ -9,7 +9,10 @@ namespace
 constexpr std::ptrdiff_t BusyRun = 24;
 constexpr int BusyRunChanges = 2;
 
-/// A sample has this many rows out of every so many.
+/// Pixels of a picture that is its own sample.
+constexpr std::size_t SmallPicture = 1 << 17;
+
+/// Other samples have this many rows out of every so many.
 constexpr int SampledRows = 32;
 constexpr int SamplePeriod = 128;
 
@@ -46,7 +49,7 @@ std::vector<QRgb> PictureDelta::pixelsWithGaps() const
 
 PictureDelta PictureDelta::sample() const
 {
-    if (rect.height() <= SamplePeriod)
+    if (pixels.size() <= SmallPicture || rect.height() <= SamplePeriod)
         return *this;
     PictureDelta bands;
     const std::ptrdiff_t width = rect.width();

@@ -177,6 +177,7 @@ ColourPalette ColourPalette::bestFor(const ColourHistogram &histogram, int limit
         refine(best, histogram.bins());
     }
     std::vector<QRgb> colours;
+    colours.reserve(best.size());
     for (const Bin &bin : best)
         colours.push_back(qRgb(int(std::lround(bin.red)), int(std::lround(bin.green)), int(std::lround(bin.blue))));
     return ColourPalette(std::move(colours));

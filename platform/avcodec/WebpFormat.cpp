@@ -19,10 +19,8 @@ constexpr int LosslessMethod = 1;
 constexpr float LosslessEffort = 75;
 constexpr int LossyMethod = 4;
 
-/// A sample finds fewer repetitions than the whole picture, and a trial saves effort; both make lossless look worse
-/// than it is by up to so much.
-constexpr int LosslessTrialMethod = 0;
-constexpr int MaxTrialBias = 6;
+/// A sample finds fewer repetitions than the whole picture, which makes lossless look worse by up to so much.
+constexpr double MaxSampleBias = 1.5;
 
 constexpr int RiffHeaderBytes = 12; // "RIFF", size, "WEBP"
 constexpr int FrameHeaderBytes = 16;
@@ -67,18 +65,17 @@ AnimationFormat::Limits WebpFormat::limits() const
 EncodedFrame WebpFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
 {
     const auto encoded = [&](Way way) {
-        const int method = way == Way::Lossless ? LosslessMethod : LossyMethod;
-        return EncodedFrame{delta.rect, way == Way::Lossless, compressed(delta, way, method, cancelled)};
+        return EncodedFrame{delta.rect, way == Way::Lossless, compressed(delta, way, cancelled)};
     };
     if (m_quality == Lossless)
         return encoded(Way::Lossless);
     const PictureDelta sample = delta.sample();
     if (sample.pixels.size() < delta.pixels.size()) { // a trial costs less than to do it both ways
-        const int lossless = compressed(sample, Way::Lossless, LosslessTrialMethod, cancelled).size();
-        const int lossy = compressed(sample, Way::Lossy, LossyMethod, cancelled).size();
+        const int lossless = compressed(sample, Way::Lossless, cancelled).size();
+        const int lossy = compressed(sample, Way::Lossy, cancelled).size();
         if (lossless <= lossy)
             return encoded(Way::Lossless);
-        if (lossless > MaxTrialBias * lossy)
+        if (lossless > MaxSampleBias * lossy)
             return encoded(Way::Lossy);
     }
     const EncodedFrame exact = encoded(Way::Lossless);
@@ -87,15 +84,14 @@ EncodedFrame WebpFormat::encode(const PictureDelta &delta, const std::atomic<boo
 }
 
 /// The chunks of a still picture; empty when it is cancelled or fails.
-QByteArray WebpFormat::compressed(const PictureDelta &delta, Way way, int method,
-                                  const std::atomic<bool> &cancelled) const
+QByteArray WebpFormat::compressed(const PictureDelta &delta, Way way, const std::atomic<bool> &cancelled) const
 {
     WebPConfig config;
     WebPPicture picture;
     if (!WebPConfigInit(&config) || !WebPPictureInit(&picture))
         return {};
     config.lossless = way == Way::Lossless;
-    config.method = method;
+    config.method = config.lossless ? LosslessMethod : LossyMethod;
     config.quality = config.lossless ? LosslessEffort : LibraryQuality * float(m_quality);
 
     std::vector<QRgb> pixels = config.lossless ? delta.pixelsWithGaps() : delta.opaquePixels();

@@ -22,7 +22,7 @@ public:
 private:
     enum class Way { Lossless, Lossy };
 
-    QByteArray compressed(const PictureDelta &delta, Way way, int method, const std::atomic<bool> &cancelled) const;
+    QByteArray compressed(const PictureDelta &delta, Way way, const std::atomic<bool> &cancelled) const;
 
     const int m_quality;
     const qint64 m_largestFile;

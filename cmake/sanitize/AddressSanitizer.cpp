@@ -23,6 +23,7 @@ extern "C" Q_DECL_EXPORT const char *__lsan_default_suppressions()
     // Caches that these libraries keep until the process ends.
     return "leak:libfontconfig.so\n"
            "leak:libglib-2.0.so\n"
+           "leak:libdbus-1.so\n"
            // Qt's offscreen platform never gives its screen back.
            "leak:libqoffscreen.so\n";
 }

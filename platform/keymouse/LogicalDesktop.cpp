@@ -5,7 +5,7 @@
 
 void LogicalDesktop::watch()
 {
-    QGuiApplication *app = qGuiApp;
+    auto *app = qobject_cast<QGuiApplication *>(QCoreApplication::instance()); // a console program has another kind
     if (!app)
         return;
     {

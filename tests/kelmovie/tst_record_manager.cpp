@@ -168,11 +168,11 @@ void TestRecordManager::ticksReachTheTrackOnlyWhileRecording()
     m_manager->pauseRecording();
     m_manager->stopRecording();
     m_manager->tick(40);
-    m_manager->releaseResources();
-    QStringList calls = track->calls(0);
-    calls.removeAll("frame 0"); // unless it was refused: the start may still be unheard
-    QCOMPARE(calls, (QStringList{"start", "checkpoint 0", "pause", "checkpoint 1", "start", "checkpoint 1", "pause",
-                                 "checkpoint 1", "stop 1 40"}));
+    QTRY_VERIFY(track->calls(0).contains("stop 1 40"));
+    // A worker that is behind gets no frame and no checkpoint, but all of these.
+    const QStringList calls = track->calls(0).filter(QRegularExpression("^(start|pause|stop)"));
+    QCOMPARE(calls, (QStringList{"start", "pause", "start", "pause", "stop 1 40"}));
+    QVERIFY(!track->calls(0).contains("frame 1"));
 }
 
 void TestRecordManager::sidesBecomeEven()
@@ -223,6 +223,8 @@ void TestRecordManager::logsAWholeRecording()
     m_manager->releaseResources();
     QStringList lines = log.take();
     lines.replaceInStrings(QRegularExpression("0x[0-9a-f]+"), "ADDRESS");
+    // Whether there was anything to wait for depends on the worker's speed.
+    lines.removeAll("W [KelRecordTrackThreadWrap] 线程已空闲");
     QCOMPARE(lines, (QStringList{
                         "W [KelRecordTrackManager::stopRecording]",
                         "W [KelRecordTrackManager]",

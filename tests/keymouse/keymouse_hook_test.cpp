@@ -7,6 +7,7 @@
 #include <atomic>
 #include <future>
 #include <memory>
+#include <mutex>
 
 namespace
 {
@@ -15,9 +16,17 @@ namespace
 class ScriptedSource : public KeyMouseEventSource
 {
 public:
-    void update() override { kinds.append(KeyMouseHub::instance().wantedKinds()); }
+    /// Several threads may install hooks at once.
+    void update() override
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        kinds.append(KeyMouseHub::instance().wantedKinds());
+    }
 
     QVector<int> kinds;
+
+private:
+    std::mutex m_mutex;
 };
 
 void sendKey(int key, int state = 1)

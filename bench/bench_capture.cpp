@@ -1,5 +1,6 @@
 // kel_bench_capture: what it costs to look at the screen that $DISPLAY names (1920x1080 or larger).
 // Prints one "name<TAB>value<TAB>unit" a line; medians.
+#include "Figure.h"
 #include "screen/KelScreenManager.h"
 #include "support/X11Painter.h"
 
@@ -45,11 +46,6 @@ double idleSharePercent(KelScreenStreamer &streamer)
     return 100.0 * double(std::clock() - start) / CLOCKS_PER_SEC / (ticks / 60.0);
 }
 
-void print(const char *name, double value, const char *unit)
-{
-    std::printf("%s\t%.4f\t%s\n", name, value, unit);
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -76,55 +72,55 @@ int main(int argc, char *argv[])
         image.fill(Qt::black);
     };
 
-    print("capture 1920x1080, image new", medianMs(100, forget, capture), "ms");
-    print("capture 1920x1080, all changed",
-          medianMs(
-              100, [&] { draw(1, screenRect.size()); }, capture),
-          "ms");
-    print("capture 1 change of 64x20",
-          medianMs(
-              500,
-              [&] {
-                  draw(1, {64, 20});
-              },
-              capture),
-          "ms");
-    print("capture 64 changes of 64x20",
-          medianMs(
-              200,
-              [&] {
-                  draw(64, {64, 20});
-              },
-              capture),
-          "ms");
-    print("capture 400 changes of 64x20",
-          medianMs(
-              200,
-              [&] {
-                  draw(400, {64, 20});
-              },
-              capture),
-          "ms");
-    print("capture 640x360 changed",
-          medianMs(
-              200,
-              [&] {
-                  draw(1, {640, 360});
-              },
-              capture),
-          "ms");
+    printFigure("capture 1920x1080, image new", medianMs(100, forget, capture), "ms");
+    printFigure("capture 1920x1080, all changed",
+                medianMs(
+                    100, [&] { draw(1, screenRect.size()); }, capture),
+                "ms");
+    printFigure("capture 1 change of 64x20",
+                medianMs(
+                    500,
+                    [&] {
+                        draw(1, {64, 20});
+                    },
+                    capture),
+                "ms");
+    printFigure("capture 64 changes of 64x20",
+                medianMs(
+                    200,
+                    [&] {
+                        draw(64, {64, 20});
+                    },
+                    capture),
+                "ms");
+    printFigure("capture 400 changes of 64x20",
+                medianMs(
+                    200,
+                    [&] {
+                        draw(400, {64, 20});
+                    },
+                    capture),
+                "ms");
+    printFigure("capture 640x360 changed",
+                medianMs(
+                    200,
+                    [&] {
+                        draw(1, {640, 360});
+                    },
+                    capture),
+                "ms");
     const auto ask = [&] { streamer->hasFrameChanged(); };
-    print("question, nothing changed",
-          medianMs(
-              10000, [] {}, ask) *
-              1000,
-          "us");
+    printFigure("question, nothing changed",
+                medianMs(
+                    10000, [] {}, ask) *
+                    1000,
+                "us");
     const auto drawUnasked = [&] {
         painter.fill(painter.root(), {0, 0, 64, 20}, color++);
         painter.sync();
     };
-    print("question, something changed", medianMs(1000, drawUnasked, ask) * 1000, "us");
+    printFigure("question, something changed", medianMs(1000, drawUnasked, ask) * 1000, "us");
     capture();
-    print("still screen at 60 questions a second", idleSharePercent(*streamer), "% of a core");
+    printFigure("still screen at 60 questions a second", idleSharePercent(*streamer), "% of a core");
     return 0;
 }

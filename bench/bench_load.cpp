@@ -1,5 +1,6 @@
 // Loading and exporting recordings: prints lines of name, value and unit, separated by tabs.
 
+#include "Figure.h"
 #include "avcodec/KelAVCodecEncoder.h"
 #include "avcodec/KelAsyncEncoder.h"
 #include "playback/KelExportSeams.h"
@@ -15,7 +16,6 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QTemporaryDir>
-#include <QTextStream>
 
 #include <thread>
 #include <vector>
@@ -26,11 +26,6 @@ namespace
 constexpr int kVideoFrames = 120;
 constexpr int kFps = 30;
 const QSize kSize(1280, 720);
-
-void print(const QString &name, double value, const QString &unit)
-{
-    QTextStream(stdout) << name << '\t' << value << '\t' << unit << '\n';
-}
 
 /// A page of text that scrolls, with a bar that moves.
 QImage makePicture(int number)
@@ -85,7 +80,7 @@ void measureLoading(const QString &dir)
     QElapsedTimer timer;
     timer.start();
     const KelPlaybackTrackManager manager(dir, false);
-    print("load_million", double(timer.nsecsElapsed()) / 1e6, "ms");
+    printFigure("load_million", double(timer.nsecsElapsed()) / 1e6, "ms");
 }
 
 void measureExport(const QString &dir, const QString &name, int format)
@@ -99,7 +94,7 @@ void measureExport(const QString &dir, const QString &name, int format)
         QPainter painter(&pictures[i]);
         manager.paint(&painter);
     }
-    print("export_" + name + "_decode_and_paint", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
+    printFigure("export_" + name + "_decode_and_paint", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
 
     timer.restart();
     const auto encoder = KelExportSeams::real().createEncoder(format, kSize, dir + "/alone", kFps, 90);
@@ -107,7 +102,7 @@ void measureExport(const QString &dir, const QString &name, int format)
         encoder->addFrame(quint64(i), pictures[i]);
     if (!encoder->close())
         qFatal("%s", qPrintable(encoder->errorString()));
-    print("export_" + name + "_encoder_alone", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
+    printFigure("export_" + name + "_encoder_alone", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
 
     timer.restart();
     KelExportRequest request;
@@ -118,7 +113,7 @@ void measureExport(const QString &dir, const QString &name, int format)
     KelExportPipeline pipeline(request);
     if (!pipeline.run())
         qFatal("%s", qPrintable(pipeline.errorString()));
-    print("export_" + name + "_pipeline", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
+    printFigure("export_" + name + "_pipeline", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Stepping and seeking in a long recording: prints lines of name, value and unit, separated by tabs.
 // Usage: kel_bench_seek [RECORDING.mp4]. Without a file it makes an hour of a desktop at work, about 8 GB in TMPDIR.
 
+#include "Figure.h"
 #include "SceneRenderer.h"
 #include "avcodec/AvHandles.h"
 #include "avcodec/KelAsyncEncoder.h"
@@ -12,7 +13,6 @@
 #include <QPainter>
 #include <QStorageInfo>
 #include <QTemporaryDir>
-#include <QTextStream>
 
 #include <algorithm>
 #include <chrono>
@@ -29,11 +29,6 @@ constexpr int kSceneFrames = 20 * kFps;
 constexpr int kHourFrames = 3600 * kFps;
 constexpr int kSeeks = 400;
 constexpr int kSteps = 600;
-
-void print(const QString &name, double value, const QString &unit)
-{
-    QTextStream(stdout) << name << '\t' << value << '\t' << unit << '\n';
-}
 
 void check(int result, const char *what)
 {
@@ -141,9 +136,9 @@ void measureSeeking(h264Decoder &decoder)
     for (int i = 0; i < kSeeks; ++i)
         times.push_back(msFor(decoder, anyFrame(random)));
     std::sort(times.begin(), times.end());
-    print("seek_random_median", times[kSeeks / 2], "ms");
-    print("seek_random_p95", times[kSeeks * 95 / 100], "ms");
-    print("seek_random_max", times.back(), "ms");
+    printFigure("seek_random_median", times[kSeeks / 2], "ms");
+    printFigure("seek_random_p95", times[kSeeks * 95 / 100], "ms");
+    printFigure("seek_random_max", times.back(), "ms");
 }
 
 void measureStepping(h264Decoder &decoder, const QString &name, int first, int step, int count)
@@ -152,8 +147,8 @@ void measureStepping(h264Decoder &decoder, const QString &name, int first, int s
     double ms = 0;
     for (int i = 0; i < count; ++i)
         ms += msFor(decoder, first + i * step);
-    print("step_" + name, count * 1000 / ms, "frames/s");
-    print("step_" + name + "_decoded", double(decoder.decodedFrames() - decodedBefore) / count, "frames/step");
+    printFigure("step_" + name, count * 1000 / ms, "frames/s");
+    printFigure("step_" + name + "_decoded", double(decoder.decodedFrames() - decodedBefore) / count, "frames/step");
 }
 
 } // namespace
@@ -170,9 +165,9 @@ int main(int argc, char **argv)
     QElapsedTimer timer;
     timer.start();
     h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
-    print("seek_open", double(timer.nsecsElapsed()) / 1e6, "ms");
+    printFigure("seek_open", double(timer.nsecsElapsed()) / 1e6, "ms");
     const int frames = decoder.getFrameCount();
-    print("seek_frames", frames, "frames");
+    printFigure("seek_frames", frames, "frames");
     if (frames == 0)
         return 1;
     measureSeeking(decoder);

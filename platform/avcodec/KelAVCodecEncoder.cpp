@@ -1,1 +1,0 @@
-#include "avcodec/KelAVCodecEncoder.h"

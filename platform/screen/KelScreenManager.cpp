@@ -2,6 +2,13 @@
 
 #include "screen/NativeScreenBackend.h"
 
+#include <algorithm>
+
+std::unique_ptr<KelCursorSource> KelScreenBackend::createCursorSource(const QRect &)
+{
+    return nullptr;
+}
+
 KelScreenManager::KelScreenManager()
     : m_backend(createNativeScreenBackend())
 {
@@ -20,6 +27,23 @@ KelScreenStreamer *KelScreenManager::createScreenStreamer(const QRect &rect)
     return m_backend->createStreamer(rect).release();
 }
 
+std::shared_ptr<KelCursorSource> KelScreenManager::cursorSource(const QRect &rect)
+{
+    const std::lock_guard<std::mutex> lock(m_cursorMutex);
+    auto &sources = m_cursorSources;
+    for (const auto &known : sources) {
+        auto source = known.first == rect ? known.second.lock() : nullptr;
+        if (source)
+            return source;
+    }
+    sources.erase(std::remove_if(sources.begin(), sources.end(), [](const auto &one) { return one.second.expired(); }),
+                  sources.end());
+    std::shared_ptr<KelCursorSource> source = m_backend->createCursorSource(rect);
+    if (source)
+        sources.emplace_back(rect, source);
+    return source;
+}
+
 QString KelScreenManager::errorString() const
 {
     return m_backend->errorString();
@@ -27,5 +51,9 @@ QString KelScreenManager::errorString() const
 
 void KelScreenManager::setBackend(std::unique_ptr<KelScreenBackend> backend)
 {
+    {
+        const std::lock_guard<std::mutex> lock(m_cursorMutex);
+        m_cursorSources.clear();
+    }
     m_backend = backend ? std::move(backend) : createNativeScreenBackend();
 }

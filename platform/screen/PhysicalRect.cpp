@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-QRect physicalRect(const QRect &rect)
+ScreenScale screenScale(const QRect &rect)
 {
     // The choice must be the one of getDevicePixelRatio(), from which callers know the size that they will get.
     const QScreen *best = QGuiApplication::primaryScreen();
@@ -18,14 +18,18 @@ QRect physicalRect(const QRect &rect)
             bestArea = area;
         }
     }
-    // Qt scales a screen around its top-left corner, which is the same in logical and in physical pixels.
-    return best ? physicalRect(rect, best->geometry().topLeft(), best->devicePixelRatio()) : rect;
+    return best ? ScreenScale{best->geometry().topLeft(), best->devicePixelRatio()} : ScreenScale{};
 }
 
-QRect physicalRect(const QRect &rect, const QPoint &origin, double ratio)
+QRect physicalRect(const QRect &rect)
 {
-    const auto scaled = [ratio](int length) { return int(std::lround(length * ratio)); };
-    const QPoint offset = rect.topLeft() - origin;
-    return {origin + QPoint(scaled(offset.x()), scaled(offset.y())),
+    return physicalRect(rect, screenScale(rect));
+}
+
+QRect physicalRect(const QRect &rect, const ScreenScale &scale)
+{
+    const auto scaled = [&scale](int length) { return int(std::lround(length * scale.ratio)); };
+    const QPoint offset = rect.topLeft() - scale.origin;
+    return {scale.origin + QPoint(scaled(offset.x()), scaled(offset.y())),
             QSize(scaled(rect.width()), scaled(rect.height()))};
 }

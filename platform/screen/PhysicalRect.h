@@ -3,10 +3,22 @@
 #include <QPoint>
 #include <QRect>
 
-/// The physical pixels that `rect` (logical pixels of the desktop) covers, as the screen that holds most of it maps
-/// them; unchanged where there is no QGuiApplication. GUI thread.
+/// How a screen's logical pixels lie on the system's physical ones.
+struct ScreenScale {
+    QPoint origin;      ///< the screen's top-left corner, which is the same in both
+    double ratio = 1.0; ///< physical pixels to a logical one
+
+    /// A position, rounded as Qt rounds those of its pointer events.
+    QPoint toLogical(const QPoint &physical) const { return origin + (physical - origin) / ratio; }
+};
+
+/// The scale of the screen that holds most of `rect` (logical pixels of the desktop); 1 where there is no
+/// QGuiApplication. GUI thread.
+ScreenScale screenScale(const QRect &rect);
+
+/// The physical pixels that `rect` covers on the screen that holds most of it. GUI thread.
 QRect physicalRect(const QRect &rect);
 
-/// The same for a screen whose top-left corner is `origin` and that has `ratio` physical pixels to a logical one.
-/// Width and height are rounded one by one, half away from zero, so that a size does not depend on the position.
-QRect physicalRect(const QRect &rect, const QPoint &origin, double ratio);
+/// The same for a given scale. Width and height are rounded one by one, half away from zero, so that a size does not
+/// depend on the position.
+QRect physicalRect(const QRect &rect, const ScreenScale &scale);

@@ -87,7 +87,7 @@ private slots:
         QFETCH(QPoint, origin);
         QFETCH(double, ratio);
         QFETCH(QRect, physical);
-        QCOMPARE(physicalRect(logical, origin, ratio), physical);
+        QCOMPARE(physicalRect(logical, {origin, ratio}), physical);
     }
 
     void capturesPhysicalPixels_data()

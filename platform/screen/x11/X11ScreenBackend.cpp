@@ -3,6 +3,7 @@
 #include "screen/FailedScreenStreamer.h"
 #include "screen/NativeScreenBackend.h"
 #include "screen/PhysicalRect.h"
+#include "screen/x11/X11CursorSource.h"
 #include "screen/x11/X11ScreenStreamer.h"
 #include "screen/x11/XcbConnection.h"
 
@@ -62,4 +63,9 @@ QString X11ScreenBackend::errorString() const
 std::unique_ptr<KelScreenStreamer> X11ScreenBackend::createStreamer(const QRect &rect)
 {
     return streamerFor(physicalRect(rect));
+}
+
+std::unique_ptr<KelCursorSource> X11ScreenBackend::createCursorSource(const QRect &rect)
+{
+    return std::make_unique<X11CursorSource>(screenScale(rect));
 }

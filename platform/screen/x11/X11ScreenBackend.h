@@ -2,10 +2,11 @@
 
 #include "screen/KelScreenManager.h"
 
-/// Captures the root window of the X screen that $DISPLAY names.
+/// Captures the root window and the pointer of the X screen that $DISPLAY names.
 class X11ScreenBackend final : public KelScreenBackend
 {
 public:
     QString errorString() const override;
     std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override;
+    std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect) override;
 };

@@ -1,0 +1,132 @@
+#include "screen/x11/X11CursorSource.h"
+
+#include <QCryptographicHash>
+#include <QImage>
+#include <QtDebug>
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+
+// An animated pointer has a shape for each of its pictures; more than this many are a program that makes ever new ones.
+constexpr int maxShapes = 64;
+
+// 64 bits of the digest tell the few shapes of a recording apart and keep its files short.
+constexpr int typeBytes = 8;
+
+QByteArray typeOf(const QImage &image, const QPoint &hotspot)
+{
+    const qint32 header[] = {image.width(), image.height(), hotspot.x(), hotspot.y()};
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    hash.addData(reinterpret_cast<const char *>(header), sizeof header);
+    hash.addData(reinterpret_cast<const char *>(image.constBits()), int(image.sizeInBytes()));
+    return hash.result().left(typeBytes).toHex();
+}
+
+/// A client may have sent colours that are stronger than their opacity, which premultiplied pixels cannot be.
+QRgb premultiplied(uint32_t pixel)
+{
+    const int alpha = qAlpha(pixel);
+    return qRgba(std::min(qRed(pixel), alpha), std::min(qGreen(pixel), alpha), std::min(qBlue(pixel), alpha), alpha);
+}
+
+KelCursorShape shapeOf(const xcb_xfixes_get_cursor_image_reply_t *reply, double ratio)
+{
+    const uint32_t *pixels = xcb_xfixes_get_cursor_image_cursor_image(reply);
+    const int count = xcb_xfixes_get_cursor_image_cursor_image_length(reply);
+    QImage image(reply->width, reply->height, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull() || count != reply->width * reply->height ||
+        std::none_of(pixels, pixels + count, [](uint32_t pixel) { return qAlpha(pixel) > 0; }))
+        return {};
+    std::transform(pixels, pixels + count, reinterpret_cast<QRgb *>(image.bits()), premultiplied);
+    image.setDevicePixelRatio(ratio);
+    const QPoint hotspot(reply->xhot, reply->yhot);
+    return {QString::fromLatin1(typeOf(image, hotspot)), QPixmap::fromImage(image), hotspot};
+}
+
+} // namespace
+
+X11CursorSource::X11CursorSource(const ScreenScale &scale)
+    : m_scale(scale)
+{
+    if (!watchShapes()) {
+        m_shapeNotice = 0;
+        qWarning("[KelCursorPixmap] the pointer cannot be seen: %s", m_connection.isOpen()
+                                                                         ? "the X server has no XFIXES extension"
+                                                                         : "there is no connection to an X server");
+    }
+}
+
+bool X11CursorSource::watchShapes()
+{
+    if (!m_connection.isOpen() || !m_connection.screen())
+        return false;
+    const auto *extension = xcb_get_extension_data(m_connection, &xcb_xfixes_id);
+    if (!extension || !extension->present)
+        return false;
+    // A server answers to no other request of the extension before it was told the version.
+    if (!m_connection.await<xcb_xfixes_query_version_reply_t>(xcb_xfixes_query_version(m_connection, 2, 0)))
+        return false;
+    m_shapeNotice = extension->first_event + XCB_XFIXES_CURSOR_NOTIFY;
+    return m_connection.check(xcb_xfixes_select_cursor_input_checked(m_connection, m_connection.screen()->root,
+                                                                     XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR));
+}
+
+KelCursorPixmap X11CursorSource::read()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_shapeNotice == 0)
+        return {};
+    if (m_connection.isStalled())
+        return withoutAnswer();
+    const auto pointer =
+        m_connection.await<xcb_query_pointer_reply_t>(xcb_query_pointer(m_connection, m_connection.screen()->root));
+    if (!pointer)
+        return withoutAnswer();
+    takeNotices(); // those that came before the answer
+    const KelCursorShape *shape = currentShape();
+    if (!shape)
+        return withoutAnswer();
+    const bool isVisible = pointer->same_screen && !shape->type.isEmpty();
+    m_last =
+        isVisible ? KelCursorPixmap(m_scale.toLogical({pointer->root_x, pointer->root_y}), *shape) : KelCursorPixmap();
+    return m_last;
+}
+
+void X11CursorSource::takeNotices()
+{
+    while (const auto event = m_connection.nextEvent()) {
+        if ((event->response_type & 0x7f) == m_shapeNotice)
+            m_serial = reinterpret_cast<const xcb_xfixes_cursor_notify_event_t *>(event.get())->cursor_serial;
+    }
+}
+
+/// Null when the server does not answer.
+const KelCursorShape *X11CursorSource::currentShape()
+{
+    const auto known = m_shapes.constFind(m_serial);
+    if (known != m_shapes.constEnd())
+        return &*known;
+    const auto reply =
+        m_connection.await<xcb_xfixes_get_cursor_image_reply_t>(xcb_xfixes_get_cursor_image(m_connection));
+    if (!reply && (m_connection.isStalled() || !m_connection.isOpen()))
+        return nullptr;
+    if (m_shapes.size() >= maxShapes)
+        m_shapes.clear();
+    if (reply)
+        m_serial = reply->cursor_serial;
+    // The server refuses where there is no pointer at all, until it says otherwise.
+    return &*m_shapes.insert(m_serial, reply ? shapeOf(reply.get(), m_scale.ratio) : KelCursorShape());
+}
+
+/// A server that hangs shows what it showed; one that is gone shows nothing.
+KelCursorPixmap X11CursorSource::withoutAnswer()
+{
+    if (m_connection.isOpen())
+        return m_last;
+    qWarning("[KelCursorPixmap] the pointer cannot be seen any more: the connection to the X server is lost");
+    m_shapeNotice = 0;
+    return {};
+}

@@ -1,5 +1,6 @@
 #include "playback/KelPlaybackTrackManager.h"
 
+#include "playback/KelPlaybackMouseTrack.h"
 #include "playback/KelPlaybackScreenTrack.h"
 #include "playback/KelPlaybackSeams.h"
 #include "playback/PlaybackClock.h"
@@ -42,6 +43,7 @@ public:
 
     void createTracks();
     void createScreenTrack();
+    void createMouseTrack();
     void decideFrameCount();
     bool holds(int frame) const { return frame >= 0 && frame < totalFrames; }
     bool isJump(int frame) const;
@@ -55,6 +57,7 @@ public:
     QTimer timer;
     std::vector<std::unique_ptr<KelPlaybackTrack>> tracks; // in painting order
     KelPlaybackScreenTrack *screenTrack = nullptr;         // the one in tracks
+    KelPlaybackMouseTrack *mouseTrack = nullptr;           // the one in tracks
     State state = Stopped;
     const QString recordDir;
     KelRecordingMetadata metadata;
@@ -72,6 +75,8 @@ void KelPlaybackTrackManager::Private::createTracks()
 {
     if (metadata.screenTrack)
         createScreenTrack();
+    if (metadata.mouseTrack)
+        createMouseTrack();
     decideFrameCount();
 }
 
@@ -91,6 +96,19 @@ void KelPlaybackTrackManager::Private::createScreenTrack()
         return;
     }
     screenTrack = track.get();
+    tracks.push_back(std::move(track));
+}
+
+void KelPlaybackTrackManager::Private::createMouseTrack()
+{
+    const QString dir = recordDir + "/Mouse";
+    if (!QFileInfo(dir).isDir()) {
+        qWarning() << "Mouse track enabled but directory not found:" << dir;
+        return;
+    }
+    auto track = std::make_unique<KelPlaybackMouseTrack>(dir, q);
+    track->setEffectScale(metadata.pixelRatio);
+    mouseTrack = track.get();
     tracks.push_back(std::move(track));
 }
 
@@ -149,6 +167,8 @@ void KelPlaybackTrackManager::Private::endPlay()
 {
     timer.stop();
     state = Stopped;
+    if (mouseTrack)
+        mouseTrack->resetEffects();
     currentFrame = 0;
     emit q->sigFrameChanged(0);
     emit q->sigPlaybackStopped();
@@ -254,8 +274,10 @@ int KelPlaybackTrackManager::videoFrameCount() const
 QStringList KelPlaybackTrackManager::trackNames() const
 {
     QStringList names;
-    for (const auto &track : d->tracks)
-        names.append(track->name());
+    for (const auto &track : d->tracks) {
+        if (track->errorString().isEmpty())
+            names.append(track->name());
+    }
     return names;
 }
 
@@ -279,6 +301,8 @@ void KelPlaybackTrackManager::pause()
         return;
     d->timer.stop();
     d->state = Paused;
+    if (d->mouseTrack)
+        d->mouseTrack->resetEffects();
     emit sigPlaybackPaused();
 }
 

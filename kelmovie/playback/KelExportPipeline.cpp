@@ -55,6 +55,7 @@ public:
     QPointer<KelPlaybackTrackManager> manager; // a monitor that handles events may let the user close the recording
     int reportedPercent = -1;
     bool cancelled = false;
+    Failure failure = Failure::None;
     QString errorString;
 };
 
@@ -87,6 +88,7 @@ bool KelExportPipeline::Private::fail(const QString &text, const QString &detail
 bool KelExportPipeline::Private::runExport()
 {
     report(0);
+    failure = Failure::Video; // until that step is done
     if (isCancelled())
         return false;
     const QString problem = requestProblem();
@@ -106,6 +108,7 @@ bool KelExportPipeline::Private::runExport()
     if (!exportFrames(video) || isCancelled())
         return false;
     report(kVideoPercent);
+    failure = Failure::Sound;
     if (!placeVideo(video))
         return false;
     report(100);
@@ -247,10 +250,15 @@ KelExportPipeline::~KelExportPipeline() = default;
 bool KelExportPipeline::run()
 {
     try {
-        return d->runExport();
+        const bool isComplete = d->runExport();
+        if (isComplete || d->cancelled)
+            d->failure = Failure::None;
+        return isComplete;
     } catch (const std::exception &problem) {
+        d->failure = Failure::Exception;
         return d->fail(QString("An error occurred during export: %1").arg(problem.what()));
     } catch (...) {
+        d->failure = Failure::Exception;
         return d->fail("An unknown error occurred during export");
     }
 }
@@ -258,4 +266,9 @@ bool KelExportPipeline::run()
 QString KelExportPipeline::errorString() const
 {
     return d->errorString;
+}
+
+KelExportPipeline::Failure KelExportPipeline::failure() const
+{
+    return d->failure;
 }

@@ -39,7 +39,12 @@ public:
     /// Once. False on failure (errorString() tells) and on cancel (errorString() is empty).
     bool run();
 
+    /// What went wrong, in English, with all that is known.
     QString errorString() const;
+
+    /// Where the export came to an end before its time.
+    enum class Failure { None, Video, Sound, Exception };
+    Failure failure() const;
 
 private:
     class Private;

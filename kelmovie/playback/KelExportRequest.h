@@ -17,7 +17,7 @@ struct KelExportRequest {
     KelPlaybackTrackManager *playbackManager = nullptr; ///< not owned; must outlive the export
     int trimStartMs = -1;                               ///< range in recording time, used when both ends are 0 or more
     int trimEndMs = -1;
-    bool fromRecording = false;       ///< started right after a recording
-    bool autoExitAfterEncode = false; ///< the setting encodeExitRecordAfterEncode
-    std::function<void()> onExitRecord;
+    bool fromRecording = false;             ///< started right after a recording
+    bool autoExitAfterEncode = false;       ///< the setting encodeExitRecordAfterEncode
+    std::function<void(bool)> onExitRecord; ///< told when the user changes that setting; may be empty
 };

@@ -1,5 +1,6 @@
 #include "record/KelMultiTrackRecorder.h"
 
+#include "config/KelConfigIO.h"
 #include "config/KelMovieConfig.h"
 #include "playback/KelExportPipeline.h"
 #include "playback/KelPlaybackTrackManager.h"
@@ -7,11 +8,43 @@
 #include "record/KelRecordingDirectory.h"
 #include "record/KelRecordingMetadata.h"
 #include "screen/KelScreenManager.h"
+#include "ui/KelPlaybackExportDialog.h"
 
+#include <QApplication>
 #include <QDebug>
 #include <QVariant>
 
 #include <exception>
+
+namespace
+{
+
+void saveExitRecordAfterEncode(bool on)
+{
+    gKelMovieConfig.encodeExitRecordAfterEncode = on;
+    if (gKelMovieConfigIO)
+        gKelMovieConfigIO->saveBool(QStringLiteral("KelMovie.encode.exitRecordAfterEncode"), on);
+}
+
+enum class ExportResult { Complete, Cancelled, Failed };
+
+/// In a dialog where the program has windows, else without a word until it is done.
+ExportResult exportAsRequested(const KelExportRequest &request)
+{
+    if (qobject_cast<QApplication *>(QCoreApplication::instance())) {
+        bool cancelled = false;
+        if (KelPlaybackExportDialog::run(request, QApplication::activeWindow(), &cancelled))
+            return ExportResult::Complete;
+        return cancelled ? ExportResult::Cancelled : ExportResult::Failed;
+    }
+    KelExportPipeline pipeline(request);
+    if (pipeline.run())
+        return ExportResult::Complete;
+    qWarning().noquote() << "[KelMultiTrackRecorder] Export failed:" << pipeline.errorString();
+    return ExportResult::Failed;
+}
+
+} // namespace
 
 class KelMultiTrackRecorder::Private
 {
@@ -252,12 +285,12 @@ bool KelMultiTrackRecorder::runExport(KelExportRequest request, const QString &f
     }
     request.playbackManager = d->playbackManager.get();
     request.speed = d->playbackManager->speed();
-    KelExportPipeline pipeline(request);
-    if (pipeline.run())
-        return true;
-    qWarning().noquote() << "[KelMultiTrackRecorder] Export failed:" << pipeline.errorString();
-    reportError(failure);
-    return false;
+    request.autoExitAfterEncode = gKelMovieConfig.encodeExitRecordAfterEncode;
+    request.onExitRecord = saveExitRecordAfterEncode;
+    const ExportResult result = exportAsRequested(request);
+    if (result == ExportResult::Failed)
+        reportError(failure);
+    return result == ExportResult::Complete;
 }
 
 QString KelMultiTrackRecorder::lastError() const

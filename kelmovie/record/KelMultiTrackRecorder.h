@@ -74,7 +74,8 @@ public:
     KelPlaybackTrackManager *playbackManager() const;
 
     /// Exports the loaded recording at its playback speed with 25 frames a second. Formats: 0 MP4, 1 GIF, 2 APNG,
-    /// 3 WebP. Returns when the file is complete; false on failure.
+    /// 3 WebP. Runs in a modal dialog where the program has a QApplication. Returns when the file is complete; false on
+    /// failure and when the user cancelled.
     bool exportToVideo(const QString &path, int format);
 
     /// exportToVideo() as GIF. The second argument is ignored.

@@ -7,12 +7,15 @@
 
 #include "support/LogCapture.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtTest>
 
 #include <optional>
@@ -370,6 +373,12 @@ void TestRecorder::uselessRecordingCannotBeExported()
     KelMultiTrackRecorder *recorder = createRecorder();
     QVERIFY(recorder->loadRecording(m_dir->filePath("nowhere")));
     QVERIFY(recorder->playbackManager());
+    QTimer closer; // of the message boxes
+    connect(&closer, &QTimer::timeout, this, [] {
+        if (QWidget *box = QApplication::activeModalWidget(); qobject_cast<QMessageBox *>(box))
+            box->close();
+    });
+    closer.start(5);
     QVERIFY(!recorder->exportToVideo(m_dir->filePath("a.mp4"), 0));
     QVERIFY(!recorder->exportToGif(m_dir->filePath("a.gif"), 50));
     QVERIFY(!recorder->exportToVideoWithTrim(m_dir->filePath("a.mp4"), 0, 0, 1000, 0, 25));

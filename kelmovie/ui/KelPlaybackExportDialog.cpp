@@ -1,0 +1,155 @@
+#include "ui/KelPlaybackExportDialog.h"
+
+#include "notification/KelMsgBox.h"
+#include "notification/KelToastsMessage.h"
+#include "playback/KelExportSeams.h"
+#include "ui_KelPlaybackExportDialog.h"
+
+#include <QApplication>
+#include <QTimer>
+
+namespace
+{
+
+// Between two looks at the mouse: short enough for a button to feel alive, long enough to cost nothing.
+constexpr int kEventIntervalMs = 20;
+constexpr int kToastMs = 3000;
+
+} // namespace
+
+KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request, QWidget *parent)
+    : KelPlaybackExportDialog(request, KelExportSeams::real(), parent)
+{
+}
+
+KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request, const KelExportSeams &seams,
+                                                 QWidget *parent)
+    : QDialog(parent)
+    , m_ui(std::make_unique<Ui::KelPlaybackExportDialog>())
+    , m_request(request)
+    , m_pipeline(m_request, this, seams)
+{
+    m_ui->setupUi(this);
+    setWindowTitle(tr("Exporting..."));
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    m_ui->stackedWidget->setCurrentWidget(m_ui->pageExporting);
+    m_ui->progressBar->setValue(0);
+    m_ui->progressBarComplete->setValue(100);
+    connect(m_ui->btnMinimize, &QPushButton::clicked, this, &KelPlaybackExportDialog::minimizeApplication);
+    connect(m_ui->btnCancel, &QPushButton::clicked, this, &KelPlaybackExportDialog::reject);
+    connect(m_ui->btnExitRecord, &QPushButton::clicked, this, [this] {
+        m_exitRecord = true;
+        accept();
+    });
+    connect(m_ui->btnComplete, &QPushButton::clicked, this, [this] {
+        m_exitRecord = m_ui->cboxAutoExit->isChecked();
+        tellAutoExit(m_exitRecord);
+        accept();
+    });
+}
+
+KelPlaybackExportDialog::~KelPlaybackExportDialog() = default;
+
+bool KelPlaybackExportDialog::run(const KelExportRequest &request, QWidget *parent, bool *cancelled)
+{
+    KelPlaybackExportDialog dialog(request, parent);
+    const bool isAccepted = dialog.exec() == Accepted;
+    if (cancelled)
+        *cancelled = dialog.m_cancelled;
+    return isAccepted;
+}
+
+int KelPlaybackExportDialog::exec()
+{
+    QTimer::singleShot(0, this, &KelPlaybackExportDialog::runExport);
+    return QDialog::exec();
+}
+
+void KelPlaybackExportDialog::reject()
+{
+    if (m_isComplete) {
+        accept();
+        return;
+    }
+    m_cancelled = true;
+    QDialog::reject();
+}
+
+void KelPlaybackExportDialog::exportProgress(int percent)
+{
+    m_ui->progressBar->setValue(percent);
+}
+
+bool KelPlaybackExportDialog::isExportCancelled()
+{
+    if (!m_sinceEvents.isValid() || m_sinceEvents.hasExpired(kEventIntervalMs)) {
+        QCoreApplication::processEvents();
+        m_sinceEvents.start();
+    }
+    return m_cancelled;
+}
+
+void KelPlaybackExportDialog::runExport()
+{
+    if (!m_pipeline.run()) {
+        if (!m_cancelled)
+            tellFailure();
+        QDialog::reject();
+        return;
+    }
+    m_isComplete = true;
+    const bool exitsByItself = m_request.fromRecording && m_request.autoExitAfterEncode;
+    if (exitsByItself) {
+        m_exitRecord = true;
+        KelToastsMessage::showMessage(nullptr, KelToastsMessage::Success, tr("Encoding completed."), kToastMs, true,
+                                      false);
+    } else {
+        showCompletePage();
+    }
+    // Only after a recording is there something to decide.
+    if (!m_request.fromRecording || exitsByItself)
+        accept();
+}
+
+void KelPlaybackExportDialog::tellFailure()
+{
+    const QString problem = m_pipeline.errorString();
+    const QString title = tr("Export Error");
+    switch (m_pipeline.failure()) {
+    case KelExportPipeline::Failure::Exception:
+        KelMsgBox::critical(this, title, problem);
+        break;
+    case KelExportPipeline::Failure::Sound:
+        KelMsgBox::critical(this, title, tr("Failed to mix audio and video tracks"), problem);
+        break;
+    case KelExportPipeline::Failure::Video:
+    case KelExportPipeline::Failure::None:
+        KelMsgBox::critical(this, title, tr("Failed to generate video track"), problem);
+        break;
+    }
+}
+
+void KelPlaybackExportDialog::showCompletePage()
+{
+    setWindowTitle(tr("Export Complete"));
+    m_ui->cboxAutoExit->setChecked(m_request.autoExitAfterEncode);
+    m_ui->cboxAutoExit->setVisible(m_request.fromRecording);
+    m_ui->btnExitRecord->setVisible(m_request.fromRecording);
+    connect(m_ui->cboxAutoExit, &QCheckBox::toggled, this, &KelPlaybackExportDialog::tellAutoExit);
+    m_ui->stackedWidget->setCurrentWidget(m_ui->pageComplete);
+    m_ui->btnComplete->setFocus();
+}
+
+void KelPlaybackExportDialog::minimizeApplication()
+{
+    QWidget *window = QApplication::activeWindow() ? QApplication::activeWindow() : this;
+    while (window->parentWidget())
+        window = window->parentWidget();
+    window->showMinimized();
+}
+
+void KelPlaybackExportDialog::tellAutoExit(bool on) const
+{
+    if (m_request.onExitRecord)
+        m_request.onExitRecord(on);
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <KelMovie/KelExportPipeline.h>
+#include <KelMovie/KelExportRequest.h>
+
+#include <QDialog>
+#include <QElapsedTimer>
+
+#include <memory>
+
+struct KelExportSeams;
+
+namespace Ui
+{
+class KelPlaybackExportDialog;
+}
+
+/// The modal dialog in which an export runs: progress, cancel, and after a recording the question whether to leave the
+/// recording mode. Needs a QApplication.
+class KelPlaybackExportDialog : public QDialog, private KelExportMonitor
+{
+    Q_OBJECT
+
+public:
+    explicit KelPlaybackExportDialog(const KelExportRequest &request, QWidget *parent = nullptr);
+    /// The same with other encoders.
+    KelPlaybackExportDialog(const KelExportRequest &request, const KelExportSeams &seams, QWidget *parent);
+    ~KelPlaybackExportDialog() override;
+
+    /// Exports in a dialog of its own. True when the file is complete; what went wrong has been told to the user then.
+    /// `cancelled`, when given, tells whether the user gave up.
+    static bool run(const KelExportRequest &request, QWidget *parent = nullptr, bool *cancelled = nullptr);
+
+    /// The user wants to leave the recording mode, or has said so once for all. Valid after exec().
+    bool exitRecord() const { return m_exitRecord; }
+
+public slots:
+    /// Starts the export and returns when the dialog has closed.
+    int exec() override;
+
+    /// While exporting: cancels. Afterwards the file is there, and closing the dialog takes nothing back.
+    void reject() override;
+
+private:
+    void exportProgress(int percent) override;
+    bool isExportCancelled() override;
+
+    void runExport();
+    void tellFailure();
+    void showCompletePage();
+    void minimizeApplication();
+    void tellAutoExit(bool on) const;
+
+    const std::unique_ptr<Ui::KelPlaybackExportDialog> m_ui;
+    const KelExportRequest m_request;
+    KelExportPipeline m_pipeline;
+    QElapsedTimer m_sinceEvents;
+    bool m_cancelled = false;
+    bool m_isComplete = false;
+    bool m_exitRecord = false;
+};

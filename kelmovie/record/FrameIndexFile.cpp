@@ -1,5 +1,7 @@
 #include "record/FrameIndexFile.h"
 
+#include "record/FileWriting.h"
+
 #include <QDataStream>
 
 namespace
@@ -52,5 +54,5 @@ bool FrameIndexFile::writeAt(qint64 offset, const std::vector<qint64> &numbers)
     stream.setVersion(QDataStream::Qt_5_13);
     for (const qint64 number : numbers)
         stream << qint32(number);
-    return m_file.seek(offset) && m_file.write(bytes) == bytes.size();
+    return m_file.seek(offset) && writeAll(m_file, bytes);
 }

@@ -1,12 +1,11 @@
 #include "record/KelRecordingMetadata.h"
 
+#include "record/FileWriting.h"
+
 #include <QDebug>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include <filesystem>
-#include <system_error>
 
 namespace
 {
@@ -67,11 +66,6 @@ double readRatio(const QJsonValue &value)
 {
     const double ratio = value.toDouble(1.0);
     return ratio >= MinRatio && ratio <= MaxRatio ? ratio : 1.0;
-}
-
-std::filesystem::path nativePath(const QString &path)
-{
-    return std::filesystem::path(path.toStdU16String());
 }
 } // namespace
 
@@ -148,20 +142,5 @@ bool KelRecordingMetadata::load(const QString &recordingDir, KelRecordingMetadat
 
 bool KelRecordingMetadata::save(const QString &recordingDir, QString *error) const
 {
-    const QString target = filePath(recordingDir);
-    QFile file(target + QStringLiteral(".tmp"));
-    file.remove(); // left behind by a crash; NewOnly then follows no link
-    const QByteArray json = toJson();
-    std::error_code failure;
-    if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly) && file.write(json) == json.size() && file.flush()) {
-        file.close();
-        // QFile::rename() does not replace.
-        std::filesystem::rename(nativePath(file.fileName()), nativePath(target), failure);
-        if (!failure)
-            return true;
-    }
-    if (error)
-        *error = failure ? QString::fromLocal8Bit(failure.message().c_str()) : file.errorString();
-    file.remove();
-    return false;
+    return replaceFile(filePath(recordingDir), toJson(), FileAccess::Ordinary, error);
 }

@@ -4,6 +4,8 @@
 #include "config/KelMovieConfig.h"
 #include "playback/KelExportPipeline.h"
 #include "playback/KelPlaybackTrackManager.h"
+#include "record/KelRecordKeyboardTrack.h"
+#include "record/KelRecordMouseTrack.h"
 #include "record/KelRecordTrackManager.h"
 #include "record/KelRecordingDirectory.h"
 #include "record/KelRecordingMetadata.h"
@@ -162,8 +164,11 @@ bool KelMultiTrackRecorder::startRecording()
     QString problem;
     try {
         problem = d->createManager(this);
-        if (problem.isEmpty())
+        if (problem.isEmpty()) {
+            if (KelRecordMouseTrack *track = d->recordManager->mouseTrack())
+                track->setCaptureEnabled(d->config.mouseCaptureEnabled);
             d->recordManager->startRecording();
+        }
     } catch (const std::exception &exception) {
         problem = QString::fromLocal8Bit(exception.what());
     }
@@ -211,18 +216,22 @@ void KelMultiTrackRecorder::stopRecording()
     qInfo() << "[KelMultiTrackRecorder::stopRecording] Completed";
 }
 
-void KelMultiTrackRecorder::setMouseRecordingEnabled(bool)
+void KelMultiTrackRecorder::setMouseRecordingEnabled(bool enabled)
 {
     if (!d->isRecording)
         qWarning() << "KelMultiTrackRecorder: Cannot control mouse recording - not recording";
+    else if (KelRecordMouseTrack *track = d->recordManager->mouseTrack())
+        track->setCaptureEnabled(enabled);
     else
         qWarning() << "KelMultiTrackRecorder: Mouse track not found";
 }
 
-void KelMultiTrackRecorder::setKeyboardRecordingEnabled(bool)
+void KelMultiTrackRecorder::setKeyboardRecordingEnabled(bool enabled)
 {
     if (!d->isRecording)
         qWarning() << "KelMultiTrackRecorder: Cannot control keyboard recording - not recording";
+    else if (KelRecordKeyboardTrack *track = d->recordManager->keyboardTrack())
+        enabled ? track->enableCapture() : track->disableCapture();
     else
         qWarning() << "KelMultiTrackRecorder: Keyboard track not found";
 }

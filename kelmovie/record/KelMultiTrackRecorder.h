@@ -63,7 +63,12 @@ public:
     /// recordingStopped().
     void stopRecording();
 
+    /// Whether buttons and wheel of the mouse are recorded; the pointer is in any case. While recording.
     void setMouseRecordingEnabled(bool enabled);
+
+    /// Whether keys are recorded, while recording and not paused. What is typed while they are off is known to nobody
+    /// afterwards; what was typed before a pause is forgotten when the recording is resumed, which also switches the
+    /// keys on.
     void setKeyboardRecordingEnabled(bool enabled);
 
     /// Loads the recording in `dir` in place of the one loaded before. What the directory lacks is left out:
@@ -94,7 +99,8 @@ signals:
     void recordingPaused();
     void recordingResumed();
 
-    /// An operation failed, or a track of the running recording did; the other tracks go on then. English.
+    /// An operation failed, or a track of the running recording did; the other tracks go on then. English; a track's
+    /// failure begins with its name: "Screen track: ", "Mouse track: ", "Keyboard track: ".
     void recordingError(const QString &error);
 
 private:

@@ -1,5 +1,7 @@
 #include "record/KelRecordTrackManager.h"
 
+#include "record/KelRecordKeyboardTrack.h"
+#include "record/KelRecordMouseTrack.h"
 #include "record/KelRecordScreenTrack.h"
 #include "record/KelRecordTrackThreadWrap.h"
 #include "record/KelRecordingMetadata.h"
@@ -63,6 +65,10 @@ void KelRecordTrackManager::createTracks()
 {
     if (m_config.screen)
         addTrack(new KelRecordScreenTrack(m_recordArea, createTrackDir(QStringLiteral("/Screen")), 0, ScreenQuality));
+    if (m_config.mouse)
+        addTrack(new KelRecordMouseTrack(m_recordArea, createTrackDir(QStringLiteral("/Mouse"))));
+    if (m_config.keyboard)
+        addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(QStringLiteral("/Keyboard"))));
 }
 
 QString KelRecordTrackManager::createTrackDir(const QString &name) const
@@ -169,6 +175,26 @@ void KelRecordTrackManager::releaseResources()
     }
     m_tickCostMs.clear();
     m_instantFps.clear();
+}
+
+template <typename Track>
+Track *KelRecordTrackManager::findTrack() const
+{
+    for (const KelRecordTrackThreadWrap *thread : m_threads) {
+        if (auto *track = qobject_cast<Track *>(thread->track()))
+            return track;
+    }
+    return nullptr;
+}
+
+KelRecordMouseTrack *KelRecordTrackManager::mouseTrack() const
+{
+    return findTrack<KelRecordMouseTrack>();
+}
+
+KelRecordKeyboardTrack *KelRecordTrackManager::keyboardTrack() const
+{
+    return findTrack<KelRecordKeyboardTrack>();
 }
 
 QStringList KelRecordTrackManager::takeFailures()

@@ -10,6 +10,8 @@
 #include <functional>
 #include <mutex>
 
+class KelRecordKeyboardTrack;
+class KelRecordMouseTrack;
 class KelRecordTrack;
 class KelRecordTrackThreadWrap;
 struct KelRecordingMetadata;
@@ -58,6 +60,11 @@ public:
     /// destructor.
     void releaseResources();
 
+    /// Null when the recording has no such track. They live on threads of their own: only their capture switches may be
+    /// used from here.
+    KelRecordMouseTrack *mouseTrack() const;
+    KelRecordKeyboardTrack *keyboardTrack() const;
+
     /// The frames that fit into a recording have been ticked; the clock stands still.
     bool isAtFrameLimit() const { return m_frameIndex >= MaxFrames; }
 
@@ -78,6 +85,8 @@ private slots:
     void onFrameTimeout();
 
 private:
+    template <typename Track>
+    Track *findTrack() const;
     void createTracks();
     QString createTrackDir(const QString &name) const;
     void addFailure(const QString &problem);

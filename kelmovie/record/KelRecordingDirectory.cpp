@@ -38,7 +38,8 @@ void KelRecordingDirectory::discard()
     const QString screenDir = m_path + QStringLiteral("/Screen");
     QFile::remove(screenDir + QStringLiteral("/screen_record.mp4"));
     QFile::remove(screenDir + QStringLiteral("/frame_indexes.dat"));
-    QDir().rmdir(screenDir); // when it is empty now
+    for (const char *entry : Entries)
+        QDir(m_path).rmdir(QLatin1String(entry)); // when it is empty now
     if (m_isNew)
         QDir().rmdir(m_path);
 }

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QFile>
+#include <QString>
+
+#include <vector>
+
+class QJsonObject;
+
+/// A file that holds one JSON array of objects, laid out as QJsonDocument does it, and grows at its end: it is valid
+/// after every call, and a call costs what it appends. One thread at a time.
+class JsonArrayFile
+{
+public:
+    explicit JsonArrayFile(const QString &path);
+
+    /// The first call replaces an earlier file. False when that cannot be written; the file then holds what it held,
+    /// and the objects may be appended later.
+    bool append(const std::vector<QJsonObject> &objects);
+
+    /// A later append() writes the file anew.
+    void close();
+
+    QString path() const { return m_file.fileName(); }
+    QString errorString() const { return m_error; }
+
+private:
+    bool open();
+    bool writeAtEnd(const QByteArray &text);
+
+    QFile m_file;
+    qint64 m_end = 0; // of the last object, or of the opening bracket
+    bool m_isEmpty = true;
+    QString m_error;
+};

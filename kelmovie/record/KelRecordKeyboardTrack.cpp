@@ -1,0 +1,187 @@
+#include "record/KelRecordKeyboardTrack.h"
+
+#include "keymouse/KelKeyMouseHook.h"
+#include "record/KeyLogFile.h"
+
+#include <QDebug>
+#include <QDir>
+
+#include <mutex>
+#include <utility>
+
+/// What the hook's thread, the track's and the GUI thread share.
+///
+/// Removing a hook waits for its callback, which takes the records' lock: the hook is installed and removed under
+/// another one, that keeps these switches in order.
+class KelRecordKeyboardTrackPrivate : public KelKeyMouseHook
+{
+public:
+    KelRecordKeyboardTrackPrivate(const QString &path, const QSize &area)
+        : file(path, area)
+    {
+    }
+    ~KelRecordKeyboardTrackPrivate() override { setHookType(NoKind); }
+
+    void setFrame(int frameIndex);
+    void begin();
+    void end();
+    void switchOn();
+    void switchOff();
+    std::pair<std::size_t, KeyRecords> recordsFor(const KeyLogFile &target);
+    KeyRecords takeRecords();
+
+    KeyLogFile file; // of the track's thread
+
+protected:
+    bool OnKeyboardEvent(KelKeyboardEvent event) override;
+
+private:
+    void add(int key, bool isPressed);
+
+    std::mutex m_switchMutex; // taken before the other
+    std::mutex m_mutex;       // guards what follows; the two flags change only with both held
+    KeyRecords m_records;
+    int m_currentFrame = 0;
+    bool m_isRecording = false;
+    bool m_isHookInstalled = false; // and its keys count
+};
+
+void KelRecordKeyboardTrackPrivate::setFrame(int frameIndex)
+{
+    std::lock_guard lock(m_mutex);
+    m_currentFrame = frameIndex;
+}
+
+void KelRecordKeyboardTrackPrivate::begin()
+{
+    std::lock_guard switches(m_switchMutex);
+    takeRecords();
+    setHookType(Keyboard);
+    std::lock_guard lock(m_mutex);
+    m_isRecording = true;
+    m_isHookInstalled = true;
+}
+
+void KelRecordKeyboardTrackPrivate::end()
+{
+    std::lock_guard switches(m_switchMutex);
+    {
+        std::lock_guard lock(m_mutex);
+        m_isRecording = false;
+        m_isHookInstalled = false;
+    }
+    setHookType(NoKind);
+}
+
+void KelRecordKeyboardTrackPrivate::switchOn()
+{
+    std::lock_guard switches(m_switchMutex);
+    if (!m_isRecording) {
+        qWarning() << "KelRecordKeyboardTrack: 无法启用钩子 - 未在录制状态";
+        return;
+    }
+    if (m_isHookInstalled)
+        return;
+    setHookType(Keyboard);
+    std::lock_guard lock(m_mutex);
+    m_isHookInstalled = true;
+    add(0, true);
+}
+
+void KelRecordKeyboardTrackPrivate::switchOff()
+{
+    std::lock_guard switches(m_switchMutex);
+    {
+        std::lock_guard lock(m_mutex);
+        if (!m_isHookInstalled)
+            return;
+        m_isHookInstalled = false; // at once: keys that come before the hook is gone do not count
+        add(0, false);
+    }
+    setHookType(NoKind);
+}
+
+/// Those that an update of `target` needs, after the number of the first.
+std::pair<std::size_t, KeyRecords> KelRecordKeyboardTrackPrivate::recordsFor(const KeyLogFile &target)
+{
+    std::lock_guard lock(m_mutex);
+    const std::size_t first = target.firstNeeded(m_records.size());
+    return {first, KeyRecords(m_records.begin() + std::ptrdiff_t(first), m_records.end())};
+}
+
+KeyRecords KelRecordKeyboardTrackPrivate::takeRecords()
+{
+    std::lock_guard lock(m_mutex);
+    return std::exchange(m_records, {});
+}
+
+bool KelRecordKeyboardTrackPrivate::OnKeyboardEvent(KelKeyboardEvent event)
+{
+    std::lock_guard lock(m_mutex);
+    if (m_isRecording && m_isHookInstalled)
+        add(event.key, event.state == 1);
+    return false;
+}
+
+/// With the records' lock held.
+void KelRecordKeyboardTrackPrivate::add(int key, bool isPressed)
+{
+    m_records.push_back({qint32_le(key), quint32_le(isPressed), qint32_le(m_currentFrame)});
+}
+
+KelRecordKeyboardTrack::KelRecordKeyboardTrack(const QRect &recordArea, const QString &trackDir)
+    : KelRecordTrack(recordArea, trackDir)
+    , d(std::make_unique<KelRecordKeyboardTrackPrivate>(trackDir + QStringLiteral("/keyboard.keymeta"),
+                                                        recordArea.size()))
+{
+    QDir().mkpath(trackDir);
+}
+
+KelRecordKeyboardTrack::~KelRecordKeyboardTrack() = default;
+
+void KelRecordKeyboardTrack::recordFrame(int frameIndex)
+{
+    d->setFrame(frameIndex);
+}
+
+void KelRecordKeyboardTrack::startRecording()
+{
+    d->begin();
+    d->file.restart();
+}
+
+void KelRecordKeyboardTrack::pauseRecording()
+{
+    d->end();
+}
+
+void KelRecordKeyboardTrack::stopRecording(qint64, qint64)
+{
+    d->end();
+    if (d->file.finish(d->takeRecords()))
+        return;
+    qWarning() << "KelRecordKeyboardTrack: 无法写入文件:" << d->file.path();
+    fail();
+}
+
+void KelRecordKeyboardTrack::checkpoint(qint64)
+{
+    const auto [first, records] = d->recordsFor(d->file);
+    if (!d->file.update(first, records))
+        fail();
+}
+
+void KelRecordKeyboardTrack::enableCapture()
+{
+    d->switchOn();
+}
+
+void KelRecordKeyboardTrack::disableCapture()
+{
+    d->switchOff();
+}
+
+void KelRecordKeyboardTrack::fail()
+{
+    reportFailure(QStringLiteral("Keyboard track: cannot write %1: %2").arg(d->file.path(), d->file.errorString()));
+}

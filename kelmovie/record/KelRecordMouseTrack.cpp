@@ -1,0 +1,346 @@
+#include "record/KelRecordMouseTrack.h"
+
+#include "keymouse/KelKeyMouseHook.h"
+#include "record/FileWriting.h"
+#include "record/JsonArrayFile.h"
+#include "record/MouseTrackEvent.h"
+#include "screen/KelCursorPixmap.h"
+
+#include <QBuffer>
+#include <QDateTime>
+#include <QDebug>
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMap>
+
+#include <algorithm>
+#include <atomic>
+#include <deque>
+#include <mutex>
+
+namespace
+{
+// What the last frame saw, of whichever recording it was: a pointer that is away when a recording starts, and was away
+// at the end of the one before, does not disappear anew.
+std::atomic<bool> isCursorPresent{true};
+std::atomic<bool> isCursorInside{true};
+
+QString buttonName(int button)
+{
+    switch (button) {
+    case 1:
+        return QStringLiteral("left");
+    case 2:
+        return QStringLiteral("right");
+    case 4:
+        return QStringLiteral("middle");
+    default:
+        return QStringLiteral("unknown");
+    }
+}
+
+bool isMove(const MouseTrackEvent &event)
+{
+    return event.action == QLatin1String("move") || event.action == QLatin1String("hide");
+}
+
+bool isClick(const MouseTrackEvent &event)
+{
+    return event.action == QLatin1String("click") || event.action == QLatin1String("release") ||
+           event.action == QLatin1String("wheel");
+}
+
+QJsonObject toJson(const MouseTrackEvent &event)
+{
+    QJsonObject object{{QStringLiteral("frame"), event.frame},   {QStringLiteral("x"), event.x},
+                       {QStringLiteral("y"), event.y},           {QStringLiteral("timestamp"), event.timestamp},
+                       {QStringLiteral("cursor"), event.cursor}, {QStringLiteral("action"), event.action}};
+    if (isClick(event))
+        object.insert(QStringLiteral("button"), event.button);
+    if (event.action == QLatin1String("wheel"))
+        object.insert(QStringLiteral("delta"), event.delta);
+    return object;
+}
+
+/// A file of those events that it is for, in the order in which they happened.
+struct EventFile {
+    bool (*holds)(const MouseTrackEvent &);
+    JsonArrayFile file;
+    std::size_t written = 0; ///< events of the track that the file has, or has passed over
+};
+} // namespace
+
+/// What the hook's thread and the track's share, and what only the latter uses.
+class KelRecordMouseTrackPrivate : public KelKeyMouseHook
+{
+public:
+    KelRecordMouseTrackPrivate(const QRect &area, const QString &dir)
+        : recordArea(area)
+        , moves{isMove, JsonArrayFile(dir + QStringLiteral("/mousemoves-0.json"))}
+        , clicks{isClick, JsonArrayFile(dir + QStringLiteral("/mouseclicks-0.json"))}
+        , cursorListPath(dir + QStringLiteral("/cursor.json"))
+        , cursorDir(dir + QStringLiteral("/cursors"))
+        , snapshot(KelCursorPixmap::GetCursor(area))
+    {
+    }
+    ~KelRecordMouseTrackPrivate() override { setHookType(NoKind); }
+
+    void begin();
+    void setFrame(int frameIndex);
+    void setCursor(const QString &type);
+    void setPosition(const QPoint &position);
+    void append(const QString &action, const QPoint &position, const QString &cursor);
+    std::vector<MouseTrackEvent> eventsFrom(std::size_t first);
+
+    const QRect recordArea;
+    std::atomic<bool> isCaptureEnabled{true};
+
+    // Of the track's thread; the first three are written under the lock.
+    QString currentCursor;
+    QPoint lastPosition{0, 0};
+    int currentFrame = 0;
+    bool isHookInstalled = false;
+    bool hasFailed = false;
+    EventFile moves;
+    EventFile clicks;
+    QMap<QString, KelCursorShape> cursors; // all shapes of this recording, by type
+    const QString cursorListPath;
+    const QString cursorDir;
+    bool isCursorListCurrent = false;
+    std::shared_ptr<const KelCursorPixmap> snapshot; // the last; kept, it makes the next one cheap
+
+protected:
+    bool OnMouseEvent(KelMouseEvent event) override;
+    bool OnMouseWheelEvent(KelWheelEvent event) override;
+
+private:
+    void add(MouseTrackEvent event);
+
+    std::mutex m_mutex; // guards what follows, and the above against the hook
+    std::deque<MouseTrackEvent> m_events;
+    qint64 m_startTimeMs = 0;
+};
+
+void KelRecordMouseTrackPrivate::begin()
+{
+    {
+        std::lock_guard lock(m_mutex); // before the first event asks for it
+        m_startTimeMs = QDateTime::currentMSecsSinceEpoch();
+    }
+    setHookType(Mouse);
+    isHookInstalled = true;
+}
+
+void KelRecordMouseTrackPrivate::setFrame(int frameIndex)
+{
+    std::lock_guard lock(m_mutex);
+    currentFrame = frameIndex;
+}
+
+void KelRecordMouseTrackPrivate::setCursor(const QString &type)
+{
+    std::lock_guard lock(m_mutex);
+    currentCursor = type;
+}
+
+void KelRecordMouseTrackPrivate::setPosition(const QPoint &position)
+{
+    std::lock_guard lock(m_mutex);
+    lastPosition = position;
+}
+
+void KelRecordMouseTrackPrivate::append(const QString &action, const QPoint &position, const QString &cursor)
+{
+    MouseTrackEvent event;
+    event.x = position.x();
+    event.y = position.y();
+    event.action = action;
+    event.cursor = cursor;
+    std::lock_guard lock(m_mutex);
+    add(std::move(event));
+}
+
+std::vector<MouseTrackEvent> KelRecordMouseTrackPrivate::eventsFrom(std::size_t first)
+{
+    std::lock_guard lock(m_mutex);
+    return {m_events.begin() + std::ptrdiff_t(first), m_events.end()};
+}
+
+bool KelRecordMouseTrackPrivate::OnMouseEvent(KelMouseEvent event)
+{
+    if (!isCaptureEnabled || event.button == 0)
+        return false;
+    const bool isPress = event.state == 1;
+    // A button that was pressed inside may be released outside.
+    if (isPress && !recordArea.contains(event.globalPosition))
+        return false;
+    const QPoint position = event.globalPosition - recordArea.topLeft();
+    MouseTrackEvent record;
+    record.x = position.x();
+    record.y = position.y();
+    record.action = isPress ? QStringLiteral("click") : QStringLiteral("release");
+    record.button = buttonName(event.button);
+    std::lock_guard lock(m_mutex);
+    record.cursor = currentCursor;
+    add(std::move(record));
+    return false;
+}
+
+bool KelRecordMouseTrackPrivate::OnMouseWheelEvent(KelWheelEvent event)
+{
+    if (!isCaptureEnabled)
+        return false;
+    MouseTrackEvent record;
+    record.action = QStringLiteral("wheel");
+    record.delta = event.delta;
+    std::lock_guard lock(m_mutex);
+    record.x = lastPosition.x();
+    record.y = lastPosition.y();
+    add(std::move(record));
+    return false;
+}
+
+/// With the lock held.
+void KelRecordMouseTrackPrivate::add(MouseTrackEvent event)
+{
+    event.frame = currentFrame;
+    event.timestamp = QDateTime::currentMSecsSinceEpoch() - m_startTimeMs;
+    m_events.push_back(std::move(event));
+}
+
+KelRecordMouseTrack::KelRecordMouseTrack(const QRect &recordArea, const QString &trackDir)
+    : KelRecordTrack(recordArea, trackDir)
+    , d(std::make_unique<KelRecordMouseTrackPrivate>(recordArea, trackDir))
+{
+}
+
+KelRecordMouseTrack::~KelRecordMouseTrack() = default;
+
+void KelRecordMouseTrack::startRecording()
+{
+    if (!d->isHookInstalled)
+        d->begin();
+}
+
+void KelRecordMouseTrack::recordFrame(int frameIndex)
+{
+    d->setFrame(frameIndex);
+    d->snapshot = KelCursorPixmap::GetCursor(d->recordArea);
+    const KelCursorPixmap &pointer = *d->snapshot;
+    const auto hide = [this] { d->append(QStringLiteral("hide"), QPoint(-1, -1), QString()); };
+    if (!pointer.hasCursor()) {
+        if (isCursorPresent.exchange(false))
+            hide();
+        return;
+    }
+    isCursorPresent = true;
+    if (!d->recordArea.contains(pointer.position())) {
+        if (isCursorInside.exchange(false))
+            hide();
+        return;
+    }
+    isCursorInside = true;
+
+    const QPoint position = pointer.position() - d->recordArea.topLeft();
+    const bool hasMoved = position != d->lastPosition;
+    if (!hasMoved && !d->currentCursor.isEmpty())
+        return; // a shape that changes at rest is noticed when the pointer moves
+    const QString type = pointer.type();
+    if (type != d->currentCursor) {
+        if (!d->cursors.contains(type))
+            addCursor(pointer);
+        if (!d->currentCursor.isEmpty())
+            d->append(QStringLiteral("cursor_change"), position, type);
+        d->setCursor(type);
+    }
+    if (hasMoved) {
+        d->append(QStringLiteral("move"), position, type);
+        d->setPosition(position);
+    }
+}
+
+/// Saved at once, so that whatever names the shape in a file finds its picture.
+void KelRecordMouseTrack::addCursor(const KelCursorPixmap &cursor)
+{
+    d->cursors.insert(cursor.type(), {cursor.type(), cursor.pixmap(), cursor.hotspot()});
+    d->isCursorListCurrent = false;
+    QDir().mkpath(d->cursorDir);
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    QString error = QStringLiteral("the picture cannot be encoded");
+    const QString path = d->cursorDir + QLatin1Char('/') + cursor.type() + QStringLiteral(".png");
+    if (!cursor.pixmap().save(&buffer, "PNG") || !replaceFile(path, png, FileAccess::Ordinary, &error))
+        fail(path, error);
+}
+
+void KelRecordMouseTrack::checkpoint(qint64)
+{
+    if (!d->isCursorListCurrent)
+        writeCursorList();
+    writeEvents();
+}
+
+void KelRecordMouseTrack::stopRecording(qint64, qint64)
+{
+    if (d->isHookInstalled)
+        d->setHookType(KelKeyMouseHook::NoKind);
+    d->isHookInstalled = false;
+    writeCursorList();
+    writeEvents();
+    for (EventFile *events : {&d->moves, &d->clicks}) {
+        events->file.close();
+        events->written = 0; // a second stop writes everything again
+    }
+}
+
+void KelRecordMouseTrack::setCaptureEnabled(bool enabled)
+{
+    d->isCaptureEnabled = enabled;
+}
+
+void KelRecordMouseTrack::writeEvents()
+{
+    const std::size_t first = std::min(d->moves.written, d->clicks.written);
+    const std::vector<MouseTrackEvent> events = d->eventsFrom(first);
+    for (EventFile *target : {&d->moves, &d->clicks}) {
+        std::vector<QJsonObject> objects;
+        for (std::size_t i = target->written - first; i < events.size(); ++i) {
+            if (target->holds(events[i]))
+                objects.push_back(toJson(events[i]));
+        }
+        if (target->file.append(objects))
+            target->written = first + events.size();
+        else
+            fail(target->file.path(), target->file.errorString());
+    }
+}
+
+void KelRecordMouseTrack::writeCursorList()
+{
+    QJsonArray list;
+    for (const KelCursorShape &cursor : qAsConst(d->cursors)) {
+        list.append(QJsonObject{{QStringLiteral("id"), cursor.type},
+                                {QStringLiteral("image"), cursor.type + QStringLiteral(".png")},
+                                {QStringLiteral("hotspot_x"), cursor.hotspot.x()},
+                                {QStringLiteral("hotspot_y"), cursor.hotspot.y()},
+                                {QStringLiteral("device_pixel_ratio"), cursor.pixmap.devicePixelRatio()}});
+    }
+    const QJsonObject object{{QStringLiteral("cursors"), list}, {QStringLiteral("total_types"), list.size()}};
+    QString error;
+    d->isCursorListCurrent =
+        replaceFile(d->cursorListPath, QJsonDocument(object).toJson(), FileAccess::Ordinary, &error);
+    if (!d->isCursorListCurrent)
+        fail(d->cursorListPath, error);
+}
+
+/// The first failure is told; the other files are written all the same.
+void KelRecordMouseTrack::fail(const QString &path, const QString &error)
+{
+    if (std::exchange(d->hasFailed, true))
+        return;
+    qWarning() << "[KelRecordMouseTrack] cannot write" << path << error;
+    reportFailure(QStringLiteral("Mouse track: cannot write %1: %2").arg(path, error));
+}

@@ -1,0 +1,251 @@
+#include "InputFakes.h"
+#include "record/KelRecordKeyboardTrack.h"
+#include "support/LogCapture.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <QtTest>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace
+{
+const QRect Area(100, 50, 642, 480);
+constexpr QFile::Permissions OwnerOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
+
+/// What a reader makes of the file: "KEY(hex) PRESSED FRAME" for each record, or that it is no valid file.
+QStringList records(const QByteArray &file)
+{
+    const auto number = [&file](int offset) { return qFromLittleEndian<qint32>(file.constData() + offset); };
+    if (file.size() < 32 || file.size() != 32 + 12 * number(4) || number(16) != 12 * number(4))
+        return {"invalid"};
+    QStringList lines;
+    for (int at = 32; at < file.size(); at += 12)
+        lines << QString("%1 %2 %3").arg(number(at), 0, 16).arg(number(at + 4)).arg(number(at + 8));
+    return lines;
+}
+
+/// The same without the room that a file under way has at its end.
+QStringList recordsUnderWay(const QByteArray &file)
+{
+    QStringList lines = records(file);
+    while (!lines.isEmpty() && lines.last() == "0 1 2147483647")
+        lines.removeLast();
+    return lines;
+}
+
+/// Whether these bytes are anywhere in what this process can write to.
+bool isInMemory(const QByteArray &disguised)
+{
+    QFile maps("/proc/self/maps");
+    if (!maps.open(QIODevice::ReadOnly))
+        qFatal("no map of the memory");
+    const int memory = ::open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
+    bool isFound = false;
+    QByteArray region;
+    for (const QByteArray &line : maps.readAll().split('\n')) {
+        const QList<QByteArray> words = line.split(' ');
+        if (words.size() < 2 || !words[1].startsWith("rw"))
+            continue;
+        const qint64 begin = words[0].split('-')[0].toLongLong(nullptr, 16);
+        const qint64 size = words[0].split('-')[1].toLongLong(nullptr, 16) - begin;
+        if (size > (256 << 20)) // what a sanitizer keeps about the memory
+            continue;
+        region.fill('\0', int(size));
+        region.truncate(int(qMax(ssize_t(0), pread(memory, region.data(), std::size_t(size), begin))));
+        const char key = '\x5a';
+        for (int i = 0; !isFound && i + disguised.size() <= region.size(); ++i) {
+            int match = 0;
+            while (match < disguised.size() && char(region[i + match] ^ key) == disguised[match])
+                ++match;
+            isFound = match == disguised.size();
+        }
+        region.fill('\0');
+    }
+    ::close(memory);
+    return isFound;
+}
+} // namespace
+
+class TestRecordKeyboardTrack : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void fileByteForByte();
+    void recordsByTheRules_data();
+    void recordsByTheRules();
+    void fileIsForItsOwnerAlone();
+    void validAfterEveryCheckpoint();
+    void discardedKeysLeaveTheMemory();
+    void unwritableFile();
+
+private:
+    void play(const QStringList &steps);
+    QByteArray file() const { return fileBytes(path()); }
+    QString path() const { return m_dir->filePath("deep/Keyboard/keyboard.keymeta"); }
+
+    ScriptedInput m_input;
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<KelRecordKeyboardTrack> m_track;
+    QStringList m_failures;
+};
+
+void TestRecordKeyboardTrack::init()
+{
+    m_failures.clear();
+    m_track.reset();
+    m_dir = std::make_unique<QTemporaryDir>();
+    m_track = std::make_unique<KelRecordKeyboardTrack>(Area, m_dir->filePath("deep/Keyboard"));
+    m_track->setFailureHandler([this](const QString &problem) { m_failures << problem; });
+}
+
+/// "frame N", "KEY(hex) STATE", "start", "pause", "on", "off", "checkpoint", "stop"
+void TestRecordKeyboardTrack::play(const QStringList &steps)
+{
+    for (const QString &step : steps) {
+        const QStringList words = step.split(' ');
+        if (words[0] == "frame")
+            m_track->recordFrame(words[1].toInt());
+        else if (words[0] == "start")
+            m_track->startRecording();
+        else if (words[0] == "pause")
+            m_track->pauseRecording();
+        else if (words[0] == "on")
+            m_track->enableCapture();
+        else if (words[0] == "off")
+            m_track->disableCapture();
+        else if (words[0] == "checkpoint")
+            m_track->checkpoint(0);
+        else if (words[0] == "stop")
+            m_track->stopRecording(100, 4000);
+        else
+            m_input.key(words[0].toInt(nullptr, 16), words[1].toInt());
+    }
+}
+
+void TestRecordKeyboardTrack::fileByteForByte()
+{
+    play({"start", "frame 3", "1000021 1", "frame 260", "off", "on", "43 0", "stop"});
+    QCOMPARE(file().toHex(' '), QByteArray("4b 45 4c 4b 04 00 00 00 1e 00 00 00 00 00 00 00 "
+                                           "30 00 00 00 00 00 00 00 82 02 00 00 e0 01 00 00 "
+                                           "21 00 00 01 01 00 00 00 03 00 00 00 "
+                                           "00 00 00 00 00 00 00 00 04 01 00 00 "
+                                           "00 00 00 00 01 00 00 00 04 01 00 00 "
+                                           "43 00 00 00 00 00 00 00 04 01 00 00"));
+}
+
+void TestRecordKeyboardTrack::recordsByTheRules_data()
+{
+    using Lines = QStringList;
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<bool>("isWatched"); // before the stop
+    QTest::addColumn<QStringList>("kept");
+    QTest::addColumn<QStringList>("log");
+    const QString refusal = "W KelRecordKeyboardTrack: 无法启用钩子 - 未在录制状态";
+
+    QTest::newRow("no key") << Lines{"start"} << true << Lines{} << Lines{};
+    QTest::newRow("as they come") << Lines{"start", "41 1", "frame 2", "41 1", "41 7", "43 0"} << true
+                                  << Lines{"41 1 0", "41 1 2", "41 0 2", "43 0 2"} << Lines{};
+    QTest::newRow("before the start") << Lines{"41 1", "on", "off"} << false << Lines{} << Lines{refusal};
+    QTest::newRow("paused") << Lines{"start", "41 1", "pause", "42 1", "on", "off"} << false << Lines{"41 1 0"}
+                            << Lines{refusal};
+    QTest::newRow("resumed") << Lines{"start", "41 1", "pause", "start", "frame 5", "42 1"} << true << Lines{"42 1 5"}
+                             << Lines{};
+    QTest::newRow("off and on") << Lines{"start",   "41 1", "frame 4", "off",  "off",    "42 1",
+                                         "frame 6", "on",   "on",      "43 1", "frame 7"}
+                                << true << Lines{"41 1 0", "0 0 4", "0 1 6", "43 1 6"} << Lines{};
+    QTest::newRow("off at the end") << Lines{"start", "off", "41 1"} << false << Lines{"0 0 0"} << Lines{};
+    QTest::newRow("off, then paused and resumed")
+        << Lines{"start", "off", "pause", "41 1", "start", "42 1"} << true << Lines{"42 1 0"} << Lines{};
+}
+
+void TestRecordKeyboardTrack::recordsByTheRules()
+{
+    QFETCH(QStringList, steps);
+    QFETCH(bool, isWatched);
+    QFETCH(QStringList, kept);
+    QFETCH(QStringList, log);
+    LogCapture capture;
+    play(steps);
+    QCOMPARE(m_input.isWatched(KelKeyMouseHook::Keyboard), isWatched);
+    play({"stop", "44 1"});
+    QVERIFY(!m_input.isWatched(KelKeyMouseHook::Keyboard));
+    QCOMPARE(records(file()), kept);
+    QCOMPARE(capture.take(), log);
+    QCOMPARE(m_failures, QStringList());
+}
+
+void TestRecordKeyboardTrack::fileIsForItsOwnerAlone()
+{
+    QFile earlier(path());
+    QVERIFY(earlier.open(QIODevice::WriteOnly));
+    earlier.close();
+    QVERIFY(earlier.setPermissions(OwnerOnly | QFile::ReadGroup | QFile::ReadOther));
+    for (const char *step : {"checkpoint", "checkpoint", "stop"}) {
+        play({"start", "41 1", step});
+        QCOMPARE(QFile::permissions(path()), OwnerOnly);
+    }
+    QCOMPARE(QDir(m_dir->filePath("deep/Keyboard")).entryList(QDir::Files | QDir::Hidden),
+             QStringList{"keyboard.keymeta"});
+}
+
+void TestRecordKeyboardTrack::validAfterEveryCheckpoint()
+{
+    play({"start", "checkpoint"});
+    QCOMPARE(recordsUnderWay(file()), QStringList());
+    QStringList typed;
+    for (const int count : {1, 0, 254, 1, 1, 700, 300}) {
+        for (int i = 0; i < count; ++i) {
+            const QString frame = QString::number(typed.size());
+            play({"frame " + frame, "41 1"});
+            typed << "41 1 " + frame;
+        }
+        play({"checkpoint"});
+        QCOMPARE(recordsUnderWay(file()), typed);
+    }
+    play({"pause", "checkpoint"});
+    QCOMPARE(recordsUnderWay(file()), typed);
+    play({"start", "checkpoint"});
+    QCOMPARE(recordsUnderWay(file()), QStringList());
+
+    // A directory that takes no new file, as on a full disk, does not cost what still fits into the old one.
+    play({"42 1"});
+    QVERIFY(QFile::rename(m_dir->filePath("deep"), m_dir->filePath("elsewhere")));
+    play({"stop"});
+    QCOMPARE(recordsUnderWay(fileBytes(m_dir->filePath("elsewhere/Keyboard/keyboard.keymeta"))).mid(0, 1),
+             QStringList{"42 1 1256"});
+    QCOMPARE(m_failures, QStringList());
+}
+
+void TestRecordKeyboardTrack::discardedKeysLeaveTheMemory()
+{
+    // Two records in a row, disguised so as not to be found here.
+    QByteArray records = QByteArray::fromHex("34 12 5e 4c 01 00 00 00 39 30 00 00 35 12 5e 4c 01 00 00 00 39 30 00 00");
+    for (char &byte : records)
+        byte = char(byte ^ '\x5a');
+
+    const QStringList type{"frame 12345", "4c5e1234 1", "4c5e1235 1", "4c5e1234 1", "4c5e1235 1", "checkpoint"};
+    for (const QStringList &end : {QStringList{"pause", "start"}, QStringList{"stop"}}) {
+        play(QStringList{"start"} + type);
+        QVERIFY2(isInMemory(records), "the search finds what is there");
+        play(end);
+        QVERIFY(!isInMemory(records));
+    }
+}
+
+void TestRecordKeyboardTrack::unwritableFile()
+{
+    QVERIFY(QDir().mkpath(path() + "/occupied"));
+    LogCapture log;
+    play({"start", "41 1", "checkpoint", "stop"});
+    QCOMPARE(log.take(), QStringList{QString("W KelRecordKeyboardTrack: 无法写入文件: \"%1\"").arg(path())});
+    QCOMPARE(m_failures, QStringList{QString("Keyboard track: cannot write %1: Is a directory").arg(path())});
+    QCOMPARE(QDir(m_dir->filePath("deep/Keyboard")).entryList(QDir::Files), QStringList());
+}
+
+QTEST_MAIN(TestRecordKeyboardTrack)
+#include "tst_record_keyboard_track.moc"

@@ -1,14 +1,11 @@
 #include "playback/KelPlaybackMouseTrack.h"
 
-#include "playback/ClickList.h"
+#include "playback/ClickPlayer.h"
 #include "playback/CursorImages.h"
 #include "playback/KelMouseButtonLottie.h"
 #include "playback/KelMouseWheelLottie.h"
-#include "playback/MouseEffectList.h"
 #include "playback/PointerList.h"
-#include "playback/PressScaling.h"
 
-#include <QColor>
 #include <QDebug>
 #include <QFileInfo>
 #include <QPainter>
@@ -19,62 +16,30 @@
 namespace
 {
 
-constexpr int kEffectRate = 30; // animation frames that are played a second, one a step
 constexpr int kShortSteps = 24; // of an effect that nobody holds
 constexpr double kEffectSide = 64.0;
 constexpr double kMaxEffectScale = 64.0;
-
-constexpr int kNoEffect = 0;
-constexpr int kPressScaling = 6; // a click effect
-
-// Playing at high speed or exporting few frames a second leaves frames out. What was clicked in them is due as well,
-// but after a jump it is not.
-constexpr int kMaxStep = 32;
-
-constexpr int kNoFrame = -1;
 
 } // namespace
 
 class KelPlaybackMouseTrack::Private
 {
 public:
-    Private();
-
     bool load(const QString &dir);
-    void setClickType(int type);
-    void setWheelType(int type);
-    void resetEffects();
-    void movePointer();
-    void playClicks();
+    void movePointer(int frame);
     void paintCursor(QPainter &painter) const;
-    void paintEffects(QPainter &painter, bool ofWheel);
-    void paintEffect(QPainter &painter, const ActiveMouseEffect &effect);
+    void paintEffects(QPainter &painter, bool ofWheel) const;
+    void paintEffect(QPainter &painter, const ActiveMouseEffect &effect) const;
 
     PointerList moves;
-    ClickList clicks;
     CursorImages cursors;
-
+    ClickPlayer clicks;
     bool isEnabled = true;
     double effectScale = 1.0;
-    QColor effectColor;
-    int clickType = kPressScaling;
-    int wheelType = kNoEffect;
-    std::unique_ptr<KelMouseButtonLottie> clickEffect;
-    std::unique_ptr<KelMouseWheelLottie> wheelEffect;
-
     int currentFrame = 0;
-    int playedFrame = kNoFrame; // up to here clicks were taken
     QPoint position;
     const CursorImages::Cursor *cursor = nullptr; // null when there is none to draw
-    MouseEffectList effects;
-    PressScaling pressScaling;
 };
-
-KelPlaybackMouseTrack::Private::Private()
-{
-    setClickType(clickType);
-    setWheelType(wheelType);
-}
 
 bool KelPlaybackMouseTrack::Private::load(const QString &dir)
 {
@@ -95,36 +60,10 @@ bool KelPlaybackMouseTrack::Private::load(const QString &dir)
     return true;
 }
 
-void KelPlaybackMouseTrack::Private::setClickType(int type)
-{
-    clickType = type;
-    clickEffect = createMouseButtonLottie(kEffectRate, type);
-    if (clickEffect)
-        clickEffect->setColor(effectColor);
-    effects.setClickEffect(clickEffect.get());
-    pressScaling.reset();
-}
-
-void KelPlaybackMouseTrack::Private::setWheelType(int type)
-{
-    wheelType = type;
-    wheelEffect = createMouseWheelLottie(kEffectRate, type);
-    if (wheelEffect)
-        wheelEffect->setColor(effectColor);
-    effects.setWheelEffect(wheelEffect.get());
-}
-
-void KelPlaybackMouseTrack::Private::resetEffects()
-{
-    effects.clear();
-    pressScaling.reset();
-    playedFrame = kNoFrame;
-}
-
-void KelPlaybackMouseTrack::Private::movePointer()
+void KelPlaybackMouseTrack::Private::movePointer(int frame)
 {
     cursor = nullptr;
-    const PointerList::Sample *sample = moves.at(currentFrame);
+    const PointerList::Sample *sample = moves.at(frame);
     if (!sample)
         return;
     position = sample->position;
@@ -136,67 +75,42 @@ void KelPlaybackMouseTrack::Private::movePointer()
         qWarning() << "Cursor type not found:" << id;
 }
 
-/// Frames that were left out on the way are made up for: otherwise an export with few frames a second, or playing at
-/// high speed, would miss most clicks. A frame that is asked for again has had its clicks.
-void KelPlaybackMouseTrack::Private::playClicks()
-{
-    int after = currentFrame - 1;
-    if (playedFrame != kNoFrame && playedFrame <= currentFrame && currentFrame - playedFrame <= kMaxStep)
-        after = playedFrame;
-    playedFrame = currentFrame;
-    for (const MouseClick &click : clicks.between(after, currentFrame)) {
-        switch (click.action) {
-        case MouseClick::Action::Click:
-            if (clickType == kPressScaling)
-                pressScaling.press(click);
-            effects.click(click);
-            break;
-        case MouseClick::Action::Release:
-            pressScaling.release(click.button);
-            effects.release(click, clicks.isPressedBefore(click.button, click.frame));
-            break;
-        case MouseClick::Action::Wheel:
-            effects.wheel(click);
-            break;
-        }
-    }
-}
-
 void KelPlaybackMouseTrack::Private::paintCursor(QPainter &painter) const
 {
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    if (pressScaling.scale() != 1.0F) {
+    const double scale = clicks.pointerScale();
+    if (scale != 1.0) {
         painter.translate(position);
-        painter.scale(double(pressScaling.scale()), double(pressScaling.scale()));
+        painter.scale(scale, scale);
         painter.translate(-position);
     }
     painter.drawPixmap(position - cursor->hotspot, cursor->image);
     painter.restore();
 }
 
-void KelPlaybackMouseTrack::Private::paintEffects(QPainter &painter, bool ofWheel)
+void KelPlaybackMouseTrack::Private::paintEffects(QPainter &painter, bool ofWheel) const
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    for (const ActiveMouseEffect &effect : effects.effects()) {
+    for (const ActiveMouseEffect &effect : clicks.effects()) {
         if (effect.isWheel == ofWheel && effect.remaining > 0)
             paintEffect(painter, effect);
     }
     painter.restore();
 }
 
-void KelPlaybackMouseTrack::Private::paintEffect(QPainter &painter, const ActiveMouseEffect &effect)
+void KelPlaybackMouseTrack::Private::paintEffect(QPainter &painter, const ActiveMouseEffect &effect) const
 {
     const int frame = effect.isLong ? std::min(effect.total - 1, effect.current)
                                     : std::min(kShortSteps - effect.remaining, kShortSteps - 1);
     const int side = int(effectScale * kEffectSide);
     QRectF target(0, 0, side, side);
     target.moveCenter(effect.isLong ? position : effect.position);
-    if (effect.isWheel && wheelEffect && wheelType != kNoEffect)
-        wheelEffect->paint(&painter, std::max(0, frame), target, effect.delta < 1 ? 1 : 0);
-    else if (!effect.isWheel && clickEffect && clickType != kNoEffect)
-        clickEffect->paint(&painter, std::max(0, frame), target, int(effect.button));
+    if (effect.isWheel && clicks.wheelEffect())
+        clicks.wheelEffect()->paint(&painter, std::max(0, frame), target, effect.delta < 1 ? 1 : 0);
+    else if (!effect.isWheel && clicks.clickEffect())
+        clicks.clickEffect()->paint(&painter, std::max(0, frame), target, int(effect.button));
 }
 
 KelPlaybackMouseTrack::KelPlaybackMouseTrack(const QString &directory, KelPlaybackTrackManager *manager)
@@ -215,12 +129,8 @@ KelPlaybackMouseTrack::~KelPlaybackMouseTrack() = default;
 void KelPlaybackMouseTrack::seekToFrame(int frame)
 {
     d->currentFrame = frame;
-    if (frame == 0)
-        d->resetEffects();
-    d->movePointer();
-    d->effects.step(frame);
-    d->pressScaling.step(frame);
-    d->playClicks();
+    d->movePointer(frame);
+    d->clicks.seekToFrame(frame);
 }
 
 void KelPlaybackMouseTrack::paint(QPainter *painter)
@@ -244,7 +154,7 @@ bool KelPlaybackMouseTrack::isVisible()
 
 void KelPlaybackMouseTrack::resetEffects()
 {
-    d->resetEffects();
+    d->clicks.reset();
 }
 
 void KelPlaybackMouseTrack::setEnabled(bool on)
@@ -254,17 +164,17 @@ void KelPlaybackMouseTrack::setEnabled(bool on)
 
 void KelPlaybackMouseTrack::setShownButtons(int buttons)
 {
-    d->effects.setShownButtons(buttons);
+    d->clicks.setShownButtons(buttons);
 }
 
 void KelPlaybackMouseTrack::setShowWheel(bool on)
 {
-    d->effects.setShowWheel(on);
+    d->clicks.setShowWheel(on);
 }
 
 void KelPlaybackMouseTrack::setReplaceSameButton(bool on)
 {
-    d->effects.setReplaceSameButton(on);
+    d->clicks.setReplaceSameButton(on);
 }
 
 void KelPlaybackMouseTrack::setEffectScale(double scale)
@@ -274,21 +184,15 @@ void KelPlaybackMouseTrack::setEffectScale(double scale)
 
 void KelPlaybackMouseTrack::setClickType(int type)
 {
-    if (type != d->clickType)
-        d->setClickType(type);
+    d->clicks.setClickType(type);
 }
 
 void KelPlaybackMouseTrack::setWheelType(int type)
 {
-    if (type != d->wheelType)
-        d->setWheelType(type);
+    d->clicks.setWheelType(type);
 }
 
 void KelPlaybackMouseTrack::setEffectColor(const QColor &color)
 {
-    d->effectColor = color;
-    if (d->clickEffect)
-        d->clickEffect->setColor(color);
-    if (d->wheelEffect)
-        d->wheelEffect->setColor(color);
+    d->clicks.setEffectColor(color);
 }

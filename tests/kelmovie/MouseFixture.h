@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+/// The files of a recorded pointer, made by hand.
+class MouseFixture
+{
+public:
+    MouseFixture() { QDir(path()).mkdir("cursors"); }
+
+    QString path() const { return m_dir.path(); }
+    QString filePath(const QString &name) const { return m_dir.filePath(name); }
+    void write(const QString &name, const QByteArray &content) const
+    {
+        QFile file(filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write the fixture");
+    }
+    void write(const QString &name, const QJsonArray &records) const { write(name, QJsonDocument(records).toJson()); }
+
+    static QJsonObject move(int frame, int x, int y, const QString &cursor = "square", const QString &action = "move")
+    {
+        return {{"frame", frame}, {"x", x}, {"y", y}, {"timestamp", frame}, {"cursor", cursor}, {"action", action}};
+    }
+
+    /// From words such as "10 left down, 14 left up @3, 20 wheel -120": frame, and what happened there. Time passes at
+    /// 40 ms a frame unless it is told after an @.
+    static QJsonArray clicks(const QString &text)
+    {
+        static const QMap<QString, QString> actions{{"down", "click"}, {"up", "release"}};
+        QJsonArray records;
+        for (const QString &entry : text.split(", ", Qt::SkipEmptyParts)) {
+            const QStringList words = entry.split(' ');
+            const int frame = words[0].toInt();
+            QJsonObject record{
+                {"frame", frame}, {"x", 100}, {"y", 50}, {"timestamp", frame * 40}, {"cursor", "square"}};
+            if (words.value(3).startsWith('@'))
+                record["timestamp"] = words[3].mid(1).toInt();
+            record["action"] = words[1] == "wheel" ? words[1] : actions.value(words[2], words[2]);
+            record["button"] = words[1] == "wheel" ? QString() : words[1];
+            if (words[1] == "wheel")
+                record["delta"] = words[2].toInt();
+            records.append(record);
+        }
+        return records;
+    }
+
+    /// One cursor, "square": `pixels` by `pixels` of plain green with a red pixel at its hotspot (2, 3).
+    void writeSquareCursor(int pixels = 16, double ratio = 1) const
+    {
+        QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::green);
+        image.setPixelColor(2, 3, Qt::red);
+        if (!image.save(filePath("cursors/square.png")))
+            qFatal("cannot write the fixture");
+        writeCursorList("square.png", ratio);
+    }
+    void writeCursorList(const QString &image, double ratio = 1) const
+    {
+        const QJsonObject cursor{
+            {"id", "square"}, {"image", image}, {"hotspot_x", 2}, {"hotspot_y", 3}, {"device_pixel_ratio", ratio}};
+        const QJsonObject list{{"cursors", QJsonArray{cursor}}, {"total_types", 1}};
+        write("cursor.json", QJsonDocument(list).toJson());
+    }
+
+private:
+    QTemporaryDir m_dir;
+};

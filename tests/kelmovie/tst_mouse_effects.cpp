@@ -1,0 +1,272 @@
+#include "MouseFixture.h"
+
+#include "playback/ClickList.h"
+#include "playback/ClickPlayer.h"
+#include "playback/EffectTiming.h"
+#include "playback/KelMouseButtonLottie.h"
+#include "playback/KelMouseWheelLottie.h"
+#include "support/LogCapture.h"
+
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <cmath>
+
+namespace
+{
+
+/// A click effect whose animation is missing.
+class LostAnimation : public KelMouseButtonLottie
+{
+public:
+    int holdFrameRaw() const override { return 9; }
+    void paint(QPainter *, int, const QRectF &, int) override {}
+};
+
+/// Whether anything is painted, and what its weight on the left is as a share of all.
+template <typename Effect>
+std::pair<bool, double> paintOf(Effect &effect, int frame, int argument)
+{
+    QImage image(128, 128, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    effect.paint(&painter, frame, QRectF(32, 32, 64, 64), argument);
+    painter.end();
+    double all = 0, left = 0;
+    for (int y = 0; y < 128; ++y) {
+        for (int x = 0; x < 128; ++x) {
+            all += qAlpha(image.pixel(x, y));
+            left += x < 64 ? qAlpha(image.pixel(x, y)) : 0;
+        }
+    }
+    return {all > 0, all > 0 ? left / all : 0};
+}
+
+/// "L12h!" is a left click's effect at frame 12, the button held, its hold frame reached; "W3-" a turn down.
+QString describe(const std::vector<ActiveMouseEffect> &effects)
+{
+    QStringList all;
+    for (const ActiveMouseEffect &effect : effects) {
+        const QString name = effect.isWheel ? "W" : QStringList{"L", "R", "M"}.value(int(effect.button));
+        all << name + QString::number(effect.current) + (effect.isHolding ? "h" : "") +
+                   (effect.isHoldReached ? "!" : "") + (effect.isWheel ? effect.delta < 1 ? "-" : "+" : "");
+    }
+    return all.join(' ');
+}
+
+} // namespace
+
+class MouseEffectsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void clickEffects_data();
+    void clickEffects();
+    void wheelEffects();
+    void timing();
+    void lostAnimation();
+    void effects_data();
+    void effects();
+    void pairsLikeAWalk();
+
+private:
+    MouseFixture files;
+};
+
+void MouseEffectsTest::clickEffects_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("frames");
+    QTest::addColumn<int>("hold");
+    QTest::addColumn<int>("holdRaw");
+    QTest::addColumn<bool>("flag");
+    QTest::addColumn<bool>("paints");
+
+    QTest::newRow("none") << 0 << 0 << 0 << 0 << false << false;
+    QTest::newRow("ray") << 1 << 24 << 4 << 9 << true << true;
+    QTest::newRow("floral") << 2 << 24 << 0 << 1 << false << true;
+    QTest::newRow("fireworks") << 3 << 24 << 6 << 12 << true << true;
+    QTest::newRow("stars") << 4 << 24 << 4 << 9 << true << true;
+    QTest::newRow("ripple") << 5 << 24 << 6 << 12 << true << true;
+    QTest::newRow("conventional") << 6 << 12 << 4 << 4 << true << false;
+    QTest::newRow("too small") << -1 << -1 << 0 << 0 << false << false;
+    QTest::newRow("too large") << 7 << -1 << 0 << 0 << false << false;
+}
+
+void MouseEffectsTest::clickEffects()
+{
+    QFETCH(int, type);
+    QFETCH(int, frames);
+    const auto effect = createMouseButtonLottie(30, type);
+    QCOMPARE(effect != nullptr, frames >= 0);
+    if (!effect)
+        return;
+    QTEST(effect->holdFrameRaw(), "holdRaw");
+    QTEST(effect->holdFrame(), "hold");
+    QTEST(effect->effectFlag(), "flag");
+    QCOMPARE(effect->frameCount(0, true), frames);
+    QCOMPARE(createMouseButtonLottie(60, type)->frameCount(0, true), 2 * frames);
+    QTEST(paintOf(*effect, 4, 0).first, "paints");
+    if (type == 1) { // rays lean towards the button
+        QVERIFY(paintOf(*effect, 4, 0).second > 0.8);
+        QVERIFY(paintOf(*effect, 4, 1).second < 0.2);
+    }
+}
+
+void MouseEffectsTest::wheelEffects()
+{
+    QVERIFY(!createMouseWheelLottie(30, 2));
+    QVERIFY(!createMouseWheelLottie(30, -1));
+    QCOMPARE(createMouseWheelLottie(30, 0)->frameCount(), 0);
+    QVERIFY(!paintOf(*createMouseWheelLottie(30, 0), 5, 1).first);
+    QCOMPARE(createMouseWheelLottie(30, 1)->frameCount(), 24);
+    QVERIFY(paintOf(*createMouseWheelLottie(30, 1), 5, 1).first);
+}
+
+void MouseEffectsTest::timing()
+{
+    // 60 frames at 60 a second, played at 30 a second.
+    QCOMPARE(EffectTiming::playbackFrames(60, 60, 30), 30);
+    QCOMPARE(EffectTiming::playbackFrame(9, 60, 30), 4);
+    QCOMPARE(EffectTiming::animationFrame(10, 60, 30), 20.0F);
+    QCOMPARE(EffectTiming::playbackFrames(5, 60, 30), 3); // halves up
+    QCOMPARE(EffectTiming::playbackFrames(-5, 60, 30), -2);
+    for (double rate : {0.0, double(NAN), 1e-300}) {
+        EffectTiming::playbackFrame(9, rate, 30); // anything but undefined
+        QVERIFY(std::abs(EffectTiming::playbackFrames(0, rate, 30)) == 0);
+    }
+}
+
+void MouseEffectsTest::lostAnimation()
+{
+    LogCapture log;
+    const LostAnimation effect;
+    QCOMPARE(effect.frameCount(0, false), 0);
+    QStringList lines = log.take();
+    lines.sort();
+    QCOMPARE(lines, QStringList({"C KelMouseButtonLottie::frameCountRaw: mLottie is nullptr!",
+                                 "C KelMouseButtonLottie::frameRateRaw: mLottie is nullptr!"}));
+    QCOMPARE(effect.holdFrame(), 9);
+}
+
+void MouseEffectsTest::effects_data()
+{
+    // Click type 1 and wheel type 1: 24 frames, hold frame 4. What is to be seen after a seek to a frame: "30=L4" or
+    // "30=80%" for the pointer; "20-29" are seeks without a look.
+    QTest::addColumn<int>("clickType");
+    QTest::addColumn<QString>("clicks");
+    QTest::addColumn<QString>("seeks");
+
+    const auto row = [](const char *name, const char *clicks, const char *seeks, int clickType = 1) {
+        QTest::newRow(name) << clickType << clicks << seeks;
+    };
+    row("short", "1 left down, 4 left up", "0=;1=L0;2=L1;3-4;5=L4;6-23;24=L23;25=");
+    row("held", "10 left down, 30 left up",
+        "0-9;10=L0h;11-13;14=L4h;15=L4h!;16-28;29=L4h!;30=L4;31=L5;32-47;48=L22;49=");
+    row("held for 499 ms", "10 left down @1, 30 left up @500", "0-9;10=L0");
+    row("held for 500 ms", "10 left down @1, 30 left up @501", "0-9;10=L0h");
+    row("never released", "5 left down", "0-4;5=L0;6=");
+    row("released without a time", "5 left down, 9 left up @0", "0-4;5=L0;6=");
+    row("released in the same frame", "5 left down, 5 left up", "0-4;5=L0 L0;6=");
+    row("never pressed", "5 right up", "0-4;5=R0;6=");
+    row("released once more", "1 left down, 3 left up, 40 left up", "0-39;40=");
+    row("another click while held", "5 left down, 8 left down, 40 left up, 9 right down, 12 right up",
+        "0-8;9=L4h R0;10=L4h! R1");
+    row("unknown button", "5 side down, 9 side up", "0-4;5=;6=");
+    row("wheel", "5 wheel -120", "0-4;5=W0-;6=W1-;7-26;27=W22-;28=");
+    row("wheel turned on", "5 wheel -120, 10 wheel -120", "0-9;10=W5-");
+    row("wheel turned on near the end", "5 wheel -120, 25 wheel -120", "0-24;25=W20- W0-");
+    row("wheel turned back", "5 wheel -120, 8 wheel 120", "0-7;8=W0+");
+    row("wheel turned back after 14 steps", "5 wheel -120, 19 wheel 120", "0-18;19=W0+");
+    row("wheel turned back after 15 steps", "5 wheel -120, 20 wheel 120", "0-19;20=W15-");
+    row("back to the start", "3 left down, 5 left up", "0-4;0=;1-2;3=L0");
+    row("back, but not to the start", "3 left down, 5 left up", "0-4;1=L2");
+    row("frames left out", "5 left down, 6 left up, 7 wheel 120", "0;8=L0 W0+;16=L1 W1+");
+    row("a jump", "5 left down, 6 left up", "0;100=");
+    row("a jump over the release", "5 left down, 40 left up", "0-10;100=L5");
+    row("the same frame again", "5 left down, 8 left up", "4;5=L0;5=L1;6=L2");
+
+    row("pointer, held", "10 left down, 30 left up",
+        "0-9;10=100%;11=99%;12=95%;13=90%;14;15=81%;16=80%;17-29;30=80%;31=81%;32;33=93%;34-35;36=100%", 6);
+    row("pointer, let go early", "10 left down, 13 left up", "0-12;13=90%;14=91%;15-18;19=100%", 6);
+    row("pointer, tapped", "10 left down, 10 left up", "0-9;10=100%;11-15;16=80%;17-21;22=100%", 6);
+    row("pointer, another button", "10 left down, 12 right up, 40 left up", "0-15;16=80%;17-20;21=80%", 6);
+    row("pointer, a jump over the release", "10 left down, 40 left up", "0-20;100=81%", 6);
+    row("pointer, back to the start", "10 left down, 40 left up", "0-20;0=100%", 6);
+    row("pointer, other effect", "10 left down, 40 left up", "0-20;21=100%", 5);
+}
+
+void MouseEffectsTest::effects()
+{
+    QFETCH(QString, clicks);
+    QFETCH(QString, seeks);
+    QFETCH(int, clickType);
+    files.write("clicks", MouseFixture::clicks(clicks));
+    ClickPlayer player;
+    player.setClickType(clickType);
+    player.setWheelType(1);
+    QVERIFY(player.load(files.filePath("clicks")));
+    for (const QString &seek : seeks.split(';')) {
+        if (!seek.contains('=')) {
+            for (int frame = seek.section('-', 0, 0).toInt(); frame <= seek.section('-', -1).toInt(); ++frame)
+                player.seekToFrame(frame);
+            continue;
+        }
+        player.seekToFrame(seek.section('=', 0, 0).toInt());
+        const QString seen = seek.endsWith('%') ? QString("%1%").arg(std::lround(player.pointerScale() * 100))
+                                                : describe(player.effects());
+        QCOMPARE(seek.section('=', 0, 0) + '=' + seen, seek);
+    }
+}
+
+/// The naive way: for each click the first record after it that is a later release of the same button.
+void MouseEffectsTest::pairsLikeAWalk()
+{
+    QRandomGenerator random(4711);
+    for (int round = 0; round < 200; ++round) {
+        QJsonArray records;
+        for (int i = random.bounded(40); i > 0; --i) {
+            const QString button = QStringList{"left", "right"}[random.bounded(2)];
+            const QString action = QStringList{"click", "release"}[random.bounded(2)];
+            // The position tells the number of the record.
+            records.append(QJsonObject{{"frame", random.bounded(-3, 30)},
+                                       {"x", records.size()},
+                                       {"y", 0},
+                                       {"timestamp", random.bounded(1500)},
+                                       {"action", action},
+                                       {"button", button}});
+        }
+        files.write("clicks", records);
+        ClickList list;
+        QVERIFY(list.load(files.filePath("clicks")));
+        int last = -100, lastIndex = -1, seen = 0;
+        for (const MouseClick &click : list.between(-100, 100)) {
+            const int index = click.position.x();
+            QVERIFY(click.frame > last || (click.frame == last && index > lastIndex));
+            last = click.frame;
+            lastIndex = index;
+            ++seen;
+            if (click.action != MouseClick::Action::Click)
+                continue;
+            int release = index + 1;
+            while (release < records.size() &&
+                   (records[release].toObject()["frame"].toInt() <= click.frame ||
+                    records[release].toObject()["action"] != "release" ||
+                    records[release].toObject()["button"] != records[index].toObject()["button"]))
+                ++release;
+            const QJsonObject wanted = records[release].toObject();
+            const int releasedMs = wanted["timestamp"].toInt();
+            QCOMPARE(click.isPaired, release < records.size() && releasedMs >= 1);
+            if (click.isPaired) {
+                QCOMPARE(click.releaseFrame, wanted["frame"].toInt());
+                QCOMPARE(click.isLong, releasedMs - records[index].toObject()["timestamp"].toInt() >= 500);
+            }
+        }
+        QCOMPARE(seen, records.size());
+    }
+}
+
+QTEST_GUILESS_MAIN(MouseEffectsTest)
+#include "tst_mouse_effects.moc"

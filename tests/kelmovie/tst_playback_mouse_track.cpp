@@ -1,0 +1,417 @@
+#include "MouseFixture.h"
+#include "RecordingFixture.h"
+#include "ScriptedDecoder.h"
+
+#include "playback/CursorImages.h"
+#include "playback/KelPlaybackMouseTrack.h"
+#include "playback/PointerList.h"
+#include "support/LogCapture.h"
+
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <sys/stat.h>
+
+namespace
+{
+
+const QColor kPaper(250, 250, 240);
+
+QImage paint(KelPlaybackMouseTrack &track, QSize size = QSize(300, 200), int ratio = 1)
+{
+    QImage image(size * ratio, QImage::Format_RGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(kPaper);
+    QPainter painter(&image);
+    track.paint(&painter);
+    return image;
+}
+
+/// Where anything is painted, in pixels.
+QRect paintedPart(const QImage &image)
+{
+    QRect part;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y) != kPaper)
+                part |= QRect(x, y, 1, 1);
+        }
+    }
+    return part;
+}
+
+/// A PNG whose header promises more pixels than anybody has memory for.
+QByteArray hugePng()
+{
+    return QByteArray::fromHex(
+        "89504e470d0a1a0a0000000d49484452000186a0000186a008060000001f8c8b3e0000000049454e44ae426082");
+}
+
+} // namespace
+
+class PlaybackMouseTrackTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void pointerToThePixel_data();
+    void pointerToThePixel();
+    void hiddenPointer_data();
+    void hiddenPointer();
+    void pressedPointer();
+    void effectsAroundThePointer();
+    void badFiles_data();
+    void badFiles();
+    void badCursors_data();
+    void badCursors();
+    void oddValuesPaintSafely();
+    void findsLikeAWalk();
+    void partOfARecording();
+
+private:
+    std::unique_ptr<MouseFixture> files;
+};
+
+void PlaybackMouseTrackTest::init()
+{
+    files = std::make_unique<MouseFixture>();
+    files->writeSquareCursor();
+    files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(1, 100, 50)});
+}
+
+void PlaybackMouseTrackTest::pointerToThePixel_data()
+{
+    QTest::addColumn<int>("imageRatio");
+    QTest::addColumn<int>("deviceRatio");
+    QTest::newRow("plain") << 1 << 1;
+    QTest::newRow("sharp screen") << 2 << 2;
+    QTest::newRow("sharp screen, shown on a plain one") << 2 << 1;
+}
+
+/// The hotspot's pixel is where the pointer was, and nothing is blurred.
+void PlaybackMouseTrackTest::pointerToThePixel()
+{
+    QFETCH(int, imageRatio);
+    QFETCH(int, deviceRatio);
+    files->writeSquareCursor(16, imageRatio);
+    KelPlaybackMouseTrack track(files->path(), nullptr);
+    QCOMPARE(track.errorString(), QString());
+    QCOMPARE(track.name(), QString("MouseTrack"));
+    track.seekToFrame(0); // before the first move
+    QCOMPARE(paintedPart(paint(track)), QRect());
+    track.seekToFrame(5);
+    const QImage image = paint(track, {300, 200}, deviceRatio);
+    if (imageRatio == deviceRatio) {
+        QCOMPARE(paintedPart(image), QRect(QPoint(100, 50) * deviceRatio - QPoint(2, 3), QSize(16, 16)));
+        QCOMPARE(image.pixelColor(QPoint(100, 50) * deviceRatio), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(QPoint(100, 50) * deviceRatio + QPoint(1, 0)), QColor(Qt::green));
+    } else {
+        QVERIFY(QRect(98, 48, 10, 10).contains(paintedPart(image)));
+    }
+    track.setEnabled(false);
+    QVERIFY(!track.isVisible());
+    QCOMPARE(paintedPart(paint(track)), QRect());
+    track.paint(nullptr);
+}
+
+void PlaybackMouseTrackTest::hiddenPointer_data()
+{
+    QTest::addColumn<int>("x");
+    QTest::addColumn<int>("y");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<bool>("isShown");
+    QTest::newRow("in a corner") << 2000 << 1500 << "move" << true;
+    QTest::newRow("right of all") << 2001 << 10 << "move" << false;
+    QTest::newRow("below all") << 10 << 1501 << "move" << false;
+    QTest::newRow("left of the picture") << -5 << 10 << "move" << true;
+    QTest::newRow("nowhere") << -1 << -1 << "move" << false;
+    QTest::newRow("hidden") << 10 << 10 << "hide" << false;
+    QTest::newRow("unheard of") << 10 << 10 << "jump" << true;
+}
+
+void PlaybackMouseTrackTest::hiddenPointer()
+{
+    QFETCH(int, x);
+    QFETCH(int, y);
+    QFETCH(QString, action);
+    files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, x, y, "square", action)});
+    KelPlaybackMouseTrack track(files->path(), nullptr);
+    track.seekToFrame(0);
+    QTEST(!paintedPart(paint(track, {2100, 1600})).isEmpty(), "isShown");
+}
+
+/// With the settings that a track starts with, a click is to be seen.
+void PlaybackMouseTrackTest::pressedPointer()
+{
+    files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
+    KelPlaybackMouseTrack track(files->path(), nullptr);
+    for (int frame = 0; frame <= 10; ++frame)
+        track.seekToFrame(frame);
+    // 16 pixels at 4/5, about the pointer: from 2 left and 3 above.
+    const QRect part = paintedPart(paint(track));
+    QVERIFY(QRect(98, 47, 14, 14).contains(part));
+    QVERIFY(part.width() <= 14 && part.height() <= 14);
+    track.resetEffects();
+    QCOMPARE(paintedPart(paint(track)).size(), QSize(16, 16));
+}
+
+void PlaybackMouseTrackTest::effectsAroundThePointer()
+{
+    // Far away from the pointer, at (100, 50), which long effects follow.
+    files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, 220, 150)});
+    const QRect pointer(218, 147, 16, 16);
+    const auto partWith = [&](const QString &clicks, auto set) {
+        files->write("mouseclicks-0.json", MouseFixture::clicks(clicks));
+        KelPlaybackMouseTrack track(files->path(), nullptr);
+        track.setClickType(5);
+        track.setWheelType(1);
+        track.setEffectColor(Qt::magenta);
+        set(track);
+        for (int frame = 0; frame <= 9; ++frame)
+            track.seekToFrame(frame);
+        return paint(track);
+    };
+    const auto asIs = [](KelPlaybackMouseTrack &) {};
+
+    const QImage clicked = partWith("3 left down, 5 left up", asIs);
+    QVERIFY(QRect(68, 18, 64, 64).contains(paintedPart(clicked.copy(0, 0, 200, 130))));
+    QCOMPARE(paintedPart(clicked.copy(200, 130, 100, 70)).translated(200, 130), pointer);
+    int magenta = 0;
+    for (int y = 18; y < 82; ++y) {
+        for (int x = 68; x < 132; ++x)
+            magenta += clicked.pixelColor(x, y) == QColor(Qt::magenta);
+    }
+    QVERIFY(magenta > 20);
+
+    const QImage large = partWith("3 left down, 5 left up", [](auto &track) { track.setEffectScale(1.5); });
+    QVERIFY(paintedPart(large.copy(0, 0, 200, 130)).width() > 1.4 * paintedPart(clicked.copy(0, 0, 200, 130)).width());
+
+    const QRect aroundPointer(188, 118, 64, 64);
+    const QRect held = paintedPart(partWith("3 left down, 40 left up", asIs));
+    QVERIFY(aroundPointer.contains(held) && held.contains(pointer) && held != pointer);
+    const QRect turned = paintedPart(partWith("3 wheel 120", asIs));
+    QVERIFY(aroundPointer.contains(turned) && turned != pointer);
+
+    QCOMPARE(paintedPart(partWith("3 right down, 40 right up", [](auto &track) { track.setShownButtons(5); })),
+             pointer);
+    QCOMPARE(paintedPart(partWith("3 wheel 120", [](auto &track) { track.setShowWheel(false); })), pointer);
+    QCOMPARE(paintedPart(partWith("3 wheel 120", [](auto &track) { track.setWheelType(0); })), pointer);
+    QCOMPARE(paintedPart(partWith("3 left down, 5 left up", [](auto &track) { track.setClickType(9); })), pointer);
+    QCOMPARE(paintedPart(partWith("3 left down, 5 left up", [](auto &track) { track.setEffectScale(0); })), pointer);
+}
+
+void PlaybackMouseTrackTest::badFiles_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("content"); // null: no such file
+    QTest::addColumn<QStringList>("log");
+
+    const QString moves("mousemoves-0.json"), list("cursor.json"), clicks("mouseclicks-0.json");
+    const QString failed("C Failed to load mouse track JSON data");
+    const QStringList noMoves{"W Failed to load mouse moves", failed};
+    const QStringList noCursors{"W Failed to load cursor types", failed};
+    const QStringList noClicks{"W Failed to load mouse clicks"};
+    const QByteArray whole = QJsonDocument(QJsonArray{MouseFixture::move(0, 1, 1)}).toJson();
+
+    QTest::newRow("moves missing") << moves << QByteArray() << QStringList(failed);
+    QTest::newRow("moves empty") << moves << QByteArray("") << noMoves;
+    QTest::newRow("moves cut off") << moves << whole.left(whole.size() - 3) << noMoves;
+    QTest::newRow("moves too long") << moves << whole + "[" << noMoves;
+    QTest::newRow("moves an object") << moves << QByteArray("{\"frame\":0}") << noMoves;
+    QTest::newRow("moves a word") << moves << QByteArray("true") << noMoves;
+    QTest::newRow("moves nested without end") << moves << QByteArray(200'000, '[') << noMoves;
+    QTest::newRow("moves none") << moves << QByteArray("[]") << QStringList();
+    QTest::newRow("moves of odd types")
+        << moves
+        << QByteArray(R"([1,"a",null,[{"frame":1}],{"frame":"7","x":[1],"y":{"y":3},"cursor":4,"action":5},)"
+                      R"({"frame":1e99,"x":1.5,"y":-9e18,"timestamp":1e300,"cursor":null,"frame":true}])")
+        << QStringList();
+    QTest::newRow("cursors missing") << list << QByteArray() << QStringList(failed);
+    QTest::newRow("cursors an array") << list << QByteArray("[]") << noCursors;
+    QTest::newRow("cursors cut off") << list << QByteArray("{\"cursors\": [") << noCursors;
+    QTest::newRow("cursors without a list") << list << QByteArray("{\"cursors\": 5}") << QStringList();
+    QTest::newRow("cursors too large") << list << QByteArray(5'000'000, ' ') + "{}" << noCursors;
+    QTest::newRow("clicks missing") << clicks << QByteArray() << QStringList();
+    QTest::newRow("clicks cut off") << clicks << QByteArray("[{\"action\":\"click\"},") << noClicks;
+    QTest::newRow("clicks of odd types")
+        << clicks << QByteArray(R"([{"action":"click","frame":1e9,"timestamp":-1e300},{"action":"release","x":"5"}])")
+        << QStringList();
+}
+
+void PlaybackMouseTrackTest::badFiles()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, content);
+    QFETCH(QStringList, log);
+    QFile::remove(files->filePath(name));
+    if (!content.isNull())
+        files->write(name, content);
+    LogCapture capture;
+    KelPlaybackMouseTrack track(files->path(), nullptr);
+    QCOMPARE(capture.take(), log);
+    const bool isUsable = log.isEmpty() || log.last().startsWith("W");
+    QCOMPARE(track.errorString(), isUsable ? QString() : QString("Failed to load mouse track JSON data"));
+    for (int frame : {0, 3, 2}) {
+        track.seekToFrame(frame);
+        track.nextKeyFrame();
+        paint(track);
+    }
+}
+
+void PlaybackMouseTrackTest::badCursors_data()
+{
+    QTest::addColumn<QString>("image");
+    QTest::newRow("missing") << "nothing.png";
+    QTest::newRow("no name") << "";
+    QTest::newRow("a folder") << ".";
+    QTest::newRow("above") << "../outside.png";
+    QTest::newRow("a link to the outside") << "link.png";
+    QTest::newRow("a pipe") << "pipe.png";
+    QTest::newRow("another format") << "bitmap.bmp";
+    QTest::newRow("no picture") << "text.png";
+    QTest::newRow("absurdly large") << "huge.png";
+    QTest::newRow("too large") << "large.png";
+}
+
+void PlaybackMouseTrackTest::badCursors()
+{
+    QFETCH(QString, image);
+    const QString dir = files->filePath("cursors/");
+    QVERIFY(QFile::copy(dir + "square.png", files->filePath("outside.png")));
+    QVERIFY(QFile::link(files->filePath("outside.png"), dir + "link.png"));
+    QCOMPARE(mkfifo(QFile::encodeName(dir + "pipe.png").constData(), 0600), 0);
+    QVERIFY(QImage(8, 8, QImage::Format_RGB32).save(dir + "bitmap.bmp"));
+    QVERIFY(QImage(2000, 8, QImage::Format_RGB32).save(dir + "large.png"));
+    files->write("cursors/text.png", "text");
+    files->write("cursors/huge.png", hugePng());
+    files->writeCursorList(image);
+    LogCapture log;
+    KelPlaybackMouseTrack track(files->path(), nullptr);
+    QCOMPARE(track.errorString(), QString());
+    QCOMPARE(log.take(), QStringList("W Failed to load cursor image: \"" + dir + image + '"'));
+    track.seekToFrame(1);
+    QCOMPARE(log.take(), QStringList("W Cursor type not found: \"square\""));
+    QCOMPARE(paintedPart(paint(track)), QRect());
+}
+
+void PlaybackMouseTrackTest::oddValuesPaintSafely()
+{
+    constexpr int kMost = std::numeric_limits<int>::max();
+    QJsonArray moves, clicks;
+    for (int value : {kMost, -kMost, -2, 0}) {
+        const int frame = moves.size();
+        moves.append(MouseFixture::move(frame, -2, value));
+        moves.append(MouseFixture::move(frame, value, -2));
+        for (int i = 0; i < 1000; ++i) {
+            clicks.append(QJsonObject{{"frame", frame},
+                                      {"x", value},
+                                      {"y", -value},
+                                      {"delta", value},
+                                      {"action", QStringList{"click", "wheel", "release"}[i % 3]},
+                                      {"button", "left"}});
+        }
+    }
+    files->write("mousemoves-0.json", moves);
+    files->write("mouseclicks-0.json", clicks);
+    files->writeCursorList("square.png", 1e-300);
+    KelPlaybackMouseTrack track(files->path(), nullptr);
+    track.setWheelType(1);
+    for (double scale : {double(NAN), double(INFINITY), -1.0, 1.0}) {
+        for (int type : {1, 4, 6}) {
+            track.setEffectScale(scale);
+            track.setClickType(type);
+            for (int frame : {0, 1, 2, 3, 4, kMost, -kMost}) {
+                track.seekToFrame(frame);
+                paint(track);
+            }
+        }
+    }
+}
+
+/// The naive way: from the last record back to the first that is not later; of all later frames the smallest.
+void PlaybackMouseTrackTest::findsLikeAWalk()
+{
+    QRandomGenerator random(815);
+    for (int round = 0; round < 200; ++round) {
+        QJsonArray records;
+        QVector<int> frames;
+        const int step = random.bounded(1, 4); // from nearly sorted to any order
+        for (int i = random.bounded(40); i > 0; --i) {
+            frames.append(step == 3 ? random.bounded(-5, 30)
+                                    : frames.value(frames.size() - 1) + random.bounded(-1, step));
+            records.append(MouseFixture::move(frames.last(), records.size(), 0));
+        }
+        files->write("mousemoves-0.json", records);
+        PointerList list;
+        QVERIFY(list.load(files->filePath("mousemoves-0.json")));
+        for (int frame = -8; frame < 90; ++frame) {
+            int index = frames.size() - 1;
+            while (index >= 0 && frames[index] > frame)
+                --index;
+            const PointerList::Sample *sample = list.at(frame);
+            QCOMPARE(sample ? sample->position.x() : -1, index);
+            int next = std::numeric_limits<int>::max();
+            for (int other : qAsConst(frames))
+                next = other > frame ? std::min(next, other) : next;
+            QCOMPARE(list.nextFrame(frame), next == std::numeric_limits<int>::max() ? -1 : next);
+        }
+    }
+}
+
+void PlaybackMouseTrackTest::partOfARecording()
+{
+    RecordingFixture recording;
+    recording.metadata.mouseTrack = true;
+    recording.metadata.recordArea = QRect(0, 0, 300, 200);
+    recording.save();
+    const QString dir = recording.path() + "/Mouse";
+    KelPlaybackSeams seams;
+    seams.nowMs = [] { return 0; };
+    auto script = std::make_shared<DecoderScript>();
+    script->frameSize = QSize(300, 200);
+    seams.decoders = scriptedDecoders(script);
+    LogCapture log;
+    QCOMPARE(KelPlaybackTrackManager(recording.path(), false, seams, nullptr).trackNames(), {"ScreenTrack"});
+    QCOMPARE(log.take(), QStringList("W Mouse track enabled but directory not found: \"" + dir + '"'));
+
+    files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
+    QVERIFY(QFile::link(files->path(), dir));
+    KelPlaybackTrackManager manager(recording.path(), false, seams, nullptr);
+    QCOMPARE(manager.trackNames(), QStringList({"ScreenTrack", "MouseTrack"}));
+    const auto pointerWidth = [&] {
+        QImage image(300, 200, QImage::Format_RGB32);
+        QPainter painter(&image);
+        manager.paint(&painter);
+        int width = 0;
+        for (int x = 0; x < 300; ++x)
+            width += image.pixel(x, 50) != frameColor(manager.currentFrame());
+        return width;
+    };
+    const auto press = [&] {
+        for (int frame = 0; frame <= 10; ++frame)
+            manager.seek(frame);
+    };
+    manager.play();
+    press();
+    QVERIFY(pointerWidth() <= 14);
+    manager.pause();
+    QCOMPARE(pointerWidth(), 16);
+    press();
+    QVERIFY(pointerWidth() <= 14);
+    manager.stop();
+    QCOMPARE(manager.currentFrame(), 0);
+    manager.seek(5);
+    QCOMPARE(pointerWidth(), 16);
+
+    files->write("mousemoves-0.json", "[");
+    KelPlaybackTrackManager damaged(recording.path(), false, seams, nullptr);
+    QCOMPARE(damaged.trackNames(), QStringList("ScreenTrack"));
+    QCOMPARE(damaged.totalFrames(), 100);
+}
+
+QTEST_MAIN(PlaybackMouseTrackTest)
+#include "tst_playback_mouse_track.moc"

@@ -1,0 +1,128 @@
+// Loading, seeking in and painting recorded input: prints lines of name, value and unit, separated by tabs.
+
+#include "Figure.h"
+#include "playback/KelPlaybackMouseTrack.h"
+#include "playback/PointerList.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <malloc.h>
+
+#include <functional>
+
+namespace
+{
+
+constexpr int kMoves = 1'000'000;
+constexpr int kSeeks = 100'000;
+constexpr int kPaints = 200;
+
+double msOf(const std::function<void()> &work)
+{
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return double(timer.nsecsElapsed()) / 1e6;
+}
+
+void write(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+/// One move a frame in the layout of a recording, and four clicks whose effects overlap.
+void writeMouse(const QString &dir, int moves)
+{
+    QDir(dir).mkpath("cursors");
+    QImage image(24, 24, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::black);
+    image.save(dir + "/cursors/0123456789abcdef.png");
+    write(dir + "/cursor.json",
+          R"({"cursors":[{"id":"0123456789abcdef","image":"0123456789abcdef.png","device_pixel_ratio":1}]})");
+    QByteArray text = "[\n";
+    for (int i = 0; i < moves; ++i) {
+        text += i == 0 ? "" : ",\n";
+        text += "    {\n        \"action\": \"move\",\n        \"cursor\": \"0123456789abcdef\",\n        \"frame\": " +
+                QByteArray::number(i) + ",\n        \"timestamp\": " + QByteArray::number(qint64(i) * 16) +
+                ",\n        \"x\": " + QByteArray::number(i % 1900) +
+                ",\n        \"y\": " + QByteArray::number(i % 1000) + "\n    }";
+    }
+    write(dir + "/mousemoves-0.json", text + "\n]\n");
+    QByteArray clicks;
+    for (int i = 0; i < 4; ++i) {
+        for (bool isClick : {true, false}) {
+            const int frame = isClick ? 1 + 2 * i : 90 + i;
+            clicks += QByteArray(clicks.isEmpty() ? "" : ",") + R"({"action":")" + (isClick ? "click" : "release") +
+                      R"(","button":")" + QList<QByteArray>{"left", "right", "middle"}[i % 3] + R"(","frame":)" +
+                      QByteArray::number(frame) + R"(,"timestamp":)" + QByteArray::number(isClick ? 4000 : 4100) +
+                      R"(,"x":400,"y":300})";
+        }
+    }
+    write(dir + "/mouseclicks-0.json", '[' + clicks + ']');
+}
+
+void measureList(const QString &dir)
+{
+    PointerList list;
+    const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
+    const double ms = msOf([&] { list.load(dir + "/mousemoves-0.json"); });
+    const std::size_t after = mallinfo2().uordblks + mallinfo2().hblkhd;
+    printFigure("a million moves: load", ms, "ms");
+    printFigure("a million moves: memory", double(after - before) / 1e6, "MB");
+}
+
+void measureSeeks(const QString &dir)
+{
+    KelPlaybackMouseTrack track(dir, nullptr);
+    QRandomGenerator random(1);
+    const double ms = msOf([&] {
+        for (int i = 0; i < kSeeks; ++i)
+            track.seekToFrame(int(random.bounded(kMoves)));
+    });
+    printFigure("a million moves: random seek", ms * 1000 / kSeeks, "us");
+}
+
+void measurePainting(const QString &dir)
+{
+    KelPlaybackMouseTrack track(dir, nullptr);
+    track.setClickType(3);
+    QImage picture(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    double ms = 0;
+    for (int i = 0; i < kPaints; ++i) {
+        const int frame = 8 + i % 14; // all four are playing
+        if (frame == 8) {
+            for (int first = 0; first < frame; ++first)
+                track.seekToFrame(first);
+        }
+        track.seekToFrame(frame);
+        picture.fill(Qt::white);
+        QPainter painter(&picture);
+        ms += msOf([&] { track.paint(&painter); });
+    }
+    printFigure("pointer and four effects: paint", ms / kPaints, "ms");
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication app(argc, argv);
+    const QTemporaryDir dir;
+    writeMouse(dir.path(), kMoves);
+    measureList(dir.path());
+    measureSeeks(dir.path());
+    writeMouse(dir.path(), 100);
+    measurePainting(dir.path());
+    return 0;
+}

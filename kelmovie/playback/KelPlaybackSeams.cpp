@@ -1,5 +1,6 @@
 #include "playback/KelPlaybackSeams.h"
 
+#include "audio/QtAudioSink.h"
 #include "avcodec/ffv1Decoder.h"
 #include "avcodec/h264Decoder.h"
 
@@ -15,5 +16,6 @@ KelPlaybackSeams KelPlaybackSeams::real()
     seams.decoders.createH264 = [](const QString &path, const H264DecodeParams &params) {
         return std::make_unique<h264Decoder>(path, params);
     };
+    seams.createAudioSink = [](const QAudioFormat &format) { return std::make_unique<QtAudioSink>(format); };
     return seams;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "audio/AudioSink.h"
+
 #include <QString>
 #include <QtGlobal>
 
@@ -21,7 +23,8 @@ struct KelDecoderFactory {
 struct KelPlaybackSeams {
     std::function<qint64()> nowMs; ///< wall clock, ms since the epoch
     KelDecoderFactory decoders;
+    AudioSink::Factory createAudioSink;
 
-    /// The system's clock and the codec library's decoders.
+    /// The system's clock and default sound device, and the codec library's decoders.
     static KelPlaybackSeams real();
 };

@@ -3,6 +3,7 @@
 #include "playback/KelPlaybackMouseTrack.h"
 #include "playback/KelPlaybackScreenTrack.h"
 #include "playback/KelPlaybackSeams.h"
+#include "playback/KelPlaybackVoiceTrack.h"
 #include "playback/PlaybackClock.h"
 #include "record/KelRecordingMetadata.h"
 
@@ -23,6 +24,7 @@ constexpr double kMinSpeed = 0.1;
 constexpr double kMaxSpeed = 16.0;
 constexpr double kSkippingSpeed = 1.5;
 constexpr int kJumpFrames = 2;
+constexpr double kNegligibleMs = 20;
 
 // Above a certain speed only every n-th frame change is decoded. Counted for all managers together, for good.
 unsigned frameChanges = 0;
@@ -44,10 +46,13 @@ public:
     void createTracks();
     void createScreenTrack();
     void createMouseTrack();
+    void createVoiceTrack();
     void decideFrameCount();
     bool holds(int frame) const { return frame >= 0 && frame < totalFrames; }
     bool isJump(int frame) const;
     void moveTracks(int frame);
+    double audioMs(double frame) const;
+    double audioRate() const;
     void restartClock() { clock.restart(seams.nowMs(), currentFrame); }
     void tick();
     void endPlay();
@@ -58,6 +63,7 @@ public:
     std::vector<std::unique_ptr<KelPlaybackTrack>> tracks; // in painting order
     KelPlaybackScreenTrack *screenTrack = nullptr;         // the one in tracks
     KelPlaybackMouseTrack *mouseTrack = nullptr;           // the one in tracks
+    KelPlaybackVoiceTrack *voiceTrack = nullptr;           // the one in tracks
     State state = Stopped;
     const QString recordDir;
     KelRecordingMetadata metadata;
@@ -77,6 +83,8 @@ void KelPlaybackTrackManager::Private::createTracks()
         createScreenTrack();
     if (metadata.mouseTrack)
         createMouseTrack();
+    if (metadata.systemAudio || metadata.microphoneAudio)
+        createVoiceTrack();
     decideFrameCount();
 }
 
@@ -112,6 +120,18 @@ void KelPlaybackTrackManager::Private::createMouseTrack()
     tracks.push_back(std::move(track));
 }
 
+void KelPlaybackTrackManager::Private::createVoiceTrack()
+{
+    const QString dir = recordDir + "/Voice";
+    if (!QFileInfo(dir).isDir()) {
+        qWarning() << "Voice track enabled but directory not found:" << dir;
+        return;
+    }
+    auto track = std::make_unique<KelPlaybackVoiceTrack>(dir, metadata.systemAudio, metadata.microphoneAudio, seams, q);
+    voiceTrack = track.get();
+    tracks.push_back(std::move(track));
+}
+
 void KelPlaybackTrackManager::Private::decideFrameCount()
 {
     totalFrames = 1;
@@ -134,8 +154,27 @@ bool KelPlaybackTrackManager::Private::isJump(int frame) const
 
 void KelPlaybackTrackManager::Private::moveTracks(int frame)
 {
-    for (const auto &track : tracks)
-        track->seekToFrame(frame);
+    for (const auto &track : tracks) {
+        if (track.get() != voiceTrack)
+            track->seekToFrame(frame);
+    }
+}
+
+/// Where the sound of a frame is. The recording's clock may have ticked at another rate than fps() says; its sound did
+/// not.
+double KelPlaybackTrackManager::Private::audioMs(double frame) const
+{
+    return frame / totalFrames * double(metadata.durationMs);
+}
+
+/// Ms of sound in each ms of playback.
+double KelPlaybackTrackManager::Private::audioRate() const
+{
+    const double nominalMs = totalFrames * 1000.0 / clock.fps;
+    const auto durationMs = double(metadata.durationMs);
+    // Without need no sample is left out or repeated.
+    const bool isNominal = durationMs <= 0 || std::abs(durationMs - nominalMs) <= kNegligibleMs;
+    return isNominal ? clock.speed : clock.speed * durationMs / nominalMs;
 }
 
 void KelPlaybackTrackManager::Private::tick()
@@ -155,18 +194,22 @@ void KelPlaybackTrackManager::Private::tick()
         endPlay();
         return;
     }
-    if (!changed)
-        return;
-    ++frameChanges;
-    const unsigned step = clock.speed > kSkippingSpeed ? unsigned(clock.speed) : 1U;
-    if (frameChanges % step == 0)
-        q->seek(currentFrame, false);
+    if (changed) {
+        ++frameChanges;
+        const unsigned step = clock.speed > kSkippingSpeed ? unsigned(clock.speed) : 1U;
+        if (frameChanges % step == 0)
+            q->seek(currentFrame, false);
+    }
+    if (voiceTrack && metadata.durationMs > 0)
+        voiceTrack->synchronize(audioMs(clock.exactFrameAt(seams.nowMs())));
 }
 
 void KelPlaybackTrackManager::Private::endPlay()
 {
     timer.stop();
     state = Stopped;
+    if (voiceTrack)
+        voiceTrack->stop();
     if (mouseTrack)
         mouseTrack->resetEffects();
     currentFrame = 0;
@@ -281,6 +324,11 @@ QStringList KelPlaybackTrackManager::trackNames() const
     return names;
 }
 
+KelPlaybackVoiceTrack *KelPlaybackTrackManager::voiceTrack() const
+{
+    return d->voiceTrack;
+}
+
 void KelPlaybackTrackManager::play()
 {
     if (d->state == Playing)
@@ -290,6 +338,8 @@ void KelPlaybackTrackManager::play()
         d->moveTracks(d->currentFrame);
     d->state = Playing;
     d->restartClock();
+    if (d->voiceTrack)
+        d->voiceTrack->play(d->audioMs(d->currentFrame), d->audioRate());
     // Twice a frame, so that a frame is never late by a whole one.
     d->timer.start(std::max(1, 500 / fps()));
     emit sigPlaybackStarted();
@@ -301,6 +351,8 @@ void KelPlaybackTrackManager::pause()
         return;
     d->timer.stop();
     d->state = Paused;
+    if (d->voiceTrack)
+        d->voiceTrack->pause();
     if (d->mouseTrack)
         d->mouseTrack->resetEffects();
     emit sigPlaybackPaused();
@@ -318,6 +370,8 @@ void KelPlaybackTrackManager::setSpeed(double speed)
         return;
     d->clock.speed = std::clamp(speed, kMinSpeed, kMaxSpeed);
     d->restartClock();
+    if (d->voiceTrack && d->state == Playing)
+        d->voiceTrack->play(d->audioMs(d->currentFrame), d->audioRate());
     emit sigPlaybackSpeedChanged(d->clock.speed);
 }
 
@@ -335,6 +389,8 @@ void KelPlaybackTrackManager::seek(int frame, bool force)
     if (isMove && d->state == Playing)
         d->restartClock();
     d->moveTracks(frame);
+    if (d->voiceTrack && (isMove || d->state == Paused))
+        d->voiceTrack->seekToMs(qint64(d->audioMs(frame)));
     emit sigFrameChanged(frame);
 }
 

@@ -10,6 +10,7 @@
 
 #include <memory>
 
+class KelPlaybackVoiceTrack;
 class QPainter;
 struct KelPlaybackSeams;
 struct KelRecordingMetadata;
@@ -66,6 +67,8 @@ public:
     int videoFrameCount() const;
     /// Names of the tracks that were loaded, in painting order.
     QStringList trackNames() const;
+    /// The sound; null when none was recorded. Owned by the manager.
+    KelPlaybackVoiceTrack *voiceTrack() const;
 
     /// Starts, or resumes after a pause, at the current frame. Does nothing while playing.
     void play();

@@ -9,8 +9,12 @@ void PlaybackClock::restart(qint64 nowMs, int frame)
 
 int PlaybackClock::frameAt(qint64 nowMs, int totalFrames) const
 {
-    const double due = double(fps * (nowMs - startMs)) * speed / 1000.0;
-    return int(std::clamp(due, 0.0, double(totalFrames - 1)));
+    return int(std::clamp(exactFrameAt(nowMs), 0.0, double(totalFrames - 1)));
+}
+
+double PlaybackClock::exactFrameAt(qint64 nowMs) const
+{
+    return double(fps * (nowMs - startMs)) * speed / 1000.0;
 }
 
 bool PlaybackClock::isOver(qint64 nowMs, int totalFrames) const

@@ -12,6 +12,8 @@ struct PlaybackClock {
     void restart(qint64 nowMs, int frame);
     /// The frame that is due, bounded to the recording.
     int frameAt(qint64 nowMs, int totalFrames) const;
+    /// The same with what of the frame has passed, and unbounded.
+    double exactFrameAt(qint64 nowMs) const;
     /// The last frame has been shown for its whole time.
     bool isOver(qint64 nowMs, int totalFrames) const;
 };

@@ -9,6 +9,7 @@ extern "C" {
 #include <libavutil/dict.h>
 #include <libavutil/error.h>
 #include <libavutil/frame.h>
+#include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
 }
 
@@ -39,6 +40,7 @@ struct Deleter {
     void operator()(AVBufferRef *buffer) const { av_buffer_unref(&buffer); }
     void operator()(AVDictionary *dictionary) const { av_dict_free(&dictionary); }
     void operator()(SwsContext *context) const { sws_freeContext(context); }
+    void operator()(SwrContext *context) const { swr_free(&context); }
 };
 
 template <typename T>
@@ -53,6 +55,7 @@ using FilterGraph = Handle<AVFilterGraph>;
 using BufferRef = Handle<AVBufferRef>;
 using Dictionary = Handle<AVDictionary>;
 using ScaleContext = Handle<SwsContext>;
+using ResampleContext = Handle<SwrContext>;
 
 /// The library's text for an AVERROR code.
 inline QString errorText(int code)

@@ -1,8 +1,6 @@
 #include "avcodec/VideoSource.h"
 
-#include "avcodec/AvLog.h"
-
-#include <QFileInfo>
+#include "avcodec/InputFile.h"
 
 #include <climits>
 #include <cstring>
@@ -17,32 +15,13 @@ constexpr int kLargestSide = 16384;
 
 bool VideoSource::open(const QString &path, AVCodecID codec, QString *error)
 {
-    av::useQtLog();
-    // A pipe or a device would block, a directory confuses the demuxers.
-    if (!QFileInfo(path).isFile()) {
-        *error = QStringLiteral("not a regular file");
+    m_format = av::openInput(path, "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm", error);
+    if (!m_format)
         return false;
-    }
-    AVDictionary *options = nullptr;
-    // What lies on the disk is not trusted to name a playlist, an address or a format that needs guessing.
-    av_dict_set(&options, "format_whitelist", "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm", 0);
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
-    AVFormatContext *format = nullptr;
-    const int opened = avformat_open_input(&format, ("file:" + path.toUtf8()).constData(), nullptr, &options);
-    av_dict_free(&options);
-    if (opened < 0) {
-        *error = av::errorText(opened);
-        return false;
-    }
-    m_format.reset(format);
-    if (const int found = avformat_find_stream_info(format, nullptr); found < 0) {
-        *error = av::errorText(found);
-        return false;
-    }
     if (!selectVideo(codec, error))
         return false;
 
-    m_samplesAreRaw = std::strstr(format->iformat->name, "mov") != nullptr;
+    m_samplesAreRaw = std::strstr(m_format->iformat->name, "mov") != nullptr;
     // The demuxer's own index knows decoding times only, which is enough where frames are not reordered.
     m_index =
         SampleIndex(m_samplesAreRaw && m_stream->codecpar->video_delay == 0 ? samplesOfDemuxer() : samplesOfPackets());

@@ -3,6 +3,7 @@
 #include "avcodec/BoundedWorker.h"
 #include "avcodec/FirstError.h"
 #include "avcodec/Mp4Muxer.h"
+#include "avcodec/MuxerFile.h"
 #include "avcodec/PlanarFrames.h"
 #include "avcodec/X264Encoder.h"
 
@@ -40,19 +41,6 @@ x264_param_t encoderParams(const QSize &size, int fps, int quality)
     return x264;
 }
 
-/// An output file of libavformat's own, which can be opened again to move the index to the front.
-class OutputFile
-{
-public:
-    ~OutputFile() { close(); }
-    int open(const QByteArray &url) { return avio_open(&m_io, url.constData(), AVIO_FLAG_WRITE); }
-    int close() { return avio_closep(&m_io); }
-    AVIOContext *io() const { return m_io; }
-
-private:
-    AVIOContext *m_io = nullptr;
-};
-
 } // namespace
 
 class h264Encoder::Private
@@ -83,7 +71,7 @@ private:
 
     std::unique_ptr<PlanarFrames> frames;
     std::unique_ptr<X264Encoder> encoder;
-    OutputFile file;
+    MuxerFile file;
     std::unique_ptr<Mp4Muxer> muxer;
     qint64 lastIndex = -1;
     bool isClosed = false;

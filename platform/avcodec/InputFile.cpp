@@ -1,0 +1,29 @@
+#include "avcodec/InputFile.h"
+
+#include "avcodec/AvLog.h"
+
+#include <QFileInfo>
+
+av::FormatContext av::openInput(const QString &path, const char *formats, QString *error)
+{
+    useQtLog();
+    // A pipe or a device would block, a directory confuses the demuxers.
+    if (!QFileInfo(path).isFile()) {
+        *error = QStringLiteral("not a regular file");
+        return nullptr;
+    }
+    AVDictionary *options = nullptr;
+    av_dict_set(&options, "format_whitelist", formats, 0);
+    av_dict_set(&options, "protocol_whitelist", "file", 0);
+    AVFormatContext *context = nullptr;
+    int code = avformat_open_input(&context, ("file:" + path.toUtf8()).constData(), nullptr, &options);
+    av_dict_free(&options);
+    FormatContext format(context);
+    if (code >= 0)
+        code = avformat_find_stream_info(context, nullptr);
+    if (code < 0) {
+        *error = errorText(code);
+        return nullptr;
+    }
+    return format;
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <deque>
+#include <vector>
+
+/// Keeps stereo sound within full scale: the level sinks smoothly shortly before a peak that would exceed it, and rises
+/// slowly afterwards. What stays within full scale passes unchanged.
+class PeakLimiter
+{
+public:
+    /// Samples by which the sound comes out later.
+    static constexpr int Delay = 240;
+
+    /// Replaces `count` samples of both channels by those that came `Delay` samples before.
+    void process(float *left, float *right, int count);
+
+private:
+    struct Dip {
+        qint64 position;
+        float gain;
+    };
+
+    float gainFor(float peak);
+
+    qint64 m_position = 0;
+    std::deque<Dip> m_dips; // needed gains below 1 within the delay, rising
+    float m_envelope = 1.0F;
+    // Of the last Delay + 1 samples, in rings:
+    std::vector<float> m_envelopes = std::vector<float>(Delay + 1, 1.0F);
+    std::vector<float> m_left = std::vector<float>(Delay + 1);
+    std::vector<float> m_right = std::vector<float>(Delay + 1);
+    double m_envelopeSum = Delay + 1;
+    size_t m_next = 0; // the oldest place in the rings
+};

@@ -1,0 +1,126 @@
+#pragma once
+
+#include <QByteArray>
+#include <QFile>
+#include <QProcess>
+#include <QString>
+#include <QtEndian>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <vector>
+
+/// Sound in a test: made, written as a WAV file, found again in what the ffmpeg program decodes.
+struct Sound {
+    int rate = 48'000;
+    int channels = 2;
+    std::vector<float> samples; ///< interleaved
+
+    /// `seconds` of what `value(time)` gives, in all channels.
+    static Sound make(double seconds, const std::function<double(double)> &value, int rate = 48'000, int channels = 2)
+    {
+        Sound sound{rate, channels, {}};
+        for (int frame = 0; frame < int(std::lround(seconds * rate)); ++frame)
+            sound.samples.insert(sound.samples.end(), size_t(channels), float(value(double(frame) / rate)));
+        return sound;
+    }
+
+    /// A sine, from and to the given times.
+    static std::function<double(double)> tone(double hertz, double level, double from = 0, double to = 1e9)
+    {
+        return [=](double time) { return time >= from && time < to ? level * std::sin(2 * M_PI * hertz * time) : 0.0; };
+    }
+
+    /// The first sound stream of a file, as 48 kHz stereo; empty when there is none.
+    static Sound decode(const QString &path)
+    {
+        QProcess ffmpeg;
+        ffmpeg.start("ffmpeg",
+                     {"-v", "error", "-i", path, "-map", "0:a:0", "-f", "f32le", "-ac", "2", "-ar", "48000", "pipe:1"});
+        ffmpeg.waitForFinished(60'000);
+        const QByteArray bytes = ffmpeg.readAllStandardOutput();
+        Sound sound;
+        sound.samples.resize(size_t(bytes.size()) / sizeof(float));
+        std::memcpy(sound.samples.data(), bytes.constData(), sound.samples.size() * sizeof(float));
+        return sound;
+    }
+
+    double seconds() const { return double(samples.size()) / channels / rate; }
+
+    /// A canonical WAV file of floats, or of 16-bit samples.
+    bool save(const QString &path, bool isFloat = true) const
+    {
+        const int bytes = isFloat ? 4 : 2;
+        QByteArray data;
+        for (float sample : samples) {
+            const qint16 pcm = qint16(std::lround(double(sample) * 32767));
+            data.append(isFloat ? reinterpret_cast<const char *>(&sample) : reinterpret_cast<const char *>(&pcm),
+                        bytes);
+        }
+        QByteArray head(44, '\0');
+        const auto put = [&](int offset, quint32 value, int size) {
+            value = qToLittleEndian(value);
+            std::memcpy(head.data() + offset, &value, size_t(size));
+        };
+        head.replace(0, 4, "RIFF").replace(8, 8, "WAVEfmt ").replace(36, 4, "data");
+        put(4, quint32(data.size() + 36), 4);
+        put(16, 16, 4);
+        put(20, isFloat ? 3 : 1, 2);
+        put(22, quint32(channels), 2);
+        put(24, quint32(rate), 4);
+        put(28, quint32(rate * channels * bytes), 4);
+        put(32, quint32(channels * bytes), 2);
+        put(34, quint32(bytes * 8), 2);
+        put(40, quint32(data.size()), 4);
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(head + data) == head.size() + data.size();
+    }
+
+    /// Amplitude of a frequency in a channel between two times (Goertzel).
+    double level(double hertz, double from, double to, int channel = 0) const
+    {
+        const double turn = 2 * std::cos(2 * M_PI * hertz / rate);
+        double last = 0;
+        double beforeLast = 0;
+        const int first = int(from * rate);
+        const int end = std::min(int(to * rate), int(samples.size()) / channels);
+        for (int frame = first; frame < end; ++frame) {
+            const double next = double(samples[size_t(frame * channels + channel)]) + turn * last - beforeLast;
+            beforeLast = last;
+            last = next;
+        }
+        const double power = last * last + beforeLast * beforeLast - turn * last * beforeLast;
+        return end > first ? 2 * std::sqrt(std::max(power, 0.0)) / (end - first) : 0;
+    }
+
+    /// The largest magnitude between two times.
+    double peak(double from = 0, double to = 1e9) const
+    {
+        double peak = 0;
+        const auto end = std::min(samples.size(), size_t(to * rate * channels));
+        for (auto i = size_t(from * rate) * size_t(channels); i < end; ++i)
+            peak = std::max(peak, double(std::fabs(samples[i])));
+        return peak;
+    }
+
+    /// The first time at which it is as loud as `level`, -1 when it never is.
+    double onset(double level) const
+    {
+        for (size_t i = 0; i < samples.size(); ++i) {
+            if (double(std::fabs(samples[i])) >= level)
+                return double(i / size_t(channels)) / rate;
+        }
+        return -1;
+    }
+    /// The last such time.
+    double end(double level) const
+    {
+        for (size_t i = samples.size(); i > 0; --i) {
+            if (double(std::fabs(samples[i - 1])) >= level)
+                return double((i - 1) / size_t(channels)) / rate;
+        }
+        return -1;
+    }
+};

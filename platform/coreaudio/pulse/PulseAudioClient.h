@@ -1,0 +1,44 @@
+#pragma once
+
+#include "coreaudio/pulse/PulseConnection.h"
+#include "coreaudio/pulse/PulseRecordStream.h"
+#include "coreaudio/sdk/AudioInterfaces.h"
+#include "coreaudio/sdk/ComObject.h"
+
+/// Records in shared mode what an input hears or, with the loopback flag, what an output plays. The server converts:
+/// every format of integers or floats that a WAV file can have is supported, at every rate.
+class PulseAudioClient : public ComObject<IAudioClient, IID_IAudioClient>
+{
+public:
+    PulseAudioClient(std::shared_ptr<PulseConnection> connection, PulseConnection::Source source, EDataFlow flow);
+
+    /// The buffer is as long as the server allows, whatever was asked for.
+    HRESULT STDMETHODCALLTYPE Initialize(AUDCLNT_SHAREMODE mode, DWORD flags, REFERENCE_TIME bufferDuration,
+                                         REFERENCE_TIME periodicity, const WAVEFORMATEX *format,
+                                         LPCGUID session) override;
+    HRESULT STDMETHODCALLTYPE GetBufferSize(UINT32 *frames) override;
+
+    /// Floats in the device's own rate and channels.
+    HRESULT STDMETHODCALLTYPE GetMixFormat(WAVEFORMATEX **format) override;
+    HRESULT STDMETHODCALLTYPE Start() override;
+    HRESULT STDMETHODCALLTYPE Stop() override;
+    HRESULT STDMETHODCALLTYPE GetService(REFIID interfaceId, void **object) override;
+
+    /// Streams are polled.
+    HRESULT STDMETHODCALLTYPE SetEventHandle(HANDLE) override { return AUDCLNT_E_EVENTHANDLE_NOT_EXPECTED; }
+
+    HRESULT STDMETHODCALLTYPE GetStreamLatency(REFERENCE_TIME *) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetCurrentPadding(UINT32 *) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE IsFormatSupported(AUDCLNT_SHAREMODE, const WAVEFORMATEX *, WAVEFORMATEX **) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE GetDevicePeriod(REFERENCE_TIME *, REFERENCE_TIME *) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reset() override { return E_NOTIMPL; }
+
+private:
+    const std::shared_ptr<PulseConnection> m_connection;
+    const PulseConnection::Source m_source;
+    const EDataFlow m_flow;
+    std::shared_ptr<PulseRecordStream> m_stream; // null before Initialize
+};

@@ -1,0 +1,273 @@
+#include "support/Tone.h"
+
+#include <coreaudio/CoreAudio.h>
+
+#include <QElapsedTimer>
+#include <QtTest>
+
+#include <algorithm>
+
+namespace
+{
+constexpr double ToneHz = 1000;
+
+/// Counts down what it holds when it goes.
+template <typename Interface>
+class Ref
+{
+public:
+    Ref() = default;
+    ~Ref()
+    {
+        if (m_object)
+            m_object->Release();
+    }
+    Ref(const Ref &) = delete;
+    Ref &operator=(const Ref &) = delete;
+    Interface *operator->() const { return m_object; }
+    Interface **out() { return &m_object; }
+    void **untyped() { return reinterpret_cast<void **>(&m_object); }
+
+private:
+    Interface *m_object = nullptr;
+};
+
+HRESULT createEnumerator(Ref<IMMDeviceEnumerator> &enumerator)
+{
+    return CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_ALL, IID_IMMDeviceEnumerator,
+                            enumerator.untyped());
+}
+
+/// A recording of a default device, as its callers make it.
+struct Recording {
+    HRESULT open(EDataFlow flow = eRender, DWORD flags = AUDCLNT_STREAMFLAGS_LOOPBACK)
+    {
+        HRESULT result = createEnumerator(enumerator);
+        if (SUCCEEDED(result))
+            result = enumerator->GetDefaultAudioEndpoint(flow, eConsole, device.out());
+        if (SUCCEEDED(result))
+            result = device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, client.untyped());
+        if (SUCCEEDED(result))
+            result = client->GetMixFormat(&format);
+        if (SUCCEEDED(result))
+            result = client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, 10'000'000, 0, format, nullptr);
+        if (SUCCEEDED(result))
+            result = client->GetService(IID_IAudioCaptureClient, capture.untyped());
+        if (SUCCEEDED(result))
+            result = client->Start();
+        return result;
+    }
+    ~Recording() { CoTaskMemFree(format); }
+
+    /// The next answer; the first channel of a packet is added to `sound`.
+    HRESULT read()
+    {
+        BYTE *data = nullptr;
+        UINT32 frames = 0;
+        DWORD flags = 0;
+        const HRESULT result = capture->GetBuffer(&data, &frames, &flags, nullptr, &recordedAt);
+        if (result != S_OK)
+            return result;
+        const auto *samples = reinterpret_cast<const float *>(data);
+        for (UINT32 i = 0; i < frames; ++i)
+            sound.append(samples[i * format->nChannels]);
+        return capture->ReleaseBuffer(frames);
+    }
+
+    Ref<IMMDeviceEnumerator> enumerator;
+    Ref<IMMDevice> device;
+    Ref<IAudioClient> client;
+    Ref<IAudioCaptureClient> capture;
+    WAVEFORMATEX *format = nullptr;
+    UINT64 recordedAt = 0;
+    QVector<float> sound;
+};
+
+bool hearsTone(Recording &recording)
+{
+    const auto isHeard = [&] {
+        while (recording.read() == S_OK)
+            continue;
+        return Tone::level(recording.sound.mid(recording.sound.size() - Tone::Rate / 10), ToneHz, Tone::Rate) > 0.4;
+    };
+    return QTest::qWaitFor(isHeard, 20000);
+}
+} // namespace
+
+class tst_coreaudio : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void hears_data();
+    void hears();
+    void packetsFollowEachOtherInTime();
+    void refuses_data();
+    void refuses();
+    void monitorOfTheOutputIsNoMicrophone();
+    void suspendedOutputDeliversNothing();
+    void vanishedOutputIsGone();
+    void withoutServer();
+    void deadServer();
+};
+
+void tst_coreaudio::hears_data()
+{
+    QTest::addColumn<int>("flow");
+    QTest::addColumn<DWORD>("flags");
+    QTest::addColumn<QString>("playedInto");
+    QTest::newRow("what is played") << int(eRender) << AUDCLNT_STREAMFLAGS_LOOPBACK << "speakers";
+    QTest::newRow("the microphone") << int(eCapture) << DWORD(0) << "microphone";
+}
+
+void tst_coreaudio::hears()
+{
+    QFETCH(int, flow);
+    QFETCH(DWORD, flags);
+    QFETCH(QString, playedInto);
+    Recording recording;
+    QCOMPARE(recording.open(EDataFlow(flow), flags), S_OK);
+    QCOMPARE(recording.format->wFormatTag, WAVE_FORMAT_EXTENSIBLE);
+    QCOMPARE(recording.format->nSamplesPerSec, 48000u);
+    QCOMPARE(recording.format->nBlockAlign, WORD(8));
+    const Tone::Player player(playedInto, ToneHz, 20000);
+    QVERIFY(hearsTone(recording));
+}
+
+void tst_coreaudio::packetsFollowEachOtherInTime()
+{
+    Recording recording;
+    QCOMPARE(recording.open(), S_OK);
+    qint64 last = 0;
+    for (int packets = 0; packets < 20;) {
+        const int before = recording.sound.size();
+        if (recording.read() != S_OK) {
+            QTest::qWait(1);
+            continue;
+        }
+        const qint64 expected = last + before * qint64(10'000'000) / Tone::Rate;
+        if (packets++ == 0)
+            last = qint64(recording.recordedAt);
+        else
+            QVERIFY2(std::abs(qint64(recording.recordedAt) - expected) < 300'000, "off by 30 ms");
+    }
+    QElapsedTimer now;
+    now.start();
+    QVERIFY(qint64(recording.recordedAt) / 10'000 <= now.msecsSinceReference());
+}
+
+void tst_coreaudio::refuses_data()
+{
+    QTest::addColumn<DWORD>("flags");
+    QTest::addColumn<int>("tag");
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<int>("rate");
+    QTest::addColumn<HRESULT>("answer");
+    const DWORD loopback = AUDCLNT_STREAMFLAGS_LOOPBACK;
+    QTest::newRow("16-bit integers") << loopback << 1 << 16 << 44100 << S_OK;
+    QTest::newRow("24-bit integers") << loopback << 1 << 24 << 48000 << S_OK;
+    QTest::newRow("floats") << loopback << 3 << 32 << 48000 << S_OK;
+    QTest::newRow("doubles") << loopback << 3 << 64 << 48000 << AUDCLNT_E_UNSUPPORTED_FORMAT;
+    QTest::newRow("A-law") << loopback << 6 << 8 << 8000 << AUDCLNT_E_UNSUPPORTED_FORMAT;
+    QTest::newRow("no rate") << loopback << 1 << 16 << 0 << AUDCLNT_E_UNSUPPORTED_FORMAT;
+    QTest::newRow("an output without loopback") << DWORD(0) << 1 << 16 << 48000 << AUDCLNT_E_WRONG_ENDPOINT_TYPE;
+    QTest::newRow("events") << (loopback | AUDCLNT_STREAMFLAGS_EVENTCALLBACK) << 1 << 16 << 48000 << E_INVALIDARG;
+}
+
+void tst_coreaudio::refuses()
+{
+    QFETCH(DWORD, flags);
+    QFETCH(int, tag);
+    QFETCH(int, bits);
+    QFETCH(int, rate);
+    QFETCH(HRESULT, answer);
+    Ref<IMMDeviceEnumerator> enumerator;
+    Ref<IMMDevice> device;
+    Ref<IAudioClient> client;
+    Ref<IAudioCaptureClient> capture;
+    QCOMPARE(createEnumerator(enumerator), S_OK);
+    QCOMPARE(enumerator->GetDefaultAudioEndpoint(eRender, eConsole, device.out()), S_OK);
+    QCOMPARE(device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, client.untyped()), S_OK);
+    QCOMPARE(client->GetService(IID_IAudioCaptureClient, capture.untyped()), AUDCLNT_E_NOT_INITIALIZED);
+    QCOMPARE(client->Start(), AUDCLNT_E_NOT_INITIALIZED);
+
+    WAVEFORMATEX format{};
+    format.wFormatTag = WORD(tag);
+    format.nChannels = 2;
+    format.nSamplesPerSec = DWORD(rate);
+    format.wBitsPerSample = WORD(bits);
+    format.nBlockAlign = WORD(2 * bits / 8);
+    format.nAvgBytesPerSec = format.nBlockAlign * format.nSamplesPerSec;
+    const auto initialize = [&] {
+        return client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, 10'000'000, 0, &format, nullptr);
+    };
+    QCOMPARE(initialize(), answer);
+    if (answer == S_OK) {
+        QCOMPARE(initialize(), AUDCLNT_E_ALREADY_INITIALIZED);
+        QCOMPARE(client->SetEventHandle(nullptr), AUDCLNT_E_EVENTHANDLE_NOT_EXPECTED);
+    }
+}
+
+void tst_coreaudio::monitorOfTheOutputIsNoMicrophone()
+{
+    QVERIFY(Tone::control({"set-default-source", "speakers.monitor"}));
+    Recording recording;
+    QCOMPARE(recording.open(eCapture, 0), E_NOTFOUND);
+    QVERIFY(Tone::control({"set-default-source", "microphone.monitor"}));
+}
+
+void tst_coreaudio::suspendedOutputDeliversNothing()
+{
+    Recording recording;
+    QCOMPARE(recording.open(), S_OK);
+    QVERIFY(Tone::control({"suspend-sink", "speakers", "1"}));
+    while (recording.read() == S_OK) // what was recorded before
+        continue;
+    QCOMPARE(recording.read(), AUDCLNT_S_BUFFER_EMPTY);
+    QVERIFY(Tone::control({"suspend-sink", "speakers", "0"}));
+    const Tone::Player player("speakers", ToneHz, 20000);
+    QVERIFY(hearsTone(recording));
+}
+
+void tst_coreaudio::vanishedOutputIsGone()
+{
+    const QString module = Tone::addSink("headphones");
+    QVERIFY(Tone::control({"set-default-sink", "headphones"}));
+    Recording recording;
+    QCOMPARE(recording.open(), S_OK);
+    const Tone::Player player("microphone", ToneHz, 20000);
+    QVERIFY(Tone::control({"unload-module", module}));
+    QTRY_COMPARE_WITH_TIMEOUT(([&] {
+                                  HRESULT answer = S_OK;
+                                  while (answer == S_OK)
+                                      answer = recording.read();
+                                  return answer;
+                              }()),
+                              AUDCLNT_E_DEVICE_INVALIDATED, 20000);
+    QVERIFY2(Tone::level(recording.sound, ToneHz, 48000) < 0.01, "the microphone was recorded");
+    Recording next;
+    QCOMPARE(next.open(), S_OK);
+}
+
+void tst_coreaudio::withoutServer()
+{
+    const QByteArray server = qgetenv("PULSE_SERVER");
+    qputenv("PULSE_SERVER", "unix:/nonexistent/socket");
+    Recording recording;
+    QCOMPARE(recording.open(), AUDCLNT_E_SERVICE_NOT_RUNNING);
+    qputenv("PULSE_SERVER", server);
+}
+
+void tst_coreaudio::deadServer()
+{
+    Recording recording;
+    QCOMPARE(recording.open(), S_OK);
+    QVERIFY(Tone::control({"exit"}));
+    QTRY_COMPARE_WITH_TIMEOUT(recording.read(), AUDCLNT_E_DEVICE_INVALIDATED, 20000);
+    QCOMPARE(recording.client->Stop(), AUDCLNT_E_DEVICE_INVALIDATED);
+    Ref<IMMDevice> device;
+    QVERIFY(FAILED(recording.enumerator->GetDefaultAudioEndpoint(eRender, eConsole, device.out())));
+}
+
+QTEST_GUILESS_MAIN(tst_coreaudio)
+#include "tst_coreaudio.moc"

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <coreaudio/CoreAudio.h>
+
+#include <QtGlobal>
+
+#include <functional>
+
+/// What the capture of system audio takes from its surroundings; a test puts a scripted device and clock in their
+/// place.
+struct CaptureSeams {
+    /// That of the system.
+    CaptureSeams();
+
+    std::function<HRESULT(IMMDeviceEnumerator **)> createEnumerator;
+
+    /// Milliseconds of the steady clock that the times of packets refer to.
+    std::function<qint64()> nowMs;
+
+    /// Lets a moment pass in which more sound can arrive.
+    std::function<void()> rest;
+};

@@ -1,0 +1,131 @@
+#include "audio/KelSystemAudioRecord.h"
+
+#include "audio/WavPartMerger.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+
+#include <utility>
+
+namespace
+{
+constexpr unsigned long StopWaitMs = 3000;
+} // namespace
+
+KelSystemAudioRecord::KelSystemAudioRecord(const QString &outputPath, WasapiCaptureThread::FailureHandler failed,
+                                           QObject *parent, const CaptureSeams &seams)
+    : QObject(parent)
+    , m_outputPath(outputPath)
+    , m_failed(std::move(failed))
+    , m_seams(seams)
+{
+    QDir().mkpath(QFileInfo(outputPath).absolutePath());
+}
+
+KelSystemAudioRecord::~KelSystemAudioRecord()
+{
+    if (m_isRecording)
+        stopRecording();
+    endThread();
+}
+
+bool KelSystemAudioRecord::start()
+{
+    if (m_isRecording && !m_isPaused) {
+        qWarning() << "系统音频录制已在运行中";
+        return false;
+    }
+    if (m_isPaused) {
+        resume();
+        return true;
+    }
+    m_parts.clear();
+    m_partIndex = 0;
+    m_unrecordedMs = 0;
+    m_currentPart = partPath();
+    startThread(m_seams.nowMs());
+    m_isRecording = true;
+    return true;
+}
+
+void KelSystemAudioRecord::pause()
+{
+    if (!m_isRecording) {
+        qWarning() << "系统音频录制未在运行";
+        return;
+    }
+    const qint64 nowMs = m_seams.nowMs();
+    if (m_thread)
+        m_thread->pauseAt(nowMs);
+    if (!m_thread || !m_thread->isRunning())
+        m_unrecordedMs += nowMs - m_partStartMs;
+    if (!m_currentPart.isEmpty()) {
+        m_parts.append(std::exchange(m_currentPart, QString()));
+        ++m_partIndex;
+    }
+    m_isRecording = false;
+    m_isPaused = true;
+}
+
+void KelSystemAudioRecord::resume()
+{
+    if (!m_isPaused) {
+        qWarning() << "系统音频录制未处于暂停状态";
+        return;
+    }
+    m_currentPart = partPath();
+    m_partStartMs = m_seams.nowMs();
+    if (m_thread && m_thread->isRunning())
+        m_thread->resumeAt(m_partStartMs, m_currentPart);
+    else
+        startThread(m_partStartMs);
+    m_isRecording = true;
+    m_isPaused = false;
+}
+
+void KelSystemAudioRecord::stopRecording()
+{
+    if (m_isRecording)
+        pause();
+    endThread();
+    if (!m_currentPart.isEmpty())
+        m_parts.append(std::exchange(m_currentPart, QString()));
+    if (!m_parts.isEmpty()) {
+        const QString problem = mergePartFiles(m_parts, m_outputPath);
+        if (!problem.isEmpty() && m_failed)
+            m_failed(problem);
+        m_parts.clear();
+        m_partIndex = 0;
+    }
+    m_isRecording = false;
+    m_isPaused = false;
+}
+
+QString KelSystemAudioRecord::partPath() const
+{
+    QString path = m_outputPath;
+    return path.replace(QStringLiteral(".wav"), QStringLiteral("_part%1.wav").arg(m_partIndex));
+}
+
+/// What a capture that died before left unrecorded becomes silence at the head of the part: the sound that follows
+/// keeps its place.
+void KelSystemAudioRecord::startThread(qint64 startMs)
+{
+    endThread();
+    m_partStartMs = startMs;
+    m_thread = new WasapiCaptureThread(m_currentPart, startMs - std::exchange(m_unrecordedMs, 0), m_format, m_seams,
+                                       m_failed, this);
+    m_thread->start(QThread::InheritPriority);
+}
+
+void KelSystemAudioRecord::endThread()
+{
+    if (!m_thread)
+        return;
+    m_thread->requestStop();
+    m_thread->wait(StopWaitMs);
+    m_format = m_thread->format();
+    m_thread->deleteLater();
+    m_thread = nullptr;
+}

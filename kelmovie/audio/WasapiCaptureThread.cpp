@@ -4,6 +4,7 @@
 #include "audio/SoundPartFile.h"
 
 #include <QDebug>
+#include <QFile>
 #include <QMutexLocker>
 
 #include <utility>
@@ -56,12 +57,6 @@ QByteArray WasapiCaptureThread::format() const
     return m_format;
 }
 
-WasapiCaptureThread::Requests WasapiCaptureThread::requests() const
-{
-    const QMutexLocker lock(&m_mutex);
-    return m_requests;
-}
-
 void WasapiCaptureThread::run()
 {
     CoInitialize(nullptr);
@@ -91,6 +86,8 @@ void WasapiCaptureThread::capture()
     m_part->updateSizes();
     if (!m_device->start()) {
         qWarning() << "启动音频客户端失败";
+        m_part->close();
+        QFile::remove(m_firstPath); // its silence would put what a later part brings off its time
         reportOnce(QStringLiteral("the output does not let its sound be recorded"));
         return;
     }
@@ -147,7 +144,7 @@ void WasapiCaptureThread::captureByPolling()
 void WasapiCaptureThread::drain()
 {
     obeyRequests();
-    while (readPacket(true))
+    while (readPacket())
         continue;
     m_device->stop();
     m_part->close();
@@ -166,23 +163,22 @@ void WasapiCaptureThread::obeyRequests()
         m_part->setEnd(asked.currentEndMs);
         m_part->close();
         m_part->open(asked.pendingPath, asked.pendingStartMs);
-        m_isPaused = false;
         checkPart();
     }
-    if (asked.isPaused && !m_isPaused)
+    if (asked.isPaused)
         m_part->setEnd(asked.pausedAtMs);
-    m_isPaused = asked.isPaused;
 }
 
-bool WasapiCaptureThread::readPacket(bool evenIfPaused)
+/// While paused the part takes only what was recorded before and comes late.
+bool WasapiCaptureThread::readPacket()
 {
     LoopbackDevice::Packet packet;
     const LoopbackDevice::Answer answer = m_device->acquire(&packet);
     m_isDeviceGone = answer == LoopbackDevice::Answer::Gone;
     if (answer != LoopbackDevice::Answer::Packet)
         return false;
-    if (evenIfPaused || !requests().isPaused)
-        m_part->writePacket(packet.data, packet.size, packet.recordedAtMs);
+    obeyRequests();
+    m_part->writePacket(packet.data, packet.size, packet.recordedAtMs);
     m_device->release();
     m_lastPacketMs = m_seams.nowMs();
     checkPart();

@@ -51,7 +51,7 @@ private:
     void drain();
 
     void obeyRequests();
-    bool readPacket(bool evenIfPaused = false);
+    bool readPacket();
     void padWithSilence();
     void keepSizes();
     void replaceDevice();
@@ -65,7 +65,6 @@ private:
         qint64 pendingStartMs = 0;
         qint64 currentEndMs = 0; ///< of the part before the pending one
     };
-    Requests requests() const;
 
     const QString m_firstPath;
     const qint64 m_startMs;
@@ -80,7 +79,6 @@ private:
     // The rest belongs to the capture thread.
     std::unique_ptr<LoopbackDevice> m_device;
     std::unique_ptr<SoundPartFile> m_part;
-    bool m_isPaused = false;
     bool m_isDeviceGone = false;
     bool m_hasFailed = false;
     qint64 m_lastPacketMs = 0;

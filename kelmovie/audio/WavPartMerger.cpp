@@ -47,6 +47,7 @@ private:
     void join(const QStringList &parts);
     bool begin(const QStringList &parts);
     bool join(const QString &path);
+    qint64 wholeFrames(const WavPart &part) const;
     bool copyData(WavPart &part);
     void checkOutput();
     void keepProblem(const QString &problem);
@@ -149,18 +150,27 @@ bool Merger::join(const QString &path)
         WavHeader::writeSizes(m_output, m_total);
         return false;
     }
+    if (m_total - before < wholeFrames(part)) {
+        keepProblem(QStringLiteral("cannot read all of %1: %2").arg(path, part.errorString()));
+        return true;
+    }
     part.close();
     if (!QFile::remove(path))
         qWarning() << m_messages.cannotDelete << path;
     return true;
 }
 
+/// A frame that a crash tore apart would exchange the channels of all that follows.
+qint64 Merger::wholeFrames(const WavPart &part) const
+{
+    return part.dataSize() - part.dataSize() % qMax<qint64>(1, m_header.blockAlign);
+}
+
 bool Merger::copyData(WavPart &part)
 {
     if (!m_output.seek(WavHeader::Size + m_total))
         return false;
-    // A frame that a crash tore apart would exchange the channels of all that follows.
-    const qint64 size = part.dataSize() - part.dataSize() % qMax<qint64>(1, m_header.blockAlign);
+    const qint64 size = wholeFrames(part);
     for (qint64 copied = 0; copied < size;) {
         const QByteArray bytes = part.read(qMin(ChunkSize, size - copied));
         if (bytes.isEmpty())

@@ -1,0 +1,200 @@
+#include "audio/WavHeader.h"
+#include "audio/WavPartMerger.h"
+#include "support/FileSizeLimit.h"
+#include "support/LogCapture.h"
+
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <QtTest>
+
+namespace
+{
+QByteArray le32(quint32 value)
+{
+    QByteArray bytes(4, '\0');
+    qToLittleEndian(value, bytes.data());
+    return bytes;
+}
+
+/// Stereo, 16 bits. `sizes` is what the header says of `sound`: 0 as one that was never completed.
+QByteArray wav(const QByteArray &sound, quint32 rate = 44100, qint64 sizes = 0)
+{
+    WavHeader header = WavHeader::pcm(rate, 2, 16);
+    header.setDataSize(sizes);
+    return header.toBytes() + sound;
+}
+
+/// With an extensible format of 16-bit integers, and chunks around the format, one of them of odd size.
+QByteArray longWav(const QByteArray &sound)
+{
+    const QByteArray fmt = WavHeader::pcm(44100, 2, 16).toBytes().mid(20, 16).replace(0, 2, QByteArray("\xfe\xff", 2)) +
+                           QByteArray("\x16\0\x10\0\x3\0\0\0", 8) +
+                           QByteArray("\1\0\0\0\0\0\x10\0\x80\0\0\xaa\0\x38\x9b\x71", 16);
+    return "RIFF" + le32(0) + "WAVEJUNK" + le32(3) + QByteArray("abc\0", 4) + "fmt " + le32(40) + fmt + "LIST" +
+           le32(4) + "info" + "data" + le32(0x7fff0000) + sound;
+}
+
+void write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+}
+
+const QByteArray A(4000, 'a'), B((1 << 20) + 4004, 'b'), C(800, 'c');
+} // namespace
+
+class tst_wav_parts : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void headerBytes();
+    void sizesAreClamped();
+    void join_data();
+    void join();
+    void fullDiskLosesNothing();
+};
+
+void tst_wav_parts::headerBytes()
+{
+    WavHeader header = WavHeader::pcm(48000, 2, 16);
+    header.formatTag = WavHeader::IeeeFloat;
+    header.setDataSize(0x01020304);
+    const QByteArray bytes = header.toBytes();
+    QCOMPARE(bytes, QByteArray::fromHex("52494646 28030201 57415645 666d7420 10000000 0300 0200 80bb0000 00ee0200 0400 "
+                                        "1000 64617461 04030201"));
+    QCOMPARE(WavHeader::fromBytes(bytes.constData()).toBytes(), bytes);
+    QVERIFY(WavHeader::isRiffWave(bytes.constData()));
+    QVERIFY(!WavHeader::isRiffWave("RIFF\0\0\0\0AVI "));
+}
+
+void tst_wav_parts::sizesAreClamped()
+{
+    WavHeader header;
+    header.setDataSize((qint64(1) << 32) - 36);
+    QCOMPARE(header.dataSize, 0xffffffdcu);
+    QCOMPARE(header.riffSize, 0xffffffffu);
+    header.setDataSize(qint64(5) << 32);
+    QCOMPARE(header.dataSize, 0xffffffffu);
+}
+
+void tst_wav_parts::join_data()
+{
+    QTest::addColumn<QList<QByteArray>>("parts"); // empty: there is no such file
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<QList<int>>("kept");
+    QTest::addColumn<QStringList>("log"); // of the system audio; see join()
+    QTest::addColumn<bool>("said");
+    using Parts = QList<QByteArray>;
+    const QByteArray nothing("(no file)");
+    const auto whole = [](const QByteArray &sound, quint32 rate = 44100) { return wav(sound, rate, sound.size()); };
+
+    QTest::newRow("none") << Parts{} << nothing << QList<int>{} << QStringList{"没有分段文件需要合并"} << false;
+    QTest::newRow("one is renamed as it is")
+        << Parts{wav(A, 44100, 17)} << wav(A, 44100, 17) << QList<int>{} << QStringList{} << false;
+    QTest::newRow("one that is missing") << Parts{""} << nothing << QList<int>{}
+                                         << QStringList{"重命名分段文件失败:", "合并后的文件无效或不存在:"} << false;
+    QTest::newRow("several") << Parts{wav(A), wav(B, 44100, 5), wav(C)} << whole(A + B + C) << QList<int>{}
+                             << QStringList{} << false;
+    QTest::newRow("without sound") << Parts{wav(""), wav("")} << whole("") << QList<int>{}
+                                   << QStringList{"合并后的文件无效或不存在:"} << false;
+    QTest::newRow("another format") << Parts{wav(A), wav(C, 48000)} << whole(A + C) << QList<int>{}
+                                    << QStringList{"WAV分段格式不匹配，播放可能失败!"} << false;
+    QTest::newRow("missing and short ones")
+        << Parts{wav(A), "", "RIFFshort", wav(C)} << whole(A + C) << QList<int>{2}
+        << QStringList{"无法打开分段文件:", "分段文件数据不足:", "目录下仍有残留分段文件:"} << false;
+    QTest::newRow("the first is missing")
+        << Parts{"", wav(B), wav(C)} << whole(B + C) << QList<int>{} << QStringList{"无法打开分段文件:"} << false;
+    QTest::newRow("the first is short") << Parts{"RIFF", wav(B), wav(C)} << whole(B + C) << QList<int>{0}
+                                        << QStringList{"分段文件数据不足:", "目录下仍有残留分段文件:"} << false;
+    QTest::newRow("bare samples after the first")
+        << Parts{wav(A), B, C} << whole(A + B + C) << QList<int>{} << QStringList{} << false;
+    QTest::newRow("bare samples first") << Parts{A, wav(C)} << whole(A + C) << QList<int>{} << QStringList{} << false;
+    QTest::newRow("bare samples only") << Parts{A, B} << nothing << QList<int>{0, 1}
+                                       << QStringList{"首分段头部读取失败:", "首分段头部读取失败:",
+                                                      "合并后的文件无效或不存在:", "目录下仍有残留分段文件:"}
+                                       << true;
+    QTest::newRow("longer headers") << Parts{longWav(A), wav(B), longWav(C)} << whole(A + B + C) << QList<int>{}
+                                    << QStringList{} << false;
+    QTest::newRow("a frame torn apart") << Parts{wav(A + "xyz"), wav(C)} << whole(A + C) << QList<int>{}
+                                        << QStringList{} << false;
+}
+
+void tst_wav_parts::join()
+{
+    QFETCH(QList<QByteArray>, parts);
+    QFETCH(QByteArray, output);
+    QFETCH(QList<int>, kept);
+    QFETCH(QStringList, log);
+    QFETCH(bool, said);
+    for (const bool isMicrophone : {false, true}) {
+        const QTemporaryDir directory;
+        const QString outputPath = directory.filePath("sound.wav");
+        QStringList paths;
+        QStringList expectedFiles;
+        for (int i = 0; i < parts.size(); ++i) {
+            const QString name = QString("sound_part%1.wav").arg(i);
+            paths << directory.filePath(name);
+            if (!parts[i].isEmpty())
+                write(paths.last(), parts[i]);
+            if (kept.contains(i))
+                expectedFiles << name;
+        }
+        if (output != "(no file)")
+            expectedFiles.prepend("sound.wav");
+
+        LogCapture logged;
+        const QString problem =
+            isMicrophone ? mergeMicrophoneParts(paths, outputPath) : mergePartFiles(paths, outputPath);
+        QStringList texts;
+        for (const QString &line : logged.take())
+            texts << line.mid(2).section(' ', 0, 0);
+        QStringList expected = log;
+        if (isMicrophone) {
+            expected.removeAll("目录下仍有残留分段文件:");
+            for (QString &text : expected)
+                text.replace("重命名分段", "重命名麦克风分段")
+                    .replace("无法打开分段", "无法打开麦克风分段")
+                    .replace("WAV分段", "麦克风WAV分段")
+                    .replace("合并后的文件", "合并后的麦克风文件");
+            expected.replaceInStrings(QRegularExpression("^分段"), "麦克风分段");
+        }
+        QCOMPARE(texts, expected);
+        QVERIFY2(contents(outputPath) == output, isMicrophone ? "microphone" : "system audio");
+        QCOMPARE(QDir(directory.path()).entryList(QDir::Files), expectedFiles);
+        QCOMPARE(!problem.isEmpty(), said);
+        for (const int i : kept)
+            QCOMPARE(contents(paths[i]), parts[i]);
+    }
+}
+
+/// Every sound is in the output, which can be played, or in a part that is still there.
+void tst_wav_parts::fullDiskLosesNothing()
+{
+    const QTemporaryDir directory;
+    const QStringList paths{directory.filePath("s_part0.wav"), directory.filePath("s_part1.wav"),
+                            directory.filePath("s_part2.wav")};
+    write(paths[0], wav(A));
+    write(paths[1], wav(B));
+    write(paths[2], wav(C));
+    QString problem;
+    {
+        const FileSizeLimit limit(WavHeader::Size + A.size() + B.size() / 2);
+        problem = mergePartFiles(paths, directory.filePath("s.wav"));
+    }
+    QVERIFY2(problem.contains("s_part1.wav"), qPrintable(problem));
+    QVERIFY(contents(directory.filePath("s.wav")) == wav(A, 44100, A.size()));
+    QVERIFY(!QFile::exists(paths[0]));
+    QVERIFY(contents(paths[1]) == wav(B));
+    QVERIFY(contents(paths[2]) == wav(C));
+}
+
+QTEST_GUILESS_MAIN(tst_wav_parts)
+#include "tst_wav_parts.moc"

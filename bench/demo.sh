@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # demo.sh BUILD_DIR [OUTPUT_DIR]: records a real screen for some seconds and exports the recording.
-# Without a screen of its own it starts a private one with a lively scene.
+# Where there is no screen it starts a private one with a lively scene, somebody at mouse and keyboard, and music.
 set -euo pipefail
 
 build=${1:?usage: demo.sh BUILD_DIR [OUTPUT_DIR]}
@@ -32,6 +32,31 @@ show() {
     "$keldock" "$@"
 }
 
+# The demo's user: points, clicks, drags, turns the wheel, types and presses shortcuts, over and over.
+act() {
+    local i
+    while :; do
+        for i in {0..40}; do
+            xdotool mousemove $((200 + i * 16)) $((520 - i * 8 + (i - 20) * (i - 20) / 4)) sleep 0.015
+        done
+        xdotool click 1 sleep 0.5 key ctrl+c sleep 0.4
+        xdotool mousedown 1 sleep 0.1 mousemove_relative 40 20 sleep 0.2 mousemove_relative 40 20 sleep 0.4 mouseup 1
+        xdotool key ctrl+shift+s sleep 0.2 click 5 sleep 0.15 click 5 sleep 0.5 click 4 sleep 0.4
+        for i in {0..30}; do
+            xdotool mousemove_relative -- -14 $((i < 15 ? 9 : -5)) sleep 0.015
+        done
+        xdotool click 3 sleep 0.4 key Return sleep 0.2 key Return sleep 0.3 key alt+Tab sleep 0.3
+    done
+}
+
+# A melody for the demo's loudspeakers.
+play_melody() {
+    ffmpeg -v error -re -f lavfi -i \
+        "aevalsrc='0.3*sin(2*PI*t*(392+98*floor(mod(2*t\\,4))))*exp(-3*mod(t\\,0.5))':s=48000:d=600" \
+        -f pulse demo >/dev/null 2>&1 &
+    children=("$!" "${children[@]}")
+}
+
 start_private_screen() {
     scratch=$(mktemp -d)
     export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$scratch} # Qt complains without
@@ -49,13 +74,20 @@ start_private_screen() {
 
 if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then
     say "Recording your screen for $seconds seconds"
+    what=(--mouse --system-audio) # no keys: whose screen it is may be typing a password
+elif [ -z "${KEL_DEMO_WITH_SOUND:-}" ]; then
+    KEL_DEMO_WITH_SOUND=1 exec "$(dirname "$0")/../tests/support/with-sound" "$0" "$build" "$out"
 else
     say "Recording a private screen with a lively scene for $seconds seconds"
     start_private_screen
+    act &
+    children=("$!" "${children[@]}")
+    play_melody
+    what=(--mouse --keyboard --system-audio)
 fi
 
 mkdir -p "$out"
-show record --screen 0 --fps 30 --duration "$seconds" --out "$out/recording"
+show record --screen 0 --fps 30 "${what[@]}" --duration "$seconds" --out "$out/recording"
 
 say "What was recorded"
 show info "$out/recording"

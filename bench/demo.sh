@@ -80,7 +80,7 @@ elif [ -z "${KEL_DEMO_WITH_SOUND:-}" ]; then
 else
     say "Recording a private screen with a lively scene for $seconds seconds"
     start_private_screen
-    act &
+    act 2>/dev/null &
     children=("$!" "${children[@]}")
     play_melody
     what=(--mouse --keyboard --system-audio)

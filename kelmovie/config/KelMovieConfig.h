@@ -12,25 +12,26 @@ class KelConfigIO;
 /// and copy nothing. The host sees the record too, so the order of the fields is part of the interface.
 ///
 /// The key of a field in the host's store is "KelMovie." and the field's name with dots, such as
-/// "KelMovie.record.fps" for recordFps. The hostReserved fields and saveQuality have no key and are never persisted.
+/// "KelMovie.record.fps" for recordFps. The hostReserved fields, the types and the replacing of mouse effects and
+/// saveQuality have no key and are never persisted.
 struct KelMovieConfig {
     bool playbackMouseEnable = true;
     int playbackMouseShowActionButton = 7; ///< bit set: 1 left click, 2 right click, 4 middle click
     bool playbackMouseShowWheel = true;
     QColor playbackMouseColor{0x33, 0x88, 0xff};
-    int playbackMouseSize = 15;
-    int hostReserved1 = 1;
-    int hostReserved2 = 1;
-    bool hostReserved3 = true;
-    int playbackKeyboardShowKeyType = 14; ///< bit set: 1 characters, 2 other keys, 4 modifiers, 8 combinations
-    int playbackKeyboardMaxContinueChar = 5;
-    int playbackKeyboardKeepTime = 2;
-    int playbackKeyboardDisplayPos = 2;
-    int playbackKeyboardFontSizePx = 22;
+    int playbackMouseSize = 15;              ///< of the effects; 15: 64 pixels of a 96-dpi desktop
+    int playbackMouseClickEffect = 1;        ///< 0 none, 1 ray, 2 floral, 3 fireworks, 4 stars, 5 ripple, 6 pressing
+    int playbackMouseWheelEffect = 1;        ///< 0 none, 1 arrow
+    bool playbackMouseReplaceEffects = true; ///< a click ends the effect of the last one with the same button
+    int playbackKeyboardShowKeyType = 14;    ///< bit set: 1 characters, 2 other keys, 4 modifiers, 8 combinations
+    int playbackKeyboardMaxContinueChar = 5; ///< letters typed in a row that one box takes
+    int playbackKeyboardKeepTime = 2;        ///< seconds
+    int playbackKeyboardDisplayPos = 2;      ///< at the bottom: 1 centre, 2 left, 3 right
+    int playbackKeyboardFontSizePx = 22;     ///< pixels of a 96-dpi desktop
     QColor playbackKeyboardFontColor{255, 255, 255, 255};
     QColor playbackKeyboardBgColor{0, 0, 0, 200};
-    int playbackKeyboardHistoryFontSize = 2;
-    int playbackKeyboardMaxHistoryCount = 5;
+    int playbackKeyboardHistoryFontSize = 2; ///< pixels by which earlier boxes have a smaller font
+    int playbackKeyboardMaxHistoryCount = 5; ///< boxes at a time
     QFont playbackKeyboardFont;
     bool playbackProgressEnable = false;
     int playbackProgressDisplayMode = 0;
@@ -58,9 +59,9 @@ struct KelMovieConfig {
     int recordRecordToolbarDisplayType = 0;
     bool recordEnableHardwareAcceleration = false; ///< decode with hardware on playback
     int saveQuality = 1;                           ///< export quality 0, 1 or 2
-    int hostReserved4 = 90;
-    int hostReserved5 = 30;
-    int hostReserved6 = 30;
+    int hostReserved1 = 90;
+    int hostReserved2 = 30;
+    int hostReserved3 = 30;
     int encodeGifPlayLoop = 0;
     bool encodeExitRecordAfterEncode = false;
 };

@@ -1,11 +1,15 @@
 #include "playback/KelPlaybackTrackManager.h"
 
+#include "playback/KelPlaybackKeyboardTrack.h"
 #include "playback/KelPlaybackMouseTrack.h"
 #include "playback/KelPlaybackScreenTrack.h"
 #include "playback/KelPlaybackSeams.h"
 #include "playback/KelPlaybackVoiceTrack.h"
 #include "playback/PlaybackClock.h"
+#include "playback/PlaybackSettings.h"
 #include "record/KelRecordingMetadata.h"
+
+#include <KelMovie/KelMovieConfig.h>
 
 #include <QDebug>
 #include <QFileInfo>
@@ -47,7 +51,9 @@ public:
     void createScreenTrack();
     void createMouseTrack();
     void createVoiceTrack();
+    void createKeyboardTrack();
     void decideFrameCount();
+    void applySettings();
     bool holds(int frame) const { return frame >= 0 && frame < totalFrames; }
     bool isJump(int frame) const;
     void moveTracks(int frame);
@@ -64,6 +70,7 @@ public:
     KelPlaybackScreenTrack *screenTrack = nullptr;         // the one in tracks
     KelPlaybackMouseTrack *mouseTrack = nullptr;           // the one in tracks
     KelPlaybackVoiceTrack *voiceTrack = nullptr;           // the one in tracks
+    KelPlaybackKeyboardTrack *keyboardTrack = nullptr;     // the one in tracks
     State state = Stopped;
     const QString recordDir;
     KelRecordingMetadata metadata;
@@ -86,6 +93,9 @@ void KelPlaybackTrackManager::Private::createTracks()
     if (metadata.systemAudio || metadata.microphoneAudio)
         createVoiceTrack();
     decideFrameCount();
+    if (metadata.keyboardTrack)
+        createKeyboardTrack();
+    applySettings();
 }
 
 void KelPlaybackTrackManager::Private::createScreenTrack()
@@ -115,7 +125,6 @@ void KelPlaybackTrackManager::Private::createMouseTrack()
         return;
     }
     auto track = std::make_unique<KelPlaybackMouseTrack>(dir, q);
-    track->setEffectScale(metadata.pixelRatio);
     mouseTrack = track.get();
     tracks.push_back(std::move(track));
 }
@@ -130,6 +139,24 @@ void KelPlaybackTrackManager::Private::createVoiceTrack()
     auto track = std::make_unique<KelPlaybackVoiceTrack>(dir, metadata.systemAudio, metadata.microphoneAudio, seams, q);
     voiceTrack = track.get();
     tracks.push_back(std::move(track));
+}
+
+void KelPlaybackTrackManager::Private::createKeyboardTrack()
+{
+    auto track =
+        std::make_unique<KelPlaybackKeyboardTrack>(recordDir + "/Keyboard", totalFrames, metadata.pixelRatio, q);
+    if (!track->errorString().isEmpty()) {
+        qCritical() << "Keyboard track creation failed:" << track->errorString();
+        return;
+    }
+    keyboardTrack = track.get();
+    tracks.push_back(std::move(track));
+}
+
+void KelPlaybackTrackManager::Private::applySettings()
+{
+    for (const auto &track : tracks)
+        applyPlaybackSettings(gKelMovieConfig, metadata.pixelRatio, *track);
 }
 
 void KelPlaybackTrackManager::Private::decideFrameCount()
@@ -214,6 +241,8 @@ void KelPlaybackTrackManager::Private::endPlay()
         mouseTrack->resetEffects();
     currentFrame = 0;
     emit q->sigFrameChanged(0);
+    if (keyboardTrack)
+        keyboardTrack->resetHistory();
     emit q->sigPlaybackStopped();
 }
 
@@ -333,6 +362,7 @@ void KelPlaybackTrackManager::play()
 {
     if (d->state == Playing)
         return;
+    d->applySettings();
     // After the end of play the tracks still stand at the last frame.
     if (d->state == Stopped)
         d->moveTracks(d->currentFrame);
@@ -408,6 +438,12 @@ void KelPlaybackTrackManager::paint(QPainter *painter)
         return;
     for (const auto &track : d->tracks)
         track->paint(painter);
+}
+
+void KelPlaybackTrackManager::updateSettings()
+{
+    d->applySettings();
+    emit sigFrameChanged(d->currentFrame);
 }
 
 void KelPlaybackTrackManager::setExporting(bool on)

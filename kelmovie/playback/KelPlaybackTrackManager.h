@@ -92,9 +92,14 @@ public:
     void setExporting(bool on);
     bool isExporting() const;
 
+public slots:
+    /// Hands the settings in gKelMovieConfig to the tracks, as loading and play() do, and has the picture painted
+    /// again. To be connected to the sigConfigUpdated of settings panels.
+    void updateSettings();
+
 signals:
-    /// While playing, emitted when a frame is due and once more when the tracks have moved to it (at high speed they
-    /// leave some out): paint again each time.
+    /// Paint again. While playing, emitted when a frame is due and once more when the tracks have moved to it (at high
+    /// speed they leave some out).
     void sigFrameChanged(int frame);
     /// Playback reached the end or was stopped.
     void sigPlaybackStopped();

@@ -131,7 +131,7 @@ void TestMovieConfig::startsWithTheDefaults()
 {
     using C = KelMovieConfig;
     QVERIFY(!gKelMovieConfigIO);
-    QCOMPARE(values<bool>({&C::playbackMouseEnable, &C::playbackMouseShowWheel, &C::hostReserved3,
+    QCOMPARE(values<bool>({&C::playbackMouseEnable, &C::playbackMouseShowWheel, &C::playbackMouseReplaceEffects,
                            &C::playbackAudioSystemEnabled, &C::playbackAudioMicrophoneEnabled, &C::recordKeyboard,
                            &C::recordMouse, &C::recordRecordSystemAudio, &C::recordRecordMicrophone}),
              QVariantList(QVector<QVariant>(9, true).toList()));
@@ -141,8 +141,8 @@ void TestMovieConfig::startsWithTheDefaults()
              QVariantList(QVector<QVariant>(6, false).toList()));
     QCOMPARE(values<int>({&C::playbackMouseShowActionButton,
                           &C::playbackMouseSize,
-                          &C::hostReserved1,
-                          &C::hostReserved2,
+                          &C::playbackMouseClickEffect,
+                          &C::playbackMouseWheelEffect,
                           &C::playbackKeyboardShowKeyType,
                           &C::playbackKeyboardMaxContinueChar,
                           &C::playbackKeyboardKeepTime,
@@ -163,9 +163,9 @@ void TestMovieConfig::startsWithTheDefaults()
                           &C::recordFps,
                           &C::recordRecordToolbarDisplayType,
                           &C::saveQuality,
-                          &C::hostReserved4,
-                          &C::hostReserved5,
-                          &C::hostReserved6,
+                          &C::hostReserved1,
+                          &C::hostReserved2,
+                          &C::hostReserved3,
                           &C::encodeGifPlayLoop}),
              (QVariantList{7,  15,  1,   1,   14,  5, 2, 2,  22, 2, 5,  0,  16, 0,
                            41, 100, 100, 100, 100, 0, 0, 24, 0,  1, 90, 30, 30, 0}));
@@ -183,9 +183,9 @@ void TestMovieConfig::fieldsKeepTheirOrder()
                              &c.playbackMouseShowWheel,
                              &c.playbackMouseColor,
                              &c.playbackMouseSize,
-                             &c.hostReserved1,
-                             &c.hostReserved2,
-                             &c.hostReserved3,
+                             &c.playbackMouseClickEffect,
+                             &c.playbackMouseWheelEffect,
+                             &c.playbackMouseReplaceEffects,
                              &c.playbackKeyboardShowKeyType,
                              &c.playbackKeyboardMaxContinueChar,
                              &c.playbackKeyboardKeepTime,
@@ -222,9 +222,9 @@ void TestMovieConfig::fieldsKeepTheirOrder()
                              &c.recordRecordToolbarDisplayType,
                              &c.recordEnableHardwareAcceleration,
                              &c.saveQuality,
-                             &c.hostReserved4,
-                             &c.hostReserved5,
-                             &c.hostReserved6,
+                             &c.hostReserved1,
+                             &c.hostReserved2,
+                             &c.hostReserved3,
                              &c.encodeGifPlayLoop,
                              &c.encodeExitRecordAfterEncode};
     QCOMPARE(int(std::size(ordered)), 49);

@@ -1,0 +1,94 @@
+#include "playback/KelPlaybackKeyboardTrack.h"
+
+#include "playback/KeyBoxPainter.h"
+
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QDebug>
+#include <QPainter>
+
+namespace
+{
+
+constexpr double kMinScale = 0.25;
+constexpr double kMaxScale = 16.0;
+
+} // namespace
+
+KelPlaybackKeyboardTrack::KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio,
+                                                   KelPlaybackTrackManager *manager)
+    : KelPlaybackTrack(directory, manager)
+    , m_totalFrames(totalFrames)
+    , m_scale(qBound(kMinScale, pixelRatio, kMaxScale))
+{
+    setName("Keyboard");
+    if (!loadKeyRecording(directory, m_recording)) {
+        setErrorString("KelPlaybackKeyboardTrack open meta file failed: " + directory);
+        qCritical().noquote() << errorString();
+        return;
+    }
+    // The file may lie; boxes belong into the picture.
+    const QSize picture = manager ? manager->pictureSize() : QSize();
+    m_canvas = m_recording.canvas;
+    if (!picture.isEmpty())
+        m_canvas = m_canvas.isEmpty() ? picture : m_canvas.boundedTo(picture);
+    build();
+}
+
+void KelPlaybackKeyboardTrack::build()
+{
+    m_list = KeyDisplayListBuilder::build(m_recording, m_totalFrames, m_style.limits);
+}
+
+void KelPlaybackKeyboardTrack::setStyle(const KeyOverlayStyle &style)
+{
+    const bool isListStale = !(style.limits == m_style.limits);
+    m_style = style;
+    if (!isListStale)
+        return;
+    build();
+    seekToFrame(m_frame);
+}
+
+void KelPlaybackKeyboardTrack::seekToFrame(int frame)
+{
+    m_frame = frame;
+    m_entry = frame == 0 ? -1 : m_list.indexAt(frame);
+}
+
+void KelPlaybackKeyboardTrack::paint(QPainter *painter)
+{
+    if (!painter || m_entry < 0 || !isVisible())
+        return;
+    const KeyDisplayEntry &entry = m_list.entries[size_t(m_entry)];
+    const KeyBoxLayout::Frame canvas{m_canvas, m_scale};
+    double offset = 0.0;
+    // False when there is no room for it and what lies above.
+    const auto paintItem = [&](const KeyDisplayItem &item, bool isCurrent) {
+        if ((item.type & m_style.showKeyType) == 0)
+            return true;
+        const KeyBoxLayout layout(item, m_style, canvas, offset, isCurrent);
+        paintKeyBox(*painter, layout, m_style);
+        offset = layout.nextOffset();
+        return !layout.isEmpty();
+    };
+    bool isRoomLeft = paintItem(entry.current, true);
+    for (int i = entry.historyEnd - 1; isRoomLeft && i >= entry.historyBegin; --i)
+        isRoomLeft = paintItem(m_list.past[size_t(i)], false);
+}
+
+int KelPlaybackKeyboardTrack::nextKeyFrame()
+{
+    return m_list.nextFrame(m_entry, m_frame);
+}
+
+bool KelPlaybackKeyboardTrack::isVisible()
+{
+    return m_style.enabled && m_style.showKeyType != 0;
+}
+
+void KelPlaybackKeyboardTrack::resetHistory()
+{
+    m_frame = 0;
+    m_entry = -1;
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "playback/KelPlaybackTrack.h"
+#include "playback/KeyDisplayList.h"
+#include "playback/KeyOverlayStyle.h"
+#include "playback/KeyRecordingReader.h"
+
+#include <QSize>
+
+/// Shows typed keys over the picture: what is being typed and a short history of it, as boxes stacked upwards from the
+/// bottom edge.
+class KelPlaybackKeyboardTrack : public KelPlaybackTrack
+{
+    Q_OBJECT
+
+public:
+    /// Loads the keys in `directory`; on failure errorString() says why. `pixelRatio`: picture pixels per pixel of a
+    /// 96-dpi desktop. With its own style the track shows nothing: see setStyle().
+    KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio,
+                             KelPlaybackTrackManager *manager);
+
+    /// The frame shown stays, in the new style.
+    void setStyle(const KeyOverlayStyle &style);
+    const KeyOverlayStyle &style() const { return m_style; }
+    /// What is displayed at every frame.
+    const KeyDisplayList &displayList() const { return m_list; }
+
+    /// Frame 0 shows nothing.
+    void seekToFrame(int frame) override;
+    void paint(QPainter *painter) override;
+    /// The next frame at which something is displayed, -1 also when nothing is shown now.
+    int nextKeyFrame() override;
+    bool isVisible() override;
+    /// Shows nothing until the next seek.
+    void resetHistory();
+
+private:
+    void build();
+
+    KeyRecording m_recording;
+    const int m_totalFrames;
+    const double m_scale;
+    QSize m_canvas;
+    KeyOverlayStyle m_style;
+    KeyDisplayList m_list;
+    int m_frame = 0;
+    int m_entry = -1; // the one shown, -1 for none
+};

@@ -1,0 +1,210 @@
+#include "playback/KeyDisplayListBuilder.h"
+
+#include "playback/KeyNames.h"
+
+#include <algorithm>
+#include <climits>
+
+namespace
+{
+
+/// The records with the keys that a viewer would name.
+std::vector<KeyRecord> shownRecords(const std::vector<KeyRecord> &records)
+{
+    std::vector<KeyRecord> shown;
+    shown.reserve(records.size());
+    quint32 held = 0;
+    for (KeyRecord record : records) {
+        if (record.key != 0) {
+            record.key = shownKey(record.key);
+            if (record.key == 0)
+                continue;
+        }
+        quint32 modifier = modifierOfKey(record.key);
+        // With Shift held, the Alt key of many layouts is a Meta key: it goes down as one and comes up as the other.
+        constexpr quint32 altAndMeta = Qt::AltModifier | Qt::MetaModifier;
+        if (!record.pressed && (modifier & altAndMeta) && (held & altAndMeta) && !(held & modifier)) {
+            modifier ^= altAndMeta;
+            record.key = modifier == Qt::AltModifier ? Qt::Key_Alt : Qt::Key_Meta;
+        }
+        held = record.pressed ? held | modifier : held & ~modifier;
+        shown.push_back(record);
+    }
+    return shown;
+}
+
+} // namespace
+
+KeyDisplayList KeyDisplayListBuilder::build(const KeyRecording &recording, int totalFrames, const Limits &limits)
+{
+    KeyDisplayListBuilder builder(recording, limits);
+    builder.run(totalFrames);
+    builder.m_list.entries.shrink_to_fit();
+    builder.m_list.past.shrink_to_fit();
+    return std::move(builder.m_list);
+}
+
+KeyDisplayListBuilder::KeyDisplayListBuilder(const KeyRecording &recording, const Limits &limits)
+    : m_records(shownRecords(recording.records))
+    , m_fps(recording.fps)
+    , m_keepMs(qint64(std::max(limits.keepTimeSeconds, 0)) * 1000)
+    , m_maxPast(std::max(limits.maxHistoryCount - 1, 0))
+    , m_maxContinueChar(limits.maxContinueChar)
+{
+}
+
+void KeyDisplayListBuilder::run(int totalFrames)
+{
+    applyModifier();
+    // Only frames at which something happens are visited.
+    for (int frame = 0; frame < totalFrames;) {
+        catchUp(frame);
+        m_nowMs = std::min<qint64>(frame * 1000LL / m_fps, INT_MAX);
+        KeyDisplayEntry entry = startEntry(frame);
+        bool isDisplayed = false;
+        if (hasRecordAt(frame) && (m_records[m_next].key == 0 || !m_captureOn)) {
+            if (m_records[m_next].key == 0)
+                m_captureOn = m_records[m_next].pressed;
+            isDisplayed = true;
+        } else {
+            if (hasRecordAt(frame))
+                handleRecord(entry);
+            trim(entry);
+            isDisplayed = entry.hasContent();
+        }
+        m_last = entry;
+        catchUp(frame + 1);
+        int next = hasRecord() ? std::min(m_records[m_next].frame, totalFrames) : totalFrames;
+        if (isDisplayed) {
+            if (entry.hasContent())
+                next = std::min(next, std::max(frame + 1, firstFrameOfChange(entry)));
+            entry.lastFrame = entry.hasContent() ? next - 1 : frame;
+            m_list.entries.push_back(std::move(entry));
+        }
+        frame = next;
+    }
+}
+
+/// Passes the records before `frame`. Modifiers count one record ahead: they include the one to be handled next.
+void KeyDisplayListBuilder::catchUp(int frame)
+{
+    while (hasRecord() && m_records[m_next].frame < frame) {
+        if (m_records[m_next].key == 0)
+            m_captureOn = m_records[m_next].pressed;
+        ++m_next;
+        applyModifier();
+    }
+}
+
+void KeyDisplayListBuilder::applyModifier()
+{
+    if (!hasRecord())
+        return;
+    const quint32 modifier = modifierOfKey(m_records[m_next].key);
+    m_modifiers = m_records[m_next].pressed ? m_modifiers | modifier : m_modifiers & ~modifier;
+}
+
+/// What goes on being displayed, before the frame's own record. With the current item expires all that it brought
+/// along.
+KeyDisplayEntry KeyDisplayListBuilder::startEntry(int frame) const
+{
+    KeyDisplayEntry entry = m_last;
+    if (entry.hasCurrent() && isExpired(entry.current)) {
+        entry.current = KeyDisplayItem();
+        entry.historyBegin = entry.historyEnd;
+    }
+    entry.firstFrame = entry.lastFrame = frame;
+    return entry;
+}
+
+void KeyDisplayListBuilder::handleRecord(KeyDisplayEntry &entry)
+{
+    const KeyRecord &record = m_records[m_next];
+    if (record.pressed)
+        handlePress(record, entry);
+    else
+        handleRelease(record, entry);
+}
+
+void KeyDisplayListBuilder::handleRelease(const KeyRecord &record, KeyDisplayEntry &entry)
+{
+    if (!entry.hasCurrent())
+        return;
+    entry.current.timeMs = int(m_nowMs);
+    if (modifierOfKey(record.key) && entry.current.type == KeyDisplayItem::Modifier && m_modifiers == 0)
+        entry.current.type = KeyDisplayItem::NoType;
+}
+
+void KeyDisplayListBuilder::handlePress(const KeyRecord &record, KeyDisplayEntry &entry)
+{
+    KeyDisplayItem &current = entry.current;
+    if (isCharacterKey(record.key) && current.type == KeyDisplayItem::Character && m_modifiers == 0) {
+        if (current.text.size() >= m_maxContinueChar) {
+            moveToHistory(entry);
+            current.text.clear();
+        }
+        current.text += textOf(record.key);
+        current.timeMs = int(m_nowMs);
+        return;
+    }
+
+    KeyDisplayItem item;
+    item.timeMs = int(m_nowMs);
+    if (modifierOfKey(record.key)) {
+        item.type = KeyDisplayItem::Modifier;
+        item.text = modifierPrefix(m_modifiers);
+        item.text.chop(1);
+        if (entry.hasCurrent() && current.type != KeyDisplayItem::Modifier)
+            moveToHistory(entry);
+        current = item;
+        return;
+    }
+
+    item.text = m_modifiers ? modifierPrefix(m_modifiers) + textOf(record.key) : textOf(record.key);
+    if (m_modifiers != 0 || current.type == KeyDisplayItem::Modifier)
+        item.type = KeyDisplayItem::Combination;
+    else
+        item.type = isCharacterKey(record.key) ? KeyDisplayItem::Character : KeyDisplayItem::Other;
+    if (current.type == item.type && current.text == item.text) {
+        current.timeMs = item.timeMs;
+        ++current.count;
+        return;
+    }
+    if (entry.hasCurrent() && current.type != KeyDisplayItem::Modifier)
+        moveToHistory(entry);
+    current = item;
+}
+
+void KeyDisplayListBuilder::moveToHistory(KeyDisplayEntry &entry)
+{
+    m_list.past.push_back(entry.current);
+    entry.historyEnd = int(m_list.past.size());
+}
+
+/// Items become history in the order of their time, so that the expired ones are the oldest.
+void KeyDisplayListBuilder::trim(KeyDisplayEntry &entry) const
+{
+    entry.historyBegin = std::max(entry.historyBegin, entry.historyEnd - m_maxPast);
+    while (entry.hasHistory() && isExpired(m_list.past[size_t(entry.historyBegin)]))
+        ++entry.historyBegin;
+    if (entry.hasCurrent() && isExpired(entry.current))
+        entry.current = KeyDisplayItem();
+}
+
+/// The first frame at which something of the entry is expired.
+int KeyDisplayListBuilder::firstFrameOfChange(const KeyDisplayEntry &entry) const
+{
+    qint64 timeMs = entry.hasCurrent() ? entry.current.timeMs : INT_MAX;
+    if (entry.hasHistory())
+        timeMs = std::min<qint64>(timeMs, m_list.past[size_t(entry.historyBegin)].timeMs);
+    const qint64 frame = ((timeMs + m_keepMs + 1) * m_fps + 999) / 1000;
+    return int(std::min<qint64>(frame, INT_MAX));
+}
+
+const QString &KeyDisplayListBuilder::textOf(int key)
+{
+    QString &text = m_texts[key];
+    if (text.isNull())
+        text = keyText(key);
+    return text;
+}

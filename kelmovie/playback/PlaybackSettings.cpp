@@ -1,0 +1,98 @@
+#include "playback/PlaybackSettings.h"
+
+#include "playback/KelPlaybackCountdownTrack.h"
+#include "playback/KelPlaybackKeyboardTrack.h"
+#include "playback/KelPlaybackMouseTrack.h"
+#include "playback/KelPlaybackVoiceTrack.h"
+
+#include <KelMovie/KelMovieConfig.h>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int kMaxFontSizePx = 400;
+constexpr int kMinHistoryFontSizePx = 8;
+constexpr int kMaxContinueChar = 200; // every further character keeps the whole text once more
+constexpr int kMaxSeconds = 24 * 60 * 60;
+constexpr int kMaxPercent = 1000;
+constexpr double kPlainMouseSize = 15.0; // the size at which effects are as large as they were drawn
+
+double factor(int percent)
+{
+    return std::clamp(percent, 0, kMaxPercent) / 100.0;
+}
+
+QColor validColor(const QColor &color, const QColor &fallback)
+{
+    return color.isValid() ? color : fallback;
+}
+
+KeyOverlayStyle keyOverlayStyle(const KelMovieConfig &config)
+{
+    KeyOverlayStyle style;
+    style.font = config.playbackKeyboardFont;
+    style.fontSizePx = std::clamp(config.playbackKeyboardFontSizePx, 1, kMaxFontSizePx);
+    // The setting says how much smaller the history is, never so much that it cannot be read.
+    style.historyFontSizePx =
+        std::clamp(style.fontSizePx - std::clamp(config.playbackKeyboardHistoryFontSize, 0, kMaxFontSizePx),
+                   std::min(kMinHistoryFontSizePx, style.fontSizePx), style.fontSizePx);
+    style.fontColor = validColor(config.playbackKeyboardFontColor, style.fontColor);
+    style.bgColor = validColor(config.playbackKeyboardBgColor, style.bgColor);
+    style.limits.keepTimeSeconds = std::clamp(config.playbackKeyboardKeepTime, 0, kMaxSeconds);
+    style.limits.maxHistoryCount = std::max(config.playbackKeyboardMaxHistoryCount, 0);
+    style.limits.maxContinueChar = std::clamp(config.playbackKeyboardMaxContinueChar, 1, kMaxContinueChar);
+    style.displayPos = config.playbackKeyboardDisplayPos;
+    style.showKeyType = config.playbackKeyboardShowKeyType;
+    return style;
+}
+
+void applyTo(KelPlaybackMouseTrack &track, const KelMovieConfig &config, double pixelRatio)
+{
+    track.setEnabled(config.playbackMouseEnable);
+    track.setShownButtons(config.playbackMouseShowActionButton);
+    track.setShowWheel(config.playbackMouseShowWheel);
+    track.setReplaceSameButton(config.playbackMouseReplaceEffects);
+    track.setEffectScale(pixelRatio * config.playbackMouseSize / kPlainMouseSize);
+    track.setClickType(config.playbackMouseClickEffect);
+    track.setWheelType(config.playbackMouseWheelEffect);
+    track.setEffectColor(config.playbackMouseColor);
+}
+
+void applyTo(KelPlaybackVoiceTrack &track, const KelMovieConfig &config)
+{
+    track.setSystemAudioEnabled(config.playbackAudioSystemEnabled);
+    track.setSystemAudioMuted(config.playbackAudioSystemMuted);
+    track.setSystemAudioVolume(factor(config.playbackAudioSystemVolume));
+    track.setSystemAudioGain(factor(config.playbackAudioSystemGain));
+    track.setMicrophoneEnabled(config.playbackAudioMicrophoneEnabled);
+    track.setMicrophoneMuted(config.playbackAudioMicrophoneMuted);
+    track.setMicrophoneVolume(factor(config.playbackAudioMicrophoneVolume));
+    track.setMicrophoneGain(factor(config.playbackAudioMicrophoneGain));
+}
+
+void applyTo(KelPlaybackCountdownTrack &track, const KelMovieConfig &config)
+{
+    track.setEnabled(config.playbackProgressEnable);
+    track.setDisplayMode(config.playbackProgressDisplayMode);
+    track.setBarColors(config.playbackProgressFgColor, config.playbackProgressBgColor);
+    track.setBarHeight(config.playbackProgressSize);
+    track.setFontSize(config.playbackProgressSize);
+    track.setCornerRadius(config.playbackProgressRound);
+    track.setBarStep(config.playbackProgressGapTime);
+}
+
+} // namespace
+
+void applyPlaybackSettings(const KelMovieConfig &config, double pixelRatio, KelPlaybackTrack &track)
+{
+    if (auto *mouse = qobject_cast<KelPlaybackMouseTrack *>(&track))
+        applyTo(*mouse, config, pixelRatio);
+    else if (auto *keyboard = qobject_cast<KelPlaybackKeyboardTrack *>(&track))
+        keyboard->setStyle(keyOverlayStyle(config));
+    else if (auto *voice = qobject_cast<KelPlaybackVoiceTrack *>(&track))
+        applyTo(*voice, config);
+    else if (auto *countdown = qobject_cast<KelPlaybackCountdownTrack *>(&track))
+        applyTo(*countdown, config);
+}

@@ -40,13 +40,11 @@ bool loadKeyRecording(const QString &trackDir, KeyRecording &out)
         return false;
     const qint64 fileSize = file.size();
     const QByteArray header = file.read(kHeaderSize);
-    const qint64 count = header.size() == kHeaderSize ? wordAt(header, 4) : -1;
-    if (count > kMaxRecords || fileSize != kHeaderSize + count * kRecordSize) {
-        qWarning() << "KelPlaybackKeyboardTrack meta file size error:" << path;
-        return true;
-    }
-    const QByteArray body = file.read(count * kRecordSize);
-    if (body.size() != count * kRecordSize) {
+    const qint64 count = header.size() == kHeaderSize ? wordAt(header, 4) : 0;
+    const bool isSizeRight = header.size() == kHeaderSize && count >= 0 && count <= kMaxRecords &&
+                             fileSize == kHeaderSize + count * kRecordSize;
+    const QByteArray body = isSizeRight ? file.read(count * kRecordSize) : QByteArray();
+    if (!isSizeRight || body.size() != count * kRecordSize) {
         qWarning() << "KelPlaybackKeyboardTrack meta file size error:" << path;
         return true;
     }

@@ -44,13 +44,14 @@ QRect inkRect(const QImage &image)
     return ink;
 }
 
-int countOf(const QImage &image, const QColor &color)
+/// How bright the brightest pixel is: text is white, its box black.
+int brightest(const QImage &image)
 {
-    int count = 0;
+    int gray = 0;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
-            count += image.pixelColor(x, y) == color ? 1 : 0;
-    return count;
+            gray = qMax(gray, qGray(image.pixel(x, y)));
+    return gray;
 }
 
 } // namespace
@@ -133,7 +134,7 @@ void PlaybackKeyboardTrackTest::readsHostileFiles()
     KelPlaybackKeyboardTrack track(m_dir->path(), 50, 1.0, nullptr);
     const QStringList lines = capture.take();
     QCOMPARE(lines.size(), log.isEmpty() ? 0 : 1);
-    QVERIFY2(lines.join('\n').startsWith(log), qPrintable(lines.join('\n')));
+    QVERIFY2(log.isEmpty() || lines.first().startsWith(log), qPrintable(lines.join('\n')));
     QVERIFY(track.errorString().isEmpty());
     QCOMPARE(int(track.displayList().entries.size()), entries);
     track.setStyle(everything());
@@ -303,7 +304,7 @@ void PlaybackKeyboardTrackTest::everyKeyIsDrawnInside()
         const QRect ink = inkRect(image);
         QVERIFY2(ink.left() > 0 && ink.right() < canvas.width() - 1 && ink.top() > 0,
                  qPrintable(QString::number(record.key, 16)));
-        QVERIFY2(countOf(image, style.fontColor) > 0, qPrintable(QString::number(record.key, 16)));
+        QVERIFY2(brightest(image) > 150, qPrintable(QString::number(record.key, 16)));
     }
 }
 

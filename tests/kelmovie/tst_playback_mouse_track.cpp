@@ -7,6 +7,7 @@
 #include "playback/PointerList.h"
 #include "support/LogCapture.h"
 
+#include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QPainter>
@@ -380,6 +381,7 @@ void PlaybackMouseTrackTest::partOfARecording()
 
     files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
     QVERIFY(QFile::link(files->path(), dir));
+    gKelMovieConfig.playbackMouseClickEffect = 6; // its effect is seen in the pointer's size
     KelPlaybackTrackManager manager(recording.path(), false, seams, nullptr);
     QCOMPARE(manager.trackNames(), QStringList({"ScreenTrack", "MouseTrack"}));
     const auto pointerWidth = [&] {

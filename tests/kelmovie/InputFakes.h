@@ -5,7 +5,6 @@
 #include "screen/FailedScreenStreamer.h"
 #include "screen/KelScreenManager.h"
 
-#include <QFile>
 #include <QString>
 
 #include <memory>
@@ -79,9 +78,3 @@ private:
 
     const std::shared_ptr<State> m_state = std::make_shared<State>();
 };
-
-inline QByteArray fileBytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}

@@ -1,10 +1,10 @@
 #include "InputFakes.h"
+#include "InputFiles.h"
 #include "record/KelRecordKeyboardTrack.h"
 #include "support/LogCapture.h"
 
 #include <QDir>
 #include <QTemporaryDir>
-#include <QtEndian>
 #include <QtTest>
 
 #include <fcntl.h>
@@ -15,22 +15,10 @@ namespace
 const QRect Area(100, 50, 642, 480);
 constexpr QFile::Permissions OwnerOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
 
-/// What a reader makes of the file: "KEY(hex) PRESSED FRAME" for each record, or that it is no valid file.
-QStringList records(const QByteArray &file)
-{
-    const auto number = [&file](int offset) { return qFromLittleEndian<qint32>(file.constData() + offset); };
-    if (file.size() < 32 || file.size() != 32 + 12 * number(4) || number(16) != 12 * number(4))
-        return {"invalid"};
-    QStringList lines;
-    for (int at = 32; at < file.size(); at += 12)
-        lines << QString("%1 %2 %3").arg(number(at), 0, 16).arg(number(at + 4)).arg(number(at + 8));
-    return lines;
-}
-
 /// The same without the room that a file under way has at its end.
 QStringList recordsUnderWay(const QByteArray &file)
 {
-    QStringList lines = records(file);
+    QStringList lines = keyRecords(file);
     while (!lines.isEmpty() && lines.last() == "0 1 2147483647")
         lines.removeLast();
     return lines;
@@ -174,7 +162,7 @@ void TestRecordKeyboardTrack::recordsByTheRules()
     QCOMPARE(m_input.isWatched(KelKeyMouseHook::Keyboard), isWatched);
     play({"stop", "44 1"});
     QVERIFY(!m_input.isWatched(KelKeyMouseHook::Keyboard));
-    QCOMPARE(records(file()), kept);
+    QCOMPARE(keyRecords(file()), kept);
     QCOMPARE(capture.take(), log);
     QCOMPARE(m_failures, QStringList());
 }

@@ -1,4 +1,5 @@
 #include "InputFakes.h"
+#include "InputFiles.h"
 #include "record/KelRecordMouseTrack.h"
 #include "support/FileSizeLimit.h"
 #include "support/LogCapture.h"
@@ -26,18 +27,6 @@ QPoint point(const QString &text)
 {
     return {text.section(',', 0, 0).toInt(), text.section(',', 1, 1).toInt()};
 }
-
-QString line(const QJsonObject &event)
-{
-    const QString line = QString("%1 %2 %3,%4 %5")
-                             .arg(event["frame"].toInt())
-                             .arg(event["action"].toString())
-                             .arg(event["x"].toInt())
-                             .arg(event["y"].toInt())
-                             .arg(event["cursor"].toString());
-    const QString button = event.contains("button") ? " [" + event["button"].toString() + "]" : QString();
-    return line + button + (event.contains("delta") ? QString(" %1").arg(event["delta"].toInt()) : QString());
-}
 } // namespace
 
 class TestRecordMouseTrack : public QObject
@@ -57,7 +46,7 @@ private:
     void play(KelRecordMouseTrack &track, const QStringList &steps);
     QString path(const QString &name) const { return m_dir->filePath(name); }
     QJsonArray array(const QString &name) const;
-    QStringList lines(const QString &name) const;
+    QStringList lines(const QString &name) const { return mouseEvents(path(name)); }
     std::unique_ptr<KelRecordMouseTrack> createTrack();
 
     ScriptedInput m_input;
@@ -108,14 +97,6 @@ void TestRecordMouseTrack::play(KelRecordMouseTrack &track, const QStringList &s
 QJsonArray TestRecordMouseTrack::array(const QString &name) const
 {
     return QJsonDocument::fromJson(fileBytes(path(name))).array();
-}
-
-QStringList TestRecordMouseTrack::lines(const QString &name) const
-{
-    QStringList lines;
-    for (const QJsonValue &event : array(name))
-        lines << line(event.toObject());
-    return lines;
 }
 
 void TestRecordMouseTrack::recordsByTheRules_data()

@@ -213,6 +213,10 @@ void TestRecorder::failedStartLeavesNothing()
 {
     m_script->streamerError = "the rectangle cannot be read";
     KelMultiTrackRecorder *recorder = createRecorder();
+    auto config = recorder->recordConfig();
+    config.enableMouse = true;
+    config.enableKeyboard = true;
+    recorder->setRecordConfig(config);
     QVERIFY(!recorder->startRecording());
     QCOMPARE(m_signals, QStringList{"error: Failed to start recording: Screen track: the rectangle cannot be read"});
     QVERIFY(!QFileInfo::exists(outputDir()));

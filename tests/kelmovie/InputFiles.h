@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <QtEndian>
+
+// The files of the mouse and keyboard tracks, read without anything of the product.
+
+inline QByteArray fileBytes(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// "FRAME ACTION X,Y CURSOR", with " [BUTTON]" and " DELTA" where the event has them.
+inline QStringList mouseEvents(const QString &path)
+{
+    QStringList lines;
+    for (const QJsonValue &value : QJsonDocument::fromJson(fileBytes(path)).array()) {
+        const QJsonObject event = value.toObject();
+        QString line = QString("%1 %2 %3,%4 %5")
+                           .arg(event["frame"].toInt())
+                           .arg(event["action"].toString())
+                           .arg(event["x"].toInt())
+                           .arg(event["y"].toInt())
+                           .arg(event["cursor"].toString());
+        if (event.contains("button"))
+            line += " [" + event["button"].toString() + "]";
+        if (event.contains("delta"))
+            line += QString(" %1").arg(event["delta"].toInt());
+        lines << line;
+    }
+    return lines;
+}
+
+/// "KEY(hex) PRESSED FRAME" for each record, or that this is no valid file.
+inline QStringList keyRecords(const QByteArray &file)
+{
+    const auto number = [&file](int offset) { return qFromLittleEndian<qint32>(file.constData() + offset); };
+    if (file.size() < 32 || file.size() != 32 + 12 * number(4) || number(16) != 12 * number(4))
+        return {"invalid"};
+    QStringList lines;
+    for (int at = 32; at < file.size(); at += 12)
+        lines << QString("%1 %2 %3").arg(number(at), 0, 16).arg(number(at + 4)).arg(number(at + 8));
+    return lines;
+}

@@ -21,6 +21,16 @@ State &state()
     return instance;
 }
 
+/// "[Class] …" of those classes whose warnings are for the person, without that prefix; else empty.
+QString warningToShow(QtMsgType type, const QString &message)
+{
+    for (const char *source : {"[KelKeyMouseHook] ", "[KelCursorPixmap] "}) {
+        if (type == QtWarningMsg && message.startsWith(QLatin1String(source)))
+            return message.mid(int(qstrlen(source)));
+    }
+    return QString();
+}
+
 void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     // Logged from every thread of a recording.
@@ -28,8 +38,11 @@ void handle(QtMsgType type, const QMessageLogContext &context, const QString &me
     const bool isCritical = type == QtCriticalMsg && qstrcmp(context.category, "default") == 0;
     if (isCritical && state().firstCritical.isEmpty())
         state().firstCritical = message;
+    const QString warning = warningToShow(type, message);
     if (state().verbose || type == QtFatalMsg)
         Console::printError(message);
+    else if (!warning.isEmpty())
+        Console::printError(QStringLiteral("keldock: ") + warning + QStringLiteral("; going on without"));
 }
 
 } // namespace

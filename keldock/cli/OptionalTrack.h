@@ -13,8 +13,8 @@ struct OptionalTrack {
 };
 
 inline constexpr std::array OptionalTracks{
-    OptionalTrack{"mouse", &KelMultiTrackRecorder::RecordConfig::enableMouse, true, false},
-    OptionalTrack{"keyboard", &KelMultiTrackRecorder::RecordConfig::enableKeyboard, false, false},
+    OptionalTrack{"mouse", &KelMultiTrackRecorder::RecordConfig::enableMouse, true, true},
+    OptionalTrack{"keyboard", &KelMultiTrackRecorder::RecordConfig::enableKeyboard, false, true},
     OptionalTrack{"system-audio", &KelMultiTrackRecorder::RecordConfig::enableSystemAudio, false, false},
     OptionalTrack{"microphone", &KelMultiTrackRecorder::RecordConfig::enableMicrophone, false, false},
 };

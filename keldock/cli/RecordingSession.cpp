@@ -33,6 +33,10 @@ QString RecordingSession::run()
                        .arg(Units::area(m_recorder.recordArea()))
                        .arg(m_recorder.recordConfig().fps));
     Console::flush();
+    if (m_recorder.recordConfig().enableKeyboard) {
+        Console::printError(QStringLiteral("keldock: keys typed anywhere on this desktop are being recorded, "
+                                           "passwords too, until the recording ends"));
+    }
     m_elapsed.start();
 
     QTimer end;
@@ -47,7 +51,7 @@ QString RecordingSession::run()
         show.start(ShowEveryMs);
 
     // A failure that was reported from within startRecording() has quit a loop that did not run yet.
-    if (m_error.isEmpty())
+    if (!m_isLost)
         m_loop.exec();
     show.stop();
     m_line.clear();
@@ -61,6 +65,15 @@ void RecordingSession::fail(const QString &error)
 {
     if (m_error.isEmpty())
         m_error = error;
+    // Without the mouse or the keys a recording of the screen is still worth going on with.
+    const bool goesOn = m_hasRecorded && (error.startsWith(QLatin1String("Mouse track: ")) ||
+                                          error.startsWith(QLatin1String("Keyboard track: ")));
+    if (goesOn) {
+        m_line.clear();
+        Console::printError(QStringLiteral("keldock: %1; going on without").arg(error));
+        return;
+    }
+    m_isLost = true;
     m_loop.quit();
 }
 

@@ -37,4 +37,5 @@ private:
     QEventLoop m_loop;
     QString m_error;
     bool m_hasRecorded = false;
+    bool m_isLost = false;
 };

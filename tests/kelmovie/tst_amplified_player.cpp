@@ -62,17 +62,14 @@ private slots:
     void init();
     void loads_data();
     void loads();
-    void refusesMissingFiles();
     void seeksInHours();
     void amplifies_data();
     void amplifies();
-    void glides();
     void changesState();
     void followsRate_data();
     void followsRate();
     void playsShortEndings();
     void mutes();
-    void losesDevice();
 
 private:
     QString write(const QByteArray &content)
@@ -126,8 +123,6 @@ void AmplifiedPlayerTest::loads_data()
                               << qint64(1000);
     QTest::newRow("float whatever its bits") << formatted(3, 1, 1000, 64) << "" << qint64(2000);
     QTest::newRow("8 bits, 2 channels") << formatted(1, 2, 1000, 8) << "" << qint64(4000);
-    QTest::newRow("rest of a frame") << good + "x"
-                                     << "" << qint64(1000);
     QTest::newRow("no samples") << SoundFile::wav(4000, 16, {}) << "" << qint64(0);
     QTest::newRow("never completed") << withSizes(good, 0, 0) << "" << qint64(1000);
     QTest::newRow("states too much") << withSizes(good, 36, 0x7fff0000) << "" << qint64(1000);
@@ -135,20 +130,14 @@ void AmplifiedPlayerTest::loads_data()
 
     QTest::newRow("empty") << QByteArray() << "Invalid WAV file: RIFF header not found" << qint64(0);
     QTest::newRow("cut in the header") << good.left(11) << "Invalid WAV file: RIFF header not found" << qint64(0);
-    QTest::newRow("other form") << QByteArray("RIFF    AVI ") + fmt + data << "Invalid WAV file: RIFF header not found"
-                                << qint64(0);
     QTest::newRow("no data") << riff + fmt << noChunk << qint64(0);
-    QTest::newRow("no fmt") << riff + data << noChunk << qint64(0);
     QTest::newRow("odd sizes are not padded") << riff + chunk("LIST", 3, "abcd") + fmt + data << noChunk << qint64(0);
     QTest::newRow("chunk past the end") << riff + chunk("LIST", most) + fmt + data << noChunk << qint64(0);
     QTest::newRow("fmt past the end") << riff + chunk("fmt ", most, format(1, 1, 4000, 16)) + data << noChunk
                                       << qint64(0);
     QTest::newRow("only empty chunks") << riff + QByteArray(4'000'000, '\0') << noChunk << qint64(0);
     QTest::newRow("small fmt") << riff + chunk("fmt ", 15, format(1, 1, 4000, 16)) + data << small << qint64(0);
-    QTest::newRow("cut in fmt") << (riff + fmt).left(30) << small << qint64(0);
     QTest::newRow("24 bits") << formatted(1, 1, 4000, 24) << "Unsupported bits per sample: 24" << qint64(0);
-    QTest::newRow("extensible, 0 bits") << formatted(65534, 1, 4000, 0) << "Unsupported bits per sample: 0"
-                                        << qint64(0);
     QTest::newRow("compressed") << formatted(85, 1, 4000, 16) << "Unsupported audio format: 85" << qint64(0);
     QTest::newRow("no channels") << formatted(1, 0, 4000, 16) << "Invalid WAV file: 0 channels at 4000 Hz" << qint64(0);
     QTest::newRow("no rate") << formatted(1, 1, 0, 16) << "Invalid WAV file: 1 channels at 0 Hz" << qint64(0);
@@ -172,25 +161,16 @@ void AmplifiedPlayerTest::loads()
     QCOMPARE(errors.size(), error.isEmpty() ? 0 : 1);
     QCOMPARE(durations.size(), error.isEmpty() ? 1 : 0);
     QCOMPARE(player.duration(), durationMs);
-    if (!error.isEmpty())
-        QTest::ignoreMessage(QtWarningMsg, "[KelAmplifiedAudioPlayer] No audio source set");
+    LogCapture log;
     player.play();
     QCOMPARE(player.isPlaying(), error.isEmpty());
-}
-
-void AmplifiedPlayerTest::refusesMissingFiles()
-{
-    KelAmplifiedAudioPlayer player(scriptedSinks(script));
-    LogCapture log;
     QVERIFY(!player.setSource(""));
     QVERIFY(!player.setSource("/no/such.wav"));
-    QVERIFY(!player.setSource(dir.path()));
-    player.play();
-    player.seek(100);
-    player.stop();
     const QString who = "W [KelAmplifiedAudioPlayer] ";
-    QCOMPARE(log.take(), (QStringList{who + "File path is empty", who + "File does not exist: /no/such.wav",
-                                      who + "Failed to open file: " + dir.path(), who + "No audio source set"}));
+    QStringList told{who + "File path is empty", who + "File does not exist: /no/such.wav"};
+    if (!error.isEmpty())
+        told.prepend(who + "No audio source set");
+    QCOMPARE(log.take(), told);
 }
 
 void AmplifiedPlayerTest::seeksInHours()
@@ -275,26 +255,14 @@ void AmplifiedPlayerTest::amplifies()
     in.fill(0);
     amplifier.apply(format, &in);
     QCOMPARE(amplifier.level(), peak * 0.999F);
-}
 
-void AmplifiedPlayerTest::glides()
-{
-    const auto player = load(SoundFile::wav(kRate, 16, int16s({10'000}).repeated(80'000)));
-    const auto sampleAt = [this](int offset) {
-        return int(qFromLittleEndian<qint16>(script->last->written().constData() + offset));
-    };
-    player->play();
-    player->setGain(0.0);
-    nowMs += 2500; // the pieces that are already made are of 1024 ms each
-    for (int i = 0; i < 20; ++i) {
-        nowMs += 100;
-        player->processAudioData();
-    }
-    const QByteArray &written = script->last->written();
-    QCOMPARE(sampleAt(0), 10'000);
-    QCOMPARE(sampleAt(8192), 500); // 95 % of the way in the next piece
-    QCOMPARE(sampleAt(16384), 25);
-    QVERIFY(written.size() > 16384);
+    // From there 95 % of the way to the next gain.
+    in = isFloat ? floats({0.1F}) : int16s({3277});
+    amplifier.setTarget(0);
+    amplifier.apply(format, &in);
+    const float step = isFloat ? qFromLittleEndian<float>(in.constData())
+                               : float(qFromLittleEndian<qint16>(in.constData())) / 32768.0F;
+    QVERIFY(std::abs(step - 0.1 * 0.05 * std::clamp(gain, 0.0, 5.0)) < 1.5 / 32768);
 }
 
 void AmplifiedPlayerTest::changesState()
@@ -392,26 +360,6 @@ void AmplifiedPlayerTest::mutes()
     QCOMPARE(script->volume, 1.0);
     player->seek(0);
     QCOMPARE(script->last->written(), QByteArray(kRate / 5, char(0xff))); // 8 bits know no gain
-}
-
-void AmplifiedPlayerTest::losesDevice()
-{
-    const auto player = load(SoundFile::numbered(kRate, kRate * 10));
-    const QSignalSpy errors(player.get(), &KelAmplifiedAudioPlayer::errorOccurred);
-    LogCapture log;
-    script->isMissing = true;
-    player->play();
-    player->play();
-    QCOMPARE(log.take(), QStringList{"W [KelAmplifiedAudioPlayer] Failed to start audio output device"});
-    QVERIFY(!player->isPlaying());
-    script->isMissing = false;
-    player->play();
-    QVERIFY(player->isPlaying());
-    nowMs += 100;
-    script->last->fail(QAudio::FatalError);
-    QCOMPARE(log.take(), QStringList{"W [KelAmplifiedAudioPlayer] Audio output error: 4"});
-    QVERIFY(!player->isPlaying());
-    QCOMPARE(errors.size(), 2);
 }
 
 QTEST_GUILESS_MAIN(AmplifiedPlayerTest)

@@ -5,8 +5,6 @@
 #include <QByteArray>
 #include <QtEndian>
 
-#include <cmath>
-
 /// WAV files made by hand, one channel.
 namespace SoundFile
 {
@@ -30,15 +28,6 @@ inline QByteArray numbered(quint32 rate, int frames)
 inline qint32 numberAt(const QByteArray &samples, int offset)
 {
     return qFromLittleEndian<qint32>(samples.constData() + offset / 4 * 4);
-}
-
-inline QByteArray tone(quint32 rate, double hertz, double amplitude, int ms)
-{
-    const int frames = int(qint64(rate) * ms / 1000);
-    QByteArray samples(frames * 2, Qt::Uninitialized);
-    for (int i = 0; i < frames; ++i)
-        qToLittleEndian(qint16(32767 * amplitude * std::sin(2 * M_PI * hertz * i / rate)), samples.data() + i * 2);
-    return wav(rate, 16, samples);
 }
 
 } // namespace SoundFile

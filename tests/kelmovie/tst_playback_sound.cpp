@@ -2,8 +2,8 @@
 
 #include "RecordingFixture.h"
 #include "ScriptedDecoder.h"
-#include "SoundFile.h"
 #include "support/LogCapture.h"
+#include "support/Sound.h"
 
 #include "playback/KelPlaybackVoiceTrack.h"
 
@@ -82,10 +82,11 @@ private:
         recording->metadata.systemAudio = true;
         recording->save();
         QDir(recording->path()).mkdir("Voice");
-        constexpr quint32 soundRate = 44'100; // the device has another one
-        const QByteArray low = SoundFile::tone(soundRate, 400, 0.5, 30'000);
-        const QByteArray high = SoundFile::tone(soundRate, 1000, 0.5, 30'000).mid(WavHeader::Size);
-        recording->write("Voice/system_audio_1.wav", SoundFile::wav(soundRate, 16, low.mid(WavHeader::Size) + high));
+        const Sound sound = Sound::make(
+            60, [](double t) { return 0.5 * std::sin(2 * M_PI * (t < 30 ? 400 : 1000) * t); }, 44'100,
+            1); // the device has another rate
+        if (!sound.save(recording->path() + "/Voice/system_audio_1.wav", false))
+            qFatal("cannot write the sound");
         KelPlaybackSeams seams = KelPlaybackSeams::real();
         seams.decoders = scriptedDecoders(std::make_shared<DecoderScript>());
         return std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);

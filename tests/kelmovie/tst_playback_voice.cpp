@@ -7,6 +7,7 @@
 #include "audio/KelAmplifiedAudioPlayer.h"
 #include "playback/KelPlaybackVoiceTrack.h"
 
+#include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QFileDevice>
@@ -91,6 +92,7 @@ private:
 void PlaybackVoiceTest::init()
 {
     nowMs = 1'700'000'000'000;
+    gKelMovieConfig = KelMovieConfig();
     sound = std::make_shared<SoundScript>();
     sound->nowMs = [this] { return nowMs; };
     decoders = std::make_shared<DecoderScript>();
@@ -237,9 +239,8 @@ void PlaybackVoiceTest::takesSettingsAtOnce()
     recording->write("Voice/system_audio_1.wav",
                      SoundFile::wav(kRate, 16, QByteArray("\0\x10", 2).repeated(kRate * 20)));
     const auto manager = load();
-    KelPlaybackVoiceTrack *track = manager->voiceTrack();
     const KelAmplifiedAudioPlayer *player = players(*manager).first();
-    QVERIFY(track->hasSystemAudio() && !track->hasMicrophone());
+    QVERIFY(manager->voiceTrack()->hasSystemAudio() && !manager->voiceTrack()->hasMicrophone());
     const auto written = [&] {
         manager->seek(manager->currentFrame(), true);
         manager->seek(manager->currentFrame() < 250 ? 300 : 100);
@@ -247,18 +248,22 @@ void PlaybackVoiceTest::takesSettingsAtOnce()
     };
     manager->play();
     QCOMPARE(written(), 4096);
-    track->setSystemAudioVolume(0.5);
-    track->setSystemAudioGain(4.0);
+    gKelMovieConfig.playbackAudioSystemVolume = 50;
+    gKelMovieConfig.playbackAudioSystemGain = 400;
+    manager->updateSettings();
     written();
     QVERIFY(std::abs(written() - 8192) < 40);
-    track->setSystemAudioMuted(true);
+    gKelMovieConfig.playbackAudioSystemMuted = true;
+    manager->updateSettings();
     QCOMPARE(sound->volume, 0.0);
     QCOMPARE(written(), 0);
-    track->setSystemAudioEnabled(false);
+    gKelMovieConfig.playbackAudioSystemEnabled = false;
+    manager->updateSettings();
     QVERIFY(!player->isPlaying());
     pass(*manager, 1000);
     QVERIFY(!player->isPlaying());
-    track->setSystemAudioEnabled(true);
+    gKelMovieConfig.playbackAudioSystemEnabled = true;
+    manager->updateSettings();
     tick(*manager);
     QVERIFY(player->isPlaying());
     QVERIFY(std::abs(player->position() - manager->currentFrame() * 40) <= 40);

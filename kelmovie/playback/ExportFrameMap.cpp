@@ -22,9 +22,9 @@ int frameAtMs(int ms, const ExportFrameMap::Recording &recording)
 ExportFrameMap::ExportFrameMap(const Recording &recording, const Output &output)
 {
     Recording known = recording;
-    // A recording whose metadata is lost still has its frames.
+    // A recording whose metadata is lost still has its frames. The recording clock ticks in whole milliseconds.
     if (known.durationMs < 1 && known.totalFrames > 1)
-        known.durationMs = qint64(known.totalFrames) * 1000 / known.fps;
+        known.durationMs = qint64(known.totalFrames) * std::max(1000 / known.fps, 1);
 
     int endFrame = known.totalFrames - 1;
     qint64 spanMs = known.durationMs;

@@ -1,9 +1,11 @@
 #include "playback/KelExportPipeline.h"
 
 #include "avcodec/KelAVCodecEncoder.h"
+#include "avcodec/MixAudioVideoTracks.h"
 #include "playback/ExportFrameMap.h"
 #include "playback/ExportOutput.h"
 #include "playback/KelExportSeams.h"
+#include "playback/KelExportSound.h"
 #include "playback/KelPlaybackTrackManager.h"
 
 #include <QDebug>
@@ -28,7 +30,8 @@ namespace
 constexpr int kFormatMp4 = 0;
 constexpr int kLoopPercent = 90;
 constexpr int kVideoPercent = 95;
-constexpr std::chrono::milliseconds kClosePoll(50);
+constexpr int kMixedPercent = 99;
+constexpr std::chrono::milliseconds kPoll(50);
 
 } // namespace
 
@@ -44,6 +47,10 @@ public:
     bool encodeFrames(KelAVCodecEncoder &encoder, const ExportFrameMap &map, QImage &image);
     bool closeEncoder(KelAVCodecEncoder &encoder, qint64 frames);
     bool checkWritten(const QString &path);
+    bool mixAudio(KelExportSound &sound, const QString &video, const QTemporaryDir &temporary);
+    bool waitForMix(KelExportSound &sound, const QString &video, const QString &output);
+    QString voiceDir() const;
+    KelExportSound::Range soundRange() const;
     bool placeVideo(const QString &path);
     void report(qint64 percent);
     bool isCancelled();
@@ -57,6 +64,7 @@ public:
     bool cancelled = false;
     Failure failure = Failure::None;
     QString errorString;
+    QString warningString;
 };
 
 void KelExportPipeline::Private::report(qint64 percent)
@@ -105,11 +113,13 @@ bool KelExportPipeline::Private::runExport()
     if (!temporary.isValid())
         return fail("Cannot create a temporary directory", temporary.errorString());
     const QString video = temporary.filePath("kel_temp_export_video.mp4");
+    // Chosen now: the user may close the recording while the video is being finished.
+    KelExportSound sound(manager->voiceTrack(), voiceDir(), soundRange(), temporary.path());
     if (!exportFrames(video) || isCancelled())
         return false;
     report(kVideoPercent);
     failure = Failure::Sound;
-    if (!placeVideo(video))
+    if (!mixAudio(sound, video, temporary))
         return false;
     report(100);
     return true;
@@ -190,7 +200,7 @@ bool KelExportPipeline::Private::closeEncoder(KelAVCodecEncoder &encoder, qint64
 {
     report(kLoopPercent);
     std::future<bool> closed = std::async(std::launch::async, [&encoder] { return encoder.close(); });
-    while (closed.wait_for(kClosePoll) != std::future_status::ready) {
+    while (closed.wait_for(kPoll) != std::future_status::ready) {
         const qint64 written = std::min<qint64>(qint64(encoder.framesWritten()), frames);
         report(kLoopPercent + (kVideoPercent - kLoopPercent) * written / frames);
         if (isCancelled())
@@ -218,11 +228,63 @@ bool KelExportPipeline::Private::checkWritten(const QString &path)
     return true;
 }
 
+/// A video without its sound is better than none.
+bool KelExportPipeline::Private::mixAudio(KelExportSound &sound, const QString &video, const QTemporaryDir &temporary)
+{
+    if (sound.isEmpty())
+        return placeVideo(video);
+    if (canMixInto(request.outputPath)) {
+        if (waitForMix(sound, video, request.outputPath))
+            return true;
+    } else if (const QString mixed = temporary.filePath("kel_temp_export_mixed.mp4"); waitForMix(sound, video, mixed)) {
+        return placeVideo(mixed);
+    }
+    if (isCancelled())
+        return false;
+    warningString = "The sound could not be added: " + sound.errorString();
+    qWarning().noquote() << "[KelExportPipeline]" << warningString;
+    return placeVideo(video);
+}
+
+/// On a thread of its own, so that the user may give up.
+bool KelExportPipeline::Private::waitForMix(KelExportSound &sound, const QString &video, const QString &output)
+{
+    std::future<bool> mixed = std::async(std::launch::async, [&] { return sound.addTo(video, output); });
+    const auto stop = qScopeGuard([&] { sound.cancel(); }); // for a monitor that throws
+    while (mixed.wait_for(kPoll) != std::future_status::ready) {
+        report(kVideoPercent + qint64((kMixedPercent - kVideoPercent) * sound.share()));
+        if (isCancelled())
+            sound.cancel();
+    }
+    return mixed.get();
+}
+
+QString KelExportPipeline::Private::voiceDir() const
+{
+    QString dir = request.trackDataDir;
+    if (dir.isEmpty())
+        dir = manager->property("trackDataDir").toString();
+    if (dir.isEmpty())
+        dir = manager->recordDir();
+    return dir + "/Voice";
+}
+
+KelExportSound::Range KelExportPipeline::Private::soundRange() const
+{
+    KelExportSound::Range range;
+    range.speed = request.speed;
+    if (request.trimStartMs >= 0 && request.trimEndMs >= 0) {
+        range.startMs = request.trimStartMs;
+        range.endMs = request.trimEndMs;
+    }
+    return range;
+}
+
 bool KelExportPipeline::Private::placeVideo(const QString &path)
 {
     const qint64 size = QFileInfo(path).size();
     const QString problem = moveOverFile(path, request.outputPath, [&](qint64 copied) {
-        report(kVideoPercent + (99 - kVideoPercent) * copied / std::max<qint64>(size, copied));
+        report(kVideoPercent + (kMixedPercent - kVideoPercent) * copied / std::max<qint64>(size, copied));
         return !isCancelled();
     });
     if (cancelled)
@@ -266,6 +328,11 @@ bool KelExportPipeline::run()
 QString KelExportPipeline::errorString() const
 {
     return d->errorString;
+}
+
+QString KelExportPipeline::warningString() const
+{
+    return d->warningString;
 }
 
 KelExportPipeline::Failure KelExportPipeline::failure() const

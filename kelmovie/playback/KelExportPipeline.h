@@ -42,6 +42,9 @@ public:
     /// What went wrong, in English, with all that is known.
     QString errorString() const;
 
+    /// What a complete file lacks, in English; empty when it lacks nothing.
+    QString warningString() const;
+
     /// Where the export came to an end before its time.
     enum class Failure { None, Video, Sound, Exception };
     Failure failure() const;

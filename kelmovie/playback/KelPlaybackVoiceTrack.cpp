@@ -33,9 +33,9 @@ KelPlaybackVoiceTrack::KelPlaybackVoiceTrack(const QString &directory, bool syst
 {
     setName("VoiceTrack");
     if (systemAudio)
-        m_system.path = findFile("system_audio");
+        m_system.path = findFile(directory, "system_audio");
     if (microphone)
-        m_microphone.path = findFile("microphone");
+        m_microphone.path = findFile(directory, "microphone");
     if (m_system.path.isEmpty() && m_microphone.path.isEmpty()) {
         setErrorString("No audio WAV files found in: " + directory);
         qWarning().noquote() << "[KelPlaybackVoiceTrack]" << errorString();
@@ -56,9 +56,9 @@ KelPlaybackVoiceTrack::~KelPlaybackVoiceTrack()
 }
 
 /// The newest whole file. Of a recording that was cut off before its parts were joined, the part that begins it.
-QString KelPlaybackVoiceTrack::findFile(const QString &name) const
+QString KelPlaybackVoiceTrack::findFile(const QString &directory, const QString &name)
 {
-    const QDir dir(directory());
+    const QDir dir(directory);
     const QStringList files = dir.entryList({name + "*.wav"}, QDir::Files, QDir::Time);
     const auto isPart = [](const QString &file) { return file.contains("_part"); };
     const auto whole = std::find_if_not(files.begin(), files.end(), isPart);

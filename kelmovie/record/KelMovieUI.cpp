@@ -1,5 +1,6 @@
 #include "record/KelMovieUI.h"
 
+#include "audio/TrimmedAudio.h"
 #include "record/KelMultiTrackRecorder.h"
 
 KelMovieUI::KelMovieUI(QObject *parent)
@@ -12,6 +13,11 @@ KelMovieUI::~KelMovieUI() = default;
 KelMultiTrackRecorder *KelMovieUI::createMultiTrackRecorder()
 {
     return new KelMultiTrackRecorder(this);
+}
+
+QString KelMovieUI::createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath)
+{
+    return ::createTrimmedAudioFile(audioPath, startMs, endMs, outputPath);
 }
 
 QString KelMovieUI::version()

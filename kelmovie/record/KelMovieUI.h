@@ -19,5 +19,10 @@ public:
     /// A new recorder, owned by this object.
     KelMultiTrackRecorder *createMultiTrackRecorder();
 
+    /// Writes the part from `startMs` to `endMs` of a sound file to `outputPath`, whose suffix chooses the format (m4a,
+    /// mp3, wav, flac, ogg, opus, …); below 0 stands for the beginning and the end. Returns `outputPath`, or an empty
+    /// string after a warning in the log; an existing file is replaced only when the new one is whole.
+    static QString createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath);
+
     static QString version();
 };

@@ -330,6 +330,11 @@ QString mixInto(const QFileInfo &target, const QString &videoPath, const QList<A
 
 } // namespace
 
+bool canMixInto(const QString &path)
+{
+    return MixContainer::ofFile(path) != nullptr;
+}
+
 bool MixAudioVideoTracks(const QString &videoPath, const QList<AudioTrack> &tracks, const QString &outputPath,
                          const MixProgress &progress, QString *error)
 {

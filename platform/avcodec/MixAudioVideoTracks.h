@@ -11,6 +11,9 @@
 /// milliseconds.
 using MixProgress = std::function<bool(double share)>;
 
+/// Whether the file's suffix tells a container that a mix can be written to.
+bool canMixInto(const QString &path);
+
 /// Puts a video and the sum of sound tracks into one file. The video is copied as it is; the sound becomes 48 kHz
 /// stereo.
 ///

@@ -1,0 +1,83 @@
+#include "playback/KelExportSound.h"
+
+#include "avcodec/MixAudioVideoTracks.h"
+#include "playback/KelPlaybackVoiceTrack.h"
+
+#include <QDebug>
+#include <QFileInfo>
+
+namespace
+{
+
+constexpr double kAdjustingShare = 0.1; // of the work; encoding takes the most
+
+} // namespace
+
+KelExportSound::KelExportSound(const KelPlaybackVoiceTrack *voice, const QString &voiceDir, const Range &range,
+                               const QString &temporaryDir)
+    : m_range(range)
+    , m_temporaryDir(temporaryDir)
+{
+    const auto add = [&](bool isHeard, const QString &name) {
+        const QString file = isHeard ? KelPlaybackVoiceTrack::findFile(voiceDir, name) : QString();
+        if (!file.isEmpty())
+            m_files.append(file);
+    };
+    if (!voice)
+        return;
+    add(voice->hasSystemAudio() && voice->isSystemAudioEnabled() && !voice->isSystemAudioMuted() &&
+            voice->systemAudioVolume() > 0.0,
+        "system_audio");
+    add(voice->hasMicrophone() && voice->isMicrophoneEnabled() && !voice->isMicrophoneMuted() &&
+            voice->microphoneVolume() > 0.0,
+        "microphone");
+}
+
+bool KelExportSound::addTo(const QString &video, const QString &output)
+{
+    QList<AudioTrack> tracks;
+    for (const QString &file : qAsConst(m_files))
+        tracks.append(trackOf(file));
+    const double done = m_share;
+    const auto progress = [&](double share) {
+        m_share = done + (1.0 - done) * share;
+        return !m_isCancelled;
+    };
+    return MixAudioVideoTracks(video, tracks, output, progress, &m_errorString);
+}
+
+void KelExportSound::cancel()
+{
+    m_isCancelled = true;
+    m_processor.cancel();
+}
+
+AudioTrack KelExportSound::trackOf(const QString &file)
+{
+    AudioTrack track;
+    track.path = speedAdjustedAudio(file, m_range.speed);
+    track.startMs = m_range.startMs;
+    track.endMs = m_range.endMs;
+    if (track.path != file)
+        track.speed = m_range.speed; // the range is in recording time, wherever the file has it
+    return track;
+}
+
+/// The file at another speed, or the same file where that is impossible.
+QString KelExportSound::speedAdjustedAudio(const QString &path, double speed)
+{
+    if (qFuzzyCompare(speed, 1.0))
+        return path;
+    const QString adjusted = QString("%1/speed_adjusted_%2_%3.wav")
+                                 .arg(m_temporaryDir, QString::number(speed, 'f', 1), QFileInfo(path).baseName());
+    const double before = m_share;
+    const auto note = [&](int percent) { m_share = before + kAdjustingShare / m_files.size() * percent / 100; };
+    const auto connection = QObject::connect(&m_processor, &KelAudioSpeedProcessor::progressChanged, note);
+    const bool isAdjusted = m_processor.processAudio(path, speed, adjusted);
+    QObject::disconnect(connection);
+    if (isAdjusted)
+        return adjusted;
+    if (!m_isCancelled)
+        qWarning().noquote() << "[KelExportSound] Sound stays at its own speed:" << m_processor.errorMessage();
+    return path;
+}

@@ -37,7 +37,7 @@ QRect paintedPart(const QImage &image)
     QRect part;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            if (image.pixelColor(x, y) != kPaper)
+            if (image.pixel(x, y) != kPaper.rgb())
                 part |= QRect(x, y, 1, 1);
         }
     }

@@ -41,7 +41,8 @@ void append(std::vector<TimedClick> &clicks, const MouseRecord &record)
 
 /// Gives each click the first release of its button that comes later, both in the file and in time. Walked from the
 /// end, so that the releases that are still to come are known; of those only the ones count that no nearer release
-/// with the same or a later frame stands in front of. Their frames fall, the nearest release comes last.
+/// with the same or a later frame stands in front of. Their frames fall, the nearest release comes last. Where none is
+/// later in time, a quick tap has had its release within its own frame.
 void pair(std::vector<TimedClick> &clicks)
 {
     std::array<std::vector<const TimedClick *>, 4> releases;
@@ -56,12 +57,16 @@ void pair(std::vector<TimedClick> &clicks)
             const auto end = std::partition_point(later.begin(), later.end(), [&](const TimedClick *release) {
                 return release->click.frame > click.frame;
             });
-            if (end == later.begin() || (*std::prev(end))->timestamp < 1)
+            const TimedClick *release = nullptr;
+            if (end != later.begin())
+                release = *std::prev(end);
+            else if (!later.empty() && later.back()->click.frame == click.frame)
+                release = later.back();
+            if (!release || release->timestamp < 1)
                 continue;
-            const TimedClick &release = **std::prev(end);
             click.isPaired = true;
-            click.releaseFrame = release.click.frame;
-            click.isLong = release.timestamp - entry->timestamp >= kLongPressMs;
+            click.releaseFrame = release->click.frame;
+            click.isLong = click.releaseFrame > click.frame && release->timestamp - entry->timestamp >= kLongPressMs;
         }
     }
 }

@@ -16,7 +16,7 @@ constexpr float kPi = 3.14159265F;
 void PressScaling::step(int frame)
 {
     // A step over the release's frame must not leave the pointer small for good.
-    if (m_isActive && !m_isReleasing && frame > m_releaseFrame)
+    if (m_isActive && !m_isReleasing && !m_isReleaseDue && frame > m_releaseFrame)
         startReleasing();
     if (!m_isPressing && !m_isReleasing)
         return;

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "style/KelStyleTheme.h"
+
+#include <QObject>
+
+/// Keeps one widget styled, as its child.
+class StyleFollower : public QObject
+{
+    Q_OBJECT
+
+public:
+    StyleFollower(QWidget *widget, const KelStyleParams &params, KelStyleTheme *theme);
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    double scale() const;
+    void apply();
+
+    QWidget *const m_widget;
+    KelStyleTheme *const m_theme;
+    const double m_fixedScale;
+    QString m_sheet;
+    double m_appliedScale = 0;
+};

@@ -1,0 +1,89 @@
+#include "widget/ColorSelectButton.h"
+
+#include <QColorDialog>
+#include <QPainter>
+#include <QPainterPath>
+
+namespace
+{
+
+constexpr int kWidth = 44;
+constexpr int kHeight = 24;
+constexpr double kRadius = 5;
+constexpr double kInset = 3;
+
+// What a translucent colour is seen on.
+QBrush checkers(int edge)
+{
+    QPixmap tile(2 * edge, 2 * edge);
+    tile.fill(Qt::white);
+    QPainter painter(&tile);
+    painter.fillRect(0, 0, edge, edge, Qt::lightGray);
+    painter.fillRect(edge, edge, edge, edge, Qt::lightGray);
+    return QBrush(tile);
+}
+
+} // namespace
+
+ColorSelectButton::ColorSelectButton(QWidget *parent)
+    : QPushButton(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_Hover);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    connect(this, &QPushButton::clicked, this, &ColorSelectButton::choose);
+}
+
+void ColorSelectButton::setColor(const QColor &color)
+{
+    m_color = color;
+    update();
+}
+
+QSize ColorSelectButton::sizeHint() const
+{
+    const double scale = logicalDpiX() / 96.0;
+    return {qRound(kWidth * scale), qRound(kHeight * scale)};
+}
+
+void ColorSelectButton::choose()
+{
+    auto *const dialog = new QColorDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setOption(QColorDialog::ShowAlphaChannel); // first: without it a colour loses its opacity
+    dialog->setCurrentColor(m_color);
+    connect(dialog, &QColorDialog::currentColorChanged, this, &ColorSelectButton::take);
+    connect(dialog, &QColorDialog::rejected, this, [this, before = m_color] { take(before); });
+    dialog->open();
+}
+
+void ColorSelectButton::take(const QColor &color)
+{
+    const QColor rgb = color.toRgb(); // colours of different models are never equal
+    if (rgb == m_color)
+        return;
+    setColor(rgb);
+    emit sigColorChanged(rgb);
+}
+
+void ColorSelectButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double scale = logicalDpiX() / 96.0;
+    const double radius = kRadius * scale;
+    const bool isLit = isEnabled() && (hasFocus() || underMouse());
+    const double line = hasFocus() ? 1.5 : 1;
+    painter.setPen(QPen(palette().color(isLit ? QPalette::Highlight : QPalette::Mid), line));
+    painter.setBrush(palette().color(QPalette::Base));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2), radius, radius);
+
+    const double inset = kInset * scale;
+    QPainterPath swatch;
+    swatch.addRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius - inset / 2,
+                          radius - inset / 2);
+    painter.setOpacity(isEnabled() ? 1 : 0.4);
+    if (m_color.alpha() < 255)
+        painter.fillPath(swatch, checkers(qRound(4 * scale)));
+    painter.fillPath(swatch, m_color);
+}

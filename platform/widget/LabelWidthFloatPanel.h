@@ -1,0 +1,36 @@
+#pragma once
+
+#include "KelWidgetGlobal.h"
+
+#include <QLabel>
+
+class FloatPanel;
+
+/// A label that opens a panel of its own at a click, or at Space, Enter or the Down key. GUI thread.
+class KELWIDGET_EXPORT LabelWidthFloatPanel : public QLabel
+{
+    Q_OBJECT
+
+public:
+    explicit LabelWidthFloatPanel(QWidget *parent = nullptr);
+
+    /// The panel becomes the label's child and replaces the one before it.
+    void setPanel(FloatPanel *panel);
+    FloatPanel *panel() const { return m_panel; }
+
+    /// Opens the panel, or closes it when it is open.
+    void togglePanel();
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+
+private:
+    bool canOpen() const;
+    void updateMargins();
+    double scaleFactor() const { return logicalDpiX() / 96.0; }
+
+    FloatPanel *m_panel = nullptr;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "KelWidgetGlobal.h"
+
+#include <QSlider>
+
+/// A slim horizontal slider. A press anywhere brings the knob there and drags it; keys and wheel work as on any slider.
+/// Colours come from the palette. GUI thread.
+class KELWIDGET_EXPORT MiniSlider : public QSlider
+{
+    Q_OBJECT
+
+public:
+    explicit MiniSlider(QWidget *parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+
+private:
+    double scaleFactor() const { return logicalDpiX() / 96.0; }
+    double knobRadius() const;
+    /// The line that the knob's centre runs on.
+    QRectF grooveLine() const;
+    int valueAt(double x) const;
+};

@@ -1,0 +1,98 @@
+#include "widget/ColorSelectButton.h"
+#include "widget/MiniSlider.h"
+
+#include <QApplication>
+#include <QColorDialog>
+#include <QtTest>
+
+class SettingWidgetsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void sliderGoesWhereItIsPressed_data();
+    void sliderGoesWhereItIsPressed();
+    void sliderDrags();
+    void colorIsTriedAndTaken_data();
+    void colorIsTriedAndTaken();
+};
+
+void SettingWidgetsTest::sliderGoesWhereItIsPressed_data()
+{
+    QTest::addColumn<Qt::LayoutDirection>("direction");
+    QTest::addColumn<int>("x");
+    QTest::addColumn<int>("value");
+
+    // 200 pixels wide, 9 of them margin on either side.
+    QTest::newRow("before the start") << Qt::LeftToRight << 1 << 50;
+    QTest::newRow("middle") << Qt::LeftToRight << 100 << 100;
+    QTest::newRow("quarter") << Qt::LeftToRight << 55 << 75;
+    QTest::newRow("past the end") << Qt::LeftToRight << 199 << 150;
+    QTest::newRow("mirrored") << Qt::RightToLeft << 55 << 125;
+}
+
+void SettingWidgetsTest::sliderGoesWhereItIsPressed()
+{
+    QFETCH(Qt::LayoutDirection, direction);
+    QFETCH(int, x);
+    MiniSlider slider;
+    slider.setRange(50, 150);
+    slider.setLayoutDirection(direction);
+    slider.resize(200, 20);
+    QTest::mousePress(&slider, Qt::LeftButton, {}, QPoint(x, 10));
+    QTEST(slider.value(), "value");
+    QVERIFY(slider.isSliderDown());
+    QTest::mouseRelease(&slider, Qt::LeftButton, {}, QPoint(x, 10));
+    QVERIFY(!slider.isSliderDown());
+}
+
+void SettingWidgetsTest::sliderDrags()
+{
+    MiniSlider slider;
+    slider.resize(200, 20);
+    slider.setTracking(false);
+    QSignalSpy changed(&slider, &QSlider::valueChanged);
+    QTest::mousePress(&slider, Qt::LeftButton, {}, QPoint(9, 10));
+    QMouseEvent move(QEvent::MouseMove, QPointF(191, 10), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(&slider, &move);
+    QCOMPARE(slider.sliderPosition(), 99);
+    QCOMPARE(slider.value(), 0);
+    QTest::mouseRelease(&slider, Qt::LeftButton, {}, QPoint(191, 10));
+    QCOMPARE(slider.value(), 99);
+    QCOMPARE(changed.size(), 1);
+    QTest::keyClick(&slider, Qt::Key_Left);
+    QCOMPARE(slider.value(), 98);
+    QTest::mousePress(&slider, Qt::RightButton, {}, QPoint(9, 10));
+    QCOMPARE(slider.value(), 98);
+}
+
+void SettingWidgetsTest::colorIsTriedAndTaken_data()
+{
+    QTest::addColumn<bool>("isTaken");
+    QTest::newRow("taken") << true;
+    QTest::newRow("given up") << false;
+}
+
+void SettingWidgetsTest::colorIsTriedAndTaken()
+{
+    QFETCH(bool, isTaken);
+    const QColor before(10, 20, 30, 40);
+    const QColor tried(200, 100, 50, 128);
+    ColorSelectButton button;
+    button.setColor(before);
+    QSignalSpy changed(&button, &ColorSelectButton::sigColorChanged);
+    button.show();
+    QTest::keyClick(&button, Qt::Key_Space);
+    auto *const dialog = button.findChild<QColorDialog *>();
+    QVERIFY(dialog);
+    QCOMPARE(dialog->currentColor(), before);
+    dialog->setCurrentColor(tried);
+    QCOMPARE(button.color(), tried);
+    isTaken ? dialog->accept() : dialog->reject();
+    QCOMPARE(button.color(), isTaken ? tried : before);
+    QVERIFY(!changed.isEmpty());
+    QCOMPARE(changed.last().first().value<QColor>(), button.color());
+}
+
+QTEST_MAIN(SettingWidgetsTest)
+#include "tst_setting_widgets.moc"

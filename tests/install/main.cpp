@@ -4,23 +4,28 @@
 #include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelMovieUI.h>
 #include <KelMovie/KelMultiTrackRecorder.h>
+#include <KelMovie/KelPlayCtrlWidget.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
+#include <KelMovie/KelRecordTimeLable.h>
 #include <KelMovie/KelRecordingMetadata.h>
 
-#include <QGuiApplication>
+#include <QApplication>
 
 #include <cstdio>
 
 int main(int argc, char **argv)
 {
-    QGuiApplication app(argc, argv);
+    QApplication app(argc, argv);
+    KelPlayCtrlWidget controls;
+    KelRecordTimeLable time;
     KelMovieUI movie;
     KelMultiTrackRecorder *recorder = movie.createMultiTrackRecorder();
     QString error;
     QObject::connect(recorder, &KelMultiTrackRecorder::recordingError, [&](const QString &text) { error = text; });
     const bool started = recorder->startRecording();
     std::printf("%s %s\n", qPrintable(KelMovieUI::version()), qPrintable(error));
-    return !started && error == QLatin1String("Record area not set") && KelMovieFormatSuffix() == QLatin1String("mp4")
+    return !started && error == QLatin1String("Record area not set") &&
+                   KelMovieFormatSuffix() == QLatin1String("mp4") && time.text() == QLatin1String("00:00")
                ? 0
                : 1;
 }

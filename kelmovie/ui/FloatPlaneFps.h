@@ -1,0 +1,20 @@
+#pragma once
+
+#include "widget/FloatPanel.h"
+
+class ChoiceList;
+class KelRecordFpsLabel;
+
+/// The frame rates that a label offers.
+class FloatPlaneFps : public FloatPanel
+{
+    Q_OBJECT
+
+public:
+    explicit FloatPlaneFps(KelRecordFpsLabel *label);
+
+    void updateQSS() override;
+
+private:
+    ChoiceList *const m_list;
+};

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "widget/FloatPanel.h"
+
+class ChoiceList;
+class PlaySpeedLabel;
+
+/// The speeds that a label offers.
+class FloatPlanePlaySpeed : public FloatPanel
+{
+    Q_OBJECT
+
+public:
+    explicit FloatPlanePlaySpeed(PlaySpeedLabel *label);
+
+    void updateQSS() override;
+
+private:
+    PlaySpeedLabel *const m_label;
+    ChoiceList *const m_list;
+};

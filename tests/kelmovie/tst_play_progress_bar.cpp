@@ -1,0 +1,237 @@
+#include <KelMovie/PlayProgressBar.h>
+
+#include <QApplication>
+#include <QtTest>
+
+namespace
+{
+
+constexpr int kHeight = 18;
+constexpr int kDurationMs = 1000;
+
+} // namespace
+
+/// The bar is as wide as makes a millisecond a pixel, so that gestures can be told in milliseconds.
+class PlayProgressBarTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void gestures_data();
+    void gestures();
+    void keys_data();
+    void keys();
+    void playTimeWaitsForTheRelease();
+    void rangeAndDuration();
+    void sizes();
+    void painting();
+    void cursorTellsTheHandles();
+
+private:
+    static std::unique_ptr<PlayProgressBar> makeBar(bool rangeEditable);
+    void report(const PlayProgressBar *bar);
+    static void perform(PlayProgressBar *bar, const QString &gesture);
+    static QPoint at(double ms) { return {kHeight / 2 + int(ms), kHeight / 2}; }
+    static QColor pixel(PlayProgressBar *bar, int ms) { return bar->grab().toImage().pixelColor(at(ms)); }
+
+    QStringList m_report;
+};
+
+std::unique_ptr<PlayProgressBar> PlayProgressBarTest::makeBar(bool rangeEditable)
+{
+    auto bar = std::make_unique<PlayProgressBar>(rangeEditable);
+    bar->setBarHeight(12);
+    bar->resize(kDurationMs + kHeight, kHeight);
+    bar->setDuration(kDurationMs);
+    bar->setPlayRange(200, 800);
+    bar->setPlayTime(400);
+    return bar;
+}
+
+/// Collects the signals of a bar as texts.
+void PlayProgressBarTest::report(const PlayProgressBar *bar)
+{
+    m_report.clear();
+    connect(bar, &PlayProgressBar::sigPlayTimePress, this, [this] { m_report << "press"; });
+    connect(bar, &PlayProgressBar::sigPlayTimeChanged, this, [this](int ms) { m_report << QString::number(ms); });
+    connect(bar, &PlayProgressBar::sigPlayTimeRelease, this, [this] { m_report << "release"; });
+    connect(bar, &PlayProgressBar::sigRangeAdjustStart, this, [this](int t) { m_report << QString("start%1").arg(t); });
+    connect(bar, &PlayProgressBar::sigPlayRangeChanged, this,
+            [this](int start, int end, int type) { m_report << QString("%1-%2/%3").arg(start).arg(end).arg(type); });
+    connect(bar, &PlayProgressBar::sigRangeAdjustEnd, this, [this](int t) { m_report << QString("end%1").arg(t); });
+}
+
+/// A gesture is a press, moves and a release, by their places in ms: "200 300 500".
+void PlayProgressBarTest::perform(PlayProgressBar *bar, const QString &gesture)
+{
+    const QStringList places = gesture.split(' ');
+    const QPoint last = at(places.last().toDouble());
+    QTest::mousePress(bar, Qt::LeftButton, {}, at(places.first().toDouble()));
+    for (const QString &place : places.mid(1)) {
+        QMouseEvent move(QEvent::MouseMove, at(place.toDouble()), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(bar, &move);
+    }
+    QTest::mouseRelease(bar, Qt::LeftButton, {}, last);
+}
+
+void PlayProgressBarTest::gestures_data()
+{
+    QTest::addColumn<bool>("rangeEditable");
+    QTest::addColumn<QString>("gesture");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("seek") << true << "300"
+                          << "press 300 release";
+    QTest::newRow("seek and drag") << true << "300 350 310"
+                                   << "press 300 350 310 release";
+    QTest::newRow("dragged out of the range") << true << "300 100 950"
+                                              << "press 300 200 800 release";
+    QTest::newRow("before the range") << true << "100 300"
+                                      << "";
+    QTest::newRow("behind the range") << true << "900 300"
+                                      << "";
+    QTest::newRow("start handle") << true << "200 250 150"
+                                  << "start0 250-800/0 150-800/0 end0";
+    QTest::newRow("end handle") << true << "800 700 900"
+                                << "start1 200-700/1 200-900/1 end1";
+    QTest::newRow("handles end with the recording") << true << "200 -50 1100"
+                                                    << "start0 0-800/0 800-1000/0 end1";
+    QTest::newRow("start handle past the end, and on") << true << "200 850 900 700"
+                                                       << "start0 800-850/0 800-900/1 700-800/1 end0";
+    QTest::newRow("end handle past the start, and on") << true << "800 150 100 300"
+                                                       << "start1 150-200/1 100-200/0 200-300/0 end1";
+    QTest::newRow("no length is left") << true << "200 800"
+                                       << "start0 800-800/0 end0";
+    QTest::newRow("edge of the handle") << true << "202 210"
+                                        << "start0 210-800/0 end0";
+    QTest::newRow("beside the handle") << true << "203 210"
+                                       << "press 203 210 release";
+    QTest::newRow("on a handle that is not there") << false << "200 300"
+                                                   << "press 200 300 release";
+    QTest::newRow("on its outer half") << false << "199 300"
+                                       << "";
+}
+
+void PlayProgressBarTest::gestures()
+{
+    QFETCH(bool, rangeEditable);
+    QFETCH(QString, gesture);
+    const auto bar = makeBar(rangeEditable);
+    report(bar.get());
+    perform(bar.get(), gesture);
+    QTEST(m_report.join(' '), "expected");
+    QVERIFY(!bar->isDragging());
+    QVERIFY(bar->rangeStartMs() <= bar->rangeEndMs());
+    QTest::mouseClick(bar.get(), Qt::RightButton, {}, at(300));
+    QTEST(m_report.join(' '), "expected");
+}
+
+void PlayProgressBarTest::keys_data()
+{
+    QTest::addColumn<bool>("rangeEditable");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("fine") << true << int(Qt::Key_Right) << int(Qt::ControlModifier) << "press 500 release";
+    QTest::newRow("back, to the start of the range") << true << int(Qt::Key_Left) << 0 << "press 200 release";
+    QTest::newRow("end") << true << int(Qt::Key_End) << 0 << "press 800 release";
+    QTest::newRow("cut the start") << true << int(Qt::Key_I) << 0 << "start0 400-800/0 end0";
+    QTest::newRow("cut the end") << true << int(Qt::Key_O) << 0 << "start1 200-400/1 end1";
+    QTest::newRow("nothing to cut") << false << int(Qt::Key_O) << 0 << "";
+}
+
+void PlayProgressBarTest::keys()
+{
+    QFETCH(bool, rangeEditable);
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    const auto bar = makeBar(rangeEditable);
+    report(bar.get());
+    QTest::keyClick(bar.get(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    QTEST(m_report.join(' '), "expected");
+}
+
+void PlayProgressBarTest::playTimeWaitsForTheRelease()
+{
+    const auto bar = makeBar(true);
+    const QColor played = bar->playedColor().lighter(120);
+    QTest::mousePress(bar.get(), Qt::LeftButton, {}, at(600));
+    bar->setPlayTime(300);
+    QCOMPARE(pixel(bar.get(), 500), played);
+    QTest::mouseRelease(bar.get(), Qt::LeftButton, {}, at(600));
+    QVERIFY(pixel(bar.get(), 400) != played);
+    QCOMPARE(pixel(bar.get(), 250), played);
+
+    // A move after the report is newer than it.
+    QTest::mousePress(bar.get(), Qt::LeftButton, {}, at(600));
+    bar->setPlayTime(300);
+    QMouseEvent move(QEvent::MouseMove, at(700), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(bar.get(), &move);
+    QTest::mouseRelease(bar.get(), Qt::LeftButton, {}, at(700));
+    QCOMPARE(pixel(bar.get(), 680), played);
+}
+
+void PlayProgressBarTest::rangeAndDuration()
+{
+    const auto bar = makeBar(true);
+    bar->setDuration(kDurationMs);
+    QCOMPARE(bar->rangeStartMs(), 200);
+    bar->setDuration(2000);
+    QCOMPARE(bar->rangeStartMs(), 0);
+    QCOMPARE(bar->rangeEndMs(), 2000);
+
+    PlayProgressBar empty(true);
+    empty.resize(100, 18);
+    empty.grab();
+    report(&empty);
+    perform(&empty, "0 50 20");
+    QTest::keyClick(&empty, Qt::Key_Right);
+    QVERIFY(!m_report.contains("-2147483648"));
+}
+
+void PlayProgressBarTest::sizes()
+{
+    PlayProgressBar bar(false);
+    QCOMPARE(bar.objectName(), QString("PlayProgressBar"));
+    QCOMPARE(bar.sizeHint().height(), 20);
+    QVERIFY(bar.setProperty("barHeight", 12));
+    QCOMPARE(bar.height(), 18);
+    bar.setBarHeight(15);
+    QCOMPARE(bar.height(), 23);
+    QVERIFY(bar.setProperty("playedColor", QColor(Qt::blue)));
+    QCOMPARE(bar.playedColor(), QColor(Qt::blue));
+}
+
+void PlayProgressBarTest::painting()
+{
+    const auto bar = makeBar(true);
+    bar->setPlayedColor(QColor(0, 100, 200));
+    QCOMPARE(pixel(bar.get(), 100), QColor(208, 208, 208));
+    QCOMPARE(pixel(bar.get(), 600), QColor(189, 189, 189));
+    QCOMPARE(pixel(bar.get(), 300), QColor(0, 100, 200).lighter(120));
+    QCOMPARE(pixel(bar.get(), 200), QColor(0, 100, 200)); // the handle
+    QCOMPARE(pixel(bar.get(), 403), QColor(189, 189, 189));
+    QEvent enter(QEvent::Enter);
+    QApplication::sendEvent(bar.get(), &enter);
+    QCOMPARE(pixel(bar.get(), 402), QColor(0, 100, 200)); // the knob
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(bar.get(), &leave);
+    QCOMPARE(pixel(bar.get(), 403), QColor(189, 189, 189));
+}
+
+void PlayProgressBarTest::cursorTellsTheHandles()
+{
+    const auto bar = makeBar(false);
+    const auto shapeAt = [&bar](double ms) {
+        QMouseEvent move(QEvent::MouseMove, at(ms), Qt::NoButton, Qt::NoButton, {});
+        QApplication::sendEvent(bar.get(), &move);
+        return bar->cursor().shape();
+    };
+    QCOMPARE(shapeAt(800), Qt::SizeHorCursor);
+    QCOMPARE(shapeAt(500), Qt::ArrowCursor);
+    QCOMPARE(shapeAt(200), Qt::SizeHorCursor);
+}
+
+QTEST_MAIN(PlayProgressBarTest)
+#include "tst_play_progress_bar.moc"

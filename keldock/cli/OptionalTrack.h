@@ -9,12 +9,11 @@ struct OptionalTrack {
     const char *option; ///< `--option` asks for it, `--no-option` leaves it out
     bool KelMultiTrackRecorder::RecordConfig::*enabled;
     bool isDefault;
-    bool isImplemented; ///< the engine can record it; one that cannot is never claimed by a recording
 };
 
 inline constexpr std::array OptionalTracks{
-    OptionalTrack{"mouse", &KelMultiTrackRecorder::RecordConfig::enableMouse, true, true},
-    OptionalTrack{"keyboard", &KelMultiTrackRecorder::RecordConfig::enableKeyboard, false, true},
-    OptionalTrack{"system-audio", &KelMultiTrackRecorder::RecordConfig::enableSystemAudio, false, false},
-    OptionalTrack{"microphone", &KelMultiTrackRecorder::RecordConfig::enableMicrophone, false, false},
+    OptionalTrack{"mouse", &KelMultiTrackRecorder::RecordConfig::enableMouse, true},
+    OptionalTrack{"keyboard", &KelMultiTrackRecorder::RecordConfig::enableKeyboard, false},
+    OptionalTrack{"system-audio", &KelMultiTrackRecorder::RecordConfig::enableSystemAudio, false},
+    OptionalTrack{"microphone", &KelMultiTrackRecorder::RecordConfig::enableMicrophone, false},
 };

@@ -124,16 +124,12 @@ void RecordCommand::parseTracks(Arguments &options)
         const bool isUnwanted = options.isSet(QStringLiteral("no-") + name);
         if (isWanted && isUnwanted)
             options.reject(QStringLiteral("--%1 and --no-%1 exclude each other").arg(name));
-        if (isWanted && !track.isImplemented)
-            m_notices.append(QStringLiteral("this version does not record --%1 yet; going on without it").arg(name));
-        m_config.*track.enabled = track.isImplemented && (isWanted || (track.isDefault && !isUnwanted));
+        m_config.*track.enabled = isWanted || (track.isDefault && !isUnwanted);
     }
 }
 
 QString RecordCommand::run()
 {
-    for (const QString &notice : qAsConst(m_notices))
-        Console::printError(QStringLiteral("keldock: ") + notice);
     QRect area;
     QString error = findArea(&area);
     if (error.isEmpty())

@@ -31,5 +31,4 @@ private:
     QRect m_area;      ///< empty when a whole screen was chosen
     int m_screen = -1; ///< -1 when an area was chosen
     qint64 m_durationMs = 0;
-    QStringList m_notices;
 };

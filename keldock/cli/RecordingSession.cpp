@@ -65,9 +65,10 @@ void RecordingSession::fail(const QString &error)
 {
     if (m_error.isEmpty())
         m_error = error;
-    // Without the mouse or the keys a recording of the screen is still worth going on with.
-    const bool goesOn = m_hasRecorded && (error.startsWith(QLatin1String("Mouse track: ")) ||
-                                          error.startsWith(QLatin1String("Keyboard track: ")));
+    // Without one of the others a recording of the screen is still worth going on with.
+    const bool isOther = error.section(QStringLiteral(": "), 0, 0).endsWith(QLatin1String(" track")) &&
+                         !error.startsWith(QLatin1String("Screen"));
+    const bool goesOn = m_hasRecorded && isOther;
     if (goesOn) {
         m_line.clear();
         Console::printError(QStringLiteral("keldock: %1; going on without").arg(error));

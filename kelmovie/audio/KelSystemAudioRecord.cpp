@@ -30,36 +30,36 @@ KelSystemAudioRecord::~KelSystemAudioRecord()
     endThread();
 }
 
-bool KelSystemAudioRecord::start()
+bool KelSystemAudioRecord::start(qint64 atMs)
 {
     if (m_isRecording && !m_isPaused) {
         qWarning() << "系统音频录制已在运行中";
         return false;
     }
     if (m_isPaused) {
-        resume();
+        resume(atMs);
         return true;
     }
     m_parts.clear();
     m_partIndex = 0;
     m_unrecordedMs = 0;
     m_currentPart = partPath();
-    startThread(m_seams.nowMs());
+    startThread(momentOf(atMs));
     m_isRecording = true;
     return true;
 }
 
-void KelSystemAudioRecord::pause()
+void KelSystemAudioRecord::pause(qint64 atMs)
 {
     if (!m_isRecording) {
         qWarning() << "系统音频录制未在运行";
         return;
     }
-    const qint64 nowMs = m_seams.nowMs();
+    const qint64 endMs = momentOf(atMs);
     if (m_thread)
-        m_thread->pauseAt(nowMs);
+        m_thread->pauseAt(endMs);
     if (!m_thread || !m_thread->isRunning())
-        m_unrecordedMs += nowMs - m_partStartMs;
+        m_unrecordedMs += endMs - m_partStartMs;
     if (!m_currentPart.isEmpty()) {
         m_parts.append(std::exchange(m_currentPart, QString()));
         ++m_partIndex;
@@ -68,14 +68,14 @@ void KelSystemAudioRecord::pause()
     m_isPaused = true;
 }
 
-void KelSystemAudioRecord::resume()
+void KelSystemAudioRecord::resume(qint64 atMs)
 {
     if (!m_isPaused) {
         qWarning() << "系统音频录制未处于暂停状态";
         return;
     }
     m_currentPart = partPath();
-    m_partStartMs = m_seams.nowMs();
+    m_partStartMs = momentOf(atMs);
     if (m_thread && m_thread->isRunning())
         m_thread->resumeAt(m_partStartMs, m_currentPart);
     else
@@ -100,6 +100,11 @@ void KelSystemAudioRecord::stopRecording()
     }
     m_isRecording = false;
     m_isPaused = false;
+}
+
+qint64 KelSystemAudioRecord::momentOf(qint64 atMs) const
+{
+    return atMs == Now ? m_seams.nowMs() : atMs;
 }
 
 QString KelSystemAudioRecord::partPath() const

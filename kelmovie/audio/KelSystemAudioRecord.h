@@ -20,10 +20,14 @@ public:
                          const CaptureSeams &seams = CaptureSeams());
     ~KelSystemAudioRecord() override;
 
-    /// Starts, or resumes when paused. False when it is already recording.
-    bool start();
-    void pause();
-    void resume();
+    /// Instead of a moment of the steady clock, in ms.
+    static constexpr qint64 Now = -1;
+
+    /// Starts, or resumes when paused. False when it is already recording. The sound's time begins at `atMs`, which may
+    /// be somewhat past.
+    bool start(qint64 atMs = Now);
+    void pause(qint64 atMs = Now);
+    void resume(qint64 atMs = Now);
 
     /// Ends the capture and joins the parts into the output file.
     void stopRecording();
@@ -32,6 +36,7 @@ public:
     bool isRecording() const { return m_isRecording; }
 
 private:
+    qint64 momentOf(qint64 atMs) const;
     QString partPath() const;
     void startThread(qint64 startMs);
     void endThread();

@@ -15,6 +15,7 @@ public:
 
     bool open();
     void close() { m_file.close(); }
+    bool hasReadError() const { return m_file.error() == QFileDevice::ReadError; }
     QString errorString() const { return m_file.errorString(); }
 
     /// Shorter than a header: there is no sound in it.

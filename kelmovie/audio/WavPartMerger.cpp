@@ -11,6 +11,7 @@
 namespace
 {
 constexpr qint64 ChunkSize = 1 << 20;
+constexpr qint64 AudibleMs = 20;
 
 struct Messages {
     const char *cannotRename;
@@ -33,8 +34,9 @@ constexpr Messages Microphone{
 class Merger
 {
 public:
-    Merger(const QString &output, const Messages &messages)
+    Merger(const QString &output, const Messages &messages, const QList<WavPartTime> &times = {})
         : m_messages(messages)
+        , m_times(times)
         , m_output(output)
     {
     }
@@ -43,16 +45,22 @@ public:
     QString problem() const { return m_problem; }
 
 private:
+    bool isLate(const QString &part) const;
     void rename(const QString &part);
     void join(const QStringList &parts);
     bool begin(const QStringList &parts);
-    bool join(const QString &path);
-    qint64 wholeFrames(const WavPart &part) const;
-    bool copyData(WavPart &part);
+    bool join(const QString &path, const WavPartTime &time);
+    bool add(WavPart &part, const WavPartTime &time);
+    bool copyData(WavPart &part, qint64 size);
+    bool standIn(const WavPartTime &time);
+    bool addSilence(qint64 size);
+    qint64 wholeFrames(qint64 size) const;
+    qint64 bytesOf(qint64 ms) const;
     void checkOutput();
     void keepProblem(const QString &problem);
 
     const Messages m_messages;
+    const QList<WavPartTime> m_times;
     QFile m_output;
     WavHeader m_header;
     QByteArray m_fmtChunk;
@@ -66,11 +74,20 @@ void Merger::merge(const QStringList &parts)
         qWarning() << "没有分段文件需要合并";
         return;
     }
-    if (parts.size() == 1)
+    if (parts.size() == 1 && !isLate(parts.first()))
         rename(parts.first());
     else
         join(parts);
     checkOutput();
+}
+
+/// Whether so much of the time is missing in the part that it would be heard.
+bool Merger::isLate(const QString &path) const
+{
+    const WavPartTime time = m_times.value(0);
+    WavPart part(path);
+    return time.durationMs > 0 && part.open() && part.header().byteRate > 0 &&
+           part.dataSize() * 1000 / part.header().byteRate < time.durationMs + time.surplusMs - AudibleMs;
 }
 
 void Merger::rename(const QString &part)
@@ -95,10 +112,11 @@ void Merger::join(const QStringList &parts)
         m_output.remove();
         return;
     }
-    for (const QString &part : parts) {
-        if (!join(part))
+    for (int i = 0; i < parts.size(); ++i) {
+        if (!join(parts[i], m_times.value(i)))
             break;
     }
+    WavHeader::writeSizes(m_output, m_total);
     m_output.close();
 }
 
@@ -124,33 +142,32 @@ bool Merger::begin(const QStringList &parts)
 }
 
 /// False when the output takes no more.
-bool Merger::join(const QString &path)
+bool Merger::join(const QString &path, const WavPartTime &time)
 {
     WavPart part(path);
     if (!part.open()) {
         qWarning() << m_messages.cannotOpenPart << path;
         if (QFileInfo::exists(path))
             keepProblem(QStringLiteral("cannot read %1: %2").arg(path, part.errorString()));
-        return true;
+        return standIn(time);
     }
     if (part.isTooShort()) {
         qWarning() << m_messages.partTooShort << path;
-        return true;
+        return standIn(time);
     }
     if (part.hasHeader() && part.fmtChunk() != m_fmtChunk)
         qWarning() << m_messages.formatDiffers;
 
     const qint64 before = m_total;
     // The sizes count the part before it is deleted: after a crash its sound is in one place at least.
-    if (!copyData(part) || !WavHeader::writeSizes(m_output, m_total) || !m_output.flush()) {
+    if (!add(part, time) || !WavHeader::writeSizes(m_output, m_total) || !m_output.flush()) {
         keepProblem(QStringLiteral("the sound from %1 on stays in its parts, cannot write %2: %3")
                         .arg(path, m_output.fileName(), m_output.errorString()));
         m_total = before;
         m_output.resize(WavHeader::Size + m_total);
-        WavHeader::writeSizes(m_output, m_total);
         return false;
     }
-    if (m_total - before < wholeFrames(part)) {
+    if (part.hasReadError()) {
         keepProblem(QStringLiteral("cannot read all of %1: %2").arg(path, part.errorString()));
         return true;
     }
@@ -160,17 +177,53 @@ bool Merger::join(const QString &path)
     return true;
 }
 
-/// A frame that a crash tore apart would exchange the channels of all that follows.
-qint64 Merger::wholeFrames(const WavPart &part) const
-{
-    return part.dataSize() - part.dataSize() % qMax<qint64>(1, m_header.blockAlign);
-}
-
-bool Merger::copyData(WavPart &part)
+/// Silence stands for the time before the sound began, and for what was not delivered at the end.
+bool Merger::add(WavPart &part, const WavPartTime &time)
 {
     if (!m_output.seek(WavHeader::Size + m_total))
         return false;
-    const qint64 size = wholeFrames(part);
+    const qint64 size = qMax(qint64(0), wholeFrames(part.dataSize()) - bytesOf(time.surplusMs));
+    const qint64 missing = qMax(qint64(0), bytesOf(time.durationMs) - size);
+    const qint64 late = qMin(missing, bytesOf(time.lateMs));
+    return addSilence(late) && copyData(part, size) && addSilence(missing - late);
+}
+
+/// A frame that a crash tore apart would exchange the channels of all that follows.
+qint64 Merger::wholeFrames(qint64 size) const
+{
+    return size - size % qMax<qint64>(1, m_header.blockAlign);
+}
+
+/// Silence for a part that cannot be used.
+bool Merger::standIn(const WavPartTime &time)
+{
+    if (m_output.seek(WavHeader::Size + m_total) && addSilence(bytesOf(time.durationMs)))
+        return true;
+    keepProblem(QStringLiteral("cannot write %1: %2").arg(m_output.fileName(), m_output.errorString()));
+    return false;
+}
+
+qint64 Merger::bytesOf(qint64 ms) const
+{
+    return wholeFrames(ms * m_header.byteRate / 1000);
+}
+
+bool Merger::addSilence(qint64 size)
+{
+    const QByteArray zeros(int(qMin(size, ChunkSize)), '\0');
+    while (size > 0) {
+        const qint64 written = m_output.write(zeros.constData(), qMin(size, ChunkSize));
+        if (written <= 0)
+            return false;
+        size -= written;
+        m_total += written;
+    }
+    return true;
+}
+
+/// Ends early when the part cannot be read to its end; false when the output takes no more.
+bool Merger::copyData(WavPart &part, qint64 size)
+{
     for (qint64 copied = 0; copied < size;) {
         const QByteArray bytes = part.read(qMin(ChunkSize, size - copied));
         if (bytes.isEmpty())
@@ -222,9 +275,9 @@ QString mergePartFiles(const QStringList &parts, const QString &output)
     return merger.problem();
 }
 
-QString mergeMicrophoneParts(const QStringList &parts, const QString &output)
+QString mergeMicrophoneParts(const QStringList &parts, const QString &output, const QList<WavPartTime> &times)
 {
-    Merger merger(output, Microphone);
+    Merger merger(output, Microphone, times);
     merger.merge(parts);
     return merger.problem();
 }

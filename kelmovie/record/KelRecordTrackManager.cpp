@@ -4,6 +4,7 @@
 #include "record/KelRecordMouseTrack.h"
 #include "record/KelRecordScreenTrack.h"
 #include "record/KelRecordTrackThreadWrap.h"
+#include "record/KelRecordVoiceTrack.h"
 #include "record/KelRecordingMetadata.h"
 #include "style/PixelRatio.h"
 
@@ -59,6 +60,7 @@ KelRecordTrackManager::~KelRecordTrackManager()
         stopRecording();
     releaseResources();
     qDeleteAll(m_threads);
+    delete m_voiceTrack;
 }
 
 void KelRecordTrackManager::createTracks()
@@ -69,6 +71,12 @@ void KelRecordTrackManager::createTracks()
         addTrack(new KelRecordMouseTrack(m_recordArea, createTrackDir(QStringLiteral("/Mouse"))));
     if (m_config.keyboard)
         addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(QStringLiteral("/Keyboard"))));
+    if (m_config.systemAudio || m_config.microphone) {
+        m_voiceTrack = new KelRecordVoiceTrack(m_recordArea, createTrackDir(QStringLiteral("/Voice")), this);
+        m_voiceTrack->setFailureHandler([this](const QString &problem) { addFailure(problem); });
+        m_voiceTrack->setSystemAudioEnabled(m_config.systemAudio);
+        m_voiceTrack->setMicrophoneEnabled(m_config.microphone);
+    }
 }
 
 QString KelRecordTrackManager::createTrackDir(const QString &name) const
@@ -98,8 +106,12 @@ void KelRecordTrackManager::startRecording()
         m_tickCostMs.clear();
         m_instantFps.clear();
     }
+    if (m_voiceTrack)
+        m_voiceTrack->noteClockChange();
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
         thread->startRecording();
+    if (m_voiceTrack)
+        m_voiceTrack->startRecording();
     m_isRecording = true;
     saveCheckpoint();
     m_frameTimer.setInterval(int(1000.0 / qMax(1, m_config.fps)));
@@ -133,9 +145,13 @@ void KelRecordTrackManager::pauseRecording()
         return;
     m_frameTimer.stop();
     m_pauseStartMs = m_now();
+    if (m_voiceTrack)
+        m_voiceTrack->noteClockChange();
     m_isPaused = true;
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
         thread->pauseRecording();
+    if (m_voiceTrack)
+        m_voiceTrack->pauseRecording();
     saveCheckpoint();
 }
 
@@ -147,6 +163,8 @@ void KelRecordTrackManager::stopRecording()
         return;
     m_frameTimer.stop();
     const qint64 durationMs = recordedMs();
+    if (m_voiceTrack)
+        m_voiceTrack->noteClockChange();
     if (m_isPaused)
         qWarning() << "[KelRecordTrackManager]";
 
@@ -157,7 +175,13 @@ void KelRecordTrackManager::stopRecording()
         qWarning() << "[KelRecordTrackManager] 轨道" << i << "停止完成";
     }
     qWarning() << "[KelRecordTrackManager] 所有轨道停止完成";
-    qWarning() << "[KelRecordTrackManager] 没有音频轨道";
+    if (m_voiceTrack) {
+        qWarning() << "[KelRecordTrackManager] 停止音频轨道，指针:" << static_cast<void *>(m_voiceTrack);
+        m_voiceTrack->stopRecording(m_frameIndex, durationMs);
+        qWarning() << "[KelRecordTrackManager] 音频轨道停止完成";
+    } else {
+        qWarning() << "[KelRecordTrackManager] 没有音频轨道";
+    }
 
     logStatistics(durationMs);
     saveMetadata(durationMs);

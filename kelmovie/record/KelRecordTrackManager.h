@@ -14,6 +14,7 @@ class KelRecordKeyboardTrack;
 class KelRecordMouseTrack;
 class KelRecordTrack;
 class KelRecordTrackThreadWrap;
+class KelRecordVoiceTrack;
 struct KelRecordingMetadata;
 
 /// One recording: its tracks, the logic-frame clock that ties them together, and its metadata file. GUI thread.
@@ -99,7 +100,8 @@ private:
 
     QTimer m_frameTimer;
     QList<KelRecordTrackThreadWrap *> m_threads;
-    const QRect m_recordArea; // with even sides
+    KelRecordVoiceTrack *m_voiceTrack = nullptr; // child of this; null without sound
+    const QRect m_recordArea;                    // with even sides
     const Config m_config;
     const Clock m_now;
 

@@ -1,0 +1,292 @@
+#include "record/KelRecordVoiceTrack.h"
+
+#include "audio/KelSystemAudioRecord.h"
+#include "audio/MicrophoneBackend.h"
+
+#include <QDateTime>
+#include <QDebug>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QMetaEnum>
+#include <QThread>
+#include <QUrl>
+
+#include <exception>
+#include <utility>
+
+namespace
+{
+constexpr unsigned long WindDownMs = 50;
+
+QString filePath(const QString &trackDir, const QString &source)
+{
+    return QStringLiteral("%1/%2_%3.wav")
+        .arg(trackDir, source, QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss")));
+}
+
+qint64 steadyMs()
+{
+    QElapsedTimer timer;
+    timer.start();
+    return timer.msecsSinceReference();
+}
+
+QByteArray keyOf(const char *enumerator, int value)
+{
+    const QMetaObject &recorder = QMediaRecorder::staticMetaObject;
+    return QByteArray("QMediaRecorder::") +
+           recorder.enumerator(recorder.indexOfEnumerator(enumerator)).valueToKey(value);
+}
+} // namespace
+
+KelRecordVoiceTrack::KelRecordVoiceTrack(const QRect &recordArea, const QString &trackDir, QObject *parent)
+    : KelRecordTrack(recordArea, trackDir, parent)
+    , m_systemAudioPath(filePath(trackDir, QStringLiteral("system_audio")))
+    , m_microphonePath(filePath(trackDir, QStringLiteral("microphone")))
+{
+    m_microphoneSettings.setCodec(QStringLiteral("audio/wav"));
+    m_microphoneSettings.setSampleRate(44100);
+    m_microphoneSettings.setChannelCount(2);
+    m_microphoneSettings.setQuality(QMultimedia::HighQuality);
+    QDir().mkpath(trackDir);
+}
+
+KelRecordVoiceTrack::~KelRecordVoiceTrack()
+{
+    if (m_isRecording || m_isPaused)
+        KelRecordVoiceTrack::stopRecording(0, 0);
+    cleanupAudioRecorders();
+}
+
+void KelRecordVoiceTrack::setSystemAudioEnabled(bool enabled)
+{
+    m_systemAudioEnabled = enabled;
+}
+
+void KelRecordVoiceTrack::setMicrophoneEnabled(bool enabled)
+{
+    m_microphoneEnabled = enabled;
+    if (enabled)
+        MicrophoneBackend::preload(); // now: at the start the recording's clock would wait for it
+}
+
+void KelRecordVoiceTrack::noteClockChange()
+{
+    m_clockChangeMs = steadyMs();
+}
+
+/// The moment that was noted for what happens now, else now.
+qint64 KelRecordVoiceTrack::takeClockChange()
+{
+    const qint64 noted = std::exchange(m_clockChangeMs, 0);
+    return noted > 0 ? noted : steadyMs();
+}
+
+void KelRecordVoiceTrack::setUpRecorders()
+{
+    if (m_systemAudioEnabled && !m_systemAudio) {
+        m_systemAudio = new KelSystemAudioRecord(
+            m_systemAudioPath,
+            [this](const QString &problem) { reportFailure(QStringLiteral("System audio track: %1").arg(problem)); },
+            this);
+    }
+    if (m_microphoneEnabled && !m_microphone) {
+        const QString problem = MicrophoneBackend::problem();
+        if (problem.isEmpty()) {
+            setUpMicrophone();
+        } else {
+            m_microphoneEnabled = false;
+            reportFailure(QStringLiteral("Microphone track: %1").arg(problem));
+        }
+    }
+}
+
+void KelRecordVoiceTrack::setUpMicrophone()
+{
+    m_microphone = new QAudioRecorder(this);
+    MicrophoneBackend::setWavSettings(*m_microphone, m_microphoneSettings);
+    m_microphone->setOutputLocation(QUrl::fromLocalFile(m_microphonePath));
+    connect(m_microphone, QOverload<QMediaRecorder::Error>::of(&QMediaRecorder::error), this,
+            &KelRecordVoiceTrack::onMicrophoneError);
+    connect(m_microphone, &QMediaRecorder::statusChanged, this, &KelRecordVoiceTrack::onMicrophoneStatusChanged);
+    connect(m_microphone, &QMediaRecorder::stateChanged, this, &KelRecordVoiceTrack::onMicrophoneStateChanged);
+}
+
+void KelRecordVoiceTrack::startRecording()
+{
+    if (m_isPaused) {
+        resumeRecording(takeClockChange());
+        return;
+    }
+    if (m_isRecording)
+        return;
+    const qint64 startMs = takeClockChange();
+    cleanupAudioRecorders();
+    setUpRecorders();
+    m_isRecording = true;
+    m_isPaused = false;
+    if (m_systemAudioEnabled && m_systemAudio)
+        m_systemAudio->start(startMs);
+    startMicrophone(startMs, "启动麦克风录制时发生异常");
+}
+
+void KelRecordVoiceTrack::pauseRecording()
+{
+    if (!m_isRecording)
+        return;
+    const qint64 endMs = takeClockChange();
+    if (m_systemAudioEnabled && m_systemAudio && !m_isPaused)
+        m_systemAudio->pause(endMs);
+    endMicrophonePart(endMs);
+    m_isPaused = true;
+}
+
+void KelRecordVoiceTrack::resumeRecording(qint64 atMs)
+{
+    if (m_systemAudioEnabled && m_systemAudio) {
+        m_systemAudio->resume(atMs);
+    } else {
+        qWarning() << "[VoiceTrack] Cannot resume system audio - enabled:" << m_systemAudioEnabled
+                   << "recorder:" << (m_systemAudio != nullptr);
+    }
+    if (m_microphone && m_microphone->status() == QMediaRecorder::FinalizingStatus) {
+        // It has not heard yet that its last file is complete, and would take the news for the end of the next one.
+        delete m_microphone;
+        setUpMicrophone();
+    }
+    startMicrophone(atMs, "恢复麦克风录制时发生异常");
+    m_isRecording = true;
+    m_isPaused = false;
+}
+
+void KelRecordVoiceTrack::startMicrophone(qint64 atMs, const char *exceptionText)
+{
+    if (!m_microphone || !m_microphoneEnabled)
+        return;
+    QString path = m_microphonePath;
+    path.replace(QStringLiteral(".wav"), QStringLiteral("_part%1.wav").arg(m_microphonePartIndex));
+    m_microphoneStartMs = atMs;
+    m_microphoneBeginMs = 0;
+    try {
+        m_microphone->setOutputLocation(QUrl::fromLocalFile(path));
+        m_microphone->record();
+        m_currentMicrophonePart = path;
+    } catch (const std::exception &exception) {
+        qCritical() << exceptionText;
+        m_microphoneEnabled = false;
+        reportFailure(QStringLiteral("Microphone track: %1").arg(QString::fromLocal8Bit(exception.what())));
+    }
+}
+
+void KelRecordVoiceTrack::endMicrophonePart(qint64 atMs)
+{
+    if (!m_microphone || m_currentMicrophonePart.isEmpty())
+        return;
+    if (m_microphone->state() == QMediaRecorder::RecordingState)
+        m_microphone->stop();
+    const qint64 lateMs = qMax(m_microphoneBeginMs, m_microphoneStartMs) - m_microphoneStartMs;
+    m_microphoneTimes.append({atMs - m_microphoneStartMs, lateMs, steadyMs() - atMs});
+    MicrophoneBackend::waitForWholeFile(*m_microphone, m_currentMicrophonePart);
+    m_microphoneParts.append(std::exchange(m_currentMicrophonePart, QString()));
+    ++m_microphonePartIndex;
+}
+
+void KelRecordVoiceTrack::stopRecording(qint64 frameCount, qint64 durationMs)
+{
+    qInfo() << "[VoiceTrack] Stopping recording, frames:" << frameCount << ", duration:" << durationMs;
+    if (m_isRecording)
+        pauseRecording();
+    if (m_systemAudioEnabled && m_systemAudio) {
+        qWarning() << "[KelRecordVoiceTrack] 停止系统音频录制，指针:" << static_cast<void *>(m_systemAudio);
+        m_systemAudio->stopRecording();
+        qWarning() << "[KelRecordVoiceTrack] 系统音频录制已停止";
+    }
+    joinMicrophoneParts();
+    m_isRecording = false;
+    m_isPaused = false;
+    qWarning() << "[KelRecordVoiceTrack] 调用 cleanupAudioRecorders()";
+    cleanupAudioRecorders();
+    qWarning() << "[KelRecordVoiceTrack] cleanupAudioRecorders() 完成";
+    qWarning() << "[KelRecordVoiceTrack::stopRecording] ========== 完成 ==========";
+}
+
+void KelRecordVoiceTrack::joinMicrophoneParts()
+{
+    qWarning() << "[KelRecordVoiceTrack] 麦克风分段文件数量:" << m_microphoneParts.size();
+    if (m_microphoneParts.isEmpty())
+        return;
+    qWarning() << "[KelRecordVoiceTrack] 合并麦克风分段文件到:" << m_microphonePath;
+    const QString problem = mergeMicrophoneParts(m_microphoneParts, m_microphonePath, m_microphoneTimes);
+    if (!problem.isEmpty())
+        reportFailure(QStringLiteral("Microphone track: %1").arg(problem));
+    m_microphoneParts.clear();
+    m_microphoneTimes.clear();
+    m_microphonePartIndex = 0;
+    qWarning() << "[KelRecordVoiceTrack] 麦克风分段文件合并完成";
+}
+
+void KelRecordVoiceTrack::cleanupAudioRecorders()
+{
+    qWarning() << "[KelRecordVoiceTrack::cleanupAudioRecorders] ========== 开始 ==========";
+    if (m_systemAudio) {
+        qWarning() << "[cleanupAudioRecorders] 处理系统音频录制器，指针:" << static_cast<void *>(m_systemAudio);
+        qWarning() << "[cleanupAudioRecorders] isRecording:" << m_systemAudio->isRecording();
+        if (m_systemAudio->isRecording()) {
+            qWarning() << "[cleanupAudioRecorders] 调用 stopRecording()";
+            m_systemAudio->stopRecording();
+            qWarning() << "[cleanupAudioRecorders] stopRecording() 完成";
+        }
+        qWarning() << "[cleanupAudioRecorders] 断开信号连接";
+        m_systemAudio->disconnect(this);
+        qWarning() << "[cleanupAudioRecorders] 等待 50ms 让音频线程完全停止";
+        QThread::msleep(WindDownMs);
+        qWarning() << "[cleanupAudioRecorders] 删除系统音频录制器";
+        delete std::exchange(m_systemAudio, nullptr);
+        qWarning() << "[cleanupAudioRecorders] 系统音频录制器已删除";
+    } else {
+        qWarning() << "[cleanupAudioRecorders] 系统音频录制器为空，跳过";
+    }
+    if (m_microphone) {
+        qWarning() << "[cleanupAudioRecorders] 处理麦克风录制器，指针:" << static_cast<void *>(m_microphone);
+        qWarning().noquote() << "[cleanupAudioRecorders] state:" << keyOf("State", m_microphone->state());
+        if (m_microphone->state() == QMediaRecorder::RecordingState) {
+            qWarning() << "[cleanupAudioRecorders] 调用 stop()";
+            m_microphone->stop();
+            qWarning() << "[cleanupAudioRecorders] stop() 完成";
+        }
+        qWarning() << "[cleanupAudioRecorders] 断开信号连接";
+        m_microphone->disconnect(this);
+        qWarning() << "[cleanupAudioRecorders] 等待 50ms 让麦克风录制器完全停止";
+        QThread::msleep(WindDownMs);
+        qWarning() << "[cleanupAudioRecorders] 删除麦克风录制器";
+        delete std::exchange(m_microphone, nullptr);
+        qWarning() << "[cleanupAudioRecorders] 麦克风录制器已删除";
+    } else {
+        qWarning() << "[cleanupAudioRecorders] 麦克风录制器为空，跳过";
+    }
+    qWarning() << "[KelRecordVoiceTrack::cleanupAudioRecorders] ========== 完成 ==========";
+}
+
+void KelRecordVoiceTrack::onSystemAudioStateChanged(QAudioRecorder::State) {}
+
+void KelRecordVoiceTrack::onMicrophoneStateChanged(QAudioRecorder::State) {}
+
+void KelRecordVoiceTrack::onMicrophoneStatusChanged(QMediaRecorder::Status status)
+{
+    if (status == QMediaRecorder::RecordingStatus)
+        m_microphoneBeginMs = steadyMs();
+}
+
+void KelRecordVoiceTrack::onSystemAudioError(QAudioRecorder::Error error)
+{
+    qWarning().noquote() << "系统音频录制器错误:" << keyOf("Error", error);
+}
+
+void KelRecordVoiceTrack::onMicrophoneError(QAudioRecorder::Error error)
+{
+    qWarning().noquote() << "麦克风录制器错误:" << keyOf("Error", error);
+    if (!m_microphone)
+        return;
+    qWarning() << "麦克风错误详情:" << m_microphone->errorString();
+    reportFailure(QStringLiteral("Microphone track: %1").arg(m_microphone->errorString()));
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "audio/WavPartMerger.h"
+#include "record/KelRecordTrack.h"
+
+#include <QAudioEncoderSettings>
+#include <QAudioRecorder>
+#include <QList>
+#include <QStringList>
+
+class KelSystemAudioRecord;
+
+/// Records what the computer plays and what the microphone hears, each into one WAV file. Every stretch between a start
+/// or resume and the next pause has a part file of its own; stopping joins them.
+///
+/// It does not follow the frame clock and needs no thread of its own: it lives on the GUI thread, whose event loop the
+/// microphone's recorder uses, and is called there directly.
+class KelRecordVoiceTrack : public KelRecordTrack
+{
+    Q_OBJECT
+
+public:
+    KelRecordVoiceTrack(const QRect &recordArea, const QString &trackDir, QObject *parent = nullptr);
+    ~KelRecordVoiceTrack() override;
+
+    // Before the start.
+    void setSystemAudioEnabled(bool enabled);
+    void setMicrophoneEnabled(bool enabled);
+
+    /// The recording's clock starts or stands still from now: the start or pause that follows refers to this moment,
+    /// however much later it comes.
+    void noteClockChange();
+
+    void startRecording() override;
+    void pauseRecording() override;
+    void stopRecording(qint64 frameCount, qint64 durationMs) override;
+
+private slots:
+    void onSystemAudioStateChanged(QAudioRecorder::State state);
+    void onMicrophoneStateChanged(QAudioRecorder::State state);
+    void onSystemAudioError(QAudioRecorder::Error error);
+    void onMicrophoneError(QAudioRecorder::Error error);
+    void onMicrophoneStatusChanged(QMediaRecorder::Status status);
+
+private:
+    void setUpRecorders();
+    void setUpMicrophone();
+    void cleanupAudioRecorders();
+    void resumeRecording(qint64 atMs);
+    qint64 takeClockChange();
+    void startMicrophone(qint64 atMs, const char *exceptionText);
+    void endMicrophonePart(qint64 atMs);
+    void joinMicrophoneParts();
+
+    const QString m_systemAudioPath;
+    const QString m_microphonePath;
+    QAudioEncoderSettings m_microphoneSettings;
+    bool m_systemAudioEnabled = false;
+    bool m_microphoneEnabled = false; // cleared when the microphone cannot be recorded
+    bool m_isRecording = false;       // stays set while paused
+    bool m_isPaused = false;
+
+    KelSystemAudioRecord *m_systemAudio = nullptr; // child of this
+    QAudioRecorder *m_microphone = nullptr;        // child of this
+    QString m_currentMicrophonePart;               // empty between parts
+    qint64 m_microphoneStartMs = 0;
+    qint64 m_microphoneBeginMs = 0;       // when its sound began after that; 0: not yet
+    QStringList m_microphoneParts;        // finished, in order
+    QList<WavPartTime> m_microphoneTimes; // of each
+    int m_microphonePartIndex = 0;
+    qint64 m_clockChangeMs = 0; // of the steady clock; 0 when it was not noted
+};

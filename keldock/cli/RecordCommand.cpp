@@ -65,8 +65,6 @@ QString RecordCommand::help() const
         "  --verbose           show the engine's log on standard error\n"
         "  --help              this text\n"
         "\n"
-        "This version records no sound yet; it is left out with a notice.\n"
-        "\n"
         "Ctrl-C, a closed terminal and a shutdown end the recording properly. Even a killed one keeps all\n"
         "but its last moment.\n"
         "\n"

@@ -31,6 +31,13 @@ qint64 steadyMs()
     return timer.msecsSinceReference();
 }
 
+bool isBusy(const QAudioRecorder &recorder)
+{
+    const QMediaRecorder::Status status = recorder.status();
+    return status == QMediaRecorder::StartingStatus || status == QMediaRecorder::RecordingStatus ||
+           status == QMediaRecorder::FinalizingStatus;
+}
+
 QByteArray keyOf(const char *enumerator, int value)
 {
     const QMetaObject &recorder = QMediaRecorder::staticMetaObject;
@@ -149,7 +156,7 @@ void KelRecordVoiceTrack::resumeRecording(qint64 atMs)
         qWarning() << "[VoiceTrack] Cannot resume system audio - enabled:" << m_systemAudioEnabled
                    << "recorder:" << (m_systemAudio != nullptr);
     }
-    if (m_microphone && m_microphone->status() == QMediaRecorder::FinalizingStatus) {
+    if (m_microphone && isBusy(*m_microphone)) {
         // It has not heard yet that its last file is complete, and would take the news for the end of the next one.
         delete m_microphone;
         setUpMicrophone();

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDataStream>
 #include <QFile>
 #include <QProcess>
 #include <QString>
-#include <QtEndian>
 
 #include <algorithm>
 #include <cmath>
@@ -59,21 +59,16 @@ struct Sound {
             data.append(isFloat ? reinterpret_cast<const char *>(&sample) : reinterpret_cast<const char *>(&pcm),
                         bytes);
         }
-        QByteArray head(44, '\0');
-        const auto put = [&](int offset, quint32 value, int size) {
-            value = qToLittleEndian(value);
-            std::memcpy(head.data() + offset, &value, size_t(size));
-        };
-        head.replace(0, 4, "RIFF").replace(8, 8, "WAVEfmt ").replace(36, 4, "data");
-        put(4, quint32(data.size() + 36), 4);
-        put(16, 16, 4);
-        put(20, isFloat ? 3 : 1, 2);
-        put(22, quint32(channels), 2);
-        put(24, quint32(rate), 4);
-        put(28, quint32(rate * channels * bytes), 4);
-        put(32, quint32(channels * bytes), 2);
-        put(34, quint32(bytes * 8), 2);
-        put(40, quint32(data.size()), 4);
+        QByteArray head;
+        QDataStream stream(&head, QIODevice::WriteOnly);
+        stream.setByteOrder(QDataStream::LittleEndian);
+        stream.writeRawData("RIFF", 4);
+        stream << quint32(data.size() + 36);
+        stream.writeRawData("WAVEfmt ", 8);
+        stream << quint32(16) << quint16(isFloat ? 3 : 1) << quint16(channels) << quint32(rate)
+               << quint32(rate * channels * bytes) << quint16(channels * bytes) << quint16(bytes * 8);
+        stream.writeRawData("data", 4);
+        stream << quint32(data.size());
         QFile file(path);
         return file.open(QIODevice::WriteOnly) && file.write(head + data) == head.size() + data.size();
     }

@@ -1,6 +1,7 @@
 // Loading, seeking in and painting recorded input: prints lines of name, value and unit, separated by tabs.
 
 #include "Figure.h"
+#include "playback/KelPlaybackKeyboardTrack.h"
 #include "playback/KelPlaybackMouseTrack.h"
 #include "playback/PointerList.h"
 
@@ -13,14 +14,20 @@
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
+#include <QtEndian>
+
 #include <malloc.h>
 
 #include <functional>
+#include <vector>
 
 namespace
 {
 
 constexpr int kMoves = 1'000'000;
+constexpr int kKeys = 100'000;
+constexpr int kFramesOfKey = 10;
+constexpr int kKeyFrames = kKeys * kFramesOfKey;
 constexpr int kSeeks = 100'000;
 constexpr int kPaints = 200;
 
@@ -111,6 +118,66 @@ void measurePainting(const QString &dir)
     printFigure("pointer and four effects: paint", ms / kPaints, "ms");
 }
 
+/// Words, broken by keys with other names and by shortcuts, each key pressed and released.
+void writeKeys(const QString &dir)
+{
+    std::vector<qint32> words{0, 2 * kKeys, 30, 0, 24 * kKeys, 0, 1920, 1080};
+    for (int i = 0; i < kKeys; ++i) {
+        const bool isShortcut = i % 16 == 14; // Control stays held until the next key was typed
+        const qint32 key = isShortcut ? Qt::Key_Control : i % 8 == 7 ? Qt::Key_F1 + i % 12 : Qt::Key_A + i % 26;
+        const int frame = i * kFramesOfKey;
+        words.insert(words.end(), {key, 1, frame});
+        words.insert(words.end(), {key, 0, frame + (isShortcut ? kFramesOfKey + 5 : 5)});
+        if (i % 16 == 15)
+            std::swap_ranges(words.end() - 9, words.end() - 6, words.end() - 6); // by time
+    }
+    for (qint32 &word : words)
+        word = qToLittleEndian(word);
+    write(dir + "/keyboard.keymeta", QByteArray(reinterpret_cast<const char *>(words.data()), int(words.size() * 4)));
+}
+
+KeyOverlayStyle wholeHistory()
+{
+    KeyOverlayStyle style;
+    style.showKeyType = 15;
+    style.fontSizePx = 22;
+    style.historyFontSizePx = 20;
+    style.limits.keepTimeSeconds = 60;
+    return style;
+}
+
+void measureKeys(const QString &dir)
+{
+    KeyRecording recording;
+    printFigure("100000 keys: read", msOf([&] { loadKeyRecording(dir, recording); }), "ms");
+    const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
+    KeyDisplayList list;
+    const double buildMs =
+        msOf([&] { list = KeyDisplayListBuilder::build(recording, kKeyFrames, wholeHistory().limits); });
+    const std::size_t after = mallinfo2().uordblks + mallinfo2().hblkhd;
+    printFigure("100000 keys: display list of a million frames", buildMs, "ms");
+    printFigure("100000 keys: memory of the display list", double(after - before) / 1e6, "MB");
+
+    KelPlaybackKeyboardTrack track(dir, kKeyFrames, 1.0, nullptr);
+    track.setStyle(wholeHistory());
+    QRandomGenerator random(1);
+    const double seekMs = msOf([&] {
+        for (int i = 0; i < kSeeks; ++i)
+            track.seekToFrame(random.bounded(kKeyFrames));
+    });
+    printFigure("100000 keys: random seek", seekMs * 1000 / kSeeks, "us");
+
+    QImage picture(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    double paintMs = 0;
+    for (int i = 0; i < kPaints; ++i) {
+        track.seekToFrame(5000 + i);
+        picture.fill(Qt::white);
+        QPainter painter(&picture);
+        paintMs += msOf([&] { track.paint(&painter); });
+    }
+    printFigure("key and whole history: paint", paintMs / kPaints, "ms");
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -124,5 +191,7 @@ int main(int argc, char **argv)
     measureSeeks(dir.path());
     writeMouse(dir.path(), 100);
     measurePainting(dir.path());
+    writeKeys(dir.path());
+    measureKeys(dir.path());
     return 0;
 }

@@ -2,6 +2,12 @@
 
 #include <algorithm>
 
+bool KeyDisplayEntry::looksLike(const KeyDisplayEntry &other) const
+{
+    return current.type == other.current.type && current.count == other.current.count &&
+           historyBegin == other.historyBegin && historyEnd == other.historyEnd && current.text == other.current.text;
+}
+
 int KeyDisplayList::indexAt(int frame) const
 {
     const auto after =

@@ -17,7 +17,7 @@ struct KeyDisplayItem {
 
     QString text;
     int type = NoType;
-    int timeMs = 0; ///< of the last key event that touched the item, from the start of the recording
+    int timeMs = 0; ///< of a key event that touched the item, from the start of the recording
     int count = 1;  ///< how many times it was typed in a row
 };
 
@@ -32,6 +32,7 @@ struct KeyDisplayEntry {
     bool hasCurrent() const { return current.type != KeyDisplayItem::NoType; }
     bool hasHistory() const { return historyBegin < historyEnd; }
     bool hasContent() const { return hasCurrent() || hasHistory(); }
+    bool looksLike(const KeyDisplayEntry &other) const;
 };
 
 /// What is displayed at every logic frame of a recording. The history is a window that moves over one list of past

@@ -79,10 +79,20 @@ void KeyDisplayListBuilder::run(int totalFrames)
             if (entry.hasContent())
                 next = std::min(next, std::max(frame + 1, firstFrameOfChange(entry)));
             entry.lastFrame = entry.hasContent() ? next - 1 : frame;
-            m_list.entries.push_back(std::move(entry));
+            append(entry);
         }
         frame = next;
     }
+}
+
+/// Releases, for one, change only when something expires.
+void KeyDisplayListBuilder::append(const KeyDisplayEntry &entry)
+{
+    std::vector<KeyDisplayEntry> &entries = m_list.entries;
+    if (!entries.empty() && entries.back().lastFrame + 1 == entry.firstFrame && entries.back().looksLike(entry))
+        entries.back().lastFrame = entry.lastFrame;
+    else
+        entries.push_back(entry);
 }
 
 /// Passes the records before `frame`. Modifiers count one record ahead: they include the one to be handled next.

@@ -34,6 +34,7 @@ private:
     bool hasRecord() const { return m_next < m_records.size(); }
     bool hasRecordAt(int frame) const { return hasRecord() && m_records[m_next].frame == frame; }
 
+    void append(const KeyDisplayEntry &entry);
     KeyDisplayEntry startEntry(int frame) const;
     void handleRecord(KeyDisplayEntry &entry);
     void handleRelease(const KeyRecord &record, KeyDisplayEntry &entry);

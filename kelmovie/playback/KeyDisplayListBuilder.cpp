@@ -8,6 +8,19 @@
 namespace
 {
 
+/// Whether a key is in truth the other one of Alt and Meta. With Shift held, X11's layouts make the Alt key a Meta key:
+/// it may go down as one and come up as the other. (The Windows key is a Super key there.)
+bool isSwapped(const KeyRecord &record, quint32 held)
+{
+    if (record.key != Qt::Key_Alt && record.key != Qt::Key_Meta)
+        return false;
+    const quint32 itself = modifierOfKey(record.key);
+    const quint32 other = itself ^ (Qt::AltModifier | Qt::MetaModifier);
+    if (record.pressed)
+        return record.key == Qt::Key_Meta && (held & Qt::ShiftModifier) && !(held & other);
+    return (held & other) && !(held & itself);
+}
+
 /// The records with the keys that a viewer would name.
 std::vector<KeyRecord> shownRecords(const std::vector<KeyRecord> &records)
 {
@@ -15,18 +28,12 @@ std::vector<KeyRecord> shownRecords(const std::vector<KeyRecord> &records)
     shown.reserve(records.size());
     quint32 held = 0;
     for (KeyRecord record : records) {
-        if (record.key != 0) {
-            record.key = shownKey(record.key);
-            if (record.key == 0)
-                continue;
-        }
-        quint32 modifier = modifierOfKey(record.key);
-        // With Shift held, the Alt key of many layouts is a Meta key: it goes down as one and comes up as the other.
-        constexpr quint32 altAndMeta = Qt::AltModifier | Qt::MetaModifier;
-        if (!record.pressed && (modifier & altAndMeta) && (held & altAndMeta) && !(held & modifier)) {
-            modifier ^= altAndMeta;
-            record.key = modifier == Qt::AltModifier ? Qt::Key_Alt : Qt::Key_Meta;
-        }
+        if (isSwapped(record, held))
+            record.key = record.key == Qt::Key_Alt ? Qt::Key_Meta : Qt::Key_Alt;
+        else if (record.key != 0 && shownKey(record.key) == 0)
+            continue;
+        record.key = shownKey(record.key);
+        const quint32 modifier = modifierOfKey(record.key);
         held = record.pressed ? held | modifier : held & ~modifier;
         shown.push_back(record);
     }

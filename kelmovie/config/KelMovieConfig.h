@@ -34,12 +34,12 @@ struct KelMovieConfig {
     int playbackKeyboardMaxHistoryCount = 5; ///< boxes at a time
     QFont playbackKeyboardFont;
     bool playbackProgressEnable = false;
-    int playbackProgressDisplayMode = 0;
-    QColor playbackProgressFgColor{51, 136, 255, 200};
+    int playbackProgressDisplayMode = 0; ///< 0 elapsed and total time in a box, 1 a bar along the bottom edge
+    QColor playbackProgressFgColor{51, 136, 255, 200}; ///< of the played part of the bar
     QColor playbackProgressBgColor{51, 136, 255, 120};
-    int playbackProgressSize = 16;
-    int playbackProgressRound = 0;
-    int playbackProgressGapTime = 41;
+    int playbackProgressSize = 16;       ///< of the letters in the box; the bar is 3/8 as high
+    int playbackProgressRound = 0;       ///< radius of the corners; 0: square bar, the box as it was designed
+    int playbackProgressGapTime = 41;    ///< ms of the recording after which the bar moves on, at the earliest
     int playbackAudioSystemVolume = 100; ///< percent, like the gains
     bool playbackAudioSystemMuted = false;
     bool playbackAudioSystemEnabled = true;

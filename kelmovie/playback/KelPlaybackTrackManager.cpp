@@ -1,5 +1,6 @@
 #include "playback/KelPlaybackTrackManager.h"
 
+#include "playback/KelPlaybackCountdownTrack.h"
 #include "playback/KelPlaybackKeyboardTrack.h"
 #include "playback/KelPlaybackMouseTrack.h"
 #include "playback/KelPlaybackScreenTrack.h"
@@ -51,6 +52,7 @@ public:
     void createScreenTrack();
     void createMouseTrack();
     void createVoiceTrack();
+    void createCountdownTrack();
     void createKeyboardTrack();
     void decideFrameCount();
     void applySettings();
@@ -70,6 +72,7 @@ public:
     KelPlaybackScreenTrack *screenTrack = nullptr;         // the one in tracks
     KelPlaybackMouseTrack *mouseTrack = nullptr;           // the one in tracks
     KelPlaybackVoiceTrack *voiceTrack = nullptr;           // the one in tracks
+    KelPlaybackCountdownTrack *countdownTrack = nullptr;   // the one in tracks
     KelPlaybackKeyboardTrack *keyboardTrack = nullptr;     // the one in tracks
     State state = Stopped;
     const QString recordDir;
@@ -92,6 +95,7 @@ void KelPlaybackTrackManager::Private::createTracks()
         createMouseTrack();
     if (metadata.systemAudio || metadata.microphoneAudio)
         createVoiceTrack();
+    createCountdownTrack();
     decideFrameCount();
     if (metadata.keyboardTrack)
         createKeyboardTrack();
@@ -141,6 +145,16 @@ void KelPlaybackTrackManager::Private::createVoiceTrack()
     tracks.push_back(std::move(track));
 }
 
+void KelPlaybackTrackManager::Private::createCountdownTrack()
+{
+    auto track = std::make_unique<KelPlaybackCountdownTrack>(recordDir, q);
+    track->setScale(metadata.pixelRatio);
+    track->setFps(metadata.fps);
+    track->setArea(QRect(QPoint(), q->pictureSize()));
+    countdownTrack = track.get();
+    tracks.push_back(std::move(track));
+}
+
 void KelPlaybackTrackManager::Private::createKeyboardTrack()
 {
     auto track =
@@ -172,6 +186,7 @@ void KelPlaybackTrackManager::Private::decideFrameCount()
     } else {
         totalFrames = screenTrack->logicFrameCount();
     }
+    countdownTrack->setTotalFrames(totalFrames);
 }
 
 bool KelPlaybackTrackManager::Private::isJump(int frame) const
@@ -235,6 +250,7 @@ void KelPlaybackTrackManager::Private::endPlay()
 {
     timer.stop();
     state = Stopped;
+    countdownTrack->setPlaying(false);
     if (voiceTrack)
         voiceTrack->stop();
     if (mouseTrack)
@@ -347,7 +363,7 @@ QStringList KelPlaybackTrackManager::trackNames() const
 {
     QStringList names;
     for (const auto &track : d->tracks) {
-        if (track->errorString().isEmpty())
+        if (track.get() != d->countdownTrack && track->errorString().isEmpty())
             names.append(track->name());
     }
     return names;
@@ -367,6 +383,7 @@ void KelPlaybackTrackManager::play()
     if (d->state == Stopped)
         d->moveTracks(d->currentFrame);
     d->state = Playing;
+    d->countdownTrack->setPlaying(true);
     d->restartClock();
     if (d->voiceTrack)
         d->voiceTrack->play(d->audioMs(d->currentFrame), d->audioRate());
@@ -381,6 +398,7 @@ void KelPlaybackTrackManager::pause()
         return;
     d->timer.stop();
     d->state = Paused;
+    d->countdownTrack->setPlaying(false);
     if (d->voiceTrack)
         d->voiceTrack->pause();
     if (d->mouseTrack)
@@ -399,6 +417,7 @@ void KelPlaybackTrackManager::setSpeed(double speed)
     if (!std::isfinite(speed))
         return;
     d->clock.speed = std::clamp(speed, kMinSpeed, kMaxSpeed);
+    d->countdownTrack->setSpeed(d->clock.speed);
     d->restartClock();
     if (d->voiceTrack && d->state == Playing)
         d->voiceTrack->play(d->audioMs(d->currentFrame), d->audioRate());

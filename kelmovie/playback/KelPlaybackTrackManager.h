@@ -65,7 +65,7 @@ public:
     QSize pictureSize() const;
     /// Frames in the screen video; it has fewer than the recording has logic frames where the screen stood still.
     int videoFrameCount() const;
-    /// Names of the tracks that were loaded, in painting order.
+    /// Names of the recorded tracks that were loaded, in painting order.
     QStringList trackNames() const;
     /// The sound; null when none was recorded. Owned by the manager.
     KelPlaybackVoiceTrack *voiceTrack() const;

@@ -77,10 +77,12 @@ void applyTo(KelPlaybackCountdownTrack &track, const KelMovieConfig &config)
     track.setEnabled(config.playbackProgressEnable);
     track.setDisplayMode(config.playbackProgressDisplayMode);
     track.setBarColors(config.playbackProgressFgColor, config.playbackProgressBgColor);
-    track.setBarHeight(config.playbackProgressSize);
-    track.setFontSize(config.playbackProgressSize);
-    track.setCornerRadius(config.playbackProgressRound);
-    track.setBarStep(config.playbackProgressGapTime);
+    // One size for both looks: the bar is thin beside the letters of the box.
+    const int size = std::clamp(config.playbackProgressSize, 1, kMaxFontSizePx);
+    track.setFontSize(size);
+    track.setBarHeight(std::max(1, size * 3 / 8));
+    track.setCornerRadius(std::clamp(config.playbackProgressRound, 0, kMaxFontSizePx));
+    track.setBarStep(std::clamp(config.playbackProgressGapTime, 0, kMaxSeconds * 1000));
 }
 
 } // namespace

@@ -122,6 +122,11 @@ void PlaybackSettingsTest::settingsReachThePicture_data()
     row("history font", ShortcutFrame, [](C &c) { c.playbackKeyboardHistoryFontSize = 10; });
     row("history count", ShortcutFrame, [](C &c) { c.playbackKeyboardMaxHistoryCount = 1; });
     row("font", ShortcutFrame, [](C &c) { c.playbackKeyboardFont.setBold(true); });
+    row("time box", PlainFrame, [](C &c) { c.playbackProgressEnable = true; });
+    row("progress bar", PlainFrame, [](C &c) {
+        c.playbackProgressEnable = true;
+        c.playbackProgressDisplayMode = 1;
+    });
     row("letters of a box", LetterFrame, [](C &c) {
         c.playbackKeyboardShowKeyType = 15;
         c.playbackKeyboardMaxContinueChar = 3;

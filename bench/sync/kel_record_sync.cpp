@@ -1,5 +1,6 @@
 // kel_record_sync DIR SECONDS PAUSES: records the screen and what the computer plays into DIR/recording, with that many
-// pauses, and exports the recording at several speeds, whole and trimmed, to DIR/SPEED-whole.mp4 and DIR/SPEED-trim.mp4.
+// pauses, and exports the recording at several speeds, whole and trimmed, to DIR/SPEED-whole.mp4 and
+// DIR/SPEED-trim.mp4.
 
 #include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelMultiTrackRecorder.h>

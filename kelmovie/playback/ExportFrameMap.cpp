@@ -32,6 +32,7 @@ ExportFrameMap::ExportFrameMap(const Recording &recording, const Output &output)
         m_startFrame = frameAtMs(output.trimStartMs, known);
         endFrame = frameAtMs(output.trimEndMs, known);
         spanMs = qint64(output.trimEndMs) - output.trimStartMs;
+        m_isRange = true;
     }
     m_frameSpan = endFrame - m_startFrame;
     const double frames = double(spanMs) / output.speed * output.fps / 1000.0;

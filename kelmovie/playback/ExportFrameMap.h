@@ -25,8 +25,13 @@ public:
     qint64 outputFrames() const { return m_outputFrames; }
     /// The logic frame that output frame `i` shows.
     int logicFrame(qint64 i) const;
+    /// Whether only a part of the recording is exported: logic frames firstFrame() to lastFrame().
+    bool isRange() const { return m_isRange; }
+    int firstFrame() const { return m_startFrame; }
+    int lastFrame() const { return m_startFrame + m_frameSpan; }
 
 private:
+    bool m_isRange = false;
     int m_startFrame = 0;
     int m_frameSpan = 0;
     qint64 m_outputFrames = 1;

@@ -470,6 +470,19 @@ void KelPlaybackTrackManager::setExporting(bool on)
     d->exporting = on;
 }
 
+void KelPlaybackTrackManager::setExportedTime(double speed, int first, int last)
+{
+    d->countdownTrack->setSpeed(speed);
+    if (first >= 0)
+        d->countdownTrack->setRange(first, last);
+}
+
+void KelPlaybackTrackManager::resetExportedTime()
+{
+    d->countdownTrack->clearRange();
+    d->countdownTrack->setSpeed(d->clock.speed);
+}
+
 bool KelPlaybackTrackManager::isExporting() const
 {
     return d->exporting;

@@ -91,6 +91,11 @@ public:
     /// Set by an export around its work; a cancelled export leaves it set.
     void setExporting(bool on);
     bool isExporting() const;
+    /// What the time over the picture tells during an export at that speed: the time within logic frames `first` to
+    /// `last`, or that of the whole recording when `first` is -1.
+    void setExportedTime(double speed, int first, int last);
+    /// As while playing again.
+    void resetExportedTime();
 
 public slots:
     /// Hands the settings in gKelMovieConfig to the tracks, as loading and play() do, and has the picture painted

@@ -2,10 +2,14 @@
 #include "ScriptedDecoder.h"
 #include "ScriptedEncoder.h"
 
+#include "playback/KelPlaybackCountdownTrack.h"
+
 #include <KelMovie/KelExportPipeline.h>
+#include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QDir>
+#include <QPainter>
 #include <QRegularExpression>
 #include <QtTest>
 
@@ -57,6 +61,7 @@ private slots:
     void placesTheFile();
     void fillsWhatTheVideoDoesNotCover();
     void exportsWithoutMetadata();
+    void tellsTheTimeWithinTheRange();
     void failures_data();
     void failures();
     void unsupportedFormat();
@@ -192,6 +197,52 @@ void ExportPipelineTest::fillsWhatTheVideoDoesNotCover()
     QVERIFY(runExport());
     QCOMPARE(encoder->frames, QVector<int>{99});
     QCOMPARE(encoder->corners, QVector<QRgb>{QColor(Qt::black).rgba()});
+}
+
+void ExportPipelineTest::tellsTheTimeWithinTheRange()
+{
+    recording->metadata.recordArea = QRect(0, 0, 320, 120);
+    recording->save();
+    gKelMovieConfig.playbackProgressEnable = true;
+    const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
+    loadManager();
+    const auto picture = [&] {
+        QImage image(320, 120, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        manager->paint(&painter);
+        return image;
+    };
+    manager->seek(50);
+    const QImage before = picture();
+
+    KelPlaybackCountdownTrack reference(QString(), nullptr);
+    reference.setTotalFrames(manager->totalFrames());
+    reference.setFps(manager->fps());
+    reference.setArea(QRect(0, 0, 320, 120));
+    reference.setScale(recording->metadata.pixelRatio);
+    reference.setSpeed(0.5);
+    reference.setRange(25, 75);
+    request.speed = 0.5;
+    request.trimStartMs = 1010; // of 4 s in 100 frames
+    request.trimEndMs = 3040;
+    bool differs = false;
+    encoder->onFrame = [&](int) {
+        manager->setFrameSilently(60);
+        const QImage told = picture();
+        QImage expected(told.size(), told.format());
+        expected.fill(Qt::black);
+        QPainter painter(&expected);
+        reference.seekToFrame(60);
+        reference.paint(&painter);
+        painter.end();
+        const QRect besideVideo(64, 0, 256, 120);
+        differs = differs || told.copy(besideVideo) != expected.copy(besideVideo);
+    };
+    QVERIFY(runExport());
+    QVERIFY(!differs);
+    manager->seek(50);
+    QCOMPARE(picture(), before);
 }
 
 void ExportPipelineTest::exportsWithoutMetadata()

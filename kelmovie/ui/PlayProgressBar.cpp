@@ -1,5 +1,8 @@
 #include "ui/PlayProgressBar.h"
 
+#include "ui/ProgressBarAccessible.h"
+
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -91,15 +94,6 @@ public:
         emit q->sigPlayRangeChanged(int(rangeStart), int(rangeEnd), type);
     }
 
-    /// What a press, one move and a release with the mouse would report.
-    void movePosition(double ms)
-    {
-        emit q->sigPlayTimePress();
-        playTime = inRange(ms);
-        emit q->sigPlayTimeChanged(int(playTime));
-        emit q->sigPlayTimeRelease();
-    }
-
     void cutAtPosition(int type)
     {
         if (!rangeEditable)
@@ -128,6 +122,7 @@ PlayProgressBar::PlayProgressBar(bool rangeEditable, QWidget *parent)
     : QWidget(parent)
     , d(std::make_unique<Private>(this, rangeEditable))
 {
+    QAccessible::installFactory(progressBarAccessible); // once, however often it is asked
     setObjectName(QStringLiteral("PlayProgressBar"));
     setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::Fixed);
     setMouseTracking(true);
@@ -196,6 +191,11 @@ bool PlayProgressBar::isDragging() const
     return d->dragMode != NoDrag;
 }
 
+int PlayProgressBar::playTimeMs() const
+{
+    return int(d->playTime);
+}
+
 int PlayProgressBar::rangeStartMs() const
 {
     return int(d->rangeStart);
@@ -204,6 +204,15 @@ int PlayProgressBar::rangeStartMs() const
 int PlayProgressBar::rangeEndMs() const
 {
     return int(d->rangeEnd);
+}
+
+void PlayProgressBar::seekTo(int ms)
+{
+    emit sigPlayTimePress();
+    d->playTime = d->inRange(ms);
+    emit sigPlayTimeChanged(int(d->playTime));
+    emit sigPlayTimeRelease();
+    update();
 }
 
 QSize PlayProgressBar::sizeHint() const
@@ -340,22 +349,22 @@ void PlayProgressBar::keyPressEvent(QKeyEvent *event)
     const int step = event->modifiers() & Qt::ControlModifier ? kFineStepMs : kStepMs;
     switch (event->key()) {
     case Qt::Key_Left:
-        d->movePosition(d->playTime - step);
+        seekTo(int(d->playTime - step));
         break;
     case Qt::Key_Right:
-        d->movePosition(d->playTime + step);
+        seekTo(int(d->playTime + step));
         break;
     case Qt::Key_PageUp:
-        d->movePosition(d->playTime - kPageMs);
+        seekTo(int(d->playTime - kPageMs));
         break;
     case Qt::Key_PageDown:
-        d->movePosition(d->playTime + kPageMs);
+        seekTo(int(d->playTime + kPageMs));
         break;
     case Qt::Key_Home:
-        d->movePosition(d->rangeStart);
+        seekTo(int(d->rangeStart));
         break;
     case Qt::Key_End:
-        d->movePosition(d->rangeEnd);
+        seekTo(int(d->rangeEnd));
         break;
     case Qt::Key_I:
         d->cutAtPosition(0);

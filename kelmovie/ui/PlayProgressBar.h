@@ -38,8 +38,12 @@ public:
 
     /// The user holds the position or a handle.
     bool isDragging() const;
+    int playTimeMs() const;
     int rangeStartMs() const;
     int rangeEndMs() const;
+
+    /// As if the user clicked there, within the range. In ms.
+    void seekTo(int ms);
 
     QSize sizeHint() const override;
 

@@ -2,6 +2,7 @@
 
 #include "style/PixelRatio.h"
 #include "style/StyleFollower.h"
+#include "style/SystemTheme.h"
 #include "style/ThemeColors.h"
 
 #include <QApplication>
@@ -26,14 +27,40 @@ KelStyleTheme::KelStyleTheme(QObject *parent)
     connect(qApp, &QGuiApplication::paletteChanged, this, &KelStyleTheme::followPalette);
 }
 
+KelStyleTheme::~KelStyleTheme() = default;
+
 void KelStyleTheme::setMode(Mode mode)
 {
     if (mode == m_mode)
         return;
     m_mode = mode;
-    // An empty palette is the system's again.
-    QApplication::setPalette(mode == Mode::System ? QPalette() : ThemeColors::palette(mode == Mode::Dark));
+    m_system.reset();
+    switch (mode) {
+    case Mode::System:
+        m_system = SystemTheme::create();
+        connect(m_system.get(), &SystemTheme::wishChanged, this, &KelStyleTheme::followSystem);
+        followSystem();
+        break;
+    case Mode::Application:
+        QApplication::setPalette(QPalette());
+        break;
+    case Mode::Light:
+    case Mode::Dark:
+        QApplication::setPalette(ThemeColors::palette(mode == Mode::Dark));
+        break;
+    }
     followPalette();
+}
+
+void KelStyleTheme::followSystem()
+{
+    // An empty palette is again the one that Qt takes from the system. It has the desktop's own colours, so ours step
+    // in only where it is of the other kind than what the desktop says.
+    QApplication::setPalette(QPalette());
+    const SystemTheme::Wish wish = m_system->wish();
+    const bool wishesDark = wish == SystemTheme::Wish::Dark;
+    if (wish != SystemTheme::Wish::Unknown && ThemeColors::isDark(QGuiApplication::palette()) != wishesDark)
+        QApplication::setPalette(ThemeColors::palette(wishesDark));
 }
 
 void KelStyleTheme::followPalette()

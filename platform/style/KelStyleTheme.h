@@ -6,7 +6,10 @@
 #include <QObject>
 #include <QString>
 
+#include <memory>
+
 class QWidget;
+class SystemTheme;
 
 /// What appleStyleTo() needs besides the widget.
 struct KelStyleParams {
@@ -21,17 +24,22 @@ struct KelStyleParams {
 /// ColorBg1 (window), ColorBg2 (field), ColorBg3 (floating panel), ColorBg3Border, ColorText, ColorTextWeak,
 /// ColorTextDisabled, ColorHover, ColorPressed, ColorDanger.
 ///
-/// Theme and application palette always agree on light or dark: the theme follows the palette, which follows the
-/// system, until setMode() fixes one of them; then the palette follows the theme.
+/// Theme and application palette always agree on light or dark. Whichever of them leads is a matter of the mode.
 class KELSTYLE_EXPORT KelStyleTheme : public QObject
 {
     Q_OBJECT
 
 public:
-    enum class Mode { System, Light, Dark };
+    enum class Mode {
+        Application, ///< the theme follows the application palette and changes nothing, as at first
+        System,      ///< both follow the desktop
+        Light,       ///< the palette is the theme's
+        Dark
+    };
 
     /// Exists as long as the QApplication.
     static KelStyleTheme *instance();
+    ~KelStyleTheme() override;
 
     Mode mode() const { return m_mode; }
     void setMode(Mode mode);
@@ -57,8 +65,10 @@ signals:
 private:
     explicit KelStyleTheme(QObject *parent);
 
+    void followSystem();
     void followPalette();
 
-    Mode m_mode = Mode::System;
+    std::unique_ptr<SystemTheme> m_system;
+    Mode m_mode = Mode::Application;
     bool m_isDark = false;
 };

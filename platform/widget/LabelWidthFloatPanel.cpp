@@ -1,7 +1,9 @@
 #include "widget/LabelWidthFloatPanel.h"
 
 #include "widget/FloatPanel.h"
+#include "widget/LabelAccessible.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -21,6 +23,7 @@ constexpr double kFocusWidth = 1.5;
 LabelWidthFloatPanel::LabelWidthFloatPanel(QWidget *parent)
     : QLabel(parent)
 {
+    QAccessible::installFactory(labelAccessible); // once, however often it is asked
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setCursor(Qt::PointingHandCursor);

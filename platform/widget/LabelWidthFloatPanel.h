@@ -18,6 +18,8 @@ public:
     void setPanel(FloatPanel *panel);
     FloatPanel *panel() const { return m_panel; }
 
+    /// There is a panel, and both it and the label are enabled.
+    bool canOpen() const;
     /// Opens the panel, or closes it when it is open.
     void togglePanel();
 
@@ -28,7 +30,6 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
 
 private:
-    bool canOpen() const;
     void updateMargins();
     double scaleFactor() const { return logicalDpiX() / 96.0; }
 

@@ -1,5 +1,6 @@
 #include <KelMovie/PlayProgressBar.h>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QtTest>
 
@@ -21,6 +22,7 @@ private slots:
     void gestures();
     void keys_data();
     void keys();
+    void isASliderToAssistivePrograms();
     void playTimeWaitsForTheRelease();
     void rangeAndDuration();
     void sizes();
@@ -150,6 +152,20 @@ void PlayProgressBarTest::keys()
     report(bar.get());
     QTest::keyClick(bar.get(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
     QTEST(m_report.join(' '), "expected");
+}
+
+void PlayProgressBarTest::isASliderToAssistivePrograms()
+{
+    const auto bar = makeBar(true);
+    report(bar.get());
+    QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(bar.get());
+    QCOMPARE(accessible->role(), QAccessible::Slider);
+    QAccessibleValueInterface *const value = accessible->valueInterface();
+    QCOMPARE(value->currentValue().toInt(), 400);
+    QCOMPARE(value->maximumValue().toInt(), 800);
+    value->setCurrentValue(900);
+    QCOMPARE(m_report.join(' '), QString("press 800 release"));
+    QCOMPARE(value->currentValue().toInt(), 800);
 }
 
 void PlayProgressBarTest::playTimeWaitsForTheRelease()

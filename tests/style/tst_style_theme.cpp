@@ -13,7 +13,7 @@ class StyleThemeTest : public QObject
     Q_OBJECT
 
 private slots:
-    void cleanup() { KelStyleTheme::instance()->setMode(KelStyleTheme::Mode::System); }
+    void cleanup() { KelStyleTheme::instance()->setMode(KelStyleTheme::Mode::Application); }
     void macros_data();
     void macros();
     void textIsReadable_data();
@@ -113,7 +113,7 @@ void StyleThemeTest::followsThePalette()
     const QPalette before = QGuiApplication::palette();
     QVERIFY(!theme->isDark());
     theme->setMode(KelStyleTheme::Mode::Dark);
-    theme->setMode(KelStyleTheme::Mode::System);
+    theme->setMode(KelStyleTheme::Mode::Application);
     QVERIFY(!theme->isDark());
     QCOMPARE(QGuiApplication::palette().color(QPalette::Window), before.color(QPalette::Window));
 

@@ -1,6 +1,7 @@
 #include "widget/FloatPanel.h"
 #include "widget/LabelWidthFloatPanel.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QPushButton>
 #include <QScreen>
@@ -72,6 +73,12 @@ void FloatPanelTest::opensAndCloses_data()
     QTest::newRow("Space, click outside") << key(Qt::Key_Space) << outside;
     QTest::newRow("Return, hideManual") << key(Qt::Key_Return)
                                         << Action([](FloatPanelTest *t) { t->m_panel->hideManual(); });
+    const Action assistive = [](FloatPanelTest *t) {
+        QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(t->m_label);
+        QCOMPARE(accessible->role(), QAccessible::ButtonMenu);
+        accessible->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    };
+    QTest::newRow("assistive program, both ways") << assistive << assistive;
     QTest::newRow("Down, disabled") << key(Qt::Key_Down)
                                     << Action([](FloatPanelTest *t) { t->m_panel->setDisplayEnable(false); });
 }

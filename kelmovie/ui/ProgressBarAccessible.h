@@ -1,0 +1,8 @@
+#pragma once
+
+class QAccessibleInterface;
+class QObject;
+class QString;
+
+/// For QAccessible::installFactory(): a PlayProgressBar is a slider, in ms, to assistive programs.
+QAccessibleInterface *progressBarAccessible(const QString &className, QObject *object);

@@ -1,0 +1,9 @@
+#include "style/SystemTheme.h"
+
+void SystemTheme::setWish(Wish wish)
+{
+    if (wish == m_wish)
+        return;
+    m_wish = wish;
+    emit wishChanged();
+}

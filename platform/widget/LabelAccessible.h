@@ -1,0 +1,8 @@
+#pragma once
+
+class QAccessibleInterface;
+class QObject;
+class QString;
+
+/// For QAccessible::installFactory(): tells assistive programs that a LabelWidthFloatPanel is pressed, not read.
+QAccessibleInterface *labelAccessible(const QString &className, QObject *object);

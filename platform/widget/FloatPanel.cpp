@@ -62,6 +62,7 @@ void FloatPanel::popupBeside(QWidget *anchor)
     place.moveLeft(std::max(place.left(), available.left()));
     place.moveTop(std::max(place.top(), available.top()));
     move(place.topLeft());
+    anchor->setFocus(Qt::PopupFocusReason); // where the keys go again when the panel closes
     show();
     focusNextChild();
 }

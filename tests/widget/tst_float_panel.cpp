@@ -94,6 +94,7 @@ void FloatPanelTest::opensAndCloses()
     close(this);
     QVERIFY(!m_panel->isVisible());
     QCOMPARE(visible.size(), 2);
+    QCOMPARE(m_window->focusWidget(), m_label);
 }
 
 void FloatPanelTest::disabledPanelStaysClosed()

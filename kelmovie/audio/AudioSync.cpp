@@ -14,6 +14,7 @@ constexpr double kMinLeadMs = -25;
 constexpr double kMaxLeadMs = 500;
 
 constexpr double kSmoothingMs = 400;
+constexpr double kMaxWeight = 0.25; // after a pause of this thread, one look at the device says little
 constexpr double kToleratedLagMs = 40;
 constexpr double kWornOffLagMs = 5;
 constexpr double kLostLagMs = 150;
@@ -48,7 +49,7 @@ void AudioSync::update(qint64 nowMs, double positionMs, double expectedMs)
     }
     const double leadMs = m_leadCount ? std::clamp(m_leadSumMs / m_leadCount, kMinLeadMs, kMaxLeadMs) : 0.0;
     const double lagMs = (expectedMs - positionMs) / m_rate + leadMs;
-    m_lagMs += (lagMs - m_lagMs) * std::clamp(double(nowMs - m_lastMs) / kSmoothingMs, 0.0, 1.0);
+    m_lagMs += (lagMs - m_lagMs) * std::clamp(double(nowMs - m_lastMs) / kSmoothingMs, 0.0, kMaxWeight);
     m_lastMs = nowMs;
 
     const bool isCorrecting = m_correction != 1.0;

@@ -45,6 +45,7 @@ bool KelAmplifiedAudioPlayer::setSource(const QString &path)
     if (!QFileInfo::exists(path))
         return fail("File does not exist: " + path);
     stop();
+    moveTo(0);
     closeDevice();
     m_gain.jumpToTarget();
     m_gain.resetLevel();

@@ -8,7 +8,8 @@
 
 class QAudioFormat;
 
-/// Where a player's sound goes. The player writes when there is room.
+/// Where a player's sound goes. The player writes when there is room. There is no pause: Qt's ends the process when the
+/// sound server has just gone away. Stopping and starting costs a millisecond.
 class AudioSink : public QObject
 {
     Q_OBJECT
@@ -20,9 +21,6 @@ public:
     virtual bool start() = 0;
     /// Ends at once; what was not heard yet is dropped.
     virtual void stop() = 0;
-    virtual void suspend() = 0;
-    virtual void resume() = 0;
-    virtual QAudio::State state() const = 0;
     virtual QAudio::Error error() const = 0;
     /// Bytes that the buffer takes now, 0 when it is full or the device is gone.
     virtual int bytesFree() const = 0;

@@ -79,7 +79,7 @@ void KelAmplifiedAudioPlayer::pause()
     if (!m_isPlaying)
         return;
     setPlaying(false);
-    m_sink->suspend();
+    moveTo(std::max(heardFrame(), 0.0));
     emit stateChanged(false);
 }
 
@@ -212,10 +212,6 @@ void KelAmplifiedAudioPlayer::tick()
 
 bool KelAmplifiedAudioPlayer::openDevice()
 {
-    if (m_sink && m_sink->state() == QAudio::SuspendedState) {
-        m_sink->resume();
-        return true;
-    }
     if (!m_sink) {
         m_sink = m_createSink(m_file.format());
         connect(m_sink.get(), &AudioSink::stateChanged, this, &KelAmplifiedAudioPlayer::onAudioOutputStateChanged);

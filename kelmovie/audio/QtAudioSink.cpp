@@ -51,23 +51,6 @@ void QtAudioSink::stop()
     m_output = nullptr;
 }
 
-void QtAudioSink::suspend()
-{
-    if (m_output)
-        m_output->suspend();
-}
-
-void QtAudioSink::resume()
-{
-    if (m_output)
-        m_output->resume();
-}
-
-QAudio::State QtAudioSink::state() const
-{
-    return m_output ? m_output->state() : QAudio::StoppedState;
-}
-
 QAudio::Error QtAudioSink::error() const
 {
     return m_output ? m_output->error() : QAudio::NoError;

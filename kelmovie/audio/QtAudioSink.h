@@ -18,9 +18,6 @@ public:
 
     bool start() override;
     void stop() override;
-    void suspend() override;
-    void resume() override;
-    QAudio::State state() const override;
     QAudio::Error error() const override;
     int bytesFree() const override;
     int bytesBuffered() const override;

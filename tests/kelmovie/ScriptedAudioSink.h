@@ -38,37 +38,24 @@ public:
     bool start() override
     {
         ++m_script->starts;
-        m_pausedMs = 0;
-        m_state = m_script->isMissing ? QAudio::StoppedState : QAudio::IdleState;
-        return !m_script->isMissing;
+        m_isStarted = !m_script->isMissing;
+        return m_isStarted;
     }
     void stop() override
     {
-        m_state = QAudio::StoppedState;
+        m_isStarted = false;
         m_written.clear();
     }
-    void suspend() override
-    {
-        m_state = QAudio::SuspendedState;
-        m_suspendedAtMs = m_script->nowMs();
-    }
-    void resume() override
-    {
-        m_state = QAudio::ActiveState;
-        m_pausedMs += m_script->nowMs() - m_suspendedAtMs;
-    }
-    QAudio::State state() const override { return m_state; }
     QAudio::Error error() const override { return m_error; }
     int bytesFree() const override
     {
-        return m_state == QAudio::StoppedState ? 0 : m_format.bytesForDuration(kBufferMs * 1000) - bytesBuffered();
+        return m_isStarted ? m_format.bytesForDuration(kBufferMs * 1000) - bytesBuffered() : 0;
     }
     int bytesBuffered() const override { return m_written.size() - taken(); }
     qint64 write(const char *bytes, qint64 count) override
     {
         if (m_written.isEmpty())
             m_startedMs = m_script->nowMs();
-        m_state = QAudio::ActiveState;
         m_written.append(bytes, int(count));
         return count;
     }
@@ -79,16 +66,15 @@ public:
     /// Bytes of it that were heard.
     int heard() const
     {
-        const qint64 end = m_state == QAudio::SuspendedState ? m_suspendedAtMs : m_script->nowMs();
-        return m_written.isEmpty() ? 0 : bytesIn(double(end - m_startedMs - m_pausedMs) * m_script->pace);
+        return m_written.isEmpty() ? 0 : bytesIn(double(m_script->nowMs() - m_startedMs) * m_script->pace);
     }
     /// The device does not play for a while, as when nobody filled its buffer.
     void lose(qint64 ms) { m_startedMs += ms; }
     void fail(QAudio::Error error)
     {
         m_error = error;
-        m_state = QAudio::StoppedState;
-        emit stateChanged(m_state);
+        m_isStarted = false;
+        emit stateChanged(QAudio::StoppedState);
     }
 
 private:
@@ -97,12 +83,10 @@ private:
 
     const std::shared_ptr<SoundScript> m_script;
     const QAudioFormat m_format;
-    QAudio::State m_state = QAudio::StoppedState;
+    bool m_isStarted = false;
     QAudio::Error m_error = QAudio::NoError;
     QByteArray m_written;
     qint64 m_startedMs = 0;
-    qint64 m_suspendedAtMs = 0;
-    qint64 m_pausedMs = 0;
 };
 
 inline AudioSink::Factory scriptedSinks(const std::shared_ptr<SoundScript> &script)

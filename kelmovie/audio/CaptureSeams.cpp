@@ -6,7 +6,7 @@
 namespace
 {
 /// Short against a device's buffer, and long enough that looking for packets costs next to nothing.
-constexpr unsigned long RestMs = 10;
+constexpr unsigned long RestMs = 20;
 } // namespace
 
 CaptureSeams::CaptureSeams()

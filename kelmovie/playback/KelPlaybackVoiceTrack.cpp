@@ -1,6 +1,7 @@
 #include "playback/KelPlaybackVoiceTrack.h"
 
 #include "audio/KelAmplifiedAudioPlayer.h"
+#include "audio/LeftoverParts.h"
 #include "playback/KelPlaybackSeams.h"
 
 #include <QDebug>
@@ -32,6 +33,7 @@ KelPlaybackVoiceTrack::KelPlaybackVoiceTrack(const QString &directory, bool syst
     , m_nowMs(seams.nowMs)
 {
     setName("VoiceTrack");
+    joinLeftoverParts(directory);
     if (systemAudio)
         m_system.path = findFile(directory, "system_audio");
     if (microphone)

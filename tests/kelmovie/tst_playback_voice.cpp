@@ -307,7 +307,7 @@ void PlaybackVoiceTest::findsFiles_data()
     QTest::newRow("newest") << QStringList{"system_audio_2.wav", "system_audio_1.wav"} << qint64(2000) << QStringList{};
     QTest::newRow("without its parts") << QStringList{"system_audio_1.wav", "system_audio_1_part0.wav"} << qint64(1000)
                                        << QStringList{};
-    QTest::newRow("never joined") << QStringList{"system_audio_1_part0.wav", "system_audio_1_part1.wav"} << qint64(1000)
+    QTest::newRow("never joined") << QStringList{"system_audio_1_part0.wav", "system_audio_1_part1.wav"} << qint64(3000)
                                   << QStringList{};
     QTest::newRow("none") << QStringList{"sound.wav"} << qint64(0)
                           << QStringList{"W [KelPlaybackVoiceTrack] No audio WAV files found in: "};

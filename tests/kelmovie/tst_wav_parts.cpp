@@ -1,3 +1,4 @@
+#include "audio/LeftoverParts.h"
 #include "audio/WavHeader.h"
 #include "audio/WavPartMerger.h"
 #include "support/FileSizeLimit.h"
@@ -60,6 +61,9 @@ private slots:
     void join_data();
     void join();
     void fullDiskLosesNothing();
+    void microphoneKeepsItsTime();
+    void joinsWhatADeadProcessLeft_data();
+    void joinsWhatADeadProcessLeft();
 };
 
 void tst_wav_parts::headerBytes()
@@ -194,6 +198,64 @@ void tst_wav_parts::fullDiskLosesNothing()
     QVERIFY(!QFile::exists(paths[0]));
     QVERIFY(contents(paths[1]) == wav(B));
     QVERIFY(contents(paths[2]) == wav(C));
+}
+
+/// 1000 frames of 4 bytes a second: a millisecond each.
+void tst_wav_parts::microphoneKeepsItsTime()
+{
+    const QTemporaryDir directory;
+    QStringList paths;
+    for (int i = 0; i < 4; ++i)
+        paths << directory.filePath(QString("m_part%1.wav").arg(i));
+    write(paths[0], wav(QByteArray(400 * 4, 'a'), 1000)); // began late, and ended 10 ms after its end
+    write(paths[1], wav(QByteArray(90 * 4, 'b'), 1000));  // fell silent
+    write(paths[3], wav(QByteArray(50 * 4, 'd'), 1000));  // after one that was never written
+    QCOMPARE(mergeMicrophoneParts(paths, directory.filePath("m.wav"),
+                                  {{500, 110, 10}, {200, 20, 0}, {30, 0, 0}, {50, 0, 0}}),
+             QString());
+    const auto frames = [](int count, char value) { return QByteArray(count * 4, value); };
+    const QByteArray joined =
+        frames(110, 0) + frames(390, 'a') + frames(20, 0) + frames(90, 'b') + frames(90 + 30, 0) + frames(50, 'd');
+    QVERIFY(contents(directory.filePath("m.wav")) == wav(joined, 1000, joined.size()));
+
+    write(paths[0], wav(QByteArray(400 * 4, 'a'), 1000));
+    mergeMicrophoneParts({paths[0]}, directory.filePath("late.wav"), {{500, 100, 0}});
+    QVERIFY(contents(directory.filePath("late.wav")) == wav(frames(100, 0) + frames(400, 'a'), 1000, 500 * 4));
+}
+
+void tst_wav_parts::joinsWhatADeadProcessLeft_data()
+{
+    QTest::addColumn<int>("ageSeconds");
+    QTest::addColumn<QStringList>("files");
+    QTest::newRow("dead") << 3600
+                          << QStringList{"microphone_2.wav", "system_audio_1.wav", "system_audio_9.wav",
+                                         "system_audio_9_part0.wav"};
+    QTest::newRow("under way") << 0 << QStringList{"microphone_2_part0.wav",    "system_audio_1_part0.wav",
+                                                   "system_audio_1_part10.wav", "system_audio_1_part2.wav",
+                                                   "system_audio_9.wav",        "system_audio_9_part0.wav"};
+}
+
+void tst_wav_parts::joinsWhatADeadProcessLeft()
+{
+    QFETCH(int, ageSeconds);
+    QFETCH(QStringList, files);
+    const QTemporaryDir directory;
+    const QList<QPair<QString, QByteArray>> left{
+        {"system_audio_1_part0.wav", wav(A)},  {"system_audio_1_part2.wav", wav(B)},
+        {"system_audio_1_part10.wav", wav(C)}, {"microphone_2_part0.wav", wav(A)},
+        {"system_audio_9.wav", wav(A)},        {"system_audio_9_part0.wav", wav(C)}};
+    for (const auto &[name, bytes] : left) {
+        write(directory.filePath(name), bytes);
+        QFile file(directory.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds), QFileDevice::FileModificationTime));
+    }
+    joinLeftoverParts(directory.path());
+    QCOMPARE(QDir(directory.path()).entryList(QDir::Files, QDir::Name), files);
+    if (ageSeconds > 0) {
+        const QByteArray sound = A + B + C;
+        QVERIFY(contents(directory.filePath("system_audio_1.wav")) == wav(sound, 44100, sound.size()));
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_wav_parts)

@@ -7,7 +7,7 @@
 namespace
 {
 // Often enough that a silence of a tenth of a second is noticed as one, seldom enough to cost next to nothing.
-constexpr pa_usec_t PacketUs = 20 * PA_USEC_PER_MSEC;
+constexpr pa_usec_t PacketUs = 40 * PA_USEC_PER_MSEC;
 
 /// A device's clock may be slower than ours by so much of the time.
 constexpr double ClockTolerance = 0.0003;

@@ -1,0 +1,42 @@
+// What recording the system's audio costs: prints lines of name, value and unit, separated by tabs.
+
+#include "Figure.h"
+#include "audio/KelSystemAudioRecord.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <sys/resource.h>
+
+namespace
+{
+constexpr unsigned long WarmUpMs = 1000;
+constexpr unsigned long MeasuredMs = 20000;
+
+double cpuSeconds()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto seconds = [](const timeval &time) { return double(time.tv_sec) + double(time.tv_usec) / 1e6; };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication app(argc, argv);
+    const QTemporaryDir directory;
+    KelSystemAudioRecord record(
+        directory.filePath("system_audio.wav"),
+        [](const QString &problem) { qFatal("nothing is recorded: %s", qPrintable(problem)); }, nullptr);
+    record.start();
+    QThread::msleep(WarmUpMs);
+    QElapsedTimer timer;
+    timer.start();
+    const double before = cpuSeconds();
+    QThread::msleep(MeasuredMs);
+    printFigure("system_audio_share_of_a_core", 100 * (cpuSeconds() - before) / (double(timer.elapsed()) / 1000), "%");
+    record.stopRecording();
+}

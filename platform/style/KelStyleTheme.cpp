@@ -74,7 +74,7 @@ void KelStyleTheme::followPalette()
 
 QColor KelStyleTheme::color(const QString &name) const
 {
-    const QColor color = ThemeColors::color(name, m_isDark);
+    QColor color = ThemeColors::color(name, m_isDark);
     if (!color.isValid())
         qWarning("[KelStyleTheme] No colour is named %s", qPrintable(name));
     return color;

@@ -20,7 +20,6 @@ constexpr double kRadius = 7;
 FloatPanel::FloatPanel(QWidget *parent)
     : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
 {
-    setAttribute(Qt::WA_TranslucentBackground);
     FloatPanel::updateQSS();
 }
 
@@ -76,13 +75,15 @@ void FloatPanel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(palette().color(QPalette::Mid));
+    const QColor border = palette().color(QPalette::Mid);
+    painter.fillRect(rect(), border); // seen where the mask is coarser than the curve
+    painter.setPen(border);
     painter.setBrush(palette().color(QPalette::Base));
     const double radius = kRadius * scaleFactor();
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
 }
 
-// Without a compositor what is translucent shows up black: cut the corners off. The edge stays soft where there is one.
+// Not translucent: where no compositor runs, what is translucent shows up black.
 void FloatPanel::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);

@@ -39,13 +39,14 @@ act() {
         for i in {0..40}; do
             xdotool mousemove $((200 + i * 16)) $((520 - i * 8 + (i - 20) * (i - 20) / 4)) sleep 0.015
         done
-        xdotool click 1 sleep 0.5 key ctrl+c sleep 0.4
+        xdotool click 1 sleep 0.3 keydown ctrl sleep 0.1 key c sleep 0.1 keyup ctrl sleep 0.4
         xdotool mousedown 1 sleep 0.1 mousemove_relative 40 20 sleep 0.2 mousemove_relative 40 20 sleep 0.4 mouseup 1
-        xdotool key ctrl+shift+s sleep 0.2 click 5 sleep 0.15 click 5 sleep 0.5 click 4 sleep 0.4
+        xdotool keydown ctrl sleep 0.1 keydown shift sleep 0.1 key s sleep 0.1 keyup shift keyup ctrl
+        xdotool sleep 0.2 click 5 sleep 0.15 click 5 sleep 0.5 click 4 sleep 0.4
         for i in {0..30}; do
             xdotool mousemove_relative -- -14 $((i < 15 ? 9 : -5)) sleep 0.015
         done
-        xdotool click 3 sleep 0.4 key Return sleep 0.2 key Return sleep 0.3 key alt+Tab sleep 0.3
+        xdotool click 3 sleep 0.4 key Return sleep 0.2 key Return sleep 0.3 keydown alt sleep 0.1 key Tab sleep 0.1 keyup alt sleep 0.3
     done
 }
 
@@ -80,6 +81,7 @@ elif [ -z "${KEL_DEMO_WITH_SOUND:-}" ]; then
 else
     say "Recording a private screen with a lively scene for $seconds seconds"
     start_private_screen
+    xsetroot -cursor_name left_ptr
     act 2>/dev/null &
     children=("$!" "${children[@]}")
     play_melody
@@ -95,7 +97,7 @@ show info "$out/recording"
 say "Exporting"
 show export "$out/recording" "$out/demo.mp4"
 show export "$out/recording" "$out/demo.gif" --fps 15
-show frame "$out/recording" 60 "$out/picture.png"
+show frame "$out/recording" 45 "$out/picture.png"
 
 say "The files"
 du -h --apparent-size "$out/demo.mp4" "$out/demo.gif" "$out/picture.png"

@@ -66,9 +66,8 @@ public:
     /// Whether buttons and wheel of the mouse are recorded; the pointer is in any case. While recording.
     void setMouseRecordingEnabled(bool enabled);
 
-    /// Whether keys are recorded, while recording and not paused. What is typed while they are off is known to nobody
-    /// afterwards; what was typed before a pause is forgotten when the recording is resumed, which also switches the
-    /// keys on.
+    /// Whether keys are recorded, while recording. What is typed while they are off is known to nobody afterwards; what
+    /// was typed before a pause is forgotten when the recording is resumed. Off stays off over a pause.
     void setKeyboardRecordingEnabled(bool enabled);
 
     /// Loads the recording in `dir` in place of the one loaded before. What the directory lacks is left out:

@@ -39,7 +39,8 @@ private:
     void add(int key, bool isPressed);
 
     std::mutex m_switchMutex; // taken before the other
-    std::mutex m_mutex;       // guards what follows; the two flags change only with both held
+    bool m_isSwitchedOff = false;
+    std::mutex m_mutex; // guards what follows; the two flags change only with both held
     KeyRecords m_records;
     int m_currentFrame = 0;
     bool m_isRecording = false;
@@ -56,10 +57,14 @@ void KelRecordKeyboardTrackPrivate::begin()
 {
     std::lock_guard switches(m_switchMutex);
     takeRecords();
-    setHookType(Keyboard);
+    // Who has switched the keys off may be typing a password: no pause, and no start that comes late, switches them on.
+    if (!m_isSwitchedOff)
+        setHookType(Keyboard);
     std::lock_guard lock(m_mutex);
     m_isRecording = true;
-    m_isHookInstalled = true;
+    m_isHookInstalled = !m_isSwitchedOff;
+    if (m_isSwitchedOff)
+        add(0, false);
 }
 
 void KelRecordKeyboardTrackPrivate::end()
@@ -76,6 +81,7 @@ void KelRecordKeyboardTrackPrivate::end()
 void KelRecordKeyboardTrackPrivate::switchOn()
 {
     std::lock_guard switches(m_switchMutex);
+    m_isSwitchedOff = false;
     if (!m_isRecording) {
         qWarning() << "KelRecordKeyboardTrack: 无法启用钩子 - 未在录制状态";
         return;
@@ -91,6 +97,7 @@ void KelRecordKeyboardTrackPrivate::switchOn()
 void KelRecordKeyboardTrackPrivate::switchOff()
 {
     std::lock_guard switches(m_switchMutex);
+    m_isSwitchedOff = true;
     {
         std::lock_guard lock(m_mutex);
         if (!m_isHookInstalled)

@@ -26,7 +26,7 @@ public:
     void checkpoint(qint64 frameCount) override;
 
     /// Switch the keys on and off in the middle of a recording. Any thread. Each switch leaves a marker in the log; no
-    /// key that is typed after disableCapture() is called gets into it. A start or resume switches them on.
+    /// key that is typed after disableCapture() is called gets into it. Off stays off over a pause.
     void enableCapture();
     void disableCapture();
 

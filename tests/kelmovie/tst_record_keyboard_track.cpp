@@ -138,7 +138,7 @@ void TestRecordKeyboardTrack::recordsByTheRules_data()
     QTest::newRow("no key") << Lines{"start"} << true << Lines{} << Lines{};
     QTest::newRow("as they come") << Lines{"start", "41 1", "frame 2", "41 1", "41 7", "43 0"} << true
                                   << Lines{"41 1 0", "41 1 2", "41 0 2", "43 0 2"} << Lines{};
-    QTest::newRow("before the start") << Lines{"41 1", "on", "off"} << false << Lines{} << Lines{refusal};
+    QTest::newRow("before the start") << Lines{"41 1", "off", "on"} << false << Lines{} << Lines{refusal};
     QTest::newRow("paused") << Lines{"start", "41 1", "pause", "42 1", "on", "off"} << false << Lines{"41 1 0"}
                             << Lines{refusal};
     QTest::newRow("resumed") << Lines{"start", "41 1", "pause", "start", "frame 5", "42 1"} << true << Lines{"42 1 5"}
@@ -147,8 +147,12 @@ void TestRecordKeyboardTrack::recordsByTheRules_data()
                                          "frame 6", "on",   "on",      "43 1", "frame 7"}
                                 << true << Lines{"41 1 0", "0 0 4", "0 1 6", "43 1 6"} << Lines{};
     QTest::newRow("off at the end") << Lines{"start", "off", "41 1"} << false << Lines{"0 0 0"} << Lines{};
-    QTest::newRow("off, then paused and resumed")
-        << Lines{"start", "off", "pause", "41 1", "start", "42 1"} << true << Lines{"42 1 0"} << Lines{};
+    QTest::newRow("off stays off over a pause")
+        << Lines{"start", "off", "pause", "41 1", "frame 3", "start", "42 1"} << false << Lines{"0 0 3"} << Lines{};
+    QTest::newRow("off and on, both while paused")
+        << Lines{"start", "pause", "off", "on", "start", "42 1"} << true << Lines{"42 1 0"} << Lines{refusal};
+    QTest::newRow("off before the start gets through") << Lines{"off", "start", "41 1", "frame 2", "on", "42 1"} << true
+                                                       << Lines{"0 0 0", "0 1 2", "42 1 2"} << Lines{};
 }
 
 void TestRecordKeyboardTrack::recordsByTheRules()

@@ -150,6 +150,8 @@ QString ExportCommand::run()
         return error.isEmpty() ? QStringLiteral("export cancelled, nothing was written")
                                : QStringLiteral("'%1' cannot be exported: %2").arg(m_file, error);
     }
+    if (!pipeline.warningString().isEmpty())
+        Console::printError(QStringLiteral("keldock: ") + pipeline.warningString());
     QString error = output.commit();
     if (error.isEmpty()) {
         Console::print(QStringLiteral("%1  %2, exported in %3\n")

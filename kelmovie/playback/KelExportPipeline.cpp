@@ -50,6 +50,7 @@ public:
     bool mixAudio(KelExportSound &sound, const QString &video, const QTemporaryDir &temporary);
     bool waitForMix(KelExportSound &sound, const QString &video, const QString &output);
     QString voiceDir() const;
+    ExportFrameMap frameMap() const;
     KelExportSound::Range soundRange() const;
     bool placeVideo(const QString &path);
     void report(qint64 percent);
@@ -159,8 +160,7 @@ bool KelExportPipeline::Private::encodeRange(const QString &path)
     const QSize size = manager->pictureSize();
     if (size.isEmpty())
         return fail("Invalid playback area size");
-    const ExportFrameMap map({manager->totalFrames(), manager->fps(), manager->durationMs()},
-                             {request.fps, request.speed, request.trimStartMs, request.trimEndMs});
+    const ExportFrameMap map = frameMap();
     if (map.outputFrames() > INT_MAX)
         return fail("Too many frames to export");
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
@@ -271,13 +271,23 @@ QString KelExportPipeline::Private::voiceDir() const
     return dir + "/Voice";
 }
 
+ExportFrameMap KelExportPipeline::Private::frameMap() const
+{
+    return ExportFrameMap({manager->totalFrames(), manager->fps(), manager->durationMs()},
+                          {request.fps, request.speed, request.trimStartMs, request.trimEndMs});
+}
+
+/// The picture begins with a whole frame, a little before the range. So does the sound: half as fast, that little can
+/// be seen twice as well.
 KelExportSound::Range KelExportPipeline::Private::soundRange() const
 {
     KelExportSound::Range range;
     range.speed = request.speed;
     if (request.trimStartMs >= 0 && request.trimEndMs >= 0) {
-        range.startMs = request.trimStartMs;
-        range.endMs = request.trimEndMs;
+        const auto firstFrameMs =
+            double(frameMap().firstFrame()) * double(manager->durationMs()) / manager->totalFrames();
+        range.startMs = firstFrameMs;
+        range.endMs = firstFrameMs + request.trimEndMs - request.trimStartMs;
     }
     return range;
 }

@@ -97,7 +97,7 @@ show info "$out/recording"
 say "Exporting"
 show export "$out/recording" "$out/demo.mp4"
 show export "$out/recording" "$out/demo.gif" --fps 15
-show frame "$out/recording" 45 "$out/picture.png"
+show frame "$out/recording" 66 "$out/picture.png"
 
 say "The files"
 du -h --apparent-size "$out/demo.mp4" "$out/demo.gif" "$out/picture.png"

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -22,6 +23,25 @@ QStringList recordsUnderWay(const QByteArray &file)
     while (!lines.isEmpty() && lines.last() == "0 1 2147483647")
         lines.removeLast();
     return lines;
+}
+
+/// Whether the bytes are there that `disguised` stands for; they themselves would be found where they are looked for.
+bool holds(const QByteArray &region, const QByteArray &disguised)
+{
+    const auto isByte = [&](char byte, int i) { return char(byte ^ '\x5a') == disguised[i]; };
+    const int first = disguised[0] ^ '\x5a';
+    const char *const end = region.constData() + region.size() - disguised.size();
+    for (const char *at = region.constData(); at < end; ++at) {
+        at = static_cast<const char *>(memchr(at, first, std::size_t(end - at)));
+        if (!at)
+            return false;
+        int match = 1;
+        while (match < disguised.size() && isByte(at[match], match))
+            ++match;
+        if (match == disguised.size())
+            return true;
+    }
+    return false;
 }
 
 /// Whether these bytes are anywhere in what this process can write to.
@@ -43,13 +63,7 @@ bool isInMemory(const QByteArray &disguised)
             continue;
         region.fill('\0', int(size));
         region.truncate(int(qMax(ssize_t(0), pread(memory, region.data(), std::size_t(size), begin))));
-        const char key = '\x5a';
-        for (int i = 0; !isFound && i + disguised.size() <= region.size(); ++i) {
-            int match = 0;
-            while (match < disguised.size() && char(region[i + match] ^ key) == disguised[match])
-                ++match;
-            isFound = match == disguised.size();
-        }
+        isFound = isFound || holds(region, disguised);
         region.fill('\0');
     }
     ::close(memory);

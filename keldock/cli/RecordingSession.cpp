@@ -58,7 +58,7 @@ QString RecordingSession::run()
     m_recorder.stopRecording();
     // A file that could not be completed is reported by a queued signal.
     QCoreApplication::processEvents();
-    return m_error;
+    return m_isLost || m_error.isEmpty() ? m_error : QStringLiteral("the recording lacks a track. ") + m_error;
 }
 
 void RecordingSession::fail(const QString &error)

@@ -5,9 +5,12 @@
 #include "screen/KelScreenManager.h"
 #include "screen/NativeScreenBackend.h"
 
+#include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelMultiTrackRecorder.h>
+#include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QImage>
+#include <QPainter>
 #include <QRasterWindow>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -68,6 +71,7 @@ class TestInputJourney : public QObject
 private slots:
     void initTestCase();
     void recordsWhatWasDone();
+    void paintsThePointerWhereItWas();
     void cleanupTestCase();
 
 private:
@@ -225,6 +229,32 @@ void TestInputJourney::recordsWhatWasDone()
         }
     }
     QVERIFY(keys.last().section(' ', 2).toInt() > keys.first().section(' ', 2).toInt());
+}
+
+/// The recording that was just made, with the pointer and without.
+void TestInputJourney::paintsThePointerWhereItWas()
+{
+    const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
+    gKelMovieConfig.playbackKeyboardShowKeyType = 0;
+    QVERIFY(m_recorder.loadRecording(m_dir.path()));
+    KelPlaybackTrackManager *manager = m_recorder.playbackManager();
+    const QStringList moves = mouseEvents(m_dir.filePath("Mouse/mousemoves-0.json")).filter("move 220,120 ");
+    QCOMPARE(moves.size(), 1);
+    const auto compose = [&](bool withPointer) {
+        gKelMovieConfig.playbackMouseEnable = withPointer;
+        manager->updateSettings();
+        manager->setFrameSilently(moves[0].section(' ', 0, 0).toInt());
+        QImage image(manager->pictureSize(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        manager->paint(&painter);
+        return image;
+    };
+    QImage expected = compose(false);
+    const QImage composed = compose(true);
+    QVERIFY(composed != expected);
+    QPainter(&expected).fillRect(220 - 3, 120 - 4, 15, 15, QColor(0, 0, 255, 100));
+    QCOMPARE(composed, expected);
 }
 
 QTEST_MAIN(TestInputJourney)

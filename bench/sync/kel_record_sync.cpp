@@ -1,5 +1,5 @@
-// kel_record_sync DIR SECONDS PAUSES: records the screen and what the computer plays into DIR/recording, with that many
-// pauses, and exports the recording at several speeds, whole and trimmed, to DIR/SPEED-whole.mp4 and
+// kel_record_sync DIR SECONDS PAUSES SPEED…: records the screen and what the computer plays into DIR/recording, with
+// that many pauses, and exports the recording at each speed, whole and trimmed, to DIR/SPEED-whole.mp4 and
 // DIR/SPEED-trim.mp4.
 
 #include <KelMovie/KelExportPipeline.h>
@@ -70,17 +70,17 @@ int main(int argc, char **argv)
 {
     const QGuiApplication application(argc, argv);
     const QStringList arguments = QGuiApplication::arguments();
-    if (arguments.size() != 4) {
-        std::fputs("usage: kel_record_sync DIR SECONDS PAUSES\n", stderr);
+    if (arguments.size() < 5) {
+        std::fputs("usage: kel_record_sync DIR SECONDS PAUSES SPEED…\n", stderr);
         return 2;
     }
     const QString recording = arguments[1] + "/recording";
     if (!record(recording, arguments[2].toInt(), arguments[3].toInt()))
         return 1;
     KelPlaybackTrackManager manager(recording, false);
-    for (const double speed : {0.5, 1.0, 2.0}) {
+    for (const QString &speed : arguments.mid(4)) {
         for (const bool isTrimmed : {false, true}) {
-            if (!exportAt(manager, arguments[1], speed, isTrimmed))
+            if (!exportAt(manager, arguments[1], speed.toDouble(), isTrimmed))
                 return 1;
         }
     }

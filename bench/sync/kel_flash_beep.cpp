@@ -22,7 +22,7 @@ namespace
 using Clock = std::chrono::steady_clock;
 
 constexpr int kRate = 48000;
-constexpr int kBlock = kRate / 200;
+constexpr int kBlock = kRate / 500; // a flash comes at most this much late
 constexpr int kBeepSamples = kRate / 10;
 constexpr double kBeepHertz = 1000;
 constexpr std::chrono::milliseconds kFlash(100);

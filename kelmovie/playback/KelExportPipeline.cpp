@@ -277,17 +277,17 @@ ExportFrameMap KelExportPipeline::Private::frameMap() const
                           {request.fps, request.speed, request.trimStartMs, request.trimEndMs});
 }
 
-/// The picture begins with a whole frame, a little before the range. So does the sound: half as fast, that little can
-/// be seen twice as well.
+/// The picture begins with a whole frame, a little before the range; so does the sound. What a frame shows happened
+/// since the one before, on average half a frame ago: begun that much earlier, the sound is as often a little late as
+/// early.
 KelExportSound::Range KelExportPipeline::Private::soundRange() const
 {
     KelExportSound::Range range;
     range.speed = request.speed;
     if (request.trimStartMs >= 0 && request.trimEndMs >= 0) {
-        const auto firstFrameMs =
-            double(frameMap().firstFrame()) * double(manager->durationMs()) / manager->totalFrames();
-        range.startMs = firstFrameMs;
-        range.endMs = firstFrameMs + request.trimEndMs - request.trimStartMs;
+        const double frameMs = double(manager->durationMs()) / manager->totalFrames();
+        range.startMs = std::max(0.0, (frameMap().firstFrame() - 0.5) * frameMs);
+        range.endMs = range.startMs + request.trimEndMs - request.trimStartMs;
     }
     return range;
 }

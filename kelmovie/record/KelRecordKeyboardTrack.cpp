@@ -190,5 +190,6 @@ void KelRecordKeyboardTrack::disableCapture()
 
 void KelRecordKeyboardTrack::fail()
 {
-    reportFailure(QStringLiteral("Keyboard track: cannot write %1: %2").arg(d->file.path(), d->file.errorString()));
+    reportFailure(QStringLiteral("Keyboard track"),
+                  QStringLiteral("cannot write %1: %2").arg(d->file.path(), d->file.errorString()));
 }

@@ -342,5 +342,5 @@ void KelRecordMouseTrack::fail(const QString &path, const QString &error)
     if (std::exchange(d->hasFailed, true))
         return;
     qWarning() << "[KelRecordMouseTrack] cannot write" << path << error;
-    reportFailure(QStringLiteral("Mouse track: cannot write %1: %2").arg(path, error));
+    reportFailure(QStringLiteral("Mouse track"), QStringLiteral("cannot write %1: %2").arg(path, error));
 }

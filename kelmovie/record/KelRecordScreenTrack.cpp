@@ -68,7 +68,7 @@ KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QStrin
     reportStreamerFailure();
     if (m_encoder) {
         m_encoder->setErrorHandler(
-            [this](const QString &problem) { reportFailure(QStringLiteral("Screen track: %1").arg(problem)); });
+            [this](const QString &problem) { reportFailure(QStringLiteral("Screen track"), problem); });
     }
 }
 
@@ -137,7 +137,7 @@ void KelRecordScreenTrack::finishFiles(qint64 frameCount)
     const QFileInfo video(m_videoPath);
     if (!video.exists() || video.size() == 0) {
         qCritical() << "Failed to generate video file:" << m_videoPath;
-        reportFailure(QStringLiteral("Screen track: no video was recorded in %1").arg(m_videoPath));
+        reportFailure(QStringLiteral("Screen track"), QStringLiteral("no video was recorded in %1").arg(m_videoPath));
     }
 }
 
@@ -172,11 +172,11 @@ void KelRecordScreenTrack::reportStreamerFailure()
 {
     const QString problem = m_streamer->errorString();
     if (!problem.isEmpty())
-        reportFailure(QStringLiteral("Screen track: %1").arg(problem));
+        reportFailure(QStringLiteral("Screen track"), problem);
 }
 
 void KelRecordScreenTrack::reportIndexFailure()
 {
-    reportFailure(
-        QStringLiteral("Screen track: cannot write %1: %2").arg(m_indexFile.path(), m_indexFile.errorString()));
+    reportFailure(QStringLiteral("Screen track"),
+                  QStringLiteral("cannot write %1: %2").arg(m_indexFile.path(), m_indexFile.errorString()));
 }

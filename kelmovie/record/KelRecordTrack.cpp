@@ -21,26 +21,27 @@ void KelRecordTrack::checkpoint(qint64) {}
 
 void KelRecordTrack::setFailureHandler(std::function<void(const QString &)> handler)
 {
-    QString earlier;
+    QMap<QString, QString> earlier;
     {
         std::lock_guard lock(m_failureMutex);
         m_failureHandler = handler;
-        earlier = m_failure;
+        earlier = m_failures;
     }
-    if (!earlier.isEmpty())
-        handler(earlier);
+    for (const QString &failure : qAsConst(earlier))
+        handler(failure);
 }
 
-void KelRecordTrack::reportFailure(const QString &problem)
+void KelRecordTrack::reportFailure(const QString &source, const QString &problem)
 {
+    const QString failure = source + QStringLiteral(": ") + problem;
     std::function<void(const QString &)> handler;
     {
         std::lock_guard lock(m_failureMutex);
-        if (!m_failure.isEmpty())
+        if (m_failures.contains(source))
             return;
-        m_failure = problem;
+        m_failures.insert(source, failure);
         handler = m_failureHandler;
     }
     if (handler)
-        handler(problem);
+        handler(failure);
 }

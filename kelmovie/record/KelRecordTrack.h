@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QObject>
 #include <QRect>
 #include <QString>
@@ -37,18 +38,19 @@ public:
     const QRect &recordArea() const { return m_recordArea; }
     const QString &trackDir() const { return m_trackDir; }
 
-    /// Who is told, in English, when the track cannot do its work: once, on the thread on which that is found out. A
-    /// failure from before this call is told at once. Set before the track moves to its thread.
+    /// Who is told, in English, when the track cannot do its work: once a source, on the thread on which that is found
+    /// out. Failures from before this call are told at once. Set before the track moves to its thread.
     void setFailureHandler(std::function<void(const QString &)> handler);
 
-    /// Keeps and tells the first failure; the track goes on as well as it can. Any thread.
-    void reportFailure(const QString &problem);
+    /// Keeps and tells the first failure of each `source` (what of the track failed, for people: "Screen track"); the
+    /// track goes on as well as it can. Any thread.
+    void reportFailure(const QString &source, const QString &problem);
 
 private:
     const QRect m_recordArea;
     const QString m_trackDir;
 
     std::mutex m_failureMutex;
-    QString m_failure;
+    QMap<QString, QString> m_failures; // of each source
     std::function<void(const QString &)> m_failureHandler;
 };

@@ -94,8 +94,7 @@ void KelRecordVoiceTrack::setUpRecorders()
     if (m_systemAudioEnabled && !m_systemAudio) {
         m_systemAudio = new KelSystemAudioRecord(
             m_systemAudioPath,
-            [this](const QString &problem) { reportFailure(QStringLiteral("System audio track: %1").arg(problem)); },
-            this);
+            [this](const QString &problem) { reportFailure(QStringLiteral("System audio track"), problem); }, this);
     }
     if (m_microphoneEnabled && !m_microphone) {
         const QString problem = MicrophoneBackend::problem();
@@ -103,7 +102,7 @@ void KelRecordVoiceTrack::setUpRecorders()
             setUpMicrophone();
         } else {
             m_microphoneEnabled = false;
-            reportFailure(QStringLiteral("Microphone track: %1").arg(problem));
+            reportFailure(QStringLiteral("Microphone track"), problem);
         }
     }
 }
@@ -181,7 +180,7 @@ void KelRecordVoiceTrack::startMicrophone(qint64 atMs, const char *exceptionText
     } catch (const std::exception &exception) {
         qCritical() << exceptionText;
         m_microphoneEnabled = false;
-        reportFailure(QStringLiteral("Microphone track: %1").arg(QString::fromLocal8Bit(exception.what())));
+        reportFailure(QStringLiteral("Microphone track"), QString::fromLocal8Bit(exception.what()));
     }
 }
 
@@ -225,7 +224,7 @@ void KelRecordVoiceTrack::joinMicrophoneParts()
     qWarning() << "[KelRecordVoiceTrack] 合并麦克风分段文件到:" << m_microphonePath;
     const QString problem = mergeMicrophoneParts(m_microphoneParts, m_microphonePath, m_microphoneTimes);
     if (!problem.isEmpty())
-        reportFailure(QStringLiteral("Microphone track: %1").arg(problem));
+        reportFailure(QStringLiteral("Microphone track"), problem);
     m_microphoneParts.clear();
     m_microphoneTimes.clear();
     m_microphonePartIndex = 0;
@@ -295,5 +294,5 @@ void KelRecordVoiceTrack::onMicrophoneError(QAudioRecorder::Error error)
     if (!m_microphone)
         return;
     qWarning() << "麦克风错误详情:" << m_microphone->errorString();
-    reportFailure(QStringLiteral("Microphone track: %1").arg(m_microphone->errorString()));
+    reportFailure(QStringLiteral("Microphone track"), m_microphone->errorString());
 }

@@ -272,16 +272,17 @@ void TestRecordManager::failuresOfTracksAreCollected()
 {
     createManager();
     auto *early = new GatedTrack;
-    early->reportFailure("before anybody listened");
+    early->reportFailure("Early track", "before anybody listened");
     m_manager->addTrack(early);
-    QCOMPARE(m_manager->takeFailures(), QStringList{"before anybody listened"});
+    QCOMPARE(m_manager->takeFailures(), QStringList{"Early track: before anybody listened"});
 
     GatedTrack *track = addTrack();
     QSignalSpy signalled(m_manager.get(), &KelRecordTrackManager::trackFailed);
-    track->reportFailure("first");
-    track->reportFailure("second");
-    QCOMPARE(signalled.count(), 1);
-    QCOMPARE(m_manager->takeFailures(), QStringList{"first"});
+    track->reportFailure("Left ear", "first");
+    track->reportFailure("Left ear", "second");
+    track->reportFailure("Right ear", "first");
+    QCOMPARE(signalled.count(), 2);
+    QCOMPARE(m_manager->takeFailures(), (QStringList{"Left ear: first", "Right ear: first"}));
     QCOMPARE(m_manager->takeFailures(), QStringList());
 }
 

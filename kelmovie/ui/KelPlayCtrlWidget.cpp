@@ -24,6 +24,7 @@ class KelPlayCtrlWidget::Private
 {
 public:
     QVBoxLayout *layout = nullptr;
+    QHBoxLayout *row = nullptr;
     PlayProgressBar *progressBar = nullptr;
     QLabel *timeLabel = nullptr;
     int durationMs = 0;
@@ -51,12 +52,12 @@ KelPlayCtrlWidget::KelPlayCtrlWidget(QWidget *parent)
     d->timeLabel->setAccessibleName(tr("Play time"));
     d->timeLabel->setToolTip(tr("Play time and length of the recording"));
 
-    auto *const row = new QHBoxLayout;
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(d->playPauseButton);
-    row->addWidget(d->timeLabel);
-    row->addStretch();
-    d->layout->addLayout(row);
+    d->row = new QHBoxLayout;
+    d->row->setContentsMargins(0, 0, 0, 0);
+    d->row->addWidget(d->playPauseButton);
+    d->row->addWidget(d->timeLabel);
+    d->row->addStretch();
+    d->layout->addLayout(d->row);
 }
 
 KelPlayCtrlWidget::~KelPlayCtrlWidget() = default;
@@ -78,6 +79,16 @@ void KelPlayCtrlWidget::setPlayTime(qint64 ms)
 void KelPlayCtrlWidget::setPlayButtonState(bool isPlaying)
 {
     d->playPauseButton->setPlay(isPlaying);
+}
+
+PlayProgressBar *KelPlayCtrlWidget::progressBar() const
+{
+    return d->progressBar;
+}
+
+void KelPlayCtrlWidget::addControl(QWidget *control)
+{
+    d->row->addWidget(control);
 }
 
 void KelPlayCtrlWidget::updateQSS()

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+class PlayProgressBar;
+
 /// The strip under a replayed picture: the timeline, and below it play/pause and the time. It reports what the user
 /// does and shows what it is told. GUI thread.
 class KELMOVIE_EXPORT KelPlayCtrlWidget : public QWidget
@@ -22,6 +24,11 @@ public:
     void setPlayTime(qint64 ms);
     /// No signal.
     void setPlayButtonState(bool isPlaying);
+
+    /// The timeline, for what it tells beyond the signals below. Owned by the strip.
+    PlayProgressBar *progressBar() const;
+    /// Puts a control of the host at the right end of the lower row; the strip becomes its parent.
+    void addControl(QWidget *control);
 
 signals:
     void sigPlayPause(bool isPlaying);

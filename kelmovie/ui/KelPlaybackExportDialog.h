@@ -2,6 +2,7 @@
 
 #include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelExportRequest.h>
+#include <KelMovie/KelMovieGlobal.h>
 
 #include <QDialog>
 #include <QElapsedTimer>
@@ -17,7 +18,7 @@ class KelPlaybackExportDialog;
 
 /// The modal dialog in which an export runs: progress, cancel, and after a recording the question whether to leave the
 /// recording mode. Needs a QApplication.
-class KelPlaybackExportDialog : public QDialog, private KelExportMonitor
+class KELMOVIE_EXPORT KelPlaybackExportDialog : public QDialog, private KelExportMonitor
 {
     Q_OBJECT
 

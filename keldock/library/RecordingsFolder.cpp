@@ -1,0 +1,130 @@
+#include "library/RecordingsFolder.h"
+
+#include <KelMovie/KelRecordingMetadata.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace
+{
+
+// A recording under way is written to about once a second.
+constexpr int kQuietSeconds = 10;
+
+QString videoPath(const QString &dir)
+{
+    return dir + QStringLiteral("/Screen/screen_record.mp4");
+}
+
+QDateTime lastWritten(const QString &dir)
+{
+    QDateTime latest;
+    for (const QString &path : {KelRecordingMetadata::filePath(dir), videoPath(dir)}) {
+        const QFileInfo file(path);
+        if (file.exists())
+            latest = latest.isValid() ? std::max(latest, file.lastModified()) : file.lastModified();
+    }
+    return latest;
+}
+
+QString text(const char *source)
+{
+    return QCoreApplication::translate("RecordingsFolder", source);
+}
+
+} // namespace
+
+RecordingsFolder::RecordingsFolder(const QString &root)
+    : m_root(QDir(root.isEmpty() ? defaultRoot() : root).absolutePath())
+{
+}
+
+QString RecordingsFolder::defaultRoot()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::MoviesLocation) + QStringLiteral("/KelMovie");
+}
+
+QString RecordingsFolder::newRecordingDir() const
+{
+    const QString name =
+        m_root + QLatin1Char('/') + QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH-mm-ss"));
+    QString dir = name;
+    for (int number = 2; QFileInfo::exists(dir); ++number)
+        dir = QStringLiteral("%1 (%2)").arg(name).arg(number);
+    return dir;
+}
+
+QVector<RecordingsFolder::Entry> RecordingsFolder::recordings() const
+{
+    QVector<Entry> entries;
+    QDirIterator dirs(m_root, QDir::Dirs | QDir::NoDotAndDotDot);
+    while (dirs.hasNext()) {
+        const QString dir = dirs.next();
+        if (holdsRecording(dir))
+            entries.append({dir, lastWritten(dir)});
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const Entry &a, const Entry &b) { return a.saved != b.saved ? a.saved > b.saved : a.dir > b.dir; });
+    return entries;
+}
+
+QStringList RecordingsFolder::leftovers(const QString &except) const
+{
+    const QDateTime quietSince = QDateTime::currentDateTime().addSecs(-kQuietSeconds);
+    QStringList dirs;
+    const QVector<Entry> entries = recordings();
+    for (const Entry &entry : entries) {
+        if (entry.saved < quietSince && isUnfinished(entry.dir) && QDir(entry.dir) != QDir(except))
+            dirs.append(entry.dir);
+    }
+    return dirs;
+}
+
+bool RecordingsFolder::holdsRecording(const QString &dir)
+{
+    return QFileInfo::exists(KelRecordingMetadata::filePath(dir)) || QFileInfo(videoPath(dir)).size() > 0;
+}
+
+bool RecordingsFolder::isUnfinished(const QString &dir)
+{
+    if (!QFileInfo::exists(KelRecordingMetadata::filePath(dir)))
+        return QFileInfo(videoPath(dir)).size() > 0; // it died before its first second was over
+    KelRecordingMetadata metadata;
+    return KelRecordingMetadata::load(dir, &metadata) && !metadata.complete;
+}
+
+bool RecordingsFolder::moveToTrash(const QString &dir)
+{
+    return QFile::moveToTrash(dir);
+}
+
+bool RecordingsFolder::remove(const QString &dir, QString *error)
+{
+    if (QDir(dir).removeRecursively())
+        return true;
+    *error = text(QT_TRANSLATE_NOOP("RecordingsFolder", "Some of its files cannot be deleted."));
+    return false;
+}
+
+bool RecordingsFolder::rename(const QString &dir, const QString &name, QString *newDir, QString *error)
+{
+    const QString trimmed = name.trimmed();
+    *newDir = QFileInfo(dir).path() + QLatin1Char('/') + trimmed;
+    if (trimmed.isEmpty() || trimmed.startsWith(QLatin1Char('.')) || trimmed.contains(QLatin1Char('/')) ||
+        trimmed.contains(QLatin1Char('\\')))
+        *error = text(QT_TRANSLATE_NOOP("RecordingsFolder", "A name is not empty, does not begin with a dot and "
+                                                            "contains no slash."));
+    else if (QFileInfo::exists(*newDir))
+        *error = text(QT_TRANSLATE_NOOP("RecordingsFolder", "There is something of that name already."));
+    else if (!QDir().rename(dir, *newDir))
+        *error = text(QT_TRANSLATE_NOOP("RecordingsFolder", "The folder cannot be renamed."));
+    else
+        return true;
+    return false;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QVector>
+
+/// The folder in which the recordings lie, a directory each. Knows what is on disk at the moment of the call and keeps
+/// nothing. Any thread.
+class RecordingsFolder
+{
+public:
+    struct Entry {
+        QString dir;     ///< absolute path
+        QDateTime saved; ///< when the recording was last written to
+    };
+
+    /// An empty `root` means defaultRoot(). Nothing is created.
+    explicit RecordingsFolder(const QString &root = QString());
+
+    /// "KelMovie" in the user's folder of videos.
+    static QString defaultRoot();
+
+    QString root() const { return m_root; }
+
+    /// Path for a new recording, named after the present date and time; nothing of that name exists yet. The recorder
+    /// creates the directory.
+    QString newRecordingDir() const;
+
+    /// The recordings, the newest first.
+    QVector<Entry> recordings() const;
+
+    /// The recordings whose process died: neither completed nor written to for some seconds. `except` is being
+    /// recorded right now, possibly paused.
+    QStringList leftovers(const QString &except = QString()) const;
+
+    /// Whether a directory holds a recording, whole or not.
+    static bool holdsRecording(const QString &dir);
+    /// Whether the recording was never completed. One that is under way is not, either.
+    static bool isUnfinished(const QString &dir);
+
+    /// Moves a recording to the desktop's trash. False where that does not work.
+    static bool moveToTrash(const QString &dir);
+    /// Deletes a recording for good. On failure `error` says why, and what could not be deleted is left.
+    static bool remove(const QString &dir, QString *error);
+    /// Gives a recording another name; `newDir` is where it lies then. On failure `error` says why.
+    static bool rename(const QString &dir, const QString &name, QString *newDir, QString *error);
+
+private:
+    QString m_root;
+};

@@ -95,6 +95,16 @@ bool AnimationEncoder::addFrame(quint64 index, const QImage &image)
     return isValid();
 }
 
+bool AnimationEncoder::holdUntil(quint64 end)
+{
+    if (!isValid() || m_closed)
+        return false;
+    if (!m_pending)
+        return fail(QStringLiteral("There are no frames"));
+    m_frames = std::max(m_frames, end);
+    return true;
+}
+
 QString AnimationEncoder::reasonToRefuse(quint64 index, const QImage &image) const
 {
     if (index < m_frames)

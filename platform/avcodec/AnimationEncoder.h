@@ -30,9 +30,9 @@ public:
 
     bool isValid() const override { return !m_error.isSet(); }
 
-    /// `index` counts from 0 and rises; frames left out prolong the one before. Images have the encoder's size.
-    /// Alpha is taken as painted on black.
+    /// Images have the encoder's size. Alpha is taken as painted on black.
     bool addFrame(quint64 index, const QImage &image) override;
+    bool holdUntil(quint64 end) override;
     bool close() override;
     void abort() override;
 

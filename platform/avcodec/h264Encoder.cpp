@@ -49,6 +49,7 @@ public:
     explicit Private(const Params &p);
 
     bool addFrame(quint64 index, const QImage &image);
+    bool holdUntil(quint64 end);
     bool close();
     void abort();
     bool fail(const QString &text);
@@ -59,13 +60,16 @@ public:
     std::atomic<quint64> framesWritten{0};
 
 private:
+    /// A picture and its frame; without a picture, the frame until which the one before is shown.
     struct Item {
         PlanarFrame *frame;
         qint64 index;
     };
 
     QString open();
-    bool encode(const Item &item);
+    bool push(const Item &item);
+    bool handle(const Item &item);
+    bool encodeShown();
     bool write(const EncodedPicture &picture);
     bool drain();
 
@@ -73,7 +77,9 @@ private:
     std::unique_ptr<X264Encoder> encoder;
     MuxerFile file;
     std::unique_ptr<Mp4Muxer> muxer;
-    qint64 lastIndex = -1;
+    qint64 end = 0;               // behind the last frame handed over
+    PlanarFrame *shown = nullptr; // this and the next: the worker's
+    qint64 shownIndex = 0;        // of the next frame to be encoded
     bool isClosed = false;
     std::atomic<bool> isComplete{false};
     std::unique_ptr<BoundedWorker<Item>> worker; // last: its thread uses all of the above
@@ -90,7 +96,7 @@ QString h264Encoder::Private::open()
 {
     if (QString text = X264Encoder::limitError(params.size, params.fps); !text.isEmpty())
         return text;
-    frames = std::make_unique<PlanarFrames>(params.size, PlanarFrames::Layout::Bt709Yuv420, kQueueCapacity + 1);
+    frames = std::make_unique<PlanarFrames>(params.size, PlanarFrames::Layout::Bt709Yuv420, kQueueCapacity + 2);
     encoder = std::make_unique<X264Encoder>(encoderParams(frames->pictureSize(), params.fps, params.quality));
     if (!encoder->isValid())
         return QStringLiteral("The H.264 encoder cannot be opened");
@@ -106,7 +112,7 @@ QString h264Encoder::Private::open()
     if (code < 0)
         return QStringLiteral("Cannot write %1: %2").arg(params.path, av::errorText(code));
     worker =
-        std::make_unique<BoundedWorker<Item>>(std::size_t(kQueueCapacity), [this](Item &item) { return encode(item); });
+        std::make_unique<BoundedWorker<Item>>(std::size_t(kQueueCapacity), [this](Item &item) { return handle(item); });
     return {};
 }
 
@@ -123,14 +129,30 @@ bool h264Encoder::Private::addFrame(quint64 index, const QImage &image)
                         .arg(image.height())
                         .arg(params.size.width())
                         .arg(params.size.height()));
-    if (qint64(index) <= lastIndex)
-        return fail(QStringLiteral("Frame %1 came after frame %2").arg(index).arg(lastIndex));
-    lastIndex = qint64(index);
-    // There is one frame more than the queue takes, so this one is converted while the queue is full.
+    if (qint64(index) < end)
+        return fail(QStringLiteral("Frame %1 came after frame %2").arg(index).arg(end - 1));
+    end = qint64(index) + 1;
+    // There are two frames more than the queue takes: the one that is shown, and this one, so that it is converted
+    // while the queue is full.
     PlanarFrame *frame = frames->convert(image);
-    if (!frame || !worker->push({frame, lastIndex}))
+    if (!frame)
         return fail(QStringLiteral("The H.264 encoder does not answer"));
-    return true;
+    return push({frame, qint64(index)});
+}
+
+bool h264Encoder::Private::holdUntil(quint64 index)
+{
+    if (error.isSet() || isClosed || end == 0)
+        return false;
+    if (qint64(index) <= end)
+        return true;
+    end = qint64(index);
+    return push({nullptr, end});
+}
+
+bool h264Encoder::Private::push(const Item &item)
+{
+    return worker->push(item) || fail(QStringLiteral("The H.264 encoder does not answer"));
 }
 
 bool h264Encoder::Private::close()
@@ -158,13 +180,30 @@ void h264Encoder::Private::abort()
         worker->abort();
 }
 
-bool h264Encoder::Private::encode(const Item &item)
+bool h264Encoder::Private::handle(const Item &item)
+{
+    while (shown && shownIndex < item.index) {
+        if (!encodeShown())
+            return false;
+    }
+    if (!item.frame)
+        return true;
+    if (shown)
+        frames->release(shown);
+    shown = item.frame;
+    shownIndex = item.index;
+    if (!encodeShown())
+        return false;
+    std::fill(shown->unchanged.begin(), shown->unchanged.end(), uint8_t(1)); // if it is repeated
+    return true;
+}
+
+bool h264Encoder::Private::encodeShown()
 {
     EncodedPicture picture;
-    const bool isEncoded = encoder->encode(*item.frame, item.index, &picture);
-    frames->release(item.frame);
-    if (!isEncoded)
-        return fail(QStringLiteral("The H.264 encoder failed at frame %1").arg(item.index));
+    if (!encoder->encode(*shown, shownIndex, &picture))
+        return fail(QStringLiteral("The H.264 encoder failed at frame %1").arg(shownIndex));
+    ++shownIndex;
     return write(picture);
 }
 
@@ -219,6 +258,11 @@ bool h264Encoder::isValid() const
 bool h264Encoder::addFrame(quint64 index, const QImage &image)
 {
     return d->addFrame(index, image);
+}
+
+bool h264Encoder::holdUntil(quint64 end)
+{
+    return d->holdUntil(end);
 }
 
 bool h264Encoder::close()

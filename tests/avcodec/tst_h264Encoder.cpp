@@ -55,6 +55,7 @@ private slots:
     void padsOddSizes();
     void meansWhatItSaysByQuality();
     void keepsTextThatMoves();
+    void repeatsHeldPictures();
     void canBeAborted();
     void refuses_data();
     void refuses();
@@ -215,6 +216,34 @@ void tst_h264Encoder::keepsTextThatMoves()
     QCOMPARE(video.frames.size(), std::size_t(80));
     for (int i = 0; i < 80; ++i)
         QVERIFY2(lumaPsnr(video, i, textPicture(size, i / 3 % 9)) >= 40, qPrintable(QString::number(i)));
+}
+
+void tst_h264Encoder::repeatsHeldPictures()
+{
+    const QSize size(320, 200);
+    const quint64 starts[] = {0, 1, 40, 41};
+    h264Encoder encoder({size, kFormat, path(), 30, 90});
+    QVERIFY(!encoder.holdUntil(5));
+    for (int picture = 0; picture < 4; ++picture)
+        QVERIFY(encoder.addFrame(starts[picture], textPicture(size, picture)));
+    QVERIFY(encoder.holdUntil(60));
+    QVERIFY(encoder.holdUntil(90));
+    QVERIFY(encoder.close());
+    QCOMPARE(encoder.framesWritten(), quint64(90));
+    const DecodedVideo video(path());
+    QCOMPARE(video.statedFrames, qint64(90));
+    for (int frame = 0; frame < 90; ++frame) {
+        QCOMPARE(video.times[std::size_t(frame)], qint64(frame));
+        const auto shown = std::upper_bound(std::begin(starts), std::end(starts), quint64(frame)) - starts - 1;
+        QVERIFY2(lumaPsnr(video, frame, textPicture(size, int(shown))) >= 42, qPrintable(QString::number(frame)));
+    }
+
+    h264Encoder pictures({size, kFormat, path() + ".few", 30, 90});
+    for (quint64 picture = 0; picture < 4; ++picture)
+        QVERIFY(pictures.addFrame(picture, textPicture(size, int(picture))));
+    QVERIFY(pictures.close());
+    const qint64 repetitions = QFileInfo(path()).size() - QFileInfo(path() + ".few").size();
+    QVERIFY2(repetitions < QFileInfo(path() + ".few").size(), qPrintable(QString::number(repetitions)));
 }
 
 void tst_h264Encoder::canBeAborted()

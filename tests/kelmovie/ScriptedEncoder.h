@@ -57,6 +57,12 @@ public:
         m_script->corners.append(image.pixel(image.width() - 1, image.height() - 1));
         return true;
     }
+    bool holdUntil(quint64 end) override
+    {
+        while (quint64(m_script->frames.size()) < end)
+            m_script->frames.append(int(m_script->frames.last()));
+        return true;
+    }
     bool close() override
     {
         std::unique_lock lock(m_script->mutex);

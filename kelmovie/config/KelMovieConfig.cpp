@@ -97,3 +97,17 @@ QString KelMovieFormatSuffix()
         return QStringLiteral("gif");
     }
 }
+
+int KelMovieExportQuality(int balanced)
+{
+    constexpr int small = 60;
+    constexpr int best = 100;
+    switch (gKelMovieConfig.saveQuality) {
+    case 0:
+        return small;
+    case 2:
+        return best;
+    default:
+        return balanced;
+    }
+}

@@ -58,7 +58,7 @@ struct KelMovieConfig {
     bool recordDontShowRecordingWarning = false;
     int recordRecordToolbarDisplayType = 0;
     bool recordEnableHardwareAcceleration = false; ///< decode with hardware on playback
-    int saveQuality = 1;                           ///< export quality 0, 1 or 2
+    int saveQuality = 1;                           ///< of exports: 0 small, 1 balanced, 2 best
     int hostReserved1 = 90;
     int hostReserved2 = 30;
     int hostReserved3 = 30;
@@ -79,3 +79,7 @@ KELMOVIE_EXPORT void KelMovieConfigInit(KelConfigIO *io);
 /// File suffix, without dot, of the format chosen in playbackEncodeFormat: "mp4", "gif", "apng" or "webp"; "gif" for
 /// any other value.
 KELMOVIE_EXPORT QString KelMovieFormatSuffix();
+
+/// What saveQuality means to an encoder, whose scale is 0 to 100: 60 for small files, about half as large as balanced
+/// ones; `balanced`; 100 for the best, which is lossless where the format can be. Any other value counts as balanced.
+KELMOVIE_EXPORT int KelMovieExportQuality(int balanced = 90);

@@ -32,6 +32,13 @@ constexpr int kLoopPercent = 90;
 constexpr int kVideoPercent = 95;
 constexpr int kMixedPercent = 99;
 constexpr std::chrono::milliseconds kPoll(50);
+constexpr int kMaxLoops = 65535;
+
+/// As the encoders of animations understand it; empty: endlessly.
+QString loopsText(int loops)
+{
+    return loops > 0 ? QString("loop=%1").arg(std::min(loops, kMaxLoops)) : QString();
+}
 
 } // namespace
 
@@ -167,7 +174,8 @@ bool KelExportPipeline::Private::encodeRange(const QString &path)
     if (image.isNull())
         return fail("Not enough memory for the picture");
     image.fill(Qt::black); // in case the video does not cover it
-    const auto encoder = seams.createEncoder(request.format, size, path, request.fps, request.quality);
+    const auto encoder =
+        seams.createEncoder(request.format, size, path, request.fps, request.quality, loopsText(request.loops));
     if (!encoder || !encoder->isValid())
         return fail("Failed to create encoder", encoder ? encoder->errorString() : QString());
     manager->setExporting(true);

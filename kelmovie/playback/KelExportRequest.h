@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
 
 #include <functional>
@@ -10,7 +11,7 @@ class KelPlaybackTrackManager;
 struct KelExportRequest {
     int format = 0;       ///< 0 MP4, 1 GIF, 2 APNG, 3 WebP, as the setting playbackEncodeFormat has it
     int fps = 25;         ///< frames a second of the output
-    int quality = 90;     ///< 0 to 100; each encoder documents what it makes of it
+    int quality = 90;     ///< 0 to 100, see KelMovieExportQuality(); each encoder documents what it makes of it
     double speed = 1.0;   ///< above 0; 2.0 plays twice as fast
     QString outputPath;   ///< the file to produce
     QString trackDataDir; ///< recording directory in which the sound is looked for; may be empty
@@ -20,4 +21,6 @@ struct KelExportRequest {
     bool fromRecording = false;             ///< started right after a recording
     bool autoExitAfterEncode = false;       ///< the setting encodeExitRecordAfterEncode
     std::function<void(bool)> onExitRecord; ///< told when the user changes that setting; may be empty
+    int loops = 0;                          ///< how often GIF, APNG and WebP play, up to 65535; 0: endlessly
+    QSize size;                             ///< pixels of the output; empty: the recorded area in logical pixels
 };

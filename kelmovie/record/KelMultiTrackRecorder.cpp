@@ -21,6 +21,8 @@
 namespace
 {
 
+constexpr int GifFormat = 1;
+
 void saveExitRecordAfterEncode(bool on)
 {
     gKelMovieConfig.encodeExitRecordAfterEncode = on;
@@ -259,14 +261,14 @@ bool KelMultiTrackRecorder::exportToVideo(const QString &path, int format)
     KelExportRequest request;
     request.format = format;
     request.fps = 25;
-    request.quality = 90;
+    request.quality = KelMovieExportQuality();
     request.outputPath = path;
     return runExport(request, QStringLiteral("Failed to start export"));
 }
 
 bool KelMultiTrackRecorder::exportToGif(const QString &path, int)
 {
-    return exportToVideo(path, 1);
+    return exportToVideo(path, GifFormat);
 }
 
 bool KelMultiTrackRecorder::exportToVideoWithTrim(const QString &path, int format, int trimStart, int trimEnd, int,
@@ -275,7 +277,7 @@ bool KelMultiTrackRecorder::exportToVideoWithTrim(const QString &path, int forma
     KelExportRequest request;
     request.format = format;
     request.fps = fps;
-    request.quality = 100;
+    request.quality = KelMovieExportQuality(100);
     request.outputPath = path;
     if (trimStart >= 0 && trimEnd >= 0) {
         request.trimStartMs = trimStart;
@@ -294,6 +296,8 @@ bool KelMultiTrackRecorder::runExport(KelExportRequest request, const QString &f
     }
     request.playbackManager = d->playbackManager.get();
     request.speed = d->playbackManager->speed();
+    if (request.format == GifFormat)
+        request.loops = gKelMovieConfig.encodeGifPlayLoop;
     request.autoExitAfterEncode = gKelMovieConfig.encodeExitRecordAfterEncode;
     request.onExitRecord = saveExitRecordAfterEncode;
     const ExportResult result = exportAsRequested(request);

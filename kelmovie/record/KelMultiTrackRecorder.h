@@ -79,14 +79,15 @@ public:
 
     /// Exports the loaded recording at its playback speed with 25 frames a second. Formats: 0 MP4, 1 GIF, 2 APNG,
     /// 3 WebP. Runs in a modal dialog where the program has a QApplication. Returns when the file is complete; false on
-    /// failure and when the user cancelled.
+    /// failure and when the user cancelled. The quality is 90 unless the setting saveQuality says otherwise.
     bool exportToVideo(const QString &path, int format);
 
     /// exportToVideo() as GIF. The second argument is ignored.
     bool exportToGif(const QString &path, int);
 
-    /// Exports a range of the recording, in ms of recording time, with the best quality and `fps` frames a second. The
-    /// whole recording unless both ends are 0 or more. The fifth argument is ignored.
+    /// Exports a range of the recording, in ms of recording time, with quality 100, unless saveQuality asks for small
+    /// files, and `fps` frames a second. The whole recording unless both ends are 0 or more. The fifth argument is
+    /// ignored.
     bool exportToVideoWithTrim(const QString &path, int format, int trimStart, int trimEnd, int, int fps);
 
     /// The text of the last recordingError().

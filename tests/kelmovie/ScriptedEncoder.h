@@ -30,6 +30,7 @@ struct EncoderScript {
     QSize size;
     int fps = 0;
     int quality = 0;
+    QString extra;
     QVector<int> frames;   ///< of the scripted video, read back from the pictures
     QVector<QRgb> corners; ///< the last pixel of each picture
     std::atomic<bool> aborted{false};
@@ -92,11 +93,13 @@ private:
 inline KelExportSeams scriptedEncoders(const std::shared_ptr<EncoderScript> &script)
 {
     KelExportSeams seams;
-    seams.createEncoder = [script](int, const QSize &size, const QString &path, int fps, int quality) {
+    seams.createEncoder = [script](int, const QSize &size, const QString &path, int fps, int quality,
+                                   const QString &extra) {
         script->size = size;
         script->path = path;
         script->fps = fps;
         script->quality = quality;
+        script->extra = extra;
         return std::make_unique<ScriptedEncoder>(script);
     };
     return seams;

@@ -117,6 +117,7 @@ private slots:
     void bindsEveryKeyToItsField();
     void storedValuesReplaceDefaults();
     void formatSuffix();
+    void exportQuality();
 };
 
 void TestMovieConfig::init()
@@ -269,6 +270,15 @@ void TestMovieConfig::formatSuffix()
     for (auto it = expected.begin(); it != expected.end(); ++it) {
         c.playbackEncodeFormat = it.key();
         QCOMPARE(KelMovieFormatSuffix(), it.value());
+    }
+}
+
+void TestMovieConfig::exportQuality()
+{
+    const QMap<int, int> expected{{-1, 95}, {0, 60}, {1, 95}, {2, 100}, {3, 95}};
+    for (auto it = expected.begin(); it != expected.end(); ++it) {
+        c.saveQuality = it.key();
+        QCOMPARE(KelMovieExportQuality(95), it.value());
     }
 }
 

@@ -3,11 +3,38 @@
 #include "config/KelConfigIO.h"
 #include "config/KelMovieConfig.h"
 
-/// Changes a setting and keeps it in the host's store; without one, for as long as the program runs.
-inline void saveSetting(const QString &key, int *field, int value)
+/// A field of the settings record with its key in the host's store; without a key it lasts as long as the program.
+template <typename T>
+struct Setting {
+    const char *key;
+    T KelMovieConfig::*field;
+
+    const T &value() const { return gKelMovieConfig.*field; }
+};
+
+inline void writeTo(KelConfigIO &store, const QString &key, bool value)
+{
+    store.saveBool(key, value);
+}
+
+inline void writeTo(KelConfigIO &store, const QString &key, int value)
+{
+    store.saveInt(key, value);
+}
+
+inline void writeTo(KelConfigIO &store, const QString &key, const QColor &value)
+{
+    store.saveColor(key, value);
+}
+
+/// Changes a setting and keeps it in the host's store; without one, for as long as the program runs. False when the
+/// store did not take it: it lasts as long as the program then, too.
+template <typename T>
+bool saveSetting(const QString &key, T *field, const T &value)
 {
     if (gKelMovieConfigIO)
-        gKelMovieConfigIO->saveInt(key, value);
-    else
-        *field = value;
+        writeTo(*gKelMovieConfigIO, key, value);
+    const bool isKept = !gKelMovieConfigIO || *field == value;
+    *field = value;
+    return isKept;
 }

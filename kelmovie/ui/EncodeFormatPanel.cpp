@@ -1,0 +1,24 @@
+#include "ui/EncodeFormatPanel.h"
+
+#include "ui/SettingsForm.h"
+
+EncodeFormatPanel::EncodeFormatPanel(QWidget *parent)
+    : QWidget(parent)
+{
+    using C = KelMovieConfig;
+    auto *const form = new SettingsForm(this);
+    connect(form, &SettingsForm::sigChanged, this, &EncodeFormatPanel::sigConfigUpdated);
+
+    form->addHeading(tr("Export"));
+    form->addChips({tr("&Format"), tr("Kind of file to export to")},
+                   {"KelMovie.playback.encodeFormat", &C::playbackEncodeFormat},
+                   {{QStringLiteral("MP4"), 0, tr("Video with sound; plays nearly everywhere")},
+                    {QStringLiteral("GIF"), 1, tr("Animation with 256 colors, without sound; shown nearly everywhere")},
+                    {QStringLiteral("APNG"), 2, tr("Animation in all colors without loss, without sound")},
+                    {QStringLiteral("WebP"), 3, tr("Animation in all colors in a small file, without sound")}});
+    form->addNumber(
+        {tr("&Play"), tr("How often an animation is played")}, {"KelMovie.encode.gif.playLoop", &C::encodeGifPlayLoop},
+        {0, 65535, [](int times) { return times == 0 ? tr("Endlessly") : tr("%n time(s)", nullptr, times); }});
+    form->addSwitch({tr("&Leave recording after export"), tr("Leaves the recording mode when an export is complete")},
+                    {"KelMovie.encode.exitRecordAfterEncode", &C::encodeExitRecordAfterEncode});
+}

@@ -1,0 +1,284 @@
+#include "ui/SettingsForm.h"
+
+#include "notification/KelToastsMessage.h"
+#include "style/KelStyleTheme.h"
+#include "widget/ColorSelectButton.h"
+#include "widget/MiniSlider.h"
+#include "widget/ToggleSwitch.h"
+
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QEvent>
+#include <QFontComboBox>
+#include <QFontInfo>
+#include <QGridLayout>
+#include <QLabel>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int kMargin = 14;
+constexpr int kColumnGap = 12;
+constexpr int kRowGap = 6;
+constexpr int kRowHeight = 26;
+constexpr int kHeadingHeight = 32;
+constexpr int kControlWidth = 160;
+
+void describe(QWidget *control, const QString &name, const QString &toolTip)
+{
+    QString plain = name;
+    control->setAccessibleName(plain.remove(QLatin1Char('&')));
+    control->setToolTip(toolTip);
+    control->setAccessibleDescription(toolTip);
+}
+
+QVector<QAbstractButton *> fillChips(QWidget *box, const QVector<SettingsForm::Choice> &choices, int columns,
+                                     const std::function<QAbstractButton *(const QString &)> &create)
+{
+    auto *const grid = new QGridLayout(box);
+    grid->setContentsMargins(0, 0, 0, 0);
+    QVector<QAbstractButton *> chips;
+    for (const SettingsForm::Choice &choice : choices) {
+        QAbstractButton *const chip = create(choice.name);
+        chip->setCursor(Qt::PointingHandCursor);
+        describe(chip, choice.name, choice.toolTip);
+        grid->addWidget(chip, chips.size() / columns, chips.size() % columns);
+        chips.append(chip);
+    }
+    return chips;
+}
+
+} // namespace
+
+SettingsForm::SettingsForm(QWidget *panel)
+    : QWidget(panel)
+    , m_grid(new QGridLayout(this))
+{
+    m_grid->setColumnStretch(1, 1);
+    auto *const layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(this);
+    layout->addStretch(1);
+    KelStyleTheme::instance()->appleStyleTo(this, {QStringLiteral(":/KelMovie/SettingsForm")});
+    updateMetrics();
+}
+
+bool SettingsForm::event(QEvent *event)
+{
+    if (event->type() == QEvent::Show)
+        reload();
+    if (event->type() == QEvent::Show || event->type() == QEvent::ScreenChangeInternal)
+        updateMetrics();
+    return QWidget::event(event);
+}
+
+void SettingsForm::updateMetrics()
+{
+    const double scale = KelStyleTheme::scaleOf(this);
+    const int margin = qRound(kMargin * scale);
+    m_grid->setContentsMargins(margin, qRound(kMargin / 2.0 * scale), margin, margin);
+    m_grid->setHorizontalSpacing(qRound(kColumnGap * scale));
+    m_grid->setVerticalSpacing(qRound(kRowGap * scale));
+    for (int row = 0; row < m_grid->rowCount(); ++row) {
+        QLayoutItem *const item = m_grid->itemAtPosition(row, 0);
+        const bool isHeading = item && item->widget() && item->widget()->objectName() == QLatin1String("Heading");
+        m_grid->setRowMinimumHeight(row, item ? qRound((isHeading ? kHeadingHeight : kRowHeight) * scale) : 0);
+    }
+    m_grid->setColumnMinimumWidth(1, qRound(kControlWidth * scale));
+}
+
+void SettingsForm::reload()
+{
+    m_isLoading = true;
+    for (const auto &load : m_loaders)
+        load();
+    m_isLoading = false;
+}
+
+template <typename T>
+void SettingsForm::save(Setting<T> setting, const T &value)
+{
+    if (m_isLoading || setting.value() == value)
+        return;
+    T &field = gKelMovieConfig.*setting.field;
+    if (!setting.key)
+        field = value;
+    else if (!saveSetting(QString::fromLatin1(setting.key), &field, value))
+        tellUnsaved();
+    emit sigChanged();
+}
+
+void SettingsForm::tellUnsaved()
+{
+    if (m_isUnsavedTold)
+        return;
+    m_isUnsavedTold = true;
+    KelToastsMessage::showMessage(this, KelToastsMessage::Warning,
+                                  tr("The settings cannot be saved. Changes last until the program ends."));
+}
+
+void SettingsForm::addHeading(const QString &text)
+{
+    auto *const heading = new QLabel(text, this);
+    heading->setObjectName(QStringLiteral("Heading"));
+    m_grid->addWidget(heading, m_grid->rowCount(), 0, 1, 3, Qt::AlignBottom);
+    m_master = nullptr;
+}
+
+void SettingsForm::addWidget(QWidget *widget)
+{
+    m_grid->addWidget(widget, m_grid->rowCount(), 0, 1, 3);
+    follow(widget);
+}
+
+void SettingsForm::follow(QWidget *widget)
+{
+    if (!m_master)
+        return;
+    connect(m_master, &QAbstractButton::toggled, widget, &QWidget::setEnabled);
+    widget->setEnabled(m_master->isChecked());
+}
+
+QLabel *SettingsForm::addRow(const Text &text, QWidget *control)
+{
+    auto *const label = new QLabel(text.label, this);
+    label->setBuddy(control);
+    label->setToolTip(text.toolTip);
+    describe(control, text.label, text.toolTip);
+    m_grid->addWidget(label, m_grid->rowCount(), 0);
+    follow(label);
+    follow(control);
+    return label;
+}
+
+QAbstractButton *SettingsForm::addSwitch(const Text &text, Setting<bool> setting)
+{
+    auto *const toggle = new ToggleSwitch(this);
+    addRow(text, toggle);
+    m_grid->addWidget(toggle, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
+    connect(toggle, &QAbstractButton::toggled, this, [=](bool on) { save(setting, on); });
+    m_loaders.emplace_back([=] { toggle->setChecked(setting.value()); });
+    return toggle;
+}
+
+void SettingsForm::addSlider(const Text &text, Setting<int> setting, const Range &range)
+{
+    auto *const slider = new MiniSlider(this);
+    auto *const value = new QLabel(this);
+    slider->setRange(range.minimum, range.maximum);
+    slider->setSingleStep(range.step);
+    addRow(text, slider);
+    value->setObjectName(QStringLiteral("Value"));
+    value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    follow(value);
+    const int row = m_grid->rowCount() - 1;
+    m_grid->addWidget(slider, row, 1);
+    m_grid->addWidget(value, row, 2);
+    connect(slider, &QSlider::valueChanged, this, [=](int number) {
+        value->setText(range.text(number));
+        save(setting, number);
+    });
+    m_loaders.emplace_back([=] {
+        slider->setValue(setting.value());
+        const QFontMetrics letters(value->font());
+        value->setMinimumWidth(std::max(letters.horizontalAdvance(range.text(range.minimum)),
+                                        letters.horizontalAdvance(range.text(range.maximum))));
+        value->setText(range.text(slider->value()));
+    });
+}
+
+void SettingsForm::addColor(const Text &text, Setting<QColor> setting)
+{
+    auto *const button = new ColorSelectButton(this);
+    addRow(text, button);
+    m_grid->addWidget(button, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
+    connect(button, &ColorSelectButton::sigColorChanged, this, [=](const QColor &color) { save(setting, color); });
+    m_loaders.emplace_back([=] { button->setColor(setting.value()); });
+}
+
+void SettingsForm::addFont(const Text &text, QFont KelMovieConfig::*field)
+{
+    auto *const box = new QFontComboBox(this);
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    box->setMinimumContentsLength(14);
+    addRow(text, box);
+    m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2);
+    connect(box, &QFontComboBox::currentFontChanged, this, [=](const QFont &font) {
+        if (m_isLoading)
+            return;
+        (gKelMovieConfig.*field).setFamily(font.family());
+        emit sigChanged();
+    });
+    m_loaders.emplace_back([=] { box->setCurrentFont(QFontInfo(gKelMovieConfig.*field).family()); });
+}
+
+void SettingsForm::addChips(const Text &text, Setting<int> setting, const QVector<Choice> &choices)
+{
+    auto *const box = new QWidget(this);
+    auto *const group = new QButtonGroup(box);
+    for (QAbstractButton *const chip :
+         fillChips(box, choices, choices.size(), [=](const QString &name) { return new QRadioButton(name, box); }))
+        group->addButton(chip, choices[group->buttons().size()].value);
+    addRow(text, box)->setBuddy(group->buttons().constFirst());
+    m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
+    connect(group, &QButtonGroup::idToggled, this, [=](int value, bool on) {
+        if (on)
+            save(setting, value);
+    });
+    m_loaders.emplace_back([=] {
+        group->setExclusive(false); // a value that is none of the choices checks none
+        for (QAbstractButton *const chip : group->buttons())
+            chip->setChecked(group->id(chip) == setting.value());
+        group->setExclusive(true);
+    });
+}
+
+void SettingsForm::addBits(const Text &text, Setting<int> setting, const QVector<Choice> &choices, int columns)
+{
+    auto *const box = new QWidget(this);
+    const QVector<QAbstractButton *> chips =
+        fillChips(box, choices, columns, [=](const QString &name) { return new QCheckBox(name, box); });
+    addRow(text, box)->setBuddy(chips.constFirst());
+    m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
+    for (int i = 0; i < chips.size(); ++i) {
+        const int bit = choices[i].value;
+        QAbstractButton *const chip = chips[i];
+        connect(chip, &QAbstractButton::toggled, this,
+                [=](bool on) { save(setting, on ? setting.value() | bit : setting.value() & ~bit); });
+        m_loaders.emplace_back([=] { chip->setChecked(setting.value() & bit); });
+    }
+}
+
+void SettingsForm::addList(const Text &text, Setting<int> setting, const QVector<Choice> &choices)
+{
+    auto *const box = new QComboBox(this);
+    for (const Choice &choice : choices) {
+        box->addItem(choice.name, choice.value);
+        box->setItemData(box->count() - 1, choice.toolTip, Qt::ToolTipRole);
+    }
+    addRow(text, box);
+    m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
+    connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [=](int index) {
+        if (index >= 0)
+            save(setting, box->itemData(index).toInt());
+    });
+    m_loaders.emplace_back([=] { box->setCurrentIndex(box->findData(setting.value())); });
+}
+
+void SettingsForm::addNumber(const Text &text, Setting<int> setting, const Range &range)
+{
+    auto *const box = new QSpinBox(this);
+    box->setRange(range.minimum, range.maximum);
+    box->setSingleStep(range.step);
+    box->setSpecialValueText(range.text(range.minimum));
+    box->setAlignment(Qt::AlignRight);
+    addRow(text, box);
+    m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
+    connect(box, QOverload<int>::of(&QSpinBox::valueChanged), this, [=](int number) { save(setting, number); });
+    m_loaders.emplace_back([=] { box->setValue(setting.value()); });
+}

@@ -9,15 +9,13 @@
 #include "cli/RecordCommand.h"
 
 #include <KelMovie/KelMovieUI.h>
+#include <console/ProgramArguments.h>
+#include <console/Terminal.h>
 
 #include <QGuiApplication>
-#include <QTextCodec>
 
-#include <clocale>
 #include <memory>
 #include <vector>
-
-#include <langinfo.h>
 
 namespace
 {
@@ -75,22 +73,6 @@ QString version()
     return QStringLiteral("keldock %1 (KelMovie %2)\n").arg(QStringLiteral(KELDOCK_VERSION), KelMovieUI::version());
 }
 
-/// The plain C locale knows nothing above ASCII and would turn the name of a file into question marks.
-void useUtf8InPlainLocale()
-{
-    std::setlocale(LC_ALL, "");
-    if (qstrcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0)
-        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-}
-
-QStringList decoded(int argc, char **argv)
-{
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
-    return arguments;
-}
-
 bool asksForHelp(const QStringList &arguments)
 {
     const QStringList options = arguments.mid(0, arguments.indexOf(QStringLiteral("--")));
@@ -104,7 +86,8 @@ void choosePlatform(bool needsDisplay)
     if (!needsDisplay && wanted.isEmpty())
         qputenv("QT_QPA_PLATFORM", "offscreen");
     else if (needsDisplay && !wanted.contains(';'))
-        qputenv("QT_QPA_PLATFORM", (wanted.isEmpty() ? QByteArray("xcb") : wanted) + ";offscreen");
+        qputenv("QT_QPA_PLATFORM",
+                (wanted.isEmpty() ? QByteArray(Terminal::desktopPlatform()) : wanted) + ";offscreen");
 }
 
 ExitStatus failed(const QString &error)
@@ -147,9 +130,8 @@ ExitStatus runCommand(Command &command, const QStringList &arguments, char *prog
 
 int CommandLine::run(int argc, char **argv)
 {
-    useUtf8InPlainLocale();
+    QStringList arguments = programArguments(argc, argv);
     const Commands commands = allCommands();
-    QStringList arguments = decoded(argc, argv);
     if (arguments.isEmpty()) {
         Console::printError(overview(commands).trimmed());
         return WrongUsage;

@@ -5,8 +5,8 @@
 #include "cli/LoadedRecording.h"
 #include "cli/OutputFile.h"
 #include "cli/ProgressBar.h"
-#include "cli/StopSignal.h"
 #include "cli/Units.h"
+#include <console/StopSignal.h>
 
 #include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelPlaybackTrackManager.h>

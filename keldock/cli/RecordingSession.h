@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/StopSignal.h"
 #include "cli/TerminalLine.h"
+#include <console/StopSignal.h>
 
 #include <KelMovie/KelMultiTrackRecorder.h>
 

@@ -1,4 +1,4 @@
-#include "cli/StopSignal.h"
+#include "console/StopSignal.h"
 
 #include <QSocketNotifier>
 
@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -39,11 +40,12 @@ StopSignal::StopSignal()
 {
     g_raised = false;
     if (pipe2(g_pipe.data(), O_CLOEXEC | O_NONBLOCK) == 0) {
-        m_notifier = std::make_unique<QSocketNotifier>(g_pipe[0], QSocketNotifier::Read);
-        connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
-            m_notifier->setEnabled(false);
+        auto notifier = std::make_unique<QSocketNotifier>(g_pipe[0], QSocketNotifier::Read);
+        connect(notifier.get(), &QSocketNotifier::activated, this, [this, notifier = notifier.get()] {
+            notifier->setEnabled(false);
             emit raised();
         });
+        m_notifier = std::move(notifier);
     }
     struct sigaction action {
     };

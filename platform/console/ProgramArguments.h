@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QStringList>
+
+/// What the program was called with, its own name left out, whatever characters it holds. Works before there is an
+/// application.
+QStringList programArguments(int argc, char **argv);

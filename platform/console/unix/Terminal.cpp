@@ -1,0 +1,34 @@
+#include "console/Terminal.h"
+
+#include <langinfo.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+void Terminal::write(std::FILE *stream, const QString &text)
+{
+    const QByteArray bytes = text.toLocal8Bit();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+}
+
+bool Terminal::isTerminal()
+{
+    return isatty(STDOUT_FILENO) && qgetenv("TERM") != "dumb";
+}
+
+int Terminal::width()
+{
+    winsize size{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        return size.ws_col;
+    return 80;
+}
+
+bool Terminal::showsUnicode()
+{
+    return qstrcmp(nl_langinfo(CODESET), "UTF-8") == 0;
+}
+
+const char *Terminal::desktopPlatform()
+{
+    return "xcb";
+}

@@ -1,0 +1,62 @@
+#include "console/Terminal.h"
+
+#include <windows.h>
+
+#include <io.h>
+
+namespace
+{
+
+/// The console behind a stream; null when it is a file or a pipe.
+HANDLE consoleOf(std::FILE *stream)
+{
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    DWORD mode = 0;
+    return GetConsoleMode(handle, &mode) ? handle : nullptr;
+}
+
+/// A line can be drawn again: the console understands the sequences for it, which it has to be asked for.
+bool enableSequences(HANDLE console)
+{
+    DWORD mode = 0;
+    return GetConsoleMode(console, &mode) && SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
+} // namespace
+
+// A console is given characters as they are. Files and pipes get UTF-8, which holds them all.
+void Terminal::write(std::FILE *stream, const QString &text)
+{
+    if (HANDLE console = consoleOf(stream)) {
+        DWORD written = 0;
+        std::fflush(stream);
+        WriteConsoleW(console, text.utf16(), DWORD(text.size()), &written, nullptr);
+        return;
+    }
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+}
+
+bool Terminal::isTerminal()
+{
+    HANDLE console = consoleOf(stdout);
+    return console && enableSequences(console);
+}
+
+int Terminal::width()
+{
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (GetConsoleScreenBufferInfo(consoleOf(stdout), &info))
+        return info.srWindow.Right - info.srWindow.Left + 1;
+    return 80;
+}
+
+bool Terminal::showsUnicode()
+{
+    return true;
+}
+
+const char *Terminal::desktopPlatform()
+{
+    return "windows";
+}

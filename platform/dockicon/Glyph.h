@@ -33,6 +33,8 @@ enum class Glyph : char16_t {
     Pointer = 0xe715,
     Grip = 0xe716,
     KeyboardOff = 0xe717,
+    Camera = 0xe720,
+    FullScreen = 0xe721,
 };
 
 } // namespace KelDockIcon

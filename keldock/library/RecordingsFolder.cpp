@@ -2,7 +2,6 @@
 
 #include <KelMovie/KelRecordingMetadata.h>
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -31,11 +30,6 @@ QDateTime lastWritten(const QString &dir)
             latest = latest.isValid() ? std::max(latest, file.lastModified()) : file.lastModified();
     }
     return latest;
-}
-
-QString text(const char *source)
-{
-    return QCoreApplication::translate("RecordingsFolder", source);
 }
 
 } // namespace
@@ -108,7 +102,7 @@ bool RecordingsFolder::remove(const QString &dir, QString *error)
 {
     if (QDir(dir).removeRecursively())
         return true;
-    *error = text(QT_TRANSLATE_NOOP("RecordingsFolder", "Some of its files cannot be deleted."));
+    *error = tr("Some of its files cannot be deleted.");
     return false;
 }
 
@@ -118,12 +112,12 @@ bool RecordingsFolder::rename(const QString &dir, const QString &name, QString *
     *newDir = QFileInfo(dir).path() + QLatin1Char('/') + trimmed;
     if (trimmed.isEmpty() || trimmed.startsWith(QLatin1Char('.')) || trimmed.contains(QLatin1Char('/')) ||
         trimmed.contains(QLatin1Char('\\')))
-        *error = text(QT_TRANSLATE_NOOP("RecordingsFolder", "A name is not empty, does not begin with a dot and "
-                                                            "contains no slash."));
+        *error = tr("A name is not empty, does not begin with a dot and "
+                    "contains no slash.");
     else if (QFileInfo::exists(*newDir))
-        *error = text(QT_TRANSLATE_NOOP("RecordingsFolder", "There is something of that name already."));
+        *error = tr("There is something of that name already.");
     else if (!QDir().rename(dir, *newDir))
-        *error = text(QT_TRANSLATE_NOOP("RecordingsFolder", "The folder cannot be renamed."));
+        *error = tr("The folder cannot be renamed.");
     else
         return true;
     return false;

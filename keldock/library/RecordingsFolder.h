@@ -1,13 +1,17 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 /// The folder in which the recordings lie, a directory each. Knows what is on disk at the moment of the call and keeps
 /// nothing. Any thread.
 class RecordingsFolder
 {
+    Q_DECLARE_TR_FUNCTIONS(RecordingsFolder)
+
 public:
     struct Entry {
         QString dir;     ///< absolute path

@@ -4,6 +4,7 @@
 
 #include <KelMovie/KelPlaybackTrackManager.h>
 
+#include <QFocusEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -80,8 +81,7 @@ void PlaybackCanvas::scalePicture(const QSize &pixels, double ratio)
     QImage scaled = m_picture;
     if (pixels != m_picture.size()) {
         // Pixels that become whole squares stay squares.
-        const bool isMultiple =
-            pixels.width() % m_picture.width() == 0 && pixels.height() % m_picture.height() == 0;
+        const bool isMultiple = pixels.width() % m_picture.width() == 0 && pixels.height() % m_picture.height() == 0;
         scaled = m_picture.scaled(pixels, Qt::IgnoreAspectRatio,
                                   isMultiple ? Qt::FastTransformation : Qt::SmoothTransformation);
     }
@@ -99,11 +99,17 @@ void PlaybackCanvas::paintEvent(QPaintEvent *)
         scalePicture((target.size() * ratio).toSize(), ratio);
         painter.drawPixmap(target.topLeft(), m_scaled);
     }
-    if (hasFocus()) {
+    if (hasFocus() && m_showsFocus) {
         const double inset = kFocusOutline / 2;
         painter.setPen(QPen(palette().color(QPalette::Highlight), kFocusOutline));
         painter.drawRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset));
     }
+}
+
+void PlaybackCanvas::focusInEvent(QFocusEvent *event)
+{
+    m_showsFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QWidget::focusInEvent(event);
 }
 
 void PlaybackCanvas::mousePressEvent(QMouseEvent *event)

@@ -37,6 +37,7 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
 
@@ -48,4 +49,5 @@ private:
     QPixmap m_scaled;
     bool m_isStale = true; ///< the picture is older than what the recording shows
     bool m_isEnlarging = false;
+    bool m_showsFocus = false; ///< it came by the keyboard, and a keyboard's user has to see it
 };

@@ -1,0 +1,56 @@
+#include "play/SettingsSidebar.h"
+
+#include <KelMovie/AudioSettingsPanel.h>
+#include <KelMovie/CursorSettingsPanel.h>
+#include <KelMovie/KelPlaybackTrackManager.h>
+#include <KelMovie/KelRecordingMetadata.h>
+#include <KelMovie/KeyboardSettingsPanel.h>
+#include <KelMovie/ProgressSettingsPanel.h>
+
+#include <QScrollArea>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace
+{
+
+template <typename Panel>
+Panel *addTab(QTabWidget *tabs, const QString &title, const QString &toolTip, KelPlaybackTrackManager *manager)
+{
+    auto *const panel = new Panel;
+    QObject::connect(panel, &Panel::sigConfigUpdated, manager, &KelPlaybackTrackManager::updateSettings);
+    auto *const scroller = new QScrollArea;
+    scroller->setFrameShape(QFrame::NoFrame);
+    scroller->setWidgetResizable(true);
+    scroller->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroller->setFocusPolicy(Qt::NoFocus);
+    scroller->setWidget(panel);
+    scroller->setMinimumWidth(panel->minimumSizeHint().width());
+    tabs->setTabToolTip(tabs->addTab(scroller, title), toolTip);
+    return panel;
+}
+
+} // namespace
+
+SettingsSidebar::SettingsSidebar(KelPlaybackTrackManager *manager, QWidget *parent)
+    : QFrame(parent)
+{
+    setObjectName(QStringLiteral("SettingsSidebar"));
+    auto *const tabs = new QTabWidget(this);
+    tabs->setDocumentMode(true);
+    tabs->setAccessibleName(tr("Settings of the picture and the sound"));
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(tabs);
+
+    const KelRecordingMetadata &recorded = manager->metadata();
+    if (recorded.mouseTrack)
+        addTab<CursorSettingsPanel>(tabs, tr("Pointer"), tr("The pointer and its clicks"), manager);
+    if (recorded.keyboardTrack)
+        addTab<KeyboardSettingsPanel>(tabs, tr("Keys"), tr("The keys that were pressed"), manager);
+    addTab<ProgressSettingsPanel>(tabs, tr("Time"), tr("The time over the picture"), manager);
+    if (manager->voiceTrack()) {
+        addTab<AudioSettingsPanel>(tabs, tr("Sound"), tr("What the computer played, and the microphone"), manager)
+            ->setPlaybackManager(manager);
+    }
+}

@@ -19,8 +19,9 @@ void releaseObject(Interface *&object)
 }
 } // namespace
 
-LoopbackDevice::LoopbackDevice(const CaptureSeams &seams)
+LoopbackDevice::LoopbackDevice(const CaptureSeams &seams, EDataFlow flow)
     : m_seams(seams)
+    , m_flow(flow)
 {
 }
 
@@ -32,7 +33,7 @@ LoopbackDevice::~LoopbackDevice()
 bool LoopbackDevice::open(const CaptureFormat &format)
 {
     if (FAILED(m_seams.createEnumerator(&m_enumerator)) ||
-        FAILED(m_enumerator->GetDefaultAudioEndpoint(eRender, eConsole, &m_device)) ||
+        FAILED(m_enumerator->GetDefaultAudioEndpoint(m_flow, eConsole, &m_device)) ||
         FAILED(m_device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, reinterpret_cast<void **>(&m_client))) ||
         !initialize(format)) {
         close();
@@ -66,8 +67,9 @@ bool LoopbackDevice::initialize(const CaptureFormat &format)
     }
     const auto accepts = [this](const CaptureFormat &asked) {
         m_streamFormat = asked;
-        return SUCCEEDED(m_client->Initialize(AUDCLNT_SHAREMODE_SHARED, AUDCLNT_STREAMFLAGS_LOOPBACK, BufferDuration, 0,
-                                              asked.get(), nullptr));
+        const DWORD flags = m_flow == eRender ? AUDCLNT_STREAMFLAGS_LOOPBACK : 0;
+        return SUCCEEDED(
+            m_client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, BufferDuration, 0, asked.get(), nullptr));
     };
     return (m_deviceFormat.isPlainFloat() && accepts(m_deviceFormat.asInt16())) || accepts(m_deviceFormat);
 }

@@ -8,11 +8,12 @@
 
 struct CaptureSeams;
 
-/// The default output, whose sound is recorded. Belongs to one thread, which has initialised COM.
+/// A default device whose sound is recorded: what the output plays or, with eCapture, what the microphone hears.
+/// Belongs to one thread, which has initialised COM.
 class LoopbackDevice
 {
 public:
-    explicit LoopbackDevice(const CaptureSeams &seams);
+    explicit LoopbackDevice(const CaptureSeams &seams, EDataFlow flow = eRender);
     ~LoopbackDevice();
     LoopbackDevice(const LoopbackDevice &) = delete;
     LoopbackDevice &operator=(const LoopbackDevice &) = delete;
@@ -47,6 +48,7 @@ private:
     qint64 plausibleTime(DWORD flags, UINT64 counterPosition, UINT32 frames) const;
 
     const CaptureSeams &m_seams;
+    const EDataFlow m_flow;
     CaptureFormat m_deviceFormat;
     CaptureFormat m_streamFormat;
     IMMDeviceEnumerator *m_enumerator = nullptr;

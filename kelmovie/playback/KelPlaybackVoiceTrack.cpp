@@ -217,6 +217,11 @@ void KelPlaybackVoiceTrack::onMicrophonePositionChanged(qint64 position)
 }
 
 /// The next synchronize() starts what is to be heard again.
+float KelPlaybackVoiceTrack::levelOf(const Source &source)
+{
+    return source.isActive() && source.player->isPlaying() ? source.player->level() : 0;
+}
+
 void KelPlaybackVoiceTrack::setEnabled(Source &source, bool on)
 {
     source.isEnabled = on;

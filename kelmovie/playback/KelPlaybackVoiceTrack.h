@@ -67,6 +67,10 @@ public:
     void setMicrophoneVolume(double volume) { setLevel(m_microphone, volume, m_microphone.gain); }
     void setMicrophoneGain(double gain) { setLevel(m_microphone, m_microphone.volume, gain); }
 
+    /// How loud each source is being played, its settings applied; 1.0 is full scale.
+    float systemAudioLevel() const { return levelOf(m_system); }
+    float microphoneLevel() const { return levelOf(m_microphone); }
+
 public slots:
     void onSystemAudioPositionChanged(qint64 position);
     void onMicrophonePositionChanged(qint64 position);
@@ -85,6 +89,7 @@ private:
     };
 
     std::array<Source *, 2> sources() { return {&m_system, &m_microphone}; }
+    static float levelOf(const Source &source);
     void load(Source &source, const QString &failure, const KelPlaybackSeams &seams);
     void start(Source &source, double ms);
     void onDeviceFailed();

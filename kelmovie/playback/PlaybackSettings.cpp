@@ -7,6 +7,8 @@
 
 #include <KelMovie/KelMovieConfig.h>
 
+#include <QGuiApplication>
+
 #include <algorithm>
 
 namespace
@@ -33,6 +35,8 @@ KeyOverlayStyle keyOverlayStyle(const KelMovieConfig &config)
 {
     KeyOverlayStyle style;
     style.font = config.playbackKeyboardFont;
+    if (style.font.family().isEmpty()) // the default, made before the application knew its font
+        style.font.setFamily(QGuiApplication::font().family());
     style.fontSizePx = std::clamp(config.playbackKeyboardFontSizePx, 1, kMaxFontSizePx);
     // The setting says how much smaller the history is, never so much that it cannot be read.
     style.historyFontSizePx =

@@ -8,8 +8,9 @@
 
 class KelPlaybackTrackManager;
 
-/// Settings of the sound: of what the computer plays and of the microphone. For a dock, a dialog or a FloatPanel; reads
-/// the settings when it is shown. GUI thread.
+/// Settings of the sound: of what the computer plays and of the microphone. It shows how loud both are, and warns when
+/// a device is missing or silent; devices are listened to only while the panel is seen. For a dock, a dialog or a
+/// FloatPanel; reads the settings when it is shown. GUI thread.
 class KELMOVIE_EXPORT AudioSettingsPanel : public QWidget
 {
     Q_OBJECT
@@ -18,8 +19,12 @@ public:
     explicit AudioSettingsPanel(QWidget *parent = nullptr);
     ~AudioSettingsPanel() override;
 
-    /// The recording that is played; null when recording. Not owned.
+    /// Shows how loud this recording's sounds are played; null, as at first: what the devices hear. Not owned.
     void setPlaybackManager(KelPlaybackTrackManager *manager);
+
+    /// While a recording runs, the panel says that what is recorded changes with the next one only, unless the user
+    /// does not want to be told (the setting recordDontShowRecordingWarning).
+    void setRecording(bool recording);
 
 signals:
     /// The user has changed a setting, which is in force and saved already.

@@ -2,19 +2,19 @@
 
 #include "notification/KelToastsMessage.h"
 #include "style/KelStyleTheme.h"
+#include "widget/ChoiceBox.h"
 #include "widget/ColorSelectButton.h"
 #include "widget/MiniSlider.h"
 #include "widget/ToggleSwitch.h"
 
+#include <QApplication>
 #include <QButtonGroup>
-#include <QComboBox>
 #include <QEvent>
-#include <QFontComboBox>
+#include <QFontDatabase>
 #include <QFontInfo>
 #include <QGridLayout>
 #include <QLabel>
-#include <QRadioButton>
-#include <QSpinBox>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -37,14 +37,14 @@ void describe(QWidget *control, const QString &name, const QString &toolTip)
     control->setAccessibleDescription(toolTip);
 }
 
-QVector<QAbstractButton *> fillChips(QWidget *box, const QVector<SettingsForm::Choice> &choices, int columns,
-                                     const std::function<QAbstractButton *(const QString &)> &create)
+QVector<QAbstractButton *> fillChips(QWidget *box, const QVector<SettingsForm::Choice> &choices, int columns)
 {
     auto *const grid = new QGridLayout(box);
     grid->setContentsMargins(0, 0, 0, 0);
     QVector<QAbstractButton *> chips;
     for (const SettingsForm::Choice &choice : choices) {
-        QAbstractButton *const chip = create(choice.name);
+        auto *const chip = new QPushButton(choice.name, box);
+        chip->setCheckable(true);
         chip->setCursor(Qt::PointingHandCursor);
         describe(chip, choice.name, choice.toolTip);
         grid->addWidget(chip, chips.size() / columns, chips.size() % columns);
@@ -100,19 +100,6 @@ void SettingsForm::reload()
     m_isLoading = false;
 }
 
-template <typename T>
-void SettingsForm::save(Setting<T> setting, const T &value)
-{
-    if (m_isLoading || setting.value() == value)
-        return;
-    T &field = gKelMovieConfig.*setting.field;
-    if (!setting.key)
-        field = value;
-    else if (!saveSetting(QString::fromLatin1(setting.key), &field, value))
-        tellUnsaved();
-    emit sigChanged();
-}
-
 void SettingsForm::tellUnsaved()
 {
     if (m_isUnsavedTold)
@@ -161,7 +148,7 @@ QAbstractButton *SettingsForm::addSwitch(const Text &text, Setting<bool> setting
     auto *const toggle = new ToggleSwitch(this);
     addRow(text, toggle);
     m_grid->addWidget(toggle, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
-    connect(toggle, &QAbstractButton::toggled, this, [=](bool on) { save(setting, on); });
+    connect(toggle, &QAbstractButton::toggled, this, [=](bool on) { change(setting, on); });
     m_loaders.emplace_back([=] { toggle->setChecked(setting.value()); });
     return toggle;
 }
@@ -181,7 +168,7 @@ void SettingsForm::addSlider(const Text &text, Setting<int> setting, const Range
     m_grid->addWidget(value, row, 2);
     connect(slider, &QSlider::valueChanged, this, [=](int number) {
         value->setText(range.text(number));
-        save(setting, number);
+        change(setting, number);
     });
     m_loaders.emplace_back([=] {
         slider->setValue(setting.value());
@@ -197,38 +184,43 @@ void SettingsForm::addColor(const Text &text, Setting<QColor> setting)
     auto *const button = new ColorSelectButton(this);
     addRow(text, button);
     m_grid->addWidget(button, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
-    connect(button, &ColorSelectButton::sigColorChanged, this, [=](const QColor &color) { save(setting, color); });
+    connect(button, &ColorSelectButton::sigColorChanged, this, [=](const QColor &color) { change(setting, color); });
     m_loaders.emplace_back([=] { button->setColor(setting.value()); });
 }
 
 void SettingsForm::addFont(const Text &text, QFont KelMovieConfig::*field)
 {
-    auto *const box = new QFontComboBox(this);
-    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    box->setMinimumContentsLength(14);
+    auto *const box = new ChoiceBox(this);
+    box->addItems(QFontDatabase().families());
     addRow(text, box);
     m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2);
-    connect(box, &QFontComboBox::currentFontChanged, this, [=](const QFont &font) {
+    connect(box, &QComboBox::currentTextChanged, this, [=](const QString &family) {
         if (m_isLoading)
             return;
-        (gKelMovieConfig.*field).setFamily(font.family());
+        (gKelMovieConfig.*field).setFamily(family);
         emit sigChanged();
     });
-    m_loaders.emplace_back([=] { box->setCurrentFont(QFontInfo(gKelMovieConfig.*field).family()); });
+    m_loaders.emplace_back([=] {
+        // The default was made before the application knew its font.
+        const QFont &font = gKelMovieConfig.*field;
+        box->setCurrentText(QFontInfo(font.family().isEmpty() ? QApplication::font() : font).family());
+        ;
+    });
 }
 
 void SettingsForm::addChips(const Text &text, Setting<int> setting, const QVector<Choice> &choices)
 {
     auto *const box = new QWidget(this);
     auto *const group = new QButtonGroup(box);
-    for (QAbstractButton *const chip :
-         fillChips(box, choices, choices.size(), [=](const QString &name) { return new QRadioButton(name, box); }))
+    for (QAbstractButton *const chip : fillChips(box, choices, choices.size())) {
+        chip->setAutoExclusive(true); // makes it a radio button for assistive programs
         group->addButton(chip, choices[group->buttons().size()].value);
+    }
     addRow(text, box)->setBuddy(group->buttons().constFirst());
     m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
     connect(group, &QButtonGroup::idToggled, this, [=](int value, bool on) {
         if (on)
-            save(setting, value);
+            change(setting, value);
     });
     m_loaders.emplace_back([=] {
         group->setExclusive(false); // a value that is none of the choices checks none
@@ -241,44 +233,28 @@ void SettingsForm::addChips(const Text &text, Setting<int> setting, const QVecto
 void SettingsForm::addBits(const Text &text, Setting<int> setting, const QVector<Choice> &choices, int columns)
 {
     auto *const box = new QWidget(this);
-    const QVector<QAbstractButton *> chips =
-        fillChips(box, choices, columns, [=](const QString &name) { return new QCheckBox(name, box); });
+    const QVector<QAbstractButton *> chips = fillChips(box, choices, columns);
     addRow(text, box)->setBuddy(chips.constFirst());
     m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
     for (int i = 0; i < chips.size(); ++i) {
         const int bit = choices[i].value;
         QAbstractButton *const chip = chips[i];
         connect(chip, &QAbstractButton::toggled, this,
-                [=](bool on) { save(setting, on ? setting.value() | bit : setting.value() & ~bit); });
+                [=](bool on) { change(setting, on ? setting.value() | bit : setting.value() & ~bit); });
         m_loaders.emplace_back([=] { chip->setChecked(setting.value() & bit); });
     }
 }
 
 void SettingsForm::addList(const Text &text, Setting<int> setting, const QVector<Choice> &choices)
 {
-    auto *const box = new QComboBox(this);
-    for (const Choice &choice : choices) {
+    auto *const box = new ChoiceBox(this);
+    for (const Choice &choice : choices)
         box->addItem(choice.name, choice.value);
-        box->setItemData(box->count() - 1, choice.toolTip, Qt::ToolTipRole);
-    }
     addRow(text, box);
     m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
     connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [=](int index) {
         if (index >= 0)
-            save(setting, box->itemData(index).toInt());
+            change(setting, box->itemData(index).toInt());
     });
     m_loaders.emplace_back([=] { box->setCurrentIndex(box->findData(setting.value())); });
-}
-
-void SettingsForm::addNumber(const Text &text, Setting<int> setting, const Range &range)
-{
-    auto *const box = new QSpinBox(this);
-    box->setRange(range.minimum, range.maximum);
-    box->setSingleStep(range.step);
-    box->setSpecialValueText(range.text(range.minimum));
-    box->setAlignment(Qt::AlignRight);
-    addRow(text, box);
-    m_grid->addWidget(box, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
-    connect(box, QOverload<int>::of(&QSpinBox::valueChanged), this, [=](int number) { save(setting, number); });
-    m_loaders.emplace_back([=] { box->setValue(setting.value()); });
 }

@@ -52,12 +52,15 @@ public:
     void addBits(const Text &text, Setting<int> setting, const QVector<Choice> &choices, int columns);
     /// One of many, in a list that opens.
     void addList(const Text &text, Setting<int> setting, const QVector<Choice> &choices);
-    void addNumber(const Text &text, Setting<int> setting, const Range &range);
     /// A whole row.
     void addWidget(QWidget *widget);
 
     /// The rows that follow, up to the next heading, can be used while `master` is checked.
     void enableNextBy(QAbstractButton *master) { m_master = master; }
+
+    /// Changes and saves a setting that a widget of the panel's own shows.
+    template <typename T>
+    void change(Setting<T> setting, const T &value);
 
     /// Shows the settings as they are.
     void reload();
@@ -74,8 +77,6 @@ private:
     void place(const Text &text, QLabel *label, QWidget *control);
     void follow(QWidget *widget);
     void updateMetrics();
-    template <typename T>
-    void save(Setting<T> setting, const T &value);
     void tellUnsaved();
 
     QGridLayout *const m_grid;
@@ -84,3 +85,16 @@ private:
     bool m_isLoading = false;
     bool m_isUnsavedTold = false;
 };
+
+template <typename T>
+void SettingsForm::change(Setting<T> setting, const T &value)
+{
+    if (m_isLoading || setting.value() == value)
+        return;
+    T &field = gKelMovieConfig.*setting.field;
+    if (!setting.key)
+        field = value;
+    else if (!saveSetting(QString::fromLatin1(setting.key), &field, value))
+        tellUnsaved();
+    emit sigChanged();
+}

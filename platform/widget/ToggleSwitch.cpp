@@ -7,8 +7,8 @@ namespace
 
 constexpr int kWidth = 34;
 constexpr int kHeight = 18;
-constexpr double kFocusRing = 3;
-constexpr double kKnobInset = 3;
+constexpr double kFocusWidth = 1.5;
+constexpr double kKnobInset = 3.5;
 
 } // namespace
 
@@ -23,7 +23,7 @@ ToggleSwitch::ToggleSwitch(QWidget *parent)
 QSize ToggleSwitch::sizeHint() const
 {
     const double scale = scaleFactor();
-    return {qRound((kWidth + 2 * kFocusRing) * scale), qRound((kHeight + 2 * kFocusRing) * scale)};
+    return {qRound(kWidth * scale), qRound(kHeight * scale)};
 }
 
 bool ToggleSwitch::hitButton(const QPoint &point) const
@@ -35,28 +35,23 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
     const double scale = scaleFactor();
-    const double ring = kFocusRing * scale;
-    const QRectF track = QRectF(rect()).adjusted(ring, ring, -ring, -ring);
+    const double line = hasFocus() ? kFocusWidth * scale : 0;
+    const QRectF track = QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2);
     const double radius = track.height() / 2;
-    const QColor accent = palette().color(QPalette::Highlight);
-    if (hasFocus()) {
-        QColor glow = accent;
-        glow.setAlpha(90);
-        painter.setBrush(glow);
-        painter.drawRoundedRect(rect(), radius + ring, radius + ring);
-    }
+    const QColor ink = palette().color(QPalette::WindowText);
     if (!isEnabled())
         painter.setOpacity(0.5);
     // Off, it must be told from what it lies on in either theme.
-    QColor off = palette().color(QPalette::WindowText);
+    QColor off = ink;
     off.setAlpha(underMouse() ? 120 : 95);
-    painter.setBrush(isChecked() ? accent : off);
+    painter.setPen(hasFocus() ? QPen(ink, line) : QPen(Qt::NoPen));
+    painter.setBrush(isChecked() ? palette().color(QPalette::Highlight) : off);
     painter.drawRoundedRect(track, radius, radius);
 
     const double knob = radius - kKnobInset * scale;
     const bool isRight = isChecked() != (layoutDirection() == Qt::RightToLeft);
+    painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::white);
     painter.drawEllipse(QPointF(isRight ? track.right() - radius : track.left() + radius, track.center().y()), knob,
                         knob);

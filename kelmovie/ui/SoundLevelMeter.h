@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QProgressBar>
+
+/// How loud it is, in decibels below full scale. Falls slowly, and marks the loudest moment of the last seconds.
+class SoundLevelMeter : public QProgressBar
+{
+    Q_OBJECT
+
+public:
+    static constexpr int kLowestDb = -60;
+
+    explicit SoundLevelMeter(QWidget *parent = nullptr);
+
+    /// The loudest moment since the last call, at `nowMs`; 1.0 is full scale.
+    void setPeak(float peak, qint64 nowMs);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    double scaleFactor() const { return logicalDpiX() / 96.0; }
+
+    double m_db = kLowestDb;
+    double m_heldDb = kLowestDb;
+    qint64 m_heldAtMs = 0;
+    qint64 m_shownAtMs = 0;
+};

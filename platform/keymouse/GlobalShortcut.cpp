@@ -1,0 +1,53 @@
+#include "keymouse/GlobalShortcut.h"
+
+#include "keymouse/GlobalShortcutGrabber.h"
+
+namespace
+{
+
+std::shared_ptr<GlobalShortcutGrabber> sharedGrabber()
+{
+    static std::weak_ptr<GlobalShortcutGrabber> known;
+    std::shared_ptr<GlobalShortcutGrabber> grabber = known.lock();
+    if (!grabber) {
+        grabber = GlobalShortcutGrabber::create();
+        known = grabber;
+    }
+    return grabber;
+}
+
+} // namespace
+
+GlobalShortcut::GlobalShortcut(QObject *parent)
+    : QObject(parent)
+    , m_grabber(sharedGrabber())
+{
+    connect(m_grabber.get(), &GlobalShortcutGrabber::pressed, this, [this](int combination) {
+        if (!m_keys.isEmpty() && combination == m_keys[0])
+            emit activated();
+    });
+}
+
+GlobalShortcut::~GlobalShortcut()
+{
+    drop();
+}
+
+bool GlobalShortcut::setKeys(const QKeySequence &keys)
+{
+    drop();
+    m_error.clear();
+    if (keys.isEmpty())
+        return true;
+    m_error = m_grabber->grab(keys[0]);
+    if (m_error.isEmpty())
+        m_keys = QKeySequence(keys[0]);
+    return m_error.isEmpty();
+}
+
+void GlobalShortcut::drop()
+{
+    if (!m_keys.isEmpty())
+        m_grabber->release(m_keys[0]);
+    m_keys = QKeySequence();
+}

@@ -1,0 +1,247 @@
+#include "keymouse/x11/X11ShortcutGrabber.h"
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+
+#include <xcb/xcb.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+namespace
+{
+
+struct Free {
+    void operator()(void *pointer) const { std::free(pointer); }
+};
+template <typename T>
+using XcbPtr = std::unique_ptr<T, Free>;
+
+constexpr std::uint16_t ChordModifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
+
+struct NamedKey {
+    int key;
+    std::uint32_t keysym;
+};
+constexpr std::array NamedKeys{
+    NamedKey{Qt::Key_Space, XKB_KEY_space},
+    NamedKey{Qt::Key_Tab, XKB_KEY_Tab},
+    NamedKey{Qt::Key_Return, XKB_KEY_Return},
+    NamedKey{Qt::Key_Escape, XKB_KEY_Escape},
+    NamedKey{Qt::Key_Insert, XKB_KEY_Insert},
+    NamedKey{Qt::Key_Delete, XKB_KEY_Delete},
+    NamedKey{Qt::Key_Home, XKB_KEY_Home},
+    NamedKey{Qt::Key_End, XKB_KEY_End},
+    NamedKey{Qt::Key_PageUp, XKB_KEY_Prior},
+    NamedKey{Qt::Key_PageDown, XKB_KEY_Next},
+    NamedKey{Qt::Key_Left, XKB_KEY_Left},
+    NamedKey{Qt::Key_Right, XKB_KEY_Right},
+    NamedKey{Qt::Key_Up, XKB_KEY_Up},
+    NamedKey{Qt::Key_Down, XKB_KEY_Down},
+    NamedKey{Qt::Key_Pause, XKB_KEY_Pause},
+    NamedKey{Qt::Key_Print, XKB_KEY_Print},
+    NamedKey{Qt::Key_ScrollLock, XKB_KEY_Scroll_Lock},
+};
+
+/// The symbol of the key without modifiers, 0 for keys that make no shortcut.
+std::uint32_t keysymOf(int key)
+{
+    if (key >= Qt::Key_A && key <= Qt::Key_Z)
+        return XKB_KEY_a + std::uint32_t(key - Qt::Key_A);
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F35)
+        return XKB_KEY_F1 + std::uint32_t(key - Qt::Key_F1);
+    for (const NamedKey &named : NamedKeys) {
+        if (named.key == key)
+            return named.keysym;
+    }
+    return key > Qt::Key_Space && key <= Qt::Key_AsciiTilde ? std::uint32_t(key) : 0; // Latin-1 has one number in both
+}
+
+} // namespace
+
+std::unique_ptr<GlobalShortcutGrabber> GlobalShortcutGrabber::create()
+{
+    return std::make_unique<X11ShortcutGrabber>();
+}
+
+X11ShortcutGrabber::X11ShortcutGrabber()
+{
+    int number = 0;
+    m_connection = xcb_connect(nullptr, &number);
+    if (!isConnected())
+        return;
+    xcb_screen_iterator_t screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection));
+    for (; screen.rem > 1 && number > 0; --number)
+        xcb_screen_next(&screen);
+    m_root = screen.data->root;
+    readKeyboard();
+    m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &X11ShortcutGrabber::readEvents);
+}
+
+X11ShortcutGrabber::~X11ShortcutGrabber()
+{
+    m_notifier.reset();
+    xcb_disconnect(m_connection);
+}
+
+bool X11ShortcutGrabber::isConnected() const
+{
+    return !xcb_connection_has_error(m_connection);
+}
+
+QString X11ShortcutGrabber::grab(int combination)
+{
+    if (!isConnected())
+        return QCoreApplication::translate("GlobalShortcut", "There is no X server to ask for it.");
+    const Chord chord = chordOf(combination);
+    if (chord.keycodes.empty())
+        return QCoreApplication::translate("GlobalShortcut", "The keyboard has no such key.");
+    if (!grabChord(chord))
+        return QCoreApplication::translate("GlobalShortcut", "Another program uses it.");
+    m_grabbed.insert(combination, chord);
+    readEvents(); // what came in while waiting for answers wakes no notifier any more
+    return QString();
+}
+
+void X11ShortcutGrabber::release(int combination)
+{
+    releaseChord(m_grabbed.take(combination));
+}
+
+void X11ShortcutGrabber::readKeyboard()
+{
+    const xcb_setup_t *const setup = xcb_get_setup(m_connection);
+    m_firstKeycode = setup->min_keycode;
+    const auto keyboardCookie = xcb_get_keyboard_mapping(m_connection, setup->min_keycode,
+                                                         std::uint8_t(setup->max_keycode - setup->min_keycode + 1));
+    const auto modifierCookie = xcb_get_modifier_mapping(m_connection);
+    const XcbPtr<xcb_get_keyboard_mapping_reply_t> keyboard(
+        xcb_get_keyboard_mapping_reply(m_connection, keyboardCookie, nullptr));
+    const XcbPtr<xcb_get_modifier_mapping_reply_t> modifiers(
+        xcb_get_modifier_mapping_reply(m_connection, modifierCookie, nullptr));
+    if (!keyboard || !modifiers)
+        return; // the last known one serves on
+    m_columns = keyboard->keysyms_per_keycode;
+    const xcb_keysym_t *const keysyms = xcb_get_keyboard_mapping_keysyms(keyboard.get());
+    m_keysyms.assign(keysyms, keysyms + xcb_get_keyboard_mapping_keysyms_length(keyboard.get()));
+    m_keysPerModifier = modifiers->keycodes_per_modifier;
+    const xcb_keycode_t *const keys = xcb_get_modifier_mapping_keycodes(modifiers.get());
+    m_modifierKeys.assign(keys, keys + xcb_get_modifier_mapping_keycodes_length(modifiers.get()));
+}
+
+X11ShortcutGrabber::Chord X11ShortcutGrabber::chordOf(int combination) const
+{
+    const std::uint32_t keysym = keysymOf(combination & ~int(Qt::KeyboardModifierMask));
+    Chord chord;
+    if (combination & Qt::ShiftModifier)
+        chord.modifiers |= XCB_MOD_MASK_SHIFT;
+    if (combination & Qt::ControlModifier)
+        chord.modifiers |= XCB_MOD_MASK_CONTROL;
+    if (combination & Qt::AltModifier)
+        chord.modifiers |= XCB_MOD_MASK_1;
+    if (combination & Qt::MetaModifier)
+        chord.modifiers |= XCB_MOD_MASK_4;
+    // In whichever layout: a person who types Cyrillic at the moment presses the same key as ever.
+    for (std::size_t i = 0; keysym != 0 && i < m_keysyms.size(); ++i) {
+        const auto keycode = std::uint8_t(m_firstKeycode + int(i) / m_columns);
+        if (m_keysyms[i] == keysym && (chord.keycodes.empty() || chord.keycodes.back() != keycode))
+            chord.keycodes.push_back(keycode);
+    }
+    return chord;
+}
+
+/// The modifier that a key of this symbol is, 0 when there is none.
+std::uint16_t X11ShortcutGrabber::maskOf(std::uint32_t keysym) const
+{
+    for (std::size_t i = 0; i < m_modifierKeys.size(); ++i) {
+        const int row = m_modifierKeys[i] - m_firstKeycode;
+        if (row < 0)
+            continue;
+        const auto first = m_keysyms.begin() + row * m_columns;
+        if (std::find(first, first + m_columns, keysym) != first + m_columns)
+            return std::uint16_t(1u << (int(i) / m_keysPerModifier));
+    }
+    return 0;
+}
+
+bool X11ShortcutGrabber::grabChord(const Chord &chord)
+{
+    // A grab is for exactly these modifiers, and locks count as some.
+    const std::uint16_t numLock = maskOf(XKB_KEY_Num_Lock);
+    std::vector<xcb_void_cookie_t> cookies;
+    for (const std::uint8_t keycode : chord.keycodes) {
+        for (const int locks : {0, int(XCB_MOD_MASK_LOCK), int(numLock), XCB_MOD_MASK_LOCK | numLock}) {
+            if (locks == 0 || numLock != 0 || locks == XCB_MOD_MASK_LOCK)
+                cookies.push_back(xcb_grab_key_checked(m_connection, 1, m_root, std::uint16_t(chord.modifiers | locks),
+                                                       keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+        }
+    }
+    bool isGrabbed = true;
+    for (const xcb_void_cookie_t cookie : cookies) {
+        const XcbPtr<xcb_generic_error_t> error(xcb_request_check(m_connection, cookie));
+        isGrabbed = isGrabbed && !error;
+    }
+    if (!isGrabbed)
+        releaseChord(chord);
+    return isGrabbed;
+}
+
+void X11ShortcutGrabber::releaseChord(const Chord &chord)
+{
+    const std::uint16_t numLock = maskOf(XKB_KEY_Num_Lock);
+    for (const std::uint8_t keycode : chord.keycodes) {
+        for (const int locks : {0, int(XCB_MOD_MASK_LOCK), int(numLock), XCB_MOD_MASK_LOCK | numLock})
+            xcb_ungrab_key(m_connection, keycode, m_root, std::uint16_t(chord.modifiers | locks));
+    }
+    xcb_flush(m_connection);
+}
+
+void X11ShortcutGrabber::readEvents()
+{
+    bool isKeyboardNew = false;
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
+        switch (event->response_type & 0x7f) {
+        case XCB_KEY_PRESS:
+            keyPressed(*reinterpret_cast<const xcb_key_press_event_t *>(event.get()));
+            break;
+        case XCB_KEY_RELEASE:
+            m_releaseTime = reinterpret_cast<const xcb_key_release_event_t *>(event.get())->time;
+            m_releasedKey = reinterpret_cast<const xcb_key_release_event_t *>(event.get())->detail;
+            break;
+        case XCB_MAPPING_NOTIFY:
+            isKeyboardNew = true;
+            break;
+        default:
+            break;
+        }
+    }
+    if (!isConnected()) {
+        m_notifier->setEnabled(false);
+    } else if (isKeyboardNew) {
+        for (const Chord &chord : qAsConst(m_grabbed))
+            releaseChord(chord);
+        readKeyboard();
+        for (auto known = m_grabbed.begin(); known != m_grabbed.end(); ++known) {
+            *known = chordOf(known.key());
+            grabChord(*known);
+        }
+    }
+}
+
+void X11ShortcutGrabber::keyPressed(const xcb_key_press_event_t &event)
+{
+    // A key that is held repeats as a release and a press at the same moment.
+    if (event.detail == m_releasedKey && event.time == m_releaseTime)
+        return;
+    for (auto known = m_grabbed.cbegin(); known != m_grabbed.cend(); ++known) {
+        const std::vector<std::uint8_t> &keycodes = known->keycodes;
+        if ((event.state & ChordModifiers) == known->modifiers &&
+            std::find(keycodes.begin(), keycodes.end(), event.detail) != keycodes.end()) {
+            emit pressed(known.key());
+            return; // whoever was told may have changed the shortcuts
+        }
+    }
+}

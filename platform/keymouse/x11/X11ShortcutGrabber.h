@@ -1,0 +1,55 @@
+#pragma once
+
+#include "keymouse/GlobalShortcutGrabber.h"
+
+#include <QHash>
+
+#include <cstdint>
+#include <vector>
+
+class QSocketNotifier;
+struct xcb_connection_t;
+struct xcb_key_press_event_t;
+
+/// Grabs keys on the root window of the X screen that $DISPLAY names, on a connection of its own.
+class X11ShortcutGrabber final : public GlobalShortcutGrabber
+{
+    Q_OBJECT
+
+public:
+    X11ShortcutGrabber();
+    ~X11ShortcutGrabber() override;
+
+    QString grab(int combination) override;
+    void release(int combination) override;
+
+private:
+    /// How a combination is typed on the present keyboard.
+    struct Chord {
+        std::uint16_t modifiers = 0;
+        std::vector<std::uint8_t> keycodes;
+    };
+
+    bool isConnected() const;
+    void readKeyboard();
+    Chord chordOf(int combination) const;
+    std::uint16_t maskOf(std::uint32_t keysym) const;
+    bool grabChord(const Chord &chord);
+    void releaseChord(const Chord &chord);
+    void readEvents();
+    void keyPressed(const xcb_key_press_event_t &event);
+
+    xcb_connection_t *m_connection;
+    std::uint32_t m_root = 0;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    QHash<int, Chord> m_grabbed;
+
+    std::vector<std::uint32_t> m_keysyms; // of all keycodes, m_columns for each
+    int m_columns = 0;
+    int m_firstKeycode = 0;
+    std::vector<std::uint8_t> m_modifierKeys; // m_keysPerModifier for each of the eight modifiers
+    int m_keysPerModifier = 0;
+
+    std::uint32_t m_releaseTime = 0; // of the last key that went up
+    std::uint8_t m_releasedKey = 0;
+};

@@ -1,6 +1,7 @@
+#include "app/DockApplication.h"
 #include "cli/CommandLine.h"
 
 int main(int argc, char **argv)
 {
-    return CommandLine::run(argc, argv);
+    return argc > 1 ? CommandLine::run(argc, argv) : DockApplication::run(argc, argv);
 }

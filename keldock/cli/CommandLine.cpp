@@ -47,7 +47,8 @@ QString overview(const Commands &commands)
 {
     QString text = QStringLiteral("keldock records the screen, shows what a recording holds and exports it.\n"
                                   "\n"
-                                  "Usage: keldock COMMAND [ARGUMENTS]\n"
+                                  "Usage: keldock                      opens the recorder\n"
+                                  "       keldock COMMAND [ARGUMENTS]\n"
                                   "\n"
                                   "Commands:\n");
     for (const auto &command : commands)
@@ -132,10 +133,6 @@ int CommandLine::run(int argc, char **argv)
 {
     QStringList arguments = programArguments(argc, argv);
     const Commands commands = allCommands();
-    if (arguments.isEmpty()) {
-        Console::printError(overview(commands).trimmed());
-        return WrongUsage;
-    }
     QString first = arguments.takeFirst();
     if (first == QLatin1String("help")) {
         first = arguments.isEmpty() ? QStringLiteral("--help") : arguments.takeFirst();

@@ -5,7 +5,7 @@
 namespace CommandLine
 {
 
-/// 0 done, 1 it failed, 2 wrong usage.
+/// Needs at least one argument besides the program's name. 0 done, 1 it failed, 2 wrong usage.
 int run(int argc, char **argv);
 
 } // namespace CommandLine

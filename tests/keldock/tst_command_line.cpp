@@ -63,9 +63,8 @@ void CommandLineTest::wrongUsage_data()
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<QString>("hint");
     const auto row = [](const char *arguments, const char *hint) {
-        QTest::newRow(*arguments ? arguments : "nothing") << QString(arguments) << QString(hint);
+        QTest::newRow(arguments) << QString(arguments) << QString(hint);
     };
-    row("", "Usage: keldock COMMAND");
     row("play", "no command 'play'");
     row("record --out d", "--area X,Y,WxH or --screen N");
     row("record --screen 0 --area 0,0,9x9 --out d", "exclude each other");
@@ -178,6 +177,12 @@ void CommandLineTest::noDisplay()
     const Keldock keldock = Keldock::run({"record", "--screen", "0", "--out", out}, environment);
     QVERIFY2(keldock.failedWith(reason), qPrintable(keldock.errors));
     QVERIFY(!QFile::exists(out));
+    // The recorder's window needs one as well; what Qt writes about a platform that was demanded is not ours.
+    if (platform.isEmpty()) {
+        const Keldock recorder = Keldock::run({}, environment);
+        QCOMPARE(recorder.status, 1);
+        QVERIFY2(recorder.errors.contains("keldock: there is no display"), qPrintable(recorder.errors));
+    }
 }
 
 void CommandLineTest::lostOutput()

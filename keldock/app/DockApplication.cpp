@@ -1,0 +1,260 @@
+#include "app/DockApplication.h"
+
+#include "app/Translations.h"
+#include "dockicon/KelDockIcon.h"
+#include "library/RecordingsFolder.h"
+#include "library/RecordingsWindow.h"
+#include "notification/KelMsgBox.h"
+#include "notification/KelToastsMessage.h"
+#include "play/PlaybackWindow.h"
+#include "settings/SettingsDialog.h"
+#include "style/KelStyleTheme.h"
+
+#include <KelMovie/KelMovieConfig.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QSessionManager>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace
+{
+
+constexpr int WarningMs = 8000;
+constexpr const char *Offscreen = "offscreen";
+
+/// Without a display Qt's ordinary platform ends the process without a word that helps. With a second choice the
+/// program can say what is wrong.
+bool hasDisplay(const QByteArray &wantedPlatform)
+{
+    return QGuiApplication::platformName() != QLatin1String(Offscreen) || wantedPlatform == Offscreen;
+}
+
+} // namespace
+
+int DockApplication::run(int argc, char **argv)
+{
+    const QByteArray wantedPlatform = qgetenv("QT_QPA_PLATFORM");
+#ifdef Q_OS_UNIX
+    if (wantedPlatform.isEmpty())
+        qputenv("QT_QPA_PLATFORM", "xcb;offscreen");
+#endif
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QApplication application(argc, argv);
+    if (!hasDisplay(wantedPlatform)) {
+        std::fputs("keldock: there is no display to open a window on; what works without: keldock --help\n", stderr);
+        return 1;
+    }
+    QCoreApplication::setApplicationName(QStringLiteral("keldock"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KELDOCK_VERSION));
+    // Which window is the last one is decided here: the toolbar may be hidden while the program goes on.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(KelDockIcon::icon(KelDockIcon::Glyph::Record, QColor(0xe1, 0x3d, 0x30)));
+
+    SingleInstance instance;
+    if (!instance.claim())
+        return 0;
+    DockConfigIO io;
+    KelMovieConfigInit(&io);
+    DockSettings settings;
+    settings.bind(io);
+    Translations::install(settings.language);
+    int status = 0;
+    {
+        DockApplication dock(io, settings, instance);
+        dock.start();
+        status = QApplication::exec();
+    }
+    KelMovieConfigInit(nullptr);
+    return status;
+}
+
+DockApplication::DockApplication(DockConfigIO &io, DockSettings &settings, SingleInstance &instance)
+    : m_io(io)
+    , m_settings(settings)
+    , m_instance(instance)
+    , m_controller([this] { return RecordingsFolder(m_settings.recordingsFolder).newRecordingDir(); })
+    , m_ui(m_controller, settings, io)
+{
+    connectRecorder();
+    connectSession();
+}
+
+DockApplication::~DockApplication()
+{
+    m_isEnding = true;
+    m_controller.stop();
+    m_io.saveFonts();
+}
+
+void DockApplication::start()
+{
+    applyTheme();
+    applyShortcuts();
+    m_ui.showToolbar();
+    if (!m_io.problem().isEmpty())
+        tell(RecordingController::Severity::Warning, m_io.problem());
+    connect(&m_io, &DockConfigIO::problemFound, this,
+            [this](const QString &problem) { tell(RecordingController::Severity::Warning, problem); });
+    QTimer::singleShot(0, this, &DockApplication::offerLeftovers);
+}
+
+void DockApplication::connectRecorder()
+{
+    connect(&m_ui, &RecorderUi::recordingsRequested, this, &DockApplication::openRecordings);
+    connect(&m_ui, &RecorderUi::settingsRequested, this, &DockApplication::openSettings);
+    connect(&m_ui, &RecorderUi::closeRequested, this, &DockApplication::closeToolbar);
+    connect(&m_ui, &RecorderUi::quitRequested, this, &DockApplication::quit);
+    connect(&m_controller, &RecordingController::problem, this, &DockApplication::tell);
+    connect(&m_controller, &RecordingController::finished, this, &DockApplication::openRecording);
+    connect(&m_controller, &RecordingController::stateChanged, this, [this] {
+        if (m_recordings)
+            m_recordings->setActiveRecording(m_controller.directory());
+    });
+    connect(&m_shortcuts, &GlobalShortcuts::recordPressed, &m_ui, &RecorderUi::record);
+    connect(&m_shortcuts, &GlobalShortcuts::pausePressed, &m_controller, &RecordingController::togglePause);
+    connect(&m_shortcuts, &GlobalShortcuts::stopPressed, &m_controller, &RecordingController::stop);
+}
+
+void DockApplication::connectSession()
+{
+    connect(&m_instance, &SingleInstance::startedAgain, &m_ui, &RecorderUi::showToolbar);
+    connect(&m_stopSignal, &StopSignal::raised, this, &DockApplication::quit);
+    connect(qApp, &QApplication::lastWindowClosed, this, &DockApplication::quitWhenNothingIsOpen);
+    // The desktop may give up logging out after this; the program then goes on, without a recording.
+    connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &session) {
+        session.setRestartHint(QSessionManager::RestartNever);
+        m_isEnding = true;
+        m_controller.stop();
+        m_isEnding = false;
+    });
+}
+
+void DockApplication::applyTheme()
+{
+    using Mode = KelStyleTheme::Mode;
+    KelStyleTheme::instance()->setMode(m_settings.theme == 1   ? Mode::Light
+                                       : m_settings.theme == 2 ? Mode::Dark
+                                                               : Mode::System);
+}
+
+void DockApplication::applyShortcuts()
+{
+    const QString problems = m_shortcuts.apply(m_settings);
+    m_ui.setStopKeys(m_shortcuts.stopKeys().toString(QKeySequence::NativeText));
+    if (m_settingsDialog)
+        m_settingsDialog->showShortcutProblems(problems);
+    else if (!problems.isEmpty())
+        tell(RecordingController::Severity::Warning, problems);
+}
+
+void DockApplication::openRecording(const QString &dir)
+{
+    if (m_recordings)
+        m_recordings->refresh();
+    if (m_isEnding || !QFileInfo(dir).isDir())
+        return;
+    auto *const window = new PlaybackWindow(dir);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    connect(window, &PlaybackWindow::recordAgainRequested, this, [this] {
+        m_ui.showToolbar();
+        m_ui.record();
+    });
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+void DockApplication::openRecordings()
+{
+    if (!m_recordings) {
+        m_recordings = new RecordingsWindow(RecordingsFolder(m_settings.recordingsFolder).root());
+        m_recordings->setAttribute(Qt::WA_DeleteOnClose);
+        m_recordings->setActiveRecording(m_controller.directory());
+        connect(m_recordings, &RecordingsWindow::openRequested, this, &DockApplication::openRecording);
+        connect(m_recordings, &RecordingsWindow::recordRequested, this, [this] {
+            m_ui.showToolbar();
+            m_ui.record();
+        });
+    }
+    m_recordings->show();
+    m_recordings->raise();
+    m_recordings->activateWindow();
+}
+
+void DockApplication::openSettings()
+{
+    if (!m_settingsDialog) {
+        m_settingsDialog = new SettingsDialog(m_settings, m_io);
+        m_settingsDialog->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_settingsDialog, &SettingsDialog::changed, this, [this] {
+            applyTheme();
+            m_ui.toolbar().refresh();
+        });
+        // Or the combination that is pressed to choose it would do what it is for.
+        connect(m_settingsDialog, &SettingsDialog::shortcutEditBegun, &m_shortcuts, &GlobalShortcuts::suspend);
+        connect(m_settingsDialog, &SettingsDialog::shortcutEditEnded, this, &DockApplication::applyShortcuts);
+        connect(m_settingsDialog, &SettingsDialog::folderChanged, this, [this] { delete m_recordings; });
+    }
+    m_settingsDialog->show();
+    m_settingsDialog->raise();
+    m_settingsDialog->activateWindow();
+}
+
+/// Once for each of them: who does not want to look now finds it in the list.
+void DockApplication::offerLeftovers()
+{
+    const QStringList leftovers = RecordingsFolder(m_settings.recordingsFolder).leftovers(m_controller.directory());
+    const QString known = m_settings.offeredLeftovers;
+    m_io.saveString(DockSettings::OfferedLeftoversKey, leftovers.join(QLatin1Char('\n')));
+    for (const QString &dir : leftovers) {
+        if (known.split(QLatin1Char('\n')).contains(dir))
+            continue;
+        const auto answer = KelMsgBox::question(
+            &m_ui.toolbar(), tr("Interrupted recording"),
+            tr("The recording \"%1\" was interrupted before it was complete. What was recorded is kept. Open it now?")
+                .arg(QFileInfo(dir).fileName()));
+        if (answer == QMessageBox::Yes)
+            openRecording(dir);
+    }
+}
+
+void DockApplication::closeToolbar()
+{
+    if (m_controller.state() != RecordingController::State::Idle) {
+        m_controller.stop();
+        return;
+    }
+    m_ui.hide();
+    quitWhenNothingIsOpen();
+}
+
+void DockApplication::quit()
+{
+    m_isEnding = true;
+    m_controller.stop();
+    QApplication::quit();
+}
+
+void DockApplication::quitWhenNothingIsOpen()
+{
+    if (m_controller.state() != RecordingController::State::Idle || !m_ui.isClosed())
+        return;
+    for (const QWidget *window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->testAttribute(Qt::WA_QuitOnClose))
+            return;
+    }
+    quit();
+}
+
+void DockApplication::tell(RecordingController::Severity severity, const QString &text)
+{
+    if (m_isEnding)
+        return;
+    const bool isError = severity == RecordingController::Severity::Error;
+    KelToastsMessage::showMessage(nullptr, isError ? KelToastsMessage::Error : KelToastsMessage::Warning, text,
+                                  WarningMs, !isError, true);
+}

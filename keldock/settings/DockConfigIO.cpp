@@ -1,0 +1,144 @@
+#include "settings/DockConfigIO.h"
+
+#include <QColor>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QFont>
+#include <QStandardPaths>
+
+DockConfigIO::DockConfigIO(const QString &path)
+    : m_store(path, QSettings::IniFormat)
+{
+    m_store.setFallbacksEnabled(false);
+    if (m_store.status() == QSettings::FormatError)
+        keepUnreadableFile();
+    else if (m_store.status() == QSettings::AccessError || (QFile::exists(path) && !QFileInfo(path).isReadable()))
+        tell(tr("The settings cannot be read from \"%1\". The defaults are used.").arg(QDir::toNativeSeparators(path)));
+}
+
+QString DockConfigIO::defaultPath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/KelMovie/keldock.ini");
+}
+
+/// The next save replaces the file, which somebody may have written by hand.
+void DockConfigIO::keepUnreadableFile()
+{
+    const QString path = m_store.fileName();
+    const QString copy = path + QStringLiteral(".damaged");
+    QFile::remove(copy);
+    const bool isKept = QFile::copy(path, copy);
+    tell(isKept ? tr("The settings file is damaged. The defaults are used where it cannot be read; it is kept as "
+                     "\"%1\".")
+                      .arg(QDir::toNativeSeparators(copy))
+                : tr("The settings file \"%1\" is damaged. The defaults are used where it cannot be read.")
+                      .arg(QDir::toNativeSeparators(path)));
+}
+
+void DockConfigIO::tell(const QString &problem)
+{
+    qWarning("[DockConfigIO] %s", qUtf8Printable(problem));
+    if (!m_problem.isEmpty())
+        return;
+    m_problem = problem;
+    emit problemFound(problem);
+}
+
+template <typename T, typename Parse>
+void DockConfigIO::bind(const QString &key, T *field, QHash<QString, T *> *fields, Parse parse)
+{
+    fields->insert(key, field);
+    if (!m_store.contains(key))
+        return;
+    bool isValid = true;
+    const T value = parse(m_store.value(key).toString(), &isValid);
+    if (isValid)
+        *field = value;
+    else
+        tell(tr("The setting \"%1\" makes no sense. Its default is used.").arg(key));
+}
+
+template <typename T>
+void DockConfigIO::save(const QString &key, const T &value, const QString &text, const QHash<QString, T *> &fields)
+{
+    if (T *const field = fields.value(key))
+        *field = value;
+    m_store.setValue(key, text);
+    m_store.sync();
+    if (m_store.status() == QSettings::AccessError)
+        tell(tr("The settings cannot be saved to \"%1\". They are lost when the program ends.")
+                 .arg(QDir::toNativeSeparators(m_store.fileName())));
+}
+
+void DockConfigIO::saveFonts()
+{
+    for (auto font = m_fonts.cbegin(); font != m_fonts.cend(); ++font) {
+        if (font.value()->toString() != m_savedFonts.value(font.key()))
+            saveFont(font.key(), *font.value());
+    }
+}
+
+void DockConfigIO::bindFont(const QString &key, QFont *field)
+{
+    bind(key, field, &m_fonts, [](const QString &text, bool *isValid) {
+        QFont font;
+        *isValid = font.fromString(text);
+        return font;
+    });
+    m_savedFonts.insert(key, field->toString());
+}
+
+void DockConfigIO::bindString(const QString &key, QString *field)
+{
+    bind(key, field, &m_strings, [](const QString &text, bool *) { return text; });
+}
+
+void DockConfigIO::bindColor(const QString &key, QColor *field)
+{
+    bind(key, field, &m_colors, [](const QString &text, bool *isValid) {
+        const QColor color(text);
+        *isValid = color.isValid();
+        return color;
+    });
+}
+
+void DockConfigIO::bindBool(const QString &key, bool *field)
+{
+    bind(key, field, &m_bools, [](const QString &text, bool *isValid) {
+        *isValid = text == QLatin1String("true") || text == QLatin1String("false");
+        return text == QLatin1String("true");
+    });
+}
+
+void DockConfigIO::bindInt(const QString &key, int *field)
+{
+    bind(key, field, &m_ints, [](const QString &text, bool *isValid) { return text.toInt(isValid); });
+}
+
+void DockConfigIO::saveFont(const QString &key, const QFont &value)
+{
+    save(key, value, value.toString(), m_fonts);
+    m_savedFonts.insert(key, value.toString());
+}
+
+void DockConfigIO::saveString(const QString &key, const QString &value)
+{
+    save(key, value, value, m_strings);
+}
+
+void DockConfigIO::saveColor(const QString &key, const QColor &value)
+{
+    save(key, value, value.name(QColor::HexArgb), m_colors);
+}
+
+void DockConfigIO::saveBool(const QString &key, bool value)
+{
+    save(key, value, value ? QStringLiteral("true") : QStringLiteral("false"), m_bools);
+}
+
+void DockConfigIO::saveInt(const QString &key, int value)
+{
+    save(key, value, QString::number(value), m_ints);
+}

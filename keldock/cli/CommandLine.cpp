@@ -7,6 +7,7 @@
 #include "cli/InfoCommand.h"
 #include "cli/MessageLog.h"
 #include "cli/RecordCommand.h"
+#include "cli/SelfTestCommand.h"
 
 #include <KelMovie/KelMovieUI.h>
 #include <console/ProgramArguments.h>
@@ -31,6 +32,7 @@ Commands allCommands()
     commands.push_back(std::make_unique<InfoCommand>());
     commands.push_back(std::make_unique<ExportCommand>());
     commands.push_back(std::make_unique<FrameCommand>());
+    commands.push_back(std::make_unique<SelfTestCommand>());
     return commands;
 }
 

@@ -17,6 +17,11 @@ void KelKeyMouseHook::setHookType(int type)
     KeyMouseHub::instance().setHookKinds(this, type);
 }
 
+QString KelKeyMouseHook::errorString()
+{
+    return KeyMouseHub::instance().errorString();
+}
+
 bool KelKeyMouseHook::OnKeyboardEvent(KelKeyboardEvent)
 {
     return false;

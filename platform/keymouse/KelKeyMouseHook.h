@@ -2,6 +2,7 @@
 
 #include "keymouse/KelKeyMouseEvents.h"
 
+#include <QString>
 #include <QtGlobal>
 
 /// Watches keyboard and mouse of the whole desktop, whichever program has the focus.
@@ -40,6 +41,9 @@ public:
     /// Where input cannot be watched (no display, no RECORD extension, a lost connection) one warning is logged and
     /// the hook stays silent.
     void setHookType(int type);
+
+    /// Why the hooks that are installed hear nothing, in English; empty when they do.
+    static QString errorString();
 
 protected:
     /// The callbacks run on the event source's thread, one at a time. They shall not throw, and return soon: while one

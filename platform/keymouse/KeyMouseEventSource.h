@@ -2,6 +2,8 @@
 
 #include "keymouse/KelKeyMouseEvents.h"
 
+#include <QString>
+
 #include <memory>
 
 /// Where an event source puts its events.
@@ -31,6 +33,9 @@ public:
     /// The sink's wantedKinds() may have changed: start, stop or go on accordingly. Returns when that is done, or
     /// after a limit; at once when called from within deliver(). Any thread.
     virtual void update() = 0;
+
+    /// Why no input can be watched, in English; empty while it can, or nobody has tried. Any thread.
+    virtual QString errorString() const { return {}; }
 };
 
 /// The source of the operating system that this library is built for.

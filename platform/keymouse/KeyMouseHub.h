@@ -29,6 +29,8 @@ public:
     /// Replaces the operating system's source; null puts it back. Only while no hook is installed.
     void setSource(std::unique_ptr<KeyMouseEventSource> source);
 
+    QString errorString() const { return m_source->errorString(); }
+
     int wantedKinds() const override;
     void deliver(KelKeyboardEvent event) override;
     void deliver(KelMouseEvent event) override;

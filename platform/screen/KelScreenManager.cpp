@@ -44,6 +44,11 @@ std::shared_ptr<KelCursorSource> KelScreenManager::cursorSource(const QRect &rec
     return source;
 }
 
+QString KelScreenManager::backendName() const
+{
+    return m_backend->name();
+}
+
 QString KelScreenManager::errorString() const
 {
     return m_backend->errorString();

@@ -17,6 +17,9 @@ class KelScreenBackend
 public:
     virtual ~KelScreenBackend() = default;
 
+    /// What pictures are taken with, as "X11".
+    virtual QString name() const { return {}; }
+
     /// Empty when the screen can be captured, else why not, in English.
     virtual QString errorString() const { return {}; }
 
@@ -39,6 +42,9 @@ public:
     /// The source of snapshots of the pointer for `rect`; null where the pointer is never seen. One for all who use it
     /// at the same time, made anew once nobody does. While somebody holds it, any thread may ask for it.
     std::shared_ptr<KelCursorSource> cursorSource(const QRect &rect);
+
+    /// What pictures are taken with, as "X11".
+    QString backendName() const;
 
     /// Empty when the screen can be captured now, else why not ("no display", "Wayland without X", …), in English.
     QString errorString() const;

@@ -57,12 +57,19 @@ void X11EventSource::update()
         if (m_thread.joinable())
             m_thread.join(); // at once: see setEnded()
         m_running = true;
+        m_errorString.clear();
         m_thread = std::thread(&X11EventSource::run, this);
     }
     const unsigned request = ++m_requested;
     eventfd_write(m_wake, 1);
     if (m_thread.get_id() != std::this_thread::get_id())
         m_changed.wait_for(lock, requestLimit, [&] { return !m_running || int(m_served - request) >= 0; });
+}
+
+QString X11EventSource::errorString() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_errorString;
 }
 
 void X11EventSource::run()
@@ -78,6 +85,7 @@ void X11EventSource::run()
     if (!m_warned && !m_quit)
         qWarning("[KelKeyMouseHook] keyboard and mouse cannot be watched: %s", qUtf8Printable(recorder.errorString()));
     m_warned = true;
+    m_errorString = recorder.errorString();
     setEnded();
 }
 

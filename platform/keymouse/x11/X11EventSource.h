@@ -17,6 +17,7 @@ public:
     ~X11EventSource() override;
 
     void update() override;
+    QString errorString() const override;
 
 private:
     void run();
@@ -29,7 +30,7 @@ private:
     KeyMouseEventSink &m_sink;
     const int m_wake; // eventfd: readable when there is a request
 
-    std::mutex m_mutex; // guards what follows; taken before the sink's
+    mutable std::mutex m_mutex; // guards what follows; taken before the sink's
     std::condition_variable m_changed;
     std::thread m_thread;
     X11InputRecorder *m_recorder = nullptr; // while the thread works with it
@@ -38,4 +39,5 @@ private:
     bool m_running = false;                 // false once the thread has decided to end
     bool m_quit = false;
     bool m_warned = false;
+    QString m_errorString;
 };

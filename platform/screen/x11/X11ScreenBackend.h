@@ -6,6 +6,7 @@
 class X11ScreenBackend final : public KelScreenBackend
 {
 public:
+    QString name() const override { return QStringLiteral("X11"); }
     QString errorString() const override;
     std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override;
     std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect) override;

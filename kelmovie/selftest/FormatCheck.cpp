@@ -1,0 +1,100 @@
+#include "selftest/FormatCheck.h"
+
+#include "avcodec/AnimationReader.h"
+#include "avcodec/KelAVCodecEncoder.h"
+#include "avcodec/h264Decoder.h"
+#include "playback/KelExportSeams.h"
+
+#include <QColor>
+#include <QImage>
+#include <QPainter>
+
+#include <cstdlib>
+#include <vector>
+
+namespace
+{
+
+constexpr int kFrames = 12;
+constexpr int kFps = 25;
+constexpr int kQuality = 90;
+constexpr QSize kSize(96, 64);
+constexpr double kTolerance = 12; // of 255, on average; lossy formats stay far below
+
+/// A block that wanders over a ramp of colours.
+QImage picture(int frame)
+{
+    QImage image(kSize, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+    QLinearGradient ramp(0, 0, kSize.width(), kSize.height());
+    ramp.setColorAt(0, QColor(20, 60, 120));
+    ramp.setColorAt(1, QColor(200, 220, 240));
+    painter.fillRect(image.rect(), ramp);
+    painter.fillRect(frame * 6, 20, 20, 20, QColor(230, 120, 30));
+    return image;
+}
+
+QString encode(int format, const QString &path)
+{
+    const auto encoder = KelExportSeams::real().createEncoder(format, kSize, path, kFps, kQuality, QString());
+    if (!encoder)
+        return QStringLiteral("there is no encoder");
+    for (int frame = 0; frame < kFrames; ++frame) {
+        if (!encoder->addFrame(quint64(frame), picture(frame)))
+            return QStringLiteral("frame %1 was not encoded: %2").arg(frame).arg(encoder->errorString());
+    }
+    return encoder->close() ? QString() : QStringLiteral("the file was not completed: ") + encoder->errorString();
+}
+
+std::vector<QImage> decode(int format, const QString &path, QString *error)
+{
+    if (format != 0)
+        return AnimationReader::read(path, kFrames + 1, error);
+    h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
+    std::vector<QImage> pictures;
+    for (int frame = 0; frame < decoder.getFrameCount(); ++frame)
+        pictures.push_back(decoder.decodeFrame(frame));
+    if (pictures.empty())
+        *error = QStringLiteral("H.264 cannot be decoded");
+    return pictures;
+}
+
+/// Mean difference of a colour channel.
+double difference(const QImage &a, const QImage &b)
+{
+    qint64 sum = 0;
+    for (int y = 0; y < kSize.height(); ++y) {
+        for (int x = 0; x < kSize.width(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x, y);
+            sum += std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) + std::abs(qBlue(p) - qBlue(q));
+        }
+    }
+    return double(sum) / (3.0 * kSize.width() * kSize.height());
+}
+
+} // namespace
+
+QString FormatCheck::name(int format)
+{
+    static const char *const names[] = {"MP4", "GIF", "APNG", "WebP"};
+    return QLatin1String(names[format]);
+}
+
+QString FormatCheck::run(int format, const QString &path)
+{
+    QString error = encode(format, path);
+    if (!error.isEmpty())
+        return error;
+    const std::vector<QImage> pictures = decode(format, path, &error);
+    if (!error.isEmpty())
+        return error;
+    if (int(pictures.size()) != kFrames)
+        return QStringLiteral("it holds %1 pictures instead of %2").arg(pictures.size()).arg(kFrames);
+    for (int frame = 0; frame < kFrames; ++frame) {
+        const QImage &decoded = pictures[std::size_t(frame)];
+        if (decoded.size() != kSize || difference(decoded, picture(frame)) > kTolerance)
+            return QStringLiteral("picture %1 is not what was encoded").arg(frame);
+    }
+    return {};
+}

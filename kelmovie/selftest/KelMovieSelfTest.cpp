@@ -1,0 +1,172 @@
+#include "selftest/KelMovieSelfTest.h"
+
+#include "avcodec/CodecLibraries.h"
+#include "avcodec/ffv1Decoder.h"
+#include "avcodec/h264Decoder.h"
+#include "keymouse/KelKeyMouseHook.h"
+#include "record/KelMovieUI.h"
+#include "screen/KelScreenManager.h"
+#include "selftest/FormatCheck.h"
+#include "selftest/RecordingCheck.h"
+#include "ui/SoundDevices.h"
+
+#include <QAudioDeviceInfo>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QSysInfo>
+#include <QTemporaryDir>
+
+namespace
+{
+
+/// Hears everything and keeps nothing.
+class ProbingHook final : public KelKeyMouseHook
+{
+public:
+    ProbingHook() { setHookType(Keyboard | Mouse); }
+    ~ProbingHook() override { setHookType(NoKind); }
+};
+
+QString inputProblem()
+{
+    const ProbingHook hook;
+    return KelKeyMouseHook::errorString();
+}
+
+QString line(const char *label, const QString &value)
+{
+    return QStringLiteral("%1 %2\n").arg(QLatin1String(label) + QLatin1Char(':'), -18).arg(value);
+}
+
+QString orWhyNot(const QString &problem, const QString &value)
+{
+    return problem.isEmpty() ? value : QStringLiteral("none: ") + problem;
+}
+
+QString outputName()
+{
+    return QAudioDeviceInfo::defaultOutputDevice().deviceName();
+}
+
+QString microphoneName()
+{
+    return QAudioDeviceInfo::defaultInputDevice().deviceName();
+}
+
+QString decoders()
+{
+    QStringList names;
+    if (h264Decoder::isSupported())
+        names << QStringLiteral("H.264");
+    if (ffv1Decoder::isSupported())
+        names << QStringLiteral("FFV1");
+    return names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", "));
+}
+
+QString hardwareDecoding()
+{
+    const QString device = h264Decoder::PreferH264DecodeParams(true).deviceType;
+    return device.isEmpty() ? QStringLiteral("none") : device;
+}
+
+QString screenText(const QScreen &screen)
+{
+    const QRect area = screen.geometry();
+    return QStringLiteral("screen \"%1\": %2x%3 at %4,%5, scale %6")
+        .arg(screen.name())
+        .arg(area.width())
+        .arg(area.height())
+        .arg(area.x())
+        .arg(area.y())
+        .arg(screen.devicePixelRatio());
+}
+
+} // namespace
+
+QString KelMovieSelfTest::featureReport()
+{
+    const QString none = QStringLiteral("none");
+    QStringList formats;
+    for (int format = 0; format < FormatCheck::FormatCount; ++format)
+        formats << FormatCheck::name(format);
+    return line("Version", KelMovieUI::version()) +
+           line("System", QStringLiteral("%1, %2, Qt %3")
+                              .arg(QSysInfo::prettyProductName(), QSysInfo::currentCpuArchitecture(),
+                                   QLatin1String(qVersion()))) +
+           line("Export formats", formats.join(QStringLiteral(", "))) + line("Decoders", decoders()) +
+           line("Libraries", CodecLibraries::versions().join(QStringLiteral(", "))) +
+           line("Hardware decoding", hardwareDecoding()) +
+           line("Screen capture",
+                orWhyNot(KelScreenManager::instance()->errorString(), KelScreenManager::instance()->backendName())) +
+           line("Keyboard and mouse", orWhyNot(inputProblem(), QStringLiteral("can be watched"))) +
+           line("System audio", SoundDevices::hasSystemAudio() ? outputName() : none) +
+           line("Microphone", SoundDevices::hasMicrophone() ? microphoneName() : none);
+}
+
+KelMovieSelfTest::Check KelMovieSelfTest::checkRecording()
+{
+    Check check;
+    check.name = QStringLiteral("Record and play back");
+    const QTemporaryDir directory;
+    if (!directory.isValid()) {
+        check.error = QStringLiteral("there is no room for temporary files: ") + directory.errorString();
+        return check;
+    }
+    RecordingCheck recording(directory.filePath(QStringLiteral("recording")));
+    check.error = recording.run();
+    if (check.passed())
+        check.findings << recording.finding();
+    return check;
+}
+
+KelMovieSelfTest::Check KelMovieSelfTest::checkFormats()
+{
+    Check check;
+    check.name = QStringLiteral("Encode and decode");
+    const QTemporaryDir directory;
+    if (!directory.isValid()) {
+        check.error = QStringLiteral("there is no room for temporary files: ") + directory.errorString();
+        return check;
+    }
+    QStringList problems;
+    for (int format = 0; format < FormatCheck::FormatCount; ++format) {
+        const QString name = FormatCheck::name(format);
+        const QString problem = FormatCheck::run(format, directory.filePath(name));
+        if (problem.isEmpty())
+            check.findings << name;
+        else
+            problems << QStringLiteral("%1: %2").arg(name, problem);
+    }
+    check.error = problems.join(QStringLiteral("; "));
+    return check;
+}
+
+KelMovieSelfTest::Check KelMovieSelfTest::checkDevices()
+{
+    Check check;
+    check.name = QStringLiteral("Find devices");
+    check.error = KelScreenManager::instance()->errorString();
+    if (check.passed()) {
+        for (const QScreen *const screen : QGuiApplication::screens())
+            check.findings << screenText(*screen);
+    }
+    const QString input = inputProblem();
+    if (input.isEmpty())
+        check.findings << QStringLiteral("keyboard and mouse");
+    else if (check.passed())
+        check.error = QStringLiteral("keyboard and mouse cannot be watched: ") + input;
+    if (SoundDevices::hasSystemAudio())
+        check.findings << QStringLiteral("system audio: ") + outputName();
+    else
+        check.warnings << QStringLiteral("no device plays sound that could be recorded");
+    if (SoundDevices::hasMicrophone())
+        check.findings << QStringLiteral("microphone: ") + microphoneName();
+    else
+        check.warnings << QStringLiteral("there is no microphone");
+    return check;
+}
+
+QVector<KelMovieSelfTest::Check> KelMovieSelfTest::runChecks()
+{
+    return {checkRecording(), checkFormats(), checkDevices()};
+}

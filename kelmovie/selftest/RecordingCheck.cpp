@@ -1,0 +1,79 @@
+#include "selftest/RecordingCheck.h"
+
+#include <KelMovie/KelMultiTrackRecorder.h>
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+#include <QScreen>
+#include <QTimer>
+
+namespace
+{
+
+constexpr int kFps = 25;
+constexpr int kRecordMs = 500;
+constexpr int kMaxWidth = 320;
+constexpr int kMaxHeight = 240;
+
+} // namespace
+
+QString RecordingCheck::run()
+{
+    const QString problem = record();
+    return problem.isEmpty() ? playBack() : problem;
+}
+
+QString RecordingCheck::record()
+{
+    const QScreen *const screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return QStringLiteral("there is no screen");
+    const QSize size = screen->geometry().size().boundedTo({kMaxWidth, kMaxHeight});
+    m_area = QRect(screen->geometry().topLeft(), size);
+    KelMultiTrackRecorder recorder;
+    KelMultiTrackRecorder::RecordConfig config; // screen and mouse; never what somebody types
+    config.outputDir = m_directory;
+    config.fps = kFps;
+    recorder.setRecordConfig(config);
+    recorder.setRecordArea(m_area);
+    QString problem;
+    QEventLoop loop;
+    QObject::connect(&recorder, &KelMultiTrackRecorder::recordingError, &loop, [&](const QString &error) {
+        problem = error;
+        loop.quit();
+    });
+    if (!recorder.startRecording())
+        return recorder.lastError();
+    QTimer::singleShot(kRecordMs, &loop, &QEventLoop::quit);
+    loop.exec();
+    recorder.stopRecording();
+    return problem;
+}
+
+QString RecordingCheck::playBack()
+{
+    KelPlaybackTrackManager playback(m_directory, false);
+    if (!playback.isValidRecording())
+        return QStringLiteral("the recording cannot be loaded: ") + playback.errorString();
+    if (playback.totalFrames() < 2)
+        return QStringLiteral("only %1 frames were recorded").arg(playback.totalFrames());
+    if (!playback.trackNames().contains(QStringLiteral("MouseTrack")))
+        return QStringLiteral("the mouse was not recorded");
+    QImage picture(playback.pictureSize(), QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    playback.setFrameSilently(playback.totalFrames() - 1);
+    QPainter painter(&picture);
+    playback.paint(&painter);
+    painter.end();
+    if (qAlpha(picture.pixel(picture.rect().center())) != 255)
+        return QStringLiteral("the recorded picture cannot be decoded");
+    m_finding = QStringLiteral("%1 frames of %2x%3 pixels, with the mouse, in %4 ms")
+                    .arg(playback.totalFrames())
+                    .arg(picture.width())
+                    .arg(picture.height())
+                    .arg(playback.durationMs());
+    return {};
+}

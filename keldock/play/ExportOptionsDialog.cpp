@@ -2,24 +2,42 @@
 
 #include "play/Player.h"
 #include "play/TimeText.h"
+#include "style/KelStyleTheme.h"
 
 #include <KelMovie/EncodeFormatPanel.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 #include <KelMovie/SaveQualityPanel.h>
 
 #include <QComboBox>
-#include <QDialogButtonBox>
-#include <QFormLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QSettings>
-#include <QVBoxLayout>
 
 namespace
 {
 
 const QString kRateKey = QStringLiteral("Export/fps");
+const QString kSizeKey = QStringLiteral("Export/percent");
 constexpr int kRecordedRate = 0;
+constexpr int kMargin = 14; // that of the panels
+
+void select(QComboBox *box, const QString &key, int fallback)
+{
+    box->setCurrentIndex(qMax(0, box->findData(QSettings().value(key, fallback).toInt())));
+}
+
+void addRow(QGridLayout *grid, const QString &text, const QString &toolTip, QComboBox *box)
+{
+    auto *const label = new QLabel(text);
+    label->setBuddy(box);
+    box->setAccessibleName(QString(text).remove(QLatin1Char('&')));
+    for (QWidget *const widget : {static_cast<QWidget *>(label), static_cast<QWidget *>(box)})
+        widget->setToolTip(toolTip);
+    const int row = grid->rowCount();
+    grid->addWidget(label, row, 0);
+    grid->addWidget(box, row, 1, Qt::AlignRight);
+}
 
 } // namespace
 
@@ -29,58 +47,82 @@ ExportOptionsDialog::ExportOptionsDialog(const Player &player, QWidget *parent)
 {
     setWindowTitle(tr("Export Recording"));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-
     auto *const format = new EncodeFormatPanel(this);
     auto *const quality = new SaveQualityPanel(this);
     quality->setPlaybackManager(player.manager());
     if (player.isTrimmed())
         quality->setRange(player.rangeStartMs(), player.rangeEndMs());
 
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(format);
+    layout->addWidget(quality);
+    layout->addLayout(createChoices());
+    layout->addLayout(createButtons());
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+QLayout *ExportOptionsDialog::createChoices()
+{
+    const KelPlaybackTrackManager &manager = *m_player.manager();
     m_rates = new QComboBox(this);
-    m_rates->setAccessibleName(tr("Frames a second"));
-    m_rates->setToolTip(tr("More frames a second make smoother motion and a larger file"));
-    fillRates();
-    auto *const rate = new QFormLayout;
-    rate->addRow(tr("F&rames a second"), m_rates);
+    m_rates->addItem(tr("As recorded (%1)").arg(manager.fps()), kRecordedRate);
+    for (const int rate : {60, 50, 30, 25, 24, 20, 15, 10, 5})
+        m_rates->addItem(QString::number(rate), rate);
+    select(m_rates, kRateKey, kRecordedRate);
 
-    auto *const summary = new QLabel(this);
-    summary->setObjectName(QStringLiteral("ExportSummary"));
-    summary->setWordWrap(true);
-    const double speed = player.speed();
-    const int span = player.rangeEndMs() - player.rangeStartMs();
-    summary->setText(player.isTrimmed()
-                         ? tr("Exports the part from %1 to %2 at speed %3; the file plays for %4.")
-                               .arg(TimeText::precise(player.rangeStartMs()), TimeText::precise(player.rangeEndMs()),
-                                    TimeText::factor(speed), TimeText::precise(qRound(span / speed)))
-                         : tr("Exports the whole recording at speed %1; the file plays for %2.")
-                               .arg(TimeText::factor(speed), TimeText::precise(qRound(span / speed))));
+    m_sizes = new QComboBox(this);
+    for (const int percent : {100, 75, 50, 33, 25}) {
+        const QSize size = manager.pictureSize() * (percent / 100.0);
+        m_sizes->addItem(tr("%1 x %2").arg(size.width()).arg(size.height()), percent);
+    }
+    select(m_sizes, kSizeKey, 100);
 
-    auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
-    QPushButton *const proceed = buttons->addButton(tr("&Choose File..."), QDialogButtonBox::AcceptRole);
+    auto *const text = new QLabel(summary(), this);
+    text->setObjectName(QStringLiteral("ExportSummary"));
+    text->setWordWrap(true);
+
+    auto *const grid = new QGridLayout;
+    const int margin = qRound(kMargin * KelStyleTheme::scaleOf(this));
+    grid->setContentsMargins(margin, 0, margin, margin);
+    grid->setVerticalSpacing(margin / 2);
+    addRow(grid, tr("F&rames a second"), tr("More frames make smoother motion and a larger file"), m_rates);
+    addRow(grid, tr("Picture si&ze"), tr("Pixels of the file; a smaller picture makes a smaller file"), m_sizes);
+    grid->addWidget(text, grid->rowCount(), 0, 1, 2);
+    return grid;
+}
+
+QLayout *ExportOptionsDialog::createButtons()
+{
+    auto *const cancel = new QPushButton(tr("Cancel"), this);
+    cancel->setToolTip(tr("Goes back to the recording"));
+    connect(cancel, &QPushButton::clicked, this, &ExportOptionsDialog::reject);
+    auto *const proceed = new QPushButton(tr("&Choose File..."), this);
     proceed->setObjectName(QStringLiteral("PrimaryButton"));
     proceed->setToolTip(tr("Asks where to save the file, then exports"));
     proceed->setDefault(true);
-    buttons->button(QDialogButtonBox::Cancel)->setToolTip(tr("Goes back to the recording"));
-    connect(buttons, &QDialogButtonBox::accepted, this, &ExportOptionsDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &ExportOptionsDialog::reject);
-
-    auto *const layout = new QVBoxLayout(this);
-    layout->addWidget(format);
-    layout->addWidget(quality);
-    layout->addLayout(rate);
-    layout->addWidget(summary);
-    layout->addWidget(buttons);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
     proceed->setFocus();
+    connect(proceed, &QPushButton::clicked, this, &ExportOptionsDialog::accept);
+
+    auto *const row = new QHBoxLayout;
+    const int margin = qRound(kMargin * KelStyleTheme::scaleOf(this));
+    row->setContentsMargins(margin, 0, margin, margin);
+    row->addStretch();
+    row->addWidget(cancel);
+    row->addWidget(proceed);
+    return row;
 }
 
-void ExportOptionsDialog::fillRates()
+QString ExportOptionsDialog::summary() const
 {
-    const int recorded = m_player.manager()->fps();
-    m_rates->addItem(tr("As recorded (%1)").arg(recorded), kRecordedRate);
-    for (const int rate : {60, 50, 30, 25, 24, 20, 15, 10, 5})
-        m_rates->addItem(QString::number(rate), rate);
-    m_rates->setCurrentIndex(qMax(0, m_rates->findData(QSettings().value(kRateKey, kRecordedRate))));
+    const double speed = m_player.speed();
+    const QString factor = TimeText::factor(speed);
+    const QString length = TimeText::precise(qRound((m_player.rangeEndMs() - m_player.rangeStartMs()) / speed));
+    if (!m_player.isTrimmed())
+        return tr("Exports the whole recording at speed %1. The file plays for %2.").arg(factor, length);
+    return tr("Exports the part from %1 to %2 at speed %3. The file plays for %4.")
+        .arg(TimeText::precise(m_player.rangeStartMs()), TimeText::precise(m_player.rangeEndMs()), factor, length);
 }
 
 int ExportOptionsDialog::fps() const
@@ -89,8 +131,15 @@ int ExportOptionsDialog::fps() const
     return chosen == kRecordedRate ? m_player.manager()->fps() : chosen;
 }
 
+QSize ExportOptionsDialog::pictureSize() const
+{
+    const int percent = m_sizes->currentData().toInt();
+    return percent == 100 ? QSize() : m_player.manager()->pictureSize() * (percent / 100.0);
+}
+
 void ExportOptionsDialog::accept()
 {
     QSettings().setValue(kRateKey, m_rates->currentData());
+    QSettings().setValue(kSizeKey, m_sizes->currentData());
     QDialog::accept();
 }

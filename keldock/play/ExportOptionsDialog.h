@@ -4,8 +4,7 @@
 
 class Player;
 class QComboBox;
-class QLabel;
-class SaveQualityPanel;
+class QLayout;
 
 /// Asks how to export a recording: format, quality, frames a second; and tells what of it is exported.
 class ExportOptionsDialog : public QDialog
@@ -17,13 +16,18 @@ public:
 
     /// Frames a second of the file.
     int fps() const;
+    /// Pixels of the file; empty for as many as were recorded.
+    QSize pictureSize() const;
 
 public slots:
     void accept() override;
 
 private:
-    void fillRates();
+    QLayout *createChoices();
+    QLayout *createButtons();
+    QString summary() const;
 
     const Player &m_player;
     QComboBox *m_rates = nullptr;
+    QComboBox *m_sizes = nullptr;
 };

@@ -44,11 +44,10 @@ SaveFileDialog::Kind RecordingExport::fileKind()
     return kind;
 }
 
-KelExportRequest RecordingExport::request(const QString &path, int fps) const
+KelExportRequest RecordingExport::request(const QString &path) const
 {
     KelExportRequest request;
     request.format = gKelMovieConfig.playbackEncodeFormat;
-    request.fps = fps;
     request.quality = KelMovieExportQuality();
     request.speed = m_player->speed();
     request.outputPath = path;
@@ -75,7 +74,10 @@ void RecordingExport::run()
     const QString path = SaveFileDialog::ask(m_window, fileKind(), name);
     if (path.isEmpty())
         return;
-    KelPlaybackExportDialog dialog(request(path, options.fps()), m_window);
+    KelExportRequest request = this->request(path);
+    request.fps = options.fps();
+    request.size = options.pictureSize();
+    KelPlaybackExportDialog dialog(request, m_window);
     if (dialog.exec() != QDialog::Accepted)
         return; // the dialog has told why
     emit exported(path);

@@ -33,7 +33,7 @@ signals:
 
 private:
     static SaveFileDialog::Kind fileKind();
-    KelExportRequest request(const QString &path, int fps) const;
+    KelExportRequest request(const QString &path) const;
 
     Player *const m_player;
     QWidget *const m_window;

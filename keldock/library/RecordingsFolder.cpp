@@ -21,17 +21,6 @@ QString videoPath(const QString &dir)
     return dir + QStringLiteral("/Screen/screen_record.mp4");
 }
 
-QDateTime lastWritten(const QString &dir)
-{
-    QDateTime latest;
-    for (const QString &path : {KelRecordingMetadata::filePath(dir), videoPath(dir)}) {
-        const QFileInfo file(path);
-        if (file.exists())
-            latest = latest.isValid() ? std::max(latest, file.lastModified()) : file.lastModified();
-    }
-    return latest;
-}
-
 } // namespace
 
 RecordingsFolder::RecordingsFolder(const QString &root)
@@ -70,11 +59,10 @@ QVector<RecordingsFolder::Entry> RecordingsFolder::recordings() const
 
 QStringList RecordingsFolder::leftovers(const QString &except) const
 {
-    const QDateTime quietSince = QDateTime::currentDateTime().addSecs(-kQuietSeconds);
     QStringList dirs;
     const QVector<Entry> entries = recordings();
     for (const Entry &entry : entries) {
-        if (entry.saved < quietSince && isUnfinished(entry.dir) && QDir(entry.dir) != QDir(except))
+        if (QDir(entry.dir) != QDir(except) && state(entry.dir) == State::Interrupted)
             dirs.append(entry.dir);
     }
     return dirs;
@@ -85,12 +73,26 @@ bool RecordingsFolder::holdsRecording(const QString &dir)
     return QFileInfo::exists(KelRecordingMetadata::filePath(dir)) || QFileInfo(videoPath(dir)).size() > 0;
 }
 
-bool RecordingsFolder::isUnfinished(const QString &dir)
+QDateTime RecordingsFolder::lastWritten(const QString &dir)
 {
-    if (!QFileInfo::exists(KelRecordingMetadata::filePath(dir)))
-        return QFileInfo(videoPath(dir)).size() > 0; // it died before its first second was over
+    QDateTime latest;
+    for (const QString &path : {KelRecordingMetadata::filePath(dir), videoPath(dir)}) {
+        const QFileInfo file(path);
+        if (file.exists())
+            latest = latest.isValid() ? std::max(latest, file.lastModified()) : file.lastModified();
+    }
+    return latest;
+}
+
+RecordingsFolder::State RecordingsFolder::state(const QString &dir)
+{
+    // Without metadata it died before its first second was over.
+    const bool hasMetadata = QFileInfo::exists(KelRecordingMetadata::filePath(dir));
     KelRecordingMetadata metadata;
-    return KelRecordingMetadata::load(dir, &metadata) && !metadata.complete;
+    if (hasMetadata && (!KelRecordingMetadata::load(dir, &metadata) || metadata.complete))
+        return State::Complete;
+    const bool isQuiet = lastWritten(dir).secsTo(QDateTime::currentDateTime()) > kQuietSeconds;
+    return isQuiet ? State::Interrupted : State::UnderWay;
 }
 
 bool RecordingsFolder::moveToTrash(const QString &dir)

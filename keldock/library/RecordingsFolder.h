@@ -13,6 +13,8 @@ class RecordingsFolder
     Q_DECLARE_TR_FUNCTIONS(RecordingsFolder)
 
 public:
+    enum class State { Complete, UnderWay, Interrupted };
+
     struct Entry {
         QString dir;     ///< absolute path
         QDateTime saved; ///< when the recording was last written to
@@ -33,14 +35,16 @@ public:
     /// The recordings, the newest first.
     QVector<Entry> recordings() const;
 
-    /// The recordings whose process died: neither completed nor written to for some seconds. `except` is being
-    /// recorded right now, possibly paused.
+    /// The recordings whose process died: the interrupted ones but for `except`, which is being recorded right now.
     QStringList leftovers(const QString &except = QString()) const;
 
     /// Whether a directory holds a recording, whole or not.
     static bool holdsRecording(const QString &dir);
-    /// Whether the recording was never completed. One that is under way is not, either.
-    static bool isUnfinished(const QString &dir);
+    /// When the recording was last written to; invalid when there is none.
+    static QDateTime lastWritten(const QString &dir);
+    /// By what is on disk: a recording that was not completed counts as interrupted when nothing has been written to it
+    /// for some seconds. One that is paused does, too.
+    static State state(const QString &dir);
 
     /// Moves a recording to the desktop's trash. False where that does not work.
     static bool moveToTrash(const QString &dir);

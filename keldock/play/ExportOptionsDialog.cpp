@@ -108,6 +108,7 @@ QLayout *ExportOptionsDialog::createButtons()
     auto *const row = new QHBoxLayout;
     const int margin = qRound(kMargin * KelStyleTheme::scaleOf(this));
     row->setContentsMargins(margin, 0, margin, margin);
+    row->setSpacing(margin / 2);
     row->addStretch();
     row->addWidget(cancel);
     row->addWidget(proceed);

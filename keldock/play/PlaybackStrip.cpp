@@ -1,7 +1,7 @@
 #include "play/PlaybackStrip.h"
 
 #include "play/Player.h"
-#include "play/StripButton.h"
+#include "widgets/StripButton.h"
 
 #include <KelMovie/PlayProgressBar.h>
 #include <KelMovie/PlaySpeedLabel.h>

@@ -4,14 +4,15 @@
 #include "notification/KelToastsMessage.h"
 #include "play/DirectoryWatch.h"
 #include "play/FullScreenControls.h"
-#include "play/MessagePage.h"
-#include "play/NoticeBar.h"
 #include "play/PlaybackCanvas.h"
 #include "play/PlaybackStrip.h"
 #include "play/Player.h"
 #include "play/RecordingExport.h"
 #include "play/SettingsSidebar.h"
-#include "style/KelStyleTheme.h"
+#include "widgets/DockStyle.h"
+#include "widgets/FileManager.h"
+#include "widgets/MessagePage.h"
+#include "widgets/NoticeBar.h"
 
 #include <KelMovie/KelMultiTrackRecorder.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
@@ -19,7 +20,6 @@
 
 #include <QBoxLayout>
 #include <QClipboard>
-#include <QDesktopServices>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -28,13 +28,6 @@
 #include <QSettings>
 #include <QShortcut>
 #include <QStackedWidget>
-#include <QUrl>
-
-// Must stand outside of every namespace. A static library's resources are not there by themselves.
-static void initResources()
-{
-    Q_INIT_RESOURCE(play);
-}
 
 namespace
 {
@@ -43,11 +36,6 @@ const QString kGeometryKey = QStringLiteral("PlaybackWindow/geometry");
 const QString kSettingsShownKey = QStringLiteral("PlaybackWindow/settingsShown");
 constexpr int kStepMs = 1000;
 constexpr double kShareOfScreen = 0.85;
-
-void openInFileManager(const QString &path)
-{
-    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
-}
 
 } // namespace
 
@@ -81,10 +69,9 @@ PlaybackWindow::PlaybackWindow(const QString &recordingDir, QWidget *parent)
     : QMainWindow(parent)
     , d(std::make_unique<Private>(recordingDir))
 {
-    initResources();
     setObjectName(QStringLiteral("PlaybackWindow"));
     setWindowTitle(QFileInfo(d->dir).fileName());
-    KelStyleTheme::instance()->appleStyleTo(this, {QStringLiteral(":/KelDock/PlaybackWindow")});
+    applyDockStyle(this, QStringLiteral("Window"));
     d->pages = new QStackedWidget(this);
     setCentralWidget(d->pages);
     createMessagePage();
@@ -133,10 +120,10 @@ void PlaybackWindow::load()
 
 void PlaybackWindow::createMessagePage()
 {
-    d->message = new MessagePage(this);
+    d->message = new MessagePage(KelDockIcon::Glyph::Warning, this);
     d->message->setObjectName(QStringLiteral("MessagePage"));
     d->message->addAction(tr("&Open Folder"), tr("Shows the files of the recording in the file manager"),
-                          [this] { openInFileManager(d->watch.exists() ? d->dir : QFileInfo(d->dir).path()); });
+                          [this] { showInFileManager(d->watch.exists() ? d->dir : QFileInfo(d->dir).path()); });
     d->message->addAction(tr("&Try Again"), tr("Loads the recording once more"), [this] { load(); });
     d->message->addAction(tr("&Close"), tr("Closes this window"), [this] { close(); });
     d->pages->addWidget(d->message);
@@ -171,8 +158,10 @@ void PlaybackWindow::createPlaybackPage()
     connect(d->exporter, &RecordingExport::exitRequested, this, &QWidget::close);
     connect(d->exporter, &RecordingExport::exported, this, [this](const QString &path) {
         const QFileInfo file(path);
-        d->notice->tell(tr("%1 was exported (%2).").arg(file.fileName(), locale().formattedDataSize(file.size())),
-                        tr("Open &Folder"), [folder = file.path()] { openInFileManager(folder); });
+        d->notice->tell(
+            tr("%1 was exported (%2).")
+                .arg(file.fileName(), locale().formattedDataSize(file.size(), 1, QLocale::DataSizeSIFormat)),
+            tr("Open &Folder"), [folder = file.path()] { showInFileManager(folder); });
     });
 
     auto *const upper = new QHBoxLayout;
@@ -246,7 +235,7 @@ void PlaybackWindow::savePicture()
     QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly) && picture.save(&file, "PNG") && file.commit()) {
         d->notice->tell(tr("%1 was saved.").arg(QFileInfo(path).fileName()), tr("Open &Folder"),
-                        [folder = QFileInfo(path).path()] { openInFileManager(folder); });
+                        [folder = QFileInfo(path).path()] { showInFileManager(folder); });
     } else {
         KelMsgBox::critical(this, tr("Save Picture"), tr("The picture cannot be saved."), file.errorString());
     }

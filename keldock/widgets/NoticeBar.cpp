@@ -1,6 +1,6 @@
-#include "play/NoticeBar.h"
+#include "widgets/NoticeBar.h"
 
-#include "play/StripButton.h"
+#include "widgets/StripButton.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

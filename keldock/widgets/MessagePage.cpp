@@ -1,4 +1,4 @@
-#include "play/MessagePage.h"
+#include "widgets/MessagePage.h"
 
 #include "dockicon/KelDockIcon.h"
 
@@ -23,13 +23,12 @@ QLabel *addLabel(QVBoxLayout *layout, const char *objectName)
 
 } // namespace
 
-MessagePage::MessagePage(QWidget *parent)
+MessagePage::MessagePage(KelDockIcon::Glyph glyph, QWidget *parent)
     : QWidget(parent)
 {
     auto *const layout = new QVBoxLayout(this);
     layout->addStretch(2);
-    KelDockIcon::family(); // loaded before the sheet names it
-    addLabel(layout, "MessageGlyph")->setText(KelDockIcon::text(KelDockIcon::Glyph::Warning));
+    addLabel(layout, "MessageGlyph")->setText(KelDockIcon::text(glyph));
     m_title = addLabel(layout, "MessageTitle");
     m_detail = addLabel(layout, "MessageDetail");
     m_detail->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dockicon/Glyph.h"
+
 #include <QWidget>
 
 #include <functional>
@@ -13,7 +15,7 @@ class MessagePage : public QWidget
     Q_OBJECT
 
 public:
-    explicit MessagePage(QWidget *parent = nullptr);
+    explicit MessagePage(KelDockIcon::Glyph glyph, QWidget *parent = nullptr);
 
     /// `detail` may be empty. Shown as plain text.
     void setMessage(const QString &title, const QString &detail);

@@ -1,0 +1,33 @@
+#include "library/LibraryReader.h"
+
+#include "cli/DirectorySize.h"
+#include "library/ThumbnailCache.h"
+
+#include <KelMovie/KelRecordingMetadata.h>
+
+#include <QFile>
+
+void LibraryReader::scan(const QString &root)
+{
+    emit scanned(RecordingsFolder(root).recordings());
+}
+
+void LibraryReader::read(const QString &dir)
+{
+    RecordingDetails details;
+    KelRecordingMetadata metadata;
+    KelRecordingMetadata::load(dir, &metadata);
+    details.durationMs = metadata.durationMs;
+    details.frames = metadata.actualRecordedFrames;
+    details.bytes = directorySize(dir);
+    details.state = RecordingsFolder::state(dir);
+    details.thumbnail = ThumbnailCache::find(dir);
+    emit detailsRead(dir, details);
+}
+
+void LibraryReader::takePicture(const QString &dir, const QString &pictureFile)
+{
+    const QImage thumbnail = ThumbnailCache::store(dir, pictureFile);
+    QFile::remove(pictureFile);
+    emit thumbnailMade(dir, thumbnail);
+}

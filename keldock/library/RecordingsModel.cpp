@@ -1,0 +1,248 @@
+#include "library/RecordingsModel.h"
+
+#include "cli/Units.h"
+#include "library/LibraryReader.h"
+#include "library/ThumbnailCache.h"
+
+#include <QFileInfo>
+#include <QLocale>
+#include <QSet>
+
+#include <algorithm>
+
+namespace
+{
+
+// What is asked for beyond that has been scrolled past: the first to be asked for is forgotten.
+constexpr int kMaxWanted = 64;
+
+using State = RecordingsFolder::State;
+
+} // namespace
+
+RecordingsModel::RecordingsModel(const QString &root, const QString &program, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_root(root)
+    , m_pictures(program)
+    , m_reader(new LibraryReader)
+{
+    qRegisterMetaType<RecordingDetails>();
+    qRegisterMetaType<QVector<RecordingsFolder::Entry>>();
+    m_reader->moveToThread(&m_thread);
+    connect(&m_thread, &QThread::finished, m_reader, &QObject::deleteLater);
+    connect(m_reader, &LibraryReader::scanned, this, &RecordingsModel::takeEntries);
+    connect(m_reader, &LibraryReader::detailsRead, this, &RecordingsModel::takeDetails);
+    connect(m_reader, &LibraryReader::thumbnailMade, this, &RecordingsModel::takeThumbnail);
+    connect(&m_pictures, &PictureProcess::finished, m_reader, &LibraryReader::takePicture);
+    m_thread.start(QThread::LowPriority);
+    QMetaObject::invokeMethod(m_reader, &ThumbnailCache::prune);
+    refresh();
+}
+
+RecordingsModel::~RecordingsModel()
+{
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void RecordingsModel::refresh()
+{
+    QMetaObject::invokeMethod(m_reader, [reader = m_reader, root = m_root] { reader->scan(root); });
+}
+
+void RecordingsModel::setActiveRecording(const QString &dir)
+{
+    const int before = rowOf(m_activeRecording);
+    m_activeRecording = dir;
+    for (const int row : {before, rowOf(dir)}) {
+        if (row >= 0) {
+            m_rows[row].isRead = false; // it has grown since
+            tellChanged(row);
+        }
+    }
+}
+
+int RecordingsModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : m_rows.size();
+}
+
+QVariant RecordingsModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid())
+        return QVariant();
+    const Row &row = m_rows.at(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return QFileInfo(row.entry.dir).fileName();
+    case Qt::ToolTipRole:
+        return row.entry.dir;
+    case Qt::AccessibleTextRole:
+        return description(row);
+    case DirRole:
+        return row.entry.dir;
+    case SavedRole:
+        return row.entry.saved;
+    case DetailsRole:
+        if (!row.isRead)
+            want(index.row());
+        return row.isRead ? QVariant::fromValue(row.details) : QVariant();
+    case StatusRole:
+        return status(row);
+    case ActiveRole:
+        return row.entry.dir == m_activeRecording;
+    default:
+        return QVariant();
+    }
+}
+
+Qt::ItemFlags RecordingsModel::flags(const QModelIndex &index) const
+{
+    return QAbstractListModel::flags(index) | Qt::ItemIsEditable | Qt::ItemNeverHasChildren;
+}
+
+bool RecordingsModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    const QString name = value.toString();
+    if (role != Qt::EditRole || name == data(index, Qt::EditRole).toString())
+        return false;
+    QString newDir;
+    QString error;
+    Row &row = m_rows[index.row()];
+    if (!RecordingsFolder::rename(row.entry.dir, name, &newDir, &error)) {
+        emit renameFailed(error);
+        return false;
+    }
+    row.entry.dir = newDir;
+    tellChanged(index.row());
+    return true;
+}
+
+/// Rows stay where they are unless something happened to their recordings, so that selection and place are kept.
+void RecordingsModel::takeEntries(const QVector<RecordingsFolder::Entry> &entries)
+{
+    QHash<QString, QDateTime> saved;
+    for (const auto &entry : entries)
+        saved.insert(entry.dir, entry.saved);
+    for (int i = m_rows.size() - 1; i >= 0; --i) {
+        const RecordingsFolder::Entry &entry = m_rows.at(i).entry;
+        if (saved.value(entry.dir) != entry.saved) {
+            beginRemoveRows(QModelIndex(), i, i);
+            m_rows.remove(i);
+            endRemoveRows();
+        }
+    }
+    if (m_rows.isEmpty() && !entries.isEmpty()) {
+        beginInsertRows(QModelIndex(), 0, entries.size() - 1);
+        for (const auto &entry : entries)
+            m_rows.append({entry, {}});
+        endInsertRows();
+    }
+    for (int i = 0; i < entries.size(); ++i) {
+        if (i < m_rows.size() && m_rows.at(i).entry.dir == entries.at(i).dir)
+            continue;
+        beginInsertRows(QModelIndex(), i, i);
+        m_rows.insert(i, {entries.at(i), {}});
+        endInsertRows();
+    }
+    m_isRead = true;
+    emit refreshed();
+}
+
+void RecordingsModel::takeDetails(const QString &dir, const RecordingDetails &details)
+{
+    m_isReading = false;
+    const int row = rowOf(dir);
+    if (row >= 0) {
+        m_rows[row].details = details;
+        m_rows[row].isRead = true;
+        m_rows[row].isWanted = false;
+        tellChanged(row);
+        const bool mayPicture = details.state != State::UnderWay && dir != m_activeRecording;
+        if (details.thumbnail.isNull() && mayPicture && !m_rows.at(row).hasTriedPicture) {
+            m_rows[row].hasTriedPicture = true;
+            m_pictureless.append(dir);
+            pictureNext();
+        }
+    }
+    readNext();
+}
+
+void RecordingsModel::takeThumbnail(const QString &dir, const QImage &thumbnail)
+{
+    const int row = rowOf(dir);
+    if (row >= 0 && !thumbnail.isNull()) {
+        m_rows[row].details.thumbnail = thumbnail;
+        tellChanged(row);
+    }
+    pictureNext();
+}
+
+void RecordingsModel::want(int row) const
+{
+    if (m_rows.at(row).isWanted)
+        return;
+    m_rows[row].isWanted = true;
+    m_wanted.append(m_rows.at(row).entry.dir);
+    if (m_wanted.size() > kMaxWanted) {
+        const int forgotten = rowOf(m_wanted.takeFirst());
+        if (forgotten >= 0)
+            m_rows[forgotten].isWanted = false;
+    }
+    QMetaObject::invokeMethod(const_cast<RecordingsModel *>(this), &RecordingsModel::readNext, Qt::QueuedConnection);
+}
+
+void RecordingsModel::readNext()
+{
+    if (m_isReading || m_wanted.isEmpty())
+        return;
+    m_isReading = true;
+    QMetaObject::invokeMethod(m_reader, [reader = m_reader, dir = m_wanted.takeFirst()] { reader->read(dir); });
+}
+
+void RecordingsModel::pictureNext()
+{
+    if (m_pictures.isBusy())
+        return;
+    while (!m_pictureless.isEmpty()) {
+        const int row = rowOf(m_pictureless.takeLast()); // what was looked at last is what is seen now
+        if (row >= 0) {
+            // Well within: at its beginning there is often nothing yet.
+            m_pictures.start(m_rows.at(row).entry.dir, m_rows.at(row).details.frames / 3);
+            return;
+        }
+    }
+}
+
+int RecordingsModel::rowOf(const QString &dir) const
+{
+    const auto found =
+        std::find_if(m_rows.cbegin(), m_rows.cend(), [&](const Row &row) { return row.entry.dir == dir; });
+    return found == m_rows.cend() ? -1 : int(found - m_rows.cbegin());
+}
+
+void RecordingsModel::tellChanged(int row)
+{
+    emit dataChanged(index(row), index(row));
+}
+
+QString RecordingsModel::status(const Row &row) const
+{
+    if (row.entry.dir == m_activeRecording)
+        return tr("Being recorded");
+    if (!row.isRead || row.details.state == State::Complete)
+        return QString();
+    return row.details.state == State::Interrupted ? tr("Recovered after a crash") : tr("Being recorded");
+}
+
+QString RecordingsModel::description(const Row &row) const
+{
+    QStringList parts{QFileInfo(row.entry.dir).fileName(), QLocale().toString(row.entry.saved, QLocale::ShortFormat)};
+    if (row.isRead)
+        parts << Units::clock(row.details.durationMs) << Units::bytes(row.details.bytes);
+    const QString particular = status(row);
+    if (!particular.isEmpty())
+        parts << particular;
+    return parts.join(QStringLiteral(", "));
+}

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QString>
+
+/// Shows a folder in the desktop's file manager.
+void showInFileManager(const QString &folder);

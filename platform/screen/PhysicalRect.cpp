@@ -21,6 +21,17 @@ ScreenScale screenScale(const QRect &rect)
     return best ? ScreenScale{best->geometry().topLeft(), best->devicePixelRatio()} : ScreenScale{};
 }
 
+QRect logicalRect(const QRect &physical)
+{
+    for (const QScreen *screen : QGuiApplication::screens()) {
+        const ScreenScale scale{screen->geometry().topLeft(), screen->devicePixelRatio()};
+        const QRect pixels(scale.origin, screen->geometry().size() * scale.ratio);
+        if (pixels.contains(physical.center()))
+            return QRect(scale.toLogical(physical.topLeft()), physical.size() / scale.ratio);
+    }
+    return {};
+}
+
 QRect physicalRect(const QRect &rect)
 {
     return physicalRect(rect, screenScale(rect));

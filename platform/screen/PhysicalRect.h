@@ -22,3 +22,6 @@ QRect physicalRect(const QRect &rect);
 /// The same for a given scale. Width and height are rounded one by one, half away from zero, so that a size does not
 /// depend on the position.
 QRect physicalRect(const QRect &rect, const ScreenScale &scale);
+
+/// The logical pixels of the desktop that `physical` covers; empty when its centre is on no screen. GUI thread.
+QRect logicalRect(const QRect &physical);

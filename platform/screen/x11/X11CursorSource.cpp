@@ -1,29 +1,17 @@
 #include "screen/x11/X11CursorSource.h"
 
-#include <QCryptographicHash>
+#include "screen/CursorShape.h"
+
 #include <QImage>
 #include <QtDebug>
 
 #include <algorithm>
-#include <cstring>
 
 namespace
 {
 
 // An animated pointer has a shape for each of its pictures; more than this many are a program that makes ever new ones.
 constexpr int maxShapes = 64;
-
-// 64 bits of the digest tell the few shapes of a recording apart and keep its files short.
-constexpr int typeBytes = 8;
-
-QByteArray typeOf(const QImage &image, const QPoint &hotspot)
-{
-    const qint32 header[] = {image.width(), image.height(), hotspot.x(), hotspot.y()};
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    hash.addData(reinterpret_cast<const char *>(header), sizeof header);
-    hash.addData(reinterpret_cast<const char *>(image.constBits()), int(image.sizeInBytes()));
-    return hash.result().left(typeBytes).toHex();
-}
 
 /// A client may have sent colours that are stronger than their opacity, which premultiplied pixels cannot be.
 QRgb premultiplied(uint32_t pixel)
@@ -37,13 +25,10 @@ KelCursorShape shapeOf(const xcb_xfixes_get_cursor_image_reply_t *reply, double 
     const uint32_t *pixels = xcb_xfixes_get_cursor_image_cursor_image(reply);
     const int count = xcb_xfixes_get_cursor_image_cursor_image_length(reply);
     QImage image(reply->width, reply->height, QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull() || count != reply->width * reply->height ||
-        std::none_of(pixels, pixels + count, [](uint32_t pixel) { return qAlpha(pixel) > 0; }))
+    if (image.isNull() || count != reply->width * reply->height)
         return {};
     std::transform(pixels, pixels + count, reinterpret_cast<QRgb *>(image.bits()), premultiplied);
-    image.setDevicePixelRatio(ratio);
-    const QPoint hotspot(reply->xhot, reply->yhot);
-    return {QString::fromLatin1(typeOf(image, hotspot)), QPixmap::fromImage(image), hotspot};
+    return cursorShape(image, {reply->xhot, reply->yhot}, ratio);
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 #include "screen/x11/X11ScreenStreamer.h"
 
+#include "screen/OpaqueCopy.h"
+
 #include <QDebug>
 
-#include <algorithm>
 #include <utility>
 
 namespace
@@ -12,19 +13,6 @@ namespace
 constexpr int maxRects = 128;
 
 constexpr QImage::Format frameFormat = QImage::Format_ARGB32_Premultiplied;
-
-/// The server leaves the highest byte of a pixel empty.
-void copyOpaque(const QImage &from, const QPoint &to, QImage &image)
-{
-    const std::size_t stride = std::size_t(image.bytesPerLine()) / sizeof(QRgb);
-    QRgb *target = reinterpret_cast<QRgb *>(image.bits()) + std::size_t(to.y()) * stride + to.x();
-    const int width = from.width();
-    const int height = from.height();
-    for (int y = 0; y < height; ++y, target += stride) {
-        const QRgb *source = reinterpret_cast<const QRgb *>(from.constScanLine(y));
-        std::transform(source, source + width, target, [](QRgb pixel) { return pixel | 0xff000000u; });
-    }
-}
 
 } // namespace
 

@@ -3,9 +3,6 @@
 #include "screen/PhysicalRect.h"
 #include "screen/x11/XcbConnection.h"
 
-#include <QGuiApplication>
-#include <QScreen>
-
 #include <string_view>
 #include <vector>
 
@@ -41,17 +38,6 @@ std::vector<xcb_window_t> children(XcbConnection &connection, xcb_window_t windo
         return {};
     const xcb_window_t *const first = xcb_query_tree_children(reply.get());
     return {first, first + xcb_query_tree_children_length(reply.get())};
-}
-
-QRect logicalRect(const QRect &physical)
-{
-    for (const QScreen *screen : QGuiApplication::screens()) {
-        const ScreenScale scale{screen->geometry().topLeft(), screen->devicePixelRatio()};
-        const QRect pixels(scale.origin, screen->geometry().size() * scale.ratio);
-        if (pixels.contains(physical.center()))
-            return QRect(scale.toLogical(physical.topLeft()), physical.size() / scale.ratio);
-    }
-    return {};
 }
 
 } // namespace

@@ -1,0 +1,177 @@
+#include "keymouse/windows/InputHooks.h"
+
+#include "keymouse/windows/InputQueue.h"
+
+#include <qt_windows.h>
+
+#include <QDebug>
+
+#include <chrono>
+
+namespace
+{
+
+constexpr std::chrono::seconds requestLimit{2};
+constexpr DWORD lookAfterMs = 1000;
+
+// Of the thread that the hooks are installed by, which Windows calls them on.
+thread_local InputQueue *t_queue = nullptr;
+thread_local DWORD t_lastEventTime = 0;
+thread_local bool t_isFull = false;
+
+void push(const WindowsInputEvent &event)
+{
+    const bool pushed = t_queue->push(event);
+    if (!pushed && !t_isFull)
+        qWarning("[KelKeyMouseHook] events are lost: a callback does not keep up");
+    t_isFull = !pushed;
+}
+
+LRESULT CALLBACK onKey(int code, WPARAM message, LPARAM data)
+{
+    if (code == HC_ACTION) {
+        WindowsInputEvent event{};
+        event.isKey = true;
+        event.message = UINT(message);
+        event.key = *reinterpret_cast<const KBDLLHOOKSTRUCT *>(data);
+        event.layout = GetKeyboardLayout(GetWindowThreadProcessId(GetForegroundWindow(), nullptr));
+        t_lastEventTime = GetTickCount();
+        push(event);
+    }
+    return CallNextHookEx(nullptr, code, message, data);
+}
+
+LRESULT CALLBACK onMouse(int code, WPARAM message, LPARAM data)
+{
+    if (code == HC_ACTION) {
+        t_lastEventTime = GetTickCount();
+        if (message != WM_MOUSEMOVE) {
+            WindowsInputEvent event{};
+            event.message = UINT(message);
+            event.mouse = *reinterpret_cast<const MSLLHOOKSTRUCT *>(data);
+            push(event);
+        }
+    }
+    return CallNextHookEx(nullptr, code, message, data);
+}
+
+} // namespace
+
+/// One hook; belongs to the hooks' thread.
+class InputHooks::Hook
+{
+public:
+    Hook(int kind, HOOKPROC procedure)
+        : m_kind(kind)
+        , m_procedure(procedure)
+    {
+    }
+    ~Hook() { set(false); }
+    Hook(const Hook &) = delete;
+    Hook &operator=(const Hook &) = delete;
+
+    bool isSet() const { return m_hook != nullptr; }
+
+    /// False when Windows refuses.
+    bool set(bool wanted)
+    {
+        if (!wanted && m_hook) {
+            UnhookWindowsHookEx(m_hook);
+            m_hook = nullptr;
+        } else if (wanted && !m_hook) {
+            m_hook = SetWindowsHookExW(m_kind, m_procedure, GetModuleHandleW(nullptr), 0);
+        }
+        return isSet() == wanted;
+    }
+
+    /// No event can come twice, nor between the two: Windows delivers it when the thread looks for messages.
+    void renew()
+    {
+        const HHOOK old = m_hook;
+        m_hook = SetWindowsHookExW(m_kind, m_procedure, GetModuleHandleW(nullptr), 0);
+        UnhookWindowsHookEx(old);
+    }
+
+private:
+    const int m_kind;
+    const HOOKPROC m_procedure;
+    HHOOK m_hook = nullptr;
+};
+
+InputHooks::InputHooks(InputQueue &queue)
+    : m_queue(queue)
+    , m_wake(CreateEventW(nullptr, FALSE, FALSE, nullptr))
+    , m_thread(&InputHooks::run, this)
+{
+}
+
+InputHooks::~InputHooks()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_quit = true;
+    }
+    SetEvent(m_wake);
+    m_thread.join();
+    CloseHandle(m_wake);
+}
+
+bool InputHooks::setHooked(bool keys, bool mouse)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_wantsKeys = keys;
+    m_wantsMouse = mouse;
+    const unsigned request = ++m_requested;
+    SetEvent(m_wake);
+    m_changed.wait_for(lock, requestLimit, [&] { return int(m_served - request) >= 0; });
+    return m_error.isEmpty();
+}
+
+QString InputHooks::errorString() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_error;
+}
+
+void InputHooks::run()
+{
+    t_queue = &m_queue;
+    Hook keys(WH_KEYBOARD_LL, onKey);
+    Hook mouse(WH_MOUSE_LL, onMouse);
+    for (;;) {
+        const bool hooked = keys.isSet() || mouse.isSet();
+        const DWORD woken =
+            MsgWaitForMultipleObjectsEx(1, &m_wake, hooked ? lookAfterMs : INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) // calls the hooks, too
+            DispatchMessageW(&message);
+        if (woken == WAIT_OBJECT_0) {
+            {
+                const std::lock_guard<std::mutex> lock(m_mutex);
+                if (m_quit)
+                    return;
+            }
+            apply(keys, mouse);
+        } else if (woken == WAIT_TIMEOUT) {
+            LASTINPUTINFO input{sizeof input, 0};
+            if (!GetLastInputInfo(&input) || int(input.dwTime - t_lastEventTime) <= int(lookAfterMs))
+                continue;
+            t_lastEventTime = input.dwTime; // what a hook for keys alone does not hear is the mouse's
+            if (keys.isSet())
+                keys.renew();
+            if (mouse.isSet())
+                mouse.renew();
+        }
+    }
+}
+
+void InputHooks::apply(Hook &keys, Hook &mouse)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    t_lastEventTime = GetTickCount();
+    m_error.clear();
+    if (!keys.set(m_wantsKeys) || !mouse.set(m_wantsMouse))
+        m_error = QStringLiteral("Windows installs no hook (error %1)").arg(GetLastError());
+    m_served = m_requested;
+    m_changed.notify_all();
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "keymouse/KeyMouseEventSource.h"
+
+#include <memory>
+#include <mutex>
+#include <thread>
+
+/// Input of the Windows desktop. While somebody wants events there are two threads: one for the hooks and one for the
+/// callbacks.
+class WindowsEventSource final : public KeyMouseEventSource
+{
+public:
+    explicit WindowsEventSource(KeyMouseEventSink &sink);
+    ~WindowsEventSource() override;
+
+    void update() override;
+
+private:
+    struct Session;
+
+    void endSession();
+    void deliverEvents();
+
+    KeyMouseEventSink &m_sink;
+    std::mutex m_mutex;                 // guards what follows; taken before the sink's
+    std::shared_ptr<Session> m_session; // null while nobody wants events
+    std::thread m_delivery;
+    bool m_isDelivering = false; // false once that thread has decided to end
+    bool m_warned = false;
+};

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "keymouse/GlobalShortcutGrabber.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QHash>
+
+/// Registers hot keys, whose messages come to the GUI thread.
+class WindowsShortcutGrabber final : public GlobalShortcutGrabber, public QAbstractNativeEventFilter
+{
+    Q_OBJECT
+
+public:
+    WindowsShortcutGrabber();
+    ~WindowsShortcutGrabber() override;
+
+    QString grab(int combination) override;
+    void release(int combination) override;
+
+    bool nativeEventFilter(const QByteArray &type, void *message, long *result) override;
+
+private:
+    QHash<int, int> m_combinations; // by the number of the hot key
+    int m_lastNumber = 0;
+};

@@ -1,0 +1,97 @@
+#include "screen/windows/GdiDesktopReader.h"
+
+#include "screen/windows/PictureChanges.h"
+#include "screen/windows/VirtualScreen.h"
+
+#include <windows.h>
+
+#include <utility>
+
+/// Pixels that both GDI and we can reach.
+class GdiDesktopReader::Bitmap
+{
+public:
+    explicit Bitmap(const QSize &size)
+        : m_context(CreateCompatibleDC(nullptr))
+    {
+        BITMAPINFO info{};
+        info.bmiHeader.biSize = sizeof info.bmiHeader;
+        info.bmiHeader.biWidth = size.width();
+        info.bmiHeader.biHeight = -size.height(); // the first line is the top one
+        info.bmiHeader.biPlanes = 1;
+        info.bmiHeader.biBitCount = 32;
+        info.bmiHeader.biCompression = BI_RGB;
+        void *bits = nullptr;
+        m_bitmap = CreateDIBSection(m_context, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+        if (!m_bitmap)
+            return;
+        m_original = SelectObject(m_context, m_bitmap);
+        m_image = QImage(static_cast<uchar *>(bits), size.width(), size.height(), QImage::Format_RGB32);
+    }
+    ~Bitmap()
+    {
+        if (m_bitmap)
+            SelectObject(m_context, m_original);
+        DeleteObject(m_bitmap);
+        DeleteDC(m_context);
+    }
+    Bitmap(const Bitmap &) = delete;
+    Bitmap &operator=(const Bitmap &) = delete;
+
+    const QImage &image() const { return m_image; }
+    void clear() { m_image.fill(Qt::black); }
+
+    /// Reads `source` of the desktop to the place `to`. False when Windows refuses.
+    bool read(const QRect &source, const QPoint &to)
+    {
+        // The desktop's context belongs to the thread that asks for it, so each reading asks anew.
+        HDC desktop = GetDC(nullptr);
+        const bool done = desktop && BitBlt(m_context, to.x(), to.y(), source.width(), source.height(), desktop,
+                                            source.x(), source.y(), SRCCOPY);
+        GdiFlush(); // GDI may draw later than it says
+        ReleaseDC(nullptr, desktop);
+        return done;
+    }
+
+private:
+    HDC m_context;
+    HBITMAP m_bitmap = nullptr;
+    HGDIOBJ m_original = nullptr;
+    QImage m_image;
+};
+
+GdiDesktopReader::GdiDesktopReader(const QRect &rect)
+    : m_rect(rect)
+    , m_now(std::make_unique<Bitmap>(rect.size()))
+    , m_before(std::make_unique<Bitmap>(rect.size()))
+{
+}
+
+GdiDesktopReader::~GdiDesktopReader() = default;
+
+DesktopReader::Update GdiDesktopReader::update()
+{
+    if (m_now->image().isNull() || m_before->image().isNull())
+        return {State::Unusable, {}};
+    const QRect visible = m_rect & virtualScreen();
+    if (visible != m_visible) {
+        m_visible = visible;
+        m_hasPicture = false;
+        m_now->clear();
+        m_before->clear();
+    }
+    std::swap(m_now, m_before);
+    if (!visible.isEmpty() && !m_now->read(visible, visible.topLeft() - m_rect.topLeft())) {
+        std::swap(m_now, m_before);
+        return {State::NotNow, {}};
+    }
+    if (!std::exchange(m_hasPicture, true))
+        return {State::Ready, QRect(QPoint(), m_rect.size())};
+    return {State::Ready, changedRegion(m_before->image(), m_now->image())};
+}
+
+const QImage &GdiDesktopReader::picture() const
+{
+    static const QImage none;
+    return m_hasPicture ? m_now->image() : none;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "screen/KelCursorSource.h"
+#include "screen/PhysicalRect.h"
+
+#include <QElapsedTimer>
+#include <QVector>
+
+#include <mutex>
+
+#include <windows.h>
+
+/// The pointer of the desktop.
+class WindowsCursorSource final : public KelCursorSource
+{
+public:
+    explicit WindowsCursorSource(const ScreenScale &scale);
+
+    KelCursorPixmap read() override;
+
+private:
+    struct Frame {
+        KelCursorShape shape;
+        qint64 endMs; // since the pointer was first seen
+    };
+
+    void load(HCURSOR cursor);
+    const KelCursorShape &currentShape() const;
+
+    const ScreenScale m_scale;
+    std::mutex m_mutex; // guards what follows
+    HCURSOR m_cursor = nullptr;
+    QVector<Frame> m_frames; // of that cursor; one unless it is animated
+    QElapsedTimer m_sinceSeen;
+};

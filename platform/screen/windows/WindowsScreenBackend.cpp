@@ -1,0 +1,52 @@
+#include "screen/windows/WindowsScreenBackend.h"
+
+#include "screen/FailedScreenStreamer.h"
+#include "screen/NativeScreenBackend.h"
+#include "screen/PhysicalRect.h"
+#include "screen/windows/DuplicationDesktopReader.h"
+#include "screen/windows/GdiDesktopReader.h"
+#include "screen/windows/VirtualScreen.h"
+#include "screen/windows/WindowsCursorSource.h"
+#include "screen/windows/WindowsScreenStreamer.h"
+
+namespace
+{
+
+// Pictures that a graphics adapter can hold.
+constexpr int largestLength = 16384;
+
+} // namespace
+
+std::unique_ptr<KelScreenBackend> createNativeScreenBackend()
+{
+    return std::make_unique<WindowsScreenBackend>();
+}
+
+QString WindowsScreenBackend::errorString() const
+{
+    return virtualScreen().isEmpty() ? QStringLiteral("The screen cannot be captured: there is no desktop.")
+                                     : QString();
+}
+
+std::unique_ptr<KelScreenStreamer> WindowsScreenBackend::createStreamer(const QRect &rect)
+{
+    const QRect physical = physicalRect(rect);
+    QString error = errorString();
+    if (physical.isEmpty())
+        error = QStringLiteral("The screen cannot be captured: the rectangle is empty.");
+    else if (physical.width() > largestLength || physical.height() > largestLength)
+        error = QStringLiteral("The screen cannot be captured: the rectangle (%1 x %2) is larger than any screen.")
+                    .arg(physical.width())
+                    .arg(physical.height());
+    if (!error.isEmpty())
+        return std::make_unique<FailedScreenStreamer>(error);
+    WindowsScreenStreamer::Readers readers;
+    readers.push_back(std::make_unique<DuplicationDesktopReader>(physical));
+    readers.push_back(std::make_unique<GdiDesktopReader>(physical));
+    return std::make_unique<WindowsScreenStreamer>(std::move(readers));
+}
+
+std::unique_ptr<KelCursorSource> WindowsScreenBackend::createCursorSource(const QRect &rect)
+{
+    return std::make_unique<WindowsCursorSource>(screenScale(rect));
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "screen/KelScreenManager.h"
+
+/// Captures the desktop that the user sees and its pointer.
+class WindowsScreenBackend final : public KelScreenBackend
+{
+public:
+    QString errorString() const override;
+    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override;
+    std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect) override;
+};

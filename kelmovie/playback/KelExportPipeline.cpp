@@ -156,8 +156,7 @@ bool KelExportPipeline::Private::exportFrames(const QString &path)
             return;
         if (!cancelled)
             manager->setExporting(false);
-        manager->resetExportedTime();
-        manager->seek(savedFrame);
+        manager->endExport(savedFrame);
     });
     return encodeRange(path) && checkWritten(path);
 }
@@ -179,7 +178,7 @@ bool KelExportPipeline::Private::encodeRange(const QString &path)
     if (!encoder || !encoder->isValid())
         return fail("Failed to create encoder", encoder ? encoder->errorString() : QString());
     manager->setExporting(true);
-    manager->setExportedTime(request.speed, map.isRange() ? map.firstFrame() : -1, map.lastFrame());
+    manager->beginExport(request.speed, map.isRange() ? map.firstFrame() : -1, map.lastFrame());
     if (encodeFrames(*encoder, map, image) && closeEncoder(*encoder, map.outputFrames()))
         return true;
     encoder->abort();

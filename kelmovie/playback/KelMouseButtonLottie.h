@@ -30,6 +30,8 @@ public:
     /// Length of the effect of a press; none of the effects adapts to the press yet.
     virtual int frameCount(int endFrame, bool isLongPress) const;
     virtual bool effectFlag() const { return true; }
+    /// False: paint() never draws anything.
+    bool isDrawn() const { return mLottie != nullptr; }
     /// Paints `frame` into `target`, in the painter's coordinates. `button` is 0 left, 1 right, 2 middle.
     virtual void paint(QPainter *painter, int frame, const QRectF &target, int button) = 0;
 

@@ -34,6 +34,23 @@ void KelPlaybackCountdownTrack::seekToFrame(int frame)
     m_currentFrame = frame;
 }
 
+bool KelPlaybackCountdownTrack::moveToFrame(int frame)
+{
+    const QString before = look();
+    seekToFrame(frame);
+    return look() != before;
+}
+
+/// All that the frame decides of the picture.
+QString KelPlaybackCountdownTrack::look() const
+{
+    if (!m_isEnabled || m_totalFrames == 0)
+        return {};
+    if (m_displayMode == ProgressBar)
+        return QString::number(playedWidth());
+    return m_displayMode == TimeBox && m_fps > 0 ? timeText() : QString();
+}
+
 int KelPlaybackCountdownTrack::nextKeyFrame()
 {
     return m_currentFrame;
@@ -69,20 +86,21 @@ void KelPlaybackCountdownTrack::paint(QPainter *painter)
     painter->restore();
 }
 
-double KelPlaybackCountdownTrack::playedShare() const
+/// Of the bar, in pixels.
+int KelPlaybackCountdownTrack::playedWidth() const
 {
     qint64 frame = m_currentFrame;
     const qint64 step = std::max<qint64>(1, qint64(m_barStepMs) * m_fps / 1000);
     if (frame < m_totalFrames - 1)
         frame -= frame % step;
-    return std::clamp(double(frame) / m_totalFrames, 0.0, 1.0);
+    return int(m_area.width() * std::clamp(double(frame) / m_totalFrames, 0.0, 1.0));
 }
 
 void KelPlaybackCountdownTrack::paintBar(QPainter &painter) const
 {
     const QRect bar(0, m_area.height() - m_barHeight, m_area.width(), m_barHeight);
     QRect played = bar;
-    played.setWidth(int(m_area.width() * playedShare()));
+    played.setWidth(playedWidth());
 
     painter.setPen(Qt::NoPen);
     painter.setRenderHint(QPainter::Antialiasing, m_cornerRadius > 0);

@@ -17,6 +17,7 @@ public:
     KelPlaybackCountdownTrack(const QString &directory, KelPlaybackTrackManager *manager);
 
     void seekToFrame(int frame) override;
+    bool moveToFrame(int frame) override;
     void paint(QPainter *painter) override;
     int nextKeyFrame() override;
     bool isVisible() override;
@@ -53,8 +54,9 @@ public:
 private:
     void paintBar(QPainter &painter) const;
     void paintTimeBox(QPainter &painter) const;
-    double playedShare() const;
+    int playedWidth() const;
     QString timeText() const;
+    QString look() const;
 
     bool m_isEnabled = true;
     bool m_isPlaying = false;

@@ -7,6 +7,8 @@
 #include <QDebug>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -56,25 +58,59 @@ void KelPlaybackKeyboardTrack::seekToFrame(int frame)
     m_entry = frame == 0 ? -1 : m_list.indexAt(frame);
 }
 
+bool KelPlaybackKeyboardTrack::moveToFrame(int frame)
+{
+    const int entry = m_entry;
+    const Shown before = shown();
+    seekToFrame(frame);
+    return m_entry != entry && !shown().looksLike(before);
+}
+
+bool KelPlaybackKeyboardTrack::Shown::looksLike(const Shown &other) const
+{
+    const auto isAlike = [](const KeyDisplayItem *a, const KeyDisplayItem *b) {
+        return a == b || (a && b && a->type == b->type && a->count == b->count && a->text == b->text);
+    };
+    return isAlike(current, other.current) &&
+           std::equal(past.begin(), past.end(), other.past.begin(), other.past.end(), isAlike);
+}
+
+KelPlaybackKeyboardTrack::Shown KelPlaybackKeyboardTrack::shown() const
+{
+    Shown shown;
+    if (m_entry < 0 || !m_style.enabled)
+        return shown;
+    const auto isShown = [this](const KeyDisplayItem &item) { return (item.type & m_style.showKeyType) != 0; };
+    const KeyDisplayEntry &entry = m_list.entries[size_t(m_entry)];
+    if (isShown(entry.current))
+        shown.current = &entry.current;
+    for (int i = entry.historyEnd - 1; i >= entry.historyBegin; --i) {
+        if (isShown(m_list.past[size_t(i)]))
+            shown.past.push_back(&m_list.past[size_t(i)]);
+    }
+    return shown;
+}
+
 void KelPlaybackKeyboardTrack::paint(QPainter *painter)
 {
-    if (!painter || m_entry < 0 || !isVisible())
+    if (!painter)
         return;
-    const KeyDisplayEntry &entry = m_list.entries[size_t(m_entry)];
     const KeyBoxLayout::Frame canvas{m_canvas, m_scale};
     double offset = 0.0;
     // False when there is no room for it and what lies above.
     const auto paintItem = [&](const KeyDisplayItem &item, bool isCurrent) {
-        if ((item.type & m_style.showKeyType) == 0)
-            return true;
         const KeyBoxLayout layout(item, m_style, canvas, offset, isCurrent);
         paintKeyBox(*painter, layout, m_style);
         offset = layout.nextOffset();
         return !layout.isEmpty();
     };
-    bool isRoomLeft = paintItem(entry.current, true);
-    for (int i = entry.historyEnd - 1; isRoomLeft && i >= entry.historyBegin; --i)
-        isRoomLeft = paintItem(m_list.past[size_t(i)], false);
+    const Shown items = shown();
+    if (items.current && !paintItem(*items.current, true))
+        return;
+    for (const KeyDisplayItem *item : items.past) {
+        if (!paintItem(*item, false))
+            return;
+    }
 }
 
 int KelPlaybackKeyboardTrack::nextKeyFrame()

@@ -7,6 +7,8 @@
 
 #include <QSize>
 
+#include <vector>
+
 /// Shows typed keys over the picture: what is being typed and a short history of it, as boxes stacked upwards from the
 /// bottom edge.
 class KelPlaybackKeyboardTrack : public KelPlaybackTrack
@@ -27,6 +29,7 @@ public:
 
     /// Frame 0 shows nothing.
     void seekToFrame(int frame) override;
+    bool moveToFrame(int frame) override;
     void paint(QPainter *painter) override;
     /// The next frame at which something is displayed, -1 also when nothing is shown now.
     int nextKeyFrame() override;
@@ -35,7 +38,16 @@ public:
     void resetHistory();
 
 private:
+    /// What paint() draws, bottom to top.
+    struct Shown {
+        const KeyDisplayItem *current = nullptr; // null: none
+        std::vector<const KeyDisplayItem *> past;
+
+        bool looksLike(const Shown &other) const;
+    };
+
     void build();
+    Shown shown() const;
 
     KeyRecording m_recording;
     const int m_totalFrames;

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace
 {
@@ -20,6 +21,32 @@ constexpr int kShortSteps = 24; // of an effect that nobody holds
 constexpr double kEffectSide = 64.0;
 constexpr double kMaxEffectScale = 64.0;
 
+/// What is drawn of an effect.
+struct ShownEffect {
+    bool isWheel = false;
+    int frame = 0; // of the animation
+    QRectF target;
+    int variant = 0; // the button, or the direction of the wheel
+
+    bool operator==(const ShownEffect &other) const
+    {
+        return isWheel == other.isWheel && frame == other.frame && target == other.target && variant == other.variant;
+    }
+};
+
+/// What is drawn of the whole layer.
+struct ShownPointer {
+    const CursorImages::Cursor *cursor = nullptr; // null: nothing at all
+    QPoint position;
+    double scale = 1.0;
+    std::vector<ShownEffect> effects;
+
+    bool operator==(const ShownPointer &other) const
+    {
+        return cursor == other.cursor && position == other.position && scale == other.scale && effects == other.effects;
+    }
+};
+
 } // namespace
 
 class KelPlaybackMouseTrack::Private
@@ -27,9 +54,10 @@ class KelPlaybackMouseTrack::Private
 public:
     bool load(const QString &dir);
     void movePointer(int frame);
-    void paintCursor(QPainter &painter) const;
-    void paintEffects(QPainter &painter, bool ofWheel) const;
-    void paintEffect(QPainter &painter, const ActiveMouseEffect &effect) const;
+    ShownPointer shown() const;
+    ShownEffect shown(const ActiveMouseEffect &effect) const;
+    void paintCursor(QPainter &painter, const ShownPointer &pointer) const;
+    void paintEffects(QPainter &painter, const ShownPointer &pointer, bool ofWheel) const;
 
     PointerList moves;
     CursorImages cursors;
@@ -75,42 +103,57 @@ void KelPlaybackMouseTrack::Private::movePointer(int frame)
         qWarning() << "Cursor type not found:" << id;
 }
 
-void KelPlaybackMouseTrack::Private::paintCursor(QPainter &painter) const
+ShownPointer KelPlaybackMouseTrack::Private::shown() const
 {
-    painter.save();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    const double scale = clicks.pointerScale();
-    if (scale != 1.0) {
-        painter.translate(position);
-        painter.scale(scale, scale);
-        painter.translate(-position);
-    }
-    painter.drawPixmap(position - cursor->hotspot, cursor->image);
-    painter.restore();
-}
-
-void KelPlaybackMouseTrack::Private::paintEffects(QPainter &painter, bool ofWheel) const
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
+    if (!isEnabled || !cursor)
+        return {};
+    ShownPointer pointer{cursor, position, clicks.pointerScale(), {}};
     for (const ActiveMouseEffect &effect : clicks.effects()) {
-        if (effect.isWheel == ofWheel && effect.remaining > 0)
-            paintEffect(painter, effect);
+        const bool isDrawn =
+            effect.isWheel ? clicks.wheelEffect() != nullptr : clicks.clickEffect() && clicks.clickEffect()->isDrawn();
+        if (isDrawn && effect.remaining > 0)
+            pointer.effects.push_back(shown(effect));
     }
-    painter.restore();
+    return pointer;
 }
 
-void KelPlaybackMouseTrack::Private::paintEffect(QPainter &painter, const ActiveMouseEffect &effect) const
+ShownEffect KelPlaybackMouseTrack::Private::shown(const ActiveMouseEffect &effect) const
 {
     const int frame = effect.isLong ? std::min(effect.total - 1, effect.current)
                                     : std::min(kShortSteps - effect.remaining, kShortSteps - 1);
     const int side = int(effectScale * kEffectSide);
     QRectF target(0, 0, side, side);
     target.moveCenter(effect.isLong ? position : effect.position);
-    if (effect.isWheel && clicks.wheelEffect())
-        clicks.wheelEffect()->paint(&painter, std::max(0, frame), target, effect.delta < 1 ? 1 : 0);
-    else if (!effect.isWheel && clicks.clickEffect())
-        clicks.clickEffect()->paint(&painter, std::max(0, frame), target, int(effect.button));
+    const int variant = effect.isWheel ? int(effect.delta < 1) : int(effect.button);
+    return {effect.isWheel, std::max(0, frame), target, variant};
+}
+
+void KelPlaybackMouseTrack::Private::paintCursor(QPainter &painter, const ShownPointer &pointer) const
+{
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    if (pointer.scale != 1.0) {
+        painter.translate(pointer.position);
+        painter.scale(pointer.scale, pointer.scale);
+        painter.translate(-pointer.position);
+    }
+    painter.drawPixmap(pointer.position - pointer.cursor->hotspot, pointer.cursor->image);
+    painter.restore();
+}
+
+void KelPlaybackMouseTrack::Private::paintEffects(QPainter &painter, const ShownPointer &pointer, bool ofWheel) const
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const ShownEffect &effect : pointer.effects) {
+        if (effect.isWheel != ofWheel)
+            continue;
+        if (ofWheel)
+            clicks.wheelEffect()->paint(&painter, effect.frame, effect.target, effect.variant);
+        else
+            clicks.clickEffect()->paint(&painter, effect.frame, effect.target, effect.variant);
+    }
+    painter.restore();
 }
 
 KelPlaybackMouseTrack::KelPlaybackMouseTrack(const QString &directory, KelPlaybackTrackManager *manager)
@@ -133,13 +176,28 @@ void KelPlaybackMouseTrack::seekToFrame(int frame)
     d->clicks.seekToFrame(frame);
 }
 
+bool KelPlaybackMouseTrack::moveToFrame(int frame)
+{
+    const ShownPointer before = d->shown();
+    seekToFrame(frame);
+    return !(d->shown() == before);
+}
+
+void KelPlaybackMouseTrack::playEffectsBefore(int frame)
+{
+    resetEffects();
+    for (int earlier = 0; earlier < frame; ++earlier)
+        d->clicks.seekToFrame(earlier);
+}
+
 void KelPlaybackMouseTrack::paint(QPainter *painter)
 {
-    if (!painter || !d->isEnabled || !d->cursor)
+    const ShownPointer pointer = d->shown();
+    if (!painter || !pointer.cursor)
         return;
-    d->paintEffects(*painter, false);
-    d->paintCursor(*painter);
-    d->paintEffects(*painter, true);
+    d->paintEffects(*painter, pointer, false);
+    d->paintCursor(*painter, pointer);
+    d->paintEffects(*painter, pointer, true);
 }
 
 int KelPlaybackMouseTrack::nextKeyFrame()

@@ -20,12 +20,16 @@ public:
     ~KelPlaybackMouseTrack() override;
 
     void seekToFrame(int frame) override;
+    bool moveToFrame(int frame) override;
     void paint(QPainter *painter) override;
     int nextKeyFrame() override;
     bool isVisible() override;
 
     /// Drops all running effects, as if nothing had been clicked so far.
     void resetEffects();
+    /// Plays the effects from the start of the recording up to the frame before `frame`, so that those are under way
+    /// which a seek to `frame` has to go on with.
+    void playEffectsBefore(int frame);
 
     /// Whether pointer and effects are painted at all; they are at first.
     void setEnabled(bool on);

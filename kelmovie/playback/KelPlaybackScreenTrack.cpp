@@ -11,6 +11,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <chrono>
 #include <numeric>
 
 KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QString &directory,
@@ -140,17 +141,68 @@ void KelPlaybackScreenTrack::resetState()
 
 void KelPlaybackScreenTrack::closeDecoder()
 {
+    m_ahead = {}; // waits
     if (m_decoder)
         m_decoder->close();
     m_decoder.reset();
 }
 
+int KelPlaybackScreenTrack::videoFrameAt(int frame) const
+{
+    const int wanted = m_frameIndexes.empty() ? frame : m_frameIndexes[std::clamp(frame, 0, logicFrameCount() - 1)];
+    return std::clamp(wanted, 0, m_videoFrameCount - 1);
+}
+
+void KelPlaybackScreenTrack::prefetch(int frame)
+{
+    if (!m_decoder || !m_decoder->isValid() || m_ahead.valid())
+        return;
+    const int videoFrame = videoFrameAt(frame);
+    if (videoFrame == m_keptVideoFrame || (m_hasFrame && videoFrame == m_lastVideoFrame))
+        return;
+    m_aheadVideoFrame = videoFrame;
+    m_ahead = std::async(std::launch::async,
+                         [decoder = m_decoder.get(), videoFrame] { return decoder->decodeFrame(videoFrame); });
+}
+
+bool KelPlaybackScreenTrack::isPrefetching() const
+{
+    return m_ahead.valid() && m_ahead.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+}
+
+/// The decoder works for one at a time: what was begun is awaited, whether it is wanted or not.
+QImage KelPlaybackScreenTrack::decode(int videoFrame)
+{
+    if (m_ahead.valid()) {
+        QImage image = m_ahead.get();
+        if (videoFrame == m_aheadVideoFrame)
+            return image;
+    }
+    return m_decoder->decodeFrame(videoFrame);
+}
+
+void KelPlaybackScreenTrack::keepPicture()
+{
+    m_keptPixmap = m_currentPixmap;
+    m_keptVideoFrame = m_hasFrame ? m_lastVideoFrame : -1;
+}
+
+void KelPlaybackScreenTrack::dropKeptPicture()
+{
+    m_keptPixmap = QPixmap();
+    m_keptVideoFrame = -1;
+}
+
 bool KelPlaybackScreenTrack::showFrame(int videoFrame)
 {
-    QImage image = m_decoder->decodeFrame(videoFrame);
-    if (image.isNull())
-        return false;
-    m_currentPixmap = QPixmap::fromImage(std::move(image));
+    if (videoFrame == m_keptVideoFrame) {
+        m_currentPixmap = m_keptPixmap;
+    } else {
+        QImage image = decode(videoFrame);
+        if (image.isNull())
+            return false;
+        m_currentPixmap = QPixmap::fromImage(std::move(image));
+    }
     m_hasFrame = true;
     m_lastVideoFrame = videoFrame;
     return true;
@@ -162,15 +214,10 @@ void KelPlaybackScreenTrack::seekToFrame(int frame)
         m_hasFrame = false;
         return;
     }
-    int videoFrame = frame;
-    int logicFrame = frame;
-    if (m_frameIndexes.empty()) {
+    if (m_frameIndexes.empty())
         qWarning() << "Frame indexes not loaded, using direct mapping";
-    } else {
-        logicFrame = std::clamp(frame, 0, logicFrameCount() - 1);
-        videoFrame = m_frameIndexes[logicFrame];
-    }
-    videoFrame = std::clamp(videoFrame, 0, m_videoFrameCount - 1);
+    const int logicFrame = m_frameIndexes.empty() ? frame : std::clamp(frame, 0, logicFrameCount() - 1);
+    const int videoFrame = videoFrameAt(frame);
     m_currentLogicFrame = logicFrame;
     if (m_hasFrame && videoFrame == m_lastVideoFrame)
         return;
@@ -181,11 +228,19 @@ void KelPlaybackScreenTrack::seekToFrame(int frame)
         const bool shown = recreateDecoder() && showFrame(videoFrame);
         m_currentLogicFrame = logicFrame; // a new decoder forgets it
         if (!shown) {
+            ++m_lostPictures;
             qCritical() << "Complete failure to decode frame" << videoFrame
                         << "- decoder status:" << (m_decoder ? "valid" : "invalid") << "- keeping previous frame";
         }
     }
     m_currentPixmap.setDevicePixelRatio(m_devicePixelRatio);
+}
+
+bool KelPlaybackScreenTrack::moveToFrame(int frame)
+{
+    const qint64 before = m_currentPixmap.cacheKey();
+    seekToFrame(frame);
+    return m_currentPixmap.cacheKey() != before;
 }
 
 void KelPlaybackScreenTrack::paint(QPainter *painter)
@@ -217,9 +272,17 @@ QSize KelPlaybackScreenTrack::frameSize() const
     return m_decoder ? (QSizeF(m_decoder->getFrameSize()) / m_devicePixelRatio).toSize() : QSize();
 }
 
+bool KelPlaybackScreenTrack::covers(const QSize &size) const
+{
+    const QSizeF wanted = QSizeF(size) * m_devicePixelRatio;
+    const QSizeF video = m_decoder ? m_decoder->getFrameSize() : QSize();
+    return video.width() >= wanted.width() && video.height() >= wanted.height();
+}
+
 void KelPlaybackScreenTrack::releaseDecoder()
 {
     m_currentPixmap = QPixmap();
+    dropKeptPicture();
     m_frameIndexes = std::vector<int>();
     closeDecoder();
     resetState();

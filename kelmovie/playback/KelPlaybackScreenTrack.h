@@ -3,9 +3,11 @@
 #include "playback/KelPlaybackSeams.h"
 #include "playback/KelPlaybackTrack.h"
 
+#include <QImage>
 #include <QPixmap>
 #include <QSize>
 
+#include <future>
 #include <memory>
 #include <vector>
 
@@ -23,16 +25,29 @@ public:
     ~KelPlaybackScreenTrack() override;
 
     void seekToFrame(int frame) override;
+    bool moveToFrame(int frame) override;
     void paint(QPainter *painter) override;
     int nextKeyFrame() override;
 
     /// Entries of the frame index table: the recording's number of logic frames.
     int logicFrameCount() const;
     int videoFrameCount() const { return m_videoFrameCount; }
+    /// Seeks so far that left the picture as it was because theirs could not be decoded.
+    int lostPictures() const { return m_lostPictures; }
     /// The video's size in logical pixels, empty without a video.
     QSize frameSize() const;
+    /// Whether the video has a pixel for every one of a picture of `size` logical pixels.
+    bool covers(const QSize &size) const;
     /// Drops the picture and the table and closes the video.
     void releaseDecoder();
+
+    /// Begins to decode what `frame` shows on a thread of its own; the next seek need not wait for it then. Does
+    /// nothing while that thread is busy, or when there is nothing to decode.
+    void prefetch(int frame);
+    bool isPrefetching() const;
+    /// Keeps the present picture, so that a later seek back to it need not decode.
+    void keepPicture();
+    void dropKeptPicture();
 
 private:
     using DecoderPointer = std::unique_ptr<KelAVCodecDecoder>;
@@ -43,6 +58,8 @@ private:
     bool recreateDecoder();
     void resetState();
     void closeDecoder();
+    int videoFrameAt(int frame) const;
+    QImage decode(int videoFrame);
     bool showFrame(int videoFrame);
     bool isMatroska() const;
 
@@ -53,8 +70,13 @@ private:
     int m_currentLogicFrame = -1; // the last one asked for
     int m_lastVideoFrame = -1;    // the one in m_currentPixmap
     int m_videoFrameCount = 0;
+    int m_lostPictures = 0;
     const double m_devicePixelRatio;
     bool m_hasFrame = false;
+    QPixmap m_keptPixmap;
+    int m_keptVideoFrame = -1;
+    int m_aheadVideoFrame = -1; // the one in m_ahead
     const bool m_preferHardwareDecode;
     std::vector<int> m_frameIndexes; // logic frame -> video frame
+    std::future<QImage> m_ahead;     // last: its thread uses the decoder
 };

@@ -7,6 +7,12 @@ KelPlaybackTrack::KelPlaybackTrack(const QString &directory, KelPlaybackTrackMan
 
 KelPlaybackTrack::~KelPlaybackTrack() = default;
 
+bool KelPlaybackTrack::moveToFrame(int frame)
+{
+    seekToFrame(frame);
+    return true;
+}
+
 bool KelPlaybackTrack::isVisible()
 {
     return true;

@@ -18,6 +18,8 @@ public:
 
     /// Brings the track's state to logic frame `frame`.
     virtual void seekToFrame(int frame) = 0;
+    /// seekToFrame(). False only when paint() draws exactly what it drew before: a track that cannot tell says true.
+    virtual bool moveToFrame(int frame);
     /// Draws the layer for the current frame; a null painter does nothing.
     virtual void paint(QPainter *painter) = 0;
     /// The next logic frame at which the picture changes, -1 when there is none.

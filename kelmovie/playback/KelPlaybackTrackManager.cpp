@@ -59,6 +59,7 @@ public:
     bool holds(int frame) const { return frame >= 0 && frame < totalFrames; }
     bool isJump(int frame) const;
     void moveTracks(int frame);
+    void resetEffects();
     double audioMs(double frame) const;
     double audioRate() const;
     void restartClock() { clock.restart(seams.nowMs(), currentFrame); }
@@ -82,6 +83,7 @@ public:
     int currentFrame = 0;
     int totalFrames = 0;
     bool exporting = false;
+    quint64 pictureRevision = 0;
     qint64 lastPlayDurationMs = 0;
     const bool preferHardwareDecode;
 };
@@ -169,6 +171,7 @@ void KelPlaybackTrackManager::Private::createKeyboardTrack()
 
 void KelPlaybackTrackManager::Private::applySettings()
 {
+    ++pictureRevision;
     for (const auto &track : tracks)
         applyPlaybackSettings(gKelMovieConfig, metadata.pixelRatio, *track);
 }
@@ -196,10 +199,20 @@ bool KelPlaybackTrackManager::Private::isJump(int frame) const
 
 void KelPlaybackTrackManager::Private::moveTracks(int frame)
 {
+    bool isChanged = false;
     for (const auto &track : tracks) {
-        if (track.get() != voiceTrack)
-            track->seekToFrame(frame);
+        if (track.get() != voiceTrack && track->moveToFrame(frame))
+            isChanged = true;
     }
+    if (isChanged)
+        ++pictureRevision;
+}
+
+void KelPlaybackTrackManager::Private::resetEffects()
+{
+    ++pictureRevision;
+    if (mouseTrack)
+        mouseTrack->resetEffects();
 }
 
 /// Where the sound of a frame is. The recording's clock may have ticked at another rate than fps() says; its sound did
@@ -253,12 +266,12 @@ void KelPlaybackTrackManager::Private::endPlay()
     countdownTrack->setPlaying(false);
     if (voiceTrack)
         voiceTrack->stop();
-    if (mouseTrack)
-        mouseTrack->resetEffects();
+    resetEffects();
     currentFrame = 0;
     emit q->sigFrameChanged(0);
     if (keyboardTrack)
         keyboardTrack->resetHistory();
+    ++pictureRevision;
     emit q->sigPlaybackStopped();
 }
 
@@ -401,8 +414,7 @@ void KelPlaybackTrackManager::pause()
     d->countdownTrack->setPlaying(false);
     if (d->voiceTrack)
         d->voiceTrack->pause();
-    if (d->mouseTrack)
-        d->mouseTrack->resetEffects();
+    d->resetEffects();
     emit sigPlaybackPaused();
 }
 
@@ -418,6 +430,7 @@ void KelPlaybackTrackManager::setSpeed(double speed)
         return;
     d->clock.speed = std::clamp(speed, kMinSpeed, kMaxSpeed);
     d->countdownTrack->setSpeed(d->clock.speed);
+    ++d->pictureRevision;
     d->restartClock();
     if (d->voiceTrack && d->state == Playing)
         d->voiceTrack->play(d->audioMs(d->currentFrame), d->audioRate());
@@ -451,12 +464,45 @@ void KelPlaybackTrackManager::setFrameSilently(int frame)
     d->moveTracks(frame);
 }
 
+void KelPlaybackTrackManager::setFrameAsPlayed(int frame)
+{
+    if (d->mouseTrack && d->holds(frame))
+        d->mouseTrack->playEffectsBefore(frame);
+    setFrameSilently(frame);
+}
+
+void KelPlaybackTrackManager::prefetch(int frame)
+{
+    if (d->screenTrack && d->holds(frame))
+        d->screenTrack->prefetch(frame);
+}
+
+bool KelPlaybackTrackManager::isPrefetching() const
+{
+    return d->screenTrack && d->screenTrack->isPrefetching();
+}
+
 void KelPlaybackTrackManager::paint(QPainter *painter)
 {
     if (!painter)
         return;
     for (const auto &track : d->tracks)
         track->paint(painter);
+}
+
+quint64 KelPlaybackTrackManager::pictureRevision() const
+{
+    return d->pictureRevision;
+}
+
+bool KelPlaybackTrackManager::isPictureCovered() const
+{
+    return d->screenTrack && d->screenTrack->covers(pictureSize());
+}
+
+int KelPlaybackTrackManager::lostPictures() const
+{
+    return d->screenTrack ? d->screenTrack->lostPictures() : 0;
 }
 
 void KelPlaybackTrackManager::updateSettings()
@@ -470,17 +516,24 @@ void KelPlaybackTrackManager::setExporting(bool on)
     d->exporting = on;
 }
 
-void KelPlaybackTrackManager::setExportedTime(double speed, int first, int last)
+void KelPlaybackTrackManager::beginExport(double speed, int first, int last)
 {
     d->countdownTrack->setSpeed(speed);
     if (first >= 0)
         d->countdownTrack->setRange(first, last);
+    if (d->screenTrack)
+        d->screenTrack->keepPicture();
+    d->resetEffects();
 }
 
-void KelPlaybackTrackManager::resetExportedTime()
+void KelPlaybackTrackManager::endExport(int frame)
 {
     d->countdownTrack->clearRange();
     d->countdownTrack->setSpeed(d->clock.speed);
+    d->resetEffects();
+    seek(frame);
+    if (d->screenTrack)
+        d->screenTrack->dropKeptPicture();
 }
 
 bool KelPlaybackTrackManager::isExporting() const

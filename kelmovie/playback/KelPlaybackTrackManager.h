@@ -85,17 +85,31 @@ public:
     void seek(int frame, bool force);
     /// Moves all tracks but the sound and emits nothing: for export.
     void setFrameSilently(int frame);
+    /// setFrameSilently(), with the mouse effects under way that began before `frame`, as if it had been played up to
+    /// there.
+    void setFrameAsPlayed(int frame);
+    /// Begins to decode what `frame` shows in the background, so that a setFrameSilently() to it does not wait once
+    /// isPrefetching() is false.
+    void prefetch(int frame);
+    bool isPrefetching() const;
     /// Paints the current frame, pictureSize() large, at the painter's origin. A null painter does nothing.
     void paint(QPainter *painter);
+    /// Grows whenever paint() may draw something else than before. As long as it does not, paint() draws exactly the
+    /// same, however many frames have passed.
+    quint64 pictureRevision() const;
+    /// Whether the video fills the picture; where it does not, paint() leaves what was there.
+    bool isPictureCovered() const;
+    /// Seeks so far whose video frame could not be decoded; the picture before stayed.
+    int lostPictures() const;
 
     /// Set by an export around its work; a cancelled export leaves it set.
     void setExporting(bool on);
     bool isExporting() const;
-    /// What the time over the picture tells during an export at that speed: the time within logic frames `first` to
-    /// `last`, or that of the whole recording when `first` is -1.
-    void setExportedTime(double speed, int first, int last);
-    /// As while playing again.
-    void resetExportedTime();
+    /// From now on the time over the picture is that of an export at `speed`: the time within logic frames `first` to
+    /// `last`, or that of the whole recording when `first` is -1. No mouse effect is under way.
+    void beginExport(double speed, int first, int last);
+    /// As before again, at `frame`. That takes no time when it is the frame at which the export began.
+    void endExport(int frame);
 
 public slots:
     /// Hands the settings in gKelMovieConfig to the tracks, as loading and play() do, and has the picture painted

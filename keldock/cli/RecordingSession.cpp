@@ -7,6 +7,8 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+#include <utility>
+
 namespace
 {
 constexpr int ShowEveryMs = 250;
@@ -18,6 +20,7 @@ RecordingSession::RecordingSession(const QRect &area, const KelMultiTrackRecorde
 {
     m_recorder.setRecordArea(area);
     m_recorder.setRecordConfig(config);
+    connect(&m_recorder, &KelMultiTrackRecorder::trackFailed, this, &RecordingSession::noteTrack);
     connect(&m_recorder, &KelMultiTrackRecorder::recordingError, this, &RecordingSession::fail);
     // It also ends by itself, at the largest number of frames that a recording can hold.
     connect(&m_recorder, &KelMultiTrackRecorder::recordingStopped, &m_loop, &QEventLoop::quit);
@@ -66,10 +69,8 @@ void RecordingSession::fail(const QString &error)
     if (m_error.isEmpty())
         m_error = error;
     // Without one of the others a recording of the screen is still worth going on with.
-    const bool isOther = error.section(QStringLiteral(": "), 0, 0).endsWith(QLatin1String(" track")) &&
-                         !error.startsWith(QLatin1String("Screen"));
-    const bool goesOn = m_hasRecorded && isOther;
-    if (goesOn) {
+    const QString track = std::exchange(m_failedTrack, QString());
+    if (m_hasRecorded && !track.isEmpty() && track != QLatin1String("Screen track")) {
         m_line.clear();
         Console::printError(QStringLiteral("keldock: %1; going on without").arg(error));
         return;

@@ -26,6 +26,7 @@ public:
     bool hasRecorded() const { return m_hasRecorded; }
 
 private:
+    void noteTrack(const QString &track) { m_failedTrack = track; }
     void fail(const QString &error);
     void showElapsed();
 
@@ -35,6 +36,7 @@ private:
     TerminalLine m_line;
     QElapsedTimer m_elapsed;
     QEventLoop m_loop;
+    QString m_failedTrack; // of the next error; empty for one that is no track's
     QString m_error;
     bool m_hasRecorded = false;
     bool m_isLost = false;

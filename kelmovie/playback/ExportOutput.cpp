@@ -59,12 +59,17 @@ QString exportOutputProblem(const QString &path, const QString &recordDir)
 
 QString moveOverFile(const QString &from, const QString &to, const std::function<bool(qint64 copied)> &goOn)
 {
-    if (!QFileInfo::exists(to)) {
-        std::error_code otherDevice;
-        std::filesystem::rename(nativePath(from), nativePath(to), otherDevice);
-        if (!otherDevice)
-            return QString();
-    }
+    const QFileInfo old(to);
+    if (!goOn(0))
+        return "cancelled";
+    if (old.exists())
+        QFile::setPermissions(from, old.permissions());
+    // What a link points to is replaced, not the link.
+    const QString place = old.exists() ? old.canonicalFilePath() : to;
+    std::error_code otherDevice;
+    std::filesystem::rename(nativePath(from), nativePath(place), otherDevice);
+    if (!otherDevice)
+        return QString();
     QFile source(from);
     if (!source.open(QIODevice::ReadOnly))
         return source.errorString();

@@ -9,6 +9,7 @@
 QString exportOutputProblem(const QString &path, const QString &recordDir);
 
 /// Moves the file `from` to `to`. An existing `to` is replaced in one step, when the new file is complete; its
-/// permissions stay. `goOn` is called now and then with the bytes copied so far; false from it ends the copying.
+/// permissions stay. Where they are on different disks, the file is copied; `goOn` is called with the bytes copied so
+/// far, first with 0, and ends it by false.
 /// Returns an empty string, or why it failed; `to` then is as it was.
 QString moveOverFile(const QString &from, const QString &to, const std::function<bool(qint64 copied)> &goOn);

@@ -2,8 +2,11 @@
 
 #include "avcodec/KelAVCodecEncoder.h"
 #include "avcodec/MixAudioVideoTracks.h"
+#include "playback/ExportCanvas.h"
+#include "playback/ExportEncoder.h"
 #include "playback/ExportFrameMap.h"
 #include "playback/ExportOutput.h"
+#include "playback/ExportWatch.h"
 #include "playback/KelExportSeams.h"
 #include "playback/KelExportSound.h"
 #include "playback/KelPlaybackTrackManager.h"
@@ -11,14 +14,13 @@
 #include <QDebug>
 #include <QDir>
 #include <QFileInfo>
-#include <QImage>
-#include <QPainter>
 #include <QPointer>
 #include <QScopeGuard>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <chrono>
+#include <atomic>
 #include <climits>
 #include <cmath>
 #include <exception>
@@ -27,12 +29,16 @@
 namespace
 {
 
+using Stage = KelExportMonitor::Status::Stage;
+
 constexpr int kFormatMp4 = 0;
 constexpr int kLoopPercent = 90;
 constexpr int kVideoPercent = 95;
 constexpr int kMixedPercent = 99;
-constexpr std::chrono::milliseconds kPoll(50);
 constexpr int kMaxLoops = 65535;
+
+/// Frames of one picture that an encoder repeats in one go: few enough for its queue to stay short in time.
+constexpr int kRepeatedAtOnce = 64;
 
 /// As the encoders of animations understand it; empty: endlessly.
 QString loopsText(int loops)
@@ -47,51 +53,47 @@ KelExportMonitor::~KelExportMonitor() = default;
 class KelExportPipeline::Private
 {
 public:
+    Private(const KelExportRequest &wanted, KelExportMonitor *monitor, const KelExportSeams &outside)
+        : request(wanted)
+        , watch(monitor)
+        , seams(outside)
+        , manager(wanted.playbackManager)
+    {
+    }
+
     bool runExport();
     QString requestProblem() const;
     bool exportFrames(const QString &path);
     bool encodeRange(const QString &path);
-    bool encodeFrames(KelAVCodecEncoder &encoder, const ExportFrameMap &map, QImage &image);
-    bool closeEncoder(KelAVCodecEncoder &encoder, qint64 frames);
+    bool encodeFrames(ExportEncoder &encoder, const ExportFrameMap &map, ExportCanvas &canvas);
+    bool showFrame(int frame);
+    bool closeEncoder(ExportEncoder &encoder, qint64 frames);
+    void keepFirstPart(ExportEncoder &encoder, const QString &path);
     bool checkWritten(const QString &path);
-    bool mixAudio(KelExportSound &sound, const QString &video, const QTemporaryDir &temporary);
+    bool mixAudio(KelExportSound &sound, const QString &video);
     bool waitForMix(KelExportSound &sound, const QString &video, const QString &output);
     QString voiceDir() const;
     ExportFrameMap frameMap() const;
     KelExportSound::Range soundRange() const;
-    bool placeVideo(const QString &path);
-    void report(qint64 percent);
-    bool isCancelled();
+    bool placeFile(const QString &path);
+    bool isMp4() const { return request.format == kFormatMp4; }
     bool fail(const QString &text, const QString &detail = QString());
+    void warn(const QString &text);
 
-    KelExportRequest request;
-    KelExportMonitor *monitor = nullptr;
-    KelExportSeams seams;
+    const KelExportRequest request;
+    ExportWatch watch;
+    const KelExportSeams seams;
     QPointer<KelPlaybackTrackManager> manager; // a monitor that handles events may let the user close the recording
-    int reportedPercent = -1;
-    bool cancelled = false;
+    std::shared_ptr<QTemporaryDir> directory;  // of the file while it is being made
     Failure failure = Failure::None;
     QString errorString;
-    QString warningString;
+    QStringList warnings;
 };
-
-void KelExportPipeline::Private::report(qint64 percent)
-{
-    if (percent <= reportedPercent)
-        return;
-    reportedPercent = int(percent);
-    if (monitor)
-        monitor->exportProgress(reportedPercent);
-}
-
-bool KelExportPipeline::Private::isCancelled()
-{
-    cancelled = cancelled || (monitor && monitor->isExportCancelled());
-    return cancelled;
-}
 
 bool KelExportPipeline::Private::fail(const QString &text, const QString &detail)
 {
+    if (watch.wasCancelled())
+        return false;
     qWarning().noquote() << text;
     errorString = text;
     if (!detail.isEmpty()) {
@@ -101,36 +103,39 @@ bool KelExportPipeline::Private::fail(const QString &text, const QString &detail
     return false;
 }
 
+void KelExportPipeline::Private::warn(const QString &text)
+{
+    qWarning().noquote() << "[KelExportPipeline]" << text;
+    warnings.append(text);
+}
+
 bool KelExportPipeline::Private::runExport()
 {
-    report(0);
+    watch.report(0);
     failure = Failure::Video; // until that step is done
-    if (isCancelled())
+    if (watch.isCancelled())
         return false;
     const QString problem = requestProblem();
     if (!problem.isEmpty())
         return fail(problem);
-    if (request.format != kFormatMp4) {
-        if (!exportFrames(request.outputPath) || isCancelled())
-            return false;
-        report(100);
-        return true;
-    }
-    // A directory of our own: nobody can have put a link or another file in the place of the video.
-    QTemporaryDir temporary(QDir::tempPath() + "/kel_temp_export_XXXXXX");
-    if (!temporary.isValid())
-        return fail("Cannot create a temporary directory", temporary.errorString());
-    const QString video = temporary.filePath("kel_temp_export_video.mp4");
+    // A directory of our own: nobody can have put a link or another file in the place of the video. Other formats than
+    // MP4 are complete then and need to be moved only, so they are made beside their place.
+    const QFileInfo output(request.outputPath);
+    directory = std::make_shared<QTemporaryDir>(isMp4() ? QDir::tempPath() + "/kel_temp_export_XXXXXX"
+                                                        : output.path() + "/.kel_export_XXXXXX");
+    if (!directory->isValid())
+        return fail("Cannot create a temporary directory", directory->errorString());
+    const auto cleanUp = qScopeGuard([this] { directory->remove(); }); // at once, whoever still writes there
+    const QString video = directory->filePath(isMp4() ? "kel_temp_export_video.mp4" : output.fileName());
+    if (!isMp4())
+        return exportFrames(video) && placeFile(video);
     // Chosen now: the user may close the recording while the video is being finished.
-    KelExportSound sound(manager->voiceTrack(), voiceDir(), soundRange(), temporary.path());
-    if (!exportFrames(video) || isCancelled())
+    KelExportSound sound(manager->voiceTrack(), voiceDir(), soundRange(), directory->path());
+    if (!exportFrames(video))
         return false;
-    report(kVideoPercent);
+    watch.report(kVideoPercent);
     failure = Failure::Sound;
-    if (!mixAudio(sound, video, temporary))
-        return false;
-    report(100);
-    return true;
+    return mixAudio(sound, video);
 }
 
 /// What can be known to go wrong before minutes of work.
@@ -151,74 +156,113 @@ bool KelExportPipeline::Private::exportFrames(const QString &path)
 {
     manager->pause();
     const int savedFrame = manager->currentFrame();
+    const int lostBefore = manager->lostPictures();
     const auto restore = qScopeGuard([&] {
         if (!manager)
             return;
-        if (!cancelled)
+        if (!watch.wasCancelled())
             manager->setExporting(false);
         manager->endExport(savedFrame);
     });
-    return encodeRange(path) && checkWritten(path);
+    if (!encodeRange(path) || watch.isCancelled() || !checkWritten(path))
+        return false;
+    if (const int lost = manager ? manager->lostPictures() - lostBefore : 0; lost > 0)
+        warn(QString("The video could not be read at %1 frames, which show the picture before them").arg(lost));
+    return true;
 }
 
 bool KelExportPipeline::Private::encodeRange(const QString &path)
 {
-    const QSize size = manager->pictureSize();
-    if (size.isEmpty())
+    const QSize picture = manager->pictureSize();
+    if (picture.isEmpty())
         return fail("Invalid playback area size");
+    const QSize size = request.size.isEmpty() ? picture : request.size;
     const ExportFrameMap map = frameMap();
     if (map.outputFrames() > INT_MAX)
         return fail("Too many frames to export");
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull())
+    ExportCanvas canvas(picture, size);
+    if (!canvas.isValid())
         return fail("Not enough memory for the picture");
-    image.fill(Qt::black); // in case the video does not cover it
-    const auto encoder =
-        seams.createEncoder(request.format, size, path, request.fps, request.quality, loopsText(request.loops));
-    if (!encoder || !encoder->isValid())
-        return fail("Failed to create encoder", encoder ? encoder->errorString() : QString());
+    ExportEncoder encoder(
+        seams.createEncoder(request.format, size, path, request.fps, request.quality, loopsText(request.loops)),
+        directory, watch);
+    if (!encoder.isValid())
+        return fail("Failed to create encoder", encoder.errorString());
     manager->setExporting(true);
     manager->beginExport(request.speed, map.isRange() ? map.firstFrame() : -1, map.lastFrame());
-    if (encodeFrames(*encoder, map, image) && closeEncoder(*encoder, map.outputFrames()))
+    if (encodeFrames(encoder, map, canvas) && closeEncoder(encoder, map.outputFrames()))
         return true;
-    encoder->abort();
+    keepFirstPart(encoder, path);
     return false;
 }
 
-bool KelExportPipeline::Private::encodeFrames(KelAVCodecEncoder &encoder, const ExportFrameMap &map, QImage &image)
+/// A picture that stays is neither painted nor handed over again.
+bool KelExportPipeline::Private::encodeFrames(ExportEncoder &encoder, const ExportFrameMap &map, ExportCanvas &canvas)
 {
     const qint64 frames = map.outputFrames();
+    qint64 given = 0; // frames whose picture the encoder has
+    const auto isGiven = [&](qint64 upTo, bool isTaken) {
+        given = upTo;
+        return isTaken || fail(QString("Failed to encode frame %1").arg(upTo - 1), encoder.errorString());
+    };
+    watch.begin(Stage::Frames, frames);
     for (qint64 i = 0; i < frames; ++i) {
-        if (isCancelled())
+        if (watch.isCancelled())
             return false;
-        report(kLoopPercent * i / frames);
-        if (!manager)
-            return fail("The recording was closed during the export");
-        manager->setFrameSilently(map.logicFrame(i));
-        QPainter painter(&image);
-        manager->paint(&painter);
-        painter.end();
-        if (!encoder.addFrame(quint64(i), image))
-            return fail(QString("Failed to encode frame %1").arg(i), encoder.errorString());
+        watch.report(kLoopPercent * i / frames);
+        watch.update(i);
+        if (!showFrame(map.logicFrame(i)))
+            return false;
+        if (i + 1 < frames)
+            manager->prefetch(map.logicFrame(i + 1)); // while this one is painted and encoded
+        if (canvas.isStale(*manager)) {
+            if (!isGiven(i + 1, encoder.addFrame(i, canvas.paint(*manager))))
+                return false;
+        } else if (i + 1 - given >= kRepeatedAtOnce && !isGiven(i + 1, encoder.holdUntil(i + 1))) {
+            return false;
+        }
     }
+    return isGiven(frames, encoder.holdUntil(frames));
+}
+
+/// Decodes in the background, so that the user may give up meanwhile.
+bool KelExportPipeline::Private::showFrame(int frame)
+{
+    if (manager)
+        manager->prefetch(frame);
+    if (!watch.wait([this](auto limit) { return !manager || manager->waitForPrefetch(limit); }))
+        return false;
+    if (!manager)
+        return fail("The recording was closed during the export");
+    manager->setFrameSilently(frame);
     return true;
 }
 
-/// Closes on a thread of its own: some encoders do much of their work then, and the user may still give up.
-bool KelExportPipeline::Private::closeEncoder(KelAVCodecEncoder &encoder, qint64 frames)
+bool KelExportPipeline::Private::closeEncoder(ExportEncoder &encoder, qint64 frames)
 {
-    report(kLoopPercent);
-    std::future<bool> closed = std::async(std::launch::async, [&encoder] { return encoder.close(); });
-    while (closed.wait_for(kPoll) != std::future_status::ready) {
-        const qint64 written = std::min<qint64>(qint64(encoder.framesWritten()), frames);
-        report(kLoopPercent + (kVideoPercent - kLoopPercent) * written / frames);
-        if (isCancelled())
-            encoder.abort();
-    }
-    const bool isComplete = closed.get();
-    if (isCancelled())
-        return false;
+    const int lastPercent = isMp4() ? kVideoPercent : kMixedPercent;
+    const qint64 begun = encoder.framesWritten();
+    const qint64 rest = std::max<qint64>(frames - begun, 1);
+    watch.report(kLoopPercent);
+    watch.begin(Stage::Finishing, rest);
+    const bool isComplete = encoder.close([&] {
+        const qint64 written = std::clamp<qint64>(encoder.framesWritten() - begun, 0, rest);
+        watch.report(kLoopPercent + (lastPercent - kLoopPercent) * written / rest);
+        watch.update(written);
+    });
     return isComplete || fail("Failed to finish the output file", encoder.errorString());
+}
+
+/// What an encoder of animations has written plays; hours of work need not be lost with the end.
+void KelExportPipeline::Private::keepFirstPart(ExportEncoder &encoder, const QString &path)
+{
+    if (watch.wasCancelled() || isMp4() || encoder.isValid())
+        return;
+    const qint64 frames = encoder.salvage();
+    const QFileInfo output(request.outputPath);
+    const QString kept = QString("%1/%2.incomplete.%3").arg(output.path(), output.completeBaseName(), output.suffix());
+    if (frames > 0 && moveOverFile(path, kept, [](qint64) { return true; }).isEmpty())
+        errorString += QString("; the first %1 frames are in %2").arg(frames).arg(kept);
 }
 
 bool KelExportPipeline::Private::checkWritten(const QString &path)
@@ -238,33 +282,37 @@ bool KelExportPipeline::Private::checkWritten(const QString &path)
 }
 
 /// A video without its sound is better than none.
-bool KelExportPipeline::Private::mixAudio(KelExportSound &sound, const QString &video, const QTemporaryDir &temporary)
+bool KelExportPipeline::Private::mixAudio(KelExportSound &sound, const QString &video)
 {
     if (sound.isEmpty())
-        return placeVideo(video);
+        return placeFile(video);
     if (canMixInto(request.outputPath)) {
         if (waitForMix(sound, video, request.outputPath))
             return true;
-    } else if (const QString mixed = temporary.filePath("kel_temp_export_mixed.mp4"); waitForMix(sound, video, mixed)) {
-        return placeVideo(mixed);
+    } else if (const QString mixed = directory->filePath("kel_temp_export_mixed.mp4");
+               waitForMix(sound, video, mixed)) {
+        return placeFile(mixed);
     }
-    if (isCancelled())
+    if (watch.isCancelled())
         return false;
-    warningString = "The sound could not be added: " + sound.errorString();
-    qWarning().noquote() << "[KelExportPipeline]" << warningString;
-    return placeVideo(video);
+    warn("The sound could not be added: " + sound.errorString());
+    return placeFile(video);
 }
 
 /// On a thread of its own, so that the user may give up.
 bool KelExportPipeline::Private::waitForMix(KelExportSound &sound, const QString &video, const QString &output)
 {
+    constexpr int units = 1000;
     std::future<bool> mixed = std::async(std::launch::async, [&] { return sound.addTo(video, output); });
     const auto stop = qScopeGuard([&] { sound.cancel(); }); // for a monitor that throws
-    while (mixed.wait_for(kPoll) != std::future_status::ready) {
-        report(kVideoPercent + qint64((kMixedPercent - kVideoPercent) * sound.share()));
-        if (isCancelled())
-            sound.cancel();
-    }
+    watch.begin(Stage::Sound, units);
+    const auto isMixed = [&](auto limit) {
+        watch.report(kVideoPercent + qint64((kMixedPercent - kVideoPercent) * sound.share()));
+        watch.update(qint64(units * sound.share()));
+        return mixed.wait_for(limit) == std::future_status::ready;
+    };
+    if (!watch.wait(isMixed))
+        sound.cancel();
     return mixed.get();
 }
 
@@ -299,16 +347,32 @@ KelExportSound::Range KelExportPipeline::Private::soundRange() const
     return range;
 }
 
-bool KelExportPipeline::Private::placeVideo(const QString &path)
+/// On a thread of its own: the output may be on another disk, and slow.
+bool KelExportPipeline::Private::placeFile(const QString &path)
 {
-    const qint64 size = QFileInfo(path).size();
-    const QString problem = moveOverFile(path, request.outputPath, [&](qint64 copied) {
-        report(kVideoPercent + (kMixedPercent - kVideoPercent) * copied / std::max<qint64>(size, copied));
-        return !isCancelled();
-    });
-    if (cancelled)
+    if (watch.isCancelled())
         return false;
-    return problem.isEmpty() || fail("Failed to copy video file to output path", problem);
+    const qint64 size = QFileInfo(path).size();
+    std::atomic<qint64> copied{0};
+    std::atomic<bool> isStopped{false};
+    std::future<QString> placed = std::async(std::launch::async, [&] {
+        return moveOverFile(path, request.outputPath, [&](qint64 bytes) {
+            copied = bytes;
+            return !isStopped;
+        });
+    });
+    const auto stop = qScopeGuard([&] { isStopped = true; }); // for a monitor that throws
+    watch.begin(Stage::Placing, size);
+    const auto isPlaced = [&](auto limit) {
+        watch.update(copied);
+        return placed.wait_for(limit) == std::future_status::ready;
+    };
+    isStopped = !watch.wait(isPlaced);
+    const QString problem = placed.get();
+    if (!problem.isEmpty())
+        return fail(isMp4() ? "Failed to copy video file to output path" : "Failed to put the file in its place",
+                    problem);
+    return true;
 }
 
 KelExportPipeline::KelExportPipeline(const KelExportRequest &request, KelExportMonitor *monitor)
@@ -318,12 +382,8 @@ KelExportPipeline::KelExportPipeline(const KelExportRequest &request, KelExportM
 
 KelExportPipeline::KelExportPipeline(const KelExportRequest &request, KelExportMonitor *monitor,
                                      const KelExportSeams &seams)
-    : d(std::make_unique<Private>())
+    : d(std::make_unique<Private>(request, monitor, seams))
 {
-    d->request = request;
-    d->monitor = monitor;
-    d->seams = seams;
-    d->manager = request.playbackManager;
 }
 
 KelExportPipeline::~KelExportPipeline() = default;
@@ -332,7 +392,9 @@ bool KelExportPipeline::run()
 {
     try {
         const bool isComplete = d->runExport();
-        if (isComplete || d->cancelled)
+        if (isComplete)
+            d->watch.report(100);
+        if (isComplete || d->watch.wasCancelled())
             d->failure = Failure::None;
         return isComplete;
     } catch (const std::exception &problem) {
@@ -351,7 +413,7 @@ QString KelExportPipeline::errorString() const
 
 QString KelExportPipeline::warningString() const
 {
-    return d->warningString;
+    return d->warnings.join("; ");
 }
 
 KelExportPipeline::Failure KelExportPipeline::failure() const

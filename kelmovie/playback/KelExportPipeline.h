@@ -13,18 +13,38 @@ struct KelExportSeams;
 class KELMOVIE_EXPORT KelExportMonitor
 {
 public:
+    /// What the export is doing just now.
+    struct Status {
+        enum class Stage {
+            Frames,    ///< composing and encoding; units are frames of the output
+            Finishing, ///< the encoder works off what it has been given; frames
+            Sound,     ///< the sound is being added; thousandths
+            Placing,   ///< the file is being put in its place; bytes
+        };
+        Stage stage = Stage::Frames;
+        qint64 done = 0;
+        qint64 units = 0;
+        qint64 elapsedMs = 0; ///< in this stage
+        qint64 leftMs = -1;   ///< in this stage, an estimate; -1: none yet
+    };
+
     virtual ~KelExportMonitor();
 
-    /// 0 to 100, never falling; 100 only once the file is complete.
+    /// 0 to 100, never falling; 100 only once the file is complete. Up to 90 while frames are composed.
     virtual void exportProgress(int percent) = 0;
 
-    /// Asked at least between any two frames and several times a second while the file is being finished; true ends the
-    /// export.
+    /// Several times a second, whatever takes long: of a long export, a percent may last for minutes.
+    virtual void exportStatus(const Status &) {}
+
+    /// Asked at least between any two frames and several times a second otherwise; true ends the export at once.
     virtual bool isExportCancelled() = 0;
 };
 
 /// Turns a loaded recording into one output file. Runs on the GUI thread and returns when the file is complete or given
 /// up. The playback manager is paused and is back at its frame afterwards.
+///
+/// The output appears when it is whole; an existing file is replaced in one step. Where an animation cannot be
+/// completed, such as on a full disk, its first part is kept beside it as "NAME.incomplete.SUFFIX".
 class KELMOVIE_EXPORT KelExportPipeline
 {
 public:

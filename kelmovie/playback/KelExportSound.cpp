@@ -1,10 +1,13 @@
 #include "playback/KelExportSound.h"
 
+#include "audio/AudioGain.h"
 #include "avcodec/MixAudioVideoTracks.h"
 #include "playback/KelPlaybackVoiceTrack.h"
 
 #include <QDebug>
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace
 {
@@ -18,26 +21,24 @@ KelExportSound::KelExportSound(const KelPlaybackVoiceTrack *voice, const QString
     : m_range(range)
     , m_temporaryDir(temporaryDir)
 {
-    const auto add = [&](bool isHeard, const QString &name) {
-        const QString file = isHeard ? KelPlaybackVoiceTrack::findFile(voiceDir, name) : QString();
+    const auto add = [&](bool isHeard, double gain, const QString &name) {
+        const QString file = isHeard && gain > 0.0 ? KelPlaybackVoiceTrack::findFile(voiceDir, name) : QString();
         if (!file.isEmpty())
-            m_files.append(file);
+            m_sources.append({file, std::min(gain, AudioGain::Max)});
     };
     if (!voice)
         return;
-    add(voice->hasSystemAudio() && voice->isSystemAudioEnabled() && !voice->isSystemAudioMuted() &&
-            voice->systemAudioVolume() > 0.0,
-        "system_audio");
-    add(voice->hasMicrophone() && voice->isMicrophoneEnabled() && !voice->isMicrophoneMuted() &&
-            voice->microphoneVolume() > 0.0,
-        "microphone");
+    add(voice->hasSystemAudio() && voice->isSystemAudioEnabled() && !voice->isSystemAudioMuted(),
+        voice->systemAudioVolume() * voice->systemAudioGain(), "system_audio");
+    add(voice->hasMicrophone() && voice->isMicrophoneEnabled() && !voice->isMicrophoneMuted(),
+        voice->microphoneVolume() * voice->microphoneGain(), "microphone");
 }
 
 bool KelExportSound::addTo(const QString &video, const QString &output)
 {
     QList<AudioTrack> tracks;
-    for (const QString &file : qAsConst(m_files))
-        tracks.append(trackOf(file));
+    for (const Source &source : qAsConst(m_sources))
+        tracks.append(trackOf(source));
     const double done = m_share;
     const auto progress = [&](double share) {
         m_share = done + (1.0 - done) * share;
@@ -52,13 +53,14 @@ void KelExportSound::cancel()
     m_processor.cancel();
 }
 
-AudioTrack KelExportSound::trackOf(const QString &file)
+AudioTrack KelExportSound::trackOf(const Source &source)
 {
     AudioTrack track;
-    track.path = speedAdjustedAudio(file, m_range.speed);
+    track.gain = source.gain;
+    track.path = speedAdjustedAudio(source.file, m_range.speed);
     track.startMs = m_range.startMs;
     track.endMs = m_range.endMs;
-    if (track.path != file)
+    if (track.path != source.file)
         track.speed = m_range.speed; // the range is in recording time, wherever the file has it
     return track;
 }
@@ -71,7 +73,7 @@ QString KelExportSound::speedAdjustedAudio(const QString &path, double speed)
     const QString adjusted = QString("%1/speed_adjusted_%2_%3.wav")
                                  .arg(m_temporaryDir, QString::number(speed, 'f', 1), QFileInfo(path).baseName());
     const double before = m_share;
-    const auto note = [&](int percent) { m_share = before + kAdjustingShare / m_files.size() * percent / 100; };
+    const auto note = [&](int percent) { m_share = before + kAdjustingShare / m_sources.size() * percent / 100; };
     const auto connection = QObject::connect(&m_processor, &KelAudioSpeedProcessor::progressChanged, note);
     const bool isAdjusted = m_processor.processAudio(path, speed, adjusted);
     QObject::disconnect(connection);

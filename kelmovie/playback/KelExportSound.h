@@ -5,14 +5,13 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
 #include <atomic>
 
 class KelPlaybackVoiceTrack;
 
-/// Adds a recording's sound to its exported video: what was recorded, unless it is switched off, in the exported range
-/// and at the exported speed.
+/// Adds a recording's sound to its exported video: what is heard when the recording is played, as loud as it is then,
+/// in the exported range and at the exported speed.
 class KelExportSound
 {
 public:
@@ -28,7 +27,7 @@ public:
                    const QString &temporaryDir);
 
     /// There is nothing to be heard.
-    bool isEmpty() const { return m_files.isEmpty(); }
+    bool isEmpty() const { return m_sources.isEmpty(); }
 
     /// Once, on any thread: makes `output` of `video` and the sound. False on failure, and then `output` is as it was.
     bool addTo(const QString &video, const QString &output);
@@ -42,12 +41,17 @@ public:
     QString errorString() const { return m_errorString; }
 
 private:
-    AudioTrack trackOf(const QString &file);
+    struct Source {
+        QString file;
+        double gain;
+    };
+
+    AudioTrack trackOf(const Source &source);
     QString speedAdjustedAudio(const QString &path, double speed);
 
     const Range m_range;
     const QString m_temporaryDir;
-    QStringList m_files;
+    QList<Source> m_sources;
     KelAudioSpeedProcessor m_processor;
     std::atomic<double> m_share{0.0};
     std::atomic<bool> m_isCancelled{false};

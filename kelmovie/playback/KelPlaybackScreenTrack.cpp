@@ -11,7 +11,6 @@
 #include <QPainter>
 
 #include <algorithm>
-#include <chrono>
 #include <numeric>
 
 KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QString &directory,
@@ -165,9 +164,9 @@ void KelPlaybackScreenTrack::prefetch(int frame)
                          [decoder = m_decoder.get(), videoFrame] { return decoder->decodeFrame(videoFrame); });
 }
 
-bool KelPlaybackScreenTrack::isPrefetching() const
+bool KelPlaybackScreenTrack::waitForPrefetch(std::chrono::milliseconds limit) const
 {
-    return m_ahead.valid() && m_ahead.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+    return !m_ahead.valid() || m_ahead.wait_for(limit) == std::future_status::ready;
 }
 
 /// The decoder works for one at a time: what was begun is awaited, whether it is wanted or not.

@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QSize>
 
+#include <chrono>
 #include <future>
 #include <memory>
 #include <vector>
@@ -44,7 +45,8 @@ public:
     /// Begins to decode what `frame` shows on a thread of its own; the next seek need not wait for it then. Does
     /// nothing while that thread is busy, or when there is nothing to decode.
     void prefetch(int frame);
-    bool isPrefetching() const;
+    /// Whether that thread is not busy, once at most `limit` has passed.
+    bool waitForPrefetch(std::chrono::milliseconds limit) const;
     /// Keeps the present picture, so that a later seek back to it need not decode.
     void keepPicture();
     void dropKeptPicture();

@@ -477,9 +477,9 @@ void KelPlaybackTrackManager::prefetch(int frame)
         d->screenTrack->prefetch(frame);
 }
 
-bool KelPlaybackTrackManager::isPrefetching() const
+bool KelPlaybackTrackManager::waitForPrefetch(std::chrono::milliseconds limit) const
 {
-    return d->screenTrack && d->screenTrack->isPrefetching();
+    return !d->screenTrack || d->screenTrack->waitForPrefetch(limit);
 }
 
 void KelPlaybackTrackManager::paint(QPainter *painter)

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <memory>
 
 class KelPlaybackVoiceTrack;
@@ -88,10 +89,11 @@ public:
     /// setFrameSilently(), with the mouse effects under way that began before `frame`, as if it had been played up to
     /// there.
     void setFrameAsPlayed(int frame);
-    /// Begins to decode what `frame` shows in the background, so that a setFrameSilently() to it does not wait once
-    /// isPrefetching() is false.
+    /// Begins to decode what `frame` shows in the background: once waitForPrefetch() is true, a setFrameSilently() to
+    /// it takes next to no time.
     void prefetch(int frame);
-    bool isPrefetching() const;
+    /// Whether nothing is being decoded in the background, once at most `limit` has passed.
+    bool waitForPrefetch(std::chrono::milliseconds limit) const;
     /// Paints the current frame, pictureSize() large, at the painter's origin. A null painter does nothing.
     void paint(QPainter *painter);
     /// Grows whenever paint() may draw something else than before. As long as it does not, paint() draws exactly the

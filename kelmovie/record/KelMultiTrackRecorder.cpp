@@ -98,12 +98,12 @@ QString KelMultiTrackRecorder::Private::createManager(KelMultiTrackRecorder *rec
     connect(recordManager.get(), &KelRecordTrackManager::frameLimitReached, recorder,
             &KelMultiTrackRecorder::stopAtFrameLimit, Qt::QueuedConnection);
 
-    const QStringList failures = recordManager->takeFailures();
+    const auto failures = recordManager->takeFailures();
     if (failures.isEmpty())
         return {};
     recordManager.reset();
     directory.discard();
-    return failures.first();
+    return failures.first().text();
 }
 
 KelMultiTrackRecorder::KelMultiTrackRecorder(QObject *parent)
@@ -321,9 +321,12 @@ void KelMultiTrackRecorder::reportTrackFailures()
 {
     if (!d->recordManager)
         return;
-    const QStringList failures = d->recordManager->takeFailures();
-    for (const QString &failure : failures)
-        reportError(failure);
+    const auto failures = d->recordManager->takeFailures();
+    for (const auto &failure : failures) {
+        if (!failure.track.isEmpty())
+            emit trackFailed(failure.track, failure.problem);
+        reportError(failure.text());
+    }
 }
 
 void KelMultiTrackRecorder::stopAtFrameLimit()

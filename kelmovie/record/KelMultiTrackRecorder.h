@@ -100,8 +100,13 @@ signals:
     void recordingResumed();
 
     /// An operation failed, or a track of the running recording did; the other tracks go on then. English; a track's
-    /// failure begins with its name: "Screen track: ", "Mouse track: ", "Keyboard track: ".
+    /// failure begins with its name and a colon.
     void recordingError(const QString &error);
+
+    /// A track of the running recording failed, for the first time; the other tracks go on. recordingError() with both
+    /// texts follows at once. Tracks: "Screen track", "Mouse track", "Keyboard track", "System audio track",
+    /// "Microphone track".
+    void trackFailed(const QString &track, const QString &problem);
 
 private:
     class Private;

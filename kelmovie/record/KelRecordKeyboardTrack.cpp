@@ -141,6 +141,7 @@ KelRecordKeyboardTrack::KelRecordKeyboardTrack(const QRect &recordArea, const QS
     , d(std::make_unique<KelRecordKeyboardTrackPrivate>(trackDir + QStringLiteral("/keyboard.keymeta"),
                                                         recordArea.size()))
 {
+    setObjectName(QStringLiteral("Keyboard track"));
     QDir().mkpath(trackDir);
 }
 
@@ -190,6 +191,5 @@ void KelRecordKeyboardTrack::disableCapture()
 
 void KelRecordKeyboardTrack::fail()
 {
-    reportFailure(QStringLiteral("Keyboard track"),
-                  QStringLiteral("cannot write %1: %2").arg(d->file.path(), d->file.errorString()));
+    reportFailure(objectName(), QStringLiteral("cannot write %1: %2").arg(d->file.path(), d->file.errorString()));
 }

@@ -214,6 +214,7 @@ KelRecordMouseTrack::KelRecordMouseTrack(const QRect &recordArea, const QString 
     : KelRecordTrack(recordArea, trackDir)
     , d(std::make_unique<KelRecordMouseTrackPrivate>(recordArea, trackDir))
 {
+    setObjectName(QStringLiteral("Mouse track"));
 }
 
 KelRecordMouseTrack::~KelRecordMouseTrack() = default;
@@ -342,5 +343,5 @@ void KelRecordMouseTrack::fail(const QString &path, const QString &error)
     if (std::exchange(d->hasFailed, true))
         return;
     qWarning() << "[KelRecordMouseTrack] cannot write" << path << error;
-    reportFailure(QStringLiteral("Mouse track"), QStringLiteral("cannot write %1: %2").arg(path, error));
+    reportFailure(objectName(), QStringLiteral("cannot write %1: %2").arg(path, error));
 }

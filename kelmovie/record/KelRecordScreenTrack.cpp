@@ -65,10 +65,10 @@ KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QStrin
     , m_streamer(std::move(streamer))
     , m_encoder(std::move(encoder))
 {
+    setObjectName(QStringLiteral("Screen track"));
     reportStreamerFailure();
     if (m_encoder) {
-        m_encoder->setErrorHandler(
-            [this](const QString &problem) { reportFailure(QStringLiteral("Screen track"), problem); });
+        m_encoder->setErrorHandler([this](const QString &problem) { reportFailure(objectName(), problem); });
     }
 }
 
@@ -137,7 +137,7 @@ void KelRecordScreenTrack::finishFiles(qint64 frameCount)
     const QFileInfo video(m_videoPath);
     if (!video.exists() || video.size() == 0) {
         qCritical() << "Failed to generate video file:" << m_videoPath;
-        reportFailure(QStringLiteral("Screen track"), QStringLiteral("no video was recorded in %1").arg(m_videoPath));
+        reportFailure(objectName(), QStringLiteral("no video was recorded in %1").arg(m_videoPath));
     }
 }
 
@@ -172,11 +172,11 @@ void KelRecordScreenTrack::reportStreamerFailure()
 {
     const QString problem = m_streamer->errorString();
     if (!problem.isEmpty())
-        reportFailure(QStringLiteral("Screen track"), problem);
+        reportFailure(objectName(), problem);
 }
 
 void KelRecordScreenTrack::reportIndexFailure()
 {
-    reportFailure(QStringLiteral("Screen track"),
+    reportFailure(objectName(),
                   QStringLiteral("cannot write %1: %2").arg(m_indexFile.path(), m_indexFile.errorString()));
 }

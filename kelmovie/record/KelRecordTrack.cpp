@@ -1,7 +1,5 @@
 #include "record/KelRecordTrack.h"
 
-#include <utility>
-
 KelRecordTrack::KelRecordTrack(const QRect &recordArea, const QString &trackDir, QObject *parent)
     : QObject(parent)
     , m_recordArea(recordArea)
@@ -19,7 +17,7 @@ void KelRecordTrack::pauseRecording() {}
 
 void KelRecordTrack::checkpoint(qint64) {}
 
-void KelRecordTrack::setFailureHandler(std::function<void(const QString &)> handler)
+void KelRecordTrack::setFailureHandler(const FailureHandler &handler)
 {
     QMap<QString, QString> earlier;
     {
@@ -27,21 +25,20 @@ void KelRecordTrack::setFailureHandler(std::function<void(const QString &)> hand
         m_failureHandler = handler;
         earlier = m_failures;
     }
-    for (const QString &failure : qAsConst(earlier))
-        handler(failure);
+    for (auto failure = earlier.cbegin(); failure != earlier.cend(); ++failure)
+        handler(failure.key(), failure.value());
 }
 
-void KelRecordTrack::reportFailure(const QString &source, const QString &problem)
+void KelRecordTrack::reportFailure(const QString &track, const QString &problem)
 {
-    const QString failure = source + QStringLiteral(": ") + problem;
-    std::function<void(const QString &)> handler;
+    FailureHandler handler;
     {
         std::lock_guard lock(m_failureMutex);
-        if (m_failures.contains(source))
+        if (m_failures.contains(track))
             return;
-        m_failures.insert(source, failure);
+        m_failures.insert(track, problem);
         handler = m_failureHandler;
     }
     if (handler)
-        handler(failure);
+        handler(track, problem);
 }

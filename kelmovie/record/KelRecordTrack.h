@@ -38,19 +38,20 @@ public:
     const QRect &recordArea() const { return m_recordArea; }
     const QString &trackDir() const { return m_trackDir; }
 
-    /// Who is told, in English, when the track cannot do its work: once a source, on the thread on which that is found
-    /// out. Failures from before this call are told at once. Set before the track moves to its thread.
-    void setFailureHandler(std::function<void(const QString &)> handler);
+    /// Who is told, in English, when the track cannot do its work: once each track, on the thread on which that is
+    /// found out. Failures from before this call are told at once. Set before the track moves to its thread.
+    using FailureHandler = std::function<void(const QString &track, const QString &problem)>;
+    void setFailureHandler(const FailureHandler &handler);
 
-    /// Keeps and tells the first failure of each `source` (what of the track failed, for people: "Screen track"); the
-    /// track goes on as well as it can. Any thread.
-    void reportFailure(const QString &source, const QString &problem);
+    /// Keeps and tells the first failure of each `track`, which is this one's objectName(), for people ("Screen
+    /// track"), unless it consists of several. The track goes on as well as it can. Any thread.
+    void reportFailure(const QString &track, const QString &problem);
 
 private:
     const QRect m_recordArea;
     const QString m_trackDir;
 
     std::mutex m_failureMutex;
-    QMap<QString, QString> m_failures; // of each source
-    std::function<void(const QString &)> m_failureHandler;
+    QMap<QString, QString> m_failures; // track -> problem
+    FailureHandler m_failureHandler;
 };

@@ -73,7 +73,8 @@ void KelRecordTrackManager::createTracks()
         addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(QStringLiteral("/Keyboard"))));
     if (m_config.systemAudio || m_config.microphone) {
         m_voiceTrack = new KelRecordVoiceTrack(m_recordArea, createTrackDir(QStringLiteral("/Voice")), this);
-        m_voiceTrack->setFailureHandler([this](const QString &problem) { addFailure(problem); });
+        m_voiceTrack->setFailureHandler(
+            [this](const QString &name, const QString &problem) { addFailure(name, problem); });
         m_voiceTrack->setSystemAudioEnabled(m_config.systemAudio);
         m_voiceTrack->setMicrophoneEnabled(m_config.microphone);
     }
@@ -88,7 +89,7 @@ QString KelRecordTrackManager::createTrackDir(const QString &name) const
 
 void KelRecordTrackManager::addTrack(KelRecordTrack *track)
 {
-    track->setFailureHandler([this](const QString &problem) { addFailure(problem); });
+    track->setFailureHandler([this](const QString &name, const QString &problem) { addFailure(name, problem); });
     m_threads.append(new KelRecordTrackThreadWrap(track, this));
 }
 
@@ -221,17 +222,17 @@ KelRecordKeyboardTrack *KelRecordTrackManager::keyboardTrack() const
     return findTrack<KelRecordKeyboardTrack>();
 }
 
-QStringList KelRecordTrackManager::takeFailures()
+QList<KelRecordTrackManager::Failure> KelRecordTrackManager::takeFailures()
 {
     std::lock_guard lock(m_failuresMutex);
     return std::exchange(m_failures, {});
 }
 
-void KelRecordTrackManager::addFailure(const QString &problem)
+void KelRecordTrackManager::addFailure(const QString &track, const QString &problem)
 {
     {
         std::lock_guard lock(m_failuresMutex);
-        m_failures.append(problem);
+        m_failures.append({track, problem});
     }
     emit trackFailed();
 }
@@ -266,8 +267,8 @@ void KelRecordTrackManager::saveMetadata(qint64 durationMs)
     QString error;
     if (!metadata(durationMs).save(m_config.directory, &error)) {
         qCritical() << "Failed to save manager metadata:" << error;
-        addFailure(QStringLiteral("Metadata: cannot write %1: %2")
-                       .arg(KelRecordingMetadata::filePath(m_config.directory), error));
+        addFailure({}, QStringLiteral("Metadata: cannot write %1: %2")
+                           .arg(KelRecordingMetadata::filePath(m_config.directory), error));
     }
 }
 

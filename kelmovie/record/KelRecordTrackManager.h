@@ -4,7 +4,6 @@
 #include <QObject>
 #include <QRect>
 #include <QString>
-#include <QStringList>
 #include <QTimer>
 
 #include <functional>
@@ -69,8 +68,15 @@ public:
     /// The frames that fit into a recording have been ticked; the clock stands still.
     bool isAtFrameLimit() const { return m_frameIndex >= MaxFrames; }
 
+    struct Failure {
+        QString track; ///< such as "Screen track"; empty: the recording as a whole
+        QString problem;
+
+        QString text() const { return track.isEmpty() ? problem : track + QStringLiteral(": ") + problem; }
+    };
+
     /// What went wrong since the last call: the first failure of each track, in English. Any thread.
-    QStringList takeFailures();
+    QList<Failure> takeFailures();
 
 signals:
     /// takeFailures() has something to tell. Emitted on any thread.
@@ -90,7 +96,7 @@ private:
     Track *findTrack() const;
     void createTracks();
     QString createTrackDir(const QString &name) const;
-    void addFailure(const QString &problem);
+    void addFailure(const QString &track, const QString &problem);
 
     qint64 recordedMs() const;
     KelRecordingMetadata metadata(qint64 durationMs) const;
@@ -118,5 +124,5 @@ private:
     QList<double> m_instantFps;
 
     std::mutex m_failuresMutex;
-    QStringList m_failures;
+    QList<Failure> m_failures;
 };

@@ -26,7 +26,7 @@ KelRecordTrackThreadWrap::KelRecordTrackThreadWrap(KelRecordTrack *track, QObjec
 
     start(QThread::InheritPriority);
     if (!isRunning() && m_track)
-        m_track->reportFailure(QStringLiteral("Recording thread"), QStringLiteral("it could not be started"));
+        m_track->reportFailure(m_track->objectName(), QStringLiteral("its thread could not be started"));
 
     connect(this, &KelRecordTrackThreadWrap::doFrameTriggered, m_worker, &KelRecordTrackWorker::onFrameTriggered,
             Qt::QueuedConnection);

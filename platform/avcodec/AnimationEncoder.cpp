@@ -80,6 +80,11 @@ bool AnimationEncoder::fail(const QString &reason)
     return false;
 }
 
+bool AnimationEncoder::waitForRoom(std::chrono::milliseconds limit)
+{
+    return !m_writer || m_writer->waitForRoom(limit);
+}
+
 bool AnimationEncoder::addFrame(quint64 index, const QImage &image)
 {
     if (!isValid() || m_closed)
@@ -221,16 +226,16 @@ bool AnimationEncoder::close()
         fail(m_file.errorString());
         saveWholeFrames();
     }
-    return isValid();
+    m_isComplete = isValid();
+    return m_isComplete;
 }
 
 void AnimationEncoder::abort()
 {
-    if (m_closed)
+    if (m_isComplete)
         return;
-    m_closed = true;
+    m_error.set(QStringLiteral("Aborted"));
     m_cancelled = true;
     if (m_writer)
         m_writer->abort();
-    m_error.set(QStringLiteral("Aborted"));
 }

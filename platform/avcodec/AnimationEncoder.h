@@ -31,6 +31,7 @@ public:
     bool isValid() const override { return !m_error.isSet(); }
 
     /// Images have the encoder's size. Alpha is taken as painted on black.
+    bool waitForRoom(std::chrono::milliseconds limit) override;
     bool addFrame(quint64 index, const QImage &image) override;
     bool holdUntil(quint64 end) override;
     bool close() override;
@@ -76,6 +77,7 @@ private:
     bool m_closed = false;
 
     std::atomic<bool> m_cancelled{false};
+    std::atomic<bool> m_isComplete{false};
     std::atomic<quint64> m_framesWritten{0};
     FirstError m_error;
 

@@ -40,6 +40,13 @@ public:
         return m_pending >= m_capacity;
     }
 
+    /// Whether push() need not wait, once at most `limit` has passed.
+    bool waitForRoom(std::chrono::milliseconds limit) const
+    {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, limit, [this] { return m_closed || m_pending < m_capacity; });
+    }
+
     /// Hands over an item, waiting for room at most `limit`. False when the worker has ended or the limit was reached.
     bool push(Item item, std::chrono::milliseconds limit = std::chrono::minutes(1))
     {
@@ -105,7 +112,7 @@ private:
     const std::size_t m_capacity;
     const Handler m_handler;
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
+    mutable std::condition_variable m_changed;
     std::deque<Item> m_items;
     std::size_t m_pending = 0; // queued and in work
     bool m_closed = false;

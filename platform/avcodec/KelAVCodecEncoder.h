@@ -3,6 +3,8 @@
 #include <QImage>
 #include <QString>
 
+#include <chrono>
+
 /// An encoder that writes one file, frame by frame, on threads of its own. Used by one thread.
 ///
 /// Frames are numbered from 0 and all last equally long. A picture is shown until the next one's frame, so one that is
@@ -17,13 +19,17 @@ public:
     /// The file is open and nothing has failed so far. Once false it stays false, and errorString() says why.
     virtual bool isValid() const = 0;
 
+    /// Whether addFrame() and holdUntil() can go ahead without waiting for the encoder, once at most `limit` has
+    /// passed.
+    virtual bool waitForRoom(std::chrono::milliseconds) { return true; }
+
     /// Takes the picture that is shown from frame `index` on, which rises from call to call; frames left out repeat the
     /// picture before. The image is copied or converted before the call returns, so the caller may paint into it again.
     /// Waits while the queue is full. False when the encoder has failed.
     virtual bool addFrame(quint64 index, const QImage &image) = 0;
 
-    /// Shows the latest picture until frame `end`, where the next one or the end of the file comes; does nothing when it
-    /// is shown for that long already. False when the encoder has failed, or there is no picture yet.
+    /// Shows the latest picture until frame `end`, where the next one or the end of the file comes; does nothing when
+    /// it is shown for that long already. False when the encoder has failed, or there is no picture yet.
     virtual bool holdUntil(quint64 end) = 0;
 
     /// Encodes what is queued and finishes the file. False when it is not complete. Later calls answer the same.

@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <system_error>
 
@@ -114,7 +115,7 @@ QString MixJob::openSound(const QList<AudioTrack> &tracks)
         auto reader = std::make_unique<AudioReader>();
         QString reason;
         if (reader->open(track, &reason)) {
-            m_mix.add(std::move(reader));
+            m_mix.add(std::move(reader), std::isfinite(track.gain) ? std::max(track.gain, 0.0) : 1.0);
             continue;
         }
         problem = QStringLiteral("Cannot read sound %1: %2").arg(track.path, reason);

@@ -17,10 +17,10 @@ bool canMixInto(const QString &path);
 /// Puts a video and the sum of sound tracks into one file. The video is copied as it is; the sound becomes 48 kHz
 /// stereo.
 ///
-/// Each track keeps its level. Where the sum would exceed full scale, it is lowered smoothly. Sound begins and ends
-/// with the picture, silence filling up what the tracks leave; a video of a single picture is a still, which is shown
-/// for as long as there is sound. A track that cannot be read is left out with a warning as long as another one can be
-/// read.
+/// Each track is amplified by its gain. Where the sum would exceed full scale, it is lowered smoothly. Sound begins and
+/// ends with the picture, silence filling up what the tracks leave; a video of a single picture is a still, which is
+/// shown for as long as there is sound. A track that cannot be read is left out with a warning as long as another one
+/// can be read.
 ///
 /// The output's suffix chooses the container: mp4, m4v, mov, mkv with AAC, the index in front where there is one; m4a,
 /// mka, aac, mp3, wav, flac, ogg, oga, opus without the picture.

@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <utility>
 
-void SoundMix::add(std::unique_ptr<AudioReader> reader)
+void SoundMix::add(std::unique_ptr<AudioReader> reader, double gain)
 {
-    m_readers.push_back(std::move(reader));
+    m_sources.push_back({std::move(reader), float(gain)});
 }
 
 qint64 SoundMix::expectedLength() const
 {
     qint64 length = 0;
-    for (const auto &reader : m_readers)
-        length = std::max(length, reader->expectedLength());
+    for (const Source &source : m_sources)
+        length = std::max(length, source.reader->expectedLength());
     return length;
 }
 
@@ -39,11 +39,11 @@ void SoundMix::readSum(float *left, float *right, int count)
     std::fill_n(left, count, 0.0F);
     std::fill_n(right, count, 0.0F);
     int longest = 0;
-    for (const auto &reader : m_readers) {
-        const int length = reader->read(sourceLeft, sourceRight, count);
+    for (const Source &source : m_sources) {
+        const int length = source.reader->read(sourceLeft, sourceRight, count);
         for (int i = 0; i < length; ++i) {
-            left[i] += sourceLeft[i];
-            right[i] += sourceRight[i];
+            left[i] += source.gain * sourceLeft[i];
+            right[i] += source.gain * sourceRight[i];
         }
         longest = std::max(longest, length);
     }

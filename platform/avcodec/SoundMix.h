@@ -8,12 +8,13 @@
 #include <memory>
 #include <vector>
 
-/// The sum of several sounds, each at its own level, kept within full scale.
+/// The sum of several sounds, each amplified as told, kept within full scale.
 class SoundMix
 {
 public:
-    void add(std::unique_ptr<AudioReader> reader);
-    bool isEmpty() const { return m_readers.empty(); }
+    /// `gain`: the factor of its level.
+    void add(std::unique_ptr<AudioReader> reader, double gain);
+    bool isEmpty() const { return m_sources.empty(); }
 
     /// Samples after which all sources have ended, as far as their files tell.
     qint64 expectedLength() const;
@@ -25,7 +26,12 @@ public:
 private:
     void readSum(float *left, float *right, int count);
 
-    std::vector<std::unique_ptr<AudioReader>> m_readers;
+    struct Source {
+        std::unique_ptr<AudioReader> reader;
+        float gain;
+    };
+
+    std::vector<Source> m_sources;
     PeakLimiter m_limiter;
     qint64 m_taken = 0;  // from the sources, silence after their end included
     qint64 m_length = 0; // of the sources' sound

@@ -48,6 +48,7 @@ class h264Encoder::Private
 public:
     explicit Private(const Params &p);
 
+    bool waitForRoom(std::chrono::milliseconds limit) const { return !worker || worker->waitForRoom(limit); }
     bool addFrame(quint64 index, const QImage &image);
     bool holdUntil(quint64 end);
     bool close();
@@ -253,6 +254,11 @@ h264Encoder::~h264Encoder() = default;
 bool h264Encoder::isValid() const
 {
     return !d->error.isSet();
+}
+
+bool h264Encoder::waitForRoom(std::chrono::milliseconds limit)
+{
+    return d->waitForRoom(limit);
 }
 
 bool h264Encoder::addFrame(quint64 index, const QImage &image)

@@ -31,6 +31,7 @@ public:
 
     bool isValid() const override;
 
+    bool waitForRoom(std::chrono::milliseconds limit) override;
     bool addFrame(quint64 index, const QImage &image) override;
     bool holdUntil(quint64 end) override;
     bool close() override;

@@ -20,7 +20,8 @@
 /// What the encoder of a test does, and what it was given.
 struct EncoderScript {
     bool isValid = true;
-    int failAtFrame = -1; ///< addFrame() refuses this one
+    int failAtFrame = -1;   ///< addFrame() refuses this one
+    int fullFromFrame = -1; ///< the queue is full for good once it has so many
     bool closeFails = false;
     bool hangsInClose = false;     ///< close() waits for abort()
     QByteArray output = "encoded"; ///< what close() writes into the file; a null array: no file at all
@@ -32,6 +33,7 @@ struct EncoderScript {
     int quality = 0;
     QString extra;
     QVector<int> frames;   ///< of the scripted video, read back from the pictures
+    int pictures = 0;      ///< that were handed over; others were repeated
     QVector<QRgb> corners; ///< the last pixel of each picture
     std::atomic<bool> aborted{false};
     bool closed = false;
@@ -48,12 +50,19 @@ public:
     }
 
     bool isValid() const override { return m_script->isValid; }
+    bool waitForRoom(std::chrono::milliseconds) override
+    {
+        return m_script->fullFromFrame < 0 || m_script->frames.size() < m_script->fullFromFrame;
+    }
     bool addFrame(quint64 index, const QImage &image) override
     {
         if (m_script->onFrame)
             m_script->onFrame(int(index));
-        if (int(index) == m_script->failAtFrame || index != quint64(m_script->frames.size()))
+        if (int(index) == m_script->failAtFrame || index < quint64(m_script->frames.size()))
             return false;
+        if (!m_script->frames.isEmpty())
+            holdUntil(index);
+        ++m_script->pictures;
         m_script->frames.append(frameOfColor(image.pixel(0, 0)));
         m_script->corners.append(image.pixel(image.width() - 1, image.height() - 1));
         return true;

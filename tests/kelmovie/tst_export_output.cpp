@@ -1,12 +1,10 @@
 #include "playback/ExportOutput.h"
+#include "support/FileSizeLimit.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <csignal>
-#include <sys/resource.h>
 
 class ExportOutputTest : public QObject
 {
@@ -24,10 +22,10 @@ private slots:
 
     void findsProblems_data();
     void findsProblems();
+    void moves_data();
     void moves();
-    void replaces();
-    void keepsOldFileWhenStopped();
-    void keepsOldFileWhenTheDiskIsFull();
+    void keepsOldFile_data();
+    void keepsOldFile();
 
 private:
     QString path(const QString &name) const { return dir->filePath(name); }
@@ -43,6 +41,7 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> dir;
+    const QTemporaryDir otherDisk{"/dev/shm/kel_XXXXXX"};
 };
 
 void ExportOutputTest::findsProblems_data()
@@ -91,59 +90,88 @@ void ExportOutputTest::findsProblems()
     QCOMPARE(content("recording/Screen/screen_record.mp4"), QByteArray("video"));
 }
 
+void ExportOutputTest::moves_data()
+{
+    QTest::addColumn<bool>("isCopied");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("place");
+
+    for (bool isCopied : {false, true}) {
+        const QByteArray how = isCopied ? " from another disk" : "";
+        QTest::newRow("new" + how) << isCopied << "new.mp4"
+                                   << "new.mp4";
+        QTest::newRow("over a file" + how) << isCopied << "old.mp4"
+                                           << "old.mp4";
+        QTest::newRow("over what a link points to" + how) << isCopied << "link.mp4"
+                                                          << "recording/Screen/screen_record.mp4";
+    }
+}
+
 void ExportOutputTest::moves()
 {
-    write("video.mp4", "new");
-    QCOMPARE(moveOverFile(path("video.mp4"), path("new.mp4"), [](qint64) { return true; }), QString());
-    QCOMPARE(content("new.mp4"), QByteArray("new"));
-    QVERIFY(!QFile::exists(path("video.mp4")));
-}
+    QFETCH(bool, isCopied);
+    QFETCH(QString, name);
+    QFETCH(QString, place);
 
-void ExportOutputTest::replaces()
-{
     const QByteArray large(5'000'000, 'x');
-    write("video.mp4", large);
-    QFile::setPermissions(path("old.mp4"), QFile::ReadOwner | QFile::WriteOwner);
-    qint64 last = 0;
-    QCOMPARE(moveOverFile(path("video.mp4"), path("old.mp4"),
-                          [&](qint64 copied) {
-                              const bool rises = copied > last && content("old.mp4") == "old";
-                              last = copied;
-                              return rises;
-                          }),
-             QString());
-    QCOMPARE(last, qint64(large.size()));
-    QVERIFY(content("old.mp4") == large);
-    QVERIFY(!QFile::exists(path("video.mp4")));
-    QVERIFY(!(QFile::permissions(path("old.mp4")) & QFile::ReadOther));
-    QCOMPARE(QDir(dir->path()).entryList(QDir::Files), QStringList{"old.mp4"});
+    const QString from = isCopied ? otherDisk.filePath("video.mp4") : path("video.mp4");
+    QFile video(from);
+    QVERIFY(video.open(QIODevice::WriteOnly) && video.write(large) == large.size());
+    video.close();
+    QVERIFY(QFile::link(path("recording/Screen/screen_record.mp4"), path("link.mp4")));
+    const bool isNew = !QFile::exists(path(place));
+    const QByteArray before = content(place);
+    if (!isNew)
+        QVERIFY(QFile::setPermissions(path(place), QFile::ReadOwner | QFile::WriteOwner));
+    qint64 last = -1;
+    const auto goOn = [&](qint64 copied) {
+        const bool rises = copied > last && content(place) == before;
+        last = copied;
+        return rises;
+    };
+    QCOMPARE(moveOverFile(from, path(name), goOn), QString());
+    QCOMPARE(last, isCopied ? qint64(large.size()) : 0);
+    QVERIFY(content(place) == large);
+    QVERIFY(!QFile::exists(from));
+    QVERIFY(isNew || !(QFile::permissions(path(place)) & QFile::ReadOther));
+    QCOMPARE(QFileInfo(path("link.mp4")).isSymLink(), true);
 }
 
-void ExportOutputTest::keepsOldFileWhenStopped()
+void ExportOutputTest::keepsOldFile_data()
 {
-    write("video.mp4", QByteArray(5'000'000, 'x'));
-    QVERIFY(!moveOverFile(path("video.mp4"), path("old.mp4"), [](qint64) { return false; }).isEmpty());
-    QCOMPARE(content("old.mp4"), QByteArray("old"));
-    QVERIFY(!moveOverFile(path("missing.mp4"), path("old.mp4"), [](qint64) { return true; }).isEmpty());
-    QCOMPARE(content("old.mp4"), QByteArray("old"));
-    QCOMPARE(QDir(dir->path()).entryList(QDir::Files), (QStringList{"old.mp4", "video.mp4"}));
+    QTest::addColumn<bool>("isSourceThere");
+    QTest::addColumn<bool>("goesOn");
+    QTest::addColumn<qint64>("room");
+
+    QTest::newRow("stopped") << true << false << qint64(-1);
+    QTest::newRow("nothing to move") << false << true << qint64(-1);
+    QTest::newRow("full disk") << true << true << qint64(3'000'000);
 }
 
-void ExportOutputTest::keepsOldFileWhenTheDiskIsFull()
+void ExportOutputTest::keepsOldFile()
 {
-    write("video.mp4", QByteArray(5'000'000, 'x'));
-    rlimit limit{};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &limit), 0);
-    const rlimit before = limit;
-    limit.rlim_cur = 3'000'000;
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    const QString problem = moveOverFile(path("video.mp4"), path("old.mp4"), [](qint64) { return true; });
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
+    QFETCH(bool, isSourceThere);
+    QFETCH(bool, goesOn);
+    QFETCH(qint64, room);
+
+    const QString from = otherDisk.filePath("video.mp4");
+    QFile::remove(from);
+    QFile video(from);
+    if (isSourceThere)
+        QVERIFY(video.open(QIODevice::WriteOnly) && video.resize(5'000'000));
+    video.close();
+    QString problem;
+    const auto move = [&] { problem = moveOverFile(from, path("old.mp4"), [&](qint64) { return goesOn; }); };
+    if (room < 0) {
+        move();
+    } else {
+        const FileSizeLimit limit(room);
+        move();
+    }
     QVERIFY(!problem.isEmpty());
     QCOMPARE(content("old.mp4"), QByteArray("old"));
-    QCOMPARE(QDir(dir->path()).entryList(QDir::Files), (QStringList{"old.mp4", "video.mp4"}));
+    QCOMPARE(QDir(dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"old.mp4"});
+    QCOMPARE(QFile::exists(from), isSourceThere);
 }
 
 QTEST_GUILESS_MAIN(ExportOutputTest)

@@ -37,8 +37,8 @@ private slots:
     void init();
     void carriesSound_data();
     void carriesSound();
-    void leavesOutWhatIsOff_data();
-    void leavesOutWhatIsOff();
+    void soundsAsPlayed_data();
+    void soundsAsPlayed();
     void placesTheFile_data();
     void placesTheFile();
     void showsPicturesWithoutSound();
@@ -148,7 +148,7 @@ void ExportSoundTest::carriesSound()
     QVERIFY(isTidy());
 }
 
-void ExportSoundTest::leavesOutWhatIsOff_data()
+void ExportSoundTest::soundsAsPlayed_data()
 {
     QTest::addColumn<SetUp>("setUp");
     QTest::addColumn<double>("system");
@@ -160,6 +160,12 @@ void ExportSoundTest::leavesOutWhatIsOff_data()
     row("system audio muted", 0.0, 0.3, [this] { manager->voiceTrack()->setSystemAudioMuted(true); });
     row("system audio off", 0.0, 0.3, [this] { manager->voiceTrack()->setSystemAudioEnabled(false); });
     row("microphone without volume", 0.4, 0.0, [this] { manager->voiceTrack()->setMicrophoneVolume(0.0); });
+    row("as loud as it is played", 0.2, 0.6, [this] {
+        manager->voiceTrack()->setSystemAudioVolume(0.5);
+        manager->voiceTrack()->setMicrophoneVolume(0.8);
+        manager->voiceTrack()->setMicrophoneGain(2.5);
+    });
+    row("no gain", 0.0, 0.3, [this] { manager->voiceTrack()->setSystemAudioGain(0.0); });
     row("microphone not recorded", 0.4, 0.0, [this] {
         recording->metadata.microphoneAudio = false;
         recording->save();
@@ -176,7 +182,7 @@ void ExportSoundTest::leavesOutWhatIsOff_data()
     });
 }
 
-void ExportSoundTest::leavesOutWhatIsOff()
+void ExportSoundTest::soundsAsPlayed()
 {
     QFETCH(SetUp, setUp);
     QFETCH(double, system);

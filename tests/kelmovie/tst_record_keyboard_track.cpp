@@ -102,7 +102,8 @@ void TestRecordKeyboardTrack::init()
     m_track.reset();
     m_dir = std::make_unique<QTemporaryDir>();
     m_track = std::make_unique<KelRecordKeyboardTrack>(Area, m_dir->filePath("deep/Keyboard"));
-    m_track->setFailureHandler([this](const QString &problem) { m_failures << problem; });
+    m_track->setFailureHandler(
+        [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
 }
 
 /// "frame N", "KEY(hex) STATE", "start", "pause", "on", "off", "checkpoint", "stop"

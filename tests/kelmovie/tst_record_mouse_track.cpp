@@ -66,7 +66,8 @@ void TestRecordMouseTrack::init()
 std::unique_ptr<KelRecordMouseTrack> TestRecordMouseTrack::createTrack()
 {
     auto track = std::make_unique<KelRecordMouseTrack>(Area, m_dir->path());
-    track->setFailureHandler([this](const QString &problem) { m_failures << problem; });
+    track->setFailureHandler(
+        [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
     return track;
 }
 

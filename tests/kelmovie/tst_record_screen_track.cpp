@@ -90,7 +90,8 @@ std::unique_ptr<KelRecordScreenTrack> TestRecordScreenTrack::createTrack(bool wi
     auto track = std::make_unique<KelRecordScreenTrack>(
         QRect(0, 0, 10, 10), m_dir->path(), std::make_unique<ScriptedStreamer>(*m_script),
         withEncoder ? std::make_unique<ScriptedEncoder>(*m_script) : nullptr);
-    track->setFailureHandler([this](const QString &problem) { m_failures << problem; });
+    track->setFailureHandler(
+        [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
     return track;
 }
 

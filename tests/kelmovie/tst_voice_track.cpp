@@ -133,7 +133,8 @@ void tst_voice_track::startsAndStopsAgainAndAgain()
         const QString voice = directory.filePath(QString::number(i));
         KelRecordVoiceTrack track(QRect(), voice);
         QStringList failures;
-        track.setFailureHandler([&](const QString &problem) { failures << problem; });
+        track.setFailureHandler(
+            [&](const QString &name, const QString &problem) { failures << name + ": " + problem; });
         track.setSystemAudioEnabled(true);
         track.setMicrophoneEnabled(true);
         track.startRecording();
@@ -194,9 +195,9 @@ void tst_voice_track::goesOnWithoutSound()
     QStringList failures;
     {
         KelRecordVoiceTrack track(QRect(), directory.filePath("Voice"));
-        track.setFailureHandler([&](const QString &problem) {
+        track.setFailureHandler([&](const QString &name, const QString &problem) {
             const std::lock_guard lock(mutex);
-            failures << problem;
+            failures << name + ": " + problem;
         });
         track.setSystemAudioEnabled(!microphone);
         track.setMicrophoneEnabled(microphone);

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <functional>
+
+/// Work that nobody waits for, such as letting go of what takes its time. Tasks run one after the other, the last ones
+/// before the application object is gone. To be used from the GUI thread.
+class BackgroundTasks
+{
+public:
+    static void run(std::function<void()> task);
+};

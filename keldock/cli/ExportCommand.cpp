@@ -3,16 +3,17 @@
 #include "cli/Arguments.h"
 #include "cli/Console.h"
 #include "cli/LoadedRecording.h"
-#include "cli/OutputFile.h"
 #include "cli/ProgressBar.h"
 #include "cli/Units.h"
 #include <console/StopSignal.h>
 
 #include <KelMovie/KelExportPipeline.h>
+#include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <limits>
 
@@ -20,6 +21,7 @@ namespace
 {
 
 constexpr int MaxFps = 240;
+constexpr int MaxLoops = 65535;
 constexpr double MinSpeed = 0.1;
 constexpr double MaxSpeed = 16.0;
 
@@ -40,13 +42,53 @@ public:
     }
 
     void exportProgress(int percent) override { m_bar.show(percent); }
+    void exportStatus(const Status &status) override { m_bar.showNote(note(status)); }
     bool isExportCancelled() override { return m_stop.isRaised(); }
     void finish() { m_bar.finish(); }
 
 private:
+    /// Something that moves, also while a percent takes minutes.
+    static QString note(const Status &status)
+    {
+        const QString time =
+            status.leftMs < 0 ? Units::clock(status.elapsedMs) : Units::clock(status.leftMs) + QStringLiteral(" left");
+        switch (status.stage) {
+        case Status::Stage::Frames:
+            return QStringLiteral("%1/%2  %3").arg(status.done).arg(status.units).arg(time);
+        case Status::Stage::Finishing:
+            return QStringLiteral("finishing  %1").arg(time);
+        case Status::Stage::Sound:
+            return QStringLiteral("adding sound  %1").arg(time);
+        case Status::Stage::Placing:
+            return QStringLiteral("saving  %1").arg(time);
+        }
+        return QString();
+    }
+
     StopSignal m_stop;
     ProgressBar m_bar;
 };
+
+/// "small", "balanced", "best" or 0 to 100; -1 for anything else.
+int qualityNumber(const QString &given)
+{
+    const QStringList names{QStringLiteral("small"), QStringLiteral("balanced"), QStringLiteral("best")};
+    if (const int setting = names.indexOf(given); setting >= 0) {
+        gKelMovieConfig.saveQuality = setting;
+        return KelMovieExportQuality();
+    }
+    bool isNumber = false;
+    const int number = given.toInt(&isNumber);
+    return isNumber && number >= 0 && number <= 100 ? number : -1;
+}
+
+/// Empty when `given` is no size of at least one pixel.
+QSize parseSize(const QString &given)
+{
+    static const QRegularExpression form(QStringLiteral("^(\\d{1,5})x(\\d{1,5})$"));
+    const QRegularExpressionMatch match = form.match(given);
+    return QSize(match.captured(1).toInt(), match.captured(2).toInt());
+}
 
 } // namespace
 
@@ -67,11 +109,14 @@ QString ExportCommand::help() const
         "  --to MS        end there (default: its end)\n"
         "  --speed X      play X times as fast, 0.1 to 16 (default: 1)\n"
         "  --fps N        frames a second of the file, 1 to 240 (default: those of the recording)\n"
-        "  --quality N    0 (small) to 100 (faithful) (default: 90)\n"
+        "  --quality Q    small, balanced or best, or a number from 0 to 100 (default: balanced, which is 90)\n"
+        "  --loops N      play an animation N times; 0: over and over (default: 0)\n"
+        "  --size WxH     as large as fits into so many pixels, in its own proportions (default: as recorded)\n"
         "  --verbose      show the engine's log on standard error\n"
         "  --help         this text\n"
         "\n"
-        "A terminal shows the progress. Ctrl-C gives up and leaves no partial file.\n"
+        "A terminal shows the progress. Ctrl-C gives up and leaves nothing behind. Where an animation cannot be\n"
+        "completed, as on a full disk, its first part is kept as NAME.incomplete.SUFFIX.\n"
         "\n"
         "Examples:\n"
         "  keldock export hello hello.mp4\n"
@@ -82,7 +127,7 @@ QString ExportCommand::help() const
 QString ExportCommand::parse(const QStringList &arguments)
 {
     QList<QCommandLineOption> known;
-    for (const char *option : {"format", "from", "to", "speed", "fps", "quality"})
+    for (const char *option : {"format", "from", "to", "speed", "fps", "quality", "loops", "size"})
         known.append(QCommandLineOption(QLatin1String(option), QString(), QStringLiteral("value")));
     Arguments options(known, arguments);
 
@@ -94,7 +139,20 @@ QString ExportCommand::parse(const QStringList &arguments)
     m_toMs = options.integer(QStringLiteral("to"), 0, longest, m_toMs);
     m_speed = options.number(QStringLiteral("speed"), MinSpeed, MaxSpeed, m_speed);
     m_fps = options.integer(QStringLiteral("fps"), 1, MaxFps, m_fps);
-    m_quality = options.integer(QStringLiteral("quality"), 0, 100, m_quality);
+    m_loops = options.integer(QStringLiteral("loops"), 0, MaxLoops, m_loops);
+    if (options.isSet(QStringLiteral("quality"))) {
+        m_quality = qualityNumber(options.text(QStringLiteral("quality")));
+        if (m_quality < 0)
+            options.reject(QStringLiteral("--quality takes small, balanced, best or a number from 0 to 100, not '%1'")
+                               .arg(options.text(QStringLiteral("quality"))));
+    }
+    if (options.isSet(QStringLiteral("size"))) {
+        m_size = parseSize(options.text(QStringLiteral("size")));
+        if (m_size.isEmpty())
+            options.reject(QStringLiteral("--size takes WxH with a width and height of at least 1, e.g. 1280x720, not "
+                                          "'%1'")
+                               .arg(options.text(QStringLiteral("size"))));
+    }
     if (m_toMs >= 0 && m_toMs <= m_fromMs)
         options.reject(QStringLiteral("--to has to lie behind --from"));
 
@@ -122,16 +180,16 @@ QString ExportCommand::run()
         return recording.error();
     if (!recording.warning().isEmpty())
         Console::printError(QStringLiteral("keldock: ") + recording.warning());
-    OutputFile output(m_file);
-    if (!output.error().isEmpty())
-        return output.error();
 
     KelExportRequest request;
     request.format = m_format;
     request.fps = m_fps > 0 ? m_fps : qBound(1, recording.manager()->fps(), MaxFps);
     request.quality = m_quality;
     request.speed = m_speed;
-    request.outputPath = output.temporaryPath();
+    request.outputPath = m_file;
+    request.loops = m_loops;
+    if (!m_size.isEmpty())
+        request.size = recording.manager()->pictureSize().scaled(m_size, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     request.trackDataDir = m_directory;
     request.playbackManager = recording.manager();
     QString rangeError = chooseRange(recording, &request);
@@ -152,12 +210,9 @@ QString ExportCommand::run()
     }
     if (!pipeline.warningString().isEmpty())
         Console::printError(QStringLiteral("keldock: ") + pipeline.warningString());
-    QString error = output.commit();
-    if (error.isEmpty()) {
-        Console::print(QStringLiteral("%1  %2, exported in %3\n")
-                           .arg(m_file, Units::bytes(QFileInfo(m_file).size()), Units::seconds(timer.elapsed())));
-    }
-    return error;
+    Console::print(QStringLiteral("%1  %2, exported in %3\n")
+                       .arg(m_file, Units::bytes(QFileInfo(m_file).size()), Units::seconds(timer.elapsed())));
+    return QString();
 }
 
 QString ExportCommand::chooseRange(const LoadedRecording &recording, KelExportRequest *request) const

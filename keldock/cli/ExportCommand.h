@@ -2,6 +2,8 @@
 
 #include "cli/Command.h"
 
+#include <QSize>
+
 class LoadedRecording;
 struct KelExportRequest;
 
@@ -25,5 +27,7 @@ private:
     int m_toMs = -1;   ///< not given
     int m_fps = 0;     ///< that of the recording
     int m_quality = 90;
+    int m_loops = 0;
+    QSize m_size; ///< empty: as recorded
     double m_speed = 1.0;
 };

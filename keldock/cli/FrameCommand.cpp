@@ -10,18 +10,13 @@
 #include <QImageWriter>
 #include <QPainter>
 
-#include <algorithm>
-
 namespace
 {
 
 QImage composed(const LoadedRecording &recording, int frame)
 {
     KelPlaybackTrackManager *manager = recording.manager();
-    // Effects are played from frame to frame: the picture shall hold those that began before it.
-    constexpr int effectFrames = 120;
-    for (int earlier = std::max(0, frame - effectFrames); earlier <= frame; ++earlier)
-        manager->setFrameSilently(earlier);
+    manager->setFrameAsPlayed(frame);
     QImage image(recording.pixels(), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
         return image;

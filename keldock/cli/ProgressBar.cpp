@@ -10,7 +10,7 @@ namespace
 constexpr int DrawEveryMs = 100;
 constexpr int SmallestBar = 10;
 constexpr int WidestBar = 50;
-constexpr int EstimateAfterMs = 1000; // before that the estimate jumps about
+constexpr int NoteWidth = 24; // a bar that changes its length with the note would look as if it fell
 } // namespace
 
 ProgressBar::ProgressBar(const QString &label)
@@ -22,12 +22,23 @@ ProgressBar::ProgressBar(const QString &label)
 void ProgressBar::show(int percent)
 {
     m_percent = qBound(0, percent, 100);
+    draw();
+}
+
+void ProgressBar::showNote(const QString &note)
+{
+    m_note = note;
+    draw();
+}
+
+void ProgressBar::draw()
+{
     if (!m_line.isShown())
         return;
     if (m_percent < 100 && m_sinceDrawn.isValid() && m_sinceDrawn.elapsed() < DrawEveryMs)
         return;
     m_sinceDrawn.start();
-    m_line.show(line(m_percent, Console::width()));
+    m_line.show(line(Console::width()));
 }
 
 void ProgressBar::finish()
@@ -38,9 +49,10 @@ void ProgressBar::finish()
         m_line.clear();
 }
 
-QString ProgressBar::line(int percent, int columns) const
+QString ProgressBar::line(int columns) const
 {
-    const QString tail = QStringLiteral(" %1 %  %2").arg(percent, 3).arg(timeLeft(percent), -10);
+    const QString note = m_percent == 100 ? Units::clock(m_sinceStart.elapsed()) : m_note;
+    const QString tail = QStringLiteral(" %1 %  %2").arg(m_percent, 3).arg(note, -NoteWidth);
     QString head = m_label + QLatin1Char(' ');
     const int room = columns - 1 - tail.size();
     if (head.size() + SmallestBar > room)
@@ -48,18 +60,8 @@ QString ProgressBar::line(int percent, int columns) const
     const int cells = std::min(WidestBar, room - head.size());
     if (cells < SmallestBar)
         return tail.trimmed();
-    const int full = cells * percent / 100;
+    const int full = cells * m_percent / 100;
     const bool unicode = Console::showsUnicode();
     return head + QString(full, unicode ? QChar(0x2588) : QLatin1Char('#')) +
            QString(cells - full, unicode ? QChar(0x2591) : QLatin1Char('.')) + tail;
-}
-
-QString ProgressBar::timeLeft(int percent) const
-{
-    const qint64 elapsedMs = m_sinceStart.elapsed();
-    if (percent == 100)
-        return Units::clock(elapsedMs);
-    if (percent == 0 || elapsedMs < EstimateAfterMs)
-        return QString();
-    return Units::clock(elapsedMs * (100 - percent) / percent) + QStringLiteral(" left");
 }

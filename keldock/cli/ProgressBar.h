@@ -5,7 +5,7 @@
 #include <QElapsedTimer>
 #include <QString>
 
-/// A bar on the terminal with percent and the time that is left. Silent where there is no terminal.
+/// A bar on the terminal with percent and a note. Silent where there is no terminal.
 class ProgressBar
 {
 public:
@@ -15,14 +15,18 @@ public:
     /// 0 to 100. Draws at most some ten times a second.
     void show(int percent);
 
+    /// What is to stand behind the percent until it is full; the time that it took stands there then.
+    void showNote(const QString &note);
+
     /// Takes the bar away, or leaves it standing once it is full.
     void finish();
 
 private:
-    QString line(int percent, int columns) const;
-    QString timeLeft(int percent) const;
+    void draw();
+    QString line(int columns) const;
 
     const QString m_label;
+    QString m_note;
     TerminalLine m_line;
     QElapsedTimer m_sinceStart;
     QElapsedTimer m_sinceDrawn;

@@ -21,8 +21,6 @@
 namespace
 {
 
-constexpr int GifFormat = 1;
-
 void saveExitRecordAfterEncode(bool on)
 {
     gKelMovieConfig.encodeExitRecordAfterEncode = on;
@@ -268,7 +266,7 @@ bool KelMultiTrackRecorder::exportToVideo(const QString &path, int format)
 
 bool KelMultiTrackRecorder::exportToGif(const QString &path, int)
 {
-    return exportToVideo(path, GifFormat);
+    return exportToVideo(path, 1);
 }
 
 bool KelMultiTrackRecorder::exportToVideoWithTrim(const QString &path, int format, int trimStart, int trimEnd, int,
@@ -296,8 +294,7 @@ bool KelMultiTrackRecorder::runExport(KelExportRequest request, const QString &f
     }
     request.playbackManager = d->playbackManager.get();
     request.speed = d->playbackManager->speed();
-    if (request.format == GifFormat)
-        request.loops = gKelMovieConfig.encodeGifPlayLoop;
+    request.loops = gKelMovieConfig.encodeGifPlayLoop;
     request.autoExitAfterEncode = gKelMovieConfig.encodeExitRecordAfterEncode;
     request.onExitRecord = saveExitRecordAfterEncode;
     const ExportResult result = exportAsRequested(request);

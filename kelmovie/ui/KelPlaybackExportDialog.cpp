@@ -3,9 +3,11 @@
 #include "notification/KelMsgBox.h"
 #include "notification/KelToastsMessage.h"
 #include "playback/KelExportSeams.h"
+#include "ui/TimeText.h"
 #include "ui_KelPlaybackExportDialog.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QTimer>
 
 namespace
@@ -80,6 +82,31 @@ void KelPlaybackExportDialog::exportProgress(int percent)
     m_ui->progressBar->setValue(percent);
 }
 
+void KelPlaybackExportDialog::exportStatus(const Status &status)
+{
+    m_ui->labelStatus->setText(statusText(status));
+}
+
+QString KelPlaybackExportDialog::statusText(const Status &status)
+{
+    const bool isKnown = status.leftMs >= 0;
+    const QString time = TimeText::minutesSeconds(isKnown ? (status.leftMs + 999) / 1000 : status.elapsedMs / 1000, 1);
+    switch (status.stage) {
+    case Status::Stage::Frames: {
+        const QLocale locale;
+        const QString text = isKnown ? tr("Frame %1 of %2, about %3 left") : tr("Frame %1 of %2, %3 so far");
+        return text.arg(locale.toString(status.done), locale.toString(status.units), time);
+    }
+    case Status::Stage::Finishing:
+        return (isKnown ? tr("Finishing the file, about %1 left") : tr("Finishing the file, %1 so far")).arg(time);
+    case Status::Stage::Sound:
+        return (isKnown ? tr("Adding the sound, about %1 left") : tr("Adding the sound, %1 so far")).arg(time);
+    case Status::Stage::Placing:
+        return (isKnown ? tr("Saving the file, about %1 left") : tr("Saving the file, %1 so far")).arg(time);
+    }
+    return QString();
+}
+
 bool KelPlaybackExportDialog::isExportCancelled()
 {
     if (!m_sinceEvents.isValid() || m_sinceEvents.hasExpired(kEventIntervalMs)) {
@@ -91,13 +118,20 @@ bool KelPlaybackExportDialog::isExportCancelled()
 
 void KelPlaybackExportDialog::runExport()
 {
-    if (!m_pipeline.run()) {
+    const bool isComplete = m_pipeline.run();
+    restoreApplication();
+    if (!isComplete) {
         if (!m_cancelled)
             tellFailure();
         QDialog::reject();
         return;
     }
     m_isComplete = true;
+    tellWarning();
+    if (m_cancelled) { // too late
+        accept();
+        return;
+    }
     const bool exitsByItself = m_request.fromRecording && m_request.autoExitAfterEncode;
     if (exitsByItself) {
         m_exitRecord = true;
@@ -129,6 +163,13 @@ void KelPlaybackExportDialog::tellFailure()
     }
 }
 
+void KelPlaybackExportDialog::tellWarning()
+{
+    const QString warning = m_pipeline.warningString();
+    if (!warning.isEmpty())
+        KelMsgBox::warning(this, tr("Export Complete"), tr("The exported file lacks something"), warning);
+}
+
 void KelPlaybackExportDialog::showCompletePage()
 {
     setWindowTitle(tr("Export Complete"));
@@ -146,6 +187,16 @@ void KelPlaybackExportDialog::minimizeApplication()
     while (window->parentWidget())
         window = window->parentWidget();
     window->showMinimized();
+    m_minimized = window;
+}
+
+/// Where there is no taskbar, the user has no other way back to it.
+void KelPlaybackExportDialog::restoreApplication()
+{
+    if (!m_minimized || !m_minimized->isMinimized())
+        return;
+    m_minimized->setWindowState(m_minimized->windowState() & ~Qt::WindowMinimized);
+    activateWindow();
 }
 
 void KelPlaybackExportDialog::tellAutoExit(bool on) const

@@ -6,6 +6,7 @@
 
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QPointer>
 
 #include <memory>
 
@@ -17,7 +18,7 @@ class KelPlaybackExportDialog;
 }
 
 /// The modal dialog in which an export runs: progress, cancel, and after a recording the question whether to leave the
-/// recording mode. Needs a QApplication.
+/// recording mode. A window that was minimised from it comes back when the export is over. Needs a QApplication.
 class KELMOVIE_EXPORT KelPlaybackExportDialog : public QDialog, private KelExportMonitor
 {
     Q_OBJECT
@@ -44,18 +45,23 @@ public slots:
 
 private:
     void exportProgress(int percent) override;
+    void exportStatus(const Status &status) override;
     bool isExportCancelled() override;
 
     void runExport();
     void tellFailure();
+    void tellWarning();
+    static QString statusText(const Status &status);
     void showCompletePage();
     void minimizeApplication();
+    void restoreApplication();
     void tellAutoExit(bool on) const;
 
     const std::unique_ptr<Ui::KelPlaybackExportDialog> m_ui;
     const KelExportRequest m_request;
     KelExportPipeline m_pipeline;
     QElapsedTimer m_sinceEvents;
+    QPointer<QWidget> m_minimized;
     bool m_cancelled = false;
     bool m_isComplete = false;
     bool m_exitRecord = false;

@@ -40,7 +40,8 @@ void CommandLineTest::helpTeaches_data()
                                            "Examples:"};
     QTest::newRow("info") << QStringList{"info", "-h"} << QStringList{"--json", "Examples:"};
     QTest::newRow("export") << QStringList{"export", "x", "--help"}
-                            << QStringList{"--format", "--from", "--to", "--speed", "--fps", "--quality", "Examples:"};
+                            << QStringList{"--format",  "--from",  "--to",   "--speed",  "--fps",
+                                           "--quality", "--loops", "--size", "Examples:"};
     QTest::newRow("version") << QStringList{"--version"} << QStringList{"keldock 2.0.0", "2.0.0-multitrack"};
 }
 
@@ -93,6 +94,9 @@ void CommandLineTest::wrongUsage_data()
     row("export d f.mp4 --from -1", "--from takes a whole number");
     row("export d f.mp4 --from 500 --to 500", "--to has to lie behind --from");
     row("export d f.mp4 --quality 101", "from 0 to 100");
+    row("export d f.mp4 --quality good", "small, balanced, best");
+    row("export d f.mp4 --loops 65536", "from 0 to 65535");
+    row("export d f.mp4 --size 640x0", "--size takes WxH");
     row("frame d 0", "FILE.png is missing");
     row("frame d x f.png", "number of a frame");
     row("frame d 0 f.jpg", "does not end in .png");

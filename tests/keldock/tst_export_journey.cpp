@@ -76,9 +76,9 @@ void ExportJourneyTest::refusesExport_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("reason");
     QTest::newRow("onto a directory") << QStringList{"directory", "--format", "gif"} << "is a directory";
-    QTest::newRow("into nowhere") << QStringList{"nowhere/a.gif"} << "there is no directory";
-    QTest::newRow("onto a device") << QStringList{"/dev/null", "--format", "gif"} << "not an ordinary file";
-    QTest::newRow("where nobody may write") << QStringList{"/proc/a.gif"} << "cannot be written";
+    QTest::newRow("into nowhere") << QStringList{"nowhere/a.gif"} << "does not exist";
+    QTest::newRow("onto a device") << QStringList{"/dev/null", "--format", "gif"} << "not a regular file";
+    QTest::newRow("where nobody may write") << QStringList{"/proc/a.gif"} << "Cannot write";
     QTest::newRow("behind the end") << QStringList{"kept.gif", "--from", "60000"} << "lies behind the end";
 }
 
@@ -100,7 +100,9 @@ void ExportJourneyTest::cancelledExportLeavesNothing()
     const QString directory = path("cancelled");
     QVERIFY(QDir().mkpath(directory));
     QVERIFY(writeAll(directory + "/a.webp", "an older file"));
-    const auto entries = [&] { return QDir(directory).entryList(QDir::Files | QDir::Hidden); };
+    const auto entries = [&] {
+        return QDir(directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    };
     QProcess process;
     process.start(QStringLiteral(KELDOCK_PROGRAM),
                   {"export", m_recording, directory + "/a.webp", "--speed", "0.1", "--fps", "240", "--quality", "100"});

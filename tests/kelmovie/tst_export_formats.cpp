@@ -1,0 +1,302 @@
+#include "ExportScene.h"
+#include "ScriptedDecoder.h"
+#include "avcodec/DecodedAnimation.h"
+#include "avcodec/DecodedVideo.h"
+#include "support/FileSizeLimit.h"
+
+#include <KelMovie/KelExportPipeline.h>
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QtTest>
+
+#include <cmath>
+
+namespace
+{
+
+const QStringList kSuffixes{"mp4", "gif", "apng", "webp"};
+constexpr int kMp4 = 0;
+constexpr int kGif = 1;
+
+/// The brightness of a picture, as a video in the colours of HDTV has it.
+double lumaPsnr(const DecodedVideo &video, int frame, const QImage &wanted)
+{
+    double squares = 0;
+    for (int y = 0; y < wanted.height(); ++y) {
+        for (int x = 0; x < wanted.width(); ++x) {
+            const QRgb pixel = wanted.pixel(x, y);
+            const double luma =
+                16 + 219 * (0.2126 * qRed(pixel) + 0.7152 * qGreen(pixel) + 0.0722 * qBlue(pixel)) / 255;
+            squares += std::pow(luma - video.sample(frame, 0, x, y), 2);
+        }
+    }
+    const double mean = squares / (wanted.width() * wanted.height());
+    return mean > 0 ? 10 * std::log10(255 * 255 / mean) : 99;
+}
+
+} // namespace
+
+/// Exports with the real encoders, read back by the libraries that others read such files with.
+class ExportFormatsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void looksAsComposed_data();
+    void looksAsComposed();
+    void lastsAsLongAsTheRange_data();
+    void lastsAsLongAsTheRange();
+    void sizes_data();
+    void sizes();
+    void smallerForLessQuality_data();
+    void smallerForLessQuality();
+    void firstPartOfAnAnimationIsKept();
+
+private:
+    bool runExport(KelExportRequest request)
+    {
+        request.outputPath = path(request.format);
+        KelExportPipeline pipeline(request);
+        const bool isComplete = pipeline.run();
+        error = pipeline.errorString() + pipeline.warningString();
+        return isComplete;
+    }
+    QString path(int format) const { return outputDir.filePath("out." + kSuffixes[format]); }
+
+    const ExportScene scene;
+    const QTemporaryDir outputDir;
+    QString error;
+};
+
+void ExportFormatsTest::looksAsComposed_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<double>("psnrDb");
+
+    QTest::newRow("MP4") << 0 << 40.0;
+    QTest::newRow("GIF") << 1 << 40.0;
+    QTest::newRow("APNG") << 2 << 99.0;
+    QTest::newRow("WebP") << 3 << 99.0;
+}
+
+/// What was neither painted nor encoded again because nothing had changed, was not missed.
+void ExportFormatsTest::looksAsComposed()
+{
+    QFETCH(int, format);
+    QFETCH(double, psnrDb);
+
+    KelPlaybackTrackManager manager(scene.path(), false);
+    manager.seek(30); // where keys are shown and effects begin
+    KelExportRequest request;
+    request.format = format;
+    request.fps = ExportScene::Fps;
+    request.quality = 100;
+    request.playbackManager = &manager;
+    QVERIFY2(runExport(request), qPrintable(error));
+    QCOMPARE(error, QString());
+
+    const DecodedAnimation animation(format == kMp4 ? QString() : path(format));
+    const DecodedVideo video(format == kMp4 ? path(format) : QString());
+    QCOMPARE(format == kMp4 ? video.errorString : animation.errorString, QString());
+    KelPlaybackTrackManager reference(scene.path(), false);
+    QSet<QByteArray> pictures;
+    for (int frame = 0; frame < ExportScene::LogicFrames; ++frame) {
+        QImage wanted(ExportScene::Side, ExportScene::Side, QImage::Format_ARGB32_Premultiplied);
+        wanted.fill(Qt::black);
+        reference.setFrameSilently(frame);
+        QPainter painter(&wanted);
+        reference.paint(&painter);
+        painter.end();
+        pictures.insert(QByteArray(reinterpret_cast<const char *>(wanted.constBits()), int(wanted.sizeInBytes())));
+        const QByteArray place = "frame " + QByteArray::number(frame);
+        if (format == kMp4)
+            QVERIFY2(lumaPsnr(video, frame, wanted) >= psnrDb, place);
+        else if (format == kGif)
+            QVERIFY2(psnr(animation.at((frame + 0.5) * 1000 / ExportScene::Fps), wanted) >= psnrDb, place);
+        else
+            QVERIFY2(animation.at((frame + 0.5) * 1000 / ExportScene::Fps).convertToFormat(wanted.format()) == wanted,
+                     place);
+    }
+    // The scene stands still at times, and otherwise does not.
+    QVERIFY2(pictures.size() > 20 && pictures.size() < ExportScene::LogicFrames - 5,
+             QByteArray::number(pictures.size()));
+    if (format != kMp4)
+        QVERIFY(int(animation.frames.size()) < ExportScene::LogicFrames);
+}
+
+void ExportFormatsTest::lastsAsLongAsTheRange_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("to");
+    QTest::addColumn<double>("speed");
+    QTest::addColumn<int>("fps");
+    QTest::addColumn<int>("loops");
+
+    for (int format = 0; format < kSuffixes.size(); ++format) {
+        for (const auto &[from, to] : {std::pair{-1, -1}, {500, 1490}, {700, 700}}) {
+            for (double speed : {0.1, 1.0, 16.0}) {
+                for (int fps : {7, 25, 60}) {
+                    const int loops = fps == 25 ? 3 : 0;
+                    QTest::addRow("%s %d-%d at %g, %d a second", qPrintable(kSuffixes[format]), from, to, speed, fps)
+                        << format << from << to << speed << fps << loops;
+                }
+            }
+        }
+    }
+}
+
+void ExportFormatsTest::lastsAsLongAsTheRange()
+{
+    QFETCH(int, format);
+    QFETCH(int, from);
+    QFETCH(int, to);
+    QFETCH(double, speed);
+    QFETCH(int, fps);
+    QFETCH(int, loops);
+
+    RecordingFixture recording(50, 25);
+    KelPlaybackSeams seams;
+    seams.nowMs = [] { return 0; };
+    const auto script = std::make_shared<DecoderScript>();
+    script->frameCount = 50;
+    seams.decoders = scriptedDecoders(script);
+    KelPlaybackTrackManager manager(recording.path(), false, seams, nullptr);
+    KelExportRequest request;
+    request.format = format;
+    request.fps = fps;
+    request.speed = speed;
+    request.trimStartMs = from;
+    request.trimEndMs = to;
+    request.loops = loops;
+    request.playbackManager = &manager;
+    QVERIFY2(runExport(request), qPrintable(error));
+
+    const double spanMs = from < 0 ? 2000 : to - from;
+    const int frames = std::max(int(spanMs / speed * fps / 1000), 1);
+    const double lengthMs = frames * 1000.0 / fps;
+    if (format == kMp4) {
+        const DecodedVideo video(path(format));
+        QCOMPARE(video.errorString, QString());
+        QCOMPARE(int(video.frames.size()), frames);
+        QCOMPARE(video.statedFrames, qint64(frames));
+        QVERIFY(frames == 1 || std::fabs(video.fps - fps) < 0.01);
+        return;
+    }
+    const DecodedAnimation animation(path(format));
+    QCOMPARE(animation.errorString, QString());
+    QVERIFY(int(animation.frames.size()) <= frames);
+    // To the unit of the format; a picture of a GIF lasts 20 ms at least.
+    const double shortestMs = format == kGif ? 20 : 0;
+    QVERIFY2(std::fabs(animation.totalMs() - std::max(lengthMs, shortestMs)) <= 10.0,
+             qPrintable(QString::number(animation.totalMs())));
+    if (animation.frames.size() > 1)
+        QCOMPARE(animation.plays, loops);
+}
+
+void ExportFormatsTest::sizes_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QSize>("coded");
+
+    for (int format = 0; format < kSuffixes.size(); ++format) {
+        for (const QSize &size : {QSize(1, 1), QSize(33, 17), QSize(300, 41), QSize(0, 0)}) {
+            const QSize wanted = size.isEmpty() ? QSize(ExportScene::Side, ExportScene::Side) : size;
+            // Videos have even sizes.
+            const QSize even((wanted.width() + 1) / 2 * 2, (wanted.height() + 1) / 2 * 2);
+            QTest::addRow("%s %dx%d", qPrintable(kSuffixes[format]), size.width(), size.height())
+                << format << size << (format == kMp4 ? even : wanted);
+        }
+    }
+}
+
+void ExportFormatsTest::sizes()
+{
+    QFETCH(int, format);
+    QFETCH(QSize, size);
+    QFETCH(QSize, coded);
+
+    KelPlaybackTrackManager manager(scene.path(), false);
+    KelExportRequest request;
+    request.format = format;
+    request.quality = 100;
+    request.size = size;
+    request.trimStartMs = 900;
+    request.trimEndMs = 1000;
+    request.playbackManager = &manager;
+    QVERIFY2(runExport(request), qPrintable(error));
+    if (format == kMp4) {
+        const DecodedVideo video(path(format));
+        QCOMPARE(video.errorString, QString());
+        QCOMPARE(QSize(video.frames.at(0)->width, video.frames.at(0)->height), coded);
+        return;
+    }
+    const DecodedAnimation animation(path(format));
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(animation.frames.at(0).size(), coded);
+    // Every size shows the same picture: its mean colour stays.
+    const QColor mean =
+        animation.frames.at(0).scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0);
+    manager.seek(17);
+    QImage whole(ExportScene::Side, ExportScene::Side, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&whole);
+    manager.paint(&painter);
+    painter.end();
+    const QColor wanted = whole.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0);
+    QVERIFY2(std::abs(mean.red() - wanted.red()) < 30 && std::abs(mean.blue() - wanted.blue()) < 30,
+             qPrintable(mean.name() + ' ' + wanted.name()));
+}
+
+void ExportFormatsTest::smallerForLessQuality_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::newRow("MP4") << 0;
+    QTest::newRow("WebP") << 3;
+}
+
+void ExportFormatsTest::smallerForLessQuality()
+{
+    QFETCH(int, format);
+
+    KelPlaybackTrackManager manager(scene.path(), false);
+    KelExportRequest request;
+    request.format = format;
+    request.playbackManager = &manager;
+    qint64 before = 0;
+    for (int setting : {0, 1, 2}) {
+        gKelMovieConfig.saveQuality = setting;
+        request.quality = KelMovieExportQuality();
+        QVERIFY2(runExport(request), qPrintable(error));
+        const qint64 bytes = QFileInfo(path(format)).size();
+        QVERIFY2(bytes >= before, qPrintable(QString("%1 bytes after %2").arg(bytes).arg(before)));
+        before = bytes;
+    }
+    gKelMovieConfig.saveQuality = 1;
+}
+
+void ExportFormatsTest::firstPartOfAnAnimationIsKept()
+{
+    KelPlaybackTrackManager manager(scene.path(), false);
+    manager.seek(7);
+    KelExportRequest request;
+    request.format = kGif;
+    request.playbackManager = &manager;
+    QFile::remove(path(kGif));
+    QVERIFY(runExport(request));
+    const qint64 whole = QFileInfo(path(kGif)).size();
+    QVERIFY(QFile::remove(path(kGif)));
+    const FileSizeLimit full(rlim_t(whole / 2));
+    QVERIFY(!runExport(request));
+    QVERIFY2(error.contains("frames are in " + outputDir.filePath("out.incomplete.gif")), qPrintable(error));
+    QVERIFY(!QFile::exists(path(kGif)));
+    const DecodedAnimation animation(outputDir.filePath("out.incomplete.gif"));
+    QCOMPARE(animation.errorString, QString());
+    QVERIFY(animation.frames.size() > 1 && animation.totalMs() < 3000);
+    QCOMPARE(manager.currentFrame(), 7);
+    QCOMPARE(QDir(outputDir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).filter("gif"),
+             QStringList{"out.incomplete.gif"});
+}
+
+QTEST_MAIN(ExportFormatsTest)
+#include "tst_export_formats.moc"

@@ -97,7 +97,18 @@ RecordingsFolder::State RecordingsFolder::state(const QString &dir)
 
 bool RecordingsFolder::moveToTrash(const QString &dir)
 {
-    return QFile::moveToTrash(dir);
+    QString place;
+    if (!QFile::moveToTrash(dir, &place))
+        return false;
+    // Where there is no trash, Qt 5 takes the working directory for one, in which nobody would ever look.
+    QDir trash(QFileInfo(place).path() + QStringLiteral("/.."));
+    if (place.isEmpty() || trash.canonicalPath() != QDir::current().canonicalPath())
+        return true;
+    QDir().rename(place, dir);
+    QFile::remove(trash.filePath(QStringLiteral("info/%1.trashinfo").arg(QFileInfo(place).fileName())));
+    trash.rmdir(QStringLiteral("files"));
+    trash.rmdir(QStringLiteral("info"));
+    return false;
 }
 
 bool RecordingsFolder::remove(const QString &dir, QString *error)

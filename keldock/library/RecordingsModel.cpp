@@ -99,7 +99,8 @@ QVariant RecordingsModel::data(const QModelIndex &index, int role) const
 
 Qt::ItemFlags RecordingsModel::flags(const QModelIndex &index) const
 {
-    return QAbstractListModel::flags(index) | Qt::ItemIsEditable | Qt::ItemNeverHasChildren;
+    const Qt::ItemFlags flags = QAbstractListModel::flags(index);
+    return index.isValid() ? flags | Qt::ItemIsEditable : flags;
 }
 
 bool RecordingsModel::setData(const QModelIndex &index, const QVariant &value, int role)

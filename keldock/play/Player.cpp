@@ -84,6 +84,11 @@ void Player::stepFrames(int count)
     seekToFrame(frame() + count);
 }
 
+void Player::stepMs(int ms)
+{
+    seekToFrame(frame() + qRound(double(ms) * m_clock.lastFrame() / m_clock.durationMs()));
+}
+
 void Player::beginScrub()
 {
     m_resumesAfterScrub = isPlaying();

@@ -42,7 +42,8 @@ public slots:
     /// The frame is moved into the range.
     void seekToFrame(int frame);
     void stepFrames(int count);
-    void stepMs(int ms) { seekToMs(positionMs() + ms); }
+    /// By whole frames, so that back and forth leads to the same one.
+    void stepMs(int ms);
     void goToStart() { seekToMs(m_rangeStartMs); }
     void goToEnd() { seekToMs(m_rangeEndMs); }
 

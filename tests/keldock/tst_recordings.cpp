@@ -1,0 +1,309 @@
+#include "keldock/RecordingFiles.h"
+#include "library/RecordingsFolder.h"
+#include "library/RecordingsModel.h"
+#include "library/RecordingsWindow.h"
+#include "support/ScratchHome.h"
+#include "support/WhenModal.h"
+#include "widgets/MessagePage.h"
+#include "widgets/NoticeBar.h"
+
+#include <KelMovie/KelRecordingMetadata.h>
+
+#include <QAbstractItemModelTester>
+#include <QLineEdit>
+#include <QListView>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QtTest>
+
+namespace
+{
+
+constexpr int kHourMs = 3600000;
+
+void setAge(const QString &file, qint64 seconds)
+{
+    QFile opened(file);
+    QVERIFY(opened.open(QIODevice::ReadWrite));
+    QVERIFY(opened.setFileTime(QDateTime::currentDateTime().addSecs(-seconds), QFileDevice::FileModificationTime));
+}
+
+} // namespace
+
+/// The folder of recordings, as it is listed and as its window lets one work on it.
+class RecordingsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void tellsRecordings();
+    void rename_data();
+    void rename();
+    void thousandsAreReadWhenSeen();
+    void makesPicturesOnce();
+    void windowFollowsTheFolder();
+    void deletes_data();
+    void deletes();
+
+private:
+    QString path(const QString &name) const { return m_root + '/' + name; }
+    /// A recording whose files were written `age` seconds ago.
+    void add(const QString &name, qint64 age, bool isComplete = true) const;
+    void openWindow();
+    QListView *list() const { return m_window->findChild<QListView *>("RecordingsList"); }
+    QStringList listed() const;
+    void press(const QString &text) const;
+
+    const ScratchHome m_home;
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString m_root;
+    QString m_program;
+    std::unique_ptr<RecordingsWindow> m_window;
+};
+
+void RecordingsTest::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>(m_home.path("XXXXXX"));
+    m_root = m_dir->filePath("recordings");
+    // Does what the command line program does, and counts how often.
+    QImage(640, 400, QImage::Format_RGB32).save(m_dir->filePath("picture.png"));
+    m_program = m_dir->filePath("program");
+    QVERIFY(writeAll(m_program, "#!/bin/sh\ncd \"${0%/*}\"; echo \"$2 $3\" >> calls; cp picture.png \"$4\"\n"));
+    QVERIFY(QFile::setPermissions(m_program, QFile::ReadUser | QFile::ExeUser | QFile::WriteUser));
+}
+
+void RecordingsTest::cleanup()
+{
+    m_window.reset();
+}
+
+void RecordingsTest::add(const QString &name, qint64 age, bool isComplete) const
+{
+    const QString dir = path(name);
+    KelRecordingMetadata metadata;
+    metadata.durationMs = kHourMs;
+    metadata.actualRecordedFrames = 900;
+    metadata.complete = isComplete;
+    QVERIFY(QDir().mkpath(dir + "/Screen"));
+    QVERIFY(metadata.save(dir));
+    QVERIFY(writeAll(dir + "/Screen/screen_record.mp4", QByteArray(100000, 'v')));
+    setAge(dir + "/Screen/screen_record.mp4", age);
+    setAge(KelRecordingMetadata::filePath(dir), age);
+}
+
+void RecordingsTest::openWindow()
+{
+    m_window = std::make_unique<RecordingsWindow>(m_root, m_program, nullptr);
+    m_window->show();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+}
+
+QStringList RecordingsTest::listed() const
+{
+    QStringList names;
+    for (int row = 0; row < list()->model()->rowCount(); ++row)
+        names.append(list()->model()->index(row, 0).data().toString());
+    return names;
+}
+
+void RecordingsTest::press(const QString &text) const
+{
+    for (auto *const button : m_window->findChildren<QPushButton *>()) {
+        if (button->text() == text)
+            QTest::mouseClick(button, Qt::LeftButton);
+    }
+}
+
+void RecordingsTest::tellsRecordings()
+{
+    QCOMPARE(RecordingsFolder(m_root).recordings().size(), 0);
+    add("old", 3000);
+    add("crashed", 2000, false);
+    add("crashed at once", 1000);
+    QVERIFY(QFile::remove(KelRecordingMetadata::filePath(path("crashed at once"))));
+    add("damaged metadata", 500);
+    QVERIFY(writeAll(KelRecordingMetadata::filePath(path("damaged metadata")), "{"));
+    setAge(KelRecordingMetadata::filePath(path("damaged metadata")), 500);
+    add("paused", 60, false);
+    add("under way", 1, false);
+    QVERIFY(QDir().mkpath(path("something else")));
+    QVERIFY(writeAll(path("a file"), "x"));
+
+    const RecordingsFolder folder(m_root);
+    using State = RecordingsFolder::State;
+    const QVector<QPair<QString, State>> expected{
+        {"under way", State::UnderWay},          {"paused", State::Interrupted},  {"damaged metadata", State::Complete},
+        {"crashed at once", State::Interrupted}, {"crashed", State::Interrupted}, {"old", State::Complete},
+    };
+    QVector<QPair<QString, State>> found;
+    const auto recordings = folder.recordings();
+    for (const auto &entry : recordings)
+        found.append({QFileInfo(entry.dir).fileName(), RecordingsFolder::state(entry.dir)});
+    QCOMPARE(found, expected);
+    QCOMPARE(folder.leftovers(path("paused")), (QStringList{path("crashed at once"), path("crashed")}));
+
+    const QString first = folder.newRecordingDir();
+    QVERIFY(QDir().mkpath(first));
+    QVERIFY(!QFileInfo::exists(folder.newRecordingDir()));
+}
+
+void RecordingsTest::rename_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("result"); // empty: refused
+    QTest::newRow("another name") << "Login bug"
+                                  << "Login bug";
+    QTest::newRow("blanks around it") << "  Login bug "
+                                      << "Login bug";
+    QTest::newRow("beyond ASCII") << QString::fromUtf8("录制") << QString::fromUtf8("录制");
+    QTest::newRow("nothing") << " "
+                             << "";
+    QTest::newRow("one that exists") << "other"
+                                     << "";
+    QTest::newRow("out of the folder") << "../x"
+                                       << "";
+    QTest::newRow("hidden") << ".x"
+                            << "";
+}
+
+void RecordingsTest::rename()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, result);
+    add("recording", 100);
+    add("other", 200);
+    RecordingsModel model(m_root, m_program);
+    const QAbstractItemModelTester tester(&model);
+    const QSignalSpy failed(&model, &RecordingsModel::renameFailed);
+    QTRY_COMPARE(model.rowCount(), 2);
+    const QModelIndex index = model.index(0);
+    QCOMPARE(model.setData(index, name, Qt::EditRole), !result.isEmpty());
+    QCOMPARE(failed.count(), result.isEmpty() ? 1 : 0);
+    const QString expected = result.isEmpty() ? QString("recording") : result;
+    QCOMPARE(index.data().toString(), expected);
+    QVERIFY(RecordingsFolder::holdsRecording(path(expected)));
+
+    const QSignalSpy refreshed(&model, &RecordingsModel::refreshed);
+    const QPersistentModelIndex kept(index);
+    model.refresh();
+    QTRY_COMPARE(refreshed.count(), 1);
+    QVERIFY2(kept.isValid(), "the row stays where it is");
+}
+
+void RecordingsTest::thousandsAreReadWhenSeen()
+{
+    constexpr int count = 2000;
+    for (int i = 0; i < count; ++i) {
+        QVERIFY(QDir().mkpath(path(QString::number(i))));
+        QVERIFY(writeAll(path(QString::number(i)) + "/TrackManager.meta", "{\"duration\":7000}"));
+    }
+    openWindow();
+    QTRY_COMPARE(list()->model()->rowCount(), count);
+    const auto read = [this](int row) {
+        return list()->model()->index(row, 0).data(RecordingsModel::DetailsRole).value<RecordingDetails>().durationMs;
+    };
+    QTRY_COMPARE(read(0), 7000);
+    QCOMPARE(read(count - 1), 0);
+    QTRY_COMPARE(read(count - 1), 7000);
+    m_window->findChild<QLineEdit *>()->setText("1999");
+    QCOMPARE(listed(), QStringList{"1999"});
+}
+
+void RecordingsTest::makesPicturesOnce()
+{
+    add("a", 100);
+    add("b", 200, false);
+    for (int run = 0; run < 2; ++run) {
+        openWindow();
+        for (int row = 0; row < 2; ++row) {
+            const auto details = [&] {
+                return list()->model()->index(row, 0).data(RecordingsModel::DetailsRole).value<RecordingDetails>();
+            };
+            QTRY_COMPARE(details().thumbnail.size(), QSize(288, 180));
+            QCOMPARE(details().durationMs, qint64(kHourMs));
+            QVERIFY(details().bytes > 100000);
+        }
+        const QModelIndex second = list()->model()->index(1, 0);
+        QCOMPARE(second.data(RecordingsModel::StatusRole).toString(), QString("Recovered after a crash"));
+        QVERIFY(second.data(Qt::AccessibleTextRole).toString().contains("1:00:00"));
+    }
+    QStringList calls = QString::fromUtf8(readAll(m_dir->filePath("calls"))).split('\n', Qt::SkipEmptyParts);
+    calls.sort();
+    QCOMPARE(calls, (QStringList{path("a") + " 300", path("b") + " 300"}));
+}
+
+void RecordingsTest::windowFollowsTheFolder()
+{
+    openWindow();
+    auto *const empty = m_window->findChild<MessagePage *>();
+    QTRY_VERIFY(empty->isVisible());
+    const QSignalSpy record(m_window.get(), &RecordingsWindow::recordRequested);
+    press("&Record");
+    QCOMPARE(record.count(), 1);
+
+    add("first", 100);
+    QTRY_COMPARE(listed(), QStringList{"first"});
+    add("second", 50);
+    QTRY_COMPARE(listed(), (QStringList{"second", "first"}));
+    QVERIFY(!empty->isVisible());
+
+    const QSignalSpy opened(m_window.get(), &RecordingsWindow::openRequested);
+    list()->setCurrentIndex(list()->model()->index(1, 0));
+    QTest::keyClick(list(), Qt::Key_Return);
+    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, list()->visualRect(list()->currentIndex()).center());
+    QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, list()->visualRect(list()->currentIndex()).center());
+    QCOMPARE(opened.count(), 2);
+    QCOMPARE(opened.at(1).at(0).toString(), path("first"));
+
+    m_window->setActiveRecording(path("first"));
+    QTest::keyClick(list(), Qt::Key_Return);
+    QTest::keyClick(list(), Qt::Key_Delete);
+    QCOMPARE(opened.count(), 2);
+    QVERIFY(QFileInfo::exists(path("first")));
+
+    QVERIFY(QDir(m_root).removeRecursively());
+    QTRY_VERIFY(empty->isVisible());
+}
+
+void RecordingsTest::deletes_data()
+{
+    QTest::addColumn<bool>("hasTrash");
+    QTest::addColumn<bool>("agrees");
+    QTest::newRow("to the trash") << true << false;
+    QTest::newRow("no trash, for good") << false << true;
+    QTest::newRow("no trash, not for good") << false << false;
+}
+
+void RecordingsTest::deletes()
+{
+    QFETCH(bool, hasTrash);
+    QFETCH(bool, agrees);
+    const QString trash = m_home.path("Trash");
+    QVERIFY(QDir(trash).removeRecursively());
+    if (!hasTrash)
+        QVERIFY(writeAll(trash, "in the way"));
+    add("goes", 100);
+    add("goes too", 200);
+    add("stays", 300);
+    openWindow();
+    QTRY_COMPARE(listed().size(), 3);
+    list()->setCurrentIndex(list()->model()->index(0, 0));
+    QTest::keyClick(list(), Qt::Key_Down, Qt::ShiftModifier);
+    if (!hasTrash) {
+        whenModal<QMessageBox>(
+            [=](QMessageBox *box) { box->button(agrees ? QMessageBox::Yes : QMessageBox::No)->click(); });
+    }
+    QTest::keyClick(list(), Qt::Key_Delete);
+    const bool isGone = hasTrash || agrees;
+    QTRY_COMPARE(listed(), isGone ? QStringList{"stays"} : (QStringList{"goes", "goes too", "stays"}));
+    QCOMPARE(QFileInfo::exists(path("goes")), !isGone);
+    QCOMPARE(RecordingsFolder::holdsRecording(trash + "/files/goes too"), hasTrash);
+    QCOMPARE(m_window->findChild<NoticeBar *>()->text().contains("moved to the trash"), hasTrash);
+    QVERIFY(QFile::remove(trash) || hasTrash);
+}
+
+QTEST_MAIN(RecordingsTest)
+#include "tst_recordings.moc"

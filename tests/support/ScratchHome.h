@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QSettings>
+#include <QTemporaryDir>
+
+/// A home of its own for a test of a program that keeps settings, a cache and a trash. To exist before the first of
+/// them is used.
+class ScratchHome
+{
+public:
+    ScratchHome()
+    {
+        for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "HOME"})
+            qputenv(variable, m_dir.path().toLocal8Bit());
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
+        QCoreApplication::setOrganizationName(QStringLiteral("test"));
+        QCoreApplication::setApplicationName(QStringLiteral("test"));
+    }
+
+    QString path(const QString &name = QString()) const { return m_dir.filePath(name); }
+
+private:
+    QTemporaryDir m_dir;
+};

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QApplication>
+#include <QTimer>
+
+#include <functional>
+
+/// Lets a test answer a modal dialog: as soon as the active one is a Dialog for which `isDue`, runs `action` on it,
+/// once, in its event loop.
+template <typename Dialog>
+void whenModal(
+    const std::function<void(Dialog *)> &action,
+    const std::function<bool(Dialog *)> &isDue = [](Dialog *) { return true; })
+{
+    auto *const timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [=] {
+        auto *const dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget());
+        if (!dialog || !isDue(dialog))
+            return;
+        timer->deleteLater();
+        timer->stop();
+        action(dialog);
+    });
+    timer->start(5);
+}

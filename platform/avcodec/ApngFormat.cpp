@@ -13,20 +13,17 @@
 namespace
 {
 
-/// Good for choosing between two ways, at a fraction of the time.
+constexpr int PixelBytes = 3;
+
+/// libdeflate's levels. The first is good for choosing between two filterings, at a fraction of the time. Filtered rows
+/// hardly gain from more than a middling one, plain ones do.
 constexpr int TrialLevel = 1;
+constexpr int FilteredLevel = 7;
+constexpr int PlainLevel = 9;
+constexpr int PatientLevel = 11;
 
-/// A picture of which more than this is left after compression counts as a photograph.
-constexpr double PhotographRatio = 1.0 / 3;
-
-/// Higher ones take many times as long for less than a hundredth of the bytes. Of small pictures there are many, and
-/// they take little time anyway.
-constexpr int CompressionLevel = 7;
-constexpr int SmallPictureLevel = 9;
-constexpr int SmallPicture = 1 << 18; // bytes
-
-/// Qualities that each bit of a channel is worth.
-constexpr int QualityPerBit = 25;
+/// Qualities below this ask for small files.
+constexpr int Balanced = 50;
 
 constexpr qint64 AnimationControlOffset = 33; // behind signature and header
 
@@ -58,11 +55,22 @@ QByteArray chunk(const char *type, const QByteArray &data)
     return bytes += bigEndian(crc);
 }
 
+QByteArray rows(const PictureDelta &delta, png::Filtering filtering)
+{
+    QByteArray bytes(int(delta.pixels.size()) * PixelBytes, Qt::Uninitialized);
+    char *to = bytes.data();
+    for (const QRgb pixel : delta.pixels) {
+        for (const int value : {qRed(pixel), qGreen(pixel), qBlue(pixel)})
+            *to++ = char(value);
+    }
+    return png::filteredRows(bytes, delta.rect.width() * PixelBytes, PixelBytes, filtering);
+}
+
 } // namespace
 
 ApngFormat::ApngFormat(int fps, int quality)
     : m_fps(fps)
-    , m_droppedBits(3 - std::clamp(quality, 0, 99) / QualityPerBit)
+    , m_isPatient(quality < Balanced)
 {
 }
 
@@ -71,48 +79,25 @@ AnimationFormat::Limits ApngFormat::limits() const
     return {32767, 1, m_fps, m_fps / 100 + 1, 65535};
 }
 
-void ApngFormat::prepare(const PictureDelta &first)
-{
-    m_pixelBytes = 3;
-    const QByteArray rows = filteredRows(first.sample(), Way::FilteredOpaque);
-    const bool photograph = deflated(rows, TrialLevel).size() > PhotographRatio * rows.size();
-    m_pixelBytes = photograph ? 3 : 4;
-}
-
 EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
 {
+    using png::Filtering;
     const PictureDelta sample = delta.sample();
-    const auto trialSize = [&](Way way) { return deflated(filteredRows(sample, way), TrialLevel).size(); };
-    const Way way =
-        trialSize(Way::FilteredOpaque) < trialSize(Way::PlainWithGaps) ? Way::FilteredOpaque : Way::PlainWithGaps;
+    const auto trialSize = [&](Filtering way) { return deflated(rows(sample, way), TrialLevel).size(); };
+    const Filtering best =
+        trialSize(Filtering::Adaptive) < trialSize(Filtering::None) ? Filtering::Adaptive : Filtering::None;
     if (cancelled)
         return {};
-    const QByteArray rows = filteredRows(delta, way);
-    const int level = rows.size() <= SmallPicture ? SmallPictureLevel : CompressionLevel;
-    return {delta.rect, way == Way::PlainWithGaps, deflated(rows, level)};
-}
-
-QByteArray ApngFormat::filteredRows(const PictureDelta &delta, Way way) const
-{
-    const bool mayHaveGaps = m_pixelBytes == 4 && way == Way::PlainWithGaps;
-    QByteArray bytes(int(delta.pixels.size()) * m_pixelBytes, Qt::Uninitialized);
-    char *to = bytes.data();
-    for (const QRgb pixel : mayHaveGaps ? delta.pixelsWithGaps() : delta.opaquePixels()) {
-        for (const int value : {qRed(pixel), qGreen(pixel), qBlue(pixel)}) // rounded so that white stays white
-            *to++ = char(value >> m_droppedBits << m_droppedBits | value >> (8 - m_droppedBits));
-        if (m_pixelBytes == 4)
-            *to++ = char(qAlpha(pixel));
-    }
-    return png::filteredRows(bytes, delta.rect.width() * m_pixelBytes, m_pixelBytes,
-                             way == Way::FilteredOpaque ? png::Filtering::Adaptive : png::Filtering::None);
+    const int level = m_isPatient ? PatientLevel : best == Filtering::None ? PlainLevel : FilteredLevel;
+    return {delta.rect, false, deflated(rows(delta, best), level)};
 }
 
 bool ApngFormat::writeHeader(OutputFile &file, QSize size, int plays)
 {
     m_plays = plays;
-    const char colourType = m_pixelBytes == 4 ? 6 : 2;
+    constexpr char trueColour = 2;
     QByteArray header = bigEndian(quint32(size.width())) + bigEndian(quint32(size.height()));
-    header.append(8).append(colourType).append(3, '\0');
+    header.append(8).append(trueColour).append(3, '\0');
     return file.write(QByteArrayLiteral("\x89PNG\r\n\x1a\n") + chunk("IHDR", header) + animationControl());
 }
 

@@ -8,7 +8,7 @@ namespace png
 
 enum class Filtering {
     None,    ///< the bytes as they are: best where areas repeat, as in most of what screens show
-    Adaptive ///< for each row the smallest differences to its neighbours: best for photographs and gradients
+    Adaptive ///< for each row the differences to its neighbours that take the fewest bits: best for photographs
 };
 
 /// `rowBytes` of `pixels` make a row, `pixelBytes` a pixel.

@@ -1,5 +1,7 @@
 #include "avcodec/WebpFormat.h"
 
+#include "avcodec/ColourPalette.h"
+
 #include <QtEndian>
 
 #include <webp/encode.h>
@@ -11,16 +13,30 @@ namespace
 
 constexpr int Lossless = 100; // quality
 
-/// The library's qualities above 75 make files much larger and hardly better, so that is what 90 means here.
-constexpr float LibraryQuality = 75.0f / 90;
+/// Of the library's lossy qualities for each of ours: 90 is as true as what other programs write by default, 75.
+constexpr float LibraryQuality = 66.0f / 90;
 
 /// More effort takes several times as long for some hundredths of the bytes.
 constexpr int LosslessMethod = 1;
 constexpr float LosslessEffort = 75;
 constexpr int LossyMethod = 4;
 
+/// What screens show compresses far better without loss, and stays sharp, once its colours are few: text of a dozen
+/// shades has hundreds. The mean squared error of a pixel (all channels together) that this may cost, for the square
+/// of each step of quality below 100.
+constexpr double PaletteErrorPerLoss = 0.02;
+constexpr int SmallestPalette = 31;
+constexpr int LargestPalette = 255; // one more is transparent
+
+/// Blurred text is seen at once, so it has to save that much.
+constexpr double WorthwhileBlur = 0.75;
+
 /// A sample finds fewer repetitions than the whole picture, which makes lossless look worse by up to so much.
 constexpr double MaxSampleBias = 1.5;
+
+/// What a photograph takes at least without loss, for what it takes with.
+constexpr int TrialMethod = 0;
+constexpr double HopelessRatio = 12;
 
 constexpr int RiffHeaderBytes = 12; // "RIFF", size, "WEBP"
 constexpr int FrameHeaderBytes = 16;
@@ -49,55 +65,16 @@ int goOnUnlessCancelled(int, const WebPPicture *picture)
     return !static_cast<const std::atomic<bool> *>(picture->user_data)->load();
 }
 
-} // namespace
-
-WebpFormat::WebpFormat(int quality, qint64 largestFile)
-    : m_quality(std::clamp(quality, 0, Lossless))
-    , m_largestFile(largestFile)
-{
-}
-
-AnimationFormat::Limits WebpFormat::limits() const
-{
-    return {WEBP_MAX_DIMENSION, 2, 1000, 11, 0xffffff};
-}
-
-EncodedFrame WebpFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
-{
-    const auto encoded = [&](Way way) {
-        return EncodedFrame{delta.rect, way == Way::Lossless, compressed(delta, way, cancelled)};
-    };
-    if (m_quality == Lossless)
-        return encoded(Way::Lossless);
-    const PictureDelta sample = delta.sample();
-    if (sample.pixels.size() < delta.pixels.size()) { // a trial costs less than to do it both ways
-        const int lossless = compressed(sample, Way::Lossless, cancelled).size();
-        const int lossy = compressed(sample, Way::Lossy, cancelled).size();
-        if (lossless <= lossy)
-            return encoded(Way::Lossless);
-        if (lossless > MaxSampleBias * lossy)
-            return encoded(Way::Lossy);
-    }
-    const EncodedFrame exact = encoded(Way::Lossless);
-    const EncodedFrame approximate = encoded(Way::Lossy);
-    return exact.data.size() <= approximate.data.size() ? exact : approximate;
-}
-
 /// The chunks of a still picture; empty when it is cancelled or fails.
-QByteArray WebpFormat::compressed(const PictureDelta &delta, Way way, const std::atomic<bool> &cancelled) const
+QByteArray compressed(const WebPConfig &config, QSize size, std::vector<QRgb> pixels,
+                      const std::atomic<bool> &cancelled)
 {
-    WebPConfig config;
     WebPPicture picture;
-    if (!WebPConfigInit(&config) || !WebPPictureInit(&picture))
+    if (!WebPPictureInit(&picture))
         return {};
-    config.lossless = way == Way::Lossless;
-    config.method = config.lossless ? LosslessMethod : LossyMethod;
-    config.quality = config.lossless ? LosslessEffort : LibraryQuality * float(m_quality);
-
-    std::vector<QRgb> pixels = config.lossless ? delta.pixelsWithGaps() : delta.opaquePixels();
     picture.use_argb = 1;
-    picture.width = delta.rect.width();
-    picture.height = delta.rect.height();
+    picture.width = size.width();
+    picture.height = size.height();
     picture.argb = pixels.data(); // stays ours
     picture.argb_stride = picture.width;
     picture.progress_hook = goOnUnlessCancelled;
@@ -113,6 +90,104 @@ QByteArray WebpFormat::compressed(const PictureDelta &delta, Way way, const std:
     WebPMemoryWriterClear(&writer);
     WebPPictureFree(&picture);
     return chunks;
+}
+
+QByteArray lossless(const PictureDelta &delta, std::vector<QRgb> pixels, int method, const std::atomic<bool> &cancelled)
+{
+    WebPConfig config;
+    if (!WebPConfigInit(&config))
+        return {};
+    config.lossless = 1;
+    config.method = method;
+    config.quality = LosslessEffort;
+    return compressed(config, delta.rect.size(), std::move(pixels), cancelled);
+}
+
+} // namespace
+
+WebpFormat::WebpFormat(int quality, qint64 largestFile)
+    : m_quality(std::clamp(quality, 0, Lossless))
+    , m_paletteError(PaletteErrorPerLoss * (Lossless - m_quality) * (Lossless - m_quality))
+    , m_largestFile(largestFile)
+{
+}
+
+AnimationFormat::Limits WebpFormat::limits() const
+{
+    return {WEBP_MAX_DIMENSION, 2, 1000, 11, 0xffffff};
+}
+
+EncodedFrame WebpFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
+{
+    const auto sharpData = [&](const PictureDelta &of) {
+        return lossless(of, fewColours(of).value_or(of.pixelsWithGaps()), LosslessMethod, cancelled);
+    };
+    const auto sharp = [&] { return EncodedFrame{delta.rect, true, sharpData(delta)}; };
+    const auto blurred = [&] { return EncodedFrame{delta.rect, false, lossy(delta, cancelled)}; };
+    if (m_quality == Lossless)
+        return sharp();
+    const PictureDelta sample = delta.sample();
+    if (sample.pixels.size() < delta.pixels.size()) { // a trial costs less than to do it both ways
+        const int blurredSize = lossy(sample, cancelled).size();
+        if (isHopeless(sample, blurredSize, cancelled))
+            return blurred();
+        const double enough = WorthwhileBlur * sharpData(sample).size();
+        if (blurredSize >= enough)
+            return sharp();
+        if (MaxSampleBias * blurredSize < enough)
+            return blurred();
+    }
+    const EncodedFrame exact = sharp();
+    const EncodedFrame approximate = blurred();
+    return approximate.data.size() < WorthwhileBlur * exact.data.size() ? approximate : exact;
+}
+
+/// A photograph, which is slow to encode without loss. Told by the fastest method, which is good for nothing else.
+bool WebpFormat::isHopeless(const PictureDelta &delta, int lossySize, const std::atomic<bool> &cancelled) const
+{
+    return lossless(delta, delta.opaquePixels(), TrialMethod, cancelled).size() > HopelessRatio * lossySize &&
+           !fewColours(delta);
+}
+
+/// The pixels in few colours, with gaps, if those are true enough.
+std::optional<std::vector<QRgb>> WebpFormat::fewColours(const PictureDelta &delta) const
+{
+    if (m_quality == Lossless)
+        return std::nullopt;
+    const ColourHistogram histogram({delta.rect, delta.opaquePixels()});
+    ColourPalette palette;
+    PaletteMatch match;
+    for (int colours = LargestPalette; colours >= SmallestPalette; colours /= 2) {
+        ColourPalette smaller = ColourPalette::bestFor(histogram, colours);
+        PaletteMatch smallerMatch = smaller.match(histogram);
+        if (smallerMatch.meanError > m_paletteError)
+            break;
+        palette = std::move(smaller);
+        match = std::move(smallerMatch);
+    }
+    if (palette.colours().empty())
+        return std::nullopt;
+    std::vector<QRgb> pixels = delta.pixelsWithGaps();
+    for (QRgb &pixel : pixels) {
+        if (qAlpha(pixel) != 0) {
+            const int bin = histogram.binOf(PictureDelta::colour(pixel));
+            pixel = PictureDelta::Changed | palette.colours()[match.indexOfBin[std::size_t(bin)]];
+        }
+    }
+    return pixels;
+}
+
+QByteArray WebpFormat::lossy(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
+{
+    WebPConfig config;
+    if (!WebPConfigInit(&config))
+        return {};
+    config.method = LossyMethod;
+    config.quality = LibraryQuality * float(m_quality);
+    // As true as possible everywhere, rather than rougher where the library thinks that nobody looks.
+    config.sns_strength = 0;
+    config.segments = 1;
+    return compressed(config, delta.rect.size(), delta.opaquePixels(), cancelled);
 }
 
 bool WebpFormat::writeHeader(OutputFile &file, QSize size, int plays)

@@ -2,6 +2,9 @@
 
 #include "avcodec/AnimationFormat.h"
 
+#include <optional>
+#include <vector>
+
 /// Animated WebP, written chunk by chunk as frames come.
 class WebpFormat : public AnimationFormat
 {
@@ -20,11 +23,12 @@ public:
     bool writeTrailer(OutputFile &file) override;
 
 private:
-    enum class Way { Lossless, Lossy };
-
-    QByteArray compressed(const PictureDelta &delta, Way way, const std::atomic<bool> &cancelled) const;
+    bool isHopeless(const PictureDelta &delta, int lossySize, const std::atomic<bool> &cancelled) const;
+    std::optional<std::vector<QRgb>> fewColours(const PictureDelta &delta) const;
+    QByteArray lossy(const PictureDelta &delta, const std::atomic<bool> &cancelled) const;
 
     const int m_quality;
+    const double m_paletteError;
     const qint64 m_largestFile;
     bool m_hasAlpha = false;
 };

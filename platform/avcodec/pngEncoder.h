@@ -4,8 +4,8 @@
 
 /// Writes an animated PNG, which every program that knows PNG shows at least the first picture of.
 ///
-/// From quality 75 on it is lossless: the frames equal the pictures bit for bit. From 50 to 74 colours are rounded to
-/// 7 bits a channel, from 25 to 49 to 6, below to 5, with smaller files each time; black and white stay as they are.
+/// It is lossless: the frames equal the pictures bit for bit, whatever the quality. Below 50 it takes several times the
+/// time for a file that is some hundredths smaller.
 class pngEncoder : public AnimationEncoder
 {
 public:

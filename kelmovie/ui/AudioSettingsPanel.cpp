@@ -58,11 +58,11 @@ void AudioSettingsPanel::Private::addSystemAudio()
     form->addWidget(systemLevel);
     form->enableNextBy(form->addSwitch({tr("&Play"), tr("Plays and exports what the computer played")},
                                        {"KelMovie.playback.audio.system.enabled", &C::playbackAudioSystemEnabled}));
-    form->addSwitch({tr("&Mute"), tr("Silences it for now")},
+    form->addSwitch({tr("&Mute"), tr("Silences the system audio for now")},
                     {"KelMovie.playback.audio.system.muted", &C::playbackAudioSystemMuted});
-    form->addSlider({tr("&Volume"), tr("How loud it is played")},
+    form->addSlider({tr("&Volume"), tr("How loud the system audio is played")},
                     {"KelMovie.playback.audio.system.volume", &C::playbackAudioSystemVolume}, kVolume);
-    form->addSlider({tr("&Gain"), tr("Amplifies what was recorded too quietly")},
+    form->addSlider({tr("&Gain"), tr("Amplifies system audio that was recorded too quietly")},
                     {"KelMovie.playback.audio.system.gain", &C::playbackAudioSystemGain}, kGain);
 }
 
@@ -79,11 +79,11 @@ void AudioSettingsPanel::Private::addMicrophone()
     form->enableNextBy(
         form->addSwitch({tr("P&lay"), tr("Plays and exports what the microphone recorded")},
                         {"KelMovie.playback.audio.microphone.enabled", &C::playbackAudioMicrophoneEnabled}));
-    form->addSwitch({tr("M&ute"), tr("Silences it for now")},
+    form->addSwitch({tr("M&ute"), tr("Silences the microphone for now")},
                     {"KelMovie.playback.audio.microphone.muted", &C::playbackAudioMicrophoneMuted});
-    form->addSlider({tr("V&olume"), tr("How loud it is played")},
+    form->addSlider({tr("V&olume"), tr("How loud the microphone is played")},
                     {"KelMovie.playback.audio.microphone.volume", &C::playbackAudioMicrophoneVolume}, kVolume);
-    form->addSlider({tr("Ga&in"), tr("Amplifies what was recorded too quietly")},
+    form->addSlider({tr("Ga&in"), tr("Amplifies what the microphone recorded too quietly")},
                     {"KelMovie.playback.audio.microphone.gain", &C::playbackAudioMicrophoneGain}, kGain);
 }
 

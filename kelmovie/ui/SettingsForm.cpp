@@ -227,6 +227,10 @@ void SettingsForm::addChips(const Text &text, Setting<int> setting, const QVecto
         for (QAbstractButton *const chip : group->buttons())
             chip->setChecked(group->id(chip) == setting.value());
         group->setExclusive(true);
+        // Tab leads to the one that is checked, arrows to the others.
+        QAbstractButton *const entry = group->checkedButton() ? group->checkedButton() : group->buttons().constFirst();
+        for (QAbstractButton *const chip : group->buttons())
+            chip->setFocusPolicy(chip == entry ? Qt::StrongFocus : Qt::ClickFocus);
     });
 }
 

@@ -22,6 +22,7 @@ public:
     }
 
     QMap<QString, QVariant> saved;
+    bool refuses = false; ///< as a store that is read-only
 
     void bindFont(const QString &, QFont *) override {}
     void bindString(const QString &, QString *) override {}
@@ -38,6 +39,8 @@ private:
     template <typename T>
     void save(const QMap<QString, T *> &fields, const QString &key, const T &value)
     {
+        if (refuses)
+            return;
         saved[key] = value;
         *fields[key] = value;
     }

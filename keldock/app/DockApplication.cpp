@@ -109,7 +109,8 @@ void DockApplication::connectRecorder()
     connect(&m_ui, &RecorderUi::closeRequested, this, &DockApplication::closeToolbar);
     connect(&m_ui, &RecorderUi::quitRequested, this, &DockApplication::quit);
     connect(&m_controller, &RecordingController::problem, this, &DockApplication::tell);
-    connect(&m_controller, &RecordingController::finished, this, &DockApplication::openRecording);
+    connect(&m_controller, &RecordingController::finished, this,
+            [this](const QString &dir) { openRecording(dir, true); });
     connect(&m_controller, &RecordingController::stateChanged, this, [this] {
         if (m_recordings)
             m_recordings->setActiveRecording(m_controller.directory());
@@ -151,7 +152,7 @@ void DockApplication::applyShortcuts()
         tell(RecordingController::Severity::Warning, problems);
 }
 
-void DockApplication::openRecording(const QString &dir)
+void DockApplication::openRecording(const QString &dir, bool isNew)
 {
     if (m_recordings)
         m_recordings->refresh();
@@ -159,6 +160,7 @@ void DockApplication::openRecording(const QString &dir)
         return;
     auto *const window = new PlaybackWindow(dir);
     window->setAttribute(Qt::WA_DeleteOnClose);
+    window->setFromRecording(isNew);
     connect(window, &PlaybackWindow::recordAgainRequested, this, [this] {
         m_ui.showToolbar();
         m_ui.record();
@@ -174,7 +176,8 @@ void DockApplication::openRecordings()
         m_recordings = new RecordingsWindow(RecordingsFolder(m_settings.recordingsFolder).root());
         m_recordings->setAttribute(Qt::WA_DeleteOnClose);
         m_recordings->setActiveRecording(m_controller.directory());
-        connect(m_recordings, &RecordingsWindow::openRequested, this, &DockApplication::openRecording);
+        connect(m_recordings, &RecordingsWindow::openRequested, this,
+                [this](const QString &dir) { openRecording(dir); });
         connect(m_recordings, &RecordingsWindow::recordRequested, this, [this] {
             m_ui.showToolbar();
             m_ui.record();

@@ -34,7 +34,7 @@ private:
     void connectSession();
     void applyShortcuts();
     void applyTheme();
-    void openRecording(const QString &dir);
+    void openRecording(const QString &dir, bool isNew = false);
     void openRecordings();
     void openSettings();
     void offerLeftovers();

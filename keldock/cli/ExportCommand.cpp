@@ -224,6 +224,7 @@ QString ExportCommand::chooseRange(const LoadedRecording &recording, KelExportRe
         return QStringLiteral("'%1' does not tell its duration, so no part of it can be chosen").arg(m_directory);
     if (m_fromMs >= durationMs)
         return QStringLiteral("--from %1 lies behind the end: the recording has %2 ms").arg(m_fromMs).arg(durationMs);
+    request->trimsLongRecordings = true;
     request->trimStartMs = qMax(m_fromMs, 0);
     request->trimEndMs = static_cast<int>(m_toMs < 0 ? durationMs : qMin<qint64>(m_toMs, durationMs));
     return QString();

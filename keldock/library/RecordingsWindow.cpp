@@ -8,6 +8,7 @@
 #include "widgets/FileManager.h"
 #include "widgets/MessagePage.h"
 #include "widgets/NoticeBar.h"
+#include "widgets/WindowStore.h"
 
 #include <QAction>
 #include <QBoxLayout>
@@ -18,7 +19,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
-#include <QSettings>
 #include <QShortcut>
 #include <QSortFilterProxyModel>
 #include <QStackedWidget>
@@ -84,7 +84,7 @@ RecordingsWindow::RecordingsWindow(const QString &root, const QString &program, 
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
     watchFolder();
     updateActions();
-    if (!restoreGeometry(QSettings().value(kGeometryKey).toByteArray()))
+    if (!restoreGeometry(windowStore().value(kGeometryKey).toByteArray()))
         resize(kFirstSize);
 }
 
@@ -293,6 +293,6 @@ void RecordingsWindow::changeEvent(QEvent *event)
 
 void RecordingsWindow::closeEvent(QCloseEvent *event)
 {
-    QSettings().setValue(kGeometryKey, saveGeometry());
+    windowStore().setValue(kGeometryKey, saveGeometry());
     QMainWindow::closeEvent(event);
 }

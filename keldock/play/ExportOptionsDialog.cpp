@@ -3,6 +3,7 @@
 #include "play/Player.h"
 #include "play/TimeText.h"
 #include "style/KelStyleTheme.h"
+#include "widgets/WindowStore.h"
 
 #include <KelMovie/EncodeFormatPanel.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
@@ -12,7 +13,6 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QSettings>
 
 namespace
 {
@@ -24,7 +24,7 @@ constexpr int kMargin = 14; // that of the panels
 
 void select(QComboBox *box, const QString &key, int fallback)
 {
-    box->setCurrentIndex(qMax(0, box->findData(QSettings().value(key, fallback).toInt())));
+    box->setCurrentIndex(qMax(0, box->findData(windowStore().value(key, fallback).toInt())));
 }
 
 void addRow(QGridLayout *grid, const QString &text, const QString &toolTip, QComboBox *box)
@@ -140,7 +140,7 @@ QSize ExportOptionsDialog::pictureSize() const
 
 void ExportOptionsDialog::accept()
 {
-    QSettings().setValue(kRateKey, m_rates->currentData());
-    QSettings().setValue(kSizeKey, m_sizes->currentData());
+    windowStore().setValue(kRateKey, m_rates->currentData());
+    windowStore().setValue(kSizeKey, m_sizes->currentData());
     QDialog::accept();
 }

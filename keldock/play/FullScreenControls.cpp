@@ -1,5 +1,6 @@
 #include "play/FullScreenControls.h"
 
+#include <QBoxLayout>
 #include <QEvent>
 #include <QWidget>
 
@@ -10,8 +11,10 @@ constexpr int kRestMs = 2500;
 
 } // namespace
 
-FullScreenControls::FullScreenControls(QWidget *picture, QWidget *controls)
-    : QObject(picture)
+FullScreenControls::FullScreenControls(QWidget *page, QBoxLayout *layout, QWidget *picture, QWidget *controls)
+    : QObject(page)
+    , m_page(page)
+    , m_layout(layout)
     , m_picture(picture)
     , m_controls(controls)
 {
@@ -19,24 +22,43 @@ FullScreenControls::FullScreenControls(QWidget *picture, QWidget *controls)
     m_rest.setInterval(kRestMs);
     connect(&m_rest, &QTimer::timeout, this, [this] {
         // Whoever works on the controls, by pointer or by keys, keeps them.
-        if (m_picture->underMouse() && !m_controls->isAncestorOf(m_picture->window()->focusWidget()))
+        if (m_picture->underMouse() && !m_controls->isAncestorOf(m_page->window()->focusWidget()))
             setShown(false);
     });
     picture->setMouseTracking(true);
     picture->installEventFilter(this);
+    page->installEventFilter(this);
 }
 
 void FullScreenControls::setActive(bool on)
 {
+    if (on == m_isActive)
+        return;
     m_isActive = on;
+    if (on)
+        m_layout->removeWidget(m_controls);
+    else
+        m_layout->addWidget(m_controls);
     setShown(true);
+    place();
 }
 
 bool FullScreenControls::eventFilter(QObject *watched, QEvent *event)
 {
-    if (m_isActive && (event->type() == QEvent::MouseMove || event->type() == QEvent::KeyPress))
+    if (m_isActive && watched == m_picture && (event->type() == QEvent::MouseMove || event->type() == QEvent::KeyPress))
         setShown(true);
+    if (watched == m_page && event->type() == QEvent::Resize)
+        place();
     return QObject::eventFilter(watched, event);
+}
+
+void FullScreenControls::place()
+{
+    if (!m_isActive)
+        return;
+    const int height = m_controls->sizeHint().height();
+    m_controls->setGeometry(0, m_page->height() - height, m_page->width(), height);
+    m_controls->raise();
 }
 
 void FullScreenControls::setShown(bool shown)

@@ -3,17 +3,18 @@
 #include <QObject>
 #include <QTimer>
 
+class QBoxLayout;
 class QWidget;
 
-/// In full screen: hides the controls and the pointer while the pointer rests over the picture, and shows them again as
-/// soon as it moves.
+/// The controls below a picture. In full screen they lie over the picture, and hide, with the pointer, while the
+/// pointer rests; the picture stays where it is.
 class FullScreenControls : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Neither is owned.
-    FullScreenControls(QWidget *picture, QWidget *controls);
+    /// `controls` are the last row of `page`, which `layout` lays out, and `picture` is another. None is owned.
+    FullScreenControls(QWidget *page, QBoxLayout *layout, QWidget *picture, QWidget *controls);
 
     void setActive(bool on);
 
@@ -21,7 +22,10 @@ public:
 
 private:
     void setShown(bool shown);
+    void place();
 
+    QWidget *const m_page;
+    QBoxLayout *const m_layout;
     QWidget *const m_picture;
     QWidget *const m_controls;
     QTimer m_rest;

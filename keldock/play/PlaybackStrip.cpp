@@ -15,6 +15,7 @@ PlaybackStrip::PlaybackStrip(Player *player, QWidget *parent)
     : KelPlayCtrlWidget(parent)
     , m_player(player)
 {
+    setAttribute(Qt::WA_StyledBackground); // it may lie over the picture
     joinTimeline();
     addSpeed();
     addTrimMenu();

@@ -13,6 +13,7 @@
 #include "widgets/FileManager.h"
 #include "widgets/MessagePage.h"
 #include "widgets/NoticeBar.h"
+#include "widgets/WindowStore.h"
 
 #include <KelMovie/KelMultiTrackRecorder.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
@@ -25,7 +26,6 @@
 #include <QKeyEvent>
 #include <QSaveFile>
 #include <QScreen>
-#include <QSettings>
 #include <QShortcut>
 #include <QStackedWidget>
 
@@ -35,6 +35,7 @@ namespace
 const QString kGeometryKey = QStringLiteral("PlaybackWindow/geometry");
 const QString kSettingsShownKey = QStringLiteral("PlaybackWindow/settingsShown");
 constexpr int kStepMs = 1000;
+constexpr QSize kSmallestSize(640, 400);
 constexpr double kShareOfScreen = 0.85;
 
 } // namespace
@@ -141,7 +142,6 @@ void PlaybackWindow::createPlaybackPage()
     d->settings = new SettingsSidebar(manager, d->playback);
     d->exporter = new RecordingExport(d->player, d->playback);
     d->exporter->setFromRecording(d->isFromRecording);
-    d->fullScreenControls = new FullScreenControls(d->canvas, d->strip);
 
     connect(d->player, &Player::pictureChanged, d->canvas, &PlaybackCanvas::refresh);
     connect(d->canvas, &PlaybackCanvas::clicked, d->player, &Player::togglePlaying);
@@ -174,8 +174,9 @@ void PlaybackWindow::createPlaybackPage()
     layout->addLayout(upper, 1);
     layout->addWidget(d->notice);
     layout->addWidget(d->strip);
+    d->fullScreenControls = new FullScreenControls(d->playback, layout, d->canvas, d->strip);
     d->pages->addWidget(d->playback);
-    setSettingsShown(QSettings().value(kSettingsShownKey, true).toBool());
+    setSettingsShown(windowStore().value(kSettingsShownKey, true).toBool());
 }
 
 /// Those with a modifier. The others wait until no control wants the key: in keyPressEvent().
@@ -252,7 +253,7 @@ void PlaybackWindow::setSettingsShown(bool shown)
 {
     d->settings->setVisible(shown);
     d->strip->setSettingsShown(shown);
-    QSettings().setValue(kSettingsShownKey, shown);
+    windowStore().setValue(kSettingsShownKey, shown);
 }
 
 void PlaybackWindow::toggleFullScreen()
@@ -265,17 +266,17 @@ void PlaybackWindow::changeEvent(QEvent *event)
     if (event->type() == QEvent::WindowStateChange && d->player) {
         d->canvas->setEnlarging(isFullScreen());
         d->fullScreenControls->setActive(isFullScreen());
-        d->settings->setVisible(!isFullScreen() && QSettings().value(kSettingsShownKey, true).toBool());
+        d->settings->setVisible(!isFullScreen() && windowStore().value(kSettingsShownKey, true).toBool());
     }
     QMainWindow::changeEvent(event);
 }
 
 void PlaybackWindow::restorePlace()
 {
-    if (restoreGeometry(QSettings().value(kGeometryKey).toByteArray()))
+    if (restoreGeometry(windowStore().value(kGeometryKey).toByteArray()))
         return;
     const QSize room = (QSizeF(screen()->availableSize()) * kShareOfScreen).toSize();
-    resize(sizeHint().boundedTo(room));
+    resize(sizeHint().expandedTo(kSmallestSize).boundedTo(room));
 }
 
 void PlaybackWindow::closeEvent(QCloseEvent *event)
@@ -283,7 +284,7 @@ void PlaybackWindow::closeEvent(QCloseEvent *event)
     if (d->player)
         d->player->setPlaying(false);
     if (!isFullScreen())
-        QSettings().setValue(kGeometryKey, saveGeometry());
+        windowStore().setValue(kGeometryKey, saveGeometry());
     QMainWindow::closeEvent(event);
 }
 

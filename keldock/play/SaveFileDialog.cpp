@@ -1,10 +1,10 @@
 #include "play/SaveFileDialog.h"
 
 #include "notification/KelMsgBox.h"
+#include "widgets/WindowStore.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QSettings>
 #include <QStandardPaths>
 
 namespace
@@ -14,7 +14,7 @@ const QString kFolderKey = QStringLiteral("SaveFile/folder");
 
 QString lastFolder()
 {
-    const QString folder = QSettings().value(kFolderKey).toString();
+    const QString folder = windowStore().value(kFolderKey).toString();
     return QFileInfo(folder).isDir() ? folder : QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
 }
 
@@ -40,7 +40,7 @@ QString SaveFileDialog::ask(QWidget *parent, const Kind &kind, const QString &na
         if (!kind.suffixes.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive))
             path += QLatin1Char('.') + kind.suffixes.first();
         if (mayWrite(parent, path)) {
-            QSettings().setValue(kFolderKey, QFileInfo(path).path());
+            windowStore().setValue(kFolderKey, QFileInfo(path).path());
             return path;
         }
     }

@@ -8,12 +8,13 @@ namespace
 
 constexpr double kMaxOutputFrames = 1e15;
 
-/// The logic frame at `ms` of a recording. The product has 32 bits and wraps for long recordings with many frames: kept
-/// on purpose, so that a range gives the same frames that it always gave.
-int frameAtMs(int ms, const ExportFrameMap::Recording &recording)
+/// The logic frame at `ms` of a recording. Unless asked otherwise, the product has 32 bits and wraps for long
+/// recordings with many frames: kept on purpose, so that a range gives the same frames that it always gave.
+int frameAtMs(int ms, const ExportFrameMap::Recording &recording, bool isExact)
 {
     const int lastFrame = recording.totalFrames - 1;
-    const auto product = qint32(quint32(ms) * quint32(lastFrame));
+    const qint64 exact = qint64(ms) * lastFrame;
+    const qint64 product = isExact ? exact : qint32(quint32(exact));
     return int(std::clamp<qint64>(product / recording.durationMs, 0, lastFrame));
 }
 
@@ -29,8 +30,8 @@ ExportFrameMap::ExportFrameMap(const Recording &recording, const Output &output)
     int endFrame = known.totalFrames - 1;
     qint64 spanMs = known.durationMs;
     if (output.trimStartMs >= 0 && output.trimEndMs >= 0 && known.durationMs >= 1) {
-        m_startFrame = frameAtMs(output.trimStartMs, known);
-        endFrame = frameAtMs(output.trimEndMs, known);
+        m_startFrame = frameAtMs(output.trimStartMs, known, output.trimsLongRecordings);
+        endFrame = frameAtMs(output.trimEndMs, known, output.trimsLongRecordings);
         spanMs = qint64(output.trimEndMs) - output.trimStartMs;
         m_isRange = true;
     }

@@ -17,6 +17,7 @@ public:
         double speed = 1.0; ///< above 0
         int trimStartMs = -1;
         int trimEndMs = -1; ///< the range counts when both ends are 0 or more
+        bool trimsLongRecordings = false;
     };
 
     ExportFrameMap(const Recording &recording, const Output &output);

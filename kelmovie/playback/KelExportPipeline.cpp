@@ -328,8 +328,9 @@ QString KelExportPipeline::Private::voiceDir() const
 
 ExportFrameMap KelExportPipeline::Private::frameMap() const
 {
-    return ExportFrameMap({manager->totalFrames(), manager->fps(), manager->durationMs()},
-                          {request.fps, request.speed, request.trimStartMs, request.trimEndMs});
+    return ExportFrameMap(
+        {manager->totalFrames(), manager->fps(), manager->durationMs()},
+        {request.fps, request.speed, request.trimStartMs, request.trimEndMs, request.trimsLongRecordings});
 }
 
 /// The picture begins with a whole frame, a little before the range; so does the sound. What a frame shows happened

@@ -18,6 +18,9 @@ struct KelExportRequest {
     KelPlaybackTrackManager *playbackManager = nullptr; ///< not owned; must outlive the export
     int trimStartMs = -1;                               ///< range in recording time, used when both ends are 0 or more
     int trimEndMs = -1;
+    /// Whether the range is found in recordings of any length. Without it, it is found as it always was: in 32 bits,
+    /// which is another part of a recording once ms times frames exceeds them (4 minutes at 30 frames a second).
+    bool trimsLongRecordings = false;
     bool fromRecording = false;             ///< started right after a recording
     bool autoExitAfterEncode = false;       ///< the setting encodeExitRecordAfterEncode
     std::function<void(bool)> onExitRecord; ///< told when the user changes that setting; may be empty

@@ -13,8 +13,7 @@ public:
     {
         for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "HOME"})
             qputenv(variable, m_dir.path().toLocal8Bit());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
-        QCoreApplication::setOrganizationName(QStringLiteral("test"));
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_dir.path());
         QCoreApplication::setApplicationName(QStringLiteral("test"));
     }
 

@@ -9,6 +9,14 @@
 
 #include <future>
 
+namespace
+{
+
+/// From so many pixels on, it takes an encoder long to take over a picture.
+constexpr qint64 kLargePicture = 4'000'000;
+
+} // namespace
+
 ExportEncoder::ExportEncoder(std::unique_ptr<KelAVCodecEncoder> encoder, std::shared_ptr<QTemporaryDir> directory,
                              ExportWatch &watch)
     : m_encoder(std::move(encoder))
@@ -39,16 +47,23 @@ QString ExportEncoder::errorString() const
     return m_encoder ? m_encoder->errorString() : QString();
 }
 
+bool ExportEncoder::waitForRoom()
+{
+    return m_watch.wait([this](auto limit) { return m_encoder->waitForRoom(limit); });
+}
+
 bool ExportEncoder::addFrame(qint64 index, const QImage &image)
 {
-    return m_watch.wait([this](auto limit) { return m_encoder->waitForRoom(limit); }) &&
-           m_encoder->addFrame(quint64(index), image);
+    if (!waitForRoom())
+        return false;
+    const auto add = [index, image](KelAVCodecEncoder &encoder) { return encoder.addFrame(quint64(index), image); };
+    const bool isLarge = qint64(image.width()) * image.height() >= kLargePicture;
+    return isLarge ? runBeside(add, [] {}) : add(*m_encoder);
 }
 
 bool ExportEncoder::holdUntil(qint64 end)
 {
-    return m_watch.wait([this](auto limit) { return m_encoder->waitForRoom(limit); }) &&
-           m_encoder->holdUntil(quint64(end));
+    return waitForRoom() && m_encoder->holdUntil(quint64(end));
 }
 
 qint64 ExportEncoder::framesWritten() const
@@ -66,17 +81,24 @@ qint64 ExportEncoder::salvage()
 
 bool ExportEncoder::close(const std::function<void()> &meanwhile)
 {
-    std::future<bool> closed = std::async(std::launch::async, [encoder = m_encoder] { return encoder->close(); });
+    m_isComplete = runBeside([](KelAVCodecEncoder &encoder) { return encoder.close(); }, meanwhile);
+    return m_isComplete;
+}
+
+/// On a thread of its own, which is left alone when the export is cancelled.
+bool ExportEncoder::runBeside(Work work, const std::function<void()> &meanwhile)
+{
+    std::future<bool> result =
+        std::async(std::launch::async, [encoder = m_encoder, work = std::move(work)] { return work(*encoder); });
     const auto leave = qScopeGuard([&] {
-        if (!closed.valid())
+        if (!result.valid())
             return;
         m_encoder->abort();
-        BackgroundTasks::run([result = closed.share()]() mutable { result = {}; });
+        BackgroundTasks::run([left = result.share()]() mutable { left = {}; });
     });
     const bool isOver = m_watch.wait([&](auto limit) {
         meanwhile();
-        return closed.wait_for(limit) == std::future_status::ready;
+        return result.wait_for(limit) == std::future_status::ready;
     });
-    m_isComplete = isOver && closed.get();
-    return m_isComplete;
+    return isOver && result.get();
 }

@@ -40,6 +40,11 @@ public:
     qint64 framesWritten() const;
 
 private:
+    using Work = std::function<bool(KelAVCodecEncoder &encoder)>;
+
+    bool waitForRoom();
+    bool runBeside(Work work, const std::function<void()> &meanwhile);
+
     std::shared_ptr<KelAVCodecEncoder> m_encoder;
     const std::shared_ptr<QTemporaryDir> m_directory;
     ExportWatch &m_watch;

@@ -12,7 +12,11 @@
 #include <QStringList>
 #include <QVector>
 
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 
 /// What the decoders of a test do, and what was asked of them.
 struct DecoderScript {
@@ -24,8 +28,28 @@ struct DecoderScript {
     QMap<int, int> failures; ///< frame -> how many more times it cannot be decoded
     QStringList opened;      ///< "ffv1" or "h264 FIRST SECOND" with the parameters, in order
     QVector<int> decoded;    ///< frames, in order
+    int hangsAtFrame = -1;   ///< decoding it waits for release()
+    std::atomic<bool> isHanging{false};
+
+    void release()
+    {
+        const std::lock_guard lock(mutex);
+        isReleased = true;
+        changed.notify_all();
+    }
+    void hang()
+    {
+        std::unique_lock lock(mutex);
+        isHanging = true;
+        changed.wait_for(lock, std::chrono::seconds(30), [this] { return isReleased; });
+    }
     int alive = 0;           ///< decoders that exist
     int deletedUnclosed = 0; ///< valid decoders that were deleted before they were closed
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool isReleased = false;
 };
 
 class ScriptedDecoder : public KelAVCodecDecoder
@@ -49,6 +73,8 @@ public:
     QImage decodeFrame(int index) override
     {
         m_script->decoded.append(index);
+        if (index == m_script->hangsAtFrame)
+            m_script->hang();
         if (m_script->failures.value(index) > 0) {
             --m_script->failures[index];
             return {};

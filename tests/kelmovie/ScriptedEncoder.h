@@ -36,7 +36,7 @@ struct EncoderScript {
     int pictures = 0;      ///< that were handed over; others were repeated
     QVector<QRgb> corners; ///< the last pixel of each picture
     std::atomic<bool> aborted{false};
-    bool closed = false;
+    std::atomic<bool> isClosing{false};
     std::mutex mutex;
     std::condition_variable changed;
 };
@@ -76,9 +76,9 @@ public:
     bool close() override
     {
         std::unique_lock lock(m_script->mutex);
+        m_script->isClosing = true;
         if (m_script->hangsInClose)
             m_script->changed.wait_for(lock, std::chrono::seconds(30), [this] { return m_script->aborted.load(); });
-        m_script->closed = true;
         if (!m_script->output.isNull()) {
             QFile file(m_script->path);
             if (!file.open(QIODevice::WriteOnly) || file.write(m_script->output) != m_script->output.size())

@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QLabel>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
@@ -28,6 +29,8 @@ private slots:
     void exitsByItselfAfterARecording();
     void cancel_data();
     void cancel();
+    void comesBackWhenItIsOver();
+    void tellsWhatTheFileLacks();
     void tellsWhatFailed_data();
     void tellsWhatFailed();
 
@@ -53,6 +56,7 @@ private:
 
     RecordingFixture m_recording{50};
     std::shared_ptr<EncoderScript> m_encoder;
+    std::shared_ptr<DecoderScript> m_decoder;
     std::unique_ptr<KelPlaybackTrackManager> m_manager;
     QTemporaryDir m_dir;
     KelExportRequest m_request;
@@ -64,7 +68,8 @@ void ExportDialogTest::init()
     m_encoder = std::make_shared<EncoderScript>();
     KelPlaybackSeams seams;
     seams.nowMs = [] { return 0; };
-    seams.decoders = scriptedDecoders(std::make_shared<DecoderScript>());
+    m_decoder = std::make_shared<DecoderScript>();
+    seams.decoders = scriptedDecoders(m_decoder);
     m_manager = std::make_unique<KelPlaybackTrackManager>(m_recording.path(), false, seams, nullptr);
     m_manager->seek(7);
     m_told.clear();
@@ -78,10 +83,18 @@ void ExportDialogTest::init()
 void ExportDialogTest::closesByItselfAfterPlayback()
 {
     const auto dialog = makeDialog();
+    const auto *const status = dialog->findChild<QLabel *>("labelStatus");
     QString titleMeanwhile;
-    m_encoder->onFrame = [&](int) { titleMeanwhile = dialog->windowTitle(); };
+    QString statusMeanwhile;
+    m_encoder->onFrame = [&](int) {
+        titleMeanwhile = dialog->windowTitle();
+        statusMeanwhile = status->text();
+    };
     QCOMPARE(dialog->exec(), int(QDialog::Accepted));
     QCOMPARE(titleMeanwhile, QString("Exporting..."));
+    QVERIFY2(QRegularExpression("^Frame \\d+ of 50, .*\\d:\\d\\d").match(statusMeanwhile).hasMatch(),
+             qPrintable(statusMeanwhile));
+    QVERIFY2(status->text().startsWith("Saving the file"), qPrintable(status->text()));
     QCOMPARE(m_encoder->frames.size(), 50);
     QCOMPARE(dialog->findChild<QProgressBar *>("progressBar")->value(), 100);
     QVERIFY(!dialog->exitRecord());
@@ -175,6 +188,38 @@ void ExportDialogTest::cancel()
     QVERIFY(m_encoder->aborted);
     QVERIFY(whileFinishing || m_encoder->frames.size() == 21);
     QCOMPARE(m_manager->currentFrame(), 7);
+}
+
+void ExportDialogTest::comesBackWhenItIsOver()
+{
+    QWidget application;
+    application.show();
+    KelPlaybackExportDialog dialog(m_request, scriptedEncoders(m_encoder), &application);
+    bool wasMinimized = false;
+    m_encoder->onFrame = [&](int frame) {
+        if (frame == 10)
+            QTest::mouseClick(dialog.findChild<QPushButton *>("btnMinimize"), Qt::LeftButton);
+        wasMinimized = wasMinimized || application.isMinimized();
+    };
+    QCOMPARE(dialog.exec(), int(QDialog::Accepted));
+    QVERIFY(wasMinimized);
+    QVERIFY(!application.isMinimized());
+}
+
+void ExportDialogTest::tellsWhatTheFileLacks()
+{
+    for (int frame = 20; frame < 50; ++frame)
+        m_decoder->failures[frame] = 100;
+    const auto dialog = makeDialog();
+    QString told;
+    const auto box = [] { return qobject_cast<QMessageBox *>(QApplication::activeModalWidget()); };
+    when([&] { return box() != nullptr; },
+         [&] {
+             told = box()->text() + box()->informativeText();
+             box()->button(QMessageBox::Ok)->click();
+         });
+    QCOMPARE(dialog->exec(), int(QDialog::Accepted));
+    QVERIFY2(told.contains("lacks") && told.contains("30 frames"), qPrintable(told));
 }
 
 void ExportDialogTest::tellsWhatFailed_data()

@@ -42,8 +42,11 @@ class ExportFormatsTest : public QObject
     Q_OBJECT
 
 private slots:
+    void showsWhatWasRecorded();
+    void recordingOfADeadProcess();
     void looksAsComposed_data();
     void looksAsComposed();
+    void frameAsPlayed();
     void lastsAsLongAsTheRange_data();
     void lastsAsLongAsTheRange();
     void sizes_data();
@@ -61,12 +64,57 @@ private:
         error = pipeline.errorString() + pipeline.warningString();
         return isComplete;
     }
+    static QImage composed(KelPlaybackTrackManager &manager)
+    {
+        QImage image(ExportScene::Side, ExportScene::Side, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        manager.paint(&painter);
+        return image;
+    }
     QString path(int format) const { return outputDir.filePath("out." + kSuffixes[format]); }
 
     const ExportScene scene;
     const QTemporaryDir outputDir;
     QString error;
 };
+
+void ExportFormatsTest::showsWhatWasRecorded()
+{
+    KelPlaybackTrackManager manager(scene.path(), true);
+    QVERIFY2(manager.isValidRecording(), qPrintable(manager.errorString()));
+    QCOMPARE(manager.totalFrames(), int(ExportScene::LogicFrames));
+    QCOMPARE(manager.videoFrameCount(), int(ExportScene::VideoFrames));
+    for (int frame : {0, 39, 2, 20, 21, 3, 0}) {
+        manager.seek(frame);
+        const QColor seen = composed(manager).pixel(90, 5);
+        const QColor wanted = ExportScene::picture(ExportScene::videoFrameAt(frame)).pixel(90, 5);
+        QVERIFY2(std::abs(seen.hue() - wanted.hue()) < 10, qPrintable(seen.name() + ' ' + wanted.name()));
+    }
+}
+
+void ExportFormatsTest::recordingOfADeadProcess()
+{
+    // The last video frames never got into the table, and the metadata was never written.
+    RecordingFixture dead;
+    dead.remove("TrackManager.meta");
+    dead.remove("Screen/screen_record.mp4");
+    QVERIFY(QFile::copy(scene.videoPath(), dead.screenDir() + "/screen_record.mp4"));
+    dead.writeIndexes(25, [](int i) { return i / 3; });
+    gKelMovieConfig.playbackProgressEnable = false;
+    const auto showAgain = qScopeGuard([] { gKelMovieConfig.playbackProgressEnable = true; });
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot open manager metadata:"));
+    KelPlaybackTrackManager manager(dead.path(), false);
+    QCOMPARE(manager.totalFrames(), 25);
+    KelExportRequest request;
+    request.fps = ExportScene::Fps;
+    request.playbackManager = &manager;
+    QVERIFY2(runExport(request), qPrintable(error));
+    const DecodedVideo video(path(kMp4));
+    QCOMPARE(video.errorString, QString());
+    QCOMPARE(int(video.frames.size()), int(ExportScene::Fps));
+    QVERIFY(lumaPsnr(video, ExportScene::Fps - 1, ExportScene::picture(8)) > 35);
+}
 
 void ExportFormatsTest::looksAsComposed_data()
 {
@@ -101,12 +149,8 @@ void ExportFormatsTest::looksAsComposed()
     KelPlaybackTrackManager reference(scene.path(), false);
     QSet<QByteArray> pictures;
     for (int frame = 0; frame < ExportScene::LogicFrames; ++frame) {
-        QImage wanted(ExportScene::Side, ExportScene::Side, QImage::Format_ARGB32_Premultiplied);
-        wanted.fill(Qt::black);
         reference.setFrameSilently(frame);
-        QPainter painter(&wanted);
-        reference.paint(&painter);
-        painter.end();
+        const QImage wanted = composed(reference);
         pictures.insert(QByteArray(reinterpret_cast<const char *>(wanted.constBits()), int(wanted.sizeInBytes())));
         const QByteArray place = "frame " + QByteArray::number(frame);
         if (format == kMp4)
@@ -122,6 +166,19 @@ void ExportFormatsTest::looksAsComposed()
              QByteArray::number(pictures.size()));
     if (format != kMp4)
         QVERIFY(int(animation.frames.size()) < ExportScene::LogicFrames);
+}
+
+void ExportFormatsTest::frameAsPlayed()
+{
+    KelPlaybackTrackManager played(scene.path(), false);
+    for (int frame = 0; frame <= 15; ++frame)
+        played.setFrameSilently(frame);
+    KelPlaybackTrackManager jumped(scene.path(), false);
+    jumped.setFrameSilently(15);
+    const QImage withoutEffect = composed(jumped);
+    jumped.setFrameAsPlayed(15);
+    QCOMPARE(composed(jumped), composed(played));
+    QVERIFY(composed(jumped) != withoutEffect);
 }
 
 void ExportFormatsTest::lastsAsLongAsTheRange_data()
@@ -239,11 +296,7 @@ void ExportFormatsTest::sizes()
     const QColor mean =
         animation.frames.at(0).scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0);
     manager.seek(17);
-    QImage whole(ExportScene::Side, ExportScene::Side, QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&whole);
-    manager.paint(&painter);
-    painter.end();
-    const QColor wanted = whole.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0);
+    const QColor wanted = composed(manager).scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0);
     QVERIFY2(std::abs(mean.red() - wanted.red()) < 30 && std::abs(mean.blue() - wanted.blue()) < 30,
              qPrintable(mean.name() + ' ' + wanted.name()));
 }

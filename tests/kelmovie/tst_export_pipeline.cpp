@@ -36,7 +36,7 @@ public:
     bool isExportCancelled() override
     {
         ++questions;
-        return cancelled || questions == cancelAtQuestion;
+        return cancelled || questions == cancelAtQuestion || (cancelWhen && cancelWhen());
     }
 
     QVector<int> reports;
@@ -44,6 +44,7 @@ public:
     int cancelAtPercent = -1;
     int cancelAtQuestion = -1;
     int throwAtPercent = -1;
+    std::function<bool()> cancelWhen;
     bool cancelled = false;
 };
 
@@ -67,6 +68,8 @@ private slots:
     void unsupportedFormat();
     void cancel_data();
     void cancel();
+    void paintsWhatStaysOnce();
+    void tellsWhatCouldNotBeRead();
     void recordingClosedMeanwhile();
     void monitorThrows();
 
@@ -329,41 +332,75 @@ void ExportPipelineTest::unsupportedFormat()
 void ExportPipelineTest::cancel_data()
 {
     QTest::addColumn<int>("format");
-    QTest::addColumn<int>("percent");
-    QTest::addColumn<int>("question");
-    QTest::addColumn<int>("frames");
-    QTest::addColumn<bool>("hangs");
+    QTest::addColumn<int>("frames"); ///< that the encoder was given until then
+    QTest::addColumn<SetUp>("setUp");
 
-    QTest::newRow("before the start") << 0 << -1 << 1 << 0 << false;
-    QTest::newRow("before the first frame") << 0 << -1 << 2 << 0 << false;
-    QTest::newRow("in the middle") << 0 << 45 << -1 << 126 << false;
-    QTest::newRow("after the last frame") << 0 << 90 << -1 << 250 << false;
-    QTest::newRow("while the encoder closes") << 0 << -1 << 254 << 250 << true;
-    QTest::newRow("while the GIF encoder closes") << 1 << -1 << 254 << 250 << true;
-    QTest::newRow("when all but the file's move is done") << 0 << 95 << -1 << 250 << false;
+    const auto row = [](const QByteArray &name, int frames, const SetUp &setUp) {
+        QTest::newRow("MP4, " + name) << 0 << frames << setUp;
+        QTest::newRow("GIF, " + name) << 1 << frames << setUp;
+    };
+    row("before the start", 0, [this] { monitor.cancelAtQuestion = 1; });
+    row("before the first frame", 0, [this] { monitor.cancelAtQuestion = 2; });
+    row("in the middle", 126, [this] { monitor.cancelAtPercent = 45; });
+    row("while a picture is decoded", 100, [this] {
+        decoder->hangsAtFrame = 100;
+        monitor.cancelWhen = [this] { return decoder->isHanging && encoder->frames.size() == 100; };
+    });
+    row("while the encoder's queue is full", 50, [this] {
+        encoder->fullFromFrame = 50;
+        monitor.cancelWhen = [this] { return encoder->frames.size() == 50; };
+    });
+    row("after the last frame", 250, [this] { monitor.cancelAtPercent = 90; });
+    row("while the encoder closes", 250, [this] {
+        encoder->hangsInClose = true;
+        monitor.cancelWhen = [this] { return encoder->isClosing.load(); };
+    });
+    QTest::newRow("MP4, when all but the file's move is done")
+        << 0 << 250 << SetUp([this] { monitor.cancelAtPercent = 95; });
 }
 
 void ExportPipelineTest::cancel()
 {
     QFETCH(int, format);
-    QFETCH(int, percent);
-    QFETCH(int, question);
     QFETCH(int, frames);
-    QFETCH(bool, hangs);
+    QFETCH(SetUp, setUp);
 
     writeOutput("old");
     request.format = format;
-    monitor.cancelAtPercent = percent;
-    monitor.cancelAtQuestion = question;
-    encoder->hangsInClose = hangs;
+    setUp();
     QVERIFY(!runExport());
     QVERIFY2(error.isEmpty(), qPrintable(error));
     QCOMPARE(encoder->frames.size(), frames);
     QCOMPARE(manager->currentFrame(), 33);
     QVERIFY(!monitor.reports.contains(100));
-    QVERIFY(!encoder->closed || percent >= 90 || encoder->aborted);
+    QVERIFY(encoder->aborted || encoder->isClosing || frames == 0);
     QVERIFY(isTidy());
     QCOMPARE(output(), QByteArray("old"));
+    decoder->release();
+}
+
+void ExportPipelineTest::paintsWhatStaysOnce()
+{
+    recording->writeIndexes(250, [](int i) { return i / 10; });
+    loadManager();
+    QVERIFY2(runExport(), qPrintable(error));
+    QCOMPARE(encoder->pictures, 25);
+    QCOMPARE(encoder->frames.size(), 250);
+    for (int i = 0; i < 250; ++i)
+        QCOMPARE(encoder->frames[i], i / 10);
+    QCOMPARE(decoder->decoded.size(), 25);
+}
+
+void ExportPipelineTest::tellsWhatCouldNotBeRead()
+{
+    for (int frame = 120; frame < 250; ++frame)
+        decoder->failures[frame] = 100;
+    KelExportPipeline pipeline(request, &monitor, scriptedEncoders(encoder));
+    QVERIFY2(pipeline.run(), qPrintable(pipeline.errorString()));
+    QCOMPARE(encoder->frames.size(), 250);
+    QCOMPARE(encoder->frames.last(), 119);
+    QVERIFY2(pipeline.warningString().contains("130 frames"), qPrintable(pipeline.warningString()));
+    QCOMPARE(output(), QByteArray("encoded"));
 }
 
 void ExportPipelineTest::recordingClosedMeanwhile()

@@ -304,6 +304,7 @@ void TestRecorder::controlsOfMissingTracksWarn()
 void TestRecorder::trackFailureIsSignalledOnce()
 {
     KelMultiTrackRecorder *recorder = createRecorder();
+    QSignalSpy tracks(recorder, &KelMultiTrackRecorder::trackFailed);
     std::atomic<bool> lost{false};
     m_script->atQuestion = [&] {
         if (lost)
@@ -315,6 +316,7 @@ void TestRecorder::trackFailureIsSignalledOnce()
     lost = true;
     const QString error = "error: Screen track: the X server is gone";
     QTRY_COMPARE(m_signals, (QStringList{"started", error}));
+    QCOMPARE(tracks, (QList<QVariantList>{{"Screen track", "the X server is gone"}}));
     QVERIFY(recorder->isRecording());
     recorder->stopRecording();
     QCOMPARE(m_signals, (QStringList{"started", error, "stopped"}));

@@ -215,7 +215,9 @@ void ExportDialogTest::tellsWhatTheFileLacks()
     const auto box = [] { return qobject_cast<QMessageBox *>(QApplication::activeModalWidget()); };
     when([&] { return box() != nullptr; },
          [&] {
-             told = box()->text() + box()->informativeText();
+             QTextDocument detail;
+             detail.setHtml(box()->informativeText());
+             told = box()->text() + detail.toPlainText();
              box()->button(QMessageBox::Ok)->click();
          });
     QCOMPARE(dialog->exec(), int(QDialog::Accepted));

@@ -21,12 +21,14 @@ SceneWindow::SceneWindow(QSize size)
         return;
     }
     m_window = xcb_generate_id(m_connection);
-    const std::uint32_t values[] = {1}; // no window manager in between
+    const std::uint32_t values[] = {1, XCB_EVENT_MASK_EXPOSURE}; // no window manager in between
     xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_window, screen->root, 0, 0,
                       static_cast<std::uint16_t>(size.width()), static_cast<std::uint16_t>(size.height()), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, values);
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
     m_context = xcb_generate_id(m_connection);
     xcb_create_gc(m_connection, m_context, m_window, 0, nullptr);
+    const std::uint32_t below[] = {XCB_STACK_MODE_BELOW}; // a desktop: other windows lie on it
+    xcb_configure_window(m_connection, m_window, XCB_CONFIG_WINDOW_STACK_MODE, below);
     xcb_map_window(m_connection, m_window);
 }
 
@@ -57,10 +59,21 @@ bool SceneWindow::shareCanvas(const QSize &size)
     return true;
 }
 
+/// Whether something that lay over the scene has gone since the last call.
+bool SceneWindow::wasUncovered()
+{
+    bool uncovered = false;
+    while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection)) {
+        uncovered = uncovered || (event->response_type & 0x7f) == XCB_EXPOSE;
+        std::free(event);
+    }
+    return uncovered;
+}
+
 bool SceneWindow::show(const QRegion &region)
 {
     xcb_grab_server(m_connection);
-    for (const QRect &rect : region) {
+    for (const QRect &rect : wasUncovered() ? QRegion(m_canvas.rect()) : region) {
         const auto x = static_cast<std::int16_t>(rect.x());
         const auto y = static_cast<std::int16_t>(rect.y());
         const auto width = static_cast<std::uint16_t>(rect.width());

@@ -32,6 +32,7 @@ public:
 
 private:
     bool shareCanvas(const QSize &size);
+    bool wasUncovered();
 
     xcb_connection_t *m_connection = nullptr;
     xcb_window_t m_window = 0;

@@ -5,6 +5,7 @@
 #include "playback/KelPlaybackVoiceTrack.h"
 #include "ui/SampleFile.h"
 
+#include <QElapsedTimer>
 #include <QPainter>
 
 #include <algorithm>
@@ -14,7 +15,8 @@
 namespace
 {
 
-constexpr int kStepMs = 5;
+constexpr int kIntervalMs = 2;
+constexpr int kBusyMs = 8;          // at a time, besides a step that takes longer
 constexpr int kSampleStride = 3;    // in which they are taken, so that a few are spread over the range already
 constexpr double kModelError = 0.1; // what an encoder does with a frame also depends on what comes much later
 
@@ -40,8 +42,8 @@ Plan planOf(int format)
 ExportSizeEstimator::ExportSizeEstimator(QObject *parent)
     : QObject(parent)
 {
-    m_timer.setInterval(kStepMs);
-    connect(&m_timer, &QTimer::timeout, this, &ExportSizeEstimator::step);
+    m_timer.setInterval(kIntervalMs);
+    connect(&m_timer, &QTimer::timeout, this, &ExportSizeEstimator::work);
 }
 
 ExportSizeEstimator::~ExportSizeEstimator() = default;
@@ -50,6 +52,7 @@ void ExportSizeEstimator::start(const KelExportRequest &request)
 {
     m_file.reset();
     m_map.reset();
+    m_prefetched = -1;
     m_samples.clear();
     m_sample = 0;
     m_request = request;
@@ -65,13 +68,27 @@ void ExportSizeEstimator::stop()
     m_timer.stop();
     m_file.reset();
     m_playback.reset();
+    m_map.reset();
+}
+
+void ExportSizeEstimator::work()
+{
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (isRunning() && !isWaiting() && elapsed.elapsed() < kBusyMs)
+        step();
+}
+
+/// For what other threads do.
+bool ExportSizeEstimator::isWaiting() const
+{
+    return (m_file && m_file->isBusy()) ||
+           (m_prefetched >= 0 && !m_playback->waitForPrefetch(std::chrono::milliseconds(0)));
 }
 
 /// Does one thing that takes a moment.
 void ExportSizeEstimator::step()
 {
-    if (m_file && m_file->isBusy())
-        return;
     if (m_file && !m_file->errorString().isEmpty()) {
         fail(m_file->errorString());
     } else if (!m_map) {
@@ -81,7 +98,6 @@ void ExportSizeEstimator::step()
         // First a file of one frame, then one of all.
         m_fileFrames = m_samples[m_sample].keyBytes == 0 ? 1 : m_samples[m_sample].frames;
         m_nextFrame = 0;
-        m_prefetched = -1;
         m_file = std::make_unique<SampleFile>(m_request, m_playback->pictureSize());
     } else if (m_file->isClosed()) {
         takeBytes();
@@ -97,11 +113,14 @@ bool ExportSizeEstimator::open()
     if (!m_playback)
         m_playback = std::make_unique<KelPlaybackTrackManager>(m_recordDir, false);
     m_playback->updateSettings();
-    const bool isUsable = m_playback->isValidRecording() && !m_playback->pictureSize().isEmpty() &&
-                          m_request.fps >= 1 && std::isfinite(m_request.speed) && m_request.speed > 0;
-    if (!isUsable)
-        fail(m_playback->errorString());
-    return isUsable;
+    QString problem = m_playback->errorString();
+    if (problem.isEmpty() && m_playback->pictureSize().isEmpty())
+        problem = QStringLiteral("Invalid playback area size");
+    if (problem.isEmpty() && (m_request.fps < 1 || !std::isfinite(m_request.speed) || m_request.speed <= 0))
+        problem = QStringLiteral("Invalid export speed or frame rate");
+    if (!problem.isEmpty())
+        fail(problem);
+    return problem.isEmpty();
 }
 
 void ExportSizeEstimator::planSamples()
@@ -129,14 +148,14 @@ void ExportSizeEstimator::addPicture()
     if (m_prefetched != frame) {
         m_prefetched = frame;
         m_playback->prefetch(frame);
-    } else if (m_playback->waitForPrefetch(std::chrono::milliseconds(0))) {
-        m_nextFrame == 0 ? m_playback->setFrameAsPlayed(frame) : m_playback->setFrameSilently(frame);
-        if (m_nextFrame == 0 || m_revision != m_playback->pictureRevision())
-            encodePicture();
-        m_revision = m_playback->pictureRevision();
-        m_prefetched = -1;
-        ++m_nextFrame;
+        return;
     }
+    m_prefetched = -1;
+    m_nextFrame == 0 ? m_playback->setFrameAsPlayed(frame) : m_playback->setFrameSilently(frame);
+    if (m_nextFrame == 0 || m_revision != m_playback->pictureRevision())
+        encodePicture();
+    m_revision = m_playback->pictureRevision();
+    ++m_nextFrame;
 }
 
 void ExportSizeEstimator::encodePicture()

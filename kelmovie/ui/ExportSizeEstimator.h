@@ -50,6 +50,8 @@ private:
         qint64 bytes = 0;
     };
 
+    void work();
+    bool isWaiting() const;
     void step();
     bool open();
     void planSamples();

@@ -1,0 +1,76 @@
+#include "Keldock.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using Environment = QProcessEnvironment;
+
+/// `keldock selftest` where everything is there, and where something is missing.
+class SelfTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void reports_data();
+    void reports();
+};
+
+void SelfTest::reports_data()
+{
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QStringList>("mentions");
+
+    const QStringList codecs{"MP4, GIF, APNG, WebP", "H.264", "libavcodec ", "x264 ", "libwebp ", "libdeflate "};
+    const QString formats = "Encode and decode: passed\n  MP4\n  GIF\n  APNG\n  WebP\n";
+    QTest::newRow("all there") << "NOTHING"
+                               << "" << 0
+                               << codecs + QStringList{"X11\n",
+                                                       "Record and play back: passed\n",
+                                                       formats,
+                                                       "Find devices: passed\n",
+                                                       "1280x800 at 0,0",
+                                                       "keyboard and mouse\n",
+                                                       "system audio: speakers\n",
+                                                       "microphone: microphone.monitor\n"};
+    QTest::newRow("no sound") << "PULSE_SERVER"
+                              << "unix:/nowhere" << 0
+                              << QStringList{"Find devices: passed\n", "warning: no device plays sound",
+                                             "warning: there is no microphone\n"};
+    QTest::newRow("no display") << "DISPLAY"
+                                << "" << 1
+                                << codecs + QStringList{"Record and play back: FAILED: ", formats,
+                                                        "Find devices: FAILED: ", "there is no display"};
+    QTest::newRow("no room") << "TMPDIR"
+                             << "/dev/null" << 1
+                             << QStringList{"Record and play back: FAILED: there is no room for temporary files",
+                                            "Encode and decode: FAILED: there is no room for temporary files",
+                                            "Find devices: passed\n"};
+}
+
+void SelfTest::reports()
+{
+    QFETCH(QString, variable);
+    QFETCH(QString, value);
+    QFETCH(QStringList, mentions);
+
+    const QTemporaryDir temporary;
+    Environment environment = Environment::systemEnvironment();
+    environment.insert("TMPDIR", temporary.path());
+    if (value.isEmpty())
+        environment.remove(variable);
+    else
+        environment.insert(variable, value);
+    environment.remove("QT_QPA_PLATFORM");
+    const Keldock run = Keldock::run({"selftest"}, environment);
+    QTEST(run.status, "status");
+    for (const QString &mention : mentions)
+        QVERIFY2(run.output.contains(mention), qPrintable(mention + " is missing in:\n" + run.output));
+    QCOMPARE(run.output.contains("warning"), value == "unix:/nowhere");
+    QCOMPARE(QDir(temporary.path()).entryList({"KelDock*", "kel*", "tst*"}), QStringList());
+}
+
+QTEST_GUILESS_MAIN(SelfTest)
+#include "tst_self_test.moc"

@@ -41,7 +41,7 @@ QImage PlaybackCanvas::picture()
 {
     if (m_isStale) {
         m_picture = composedPicture(m_manager, std::move(m_picture));
-        m_scaled = QPixmap();
+        m_scaled = QImage();
         m_isStale = false;
     }
     return m_picture;
@@ -74,19 +74,18 @@ void PlaybackCanvas::refresh()
     update();
 }
 
-void PlaybackCanvas::scalePicture(const QSize &pixels, double ratio)
+/// The picture in that many pixels.
+const QImage &PlaybackCanvas::scaledPicture(const QSize &pixels)
 {
-    if (m_scaled.size() == pixels && m_scaled.devicePixelRatioF() == ratio)
-        return;
-    QImage scaled = m_picture;
-    if (pixels != m_picture.size()) {
+    if (pixels == m_picture.size())
+        return m_picture;
+    if (pixels != m_scaled.size()) {
         // Pixels that become whole squares stay squares.
         const bool isMultiple = pixels.width() % m_picture.width() == 0 && pixels.height() % m_picture.height() == 0;
-        scaled = m_picture.scaled(pixels, Qt::IgnoreAspectRatio,
-                                  isMultiple ? Qt::FastTransformation : Qt::SmoothTransformation);
+        m_scaled = m_picture.scaled(pixels, Qt::IgnoreAspectRatio,
+                                    isMultiple ? Qt::FastTransformation : Qt::SmoothTransformation);
     }
-    m_scaled = QPixmap::fromImage(std::move(scaled));
-    m_scaled.setDevicePixelRatio(ratio);
+    return m_scaled;
 }
 
 void PlaybackCanvas::paintEvent(QPaintEvent *)
@@ -94,11 +93,8 @@ void PlaybackCanvas::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.fillRect(rect(), QColor(kSurround));
     const QRectF target = pictureRect();
-    if (!picture().isNull() && !target.isEmpty()) {
-        const double ratio = devicePixelRatioF();
-        scalePicture((target.size() * ratio).toSize(), ratio);
-        painter.drawPixmap(target.topLeft(), m_scaled);
-    }
+    if (!picture().isNull() && !target.isEmpty())
+        painter.drawImage(target, scaledPicture((target.size() * devicePixelRatioF()).toSize()));
     if (hasFocus() && m_showsFocus) {
         const double inset = kFocusOutline / 2;
         painter.setPen(QPen(palette().color(QPalette::Highlight), kFocusOutline));

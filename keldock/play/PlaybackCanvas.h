@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QImage>
-#include <QPixmap>
 #include <QWidget>
 
 class KelPlaybackTrackManager;
@@ -42,11 +41,11 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
 
 private:
-    void scalePicture(const QSize &pixels, double ratio);
+    const QImage &scaledPicture(const QSize &pixels);
 
     KelPlaybackTrackManager *const m_manager;
     QImage m_picture;
-    QPixmap m_scaled;
+    QImage m_scaled;       ///< of another size than the picture, or null
     bool m_isStale = true; ///< the picture is older than what the recording shows
     bool m_isEnlarging = false;
     bool m_showsFocus = false; ///< it came by the keyboard, and a keyboard's user has to see it

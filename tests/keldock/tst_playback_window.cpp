@@ -6,6 +6,7 @@
 #include "play/PlaybackCanvas.h"
 #include "play/PlaybackWindow.h"
 #include "play/Player.h"
+#include "support/Controls.h"
 #include "support/ScratchHome.h"
 #include "support/WhenModal.h"
 #include "widgets/MessagePage.h"
@@ -20,6 +21,7 @@
 #include <QImageReader>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QtTest>
 
 namespace
@@ -44,6 +46,7 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
+    void controlsAreForEverybody();
     void keys_data();
     void keys();
     void playsTheRange();
@@ -108,6 +111,22 @@ void PlaybackWindowTest::open(const QString &dir)
     m_window->show();
     m_window->activateWindow(); // nobody else does
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+}
+
+void PlaybackWindowTest::controlsAreForEverybody()
+{
+    const auto tabs = m_window->findChild<QTabWidget *>();
+    for (int i = 0; i < tabs->count(); ++i) {
+        tabs->setCurrentIndex(i);
+        QCOMPARE(controlFaults(m_window.get()).join('\n'), QString());
+    }
+    QString faults;
+    whenModal<ExportOptionsDialog>([&](ExportOptionsDialog *dialog) {
+        faults = controlFaults(dialog).join('\n');
+        QTest::keyClick(dialog, Qt::Key_Escape);
+    });
+    QTest::keyClick(m_window.get(), Qt::Key_E, Qt::ControlModifier);
+    QCOMPARE(faults, QString());
 }
 
 void PlaybackWindowTest::keys_data()

@@ -2,6 +2,7 @@
 #include "library/RecordingsFolder.h"
 #include "library/RecordingsModel.h"
 #include "library/RecordingsWindow.h"
+#include "support/Controls.h"
 #include "support/ScratchHome.h"
 #include "support/WhenModal.h"
 #include "widgets/MessagePage.h"
@@ -246,6 +247,7 @@ void RecordingsTest::windowFollowsTheFolder()
 
     add("first", 100);
     QTRY_COMPARE(listed(), QStringList{"first"});
+    QCOMPARE(controlFaults(m_window.get()).join('\n'), QString());
     add("second", 50);
     QTRY_COMPARE(listed(), (QStringList{"second", "first"}));
     QVERIFY(!empty->isVisible());

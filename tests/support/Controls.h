@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QButtonGroup>
+#include <QSet>
+#include <QStringList>
+#include <QWidget>
+
+/// What is wrong with the controls in a window for somebody who uses the keyboard, or has the screen read out: visible
+/// ones that Tab does not reach, or that have neither name nor tool tip.
+inline QStringList controlFaults(QWidget *window)
+{
+    QSet<const QWidget *> reached;
+    for (QWidget *widget = window->nextInFocusChain(); widget != window; widget = widget->nextInFocusChain()) {
+        if (widget->focusPolicy() & Qt::TabFocus)
+            reached.insert(widget);
+    }
+    QStringList faults;
+    const auto widgets = window->findChildren<QWidget *>();
+    for (QWidget *const widget : widgets) {
+        const auto *const button = qobject_cast<QAbstractButton *>(widget);
+        const bool isButton = button && button->focusPolicy() != Qt::NoFocus;
+        // Tab leads to the chosen one of a group, arrows lead on.
+        const bool isOneOfGroup = isButton && button->group() && button->group()->exclusive();
+        if (!widget->isVisible() || !(isButton || reached.contains(widget)))
+            continue;
+        const QString name =
+            QStringLiteral("%1 %2 %3")
+                .arg(QString::fromLatin1(widget->metaObject()->className()), widget->objectName(), widget->toolTip());
+        QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(widget);
+        if (!accessible || accessible->text(QAccessible::Name).isEmpty())
+            faults.append(name + QStringLiteral(" has no name"));
+        if (isButton && widget->toolTip().isEmpty())
+            faults.append(name + QStringLiteral(" has no tool tip"));
+        if (isButton && !isOneOfGroup && !reached.contains(widget) && widget->isEnabled())
+            faults.append(name + QStringLiteral(" cannot be reached"));
+    }
+    return faults;
+}

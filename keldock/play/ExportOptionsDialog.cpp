@@ -3,13 +3,13 @@
 #include "play/Player.h"
 #include "play/TimeText.h"
 #include "style/KelStyleTheme.h"
+#include "widget/ChoiceBox.h"
 #include "widgets/WindowStore.h"
 
 #include <KelMovie/EncodeFormatPanel.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 #include <KelMovie/SaveQualityPanel.h>
 
-#include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -22,12 +22,12 @@ const QString kSizeKey = QStringLiteral("Export/percent");
 constexpr int kRecordedRate = 0;
 constexpr int kMargin = 14; // that of the panels
 
-void select(QComboBox *box, const QString &key, int fallback)
+void select(ChoiceBox *box, const QString &key, int fallback)
 {
     box->setCurrentIndex(qMax(0, box->findData(windowStore().value(key, fallback).toInt())));
 }
 
-void addRow(QGridLayout *grid, const QString &text, const QString &toolTip, QComboBox *box)
+void addRow(QGridLayout *grid, const QString &text, const QString &toolTip, ChoiceBox *box)
 {
     auto *const label = new QLabel(text);
     label->setBuddy(box);
@@ -48,16 +48,16 @@ ExportOptionsDialog::ExportOptionsDialog(const Player &player, QWidget *parent)
     setWindowTitle(tr("Export Recording"));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     auto *const format = new EncodeFormatPanel(this);
-    auto *const quality = new SaveQualityPanel(this);
-    quality->setPlaybackManager(player.manager());
+    m_quality = new SaveQualityPanel(this);
+    m_quality->setPlaybackManager(player.manager());
     if (player.isTrimmed())
-        quality->setRange(player.rangeStartMs(), player.rangeEndMs());
+        m_quality->setRange(player.rangeStartMs(), player.rangeEndMs());
 
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(format);
-    layout->addWidget(quality);
+    layout->addWidget(m_quality);
     layout->addLayout(createChoices());
     layout->addLayout(createButtons());
     layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -66,18 +66,22 @@ ExportOptionsDialog::ExportOptionsDialog(const Player &player, QWidget *parent)
 QLayout *ExportOptionsDialog::createChoices()
 {
     const KelPlaybackTrackManager &manager = *m_player.manager();
-    m_rates = new QComboBox(this);
+    m_rates = new ChoiceBox(this);
     m_rates->addItem(tr("As recorded (%1)").arg(manager.fps()), kRecordedRate);
     for (const int rate : {60, 50, 30, 25, 24, 20, 15, 10, 5})
         m_rates->addItem(QString::number(rate), rate);
     select(m_rates, kRateKey, kRecordedRate);
 
-    m_sizes = new QComboBox(this);
+    m_sizes = new ChoiceBox(this);
     for (const int percent : {100, 75, 50, 33, 25}) {
         const QSize size = manager.pictureSize() * (percent / 100.0);
         m_sizes->addItem(tr("%1 x %2").arg(size.width()).arg(size.height()), percent);
     }
     select(m_sizes, kSizeKey, 100);
+
+    for (const ChoiceBox *const box : {m_rates, m_sizes})
+        connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &ExportOptionsDialog::updateEstimate);
+    updateEstimate();
 
     auto *const text = new QLabel(summary(), this);
     text->setObjectName(QStringLiteral("ExportSummary"));
@@ -124,6 +128,12 @@ QString ExportOptionsDialog::summary() const
         return tr("Exports the whole recording at speed %1. The file plays for %2.").arg(factor, length);
     return tr("Exports the part from %1 to %2 at speed %3. The file plays for %4.")
         .arg(TimeText::precise(m_player.rangeStartMs()), TimeText::precise(m_player.rangeEndMs()), factor, length);
+}
+
+void ExportOptionsDialog::updateEstimate()
+{
+    m_quality->setFrameRate(fps());
+    m_quality->setPictureSize(pictureSize());
 }
 
 int ExportOptionsDialog::fps() const

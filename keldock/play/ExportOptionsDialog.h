@@ -2,9 +2,10 @@
 
 #include <QDialog>
 
+class ChoiceBox;
 class Player;
-class QComboBox;
 class QLayout;
+class SaveQualityPanel;
 
 /// Asks how to export a recording: format, quality, frames a second; and tells what of it is exported.
 class ExportOptionsDialog : public QDialog
@@ -26,8 +27,10 @@ private:
     QLayout *createChoices();
     QLayout *createButtons();
     QString summary() const;
+    void updateEstimate();
 
     const Player &m_player;
-    QComboBox *m_rates = nullptr;
-    QComboBox *m_sizes = nullptr;
+    SaveQualityPanel *m_quality = nullptr;
+    ChoiceBox *m_rates = nullptr;
+    ChoiceBox *m_sizes = nullptr;
 };

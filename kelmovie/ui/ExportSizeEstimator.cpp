@@ -1,12 +1,12 @@
 #include "ui/ExportSizeEstimator.h"
 
+#include "playback/ExportCanvas.h"
 #include "playback/ExportFrameMap.h"
 #include "playback/KelPlaybackTrackManager.h"
 #include "playback/KelPlaybackVoiceTrack.h"
 #include "ui/SampleFile.h"
 
 #include <QElapsedTimer>
-#include <QPainter>
 
 #include <algorithm>
 #include <chrono>
@@ -98,7 +98,7 @@ void ExportSizeEstimator::step()
         // First a file of one frame, then one of all.
         m_fileFrames = m_samples[m_sample].keyBytes == 0 ? 1 : m_samples[m_sample].frames;
         m_nextFrame = 0;
-        m_file = std::make_unique<SampleFile>(m_request, m_playback->pictureSize());
+        m_file = std::make_unique<SampleFile>(m_request, outputSize());
     } else if (m_file->isClosed()) {
         takeBytes();
     } else if (m_nextFrame < m_fileFrames) {
@@ -127,7 +127,8 @@ void ExportSizeEstimator::planSamples()
 {
     m_map = std::make_unique<ExportFrameMap>(
         ExportFrameMap::Recording{m_playback->totalFrames(), m_playback->fps(), m_playback->durationMs()},
-        ExportFrameMap::Output{m_request.fps, m_request.speed, m_request.trimStartMs, m_request.trimEndMs});
+        ExportFrameMap::Output{m_request.fps, m_request.speed, m_request.trimStartMs, m_request.trimEndMs,
+                               m_request.trimsLongRecordings});
     m_playback->beginExport(m_request.speed, m_map->isRange() ? m_map->firstFrame() : -1, m_map->lastFrame());
     const qint64 frames = m_map->outputFrames();
     const Plan plan = planOf(m_request.format);
@@ -160,16 +161,16 @@ void ExportSizeEstimator::addPicture()
 
 void ExportSizeEstimator::encodePicture()
 {
-    QImage picture(m_playback->pictureSize(), QImage::Format_ARGB32_Premultiplied);
-    if (picture.isNull()) {
+    ExportCanvas canvas(m_playback->pictureSize(), outputSize());
+    if (canvas.isValid())
+        m_file->add(m_nextFrame, canvas.paint(*m_playback));
+    else
         fail(QStringLiteral("Not enough memory for the picture"));
-        return;
-    }
-    picture.fill(Qt::black);
-    QPainter painter(&picture);
-    m_playback->paint(&painter);
-    painter.end();
-    m_file->add(m_nextFrame, picture);
+}
+
+QSize ExportSizeEstimator::outputSize() const
+{
+    return m_request.size.isEmpty() ? m_playback->pictureSize() : m_request.size;
 }
 
 void ExportSizeEstimator::takeBytes()

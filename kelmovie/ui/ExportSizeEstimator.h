@@ -57,6 +57,7 @@ private:
     void planSamples();
     void addPicture();
     void encodePicture();
+    QSize outputSize() const;
     void takeBytes();
     void report();
     double exportBytes(const Sample &sample) const;

@@ -20,7 +20,7 @@ constexpr int kLookMs = 250;
 auto parts(const KelExportRequest &request)
 {
     return std::make_tuple(request.format, request.fps, request.quality, request.speed, request.trimStartMs,
-                           request.trimEndMs, request.playbackManager);
+                           request.trimEndMs, request.playbackManager, request.size.width(), request.size.height());
 }
 
 } // namespace
@@ -43,6 +43,7 @@ public:
     int startMs = -1;
     int endMs = -1;
     int fps = 25;
+    QSize pictureSize;
 };
 
 SaveQualityPanel::Private::Private(SaveQualityPanel *panel)
@@ -76,6 +77,8 @@ KelExportRequest SaveQualityPanel::Private::request() const
     request.speed = manager ? manager->speed() : 1;
     request.trimStartMs = startMs;
     request.trimEndMs = endMs;
+    request.trimsLongRecordings = true;
+    request.size = pictureSize;
     request.playbackManager = manager;
     return request;
 }
@@ -131,6 +134,11 @@ void SaveQualityPanel::setRange(int startMs, int endMs)
 void SaveQualityPanel::setFrameRate(int fps)
 {
     d->fps = fps;
+}
+
+void SaveQualityPanel::setPictureSize(const QSize &size)
+{
+    d->pictureSize = size;
 }
 
 void SaveQualityPanel::showEvent(QShowEvent *event)

@@ -2,6 +2,7 @@
 
 #include <KelMovie/KelMovieGlobal.h>
 
+#include <QSize>
 #include <QWidget>
 
 #include <memory>
@@ -25,6 +26,8 @@ public:
     void setRange(int startMs, int endMs);
     /// Frames a second of the file, 25 at first.
     void setFrameRate(int fps);
+    /// Pixels of the file; as many as were recorded when empty, as at first.
+    void setPictureSize(const QSize &size);
 
 signals:
     /// The user has changed a setting, which is in force already.

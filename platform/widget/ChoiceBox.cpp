@@ -29,6 +29,7 @@ QSize ChoiceBox::sizeHint() const
     int text = 0;
     for (int i = 0; i < count(); ++i)
         text = std::max(text, fontMetrics().horizontalAdvance(itemText(i)));
+    ++text; // an advance that was rounded down would have the text elided
     return {text + qRound((2 * kPadding + kArrowGap + kArrowWidth) * scaleFactor()), qRound(kHeight * scaleFactor())};
 }
 

@@ -1,5 +1,7 @@
+#include "widget/ChoiceBox.h"
 #include "widget/ColorSelectButton.h"
 #include "widget/MiniSlider.h"
+#include "widget/ToggleSwitch.h"
 
 #include <QApplication>
 #include <QColorDialog>
@@ -13,6 +15,8 @@ private slots:
     void sliderGoesWhereItIsPressed_data();
     void sliderGoesWhereItIsPressed();
     void sliderDrags();
+    void switchShowsItsState();
+    void choiceScrollsWithTheFocusOnly();
     void colorIsTriedAndTaken_data();
     void colorIsTriedAndTaken();
 };
@@ -64,6 +68,43 @@ void SettingWidgetsTest::sliderDrags()
     QCOMPARE(slider.value(), 98);
     QTest::mousePress(&slider, Qt::RightButton, {}, QPoint(9, 10));
     QCOMPARE(slider.value(), 98);
+}
+
+void SettingWidgetsTest::switchShowsItsState()
+{
+    ToggleSwitch toggle;
+    toggle.show();
+    const QImage off = toggle.grab().toImage();
+    QTest::mouseClick(&toggle, Qt::LeftButton, {}, QPoint(toggle.width() - 2, 2));
+    QVERIFY(toggle.isChecked());
+    const QImage on = toggle.grab().toImage();
+    QVERIFY(on != off);
+    toggle.setLayoutDirection(Qt::RightToLeft);
+    QVERIFY(toggle.grab().toImage() != on); // the knob is on the other side
+    QTest::keyClick(&toggle, Qt::Key_Space);
+    QVERIFY(!toggle.isChecked());
+}
+
+void SettingWidgetsTest::choiceScrollsWithTheFocusOnly()
+{
+    QWidget window;
+    ChoiceBox box(&window);
+    QPushButton other(&window);
+    box.addItems({"one", "two", "the longest of all"});
+    QVERIFY(box.sizeHint().width() > box.fontMetrics().horizontalAdvance("the longest of all"));
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    const auto turnWheel = [&box] {
+        QWheelEvent event({5, 5}, box.mapToGlobal({5, 5}), {}, {0, -120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&box, &event);
+        return event.isAccepted();
+    };
+    other.setFocus();
+    QVERIFY(!turnWheel());
+    QCOMPARE(box.currentIndex(), 0);
+    box.setFocus();
+    QVERIFY(turnWheel());
+    QCOMPARE(box.currentIndex(), 1);
 }
 
 void SettingWidgetsTest::colorIsTriedAndTaken_data()

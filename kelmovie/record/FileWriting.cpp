@@ -44,12 +44,14 @@ bool writeAll(QIODevice &device, const QByteArray &bytes)
     return true;
 }
 
-bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access, QString *error)
+bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access, QString *error, QFile *replaced)
 {
     const std::unique_ptr<QFile> file = createBeside(path, access);
     std::error_code failure;
     if (file->isOpen() && writeAll(*file, bytes)) {
         file->close();
+        if (replaced)
+            replaced->close(); // not every system replaces a file that is open
         // QFile::rename() does not replace.
         std::filesystem::rename(nativePath(file->fileName()), nativePath(path), failure);
         if (!failure)

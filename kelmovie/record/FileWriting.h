@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+class QFile;
 class QIODevice;
 
 /// Writes all of `bytes` to a device without a buffer. False when that fails, and the device then knows why: a disk
@@ -16,5 +17,7 @@ enum class FileAccess {
 
 /// Puts `bytes` into the file at `path`, in one step: whoever opens it finds the earlier content or the new one, whole.
 /// An earlier file's access does not matter, and a link is replaced, not followed. No copy of `bytes` stays in memory.
-/// False, and `error` says why in English, when that fails; an earlier file is then as it was.
-bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access, QString *error);
+/// False, and `error` says why in English, when that fails; an earlier file is then as it was. Who has that file open
+/// passes it as `replaced`: it is closed in the last moment.
+bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access, QString *error,
+                 QFile *replaced = nullptr);

@@ -45,8 +45,7 @@ bool KeyLogFile::update(std::size_t first, const KeyRecords &records)
     if (!m_file.isOpen() || count > m_room) {
         if (!replace(records, std::max(LeastRoom, 2 * count)))
             return false;
-        // Unbuffered: what is typed is in the file, and nowhere else, when it is written.
-        if (!m_file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
+        if (!open()) {
             m_error = m_file.errorString();
             return false;
         }
@@ -79,6 +78,12 @@ void KeyLogFile::restart()
     m_room = 0;
 }
 
+bool KeyLogFile::open()
+{
+    // Unbuffered: what is typed is in the file, and nowhere else, when it is written.
+    return m_file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered);
+}
+
 bool KeyLogFile::replace(const KeyRecords &records, std::size_t room)
 {
     Header header;
@@ -94,8 +99,13 @@ bool KeyLogFile::replace(const KeyRecords &records, std::size_t room)
     char *end = std::copy_n(reinterpret_cast<const char *>(&header), sizeof header, bytes.data());
     end = std::copy_n(reinterpret_cast<const char *>(records.data()), records.size() * sizeof(KeyRecord), end);
     std::copy_n(reinterpret_cast<const char *>(padding.data()), padding.size() * sizeof(KeyRecord), end);
-    if (!replaceFile(path(), QByteArray::fromRawData(bytes.data(), int(bytes.size())), FileAccess::OwnerOnly, &m_error))
+    const bool wasOpen = m_file.isOpen();
+    if (!replaceFile(path(), QByteArray::fromRawData(bytes.data(), int(bytes.size())), FileAccess::OwnerOnly, &m_error,
+                     &m_file)) {
+        if (wasOpen && !m_file.isOpen())
+            open();
         return false;
+    }
     restart();
     m_room = room;
     return true;

@@ -49,6 +49,7 @@ public:
     QString errorString() const { return m_error; }
 
 private:
+    bool open();
     bool replace(const KeyRecords &records, std::size_t room);
 
     QFile m_file; // open from the first update() on

@@ -1,5 +1,7 @@
 #include "screen/windows/DuplicatedOutput.h"
 
+#include "screen/windows/NativeRect.h"
+
 #include <QTransform>
 
 #include <cstring>
@@ -8,15 +10,10 @@
 namespace
 {
 
-constexpr UINT firstPictureLimitMs = 100;
+constexpr UINT firstPictureLimitMs = 40;
 
 // Beyond this many rectangles one bigger transfer is cheaper than many small ones.
 constexpr int maxRects = 128;
-
-QRect toQt(const RECT &rect)
-{
-    return {QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1)};
-}
 
 int degreesOf(DXGI_MODE_ROTATION rotation)
 {
@@ -59,7 +56,7 @@ HRESULT DuplicatedOutput::open(IDXGIAdapter1 *adapter, IDXGIOutput *output, cons
     output->GetDesc(&screen);
     DXGI_OUTDUPL_DESC surface;
     m_duplication->GetDesc(&surface);
-    const QRect onDesktop = toQt(screen.DesktopCoordinates);
+    const QRect onDesktop = fromNative(screen.DesktopCoordinates);
     const int degrees = degreesOf(surface.Rotation);
     m_rotation = {degrees, degrees % 180 == 0 ? onDesktop.size() : onDesktop.size().transposed()};
     m_part = m_rotation.toSurface((rect & onDesktop).translated(-onDesktop.topLeft()));
@@ -111,12 +108,12 @@ QRegion DuplicatedOutput::changedOnSurface(const DXGI_OUTDUPL_FRAME_INFO &info)
         return m_part;
     moves.resize(bytes / sizeof moves[0]);
     for (const DXGI_OUTDUPL_MOVE_RECT &move : moves)
-        region += toQt(move.DestinationRect);
+        region += fromNative(move.DestinationRect);
     if (FAILED(m_duplication->GetFrameDirtyRects(UINT(drawn.size() * sizeof drawn[0]), drawn.data(), &bytes)))
         return m_part;
     drawn.resize(bytes / sizeof drawn[0]);
     for (const RECT &rect : drawn)
-        region += toQt(rect);
+        region += fromNative(rect);
     region &= m_part;
     return region.rectCount() > maxRects ? QRegion(region.boundingRect()) : region;
 }

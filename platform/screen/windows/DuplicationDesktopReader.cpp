@@ -1,19 +1,27 @@
 #include "screen/windows/DuplicationDesktopReader.h"
 
+#include "screen/windows/Monitors.h"
+#include "screen/windows/NativeRect.h"
+
 using Microsoft::WRL::ComPtr;
 
 namespace
 {
 
-// A screen that has nothing to show when it is asked for the first time so often never will.
-constexpr int maxVainUpdates = 10;
+// What is to pass in a moment and has not so many updates later never will.
+constexpr int maxVainUpdates = 50;
 
-/// The access comes back once the desktop is the user's again or the screens are switched.
+/// The desktop is somebody else's: of whoever logs on or confirms a question of rights. That can take hours.
+bool isElsewhere(HRESULT result)
+{
+    return result == DXGI_ERROR_ACCESS_LOST || result == E_ACCESSDENIED || result == DXGI_ERROR_SESSION_DISCONNECTED;
+}
+
+/// Screens are being switched, or have nothing to show yet.
 bool passes(HRESULT result)
 {
-    return result == DXGI_ERROR_ACCESS_LOST || result == E_ACCESSDENIED || result == DXGI_ERROR_SESSION_DISCONNECTED ||
-           result == DXGI_ERROR_MODE_CHANGE_IN_PROGRESS || result == DXGI_ERROR_DEVICE_REMOVED ||
-           result == DXGI_ERROR_DEVICE_RESET;
+    return result == DXGI_ERROR_MODE_CHANGE_IN_PROGRESS || result == DXGI_ERROR_DEVICE_REMOVED ||
+           result == DXGI_ERROR_DEVICE_RESET || result == DXGI_ERROR_WAIT_TIMEOUT;
 }
 
 } // namespace
@@ -47,21 +55,24 @@ HRESULT DuplicationDesktopReader::open()
     HRESULT result = CreateDXGIFactory1(IID_PPV_ARGS(&factory));
     if (FAILED(result))
         return result;
+    QRegion missing = monitorRegion() & m_rect;
     ComPtr<IDXGIAdapter1> adapter;
     for (UINT a = 0; factory->EnumAdapters1(a, &adapter) != DXGI_ERROR_NOT_FOUND; ++a) {
         ComPtr<IDXGIOutput> output;
         for (UINT o = 0; adapter->EnumOutputs(o, &output) != DXGI_ERROR_NOT_FOUND; ++o) {
             DXGI_OUTPUT_DESC screen{};
             output->GetDesc(&screen);
-            const RECT &place = screen.DesktopCoordinates;
-            if (!screen.AttachedToDesktop ||
-                !m_rect.intersects(QRect(QPoint(place.left, place.top), QPoint(place.right - 1, place.bottom - 1))))
+            const QRect place = fromNative(screen.DesktopCoordinates);
+            if (!screen.AttachedToDesktop || !m_rect.intersects(place))
                 continue;
+            missing -= place;
             result = m_outputs.emplace_back().open(adapter.Get(), output.Get(), m_rect);
             if (FAILED(result))
                 return result;
         }
     }
+    if (!missing.isEmpty()) // screens of a driver that has no part in this, or screens in a hurry
+        return m_hasPicture ? DXGI_ERROR_MODE_CHANGE_IN_PROGRESS : DXGI_ERROR_UNSUPPORTED;
     QImage picture(m_rect.size(), QImage::Format_RGB32);
     if (picture.isNull())
         return E_OUTOFMEMORY;
@@ -85,12 +96,13 @@ DesktopReader::State DuplicationDesktopReader::stateAfter(HRESULT result)
 {
     if (SUCCEEDED(result)) {
         m_hasPicture = true;
+        m_vainUpdates = 0;
         return State::Ready;
     }
-    const bool waits = result == DXGI_ERROR_WAIT_TIMEOUT;
-    if (!waits)
+    if (result != DXGI_ERROR_WAIT_TIMEOUT)
         m_factory.Reset();
-    // An access that was granted once is granted again some time; one that never was may never be.
-    const bool mayPass = (waits || passes(result)) && (m_hasPicture || ++m_vainUpdates < maxVainUpdates);
+    if (isElsewhere(result) && m_hasPicture)
+        return State::NotNow;
+    const bool mayPass = (isElsewhere(result) || passes(result)) && ++m_vainUpdates < maxVainUpdates;
     return mayPass ? State::NotNow : State::Unusable;
 }

@@ -29,6 +29,6 @@ private:
     QImage m_picture;
     Microsoft::WRL::ComPtr<IDXGIFactory1> m_factory; // null while the screens are not open
     std::list<DuplicatedOutput> m_outputs;
-    int m_vainUpdates = 0; // before the first picture
+    int m_vainUpdates = 0; // since the last picture
     bool m_hasPicture = false;
 };

@@ -1,7 +1,7 @@
 #include "screen/windows/GdiDesktopReader.h"
 
+#include "screen/windows/Monitors.h"
 #include "screen/windows/PictureChanges.h"
-#include "screen/windows/VirtualScreen.h"
 
 #include <windows.h>
 
@@ -73,7 +73,7 @@ DesktopReader::Update GdiDesktopReader::update()
 {
     if (m_now->image().isNull() || m_before->image().isNull())
         return {State::Unusable, {}};
-    const QRect visible = m_rect & virtualScreen();
+    const QRegion visible = monitorRegion() & m_rect;
     if (visible != m_visible) {
         m_visible = visible;
         m_hasPicture = false;
@@ -81,9 +81,11 @@ DesktopReader::Update GdiDesktopReader::update()
         m_before->clear();
     }
     std::swap(m_now, m_before);
-    if (!visible.isEmpty() && !m_now->read(visible, visible.topLeft() - m_rect.topLeft())) {
-        std::swap(m_now, m_before);
-        return {State::NotNow, {}};
+    for (const QRect &part : visible) {
+        if (!m_now->read(part, part.topLeft() - m_rect.topLeft())) {
+            std::swap(m_now, m_before);
+            return {State::NotNow, {}};
+        }
     }
     if (!std::exchange(m_hasPicture, true))
         return {State::Ready, QRect(QPoint(), m_rect.size())};

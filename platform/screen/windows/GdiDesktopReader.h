@@ -21,7 +21,7 @@ private:
     class Bitmap;
 
     const QRect m_rect;
-    QRect m_visible; // the part of it that lies on screens
+    QRegion m_visible; // the part of it that lies on screens
     std::unique_ptr<Bitmap> m_now;
     std::unique_ptr<Bitmap> m_before;
     bool m_hasPicture = false;

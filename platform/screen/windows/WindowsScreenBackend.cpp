@@ -5,7 +5,7 @@
 #include "screen/PhysicalRect.h"
 #include "screen/windows/DuplicationDesktopReader.h"
 #include "screen/windows/GdiDesktopReader.h"
-#include "screen/windows/VirtualScreen.h"
+#include "screen/windows/Monitors.h"
 #include "screen/windows/WindowsCursorSource.h"
 #include "screen/windows/WindowsScreenStreamer.h"
 
@@ -24,7 +24,7 @@ std::unique_ptr<KelScreenBackend> createNativeScreenBackend()
 
 QString WindowsScreenBackend::errorString() const
 {
-    return virtualScreen().isEmpty() ? QStringLiteral("The screen cannot be captured: there is no desktop.")
+    return monitorRegion().isEmpty() ? QStringLiteral("The screen cannot be captured: there is no desktop.")
                                      : QString();
 }
 

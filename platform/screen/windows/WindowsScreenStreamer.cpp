@@ -31,7 +31,7 @@ bool WindowsScreenStreamer::captureTo(QImage &image)
     if (!std::exchange(m_asked, false) && !update())
         return false;
     const QImage &picture = m_readers.front()->picture();
-    if (image.cacheKey() != m_filledKey) {
+    if (image.isNull() || image.cacheKey() != m_filledKey) {
         m_changed = picture.rect();
         // All of it is written: a buffer that others share need not be copied first.
         if (image.size() != picture.size() || image.format() != frameFormat || !image.isDetached()) {

@@ -1,8 +1,7 @@
 #include "screen/KelWindowList.h"
 
 #include "screen/PhysicalRect.h"
-
-#include <windows.h>
+#include "screen/windows/NativeRect.h"
 
 #include <dwmapi.h>
 
@@ -25,7 +24,7 @@ QRect frameOf(HWND window)
     RECT frame{};
     if (FAILED(DwmGetWindowAttribute(window, DWMWA_EXTENDED_FRAME_BOUNDS, &frame, sizeof frame)))
         GetWindowRect(window, &frame);
-    return {QPoint(frame.left, frame.top), QPoint(frame.right - 1, frame.bottom - 1)};
+    return fromNative(frame);
 }
 
 BOOL CALLBACK addWindow(HWND window, LPARAM rects)

@@ -151,7 +151,7 @@ void tst_AnimationFaults::keepsWholeFramesOnFullDisk()
     quint64 written = 0;
     {
         expectWarning("Cannot write ");
-        const FileSizeLimit fullDisk{rlim_t(limit)};
+        const FileSizeLimit fullDisk{quint64(limit)};
         const auto encoder = makeAnimationEncoder(format, kSize, path(format), kFps, 100);
         quint64 frame = 0;
         while (frame < 1000 && encoder->addFrame(frame, noise(kSize, uint(frame))))

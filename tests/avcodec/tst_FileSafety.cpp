@@ -115,7 +115,7 @@ void tst_FileSafety::recordingSurvivesFullDisk()
     std::vector<QString> reports;
     {
         QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Cannot write")));
-        const FileSizeLimit fullDisk{rlim_t(limit)};
+        const FileSizeLimit fullDisk{quint64(limit)};
         KelAsyncEncoder encoder(params(path()));
         encoder.setErrorHandler([&reports](const QString &text) { reports.push_back(text); });
         const int taken = record(encoder, 60);
@@ -146,7 +146,7 @@ void tst_FileSafety::exportReportsFullDisk()
 {
     QFETCH(qint64, limit);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[h264Encoder\\] Cannot write")));
-    const FileSizeLimit fullDisk{rlim_t(limit)};
+    const FileSizeLimit fullDisk{quint64(limit)};
     QVERIFY(exportVideo(path()).contains(path()));
 }
 

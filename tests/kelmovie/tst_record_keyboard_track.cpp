@@ -2,14 +2,13 @@
 #include "InputFiles.h"
 #include "record/KelRecordKeyboardTrack.h"
 #include "support/LogCapture.h"
+#include "support/OwnMemory.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <cstring>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace
 {
@@ -47,26 +46,8 @@ bool holds(const QByteArray &region, const QByteArray &disguised)
 /// Whether these bytes are anywhere in what this process can write to.
 bool isInMemory(const QByteArray &disguised)
 {
-    QFile maps("/proc/self/maps");
-    if (!maps.open(QIODevice::ReadOnly))
-        qFatal("no map of the memory");
-    const int memory = ::open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
     bool isFound = false;
-    QByteArray region;
-    for (const QByteArray &line : maps.readAll().split('\n')) {
-        const QList<QByteArray> words = line.split(' ');
-        if (words.size() < 2 || !words[1].startsWith("rw"))
-            continue;
-        const qint64 begin = words[0].split('-')[0].toLongLong(nullptr, 16);
-        const qint64 size = words[0].split('-')[1].toLongLong(nullptr, 16) - begin;
-        if (size > (256 << 20)) // what a sanitizer keeps about the memory
-            continue;
-        region.fill('\0', int(size));
-        region.truncate(int(qMax(ssize_t(0), pread(memory, region.data(), std::size_t(size), begin))));
-        isFound = isFound || holds(region, disguised);
-        region.fill('\0');
-    }
-    ::close(memory);
+    OwnMemory::read([&](const QByteArray &region) { isFound = isFound || holds(region, disguised); });
     return isFound;
 }
 } // namespace

@@ -291,7 +291,7 @@ void TestRecordMouseTrack::fullDiskLosesNothing()
     const QByteArray moves = fileBytes(path("mousemoves-0.json"));
     LogCapture log;
     {
-        const FileSizeLimit limit(rlim_t(moves.size() + 20));
+        const FileSizeLimit limit(quint64(moves.size() + 20));
         play(*track, {"at 120,60 arrow", "frame 1", "checkpoint", "checkpoint"});
         QCOMPARE(fileBytes(path("mousemoves-0.json")), moves);
         QCOMPARE(m_failures,

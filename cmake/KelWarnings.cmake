@@ -3,5 +3,6 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverl
 add_compile_definitions(QT_DEPRECATED_WARNINGS QT_NO_CAST_TO_ASCII QT_NO_FOREACH)
 if(WIN32)
   # What windows.h declares: everything up to Windows 10, in Unicode, without macros named like functions of C++.
-  add_compile_definitions(_WIN32_WINNT=0x0A00 UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
+  file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/windows/definitions.txt definitions)
+  add_compile_definitions(${definitions})
 endif()

@@ -56,8 +56,9 @@ void AudioSettingsPanel::Private::addSystemAudio()
                                       tr("Nothing is being played."), tr("This recording has no system audio.")},
                                      form);
     form->addWidget(systemLevel);
-    form->enableNextBy(form->addSwitch({tr("&Play"), tr("Plays and exports what the computer played")},
-                                       {"KelMovie.playback.audio.system.enabled", &C::playbackAudioSystemEnabled}));
+    form->addSwitch({tr("&Play"), tr("Plays and exports what the computer played")},
+                    {"KelMovie.playback.audio.system.enabled", &C::playbackAudioSystemEnabled});
+    form->enableNextWhile([] { return gKelMovieConfig.playbackAudioSystemEnabled; });
     form->addSwitch({tr("&Mute"), tr("Silences the system audio for now")},
                     {"KelMovie.playback.audio.system.muted", &C::playbackAudioSystemMuted});
     form->addSlider({tr("&Volume"), tr("How loud the system audio is played")},
@@ -76,9 +77,9 @@ void AudioSettingsPanel::Private::addMicrophone()
                             tr("The microphone is silent."), tr("This recording has no microphone sound.")},
                            form);
     form->addWidget(microphoneLevel);
-    form->enableNextBy(
-        form->addSwitch({tr("P&lay"), tr("Plays and exports what the microphone recorded")},
-                        {"KelMovie.playback.audio.microphone.enabled", &C::playbackAudioMicrophoneEnabled}));
+    form->addSwitch({tr("P&lay"), tr("Plays and exports what the microphone recorded")},
+                    {"KelMovie.playback.audio.microphone.enabled", &C::playbackAudioMicrophoneEnabled});
+    form->enableNextWhile([] { return gKelMovieConfig.playbackAudioMicrophoneEnabled; });
     form->addSwitch({tr("M&ute"), tr("Silences the microphone for now")},
                     {"KelMovie.playback.audio.microphone.muted", &C::playbackAudioMicrophoneMuted});
     form->addSlider({tr("V&olume"), tr("How loud the microphone is played")},

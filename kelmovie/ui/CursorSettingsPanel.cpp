@@ -11,8 +11,9 @@ CursorSettingsPanel::CursorSettingsPanel(QWidget *parent)
     connect(form, &SettingsForm::sigChanged, this, &CursorSettingsPanel::sigConfigUpdated);
 
     form->addHeading(tr("Pointer"));
-    form->enableNextBy(form->addSwitch({tr("&Show pointer"), tr("Shows the recorded pointer and its effects")},
-                                       {"KelMovie.playback.mouse.enable", &C::playbackMouseEnable}));
+    form->addSwitch({tr("&Show pointer"), tr("Shows the recorded pointer and its effects")},
+                    {"KelMovie.playback.mouse.enable", &C::playbackMouseEnable});
+    form->enableNextWhile([] { return gKelMovieConfig.playbackMouseEnable; });
     form->addBits({tr("&Buttons"), tr("Clicks that are shown")},
                   {"KelMovie.playback.mouse.showActionButton", &C::playbackMouseShowActionButton},
                   {{tr("Left click"), 1, tr("Shows clicks of the left button")},

@@ -98,6 +98,7 @@ void SettingsForm::reload()
     for (const auto &load : m_loaders)
         load();
     m_isLoading = false;
+    updateEnabled();
 }
 
 void SettingsForm::tellUnsaved()
@@ -114,7 +115,7 @@ void SettingsForm::addHeading(const QString &text)
     auto *const heading = new QLabel(text, this);
     heading->setObjectName(QStringLiteral("Heading"));
     m_grid->addWidget(heading, m_grid->rowCount(), 0, 1, 3, Qt::AlignBottom);
-    m_master = nullptr;
+    m_condition = nullptr;
 }
 
 void SettingsForm::addWidget(QWidget *widget)
@@ -125,10 +126,14 @@ void SettingsForm::addWidget(QWidget *widget)
 
 void SettingsForm::follow(QWidget *widget)
 {
-    if (!m_master)
-        return;
-    connect(m_master, &QAbstractButton::toggled, widget, &QWidget::setEnabled);
-    widget->setEnabled(m_master->isChecked());
+    if (m_condition)
+        m_followers.push_back({widget, m_condition});
+}
+
+void SettingsForm::updateEnabled()
+{
+    for (const Follower &follower : m_followers)
+        follower.widget->setEnabled(follower.condition());
 }
 
 QLabel *SettingsForm::addRow(const Text &text, QWidget *control)
@@ -143,14 +148,13 @@ QLabel *SettingsForm::addRow(const Text &text, QWidget *control)
     return label;
 }
 
-QAbstractButton *SettingsForm::addSwitch(const Text &text, Setting<bool> setting)
+void SettingsForm::addSwitch(const Text &text, Setting<bool> setting)
 {
     auto *const toggle = new ToggleSwitch(this);
     addRow(text, toggle);
     m_grid->addWidget(toggle, m_grid->rowCount() - 1, 1, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
     connect(toggle, &QAbstractButton::toggled, this, [=](bool on) { change(setting, on); });
     m_loaders.emplace_back([=] { toggle->setChecked(setting.value()); });
-    return toggle;
 }
 
 void SettingsForm::addSlider(const Text &text, Setting<int> setting, const Range &range)

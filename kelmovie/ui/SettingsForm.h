@@ -8,7 +8,6 @@
 #include <functional>
 #include <vector>
 
-class QAbstractButton;
 class QGridLayout;
 class QLabel;
 
@@ -41,7 +40,7 @@ public:
     explicit SettingsForm(QWidget *panel);
 
     void addHeading(const QString &text);
-    QAbstractButton *addSwitch(const Text &text, Setting<bool> setting);
+    void addSwitch(const Text &text, Setting<bool> setting);
     void addSlider(const Text &text, Setting<int> setting, const Range &range);
     void addColor(const Text &text, Setting<QColor> setting);
     /// Changed in the record alone: the module saves no fonts.
@@ -55,8 +54,8 @@ public:
     /// A whole row.
     void addWidget(QWidget *widget);
 
-    /// The rows that follow, up to the next heading, can be used while `master` is checked.
-    void enableNextBy(QAbstractButton *master) { m_master = master; }
+    /// The rows that follow, up to the next heading, can be used while the settings are so.
+    void enableNextWhile(const std::function<bool()> &condition) { m_condition = condition; }
 
     /// Changes and saves a setting that a widget of the panel's own shows.
     template <typename T>
@@ -74,14 +73,19 @@ protected:
 
 private:
     QLabel *addRow(const Text &text, QWidget *control);
-    void place(const Text &text, QLabel *label, QWidget *control);
     void follow(QWidget *widget);
+    void updateEnabled();
     void updateMetrics();
     void tellUnsaved();
 
     QGridLayout *const m_grid;
     std::vector<std::function<void()>> m_loaders;
-    QAbstractButton *m_master = nullptr;
+    struct Follower {
+        QWidget *widget;
+        std::function<bool()> condition;
+    };
+    std::vector<Follower> m_followers;
+    std::function<bool()> m_condition;
     bool m_isLoading = false;
     bool m_isUnsavedTold = false;
 };
@@ -96,5 +100,6 @@ void SettingsForm::change(Setting<T> setting, const T &value)
         field = value;
     else if (!saveSetting(QString::fromLatin1(setting.key), &field, value))
         tellUnsaved();
+    updateEnabled();
     emit sigChanged();
 }

@@ -95,6 +95,7 @@ private slots:
     void senselessSettingsAreShownAndKept_data() { panels_data(); }
     void senselessSettingsAreShownAndKept();
     void masterSwitches();
+    void whatHasNoEffectIsDisabled();
     void storeThatRefuses();
     void font();
     void recordingNote();
@@ -208,6 +209,7 @@ void SettingsPanelsTest::changes_data()
         readerOf(&C::recordRecordMicrophone), false);
 
     panel = create<EncodeFormatPanel>;
+    before = [](C &c) { c.playbackEncodeFormat = 1; };
     row("Animation in all colors without loss, without sound", click, "playback.encodeFormat",
         readerOf(&C::playbackEncodeFormat), 2);
     row("How often an animation is played", {Qt::Key_Down}, "encode.gif.playLoop", readerOf(&C::encodeGifPlayLoop), 1);
@@ -266,7 +268,8 @@ void SettingsPanelsTest::everyControlIsNamedAndReached()
 {
     QFETCH(Factory, factory);
     const SavingConfigIO io;
-    gKelMovieConfig.playbackProgressEnable = true;
+    gKelMovieConfig.playbackProgressEnable = true; // with which all can be used
+    gKelMovieConfig.playbackProgressDisplayMode = gKelMovieConfig.playbackEncodeFormat = 1;
     const std::unique_ptr<QWidget> panel(factory());
     panel->show();
     QVERIFY(QTest::qWaitForWindowActive(panel.get()));
@@ -328,6 +331,24 @@ void SettingsPanelsTest::masterSwitches()
     gKelMovieConfig.playbackAudioSystemEnabled = true;
     panel.show();
     QVERIFY(system->isEnabled());
+}
+
+void SettingsPanelsTest::whatHasNoEffectIsDisabled()
+{
+    const SavingConfigIO io;
+    EncodeFormatPanel format;
+    format.show();
+    QWidget *const plays = control(format, "How often an animation is played");
+    QVERIFY(!plays->isEnabled()); // of a video
+    operate(control(format, "Animation in all colors in a small file, without sound"), {});
+    QVERIFY(plays->isEnabled());
+    ProgressSettingsPanel progress;
+    progress.show();
+    QWidget *const step = control(progress, "The bar moves on once in this time at most");
+    operate(control(progress, "Shows over the picture how far it has come"), {});
+    QVERIFY(!step->isEnabled()); // of the time
+    operate(control(progress, "A bar along the bottom edge"), {});
+    QVERIFY(step->isEnabled());
 }
 
 void SettingsPanelsTest::storeThatRefuses()

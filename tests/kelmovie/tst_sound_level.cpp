@@ -85,7 +85,7 @@ void SoundLevelTest::listensOnlyWhileWanted()
     device.advance(50);
     QVERIFY(device.calls().contains("GetDefaultAudioEndpoint 1 0"));
     QCOMPARE(device.calls().filter("Initialize 0 0 ").size(), 1); // no loopback of a microphone
-    QVERIFY(monitor.takePeak() > 1'000'000); // the time, which is what the device plays
+    QVERIFY(monitor.takePeak() > 1'000'000);                      // the time, which is what the device plays
     QCOMPARE(monitor.takePeak(), 0.0F);
     device.setMode(ScriptedAudioDevice::Mode::Silenced);
     device.advance(50);

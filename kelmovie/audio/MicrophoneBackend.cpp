@@ -56,23 +56,37 @@ void MicrophoneBackend::waitForWholeFile(const QAudioRecorder &recorder, const Q
         QThread::msleep(LookAgainMs);
 }
 
-QString MicrophoneBackend::problem()
+MicrophoneBackend::Presence MicrophoneBackend::presence()
 {
     CoInitialize(nullptr);
     IMMDeviceEnumerator *enumerator = nullptr;
     IMMDevice *device = nullptr;
-    QString problem;
+    Presence presence = Presence::Unknown;
     if (SUCCEEDED(CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_ALL, IID_IMMDeviceEnumerator,
                                    reinterpret_cast<void **>(&enumerator)))) {
-        // Without a microphone a backend may well record what the computer plays.
-        if (FAILED(enumerator->GetDefaultAudioEndpoint(eCapture, eConsole, &device)))
-            problem = QStringLiteral("there is no microphone");
-        else
+        presence = Presence::Missing;
+        if (SUCCEEDED(enumerator->GetDefaultAudioEndpoint(eCapture, eConsole, &device))) {
+            presence = Presence::Present;
             device->Release();
+        }
         enumerator->Release();
     }
     CoUninitialize();
-    return problem;
+    return presence;
+}
+
+bool MicrophoneBackend::isSilent(const QString &path)
+{
+    constexpr qint64 block = 1 << 20;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(WavHeader::Size) || file.atEnd())
+        return false;
+    while (!file.atEnd()) {
+        const QByteArray bytes = file.read(block);
+        if (bytes.count('\0') != bytes.size())
+            return false;
+    }
+    return true;
 }
 
 void MicrophoneBackend::preload()

@@ -15,8 +15,13 @@ void setWavSettings(QAudioRecorder &recorder, QAudioEncoderSettings settings);
 /// Runs no event loop.
 void waitForWholeFile(const QAudioRecorder &recorder, const QString &path);
 
-/// Why there is nothing to record, in English; empty when there is, or nobody can tell.
-QString problem();
+/// Without a microphone a backend records what the computer plays, or silence, and says nothing.
+enum class Presence { Present, Missing, Unknown };
+Presence presence();
+
+/// Whether the WAV file holds nothing but zeros, which no microphone that is switched on delivers. Found out by the
+/// first samples of one that is not.
+bool isSilent(const QString &path);
 
 /// Loads what the first recorder of a process takes half a second to load.
 void preload();

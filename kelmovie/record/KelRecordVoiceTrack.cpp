@@ -97,12 +97,13 @@ void KelRecordVoiceTrack::setUpRecorders()
             [this](const QString &problem) { reportFailure(QStringLiteral("System audio track"), problem); }, this);
     }
     if (m_microphoneEnabled && !m_microphone) {
-        const QString problem = MicrophoneBackend::problem();
-        if (problem.isEmpty()) {
-            setUpMicrophone();
-        } else {
+        const auto presence = MicrophoneBackend::presence();
+        m_isMicrophoneDoubtful = presence == MicrophoneBackend::Presence::Unknown;
+        if (presence == MicrophoneBackend::Presence::Missing) {
             m_microphoneEnabled = false;
-            reportFailure(QStringLiteral("Microphone track"), problem);
+            reportFailure(QStringLiteral("Microphone track"), QStringLiteral("there is no microphone"));
+        } else {
+            setUpMicrophone();
         }
     }
 }
@@ -225,6 +226,9 @@ void KelRecordVoiceTrack::joinMicrophoneParts()
     const QString problem = mergeMicrophoneParts(m_microphoneParts, m_microphonePath, m_microphoneTimes);
     if (!problem.isEmpty())
         reportFailure(QStringLiteral("Microphone track"), problem);
+    else if (m_isMicrophoneDoubtful && MicrophoneBackend::isSilent(m_microphonePath))
+        reportFailure(QStringLiteral("Microphone track"),
+                      QStringLiteral("nothing but silence was recorded, as there is no sound server"));
     m_microphoneParts.clear();
     m_microphoneTimes.clear();
     m_microphonePartIndex = 0;

@@ -56,8 +56,9 @@ private:
     const QString m_microphonePath;
     QAudioEncoderSettings m_microphoneSettings;
     bool m_systemAudioEnabled = false;
-    bool m_microphoneEnabled = false; // cleared when the microphone cannot be recorded
-    bool m_isRecording = false;       // stays set while paused
+    bool m_microphoneEnabled = false;    // cleared when the microphone cannot be recorded
+    bool m_isMicrophoneDoubtful = false; // nobody knows whether there is one
+    bool m_isRecording = false;          // stays set while paused
     bool m_isPaused = false;
 
     KelSystemAudioRecord *m_systemAudio = nullptr; // child of this

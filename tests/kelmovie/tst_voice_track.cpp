@@ -1,7 +1,9 @@
+#include "audio/MicrophoneBackend.h"
 #include "audio/WavHeader.h"
 #include "record/KelMultiTrackRecorder.h"
 #include "record/KelRecordVoiceTrack.h"
 #include "support/LogCapture.h"
+#include "support/Sound.h"
 #include "support/Tone.h"
 
 #include <QRegularExpression>
@@ -69,6 +71,7 @@ private slots:
     void recordsBothAcrossPauses();
     void startsAndStopsAgainAndAgain();
     void neitherSource();
+    void knowsSilence();
     void goesOnWithoutSound_data();
     void goesOnWithoutSound();
 };
@@ -169,6 +172,16 @@ void tst_voice_track::neitherSource()
     QVERIFY(lines.contains("W [KelRecordVoiceTrack] 麦克风分段文件数量: 0"));
     QVERIFY(QDir(directory.filePath("Voice")).exists());
     QVERIFY(QDir(directory.filePath("Voice")).isEmpty());
+}
+
+void tst_voice_track::knowsSilence()
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath("sound.wav");
+    QVERIFY(!MicrophoneBackend::isSilent(path));
+    QVERIFY(Sound::make(0.0, Sound::tone(440, 1.0)).save(path, false) && !MicrophoneBackend::isSilent(path));
+    QVERIFY(Sound::make(3.0, Sound::tone(440, 0.0)).save(path, false) && MicrophoneBackend::isSilent(path));
+    QVERIFY(Sound::make(3.0, Sound::tone(440, 0.1, 2.9)).save(path, false) && !MicrophoneBackend::isSilent(path));
 }
 
 void tst_voice_track::goesOnWithoutSound_data()

@@ -109,8 +109,12 @@ void DockApplication::connectRecorder()
     connect(&m_ui, &RecorderUi::closeRequested, this, &DockApplication::closeToolbar);
     connect(&m_ui, &RecorderUi::quitRequested, this, &DockApplication::quit);
     connect(&m_controller, &RecordingController::problem, this, &DockApplication::tell);
-    connect(&m_controller, &RecordingController::finished, this,
-            [this](const QString &dir) { openRecording(dir, true); });
+    connect(&m_controller, &RecordingController::finished, this, [this](const QString &dir) {
+        if (!openRecording(dir, true) || m_ui.place() != RecorderUi::Place::Open)
+            return;
+        // Being on top of all windows it would cover the one that has just opened.
+        m_ui.hideToolbar(RecorderUi::Place::Aside);
+    });
     connect(&m_controller, &RecordingController::stateChanged, this, [this] {
         if (m_recordings)
             m_recordings->setActiveRecording(m_controller.directory());
@@ -124,7 +128,7 @@ void DockApplication::connectSession()
 {
     connect(&m_instance, &SingleInstance::startedAgain, &m_ui, &RecorderUi::showToolbar);
     connect(&m_stopSignal, &StopSignal::raised, this, &DockApplication::quit);
-    connect(qApp, &QApplication::lastWindowClosed, this, &DockApplication::quitWhenNothingIsOpen);
+    connect(qApp, &QApplication::lastWindowClosed, this, &DockApplication::windowClosed);
     // The desktop may give up logging out after this; the program then goes on, without a recording.
     connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &session) {
         session.setRestartHint(QSessionManager::RestartNever);
@@ -152,12 +156,12 @@ void DockApplication::applyShortcuts()
         tell(RecordingController::Severity::Warning, problems);
 }
 
-void DockApplication::openRecording(const QString &dir, bool isNew)
+bool DockApplication::openRecording(const QString &dir, bool isNew)
 {
     if (m_recordings)
         m_recordings->refresh();
     if (m_isEnding || !QFileInfo(dir).isDir())
-        return;
+        return false;
     auto *const window = new PlaybackWindow(dir);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setFromRecording(isNew);
@@ -168,6 +172,7 @@ void DockApplication::openRecording(const QString &dir, bool isNew)
     window->show();
     window->raise();
     window->activateWindow();
+    return true;
 }
 
 void DockApplication::openRecordings()
@@ -231,8 +236,8 @@ void DockApplication::closeToolbar()
         m_controller.stop();
         return;
     }
-    m_ui.hide();
-    quitWhenNothingIsOpen();
+    m_ui.hideToolbar(RecorderUi::Place::Closed);
+    windowClosed();
 }
 
 void DockApplication::quit()
@@ -242,15 +247,17 @@ void DockApplication::quit()
     QApplication::quit();
 }
 
-void DockApplication::quitWhenNothingIsOpen()
+/// Nothing else is open: brings the toolbar back, or ends the program that has none.
+void DockApplication::windowClosed()
 {
-    if (m_controller.state() != RecordingController::State::Idle || !m_ui.isClosed())
-        return;
     for (const QWidget *window : QApplication::topLevelWidgets()) {
         if (window->isVisible() && window->testAttribute(Qt::WA_QuitOnClose))
             return;
     }
-    quit();
+    if (m_ui.place() == RecorderUi::Place::Aside)
+        m_ui.showToolbar();
+    else if (m_ui.place() == RecorderUi::Place::Closed && m_controller.state() == RecordingController::State::Idle)
+        quit();
 }
 
 void DockApplication::tell(RecordingController::Severity severity, const QString &text)

@@ -34,13 +34,13 @@ private:
     void connectSession();
     void applyShortcuts();
     void applyTheme();
-    void openRecording(const QString &dir, bool isNew = false);
+    bool openRecording(const QString &dir, bool isNew = false);
     void openRecordings();
     void openSettings();
     void offerLeftovers();
     void closeToolbar();
     void quit();
-    void quitWhenNothingIsOpen();
+    void windowClosed();
     void tell(RecordingController::Severity severity, const QString &text);
 
     DockConfigIO &m_io;

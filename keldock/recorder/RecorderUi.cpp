@@ -86,7 +86,7 @@ void RecorderUi::showToolbar()
 {
     if (m_isChoosing)
         return;
-    m_isClosed = false;
+    m_place = Place::Open;
     if (!m_toolbar.isVisible())
         m_toolbar.appearBeside(m_controller.area());
     m_toolbar.showNormal();
@@ -94,15 +94,16 @@ void RecorderUi::showToolbar()
     m_toolbar.activateWindow();
 }
 
-void RecorderUi::hide()
+void RecorderUi::hideToolbar(Place place)
 {
-    m_isClosed = true;
+    m_place = place;
     m_toolbar.hide();
     m_frame.hide();
 }
 
 void RecorderUi::minimize()
 {
+    m_place = Place::Minimized;
     if (m_tray.isAvailable())
         m_toolbar.hide();
     else
@@ -151,9 +152,11 @@ void RecorderUi::record()
         chooseArea();
         return;
     }
+    if (m_place == Place::Aside || m_place == Place::Closed)
+        showToolbar();
     if (!mayRecordKeys())
         return;
-    m_hidesWhileRecording = !m_toolbar.makeWayFor(m_controller.area());
+    m_hidesWhileRecording = m_place == Place::Open && !m_toolbar.makeWayFor(m_controller.area());
     if (m_hidesWhileRecording)
         minimize();
     m_controller.start(m_hidesWhileRecording ? HintSeconds : 0);

@@ -22,15 +22,23 @@ public:
     RecorderUi(RecordingController &controller, const DockSettings &settings, KelConfigIO &io,
                QObject *parent = nullptr);
 
+    /// Where the toolbar is.
+    enum class Place {
+        Open,
+        Minimized, ///< until the person wants it back
+        Aside,     ///< until the windows that it would cover are closed
+        Closed
+    };
+
     RecordToolbar &toolbar() { return m_toolbar; }
-    /// The person has closed the toolbar and has no other way to it.
-    bool isClosed() const { return m_isClosed; }
+    Place place() const { return m_place; }
     /// Told at the bottom of the countdown when the toolbar has to hide; empty when there are none.
     void setStopKeys(const QString &keys) { m_stopKeys = keys; }
 
 public slots:
     void showToolbar();
-    void hide();
+    /// Hides it: Aside or Closed.
+    void hideToolbar(Place place);
     /// Into the tray, or to where the desktop keeps small windows.
     void minimize();
     void chooseArea();
@@ -62,7 +70,7 @@ private:
     CountdownOverlay m_countdown;
     TrayIcon m_tray;
     QString m_stopKeys;
-    bool m_isClosed = false;
+    Place m_place = Place::Closed;
     bool m_isChoosing = false;
     bool m_recordsAfterChoosing = false;
     bool m_hidesWhileRecording = false;

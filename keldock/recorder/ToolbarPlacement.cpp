@@ -28,8 +28,8 @@ std::optional<QPoint> ToolbarPlacement::beside(const QRect &area, const QSize &t
     std::stable_sort(byNearness.begin(), byNearness.end(),
                      [&](const QRect &a, const QRect &b) { return commonArea(a, area) > commonArea(b, area); });
     const QRect kept = area.adjusted(-Gap / 2, -Gap / 2, Gap / 2, Gap / 2); // the area with its frame
-    const int centredX = area.center().x() - toolbar.width() / 2;
-    const int centredY = area.center().y() - toolbar.height() / 2;
+    const int centredX = area.left() + (area.width() - toolbar.width()) / 2;
+    const int centredY = area.top() + (area.height() - toolbar.height()) / 2;
     for (const QRect &screen : qAsConst(byNearness)) {
         const QPoint places[] = {{centredX, area.bottom() + 1 + Gap},
                                  {centredX, area.top() - Gap - toolbar.height()},

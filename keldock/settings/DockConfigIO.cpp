@@ -11,6 +11,7 @@ DockConfigIO::DockConfigIO(const QString &path)
     : m_store(path, QSettings::IniFormat)
 {
     m_store.setFallbacksEnabled(false);
+    m_store.allKeys(); // reads the whole file, which otherwise happens bit by bit
     if (m_store.status() == QSettings::FormatError)
         keepUnreadableFile();
     else if (m_store.status() == QSettings::AccessError || (QFile::exists(path) && !QFileInfo(path).isReadable()))

@@ -4,6 +4,9 @@
 #include <QSocketNotifier>
 
 #include <xcb/xcb.h>
+#define explicit explicit_ // a field of xcb_xkb_set_explicit_t has this name
+#include <xcb/xkb.h>
+#undef explicit
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include <algorithm>
@@ -76,6 +79,7 @@ X11ShortcutGrabber::X11ShortcutGrabber()
     for (; screen.rem > 1 && number > 0; --number)
         xcb_screen_next(&screen);
     m_root = screen.data->root;
+    followKeyboard();
     readKeyboard();
     m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &X11ShortcutGrabber::readEvents);
@@ -109,6 +113,26 @@ QString X11ShortcutGrabber::grab(int combination)
 void X11ShortcutGrabber::release(int combination)
 {
     releaseChord(m_grabbed.take(combination));
+}
+
+/// Has a held key repeat as presses only, without releases in between, and changes of the keyboard told. Without XKB
+/// the server tells them as MappingNotify, and held keys repeat as if somebody pressed them again and again.
+void X11ShortcutGrabber::followKeyboard()
+{
+    const xcb_query_extension_reply_t *const extension = xcb_get_extension_data(m_connection, &xcb_xkb_id);
+    const XcbPtr<xcb_xkb_use_extension_reply_t> use(
+        extension && extension->present
+            ? xcb_xkb_use_extension_reply(m_connection, xcb_xkb_use_extension(m_connection, 1, 0), nullptr)
+            : nullptr);
+    if (!use || !use->supported)
+        return;
+    m_xkbEvent = extension->first_event;
+    constexpr std::uint32_t Repeat = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
+    const auto flags = xcb_xkb_per_client_flags(m_connection, XCB_XKB_ID_USE_CORE_KBD, Repeat, Repeat, 0, 0, 0);
+    xcb_discard_reply(m_connection, flags.sequence);
+    constexpr std::uint16_t Events = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+    constexpr std::uint16_t Parts = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+    xcb_xkb_select_events(m_connection, XCB_XKB_ID_USE_CORE_KBD, Events, 0, Events, Parts, Parts, nullptr);
 }
 
 void X11ShortcutGrabber::readKeyboard()
@@ -203,16 +227,14 @@ void X11ShortcutGrabber::readEvents()
 {
     bool isKeyboardNew = false;
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
-        switch (event->response_type & 0x7f) {
+        const int type = event->response_type & 0x7f;
+        isKeyboardNew = isKeyboardNew || type == XCB_MAPPING_NOTIFY || (m_xkbEvent != 0 && type == m_xkbEvent);
+        switch (type) {
         case XCB_KEY_PRESS:
             keyPressed(*reinterpret_cast<const xcb_key_press_event_t *>(event.get()));
             break;
         case XCB_KEY_RELEASE:
-            m_releaseTime = reinterpret_cast<const xcb_key_release_event_t *>(event.get())->time;
-            m_releasedKey = reinterpret_cast<const xcb_key_release_event_t *>(event.get())->detail;
-            break;
-        case XCB_MAPPING_NOTIFY:
-            isKeyboardNew = true;
+            m_heldKey = 0;
             break;
         default:
             break;
@@ -233,9 +255,9 @@ void X11ShortcutGrabber::readEvents()
 
 void X11ShortcutGrabber::keyPressed(const xcb_key_press_event_t &event)
 {
-    // A key that is held repeats as a release and a press at the same moment.
-    if (event.detail == m_releasedKey && event.time == m_releaseTime)
+    if (event.detail == m_heldKey)
         return;
+    m_heldKey = event.detail;
     for (auto known = m_grabbed.cbegin(); known != m_grabbed.cend(); ++known) {
         const std::vector<std::uint8_t> &keycodes = known->keycodes;
         if ((event.state & ChordModifiers) == known->modifiers &&

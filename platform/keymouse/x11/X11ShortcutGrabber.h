@@ -31,6 +31,7 @@ private:
     };
 
     bool isConnected() const;
+    void followKeyboard();
     void readKeyboard();
     Chord chordOf(int combination) const;
     std::uint16_t maskOf(std::uint32_t keysym) const;
@@ -50,6 +51,6 @@ private:
     std::vector<std::uint8_t> m_modifierKeys; // m_keysPerModifier for each of the eight modifiers
     int m_keysPerModifier = 0;
 
-    std::uint32_t m_releaseTime = 0; // of the last key that went up
-    std::uint8_t m_releasedKey = 0;
+    std::uint8_t m_xkbEvent = 0; // the type of events about the keyboard; 0: no XKB
+    std::uint8_t m_heldKey = 0;  // the key that is down; it repeats
 };

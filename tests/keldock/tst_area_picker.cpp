@@ -1,0 +1,187 @@
+#include "area/AreaOverlay.h"
+#include "area/AreaPicker.h"
+#include "recorder/ToolbarPlacement.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QWindow>
+#include <QtTest>
+
+/// Choosing an area with mouse and keys, as the windows that a person sees get them; and where the toolbar goes then.
+/// Qt's offscreen screen has 800x600 pixels.
+class AreaPickerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void picks_data();
+    void picks();
+    void toolbarPlacement_data();
+    void toolbarPlacement();
+
+private:
+    void act(const QString &step);
+
+    QPointer<QWindow> m_overlay;
+};
+
+namespace
+{
+
+QPoint point(const QString &text)
+{
+    return {text.section(',', 0, 0).toInt(), text.section(',', 1, 1).toInt()};
+}
+
+AreaOverlay *overlay()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        auto *const found = qobject_cast<AreaOverlay *>(widget);
+        if (found && found->isVisible())
+            return found;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void AreaPickerTest::picks_data()
+{
+    QTest::addColumn<QRect>("area");
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QRect>("picked");
+    const QRect none;
+    const QRect area(200, 200, 300, 200);
+
+    QTest::newRow("draw") << none << "drag 100,120 299,219" << QRect(100, 120, 200, 100);
+    QTest::newRow("draw from the lower right") << none << "drag 299,219 100,120" << QRect(100, 120, 200, 100);
+    QTest::newRow("draw anew beside the last one") << area << "drag 20,20 119,69" << QRect(20, 20, 100, 50);
+    QTest::newRow("draw to the edge of the screen") << none << "drag 700,500 799,599" << QRect(700, 500, 100, 100);
+    QTest::newRow("a slip is no area") << area << "drag 20,20 25,25" << area;
+    QTest::newRow("last area") << area << "" << area;
+    QTest::newRow("last area of a larger screen") << QRect(700, 500, 300, 300) << "" << QRect(700, 500, 100, 100);
+    QTest::newRow("move") << area << "drag 350,300 360,280" << QRect(210, 180, 300, 200);
+    QTest::newRow("move as far as it goes") << area << "drag 350,300 799,0" << QRect(500, 0, 300, 200);
+    QTest::newRow("left") << area << "drag 200,300 180,310" << QRect(180, 200, 320, 200);
+    QTest::newRow("right") << area << "drag 499,300 519,310" << QRect(200, 200, 320, 200);
+    QTest::newRow("top") << area << "drag 350,200 340,190" << QRect(200, 190, 300, 210);
+    QTest::newRow("bottom") << area << "drag 350,399 340,409" << QRect(200, 200, 300, 210);
+    QTest::newRow("top left") << area << "drag 200,200 190,180" << QRect(190, 180, 310, 220);
+    QTest::newRow("top right") << area << "drag 499,200 509,180" << QRect(200, 180, 310, 220);
+    QTest::newRow("bottom right") << area << "drag 499,399 509,419" << QRect(200, 200, 310, 220);
+    QTest::newRow("bottom left") << area << "drag 200,399 190,419" << QRect(190, 200, 310, 220);
+    QTest::newRow("an edge from outside") << area << "drag 195,300 175,300" << QRect(180, 200, 320, 200);
+    QTest::newRow("an edge across the other") << area << "drag 200,300 600,300" << QRect(500, 200, 100, 200);
+    QTest::newRow("never too narrow") << area << "drag 200,300 498,300" << QRect(484, 200, 16, 200);
+    QTest::newRow("arrows") << area << "Right Down Down Left Left" << QRect(199, 202, 300, 200);
+    QTest::newRow("arrows with Shift") << area << "Shift+Left Shift+Up" << QRect(190, 190, 300, 200);
+    QTest::newRow("arrows with Ctrl") << area << "Ctrl+Right Ctrl+Up" << QRect(200, 200, 301, 199);
+    QTest::newRow("arrows with both") << area << "Ctrl+Shift+Left Ctrl+Shift+Down" << QRect(200, 200, 290, 210);
+    QTest::newRow("arrows at the edge") << QRect(5, 5, 100, 100) << "Shift+Left Shift+Up" << QRect(0, 0, 100, 100);
+    QTest::newRow("whole screen") << none << "Ctrl+A" << QRect(0, 0, 800, 600);
+    QTest::newRow("a window") << none << "click 640,120" << QRect(600, 100, 150, 100);
+    QTest::newRow("the upper of two windows") << none << "click 610,110" << QRect(600, 100, 40, 20);
+    QTest::newRow("a window that is only pointed at") << none << "point 640,120" << QRect(600, 100, 150, 100);
+    QTest::newRow("no window within the area")
+        << QRect(550, 50, 240, 240) << "click 640,120" << QRect(550, 50, 240, 240);
+    QTest::newRow("a window beyond the screen") << none << "click 20,580" << QRect(0, 560, 50, 40);
+    QTest::newRow("nothing to accept") << none << "point 400,550" << none;
+    QTest::newRow("double click") << area << "double 300,300" << area;
+    QTest::newRow("Escape") << area << "Escape" << none;
+    QTest::newRow("right click") << area << "right 300,300" << none;
+}
+
+void AreaPickerTest::picks()
+{
+    QFETCH(QRect, area);
+    QFETCH(QString, steps);
+    QFETCH(QRect, picked);
+    AreaPicker picker;
+    QSignalSpy picks(&picker, &AreaPicker::picked);
+    QSignalSpy cancels(&picker, &AreaPicker::cancelled);
+    picker.open(area, {{600, 100, 40, 20}, {600, 100, 150, 100}, {-50, 560, 100, 100}});
+    QVERIFY(overlay());
+    m_overlay = overlay()->windowHandle();
+
+    QString verb;
+    for (const QString &word : steps.split(' ', Qt::SkipEmptyParts)) {
+        if (word.at(0).isUpper()) {
+            act(word);
+        } else if (word.at(0).isLetter()) {
+            verb = word;
+        } else if (verb == "drag" || verb == "dragged") {
+            act(verb + ' ' + word);
+            verb = "dragged";
+        } else {
+            act(verb + ' ' + word);
+        }
+    }
+    if (picker.isOpen())
+        act("Return");
+    if (picked.isEmpty()) {
+        QCOMPARE(picks.size(), 0);
+    } else {
+        QCOMPARE(picks.size(), 1);
+        QCOMPARE(picks.first().first().toRect(), picked);
+        QCOMPARE(cancels.size(), 0);
+        QVERIFY(!picker.isOpen() && !overlay());
+    }
+}
+
+/// "Ctrl+Left", "click 10,20", "drag 10,20" and "dragged 30,40" for the two ends of a drag, …
+void AreaPickerTest::act(const QString &step)
+{
+    const QString verb = step.section(' ', 0, 0);
+    const QPoint at = point(step.section(' ', 1));
+    if (verb == "drag") {
+        QTest::mouseMove(m_overlay, at);
+        QTest::mousePress(m_overlay, Qt::LeftButton, {}, at);
+    } else if (verb == "dragged") {
+        QTest::mouseMove(m_overlay, at + QPoint(7, 3)); // a hand goes no straight line
+        QTest::mouseMove(m_overlay, at);
+        QTest::mouseRelease(m_overlay, Qt::LeftButton, {}, at);
+    } else if (verb == "point") {
+        QTest::mouseMove(m_overlay, at);
+    } else if (verb == "click") {
+        QTest::mouseMove(m_overlay, at);
+        QTest::mouseClick(m_overlay, Qt::LeftButton, {}, at);
+    } else if (verb == "right") {
+        QTest::mousePress(m_overlay, Qt::RightButton, {}, at);
+    } else if (verb == "double") {
+        QTest::mouseDClick(m_overlay, Qt::LeftButton, {}, at);
+    } else {
+        const int keys = QKeySequence(verb)[0];
+        QTest::keyPress(m_overlay, Qt::Key(keys & ~int(Qt::KeyboardModifierMask)),
+                        Qt::KeyboardModifiers(keys & int(Qt::KeyboardModifierMask)));
+    }
+}
+
+void AreaPickerTest::toolbarPlacement_data()
+{
+    QTest::addColumn<QRect>("area");
+    QTest::addColumn<int>("screens");
+    QTest::addColumn<QPoint>("place"); // far outside: none
+    const QPoint none(-9999, -9999);
+    QTest::newRow("below") << QRect(300, 200, 400, 300) << 1 << QPoint(300, 512);
+    QTest::newRow("above") << QRect(300, 200, 400, 600) << 1 << QPoint(300, 148);
+    QTest::newRow("right") << QRect(0, 0, 500, 800) << 1 << QPoint(512, 380);
+    QTest::newRow("left") << QRect(500, 0, 500, 800) << 1 << QPoint(88, 380);
+    QTest::newRow("kept on the screen") << QRect(0, 200, 100, 100) << 1 << QPoint(0, 312);
+    QTest::newRow("nowhere") << QRect(0, 0, 1000, 800) << 1 << none;
+    QTest::newRow("on the other screen") << QRect(0, 0, 1000, 800) << 2 << QPoint(1012, 380);
+}
+
+void AreaPickerTest::toolbarPlacement()
+{
+    QFETCH(QRect, area);
+    QFETCH(int, screens);
+    QFETCH(QPoint, place);
+    const QVector<QRect> all{{0, 0, 1000, 800}, {1000, 0, 1000, 800}};
+    const std::optional<QPoint> found = ToolbarPlacement::beside(area, QSize(400, 40), all.mid(0, screens));
+    QCOMPARE(found.value_or(QPoint(-9999, -9999)), place);
+    QVERIFY(!found || !QRect(*found, QSize(400, 40)).intersects(area));
+}
+
+QTEST_MAIN(AreaPickerTest)
+#include "tst_area_picker.moc"

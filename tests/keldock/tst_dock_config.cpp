@@ -1,0 +1,135 @@
+#include "settings/DockConfigIO.h"
+#include "settings/DockSettings.h"
+
+#include <KelMovie/KelMovieConfig.h>
+
+#include <QSignalSpy>
+#include <QtTest>
+
+class DockConfigTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void keepsEverything();
+    void garbledStore_data();
+    void garbledStore();
+    void storeThatCannotBeWritten();
+
+private:
+    void write(const QByteArray &content) const;
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString m_path;
+};
+
+void DockConfigTest::init()
+{
+    gKelMovieConfig = KelMovieConfig();
+    m_dir = std::make_unique<QTemporaryDir>();
+    m_path = m_dir->filePath("sub/keldock.ini");
+}
+
+void DockConfigTest::write(const QByteArray &content) const
+{
+    QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+    QFile file(m_path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), content.size());
+}
+
+void DockConfigTest::keepsEverything()
+{
+    {
+        DockConfigIO io(m_path);
+        KelMovieConfigInit(&io);
+        DockSettings settings;
+        settings.bind(io);
+        QVERIFY(settings.lastArea().isEmpty());
+        io.saveFonts();
+        QVERIFY2(!QFile::exists(m_path), "nothing was changed");
+
+        io.saveInt("KelMovie.record.fps", 60);
+        io.saveBool("KelMovie.record.keyboard", false);
+        io.saveColor("KelMovie.playback.mouse.color", QColor(1, 2, 3, 4));
+        io.saveString(DockSettings::StopKeysKey, "Ctrl+Shift+F9");
+        DockSettings::saveArea(io, QRect(-1280, 5, 640, 480));
+        gKelMovieConfig.playbackKeyboardFont = QFont("DejaVu Sans", 17);
+        io.saveFonts();
+        QCOMPARE(gKelMovieConfig.recordFps, 60);
+        QCOMPARE(settings.stopKeys, QString("Ctrl+Shift+F9"));
+        QCOMPARE(io.problem(), QString());
+    }
+    gKelMovieConfig = KelMovieConfig();
+    DockConfigIO io(m_path);
+    KelMovieConfigInit(&io);
+    DockSettings settings;
+    settings.bind(io);
+    QCOMPARE(gKelMovieConfig.recordFps, 60);
+    QCOMPARE(gKelMovieConfig.recordKeyboard, false);
+    QCOMPARE(gKelMovieConfig.playbackMouseColor, QColor(1, 2, 3, 4));
+    QCOMPARE(gKelMovieConfig.playbackKeyboardFont, QFont("DejaVu Sans", 17));
+    QCOMPARE(gKelMovieConfig.playbackProgressGapTime, 41);
+    QCOMPARE(settings.stopKeys, QString("Ctrl+Shift+F9"));
+    QCOMPARE(settings.recordKeys, DockSettings().recordKeys);
+    QCOMPARE(settings.lastArea(), QRect(-1280, 5, 640, 480));
+    QCOMPARE(io.problem(), QString());
+    KelMovieConfigInit(nullptr);
+}
+
+void DockConfigTest::garbledStore_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("problem");
+    QTest::addColumn<bool>("isKept");
+    QTest::newRow("no number") << QByteArray("[General]\nKelMovie.record.delay=5\nKelMovie.record.fps=many\n")
+                               << "KelMovie.record.fps" << false;
+    QTest::newRow("no colour") << QByteArray("[General]\nKelMovie.playback.mouse.color=mauvish\n"
+                                             "KelMovie.record.delay=5\n")
+                               << "KelMovie.playback.mouse.color" << false;
+    QTest::newRow("neither true nor false")
+        << QByteArray("[General]\nKelMovie.record.mouse=\nKelMovie.record.delay=5\n") << "KelMovie.record.mouse"
+        << false;
+    QTest::newRow("no settings file") << QByteArray("[General]\nKelMovie.record.delay=5\n<?xml garbage\n\x01\x02")
+                                      << ".damaged" << true;
+}
+
+void DockConfigTest::garbledStore()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, problem);
+    QFETCH(bool, isKept);
+    write(content);
+    DockConfigIO io(m_path);
+    KelMovieConfigInit(&io);
+    const KelMovieConfig defaults;
+    QCOMPARE(gKelMovieConfig.recordFps, defaults.recordFps);
+    QCOMPARE(gKelMovieConfig.recordMouse, defaults.recordMouse);
+    QCOMPARE(gKelMovieConfig.playbackMouseColor, defaults.playbackMouseColor);
+    QCOMPARE(gKelMovieConfig.recordDelay, 5); // what can be read is used
+    QVERIFY2(io.problem().contains(problem), qPrintable(io.problem()));
+    QFile copy(m_path + ".damaged");
+    QCOMPARE(copy.open(QIODevice::ReadOnly), isKept);
+    if (isKept)
+        QCOMPARE(copy.readAll(), content);
+    KelMovieConfigInit(nullptr);
+}
+
+void DockConfigTest::storeThatCannotBeWritten()
+{
+    // A directory in the file's place: it cannot be written by anybody, not even by root.
+    QVERIFY(QDir().mkpath(m_path + "/x"));
+    DockConfigIO io(m_path);
+    KelMovieConfigInit(&io);
+    QSignalSpy problems(&io, &DockConfigIO::problemFound);
+    io.saveInt("KelMovie.record.fps", 16);
+    io.saveInt("KelMovie.record.delay", 3);
+    QCOMPARE(gKelMovieConfig.recordFps, 16);
+    QCOMPARE(gKelMovieConfig.recordDelay, 3);
+    QCOMPARE(problems.size() + (io.problem().contains("read") ? 1 : 0), 1); // told once
+    KelMovieConfigInit(nullptr);
+}
+
+QTEST_MAIN(DockConfigTest)
+#include "tst_dock_config.moc"

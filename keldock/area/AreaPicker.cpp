@@ -165,8 +165,9 @@ void AreaPicker::selectScreen()
 
 void AreaPicker::close()
 {
-    // An overlay's own event may have led here.
+    // An overlay's own event may have led here, so they live a moment longer, but not with the keyboard.
     for (auto &overlay : m_overlays) {
+        overlay->releaseKeyboard();
         overlay->hide();
         overlay.release()->deleteLater();
     }

@@ -162,6 +162,13 @@ RecordToolbar::RecordToolbar(QWidget *parent)
              d->controls, d->time, d->fps, createSeparator(this), d->area, d->systemAudio, d->microphone, d->mouse,
              d->keys, beforeFps, recordings, settings, beforeClose, minimize, close})
         layout->addWidget(widget);
+    QWidget *before = d->record;
+    for (QWidget *widget :
+         std::initializer_list<QWidget *>{d->pause, d->time, d->fps, d->area, d->systemAudio, d->microphone, d->mouse,
+                                          d->keys, recordings, settings, minimize, close}) {
+        setTabOrder(before, widget);
+        before = widget;
+    }
     d->extras = {d->fps, beforeFps, recordings, d->mouse};
     KelStyleTheme::instance()->appleStyleTo(this, {QStringLiteral(":/keldock/Bar")});
 

@@ -44,7 +44,8 @@ RecorderUi::RecorderUi(RecordingController &controller, const DockSettings &sett
     m_controller.setArea(onScreens(settings.lastArea()));
     connectToolbar();
     connectTray();
-    connect(&m_picker, &AreaPicker::picked, this, &RecorderUi::takeArea);
+    // Queued: what follows may ask a question, which is not to be done from within the picker's own key event.
+    connect(&m_picker, &AreaPicker::picked, this, &RecorderUi::takeArea, Qt::QueuedConnection);
     connect(&m_picker, &AreaPicker::cancelled, this, [this] {
         m_recordsAfterChoosing = false;
         endPicking();

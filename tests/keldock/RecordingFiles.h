@@ -17,6 +17,14 @@ inline QJsonObject recordingInfo(const QString &recording)
     return QJsonDocument::fromJson(Keldock::run({"info", recording, "--json"}).output.toUtf8()).object();
 }
 
+/// Pictures are on disk, and there is more to come.
+inline bool isUnderWay(const QString &recording)
+{
+    // The metadata of a recording under way is brought up to date now and then.
+    return QFileInfo(recording + "/Screen/screen_record.mp4").size() > 0 &&
+           recordingInfo(recording).value("actualRecordedFrames").toInt() > 0;
+}
+
 inline QByteArray readAll(const QString &path)
 {
     QFile file(path);

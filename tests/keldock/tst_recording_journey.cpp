@@ -18,13 +18,6 @@ namespace
 const QRect SceneRect(20, 30, 320, 240);
 const QString Area = QStringLiteral("20,30,320x240");
 
-bool isUnderWay(const QString &recording)
-{
-    // The metadata of a recording under way is brought up to date now and then.
-    return QFileInfo(recording + "/Screen/screen_record.mp4").size() > 0 &&
-           recordingInfo(recording).value("actualRecordedFrames").toInt() > 0;
-}
-
 } // namespace
 
 /// From a screen to files that other programs open, with the real program.

@@ -1,0 +1,191 @@
+#include "keldock/ColorScene.h"
+#include "keldock/Keldock.h"
+#include "keldock/RecordingFiles.h"
+#include "keymouse/XTestInput.h"
+#include "support/X11Painter.h"
+#include "support/X11Windows.h"
+
+#include <QDir>
+#include <QImage>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+namespace
+{
+
+constexpr int LimitMs = 30000;
+const QRect Area(100, 80, 480, 360);
+const QPoint RecordButton(24, 22); // in the toolbar
+const QPoint PauseButton(58, 22);
+
+// Key codes of the keyboard that every X server here has.
+enum Code { Return = 36, Ctrl = 37, Alt = 64, LetterR = 27, LetterP = 33, LetterS = 39 };
+
+} // namespace
+
+/// The recorder as a person uses it: the real program, driven by mouse and keys alone.
+class DesktopJourneyTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void recordsAnArea();
+    void showsTheRecording();
+    void secondProgramRaisesTheFirst();
+    void endOfSessionKeepsTheRecording();
+
+private:
+    X11Windows::Window waitFor(const QByteArray &title);
+    void click(const QPoint &point);
+    void press(const QVector<int> &codes);
+    void confirmKeys();
+    QStringList recordings() const;
+    QColor frameColor() { return m_painter.grab(QRect(Area.left() - 3, Area.center().y(), 1, 1)).pixelColor(0, 0); }
+
+    QTemporaryDir m_home;
+    QProcess m_recorder;
+    XTestInput m_input;
+    X11Windows m_windows;
+    X11Painter m_painter;
+    std::unique_ptr<ColorScene> m_scene;
+};
+
+X11Windows::Window DesktopJourneyTest::waitFor(const QByteArray &title)
+{
+    X11Windows::Window found;
+    const bool isThere = QTest::qWaitFor([&] { return bool(found = m_windows.find(title)); }, LimitMs);
+    return isThere ? found : X11Windows::Window();
+}
+
+void DesktopJourneyTest::click(const QPoint &point)
+{
+    m_input.move(point.x(), point.y());
+    m_input.click(1);
+}
+
+void DesktopJourneyTest::press(const QVector<int> &codes)
+{
+    for (const int code : codes)
+        m_input.key(code, true);
+    for (auto code = codes.rbegin(); code != codes.rend(); ++code)
+        m_input.key(*code, false);
+}
+
+/// Recorded keys are asked about; there is no window manager here that would give the question the keyboard.
+void DesktopJourneyTest::confirmKeys()
+{
+    const X11Windows::Window question = waitFor("Recording keys");
+    QVERIFY(question);
+    m_input.focus(question.id);
+    press({Return});
+}
+
+QStringList DesktopJourneyTest::recordings() const
+{
+    const QDir folder(m_home.filePath("Videos/KelMovie"));
+    QStringList paths;
+    for (const QString &name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+        paths += folder.filePath(name);
+    return paths;
+}
+
+void DesktopJourneyTest::initTestCase()
+{
+    std::signal(SIGTERM, SIG_DFL);
+    const QString settings = m_home.filePath(".config/KelMovie/keldock.ini");
+    QVERIFY(QDir().mkpath(QFileInfo(settings).path()));
+    QVERIFY(writeAll(settings, "[General]\nKelMovie.record.recordSystemAudio=false\n"
+                               "KelMovie.record.recordMicrophone=false\n"));
+    for (const char *name : {"HOME", "XDG_RUNTIME_DIR"})
+        qputenv(name, m_home.path().toUtf8());
+    for (const char *name : {"XDG_CONFIG_HOME", "XDG_VIDEOS_DIR", "LANGUAGE", "LC_ALL", "LANG"})
+        qunsetenv(name);
+    m_scene = std::make_unique<ColorScene>(Area);
+    m_recorder.setProcessChannelMode(QProcess::ForwardedChannels);
+    m_recorder.start(QStringLiteral(KELDOCK_PROGRAM), QStringList());
+    QVERIFY(waitFor("Screen recorder"));
+}
+
+void DesktopJourneyTest::cleanupTestCase()
+{
+    m_recorder.kill();
+    m_recorder.waitForFinished();
+}
+
+void DesktopJourneyTest::recordsAnArea()
+{
+    // Nothing was chosen yet, so the wish to record leads to the choice first.
+    click(waitFor("Screen recorder").rect.topLeft() + RecordButton);
+    QVERIFY(waitFor("Choose the area to record"));
+    m_input.move(Area.left(), Area.top());
+    m_input.button(1, true);
+    m_input.move(Area.center().x(), Area.top() + 20);
+    m_input.move(Area.right(), Area.bottom());
+    m_input.button(1, false);
+    press({Return});
+    m_input.move(Area.right() + 100, Area.bottom() + 100);
+    confirmKeys();
+    QTRY_VERIFY_WITH_TIMEOUT(!recordings().isEmpty() && isUnderWay(recordings().first()), LimitMs);
+    QCOMPARE(frameColor(), QColor(0xe1, 0x3d, 0x30));
+
+    const QRect toolbar = waitFor("Screen recorder").rect;
+    QVERIFY2(!toolbar.intersects(Area), "it stays out of the picture");
+    click(toolbar.topLeft() + PauseButton);
+    QTRY_VERIFY_WITH_TIMEOUT(frameColor() != QColor(0xe1, 0x3d, 0x30), LimitMs);
+    press({Ctrl, Alt, LetterP});
+    QTRY_COMPARE_WITH_TIMEOUT(frameColor(), QColor(0xe1, 0x3d, 0x30), LimitMs);
+    m_input.move(Area.center().x(), Area.center().y());
+    press({Ctrl, Alt, LetterS});
+}
+
+void DesktopJourneyTest::showsTheRecording()
+{
+    QCOMPARE(recordings().size(), 1);
+    const QString recording = recordings().first();
+    QVERIFY2(waitFor(QFileInfo(recording).fileName().toUtf8()), "the window that plays it");
+    QVERIFY2(!m_windows.find("Screen recorder"), "the toolbar steps aside");
+    const QJsonObject told = recordingInfo(recording);
+    QCOMPARE(told.value("complete").toBool(), true);
+    QCOMPARE(told.value("videoWidth").toInt(), Area.width());
+    QCOMPARE(told.value("videoHeight").toInt(), Area.height());
+    QCOMPARE(told.value("tracksPresent").toArray(), (QJsonArray{"screen", "mouse", "keyboard"}));
+
+    const int frames = told.value("logicFrames").toInt();
+    for (const int frame : {0, frames / 2}) {
+        const QString file = m_home.filePath("frame.png");
+        const Keldock keldock = Keldock::run({"frame", recording, QString::number(frame), file});
+        QVERIFY2(keldock.status == 0, qPrintable(keldock.errors));
+        const QImage picture(file);
+        const QColor color = picture.pixelColor(0, 0);
+        QVERIFY2(ColorScene::step(color) >= 0, "the scene and nothing before it");
+        for (const QPoint corner : {QPoint(479, 0), QPoint(0, 359), QPoint(479, 359)})
+            QCOMPARE(picture.pixelColor(corner), color); // neither frame nor toolbar nor countdown
+    }
+}
+
+void DesktopJourneyTest::secondProgramRaisesTheFirst()
+{
+    const Keldock second = Keldock::run({});
+    QCOMPARE(second.status, 0);
+    QVERIFY(waitFor("Screen recorder"));
+}
+
+void DesktopJourneyTest::endOfSessionKeepsTheRecording()
+{
+    press({Ctrl, Alt, LetterR}); // the area is known by now
+    confirmKeys();
+    QTRY_VERIFY_WITH_TIMEOUT(recordings().size() == 2 && isUnderWay(recordings().last()), LimitMs);
+    ::kill(static_cast<pid_t>(m_recorder.processId()), SIGTERM);
+    QVERIFY(m_recorder.waitForFinished(LimitMs));
+    QCOMPARE(m_recorder.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_recorder.exitCode(), 0);
+    QCOMPARE(recordingInfo(recordings().last()).value("complete").toBool(), true);
+}
+
+QTEST_MAIN(DesktopJourneyTest)
+#include "tst_desktop_journey.moc"

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QByteArray>
+#include <QRect>
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+
+/// Finds the windows that other programs show.
+class X11Windows
+{
+public:
+    struct Window {
+        xcb_window_t id = XCB_NONE;
+        QRect rect; ///< on the screen
+        explicit operator bool() const { return id != XCB_NONE; }
+    };
+
+    X11Windows()
+        : m_connection(xcb_connect(nullptr, nullptr))
+        , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root)
+    {
+    }
+    ~X11Windows() { xcb_disconnect(m_connection); }
+    X11Windows(const X11Windows &) = delete;
+    X11Windows &operator=(const X11Windows &) = delete;
+
+    /// The window with this title that is seen; the topmost when there are several, none when there is not one.
+    Window find(const QByteArray &title) const { return find(m_root, title); }
+
+private:
+    template <typename T>
+    struct Reply {
+        explicit Reply(T *given)
+            : reply(given)
+        {
+        }
+        ~Reply() { std::free(reply); }
+        Reply(const Reply &) = delete;
+        Reply &operator=(const Reply &) = delete;
+        T *operator->() const { return reply; }
+        T *reply;
+    };
+
+    Window find(xcb_window_t parent, const QByteArray &title) const
+    {
+        const Reply tree(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, parent), nullptr));
+        if (!tree.reply)
+            return {};
+        const xcb_window_t *const children = xcb_query_tree_children(tree.reply);
+        for (int i = xcb_query_tree_children_length(tree.reply) - 1; i >= 0; --i) {
+            if (!isSeen(children[i]))
+                continue;
+            if (name(children[i]) == title)
+                return {children[i], rect(children[i])};
+            if (const Window inner = find(children[i], title))
+                return inner;
+        }
+        return {};
+    }
+
+    bool isSeen(xcb_window_t window) const
+    {
+        const Reply attributes(
+            xcb_get_window_attributes_reply(m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
+        return attributes.reply && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
+
+    QByteArray name(xcb_window_t window) const
+    {
+        const Reply property(xcb_get_property_reply(
+            m_connection,
+            xcb_get_property(m_connection, 0, window, XCB_ATOM_WM_NAME, XCB_GET_PROPERTY_TYPE_ANY, 0, 256), nullptr));
+        if (!property.reply)
+            return {};
+        return {static_cast<const char *>(xcb_get_property_value(property.reply)),
+                xcb_get_property_value_length(property.reply)};
+    }
+
+    QRect rect(xcb_window_t window) const
+    {
+        const Reply geometry(xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr));
+        const Reply origin(xcb_translate_coordinates_reply(
+            m_connection, xcb_translate_coordinates(m_connection, window, m_root, 0, 0), nullptr));
+        return geometry.reply && origin.reply ? QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height)
+                                              : QRect();
+    }
+
+    xcb_connection_t *m_connection;
+    xcb_window_t m_root;
+};

@@ -110,10 +110,9 @@ void DockApplication::connectRecorder()
     connect(&m_ui, &RecorderUi::quitRequested, this, &DockApplication::quit);
     connect(&m_controller, &RecordingController::problem, this, &DockApplication::tell);
     connect(&m_controller, &RecordingController::finished, this, [this](const QString &dir) {
-        if (!openRecording(dir, true) || m_ui.place() != RecorderUi::Place::Open)
-            return;
         // Being on top of all windows it would cover the one that has just opened.
-        m_ui.hideToolbar(RecorderUi::Place::Aside);
+        if (openRecording(dir, true) && m_ui.isToolbarSeen())
+            m_ui.hideToolbar(RecorderUi::Place::Aside);
     });
     connect(&m_controller, &RecordingController::stateChanged, this, [this] {
         if (m_recordings)

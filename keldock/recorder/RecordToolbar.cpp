@@ -60,7 +60,14 @@ QFrame *createSeparator(QWidget *parent)
 class RecordToolbar::Private
 {
 public:
-    explicit Private(RecordToolbar *q);
+    explicit Private(RecordToolbar *q)
+        : controls(new QWidget(q))
+        , record(new KelRecordButton(controls))
+        , pause(new KelRecordPauseButton(controls))
+        , time(new KelRecordTimeLable(q))
+        , fps(new KelRecordFpsLabel(q))
+    {
+    }
 
     SwitchButton *createSwitch(RecordToolbar *q, const QString &name, const SwitchButton::Face &on,
                                const SwitchButton::Face &off, const QString &key, bool KelMovieConfig::*field);
@@ -85,15 +92,6 @@ public:
     State state = State::Idle;
     QPoint grabbedAt;
 };
-
-RecordToolbar::Private::Private(RecordToolbar *q)
-    : controls(new QWidget(q))
-    , record(new KelRecordButton(controls))
-    , pause(new KelRecordPauseButton(controls))
-    , time(new KelRecordTimeLable(q))
-    , fps(new KelRecordFpsLabel(q))
-{
-}
 
 SwitchButton *RecordToolbar::Private::createSwitch(RecordToolbar *q, const QString &name, const SwitchButton::Face &on,
                                                    const SwitchButton::Face &off, const QString &key,

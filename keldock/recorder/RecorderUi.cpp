@@ -157,7 +157,7 @@ void RecorderUi::record()
         showToolbar();
     if (!mayRecordKeys())
         return;
-    m_hidesWhileRecording = m_place == Place::Open && !m_toolbar.makeWayFor(m_controller.area());
+    m_hidesWhileRecording = isToolbarSeen() && !m_toolbar.makeWayFor(m_controller.area());
     if (m_hidesWhileRecording)
         minimize();
     m_controller.start(m_hidesWhileRecording ? HintSeconds : 0);

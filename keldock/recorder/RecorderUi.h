@@ -32,6 +32,7 @@ public:
 
     RecordToolbar &toolbar() { return m_toolbar; }
     Place place() const { return m_place; }
+    bool isToolbarSeen() const { return m_toolbar.isVisible() && !m_toolbar.isMinimized(); }
     /// Told at the bottom of the countdown when the toolbar has to hide; empty when there are none.
     void setStopKeys(const QString &keys) { m_stopKeys = keys; }
 

@@ -131,7 +131,7 @@ void DesktopJourneyTest::recordsAnArea()
     m_input.move(Area.right() + 100, Area.bottom() + 100);
     confirmKeys();
     QTRY_VERIFY_WITH_TIMEOUT(!recordings().isEmpty() && isUnderWay(recordings().first()), LimitMs);
-    QCOMPARE(frameColor(), QColor(0xe1, 0x3d, 0x30));
+    QTRY_COMPARE_WITH_TIMEOUT(frameColor(), QColor(0xe1, 0x3d, 0x30), LimitMs);
 
     const QRect toolbar = waitFor("Screen recorder").rect;
     QVERIFY2(!toolbar.intersects(Area), "it stays out of the picture");
@@ -148,7 +148,7 @@ void DesktopJourneyTest::showsTheRecording()
     QCOMPARE(recordings().size(), 1);
     const QString recording = recordings().first();
     QVERIFY2(waitFor(QFileInfo(recording).fileName().toUtf8()), "the window that plays it");
-    QVERIFY2(!m_windows.find("Screen recorder"), "the toolbar steps aside");
+    QTRY_VERIFY2_WITH_TIMEOUT(!m_windows.find("Screen recorder"), "the toolbar steps aside", LimitMs);
     const QJsonObject told = recordingInfo(recording);
     QCOMPARE(told.value("complete").toBool(), true);
     QCOMPARE(told.value("videoWidth").toInt(), Area.width());

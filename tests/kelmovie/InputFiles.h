@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QFile>
+#include "support/Files.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -10,17 +11,11 @@
 
 // The files of the mouse and keyboard tracks, read without anything of the product.
 
-inline QByteArray fileBytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 /// "FRAME ACTION X,Y CURSOR", with " [BUTTON]" and " DELTA" where the event has them.
 inline QStringList mouseEvents(const QString &path)
 {
     QStringList lines;
-    for (const QJsonValue &value : QJsonDocument::fromJson(fileBytes(path)).array()) {
+    for (const QJsonValue &value : QJsonDocument::fromJson(readFile(path)).array()) {
         const QJsonObject event = value.toObject();
         QString line = QString("%1 %2 %3,%4 %5")
                            .arg(event["frame"].toInt())

@@ -1,10 +1,8 @@
 #pragma once
 
 #include "playback/KeyRecordingReader.h"
+#include "support/Files.h"
 
-#include <QByteArray>
-#include <QDir>
-#include <QFile>
 #include <QHash>
 #include <QMetaEnum>
 #include <QString>
@@ -46,8 +44,5 @@ inline QByteArray keyMetaFile(const std::vector<KeyRecord> &records, const QSize
 
 inline void writeKeyMeta(const QString &trackDir, const QByteArray &content)
 {
-    QDir().mkpath(trackDir);
-    QFile file(trackDir + "/keyboard.keymeta");
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(file.fileName()));
+    writeFile(trackDir + "/keyboard.keymeta", content);
 }

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <QByteArray>
-#include <QDir>
-#include <QFile>
+#include "support/Files.h"
+
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,12 +16,7 @@ public:
 
     QString path() const { return m_dir.path(); }
     QString filePath(const QString &name) const { return m_dir.filePath(name); }
-    void write(const QString &name, const QByteArray &content) const
-    {
-        QFile file(filePath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write the fixture");
-    }
+    void write(const QString &name, const QByteArray &content) const { writeFile(filePath(name), content); }
     void write(const QString &name, const QJsonArray &records) const { write(name, QJsonDocument(records).toJson()); }
 
     static QJsonObject move(int frame, int x, int y, const QString &cursor = "square", const QString &action = "move")

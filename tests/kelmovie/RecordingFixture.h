@@ -2,9 +2,8 @@
 
 #include "record/KelRecordingMetadata.h"
 
-#include <QByteArray>
-#include <QDir>
-#include <QFile>
+#include "support/Files.h"
+
 #include <QTemporaryDir>
 #include <QtEndian>
 
@@ -22,7 +21,6 @@ public:
         metadata.durationMs = qint64(logicFrames) * 1000 / fps;
         metadata.mouseTrack = false;
         metadata.save(path());
-        QDir().mkpath(screenDir());
         write("Screen/screen_record.mp4", "video");
         writeIndexes(logicFrames, [](int i) { return i; });
     }
@@ -31,12 +29,7 @@ public:
     QString screenDir() const { return m_dir.filePath("Screen"); }
     void save() { metadata.save(path()); }
     void remove(const QString &name) { QFile::remove(m_dir.filePath(name)); }
-    void write(const QString &name, const QByteArray &content)
-    {
-        QFile file(m_dir.filePath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write the fixture");
-    }
+    void write(const QString &name, const QByteArray &content) { writeFile(m_dir.filePath(name), content); }
     void writeIndexes(int count, const std::function<int(int)> &entry)
     {
         std::vector<qint32> values{1, count};

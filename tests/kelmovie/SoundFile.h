@@ -1,17 +1,28 @@
 #pragma once
 
 #include "audio/WavHeader.h"
+#include "support/Files.h"
 
-#include <QByteArray>
+#include <QVector>
 #include <QtEndian>
 
-/// WAV files made by hand, one channel.
+#include <initializer_list>
+
+/// WAV files made by hand, and read.
 namespace SoundFile
 {
 
-inline QByteArray wav(quint32 rate, quint16 bits, const QByteArray &samples)
+template <typename Number>
+QByteArray littleEndian(std::initializer_list<Number> numbers)
 {
-    WavHeader header = WavHeader::pcm(rate, 1, bits);
+    QByteArray bytes(int(numbers.size() * sizeof(Number)), Qt::Uninitialized);
+    qToLittleEndian<Number>(numbers.begin(), qsizetype(numbers.size()), bytes.data());
+    return bytes;
+}
+
+inline QByteArray wav(quint32 rate, quint16 bits, const QByteArray &samples, quint16 channels = 1)
+{
+    WavHeader header = WavHeader::pcm(rate, channels, bits);
     header.setDataSize(samples.size());
     return header.toBytes() + samples;
 }
@@ -28,6 +39,22 @@ inline QByteArray numbered(quint32 rate, int frames)
 inline qint32 numberAt(const QByteArray &samples, int offset)
 {
     return qFromLittleEndian<qint32>(samples.constData() + offset / 4 * 4);
+}
+
+/// The first channel of a file whose header describes it exactly, floats or 16-bit integers; empty for any other.
+inline QVector<float> exactSamples(const QString &path, WavHeader *header)
+{
+    const QByteArray bytes = readFile(path);
+    if (bytes.size() < WavHeader::Size || !WavHeader::isRiffWave(bytes.constData()))
+        return {};
+    *header = WavHeader::fromBytes(bytes.constData());
+    if (header->dataSize != quint32(bytes.size() - WavHeader::Size) || header->riffSize != header->dataSize + 36)
+        return {};
+    QVector<float> samples;
+    for (const char *at = bytes.cbegin() + WavHeader::Size; at < bytes.cend(); at += header->blockAlign)
+        samples << (header->formatTag == WavHeader::IeeeFloat ? qFromLittleEndian<float>(at)
+                                                              : float(qFromLittleEndian<qint16>(at)) / 32768);
+    return samples;
 }
 
 } // namespace SoundFile

@@ -1,6 +1,7 @@
 #include "ScriptedAudioSink.h"
 #include "SoundFile.h"
 #include "support/LogCapture.h"
+#include "support/TestTable.h"
 
 #include "audio/AudioGain.h"
 #include "audio/KelAmplifiedAudioPlayer.h"
@@ -14,25 +15,21 @@
 #include <cmath>
 #include <limits>
 
+using SoundFile::littleEndian;
+
 namespace
 {
 
 constexpr int kRate = 4000;
 
-QByteArray littleEndian(quint32 value)
-{
-    value = qToLittleEndian(value);
-    return {reinterpret_cast<const char *>(&value), sizeof value};
-}
-
 QByteArray withSizes(QByteArray file, quint32 riffSize, quint32 dataSize)
 {
-    return file.replace(4, 4, littleEndian(riffSize)).replace(40, 4, littleEndian(dataSize));
+    return file.replace(4, 4, littleEndian({riffSize})).replace(40, 4, littleEndian({dataSize}));
 }
 
 QByteArray chunk(const char *id, quint32 size, const QByteArray &body = QByteArray())
 {
-    return id + littleEndian(size) + body;
+    return id + littleEndian({size}) + body;
 }
 
 QByteArray format(quint16 tag, quint16 channels, quint32 rate, quint16 bits)
@@ -40,16 +37,6 @@ QByteArray format(quint16 tag, quint16 channels, quint32 rate, quint16 bits)
     WavHeader header = WavHeader::pcm(rate, channels, bits);
     header.formatTag = tag;
     return header.toBytes().mid(20, 16);
-}
-
-QByteArray floats(std::initializer_list<float> values)
-{
-    return {reinterpret_cast<const char *>(values.begin()), int(values.size() * sizeof(float))};
-}
-
-QByteArray int16s(std::initializer_list<qint16> values)
-{
-    return {reinterpret_cast<const char *>(values.begin()), int(values.size() * sizeof(qint16))};
 }
 
 } // namespace
@@ -66,7 +53,6 @@ private slots:
     void amplifies_data();
     void amplifies();
     void changesState();
-    void followsRate_data();
     void followsRate();
     void playsShortEndings();
     void mutes();
@@ -74,10 +60,8 @@ private slots:
 private:
     QString write(const QByteArray &content)
     {
-        QFile file(dir.filePath("sound.wav"));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write the sound");
-        return file.fileName();
+        writeFile(dir.filePath("sound.wav"), content);
+        return dir.filePath("sound.wav");
     }
     std::unique_ptr<KelAmplifiedAudioPlayer> load(const QByteArray &content)
     {
@@ -100,9 +84,7 @@ void AmplifiedPlayerTest::init()
 
 void AmplifiedPlayerTest::loads_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("error"); // none: it plays
-    QTest::addColumn<qint64>("durationMs");
+    const TestTable<QByteArray, QString, qint64> row("content", "error", "durationMs");
 
     const QByteArray second(8000, 'x'); // of 4000 frames
     const QByteArray good = SoundFile::wav(4000, 16, second);
@@ -110,39 +92,35 @@ void AmplifiedPlayerTest::loads_data()
     const QByteArray fmt = chunk("fmt ", 16, format(1, 1, 4000, 16));
     const QByteArray data = chunk("data", 8000, second);
     const QString noChunk = "Invalid WAV file: missing fmt or data chunk";
-    const QString small = "Invalid WAV file: fmt chunk too small";
     const quint32 most = std::numeric_limits<quint32>::max();
     const auto formatted = [&](quint16 tag, quint16 channels, quint32 rate, quint16 bits) {
         return riff + chunk("fmt ", 16, format(tag, channels, rate, bits)) + data;
     };
 
-    QTest::newRow("plain") << good << "" << qint64(1000);
-    QTest::newRow("chunks around") << riff + chunk("LIST", 3, "abc") + data + chunk("junk", 0) + fmt << ""
-                                   << qint64(1000);
-    QTest::newRow("long fmt") << riff + chunk("fmt ", 40, format(65534, 1, 4000, 16) + QByteArray(24, 'g')) + data << ""
-                              << qint64(1000);
-    QTest::newRow("float whatever its bits") << formatted(3, 1, 1000, 64) << "" << qint64(2000);
-    QTest::newRow("8 bits, 2 channels") << formatted(1, 2, 1000, 8) << "" << qint64(4000);
-    QTest::newRow("no samples") << SoundFile::wav(4000, 16, {}) << "" << qint64(0);
-    QTest::newRow("never completed") << withSizes(good, 0, 0) << "" << qint64(1000);
-    QTest::newRow("states too much") << withSizes(good, 36, 0x7fff0000) << "" << qint64(1000);
-    QTest::newRow("4 GiB and more") << withSizes(good, most, most) << "" << qint64(1000);
+    row("plain", good, "", 1000);
+    row("chunks around", riff + chunk("LIST", 3, "abc") + data + chunk("junk", 0) + fmt, "", 1000);
+    row("long fmt", riff + chunk("fmt ", 40, format(65534, 1, 4000, 16) + QByteArray(24, 'g')) + data, "", 1000);
+    row("float whatever its bits", formatted(3, 1, 1000, 64), "", 2000);
+    row("8 bits, 2 channels", formatted(1, 2, 1000, 8), "", 4000);
+    row("no samples", SoundFile::wav(4000, 16, {}), "", 0);
+    row("never completed", withSizes(good, 0, 0), "", 1000);
+    row("states too much", withSizes(good, 36, 0x7fff0000), "", 1000);
+    row("4 GiB and more", withSizes(good, most, most), "", 1000);
 
-    QTest::newRow("empty") << QByteArray() << "Invalid WAV file: RIFF header not found" << qint64(0);
-    QTest::newRow("cut in the header") << good.left(11) << "Invalid WAV file: RIFF header not found" << qint64(0);
-    QTest::newRow("no data") << riff + fmt << noChunk << qint64(0);
-    QTest::newRow("odd sizes are not padded") << riff + chunk("LIST", 3, "abcd") + fmt + data << noChunk << qint64(0);
-    QTest::newRow("chunk past the end") << riff + chunk("LIST", most) + fmt + data << noChunk << qint64(0);
-    QTest::newRow("fmt past the end") << riff + chunk("fmt ", most, format(1, 1, 4000, 16)) + data << noChunk
-                                      << qint64(0);
-    QTest::newRow("only empty chunks") << riff + QByteArray(4'000'000, '\0') << noChunk << qint64(0);
-    QTest::newRow("small fmt") << riff + chunk("fmt ", 15, format(1, 1, 4000, 16)) + data << small << qint64(0);
-    QTest::newRow("24 bits") << formatted(1, 1, 4000, 24) << "Unsupported bits per sample: 24" << qint64(0);
-    QTest::newRow("compressed") << formatted(85, 1, 4000, 16) << "Unsupported audio format: 85" << qint64(0);
-    QTest::newRow("no channels") << formatted(1, 0, 4000, 16) << "Invalid WAV file: 0 channels at 4000 Hz" << qint64(0);
-    QTest::newRow("no rate") << formatted(1, 1, 0, 16) << "Invalid WAV file: 1 channels at 0 Hz" << qint64(0);
-    QTest::newRow("mad rate") << formatted(3, 1, most, 16) << "Invalid WAV file: 1 channels at 4294967295 Hz"
-                              << qint64(0);
+    row("empty", "", "Invalid WAV file: RIFF header not found", 0);
+    row("cut in the header", good.left(11), "Invalid WAV file: RIFF header not found", 0);
+    row("no data", riff + fmt, noChunk, 0);
+    row("odd sizes are not padded", riff + chunk("LIST", 3, "abcd") + fmt + data, noChunk, 0);
+    row("chunk past the end", riff + chunk("LIST", most) + fmt + data, noChunk, 0);
+    row("fmt past the end", riff + chunk("fmt ", most, format(1, 1, 4000, 16)) + data, noChunk, 0);
+    row("only empty chunks", riff + QByteArray(4'000'000, '\0'), noChunk, 0);
+    row("small fmt", riff + chunk("fmt ", 15, format(1, 1, 4000, 16)) + data, "Invalid WAV file: fmt chunk too small",
+        0);
+    row("24 bits", formatted(1, 1, 4000, 24), "Unsupported bits per sample: 24", 0);
+    row("compressed", formatted(85, 1, 4000, 16), "Unsupported audio format: 85", 0);
+    row("no channels", formatted(1, 0, 4000, 16), "Invalid WAV file: 0 channels at 4000 Hz", 0);
+    row("no rate", formatted(1, 1, 0, 16), "Invalid WAV file: 1 channels at 0 Hz", 0);
+    row("mad rate", formatted(3, 1, most, 16), "Invalid WAV file: 1 channels at 4294967295 Hz", 0);
 }
 
 void AmplifiedPlayerTest::loads()
@@ -184,7 +162,7 @@ void AmplifiedPlayerTest::seeksInHours()
     QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(WavHeader::Size + bytes));
     for (const qint64 ms : {10'799'000, 5'400'000, 1}) {
         const qint64 frame = ms * rate / 1000;
-        const QByteArray sample = littleEndian(quint32(frame));
+        const QByteArray sample = littleEndian({quint32(frame)});
         QVERIFY(file.seek(WavHeader::Size + frame * 4) && file.write(sample) == sample.size());
     }
     QVERIFY(file.flush());
@@ -204,23 +182,22 @@ void AmplifiedPlayerTest::seeksInHours()
 
 void AmplifiedPlayerTest::amplifies_data()
 {
-    QTest::addColumn<double>("gain");
-    QTest::addColumn<bool>("isFloat");
-    QTest::addColumn<QByteArray>("in");
-    QTest::addColumn<QByteArray>("out");
+    const TestTable<double, bool, QByteArray, QByteArray> row("gain", "isFloat", "in", "out");
 
     const float bent = 0.95F + 0.05F * std::tanh((1.6F - 0.95F) / 0.05F);
     const float barely = 0.95F + 0.05F * std::tanh((0.96F - 0.95F) / 0.05F);
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    QTest::newRow("unchanged") << 1.0 << false << int16s({-32768, -1, 32767}) << int16s({-32768, -1, 32767});
-    QTest::newRow("softer") << 0.5 << false << int16s({-32768, -3, 3, 32767}) << int16s({-16384, -1, 1, 16383});
-    QTest::newRow("louder") << 2.0 << false << int16s({-1000, 15'000}) << int16s({-2000, 30'000});
-    QTest::newRow("most") << 5.0 << false << int16s({-32768, 32767, 0}) << int16s({-32768, 32767, 0});
-    QTest::newRow("more than most") << 1e9 << false << int16s({1000}) << int16s({5000});
-    QTest::newRow("negative") << -1.0 << false << int16s({1000}) << int16s({0});
-    QTest::newRow("float") << 2.0 << true << floats({0.25F, -0.475F, 0.8F, -0.8F, 0.48F})
-                           << floats({0.5F, -0.95F, bent, -bent, barely});
-    QTest::newRow("float beyond its scale") << 0.5 << true << floats({3.0F, -3.0F, nan}) << floats({1.0F, -1.0F, 0.0F});
+    row("unchanged", 1.0, false, littleEndian<qint16>({-32768, -1, 32767}), littleEndian<qint16>({-32768, -1, 32767}));
+    row("softer", 0.5, false, littleEndian<qint16>({-32768, -3, 3, 32767}),
+        littleEndian<qint16>({-16384, -1, 1, 16383}));
+    row("louder", 2.0, false, littleEndian<qint16>({-1000, 15'000}), littleEndian<qint16>({-2000, 30'000}));
+    row("most", 5.0, false, littleEndian<qint16>({-32768, 32767, 0}), littleEndian<qint16>({-32768, 32767, 0}));
+    row("more than most", 1e9, false, littleEndian<qint16>({1000}), littleEndian<qint16>({5000}));
+    row("negative", -1.0, false, littleEndian<qint16>({1000}), littleEndian<qint16>({0}));
+    row("float", 2.0, true, littleEndian<float>({0.25F, -0.475F, 0.8F, -0.8F, 0.48F}),
+        littleEndian<float>({0.5F, -0.95F, bent, -bent, barely}));
+    row("float beyond its scale", 0.5, true, littleEndian<float>({3.0F, -3.0F, nan}),
+        littleEndian<float>({1.0F, -1.0F, 0.0F}));
 }
 
 void AmplifiedPlayerTest::amplifies()
@@ -257,7 +234,7 @@ void AmplifiedPlayerTest::amplifies()
     QCOMPARE(amplifier.level(), peak * 0.999F);
 
     // From there 95 % of the way to the next gain.
-    in = isFloat ? floats({0.1F}) : int16s({3277});
+    in = isFloat ? littleEndian<float>({0.1F}) : littleEndian<qint16>({3277});
     amplifier.setTarget(0);
     amplifier.apply(format, &in);
     const float step = isFloat ? qFromLittleEndian<float>(in.constData())
@@ -305,29 +282,23 @@ void AmplifiedPlayerTest::changesState()
     QCOMPARE(player->position(), qint64(0));
 }
 
-void AmplifiedPlayerTest::followsRate_data()
-{
-    QTest::addColumn<double>("rate");
-    for (const double rate : {0.1, 0.5, 0.96, 1.0, 1.5, 2.0, 16.0})
-        QTest::newRow(qPrintable(QString::number(rate))) << rate;
-}
-
 void AmplifiedPlayerTest::followsRate()
 {
-    QFETCH(double, rate);
-    const auto player = load(SoundFile::numbered(kRate, kRate * 10));
-    player->setRate(rate);
-    player->seek(1000);
-    player->play();
-    nowMs += 100;
-    player->processAudioData();
-    const QByteArray &written = script->last->written();
-    for (int i = 0; i < written.size() / 4; ++i)
-        QCOMPARE(SoundFile::numberAt(written, i * 4), int(kRate + i * rate));
-    QVERIFY(std::abs(player->exactPosition() - (1000 + 100 * rate)) < 0.01);
-    player->setRate(0);
-    player->setRate(std::numeric_limits<double>::quiet_NaN());
-    QCOMPARE(player->rate(), rate);
+    for (const double rate : {0.1, 0.5, 0.96, 1.0, 1.5, 2.0, 16.0}) {
+        const auto player = load(SoundFile::numbered(kRate, kRate * 10));
+        player->setRate(rate);
+        player->seek(1000);
+        player->play();
+        nowMs += 100;
+        player->processAudioData();
+        const QByteArray &written = script->last->written();
+        for (int i = 0; i < written.size() / 4; ++i)
+            QCOMPARE(SoundFile::numberAt(written, i * 4), int(kRate + i * rate));
+        QVERIFY(std::abs(player->exactPosition() - (1000 + 100 * rate)) < 0.01);
+        player->setRate(0);
+        player->setRate(std::numeric_limits<double>::quiet_NaN());
+        QCOMPARE(player->rate(), rate);
+    }
 }
 
 void AmplifiedPlayerTest::playsShortEndings()

@@ -185,7 +185,7 @@ void TestInputJourney::recordsWhatWasDone()
     QCOMPARE(errors, QStringList());
 
     const QJsonArray shapes =
-        QJsonDocument::fromJson(fileBytes(m_dir.filePath("Mouse/cursor.json"))).object()["cursors"].toArray();
+        QJsonDocument::fromJson(readFile(m_dir.filePath("Mouse/cursor.json"))).object()["cursors"].toArray();
     QCOMPARE(shapes.size(), 2);
     QString cross;
     QString root;
@@ -209,7 +209,7 @@ void TestInputJourney::recordsWhatWasDone()
                           "release -40,-20 " + root + " [right]", "wheel 220,120  [] 120", "wheel 220,120  [] 120",
                           "wheel 220,120  [] -120", "click 220,120 " + cross + " [middle]",
                           "release 220,120 " + cross + " [middle]"}));
-    const QStringList keys = keyRecords(fileBytes(m_dir.filePath("Keyboard/keyboard.keymeta")));
+    const QStringList keys = keyRecords(readFile(m_dir.filePath("Keyboard/keyboard.keymeta")));
     QStringList withoutRepeats;
     for (const QString &key : keys)
         withoutRepeats << key.section(' ', 0, 1);
@@ -217,9 +217,8 @@ void TestInputJourney::recordsWhatWasDone()
     withoutRepeats.removeDuplicates();
     QCOMPARE(withoutRepeats, (QStringList{"1000021 1", "43 1", "43 0", "1000021 0", "0 0", "0 1", "41 1", "41 0"}));
 
-    const int frames = QJsonDocument::fromJson(fileBytes(m_dir.filePath("TrackManager.meta")))
-                           .object()["actualRecordedFrames"]
-                           .toInt();
+    const int frames =
+        QJsonDocument::fromJson(readFile(m_dir.filePath("TrackManager.meta"))).object()["actualRecordedFrames"].toInt();
     for (const QStringList &lines : {mouseEvents(moves), mouseEvents(clicks)}) {
         int last = 0;
         for (const QString &line : lines) {

@@ -5,7 +5,6 @@
 #include "playback/EffectTiming.h"
 #include "playback/KelMouseButtonLottie.h"
 #include "playback/KelMouseWheelLottie.h"
-#include "support/LogCapture.h"
 
 #include <QPainter>
 #include <QRandomGenerator>
@@ -15,14 +14,6 @@
 
 namespace
 {
-
-/// A click effect whose animation is missing.
-class LostAnimation : public KelMouseButtonLottie
-{
-public:
-    int holdFrameRaw() const override { return 9; }
-    void paint(QPainter *, int, const QRectF &, int) override {}
-};
 
 /// Whether anything is painted, and what its weight on the left is as a share of all.
 template <typename Effect>
@@ -62,11 +53,9 @@ class MouseEffectsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void clickEffects_data();
     void clickEffects();
     void wheelEffects();
     void timing();
-    void lostAnimation();
     void effects_data();
     void effects();
     void pairsLikeAWalk();
@@ -75,44 +64,33 @@ private:
     MouseFixture files;
 };
 
-void MouseEffectsTest::clickEffects_data()
-{
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("frames");
-    QTest::addColumn<int>("hold");
-    QTest::addColumn<int>("holdRaw");
-    QTest::addColumn<bool>("flag");
-    QTest::addColumn<bool>("paints");
-
-    QTest::newRow("none") << 0 << 0 << 0 << 0 << false << false;
-    QTest::newRow("ray") << 1 << 24 << 4 << 9 << true << true;
-    QTest::newRow("floral") << 2 << 24 << 0 << 1 << false << true;
-    QTest::newRow("fireworks") << 3 << 24 << 6 << 12 << true << true;
-    QTest::newRow("stars") << 4 << 24 << 4 << 9 << true << true;
-    QTest::newRow("ripple") << 5 << 24 << 6 << 12 << true << true;
-    QTest::newRow("conventional") << 6 << 12 << 4 << 4 << true << false;
-    QTest::newRow("too small") << -1 << -1 << 0 << 0 << false << false;
-    QTest::newRow("too large") << 7 << -1 << 0 << 0 << false << false;
-}
-
 void MouseEffectsTest::clickEffects()
 {
-    QFETCH(int, type);
-    QFETCH(int, frames);
-    const auto effect = createMouseButtonLottie(30, type);
-    QCOMPARE(effect != nullptr, frames >= 0);
-    if (!effect)
-        return;
-    QTEST(effect->holdFrameRaw(), "holdRaw");
-    QTEST(effect->holdFrame(), "hold");
-    QTEST(effect->effectFlag(), "flag");
-    QCOMPARE(effect->frameCount(0, true), frames);
-    QCOMPARE(createMouseButtonLottie(60, type)->frameCount(0, true), 2 * frames);
-    QTEST(paintOf(*effect, 4, 0).first, "paints");
-    if (type == 1) { // rays lean towards the button
-        QVERIFY(paintOf(*effect, 4, 0).second > 0.8);
-        QVERIFY(paintOf(*effect, 4, 1).second < 0.2);
+    struct Case {
+        int frames;
+        int hold;
+        int holdRaw;
+        bool flag;
+        bool paints;
+    };
+    const Case cases[] = {{0, 0, 0, false, false}, // none, ray, floral, fireworks, stars, ripple, conventional
+                          {24, 4, 9, true, true},  {24, 0, 1, false, true}, {24, 6, 12, true, true},
+                          {24, 4, 9, true, true},  {24, 6, 12, true, true}, {12, 4, 4, true, false}};
+    int type = 0;
+    for (const Case &c : cases) {
+        const auto effect = createMouseButtonLottie(30, type);
+        QCOMPARE(effect->holdFrameRaw(), c.holdRaw);
+        QCOMPARE(effect->holdFrame(), c.hold);
+        QCOMPARE(effect->effectFlag(), c.flag);
+        QCOMPARE(effect->frameCount(0, true), c.frames);
+        QCOMPARE(createMouseButtonLottie(60, type)->frameCount(0, true), 2 * c.frames);
+        QCOMPARE(paintOf(*effect, 4, 0).first, c.paints);
+        ++type;
     }
+    QVERIFY(!createMouseButtonLottie(30, -1) && !createMouseButtonLottie(30, type));
+    const auto ray = createMouseButtonLottie(30, 1); // leans towards the button
+    QVERIFY(paintOf(*ray, 4, 0).second > 0.8);
+    QVERIFY(paintOf(*ray, 4, 1).second < 0.2);
 }
 
 void MouseEffectsTest::wheelEffects()
@@ -137,18 +115,6 @@ void MouseEffectsTest::timing()
         EffectTiming::playbackFrame(9, rate, 30); // anything but undefined
         QVERIFY(std::abs(EffectTiming::playbackFrames(0, rate, 30)) == 0);
     }
-}
-
-void MouseEffectsTest::lostAnimation()
-{
-    LogCapture log;
-    const LostAnimation effect;
-    QCOMPARE(effect.frameCount(0, false), 0);
-    QStringList lines = log.take();
-    lines.sort();
-    QCOMPARE(lines, QStringList({"C KelMouseButtonLottie::frameCountRaw: mLottie is nullptr!",
-                                 "C KelMouseButtonLottie::frameRateRaw: mLottie is nullptr!"}));
-    QCOMPARE(effect.holdFrame(), 9);
 }
 
 void MouseEffectsTest::effects_data()
@@ -226,53 +192,55 @@ void MouseEffectsTest::effects()
 /// release when that is in the same frame.
 void MouseEffectsTest::pairsLikeAWalk()
 {
+    struct Event {
+        int frame;
+        int ms;
+        bool isRelease;
+        bool isLeft;
+    };
     QRandomGenerator random(4711);
     for (int round = 0; round < 200; ++round) {
+        QVector<Event> events;
         QJsonArray records;
         for (int i = random.bounded(40); i > 0; --i) {
-            const QString button = QStringList{"left", "right"}[random.bounded(2)];
-            const QString action = QStringList{"click", "release"}[random.bounded(2)];
-            // The position tells the number of the record.
-            records.append(QJsonObject{{"frame", random.bounded(-3, 30)},
-                                       {"x", records.size()},
-                                       {"y", 0},
-                                       {"timestamp", random.bounded(1500)},
-                                       {"action", action},
-                                       {"button", button}});
+            const Event event{random.bounded(-3, 30), random.bounded(1500), random.bounded(2) > 0,
+                              random.bounded(2) > 0};
+            records.append(QJsonObject{{"frame", event.frame},
+                                       {"x", events.size()}, // tells the number of the record
+                                       {"timestamp", event.ms},
+                                       {"action", event.isRelease ? "release" : "click"},
+                                       {"button", event.isLeft ? "left" : "right"}});
+            events << event;
         }
+        const auto releaseOf = [&](int click) {
+            int next = -1;
+            for (int i = click + 1; i < events.size(); ++i) {
+                if (!events[i].isRelease || events[i].isLeft != events[click].isLeft)
+                    continue;
+                if (events[i].frame > events[click].frame)
+                    return i;
+                next = next < 0 ? i : next;
+            }
+            return next >= 0 && events[next].frame == events[click].frame ? next : -1;
+        };
         files.write("clicks", records);
         ClickList list;
         QVERIFY(list.load(files.filePath("clicks")));
-        int last = -100, lastIndex = -1, seen = 0;
+        std::pair<int, int> last{-100, 0};
+        int seen = 0;
         for (const MouseClick &click : list.between(-100, 100)) {
             const int index = click.position.x();
-            QVERIFY(click.frame > last || (click.frame == last && index > lastIndex));
-            last = click.frame;
-            lastIndex = index;
+            QVERIFY(std::make_pair(click.frame, index) > last);
+            last = {click.frame, index};
             ++seen;
-            if (click.action != MouseClick::Action::Click)
+            if (events[index].isRelease)
                 continue;
-            const auto isRelease = [&](int i, int frame) {
-                const QJsonObject record = records[i].toObject();
-                return record["action"] == "release" && record["button"] == records[index].toObject()["button"] &&
-                       record["frame"].toInt() >= frame;
-            };
-            int release = index + 1;
-            while (release < records.size() && !isRelease(release, click.frame + 1))
-                ++release;
-            if (release == records.size()) { // a tap within one frame?
-                for (release = index + 1; release < records.size() && !isRelease(release, -100);)
-                    ++release;
-                if (!isRelease(release, click.frame))
-                    release = records.size();
-            }
-            const QJsonObject wanted = records[release].toObject();
-            const int releasedMs = wanted["timestamp"].toInt();
-            QCOMPARE(click.isPaired, release < records.size() && releasedMs >= 1);
+            const int release = releaseOf(index);
+            QCOMPARE(click.isPaired, release >= 0 && events[release].ms >= 1);
             if (click.isPaired) {
-                QCOMPARE(click.releaseFrame, wanted["frame"].toInt());
-                QCOMPARE(click.isLong, click.releaseFrame > click.frame &&
-                                           releasedMs - records[index].toObject()["timestamp"].toInt() >= 500);
+                QCOMPARE(click.releaseFrame, events[release].frame);
+                QCOMPARE(click.isLong,
+                         click.releaseFrame > click.frame && events[release].ms - events[index].ms >= 500);
             }
         }
         QCOMPARE(seen, records.size());

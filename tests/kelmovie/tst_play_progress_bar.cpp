@@ -1,3 +1,5 @@
+#include "support/TestTable.h"
+
 #include <KelMovie/PlayProgressBar.h>
 
 #include <QAccessible>
@@ -20,7 +22,6 @@ class PlayProgressBarTest : public QObject
 private slots:
     void gestures_data();
     void gestures();
-    void keys_data();
     void keys();
     void isASliderToAssistivePrograms();
     void playTimeWaitsForTheRelease();
@@ -78,40 +79,22 @@ void PlayProgressBarTest::perform(PlayProgressBar *bar, const QString &gesture)
 
 void PlayProgressBarTest::gestures_data()
 {
-    QTest::addColumn<bool>("rangeEditable");
-    QTest::addColumn<QString>("gesture");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("seek") << true << "300"
-                          << "press 300 release";
-    QTest::newRow("seek and drag") << true << "300 350 310"
-                                   << "press 300 350 310 release";
-    QTest::newRow("dragged out of the range") << true << "300 100 950"
-                                              << "press 300 200 800 release";
-    QTest::newRow("before the range") << true << "100 300"
-                                      << "";
-    QTest::newRow("behind the range") << true << "900 300"
-                                      << "";
-    QTest::newRow("start handle") << true << "200 250 150"
-                                  << "start0 250-800/0 150-800/0 end0";
-    QTest::newRow("end handle") << true << "800 700 900"
-                                << "start1 200-700/1 200-900/1 end1";
-    QTest::newRow("handles end with the recording") << true << "200 -50 1100"
-                                                    << "start0 0-800/0 800-1000/0 end1";
-    QTest::newRow("start handle past the end, and on") << true << "200 850 900 700"
-                                                       << "start0 800-850/0 800-900/1 700-800/1 end0";
-    QTest::newRow("end handle past the start, and on") << true << "800 150 100 300"
-                                                       << "start1 150-200/1 100-200/0 200-300/0 end1";
-    QTest::newRow("no length is left") << true << "200 800"
-                                       << "start0 800-800/0 end0";
-    QTest::newRow("edge of the handle") << true << "202 210"
-                                        << "start0 210-800/0 end0";
-    QTest::newRow("beside the handle") << true << "203 210"
-                                       << "press 203 210 release";
-    QTest::newRow("on a handle that is not there") << false << "200 300"
-                                                   << "press 200 300 release";
-    QTest::newRow("on its outer half") << false << "199 300"
-                                       << "";
+    const TestTable<QString, QString, bool> row("gesture", "expected", "rangeEditable");
+    row("seek", "300", "press 300 release", true);
+    row("seek and drag", "300 350 310", "press 300 350 310 release", true);
+    row("dragged out of the range", "300 100 950", "press 300 200 800 release", true);
+    row("before the range", "100 300", "", true);
+    row("behind the range", "900 300", "", true);
+    row("start handle", "200 250 150", "start0 250-800/0 150-800/0 end0", true);
+    row("end handle", "800 700 900", "start1 200-700/1 200-900/1 end1", true);
+    row("handles end with the recording", "200 -50 1100", "start0 0-800/0 800-1000/0 end1", true);
+    row("start handle past the end, and on", "200 850 900 700", "start0 800-850/0 800-900/1 700-800/1 end0", true);
+    row("end handle past the start, and on", "800 150 100 300", "start1 150-200/1 100-200/0 200-300/0 end1", true);
+    row("no length is left", "200 800", "start0 800-800/0 end0", true);
+    row("edge of the handle", "202 210", "start0 210-800/0 end0", true);
+    row("beside the handle", "203 210", "press 203 210 release", true);
+    row("on a handle that is not there", "200 300", "press 200 300 release", false);
+    row("on its outer half", "199 300", "", false);
 }
 
 void PlayProgressBarTest::gestures()
@@ -128,30 +111,20 @@ void PlayProgressBarTest::gestures()
     QTEST(m_report.join(' '), "expected");
 }
 
-void PlayProgressBarTest::keys_data()
-{
-    QTest::addColumn<bool>("rangeEditable");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("modifiers");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("fine") << true << int(Qt::Key_Right) << int(Qt::ControlModifier) << "press 500 release";
-    QTest::newRow("back, to the start of the range") << true << int(Qt::Key_Left) << 0 << "press 200 release";
-    QTest::newRow("end") << true << int(Qt::Key_End) << 0 << "press 800 release";
-    QTest::newRow("cut the start") << true << int(Qt::Key_I) << 0 << "start0 400-800/0 end0";
-    QTest::newRow("cut the end") << true << int(Qt::Key_O) << 0 << "start1 200-400/1 end1";
-    QTest::newRow("nothing to cut") << false << int(Qt::Key_O) << 0 << "";
-}
-
 void PlayProgressBarTest::keys()
 {
-    QFETCH(bool, rangeEditable);
-    QFETCH(int, key);
-    QFETCH(int, modifiers);
-    const auto bar = makeBar(rangeEditable);
-    report(bar.get());
-    QTest::keyClick(bar.get(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
-    QTEST(m_report.join(' '), "expected");
+    const auto reportOf = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}, bool rangeEditable = true) {
+        const auto bar = makeBar(rangeEditable);
+        report(bar.get());
+        QTest::keyClick(bar.get(), key, modifiers);
+        return m_report.join(' ');
+    };
+    QCOMPARE(reportOf(Qt::Key_Right, Qt::ControlModifier), "press 500 release");
+    QCOMPARE(reportOf(Qt::Key_Left), "press 200 release"); // back, to the start of the range
+    QCOMPARE(reportOf(Qt::Key_End), "press 800 release");
+    QCOMPARE(reportOf(Qt::Key_I), "start0 400-800/0 end0"); // cuts the start
+    QCOMPARE(reportOf(Qt::Key_O), "start1 200-400/1 end1");
+    QCOMPARE(reportOf(Qt::Key_O, {}, false), "");
 }
 
 void PlayProgressBarTest::isASliderToAssistivePrograms()
@@ -209,7 +182,6 @@ void PlayProgressBarTest::rangeAndDuration()
 void PlayProgressBarTest::sizes()
 {
     PlayProgressBar bar(false);
-    QCOMPARE(bar.objectName(), QString("PlayProgressBar"));
     QCOMPARE(bar.sizeHint().height(), 20);
     QVERIFY(bar.setProperty("barHeight", 12));
     QCOMPARE(bar.height(), 18);

@@ -1,5 +1,7 @@
 #include "KeyScript.h"
 #include "support/LogCapture.h"
+#include "support/PaintedPart.h"
+#include "support/TestTable.h"
 
 #include "playback/KelPlaybackKeyboardTrack.h"
 #include "playback/KeyBoxLayout.h"
@@ -31,19 +33,6 @@ QImage painted(KelPlaybackKeyboardTrack &track, const QSize &size, double scale 
     return image;
 }
 
-/// The rectangle of all pixels that are not transparent.
-QRect inkRect(const QImage &image)
-{
-    QRect ink;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (qAlpha(image.pixel(x, y)) > 0)
-                ink |= QRect(x, y, 1, 1);
-        }
-    }
-    return ink;
-}
-
 /// How bright the brightest pixel is: text is white, its box black.
 int brightest(const QImage &image)
 {
@@ -66,11 +55,8 @@ private slots:
     void readsHostileFiles_data();
     void readsHostileFiles();
     void seeks();
-    void shownTypes_data();
     void shownTypes();
-    void boxesStandWhereAsked_data();
     void boxesStandWhereAsked();
-    void boxesStayInsideTheCanvas_data();
     void boxesStayInsideTheCanvas();
     void everyKeyIsDrawnInside();
     void splitsModifiersFromKeys();
@@ -91,36 +77,35 @@ private:
 
 void PlaybackKeyboardTrackTest::readsHostileFiles_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("log"); // how the only line begins
-    QTest::addColumn<int>("entries");
-
-    const auto patched = [](QByteArray bytes, int offset, qint32 value) {
+    // The log is how its only line begins.
+    const TestTable<QByteArray, QString, int> row("content", "log", "entries");
+    const QByteArray whole = keyMetaFile(keyScript("1:+Control 3:+C"), kCanvas);
+    const auto patched = [&](int offset, qint32 value) {
+        QByteArray bytes = whole;
         qToLittleEndian(value, bytes.data() + offset);
         return bytes;
     };
-    const QByteArray whole = keyMetaFile(keyScript("1:+Control 3:+C"), kCanvas);
-    const QString sizeError = "W KelPlaybackKeyboardTrack meta file size error: \"";
-    const QString fpsError = "W KelPlaybackKeyboardTrack meta file frame rate error: \"";
-    QTest::newRow("whole") << whole << "" << 2;
-    QTest::newRow("other magic") << patched(whole, 0, 0) << "" << 2;
-    QTest::newRow("no record") << keyMetaFile({}, kCanvas) << "" << 0;
-    QTest::newRow("empty") << QByteArray() << sizeError << 0;
-    QTest::newRow("header cut") << whole.left(20) << sizeError << 0;
-    QTest::newRow("record cut") << whole.left(whole.size() - 1) << sizeError << 0;
-    QTest::newRow("too long") << whole + "x" << sizeError << 0;
-    QTest::newRow("negative count") << patched(whole, 4, -2) << sizeError << 0;
-    QTest::newRow("count times 12 overflows") << patched(whole, 4, 357913943) << sizeError << 0;
-    QTest::newRow("huge count") << patched(whole, 4, INT_MAX) << sizeError << 0;
-    QTest::newRow("no frame rate") << patched(whole, 8, 0) << fpsError << 2;
-    QTest::newRow("negative frame rate") << patched(whole, 8, -30) << fpsError << 2;
-    QTest::newRow("huge frame rate") << patched(whole, 8, INT_MAX) << fpsError << 2;
-    QTest::newRow("canvas of no size") << patched(whole, 24, 0) << "" << 2;
-    QTest::newRow("huge canvas") << patched(whole, 28, INT_MAX) << "" << 2;
-    QTest::newRow("negative canvas") << patched(whole, 24, INT_MIN) << "" << 2;
-    QTest::newRow("negative frame") << patched(whole, 40, INT_MIN) << "" << 1;
-    QTest::newRow("huge frame") << patched(whole, 40, INT_MAX) << "" << 0;
-    QTest::newRow("no such key") << patched(whole, 44, INT_MIN) << "" << 2;
+    const char sizeError[] = "W KelPlaybackKeyboardTrack meta file size error: \"";
+    const char fpsError[] = "W KelPlaybackKeyboardTrack meta file frame rate error: \"";
+    row("whole", whole, "", 2);
+    row("other magic", patched(0, 0), "", 2);
+    row("no record", keyMetaFile({}, kCanvas), "", 0);
+    row("empty", "", sizeError, 0);
+    row("header cut", whole.left(20), sizeError, 0);
+    row("record cut", whole.left(whole.size() - 1), sizeError, 0);
+    row("too long", whole + "x", sizeError, 0);
+    row("negative count", patched(4, -2), sizeError, 0);
+    row("count times 12 overflows", patched(4, 357913943), sizeError, 0);
+    row("huge count", patched(4, INT_MAX), sizeError, 0);
+    row("no frame rate", patched(8, 0), fpsError, 2);
+    row("negative frame rate", patched(8, -30), fpsError, 2);
+    row("huge frame rate", patched(8, INT_MAX), fpsError, 2);
+    row("canvas of no size", patched(24, 0), "", 2);
+    row("huge canvas", patched(28, INT_MAX), "", 2);
+    row("negative canvas", patched(24, INT_MIN), "", 2);
+    row("negative frame", patched(40, INT_MIN), "", 1);
+    row("huge frame", patched(40, INT_MAX), "", 0);
+    row("no such key", patched(44, INT_MIN), "", 2);
 }
 
 void PlaybackKeyboardTrackTest::readsHostileFiles()
@@ -164,119 +149,92 @@ void PlaybackKeyboardTrackTest::seeks()
     QCOMPARE(nextAfter(94), -1);
     QCOMPARE(nextAfter(290), -1);
     QCOMPARE(nextAfter(0), -1);
-    QVERIFY(inkRect(painted(*track, kCanvas)).isEmpty());
+    QVERIFY(paintedPart(painted(*track, kCanvas)).isEmpty());
     track->seekToFrame(3);
-    QVERIFY(!inkRect(painted(*track, kCanvas)).isEmpty());
+    QVERIFY(!paintedPart(painted(*track, kCanvas)).isEmpty());
     track->paint(nullptr);
 
     KeyOverlayStyle brief = everything();
     brief.limits.keepTimeSeconds = 1;
     track->seekToFrame(60);
     track->setStyle(brief); // at once, without another seek
-    QVERIFY(inkRect(painted(*track, kCanvas)).isEmpty());
+    QVERIFY(paintedPart(painted(*track, kCanvas)).isEmpty());
     track->seekToFrame(3);
     track->resetHistory();
-    QVERIFY(inkRect(painted(*track, kCanvas)).isEmpty());
-}
-
-void PlaybackKeyboardTrackTest::shownTypes_data()
-{
-    QTest::addColumn<QString>("script");
-    QTest::addColumn<int>("types");
-
-    QTest::newRow("letter") << "1:+A" << 1;
-    QTest::newRow("digit") << "1:+7" << 1;
-    QTest::newRow("other") << "1:+Return" << 2;
-    QTest::newRow("modifier") << "1:+Control" << 4;
-    QTest::newRow("combination") << "1:+Control 2:+C" << 8;
-    QTest::newRow("letters as history") << "1:+A 3:+F1" << 3;
+    QVERIFY(paintedPart(painted(*track, kCanvas)).isEmpty());
 }
 
 void PlaybackKeyboardTrackTest::shownTypes()
 {
-    QFETCH(QString, script);
-    QFETCH(int, types);
-
-    const auto track = load(script);
-    track->seekToFrame(10);
-    for (int shown = 0; shown < 16; ++shown) {
-        KeyOverlayStyle style = everything();
-        style.showKeyType = shown;
-        track->setStyle(style);
-        QCOMPARE(track->isVisible(), shown != 0);
-        QCOMPARE(!inkRect(painted(*track, kCanvas)).isEmpty(), (shown & types) != 0);
-    }
-    KeyOverlayStyle off = everything();
-    off.enabled = false;
-    track->setStyle(off);
-    QVERIFY(!track->isVisible() && inkRect(painted(*track, kCanvas)).isEmpty());
-}
-
-void PlaybackKeyboardTrackTest::boxesStandWhereAsked_data()
-{
-    QTest::addColumn<int>("position");
-    QTest::addColumn<double>("scale");
-
-    for (const double scale : {1.0, 1.5, 2.0}) {
-        QTest::addRow("centre, %g", scale) << 1 << scale;
-        QTest::addRow("left, %g", scale) << 2 << scale;
-        QTest::addRow("right, %g", scale) << 3 << scale;
+    for (const auto &[script, types] : {std::pair("1:+A", 1),
+                                        {"1:+7", 1},
+                                        {"1:+Return", 2},
+                                        {"1:+Control", 4},
+                                        {"1:+Control 2:+C", 8},
+                                        {"1:+A 3:+F1", 3}}) {
+        const auto track = load(script);
+        track->seekToFrame(10);
+        for (int shown = 0; shown < 16; ++shown) {
+            KeyOverlayStyle style = everything();
+            style.showKeyType = shown;
+            track->setStyle(style);
+            QCOMPARE(track->isVisible(), shown != 0);
+            QVERIFY2(paintedPart(painted(*track, kCanvas)).isEmpty() != ((shown & types) != 0), script);
+        }
+        KeyOverlayStyle off = everything();
+        off.enabled = false;
+        track->setStyle(off);
+        QVERIFY(!track->isVisible() && paintedPart(painted(*track, kCanvas)).isEmpty());
     }
 }
 
 void PlaybackKeyboardTrackTest::boxesStandWhereAsked()
 {
-    QFETCH(int, position);
-    QFETCH(double, scale);
+    enum Position { Centre = 1, Left, Right };
+    for (const double scale : {1.0, 1.5, 2.0}) {
+        for (const int position : {Centre, Left, Right}) {
+            const auto track = load("1:+Control 2:+C 3:-C 4:+Alt 5:+F4", kCanvas, scale);
+            KeyOverlayStyle style = everything();
+            style.displayPos = position;
+            track->setStyle(style);
+            track->seekToFrame(3);
+            const QRect one = paintedPart(painted(*track, kCanvas));
+            const int gap = int(4 * scale);
+            QCOMPARE(kCanvas.height() - one.bottom() - 1, gap);
+            const int left = one.left();
+            const int right = kCanvas.width() - one.right() - 1;
+            QVERIFY(position == Centre ? qAbs(left - right) <= 1 : (position == Left ? left : right) == gap);
 
-    const auto track = load("1:+Control 2:+C 3:-C 4:+Alt 5:+F4", kCanvas, scale);
-    KeyOverlayStyle style = everything();
-    style.displayPos = position;
-    track->setStyle(style);
-    track->seekToFrame(3);
-    const QRect one = inkRect(painted(*track, kCanvas));
-    const int gap = int(4 * scale);
-    QCOMPARE(kCanvas.height() - one.bottom() - 1, gap);
-    const int left = one.left();
-    const int right = kCanvas.width() - one.right() - 1;
-    QVERIFY(position == 1 ? qAbs(left - right) <= 1 : (position == 2 ? left : right) == gap);
-
-    track->seekToFrame(5); // a second box above the first
-    const QRect two = inkRect(painted(*track, kCanvas));
-    QCOMPARE(two.bottom(), one.bottom());
-    QCOMPARE(two.height(), 2 * one.height() + gap);
-}
-
-void PlaybackKeyboardTrackTest::boxesStayInsideTheCanvas_data()
-{
-    QTest::addColumn<QString>("script");
-
-    QString typed;
-    for (int i = 1; i < 20; ++i)
-        typed += QString("%1:+W ").arg(i);
-    QTest::newRow("combination") << "1:+Control 2:+C";
-    QTest::newRow("everything held") << "1:+Shift 2:+Control 3:+Alt 4:+Meta 5:+MediaTogglePlayPause";
-    QTest::newRow("long word") << typed;
-    QTest::newRow("repeated") << "1:+PageDown 2:+PageDown 3:+PageDown 4:+PageDown 5:+PageDown";
-    QTest::newRow("history") << "1:+F1 2:+F2 3:+Control 4:+C 5:-Control 6:+F3 7:+F3";
+            track->seekToFrame(5); // a second box above the first
+            const QRect two = paintedPart(painted(*track, kCanvas));
+            QCOMPARE(two.bottom(), one.bottom());
+            QCOMPARE(two.height(), 2 * one.height() + gap);
+        }
+    }
 }
 
 void PlaybackKeyboardTrackTest::boxesStayInsideTheCanvas()
 {
-    QFETCH(QString, script);
-
-    for (const QSize &canvas : {QSize(640, 360), QSize(200, 100), QSize(121, 41), QSize(60, 300), QSize(9, 7)}) {
-        const auto track = load(script, canvas);
-        for (const int position : {0, 1, 2, 3}) {
-            KeyOverlayStyle style = everything();
-            style.displayPos = position;
-            style.fontSizePx = style.historyFontSizePx = 22;
-            track->setStyle(style);
-            track->seekToFrame(20);
-            // Painted on more than the canvas, to see what leaves it.
-            const QRect ink = inkRect(painted(*track, canvas * 2));
-            QVERIFY(QRect(QPoint(), canvas).contains(ink) || ink.isEmpty());
-            QVERIFY(!ink.isEmpty() || canvas.width() < 200);
+    QString longWord;
+    for (int i = 1; i < 20; ++i)
+        longWord += QString("%1:+W ").arg(i);
+    for (const QString &script :
+         {QString("1:+Control 2:+C"), longWord, QString("1:+Shift 2:+Control 3:+Alt 4:+Meta 5:+MediaTogglePlayPause"),
+          QString("1:+PageDown 2:+PageDown 3:+PageDown 4:+PageDown 5:+PageDown"),
+          QString("1:+F1 2:+F2 3:+Control 4:+C 5:-Control 6:+F3 7:+F3")}) {
+        for (const QSize &canvas : {QSize(640, 360), QSize(200, 100), QSize(121, 41), QSize(60, 300), QSize(9, 7)}) {
+            const auto track = load(script, canvas);
+            for (const int position : {0, 1, 2, 3}) {
+                KeyOverlayStyle style = everything();
+                style.displayPos = position;
+                style.fontSizePx = style.historyFontSizePx = 22;
+                track->setStyle(style);
+                track->seekToFrame(20);
+                // Painted on more than the canvas, to see what leaves it.
+                const QRect ink = paintedPart(painted(*track, canvas * 2));
+                QVERIFY2(QRect(QPoint(), canvas).contains(ink) || ink.isEmpty(), qPrintable(script));
+                QVERIFY(!ink.isEmpty() || canvas.width() < 200);
+            }
         }
     }
 }
@@ -301,7 +259,7 @@ void PlaybackKeyboardTrackTest::everyKeyIsDrawnInside()
     for (const KeyRecord &record : records) {
         track.seekToFrame(record.frame);
         const QImage image = painted(track, canvas);
-        const QRect ink = inkRect(image);
+        const QRect ink = paintedPart(image);
         QVERIFY2(ink.left() > 0 && ink.right() < canvas.width() - 1 && ink.top() > 0,
                  qPrintable(QString::number(record.key, 16)));
         QVERIFY2(brightest(image) > 150, qPrintable(QString::number(record.key, 16)));
@@ -326,9 +284,9 @@ void PlaybackKeyboardTrackTest::isSharpOnScaledPictures()
 {
     const auto track = load("1:+Control 2:+C");
     track->seekToFrame(5);
-    const QRect plain = inkRect(painted(*track, kCanvas));
+    const QRect plain = paintedPart(painted(*track, kCanvas));
     const QImage doubled = painted(*track, kCanvas, 2.0);
-    const QRect ink = inkRect(doubled);
+    const QRect ink = paintedPart(doubled);
     QCOMPARE(ink, QRect(plain.topLeft() * 2, plain.size() * 2));
     // A picture that was enlarged has no lines of one pixel.
     int thinLines = 0;

@@ -1,6 +1,7 @@
 #include "RecordingFixture.h"
 #include "ScriptedDecoder.h"
 
+#include "support/TestTable.h"
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QPainter>
@@ -28,31 +29,25 @@ private slots:
 
     void loads_data();
     void loads();
-    void missingDirectory();
     void survivesDamagedRecordings();
     void seeks();
-    void seekWhilePlayingMovesTheClock_data();
     void seekWhilePlayingMovesTheClock();
-    void silentFramesEmitNothing();
     void tick_data();
     void tick();
-    void decodesEveryNthChange_data();
     void decodesEveryNthChange();
     void endOfPlay();
     void lateTimerDoesNotDrift();
     void playPauseStop();
-    void speedIsBounded_data();
     void speedIsBounded();
     void releasesDecoders();
 
 private:
-    std::unique_ptr<KelPlaybackTrackManager> load(const QString &dir = QString())
+    std::unique_ptr<KelPlaybackTrackManager> load()
     {
         KelPlaybackSeams seams;
         seams.nowMs = [this] { return nowMs; };
         seams.decoders = scriptedDecoders(script);
-        auto manager =
-            std::make_unique<KelPlaybackTrackManager>(dir.isNull() ? recording->path() : dir, false, seams, nullptr);
+        auto manager = std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
         const auto *m = manager.get();
         connect(m, &KelPlaybackTrackManager::sigFrameChanged, this,
                 [this](int frame) { signalLog.append(QString::number(frame)); });
@@ -94,50 +89,44 @@ private:
 
 void PlaybackManagerTest::loads_data()
 {
-    QTest::addColumn<QString>("setup");
-    QTest::addColumn<QStringList>("warnings");
-    QTest::addColumn<QStringList>("criticals");
-    QTest::addColumn<int>("totalFrames");
-    QTest::addColumn<QString>("error");
-
+    const TestTable<QStringList, QStringList, int, QString> row("warnings", "criticals", "totalFrames", "error");
+    const QString noMetadata = "Cannot open manager metadata: \"";
+    const QString noDirectory = "Screen track enabled but directory not found: \"";
     const QString noScreen = "No screen track found in tracks list";
-    QTest::newRow("whole") << "" << QStringList{} << QStringList{} << 100 << "";
-    QTest::newRow("no metadata") << "nometa" << QStringList{"Cannot open manager metadata: \""} << QStringList{} << 100
-                                 << "";
-    QTest::newRow("metadata is no object")
-        << "badmeta" << QStringList{"Invalid manager metadata format"} << QStringList{} << 100 << "";
-    QTest::newRow("no duration") << "noduration" << QStringList{"No recording duration found in metadata"}
-                                 << QStringList{} << 100 << "";
-    QTest::newRow("no screen directory") << "noscreen"
-                                         << QStringList{"Screen track enabled but directory not found: \""}
-                                         << QStringList{noScreen} << 1 << "Screen directory not found: ";
-    QTest::newRow("no screen track") << "disabled" << QStringList{"Screen track disabled, cannot determine frame count"}
-                                     << QStringList{} << 1 << "The recording has no screen track";
-    QTest::newRow("broken video") << "broken" << QStringList{}
-                                  << QStringList{"Failed to create H264 decoder or decoder is invalid",
-                                                 "Screen track creation failed: \"Failed to create H264", noScreen}
-                                  << 1 << "Failed to create H264 decoder or decoder is invalid";
+    const QString noDecoder = "Failed to create H264 decoder or decoder is invalid";
+    row("whole", {}, {}, 100, "");
+    row("no metadata", {noMetadata}, {}, 100, "");
+    row("metadata is no object", {"Invalid manager metadata format"}, {}, 100, "");
+    row("no duration", {"No recording duration found in metadata"}, {}, 100, "");
+    row("no directory", {noMetadata, noDirectory}, {noScreen}, 1, "Recording directory not found: ");
+    row("no screen directory", {noDirectory}, {noScreen}, 1, "Screen directory not found: ");
+    row("no screen track", {"Screen track disabled, cannot determine frame count"}, {}, 1,
+        "The recording has no screen track");
+    row("broken video", {}, {noDecoder, "Screen track creation failed: \"Failed to create H264", noScreen}, 1,
+        noDecoder);
 }
 
 void PlaybackManagerTest::loads()
 {
-    QFETCH(QString, setup);
     QFETCH(QStringList, warnings);
     QFETCH(QStringList, criticals);
     QFETCH(int, totalFrames);
     QFETCH(QString, error);
 
-    if (setup == "nometa")
+    const QString setup = QTest::currentDataTag();
+    if (setup == "no metadata")
         recording->remove("TrackManager.meta");
-    else if (setup == "badmeta")
+    else if (setup == "metadata is no object")
         recording->write("TrackManager.meta", "[1, 2]");
-    else if (setup == "noduration")
+    else if (setup == "no duration")
         recording->write("TrackManager.meta", R"({"fps": 25, "tracks": {"mouseTrack": false}})");
-    else if (setup == "noscreen")
+    else if (setup == "no directory")
+        QDir(recording->path()).removeRecursively();
+    else if (setup == "no screen directory")
         QDir(recording->screenDir()).removeRecursively();
-    else if (setup == "broken")
+    else if (setup == "broken video")
         script->validity = {false};
-    else if (setup == "disabled") {
+    else if (setup == "no screen track") {
         recording->metadata.screenTrack = false;
         recording->save();
     }
@@ -155,6 +144,8 @@ void PlaybackManagerTest::loads()
     QCOMPARE(manager->trackNames(), error.isEmpty() ? QStringList{"ScreenTrack"} : QStringList{});
     if (error.isEmpty())
         QCOMPARE(manager->pictureSize(), QSize(64, 48)); // the video tells where the metadata cannot
+    else if (setup == "no directory")
+        QVERIFY(manager->pictureSize().isEmpty());
 
     signalLog.clear();
     manager->seek(totalFrames);
@@ -164,24 +155,10 @@ void PlaybackManagerTest::loads()
     QCOMPARE(signalLog, QStringList{QString::number(totalFrames - 1)});
 }
 
-void PlaybackManagerTest::missingDirectory()
-{
-    QTest::ignoreMessage(QtWarningMsg, "Cannot open manager metadata: \"/no/such/dir/TrackManager.meta\"");
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Screen track enabled but directory not found:"));
-    QTest::ignoreMessage(QtCriticalMsg, "No screen track found in tracks list");
-    const auto manager = load("/no/such/dir");
-    QVERIFY(!manager->isValidRecording());
-    QCOMPARE(manager->errorString(), QString("Recording directory not found: /no/such/dir"));
-    QVERIFY(manager->pictureSize().isEmpty());
-}
-
 void PlaybackManagerTest::survivesDamagedRecordings()
 {
-    QFile metadata(recording->path() + "/TrackManager.meta");
-    QFile index(recording->screenDir() + "/frame_indexes.dat");
-    QVERIFY(metadata.open(QIODevice::ReadOnly) && index.open(QIODevice::ReadOnly));
-    const QByteArray wholeMetadata = metadata.readAll();
-    const QByteArray wholeIndex = index.readAll();
+    const QByteArray wholeMetadata = readFile(recording->path() + "/TrackManager.meta");
+    const QByteArray wholeIndex = readFile(recording->screenDir() + "/frame_indexes.dat");
     QRandomGenerator random(4711);
     const auto damaged = [&](QByteArray bytes) {
         for (int i = random.bounded(1, 6); i > 0; --i)
@@ -217,62 +194,44 @@ void PlaybackManagerTest::seeks()
     QCOMPARE(signalLog, (QStringList{"40", "40"}));
     QCOMPARE(script->decoded, QVector<int>{40});
     manager->paint(nullptr);
-}
-
-void PlaybackManagerTest::seekWhilePlayingMovesTheClock_data()
-{
-    QTest::addColumn<int>("frame");
-    QTest::addColumn<bool>("force");
-    QTest::addColumn<int>("frameAfter100Ms"); // at 25 frames a second, 2.5 frames later
-
-    QTest::newRow("next") << 11 << false << 12;
-    QTest::newRow("two on") << 12 << false << 12;
-    QTest::newRow("two back") << 8 << false << 12;
-    QTest::newRow("three on") << 13 << false << 15;
-    QTest::newRow("three back") << 7 << false << 9;
-    QTest::newRow("forced") << 11 << true << 13;
-}
-
-void PlaybackManagerTest::seekWhilePlayingMovesTheClock()
-{
-    QFETCH(int, frame);
-    QFETCH(bool, force);
-    QFETCH(int, frameAfter100Ms);
-
-    const auto manager = load();
-    manager->seek(10);
-    manager->play();
-    manager->seek(frame, force);
-    tickAfter(*manager, 100);
-    QCOMPARE(manager->currentFrame(), frameAfter100Ms);
-}
-
-void PlaybackManagerTest::silentFramesEmitNothing()
-{
-    const auto manager = load();
-    manager->setFrameSilently(7);
-    manager->setFrameSilently(100);
-    manager->setFrameSilently(-1);
+    signalLog.clear();
+    for (const int frame : {7, 100, -1})
+        manager->setFrameSilently(frame);
     QCOMPARE(manager->currentFrame(), 7);
     QCOMPARE(shownFrame(*manager), 7);
     QVERIFY(signalLog.isEmpty());
 }
 
+void PlaybackManagerTest::seekWhilePlayingMovesTheClock()
+{
+    struct Case {
+        int frame;
+        bool force;
+        int frameAfter100Ms; // at 25 frames a second, 2.5 frames later
+    };
+    for (const Case &c :
+         {Case{11, false, 12}, {12, false, 12}, {8, false, 12}, {13, false, 15}, {7, false, 9}, {11, true, 13}}) {
+        const auto manager = load();
+        manager->seek(10);
+        manager->play();
+        manager->seek(c.frame, c.force);
+        tickAfter(*manager, 100);
+        QCOMPARE(manager->currentFrame(), c.frameAfter100Ms);
+    }
+}
+
 void PlaybackManagerTest::tick_data()
 {
-    QTest::addColumn<double>("speed");
-    QTest::addColumn<int>("afterMs");
-    QTest::addColumn<QStringList>("log");
-    QTest::addColumn<int>("shown");
+    const TestTable<double, int, QStringList, int> row("speed", "afterMs", "log", "shown");
 
-    QTest::newRow("too early") << 1.0 << 39 << QStringList{} << 0;
-    QTest::newRow("one frame") << 1.0 << 40 << QStringList{"1", "1"} << 1;
-    QTest::newRow("late by seconds") << 1.0 << 2039 << QStringList{"50", "50"} << 50;
-    QTest::newRow("half speed") << 0.5 << 160 << QStringList{"2", "2"} << 2;
-    QTest::newRow("one and a half") << 1.5 << 80 << QStringList{"3", "3"} << 3;
-    QTest::newRow("last frame, not over") << 1.0 << 3999 << QStringList{"99", "99"} << 99;
-    QTest::newRow("over") << 1.0 << 4000 << QStringList{"99", "0", "stopped at 0"} << 0;
-    QTest::newRow("clock set back") << 1.0 << -5000 << QStringList{} << 0;
+    row("too early", 1.0, 39, {}, 0);
+    row("one frame", 1.0, 40, {"1", "1"}, 1);
+    row("late by seconds", 1.0, 2039, {"50", "50"}, 50);
+    row("half speed", 0.5, 160, {"2", "2"}, 2);
+    row("one and a half", 1.5, 80, {"3", "3"}, 3);
+    row("last frame, not over", 1.0, 3999, {"99", "99"}, 99);
+    row("over", 1.0, 4000, {"99", "0", "stopped at 0"}, 0);
+    row("clock set back", 1.0, -5000, {}, 0);
 }
 
 void PlaybackManagerTest::tick()
@@ -291,32 +250,20 @@ void PlaybackManagerTest::tick()
     QCOMPARE(shownFrame(*manager), shown);
 }
 
-void PlaybackManagerTest::decodesEveryNthChange_data()
-{
-    QTest::addColumn<double>("speed");
-    QTest::addColumn<int>("step");
-
-    QTest::newRow("1.5") << 1.5 << 1;
-    QTest::newRow("1.6") << 1.6 << 1;
-    QTest::newRow("2") << 2.0 << 2;
-    QTest::newRow("3.9") << 3.9 << 3;
-}
-
 void PlaybackManagerTest::decodesEveryNthChange()
 {
-    QFETCH(double, speed);
-    QFETCH(int, step);
-
-    const auto manager = load();
-    manager->setSpeed(speed);
-    manager->play();
-    signalLog.clear();
-    script->decoded.clear();
-    const int changes = 12; // a multiple of every step: the counter may start anywhere
-    for (int i = 0; i < changes; ++i)
-        tickAfter(*manager, 60);
-    QCOMPARE(script->decoded.size(), changes / step);
-    QCOMPARE(signalLog.size(), changes + changes / step); // every change is told, every move once more
+    for (const auto &[speed, step] : {std::pair(1.5, 1), {1.6, 1}, {2.0, 2}, {3.9, 3}}) {
+        const auto manager = load();
+        manager->setSpeed(speed);
+        manager->play();
+        signalLog.clear();
+        script->decoded.clear();
+        const int changes = 12; // a multiple of every step: the counter may start anywhere
+        for (int i = 0; i < changes; ++i)
+            tickAfter(*manager, 60);
+        QCOMPARE(script->decoded.size(), changes / step);
+        QCOMPARE(signalLog.size(), changes + changes / step); // every change is told, every move once more
+    }
 }
 
 void PlaybackManagerTest::endOfPlay()
@@ -381,33 +328,22 @@ void PlaybackManagerTest::playPauseStop()
              (QStringList{"started", "10", "10", "paused", "started", "11", "11", "paused", "0", "stopped at 0"}));
 }
 
-void PlaybackManagerTest::speedIsBounded_data()
-{
-    QTest::addColumn<double>("asked");
-    QTest::addColumn<double>("speed");
-
-    QTest::newRow("plain") << 2.0 << 2.0;
-    QTest::newRow("zero") << 0.0 << 0.1;
-    QTest::newRow("negative") << -3.0 << 0.1;
-    QTest::newRow("huge") << 1e300 << 16.0;
-    QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << 1.0;
-    QTest::newRow("infinite") << std::numeric_limits<double>::infinity() << 1.0;
-}
-
 void PlaybackManagerTest::speedIsBounded()
 {
-    QFETCH(double, asked);
-    QFETCH(double, speed);
-
-    const auto manager = load();
-    manager->play();
-    tickAfter(*manager, 400);
-    signalLog.clear();
-    manager->setSpeed(asked);
-    QCOMPARE(manager->speed(), speed);
-    QCOMPARE(signalLog, qIsFinite(asked) ? QStringList{QString("speed %1").arg(speed)} : QStringList{});
-    tickAfter(*manager, 120); // from frame 10 on, no jump
-    QCOMPARE(manager->currentFrame(), 10 + int(3 * speed));
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const auto &[asked, speed] :
+         {std::pair(2.0, 2.0), {0.0, 0.1}, {-3.0, 0.1}, {1e300, 16.0}, {nan, 1.0}, {infinity, 1.0}}) {
+        const auto manager = load();
+        manager->play();
+        tickAfter(*manager, 400);
+        signalLog.clear();
+        manager->setSpeed(asked);
+        QCOMPARE(manager->speed(), speed);
+        QCOMPARE(signalLog, qIsFinite(asked) ? QStringList{QString("speed %1").arg(speed)} : QStringList{});
+        tickAfter(*manager, 120); // from frame 10 on, no jump
+        QCOMPARE(manager->currentFrame(), 10 + int(3 * speed));
+    }
 }
 
 void PlaybackManagerTest::releasesDecoders()

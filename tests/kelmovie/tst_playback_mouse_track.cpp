@@ -6,6 +6,8 @@
 #include "playback/KelPlaybackMouseTrack.h"
 #include "playback/PointerList.h"
 #include "support/LogCapture.h"
+#include "support/PaintedPart.h"
+#include "support/TestTable.h"
 
 #include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
@@ -18,7 +20,7 @@
 namespace
 {
 
-const QColor kPaper(250, 250, 240);
+constexpr QRgb kPaper = 0xfffafaf0;
 
 QImage paint(KelPlaybackMouseTrack &track, QSize size = QSize(300, 200), int ratio = 1)
 {
@@ -30,17 +32,9 @@ QImage paint(KelPlaybackMouseTrack &track, QSize size = QSize(300, 200), int rat
     return image;
 }
 
-/// Where anything is painted, in pixels.
-QRect paintedPart(const QImage &image)
+QRect partOf(const QImage &image)
 {
-    QRect part;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (image.pixel(x, y) != kPaper.rgb())
-                part |= QRect(x, y, 1, 1);
-        }
-    }
-    return part;
+    return paintedPart(image, kPaper);
 }
 
 /// A PNG whose header promises more pixels than anybody has memory for.
@@ -58,15 +52,12 @@ class PlaybackMouseTrackTest : public QObject
 
 private slots:
     void init();
-    void pointerToThePixel_data();
     void pointerToThePixel();
-    void hiddenPointer_data();
     void hiddenPointer();
     void pressedPointer();
     void effectsAroundThePointer();
     void badFiles_data();
     void badFiles();
-    void badCursors_data();
     void badCursors();
     void oddValuesPaintSafely();
     void findsLikeAWalk();
@@ -83,65 +74,53 @@ void PlaybackMouseTrackTest::init()
     files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(1, 100, 50)});
 }
 
-void PlaybackMouseTrackTest::pointerToThePixel_data()
-{
-    QTest::addColumn<int>("imageRatio");
-    QTest::addColumn<int>("deviceRatio");
-    QTest::newRow("plain") << 1 << 1;
-    QTest::newRow("sharp screen") << 2 << 2;
-    QTest::newRow("sharp screen, shown on a plain one") << 2 << 1;
-}
-
 /// The hotspot's pixel is where the pointer was, and nothing is blurred.
 void PlaybackMouseTrackTest::pointerToThePixel()
 {
-    QFETCH(int, imageRatio);
-    QFETCH(int, deviceRatio);
-    files->writeSquareCursor(16, imageRatio);
-    KelPlaybackMouseTrack track(files->path(), nullptr);
-    QCOMPARE(track.errorString(), QString());
-    QCOMPARE(track.name(), QString("MouseTrack"));
-    track.seekToFrame(0); // before the first move
-    QCOMPARE(paintedPart(paint(track)), QRect());
-    track.seekToFrame(5);
-    const QImage image = paint(track, {300, 200}, deviceRatio);
-    if (imageRatio == deviceRatio) {
-        QCOMPARE(paintedPart(image), QRect(QPoint(100, 50) * deviceRatio - QPoint(2, 3), QSize(16, 16)));
-        QCOMPARE(image.pixelColor(QPoint(100, 50) * deviceRatio), QColor(Qt::red));
-        QCOMPARE(image.pixelColor(QPoint(100, 50) * deviceRatio + QPoint(1, 0)), QColor(Qt::green));
-    } else {
-        QVERIFY(QRect(98, 48, 10, 10).contains(paintedPart(image)));
+    // Of a picture and the screen that it is shown on: plain, sharp, a sharp picture on a plain screen.
+    for (const auto &[imageRatio, deviceRatio] : {std::pair(1, 1), {2, 2}, {2, 1}}) {
+        files->writeSquareCursor(16, imageRatio);
+        KelPlaybackMouseTrack track(files->path(), nullptr);
+        QCOMPARE(track.errorString(), QString());
+        track.seekToFrame(0); // before the first move
+        QCOMPARE(partOf(paint(track)), QRect());
+        track.seekToFrame(5);
+        const QImage image = paint(track, {300, 200}, deviceRatio);
+        if (imageRatio == deviceRatio) {
+            QCOMPARE(partOf(image), QRect(QPoint(100, 50) * deviceRatio - QPoint(2, 3), QSize(16, 16)));
+            QCOMPARE(image.pixelColor(QPoint(100, 50) * deviceRatio), QColor(Qt::red));
+            QCOMPARE(image.pixelColor(QPoint(100, 50) * deviceRatio + QPoint(1, 0)), QColor(Qt::green));
+        } else {
+            QVERIFY(QRect(98, 48, 10, 10).contains(partOf(image)));
+        }
+        track.setEnabled(false);
+        QVERIFY(!track.isVisible());
+        QCOMPARE(partOf(paint(track)), QRect());
+        track.paint(nullptr);
     }
-    track.setEnabled(false);
-    QVERIFY(!track.isVisible());
-    QCOMPARE(paintedPart(paint(track)), QRect());
-    track.paint(nullptr);
-}
-
-void PlaybackMouseTrackTest::hiddenPointer_data()
-{
-    QTest::addColumn<int>("x");
-    QTest::addColumn<int>("y");
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<bool>("isShown");
-    QTest::newRow("in a corner") << 2000 << 1500 << "move" << true;
-    QTest::newRow("right of all") << 2001 << 10 << "move" << false;
-    QTest::newRow("below all") << 10 << 1501 << "move" << false;
-    QTest::newRow("left of the picture") << -5 << 10 << "move" << true;
-    QTest::newRow("nowhere") << -1 << -1 << "move" << false;
-    QTest::newRow("hidden") << 10 << 10 << "hide" << false;
-    QTest::newRow("unheard of") << 10 << 10 << "jump" << true;
 }
 
 void PlaybackMouseTrackTest::hiddenPointer()
 {
-    QFETCH(int, x);
-    QFETCH(int, y);
-    QFETCH(QString, action);
-    files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, x, y, "square", action)});
-    KelPlaybackMouseTrack track(files->path(), nullptr);
-    track.seekToFrame(0);
-    QTEST(!paintedPart(paint(track, {2100, 1600})).isEmpty(), "isShown");
+    struct Case {
+        const char *name;
+        QPoint place;
+        QString action;
+        bool isShown;
+    };
+    for (const Case &c : {Case{"in a corner", {2000, 1500}, "move", true},
+                          {"right of all", {2001, 10}, "move", false},
+                          {"below all", {10, 1501}, "move", false},
+                          {"left of the picture", {-5, 10}, "move", true},
+                          {"nowhere", {-1, -1}, "move", false},
+                          {"hidden", {10, 10}, "hide", false},
+                          {"unheard of", {10, 10}, "jump", true}}) {
+        files->write("mousemoves-0.json",
+                     QJsonArray{MouseFixture::move(0, c.place.x(), c.place.y(), "square", c.action)});
+        KelPlaybackMouseTrack track(files->path(), nullptr);
+        track.seekToFrame(0);
+        QVERIFY2(partOf(paint(track, {2100, 1600})).isEmpty() != c.isShown, c.name);
+    }
 }
 
 /// With the settings that a track starts with, a click is to be seen.
@@ -152,11 +131,11 @@ void PlaybackMouseTrackTest::pressedPointer()
     for (int frame = 0; frame <= 10; ++frame)
         track.seekToFrame(frame);
     // 16 pixels at 4/5, about the pointer: from 2 left and 3 above.
-    const QRect part = paintedPart(paint(track));
+    const QRect part = partOf(paint(track));
     QVERIFY(QRect(98, 47, 14, 14).contains(part));
     QVERIFY(part.width() <= 14 && part.height() <= 14);
     track.resetEffects();
-    QCOMPARE(paintedPart(paint(track)).size(), QSize(16, 16));
+    QCOMPARE(partOf(paint(track)).size(), QSize(16, 16));
 }
 
 void PlaybackMouseTrackTest::effectsAroundThePointer()
@@ -178,8 +157,8 @@ void PlaybackMouseTrackTest::effectsAroundThePointer()
     const auto asIs = [](KelPlaybackMouseTrack &) {};
 
     const QImage clicked = partWith("3 left down, 5 left up", asIs);
-    QVERIFY(QRect(68, 18, 64, 64).contains(paintedPart(clicked.copy(0, 0, 200, 130))));
-    QCOMPARE(paintedPart(clicked.copy(200, 130, 100, 70)).translated(200, 130), pointer);
+    QVERIFY(QRect(68, 18, 64, 64).contains(partOf(clicked.copy(0, 0, 200, 130))));
+    QCOMPARE(partOf(clicked.copy(200, 130, 100, 70)).translated(200, 130), pointer);
     int magenta = 0;
     for (int y = 18; y < 82; ++y) {
         for (int x = 68; x < 132; ++x)
@@ -188,58 +167,54 @@ void PlaybackMouseTrackTest::effectsAroundThePointer()
     QVERIFY(magenta > 20);
 
     const QImage large = partWith("3 left down, 5 left up", [](auto &track) { track.setEffectScale(1.5); });
-    QVERIFY(paintedPart(large.copy(0, 0, 200, 130)).width() > 1.4 * paintedPart(clicked.copy(0, 0, 200, 130)).width());
+    QVERIFY(partOf(large.copy(0, 0, 200, 130)).width() > 1.4 * partOf(clicked.copy(0, 0, 200, 130)).width());
 
     const QRect aroundPointer(188, 118, 64, 64);
-    const QRect held = paintedPart(partWith("3 left down, 40 left up", asIs));
+    const QRect held = partOf(partWith("3 left down, 40 left up", asIs));
     QVERIFY(aroundPointer.contains(held) && held.contains(pointer) && held != pointer);
-    const QRect turned = paintedPart(partWith("3 wheel 120", asIs));
+    const QRect turned = partOf(partWith("3 wheel 120", asIs));
     QVERIFY(aroundPointer.contains(turned) && turned != pointer);
 
-    QCOMPARE(paintedPart(partWith("3 right down, 40 right up", [](auto &track) { track.setShownButtons(5); })),
-             pointer);
-    QCOMPARE(paintedPart(partWith("3 wheel 120", [](auto &track) { track.setShowWheel(false); })), pointer);
-    QCOMPARE(paintedPart(partWith("3 wheel 120", [](auto &track) { track.setWheelType(0); })), pointer);
-    QCOMPARE(paintedPart(partWith("3 left down, 5 left up", [](auto &track) { track.setClickType(9); })), pointer);
-    QCOMPARE(paintedPart(partWith("3 left down, 5 left up", [](auto &track) { track.setEffectScale(0); })), pointer);
+    QCOMPARE(partOf(partWith("3 right down, 40 right up", [](auto &track) { track.setShownButtons(5); })), pointer);
+    QCOMPARE(partOf(partWith("3 wheel 120", [](auto &track) { track.setShowWheel(false); })), pointer);
+    QCOMPARE(partOf(partWith("3 wheel 120", [](auto &track) { track.setWheelType(0); })), pointer);
+    QCOMPARE(partOf(partWith("3 left down, 5 left up", [](auto &track) { track.setClickType(9); })), pointer);
+    QCOMPARE(partOf(partWith("3 left down, 5 left up", [](auto &track) { track.setEffectScale(0); })), pointer);
 }
 
 void PlaybackMouseTrackTest::badFiles_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("content"); // null: no such file
-    QTest::addColumn<QStringList>("log");
+    // Where the content is null there is no such file.
+    const TestTable<QString, QByteArray, QStringList> row("name", "content", "log");
 
-    const QString moves("mousemoves-0.json"), list("cursor.json"), clicks("mouseclicks-0.json");
+    const char moves[] = "mousemoves-0.json", list[] = "cursor.json", clicks[] = "mouseclicks-0.json";
     const QString failed("C Failed to load mouse track JSON data");
     const QStringList noMoves{"W Failed to load mouse moves", failed};
     const QStringList noCursors{"W Failed to load cursor types", failed};
     const QStringList noClicks{"W Failed to load mouse clicks"};
     const QByteArray whole = QJsonDocument(QJsonArray{MouseFixture::move(0, 1, 1)}).toJson();
 
-    QTest::newRow("moves missing") << moves << QByteArray() << QStringList(failed);
-    QTest::newRow("moves empty") << moves << QByteArray("") << noMoves;
-    QTest::newRow("moves cut off") << moves << whole.left(whole.size() - 3) << noMoves;
-    QTest::newRow("moves too long") << moves << whole + "[" << noMoves;
-    QTest::newRow("moves an object") << moves << QByteArray("{\"frame\":0}") << noMoves;
-    QTest::newRow("moves a word") << moves << QByteArray("true") << noMoves;
-    QTest::newRow("moves nested without end") << moves << QByteArray(200'000, '[') << noMoves;
-    QTest::newRow("moves none") << moves << QByteArray("[]") << QStringList();
-    QTest::newRow("moves of odd types")
-        << moves
-        << QByteArray(R"([1,"a",null,[{"frame":1}],{"frame":"7","x":[1],"y":{"y":3},"cursor":4,"action":5},)"
-                      R"({"frame":1e99,"x":1.5,"y":-9e18,"timestamp":1e300,"cursor":null,"frame":true}])")
-        << QStringList();
-    QTest::newRow("cursors missing") << list << QByteArray() << QStringList(failed);
-    QTest::newRow("cursors an array") << list << QByteArray("[]") << noCursors;
-    QTest::newRow("cursors cut off") << list << QByteArray("{\"cursors\": [") << noCursors;
-    QTest::newRow("cursors without a list") << list << QByteArray("{\"cursors\": 5}") << QStringList();
-    QTest::newRow("cursors too large") << list << QByteArray(5'000'000, ' ') + "{}" << noCursors;
-    QTest::newRow("clicks missing") << clicks << QByteArray() << QStringList();
-    QTest::newRow("clicks cut off") << clicks << QByteArray("[{\"action\":\"click\"},") << noClicks;
-    QTest::newRow("clicks of odd types")
-        << clicks << QByteArray(R"([{"action":"click","frame":1e9,"timestamp":-1e300},{"action":"release","x":"5"}])")
-        << QStringList();
+    row("moves missing", moves, {}, {failed});
+    row("moves empty", moves, "", noMoves);
+    row("moves cut off", moves, whole.left(whole.size() - 3), noMoves);
+    row("moves too long", moves, whole + "[", noMoves);
+    row("moves an object", moves, "{\"frame\":0}", noMoves);
+    row("moves a word", moves, "true", noMoves);
+    row("moves nested without end", moves, QByteArray(200'000, '['), noMoves);
+    row("moves none", moves, "[]", {});
+    row("moves of odd types", moves,
+        R"([1,"a",null,[{"frame":1}],{"frame":"7","x":[1],"y":{"y":3},"cursor":4,"action":5},)"
+        R"({"frame":1e99,"x":1.5,"y":-9e18,"timestamp":1e300,"cursor":null,"frame":true}])",
+        {});
+    row("cursors missing", list, {}, {failed});
+    row("cursors an array", list, "[]", noCursors);
+    row("cursors cut off", list, "{\"cursors\": [", noCursors);
+    row("cursors without a list", list, "{\"cursors\": 5}", {});
+    row("cursors too large", list, QByteArray(5'000'000, ' ') + "{}", noCursors);
+    row("clicks missing", clicks, {}, {});
+    row("clicks cut off", clicks, "[{\"action\":\"click\"},", noClicks);
+    row("clicks of odd types", clicks,
+        R"([{"action":"click","frame":1e9,"timestamp":-1e300},{"action":"release","x":"5"}])", {});
 }
 
 void PlaybackMouseTrackTest::badFiles()
@@ -262,24 +237,8 @@ void PlaybackMouseTrackTest::badFiles()
     }
 }
 
-void PlaybackMouseTrackTest::badCursors_data()
-{
-    QTest::addColumn<QString>("image");
-    QTest::newRow("missing") << "nothing.png";
-    QTest::newRow("no name") << "";
-    QTest::newRow("a folder") << ".";
-    QTest::newRow("above") << "../outside.png";
-    QTest::newRow("a link to the outside") << "link.png";
-    QTest::newRow("a pipe") << "pipe.png";
-    QTest::newRow("another format") << "bitmap.bmp";
-    QTest::newRow("no picture") << "text.png";
-    QTest::newRow("absurdly large") << "huge.png";
-    QTest::newRow("too large") << "large.png";
-}
-
 void PlaybackMouseTrackTest::badCursors()
 {
-    QFETCH(QString, image);
     const QString dir = files->filePath("cursors/");
     QVERIFY(QFile::copy(dir + "square.png", files->filePath("outside.png")));
     QVERIFY(QFile::link(files->filePath("outside.png"), dir + "link.png"));
@@ -288,14 +247,17 @@ void PlaybackMouseTrackTest::badCursors()
     QVERIFY(QImage(2000, 8, QImage::Format_RGB32).save(dir + "large.png"));
     files->write("cursors/text.png", "text");
     files->write("cursors/huge.png", hugePng());
-    files->writeCursorList(image);
-    LogCapture log;
-    KelPlaybackMouseTrack track(files->path(), nullptr);
-    QCOMPARE(track.errorString(), QString());
-    QCOMPARE(log.take(), QStringList("W Failed to load cursor image: \"" + dir + image + '"'));
-    track.seekToFrame(1);
-    QCOMPARE(log.take(), QStringList("W Cursor type not found: \"square\""));
-    QCOMPARE(paintedPart(paint(track)), QRect());
+    for (const QString image : {"missing.png", "", ".", "../outside.png", "link.png", "pipe.png", "bitmap.bmp",
+                                "text.png", "huge.png", "large.png"}) {
+        files->writeCursorList(image);
+        LogCapture log;
+        KelPlaybackMouseTrack track(files->path(), nullptr);
+        QCOMPARE(track.errorString(), QString());
+        QCOMPARE(log.take(), QStringList("W Failed to load cursor image: \"" + dir + image + '"'));
+        track.seekToFrame(1);
+        QCOMPARE(log.take(), QStringList("W Cursor type not found: \"square\""));
+        QCOMPARE(partOf(paint(track)), QRect());
+    }
 }
 
 void PlaybackMouseTrackTest::oddValuesPaintSafely()

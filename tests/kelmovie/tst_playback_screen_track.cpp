@@ -3,6 +3,7 @@
 
 #include "playback/FrameIndexReader.h"
 #include "playback/KelPlaybackScreenTrack.h"
+#include "support/TestTable.h"
 
 #include <QPainter>
 #include <QRegularExpression>
@@ -25,7 +26,6 @@ private slots:
     void readsIndexTable();
     void construction_data();
     void construction();
-    void mapsLogicFrames_data();
     void mapsLogicFrames();
     void decodesAVideoFrameOnce();
     void recoversFromFailingFrame_data();
@@ -63,24 +63,21 @@ private:
 
 void PlaybackScreenTrackTest::readsIndexTable_data()
 {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<std::vector<int>>("entries");
-    QTest::addColumn<QString>("log");
+    const TestTable<QByteArray, std::vector<int>, QString> row("file", "entries", "log");
 
     const auto table = [](std::initializer_list<qint32> values) { return RecordingFixture::bigEndian(values); };
-    using Entries = std::vector<int>;
-    QTest::newRow("plain") << table({1, 3, -1, 0, 7}) << Entries{-1, 0, 7} << "";
-    QTest::newRow("bytes after the last entry") << table({1, 1, 4, 5}) << Entries{4} << "";
-    QTest::newRow("short by one and a half") << table({1, 4, 1, 2, 3}).chopped(2) << Entries{1, 2, 0, 0} << "";
-    QTest::newRow("largest count, no entries") << table({1, 1000000}) << Entries(1000000, 0) << "";
-    QTest::newRow("empty") << QByteArray() << Entries{} << "Unsupported frame index file version: 0";
-    QTest::newRow("version 2") << table({2, 1, 0}) << Entries{} << "Unsupported frame index file version: 2";
-    QTest::newRow("little-endian") << QByteArray("\x01\0\0\0\x01\0\0\0\0\0\0\0", 12) << Entries{}
-                                   << "Unsupported frame index file version: 16777216";
-    QTest::newRow("no count") << table({1}) << Entries{} << "Invalid frame count in file: 0";
-    QTest::newRow("count 0") << table({1, 0}) << Entries{} << "Invalid frame count in file: 0";
-    QTest::newRow("negative count") << table({1, -5}) << Entries{} << "Invalid frame count in file: -5";
-    QTest::newRow("count too large") << table({1, 1000001, 3}) << Entries{} << "Invalid frame count in file: 1000001";
+    row("plain", table({1, 3, -1, 0, 7}), {-1, 0, 7}, "");
+    row("bytes after the last entry", table({1, 1, 4, 5}), {4}, "");
+    row("short by one and a half", table({1, 4, 1, 2, 3}).chopped(2), {1, 2, 0, 0}, "");
+    row("largest count, no entries", table({1, 1000000}), std::vector<int>(1000000, 0), "");
+    row("empty", "", {}, "Unsupported frame index file version: 0");
+    row("version 2", table({2, 1, 0}), {}, "Unsupported frame index file version: 2");
+    row("little-endian", QByteArray("\x01\0\0\0\x01\0\0\0\0\0\0\0", 12), {},
+        "Unsupported frame index file version: 16777216");
+    row("no count", table({1}), {}, "Invalid frame count in file: 0");
+    row("count 0", table({1, 0}), {}, "Invalid frame count in file: 0");
+    row("negative count", table({1, -5}), {}, "Invalid frame count in file: -5");
+    row("count too large", table({1, 1000001, 3}), {}, "Invalid frame count in file: 1000001");
 }
 
 void PlaybackScreenTrackTest::readsIndexTable()
@@ -99,31 +96,22 @@ void PlaybackScreenTrackTest::readsIndexTable()
 
 void PlaybackScreenTrackTest::construction_data()
 {
-    QTest::addColumn<QString>("setup");
-    QTest::addColumn<QStringList>("opened");
-    QTest::addColumn<QStringList>("warnings");
-    QTest::addColumn<QString>("error");
-    QTest::addColumn<int>("logicFrames");
-
+    const TestTable<QString, QStringList, QStringList, QString, int> row("setup", "opened", "warnings", "error",
+                                                                         "logicFrames");
     const QString h264 = h264Kind(h264Decoder::PreferH264DecodeParams(false));
-    const QString noTable = "Failed to load frame indexes, will try to create default mapping";
-    const QString identity = "Creating default 1:1 frame mapping for 100 frames";
-    QTest::newRow("mp4") << "" << QStringList{h264} << QStringList{} << "" << 10;
-    QTest::newRow("mkv goes before mp4") << "mkv ffv1" << QStringList{"ffv1"} << QStringList{} << "" << 10;
-    QTest::newRow("FFV1 cannot open it") << "mkv ffv1 invalid" << QStringList{"ffv1", h264}
-                                         << QStringList{"FFV1 decoder failed, falling back to H264"} << "" << 10;
-    QTest::newRow("FFV1 is not supported")
-        << "mkv" << QStringList{h264} << QStringList{"FFV1 decoder failed, falling back to H264"} << "" << 10;
-    QTest::newRow("no table") << "noindex" << QStringList{h264}
-                              << QStringList{"Frame indexes file not found:", noTable, identity} << "" << 100;
-    QTest::newRow("no video") << "novideo" << QStringList{} << QStringList{}
-                              << "Video file not found. Searched for: " << 10;
-    QTest::newRow("H.264 is not supported")
-        << "noh264" << QStringList{} << QStringList{} << "H264 decoder not supported on this system" << 10;
-    QTest::newRow("H.264 cannot open it") << "invalid" << QStringList{h264} << QStringList{}
-                                          << "Failed to create H264 decoder or decoder is invalid" << 10;
-    QTest::newRow("no frames") << "noframes" << QStringList{h264} << QStringList{}
-                               << "Invalid frame count from decoder: 0" << 10;
+    const QString fallback = "FFV1 decoder failed, falling back to H264";
+    row("mp4", "", {h264}, {}, "", 10);
+    row("mkv goes before mp4", "mkv ffv1", {"ffv1"}, {}, "", 10);
+    row("FFV1 cannot open it", "mkv ffv1 invalid", {"ffv1", h264}, {fallback}, "", 10);
+    row("FFV1 is not supported", "mkv", {h264}, {fallback}, "", 10);
+    row("no table", "noindex", {h264},
+        {"Frame indexes file not found:", "Failed to load frame indexes, will try to create default mapping",
+         "Creating default 1:1 frame mapping for 100 frames"},
+        "", 100);
+    row("no video", "novideo", {}, {}, "Video file not found. Searched for: ", 10);
+    row("H.264 is not supported", "noh264", {}, {}, "H264 decoder not supported on this system", 10);
+    row("H.264 cannot open it", "invalid", {h264}, {}, "Failed to create H264 decoder or decoder is invalid", 10);
+    row("no frames", "noframes", {h264}, {}, "Invalid frame count from decoder: 0", 10);
 }
 
 void PlaybackScreenTrackTest::construction()
@@ -163,33 +151,23 @@ void PlaybackScreenTrackTest::construction()
     QCOMPARE(script->alive, 0);
 }
 
-void PlaybackScreenTrackTest::mapsLogicFrames_data()
-{
-    QTest::addColumn<int>("frame");
-    QTest::addColumn<int>("shown");
-    QTest::addColumn<int>("next");
-
-    QTest::newRow("mapped") << 2 << 7 << 3;
-    QTest::newRow("before the first") << -5 << 0 << 1;
-    QTest::newRow("past the last") << 25 << 42 << 10;
-    QTest::newRow("negative entry") << 0 << 0 << 1;
-    QTest::newRow("entry beyond the video") << 4 << 99 << 5;
-    QTest::newRow("entry that goes back") << 5 << 3 << 6;
-}
-
 void PlaybackScreenTrackTest::mapsLogicFrames()
 {
-    QFETCH(int, frame);
-    QFETCH(int, shown);
-    QFETCH(int, next);
-
     const std::vector<int> table{-1, 0, 7, 8, 5000, 3, 9, 10, 11, 42};
     recording->writeIndexes(10, [&](int i) { return table[i]; });
-    const auto track = makeTrack();
-    QCOMPARE(track->nextKeyFrame(), 0);
-    track->seekToFrame(frame);
-    QCOMPARE(shownFrame(*track), shown);
-    QCOMPARE(track->nextKeyFrame(), next);
+    struct Case {
+        int frame;
+        int shown;
+        int next;
+    };
+    // Before the first, a negative entry, one beyond the video, one that goes back, past the last.
+    for (const Case &c : {Case{2, 7, 3}, {-5, 0, 1}, {0, 0, 1}, {4, 99, 5}, {5, 3, 6}, {25, 42, 10}}) {
+        const auto track = makeTrack();
+        QCOMPARE(track->nextKeyFrame(), 0);
+        track->seekToFrame(c.frame);
+        QCOMPARE(shownFrame(*track), c.shown);
+        QCOMPARE(track->nextKeyFrame(), c.next);
+    }
 }
 
 void PlaybackScreenTrackTest::decodesAVideoFrameOnce()
@@ -205,33 +183,23 @@ void PlaybackScreenTrackTest::decodesAVideoFrameOnce()
 
 void PlaybackScreenTrackTest::recoversFromFailingFrame_data()
 {
-    QTest::addColumn<QString>("setup");
-    QTest::addColumn<QVector<bool>>("validity");
-    QTest::addColumn<int>("failures");
-    QTest::addColumn<QStringList>("opened");
-    QTest::addColumn<QStringList>("criticals");
-    QTest::addColumn<int>("shown");
+    const TestTable<QString, QVector<bool>, int, QStringList, QStringList, int> row("setup", "validity", "failures",
+                                                                                    "opened", "criticals", "shown");
 
     const QString h264 = h264Kind(h264Decoder::PreferH264DecodeParams(true));
     const QString software = "h264 h264";
     const QString failed = "Complete failure to decode frame 5 - decoder status: %1 - keeping previous frame";
     const QString noDecoder = "Failed to reinitialize H264 decoder with both hardware and software options";
-    using Valid = QVector<bool>;
-    QTest::newRow("a new decoder helps") << "" << Valid{} << 1 << QStringList{h264, h264} << QStringList{} << 5;
-    QTest::newRow("the software decoder helps")
-        << "" << Valid{true, false} << 1 << QStringList{h264, h264, software} << QStringList{} << 5;
-    QTest::newRow("the frame stays broken")
-        << "" << Valid{} << 2 << QStringList{h264, h264} << QStringList{failed.arg("valid")} << 2;
-    QTest::newRow("no decoder opens any more")
-        << "" << Valid{true, false, false} << 1 << QStringList{h264, h264, software}
-        << QStringList{noDecoder, failed.arg("invalid")} << 2;
-    QTest::newRow("H.264 is gone") << "noh264" << Valid{} << 1 << QStringList{h264}
-                                   << QStringList{"H264 decoder not supported on this system", failed.arg("invalid")}
-                                   << 2;
-    QTest::newRow("FFV1 again") << "ffv1" << Valid{} << 1 << QStringList{"ffv1", "ffv1"} << QStringList{} << 5;
-    QTest::newRow("FFV1 falls back") << "ffv1" << Valid{true, false} << 1 << QStringList{"ffv1", "ffv1", h264}
-                                     << QStringList{} << 5;
-    QTest::newRow("FFV1 is gone") << "ffv1 noffv1" << Valid{} << 1 << QStringList{"ffv1", h264} << QStringList{} << 5;
+    row("a new decoder helps", "", {}, 1, {h264, h264}, {}, 5);
+    row("the software decoder helps", "", {true, false}, 1, {h264, h264, software}, {}, 5);
+    row("the frame stays broken", "", {}, 2, {h264, h264}, {failed.arg("valid")}, 2);
+    row("no decoder opens any more", "", {true, false, false}, 1, {h264, h264, software},
+        {noDecoder, failed.arg("invalid")}, 2);
+    row("H.264 is gone", "noh264", {}, 1, {h264}, {"H264 decoder not supported on this system", failed.arg("invalid")},
+        2);
+    row("FFV1 again", "ffv1", {}, 1, {"ffv1", "ffv1"}, {}, 5);
+    row("FFV1 falls back", "ffv1", {true, false}, 1, {"ffv1", "ffv1", h264}, {}, 5);
+    row("FFV1 is gone", "ffv1 noffv1", {}, 1, {"ffv1", h264}, {}, 5);
 }
 
 void PlaybackScreenTrackTest::recoversFromFailingFrame()

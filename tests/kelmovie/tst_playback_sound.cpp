@@ -71,7 +71,6 @@ class PlaybackSoundTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
     void plays();
     void serverGoesAway();
 
@@ -94,12 +93,6 @@ private:
 
     std::unique_ptr<RecordingFixture> recording;
 };
-
-void PlaybackSoundTest::init()
-{
-    if (QStandardPaths::findExecutable("parec").isEmpty())
-        QFAIL("parec is not installed");
-}
 
 void PlaybackSoundTest::plays()
 {

@@ -3,6 +3,7 @@
 #include "ScriptedDecoder.h"
 #include "SoundFile.h"
 #include "support/LogCapture.h"
+#include "support/TestTable.h"
 
 #include "audio/KelAmplifiedAudioPlayer.h"
 #include "playback/KelPlaybackVoiceTrack.h"
@@ -100,24 +101,20 @@ void PlaybackVoiceTest::init()
 
 void PlaybackVoiceTest::staysInStep_data()
 {
-    QTest::addColumn<int>("fps");
-    QTest::addColumn<int>("tickMs"); // of the recording's clock
-    QTest::addColumn<double>("speed");
-    QTest::addColumn<double>("pace");
-    QTest::addColumn<int>("leadMs");
-    QTest::addColumn<int>("lostMs"); // in the middle
-    QTest::addColumn<int>("mostStarts");
+    // A tick is one of the recording's clock; sound is lost in the middle.
+    const TestTable<int, int, double, double, int, int, int> row("fps", "tickMs", "speed", "pace", "leadMs", "lostMs",
+                                                                 "mostStarts");
 
-    QTest::newRow("same clocks") << 25 << 40 << 1.0 << 1.0 << 0 << 0 << 1;
-    QTest::newRow("recorded with faster ticks") << 60 << 16 << 1.0 << 1.0 << 0 << 0 << 1;
-    QTest::newRow("default rate") << 24 << 41 << 1.0 << 1.0 << 20 << 0 << 1;
-    QTest::newRow("fast device") << 25 << 40 << 1.0 << 1.002 << 0 << 0 << 1;
-    QTest::newRow("slow device, fast ticks") << 60 << 16 << 1.0 << 0.998 << 100 << 0 << 1;
-    QTest::newRow("device with a lead") << 25 << 40 << 1.0 << 1.0 << 150 << 0 << 1;
-    QTest::newRow("short gap") << 25 << 40 << 1.0 << 1.0 << 30 << 100 << 1;
-    QTest::newRow("long gap") << 25 << 40 << 1.0 << 1.0 << 0 << 1000 << 2;
-    QTest::newRow("double speed") << 25 << 40 << 2.0 << 1.001 << 0 << 0 << 1;
-    QTest::newRow("half speed") << 24 << 41 << 0.5 << 0.999 << 50 << 0 << 1;
+    row("same clocks", 25, 40, 1.0, 1.0, 0, 0, 1);
+    row("recorded with faster ticks", 60, 16, 1.0, 1.0, 0, 0, 1);
+    row("default rate", 24, 41, 1.0, 1.0, 20, 0, 1);
+    row("fast device", 25, 40, 1.0, 1.002, 0, 0, 1);
+    row("slow device, fast ticks", 60, 16, 1.0, 0.998, 100, 0, 1);
+    row("device with a lead", 25, 40, 1.0, 1.0, 150, 0, 1);
+    row("short gap", 25, 40, 1.0, 1.0, 30, 100, 1);
+    row("long gap", 25, 40, 1.0, 1.0, 0, 1000, 2);
+    row("double speed", 25, 40, 2.0, 1.001, 0, 0, 1);
+    row("half speed", 24, 41, 0.5, 0.999, 50, 0, 1);
 }
 
 void PlaybackVoiceTest::staysInStep()
@@ -300,20 +297,16 @@ void PlaybackVoiceTest::withoutDevice()
 
 void PlaybackVoiceTest::findsFiles_data()
 {
-    QTest::addColumn<QStringList>("names"); // oldest first, each a second longer than the one before
-    QTest::addColumn<qint64>("durationMs"); // 0: there is no player
-    QTest::addColumn<QStringList>("messages");
+    // The oldest comes first, each is a second longer than the one before; without a player it is 0 ms long.
+    const TestTable<QStringList, qint64, QStringList> row("names", "durationMs", "messages");
 
-    QTest::newRow("newest") << QStringList{"system_audio_2.wav", "system_audio_1.wav"} << qint64(2000) << QStringList{};
-    QTest::newRow("without its parts") << QStringList{"system_audio_1.wav", "system_audio_1_part0.wav"} << qint64(1000)
-                                       << QStringList{};
-    QTest::newRow("never joined") << QStringList{"system_audio_1_part0.wav", "system_audio_1_part1.wav"} << qint64(3000)
-                                  << QStringList{};
-    QTest::newRow("none") << QStringList{"sound.wav"} << qint64(0)
-                          << QStringList{"W [KelPlaybackVoiceTrack] No audio WAV files found in: "};
-    QTest::newRow("broken") << QStringList{"system_audio_bad.wav"} << qint64(0)
-                            << QStringList{"W [KelAmplifiedAudioPlayer] Invalid WAV file: RIFF header not found",
-                                           "W Failed to load system audio: Invalid WAV file: RIFF header not found"};
+    row("newest", {"system_audio_2.wav", "system_audio_1.wav"}, 2000, {});
+    row("without its parts", {"system_audio_1.wav", "system_audio_1_part0.wav"}, 1000, {});
+    row("never joined", {"system_audio_1_part0.wav", "system_audio_1_part1.wav"}, 3000, {});
+    row("none", {"sound.wav"}, 0, {"W [KelPlaybackVoiceTrack] No audio WAV files found in: "});
+    row("broken", {"system_audio_bad.wav"}, 0,
+        {"W [KelAmplifiedAudioPlayer] Invalid WAV file: RIFF header not found",
+         "W Failed to load system audio: Invalid WAV file: RIFF header not found"});
 }
 
 void PlaybackVoiceTest::findsFiles()

@@ -3,12 +3,13 @@
 #include "record/KelRecordKeyboardTrack.h"
 #include "support/LogCapture.h"
 #include "support/OwnMemory.h"
+#include "support/TestTable.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <cstring>
+#include <algorithm>
 
 namespace
 {
@@ -27,20 +28,8 @@ QStringList recordsUnderWay(const QByteArray &file)
 /// Whether the bytes are there that `disguised` stands for; they themselves would be found where they are looked for.
 bool holds(const QByteArray &region, const QByteArray &disguised)
 {
-    const auto isByte = [&](char byte, int i) { return char(byte ^ '\x5a') == disguised[i]; };
-    const int first = disguised[0] ^ '\x5a';
-    const char *const end = region.constData() + region.size() - disguised.size();
-    for (const char *at = region.constData(); at < end; ++at) {
-        at = static_cast<const char *>(memchr(at, first, std::size_t(end - at)));
-        if (!at)
-            return false;
-        int match = 1;
-        while (match < disguised.size() && isByte(at[match], match))
-            ++match;
-        if (match == disguised.size())
-            return true;
-    }
-    return false;
+    return std::search(region.begin(), region.end(), disguised.begin(), disguised.end(),
+                       [](char byte, char secret) { return char(byte ^ '\x5a') == secret; }) != region.end();
 }
 
 /// Whether these bytes are anywhere in what this process can write to.
@@ -68,7 +57,7 @@ private slots:
 
 private:
     void play(const QStringList &steps);
-    QByteArray file() const { return fileBytes(path()); }
+    QByteArray file() const { return readFile(path()); }
     QString path() const { return m_dir->filePath("deep/Keyboard/keyboard.keymeta"); }
 
     ScriptedInput m_input;
@@ -124,55 +113,40 @@ void TestRecordKeyboardTrack::fileByteForByte()
 
 void TestRecordKeyboardTrack::recordsByTheRules_data()
 {
-    using Lines = QStringList;
-    QTest::addColumn<QStringList>("steps");
-    QTest::addColumn<bool>("isWatched"); // before the stop
-    QTest::addColumn<QStringList>("kept");
-    QTest::addColumn<QStringList>("log");
-    const QString refusal = "W KelRecordKeyboardTrack: 无法启用钩子 - 未在录制状态";
-
-    QTest::newRow("no key") << Lines{"start"} << true << Lines{} << Lines{};
-    QTest::newRow("as they come") << Lines{"start", "41 1", "frame 2", "41 1", "41 7", "43 0"} << true
-                                  << Lines{"41 1 0", "41 1 2", "41 0 2", "43 0 2"} << Lines{};
-    QTest::newRow("before the start") << Lines{"41 1", "off", "on"} << false << Lines{} << Lines{refusal};
-    QTest::newRow("paused") << Lines{"start", "41 1", "pause", "42 1", "on", "off"} << false << Lines{"41 1 0"}
-                            << Lines{refusal};
-    QTest::newRow("resumed") << Lines{"start", "41 1", "pause", "start", "frame 5", "42 1"} << true << Lines{"42 1 5"}
-                             << Lines{};
-    QTest::newRow("off and on") << Lines{"start",   "41 1", "frame 4", "off",  "off",    "42 1",
-                                         "frame 6", "on",   "on",      "43 1", "frame 7"}
-                                << true << Lines{"41 1 0", "0 0 4", "0 1 6", "43 1 6"} << Lines{};
-    QTest::newRow("off at the end") << Lines{"start", "off", "41 1"} << false << Lines{"0 0 0"} << Lines{};
-    QTest::newRow("off stays off over a pause")
-        << Lines{"start", "off", "pause", "41 1", "frame 3", "start", "42 1"} << false << Lines{"0 0 3"} << Lines{};
-    QTest::newRow("off and on, both while paused")
-        << Lines{"start", "pause", "off", "on", "start", "42 1"} << true << Lines{"42 1 0"} << Lines{refusal};
-    QTest::newRow("off before the start gets through") << Lines{"off", "start", "41 1", "frame 2", "on", "42 1"} << true
-                                                       << Lines{"0 0 0", "0 1 2", "42 1 2"} << Lines{};
+    // What is watched before the stop; what is kept; whether switching on is refused.
+    const TestTable<QString, bool, QString, bool> row("steps", "isWatched", "kept", "isRefused");
+    row("no key", "start", true, "", false);
+    row("as they come", "start; 41 1; frame 2; 41 1; 41 7; 43 0", true, "41 1 0; 41 1 2; 41 0 2; 43 0 2", false);
+    row("before the start", "41 1; off; on", false, "", true);
+    row("paused", "start; 41 1; pause; 42 1; on; off", false, "41 1 0", true);
+    row("resumed", "start; 41 1; pause; start; frame 5; 42 1", true, "42 1 5", false);
+    row("off and on", "start; 41 1; frame 4; off; off; 42 1; frame 6; on; on; 43 1; frame 7", true,
+        "41 1 0; 0 0 4; 0 1 6; 43 1 6", false);
+    row("off at the end", "start; off; 41 1", false, "0 0 0", false);
+    row("off stays off over a pause", "start; off; pause; 41 1; frame 3; start; 42 1", false, "0 0 3", false);
+    row("off and on, both while paused", "start; pause; off; on; start; 42 1", true, "42 1 0", true);
+    row("off before the start gets through", "off; start; 41 1; frame 2; on; 42 1", true, "0 0 0; 0 1 2; 42 1 2",
+        false);
 }
 
 void TestRecordKeyboardTrack::recordsByTheRules()
 {
-    QFETCH(QStringList, steps);
-    QFETCH(bool, isWatched);
-    QFETCH(QStringList, kept);
-    QFETCH(QStringList, log);
-    LogCapture capture;
-    play(steps);
-    QCOMPARE(m_input.isWatched(KelKeyMouseHook::Keyboard), isWatched);
+    QFETCH(QString, steps);
+    QFETCH(bool, isRefused);
+    LogCapture log;
+    play(steps.split("; "));
+    QTEST(m_input.isWatched(KelKeyMouseHook::Keyboard), "isWatched");
     play({"stop", "44 1"});
     QVERIFY(!m_input.isWatched(KelKeyMouseHook::Keyboard));
-    QCOMPARE(keyRecords(file()), kept);
-    QCOMPARE(capture.take(), log);
+    QTEST(keyRecords(file()).join("; "), "kept");
+    QCOMPARE(log.take().join(""), isRefused ? "W KelRecordKeyboardTrack: 无法启用钩子 - 未在录制状态" : "");
     QCOMPARE(m_failures, QStringList());
 }
 
 void TestRecordKeyboardTrack::fileIsForItsOwnerAlone()
 {
-    QFile earlier(path());
-    QVERIFY(earlier.open(QIODevice::WriteOnly));
-    earlier.close();
-    QVERIFY(earlier.setPermissions(OwnerOnly | QFile::ReadGroup | QFile::ReadOther));
+    writeFile(path(), {});
+    QVERIFY(QFile::setPermissions(path(), OwnerOnly | QFile::ReadGroup | QFile::ReadOther));
     for (const char *step : {"checkpoint", "checkpoint", "stop"}) {
         play({"start", "41 1", step});
         QCOMPARE(QFile::permissions(path()), OwnerOnly);
@@ -204,7 +178,7 @@ void TestRecordKeyboardTrack::validAfterEveryCheckpoint()
     play({"42 1"});
     QVERIFY(QFile::rename(m_dir->filePath("deep"), m_dir->filePath("elsewhere")));
     play({"stop"});
-    QCOMPARE(recordsUnderWay(fileBytes(m_dir->filePath("elsewhere/Keyboard/keyboard.keymeta"))).mid(0, 1),
+    QCOMPARE(recordsUnderWay(readFile(m_dir->filePath("elsewhere/Keyboard/keyboard.keymeta"))).mid(0, 1),
              QStringList{"42 1 1256"});
     QCOMPARE(m_failures, QStringList());
 }

@@ -2,10 +2,11 @@
 #include "record/KelRecordScreenTrack.h"
 
 #include "support/FileSizeLimit.h"
+#include "support/Files.h"
 #include "support/LogCapture.h"
+#include "support/TestTable.h"
 
-#include <QDir>
-#include <QFile>
+#include <QDataStream>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -16,21 +17,11 @@ namespace
 QByteArray indexBytes(const QVector<int> &entries)
 {
     QByteArray bytes;
-    const auto add = [&](quint32 number) {
-        for (int shift = 24; shift >= 0; shift -= 8)
-            bytes.append(char(number >> shift));
-    };
-    add(1);
-    add(quint32(entries.size()));
+    QDataStream stream(&bytes, QIODevice::WriteOnly); // big-endian
+    stream << 1 << entries.size();
     for (const int entry : entries)
-        add(quint32(entry));
+        stream << entry;
     return bytes;
-}
-
-QByteArray read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 } // namespace
 
@@ -40,12 +31,9 @@ class TestRecordScreenTrack : public QObject
 
 private slots:
     void init();
-    void cleanup();
 
     void indexesChangedFrames_data();
     void indexesChangedFrames();
-    void bigEndianOnDisk();
-    void busyEncoderDropsTheFrame();
     void foreignPictureSizeIsRescaled();
     void unexpectedFrameNumberIsLogged();
     void checkpointsLeaveAValidFile();
@@ -55,7 +43,6 @@ private slots:
     void fullDiskKeepsTheEntriesWritten();
     void lostScreenIsReportedOnce();
     void encoderFailureIsReportedOnce();
-    void unreadableScreenEncodesNothing();
     void releasedTrackLeavesItsFilesAlone();
 
 private:
@@ -72,17 +59,8 @@ void TestRecordScreenTrack::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
     m_script.emplace();
-    m_script->atClose = [this] {
-        QFile video(videoPath());
-        QVERIFY(video.open(QIODevice::WriteOnly));
-        video.write("video");
-    };
+    m_script->atClose = [this] { writeFile(videoPath(), "video"); };
     m_failures.clear();
-}
-
-void TestRecordScreenTrack::cleanup()
-{
-    m_dir.reset();
 }
 
 std::unique_ptr<KelRecordScreenTrack> TestRecordScreenTrack::createTrack(bool withEncoder)
@@ -97,56 +75,40 @@ std::unique_ptr<KelRecordScreenTrack> TestRecordScreenTrack::createTrack(bool wi
 
 void TestRecordScreenTrack::indexesChangedFrames_data()
 {
-    QTest::addColumn<QVector<int>>("ticked"); // logic frames that reach the track; negative: nothing has changed
-    QTest::addColumn<int>("frameCount");
-    QTest::addColumn<QVector<int>>("entries");
+    // Logic frames that reach the track, "1-" when nothing has changed, "1b" when the encoder is busy, "1x" when the
+    // screen cannot be read.
+    const TestTable<QString, int, QVector<int>> row("ticked", "frameCount", "entries");
 
-    QTest::newRow("every frame") << QVector<int>{0, 1, 2} << 3 << QVector<int>{0, 1, 2};
-    QTest::newRow("first change late") << QVector<int>{-1, -2, 3, 4} << 5 << QVector<int>{-1, -1, -1, 0, 1};
-    QTest::newRow("still at the end") << QVector<int>{0, -1, -2} << 4 << QVector<int>{0, 0, 0, 0};
-    QTest::newRow("refused ticks") << QVector<int>{0, 4, 5} << 7 << QVector<int>{0, 0, 0, 0, 1, 2, 2};
-    QTest::newRow("never a change") << QVector<int>{-1, -2} << 3 << QVector<int>{-1, -1, -1};
-    QTest::newRow("more entries than ticks") << QVector<int>{0, 1, 2} << 2 << QVector<int>{0, 1, 2};
-    QTest::newRow("no tick") << QVector<int>{} << 0 << QVector<int>{};
+    using Entries = QVector<int>;
+    row("every frame", "0 1 2", 3, Entries{0, 1, 2});
+    row("first change late", "0- 1- 3 4", 5, Entries{-1, -1, -1, 0, 1});
+    row("still at the end", "0 1- 2-", 4, Entries{0, 0, 0, 0});
+    row("refused ticks", "0 4 5", 7, Entries{0, 0, 0, 0, 1, 2, 2});
+    row("never a change", "1- 2-", 3, Entries{-1, -1, -1});
+    row("more entries than ticks", "0 1 2", 2, Entries{0, 1, 2});
+    row("no tick", "", 0, Entries{});
+    row("busy encoder", "0 1b 2", 3, Entries{0, 0, 1});
+    row("unreadable screen", "0x 1", 2, Entries{-1, 0});
 }
 
 void TestRecordScreenTrack::indexesChangedFrames()
 {
-    QFETCH(QVector<int>, ticked);
+    QFETCH(QString, ticked);
     QFETCH(int, frameCount);
     QFETCH(QVector<int>, entries);
     const auto track = createTrack();
-    for (const int frame : qAsConst(ticked)) {
-        m_script->changed = frame >= 0;
-        track->recordFrame(qAbs(frame));
+    for (const QString &tick : ticked.split(' ', Qt::SkipEmptyParts)) {
+        m_script->changed = !tick.endsWith('-');
+        m_script->busy = tick.endsWith('b');
+        m_script->captureFails = tick.endsWith('x');
+        track->recordFrame(tick.left(1).toInt());
     }
     track->stopRecording(frameCount, 1000);
-    QCOMPARE(read(indexPath()), indexBytes(entries));
+    QCOMPARE(readFile(indexPath()), indexBytes(entries));
     QCOMPARE(track->frameCount(), m_script->added.size());
     QCOMPARE(m_script->captures, m_script->added.size());
     QCOMPARE(m_script->closes, 1);
     QCOMPARE(m_failures, QStringList());
-}
-
-void TestRecordScreenTrack::bigEndianOnDisk()
-{
-    const auto track = createTrack();
-    track->recordFrame(1);
-    track->stopRecording(3, 100);
-    QCOMPARE(read(indexPath()).toHex(' '), QByteArray("00 00 00 01 00 00 00 03 ff ff ff ff 00 00 00 00 00 00 00 00"));
-}
-
-void TestRecordScreenTrack::busyEncoderDropsTheFrame()
-{
-    const auto track = createTrack();
-    track->recordFrame(0);
-    m_script->busy = true;
-    track->recordFrame(1);
-    m_script->busy = false;
-    track->recordFrame(2);
-    track->stopRecording(3, 100);
-    QCOMPARE(m_script->captures, 2);
-    QCOMPARE(read(indexPath()), indexBytes({0, 0, 1}));
 }
 
 void TestRecordScreenTrack::foreignPictureSizeIsRescaled()
@@ -175,28 +137,28 @@ void TestRecordScreenTrack::unexpectedFrameNumberIsLogged()
     track->recordFrame(2);
     track->stopRecording(3, 100);
     QCOMPARE(log.take(), QStringList{"W Encoder returned unexpected frame index: 8 Expected: 1"});
-    QCOMPARE(read(indexPath()), indexBytes({0, 1, 2}));
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 2}));
 }
 
 void TestRecordScreenTrack::checkpointsLeaveAValidFile()
 {
     const auto track = createTrack();
     track->checkpoint(0);
-    QCOMPARE(read(indexPath()), indexBytes({}));
+    QCOMPARE(readFile(indexPath()), indexBytes({}));
     track->recordFrame(0);
     track->recordFrame(1);
     m_script->changed = false;
     track->recordFrame(2); // a still screen advances all the same
     track->checkpoint(3);
-    QCOMPARE(read(indexPath()), indexBytes({0, 1, 1}));
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1}));
     m_script->changed = true;
     track->recordFrame(3);
     track->recordFrame(5);
-    QCOMPARE(read(indexPath()), indexBytes({0, 1, 1}));
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1}));
     track->checkpoint(6);
-    QCOMPARE(read(indexPath()), indexBytes({0, 1, 1, 2, 2, 3}));
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1, 2, 2, 3}));
     track->stopRecording(7, 100);
-    QCOMPARE(read(indexPath()), indexBytes({0, 1, 1, 2, 2, 3, 3}));
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1, 2, 2, 3, 3}));
 }
 
 void TestRecordScreenTrack::worksWithoutAnEncoder()
@@ -206,7 +168,7 @@ void TestRecordScreenTrack::worksWithoutAnEncoder()
     track->recordFrame(0);
     track->stopRecording(2, 100);
     QCOMPARE(m_script->captures, 1);
-    QCOMPARE(read(indexPath()), indexBytes({-1, -1}));
+    QCOMPARE(readFile(indexPath()), indexBytes({-1, -1}));
     QCOMPARE(log.take(), QStringList());
 }
 
@@ -216,7 +178,7 @@ void TestRecordScreenTrack::missingVideoIsReported()
         m_script->closes = 0;
         m_script->atClose = [&] {
             if (exists)
-                QVERIFY(QFile(videoPath()).open(QIODevice::WriteOnly));
+                writeFile(videoPath(), {});
         };
         m_failures.clear();
         const auto track = createTrack();
@@ -254,11 +216,11 @@ void TestRecordScreenTrack::fullDiskKeepsTheEntriesWritten()
         track->checkpoint(3);
         QCOMPARE(m_failures.size(), 1);
         QVERIFY2(m_failures[0].contains("File too large"), qPrintable(m_failures[0]));
-        QCOMPARE(read(indexPath()), indexBytes({0}));
+        QCOMPARE(readFile(indexPath()), indexBytes({0}));
     }
     // There is room again.
     track->stopRecording(4, 100);
-    QCOMPARE(read(indexPath()), indexBytes({0, 1, 2, 2}));
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 2, 2}));
     QCOMPARE(m_failures.size(), 1);
 }
 
@@ -274,7 +236,7 @@ void TestRecordScreenTrack::lostScreenIsReportedOnce()
     track->recordFrame(3);
     QCOMPARE(m_failures, QStringList{"Screen track: the X server is gone"});
     track->stopRecording(4, 100);
-    QCOMPARE(read(indexPath()), indexBytes({0, 0, 0, 0}));
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 0, 0, 0}));
 }
 
 void TestRecordScreenTrack::encoderFailureIsReportedOnce()
@@ -287,18 +249,6 @@ void TestRecordScreenTrack::encoderFailureIsReportedOnce()
     QCOMPARE(m_failures, QStringList{"Screen track: No space left on device"});
 }
 
-void TestRecordScreenTrack::unreadableScreenEncodesNothing()
-{
-    const auto track = createTrack();
-    m_script->captureFails = true;
-    track->recordFrame(0);
-    m_script->captureFails = false;
-    track->recordFrame(1);
-    track->stopRecording(2, 100);
-    QCOMPARE(m_script->added, QVector<int>{0});
-    QCOMPARE(read(indexPath()), indexBytes({-1, 0}));
-}
-
 void TestRecordScreenTrack::releasedTrackLeavesItsFilesAlone()
 {
     const auto track = createTrack();
@@ -308,7 +258,7 @@ void TestRecordScreenTrack::releasedTrackLeavesItsFilesAlone()
     track->recordFrame(2);
     track->checkpoint(3);
     track->stopRecording(3, 100);
-    QCOMPARE(read(indexPath()), indexBytes({0, 0}));
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 0}));
     QCOMPARE(m_script->closes, 1);
 }
 

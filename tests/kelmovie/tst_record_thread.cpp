@@ -1,10 +1,8 @@
 #include "RecordFakes.h"
 #include "record/KelRecordTrackThreadWrap.h"
-#include "record/KelRecordTrackWorker.h"
 
 #include "support/LogCapture.h"
 
-#include <QSignalSpy>
 #include <QtTest>
 
 using std::chrono::milliseconds;
@@ -21,17 +19,23 @@ private slots:
 
     void callsTheTrackInOrderOnItsThread();
     void busyTrackRefusesFrames();
-    void pauseIsForcedBehindALongFrame();
-    void stopIsForcedBehindALongFrame();
+    void pauseAndStopAreForcedBehindALongFrame();
     void stopWaitsForAShortFrame();
     void finishedButUnheardRequestsDoNotBlock();
     void lateCompletionDoesNotFreeABusyTrack();
     void checkpointsDoNotPileUp();
     void drainIsBounded();
     void destructorCompletesTheStop();
-    void workerWithoutATrackCompletes();
 
 private:
+    /// What a stop logs, with the end of its waiting.
+    static QStringList stopLog(const QString &ended)
+    {
+        return {"W [KelRecordTrackThreadWrap::stopRecording] ========== 开始 ==========",
+                "W [KelRecordTrackThreadWrap] 等待线程空闲 (超时 1000 ms)", "W [KelRecordTrackThreadWrap] " + ended,
+                "W [KelRecordTrackThreadWrap] 发送 doStopRecording 信号",
+                "W [KelRecordTrackThreadWrap::stopRecording] ========== 完成 (异步) =========="};
+    }
     void deliverCompletions() { QCoreApplication::processEvents(); }
 
     GatedTrack *m_track = nullptr; // owned by the thread
@@ -81,7 +85,7 @@ void TestRecordThread::busyTrackRefusesFrames()
     QCOMPARE(m_track->calls(2), (QStringList{"frame 0", "frame 11"}));
 }
 
-void TestRecordThread::pauseIsForcedBehindALongFrame()
+void TestRecordThread::pauseAndStopAreForcedBehindALongFrame()
 {
     LogCapture log;
     m_track->close();
@@ -90,26 +94,11 @@ void TestRecordThread::pauseIsForcedBehindALongFrame()
     m_thread->pauseRecording();
     QCOMPARE(log.take(),
              QStringList{"W [Thread Warning] KelRecordTrackThreadWrap::pauseRecording timeout, forcing pause"});
-    m_track->open();
-    QCOMPARE(m_track->calls(2), (QStringList{"frame 0", "pause"}));
-}
-
-void TestRecordThread::stopIsForcedBehindALongFrame()
-{
-    LogCapture log;
-    m_track->close();
-    m_thread->triggerFrame(0);
-    m_track->calls(1);
     m_thread->stopRecording(1, 20);
-    QCOMPARE(log.take(),
-             (QStringList{"W [KelRecordTrackThreadWrap::stopRecording] ========== 开始 ==========",
-                          "W [KelRecordTrackThreadWrap] 等待线程空闲 (超时 1000 ms)",
-                          "W [KelRecordTrackThreadWrap] 等待超时，强制停止",
-                          "W [KelRecordTrackThreadWrap] 发送 doStopRecording 信号",
-                          "W [KelRecordTrackThreadWrap::stopRecording] ========== 完成 (异步) =========="}));
+    QCOMPARE(log.take(), stopLog("等待超时，强制停止"));
     QCOMPARE(m_track->calls(1), QStringList{"frame 0"});
     m_track->open();
-    QCOMPARE(m_track->calls(2), (QStringList{"frame 0", "stop 1 20"}));
+    QCOMPARE(m_track->calls(3), (QStringList{"frame 0", "pause", "stop 1 20"}));
 }
 
 void TestRecordThread::stopWaitsForAShortFrame()
@@ -131,12 +120,7 @@ void TestRecordThread::stopWaitsForAShortFrame()
     });
     m_thread->stopRecording(1, 20);
     qInstallMessageHandler(previous);
-    QCOMPARE(log.take(),
-             (QStringList{"W [KelRecordTrackThreadWrap::stopRecording] ========== 开始 ==========",
-                          "W [KelRecordTrackThreadWrap] 等待线程空闲 (超时 1000 ms)",
-                          "W [KelRecordTrackThreadWrap] 线程已空闲",
-                          "W [KelRecordTrackThreadWrap] 发送 doStopRecording 信号",
-                          "W [KelRecordTrackThreadWrap::stopRecording] ========== 完成 (异步) =========="}));
+    QCOMPARE(log.take(), stopLog("线程已空闲"));
 }
 
 void TestRecordThread::finishedButUnheardRequestsDoNotBlock()
@@ -205,19 +189,6 @@ void TestRecordThread::destructorCompletesTheStop()
     m_thread.reset();
     QCOMPARE(calls, (QStringList{"frame 0", "stop 1 20"}));
     QVERIFY(log.take().filter("destructor timeout").isEmpty());
-}
-
-void TestRecordThread::workerWithoutATrackCompletes()
-{
-    KelRecordTrackWorker worker(nullptr);
-    QSignalSpy frames(&worker, &KelRecordTrackWorker::frameCompleted);
-    QSignalSpy operations(&worker, &KelRecordTrackWorker::operationCompleted);
-    worker.onFrameTriggered(0);
-    worker.onStartRecording();
-    worker.onPauseRecording();
-    worker.onStopRecording(1, 20);
-    QCOMPARE(frames.count(), 1);
-    QCOMPARE(operations.count(), 3);
 }
 
 QTEST_GUILESS_MAIN(TestRecordThread)

@@ -1,9 +1,9 @@
 #include "record/KelRecordingMetadata.h"
 
+#include "support/Files.h"
 #include "support/LogCapture.h"
+#include "support/TestTable.h"
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -48,18 +48,6 @@ const QByteArray SampleJson = R"({
 }
 )";
 
-void write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), qint64(bytes.size()));
-}
-
-QByteArray read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 } // namespace
 
 class TestRecordingMetadata : public QObject
@@ -68,7 +56,6 @@ class TestRecordingMetadata : public QObject
 
 private slots:
     void writesTheFormat();
-    void provisionalFilesSayThatTheyAre();
     void readsHostileValues_data();
     void readsHostileValues();
     void missingMembersBecomeDefaults();
@@ -81,45 +68,28 @@ private slots:
 void TestRecordingMetadata::writesTheFormat()
 {
     const QTemporaryDir dir;
-    QString error;
-    QVERIFY2(sample().save(dir.path(), &error), qPrintable(error));
-    QCOMPARE(read(dir.filePath("TrackManager.meta")), SampleJson);
-    QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{"TrackManager.meta"});
-
     KelRecordingMetadata loaded;
-    QVERIFY(KelRecordingMetadata::load(dir.path(), &loaded));
-    QCOMPARE(loaded.toJson(), SampleJson);
-}
-
-void TestRecordingMetadata::provisionalFilesSayThatTheyAre()
-{
-    const QTemporaryDir dir;
-    KelRecordingMetadata metadata = sample();
-    metadata.complete = false;
-    QVERIFY(metadata.save(dir.path()));
-    QByteArray expected = SampleJson;
-    expected.replace("    \"devicePixelRatio\"", "    \"complete\": false,\n    \"devicePixelRatio\"");
-    QCOMPARE(read(dir.filePath("TrackManager.meta")), expected);
-
-    KelRecordingMetadata loaded;
-    QVERIFY(KelRecordingMetadata::load(dir.path(), &loaded));
-    QVERIFY(!loaded.complete);
-
-    QVERIFY(sample().save(dir.path()));
-    QCOMPARE(read(dir.filePath("TrackManager.meta")), SampleJson);
+    for (const bool isComplete : {false, true}) {
+        KelRecordingMetadata metadata = sample();
+        metadata.complete = isComplete;
+        QByteArray expected = SampleJson;
+        if (!isComplete) // what says that it is provisional
+            expected.replace("    \"devicePixelRatio\"", "    \"complete\": false,\n    \"devicePixelRatio\"");
+        QString error;
+        QVERIFY2(metadata.save(dir.path(), &error), qPrintable(error));
+        QCOMPARE(readFile(dir.filePath("TrackManager.meta")), expected);
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{"TrackManager.meta"});
+        QVERIFY(KelRecordingMetadata::load(dir.path(), &loaded));
+        QCOMPARE(loaded.toJson(), expected);
+        QCOMPARE(loaded.complete, isComplete);
+    }
 }
 
 void TestRecordingMetadata::readsHostileValues_data()
 {
-    QTest::addColumn<QByteArray>("json");
-    QTest::addColumn<QRect>("area");
-    QTest::addColumn<int>("fps");
-    QTest::addColumn<qint64>("durationMs");
-    QTest::addColumn<double>("devicePixelRatio");
+    const TestTable<QByteArray, QRect, int, qint64, double> row("json", "area", "fps", "durationMs",
+                                                                "devicePixelRatio");
     const QRect none(0, 0, 0, 0);
-    const auto row = [&](const char *name, const char *json, QRect area, int fps, qint64 duration, double ratio) {
-        QTest::newRow(name) << QByteArray(json) << area << fps << duration << ratio;
-    };
     row("beyond 32 bits", R"({"duration": 5000000000, "totalFrames": 9007199254740993})", none, 25, 5000000000, 1);
     row("older duration key", R"({"recordingDuration": 1500})", none, 25, 1500, 1);
     row("newer key wins", R"({"recordingDuration": 1500, "duration": 7})", none, 25, 7, 1);
@@ -190,7 +160,7 @@ void TestRecordingMetadata::refusesWhatIsNoMetadata()
     QVERIFY(!KelRecordingMetadata::load(dir.path(), &metadata));
     QCOMPARE(log.take(),
              QStringList{QString("W Cannot open manager metadata: \"%1/TrackManager.meta\"").arg(dir.path())});
-    write(dir.filePath("TrackManager.meta"), bytes);
+    writeFile(dir.filePath("TrackManager.meta"), bytes);
     QVERIFY(!KelRecordingMetadata::load(dir.path(), &metadata));
     QCOMPARE(log.take(), QStringList{"W Invalid manager metadata format"});
     QCOMPARE(metadata.toJson(), SampleJson);
@@ -205,7 +175,7 @@ void TestRecordingMetadata::failedSaveKeepsTheOldFile()
     QString error;
     QVERIFY(!KelRecordingMetadata().save(dir.path(), &error));
     QVERIFY(!error.isEmpty());
-    QCOMPARE(read(dir.filePath("TrackManager.meta")), SampleJson);
+    QCOMPARE(readFile(dir.filePath("TrackManager.meta")), SampleJson);
 
     QVERIFY(!sample().save(dir.filePath("missing"), &error));
     QCOMPARE(error, QString("No such file or directory"));
@@ -214,11 +184,11 @@ void TestRecordingMetadata::failedSaveKeepsTheOldFile()
 void TestRecordingMetadata::savesThroughNoLink()
 {
     const QTemporaryDir dir;
-    write(dir.filePath("bystander"), "untouched");
+    writeFile(dir.filePath("bystander"), "untouched");
     QVERIFY(QFile::link(dir.filePath("bystander"), dir.filePath("TrackManager.meta.tmp")));
     QVERIFY(sample().save(dir.path()));
-    QCOMPARE(read(dir.filePath("bystander")), QByteArray("untouched"));
-    QCOMPARE(read(dir.filePath("TrackManager.meta")), SampleJson);
+    QCOMPARE(readFile(dir.filePath("bystander")), QByteArray("untouched"));
+    QCOMPARE(readFile(dir.filePath("TrackManager.meta")), SampleJson);
 }
 
 QTEST_GUILESS_MAIN(TestRecordingMetadata)

@@ -1,8 +1,9 @@
 #include "ScriptedAudioDevice.h"
+#include "SoundFile.h"
 #include "audio/KelSystemAudioRecord.h"
-#include "audio/WavHeader.h"
 #include "support/FileSizeLimit.h"
 #include "support/LogCapture.h"
+#include "support/TestTable.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -36,18 +37,11 @@ public:
     /// The file's sound; empty unless its header describes just that.
     QVector<float> sound() const
     {
-        QFile file(path());
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        const QByteArray bytes = file.readAll();
-        WavHeader expected = WavHeader::pcm(ScriptedAudioDevice::Rate, 1, 32);
-        expected.formatTag = WavHeader::IeeeFloat;
-        expected.setDataSize(bytes.size() - WavHeader::Size);
-        if (!bytes.startsWith(expected.toBytes()))
-            return {};
-        QVector<float> samples((bytes.size() - WavHeader::Size) / int(sizeof(float)));
-        std::memcpy(samples.data(), bytes.constData() + WavHeader::Size, samples.size() * sizeof(float));
-        return samples;
+        WavHeader header;
+        const QVector<float> samples = SoundFile::exactSamples(path(), &header);
+        const bool isAsPlayed = header.formatTag == WavHeader::IeeeFloat && header.blockAlign == sizeof(float) &&
+                                header.sampleRate == ScriptedAudioDevice::Rate;
+        return isAsPlayed ? samples : QVector<float>();
     }
 
 private:
@@ -73,7 +67,6 @@ class tst_system_audio : public QObject
 private slots:
     void soundKeepsItsTime_data();
     void soundKeepsItsTime();
-    void callsInOrder();
     void failsAt_data();
     void failsAt();
     void formats_data();
@@ -161,31 +154,17 @@ void tst_system_audio::soundKeepsItsTime()
     QVERIFY(QDir(QFileInfo(session.path()).path()).entryList(QDir::Files).size() == 1);
 }
 
-void tst_system_audio::callsInOrder()
-{
-    ScriptedAudioDevice device;
-    Session session(device);
-    QVERIFY(session.record->start());
-    device.advance(50);
-    session.record->stopRecording();
-    QCOMPARE(device.calls(),
-             QStringList({"CoCreateInstance", "GetDefaultAudioEndpoint 0 0", "Activate", "GetMixFormat",
-                          "Initialize 0 20000 10000000 0, tag 65534, 32 bits", "GetBufferSize", "GetService", "Start",
-                          "Stop", "Release capture", "Release client", "Release device", "Release enumerator"}));
-}
-
 void tst_system_audio::failsAt_data()
 {
-    QTest::addColumn<QString>("log");
-    QTest::addColumn<int>("released");
-    QTest::newRow("CoCreateInstance") << "" << 1;
-    QTest::newRow("GetDefaultAudioEndpoint 0 0") << "" << 2;
-    QTest::newRow("Activate") << "" << 3;
-    QTest::newRow("GetMixFormat") << "" << 3;
-    QTest::newRow("Initialize 0 20000 10000000 0, tag 65534, 32 bits") << "" << 3;
-    QTest::newRow("GetBufferSize") << "W 获取音频缓冲区大小失败" << 3;
-    QTest::newRow("GetService") << "W 获取音频捕获客户端失败" << 3;
-    QTest::newRow("Start") << "W 启动音频客户端失败" << 4;
+    const TestTable<QString, int> row("log", "released");
+    row("CoCreateInstance", "", 1);
+    row("GetDefaultAudioEndpoint 0 0", "", 2);
+    row("Activate", "", 3);
+    row("GetMixFormat", "", 3);
+    row("Initialize 0 20000 10000000 0, tag 65534, 32 bits", "", 3);
+    row("GetBufferSize", "W 获取音频缓冲区大小失败", 3);
+    row("GetService", "W 获取音频捕获客户端失败", 3);
+    row("Start", "W 启动音频客户端失败", 4);
 }
 
 /// The recording goes on, what was opened is released, and it is said once; the next stretch tries anew, and its sound
@@ -221,16 +200,12 @@ void tst_system_audio::failsAt()
 
 void tst_system_audio::formats_data()
 {
-    QTest::addColumn<int>("tag");
-    QTest::addColumn<int>("bits");
-    QTest::addColumn<bool>("refusesInt16");
-    QTest::addColumn<int>("fileTag");
-    QTest::addColumn<int>("fileBits");
-    QTest::addColumn<bool>("asksForEvents");
-    QTest::newRow("plain floats become integers") << 3 << 32 << false << 1 << 16 << true;
-    QTest::newRow("plain floats, not converted") << 3 << 32 << true << 3 << 32 << false;
-    QTest::newRow("plain integers") << 1 << 16 << false << 1 << 16 << true;
-    QTest::newRow("extensible floats") << 65534 << 32 << false << 3 << 32 << false;
+    const TestTable<int, int, bool, int, int, bool> row("tag", "bits", "refusesInt16", "fileTag", "fileBits",
+                                                        "asksForEvents");
+    row("plain floats become integers", 3, 32, false, 1, 16, true);
+    row("plain floats, not converted", 3, 32, true, 3, 32, false);
+    row("plain integers", 1, 16, false, 1, 16, true);
+    row("extensible floats", 65534, 32, false, 3, 32, false);
 }
 
 /// A device that delivers integers and refuses events is polled.
@@ -261,9 +236,8 @@ void tst_system_audio::formats()
     WavHeader expected = WavHeader::pcm(ScriptedAudioDevice::Rate, 1, quint16(fileBits));
     expected.formatTag = quint16(fileTag);
     expected.setDataSize(500 * expected.blockAlign);
-    QFile file(session.path());
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.read(WavHeader::Size), expected.toBytes());
+    const QByteArray file = readFile(session.path());
+    QCOMPARE(file.left(WavHeader::Size), expected.toBytes());
     QCOMPARE(file.size(), WavHeader::Size + 500 * expected.blockAlign);
     QCOMPARE(device.calls().contains("SetEventHandle"), asksForEvents);
     QCOMPARE(logged.take().filter("设置WASAPI事件句柄失败").size(), asksForEvents ? 1 : 0);
@@ -333,13 +307,16 @@ void tst_system_audio::sizesAreRightWhileRecording()
     Session session(device);
     QVERIFY(session.record->start());
     device.advance(3000);
-    QFile part(session.partPath(0));
-    QVERIFY(part.open(QIODevice::ReadOnly));
-    const WavHeader header = WavHeader::fromBytes(part.read(WavHeader::Size).constData());
-    QVERIFY2(header.dataSize >= 1900 * sizeof(float) && header.dataSize <= part.size() - WavHeader::Size,
+    const QByteArray part = readFile(session.partPath(0));
+    const WavHeader header = WavHeader::fromBytes(part.constData());
+    QVERIFY2(header.dataSize >= 1900 * sizeof(float) && header.dataSize <= quint32(part.size() - WavHeader::Size),
              qPrintable(QString::number(header.dataSize)));
     session.record.reset();
     QCOMPARE(session.sound().size(), 3000);
+    QCOMPARE(device.calls().join("; "),
+             "CoCreateInstance; GetDefaultAudioEndpoint 0 0; Activate; GetMixFormat; "
+             "Initialize 0 20000 10000000 0, tag 65534, 32 bits; GetBufferSize; GetService; Start; Stop; "
+             "Release capture; Release client; Release device; Release enumerator");
 }
 
 QTEST_GUILESS_MAIN(tst_system_audio)

@@ -49,16 +49,23 @@ struct Sound {
 
     double seconds() const { return double(samples.size()) / channels / rate; }
 
+    QByteArray pcm16() const
+    {
+        QByteArray data;
+        for (const float sample : samples) {
+            const auto value = qint16(std::lround(double(sample) * 32767));
+            data.append(reinterpret_cast<const char *>(&value), sizeof value);
+        }
+        return data;
+    }
+
     /// A canonical WAV file of floats, or of 16-bit samples.
     bool save(const QString &path, bool isFloat = true) const
     {
         const int bytes = isFloat ? 4 : 2;
-        QByteArray data;
-        for (float sample : samples) {
-            const qint16 pcm = qint16(std::lround(double(sample) * 32767));
-            data.append(isFloat ? reinterpret_cast<const char *>(&sample) : reinterpret_cast<const char *>(&pcm),
-                        bytes);
-        }
+        const QByteArray data =
+            isFloat ? QByteArray(reinterpret_cast<const char *>(samples.data()), int(samples.size() * sizeof(float)))
+                    : pcm16();
         QByteArray head;
         QDataStream stream(&head, QIODevice::WriteOnly);
         stream.setByteOrder(QDataStream::LittleEndian);

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QByteArray>
+
+/// Sets an environment variable, or unsets it where the value is null, and puts it back.
+class EnvironmentChange
+{
+public:
+    EnvironmentChange(const char *name, const QByteArray &value)
+        : m_name(name)
+        , m_before(qEnvironmentVariableIsSet(name) ? qgetenv(name) : QByteArray())
+    {
+        set(value);
+    }
+    ~EnvironmentChange() { set(m_before); }
+    Q_DISABLE_COPY(EnvironmentChange)
+
+private:
+    void set(const QByteArray &value)
+    {
+        if (value.isNull())
+            qunsetenv(m_name);
+        else
+            qputenv(m_name, value);
+    }
+
+    const char *const m_name;
+    const QByteArray m_before;
+};

@@ -1,3 +1,5 @@
+#include "support/EnvironmentChange.h"
+#include "support/TestTable.h"
 #include "support/Tone.h"
 
 #include <coreaudio/CoreAudio.h>
@@ -99,7 +101,6 @@ class tst_coreaudio : public QObject
     Q_OBJECT
 
 private slots:
-    void hears_data();
     void hears();
     void packetsFollowEachOtherInTime();
     void refuses_data();
@@ -111,27 +112,18 @@ private slots:
     void deadServer();
 };
 
-void tst_coreaudio::hears_data()
-{
-    QTest::addColumn<int>("flow");
-    QTest::addColumn<DWORD>("flags");
-    QTest::addColumn<QString>("playedInto");
-    QTest::newRow("what is played") << int(eRender) << AUDCLNT_STREAMFLAGS_LOOPBACK << "speakers";
-    QTest::newRow("the microphone") << int(eCapture) << DWORD(0) << "microphone";
-}
-
 void tst_coreaudio::hears()
 {
-    QFETCH(int, flow);
-    QFETCH(DWORD, flags);
-    QFETCH(QString, playedInto);
-    Recording recording;
-    QCOMPARE(recording.open(EDataFlow(flow), flags), S_OK);
-    QCOMPARE(recording.format->wFormatTag, WAVE_FORMAT_EXTENSIBLE);
-    QCOMPARE(recording.format->nSamplesPerSec, 48000u);
-    QCOMPARE(recording.format->nBlockAlign, WORD(8));
-    const Tone::Player player(playedInto, ToneHz, 20000);
-    QVERIFY(hearsTone(recording));
+    for (const bool isMicrophone : {false, true}) {
+        Recording recording;
+        const HRESULT opened = isMicrophone ? recording.open(eCapture, 0) : recording.open();
+        QCOMPARE(opened, S_OK);
+        QCOMPARE(recording.format->wFormatTag, WAVE_FORMAT_EXTENSIBLE);
+        QCOMPARE(recording.format->nSamplesPerSec, 48000u);
+        QCOMPARE(recording.format->nBlockAlign, WORD(8));
+        const Tone::Player player(isMicrophone ? "microphone" : "speakers", ToneHz, 20000);
+        QVERIFY2(hearsTone(recording), isMicrophone ? "the microphone" : "what is played");
+    }
 }
 
 void tst_coreaudio::packetsFollowEachOtherInTime()
@@ -158,20 +150,16 @@ void tst_coreaudio::packetsFollowEachOtherInTime()
 
 void tst_coreaudio::refuses_data()
 {
-    QTest::addColumn<DWORD>("flags");
-    QTest::addColumn<int>("tag");
-    QTest::addColumn<int>("bits");
-    QTest::addColumn<int>("rate");
-    QTest::addColumn<HRESULT>("answer");
+    const TestTable<DWORD, int, int, int, HRESULT> row("flags", "tag", "bits", "rate", "answer");
     const DWORD loopback = AUDCLNT_STREAMFLAGS_LOOPBACK;
-    QTest::newRow("16-bit integers") << loopback << 1 << 16 << 44100 << S_OK;
-    QTest::newRow("24-bit integers") << loopback << 1 << 24 << 48000 << S_OK;
-    QTest::newRow("floats") << loopback << 3 << 32 << 48000 << S_OK;
-    QTest::newRow("doubles") << loopback << 3 << 64 << 48000 << AUDCLNT_E_UNSUPPORTED_FORMAT;
-    QTest::newRow("A-law") << loopback << 6 << 8 << 8000 << AUDCLNT_E_UNSUPPORTED_FORMAT;
-    QTest::newRow("no rate") << loopback << 1 << 16 << 0 << AUDCLNT_E_UNSUPPORTED_FORMAT;
-    QTest::newRow("an output without loopback") << DWORD(0) << 1 << 16 << 48000 << AUDCLNT_E_WRONG_ENDPOINT_TYPE;
-    QTest::newRow("events") << (loopback | AUDCLNT_STREAMFLAGS_EVENTCALLBACK) << 1 << 16 << 48000 << E_INVALIDARG;
+    row("16-bit integers", loopback, 1, 16, 44100, S_OK);
+    row("24-bit integers", loopback, 1, 24, 48000, S_OK);
+    row("floats", loopback, 3, 32, 48000, S_OK);
+    row("doubles", loopback, 3, 64, 48000, AUDCLNT_E_UNSUPPORTED_FORMAT);
+    row("A-law", loopback, 6, 8, 8000, AUDCLNT_E_UNSUPPORTED_FORMAT);
+    row("no rate", loopback, 1, 16, 0, AUDCLNT_E_UNSUPPORTED_FORMAT);
+    row("an output without loopback", DWORD(0), 1, 16, 48000, AUDCLNT_E_WRONG_ENDPOINT_TYPE);
+    row("events", (loopback | AUDCLNT_STREAMFLAGS_EVENTCALLBACK), 1, 16, 48000, E_INVALIDARG);
 }
 
 void tst_coreaudio::refuses()
@@ -251,11 +239,9 @@ void tst_coreaudio::vanishedOutputIsGone()
 
 void tst_coreaudio::withoutServer()
 {
-    const QByteArray server = qgetenv("PULSE_SERVER");
-    qputenv("PULSE_SERVER", "unix:/nonexistent/socket");
+    const EnvironmentChange noServer("PULSE_SERVER", "unix:/nonexistent/socket");
     Recording recording;
     QCOMPARE(recording.open(), AUDCLNT_E_SERVICE_NOT_RUNNING);
-    qputenv("PULSE_SERVER", server);
 }
 
 void tst_coreaudio::deadServer()

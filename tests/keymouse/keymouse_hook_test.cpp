@@ -1,6 +1,7 @@
 #include "RecordingHook.h"
 
 #include "keymouse/KeyMouseHub.h"
+#include "support/TestTable.h"
 
 #include <QtTest>
 
@@ -62,16 +63,15 @@ private slots:
 
     void hooksGetTheKindsTheyAskFor_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QStringList>("lines");
+        const TestTable<int, QStringList> row("type", "lines");
         const QString key = "key 41 1", press = "button 1 1 at 3,4", release = "button 1 0 at 5,6",
                       wheel = "wheel -120 at 7,8";
-        QTest::newRow("none") << 0 << QStringList();
-        QTest::newRow("keyboard") << 1 << QStringList{key};
-        QTest::newRow("mouse") << 14 << QStringList{press, release, wheel};
-        QTest::newRow("both") << 15 << QStringList{key, press, release, wheel};
-        QTest::newRow("wheel") << 8 << QStringList{wheel};
-        QTest::newRow("unknown bits") << 0x7fffff00 << QStringList();
+        row("none", 0, {});
+        row("keyboard", 1, {key});
+        row("mouse", 14, {press, release, wheel});
+        row("both", 15, {key, press, release, wheel});
+        row("wheel", 8, {wheel});
+        row("unknown bits", 0x7fffff00, {});
     }
     void hooksGetTheKindsTheyAskFor()
     {
@@ -128,33 +128,17 @@ private slots:
 
     void hookDeletedWithinItsCallback()
     {
-        class Suicidal : public KelKeyMouseHook
-        {
-        public:
-            explicit Suicidal(bool &deleted)
-                : m_deleted(deleted)
-            {
-            }
-            ~Suicidal() override
-            {
-                setHookType(0);
-                m_deleted = true;
-            }
-
-        protected:
+        struct Suicidal : KelKeyMouseHook {
+            ~Suicidal() override { setHookType(0); }
             bool OnKeyboardEvent(KelKeyboardEvent) override
             {
                 delete this;
                 return false;
             }
-
-        private:
-            bool &m_deleted;
         };
-        bool deleted = false;
-        (new Suicidal(deleted))->setHookType(1);
+        (new Suicidal)->setHookType(1);
         sendKey(Qt::Key_A);
-        QVERIFY(deleted);
+        QCOMPARE(KeyMouseHub::instance().wantedKinds(), 0);
         sendKey(Qt::Key_B);
     }
 
@@ -206,25 +190,19 @@ private slots:
         QCOMPARE(KeyMouseHub::instance().wantedKinds(), 0);
     }
 
-    void positionsAreLogical_data()
-    {
-        QTest::addColumn<QPoint>("physical");
-        QTest::addColumn<QPoint>("logical");
-        // A screen of 1920x1080 pixels, scaled 1; right of it one of 3840x2160 pixels, scaled 2, below it one at 1.5.
-        QTest::newRow("unscaled screen") << QPoint(100, 50) << QPoint(100, 50);
-        QTest::newRow("its last pixel") << QPoint(1919, 1079) << QPoint(1919, 1079);
-        QTest::newRow("corner of a scaled screen") << QPoint(1920, 0) << QPoint(1920, 0);
-        QTest::newRow("within a scaled screen") << QPoint(1920 + 1000, 600) << QPoint(1920 + 500, 300);
-        QTest::newRow("its last row") << QPoint(1920 + 3838, 2158) << QPoint(1920 + 1919, 1079);
-        QTest::newRow("odd scale") << QPoint(150, 2000 + 300) << QPoint(100, 2000 + 200);
-        QTest::newRow("outside of all") << QPoint(-10, 20) << QPoint(-10, 20);
-    }
     void positionsAreLogical()
     {
-        QFETCH(QPoint, physical);
+        // A screen of 1920x1080 pixels, scaled 1; right of it one of 3840x2160 pixels, scaled 2, below it one at 1.5.
         const std::vector<LogicalDesktop::Screen> screens{
             {QRect(0, 0, 1920, 1080), 1.0}, {QRect(1920, 0, 1920, 1080), 2.0}, {QRect(0, 2000, 800, 600), 1.5}};
-        QTEST(LogicalDesktop::toLogical(screens, physical), "logical");
+        const auto logical = [&](int x, int y) { return LogicalDesktop::toLogical(screens, {x, y}); };
+        QCOMPARE(logical(100, 50), QPoint(100, 50));
+        QCOMPARE(logical(1919, 1079), QPoint(1919, 1079)); // the last pixel of a screen
+        QCOMPARE(logical(1920, 0), QPoint(1920, 0));
+        QCOMPARE(logical(1920 + 1000, 600), QPoint(1920 + 500, 300));
+        QCOMPARE(logical(1920 + 3838, 2158), QPoint(1920 + 1919, 1079));
+        QCOMPARE(logical(150, 2000 + 300), QPoint(100, 2000 + 200));
+        QCOMPARE(logical(-10, 20), QPoint(-10, 20)); // outside of all
     }
 };
 

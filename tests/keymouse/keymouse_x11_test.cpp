@@ -2,15 +2,17 @@
 #include "XTestInput.h"
 
 #include "keymouse/KeyMouseEventSource.h"
+#include "support/EnvironmentChange.h"
+#include "support/LogCapture.h"
+#include "support/XServer.h"
 
+#include <QDir>
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QScreen>
 #include <QWindow>
 #include <QtTest>
-
-#include <dirent.h>
 
 #include <atomic>
 #include <memory>
@@ -38,60 +40,7 @@ public:
 
 int threadsOfThisProcess()
 {
-    int count = 0;
-    DIR *directory = opendir("/proc/self/task");
-    while (const dirent *entry = readdir(directory))
-        count += entry->d_name[0] != '.';
-    closedir(directory);
-    return count;
-}
-
-/// An X server of our own that may die.
-class MortalServer
-{
-public:
-    MortalServer()
-    {
-        m_process.start("Xvfb", {"-displayfd", "1", "-screen", "0", "640x480x24", "-nolisten", "tcp", "-noreset"});
-        if (m_process.waitForReadyRead(20000))
-            m_display = ":" + m_process.readLine().trimmed();
-    }
-    ~MortalServer() { kill(); }
-
-    QByteArray display() const { return m_display; }
-    void kill()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-
-private:
-    QProcess m_process;
-    QByteArray m_display;
-};
-
-/// Sets $DISPLAY for a while.
-class Display
-{
-public:
-    explicit Display(const QByteArray &name)
-        : m_before(qgetenv("DISPLAY"))
-    {
-        name.isNull() ? qunsetenv("DISPLAY") : qputenv("DISPLAY", name);
-    }
-    ~Display() { qputenv("DISPLAY", m_before); }
-    Q_DISABLE_COPY(Display)
-
-private:
-    const QByteArray m_before;
-};
-
-QStringList warnings;
-
-void collectWarnings(QtMsgType type, const QMessageLogContext &, const QString &text)
-{
-    if (type == QtWarningMsg && text.startsWith("[KelKeyMouseHook]"))
-        warnings.append(text);
+    return QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
 }
 
 class ClickWindow : public QWindow
@@ -270,40 +219,35 @@ private slots:
         }
     }
 
-    void noServer_data()
-    {
-        QTest::addColumn<QByteArray>("display");
-        QTest::newRow("no display") << QByteArray();
-        QTest::newRow("no such server") << QByteArray(":9999");
-        QTest::newRow("nonsense") << QByteArray("nonsense");
-    }
     void noServer()
     {
-        QFETCH(QByteArray, display);
-        const Display environment(display);
-        const auto before = qInstallMessageHandler(collectWarnings);
-        {
-            RecordingHook mouse, keyboard;
-            mouse.setHookType(KelKeyMouseHook::Mouse);
-            keyboard.setHookType(KelKeyMouseHook::Keyboard);
+        // Not set, no such server, nonsense.
+        for (const QByteArray &display : {QByteArray(), QByteArray(":9999"), QByteArray("nonsense")}) {
+            const EnvironmentChange change("DISPLAY", display);
+            LogCapture log;
+            {
+                RecordingHook mouse, keyboard;
+                mouse.setHookType(KelKeyMouseHook::Mouse);
+                keyboard.setHookType(KelKeyMouseHook::Keyboard);
+            }
+            RecordingHook next;
+            next.setHookType(KelKeyMouseHook::Mouse);
+            // One warning for each time that somebody begins to watch, not one for each hook.
+            const QString text =
+                "W [KelKeyMouseHook] keyboard and mouse cannot be watched: no X display can be reached";
+            QCOMPARE(log.take(), (QStringList{text, text}));
         }
-        RecordingHook next;
-        next.setHookType(KelKeyMouseHook::Mouse);
-        qInstallMessageHandler(before);
-        // One warning for each time that somebody begins to watch, not one for each hook.
-        const QString text = "[KelKeyMouseHook] keyboard and mouse cannot be watched: no X display can be reached";
-        QCOMPARE(std::exchange(warnings, {}), (QStringList{text, text}));
     }
 
     void serverDies()
     {
-        MortalServer server;
+        XServer server;
         QVERIFY(!server.display().isEmpty());
         const int threads = threadsOfThisProcess();
-        const auto before = qInstallMessageHandler(collectWarnings);
+        LogCapture log;
         RecordingHook hook;
         {
-            const Display environment(server.display());
+            const EnvironmentChange change("DISPLAY", server.display());
             hook.setHookType(KelKeyMouseHook::Keyboard | KelKeyMouseHook::Mouse);
             XTestInput input;
             input.tap(LetterA);
@@ -312,10 +256,10 @@ private slots:
         server.kill();
         QTRY_COMPARE(threadsOfThisProcess(), threads);
         hook.setHookType(0);
-        qInstallMessageHandler(before);
-        QCOMPARE(std::exchange(warnings, {}),
-                 QStringList{
-                     "[KelKeyMouseHook] keyboard and mouse cannot be watched: the connection to the X server is lost"});
+        QCOMPARE(
+            log.take(),
+            QStringList{
+                "W [KelKeyMouseHook] keyboard and mouse cannot be watched: the connection to the X server is lost"});
 
         hook.setHookType(KelKeyMouseHook::Keyboard); // on the server that lives
         m_input->tap(LetterA);

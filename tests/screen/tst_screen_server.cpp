@@ -1,5 +1,7 @@
 // What becomes of a streamer when the X server is another than expected: missing, poorer, resized, silent or dead.
 #include "screen/KelScreenManager.h"
+#include "support/EnvironmentChange.h"
+#include "support/TestTable.h"
 #include "support/X11Painter.h"
 #include "support/XServer.h"
 
@@ -19,35 +21,6 @@ std::unique_ptr<KelScreenStreamer> streamerFor(const QRect &rect)
     return std::unique_ptr<KelScreenStreamer>(KelScreenManager::instance()->createScreenStreamer(rect));
 }
 
-/// Sets an environment variable, or unsets it where the value is null, and puts it back.
-class EnvironmentChange
-{
-public:
-    EnvironmentChange(const char *name, const QByteArray &value)
-        : m_name(name)
-        , m_wasSet(qEnvironmentVariableIsSet(name))
-        , m_before(qgetenv(name))
-    {
-        set(value, !value.isNull());
-    }
-
-    ~EnvironmentChange() { set(m_before, m_wasSet); }
-    Q_DISABLE_COPY(EnvironmentChange)
-
-private:
-    void set(const QByteArray &value, bool isSet)
-    {
-        if (isSet)
-            qputenv(m_name, value);
-        else
-            qunsetenv(m_name);
-    }
-
-    const char *const m_name;
-    const bool m_wasSet;
-    const QByteArray m_before;
-};
-
 } // namespace
 
 class tst_screen_server : public QObject
@@ -55,42 +28,32 @@ class tst_screen_server : public QObject
     Q_OBJECT
 
 private slots:
-    void saysWhyThereIsNoScreen_data()
-    {
-        QTest::addColumn<QByteArray>("display");
-        QTest::addColumn<QByteArray>("wayland");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("no display") << QByteArray() << QByteArray()
-                                    << "The screen cannot be captured: there is no display (DISPLAY is not set).";
-        QTest::newRow("no server") << QByteArray(":4999") << QByteArray()
-                                   << "The screen cannot be captured: no connection to the X server \":4999\".";
-        QTest::newRow("nonsense") << QByteArray("what?") << QByteArray()
-                                  << "The screen cannot be captured: no connection to the X server \"what?\".";
-        QTest::newRow("Wayland only")
-            << QByteArray() << QByteArray("wayland-0")
-            << "The screen cannot be captured: this is a Wayland session without an X server.";
-        QTest::newRow("Wayland with a dead X server")
-            << QByteArray(":4999") << QByteArray("wayland-0")
-            << "The screen cannot be captured: this is a Wayland session, and there is no connection to its X server "
-               "\":4999\".";
-    }
-
     void saysWhyThereIsNoScreen()
     {
-        QFETCH(QByteArray, display);
-        QFETCH(QByteArray, wayland);
-        QFETCH(QString, reason);
-        const EnvironmentChange changes[] = {{"DISPLAY", display}, {"WAYLAND_DISPLAY", wayland}};
-        QCOMPARE(KelScreenManager::instance()->errorString(), reason);
+        struct Case {
+            QByteArray display;
+            QByteArray wayland;
+            QString reason;
+        };
+        for (const Case &c : {Case{{}, {}, "there is no display (DISPLAY is not set)."},
+                              {":4999", {}, "no connection to the X server \":4999\"."},
+                              {"what?", {}, "no connection to the X server \"what?\"."},
+                              {{}, "wayland-0", "this is a Wayland session without an X server."},
+                              {":4999", "wayland-0",
+                               "this is a Wayland session, and there is no connection to its X server \":4999\"."}}) {
+            const EnvironmentChange changes[] = {{"DISPLAY", c.display}, {"WAYLAND_DISPLAY", c.wayland}};
+            const QString reason = "The screen cannot be captured: " + c.reason;
+            QCOMPARE(KelScreenManager::instance()->errorString(), reason);
 
-        const auto streamer = streamerFor(wholeScreen);
-        QCOMPARE(streamer->errorString(), reason);
-        QVERIFY(!streamer->hasFrameChanged());
-        QImage image(3, 2, QImage::Format_RGB32);
-        image.fill(Qt::red);
-        const QImage before = image;
-        QVERIFY(!streamer->captureTo(image));
-        QCOMPARE(image, before);
+            const auto streamer = streamerFor(wholeScreen);
+            QCOMPARE(streamer->errorString(), reason);
+            QVERIFY(!streamer->hasFrameChanged());
+            QImage image(3, 2, QImage::Format_RGB32);
+            image.fill(Qt::red);
+            const QImage before = image;
+            QVERIFY(!streamer->captureTo(image));
+            QCOMPARE(image, before);
+        }
     }
 
     void refusesWhatCannotBeCaptured()
@@ -105,12 +68,11 @@ private slots:
 
     void worksOnPoorerServers_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<bool>("knowsWhatChanged");
+        const TestTable<QStringList, bool> row("arguments", "knowsWhatChanged");
         const QStringList usual{"-screen", "0", "800x600x24"};
-        QTest::newRow("usual") << usual << true;
-        QTest::newRow("without shared memory") << usual + QStringList{"-extension", "MIT-SHM"} << true;
-        QTest::newRow("without damage") << usual + QStringList{"-extension", "DAMAGE"} << false;
+        row("usual", usual, true);
+        row("without shared memory", usual + QStringList{"-extension", "MIT-SHM"}, true);
+        row("without damage", usual + QStringList{"-extension", "DAMAGE"}, false);
     }
 
     void worksOnPoorerServers()
@@ -135,37 +97,26 @@ private slots:
         QCOMPARE(streamer->hasFrameChanged(), !knowsWhatChanged);
     }
 
-    void convertsOtherPixels_data()
-    {
-        QTest::addColumn<QString>("screen");
-        QTest::addColumn<int>("tolerance");
-        QTest::newRow("15 bit") << "800x600x15" << 8;
-        QTest::newRow("16 bit") << "800x600x16" << 8;
-        QTest::newRow("30 bit") << "800x600x30" << 1;
-    }
-
     void convertsOtherPixels()
     {
-        QFETCH(QString, screen);
-        QFETCH(int, tolerance);
-        const XServer server({"-screen", "0", screen});
-        const EnvironmentChange change("DISPLAY", server.display());
-        X11Painter painter;
-        QVERIFY(painter.isConnected());
-        const QRect rect(31, 20, 201, 100); // an odd width, for the padding of lines
-        const auto streamer = streamerFor(rect);
-        QImage image;
-        QVERIFY(streamer->captureTo(image));
-        for (const QRgb color : {0xffffffffu, 0xff0080ffu, 0xff804020u, 0xff000000u}) {
-            painter.fill(painter.root(), {40, 30, 33, 22}, color);
-            painter.sync();
+        for (const auto &[screen, tolerance] : {std::pair("800x600x15", 8), {"800x600x16", 8}, {"800x600x30", 1}}) {
+            const XServer server({"-screen", "0", screen});
+            const EnvironmentChange change("DISPLAY", server.display());
+            X11Painter painter;
+            QVERIFY(painter.isConnected());
+            const QRect rect(31, 20, 201, 100); // an odd width, for the padding of lines
+            const auto streamer = streamerFor(rect);
+            QImage image;
             QVERIFY(streamer->captureTo(image));
-            const QRgb pixel = image.pixel(QPoint(40, 30) - rect.topLeft());
-            const QByteArray found = QByteArray::number(pixel, 16);
-            QVERIFY2(qAbs(qRed(pixel) - qRed(color)) <= tolerance, found);
-            QVERIFY2(qAbs(qGreen(pixel) - qGreen(color)) <= tolerance, found);
-            QVERIFY2(qAbs(qBlue(pixel) - qBlue(color)) <= tolerance, found);
-            QCOMPARE(qAlpha(pixel), 0xff);
+            for (const QRgb color : {0xffffffffu, 0xff0080ffu, 0xff804020u, 0xff000000u}) {
+                painter.fill(painter.root(), {40, 30, 33, 22}, color);
+                painter.sync();
+                QVERIFY(streamer->captureTo(image));
+                const QRgb pixel = image.pixel(QPoint(40, 30) - rect.topLeft());
+                const int off = qMax(qAbs(qRed(pixel) - qRed(color)),
+                                     qMax(qAbs(qGreen(pixel) - qGreen(color)), qAbs(qBlue(pixel) - qBlue(color))));
+                QVERIFY2(off <= tolerance && qAlpha(pixel) == 0xff, QByteArray::number(pixel, 16));
+            }
         }
     }
 

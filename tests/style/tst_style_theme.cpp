@@ -14,9 +14,7 @@ class StyleThemeTest : public QObject
 
 private slots:
     void cleanup() { KelStyleTheme::instance()->setMode(KelStyleTheme::Mode::Application); }
-    void macros_data();
     void macros();
-    void textIsReadable_data();
     void textIsReadable();
     void styledWidgetFollowsTheTheme();
     void followsThePalette();
@@ -24,63 +22,41 @@ private slots:
     void everyGlyphStandsInItsSquare();
 };
 
-void StyleThemeTest::macros_data()
-{
-    QTest::addColumn<double>("scale");
-    QTest::addColumn<QString>("sheet");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("plain") << 1.0 << "a: sca(12)px;"
-                           << "a: 12px;";
-    QTest::newRow("rounded") << 1.25 << "sca(6) sca( 10 )"
-                             << "8 13";
-    QTest::newRow("hairline stays") << 0.4 << "sca(1) sca(0)"
-                                    << "1 0";
-    QTest::newRow("negative") << 2.0 << "margin: sca(-3)px"
-                              << "margin: -6px";
-    QTest::newRow("colour") << 1.0 << "color:var(ColorMain);"
-                            << "color:rgba(51, 136, 255, 255);";
-    QTest::newRow("translucent") << 1.0 << "var(ColorHover)"
-                                 << "rgba(31, 35, 41, 20)";
-    QTest::newRow("mixed") << 2.0 << "sca(1)px solid var(ColorBg1) end"
-                           << "2px solid rgba(244, 245, 247, 255) end";
-    QTest::newRow("no macro") << 2.0 << "qscanner(1) rgba(1, 2, 3, 4)"
-                              << "qscanner(1) rgba(1, 2, 3, 4)";
-}
-
 void StyleThemeTest::macros()
 {
-    QFETCH(double, scale);
-    QFETCH(QString, sheet);
     KelStyleTheme::instance()->setMode(KelStyleTheme::Mode::Light);
-    QTEST(KelStyleTheme::instance()->expanded(sheet, scale), "expected");
-}
-
-void StyleThemeTest::textIsReadable_data()
-{
-    QTest::addColumn<bool>("dark");
-    QTest::newRow("light") << false;
-    QTest::newRow("dark") << true;
+    const auto expanded = [](const char *sheet, double scale = 1.0) {
+        return KelStyleTheme::instance()->expanded(sheet, scale);
+    };
+    QCOMPARE(expanded("a: sca(12)px;"), "a: 12px;");
+    QCOMPARE(expanded("sca(6) sca( 10 )", 1.25), "8 13"); // rounded
+    QCOMPARE(expanded("sca(1) sca(0)", 0.4), "1 0");      // a hairline stays
+    QCOMPARE(expanded("margin: sca(-3)px", 2.0), "margin: -6px");
+    QCOMPARE(expanded("color:var(ColorMain);"), "color:rgba(51, 136, 255, 255);");
+    QCOMPARE(expanded("var(ColorHover)"), "rgba(31, 35, 41, 20)");
+    QCOMPARE(expanded("sca(1)px solid var(ColorBg1) end", 2.0), "2px solid rgba(244, 245, 247, 255) end");
+    QCOMPARE(expanded("qscanner(1) rgba(1, 2, 3, 4)", 2.0), "qscanner(1) rgba(1, 2, 3, 4)");
 }
 
 void StyleThemeTest::textIsReadable()
 {
-    QFETCH(bool, dark);
-    KelStyleTheme *const theme = KelStyleTheme::instance();
-    theme->setMode(dark ? KelStyleTheme::Mode::Dark : KelStyleTheme::Mode::Light);
     // Contrast as the accessibility guidelines count it.
     const auto luminance = [](const QColor &color) {
         const auto linear = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
         return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
     };
-    for (const char *const text : {"ColorText", "ColorTextWeak"}) {
-        for (const char *const ground : {"ColorBg1", "ColorBg2", "ColorBg3"}) {
-            const double a = luminance(theme->color(text)) + 0.05;
-            const double b = luminance(theme->color(ground)) + 0.05;
-            QVERIFY2(std::max(a, b) / std::min(a, b) >= 4.5, qPrintable(QString("%1 on %2").arg(text, ground)));
+    KelStyleTheme *const theme = KelStyleTheme::instance();
+    for (const auto mode : {KelStyleTheme::Mode::Light, KelStyleTheme::Mode::Dark}) {
+        theme->setMode(mode);
+        for (const char *const text : {"ColorText", "ColorTextWeak"}) {
+            for (const char *const ground : {"ColorBg1", "ColorBg2", "ColorBg3"}) {
+                const double a = luminance(theme->color(text)) + 0.05;
+                const double b = luminance(theme->color(ground)) + 0.05;
+                QVERIFY2(std::max(a, b) / std::min(a, b) >= 4.5, qPrintable(QString("%1 on %2").arg(text, ground)));
+            }
         }
+        QCOMPARE(QGuiApplication::palette().color(QPalette::Window), theme->color("ColorBg1"));
     }
-    QCOMPARE(QGuiApplication::palette().color(QPalette::Window), theme->color("ColorBg1"));
 }
 
 void StyleThemeTest::styledWidgetFollowsTheTheme()

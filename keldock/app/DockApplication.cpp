@@ -33,6 +33,14 @@ bool hasDisplay(const QByteArray &wantedPlatform)
     return QGuiApplication::platformName() != QLatin1String(Offscreen) || wantedPlatform == Offscreen;
 }
 
+void applyTheme(const DockSettings &settings)
+{
+    using Mode = KelStyleTheme::Mode;
+    KelStyleTheme::instance()->setMode(settings.theme == 1   ? Mode::Light
+                                       : settings.theme == 2 ? Mode::Dark
+                                                             : Mode::System);
+}
+
 } // namespace
 
 int DockApplication::run(int argc, char **argv)
@@ -62,6 +70,8 @@ int DockApplication::run(int argc, char **argv)
     DockSettings settings;
     settings.bind(io);
     Translations::install(settings.language);
+    // Before there are widgets: Qt does not see that the style sheet of one that was never shown has changed.
+    applyTheme(settings);
     int status = 0;
     {
         DockApplication dock(io, settings, instance);
@@ -92,7 +102,6 @@ DockApplication::~DockApplication()
 
 void DockApplication::start()
 {
-    applyTheme();
     applyShortcuts();
     m_ui.showToolbar();
     if (!m_io.problem().isEmpty())
@@ -135,14 +144,6 @@ void DockApplication::connectSession()
         m_controller.stop();
         m_isEnding = false;
     });
-}
-
-void DockApplication::applyTheme()
-{
-    using Mode = KelStyleTheme::Mode;
-    KelStyleTheme::instance()->setMode(m_settings.theme == 1   ? Mode::Light
-                                       : m_settings.theme == 2 ? Mode::Dark
-                                                               : Mode::System);
 }
 
 void DockApplication::applyShortcuts()
@@ -198,7 +199,7 @@ void DockApplication::openSettings()
         m_settingsDialog = new SettingsDialog(m_settings, m_io);
         m_settingsDialog->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_settingsDialog, &SettingsDialog::changed, this, [this] {
-            applyTheme();
+            applyTheme(m_settings);
             m_ui.toolbar().refresh();
         });
         // Or the combination that is pressed to choose it would do what it is for.

@@ -33,7 +33,6 @@ private:
     void connectRecorder();
     void connectSession();
     void applyShortcuts();
-    void applyTheme();
     bool openRecording(const QString &dir, bool isNew = false);
     void openRecordings();
     void openSettings();

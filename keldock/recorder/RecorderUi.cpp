@@ -157,9 +157,11 @@ void RecorderUi::record()
         showToolbar();
     if (!mayRecordKeys())
         return;
-    m_hidesWhileRecording = isToolbarSeen() && !m_toolbar.makeWayFor(m_controller.area());
+    // Who could not stop the recording without the toolbar rather sees it in the picture.
+    const bool canStopWithout = m_tray.isAvailable() || !m_stopKeys.isEmpty();
+    m_hidesWhileRecording = isToolbarSeen() && !m_toolbar.makeWayFor(m_controller.area()) && canStopWithout;
     if (m_hidesWhileRecording)
-        minimize();
+        hideToolbar(Place::Minimized);
     m_controller.start(m_hidesWhileRecording ? HintSeconds : 0);
 }
 

@@ -38,7 +38,7 @@ public:
 
 public slots:
     void showToolbar();
-    /// Hides it: Aside or Closed.
+    /// `place` tells until when.
     void hideToolbar(Place place);
     /// Into the tray, or to where the desktop keeps small windows.
     void minimize();

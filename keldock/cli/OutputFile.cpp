@@ -48,8 +48,7 @@ OutputFile::~OutputFile()
 QString OutputFile::commit()
 {
     std::error_code error;
-    std::filesystem::rename(QFile::encodeName(m_temporaryPath).toStdString(), QFile::encodeName(m_path).toStdString(),
-                            error);
+    std::filesystem::rename(m_temporaryPath.toStdU16String(), m_path.toStdU16String(), error);
     if (error) {
         return QStringLiteral("'%1' cannot be written: %2")
             .arg(m_path, QString::fromLocal8Bit(error.message().c_str()));

@@ -15,6 +15,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -31,8 +32,8 @@ constexpr int kControlWidth = 160;
 
 void describe(QWidget *control, const QString &name, const QString &toolTip)
 {
-    QString plain = name;
-    control->setAccessibleName(plain.remove(QLatin1Char('&')));
+    static const QRegularExpression mnemonic(QStringLiteral("\\(&.\\)|&")); // in Chinese, behind the word
+    control->setAccessibleName(QString(name).remove(mnemonic));
     control->setToolTip(toolTip);
     control->setAccessibleDescription(toolTip);
 }

@@ -113,7 +113,7 @@ void RecorderUi::minimize()
 
 void RecorderUi::chooseArea()
 {
-    if (m_controller.state() != State::Idle || m_isChoosing)
+    if (m_controller.state() != State::Idle || m_isChoosing || m_isAsking)
         return;
     m_isChoosing = true;
     m_toolbar.hide();
@@ -145,7 +145,7 @@ void RecorderUi::endPicking()
 
 void RecorderUi::record()
 {
-    if (m_controller.state() != State::Idle || m_isChoosing)
+    if (m_controller.state() != State::Idle || m_isChoosing || m_isAsking)
         return;
     m_controller.setArea(onScreens(m_controller.area()));
     if (m_controller.area().isEmpty()) {
@@ -180,7 +180,9 @@ bool RecorderUi::mayRecordKeys()
     box.setDefaultButton(with);
     auto *const dontAsk = new QCheckBox(tr("Do not ask again"), &box);
     box.setCheckBox(dontAsk);
+    m_isAsking = true;
     box.exec();
+    m_isAsking = false;
     if (box.clickedButton() != with && box.clickedButton() != without)
         return false;
     if (dontAsk->isChecked())

@@ -73,6 +73,7 @@ private:
     QString m_stopKeys;
     Place m_place = Place::Closed;
     bool m_isChoosing = false;
+    bool m_isAsking = false; // shortcuts and tray icon work on while a question is open
     bool m_recordsAfterChoosing = false;
     bool m_hidesWhileRecording = false;
 };

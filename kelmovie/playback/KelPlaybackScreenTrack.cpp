@@ -29,6 +29,7 @@ KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QS
     m_decoder = openDecoder();
     if (!m_decoder)
         return;
+    m_videoSize = m_decoder->getFrameSize();
     m_videoFrameCount = m_decoder->getFrameCount();
     if (m_videoFrameCount <= 0) {
         setErrorString(QString("Invalid frame count from decoder: %1").arg(m_videoFrameCount));
@@ -268,14 +269,13 @@ int KelPlaybackScreenTrack::logicFrameCount() const
 
 QSize KelPlaybackScreenTrack::frameSize() const
 {
-    return m_decoder ? (QSizeF(m_decoder->getFrameSize()) / m_devicePixelRatio).toSize() : QSize();
+    return m_decoder ? (QSizeF(m_videoSize) / m_devicePixelRatio).toSize() : QSize();
 }
 
 bool KelPlaybackScreenTrack::covers(const QSize &size) const
 {
     const QSizeF wanted = QSizeF(size) * m_devicePixelRatio;
-    const QSizeF video = m_decoder ? m_decoder->getFrameSize() : QSize();
-    return video.width() >= wanted.width() && video.height() >= wanted.height();
+    return m_decoder && m_videoSize.width() >= wanted.width() && m_videoSize.height() >= wanted.height();
 }
 
 void KelPlaybackScreenTrack::releaseDecoder()

@@ -72,6 +72,7 @@ private:
     int m_currentLogicFrame = -1; // the last one asked for
     int m_lastVideoFrame = -1;    // the one in m_currentPixmap
     int m_videoFrameCount = 0;
+    QSize m_videoSize; // in its own pixels; asked for once, as the decoder may be at work on another thread
     int m_lostPictures = 0;
     const double m_devicePixelRatio;
     bool m_hasFrame = false;

@@ -8,7 +8,6 @@
 
 #include <KelMovie/KelMovieConfig.h>
 
-#include <QElapsedTimer>
 #include <QImage>
 #include <QPainter>
 #include <QThread>
@@ -34,8 +33,6 @@ public:
         m_mouse.write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, 20, 30), MouseFixture::move(4, 30, 40),
                                                       MouseFixture::move(5, 50, 60)});
         m_mouse.write("mouseclicks-0.json", MouseFixture::clicks("8 left down, 9 left up"));
-        if (!QFile::link(m_mouse.path(), m_recording.path() + "/Mouse"))
-            qFatal("cannot link the pointer's files");
         writeKeyMeta(m_recording.path() + "/Keyboard",
                      keyMetaFile(keyScript("20:+Control 22:+C 24:-C 25:-Control"), QSize(Side, Side), Fps));
         gKelMovieConfig.playbackProgressEnable = true;
@@ -74,5 +71,5 @@ private:
     }
 
     RecordingFixture m_recording{LogicFrames, Fps};
-    MouseFixture m_mouse;
+    MouseFixture m_mouse{m_recording.path() + "/Mouse"};
 };

@@ -2,20 +2,34 @@
 
 #include "support/Files.h"
 
+#include <QDir>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
 
+#include <memory>
+
 /// The files of a recorded pointer, made by hand.
 class MouseFixture
 {
 public:
-    MouseFixture() { QDir(path()).mkdir("cursors"); }
+    MouseFixture()
+        : m_dir(std::make_unique<QTemporaryDir>())
+        , m_path(m_dir->path())
+    {
+        QDir(m_path).mkdir("cursors");
+    }
+    /// In a directory of the test, which is created.
+    explicit MouseFixture(const QString &path)
+        : m_path(path)
+    {
+        QDir().mkpath(path + "/cursors");
+    }
 
-    QString path() const { return m_dir.path(); }
-    QString filePath(const QString &name) const { return m_dir.filePath(name); }
+    QString path() const { return m_path; }
+    QString filePath(const QString &name) const { return m_path + '/' + name; }
     void write(const QString &name, const QByteArray &content) const { writeFile(filePath(name), content); }
     void write(const QString &name, const QJsonArray &records) const { write(name, QJsonDocument(records).toJson()); }
 
@@ -65,5 +79,6 @@ public:
     }
 
 private:
-    QTemporaryDir m_dir;
+    std::unique_ptr<QTemporaryDir> m_dir;
+    const QString m_path;
 };

@@ -197,6 +197,7 @@ void ExportPipelineTest::placesTheFile()
 void ExportPipelineTest::fillsWhatTheVideoDoesNotCover()
 {
     decoder->frameSize = QSize(32, 48);
+    loadManager();
     request.trimStartMs = request.trimEndMs = 4'000;
     QVERIFY(runExport());
     QCOMPARE(encoder->frames, QVector<int>{99});

@@ -17,7 +17,8 @@ QImage composedPicture(KelPlaybackTrackManager *manager, QImage previous)
         image = QImage(pixels, QImage::Format_RGB32);
     if (image.isNull())
         return image;
-    image.fill(Qt::black); // where the video does not cover it
+    if (!manager->isPictureCovered())
+        image.fill(Qt::black); // or what moves would leave a trail
     image.setDevicePixelRatio(ratio);
     QPainter painter(&image);
     manager->paint(&painter);

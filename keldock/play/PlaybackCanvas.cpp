@@ -39,10 +39,10 @@ void PlaybackCanvas::setEnlarging(bool on)
 
 QImage PlaybackCanvas::picture()
 {
-    if (m_isStale) {
+    if (m_picture.isNull() || m_revision != m_manager->pictureRevision()) {
+        m_revision = m_manager->pictureRevision();
         m_picture = composedPicture(m_manager, std::move(m_picture));
         m_scaled = QImage();
-        m_isStale = false;
     }
     return m_picture;
 }
@@ -70,8 +70,8 @@ QSize PlaybackCanvas::sizeHint() const
 
 void PlaybackCanvas::refresh()
 {
-    m_isStale = true;
-    update();
+    if (m_revision != m_manager->pictureRevision())
+        update();
 }
 
 /// The picture in that many pixels.

@@ -27,7 +27,7 @@ public:
     QSize sizeHint() const override;
 
 public slots:
-    /// The recording shows something else now.
+    /// The recording may show something else now.
     void refresh();
 
 signals:
@@ -45,8 +45,8 @@ private:
 
     KelPlaybackTrackManager *const m_manager;
     QImage m_picture;
-    QImage m_scaled;       ///< of another size than the picture, or null
-    bool m_isStale = true; ///< the picture is older than what the recording shows
+    QImage m_scaled;        ///< of another size than the picture, or null
+    quint64 m_revision = 0; ///< of the recording's picture in m_picture
     bool m_isEnlarging = false;
     bool m_showsFocus = false; ///< it came by the keyboard, and a keyboard's user has to see it
 };

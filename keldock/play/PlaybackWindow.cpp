@@ -76,7 +76,8 @@ PlaybackWindow::PlaybackWindow(const QString &recordingDir, QWidget *parent)
     d->pages = new QStackedWidget(this);
     setCentralWidget(d->pages);
     createMessagePage();
-    connect(&d->watch, &DirectoryWatch::existsChanged, this, [this](bool exists) { exists ? load() : showLost(); });
+    connect(&d->watch, &DirectoryWatch::existsChanged, this,
+            [this](bool exists) { exists ? showAgain() : showLost(); });
     addShortcuts();
     load();
     restorePlace();
@@ -204,6 +205,15 @@ void PlaybackWindow::showLost()
                            tr("Its folder %1 was moved, renamed or deleted.").arg(d->dir));
     d->pages->setCurrentWidget(d->message);
     d->message->setFocus();
+}
+
+/// What is loaded stays so: an export may be using it right now.
+void PlaybackWindow::showAgain()
+{
+    if (d->player)
+        d->pages->setCurrentWidget(d->playback);
+    else
+        load();
 }
 
 void PlaybackWindow::showHints()

@@ -39,6 +39,7 @@ private:
     void createPlaybackPage();
     void addShortcuts();
     void showLost();
+    void showAgain();
     void showHints();
     void exportRecording();
     void savePicture();

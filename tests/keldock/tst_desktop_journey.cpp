@@ -22,7 +22,7 @@ const QPoint RecordButton(24, 22); // in the toolbar
 const QPoint PauseButton(58, 22);
 
 // Key codes of the keyboard that every X server here has.
-enum Code { Return = 36, Ctrl = 37, Alt = 64, LetterR = 27, LetterP = 33, LetterS = 39 };
+enum Code { Return = 36, Ctrl = 37, Alt = 64, LetterE = 26, LetterR = 27, LetterP = 33, LetterS = 39 };
 
 } // namespace
 
@@ -36,6 +36,7 @@ private slots:
     void cleanupTestCase();
     void recordsAnArea();
     void showsTheRecording();
+    void exportsTheRecording();
     void secondProgramRaisesTheFirst();
     void endOfSessionKeepsTheRecording();
 
@@ -166,6 +167,25 @@ void DesktopJourneyTest::showsTheRecording()
         for (const QPoint corner : {QPoint(479, 0), QPoint(0, 359), QPoint(479, 359)})
             QCOMPARE(picture.pixelColor(corner), color); // neither frame nor toolbar nor countdown
     }
+}
+
+void DesktopJourneyTest::exportsTheRecording()
+{
+    const QString name = QFileInfo(recordings().first()).fileName();
+    const QString file = m_home.filePath("Videos/" + name + ".mp4");
+    press({Ctrl, LetterE});
+    const auto options = waitFor("Export Recording");
+    QVERIFY(options);
+    press({Return});
+    // The next dialog has the same title.
+    QTRY_VERIFY_WITH_TIMEOUT(m_windows.find("Export Recording").id != options.id, LimitMs);
+    QVERIFY(waitFor("Export Recording"));
+    press({Return});
+    QVERIFY(waitFor("Export Complete"));
+    press({Return});
+    QTRY_VERIFY_WITH_TIMEOUT(!m_windows.find("Export Complete"), LimitMs);
+    QCOMPARE(readAll(file).mid(4, 4), QByteArray("ftyp"));
+    QVERIFY(m_windows.find(name.toUtf8()));
 }
 
 void DesktopJourneyTest::secondProgramRaisesTheFirst()

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 
 namespace
 {
@@ -45,6 +46,7 @@ int encode(const ExportScene &scene, const QString &format, int quality, const Q
         frames.push_back(scene.frame(i));
     QElapsedTimer timer;
     timer.start();
+    const std::clock_t cpu = std::clock(); // of all threads
     std::unique_ptr<KelAVCodecEncoder> encoder;
     if (format == "mp4")
         encoder = std::make_unique<h264Encoder>(
@@ -56,6 +58,7 @@ int encode(const ExportScene &scene, const QString &format, int quality, const Q
     if (!encoder->close())
         return fail(encoder->errorString());
     printFigure("time", double(timer.nsecsElapsed()) / 1e9, "s");
+    printFigure("cpu", double(std::clock() - cpu) / CLOCKS_PER_SEC, "s");
     return 0;
 }
 

@@ -88,8 +88,14 @@ EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<boo
         trialSize(Filtering::Adaptive) < trialSize(Filtering::None) ? Filtering::Adaptive : Filtering::None;
     if (cancelled)
         return {};
-    const int level = m_isPatient ? PatientLevel : best == Filtering::None ? PlainLevel : FilteredLevel;
-    return {delta.rect, false, deflated(rows(delta, best), level)};
+    const QByteArray filtered = rows(delta, best);
+    QByteArray data = deflated(filtered, best == Filtering::None ? PlainLevel : FilteredLevel);
+    if (m_isPatient) { // which does not always pay
+        const QByteArray smaller = deflated(filtered, PatientLevel);
+        if (smaller.size() < data.size())
+            data = smaller;
+    }
+    return {delta.rect, false, data};
 }
 
 bool ApngFormat::writeHeader(OutputFile &file, QSize size, int plays)

@@ -43,6 +43,7 @@ ColourHistogram::ColourHistogram(const PictureDelta &delta)
     m_bins.reserve(m_sums.size());
     for (const Sum &sum : m_sums) {
         const double count = double(sum.count);
+        m_pixelCount += count;
         m_bins.push_back({float(double(sum.red) / count), float(double(sum.green) / count),
                           float(double(sum.blue) / count), float(count)});
     }

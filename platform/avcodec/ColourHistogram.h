@@ -20,8 +20,8 @@ public:
 
     const std::vector<Bin> &bins() const { return m_bins; }
 
-    /// Every bin holds one colour only.
-    bool isExact() const { return m_shift == 0; }
+    /// Of all bins together.
+    double pixelCount() const { return m_pixelCount; }
 
     /// The bin of a colour, -1 when it has none.
     int binOf(QRgb colour) const;
@@ -43,6 +43,7 @@ private:
     Sum &sumOf(QRgb colour);
     void coarsen();
 
+    double m_pixelCount = 0;
     int m_shift = 0; // bits of each channel that are left out
     std::vector<Slot> m_slots;
     std::vector<Sum> m_sums;

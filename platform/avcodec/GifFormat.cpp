@@ -3,6 +3,8 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace
 {
@@ -10,25 +12,21 @@ namespace
 /// One index of every palette is kept for transparency.
 constexpr int MaxColours = 255;
 
-/// What a quality of 0 allows, as squared distance of a pixel's colour: the mean error of a palette that saves bytes,
-/// and the error of a single pixel.
-constexpr double MaxPaletteError = 100;
-constexpr double MaxTolerance = 400;
+/// The squared distance by which another colour may be shown at a quality of 0.
+constexpr double MaxTolerance = 700;
 
-/// Where the palette shows colours with some error anyway, a pixel may have this many times that error: for each step
-/// of quality below 100.
-constexpr double ToleranceGainPerLoss = 0.3;
+/// Squared error (all pixels together) that a byte is worth, for the square of each step of quality below 100.
+constexpr double ErrorPerByte = 0.2;
 
-/// Histograms of more bins need the largest palette.
-constexpr std::size_t ManyBins = 1024;
-constexpr int SmallestPalette = 15;
+/// Where the palette shows colours with some error anyway, a pixel may have this many times that error more: for each
+/// step of quality below 100.
+constexpr double ToleranceGainPerLoss = 0.2;
 
-/// A local palette of up to this many colours is small enough to be tried even where the global one will do: with
-/// fewer colours the codes are shorter as well.
-constexpr std::size_t SmallPalette = 127;
-
-/// A local palette costs up to 768 bytes; it has to be that much better than the global one.
-constexpr double WorthwhileGain = 0.9;
+/// Frames in which so few pixels change are encoded with palettes of all sizes, as those are a good part of their
+/// bytes. Others take the largest palette, their own or the global one.
+constexpr double FewChanges = 1 << 13;
+constexpr std::size_t SmallFrame = 1 << 18;
+constexpr int SmallestPalette = 7;
 
 constexpr int DelayOffset = 4; // in the bytes of a frame
 
@@ -60,7 +58,7 @@ QByteArray colourTable(const std::vector<QRgb> &colours)
 
 GifFormat::GifFormat(int quality)
     : m_loss(100 - std::clamp(quality, 0, 100))
-    , m_paletteError(MaxPaletteError * m_loss * m_loss / 1e4)
+    , m_errorPerByte(ErrorPerByte * m_loss * m_loss)
 {
 }
 
@@ -77,41 +75,49 @@ void GifFormat::prepare(const PictureDelta &first)
 EncodedFrame GifFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
 {
     const ColourHistogram histogram(delta);
-    const PaletteMatch global = m_palette.match(histogram);
-    const bool globalWillDo = global.meanError <= m_paletteError;
-    const bool fewColours = histogram.isExact() && histogram.bins().size() <= SmallPalette;
-    EncodedFrame encoded{delta.rect, true, {}};
-    if (cancelled)
-        return encoded;
-
-    if (globalWillDo)
-        encoded.data = frame(delta, histogram, m_palette, global, false);
-    if (globalWillDo && !fewColours)
-        return encoded;
-    const ColourPalette own = smallestPalette(histogram);
-    const PaletteMatch local = own.match(histogram);
-    if (cancelled)
-        return encoded;
-    if (!globalWillDo && local.meanError > WorthwhileGain * global.meanError) {
-        encoded.data = frame(delta, histogram, m_palette, global, false);
-    } else {
-        const QByteArray data = frame(delta, histogram, own, local, true);
-        if (!globalWillDo || data.size() < encoded.data.size())
-            encoded.data = data;
-    }
-    return encoded;
+    const bool isSmall = histogram.pixelCount() <= FewChanges && delta.pixels.size() <= SmallFrame;
+    return {delta.rect, true, isSmall ? smallFrame(delta, histogram, cancelled) : largeFrame(delta, histogram)};
 }
 
-/// The smallest that is good enough, as its size counts for small frames.
-ColourPalette GifFormat::smallestPalette(const ColourHistogram &histogram) const
+/// With the palette that is worth its bytes; all of them are tried.
+QByteArray GifFormat::smallFrame(const PictureDelta &delta, const ColourHistogram &histogram,
+                                 const std::atomic<bool> &cancelled) const
 {
-    const int first = histogram.bins().size() > ManyBins ? MaxColours : SmallestPalette;
-    for (int colours = first; colours < MaxColours; colours = 2 * colours + 1) {
-        ColourPalette palette = ColourPalette::bestFor(histogram, colours);
-        if (palette.match(histogram).meanError <= m_paletteError)
-            return palette;
+    QByteArray best;
+    std::pair least(std::numeric_limits<double>::max(), 0); // and bytes
+    const auto attempt = [&](const ColourPalette &palette, bool local) {
+        const PaletteMatch match = palette.match(histogram);
+        const QByteArray data = frame(delta, histogram, palette, match, local);
+        const double error = match.meanError * histogram.pixelCount();
+        const std::pair cost(error + m_errorPerByte * data.size(), data.size());
+        if (cost < least) {
+            least = cost;
+            best = data;
+        }
+    };
+    attempt(m_palette, false);
+    const auto most = int(std::min<std::size_t>(histogram.bins().size(), MaxColours));
+    for (int colours = SmallestPalette; !cancelled; colours = 2 * colours + 1) {
+        attempt(ColourPalette::bestFor(histogram, colours), true);
+        if (colours >= most)
+            break;
     }
-    return ColourPalette::bestFor(histogram, MaxColours);
+    return best;
+}
+
+/// With a palette of its own if that is truer than the global one by what its bytes are worth.
+QByteArray GifFormat::largeFrame(const PictureDelta &delta, const ColourHistogram &histogram) const
+{
+    const PaletteMatch global = m_palette.match(histogram);
+    const double worthwhileError =
+        global.meanError - m_errorPerByte * 3 * (MaxColours + 1) / std::max(histogram.pixelCount(), 1.0);
+    if (worthwhileError > 0) {
+        const ColourPalette own = ColourPalette::bestFor(histogram, MaxColours);
+        const PaletteMatch match = own.match(histogram);
+        if (match.meanError < worthwhileError)
+            return frame(delta, histogram, own, match, true);
+    }
+    return frame(delta, histogram, m_palette, global, false);
 }
 
 QByteArray GifFormat::frame(const PictureDelta &delta, const ColourHistogram &histogram, const ColourPalette &palette,

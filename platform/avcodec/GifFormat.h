@@ -20,11 +20,13 @@ public:
     bool writeTrailer(OutputFile &file) override;
 
 private:
-    ColourPalette smallestPalette(const ColourHistogram &histogram) const;
+    QByteArray smallFrame(const PictureDelta &delta, const ColourHistogram &histogram,
+                          const std::atomic<bool> &cancelled) const;
+    QByteArray largeFrame(const PictureDelta &delta, const ColourHistogram &histogram) const;
     QByteArray frame(const PictureDelta &delta, const ColourHistogram &histogram, const ColourPalette &palette,
                      const PaletteMatch &match, bool local) const;
 
     const int m_loss;            // 0: as good as possible, to 100
-    const double m_paletteError; // mean squared error of a palette that saves bytes
+    const double m_errorPerByte; // squared error that a byte is worth
     ColourPalette m_palette;
 };

@@ -25,8 +25,8 @@ constexpr int LossyMethod = 4;
 /// shades has hundreds. The mean squared error of a pixel (all channels together) that this may cost, for the square
 /// of each step of quality below 100.
 constexpr double PaletteErrorPerLoss = 0.02;
-constexpr int SmallestPalette = 31;
-constexpr int LargestPalette = 255; // one more is transparent
+constexpr std::size_t SmallestPalette = 31;
+constexpr std::size_t LargestPalette = 255; // one more is transparent
 
 /// Blurred text is seen at once, so it has to save that much.
 constexpr double WorthwhileBlur = 0.75;
@@ -155,10 +155,12 @@ std::optional<std::vector<QRgb>> WebpFormat::fewColours(const PictureDelta &delt
     if (m_quality == Lossless)
         return std::nullopt;
     const ColourHistogram histogram({delta.rect, delta.opaquePixels()});
+    if (histogram.bins().size() <= LargestPalette) // few as they are
+        return delta.pixelsWithGaps();
     ColourPalette palette;
     PaletteMatch match;
-    for (int colours = LargestPalette; colours >= SmallestPalette; colours /= 2) {
-        ColourPalette smaller = ColourPalette::bestFor(histogram, colours);
+    for (std::size_t colours = LargestPalette; colours >= SmallestPalette; colours /= 2) {
+        ColourPalette smaller = ColourPalette::bestFor(histogram, int(colours));
         PaletteMatch smallerMatch = smaller.match(histogram);
         if (smallerMatch.meanError > m_paletteError)
             break;

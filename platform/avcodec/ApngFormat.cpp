@@ -23,7 +23,7 @@ constexpr int PlainLevel = 9;
 constexpr int PatientLevel = 11;
 
 /// Qualities below this ask for small files.
-constexpr int Balanced = 50;
+constexpr int Balanced = 75;
 
 constexpr qint64 AnimationControlOffset = 33; // behind signature and header
 

@@ -4,7 +4,7 @@
 
 /// Writes an animated PNG, which every program that knows PNG shows at least the first picture of.
 ///
-/// It is lossless: the frames equal the pictures bit for bit, whatever the quality. Below 50 it takes several times the
+/// It is lossless: the frames equal the pictures bit for bit, whatever the quality. Below 75 it takes several times the
 /// time for a file that is some hundredths smaller.
 class pngEncoder : public AnimationEncoder
 {

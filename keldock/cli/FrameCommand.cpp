@@ -79,8 +79,10 @@ QString FrameCommand::run()
     const QImage image = composed(recording, m_frame);
     if (image.isNull())
         return QStringLiteral("there is no memory for the picture");
-    QImageWriter writer(output.temporaryPath(), "png");
-    if (!writer.write(image))
-        return QStringLiteral("'%1' cannot be written: %2").arg(m_file, writer.errorString());
+    {
+        QImageWriter writer(output.temporaryPath(), "png"); // keeps the file open
+        if (!writer.write(image))
+            return QStringLiteral("'%1' cannot be written: %2").arg(m_file, writer.errorString());
+    }
     return output.commit();
 }

@@ -13,7 +13,7 @@ namespace
 constexpr int MaxColours = 255;
 
 /// The squared distance by which another colour may be shown at a quality of 0.
-constexpr double MaxTolerance = 700;
+constexpr double MaxTolerance = 800;
 
 /// Squared error (all pixels together) that a byte is worth, for the square of each step of quality below 100.
 constexpr double ErrorPerByte = 0.2;

@@ -6,7 +6,6 @@
 
 #include <libdeflate.h>
 
-#include <algorithm>
 #include <memory>
 #include <new>
 

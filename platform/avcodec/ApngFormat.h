@@ -2,8 +2,8 @@
 
 #include "avcodec/AnimationFormat.h"
 
-/// Animated PNG: lossless, 8 bits a channel, without alpha: transparency for what did not change inside of a frame's
-/// rectangle would cost more, all over the file, than it gains.
+/// Animated PNG: lossless, 8 bits a channel, without alpha: it would let what did not change inside of a frame's
+/// rectangle be transparent, but takes 8 to 20 % more all over the file where much changes.
 class ApngFormat : public AnimationFormat
 {
 public:

@@ -14,10 +14,11 @@ mkdir -p "$work" "$sdk"/{qt,host,deps}
 
 tools=(g++-mingw-w64-x86-64-posix build-essential cmake ninja-build pkg-config nasm dpkg-dev perl python3
     rapidjson-dev libstb-dev)
+missing=()
 for tool in "${tools[@]}"; do
     dpkg-query -W -f='${Status}' "$tool" 2>/dev/null | grep -q 'ok installed' || missing+=("$tool")
 done
-if [ ${#missing[@]} -gt 0 ] 2>/dev/null; then
+if [ ${#missing[@]} -gt 0 ]; then
     apt-get update -q && apt-get install -q -y --no-install-recommends "${missing[@]}"
 fi
 
@@ -123,7 +124,8 @@ rlottie() {
     ln -sfn /usr/include/stb "$work/headers/stb"
     # Threads that end with the process hang in its last moments; a type of POSIX is missing; bad files shall not abort.
     with_cmake -DLOTTIE_THREAD=OFF -DLOTTIE_MODULE=OFF -DLOTTIE_TEST=OFF -DLOTTIE_EXAMPLE=OFF \
-        -DCMAKE_CXX_FLAGS="-isystem $work/headers -DRAPIDJSON_ASSERT\(x\)=\(void\)\(x\) -Dulong=unsigned\ long"
+        -DLIB_INSTALL_DIR="$sdk/deps/lib" \
+        -DCMAKE_CXX_FLAGS="-Wno-error -isystem $work/headers -DRAPIDJSON_ASSERT\(x\)=\(void\)\(x\) -Dulong=unsigned\ long"
 }
 
 qtbase() {
@@ -152,7 +154,9 @@ for library in "$@"; do
         ;;
     esac
     SECONDS=0
-    "$library" >"$work/$library.log" 2>&1 || {
+    # In the background: on the left of || a failure within would not end it.
+    "$library" >"$work/$library.log" 2>&1 &
+    wait $! || {
         tail -n 30 "$work/$library.log" >&2
         echo "build-sdk.sh: $library failed; see $work/$library.log" >&2
         exit 1

@@ -125,7 +125,7 @@ rlottie() {
     # Threads that end with the process hang in its last moments; a type of POSIX is missing; bad files shall not abort.
     with_cmake -DLOTTIE_THREAD=OFF -DLOTTIE_MODULE=OFF -DLOTTIE_TEST=OFF -DLOTTIE_EXAMPLE=OFF \
         -DLIB_INSTALL_DIR="$sdk/deps/lib" \
-        -DCMAKE_CXX_FLAGS="-Wno-error -isystem $work/headers -DRAPIDJSON_ASSERT\(x\)=\(void\)\(x\) -Dulong=unsigned\ long"
+        -DCMAKE_CXX_FLAGS="-Wno-free-nonheap-object -isystem $work/headers -DRAPIDJSON_ASSERT\(x\)=\(void\)\(x\) -Dulong=unsigned\ long"
 }
 
 qtbase() {

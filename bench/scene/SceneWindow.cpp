@@ -24,7 +24,8 @@ SceneWindow::SceneWindow(QSize size)
     const std::uint32_t values[] = {1, XCB_EVENT_MASK_EXPOSURE}; // no window manager in between
     xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_window, screen->root, 0, 0,
                       static_cast<std::uint16_t>(size.width()), static_cast<std::uint16_t>(size.height()), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK,
+                      values);
     m_context = xcb_generate_id(m_connection);
     xcb_create_gc(m_connection, m_context, m_window, 0, nullptr);
     const std::uint32_t below[] = {XCB_STACK_MODE_BELOW}; // a desktop: other windows lie on it

@@ -128,11 +128,11 @@
     </message>
     <message>
         <source>Exports the whole recording at speed %1. The file plays for %2.</source>
-        <translation>以 %1 倍速导出整个录制。文件时长 %2。</translation>
+        <translation>以 %1 速度导出整个录制。文件时长 %2。</translation>
     </message>
     <message>
         <source>Exports the part from %1 to %2 at speed %3. The file plays for %4.</source>
-        <translation>以 %3 倍速导出从 %1 到 %2 的部分。文件时长 %4。</translation>
+        <translation>以 %3 速度导出从 %1 到 %2 的部分。文件时长 %4。</translation>
     </message>
 </context>
 <context>
@@ -644,48 +644,12 @@ The recording goes on without it.</source>
         <translation>每秒 %1 帧</translation>
     </message>
     <message>
-        <source>Frame rate</source>
-        <translation>帧率</translation>
-    </message>
-    <message>
         <source>At once</source>
         <translation>立即</translation>
     </message>
     <message>
         <source>After %1 s</source>
         <translation>%1 秒后</translation>
-    </message>
-    <message>
-        <source>Start</source>
-        <translation>开始</translation>
-    </message>
-    <message>
-        <source>Record the mouse</source>
-        <translation>录制鼠标</translation>
-    </message>
-    <message>
-        <source>Record the keys that are typed</source>
-        <translation>录制键入的按键</translation>
-    </message>
-    <message>
-        <source>Ask before keys are recorded</source>
-        <translation>录制按键前询问</translation>
-    </message>
-    <message>
-        <source>Record what the computer plays</source>
-        <translation>录制电脑播放的声音</translation>
-    </message>
-    <message>
-        <source>Record the microphone</source>
-        <translation>录制麦克风</translation>
-    </message>
-    <message>
-        <source>Change…</source>
-        <translation>更改…</translation>
-    </message>
-    <message>
-        <source>Default</source>
-        <translation>默认</translation>
     </message>
     <message>
         <source>Folder for recordings</source>
@@ -708,10 +672,6 @@ The recording goes on without it.</source>
         <translation>停止</translation>
     </message>
     <message>
-        <source>Colours</source>
-        <translation>主题</translation>
-    </message>
-    <message>
         <source>As the desktop</source>
         <translation>跟随桌面</translation>
     </message>
@@ -724,10 +684,6 @@ The recording goes on without it.</source>
         <translation>深色</translation>
     </message>
     <message>
-        <source>Toolbar</source>
-        <translation>工具栏</translation>
-    </message>
-    <message>
         <source>All buttons</source>
         <translation>全部按钮</translation>
     </message>
@@ -736,16 +692,8 @@ The recording goes on without it.</source>
         <translation>最重要的按钮</translation>
     </message>
     <message>
-        <source>Language</source>
-        <translation>语言</translation>
-    </message>
-    <message>
         <source>Another language is used from the next start on.</source>
         <translation>新语言将在下次启动时生效。</translation>
-    </message>
-    <message>
-        <source>Play recordings with the help of the graphics card</source>
-        <translation>播放录制时使用显卡</translation>
     </message>
     <message>
         <source>None</source>
@@ -754,6 +702,122 @@ The recording goes on without it.</source>
     <message>
         <source>%1: no shortcut</source>
         <translation>%1：无快捷键</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>关闭(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Everything is saved already (Esc)</source>
+        <translation>所有更改均已保存 (Esc)</translation>
+    </message>
+    <message>
+        <source>&amp;Frame rate</source>
+        <translation>帧率(&amp;F)</translation>
+    </message>
+    <message>
+        <source>More frames show motion better and need more room</source>
+        <translation>帧数越多，动作越流畅，占用空间越大</translation>
+    </message>
+    <message>
+        <source>&amp;Start</source>
+        <translation>开始(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Time to get ready after the record button</source>
+        <translation>按下录制按钮后的准备时间</translation>
+    </message>
+    <message>
+        <source>Record the &amp;mouse</source>
+        <translation>录制鼠标(&amp;M)</translation>
+    </message>
+    <message>
+        <source>Pointer, clicks and wheel, which can be hidden again later</source>
+        <translation>指针、点击和滚轮，之后可再隐藏</translation>
+    </message>
+    <message>
+        <source>Record the &amp;keys that are typed</source>
+        <translation>录制键入的按键(&amp;K)</translation>
+    </message>
+    <message>
+        <source>In whichever program; passwords, too</source>
+        <translation>在任何程序中；包括密码</translation>
+    </message>
+    <message>
+        <source>&amp;Ask before keys are recorded</source>
+        <translation>录制按键前询问(&amp;A)</translation>
+    </message>
+    <message>
+        <source>At the start of each recording with keys</source>
+        <translation>每次录制按键开始时</translation>
+    </message>
+    <message>
+        <source>Record what the computer &amp;plays</source>
+        <translation>录制电脑播放的声音(&amp;P)</translation>
+    </message>
+    <message>
+        <source>The sound of all programs</source>
+        <translation>所有程序的声音</translation>
+    </message>
+    <message>
+        <source>Record the m&amp;icrophone</source>
+        <translation>录制麦克风(&amp;I)</translation>
+    </message>
+    <message>
+        <source>The sound of the default microphone</source>
+        <translation>默认麦克风的声音</translation>
+    </message>
+    <message>
+        <source>C&amp;hange...</source>
+        <translation>更改(&amp;H)...</translation>
+    </message>
+    <message>
+        <source>Chooses another folder for recordings</source>
+        <translation>另选录制文件夹</translation>
+    </message>
+    <message>
+        <source>&amp;Default</source>
+        <translation>默认(&amp;D)</translation>
+    </message>
+    <message>
+        <source>Keeps recordings among your videos</source>
+        <translation>将录制保存在视频文件夹中</translation>
+    </message>
+    <message>
+        <source>&amp;Theme</source>
+        <translation>主题(&amp;T)</translation>
+    </message>
+    <message>
+        <source>Colors of the windows</source>
+        <translation>窗口的颜色</translation>
+    </message>
+    <message>
+        <source>T&amp;oolbar</source>
+        <translation>工具栏(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Buttons that the toolbar shows</source>
+        <translation>工具栏显示的按钮</translation>
+    </message>
+    <message>
+        <source>Language of this program</source>
+        <translation>本程序的语言</translation>
+    </message>
+    <message>
+        <source>&amp;Language</source>
+        <translation>语言(&amp;L)</translation>
+    </message>
+    <message>
+        <source>Play with the &amp;graphics card</source>
+        <translation>用显卡播放(&amp;G)</translation>
+    </message>
+    <message>
+        <source>Recordings are decoded by the graphics card where it is able to</source>
+        <translation>在显卡支持时由显卡解码录制</translation>
+    </message>
+    <message>
+        <source>Press the keys that shall do it</source>
+        <translation>请按下要使用的按键</translation>
     </message>
 </context>
 <context>

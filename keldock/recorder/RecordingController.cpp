@@ -36,7 +36,7 @@ RecordingController::RecordingController(std::function<QString()> newDirectory, 
     connect(m_recorder, &KelMultiTrackRecorder::recordingStopped, this, &RecordingController::complete);
     connect(m_recorder, &KelMultiTrackRecorder::recordingError, this, &RecordingController::takeError);
     connect(&m_diskGuard, &DiskGuard::low, this, [this](qint64 freeBytes, qint64 secondsLeft) {
-        const QString room = QLocale().formattedDataSize(freeBytes);
+        const QString room = QLocale().formattedDataSize(freeBytes, 1, QLocale::DataSizeSIFormat);
         emit problem(Severity::Warning, secondsLeft < 0
                                             ? tr("The disk is almost full: %1 left.").arg(room)
                                             : tr("The disk is almost full: %1 left, enough for about %2 min.")

@@ -4,12 +4,12 @@
 #include "settings/DockConfigIO.h"
 #include "settings/DockSettings.h"
 #include "style/KelStyleTheme.h"
+#include "widget/ChoiceBox.h"
+#include "widget/ToggleSwitch.h"
+#include "widgets/DockStyle.h"
 
 #include <KelMovie/KelMovieConfig.h>
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDialogButtonBox>
 #include <QDir>
 #include <QEvent>
 #include <QFileDialog>
@@ -25,40 +25,47 @@ SettingsDialog::SettingsDialog(const DockSettings &settings, DockConfigIO &io, Q
     , m_settings(settings)
     , m_io(io)
 {
+    setObjectName(QStringLiteral("SettingsDialog"));
     setWindowTitle(tr("Settings"));
+    applyDockStyle(this, QStringLiteral("Window"));
     auto *const tabs = new QTabWidget(this);
     tabs->addTab(createRecordingPage(), tr("Recording"));
     tabs->addTab(createShortcutsPage(), tr("Shortcuts"));
     tabs->addTab(createProgramPage(), tr("Program"));
-    auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
+    auto *const close = new QPushButton(tr("&Close"), this);
+    close->setToolTip(tr("Everything is saved already (Esc)"));
+    connect(close, &QPushButton::clicked, this, &QDialog::close);
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(tabs);
-    layout->addWidget(buttons);
+    layout->addWidget(close, 0, Qt::AlignRight);
 }
 
 QWidget *SettingsDialog::createRecordingPage()
 {
     auto *const page = new QWidget;
-    auto *const form = new QFormLayout(page);
+    QFormLayout *const form = createForm(page);
     form->addRow(tr("Recordings are kept in"), createFolderRow());
     QVector<QPair<QString, int>> rates;
     for (const int fps : {5, 16, 24, 60})
         rates.append({tr("%1 frames a second").arg(fps), fps});
-    addNumberChoice(form, tr("Frame rate"), QStringLiteral("KelMovie.record.fps"), rates, gKelMovieConfig.recordFps);
+    addNumberChoice(form, {tr("&Frame rate"), tr("More frames show motion better and need more room")},
+                    QStringLiteral("KelMovie.record.fps"), rates, gKelMovieConfig.recordFps);
     QVector<QPair<QString, int>> delays{{tr("At once"), 0}};
     for (const int seconds : {1, 2, 3, 5, 10})
         delays.append({tr("After %1 s").arg(seconds), seconds});
-    addNumberChoice(form, tr("Start"), QStringLiteral("KelMovie.record.delay"), delays, gKelMovieConfig.recordDelay);
-    addSwitch(form, tr("Record the mouse"), QStringLiteral("KelMovie.record.mouse"), gKelMovieConfig.recordMouse);
-    addSwitch(form, tr("Record the keys that are typed"), QStringLiteral("KelMovie.record.keyboard"),
-              gKelMovieConfig.recordKeyboard);
-    addSwitch(form, tr("Ask before keys are recorded"), QStringLiteral("KelMovie.record.dontShowRecordingWarning"),
+    addNumberChoice(form, {tr("&Start"), tr("Time to get ready after the record button")},
+                    QStringLiteral("KelMovie.record.delay"), delays, gKelMovieConfig.recordDelay);
+    addSwitch(form, {tr("Record the &mouse"), tr("Pointer, clicks and wheel, which can be hidden again later")},
+              QStringLiteral("KelMovie.record.mouse"), gKelMovieConfig.recordMouse);
+    addSwitch(form, {tr("Record the &keys that are typed"), tr("In whichever program; passwords, too")},
+              QStringLiteral("KelMovie.record.keyboard"), gKelMovieConfig.recordKeyboard);
+    addSwitch(form, {tr("&Ask before keys are recorded"), tr("At the start of each recording with keys")},
+              QStringLiteral("KelMovie.record.dontShowRecordingWarning"),
               !gKelMovieConfig.recordDontShowRecordingWarning, true);
-    addSwitch(form, tr("Record what the computer plays"), QStringLiteral("KelMovie.record.recordSystemAudio"),
-              gKelMovieConfig.recordRecordSystemAudio);
-    addSwitch(form, tr("Record the microphone"), QStringLiteral("KelMovie.record.recordMicrophone"),
-              gKelMovieConfig.recordRecordMicrophone);
+    addSwitch(form, {tr("Record what the computer &plays"), tr("The sound of all programs")},
+              QStringLiteral("KelMovie.record.recordSystemAudio"), gKelMovieConfig.recordRecordSystemAudio);
+    addSwitch(form, {tr("Record the m&icrophone"), tr("The sound of the default microphone")},
+              QStringLiteral("KelMovie.record.recordMicrophone"), gKelMovieConfig.recordRecordMicrophone);
     return page;
 }
 
@@ -69,8 +76,10 @@ QWidget *SettingsDialog::createFolderRow()
     layout->setContentsMargins(0, 0, 0, 0);
     m_folder = new QLabel(row);
     m_folder->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto *const choose = new QPushButton(tr("Change…"), row);
-    auto *const reset = new QPushButton(tr("Default"), row);
+    auto *const choose = new QPushButton(tr("C&hange..."), row);
+    choose->setToolTip(tr("Chooses another folder for recordings"));
+    auto *const reset = new QPushButton(tr("&Default"), row);
+    reset->setToolTip(tr("Keeps recordings among your videos"));
     layout->addWidget(m_folder, 1);
     layout->addWidget(choose);
     layout->addWidget(reset);
@@ -98,7 +107,7 @@ void SettingsDialog::useFolder(const QString &folder)
 QWidget *SettingsDialog::createShortcutsPage()
 {
     auto *const page = new QWidget;
-    auto *const form = new QFormLayout(page);
+    QFormLayout *const form = createForm(page);
     auto *const note = new QLabel(tr("They work whichever program is in use."), page);
     form->addRow(note);
     addShortcut(form, tr("Record"), DockSettings::RecordKeysKey, m_settings.recordKeys);
@@ -113,18 +122,20 @@ QWidget *SettingsDialog::createShortcutsPage()
 QWidget *SettingsDialog::createProgramPage()
 {
     auto *const page = new QWidget;
-    auto *const form = new QFormLayout(page);
-    addNumberChoice(form, tr("Colours"), DockSettings::ThemeKey,
+    QFormLayout *const form = createForm(page);
+    addNumberChoice(form, {tr("&Theme"), tr("Colors of the windows")}, DockSettings::ThemeKey,
                     {{tr("As the desktop"), 0}, {tr("Light"), 1}, {tr("Dark"), 2}}, m_settings.theme);
-    addNumberChoice(form, tr("Toolbar"), QStringLiteral("KelMovie.record.recordToolbarDisplayType"),
+    addNumberChoice(form, {tr("T&oolbar"), tr("Buttons that the toolbar shows")},
+                    QStringLiteral("KelMovie.record.recordToolbarDisplayType"),
                     {{tr("All buttons"), 0}, {tr("The most important buttons"), 1}},
                     gKelMovieConfig.recordRecordToolbarDisplayType);
-    auto *const language = new QComboBox(page);
+    auto *const language = new ChoiceBox(page);
+    language->setToolTip(tr("Language of this program"));
     language->addItem(tr("As the desktop"), QString());
     language->addItem(QStringLiteral("English"), QStringLiteral("en"));
     language->addItem(QString::fromUtf8("简体中文"), QStringLiteral("zh_CN"));
     language->setCurrentIndex(qMax(0, language->findData(m_settings.language)));
-    form->addRow(tr("Language"), language);
+    form->addRow(tr("&Language"), language);
     auto *const restart = new QLabel(tr("Another language is used from the next start on."), page);
     restart->hide();
     form->addRow(QString(), restart);
@@ -132,47 +143,66 @@ QWidget *SettingsDialog::createProgramPage()
         m_io.saveString(DockSettings::LanguageKey, language->currentData().toString());
         restart->show();
     });
-    addSwitch(form, tr("Play recordings with the help of the graphics card"),
-              QStringLiteral("KelMovie.record.enableHardwareAcceleration"),
-              gKelMovieConfig.recordEnableHardwareAcceleration);
+    addSwitch(
+        form,
+        {tr("Play with the &graphics card"), tr("Recordings are decoded by the graphics card where it is able to")},
+        QStringLiteral("KelMovie.record.enableHardwareAcceleration"), gKelMovieConfig.recordEnableHardwareAcceleration);
     return page;
 }
 
-void SettingsDialog::addSwitch(QFormLayout *form, const QString &text, const QString &key, bool value, bool isInverted)
+QFormLayout *SettingsDialog::createForm(QWidget *page)
 {
-    auto *const box = new QCheckBox(text);
+    auto *const form = new QFormLayout(page);
+    form->setContentsMargins(16, 16, 16, 16);
+    form->setHorizontalSpacing(24);
+    form->setVerticalSpacing(10);
+    form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
+    form->setFormAlignment(Qt::AlignLeft | Qt::AlignTop);
+    return form;
+}
+
+void SettingsDialog::addRow(QFormLayout *form, const Texts &texts, QWidget *control)
+{
+    control->setToolTip(texts.toolTip);
+    form->addRow(texts.label, control);
+}
+
+void SettingsDialog::addSwitch(QFormLayout *form, const Texts &texts, const QString &key, bool value, bool isInverted)
+{
+    auto *const box = new ToggleSwitch;
     box->setChecked(value);
-    form->addRow(QString(), box);
+    addRow(form, texts, box);
     connect(box, &QCheckBox::toggled, this, [this, key, isInverted](bool isOn) {
         m_io.saveBool(key, isOn != isInverted);
         emit changed();
     });
 }
 
-QComboBox *SettingsDialog::addNumberChoice(QFormLayout *form, const QString &label, const QString &key,
-                                           const QVector<QPair<QString, int>> &choices, int value)
+void SettingsDialog::addNumberChoice(QFormLayout *form, const Texts &texts, const QString &key,
+                                     const QVector<QPair<QString, int>> &choices, int value)
 {
-    auto *const box = new QComboBox;
+    auto *const box = new ChoiceBox;
     for (const auto &choice : choices)
         box->addItem(choice.first, choice.second);
     if (box->findData(value) < 0)
         box->addItem(QString::number(value), value); // set by hand in the file
     box->setCurrentIndex(box->findData(value));
-    form->addRow(label, box);
+    addRow(form, texts, box);
     connect(box, QOverload<int>::of(&QComboBox::activated), this, [this, key, box] {
         m_io.saveInt(key, box->currentData().toInt());
         emit changed();
     });
-    return box;
 }
 
 void SettingsDialog::addShortcut(QFormLayout *form, const QString &label, const QString &key, const QString &value)
 {
     auto *const edit = new QKeySequenceEdit(QKeySequence(value, QKeySequence::PortableText));
     edit->setAccessibleName(label);
+    edit->setToolTip(tr("Press the keys that shall do it"));
     edit->installEventFilter(this);
     auto *const clear = new QPushButton(tr("None"));
     clear->setAccessibleName(tr("%1: no shortcut").arg(label));
+    clear->setToolTip(clear->accessibleName());
     auto *const row = new QHBoxLayout;
     row->addWidget(edit, 1);
     row->addWidget(clear);

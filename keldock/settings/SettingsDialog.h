@@ -3,10 +3,7 @@
 #include <QDialog>
 
 class DockConfigIO;
-class QCheckBox;
-class QComboBox;
 class QFormLayout;
-class QKeySequenceEdit;
 class QLabel;
 struct DockSettings;
 
@@ -30,15 +27,22 @@ signals:
     void shortcutEditEnded();
 
 private:
+    struct Texts {
+        QString label; ///< with its mnemonic
+        QString toolTip;
+    };
+
     QWidget *createRecordingPage();
     QWidget *createProgramPage();
     QWidget *createShortcutsPage();
     QWidget *createFolderRow();
     void chooseFolder();
     void useFolder(const QString &folder);
-    void addSwitch(QFormLayout *form, const QString &text, const QString &key, bool value, bool isInverted = false);
-    QComboBox *addNumberChoice(QFormLayout *form, const QString &label, const QString &key,
-                               const QVector<QPair<QString, int>> &choices, int value);
+    static QFormLayout *createForm(QWidget *page);
+    static void addRow(QFormLayout *form, const Texts &texts, QWidget *control);
+    void addSwitch(QFormLayout *form, const Texts &texts, const QString &key, bool value, bool isInverted = false);
+    void addNumberChoice(QFormLayout *form, const Texts &texts, const QString &key,
+                         const QVector<QPair<QString, int>> &choices, int value);
     void addShortcut(QFormLayout *form, const QString &label, const QString &key, const QString &value);
 
     const DockSettings &m_settings;

@@ -102,7 +102,9 @@ void SaveQualityPanel::Private::look()
 void SaveQualityPanel::Private::show(const ExportSizeEstimator::Estimate &estimate)
 {
     const QLocale locale;
-    const auto text = [&](double bytes) { return locale.formattedDataSize(qint64(bytes), 1); };
+    const auto text = [&](double bytes) {
+        return locale.formattedDataSize(qint64(bytes), 1, QLocale::DataSizeSIFormat);
+    };
     const auto bytes = double(estimate.bytes);
     if (estimate.error == 0.0)
         size->setText(tr("About %1").arg(text(bytes)));

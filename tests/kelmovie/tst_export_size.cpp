@@ -168,7 +168,7 @@ void ExportSizeTest::panel()
     QVERIFY(size->text().isEmpty());
     panel.setPlaybackManager(manager.get());
     panel.setRange(400, 1400);
-    const QRegularExpression about("^About [0-9.]+ (MiB|KiB|bytes)$");
+    const QRegularExpression about("^About [0-9.]+ (MB|kB|bytes)$");
     QTRY_VERIFY_WITH_TIMEOUT(about.match(size->text()).hasMatch(), kWaitMs);
     const QString asVideo = size->text();
     gKelMovieConfig.playbackEncodeFormat = 2; // chosen elsewhere

@@ -1,0 +1,125 @@
+#include <QCoreApplication>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTranslator>
+#include <QXmlStreamReader>
+
+/// Every text of the program has a translation that says as much as the text does.
+class TestTranslations : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void catalogueIsComplete_data();
+    void catalogueIsComplete();
+    void programFindsItsCatalogue();
+};
+
+namespace
+{
+
+struct Message {
+    QString source;
+    QStringList translations;
+    bool isFinished = true;
+};
+
+/// The messages of a catalogue brought up to date with the sources.
+QList<Message> currentMessages(const QString &catalogue, const QStringList &folders)
+{
+    QTemporaryDir dir;
+    const QString copy = dir.filePath("copy.ts");
+    if (!QFile::copy(catalogue, copy)) {
+        return {};
+    }
+    QProcess lupdate;
+    lupdate.setWorkingDirectory(KEL_SOURCE_DIR);
+    lupdate.start(KEL_LUPDATE,
+                  QStringList{"-silent", "-no-obsolete", "-locations", "none"} + folders + QStringList{"-ts", copy});
+    if (!lupdate.waitForFinished(60000) || lupdate.exitCode() != 0) {
+        return {};
+    }
+
+    QFile file(copy);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    QList<Message> messages;
+    QXmlStreamReader xml(&file);
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement) {
+            continue;
+        }
+        if (xml.name() == QLatin1String("message")) {
+            messages.append(Message{});
+        } else if (xml.name() == QLatin1String("source")) {
+            messages.last().source = xml.readElementText();
+        } else if (xml.name() == QLatin1String("translation")) {
+            messages.last().isFinished = !xml.attributes().hasAttribute("type");
+            const QString text = xml.readElementText(QXmlStreamReader::IncludeChildElements).trimmed();
+            messages.last().translations.append(text);
+        }
+    }
+    return xml.hasError() ? QList<Message>{} : messages;
+}
+
+/// What the program puts into a text, in order of name.
+QStringList placeholders(const QString &text)
+{
+    static const QRegularExpression expression("%(?:L?\\d|n)");
+    QStringList found;
+    auto matches = expression.globalMatch(text);
+    while (matches.hasNext()) {
+        found.append(matches.next().captured());
+    }
+    found.sort();
+    return found;
+}
+
+bool hasMnemonic(const QString &text)
+{
+    static const QRegularExpression expression("&[^& ]");
+    return text.contains(expression);
+}
+
+} // namespace
+
+void TestTranslations::catalogueIsComplete_data()
+{
+    QTest::addColumn<QString>("catalogue");
+    QTest::addColumn<QStringList>("folders");
+    QTest::newRow("module") << "kelmovie_zh_CN.ts" << QStringList{"platform", "kelmovie"};
+    QTest::newRow("host") << "keldock_zh_CN.ts" << QStringList{"keldock"};
+}
+
+void TestTranslations::catalogueIsComplete()
+{
+    QFETCH(QString, catalogue);
+    QFETCH(QStringList, folders);
+
+    const QList<Message> messages =
+        currentMessages(QStringLiteral(KEL_SOURCE_DIR "/translations/") + catalogue, folders);
+    QVERIFY(!messages.isEmpty());
+    for (const Message &message : messages) {
+        QVERIFY2(message.isFinished, qPrintable("not translated: " + message.source));
+        for (const QString &translation : message.translations) {
+            QVERIFY2(!translation.isEmpty(), qPrintable("empty: " + message.source));
+            QVERIFY2(placeholders(translation) == placeholders(message.source), qPrintable(translation));
+            QVERIFY2(hasMnemonic(translation) == hasMnemonic(message.source), qPrintable(translation));
+        }
+    }
+}
+
+void TestTranslations::programFindsItsCatalogue()
+{
+    QTranslator translator;
+    QVERIFY(translator.load(QLocale("zh_CN"), "kelmovie", "_", ":/i18n"));
+    QVERIFY(QCoreApplication::installTranslator(&translator));
+    QCOMPARE(QCoreApplication::translate("KelRecordButton", "Start recording"), QStringLiteral("开始录制"));
+}
+
+QTEST_GUILESS_MAIN(TestTranslations)
+#include "tst_translations.moc"

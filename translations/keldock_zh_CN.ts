@@ -752,22 +752,6 @@ The recording goes on without it.</source>
         <translation>每次录制按键开始时</translation>
     </message>
     <message>
-        <source>Record what the computer &amp;plays</source>
-        <translation>录制电脑播放的声音(&amp;P)</translation>
-    </message>
-    <message>
-        <source>The sound of all programs</source>
-        <translation>所有程序的声音</translation>
-    </message>
-    <message>
-        <source>Record the m&amp;icrophone</source>
-        <translation>录制麦克风(&amp;I)</translation>
-    </message>
-    <message>
-        <source>The sound of the default microphone</source>
-        <translation>默认麦克风的声音</translation>
-    </message>
-    <message>
         <source>C&amp;hange...</source>
         <translation>更改(&amp;H)...</translation>
     </message>
@@ -818,6 +802,10 @@ The recording goes on without it.</source>
     <message>
         <source>Press the keys that shall do it</source>
         <translation>请按下要使用的按键</translation>
+    </message>
+    <message>
+        <source>Sound</source>
+        <translation>声音</translation>
     </message>
 </context>
 <context>

@@ -8,6 +8,7 @@
 #include "widget/ToggleSwitch.h"
 #include "widgets/DockStyle.h"
 
+#include <KelMovie/AudioSettingsPanel.h>
 #include <KelMovie/KelMovieConfig.h>
 
 #include <QDir>
@@ -30,6 +31,7 @@ SettingsDialog::SettingsDialog(const DockSettings &settings, DockConfigIO &io, Q
     applyDockStyle(this, QStringLiteral("Window"));
     auto *const tabs = new QTabWidget(this);
     tabs->addTab(createRecordingPage(), tr("Recording"));
+    tabs->addTab(createSoundPage(), tr("Sound"));
     tabs->addTab(createShortcutsPage(), tr("Shortcuts"));
     tabs->addTab(createProgramPage(), tr("Program"));
     auto *const close = new QPushButton(tr("&Close"), this);
@@ -62,10 +64,19 @@ QWidget *SettingsDialog::createRecordingPage()
     addSwitch(form, {tr("&Ask before keys are recorded"), tr("At the start of each recording with keys")},
               QStringLiteral("KelMovie.record.dontShowRecordingWarning"),
               !gKelMovieConfig.recordDontShowRecordingWarning, true);
-    addSwitch(form, {tr("Record what the computer &plays"), tr("The sound of all programs")},
-              QStringLiteral("KelMovie.record.recordSystemAudio"), gKelMovieConfig.recordRecordSystemAudio);
-    addSwitch(form, {tr("Record the m&icrophone"), tr("The sound of the default microphone")},
-              QStringLiteral("KelMovie.record.recordMicrophone"), gKelMovieConfig.recordRecordMicrophone);
+    return page;
+}
+
+/// Its meters show before a recording whether anything will be heard.
+QWidget *SettingsDialog::createSoundPage()
+{
+    auto *const page = new QWidget;
+    auto *const panel = new AudioSettingsPanel(page);
+    auto *const layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(panel);
+    layout->addStretch();
+    connect(panel, &AudioSettingsPanel::sigConfigUpdated, this, &SettingsDialog::changed);
     return page;
 }
 

@@ -33,6 +33,7 @@ private:
     };
 
     QWidget *createRecordingPage();
+    QWidget *createSoundPage();
     QWidget *createProgramPage();
     QWidget *createShortcutsPage();
     QWidget *createFolderRow();

@@ -97,7 +97,7 @@ void measureExport(const QString &dir, const QString &name, int format)
     printFigure("export_" + name + "_decode_and_paint", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
 
     timer.restart();
-    const auto encoder = KelExportSeams::real().createEncoder(format, kSize, dir + "/alone", kFps, 90);
+    const auto encoder = KelExportSeams::real().createEncoder(format, kSize, dir + "/alone", kFps, 90, QString());
     for (int i = 0; i < kVideoFrames; ++i)
         encoder->addFrame(quint64(i), pictures[i]);
     if (!encoder->close())

@@ -3,6 +3,7 @@
 #include <console/Terminal.h>
 
 #include <cstdio>
+#include <cstdlib>
 
 void Console::print(const QString &text)
 {
@@ -33,4 +34,10 @@ int Console::width()
 bool Console::showsUnicode()
 {
     return Terminal::showsUnicode();
+}
+
+void Console::leave(const QString &line)
+{
+    printError(line);
+    std::_Exit(EXIT_FAILURE);
 }

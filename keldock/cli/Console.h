@@ -24,4 +24,8 @@ int width();
 /// The person's locale can show more than ASCII.
 bool showsUnicode();
 
+/// Says why the program failed and ends it on the spot, when everything on the disk is as it shall be: threads that
+/// work at what nobody wants any more, and the memory that they hold, would keep the person waiting.
+[[noreturn]] void leave(const QString &line);
+
 } // namespace Console

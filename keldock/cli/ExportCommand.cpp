@@ -205,8 +205,9 @@ QString ExportCommand::run()
     monitor.finish();
     if (!isWhole) {
         const QString error = pipeline.errorString();
-        return error.isEmpty() ? QStringLiteral("export cancelled, nothing was written")
-                               : QStringLiteral("'%1' cannot be exported: %2").arg(m_file, error);
+        if (error.isEmpty())
+            Console::leave(QStringLiteral("keldock: export cancelled, nothing was written"));
+        return QStringLiteral("'%1' cannot be exported: %2").arg(m_file, error);
     }
     if (!pipeline.warningString().isEmpty())
         Console::printError(QStringLiteral("keldock: ") + pipeline.warningString());

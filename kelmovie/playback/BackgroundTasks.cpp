@@ -29,3 +29,9 @@ void BackgroundTasks::run(std::function<void()> task)
                    task = nullptr; // what it holds goes now
                }).share();
 }
+
+void BackgroundTasks::wait(std::chrono::milliseconds limit)
+{
+    if (lastTask.valid())
+        lastTask.wait_for(limit);
+}

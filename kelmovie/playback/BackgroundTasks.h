@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 
 /// Work that nobody waits for, such as letting go of what takes its time. Tasks run one after the other, the last ones
@@ -8,4 +9,7 @@ class BackgroundTasks
 {
 public:
     static void run(std::function<void()> task);
+
+    /// Until all are over, or `limit` has passed.
+    static void wait(std::chrono::milliseconds limit);
 };

@@ -3,7 +3,7 @@
 namespace
 {
 
-constexpr std::chrono::milliseconds kPoll(50);
+constexpr std::chrono::milliseconds kPoll(20);
 constexpr int kTellEveryMs = 200;
 constexpr int kEstimateAfterMs = 1000; // before that an estimate jumps about
 

@@ -2,6 +2,7 @@
 
 #include "avcodec/KelAVCodecEncoder.h"
 #include "avcodec/MixAudioVideoTracks.h"
+#include "playback/BackgroundTasks.h"
 #include "playback/ExportCanvas.h"
 #include "playback/ExportEncoder.h"
 #include "playback/ExportFrameMap.h"
@@ -21,6 +22,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <climits>
 #include <cmath>
 #include <exception>
@@ -39,6 +41,9 @@ constexpr int kMaxLoops = 65535;
 
 /// Frames of one picture that an encoder repeats in one go: few enough for its queue to stay short in time.
 constexpr int kRepeatedAtOnce = 64;
+
+/// An encoder lets go of its file when it is through with the picture that it is working at.
+constexpr std::chrono::seconds kLettingGo(2);
 
 /// As the encoders of animations understand it; empty: endlessly.
 QString loopsText(int loops)
@@ -125,7 +130,10 @@ bool KelExportPipeline::Private::runExport()
                                                         : output.path() + "/.kel_export_XXXXXX");
     if (!directory->isValid())
         return fail("Cannot create a temporary directory", directory->errorString());
-    const auto cleanUp = qScopeGuard([this] { directory->remove(); }); // at once, whoever still writes there
+    const auto cleanUp = qScopeGuard([this] {
+        if (!directory->remove()) // where a file cannot go while an encoder has it
+            BackgroundTasks::wait(kLettingGo);
+    });
     const QString video = directory->filePath(isMp4() ? "kel_temp_export_video.mp4" : output.fileName());
     if (!isMp4())
         return exportFrames(video) && placeFile(video);
@@ -156,6 +164,8 @@ bool KelExportPipeline::Private::exportFrames(const QString &path)
 {
     manager->pause();
     const int savedFrame = manager->currentFrame();
+    if (!showFrame(savedFrame)) // so that the way back takes no time: the manager keeps what is shown
+        return false;
     const int lostBefore = manager->lostPictures();
     const auto restore = qScopeGuard([&] {
         if (!manager)

@@ -88,8 +88,10 @@ EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<boo
     if (cancelled)
         return {};
     const QByteArray filtered = rows(delta, best);
+    if (cancelled)
+        return {};
     QByteArray data = deflated(filtered, best == Filtering::None ? PlainLevel : FilteredLevel);
-    if (m_isPatient) { // which does not always pay
+    if (m_isPatient && !cancelled) { // which does not always pay
         const QByteArray smaller = deflated(filtered, PatientLevel);
         if (smaller.size() < data.size())
             data = smaller;

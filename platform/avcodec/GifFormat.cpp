@@ -76,7 +76,8 @@ EncodedFrame GifFormat::encode(const PictureDelta &delta, const std::atomic<bool
 {
     const ColourHistogram histogram(delta);
     const bool isSmall = histogram.pixelCount() <= FewChanges && delta.pixels.size() <= SmallFrame;
-    return {delta.rect, true, isSmall ? smallFrame(delta, histogram, cancelled) : largeFrame(delta, histogram)};
+    return {delta.rect, true,
+            isSmall ? smallFrame(delta, histogram, cancelled) : largeFrame(delta, histogram, cancelled)};
 }
 
 /// With the palette that is worth its bytes; all of them are tried.
@@ -87,7 +88,7 @@ QByteArray GifFormat::smallFrame(const PictureDelta &delta, const ColourHistogra
     std::pair least(std::numeric_limits<double>::max(), 0); // and bytes
     const auto attempt = [&](const ColourPalette &palette, bool local) {
         const PaletteMatch match = palette.match(histogram);
-        const QByteArray data = frame(delta, histogram, palette, match, local);
+        const QByteArray data = frame(delta, histogram, palette, match, local, cancelled);
         const double error = match.meanError * histogram.pixelCount();
         const std::pair cost(error + m_errorPerByte * data.size(), data.size());
         if (cost < least) {
@@ -106,7 +107,8 @@ QByteArray GifFormat::smallFrame(const PictureDelta &delta, const ColourHistogra
 }
 
 /// With a palette of its own if that is truer than the global one by what its bytes are worth.
-QByteArray GifFormat::largeFrame(const PictureDelta &delta, const ColourHistogram &histogram) const
+QByteArray GifFormat::largeFrame(const PictureDelta &delta, const ColourHistogram &histogram,
+                                 const std::atomic<bool> &cancelled) const
 {
     const PaletteMatch global = m_palette.match(histogram);
     const double worthwhileError =
@@ -115,13 +117,13 @@ QByteArray GifFormat::largeFrame(const PictureDelta &delta, const ColourHistogra
         const ColourPalette own = ColourPalette::bestFor(histogram, MaxColours);
         const PaletteMatch match = own.match(histogram);
         if (match.meanError < worthwhileError)
-            return frame(delta, histogram, own, match, true);
+            return frame(delta, histogram, own, match, true, cancelled);
     }
-    return frame(delta, histogram, m_palette, global, false);
+    return frame(delta, histogram, m_palette, global, false, cancelled);
 }
 
 QByteArray GifFormat::frame(const PictureDelta &delta, const ColourHistogram &histogram, const ColourPalette &palette,
-                            const PaletteMatch &match, bool local) const
+                            const PaletteMatch &match, bool local, const std::atomic<bool> &cancelled) const
 {
     IndexedPicture picture{delta.pixels, {}, palette.colours(), int(palette.colours().size()), 0};
     picture.palette.push_back(0);
@@ -151,7 +153,7 @@ QByteArray GifFormat::frame(const PictureDelta &delta, const ColourHistogram &hi
     bytes += char(local ? 0x80 | (tableBits(palette.colours().size()) - 1) : 0);
     if (local)
         bytes += colourTable(palette.colours());
-    return bytes + gifImageData(picture);
+    return bytes + gifImageData(picture, cancelled);
 }
 
 bool GifFormat::writeHeader(OutputFile &file, QSize size, int plays)

@@ -22,9 +22,10 @@ public:
 private:
     QByteArray smallFrame(const PictureDelta &delta, const ColourHistogram &histogram,
                           const std::atomic<bool> &cancelled) const;
-    QByteArray largeFrame(const PictureDelta &delta, const ColourHistogram &histogram) const;
+    QByteArray largeFrame(const PictureDelta &delta, const ColourHistogram &histogram,
+                          const std::atomic<bool> &cancelled) const;
     QByteArray frame(const PictureDelta &delta, const ColourHistogram &histogram, const ColourPalette &palette,
-                     const PaletteMatch &match, bool local) const;
+                     const PaletteMatch &match, bool local, const std::atomic<bool> &cancelled) const;
 
     const int m_loss;            // 0: as good as possible, to 100
     const double m_errorPerByte; // squared error that a byte is worth

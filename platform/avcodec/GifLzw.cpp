@@ -135,8 +135,9 @@ private:
 class Compressor
 {
 public:
-    explicit Compressor(const IndexedPicture &picture)
+    Compressor(const IndexedPicture &picture, const std::atomic<bool> &cancelled)
         : m_picture(picture)
+        , m_cancelled(cancelled)
         , m_minimumSize(minimumCodeSize(int(picture.palette.size())))
         , m_stream(m_minimumSize)
     {
@@ -152,7 +153,7 @@ public:
             const std::size_t from = at;
             const int code = bestMatch(symbol, at);
             m_stream.put(code, m_width);
-            if (at == count)
+            if (at == count || m_cancelled)
                 break;
             symbol = firstSymbol(at, m_dictionary.lastSymbol(code));
             learn(code, symbol, at - from);
@@ -309,6 +310,7 @@ private:
     };
 
     const IndexedPicture &m_picture;
+    const std::atomic<bool> &m_cancelled;
     const int m_minimumSize;
     CodeStream m_stream;
     Dictionary m_dictionary;
@@ -325,7 +327,7 @@ private:
 
 } // namespace
 
-QByteArray gifImageData(const IndexedPicture &picture)
+QByteArray gifImageData(const IndexedPicture &picture, const std::atomic<bool> &cancelled)
 {
-    return Compressor(picture).run();
+    return Compressor(picture, cancelled).run();
 }

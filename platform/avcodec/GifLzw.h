@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QColor>
 
+#include <atomic>
 #include <vector>
 
 /// A picture as the palette shows it.
@@ -18,5 +19,5 @@ struct IndexedPicture {
 ///
 /// Most pixels leave a choice. One that did not change may be transparent or repeat its colour, and with a tolerance
 /// every colour that is near enough will do. Several ways to go on are followed at once, and the one that the
-/// dictionary carries furthest is written.
-QByteArray gifImageData(const IndexedPicture &picture);
+/// dictionary carries furthest is written. Ends early, with what nobody can use, once `cancelled` is set.
+QByteArray gifImageData(const IndexedPicture &picture, const std::atomic<bool> &cancelled);

@@ -4,7 +4,8 @@
 
 #include <QFileInfo>
 
-av::FormatContext av::openInput(const QString &path, const char *formats, QString *error)
+av::FormatContext av::openInput(const QString &path, const char *formats, QString *error,
+                                const AVIOInterruptCB *interrupt)
 {
     useQtLog();
     // A pipe or a device would block, a directory confuses the demuxers.
@@ -15,7 +16,9 @@ av::FormatContext av::openInput(const QString &path, const char *formats, QStrin
     AVDictionary *options = nullptr;
     av_dict_set(&options, "format_whitelist", formats, 0);
     av_dict_set(&options, "protocol_whitelist", "file", 0);
-    AVFormatContext *context = nullptr;
+    AVFormatContext *context = avformat_alloc_context();
+    if (context && interrupt)
+        context->interrupt_callback = *interrupt;
     int code = avformat_open_input(&context, ("file:" + path.toUtf8()).constData(), nullptr, &options);
     av_dict_free(&options);
     FormatContext format(context);

@@ -70,7 +70,7 @@ QByteArray compressed(const WebPConfig &config, QSize size, std::vector<QRgb> pi
                       const std::atomic<bool> &cancelled)
 {
     WebPPicture picture;
-    if (!WebPPictureInit(&picture))
+    if (cancelled || !WebPPictureInit(&picture))
         return {};
     picture.use_argb = 1;
     picture.width = size.width();

@@ -73,9 +73,11 @@ private:
     bool encodeShown();
     bool write(const EncodedPicture &picture);
     bool drain();
+    static int isInterrupted(void *self) { return static_cast<Private *>(self)->error.isSet() ? 1 : 0; }
 
     std::unique_ptr<PlanarFrames> frames;
     std::unique_ptr<X264Encoder> encoder;
+    const AVIOInterruptCB interrupt{isInterrupted, this}; // the index of a huge file is long in moving
     MuxerFile file;
     std::unique_ptr<Mp4Muxer> muxer;
     qint64 end = 0;               // behind the last frame handed over
@@ -102,7 +104,7 @@ QString h264Encoder::Private::open()
     if (!encoder->isValid())
         return QStringLiteral("The H.264 encoder cannot be opened");
     const QByteArray url = "file:" + params.path.toUtf8();
-    int code = file.open(url);
+    int code = file.open(url, &interrupt);
     if (code == 0) {
         muxer =
             std::make_unique<Mp4Muxer>(Mp4VideoTrack{frames->pictureSize(), params.fps, encoder->decoderConfiguration(),

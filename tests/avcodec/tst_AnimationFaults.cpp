@@ -1,7 +1,9 @@
 // What can go wrong while an animated picture is written, and what is left of the file then.
 
 #include "avcodec/AnimationSample.h"
+#include "avcodec/ApngFormat.h"
 #include "avcodec/DecodedAnimation.h"
+#include "avcodec/GifFormat.h"
 #include "avcodec/PictureComparer.h"
 #include "avcodec/WebpFormat.h"
 #include "support/FileSizeLimit.h"
@@ -47,6 +49,8 @@ private slots:
     void webpStopsBeforeItsLimit();
     void abortsAtOnce_data() { addFormats(); }
     void abortsAtOnce();
+    void abandonsPicture_data() { addFormats(); }
+    void abandonsPicture();
 
 private:
     QString path(const QString &format) const { return m_dir.filePath(QStringLiteral("animation.") + format); }
@@ -218,6 +222,24 @@ void tst_AnimationFaults::abortsAtOnce()
     complete->abort();
     QVERIFY(complete->isValid());
     QVERIFY(complete->close());
+}
+
+/// A huge picture takes seconds that nobody wants to wait for.
+void tst_AnimationFaults::abandonsPicture()
+{
+    QFETCH(QString, format);
+    std::unique_ptr<AnimationFormat> encoder = std::make_unique<GifFormat>(90);
+    if (format == QLatin1String("png"))
+        encoder = std::make_unique<ApngFormat>(kFps, 90);
+    else if (format == QLatin1String("webp"))
+        encoder = std::make_unique<WebpFormat>(90);
+    const QSize size(640, 480);
+    const PictureDelta delta = PictureComparer(size, 2).accept(noise(size, 0), QRect(QPoint(0, 0), size));
+    encoder->prepare(delta);
+    std::atomic<bool> cancelled{false};
+    const int whole = encoder->encode(delta, cancelled).data.size();
+    cancelled = true;
+    QVERIFY(encoder->encode(delta, cancelled).data.size() < whole / 100);
 }
 
 QTEST_MAIN(tst_AnimationFaults)

@@ -1,0 +1,154 @@
+// Makes a recording of any size and length, faster than a screen could be recorded.
+
+#include "SceneRenderer.h"
+#include "audio/WavHeader.h"
+#include "avcodec/KelAsyncEncoder.h"
+#include "record/FrameIndexFile.h"
+#include "record/KelRecordingMetadata.h"
+
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QtEndian>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+constexpr int kSoundRate = 48000;
+
+struct Wish {
+    QSize size;
+    int frames = 0;
+    int fps = 0;
+    bool isNoise = false;
+    bool hasSound = false;
+    QString directory;
+};
+
+int fail(const QString &text)
+{
+    std::fprintf(stderr, "kel_made_recording: %s\n", qPrintable(text));
+    return 1;
+}
+
+/// Paints the next frame over the one before.
+using Painting = std::function<void(QImage &picture, int frame)>;
+
+Painting scenePainting(const QSize &size)
+{
+    return [scene = std::make_shared<SceneRenderer>(size)](QImage &picture, int frame) {
+        QPainter painter(&picture);
+        scene->paint(painter, frame, scene->changed(frame));
+    };
+}
+
+/// What no encoder makes smaller.
+Painting noisePainting()
+{
+    return [random = std::mt19937_64(1)](QImage &picture, int) mutable {
+        auto *words = reinterpret_cast<quint64 *>(picture.bits());
+        std::generate(words, words + picture.sizeInBytes() / qsizetype(sizeof *words), std::ref(random));
+    };
+}
+
+QString writeScreen(const Wish &wish)
+{
+    if (!QDir().mkpath(wish.directory + "/Screen"))
+        return "cannot create " + wish.directory;
+    KelAsyncEncoder::Params params;
+    params.frameSize = wish.size;
+    params.inputFormat = QImage::Format_RGB32;
+    params.path = wish.directory + "/Screen/screen_record.mp4";
+    KelAsyncEncoder encoder(params);
+    const Painting paint = wish.isNoise ? noisePainting() : scenePainting(wish.size);
+    QImage picture(wish.size, QImage::Format_RGB32);
+    for (int frame = 0; frame < wish.frames && encoder.errorString().isEmpty(); ++frame) {
+        paint(picture, frame);
+        while (encoder.isBusy() && encoder.errorString().isEmpty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        encoder.addFrame(frame, picture);
+    }
+    encoder.waitForClosed();
+    if (!encoder.errorString().isEmpty())
+        return encoder.errorString();
+    std::vector<qint64> entries(std::size_t(wish.frames));
+    std::iota(entries.begin(), entries.end(), 0);
+    FrameIndexFile index(wish.directory + "/Screen/frame_indexes.dat");
+    return index.update(entries) ? QString() : QStringLiteral("cannot write the frame index");
+}
+
+/// A tone that rises from second to second.
+QString writeSound(const QString &directory, qint64 durationMs)
+{
+    if (!QDir().mkpath(directory + "/Voice"))
+        return "cannot create " + directory + "/Voice";
+    QFile file(directory + "/Voice/system_audio_0.wav");
+    const qint64 samples = kSoundRate * durationMs / 1000;
+    WavHeader header = WavHeader::pcm(kSoundRate, 1, 16);
+    header.setDataSize(samples * 2);
+    if (!file.open(QIODevice::WriteOnly) || file.write(header.toBytes()) != WavHeader::Size)
+        return file.errorString();
+    double phase = 0;
+    std::vector<qint16> second(kSoundRate);
+    for (qint64 done = 0; done < samples; done += kSoundRate) {
+        const double hz = 300.0 + double(done / kSoundRate % 24) * 50;
+        for (qint16 &sample : second) {
+            sample = qToLittleEndian(qint16(8000 * std::sin(phase)));
+            phase = std::fmod(phase + hz * 2 * M_PI / kSoundRate, 2 * M_PI);
+        }
+        const qint64 bytes = std::min<qint64>(kSoundRate, samples - done) * 2;
+        if (file.write(reinterpret_cast<const char *>(second.data()), bytes) != bytes)
+            return file.errorString();
+    }
+    return {};
+}
+
+QString writeRecording(const Wish &wish)
+{
+    QString error = writeScreen(wish);
+    KelRecordingMetadata metadata;
+    metadata.recordArea = QRect(QPoint(0, 0), wish.size);
+    metadata.fps = wish.fps;
+    metadata.totalFrames = metadata.actualRecordedFrames = wish.frames;
+    metadata.durationMs = qint64(wish.frames) * 1000 / wish.fps;
+    metadata.mouseTrack = false;
+    metadata.systemAudio = wish.hasSound;
+    if (error.isEmpty() && wish.hasSound)
+        error = writeSound(wish.directory, metadata.durationMs);
+    if (error.isEmpty())
+        metadata.save(wish.directory, &error);
+    return error;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication app(argc, argv);
+    const QStringList arguments = app.arguments();
+    if (arguments.size() < 7)
+        return fail("usage: WIDTH HEIGHT FRAMES FPS scene|noise DIRECTORY [sound]");
+    Wish wish;
+    wish.size = QSize(arguments[1].toInt(), arguments[2].toInt());
+    wish.frames = arguments[3].toInt();
+    wish.fps = arguments[4].toInt();
+    wish.isNoise = arguments[5] == "noise";
+    wish.directory = arguments[6];
+    wish.hasSound = arguments.size() > 7;
+    if (wish.size.isEmpty() || wish.frames < 1 || wish.fps < 1)
+        return fail("sizes, frames and frames a second are at least 1");
+    const QString error = writeRecording(wish);
+    return error.isEmpty() ? 0 : fail(error);
+}

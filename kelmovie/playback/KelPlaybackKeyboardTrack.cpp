@@ -2,8 +2,6 @@
 
 #include "playback/KeyBoxPainter.h"
 
-#include <KelMovie/KelPlaybackTrackManager.h>
-
 #include <QDebug>
 #include <QPainter>
 
@@ -18,7 +16,7 @@ constexpr double kMaxScale = 16.0;
 } // namespace
 
 KelPlaybackKeyboardTrack::KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio,
-                                                   KelPlaybackTrackManager *manager)
+                                                   const QSize &picture, KelPlaybackTrackManager *manager)
     : KelPlaybackTrack(directory, manager)
     , m_totalFrames(totalFrames)
     , m_scale(qBound(kMinScale, pixelRatio, kMaxScale))
@@ -30,7 +28,6 @@ KelPlaybackKeyboardTrack::KelPlaybackKeyboardTrack(const QString &directory, int
         return;
     }
     // The file may lie; boxes belong into the picture.
-    const QSize picture = manager ? manager->pictureSize() : QSize();
     m_canvas = m_recording.canvas;
     if (!picture.isEmpty())
         m_canvas = m_canvas.isEmpty() ? picture : m_canvas.boundedTo(picture);

@@ -17,8 +17,9 @@ class KelPlaybackKeyboardTrack : public KelPlaybackTrack
 
 public:
     /// Loads the keys in `directory`; on failure errorString() says why. `pixelRatio`: picture pixels per pixel of a
-    /// 96-dpi desktop. With its own style the track shows nothing: see setStyle().
-    KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio,
+    /// 96-dpi desktop; no box leaves the `picture`, where its size is known. With its own style the track shows
+    /// nothing: see setStyle().
+    KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio, const QSize &picture,
                              KelPlaybackTrackManager *manager);
 
     /// The frame shown stays, in the new style.

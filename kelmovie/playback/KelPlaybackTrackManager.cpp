@@ -7,20 +7,15 @@
 #include "playback/KelPlaybackSeams.h"
 #include "playback/KelPlaybackVoiceTrack.h"
 #include "playback/PlaybackClock.h"
-#include "playback/PlaybackSettings.h"
+#include "playback/PlaybackTracks.h"
 #include "record/KelRecordingMetadata.h"
 
-#include <KelMovie/KelMovieConfig.h>
-
-#include <QDebug>
-#include <QFileInfo>
 #include <QPainter>
 #include <QTimer>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <vector>
 
 namespace
 {
@@ -34,32 +29,24 @@ constexpr double kNegligibleMs = 20;
 // Above a certain speed only every n-th frame change is decoded. Counted for all managers together, for good.
 unsigned frameChanges = 0;
 
+/// With its defaults where it cannot be read.
+KelRecordingMetadata loadMetadata(const QString &dir)
+{
+    KelRecordingMetadata metadata;
+    KelRecordingMetadata::load(dir, &metadata);
+    return metadata;
+}
+
 } // namespace
 
 class KelPlaybackTrackManager::Private
 {
 public:
-    Private(KelPlaybackTrackManager *manager, const QString &dir, bool hardware, const KelPlaybackSeams &outside)
-        : q(manager)
-        , seams(outside)
-        , timer(manager)
-        , recordDir(dir)
-        , preferHardwareDecode(hardware)
-    {
-    }
+    Private(KelPlaybackTrackManager *manager, const QString &dir, bool preferHardwareDecode,
+            const KelPlaybackSeams &outside);
 
-    void createTracks();
-    void createScreenTrack();
-    void createMouseTrack();
-    void createVoiceTrack();
-    void createCountdownTrack();
-    void createKeyboardTrack();
-    void decideFrameCount();
-    void applySettings();
-    bool holds(int frame) const { return frame >= 0 && frame < totalFrames; }
+    bool holds(int frame) const { return frame >= 0 && frame < tracks.totalFrames(); }
     bool isJump(int frame) const;
-    void moveTracks(int frame);
-    void resetEffects();
     double audioMs(double frame) const;
     double audioRate() const;
     void restartClock() { clock.restart(seams.nowMs(), currentFrame); }
@@ -69,127 +56,28 @@ public:
     KelPlaybackTrackManager *const q;
     const KelPlaybackSeams seams;
     QTimer timer;
-    std::vector<std::unique_ptr<KelPlaybackTrack>> tracks; // in painting order
-    KelPlaybackScreenTrack *screenTrack = nullptr;         // the one in tracks
-    KelPlaybackMouseTrack *mouseTrack = nullptr;           // the one in tracks
-    KelPlaybackVoiceTrack *voiceTrack = nullptr;           // the one in tracks
-    KelPlaybackCountdownTrack *countdownTrack = nullptr;   // the one in tracks
-    KelPlaybackKeyboardTrack *keyboardTrack = nullptr;     // the one in tracks
     State state = Stopped;
     const QString recordDir;
-    KelRecordingMetadata metadata;
-    QString errorString;
+    const KelRecordingMetadata metadata;
+    PlaybackTracks tracks;
     PlaybackClock clock;
     int currentFrame = 0;
-    int totalFrames = 0;
     bool exporting = false;
-    quint64 pictureRevision = 0;
     qint64 lastPlayDurationMs = 0;
-    const bool preferHardwareDecode;
 };
 
-/// The order is the painting order: what comes later lies above.
-void KelPlaybackTrackManager::Private::createTracks()
+KelPlaybackTrackManager::Private::Private(KelPlaybackTrackManager *manager, const QString &dir,
+                                          bool preferHardwareDecode, const KelPlaybackSeams &outside)
+    : q(manager)
+    , seams(outside)
+    , timer(manager)
+    , recordDir(dir)
+    , metadata(loadMetadata(dir))
+    , tracks(dir, metadata, preferHardwareDecode, seams, manager)
 {
-    if (metadata.screenTrack)
-        createScreenTrack();
-    if (metadata.mouseTrack)
-        createMouseTrack();
-    if (metadata.systemAudio || metadata.microphoneAudio)
-        createVoiceTrack();
-    createCountdownTrack();
-    decideFrameCount();
-    if (metadata.keyboardTrack)
-        createKeyboardTrack();
-    applySettings();
-}
-
-void KelPlaybackTrackManager::Private::createScreenTrack()
-{
-    const QString dir = recordDir + "/Screen";
-    if (!QFileInfo(dir).isDir()) {
-        errorString = "Screen directory not found: " + dir;
-        qWarning() << "Screen track enabled but directory not found:" << dir;
-        return;
-    }
-    auto track = std::make_unique<KelPlaybackScreenTrack>(metadata.devicePixelRatio, dir, preferHardwareDecode,
-                                                          seams.decoders, q);
-    if (!track->errorString().isEmpty()) {
-        errorString = track->errorString();
-        qCritical() << "Screen track creation failed:" << errorString;
-        return;
-    }
-    screenTrack = track.get();
-    tracks.push_back(std::move(track));
-}
-
-void KelPlaybackTrackManager::Private::createMouseTrack()
-{
-    const QString dir = recordDir + "/Mouse";
-    if (!QFileInfo(dir).isDir()) {
-        qWarning() << "Mouse track enabled but directory not found:" << dir;
-        return;
-    }
-    auto track = std::make_unique<KelPlaybackMouseTrack>(dir, q);
-    mouseTrack = track.get();
-    tracks.push_back(std::move(track));
-}
-
-void KelPlaybackTrackManager::Private::createVoiceTrack()
-{
-    const QString dir = recordDir + "/Voice";
-    if (!QFileInfo(dir).isDir()) {
-        qWarning() << "Voice track enabled but directory not found:" << dir;
-        return;
-    }
-    auto track = std::make_unique<KelPlaybackVoiceTrack>(dir, metadata.systemAudio, metadata.microphoneAudio, seams, q);
-    voiceTrack = track.get();
-    tracks.push_back(std::move(track));
-}
-
-void KelPlaybackTrackManager::Private::createCountdownTrack()
-{
-    auto track = std::make_unique<KelPlaybackCountdownTrack>(recordDir, q);
-    track->setScale(metadata.pixelRatio);
-    track->setFps(metadata.fps);
-    track->setArea(QRect(QPoint(), q->pictureSize()));
-    countdownTrack = track.get();
-    tracks.push_back(std::move(track));
-}
-
-void KelPlaybackTrackManager::Private::createKeyboardTrack()
-{
-    auto track =
-        std::make_unique<KelPlaybackKeyboardTrack>(recordDir + "/Keyboard", totalFrames, metadata.pixelRatio, q);
-    if (!track->errorString().isEmpty()) {
-        qCritical() << "Keyboard track creation failed:" << track->errorString();
-        return;
-    }
-    keyboardTrack = track.get();
-    tracks.push_back(std::move(track));
-}
-
-void KelPlaybackTrackManager::Private::applySettings()
-{
-    ++pictureRevision;
-    for (const auto &track : tracks)
-        applyPlaybackSettings(gKelMovieConfig, metadata.pixelRatio, *track);
-}
-
-void KelPlaybackTrackManager::Private::decideFrameCount()
-{
-    totalFrames = 1;
-    if (!metadata.screenTrack) {
-        errorString = "The recording has no screen track";
-        qWarning() << "Screen track disabled, cannot determine frame count";
-    } else if (!screenTrack) {
-        qCritical() << "No screen track found in tracks list";
-    } else if (screenTrack->logicFrameCount() <= 0) {
-        qWarning() << "Screen track has no logic frames, using fallback";
-    } else {
-        totalFrames = screenTrack->logicFrameCount();
-    }
-    countdownTrack->setTotalFrames(totalFrames);
+    clock.fps = metadata.fps;
+    timer.setTimerType(Qt::PreciseTimer);
+    connect(&timer, &QTimer::timeout, manager, [this] { tick(); });
 }
 
 bool KelPlaybackTrackManager::Private::isJump(int frame) const
@@ -197,35 +85,17 @@ bool KelPlaybackTrackManager::Private::isJump(int frame) const
     return std::abs(frame - currentFrame) > kJumpFrames;
 }
 
-void KelPlaybackTrackManager::Private::moveTracks(int frame)
-{
-    bool isChanged = false;
-    for (const auto &track : tracks) {
-        if (track.get() != voiceTrack && track->moveToFrame(frame))
-            isChanged = true;
-    }
-    if (isChanged)
-        ++pictureRevision;
-}
-
-void KelPlaybackTrackManager::Private::resetEffects()
-{
-    ++pictureRevision;
-    if (mouseTrack)
-        mouseTrack->resetEffects();
-}
-
 /// Where the sound of a frame is. The recording's clock may have ticked at another rate than fps() says; its sound did
 /// not.
 double KelPlaybackTrackManager::Private::audioMs(double frame) const
 {
-    return frame / totalFrames * double(metadata.durationMs);
+    return frame / tracks.totalFrames() * double(metadata.durationMs);
 }
 
 /// Ms of sound in each ms of playback.
 double KelPlaybackTrackManager::Private::audioRate() const
 {
-    const double nominalMs = totalFrames * 1000.0 / clock.fps;
+    const double nominalMs = tracks.totalFrames() * 1000.0 / clock.fps;
     const auto durationMs = double(metadata.durationMs);
     // Without need no sample is left out or repeated.
     const bool isNominal = durationMs <= 0 || std::abs(durationMs - nominalMs) <= kNegligibleMs;
@@ -238,13 +108,13 @@ void KelPlaybackTrackManager::Private::tick()
         return;
     const qint64 now = seams.nowMs();
     const int previous = currentFrame;
-    currentFrame = clock.frameAt(now, totalFrames);
+    currentFrame = clock.frameAt(now, tracks.totalFrames());
     const bool changed = currentFrame != previous;
     if (changed)
         emit q->sigFrameChanged(currentFrame);
     if (state != Playing)
         return; // the listener paused or stopped
-    if (currentFrame >= totalFrames - 1 && clock.isOver(now, totalFrames)) {
+    if (currentFrame >= tracks.totalFrames() - 1 && clock.isOver(now, tracks.totalFrames())) {
         lastPlayDurationMs = now - clock.startMs;
         endPlay();
         return;
@@ -255,23 +125,23 @@ void KelPlaybackTrackManager::Private::tick()
         if (frameChanges % step == 0)
             q->seek(currentFrame, false);
     }
-    if (voiceTrack && metadata.durationMs > 0)
-        voiceTrack->synchronize(audioMs(clock.exactFrameAt(seams.nowMs())));
+    if (tracks.voice() && metadata.durationMs > 0)
+        tracks.voice()->synchronize(audioMs(clock.exactFrameAt(seams.nowMs())));
 }
 
 void KelPlaybackTrackManager::Private::endPlay()
 {
     timer.stop();
     state = Stopped;
-    countdownTrack->setPlaying(false);
-    if (voiceTrack)
-        voiceTrack->stop();
-    resetEffects();
+    tracks.countdown()->setPlaying(false);
+    if (tracks.voice())
+        tracks.voice()->stop();
+    tracks.resetEffects();
     currentFrame = 0;
     emit q->sigFrameChanged(0);
-    if (keyboardTrack)
-        keyboardTrack->resetHistory();
-    ++pictureRevision;
+    if (tracks.keyboard())
+        tracks.keyboard()->resetHistory();
+    tracks.noteChange();
     emit q->sigPlaybackStopped();
 }
 
@@ -285,25 +155,18 @@ KelPlaybackTrackManager::KelPlaybackTrackManager(const QString &recordDir, bool 
     : QObject(parent)
     , d(std::make_unique<Private>(this, recordDir, preferHardwareDecode, seams))
 {
-    connect(&d->timer, &QTimer::timeout, this, [this] { d->tick(); });
-    d->timer.setTimerType(Qt::PreciseTimer);
-    KelRecordingMetadata::load(recordDir, &d->metadata);
-    d->clock.fps = d->metadata.fps;
-    d->createTracks();
-    if (!QFileInfo(recordDir).isDir())
-        d->errorString = "Recording directory not found: " + recordDir;
 }
 
 KelPlaybackTrackManager::~KelPlaybackTrackManager() = default;
 
 bool KelPlaybackTrackManager::isValidRecording() const
 {
-    return d->screenTrack != nullptr;
+    return d->tracks.screen() != nullptr;
 }
 
 QString KelPlaybackTrackManager::errorString() const
 {
-    return d->errorString;
+    return d->tracks.errorString();
 }
 
 QString KelPlaybackTrackManager::recordDir() const
@@ -328,7 +191,7 @@ int KelPlaybackTrackManager::currentFrame() const
 
 int KelPlaybackTrackManager::totalFrames() const
 {
-    return d->totalFrames;
+    return d->tracks.totalFrames();
 }
 
 int KelPlaybackTrackManager::fps() const
@@ -363,43 +226,37 @@ double KelPlaybackTrackManager::devicePixelRatio() const
 
 QSize KelPlaybackTrackManager::pictureSize() const
 {
-    const QSize area = d->metadata.recordArea.size();
-    return area.isEmpty() && d->screenTrack ? d->screenTrack->frameSize() : area;
+    return d->tracks.pictureSize();
 }
 
 int KelPlaybackTrackManager::videoFrameCount() const
 {
-    return d->screenTrack ? d->screenTrack->videoFrameCount() : 0;
+    return d->tracks.screen() ? d->tracks.screen()->videoFrameCount() : 0;
 }
 
 QStringList KelPlaybackTrackManager::trackNames() const
 {
-    QStringList names;
-    for (const auto &track : d->tracks) {
-        if (track.get() != d->countdownTrack && track->errorString().isEmpty())
-            names.append(track->name());
-    }
-    return names;
+    return d->tracks.names();
 }
 
 KelPlaybackVoiceTrack *KelPlaybackTrackManager::voiceTrack() const
 {
-    return d->voiceTrack;
+    return d->tracks.voice();
 }
 
 void KelPlaybackTrackManager::play()
 {
     if (d->state == Playing)
         return;
-    d->applySettings();
+    d->tracks.applySettings();
     // After the end of play the tracks still stand at the last frame.
     if (d->state == Stopped)
-        d->moveTracks(d->currentFrame);
+        d->tracks.moveTo(d->currentFrame);
     d->state = Playing;
-    d->countdownTrack->setPlaying(true);
+    d->tracks.countdown()->setPlaying(true);
     d->restartClock();
-    if (d->voiceTrack)
-        d->voiceTrack->play(d->audioMs(d->currentFrame), d->audioRate());
+    if (d->tracks.voice())
+        d->tracks.voice()->play(d->audioMs(d->currentFrame), d->audioRate());
     // Twice a frame, so that a frame is never late by a whole one.
     d->timer.start(std::max(1, 500 / fps()));
     emit sigPlaybackStarted();
@@ -411,10 +268,10 @@ void KelPlaybackTrackManager::pause()
         return;
     d->timer.stop();
     d->state = Paused;
-    d->countdownTrack->setPlaying(false);
-    if (d->voiceTrack)
-        d->voiceTrack->pause();
-    d->resetEffects();
+    d->tracks.countdown()->setPlaying(false);
+    if (d->tracks.voice())
+        d->tracks.voice()->pause();
+    d->tracks.resetEffects();
     emit sigPlaybackPaused();
 }
 
@@ -429,11 +286,11 @@ void KelPlaybackTrackManager::setSpeed(double speed)
     if (!std::isfinite(speed))
         return;
     d->clock.speed = std::clamp(speed, kMinSpeed, kMaxSpeed);
-    d->countdownTrack->setSpeed(d->clock.speed);
-    ++d->pictureRevision;
+    d->tracks.countdown()->setSpeed(d->clock.speed);
+    d->tracks.noteChange();
     d->restartClock();
-    if (d->voiceTrack && d->state == Playing)
-        d->voiceTrack->play(d->audioMs(d->currentFrame), d->audioRate());
+    if (d->tracks.voice() && d->state == Playing)
+        d->tracks.voice()->play(d->audioMs(d->currentFrame), d->audioRate());
     emit sigPlaybackSpeedChanged(d->clock.speed);
 }
 
@@ -450,9 +307,9 @@ void KelPlaybackTrackManager::seek(int frame, bool force)
     d->currentFrame = frame;
     if (isMove && d->state == Playing)
         d->restartClock();
-    d->moveTracks(frame);
-    if (d->voiceTrack && (isMove || d->state == Paused))
-        d->voiceTrack->seekToMs(qint64(d->audioMs(frame)));
+    d->tracks.moveTo(frame);
+    if (d->tracks.voice() && (isMove || d->state == Paused))
+        d->tracks.voice()->seekToMs(qint64(d->audioMs(frame)));
     emit sigFrameChanged(frame);
 }
 
@@ -461,53 +318,51 @@ void KelPlaybackTrackManager::setFrameSilently(int frame)
     if (!d->holds(frame))
         return;
     d->currentFrame = frame;
-    d->moveTracks(frame);
+    d->tracks.moveTo(frame);
 }
 
 void KelPlaybackTrackManager::setFrameAsPlayed(int frame)
 {
-    if (d->mouseTrack && d->holds(frame))
-        d->mouseTrack->playEffectsBefore(frame);
+    if (d->tracks.mouse() && d->holds(frame))
+        d->tracks.mouse()->playEffectsBefore(frame);
     setFrameSilently(frame);
 }
 
 void KelPlaybackTrackManager::prefetch(int frame)
 {
-    if (d->screenTrack && d->holds(frame))
-        d->screenTrack->prefetch(frame);
+    if (d->tracks.screen() && d->holds(frame))
+        d->tracks.screen()->prefetch(frame);
 }
 
 bool KelPlaybackTrackManager::waitForPrefetch(std::chrono::milliseconds limit) const
 {
-    return !d->screenTrack || d->screenTrack->waitForPrefetch(limit);
+    return !d->tracks.screen() || d->tracks.screen()->waitForPrefetch(limit);
 }
 
 void KelPlaybackTrackManager::paint(QPainter *painter)
 {
-    if (!painter)
-        return;
-    for (const auto &track : d->tracks)
-        track->paint(painter);
+    if (painter)
+        d->tracks.paint(painter);
 }
 
 quint64 KelPlaybackTrackManager::pictureRevision() const
 {
-    return d->pictureRevision;
+    return d->tracks.revision();
 }
 
 bool KelPlaybackTrackManager::isPictureCovered() const
 {
-    return d->screenTrack && d->screenTrack->covers(pictureSize());
+    return d->tracks.screen() && d->tracks.screen()->covers(pictureSize());
 }
 
 int KelPlaybackTrackManager::lostPictures() const
 {
-    return d->screenTrack ? d->screenTrack->lostPictures() : 0;
+    return d->tracks.screen() ? d->tracks.screen()->lostPictures() : 0;
 }
 
 void KelPlaybackTrackManager::updateSettings()
 {
-    d->applySettings();
+    d->tracks.applySettings();
     emit sigFrameChanged(d->currentFrame);
 }
 
@@ -518,22 +373,22 @@ void KelPlaybackTrackManager::setExporting(bool on)
 
 void KelPlaybackTrackManager::beginExport(double speed, int first, int last)
 {
-    d->countdownTrack->setSpeed(speed);
+    d->tracks.countdown()->setSpeed(speed);
     if (first >= 0)
-        d->countdownTrack->setRange(first, last);
-    if (d->screenTrack)
-        d->screenTrack->keepPicture();
-    d->resetEffects();
+        d->tracks.countdown()->setRange(first, last);
+    if (d->tracks.screen())
+        d->tracks.screen()->keepPicture();
+    d->tracks.resetEffects();
 }
 
 void KelPlaybackTrackManager::endExport(int frame)
 {
-    d->countdownTrack->clearRange();
-    d->countdownTrack->setSpeed(d->clock.speed);
-    d->resetEffects();
+    d->tracks.countdown()->clearRange();
+    d->tracks.countdown()->setSpeed(d->clock.speed);
+    d->tracks.resetEffects();
     seek(frame);
-    if (d->screenTrack)
-        d->screenTrack->dropKeptPicture();
+    if (d->tracks.screen())
+        d->tracks.screen()->dropKeptPicture();
 }
 
 bool KelPlaybackTrackManager::isExporting() const

@@ -67,7 +67,7 @@ private:
                                                    double scale = 1.0)
     {
         writeKeyMeta(m_dir->path(), keyMetaFile(keyScript(script), canvas));
-        auto track = std::make_unique<KelPlaybackKeyboardTrack>(m_dir->path(), 1000, scale, nullptr);
+        auto track = std::make_unique<KelPlaybackKeyboardTrack>(m_dir->path(), 1000, scale, QSize(), nullptr);
         track->setStyle(everything());
         return track;
     }
@@ -116,7 +116,7 @@ void PlaybackKeyboardTrackTest::readsHostileFiles()
 
     writeKeyMeta(m_dir->path(), content);
     LogCapture capture;
-    KelPlaybackKeyboardTrack track(m_dir->path(), 50, 1.0, nullptr);
+    KelPlaybackKeyboardTrack track(m_dir->path(), 50, 1.0, QSize(), nullptr);
     const QStringList lines = capture.take();
     QCOMPARE(lines.size(), log.isEmpty() ? 0 : 1);
     QVERIFY2(log.isEmpty() || lines.first().startsWith(log), qPrintable(lines.join('\n')));
@@ -129,7 +129,7 @@ void PlaybackKeyboardTrackTest::readsHostileFiles()
     }
 
     QFile::remove(m_dir->filePath("keyboard.keymeta"));
-    const KelPlaybackKeyboardTrack missing(m_dir->path(), 50, 1.0, nullptr);
+    const KelPlaybackKeyboardTrack missing(m_dir->path(), 50, 1.0, QSize(), nullptr);
     const QString error = "KelPlaybackKeyboardTrack open meta file failed: " + m_dir->path();
     QCOMPARE(missing.errorString(), error);
     QCOMPARE(capture.take(), QStringList{"C " + error});
@@ -252,7 +252,7 @@ void PlaybackKeyboardTrackTest::everyKeyIsDrawnInside()
         record.key = modifierOfKey(shownKey(record.key)) || shownKey(record.key) == 0 ? Qt::Key_Up : record.key;
     const QSize canvas(300, 60);
     writeKeyMeta(m_dir->path(), keyMetaFile(records, canvas));
-    KelPlaybackKeyboardTrack track(m_dir->path(), 100 * (int(records.size()) + 2), 1.0, nullptr);
+    KelPlaybackKeyboardTrack track(m_dir->path(), 100 * (int(records.size()) + 2), 1.0, QSize(), nullptr);
     KeyOverlayStyle style = everything();
     style.limits.keepTimeSeconds = 1;
     track.setStyle(style);

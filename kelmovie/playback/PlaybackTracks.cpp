@@ -1,0 +1,168 @@
+#include "playback/PlaybackTracks.h"
+
+#include "playback/KelPlaybackCountdownTrack.h"
+#include "playback/KelPlaybackKeyboardTrack.h"
+#include "playback/KelPlaybackMouseTrack.h"
+#include "playback/KelPlaybackScreenTrack.h"
+#include "playback/KelPlaybackSeams.h"
+#include "playback/KelPlaybackVoiceTrack.h"
+#include "playback/PlaybackSettings.h"
+#include "record/KelRecordingMetadata.h"
+
+#include <KelMovie/KelMovieConfig.h>
+
+#include <QDebug>
+#include <QFileInfo>
+
+#include <utility>
+
+/// The order is the painting order: what comes later lies above.
+PlaybackTracks::PlaybackTracks(const QString &recordDir, const KelRecordingMetadata &metadata,
+                               bool preferHardwareDecode, const KelPlaybackSeams &seams,
+                               KelPlaybackTrackManager *manager)
+    : m_manager(manager)
+    , m_recordDir(recordDir)
+    , m_pixelRatio(metadata.pixelRatio)
+    , m_pictureSize(metadata.recordArea.size())
+{
+    if (metadata.screenTrack)
+        createScreen(metadata, preferHardwareDecode, seams);
+    if (m_pictureSize.isEmpty() && m_screen)
+        m_pictureSize = m_screen->frameSize();
+    if (metadata.mouseTrack)
+        createMouse();
+    if (metadata.systemAudio || metadata.microphoneAudio)
+        createVoice(metadata, seams);
+    createCountdown(metadata);
+    decideFrameCount(metadata.screenTrack);
+    if (metadata.keyboardTrack)
+        createKeyboard();
+    applySettings();
+    if (!QFileInfo(recordDir).isDir())
+        m_errorString = "Recording directory not found: " + recordDir;
+}
+
+PlaybackTracks::~PlaybackTracks() = default;
+
+template <typename Track>
+Track *PlaybackTracks::add(std::unique_ptr<Track> track)
+{
+    Track *const added = track.get();
+    m_tracks.push_back(std::move(track));
+    return added;
+}
+
+void PlaybackTracks::createScreen(const KelRecordingMetadata &metadata, bool preferHardwareDecode,
+                                  const KelPlaybackSeams &seams)
+{
+    const QString dir = m_recordDir + "/Screen";
+    if (!QFileInfo(dir).isDir()) {
+        m_errorString = "Screen directory not found: " + dir;
+        qWarning() << "Screen track enabled but directory not found:" << dir;
+        return;
+    }
+    auto track = std::make_unique<KelPlaybackScreenTrack>(metadata.devicePixelRatio, dir, preferHardwareDecode,
+                                                          seams.decoders, m_manager);
+    if (!track->errorString().isEmpty()) {
+        m_errorString = track->errorString();
+        qCritical() << "Screen track creation failed:" << m_errorString;
+        return;
+    }
+    m_screen = add(std::move(track));
+}
+
+void PlaybackTracks::createMouse()
+{
+    const QString dir = m_recordDir + "/Mouse";
+    if (!QFileInfo(dir).isDir()) {
+        qWarning() << "Mouse track enabled but directory not found:" << dir;
+        return;
+    }
+    m_mouse = add(std::make_unique<KelPlaybackMouseTrack>(dir, m_manager));
+}
+
+void PlaybackTracks::createVoice(const KelRecordingMetadata &metadata, const KelPlaybackSeams &seams)
+{
+    const QString dir = m_recordDir + "/Voice";
+    if (!QFileInfo(dir).isDir()) {
+        qWarning() << "Voice track enabled but directory not found:" << dir;
+        return;
+    }
+    m_voice = add(
+        std::make_unique<KelPlaybackVoiceTrack>(dir, metadata.systemAudio, metadata.microphoneAudio, seams, m_manager));
+}
+
+void PlaybackTracks::createCountdown(const KelRecordingMetadata &metadata)
+{
+    m_countdown = add(std::make_unique<KelPlaybackCountdownTrack>(m_recordDir, m_manager));
+    m_countdown->setScale(m_pixelRatio);
+    m_countdown->setFps(metadata.fps);
+    m_countdown->setArea(QRect(QPoint(), m_pictureSize));
+}
+
+void PlaybackTracks::createKeyboard()
+{
+    auto track = std::make_unique<KelPlaybackKeyboardTrack>(m_recordDir + "/Keyboard", m_totalFrames, m_pixelRatio,
+                                                            m_pictureSize, m_manager);
+    if (!track->errorString().isEmpty()) {
+        qCritical() << "Keyboard track creation failed:" << track->errorString();
+        return;
+    }
+    m_keyboard = add(std::move(track));
+}
+
+void PlaybackTracks::decideFrameCount(bool isScreenRecorded)
+{
+    if (!isScreenRecorded) {
+        m_errorString = "The recording has no screen track";
+        qWarning() << "Screen track disabled, cannot determine frame count";
+    } else if (!m_screen) {
+        qCritical() << "No screen track found in tracks list";
+    } else if (m_screen->logicFrameCount() <= 0) {
+        qWarning() << "Screen track has no logic frames, using fallback";
+    } else {
+        m_totalFrames = m_screen->logicFrameCount();
+    }
+    m_countdown->setTotalFrames(m_totalFrames);
+}
+
+QStringList PlaybackTracks::names() const
+{
+    QStringList names;
+    for (const auto &track : m_tracks) {
+        if (track.get() != m_countdown && track->errorString().isEmpty())
+            names.append(track->name());
+    }
+    return names;
+}
+
+void PlaybackTracks::applySettings()
+{
+    noteChange();
+    for (const auto &track : m_tracks)
+        applyPlaybackSettings(gKelMovieConfig, m_pixelRatio, *track);
+}
+
+void PlaybackTracks::moveTo(int frame)
+{
+    bool isChanged = false;
+    for (const auto &track : m_tracks) {
+        if (track.get() != m_voice && track->moveToFrame(frame))
+            isChanged = true;
+    }
+    if (isChanged)
+        noteChange();
+}
+
+void PlaybackTracks::resetEffects()
+{
+    noteChange();
+    if (m_mouse)
+        m_mouse->resetEffects();
+}
+
+void PlaybackTracks::paint(QPainter *painter)
+{
+    for (const auto &track : m_tracks)
+        track->paint(painter);
+}

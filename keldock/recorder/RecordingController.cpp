@@ -34,6 +34,8 @@ RecordingController::RecordingController(std::function<QString()> newDirectory, 
     m_countdown.setSingleShot(true);
     connect(&m_countdown, &QTimer::timeout, this, &RecordingController::countDown);
     connect(m_recorder, &KelMultiTrackRecorder::recordingStopped, this, &RecordingController::complete);
+    connect(m_recorder, &KelMultiTrackRecorder::trackFailed, this,
+            [this](const QString &track) { m_failedTrack = track; });
     connect(m_recorder, &KelMultiTrackRecorder::recordingError, this, &RecordingController::takeError);
     connect(&m_diskGuard, &DiskGuard::low, this, [this](qint64 freeBytes, qint64 secondsLeft) {
         const QString room = QLocale().formattedDataSize(freeBytes, 1, QLocale::DataSizeSIFormat);
@@ -102,10 +104,7 @@ void RecordingController::record()
     config.enableMicrophone = gKelMovieConfig.recordRecordMicrophone;
     m_recorder->setRecordConfig(config);
     m_recorder->setRecordArea(m_area);
-    m_isStarting = true;
-    const bool hasStarted = m_recorder->startRecording();
-    m_isStarting = false;
-    if (!hasStarted)
+    if (!m_recorder->startRecording())
         return setState(State::Idle);
     m_directory = directory;
     m_elapsedBefore = 0;
@@ -161,22 +160,26 @@ void RecordingController::stopBecause(Severity severity, const QString &text)
 
 void RecordingController::takeError(const QString &error)
 {
-    // Without one of the other tracks a recording of the screen is still worth going on with.
-    const bool isPicture = error.startsWith(QLatin1String("Screen track: "));
-    if (!isRecording() && !m_isStarting) {
-        emit problem(Severity::Error, error);
-    } else if (isPicture) {
-        // Not from within the recorder's own work.
+    const QString track = std::exchange(m_failedTrack, QString());
+    if (track == QLatin1String("Screen track")) {
+        // Not from within the recorder's own work. By then the recording may have ended for another reason.
         QMetaObject::invokeMethod(
             this,
             [this, error] {
-                stopBecause(Severity::Error, tr("The screen cannot be recorded any more. The recording has ended; what "
-                                                "was recorded until now is kept.\n%1")
-                                                 .arg(error));
+                if (isRecording())
+                    stop();
+                emit problem(Severity::Error,
+                             tr("The screen cannot be recorded any more. The recording has ended; what "
+                                "was recorded until now is kept.\n%1")
+                                 .arg(error));
             },
             Qt::QueuedConnection);
+    } else if (!m_recorder->isRecording()) {
+        emit problem(Severity::Error, error);
     } else {
-        emit problem(Severity::Warning, m_isStarting ? error : tr("%1\nThe recording goes on without it.").arg(error));
+        // Without one of the other tracks a recording of the screen is still worth going on with.
+        emit problem(Severity::Warning,
+                     track.isEmpty() ? error : tr("%1\nThe recording goes on without it.").arg(error));
     }
 }
 

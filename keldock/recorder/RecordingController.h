@@ -86,5 +86,5 @@ private:
     QTimer m_clock;
     QElapsedTimer m_running;    // since start or resume
     qint64 m_elapsedBefore = 0; // of the stretches before the last pause
-    bool m_isStarting = false;
+    QString m_failedTrack;      // of the next error; empty for one that is no track's
 };

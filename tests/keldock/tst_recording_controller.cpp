@@ -1,6 +1,7 @@
 #include "keldock/ColorScene.h"
 #include "keldock/RecordingFiles.h"
 #include "recorder/RecordingController.h"
+#include "support/FileSizeLimit.h"
 
 #include <KelMovie/KelMovieConfig.h>
 
@@ -145,6 +146,10 @@ void RecordingControllerTest::endings_data()
                                       << "" << true;
     QTest::newRow("while it is paused") << "paused"
                                         << "" << true;
+    QTest::newRow("nothing can be written") << "unwritable"
+                                            << "The screen cannot be recorded" << false;
+    QTest::newRow("its end cannot be written") << "unwritable end"
+                                               << "The screen cannot be recorded" << false;
 }
 
 void RecordingControllerTest::endings()
@@ -163,13 +168,19 @@ void RecordingControllerTest::endings()
         m_controller->diskGuard().check();
     } else if (event == "destroyed") {
         m_controller.reset();
+    } else if (event == "unwritable") {
+        const FileSizeLimit limit(1);
+        QTRY_COMPARE(m_controller->state(), State::Idle);
+    } else if (event == "unwritable end") {
+        const FileSizeLimit limit(1);
+        m_controller->stop();
     } else {
         m_controller->togglePause();
         m_controller->stop();
     }
     if (m_controller)
         QTRY_COMPARE(m_controller->state(), State::Idle);
-    QVERIFY2(m_problems.join('\n').contains(told), qPrintable(m_problems.join('\n')));
+    QTRY_VERIFY2(m_problems.join('\n').contains(told), qPrintable(m_problems.join('\n')));
     QCOMPARE(m_problems.isEmpty(), told.isEmpty());
     QCOMPARE(recordingInfo(directory).value("complete").toBool(), isWhole);
 }

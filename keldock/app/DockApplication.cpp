@@ -12,6 +12,8 @@
 
 #include <KelMovie/KelMovieConfig.h>
 
+#include <console/Terminal.h>
+
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -41,15 +43,20 @@ void applyTheme(const DockSettings &settings)
                                                              : Mode::System);
 }
 
+void bringToFront(QWidget *window)
+{
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
 } // namespace
 
 int DockApplication::run(int argc, char **argv)
 {
     const QByteArray wantedPlatform = qgetenv("QT_QPA_PLATFORM");
-#ifdef Q_OS_UNIX
     if (wantedPlatform.isEmpty())
-        qputenv("QT_QPA_PLATFORM", "xcb;offscreen");
-#endif
+        qputenv("QT_QPA_PLATFORM", QByteArray(Terminal::desktopPlatform()) + ';' + Offscreen);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
     if (!hasDisplay(wantedPlatform)) {
@@ -169,9 +176,7 @@ bool DockApplication::openRecording(const QString &dir, bool isNew)
         m_ui.showToolbar();
         m_ui.record();
     });
-    window->show();
-    window->raise();
-    window->activateWindow();
+    bringToFront(window);
     return true;
 }
 
@@ -188,9 +193,7 @@ void DockApplication::openRecordings()
             m_ui.record();
         });
     }
-    m_recordings->show();
-    m_recordings->raise();
-    m_recordings->activateWindow();
+    bringToFront(m_recordings);
 }
 
 void DockApplication::openSettings()
@@ -207,9 +210,7 @@ void DockApplication::openSettings()
         connect(m_settingsDialog, &SettingsDialog::shortcutEditEnded, this, &DockApplication::applyShortcuts);
         connect(m_settingsDialog, &SettingsDialog::folderChanged, this, [this] { delete m_recordings; });
     }
-    m_settingsDialog->show();
-    m_settingsDialog->raise();
-    m_settingsDialog->activateWindow();
+    bringToFront(m_settingsDialog);
 }
 
 /// Once for each of them: who does not want to look now finds it in the list.

@@ -11,6 +11,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QStringList>
 
 class RecordingsWindow;
 class SettingsDialog;
@@ -41,6 +42,7 @@ private:
     void quit();
     void windowClosed();
     void tell(RecordingController::Severity severity, const QString &text);
+    void tellUntold();
 
     DockConfigIO &m_io;
     DockSettings &m_settings;
@@ -51,5 +53,7 @@ private:
     GlobalShortcuts m_shortcuts;
     QPointer<RecordingsWindow> m_recordings;
     QPointer<SettingsDialog> m_settingsDialog;
+    QStringList m_untold;
+    bool m_isErrorUntold = false;
     bool m_isEnding = false;
 };

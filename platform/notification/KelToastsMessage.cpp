@@ -9,6 +9,7 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <optional>
 
 namespace
 {
@@ -69,20 +70,52 @@ QPainterPath symbolOf(KelToastsMessage::Type type)
 }
 
 QPointer<KelToastsMessage> shownToast;
+QRect forbidden; // on the desktop
+
+/// At the top or the bottom of a screen; the one before the others is that of the mouse pointer.
+std::optional<QPoint> placeOnDesktop(const QSize &size)
+{
+    QList<QScreen *> screens = QGuiApplication::screens();
+    if (QScreen *const screen = QGuiApplication::screenAt(QCursor::pos()))
+        screens.prepend(screen);
+    for (const QScreen *screen : qAsConst(screens)) {
+        const QRect available = screen->availableGeometry();
+        QRect place(QPoint(), size);
+        place.moveCenter(available.center());
+        for (const int top : {available.top() + kTopMargin, available.bottom() + 1 - kTopMargin - size.height()}) {
+            place.moveTop(top);
+            if (!place.intersects(forbidden))
+                return place.topLeft();
+        }
+    }
+    return std::nullopt;
+}
 
 } // namespace
 
-void KelToastsMessage::showMessage(QWidget *parent, int type, const QString &text, int durationMs, bool fades,
+bool KelToastsMessage::showMessage(QWidget *parent, int type, const QString &text, int durationMs, bool fades,
                                    bool hasCloseButton)
 {
     delete shownToast;
     const Type known = type >= Information && type <= Error ? Type(type) : Information;
-    shownToast = new KelToastsMessage(parent, known, text, hasCloseButton);
+    shownToast = new KelToastsMessage(known, text, hasCloseButton);
+    if (!shownToast->place(parent)) {
+        delete shownToast;
+        return false;
+    }
     shownToast->appear(durationMs, fades);
+    return true;
+}
+
+void KelToastsMessage::keepOut(const QRect &area)
+{
+    forbidden = area;
+    if (shownToast && shownToast->geometry().intersects(area))
+        delete shownToast;
 }
 
 // Not a child of the anchor: the note may outlast a dialog that closes right after it.
-KelToastsMessage::KelToastsMessage(QWidget *anchor, Type type, const QString &text, bool hasCloseButton)
+KelToastsMessage::KelToastsMessage(Type type, const QString &text, bool hasCloseButton)
     : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus)
     , m_type(type)
     , m_text(text)
@@ -100,7 +133,6 @@ KelToastsMessage::KelToastsMessage(QWidget *anchor, Type type, const QString &te
         if (qFuzzyIsNull(m_fade.endValue().toDouble()))
             close();
     });
-    place(anchor);
 }
 
 void KelToastsMessage::appear(int durationMs, bool fades)
@@ -123,13 +155,13 @@ void KelToastsMessage::fadeTo(double opacity)
     m_fade.start();
 }
 
-void KelToastsMessage::place(const QWidget *anchor)
+/// False when there is no place.
+bool KelToastsMessage::place(const QWidget *anchor)
 {
     const QScreen *screen = anchor ? anchor->screen() : QGuiApplication::screenAt(QCursor::pos());
     if (!screen)
         screen = QGuiApplication::primaryScreen();
     const QRect available = screen->availableGeometry();
-    const QRect over = anchor ? QRect(anchor->window()->geometry()) : available;
 
     const int closeWidth = m_hasCloseButton ? kGap + kCloseSize : 0;
     const int extraWidth = 2 * kPadding + kIconSize + kGap + closeWidth;
@@ -137,7 +169,14 @@ void KelToastsMessage::place(const QWidget *anchor)
     const QSize textSize =
         fontMetrics().boundingRect(QRect(0, 0, textWidth, available.height()), Qt::TextWordWrap, m_text).size();
     resize(textSize.width() + extraWidth, std::max(textSize.height(), kIconSize) + 2 * kPadding);
+    if (!anchor) {
+        const std::optional<QPoint> place = placeOnDesktop(size());
+        if (place)
+            move(*place);
+        return place.has_value();
+    }
 
+    const QRect over = anchor->window()->geometry();
     QRect place = rect();
     place.moveCenter(over.center());
     place.moveTop(over.top() + kTopMargin);
@@ -146,6 +185,7 @@ void KelToastsMessage::place(const QWidget *anchor)
     place.moveBottom(std::min(place.bottom(), available.bottom()));
     place.moveTop(std::max(place.top(), available.top()));
     move(place.topLeft());
+    return true;
 }
 
 QRect KelToastsMessage::iconRect() const

@@ -292,6 +292,10 @@
         <source>The picture was copied.</source>
         <translation>画面已复制。</translation>
     </message>
+    <message>
+        <source>There is no device that plays the sound. The picture is played without it.</source>
+        <translation>没有可播放声音的设备，仅播放画面。</translation>
+    </message>
 </context>
 <context>
     <name>RecordToolbar</name>

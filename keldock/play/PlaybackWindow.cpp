@@ -156,6 +156,9 @@ void PlaybackWindow::createPlaybackPage()
     connect(d->strip, &PlaybackStrip::settingsToggled, this, &PlaybackWindow::setSettingsShown);
     connect(d->strip, &PlaybackStrip::recordAgainRequested, this, &PlaybackWindow::recordAgainRequested);
     connect(d->strip, &PlaybackStrip::exportRequested, this, &PlaybackWindow::exportRecording);
+    connect(manager, &KelPlaybackTrackManager::sigSoundDeviceFailed, this, [this] {
+        d->notice->tell(tr("There is no device that plays the sound. The picture is played without it."));
+    });
     connect(d->exporter, &RecordingExport::exitRequested, this, &QWidget::close);
     connect(d->exporter, &RecordingExport::exported, this, [this](const QString &path) {
         const QFileInfo file(path);

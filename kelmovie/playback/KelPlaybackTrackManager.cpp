@@ -78,6 +78,9 @@ KelPlaybackTrackManager::Private::Private(KelPlaybackTrackManager *manager, cons
     clock.fps = metadata.fps;
     timer.setTimerType(Qt::PreciseTimer);
     connect(&timer, &QTimer::timeout, manager, [this] { tick(); });
+    if (tracks.voice())
+        connect(tracks.voice(), &KelPlaybackVoiceTrack::deviceFailed, manager,
+                &KelPlaybackTrackManager::sigSoundDeviceFailed);
 }
 
 bool KelPlaybackTrackManager::Private::isJump(int frame) const

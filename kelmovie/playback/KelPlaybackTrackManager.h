@@ -127,6 +127,8 @@ signals:
     void sigPlaybackStarted();
     void sigPlaybackPaused();
     void sigPlaybackSpeedChanged(double speed);
+    /// The sound cannot be heard, for want of a device; the picture goes on. Once, until there has been a device again.
+    void sigSoundDeviceFailed();
 
 private:
     class Private;

@@ -195,6 +195,7 @@ void KelPlaybackVoiceTrack::onDeviceFailed()
         if (source->player)
             source->player->pause();
     }
+    emit deviceFailed();
 }
 
 /// The system's sound is the master clock of both.

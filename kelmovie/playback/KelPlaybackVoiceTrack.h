@@ -71,6 +71,10 @@ public:
     float systemAudioLevel() const { return levelOf(m_system); }
     float microphoneLevel() const { return levelOf(m_microphone); }
 
+signals:
+    /// There is no sound device, or there is none any more: once, until there has been one again.
+    void deviceFailed();
+
 public slots:
     void onSystemAudioPositionChanged(qint64 position);
     void onMicrophonePositionChanged(qint64 position);

@@ -274,6 +274,7 @@ void PlaybackVoiceTest::withoutDevice()
     sound->isMissing = true;
     LogCapture log;
     const auto manager = load();
+    QSignalSpy told(manager.get(), &KelPlaybackTrackManager::sigSoundDeviceFailed);
     manager->play();
     pass(*manager, 2000);
     manager->seek(200);
@@ -282,6 +283,7 @@ void PlaybackVoiceTest::withoutDevice()
     pass(*manager, 1000);
     QCOMPARE(manager->currentFrame(), 225);
     QCOMPARE(log.take(), QStringList{"W [KelAmplifiedAudioPlayer] Failed to start audio output device"});
+    QCOMPARE(told.size(), 1);
 
     manager->pause();
     sound->isMissing = false;
@@ -293,6 +295,7 @@ void PlaybackVoiceTest::withoutDevice()
     pass(*manager, 1000);
     QCOMPARE(manager->state(), KelPlaybackTrackManager::Playing);
     QCOMPARE(log.take(), QStringList{"W [KelAmplifiedAudioPlayer] Audio output error: 4"});
+    QCOMPARE(told.size(), 2);
 }
 
 void PlaybackVoiceTest::findsFiles_data()

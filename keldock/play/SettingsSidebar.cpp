@@ -44,13 +44,20 @@ SettingsSidebar::SettingsSidebar(KelPlaybackTrackManager *manager, QWidget *pare
     layout->addWidget(tabs);
 
     const KelRecordingMetadata &recorded = manager->metadata();
-    if (recorded.mouseTrack)
-        addTab<CursorSettingsPanel>(tabs, tr("Pointer"), tr("The pointer and its clicks"), manager);
-    if (recorded.keyboardTrack)
-        addTab<KeyboardSettingsPanel>(tabs, tr("Keys"), tr("The keys that were pressed"), manager);
+    // What the next recording takes up is no matter of this one.
+    if (recorded.mouseTrack) {
+        addTab<CursorSettingsPanel>(tabs, tr("Pointer"), tr("The pointer and its clicks"), manager)
+            ->setRecordingShown(false);
+    }
+    if (recorded.keyboardTrack) {
+        addTab<KeyboardSettingsPanel>(tabs, tr("Keys"), tr("The keys that were pressed"), manager)
+            ->setRecordingShown(false);
+    }
     addTab<ProgressSettingsPanel>(tabs, tr("Time"), tr("The time over the picture"), manager);
     if (manager->voiceTrack()) {
-        addTab<AudioSettingsPanel>(tabs, tr("Sound"), tr("What the computer played, and the microphone"), manager)
-            ->setPlaybackManager(manager);
+        auto *const sound =
+            addTab<AudioSettingsPanel>(tabs, tr("Sound"), tr("What the computer played, and the microphone"), manager);
+        sound->setPlaybackManager(manager);
+        sound->setRecordingShown(false);
     }
 }

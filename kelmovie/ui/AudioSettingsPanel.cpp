@@ -91,7 +91,7 @@ void AudioSettingsPanel::Private::addMicrophone()
 void AudioSettingsPanel::Private::addRecording()
 {
     using C = KelMovieConfig;
-    form->addHeading(tr("Recording"));
+    form->addRecordingHeading(tr("Recording"));
     form->addSwitch({tr("Record &system audio"), tr("The next recording takes up what the computer plays")},
                     {"KelMovie.record.recordSystemAudio", &C::recordRecordSystemAudio});
     form->addSwitch({tr("&Record microphone"), tr("The next recording takes up what the microphone hears")},
@@ -154,4 +154,11 @@ void AudioSettingsPanel::setRecording(bool recording)
 {
     d->isRecording = recording;
     d->updateWarning();
+}
+
+void AudioSettingsPanel::setRecordingShown(bool shown)
+{
+    d->form->setRecordingShown(shown);
+    if (shown)
+        d->updateWarning();
 }

@@ -26,6 +26,9 @@ public:
     /// does not want to be told (the setting recordDontShowRecordingWarning).
     void setRecording(bool recording);
 
+    /// Whether the panel has the settings of the next recording, too, as it has at first.
+    void setRecordingShown(bool shown);
+
 signals:
     /// The user has changed a setting, which is in force and saved already.
     void sigConfigUpdated();

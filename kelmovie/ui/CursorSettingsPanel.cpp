@@ -5,9 +5,10 @@
 
 CursorSettingsPanel::CursorSettingsPanel(QWidget *parent)
     : QWidget(parent)
+    , m_form(new SettingsForm(this))
 {
     using C = KelMovieConfig;
-    auto *const form = new SettingsForm(this);
+    SettingsForm *const form = m_form;
     connect(form, &SettingsForm::sigChanged, this, &CursorSettingsPanel::sigConfigUpdated);
 
     form->addHeading(tr("Pointer"));
@@ -37,7 +38,12 @@ CursorSettingsPanel::CursorSettingsPanel(QWidget *parent)
     form->addSlider({tr("Si&ze"), tr("Size of the effects")}, {"KelMovie.playback.mouse.size", &C::playbackMouseSize},
                     {5, 60, SettingTexts::number});
 
-    form->addHeading(tr("Recording"));
+    form->addRecordingHeading(tr("Recording"));
     form->addSwitch({tr("Record &mouse"), tr("The next recording takes up the mouse")},
                     {"KelMovie.record.mouse", &C::recordMouse});
+}
+
+void CursorSettingsPanel::setRecordingShown(bool shown)
+{
+    m_form->setRecordingShown(shown);
 }

@@ -5,9 +5,10 @@
 
 KeyboardSettingsPanel::KeyboardSettingsPanel(QWidget *parent)
     : QWidget(parent)
+    , m_form(new SettingsForm(this))
 {
     using C = KelMovieConfig;
-    auto *const form = new SettingsForm(this);
+    SettingsForm *const form = m_form;
     connect(form, &SettingsForm::sigChanged, this, &KeyboardSettingsPanel::sigConfigUpdated);
 
     form->addHeading(tr("Keys"));
@@ -48,7 +49,12 @@ KeyboardSettingsPanel::KeyboardSettingsPanel(QWidget *parent)
                     {"KelMovie.playback.keyboard.historyFontSize", &C::playbackKeyboardHistoryFontSize},
                     {0, 40, SettingTexts::pixels});
 
-    form->addHeading(tr("Recording"));
+    form->addRecordingHeading(tr("Recording"));
     form->addSwitch({tr("Record k&eyboard"), tr("The next recording takes up what is typed")},
                     {"KelMovie.record.keyboard", &C::recordKeyboard});
+}
+
+void KeyboardSettingsPanel::setRecordingShown(bool shown)
+{
+    m_form->setRecordingShown(shown);
 }

@@ -88,7 +88,8 @@ void SettingsForm::updateMetrics()
     for (int row = 0; row < m_grid->rowCount(); ++row) {
         QLayoutItem *const item = m_grid->itemAtPosition(row, 0);
         const bool isHeading = item && item->widget() && item->widget()->objectName() == QLatin1String("Heading");
-        m_grid->setRowMinimumHeight(row, item ? qRound((isHeading ? kHeadingHeight : kRowHeight) * scale) : 0);
+        const bool isThere = item && !(item->widget() && item->widget()->isHidden());
+        m_grid->setRowMinimumHeight(row, isThere ? qRound((isHeading ? kHeadingHeight : kRowHeight) * scale) : 0);
     }
     m_grid->setColumnMinimumWidth(1, qRound(kControlWidth * scale));
 }
@@ -117,6 +118,24 @@ void SettingsForm::addHeading(const QString &text)
     heading->setObjectName(QStringLiteral("Heading"));
     m_grid->addWidget(heading, m_grid->rowCount(), 0, 1, 3, Qt::AlignBottom);
     m_condition = nullptr;
+}
+
+void SettingsForm::addRecordingHeading(const QString &text)
+{
+    m_recordingRow = m_grid->rowCount();
+    addHeading(text);
+}
+
+void SettingsForm::setRecordingShown(bool shown)
+{
+    for (int row = m_recordingRow; row < m_grid->rowCount(); ++row) {
+        for (int column = 0; column < m_grid->columnCount(); ++column) {
+            QLayoutItem *const item = m_grid->itemAtPosition(row, column);
+            if (item && item->widget())
+                item->widget()->setVisible(shown);
+        }
+    }
+    updateMetrics();
 }
 
 void SettingsForm::addWidget(QWidget *widget)

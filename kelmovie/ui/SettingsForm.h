@@ -40,6 +40,10 @@ public:
     explicit SettingsForm(QWidget *panel);
 
     void addHeading(const QString &text);
+    /// Above the last rows, which are about the next recording.
+    void addRecordingHeading(const QString &text);
+    /// Whether these rows are there, as they are at first.
+    void setRecordingShown(bool shown);
     void addSwitch(const Text &text, Setting<bool> setting);
     void addSlider(const Text &text, Setting<int> setting, const Range &range);
     void addColor(const Text &text, Setting<QColor> setting);
@@ -86,6 +90,7 @@ private:
     };
     std::vector<Follower> m_followers;
     std::function<bool()> m_condition;
+    int m_recordingRow = -1;
     bool m_isLoading = false;
     bool m_isUnsavedTold = false;
 };

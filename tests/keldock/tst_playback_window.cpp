@@ -119,6 +119,8 @@ void PlaybackWindowTest::controlsAreForEverybody()
     for (int i = 0; i < tabs->count(); ++i) {
         tabs->setCurrentIndex(i);
         QCOMPARE(controlFaults(m_window.get()).join('\n'), QString());
+        for (const QWidget *control : tabs->findChildren<QWidget *>())
+            QVERIFY2(!control->isVisible() || !control->toolTip().startsWith("The next recording"), "not its matter");
     }
     QString faults;
     whenModal<ExportOptionsDialog>([&](ExportOptionsDialog *dialog) {

@@ -190,7 +190,12 @@ void TestRecordKeyboardTrack::discardedKeysLeaveTheMemory()
     for (char &byte : records)
         byte = char(byte ^ '\x5a');
 
-    const QStringList type{"frame 12345", "4c5e1234 1", "4c5e1235 1", "4c5e1234 1", "4c5e1235 1", "checkpoint"};
+    // So many that what is left of them in freed memory is not all used again before it is looked for.
+    QStringList type{"frame 12345"};
+    for (int i = 0; i < 300; ++i)
+        type << "4c5e1234 1"
+             << "4c5e1235 1";
+    type << "checkpoint";
     for (const QStringList &end : {QStringList{"pause", "start"}, QStringList{"stop"}}) {
         play(QStringList{"start"} + type);
         QVERIFY2(isInMemory(records), "the search finds what is there");

@@ -4,6 +4,7 @@
 #include "avcodec/ffv1Decoder.h"
 #include "avcodec/h264Decoder.h"
 #include "support/LogCapture.h"
+#include "support/TestTable.h"
 
 #include <QDir>
 #include <QFile>
@@ -142,9 +143,9 @@ void tst_DecoderFaults::truncatedAfterTheIndex()
 
 void tst_DecoderFaults::truncatedMatroska_data()
 {
-    QTest::addColumn<QStringList>("options");
-    QTest::newRow("FFV1") << QStringList{"-c:v", "ffv1"};
-    QTest::newRow("FFV1 in small clusters") << QStringList{"-c:v", "ffv1", "-cluster_time_limit", "200"};
+    const TestTable<QStringList> row("options");
+    row("FFV1", QStringList{"-c:v", "ffv1"});
+    row("FFV1 in small clusters", QStringList{"-c:v", "ffv1", "-cluster_time_limit", "200"});
 }
 
 void tst_DecoderFaults::truncatedMatroska()
@@ -283,17 +284,11 @@ void tst_DecoderFaults::hugeFrames()
 
 void tst_DecoderFaults::missingHardware_data()
 {
-    QTest::addColumn<QString>("decoder");
-    QTest::addColumn<QString>("device");
-    QTest::addColumn<int>("lines");
-    QTest::newRow("no such type of device") << "h264"
-                                            << "abacus" << 1;
-    QTest::newRow("a type that is not of this system") << "h264"
-                                                       << "d3d11va" << 1;
-    QTest::newRow("no such decoder") << "h264_abacus"
-                                     << "" << 0;
-    QTest::newRow("a decoder of something else") << "ffv1"
-                                                 << "" << 0;
+    const TestTable<QString, QString, int> row("decoder", "device", "lines");
+    row("no such type of device", "h264", "abacus", 1);
+    row("a type that is not of this system", "h264", "d3d11va", 1);
+    row("no such decoder", "h264_abacus", "", 0);
+    row("a decoder of something else", "ffv1", "", 0);
 }
 
 void tst_DecoderFaults::missingHardware()

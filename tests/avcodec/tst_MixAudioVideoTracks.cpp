@@ -3,6 +3,7 @@
 #include "avcodec/h264Encoder.h"
 #include "support/FileSizeLimit.h"
 #include "support/Sound.h"
+#include "support/TestTable.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -190,32 +191,19 @@ void MixTest::keepsInStep()
 
 void MixTest::containers_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("codecs");
-
-    QTest::newRow("mp4") << "out.mp4"
-                         << "h264 aac";
-    QTest::newRow("m4v") << "out.m4v"
-                         << "h264 aac";
-    QTest::newRow("mov") << "out.MOV"
-                         << "h264 aac";
-    QTest::newRow("mkv") << "out.mkv"
-                         << "h264 aac";
-    QTest::newRow("m4a") << "out.m4a"
-                         << "aac";
-    QTest::newRow("mka") << "out.mka"
-                         << "aac";
-    QTest::newRow("aac") << "out.aac"
-                         << "aac";
-    QTest::newRow("mp3") << "out.mp3"
-                         << "mp3";
-    QTest::newRow("wav") << "out.wav"
-                         << "pcm_s16le";
-    QTest::newRow("flac") << "out.flac"
-                          << "flac";
-    QTest::newRow("ogg") << "out.ogg"
-                         << "vorbis";
-    QTest::newRow("opus") << QString::fromUtf8("声 音.opus") << "opus";
+    const TestTable<QString, QString> row("name", "codecs");
+    row("mp4", "out.mp4", "h264 aac");
+    row("m4v", "out.m4v", "h264 aac");
+    row("mov", "out.MOV", "h264 aac");
+    row("mkv", "out.mkv", "h264 aac");
+    row("m4a", "out.m4a", "aac");
+    row("mka", "out.mka", "aac");
+    row("aac", "out.aac", "aac");
+    row("mp3", "out.mp3", "mp3");
+    row("wav", "out.wav", "pcm_s16le");
+    row("flac", "out.flac", "flac");
+    row("ogg", "out.ogg", "vorbis");
+    row("opus", QString::fromUtf8("声 音.opus"), "opus");
 }
 
 void MixTest::containers()
@@ -287,39 +275,19 @@ void MixTest::stillLastsAsLongAsSound()
 
 void MixTest::failures_data()
 {
-    QTest::addColumn<QString>("video");
-    QTest::addColumn<QString>("sound");
-    QTest::addColumn<double>("speed");
-    QTest::addColumn<QString>("output");
-    QTest::addColumn<QString>("error");
-
+    const TestTable<QString, QString, double, QString, QString> row("video", "sound", "speed", "output", "error");
     const QString good("good.wav");
-    QTest::newRow("no video") << "none.mp4" << good << 1.0 << "old.mp4"
-                              << "Cannot read video";
-    QTest::newRow("sound as video") << good << good << 1.0 << "old.mp4"
-                                    << "Cannot read video";
-    QTest::newRow("no sound file") << ""
-                                   << "none.wav" << 1.0 << "old.mp4"
-                                   << "Cannot read sound";
-    QTest::newRow("directory as sound") << ""
-                                        << "." << 1.0 << "old.mp4"
-                                        << "Cannot read sound";
-    QTest::newRow("video as sound") << ""
-                                    << "video.mp4" << 1.0 << "old.mp4"
-                                    << "Cannot read sound";
-    QTest::newRow("playlist as sound") << ""
-                                       << "list.wav" << 1.0 << "old.mp4"
-                                       << "Cannot read sound";
-    QTest::newRow("speed 0") << "" << good << 0.0 << "old.mp4"
-                             << "Cannot read sound";
-    QTest::newRow("no type") << "" << good << 1.0 << "old"
-                             << "No sound can be written to a file of type \"\"";
-    QTest::newRow("other type") << "" << good << 1.0 << "old.gif"
-                                << "No sound can be written to a file of type \"gif\"";
-    QTest::newRow("nowhere") << "" << good << 1.0 << "none/out.mp4"
-                             << "Cannot write";
-    QTest::newRow("onto a directory") << "" << good << 1.0 << "dir.mp4"
-                                      << "Not a regular file";
+    row("no video", "none.mp4", good, 1.0, "old.mp4", "Cannot read video");
+    row("sound as video", good, good, 1.0, "old.mp4", "Cannot read video");
+    row("no sound file", "", "none.wav", 1.0, "old.mp4", "Cannot read sound");
+    row("directory as sound", "", ".", 1.0, "old.mp4", "Cannot read sound");
+    row("video as sound", "", "video.mp4", 1.0, "old.mp4", "Cannot read sound");
+    row("playlist as sound", "", "list.wav", 1.0, "old.mp4", "Cannot read sound");
+    row("speed 0", "", good, 0.0, "old.mp4", "Cannot read sound");
+    row("no type", "", good, 1.0, "old", "No sound can be written to a file of type \"\"");
+    row("other type", "", good, 1.0, "old.gif", "No sound can be written to a file of type \"gif\"");
+    row("nowhere", "", good, 1.0, "none/out.mp4", "Cannot write");
+    row("onto a directory", "", good, 1.0, "dir.mp4", "Not a regular file");
 }
 
 void MixTest::failures()
@@ -390,11 +358,10 @@ void MixTest::survivesBadSound()
 
 void MixTest::cancel_data()
 {
-    QTest::addColumn<double>("share");
-
-    QTest::newRow("at once") << 0.0;
-    QTest::newRow("in the middle") << 0.5;
-    QTest::newRow("while the index moves to the front") << 1.0;
+    const TestTable<double> row("share");
+    row("at once", 0.0);
+    row("in the middle", 0.5);
+    row("while the index moves to the front", 1.0);
 }
 
 void MixTest::cancel()

@@ -1,6 +1,7 @@
 #include "area/AreaOverlay.h"
 #include "area/AreaPicker.h"
 #include "recorder/ToolbarPlacement.h"
+#include "support/TestTable.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -48,48 +49,45 @@ AreaOverlay *overlay()
 
 void AreaPickerTest::picks_data()
 {
-    QTest::addColumn<QRect>("area");
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<QRect>("picked");
+    const TestTable<QRect, QString, QRect> row("area", "steps", "picked");
     const QRect none;
     const QRect area(200, 200, 300, 200);
 
-    QTest::newRow("draw") << none << "drag 100,120 299,219" << QRect(100, 120, 200, 100);
-    QTest::newRow("draw from the lower right") << none << "drag 299,219 100,120" << QRect(100, 120, 200, 100);
-    QTest::newRow("draw anew beside the last one") << area << "drag 20,20 119,69" << QRect(20, 20, 100, 50);
-    QTest::newRow("draw to the edge of the screen") << none << "drag 700,500 799,599" << QRect(700, 500, 100, 100);
-    QTest::newRow("a slip is no area") << area << "drag 20,20 25,25" << area;
-    QTest::newRow("last area") << area << "" << area;
-    QTest::newRow("last area of a larger screen") << QRect(700, 500, 300, 300) << "" << QRect(700, 500, 100, 100);
-    QTest::newRow("move") << area << "drag 350,300 360,280" << QRect(210, 180, 300, 200);
-    QTest::newRow("move as far as it goes") << area << "drag 350,300 799,0" << QRect(500, 0, 300, 200);
-    QTest::newRow("left") << area << "drag 200,300 180,310" << QRect(180, 200, 320, 200);
-    QTest::newRow("right") << area << "drag 499,300 519,310" << QRect(200, 200, 320, 200);
-    QTest::newRow("top") << area << "drag 350,200 340,190" << QRect(200, 190, 300, 210);
-    QTest::newRow("bottom") << area << "drag 350,399 340,409" << QRect(200, 200, 300, 210);
-    QTest::newRow("top left") << area << "drag 200,200 190,180" << QRect(190, 180, 310, 220);
-    QTest::newRow("top right") << area << "drag 499,200 509,180" << QRect(200, 180, 310, 220);
-    QTest::newRow("bottom right") << area << "drag 499,399 509,419" << QRect(200, 200, 310, 220);
-    QTest::newRow("bottom left") << area << "drag 200,399 190,419" << QRect(190, 200, 310, 220);
-    QTest::newRow("an edge from outside") << area << "drag 195,300 175,300" << QRect(180, 200, 320, 200);
-    QTest::newRow("an edge across the other") << area << "drag 200,300 600,300" << QRect(500, 200, 100, 200);
-    QTest::newRow("never too narrow") << area << "drag 200,300 498,300" << QRect(484, 200, 16, 200);
-    QTest::newRow("arrows") << area << "Right Down Down Left Left" << QRect(199, 202, 300, 200);
-    QTest::newRow("arrows with Shift") << area << "Shift+Left Shift+Up" << QRect(190, 190, 300, 200);
-    QTest::newRow("arrows with Ctrl") << area << "Ctrl+Right Ctrl+Up" << QRect(200, 200, 301, 199);
-    QTest::newRow("arrows with both") << area << "Ctrl+Shift+Left Ctrl+Shift+Down" << QRect(200, 200, 290, 210);
-    QTest::newRow("arrows at the edge") << QRect(5, 5, 100, 100) << "Shift+Left Shift+Up" << QRect(0, 0, 100, 100);
-    QTest::newRow("whole screen") << none << "Ctrl+A" << QRect(0, 0, 800, 600);
-    QTest::newRow("a window") << none << "click 640,120" << QRect(600, 100, 150, 100);
-    QTest::newRow("the upper of two windows") << none << "click 610,110" << QRect(600, 100, 40, 20);
-    QTest::newRow("a window that is only pointed at") << none << "point 640,120" << QRect(600, 100, 150, 100);
-    QTest::newRow("no window within the area")
-        << QRect(550, 50, 240, 240) << "click 640,120" << QRect(550, 50, 240, 240);
-    QTest::newRow("a window beyond the screen") << none << "click 20,580" << QRect(0, 560, 50, 40);
-    QTest::newRow("nothing to accept") << none << "point 400,550" << none;
-    QTest::newRow("double click") << area << "double 300,300" << area;
-    QTest::newRow("Escape") << area << "Escape" << none;
-    QTest::newRow("right click") << area << "right 300,300" << none;
+    row("draw", none, "drag 100,120 299,219", QRect(100, 120, 200, 100));
+    row("draw from the lower right", none, "drag 299,219 100,120", QRect(100, 120, 200, 100));
+    row("draw anew beside the last one", area, "drag 20,20 119,69", QRect(20, 20, 100, 50));
+    row("draw to the edge of the screen", none, "drag 700,500 799,599", QRect(700, 500, 100, 100));
+    row("a slip is no area", area, "drag 20,20 25,25", area);
+    row("last area", area, "", area);
+    row("last area of a larger screen", QRect(700, 500, 300, 300), "", QRect(700, 500, 100, 100));
+    row("move", area, "drag 350,300 360,280", QRect(210, 180, 300, 200));
+    row("move as far as it goes", area, "drag 350,300 799,0", QRect(500, 0, 300, 200));
+    row("left", area, "drag 200,300 180,310", QRect(180, 200, 320, 200));
+    row("right", area, "drag 499,300 519,310", QRect(200, 200, 320, 200));
+    row("top", area, "drag 350,200 340,190", QRect(200, 190, 300, 210));
+    row("bottom", area, "drag 350,399 340,409", QRect(200, 200, 300, 210));
+    row("top left", area, "drag 200,200 190,180", QRect(190, 180, 310, 220));
+    row("top right", area, "drag 499,200 509,180", QRect(200, 180, 310, 220));
+    row("bottom right", area, "drag 499,399 509,419", QRect(200, 200, 310, 220));
+    row("bottom left", area, "drag 200,399 190,419", QRect(190, 200, 310, 220));
+    row("an edge from outside", area, "drag 195,300 175,300", QRect(180, 200, 320, 200));
+    row("an edge across the other", area, "drag 200,300 600,300", QRect(500, 200, 100, 200));
+    row("never too narrow", area, "drag 200,300 498,300", QRect(484, 200, 16, 200));
+    row("arrows", area, "Right Down Down Left Left", QRect(199, 202, 300, 200));
+    row("arrows with Shift", area, "Shift+Left Shift+Up", QRect(190, 190, 300, 200));
+    row("arrows with Ctrl", area, "Ctrl+Right Ctrl+Up", QRect(200, 200, 301, 199));
+    row("arrows with both", area, "Ctrl+Shift+Left Ctrl+Shift+Down", QRect(200, 200, 290, 210));
+    row("arrows at the edge", QRect(5, 5, 100, 100), "Shift+Left Shift+Up", QRect(0, 0, 100, 100));
+    row("whole screen", none, "Ctrl+A", QRect(0, 0, 800, 600));
+    row("a window", none, "click 640,120", QRect(600, 100, 150, 100));
+    row("the upper of two windows", none, "click 610,110", QRect(600, 100, 40, 20));
+    row("a window that is only pointed at", none, "point 640,120", QRect(600, 100, 150, 100));
+    row("no window within the area", QRect(550, 50, 240, 240), "click 640,120", QRect(550, 50, 240, 240));
+    row("a window beyond the screen", none, "click 20,580", QRect(0, 560, 50, 40));
+    row("nothing to accept", none, "point 400,550", none);
+    row("double click", area, "double 300,300", area);
+    row("Escape", area, "Escape", none);
+    row("right click", area, "right 300,300", none);
 }
 
 void AreaPickerTest::picks()

@@ -1,4 +1,5 @@
 #include "keldock/Keldock.h"
+#include "support/TestTable.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -21,28 +22,17 @@ private slots:
 
 void CommandLineTest::helpTeaches_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QStringList>("mentions");
-    QTest::newRow("overview") << QStringList{"--help"}
-                              << QStringList{"record", "info", "export", "frame", "--verbose", "Exit status"};
-    QTest::newRow("help word") << QStringList{"help", "frame"} << QStringList{"keldock frame DIR N FILE.png"};
-    QTest::newRow("record") << QStringList{"record", "--help"}
-                            << QStringList{"--area",
-                                           "--screen",
-                                           "--out",
-                                           "--fps",
-                                           "--duration",
-                                           "--[no-]mouse",
-                                           "Ctrl-C",
-                                           "--[no-]keyboard",
-                                           "--[no-]system-audio",
-                                           "--[no-]microphone",
-                                           "Examples:"};
-    QTest::newRow("info") << QStringList{"info", "-h"} << QStringList{"--json", "Examples:"};
-    QTest::newRow("export") << QStringList{"export", "x", "--help"}
-                            << QStringList{"--format",  "--from",  "--to",   "--speed",  "--fps",
-                                           "--quality", "--loops", "--size", "Examples:"};
-    QTest::newRow("version") << QStringList{"--version"} << QStringList{"keldock 2.0.0", "2.0.0-multitrack"};
+    const TestTable<QStringList, QStringList> row("arguments", "mentions");
+    row("overview", QStringList{"--help"},
+        QStringList{"record", "info", "export", "frame", "--verbose", "Exit status"});
+    row("help word", QStringList{"help", "frame"}, QStringList{"keldock frame DIR N FILE.png"});
+    row("record", QStringList{"record", "--help"},
+        QStringList{"--area", "--screen", "--out", "--fps", "--duration", "--[no-]mouse", "Ctrl-C", "--[no-]keyboard",
+                    "--[no-]system-audio", "--[no-]microphone", "Examples:"});
+    row("info", QStringList{"info", "-h"}, QStringList{"--json", "Examples:"});
+    row("export", QStringList{"export", "x", "--help"},
+        QStringList{"--format", "--from", "--to", "--speed", "--fps", "--quality", "--loops", "--size", "Examples:"});
+    row("version", QStringList{"--version"}, QStringList{"keldock 2.0.0", "2.0.0-multitrack"});
 }
 
 void CommandLineTest::helpTeaches()
@@ -115,14 +105,10 @@ void CommandLineTest::wrongUsage()
 
 void CommandLineTest::noRecording_data()
 {
-    QTest::addColumn<QString>("directory");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("missing") << "missing"
-                             << "there is no directory";
-    QTest::newRow("a file") << "file"
-                            << "is not a directory";
-    QTest::newRow("empty") << "empty"
-                           << "holds no recording";
+    const TestTable<QString, QString> row("directory", "reason");
+    row("missing", "missing", "there is no directory");
+    row("a file", "file", "is not a directory");
+    row("empty", "empty", "holds no recording");
 }
 
 void CommandLineTest::noRecording()
@@ -150,18 +136,10 @@ void CommandLineTest::noRecording()
 
 void CommandLineTest::noDisplay_data()
 {
-    QTest::addColumn<QString>("display");
-    QTest::addColumn<QString>("platform");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("none") << ""
-                          << ""
-                          << "DISPLAY is not set";
-    QTest::newRow("nobody there") << ":987"
-                                  << ""
-                                  << "cannot connect to display ':987'";
-    QTest::newRow("platform demanded") << ":987"
-                                       << "xcb"
-                                       << "cannot connect to display ':987'";
+    const TestTable<QString, QString, QString> row("display", "platform", "reason");
+    row("none", "", "", "DISPLAY is not set");
+    row("nobody there", ":987", "", "cannot connect to display ':987'");
+    row("platform demanded", ":987", "xcb", "cannot connect to display ':987'");
 }
 
 void CommandLineTest::noDisplay()

@@ -1,5 +1,6 @@
 #include "settings/DockConfigIO.h"
 #include "settings/DockSettings.h"
+#include "support/TestTable.h"
 
 #include <KelMovie/KelMovieConfig.h>
 
@@ -80,19 +81,17 @@ void DockConfigTest::keepsEverything()
 
 void DockConfigTest::garbledStore_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("problem");
-    QTest::addColumn<bool>("isKept");
-    QTest::newRow("no number") << QByteArray("[General]\nKelMovie.record.delay=5\nKelMovie.record.fps=many\n")
-                               << "KelMovie.record.fps" << false;
-    QTest::newRow("no colour") << QByteArray("[General]\nKelMovie.playback.mouse.color=mauvish\n"
-                                             "KelMovie.record.delay=5\n")
-                               << "KelMovie.playback.mouse.color" << false;
-    QTest::newRow("neither true nor false")
-        << QByteArray("[General]\nKelMovie.record.mouse=\nKelMovie.record.delay=5\n") << "KelMovie.record.mouse"
-        << false;
-    QTest::newRow("no settings file") << QByteArray("[General]\nKelMovie.record.delay=5\n<?xml garbage\n\x01\x02")
-                                      << ".damaged" << true;
+    const TestTable<QByteArray, QString, bool> row("content", "problem", "isKept");
+    row("no number", QByteArray("[General]\nKelMovie.record.delay=5\nKelMovie.record.fps=many\n"),
+        "KelMovie.record.fps", false);
+    row("no colour",
+        QByteArray("[General]\nKelMovie.playback.mouse.color=mauvish\n"
+                   "KelMovie.record.delay=5\n"),
+        "KelMovie.playback.mouse.color", false);
+    row("neither true nor false", QByteArray("[General]\nKelMovie.record.mouse=\nKelMovie.record.delay=5\n"),
+        "KelMovie.record.mouse", false);
+    row("no settings file", QByteArray("[General]\nKelMovie.record.delay=5\n<?xml garbage\n\x01\x02"), ".damaged",
+        true);
 }
 
 void DockConfigTest::garbledStore()

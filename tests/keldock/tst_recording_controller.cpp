@@ -2,6 +2,7 @@
 #include "keldock/RecordingFiles.h"
 #include "recorder/RecordingController.h"
 #include "support/FileSizeLimit.h"
+#include "support/TestTable.h"
 
 #include <KelMovie/KelMovieConfig.h>
 
@@ -107,13 +108,11 @@ void RecordingControllerTest::recordsPausesStops()
 
 void RecordingControllerTest::countdown_data()
 {
-    QTest::addColumn<int>("delay");
-    QTest::addColumn<int>("minimum");
-    QTest::addColumn<int>("firstTold");
-    QTest::newRow("none") << 0 << 0 << 0;
-    QTest::newRow("setting") << 3 << 2 << 3;
-    QTest::newRow("minimum") << 1 << 2 << 2;
-    QTest::newRow("nonsense") << 99999 << 0 << 60;
+    const TestTable<int, int, int> row("delay", "minimum", "firstTold");
+    row("none", 0, 0, 0);
+    row("setting", 3, 2, 3);
+    row("minimum", 1, 2, 2);
+    row("nonsense", 99999, 0, 60);
 }
 
 void RecordingControllerTest::countdown()
@@ -135,21 +134,13 @@ void RecordingControllerTest::countdown()
 
 void RecordingControllerTest::endings_data()
 {
-    QTest::addColumn<QString>("event");
-    QTest::addColumn<QString>("told");
-    QTest::addColumn<bool>("isWhole");
-    QTest::newRow("the disk fills up") << "full"
-                                       << "The disk is full" << true;
-    QTest::newRow("somebody deletes it") << "deleted"
-                                         << "deleted or moved" << false;
-    QTest::newRow("the program ends") << "destroyed"
-                                      << "" << true;
-    QTest::newRow("while it is paused") << "paused"
-                                        << "" << true;
-    QTest::newRow("nothing can be written") << "unwritable"
-                                            << "The screen cannot be recorded" << false;
-    QTest::newRow("its end cannot be written") << "unwritable end"
-                                               << "The screen cannot be recorded" << false;
+    const TestTable<QString, QString, bool> row("event", "told", "isWhole");
+    row("the disk fills up", "full", "The disk is full", true);
+    row("somebody deletes it", "deleted", "deleted or moved", false);
+    row("the program ends", "destroyed", "", true);
+    row("while it is paused", "paused", "", true);
+    row("nothing can be written", "unwritable", "The screen cannot be recorded", false);
+    row("its end cannot be written", "unwritable end", "The screen cannot be recorded", false);
 }
 
 void RecordingControllerTest::endings()

@@ -1,6 +1,7 @@
 #include "keldock/ColorScene.h"
 #include "keldock/Keldock.h"
 #include "keldock/RecordingFiles.h"
+#include "support/TestTable.h"
 #include "support/XServer.h"
 
 #include <QDir>
@@ -122,10 +123,10 @@ void RecordingJourneyTest::framesShowTheScreen()
 
 void RecordingJourneyTest::stopSignal_data()
 {
-    QTest::addColumn<int>("signal");
-    QTest::newRow("Ctrl-C") << SIGINT;
-    QTest::newRow("shutdown") << SIGTERM;
-    QTest::newRow("closed terminal") << SIGHUP;
+    const TestTable<int> row("signal");
+    row("Ctrl-C", SIGINT);
+    row("shutdown", SIGTERM);
+    row("closed terminal", SIGHUP);
 }
 
 void RecordingJourneyTest::stopSignal()
@@ -207,15 +208,12 @@ void RecordingJourneyTest::goesOnWithoutInput()
 
 void RecordingJourneyTest::refusesToRecord_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("over a recording") << QStringList{"--screen", "0", "--out", "recording"}
-                                      << "holds a recording already";
-    QTest::newRow("into a file") << QStringList{"--screen", "0", "--out", "file"} << "is not a directory";
-    QTest::newRow("below a file") << QStringList{"--screen", "0", "--out", "file/below"} << "cannot be created";
-    QTest::newRow("a screen that is not there") << QStringList{"--screen", "7", "--out", "new"} << "no screen 7";
-    QTest::newRow("beside all screens") << QStringList{"--area", "9000,9000,64x64", "--out", "new"}
-                                        << "outside of every screen";
+    const TestTable<QStringList, QString> row("arguments", "reason");
+    row("over a recording", QStringList{"--screen", "0", "--out", "recording"}, "holds a recording already");
+    row("into a file", QStringList{"--screen", "0", "--out", "file"}, "is not a directory");
+    row("below a file", QStringList{"--screen", "0", "--out", "file/below"}, "cannot be created");
+    row("a screen that is not there", QStringList{"--screen", "7", "--out", "new"}, "no screen 7");
+    row("beside all screens", QStringList{"--area", "9000,9000,64x64", "--out", "new"}, "outside of every screen");
 }
 
 void RecordingJourneyTest::refusesToRecord()

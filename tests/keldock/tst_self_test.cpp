@@ -1,4 +1,5 @@
 #include "Keldock.h"
+#include "support/TestTable.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -18,36 +19,21 @@ private slots:
 
 void SelfTest::reports_data()
 {
-    QTest::addColumn<QString>("variable");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QStringList>("mentions");
-
+    const TestTable<QString, QString, int, QStringList> row("variable", "value", "status", "mentions");
     const QStringList codecs{"MP4, GIF, APNG, WebP", "H.264", "libavcodec ", "x264 ", "libwebp ", "libdeflate "};
     const QString formats = "Encode and decode: passed\n  MP4\n  GIF\n  APNG\n  WebP\n";
-    QTest::newRow("all there") << "NOTHING"
-                               << "" << 0
-                               << codecs + QStringList{"X11\n",
-                                                       "Record and play back: passed\n",
-                                                       formats,
-                                                       "Find devices: passed\n",
-                                                       "1280x800 at 0,0",
-                                                       "keyboard and mouse\n",
-                                                       "system audio: speakers\n",
-                                                       "microphone: microphone.monitor\n"};
-    QTest::newRow("no sound") << "PULSE_SERVER"
-                              << "unix:/nowhere" << 0
-                              << QStringList{"Find devices: passed\n", "warning: no device plays sound",
-                                             "warning: there is no microphone\n"};
-    QTest::newRow("no display") << "DISPLAY"
-                                << "" << 1
-                                << codecs + QStringList{"Record and play back: FAILED: ", formats,
-                                                        "Find devices: FAILED: ", "there is no display"};
-    QTest::newRow("no room") << "TMPDIR"
-                             << "/dev/null" << 1
-                             << QStringList{"Record and play back: FAILED: there is no room for temporary files",
-                                            "Encode and decode: FAILED: there is no room for temporary files",
-                                            "Find devices: passed\n"};
+    row("all there", "NOTHING", "", 0,
+        codecs + QStringList{"X11\n", "Record and play back: passed\n", formats, "Find devices: passed\n",
+                             "1280x800 at 0,0", "keyboard and mouse\n", "system audio: speakers\n",
+                             "microphone: microphone.monitor\n"});
+    row("no sound", "PULSE_SERVER", "unix:/nowhere", 0,
+        QStringList{"Find devices: passed\n", "warning: no device plays sound", "warning: there is no microphone\n"});
+    row("no display", "DISPLAY", "", 1,
+        codecs +
+            QStringList{"Record and play back: FAILED: ", formats, "Find devices: FAILED: ", "there is no display"});
+    row("no room", "TMPDIR", "/dev/null", 1,
+        QStringList{"Record and play back: FAILED: there is no room for temporary files",
+                    "Encode and decode: FAILED: there is no room for temporary files", "Find devices: passed\n"});
 }
 
 void SelfTest::reports()

@@ -1,6 +1,7 @@
 #include "SavingConfigIO.h"
 
 #include "style/KelStyleTheme.h"
+#include "support/TestTable.h"
 #include "widget/FloatPanel.h"
 
 #include <KelMovie/KelPlayCtrlWidget.h>
@@ -98,17 +99,19 @@ Q_DECLARE_METATYPE(TwoGlyphs)
 
 void MovieControlsTest::buttons_data()
 {
-    QTest::addColumn<TwoGlyphs>("glyphs");
-    QTest::addColumn<QString>("name");
-    QTest::newRow("play") << twoGlyphs(&PlayPauseButton::isPlay, &PlayPauseButton::setPlay, &PlayPauseButton::sigPlay,
-                                       0xe624, 0xe622, false)
-                          << "PlayPauseButton";
-    QTest::newRow("record") << twoGlyphs(&KelRecordButton::isRecording, &KelRecordButton::setRecording,
-                                         &KelRecordButton::sigRecordStateChanged, 0xe62f, 0xe692, true)
-                            << "PlayPauseButton";
-    QTest::newRow("pause") << twoGlyphs(&KelRecordPauseButton::isPause, &KelRecordPauseButton::setPause,
-                                        &KelRecordPauseButton::sigPauseStateChanged, 0xe622, 0xe624, true)
-                           << "KelRecordPauseButton";
+    const TestTable<TwoGlyphs, QString> row("glyphs", "name");
+    row("play",
+        twoGlyphs(&PlayPauseButton::isPlay, &PlayPauseButton::setPlay, &PlayPauseButton::sigPlay, 0xe624, 0xe622,
+                  false),
+        "PlayPauseButton");
+    row("record",
+        twoGlyphs(&KelRecordButton::isRecording, &KelRecordButton::setRecording,
+                  &KelRecordButton::sigRecordStateChanged, 0xe62f, 0xe692, true),
+        "PlayPauseButton");
+    row("pause",
+        twoGlyphs(&KelRecordPauseButton::isPause, &KelRecordPauseButton::setPause,
+                  &KelRecordPauseButton::sigPauseStateChanged, 0xe622, 0xe624, true),
+        "KelRecordPauseButton");
 }
 
 void MovieControlsTest::buttons()
@@ -140,19 +143,11 @@ void MovieControlsTest::buttons()
 
 void MovieControlsTest::playTimes_data()
 {
-    QTest::addColumn<qint64>("playTime");
-    QTest::addColumn<qint64>("duration");
-    QTest::addColumn<QString>("rounded");
-    QTest::addColumn<QString>("truncated");
-
-    QTest::newRow("half a second") << qint64(59500) << qint64(125499) << "01:00/02:05"
-                                   << "00:59/02:05";
-    QTest::newRow("below half") << qint64(59499) << qint64(125500) << "00:59/02:06"
-                                << "00:59/02:05";
-    QTest::newRow("no length") << qint64(1000) << qint64(0) << "00:01/00:00"
-                               << "00:01";
-    QTest::newRow("hours") << qint64(3600000) << qint64(6000000) << "60:00/100:00"
-                           << "60:00/100:00";
+    const TestTable<qint64, qint64, QString, QString> row("playTime", "duration", "rounded", "truncated");
+    row("half a second", qint64(59500), qint64(125499), "01:00/02:05", "00:59/02:05");
+    row("below half", qint64(59499), qint64(125500), "00:59/02:06", "00:59/02:05");
+    row("no length", qint64(1000), qint64(0), "00:01/00:00", "00:01");
+    row("hours", qint64(3600000), qint64(6000000), "60:00/100:00", "60:00/100:00");
 }
 
 void MovieControlsTest::playTimes()
@@ -225,17 +220,13 @@ void MovieControlsTest::speed()
 
 void MovieControlsTest::recordTimes_data()
 {
-    QTest::addColumn<bool>("isRecording");
-    QTest::addColumn<int>("delay");
-    QTest::addColumn<qint64>("ms");
-    QTest::addColumn<QString>("text");
-
-    QTest::newRow("no delay") << false << 0 << qint64(9000) << "00:00";
-    QTest::newRow("delay") << false << 3 << qint64(9000) << "-0:03";
-    QTest::newRow("longest delay") << false << 10 << qint64(0) << "-0:10";
-    QTest::newRow("counting down") << true << 3 << qint64(-5000) << "-0:05";
-    QTest::newRow("recording") << true << 3 << qint64(65000) << "01:05";
-    QTest::newRow("an hour") << true << 0 << qint64(3600000) << "60:00";
+    const TestTable<bool, int, qint64, QString> row("isRecording", "delay", "ms", "text");
+    row("no delay", false, 0, qint64(9000), "00:00");
+    row("delay", false, 3, qint64(9000), "-0:03");
+    row("longest delay", false, 10, qint64(0), "-0:10");
+    row("counting down", true, 3, qint64(-5000), "-0:05");
+    row("recording", true, 3, qint64(65000), "01:05");
+    row("an hour", true, 0, qint64(3600000), "60:00");
 }
 
 void MovieControlsTest::recordTimes()

@@ -1,4 +1,5 @@
 #include "playback/KelPlaybackCountdownTrack.h"
+#include "support/TestTable.h"
 
 #include <QPainter>
 #include <QtTest>
@@ -148,16 +149,12 @@ void PlaybackCountdownTrackTest::bar()
 
 void PlaybackCountdownTrackTest::drawsNothing_data()
 {
-    QTest::addColumn<int>("total");
-    QTest::addColumn<int>("fps");
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<bool>("enabled");
-
-    QTest::newRow("no frames, box") << 0 << 25 << 0 << true;
-    QTest::newRow("no frames, bar") << 0 << 25 << 1 << true;
-    QTest::newRow("no rate, box") << 100 << 0 << 0 << true;
-    QTest::newRow("unknown mode") << 100 << 25 << 2 << true;
-    QTest::newRow("off") << 100 << 25 << 0 << false;
+    const TestTable<int, int, int, bool> row("total", "fps", "mode", "enabled");
+    row("no frames, box", 0, 25, 0, true);
+    row("no frames, bar", 0, 25, 1, true);
+    row("no rate, box", 100, 0, 0, true);
+    row("unknown mode", 100, 25, 2, true);
+    row("off", 100, 25, 0, false);
 }
 
 void PlaybackCountdownTrackTest::drawsNothing()

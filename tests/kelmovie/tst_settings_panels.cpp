@@ -2,6 +2,7 @@
 #include "SavingConfigIO.h"
 
 #include "notification/KelToastsMessage.h"
+#include "support/TestTable.h"
 #include "widget/ChoiceBox.h"
 #include "widget/ColorSelectButton.h"
 #include "widget/MiniSlider.h"
@@ -255,13 +256,13 @@ void SettingsPanelsTest::changes()
 
 void SettingsPanelsTest::panels_data()
 {
-    QTest::addColumn<Factory>("factory");
-    QTest::newRow("audio") << Factory(create<AudioSettingsPanel>);
-    QTest::newRow("cursor") << Factory(create<CursorSettingsPanel>);
-    QTest::newRow("keyboard") << Factory(create<KeyboardSettingsPanel>);
-    QTest::newRow("progress") << Factory(create<ProgressSettingsPanel>);
-    QTest::newRow("format") << Factory(create<EncodeFormatPanel>);
-    QTest::newRow("quality") << Factory(create<SaveQualityPanel>);
+    const TestTable<Factory> row("factory");
+    row("audio", Factory(create<AudioSettingsPanel>));
+    row("cursor", Factory(create<CursorSettingsPanel>));
+    row("keyboard", Factory(create<KeyboardSettingsPanel>));
+    row("progress", Factory(create<ProgressSettingsPanel>));
+    row("format", Factory(create<EncodeFormatPanel>));
+    row("quality", Factory(create<SaveQualityPanel>));
 }
 
 void SettingsPanelsTest::everyControlIsNamedAndReached()

@@ -2,6 +2,7 @@
 
 #include "audio/CaptureFormat.h"
 #include "audio/SoundLevelMonitor.h"
+#include "support/TestTable.h"
 #include "support/Tone.h"
 #include "ui/SoundLevelMeter.h"
 #include "ui/SoundLevelView.h"
@@ -48,21 +49,17 @@ private slots:
 
 void SoundLevelTest::peaks_data()
 {
-    QTest::addColumn<WORD>("tag");
-    QTest::addColumn<WORD>("bits");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<float>("peak");
-
+    const TestTable<WORD, WORD, QByteArray, float> row("tag", "bits", "bytes", "peak");
     const WORD pcm = WAVE_FORMAT_PCM;
     const WORD ieee = WAVE_FORMAT_IEEE_FLOAT;
-    QTest::newRow("16 bits") << pcm << WORD(16) << bytesOf<qint16>({100, -16384, 8192}) << 0.5F;
-    QTest::newRow("full scale") << pcm << WORD(16) << bytesOf<qint16>({-32768, 32767}) << 1.0F;
-    QTest::newRow("24 bits") << pcm << WORD(24) << QByteArray::fromHex("ffff1f0000c0") << 0.5F;
-    QTest::newRow("32 bits") << pcm << WORD(32) << bytesOf<qint32>({1 << 29, -5}) << 0.25F;
-    QTest::newRow("float") << ieee << WORD(32) << bytesOf<float>({0.1F, -0.75F}) << 0.75F;
-    QTest::newRow("not a number") << ieee << WORD(32) << bytesOf<float>({float(qQNaN()), 0.5F}) << 0.5F;
-    QTest::newRow("half a sample") << pcm << WORD(16) << QByteArray("\x01") << 0.0F;
-    QTest::newRow("unknown") << pcm << WORD(20) << QByteArray(6, '\x7f') << 0.0F;
+    row("16 bits", pcm, WORD(16), bytesOf<qint16>({100, -16384, 8192}), 0.5F);
+    row("full scale", pcm, WORD(16), bytesOf<qint16>({-32768, 32767}), 1.0F);
+    row("24 bits", pcm, WORD(24), QByteArray::fromHex("ffff1f0000c0"), 0.5F);
+    row("32 bits", pcm, WORD(32), bytesOf<qint32>({1 << 29, -5}), 0.25F);
+    row("float", ieee, WORD(32), bytesOf<float>({0.1F, -0.75F}), 0.75F);
+    row("not a number", ieee, WORD(32), bytesOf<float>({float(qQNaN()), 0.5F}), 0.5F);
+    row("half a sample", pcm, WORD(16), QByteArray("\x01"), 0.0F);
+    row("unknown", pcm, WORD(20), QByteArray(6, '\x7f'), 0.0F);
 }
 
 void SoundLevelTest::peaks()

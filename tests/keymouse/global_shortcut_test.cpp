@@ -1,6 +1,7 @@
 #include "XTestInput.h"
 
 #include "keymouse/GlobalShortcut.h"
+#include "support/TestTable.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -49,19 +50,16 @@ void GlobalShortcutTest::cleanup()
 
 void GlobalShortcutTest::pressed_data()
 {
-    QTest::addColumn<QString>("keys");
-    QTest::addColumn<QVector<int>>("locks");
-    QTest::addColumn<QVector<int>>("typed");
-    QTest::addColumn<bool>("isMeant");
+    const TestTable<QString, QVector<int>, QVector<int>, bool> row("keys", "locks", "typed", "isMeant");
     const QVector<int> none;
-    QTest::newRow("letter") << "Ctrl+Alt+R" << none << QVector<int>{Ctrl, Alt, LetterR} << true;
-    QTest::newRow("modifiers in another order") << "Ctrl+Alt+R" << none << QVector<int>{Alt, Ctrl, LetterR} << true;
-    QTest::newRow("function key alone") << "F9" << none << QVector<int>{F9} << true;
-    QTest::newRow("Caps Lock") << "Ctrl+Alt+R" << QVector<int>{CapsLock} << QVector<int>{Ctrl, Alt, LetterR} << true;
-    QTest::newRow("Num Lock") << "Ctrl+Alt+R" << QVector<int>{NumLock} << QVector<int>{Ctrl, Alt, LetterR} << true;
-    QTest::newRow("both locks") << "F9" << QVector<int>{CapsLock, NumLock} << QVector<int>{F9} << true;
-    QTest::newRow("too few modifiers") << "Ctrl+Alt+R" << none << QVector<int>{Ctrl, LetterR} << false;
-    QTest::newRow("too many modifiers") << "Ctrl+Alt+R" << none << QVector<int>{Ctrl, Alt, Shift, LetterR} << false;
+    row("letter", "Ctrl+Alt+R", none, QVector<int>{Ctrl, Alt, LetterR}, true);
+    row("modifiers in another order", "Ctrl+Alt+R", none, QVector<int>{Alt, Ctrl, LetterR}, true);
+    row("function key alone", "F9", none, QVector<int>{F9}, true);
+    row("Caps Lock", "Ctrl+Alt+R", QVector<int>{CapsLock}, QVector<int>{Ctrl, Alt, LetterR}, true);
+    row("Num Lock", "Ctrl+Alt+R", QVector<int>{NumLock}, QVector<int>{Ctrl, Alt, LetterR}, true);
+    row("both locks", "F9", QVector<int>{CapsLock, NumLock}, QVector<int>{F9}, true);
+    row("too few modifiers", "Ctrl+Alt+R", none, QVector<int>{Ctrl, LetterR}, false);
+    row("too many modifiers", "Ctrl+Alt+R", none, QVector<int>{Ctrl, Alt, Shift, LetterR}, false);
 }
 
 void GlobalShortcutTest::pressed()

@@ -1,3 +1,4 @@
+#include "support/TestTable.h"
 #include "widget/FloatPanel.h"
 #include "widget/LabelWidthFloatPanel.h"
 
@@ -52,9 +53,7 @@ void FloatPanelTest::init()
 
 void FloatPanelTest::opensAndCloses_data()
 {
-    QTest::addColumn<Action>("open");
-    QTest::addColumn<Action>("close");
-
+    const TestTable<Action, Action> row("open", "close");
     const auto key = [](Qt::Key code) {
         return Action([code](FloatPanelTest *t) { QTest::keyClick(t->m_label, code); });
     };
@@ -68,19 +67,17 @@ void FloatPanelTest::opensAndCloses_data()
         QTest::mouseClick(t->m_panel->windowHandle(), Qt::LeftButton, {},
                           t->m_panel->mapFromGlobal(t->m_label->mapToGlobal(t->m_label->rect().center())));
     };
-    QTest::newRow("click, Escape") << click << escape;
-    QTest::newRow("click, click on the label") << click << label;
-    QTest::newRow("Space, click outside") << key(Qt::Key_Space) << outside;
-    QTest::newRow("Return, hideManual") << key(Qt::Key_Return)
-                                        << Action([](FloatPanelTest *t) { t->m_panel->hideManual(); });
+    row("click, Escape", click, escape);
+    row("click, click on the label", click, label);
+    row("Space, click outside", key(Qt::Key_Space), outside);
+    row("Return, hideManual", key(Qt::Key_Return), Action([](FloatPanelTest *t) { t->m_panel->hideManual(); }));
     const Action assistive = [](FloatPanelTest *t) {
         QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(t->m_label);
         QCOMPARE(accessible->role(), QAccessible::ButtonMenu);
         accessible->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
     };
-    QTest::newRow("assistive program, both ways") << assistive << assistive;
-    QTest::newRow("Down, disabled") << key(Qt::Key_Down)
-                                    << Action([](FloatPanelTest *t) { t->m_panel->setDisplayEnable(false); });
+    row("assistive program, both ways", assistive, assistive);
+    row("Down, disabled", key(Qt::Key_Down), Action([](FloatPanelTest *t) { t->m_panel->setDisplayEnable(false); }));
 }
 
 void FloatPanelTest::opensAndCloses()
@@ -112,11 +109,11 @@ void FloatPanelTest::disabledPanelStaysClosed()
 
 void FloatPanelTest::staysOnTheScreen_data()
 {
-    QTest::addColumn<Qt::Alignment>("corner");
-    QTest::newRow("top left") << Qt::Alignment(Qt::AlignTop | Qt::AlignLeft);
-    QTest::newRow("top right") << Qt::Alignment(Qt::AlignTop | Qt::AlignRight);
-    QTest::newRow("bottom left") << Qt::Alignment(Qt::AlignBottom | Qt::AlignLeft);
-    QTest::newRow("bottom right") << Qt::Alignment(Qt::AlignBottom | Qt::AlignRight);
+    const TestTable<Qt::Alignment> row("corner");
+    row("top left", Qt::Alignment(Qt::AlignTop | Qt::AlignLeft));
+    row("top right", Qt::Alignment(Qt::AlignTop | Qt::AlignRight));
+    row("bottom left", Qt::Alignment(Qt::AlignBottom | Qt::AlignLeft));
+    row("bottom right", Qt::Alignment(Qt::AlignBottom | Qt::AlignRight));
 }
 
 void FloatPanelTest::staysOnTheScreen()

@@ -1,3 +1,4 @@
+#include "support/TestTable.h"
 #include "widget/ChoiceBox.h"
 #include "widget/ColorSelectButton.h"
 #include "widget/MiniSlider.h"
@@ -23,16 +24,13 @@ private slots:
 
 void SettingWidgetsTest::sliderGoesWhereItIsPressed_data()
 {
-    QTest::addColumn<Qt::LayoutDirection>("direction");
-    QTest::addColumn<int>("x");
-    QTest::addColumn<int>("value");
-
+    const TestTable<Qt::LayoutDirection, int, int> row("direction", "x", "value");
     // 200 pixels wide, 9 of them margin on either side.
-    QTest::newRow("before the start") << Qt::LeftToRight << 1 << 50;
-    QTest::newRow("middle") << Qt::LeftToRight << 100 << 100;
-    QTest::newRow("quarter") << Qt::LeftToRight << 55 << 75;
-    QTest::newRow("past the end") << Qt::LeftToRight << 199 << 150;
-    QTest::newRow("mirrored") << Qt::RightToLeft << 55 << 125;
+    row("before the start", Qt::LeftToRight, 1, 50);
+    row("middle", Qt::LeftToRight, 100, 100);
+    row("quarter", Qt::LeftToRight, 55, 75);
+    row("past the end", Qt::LeftToRight, 199, 150);
+    row("mirrored", Qt::RightToLeft, 55, 125);
 }
 
 void SettingWidgetsTest::sliderGoesWhereItIsPressed()
@@ -109,9 +107,9 @@ void SettingWidgetsTest::choiceScrollsWithTheFocusOnly()
 
 void SettingWidgetsTest::colorIsTriedAndTaken_data()
 {
-    QTest::addColumn<bool>("isTaken");
-    QTest::newRow("taken") << true;
-    QTest::newRow("given up") << false;
+    const TestTable<bool> row("isTaken");
+    row("taken", true);
+    row("given up", false);
 }
 
 void SettingWidgetsTest::colorIsTriedAndTaken()

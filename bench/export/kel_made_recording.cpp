@@ -31,7 +31,7 @@ struct Wish {
     QSize size;
     int frames = 0;
     int fps = 0;
-    bool isNoise = false;
+    QString content;
     bool hasSound = false;
     QString directory;
 };
@@ -62,6 +62,34 @@ Painting noisePainting()
     };
 }
 
+/// Eight colours in a row, and below them the number of the frame: ten binary digits, white for 1.
+void paintNumber(QImage &picture, int frame)
+{
+    constexpr QRgb colours[]{0xff0000, 0x00ff00, 0x0000ff, 0xffff00, 0xff00ff, 0x808080, 0xffffff, 0x204060};
+    constexpr int digits = 10;
+    QPainter painter(&picture);
+    painter.fillRect(picture.rect(), QColor(colours[0]));
+    const QRect top(0, 0, picture.width(), picture.height() / 2);
+    const auto cell = [&](const QRect &row, int number, int count) {
+        const int left = row.width() * number / count;
+        return QRect(left, row.top(), row.width() * (number + 1) / count - left, row.height());
+    };
+    for (int i = 0; i < 8; ++i)
+        painter.fillRect(cell(top, i, 8), QColor(colours[i]));
+    for (int i = 0; i < digits; ++i)
+        painter.fillRect(cell(top.translated(0, top.height()), i, digits),
+                         frame >> (digits - 1 - i) & 1 ? Qt::white : Qt::black);
+}
+
+Painting paintingOf(const QString &content, const QSize &size)
+{
+    if (content == "scene")
+        return scenePainting(size);
+    if (content == "noise")
+        return noisePainting();
+    return content == "numbers" ? paintNumber : Painting();
+}
+
 QString writeScreen(const Wish &wish)
 {
     if (!QDir().mkpath(wish.directory + "/Screen"))
@@ -71,7 +99,9 @@ QString writeScreen(const Wish &wish)
     params.inputFormat = QImage::Format_RGB32;
     params.path = wish.directory + "/Screen/screen_record.mp4";
     KelAsyncEncoder encoder(params);
-    const Painting paint = wish.isNoise ? noisePainting() : scenePainting(wish.size);
+    const Painting paint = paintingOf(wish.content, wish.size);
+    if (!paint)
+        return "there is no content " + wish.content;
     QImage picture(wish.size, QImage::Format_RGB32);
     for (int frame = 0; frame < wish.frames && encoder.errorString().isEmpty(); ++frame) {
         paint(picture, frame);
@@ -139,12 +169,12 @@ int main(int argc, char **argv)
     const QGuiApplication app(argc, argv);
     const QStringList arguments = app.arguments();
     if (arguments.size() < 7)
-        return fail("usage: WIDTH HEIGHT FRAMES FPS scene|noise DIRECTORY [sound]");
+        return fail("usage: WIDTH HEIGHT FRAMES FPS scene|noise|numbers DIRECTORY [sound]");
     Wish wish;
     wish.size = QSize(arguments[1].toInt(), arguments[2].toInt());
     wish.frames = arguments[3].toInt();
     wish.fps = arguments[4].toInt();
-    wish.isNoise = arguments[5] == "noise";
+    wish.content = arguments[5];
     wish.directory = arguments[6];
     wish.hasSound = arguments.size() > 7;
     if (wish.size.isEmpty() || wish.frames < 1 || wish.fps < 1)

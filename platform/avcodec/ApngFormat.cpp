@@ -65,17 +65,25 @@ QByteArray rows(const PictureDelta &delta, png::Filtering filtering)
     return png::filteredRows(bytes, delta.rect.width() * PixelBytes, PixelBytes, filtering);
 }
 
+/// Browsers cut durations down to whole milliseconds: 30 a second that last 1/30 s each would play faster than the rest
+/// of the world.
+int unitFor(int fps)
+{
+    constexpr int exact = 1000;
+    return fps > 0 && exact % fps == 0 ? fps : exact;
+}
+
 } // namespace
 
 ApngFormat::ApngFormat(int fps, int quality)
-    : m_fps(fps)
+    : m_ticksPerSecond(unitFor(fps))
     , m_isPatient(quality < Balanced)
 {
 }
 
 AnimationFormat::Limits ApngFormat::limits() const
 {
-    return {32767, 1, m_fps, m_fps / 100 + 1, 65535};
+    return {32767, 1, m_ticksPerSecond, m_ticksPerSecond / 100 + 1, 65535};
 }
 
 EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
@@ -120,7 +128,7 @@ bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int t
     QByteArray control = bigEndian(m_sequence++);
     for (const int value : {picture.rect.width(), picture.rect.height(), picture.rect.x(), picture.rect.y()})
         control += bigEndian(quint32(value));
-    control += bigEndian(quint16(ticks)) + bigEndian(quint16(m_fps));
+    control += bigEndian(quint16(ticks)) + bigEndian(quint16(m_ticksPerSecond));
     control.append(keepPicture).append(char(picture.keepsPixels));
     const QByteArray data =
         m_frames == 0 ? chunk("IDAT", picture.data) : chunk("fdAT", bigEndian(m_sequence++) + picture.data);

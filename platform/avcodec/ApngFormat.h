@@ -20,7 +20,7 @@ public:
 private:
     QByteArray animationControl() const;
 
-    const int m_fps;
+    const int m_ticksPerSecond;
     const bool m_isPatient;
     int m_plays = 0;
     quint32 m_frames = 0;

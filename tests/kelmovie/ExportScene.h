@@ -2,15 +2,12 @@
 
 #include "KeyScript.h"
 #include "MouseFixture.h"
-#include "RecordingFixture.h"
-
-#include "avcodec/KelAsyncEncoder.h"
+#include "RecordedVideo.h"
 
 #include <KelMovie/KelMovieConfig.h>
 
 #include <QImage>
 #include <QPainter>
-#include <QThread>
 
 /// A short recording with everything in it that an export paints: a video that stands still at times, the pointer with
 /// a click's effect, and keys. The settings show all of it, and the time as a bar, as long as this lives.
@@ -28,7 +25,7 @@ public:
         m_recording.metadata.mouseTrack = m_recording.metadata.keyboardTrack = true;
         m_recording.save();
         m_recording.writeIndexes(LogicFrames, [](int i) { return i < 3 ? -1 : videoFrameAt(i); });
-        writeVideo();
+        writeVideo(m_recording, VideoFrames, picture);
         m_mouse.writeSquareCursor();
         m_mouse.write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, 20, 30), MouseFixture::move(4, 30, 40),
                                                       MouseFixture::move(5, 50, 60)});
@@ -55,21 +52,6 @@ public:
     static int videoFrameAt(int logicFrame) { return qBound(0, logicFrame / 3 - 1, VideoFrames - 1); }
 
 private:
-    void writeVideo()
-    {
-        KelAsyncEncoder::Params params;
-        params.frameSize = QSize(Side, Side);
-        params.path = videoPath();
-        KelAsyncEncoder encoder(params);
-        for (int i = 0; i < VideoFrames; ++i) {
-            while (encoder.isBusy())
-                QThread::yieldCurrentThread();
-            if (encoder.addFrame(i, picture(i)) != i)
-                qFatal("cannot write the video");
-        }
-        encoder.waitForClosed();
-    }
-
     RecordingFixture m_recording{LogicFrames, Fps};
     MouseFixture m_mouse{m_recording.path() + "/Mouse"};
 };

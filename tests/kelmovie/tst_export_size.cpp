@@ -1,7 +1,6 @@
-#include "RecordingFixture.h"
+#include "RecordedVideo.h"
 #include "SavingConfigIO.h"
 
-#include "avcodec/KelAsyncEncoder.h"
 #include "playback/KelExportPipeline.h"
 #include "playback/KelPlaybackTrackManager.h"
 #include "ui/ExportSizeEstimator.h"
@@ -73,15 +72,7 @@ void ExportSizeTest::initTestCase()
 {
     recording.metadata.recordArea = QRect(QPoint(), kSize);
     recording.save();
-    KelAsyncEncoder::Params params;
-    params.frameSize = kSize;
-    params.path = recording.screenDir() + "/screen_record.mp4";
-    KelAsyncEncoder encoder(params);
-    for (int i = 0; i < kFrames; ++i) {
-        QTRY_VERIFY(!encoder.isBusy());
-        QCOMPARE(encoder.addFrame(i, picture(i)), i);
-    }
-    encoder.waitForClosed();
+    writeVideo(recording, kFrames, picture);
     manager = std::make_unique<KelPlaybackTrackManager>(recording.path(), false);
     QVERIFY2(manager->isValidRecording(), qPrintable(manager->errorString()));
 }

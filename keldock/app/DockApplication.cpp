@@ -1,7 +1,6 @@
 #include "app/DockApplication.h"
 
 #include "app/Translations.h"
-#include "dockicon/KelDockIcon.h"
 #include "library/RecordingsFolder.h"
 #include "library/RecordingsWindow.h"
 #include "notification/KelMsgBox.h"
@@ -9,6 +8,7 @@
 #include "play/PlaybackWindow.h"
 #include "settings/SettingsDialog.h"
 #include "style/KelStyleTheme.h"
+#include "widgets/ProgramIcon.h"
 
 #include <KelMovie/KelMovieConfig.h>
 
@@ -67,7 +67,7 @@ int DockApplication::run(int argc, char **argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(KELDOCK_VERSION));
     // Which window is the last one is decided here: the toolbar may be hidden while the program goes on.
     QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setWindowIcon(KelDockIcon::icon(KelDockIcon::Glyph::Record, QColor(0xe1, 0x3d, 0x30)));
+    QApplication::setWindowIcon(programIcon());
 
     SingleInstance instance;
     if (!instance.claim())

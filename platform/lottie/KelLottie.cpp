@@ -1,6 +1,7 @@
 #include "lottie/KelLottie.h"
 
 #include "lottie/LottieFile.h"
+#include "lottie/TurnedPicture.h"
 
 #include <QDebug>
 #include <QPainter>
@@ -29,6 +30,14 @@ bool isUpright(const QTransform &transform)
 {
     return transform.isAffine() && ((qFuzzyIsNull(transform.m12()) && qFuzzyIsNull(transform.m21())) ||
                                     (qFuzzyIsNull(transform.m11()) && qFuzzyIsNull(transform.m22())));
+}
+
+/// Of the device, in its pixels, or a little more: pictures count their width in pixels, widgets in logical ones.
+QRectF visibleArea(const QPainter &painter)
+{
+    const QTransform toPixels = painter.combinedTransform().inverted() * painter.deviceTransform();
+    const QSizeF size = QSizeF(painter.viewport().size()) * painter.device()->devicePixelRatioF();
+    return toPixels.mapRect(QRectF(painter.viewport().topLeft(), size));
 }
 
 } // namespace
@@ -116,9 +125,11 @@ void KelLottie::paint(QPainter *painter, float frame, const QRectF &target, doub
                                    fromDevice);
         painter->drawImage(QPointF(), image);
     } else {
-        painter->setWorldTransform(place * fromDevice);
-        painter->setRenderHint(QPainter::SmoothPixmapTransform);
-        painter->drawImage(QRectF(-target.width() / 2, -target.height() / 2, target.width(), target.height()), image);
+        place = QTransform::fromTranslate(-size.width() / 2.0, -size.height() / 2.0) *
+                QTransform::fromScale(target.width() / size.width(), target.height() / size.height()) * place;
+        const QRect area = (place.mapRect(QRectF(image.rect())) & visibleArea(*painter)).toAlignedRect();
+        painter->setWorldTransform(fromDevice);
+        painter->drawImage(area.topLeft(), turnedPicture(image, place, area));
     }
     painter->restore();
 }

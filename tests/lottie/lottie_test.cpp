@@ -1,8 +1,10 @@
 #include "lottie/KelLottie.h"
+#include "lottie/TurnedPicture.h"
 #include "support/Files.h"
 #include "support/LogCapture.h"
 #include "support/PaintedPart.h"
 
+#include <QCryptographicHash>
 #include <QPainter>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -152,6 +154,28 @@ private slots:
             }
             QCOMPARE(covered, int((0.16 + 0.04 + 0.04) * 50 * 50 * c.ratio * c.ratio));
         }
+    }
+
+    /// Turned pictures are what the arithmetic says, to the bit and on every machine: exports are compared by their
+    /// bytes.
+    void turnsPictures()
+    {
+        QImage picture(41, 30, QImage::Format_ARGB32_Premultiplied);
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x)
+                picture.setPixel(x, y, qRgba(x * 6, y * 8, (x * y) % 256, (x * 37 + y * 91) % 256));
+        }
+        QCOMPARE(turnedPicture(picture, QTransform(), {3, 2, 20, 9}), picture.copy(3, 2, 20, 9));
+        QCOMPARE(turnedPicture(picture, QTransform().rotate(90), {-30, 0, 30, 41}),
+                 picture.transformed(QTransform().rotate(90)));
+        QCOMPARE(coverage(turnedPicture(picture, QTransform(), {100, 0, 5, 5})), 0.0);
+        QVERIFY(turnedPicture(picture, QTransform(), {}).isNull());
+
+        const QTransform place = QTransform().translate(40, 10).rotate(-50).scale(0.6, 0.6);
+        const QImage turned = turnedPicture(picture, place, place.mapRect(QRectF(picture.rect())).toAlignedRect());
+        const QByteArray pixels(reinterpret_cast<const char *>(turned.constBits()), int(turned.sizeInBytes()));
+        QCOMPARE(QCryptographicHash::hash(pixels, QCryptographicHash::Md5).toHex(),
+                 QByteArray("8c5d6fe254bf6a87b85bfe84cfaba90d"));
     }
 
     void colour()

@@ -87,7 +87,7 @@ void choosePlatform(bool needsDisplay)
 {
     const QByteArray wanted = qgetenv("QT_QPA_PLATFORM");
     if (!needsDisplay && wanted.isEmpty())
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("QT_QPA_PLATFORM", Terminal::windowlessPlatform());
     else if (needsDisplay && !wanted.contains(';'))
         qputenv("QT_QPA_PLATFORM",
                 (wanted.isEmpty() ? QByteArray(Terminal::desktopPlatform()) : wanted) + ";offscreen");

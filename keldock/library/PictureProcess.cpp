@@ -1,5 +1,7 @@
 #include "library/PictureProcess.h"
 
+#include "console/Terminal.h"
+
 #include <QFileInfo>
 
 namespace
@@ -15,7 +17,7 @@ PictureProcess::PictureProcess(const QString &program, QObject *parent)
     , m_program(program)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QString::fromLatin1(Terminal::windowlessPlatform()));
     m_process.setProcessEnvironment(environment);
     m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.setStandardErrorFile(QProcess::nullDevice());

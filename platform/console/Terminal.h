@@ -23,4 +23,7 @@ bool showsUnicode();
 /// The name of Qt's platform plugin for the desktop of this system.
 const char *desktopPlatform();
 
+/// The name of the one for programs without windows. It knows the fonts of the system.
+const char *windowlessPlatform();
+
 } // namespace Terminal

@@ -32,3 +32,8 @@ const char *Terminal::desktopPlatform()
 {
     return "xcb";
 }
+
+const char *Terminal::windowlessPlatform()
+{
+    return "offscreen";
+}

@@ -60,3 +60,9 @@ const char *Terminal::desktopPlatform()
 {
     return "windows";
 }
+
+// The one that is named so, "offscreen", knows no fonts here, and texts in pictures would be missing.
+const char *Terminal::windowlessPlatform()
+{
+    return "windows";
+}

@@ -70,9 +70,12 @@ describe() {
 
 zlib() {
     unpack zlib
-    cp -a "$source/." "$build"
-    (cd "$build" && make -f win32/Makefile.gcc PREFIX=$host- BINARY_PATH="$sdk/deps/bin" \
-        INCLUDE_PATH="$sdk/deps/include" LIBRARY_PATH="$sdk/deps/lib" SHARED_MODE=0 install)
+    # Debian's archive lacks the makefile for Windows; all that it would do is this.
+    (cd "$build" && $host-gcc -O3 -c "$source"/*.c && $host-ar rcs libz.a ./*.o)
+    mkdir -p "$sdk"/deps/{include,lib}
+    cp "$source"/{zlib,zconf}.h "$sdk/deps/include"
+    cp "$build/libz.a" "$sdk/deps/lib"
+    describe zlib "$(sed -n 's/#define ZLIB_VERSION "\(.*\)"/\1/p' "$source/zlib.h")" z
 }
 
 x264() {
@@ -122,10 +125,14 @@ rlottie() {
     mkdir -p "$work/headers"
     ln -sfn /usr/include/rapidjson "$work/headers/rapidjson"
     ln -sfn /usr/include/stb "$work/headers/stb"
+    # Its rasterizer counts in "long", which has 64 bits elsewhere and 32 here: every picture would differ a little.
+    sed -i -E 's/\blong( long)?( int)?\b/long long/g; s/\bULONG_MAX\b/ULLONG_MAX/g' "$source"/src/vector/freetype/*.{h,cpp}
     # Threads that end with the process hang in its last moments; a type of POSIX is missing; bad files shall not abort.
     with_cmake -DLOTTIE_THREAD=OFF -DLOTTIE_MODULE=OFF -DLOTTIE_TEST=OFF -DLOTTIE_EXAMPLE=OFF \
         -DLIB_INSTALL_DIR="$sdk/deps/lib" \
         -DCMAKE_CXX_FLAGS="-Wno-free-nonheap-object -isystem $work/headers -DRAPIDJSON_ASSERT\(x\)=\(void\)\(x\) -Dulong=unsigned\ long"
+    mkdir -p "$sdk/deps/bin"
+    cp "$build/librlottie.dll" "$sdk/deps/bin" # which it forgets to install
 }
 
 qtbase() {

@@ -36,11 +36,10 @@ bool FrameDecoder::open(const QString &path, QString *error)
 {
     if (!m_source.open(path, m_options.codec, error))
         return false;
-    if (!m_options.deviceType.isEmpty()) {
+    if (!m_options.deviceType.isEmpty() && av::isForDevices(*m_source.parameters())) {
         if (openCodec(m_options.deviceType))
             return true;
-        qWarning().noquote() << QStringLiteral("[%1] no decoding with \"%2\" here, decoding in software")
-                                    .arg(m_options.logName, QString::fromLatin1(m_options.deviceType));
+        warnOfSoftware();
     }
     if (openCodec({}))
         return true;
@@ -73,6 +72,12 @@ bool FrameDecoder::openCodec(const QByteArray &deviceType)
     m_codec->log_level_offset = AV_LOG_TRACE - AV_LOG_FATAL;
     m_running = false;
     return avcodec_open2(m_codec.get(), codec, nullptr) >= 0;
+}
+
+void FrameDecoder::warnOfSoftware()
+{
+    qWarning().noquote() << QStringLiteral("[%1] no decoding with \"%2\" here, decoding in software")
+                                .arg(m_options.logName, QString::fromLatin1(m_options.deviceType));
 }
 
 QSize FrameDecoder::frameSize() const
@@ -164,7 +169,9 @@ void FrameDecoder::feed()
 
 void FrameDecoder::accept(av::Frame frame)
 {
-    ++m_decodedFrames;
+    // A device that opens need not know the video; the codec then goes on without, and without a word.
+    if (++m_decodedFrames == 1 && m_codec->hw_device_ctx && !frame->hw_frames_ctx)
+        warnOfSoftware();
     const int number = static_cast<int>(frame->pts);
     if (frame->pts == AV_NOPTS_VALUE || number < m_firstNumber)
         return;

@@ -44,6 +44,7 @@ private:
     bool advanceTo(int number);
     void feed();
     void accept(av::Frame frame);
+    void warnOfSoftware();
 
     const Options m_options;
     VideoSource m_source;

@@ -1,3 +1,4 @@
+#include "avcodec/FrameConverter.h"
 #include "avcodec/NumberedVideo.h"
 #include "avcodec/ffv1Decoder.h"
 #include "avcodec/h264Decoder.h"
@@ -23,6 +24,7 @@ class tst_DecodedColors : public QObject
 private slots:
     void colors_data();
     void colors();
+    void downloaded();
 
 private:
     QTemporaryDir m_dir;
@@ -88,6 +90,40 @@ void tst_DecodedColors::colors()
         QVERIFY2(error <= tolerance, qPrintable(found.name() + " is not " + kColor.name()));
         QCOMPARE(qAlpha(image.pixel(at)), 255);
     }
+}
+
+/// Devices hand their pictures out as NV12, whose planes hold what those of software do.
+void tst_DecodedColors::downloaded()
+{
+    const QSize size(160, 90);
+    const auto newFrame = [&](AVPixelFormat format) {
+        av::Frame frame(av_frame_alloc());
+        frame->width = size.width();
+        frame->height = size.height();
+        frame->format = format;
+        frame->colorspace = AVCOL_SPC_BT709;
+        return av_frame_get_buffer(frame.get(), 0) == 0 ? std::move(frame) : av::Frame();
+    };
+    const av::Frame planar = newFrame(AV_PIX_FMT_YUV420P), device = newFrame(AV_PIX_FMT_NV12);
+    QVERIFY(planar && device);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            const auto luma = uchar(16 + (x + y) % 220);
+            planar->data[0][y * planar->linesize[0] + x] = device->data[0][y * device->linesize[0] + x] = luma;
+            const uchar chroma[] = {uchar(64 + x / 2), uchar(192 - y)};
+            for (int plane : {1, 2}) {
+                planar->data[plane][y / 2 * planar->linesize[plane] + x / 2] = chroma[plane - 1];
+                device->data[1][y / 2 * device->linesize[1] + x / 2 * 2 + plane - 1] = chroma[plane - 1];
+            }
+        }
+    }
+    FrameConverter converter;
+    const QImage expected = converter.convert(*planar), found = converter.convert(*device);
+    QCOMPARE(found.size(), size);
+    int error = 0;
+    for (int i = 0; i < size.width() * size.height() * 4; ++i)
+        error = qMax(error, qAbs(expected.constBits()[i] - found.constBits()[i]));
+    QVERIFY2(error <= 4, qPrintable(QString::number(error)));
 }
 
 QTEST_GUILESS_MAIN(tst_DecodedColors)

@@ -21,6 +21,7 @@ constexpr int kFrames = 30;
 
 const QStringList kRecorded{"-c:v",        "libx264rgb", "-preset", "ultrafast", "-tune",
                             "zerolatency", "-crf",       "16",      "-g",        "10"};
+const QStringList kSubsampled{"-c:v", "libx264", "-pix_fmt", "yuv420p", "-g", "10"};
 const QStringList kFragmented{"-movflags", "frag_every_frame+empty_moov+default_base_moof"};
 
 QByteArray contentOf(const QString &path)
@@ -284,20 +285,22 @@ void tst_DecoderFaults::hugeFrames()
 
 void tst_DecoderFaults::missingHardware_data()
 {
-    const TestTable<QString, QString, int> row("decoder", "device", "lines");
-    row("no such type of device", "h264", "abacus", 1);
-    row("a type that is not of this system", "h264", "d3d11va", 1);
-    row("no such decoder", "h264_abacus", "", 0);
-    row("a decoder of something else", "ffv1", "", 0);
+    const TestTable<QString, QString, bool, int> row("decoder", "device", "isRecording", "lines");
+    row("no such type of device", "h264", "abacus", false, 1);
+    row("a type that is not of this system, or not here", "h264", "d3d11va", false, 1);
+    row("never tried, as no device knows recordings", "h264", "abacus", true, 0);
+    row("no such decoder", "h264_abacus", "", true, 0);
+    row("a decoder of something else", "ffv1", "", true, 0);
 }
 
 void tst_DecoderFaults::missingHardware()
 {
     QFETCH(QString, decoder);
     QFETCH(QString, device);
+    QFETCH(bool, isRecording);
     QFETCH(int, lines);
     const QString path = m_dir.filePath("software.mp4");
-    QVERIFY(NumberedVideo::write(path, 12, kRecorded));
+    QVERIFY(NumberedVideo::write(path, 12, isRecording ? kRecorded : kSubsampled));
     LogCapture log;
     h264Decoder fallback(path, {decoder, device});
     checkFrames(fallback, 12);

@@ -50,13 +50,18 @@ unpack() {
     mkdir -p "$build"
 }
 
-# with_cmake [ARGUMENT…]: $source with CMake
-with_cmake() {
+# configure_with_cmake [ARGUMENT…]: $source
+configure_with_cmake() {
     cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$sdk/deps" \
         -DCMAKE_SYSTEM_NAME=Windows -DCMAKE_SYSTEM_PROCESSOR=x86_64 -DCMAKE_C_COMPILER=$host-gcc \
         -DCMAKE_CXX_COMPILER=$host-g++ -DCMAKE_RC_COMPILER=$host-windres -DCMAKE_FIND_ROOT_PATH="$sdk/deps" \
         -DCMAKE_FIND_ROOT_PATH_MODE_LIBRARY=ONLY -DCMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY \
         -DCMAKE_POLICY_VERSION_MINIMUM=3.5 "$@"
+}
+
+# with_cmake [ARGUMENT…]: $source, built and installed
+with_cmake() {
+    configure_with_cmake "$@"
     cmake --build "$build" -j "$jobs"
     cmake --install "$build"
 }
@@ -107,6 +112,7 @@ libdeflate() {
     unpack libdeflate
     cp -a "$source/." "$build"
     (cd "$build" && make -j "$jobs" CC=$host-gcc AR=$host-ar PREFIX="$sdk/deps" libdeflatestatic.lib)
+    mkdir -p "$sdk"/deps/{include,lib}
     cp "$build/libdeflate.h" "$sdk/deps/include"
     cp "$build/libdeflatestatic.lib" "$sdk/deps/lib/libdeflate.a"
     describe libdeflate "$(sed -n 's/#define LIBDEFLATE_VERSION_STRING.*"\(.*\)"/\1/p' "$build/libdeflate.h")" deflate
@@ -114,8 +120,12 @@ libdeflate() {
 
 libyuv() {
     unpack libyuv
-    with_cmake -DTEST=OFF
-    rm -f "$sdk"/deps/bin/{yuvconvert.exe,libyuv.dll} "$sdk"/deps/lib/libyuv.dll.a
+    configure_with_cmake -DTEST=OFF
+    # Its rules would install programs by the names that they have elsewhere.
+    cmake --build "$build" -j "$jobs" --target yuv
+    mkdir -p "$sdk/deps/lib"
+    cp -r "$source/include" "$sdk/deps"
+    cp "$build/libyuv.a" "$sdk/deps/lib"
     describe libyuv 0 yuv
 }
 

@@ -6,6 +6,7 @@
 class WindowsScreenBackend final : public KelScreenBackend
 {
 public:
+    QString name() const override { return QStringLiteral("Windows"); }
     QString errorString() const override;
     std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override;
     std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect) override;

@@ -135,9 +135,7 @@ void DockApplication::connectRecorder()
             m_recordings->setActiveRecording(m_controller.directory());
         using State = RecordingController::State;
         const bool isInPicture = state == State::CountingDown || state == State::Recording;
-        KelToastsMessage::keepOut(isInPicture ? m_controller.area() : QRect());
-        // Queued: why a recording has ended is told right after it, and may be told with it.
-        QMetaObject::invokeMethod(this, &DockApplication::tellUntold, Qt::QueuedConnection);
+        KelToastsMessage::avoid(isInPicture ? m_controller.area() : QRect());
     });
     connect(&m_shortcuts, &GlobalShortcuts::recordPressed, &m_ui, &RecorderUi::record);
     connect(&m_shortcuts, &GlobalShortcuts::pausePressed, &m_controller, &RecordingController::togglePause);
@@ -270,20 +268,7 @@ void DockApplication::tell(RecordingController::Severity severity, const QString
 {
     if (m_isEnding)
         return;
-    m_untold += text;
-    m_isErrorUntold = m_isErrorUntold || severity == RecordingController::Severity::Error;
-    tellUntold();
-}
-
-/// What has no place outside of a picture that is being recorded waits until it has.
-void DockApplication::tellUntold()
-{
-    if (m_untold.isEmpty() || m_isEnding)
-        return;
-    const int type = m_isErrorUntold ? KelToastsMessage::Error : KelToastsMessage::Warning;
-    if (!KelToastsMessage::showMessage(nullptr, type, m_untold.join(QLatin1Char('\n')), WarningMs, !m_isErrorUntold,
-                                       true))
-        return;
-    m_untold.clear();
-    m_isErrorUntold = false;
+    const bool isError = severity == RecordingController::Severity::Error;
+    KelToastsMessage::showMessage(nullptr, isError ? KelToastsMessage::Error : KelToastsMessage::Warning, text,
+                                  WarningMs, !isError, true);
 }

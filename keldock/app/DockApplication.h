@@ -11,7 +11,6 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QStringList>
 
 class RecordingsWindow;
 class SettingsDialog;
@@ -42,7 +41,6 @@ private:
     void quit();
     void windowClosed();
     void tell(RecordingController::Severity severity, const QString &text);
-    void tellUntold();
 
     DockConfigIO &m_io;
     DockSettings &m_settings;
@@ -53,7 +51,5 @@ private:
     GlobalShortcuts m_shortcuts;
     QPointer<RecordingsWindow> m_recordings;
     QPointer<SettingsDialog> m_settingsDialog;
-    QStringList m_untold;
-    bool m_isErrorUntold = false;
     bool m_isEnding = false;
 };

@@ -9,7 +9,6 @@
 #include <QScreen>
 
 #include <algorithm>
-#include <optional>
 
 namespace
 {
@@ -70,46 +69,46 @@ QPainterPath symbolOf(KelToastsMessage::Type type)
 }
 
 QPointer<KelToastsMessage> shownToast;
-QRect forbidden; // on the desktop
+QRect avoidedArea; // on the desktop
 
-/// At the top or the bottom of a screen; the one before the others is that of the mouse pointer.
-std::optional<QPoint> placeOnDesktop(const QSize &size)
+/// At the top or the bottom of a screen, outside of what is to be avoided; if that leaves no place, at the top all the
+/// same. The one before the others is the screen of the mouse pointer.
+QPoint placeOnDesktop(const QSize &size)
 {
     QList<QScreen *> screens = QGuiApplication::screens();
     if (QScreen *const screen = QGuiApplication::screenAt(QCursor::pos()))
         screens.prepend(screen);
+    QRect first;
     for (const QScreen *screen : qAsConst(screens)) {
         const QRect available = screen->availableGeometry();
         QRect place(QPoint(), size);
         place.moveCenter(available.center());
         for (const int top : {available.top() + kTopMargin, available.bottom() + 1 - kTopMargin - size.height()}) {
             place.moveTop(top);
-            if (!place.intersects(forbidden))
+            if (!place.intersects(avoidedArea))
                 return place.topLeft();
+            if (first.isNull())
+                first = place;
         }
     }
-    return std::nullopt;
+    return first.topLeft();
 }
 
 } // namespace
 
-bool KelToastsMessage::showMessage(QWidget *parent, int type, const QString &text, int durationMs, bool fades,
+void KelToastsMessage::showMessage(QWidget *parent, int type, const QString &text, int durationMs, bool fades,
                                    bool hasCloseButton)
 {
     delete shownToast;
     const Type known = type >= Information && type <= Error ? Type(type) : Information;
     shownToast = new KelToastsMessage(known, text, hasCloseButton);
-    if (!shownToast->place(parent)) {
-        delete shownToast;
-        return false;
-    }
+    shownToast->place(parent);
     shownToast->appear(durationMs, fades);
-    return true;
 }
 
-void KelToastsMessage::keepOut(const QRect &area)
+void KelToastsMessage::avoid(const QRect &area)
 {
-    forbidden = area;
+    avoidedArea = area;
     if (shownToast && shownToast->geometry().intersects(area))
         delete shownToast;
 }
@@ -155,8 +154,7 @@ void KelToastsMessage::fadeTo(double opacity)
     m_fade.start();
 }
 
-/// False when there is no place.
-bool KelToastsMessage::place(const QWidget *anchor)
+void KelToastsMessage::place(const QWidget *anchor)
 {
     const QScreen *screen = anchor ? anchor->screen() : QGuiApplication::screenAt(QCursor::pos());
     if (!screen)
@@ -169,12 +167,8 @@ bool KelToastsMessage::place(const QWidget *anchor)
     const QSize textSize =
         fontMetrics().boundingRect(QRect(0, 0, textWidth, available.height()), Qt::TextWordWrap, m_text).size();
     resize(textSize.width() + extraWidth, std::max(textSize.height(), kIconSize) + 2 * kPadding);
-    if (!anchor) {
-        const std::optional<QPoint> place = placeOnDesktop(size());
-        if (place)
-            move(*place);
-        return place.has_value();
-    }
+    if (!anchor)
+        return move(placeOnDesktop(size()));
 
     const QRect over = anchor->window()->geometry();
     QRect place = rect();
@@ -185,7 +179,6 @@ bool KelToastsMessage::place(const QWidget *anchor)
     place.moveBottom(std::min(place.bottom(), available.bottom()));
     place.moveTop(std::max(place.top(), available.top()));
     move(place.topLeft());
-    return true;
 }
 
 QRect KelToastsMessage::iconRect() const

@@ -13,17 +13,16 @@ public:
     enum Type { Information = 0, Success = 1, Warning = 2, Error = 3 };
 
     /// Shows `text` over the window of `parent`, or near the top of the screen that holds the mouse pointer when there
-    /// is no parent. A toast that is already there gives way. False when there is no room beside the area of
-    /// keepOut(): nothing is shown then.
+    /// is no parent. A toast that is already there gives way.
     ///
     /// With `fades` the toast goes after `durationMs` (later while the pointer rests on it), otherwise it stays until
     /// it is clicked. With `hasCloseButton` it shows a cross; a click anywhere on a toast closes it anyway.
-    static bool showMessage(QWidget *parent, int type, const QString &text, int durationMs = 3000, bool fades = true,
+    static void showMessage(QWidget *parent, int type, const QString &text, int durationMs = 3000, bool fades = true,
                             bool hasCloseButton = false);
 
-    /// From now on toasts without a parent stand outside of `area`, in logical pixels of the desktop; an empty one ends
-    /// that. One that is in there closes.
-    static void keepOut(const QRect &area);
+    /// From now on toasts without a parent stand outside of `area`, in logical pixels of the desktop, where there is
+    /// room; an empty one ends that. One that stands in there now closes.
+    static void avoid(const QRect &area);
 
     QString text() const { return m_text; }
 
@@ -38,7 +37,7 @@ private:
 
     void appear(int durationMs, bool fades);
     void fadeTo(double opacity);
-    bool place(const QWidget *anchor);
+    void place(const QWidget *anchor);
     QRect textRect() const;
     QRect iconRect() const;
     QRect closeRect() const;

@@ -1,11 +1,11 @@
 #include "avcodec/ApngFormat.h"
 
-#include "avcodec/PngFilter.h"
-
 #include <QtEndian>
 
 #include <libdeflate.h>
 
+#include <algorithm>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -54,17 +54,6 @@ QByteArray chunk(const char *type, const QByteArray &data)
     return bytes += bigEndian(crc);
 }
 
-QByteArray rows(const PictureDelta &delta, png::Filtering filtering)
-{
-    QByteArray bytes(int(delta.pixels.size()) * PixelBytes, Qt::Uninitialized);
-    char *to = bytes.data();
-    for (const QRgb pixel : delta.pixels) {
-        for (const int value : {qRed(pixel), qGreen(pixel), qBlue(pixel)})
-            *to++ = char(value);
-    }
-    return png::filteredRows(bytes, delta.rect.width() * PixelBytes, PixelBytes, filtering);
-}
-
 /// Browsers cut durations down to whole milliseconds: 30 a second that last 1/30 s each would play faster than the rest
 /// of the world.
 int unitFor(int fps)
@@ -86,25 +75,69 @@ AnimationFormat::Limits ApngFormat::limits() const
     return {32767, 1, m_ticksPerSecond, m_ticksPerSecond / 100 + 1, 65535};
 }
 
+/// A garish green that hardly anything on a screen has, or its next neighbour that the picture does not have.
+void ApngFormat::prepare(const PictureDelta &first)
+{
+    std::vector<bool> isUsed(std::size_t(1) << 24);
+    for (const QRgb pixel : first.pixels)
+        isUsed[PictureDelta::colour(pixel)] = true;
+    m_gapColour = 0x02fd01;
+    while (isUsed[m_gapColour] && m_gapColour < 0x03ffff)
+        m_gapColour += 2;
+}
+
 EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
 {
     using png::Filtering;
+    struct Way {
+        bool hasGaps;
+        Filtering filtering;
+    };
+    const auto pixelsOf = [](const PictureDelta &of, bool hasGaps) {
+        return hasGaps ? of.pixelsWithGaps() : of.opaquePixels();
+    };
     const PictureDelta sample = delta.sample();
-    const auto trialSize = [&](Filtering way) { return deflated(rows(sample, way), TrialLevel).size(); };
-    const Filtering best =
-        trialSize(Filtering::Adaptive) < trialSize(Filtering::None) ? Filtering::Adaptive : Filtering::None;
+    Way best{false, Filtering::None};
+    int least = std::numeric_limits<int>::max();
+    for (const bool hasGaps : {false, true}) {
+        const std::vector<QRgb> pixels = pixelsOf(sample, hasGaps);
+        if (hasGaps && std::all_of(pixels.begin(), pixels.end(), PictureDelta::isChanged))
+            break;
+        for (const Filtering filtering : {Filtering::None, Filtering::Adaptive}) {
+            if (cancelled)
+                return {};
+            const int size = deflated(rows(pixels, sample.rect.width(), filtering), TrialLevel).size();
+            if (size < least) {
+                least = size;
+                best = {hasGaps, filtering};
+            }
+        }
+    }
+    const QByteArray filtered = rows(pixelsOf(delta, best.hasGaps), delta.rect.width(), best.filtering);
     if (cancelled)
         return {};
-    const QByteArray filtered = rows(delta, best);
-    if (cancelled)
-        return {};
-    QByteArray data = deflated(filtered, best == Filtering::None ? PlainLevel : FilteredLevel);
+    QByteArray data = deflated(filtered, best.filtering == Filtering::None ? PlainLevel : FilteredLevel);
     if (m_isPatient && !cancelled) { // which does not always pay
         const QByteArray smaller = deflated(filtered, PatientLevel);
         if (smaller.size() < data.size())
             data = smaller;
     }
-    return {delta.rect, false, data};
+    return {delta.rect, best.hasGaps, data};
+}
+
+/// Transparent pixels get the colour that stands for them; those that have it get its neighbour.
+QByteArray ApngFormat::rows(const std::vector<QRgb> &pixels, int width, png::Filtering filtering) const
+{
+    QByteArray bytes(int(pixels.size()) * PixelBytes, Qt::Uninitialized);
+    char *to = bytes.data();
+    for (const QRgb pixel : pixels) {
+        QRgb colour = PictureDelta::isChanged(pixel) ? PictureDelta::colour(pixel) : m_gapColour;
+        if (pixel == (m_gapColour | PictureDelta::Changed))
+            colour ^= 1;
+        for (const int value : {qRed(colour), qGreen(colour), qBlue(colour)})
+            *to++ = char(value);
+    }
+    return png::filteredRows(bytes, width * PixelBytes, PixelBytes, filtering);
 }
 
 bool ApngFormat::writeHeader(OutputFile &file, QSize size, int plays)
@@ -113,7 +146,11 @@ bool ApngFormat::writeHeader(OutputFile &file, QSize size, int plays)
     constexpr char trueColour = 2;
     QByteArray header = bigEndian(quint32(size.width())) + bigEndian(quint32(size.height()));
     header.append(8).append(trueColour).append(3, '\0');
-    return file.write(QByteArrayLiteral("\x89PNG\r\n\x1a\n") + chunk("IHDR", header) + animationControl());
+    QByteArray transparent;
+    for (const int value : {qRed(m_gapColour), qGreen(m_gapColour), qBlue(m_gapColour)})
+        transparent += bigEndian(quint16(value));
+    return file.write(QByteArrayLiteral("\x89PNG\r\n\x1a\n") + chunk("IHDR", header) + animationControl() +
+                      chunk("tRNS", transparent));
 }
 
 /// The number of frames is known at the end only.

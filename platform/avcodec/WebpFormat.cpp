@@ -14,7 +14,10 @@ namespace
 constexpr int Lossless = 100; // quality
 
 /// Of the library's lossy qualities for each of ours: 90 is as true as what other programs write by default, 75.
-constexpr float LibraryQuality = 66.0f / 90;
+constexpr float LibraryQuality = 58.5f / 90;
+
+/// How much the deblocking leaves edges alone, 0 to 7. Sharper than this shows the blocks again.
+constexpr int FilterSharpness = 2;
 
 /// More effort takes several times as long for some hundredths of the bytes.
 constexpr int LosslessMethod = 1;
@@ -186,6 +189,7 @@ QByteArray WebpFormat::lossy(const PictureDelta &delta, const std::atomic<bool> 
         return {};
     config.method = LossyMethod;
     config.quality = LibraryQuality * float(m_quality);
+    config.filter_sharpness = FilterSharpness;
     // As true as possible everywhere, rather than rougher where the library thinks that nobody looks.
     config.sns_strength = 0;
     config.segments = 1;

@@ -34,6 +34,8 @@ private slots:
     void dropsPicturesThatCannotBeShown();
     void unchangedPicturesCostNothing_data();
     void unchangedPicturesCostNothing();
+    void changesFarApartCostLittle_data();
+    void changesFarApartCostLittle();
     void takesAnySize_data();
     void takesAnySize();
     void takesAnyImageFormat_data();
@@ -163,6 +165,39 @@ void tst_Animations::unchangedPicturesCostNothing()
     QCOMPARE(int(animation.frames.size()), frames);
     QCOMPARE(animation.totalMs(), 2000700.0);
     QVERIFY(sameColours(animation.at(1999990), pictures[1]));
+}
+
+void tst_Animations::changesFarApartCostLittle_data()
+{
+    QTest::addColumn<QString>("format");
+    for (const QString &format : formats)
+        QTest::newRow(qPrintable(format)) << format;
+}
+
+/// What lies between them does not change, and is not written again.
+void tst_Animations::changesFarApartCostLittle()
+{
+    QFETCH(QString, format);
+    const QSize size(320, 240);
+    const auto paint = [&](int frame) {
+        QImage image = noise(size, 1);
+        image.setPixel(100, 100, qRgb(2, 253, 1)); // which would do for transparency, were it not there
+        QPainter painter(&image);
+        const QColor colour(20 * frame, 100, 0);
+        painter.fillRect(QRect(2, 3, 5, 4), colour);
+        painter.fillRect(QRect(311, 230, 5, 4), colour);
+        return image;
+    };
+    qint64 bytes[2];
+    for (const int more : {0, 1}) {
+        const int count = 2 + 10 * more;
+        const DecodedAnimation animation = encoded(format, size, 25, 100, count, paint);
+        QCOMPARE(animation.errorString, QString());
+        for (int frame = 0; frame < count && format != QLatin1String("gif"); ++frame) // which has too few colours
+            QVERIFY(sameColours(animation.frames[std::size_t(frame)], paint(frame)));
+        bytes[more] = QFileInfo(path(format)).size();
+    }
+    QVERIFY2(bytes[1] - bytes[0] < 10 * 1000, qPrintable(QString::number(bytes[1] - bytes[0])));
 }
 
 void tst_Animations::takesAnySize_data()

@@ -20,6 +20,20 @@ bool lessGreen(const Bin &a, const Bin &b)
     return a.green < b.green;
 }
 
+Bin binOf(QRgb colour)
+{
+    return {float(qRed(colour)), float(qGreen(colour)), float(qBlue(colour)), 0};
+}
+
+/// Squared, all channels together.
+float distance(QRgb a, QRgb b)
+{
+    const int red = qRed(a) - qRed(b);
+    const int green = qGreen(a) - qGreen(b);
+    const int blue = qBlue(a) - qBlue(b);
+    return float(red * red + green * green + blue * blue);
+}
+
 /// The index of the colour nearest to a bin's, and its squared distance. The colours rise by green: once green alone
 /// is further away than the best found, so is all that follows.
 std::pair<int, float> nearest(const std::vector<Bin> &colours, const Bin &bin)
@@ -163,12 +177,6 @@ void refine(std::vector<Bin> &colours, const std::vector<Bin> &bins)
 
 } // namespace
 
-ColourPalette::ColourPalette(std::vector<QRgb> colours)
-    : m_colours(std::move(colours))
-{
-    std::sort(m_colours.begin(), m_colours.end(), [](QRgb a, QRgb b) { return qGreen(a) < qGreen(b); });
-}
-
 ColourPalette ColourPalette::bestFor(const ColourHistogram &histogram, int limit)
 {
     std::vector<Bin> best = histogram.bins();
@@ -185,19 +193,62 @@ ColourPalette ColourPalette::bestFor(const ColourHistogram &histogram, int limit
 
 PaletteMatch ColourPalette::match(const ColourHistogram &histogram) const
 {
+    std::vector<quint8> order(m_colours.size());
+    std::iota(order.begin(), order.end(), quint8(0));
+    std::sort(order.begin(), order.end(),
+              [this](quint8 a, quint8 b) { return qGreen(m_colours[a]) < qGreen(m_colours[b]); });
     std::vector<Bin> colours;
     colours.reserve(m_colours.size());
-    for (const QRgb colour : m_colours)
-        colours.push_back({float(qRed(colour)), float(qGreen(colour)), float(qBlue(colour)), 0});
+    for (const quint8 index : order)
+        colours.push_back(binOf(m_colours[index]));
     PaletteMatch match;
     double error = 0;
     double count = 0;
     for (const Bin &bin : histogram.bins()) {
-        const auto [index, distance] = nearest(colours, bin);
-        match.indexOfBin.push_back(quint8(index));
+        const auto [place, distance] = nearest(colours, bin);
+        match.indexOfBin.push_back(order[std::size_t(place)]);
         error += double(distance) * bin.count;
         count += bin.count;
     }
     match.meanError = count > 0 ? error / count : 0;
     return match;
+}
+
+ColourPalette ColourPalette::ordered(const ColourHistogram &histogram) const
+{
+    std::vector<double> weights(m_colours.size());
+    const PaletteMatch all = match(histogram);
+    for (std::size_t i = 0; i < all.indexOfBin.size(); ++i)
+        weights[all.indexOfBin[i]] += double(histogram.bins()[i].count);
+
+    // One after the other, the colour that betters most what those before it show.
+    constexpr float nothingShown = 3 * 255 * 255;
+    std::vector<float> errors(m_colours.size(), nothingShown);
+    std::vector<bool> isTaken(m_colours.size());
+    std::vector<QRgb> order;
+    while (order.size() < m_colours.size()) {
+        double most = -1;
+        std::size_t best = 0;
+        for (std::size_t candidate = 0; candidate < m_colours.size(); ++candidate) {
+            if (isTaken[candidate])
+                continue;
+            double gain = 0;
+            for (std::size_t i = 0; i < m_colours.size(); ++i)
+                gain += weights[i] * std::max(0.0f, errors[i] - distance(m_colours[i], m_colours[candidate]));
+            if (gain > most) {
+                most = gain;
+                best = candidate;
+            }
+        }
+        isTaken[best] = true;
+        order.push_back(m_colours[best]);
+        for (std::size_t i = 0; i < m_colours.size(); ++i)
+            errors[i] = std::min(errors[i], distance(m_colours[i], m_colours[best]));
+    }
+    return ColourPalette(std::move(order));
+}
+
+ColourPalette ColourPalette::beginning(std::size_t count) const
+{
+    return ColourPalette({m_colours.begin(), m_colours.begin() + std::ptrdiff_t(std::min(count, m_colours.size()))});
 }

@@ -22,11 +22,17 @@ constexpr double ErrorPerByte = 0.2;
 /// step of quality below 100.
 constexpr double ToleranceGainPerLoss = 0.2;
 
+/// The same for what a string of pixels may have in error to save a bit.
+constexpr double ErrorPerBitPerLoss = 0.5;
+
 /// Frames in which so few pixels change are encoded with palettes of all sizes, as those are a good part of their
 /// bytes. Others take the largest palette, their own or the global one.
 constexpr double FewChanges = 1 << 13;
 constexpr std::size_t SmallFrame = 1 << 18;
-constexpr int SmallestPalette = 7;
+constexpr std::size_t SmallestPalette = 3;
+
+/// Unchanged pixels in a row. Shorter stretches may look like their surroundings.
+constexpr std::ptrdiff_t LongGap = 24;
 
 constexpr int DelayOffset = 4; // in the bytes of a frame
 
@@ -54,6 +60,19 @@ QByteArray colourTable(const std::vector<QRgb> &colours)
     return table.leftJustified(3 << tableBits(colours.size()), '\0');
 }
 
+/// Makes all of a long unchanged stretch transparent, rather than what goes best with the changes.
+void leaveGaps(IndexedPicture &picture)
+{
+    const auto first = picture.pixels.begin();
+    const auto last = picture.pixels.end();
+    for (auto pixel = first; pixel != last;) {
+        const auto gap = std::find_if_not(pixel, last, PictureDelta::isChanged);
+        pixel = std::find_if(gap, last, PictureDelta::isChanged);
+        if (pixel - gap >= LongGap)
+            std::fill_n(picture.indices.begin() + (gap - first), pixel - gap, quint8(picture.transparent));
+    }
+}
+
 } // namespace
 
 GifFormat::GifFormat(int quality)
@@ -69,7 +88,8 @@ AnimationFormat::Limits GifFormat::limits() const
 
 void GifFormat::prepare(const PictureDelta &first)
 {
-    m_palette = ColourPalette::bestFor(ColourHistogram(first), MaxColours);
+    // What changes later are edges rather than areas.
+    m_palette = ColourPalette::bestFor(ColourHistogram(first), MaxColours).ordered(ColourHistogram(first.edges()));
 }
 
 EncodedFrame GifFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
@@ -88,17 +108,20 @@ QByteArray GifFormat::smallFrame(const PictureDelta &delta, const ColourHistogra
     std::pair least(std::numeric_limits<double>::max(), 0); // and bytes
     const auto attempt = [&](const ColourPalette &palette, bool local) {
         const PaletteMatch match = palette.match(histogram);
-        const QByteArray data = frame(delta, histogram, palette, match, local, cancelled);
         const double error = match.meanError * histogram.pixelCount();
+        if (error >= least.first)
+            return;
+        const QByteArray data = frame(delta, histogram, palette, match, local, cancelled);
         const std::pair cost(error + m_errorPerByte * data.size(), data.size());
         if (cost < least) {
             least = cost;
             best = data;
         }
     };
-    attempt(m_palette, false);
+    for (std::size_t colours = MaxColours; colours >= SmallestPalette && !cancelled; colours /= 2)
+        attempt(m_palette.beginning(colours), false); // in smaller codes
     const auto most = int(std::min<std::size_t>(histogram.bins().size(), MaxColours));
-    for (int colours = SmallestPalette; !cancelled; colours = 2 * colours + 1) {
+    for (int colours = int(SmallestPalette); !cancelled; colours = 2 * colours + 1) {
         attempt(ColourPalette::bestFor(histogram, colours), true);
         if (colours >= most)
             break;
@@ -128,6 +151,7 @@ QByteArray GifFormat::frame(const PictureDelta &delta, const ColourHistogram &hi
     IndexedPicture picture{delta.pixels, {}, palette.colours(), int(palette.colours().size()), 0};
     picture.palette.push_back(0);
     picture.tolerance = int(MaxTolerance * m_loss * m_loss / 1e4 + ToleranceGainPerLoss * m_loss * match.meanError);
+    picture.errorPerBit = m_errorPerByte / 4 + ErrorPerBitPerLoss * m_loss * match.meanError;
     picture.indices.reserve(delta.pixels.size());
     QRgb latest = 0;
     int index = picture.transparent;
@@ -153,7 +177,12 @@ QByteArray GifFormat::frame(const PictureDelta &delta, const ColourHistogram &hi
     bytes += char(local ? 0x80 | (tableBits(palette.colours().size()) - 1) : 0);
     if (local)
         bytes += colourTable(palette.colours());
-    return bytes + gifImageData(picture, cancelled);
+    const QByteArray data = gifImageData(picture, cancelled);
+    if (histogram.pixelCount() > FewChanges)
+        return bytes + data;
+    leaveGaps(picture);
+    const QByteArray gapped = gifImageData(picture, cancelled);
+    return bytes + (gapped.size() < data.size() ? gapped : data);
 }
 
 bool GifFormat::writeHeader(OutputFile &file, QSize size, int plays)

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace
 {
@@ -19,6 +20,9 @@ constexpr int MaxBranches = 4;
 /// That gains nothing worth the time for strings that are long anyway.
 constexpr std::size_t MaxStepsBack = 3;
 constexpr std::size_t LongString = 64;
+
+/// Instead of no price for errors, which there are none of then.
+constexpr double LeastPrice = 1e-9;
 
 /// Codes after which a full dictionary is judged again.
 constexpr int JudgedCodes = 128;
@@ -166,7 +170,7 @@ private:
     /// A string that fits the pixels so far.
     struct Branch {
         int code;
-        int error;
+        int error; // more than the best colours have
     };
 
     static int minimumCodeSize(int colours)
@@ -208,21 +212,24 @@ private:
         const std::size_t from = at;
         at = longestMatch(symbol, from);
         if (at == m_picture.pixels.size() || at - from > LongString)
-            return m_matches.back();
+            return m_matches.back().code;
         std::swap(m_matches, m_candidates);
+        const double pixelsPerError = m_all.pixels / std::max(m_all.bits * m_picture.errorPerBit, LeastPrice);
         std::size_t best = m_candidates.size();
-        std::size_t furthest = 0;
+        double most = std::numeric_limits<double>::lowest();
         for (std::size_t back = 0; back <= MaxStepsBack && back < m_candidates.size(); ++back) {
             const std::size_t length = m_candidates.size() - back;
-            const int lastSymbol = m_dictionary.lastSymbol(m_candidates[length - 1]);
+            const Branch &candidate = m_candidates[length - 1];
+            const int lastSymbol = m_dictionary.lastSymbol(candidate.code);
             const std::size_t reached = longestMatch(firstSymbol(from + length, lastSymbol), from + length);
-            if (reached > furthest) {
-                furthest = reached;
+            const double gain = double(reached - from) - (candidate.error + m_matches.back().error) * pixelsPerError;
+            if (gain > most) {
+                most = gain;
                 best = length;
             }
         }
         at = from + best;
-        return m_candidates[best - 1];
+        return m_candidates[best - 1].code;
     }
 
     /// How far the known strings get that begin with the symbol at `at`. m_matches has the best for each length.
@@ -230,7 +237,7 @@ private:
     {
         m_branchCount = 1;
         m_branches[0] = {symbol, 0};
-        m_matches.assign(1, symbol);
+        m_matches.assign(1, {symbol, 0});
         for (++at; at < m_picture.pixels.size(); ++at) {
             m_longerCount = 0;
             for (int i = 0; i < m_branchCount; ++i)
@@ -239,7 +246,7 @@ private:
                 break;
             std::swap(m_branches, m_longer);
             m_branchCount = m_longerCount;
-            m_matches.push_back(m_branches[0].code);
+            m_matches.push_back(m_branches[0]);
         }
         return at;
     }
@@ -255,11 +262,12 @@ private:
             keep(m_dictionary.child(branch.code, index), branch.error);
         } else {
             const QRgb colour = m_picture.pixels[at];
+            const int least = index == m_picture.transparent ? 0 : distance(index, colour);
             for (int code = m_dictionary.firstChild(branch.code); code != None; code = m_dictionary.nextChild(code)) {
                 const int symbol = m_dictionary.lastSymbol(code);
                 const int error = symbol == m_picture.transparent ? None : distance(symbol, colour);
                 if (symbol == index || (error >= 0 && error <= m_picture.tolerance))
-                    keep(code, branch.error + error);
+                    keep(code, branch.error + std::max(0, error - least));
             }
         }
     }
@@ -291,8 +299,10 @@ private:
     void learn(int code, int symbol, std::size_t pixels)
     {
         Yield &yield = m_dictionary.isFull() ? m_recent : m_learnt;
-        yield.pixels += double(pixels);
-        yield.bits += m_width;
+        for (Yield *sum : {&yield, &m_all}) {
+            sum->pixels += double(pixels);
+            sum->bits += m_width;
+        }
         if (!m_dictionary.isFull()) {
             m_dictionary.add(code, symbol);
             if (m_dictionary.size() > 1 << m_width && m_width < MaxCodeWidth)
@@ -317,12 +327,13 @@ private:
     int m_width = m_minimumSize + 1;
     Yield m_learnt;
     Yield m_recent;
+    Yield m_all{1, double(m_width)}; // as if one code had been written
     std::array<Branch, MaxBranches> m_branches;
     std::array<Branch, MaxBranches> m_longer;
     int m_branchCount = 0;
     int m_longerCount = 0;
-    std::vector<int> m_matches;
-    std::vector<int> m_candidates;
+    std::vector<Branch> m_matches;
+    std::vector<Branch> m_candidates;
 };
 
 } // namespace

@@ -13,6 +13,7 @@ struct IndexedPicture {
     std::vector<QRgb> palette;   ///< at most 256 colours
     int transparent = -1;        ///< index that leaves a pixel as it was; below 0 when there is none
     int tolerance = 0;           ///< squared distance (all channels together) by which another colour may differ
+    double errorPerBit = 0;      ///< such distance, of all pixels together, that is worth a bit
 };
 
 /// The image data of a GIF frame: code size, blocks of codes and the terminator.

@@ -47,6 +47,16 @@ std::vector<QRgb> PictureDelta::pixelsWithGaps() const
     return gapped;
 }
 
+PictureDelta PictureDelta::edges() const
+{
+    PictureDelta edges = *this;
+    for (std::size_t i = 1; i < pixels.size(); ++i) {
+        if (pixels[i] == pixels[i - 1])
+            edges.pixels[i] = colour(pixels[i]);
+    }
+    return edges;
+}
+
 PictureDelta PictureDelta::sample() const
 {
     if (pixels.size() <= SmallPicture || rect.height() <= SamplePeriod)

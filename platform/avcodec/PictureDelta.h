@@ -24,6 +24,9 @@ struct PictureDelta {
     /// long runs of changing colours. Other runs look like their surroundings, which helps more.
     std::vector<QRgb> pixelsWithGaps() const;
 
+    /// Those pixels only whose left neighbour looks different; the others pass for unchanged.
+    PictureDelta edges() const;
+
     /// Some bands of a large picture, to try out on a fraction of it what is best for the whole; all of a small one.
     PictureDelta sample() const;
 };

@@ -457,6 +457,18 @@ The recording goes on without it.</source>
         <source>A screen was changed or unplugged, and the recorded area is no longer on it. The recording has ended and was saved.</source>
         <translation>屏幕已更改或拔除，录制区域已不在屏幕上。录制已结束并保存。</translation>
     </message>
+    <message>
+        <source>The recording could not be started.
+%1</source>
+        <translation>录制未能开始。
+%1</translation>
+    </message>
+    <message>
+        <source>The recording lacks something.
+%1</source>
+        <translation>录制不完整。
+%1</translation>
+    </message>
 </context>
 <context>
     <name>RecordingExport</name>

@@ -175,7 +175,10 @@ void RecordingController::takeError(const QString &error)
             },
             Qt::QueuedConnection);
     } else if (!m_recorder->isRecording()) {
-        emit problem(Severity::Error, error);
+        const bool isStarting = m_state == State::CountingDown;
+        emit problem(Severity::Error, (isStarting ? tr("The recording could not be started.\n%1")
+                                                  : tr("The recording lacks something.\n%1"))
+                                          .arg(error));
     } else {
         // Without one of the other tracks a recording of the screen is still worth going on with.
         emit problem(Severity::Warning,

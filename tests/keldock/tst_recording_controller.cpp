@@ -33,7 +33,7 @@ private slots:
     void countdown();
     void endings_data();
     void endings();
-    void noRoomToBegin();
+    void cannotBegin();
     void screenShrinks();
 
 private:
@@ -176,13 +176,19 @@ void RecordingControllerTest::endings()
     QCOMPARE(recordingInfo(directory).value("complete").toBool(), isWhole);
 }
 
-void RecordingControllerTest::noRoomToBegin()
+void RecordingControllerTest::cannotBegin()
 {
     m_disk.freeBytes = DiskGuard::StopBytes - 1;
     m_controller->start();
     QTRY_COMPARE(m_problems.size(), 1);
     QCOMPARE(m_controller->state(), State::Idle);
     QVERIFY(!QFile::exists(m_root->filePath("deep")));
+    m_disk.freeBytes *= 1000;
+    m_controller->setArea(QRect());
+    m_controller->start();
+    QTRY_COMPARE(m_problems.size(), 2);
+    QVERIFY2(m_problems.last().startsWith("The recording could not be started"), qPrintable(m_problems.last()));
+    QCOMPARE(m_controller->state(), State::Idle);
 }
 
 void RecordingControllerTest::screenShrinks()

@@ -1,8 +1,13 @@
 #include "RecordingHook.h"
 
+#include "keymouse/GlobalShortcutGrabber.h"
 #include "keymouse/windows/WindowsKeymap.h"
+#include "support/TestTable.h"
 
+#include <QSignalSpy>
 #include <QtTest>
+
+#include <algorithm>
 
 #include <windows.h>
 
@@ -50,6 +55,9 @@ private slots:
     void reportsKeys();
     void reportsMouse();
     void followsTheWantedKinds();
+    void hearsAgain();
+    void hotKeys_data();
+    void hotKeys();
 };
 
 void KeymouseWindowsTest::keys_data()
@@ -157,6 +165,73 @@ void KeymouseWindowsTest::followsTheWantedKinds()
         const int expected = (kinds & KelKeyMouseHook::Keyboard ? 2 : 0) + (kinds & KelKeyMouseHook::Wheel ? 1 : 0);
         QCOMPARE(hook.take(expected).size(), expected);
     }
+}
+
+/// A hook that hears nothing although there is input, as one that Windows has dropped, is installed anew. Here another
+/// one lies in front of it that passes nothing on, while the mouse's goes on to hear.
+void KeymouseWindowsTest::hearsAgain()
+{
+    RecordingHook hook;
+    hook.setHookType(15);
+    const auto hearsKeys = [&] {
+        type(VK_F5);
+        type(VK_F5, KEYEVENTF_KEYUP);
+        mouse(MOUSEEVENTF_WHEEL, WHEEL_DELTA);
+        return !hook.take(1).filter("key").isEmpty();
+    };
+    QTRY_VERIFY(hearsKeys());
+    static int withheld = 0;
+    const auto withhold = [](int, WPARAM, LPARAM) -> LRESULT { return ++withheld, 0; };
+    const HHOOK inFront = SetWindowsHookExW(WH_KEYBOARD_LL, withhold, GetModuleHandleW(nullptr), 0);
+    QVERIFY(inFront);
+    hook.take();
+    QTRY_VERIFY_WITH_TIMEOUT(hearsKeys() && withheld > 0, 30000);
+    UnhookWindowsHookEx(inFront);
+}
+
+void KeymouseWindowsTest::hotKeys_data()
+{
+    const TestTable<QString, QVector<int>, bool> row("keys", "typed", "isMeant");
+    row("letter", "Ctrl+Alt+R", QVector<int>{VK_CONTROL, VK_MENU, 'R'}, true);
+    row("function key alone", "F9", QVector<int>{VK_F9}, true);
+    row("digit with Shift", "Ctrl+Shift+5", QVector<int>{VK_CONTROL, VK_SHIFT, '5'}, true);
+    row("fewer modifiers", "Ctrl+Alt+R", QVector<int>{VK_CONTROL, 'R'}, false);
+    row("more modifiers", "Ctrl+Alt+R", QVector<int>{VK_CONTROL, VK_MENU, VK_SHIFT, 'R'}, false);
+}
+
+void KeymouseWindowsTest::hotKeys()
+{
+    QFETCH(QString, keys);
+    QFETCH(QVector<int>, typed);
+    QFETCH(bool, isMeant);
+    const auto press = [](const QVector<int> &codes) {
+        for (const int code : codes)
+            type(WORD(code));
+        for (auto code = codes.rbegin(); code != codes.rend(); ++code)
+            type(WORD(*code), KEYEVENTF_KEYUP);
+    };
+    const int combination = QKeySequence(keys)[0], other = QKeySequence("Ctrl+Alt+F11")[0];
+    const QVector<int> otherTyped{VK_CONTROL, VK_MENU, VK_F11};
+    const auto grabber = GlobalShortcutGrabber::create(), rival = GlobalShortcutGrabber::create();
+    QSignalSpy pressed(grabber.get(), &GlobalShortcutGrabber::pressed);
+    QCOMPARE(grabber->grab(combination), QString());
+    QCOMPARE(grabber->grab(other), QString());
+    QVERIFY(!rival->grab(combination).isEmpty());
+    const auto counts = [&](int key) {
+        return int(std::count_if(pressed.begin(), pressed.end(), [key](const auto &one) { return one[0] == key; }));
+    };
+    press(typed);
+    press(otherTyped); // comes after whatever the first ones did
+    QTRY_COMPARE(counts(other), 1);
+    QCOMPARE(counts(combination), int(isMeant));
+
+    grabber->release(combination);
+    QCOMPARE(rival->grab(combination), QString());
+    rival->release(combination);
+    press(typed);
+    press(otherTyped);
+    QTRY_COMPARE(counts(other), 2);
+    QCOMPARE(counts(combination), int(isMeant));
 }
 
 QTEST_MAIN(KeymouseWindowsTest)

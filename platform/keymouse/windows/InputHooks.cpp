@@ -16,7 +16,8 @@ constexpr DWORD lookAfterMs = 1000;
 
 // Of the thread that the hooks are installed by, which Windows calls them on.
 thread_local InputQueue *t_queue = nullptr;
-thread_local DWORD t_lastEventTime = 0;
+thread_local DWORD t_lastKeyTime = 0;
+thread_local DWORD t_lastMouseTime = 0;
 thread_local bool t_isFull = false;
 
 void push(const WindowsInputEvent &event)
@@ -35,7 +36,7 @@ LRESULT CALLBACK onKey(int code, WPARAM message, LPARAM data)
         event.message = UINT(message);
         event.key = *reinterpret_cast<const KBDLLHOOKSTRUCT *>(data);
         event.layout = GetKeyboardLayout(GetWindowThreadProcessId(GetForegroundWindow(), nullptr));
-        t_lastEventTime = GetTickCount();
+        t_lastKeyTime = GetTickCount();
         push(event);
     }
     return CallNextHookEx(nullptr, code, message, data);
@@ -44,7 +45,7 @@ LRESULT CALLBACK onKey(int code, WPARAM message, LPARAM data)
 LRESULT CALLBACK onMouse(int code, WPARAM message, LPARAM data)
 {
     if (code == HC_ACTION) {
-        t_lastEventTime = GetTickCount();
+        t_lastMouseTime = GetTickCount();
         if (message != WM_MOUSEMOVE) {
             WindowsInputEvent event{};
             event.message = UINT(message);
@@ -84,9 +85,14 @@ public:
         return isSet() == wanted;
     }
 
-    /// No event can come twice, nor between the two: Windows delivers it when the thread looks for messages.
-    void renew()
+    /// Installs it anew when there was input long after it last heard any, which may be that of the other kind. No
+    /// event can come twice, nor between the two hooks: Windows delivers it when the thread looks for messages.
+    void renewIfDeaf(DWORD *lastHeard)
     {
+        LASTINPUTINFO input{sizeof input, 0};
+        if (!isSet() || !GetLastInputInfo(&input) || int(input.dwTime - *lastHeard) <= int(lookAfterMs))
+            return;
+        *lastHeard = input.dwTime;
         const HHOOK old = m_hook;
         m_hook = SetWindowsHookExW(m_kind, m_procedure, GetModuleHandleW(nullptr), 0);
         UnhookWindowsHookEx(old);
@@ -138,6 +144,7 @@ void InputHooks::run()
     t_queue = &m_queue;
     Hook keys(WH_KEYBOARD_LL, onKey);
     Hook mouse(WH_MOUSE_LL, onMouse);
+    DWORD lastLook = GetTickCount();
     for (;;) {
         const bool hooked = keys.isSet() || mouse.isSet();
         const DWORD woken =
@@ -152,15 +159,11 @@ void InputHooks::run()
                     return;
             }
             apply(keys, mouse);
-        } else if (woken == WAIT_TIMEOUT) {
-            LASTINPUTINFO input{sizeof input, 0};
-            if (!GetLastInputInfo(&input) || int(input.dwTime - t_lastEventTime) <= int(lookAfterMs))
-                continue;
-            t_lastEventTime = input.dwTime; // what a hook for keys alone does not hear is the mouse's
-            if (keys.isSet())
-                keys.renew();
-            if (mouse.isSet())
-                mouse.renew();
+        }
+        if (GetTickCount() - lastLook >= lookAfterMs) {
+            lastLook = GetTickCount();
+            keys.renewIfDeaf(&t_lastKeyTime);
+            mouse.renewIfDeaf(&t_lastMouseTime);
         }
     }
 }
@@ -168,7 +171,7 @@ void InputHooks::run()
 void InputHooks::apply(Hook &keys, Hook &mouse)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    t_lastEventTime = GetTickCount();
+    t_lastKeyTime = t_lastMouseTime = GetTickCount();
     m_error.clear();
     if (!keys.set(m_wantsKeys) || !mouse.set(m_wantsMouse))
         m_error = QStringLiteral("Windows installs no hook (error %1)").arg(GetLastError());

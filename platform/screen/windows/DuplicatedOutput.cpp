@@ -39,14 +39,12 @@ void copyPixels(const QImage &from, const QPoint &to, QImage &image)
 
 } // namespace
 
-HRESULT DuplicatedOutput::open(IDXGIAdapter1 *adapter, IDXGIOutput *output, const QRect &rect)
+HRESULT DuplicatedOutput::open(ID3D11Device *device, IDXGIOutput *output, const QRect &rect)
 {
-    HRESULT result = D3D11CreateDevice(adapter, D3D_DRIVER_TYPE_UNKNOWN, nullptr, 0, nullptr, 0, D3D11_SDK_VERSION,
-                                       &m_device, nullptr, &m_context);
-    if (FAILED(result))
-        return result;
+    m_device = device;
+    m_device->GetImmediateContext(&m_context);
     ComPtr<IDXGIOutput1> output1;
-    result = output->QueryInterface(IID_PPV_ARGS(&output1));
+    HRESULT result = output->QueryInterface(IID_PPV_ARGS(&output1));
     if (SUCCEEDED(result))
         result = output1->DuplicateOutput(m_device.Get(), &m_duplication);
     if (FAILED(result))

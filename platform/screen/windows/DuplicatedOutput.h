@@ -13,8 +13,9 @@
 class DuplicatedOutput
 {
 public:
-    /// Begins to duplicate the part of the screen that lies in `rect` (physical pixels of the desktop).
-    HRESULT open(IDXGIAdapter1 *adapter, IDXGIOutput *output, const QRect &rect);
+    /// Begins to duplicate the part of the screen that lies in `rect` (physical pixels of the desktop). The device is
+    /// of the screen's adapter.
+    HRESULT open(ID3D11Device *device, IDXGIOutput *output, const QRect &rect);
 
     /// Brings the screen's part of `picture`, a picture of that rectangle, up to date and adds to `changed` where that
     /// was necessary. DXGI_ERROR_WAIT_TIMEOUT when there has not been a picture yet.

@@ -3,6 +3,8 @@
 #include "screen/windows/Monitors.h"
 #include "screen/windows/NativeRect.h"
 
+#include <QDebug>
+
 using Microsoft::WRL::ComPtr;
 
 namespace
@@ -10,6 +12,9 @@ namespace
 
 // What is to pass in a moment and has not so many updates later never will.
 constexpr int maxVainUpdates = 50;
+
+// Of a desktop that is somebody else's: asking makes work, and may go on for hours.
+constexpr int updatesBetweenQuestions = 10;
 
 /// The desktop is somebody else's: of whoever logs on or confirms a question of rights. That can take hours.
 bool isElsewhere(HRESULT result)
@@ -26,14 +31,29 @@ bool passes(HRESULT result)
 
 } // namespace
 
-DuplicationDesktopReader::DuplicationDesktopReader(const QRect &rect)
+DuplicationSystem DuplicationSystem::real()
+{
+    return {[](IDXGIFactory1 **factory) { return CreateDXGIFactory1(IID_PPV_ARGS(factory)); },
+            [](IDXGIAdapter1 *adapter, ID3D11Device **device) {
+                return D3D11CreateDevice(adapter, D3D_DRIVER_TYPE_UNKNOWN, nullptr, 0, nullptr, 0, D3D11_SDK_VERSION,
+                                         device, nullptr, nullptr);
+            },
+            monitorRegion};
+}
+
+DuplicationDesktopReader::DuplicationDesktopReader(const QRect &rect, const DuplicationSystem &system)
     : m_rect(rect)
+    , m_system(system)
 {
 }
 
 DesktopReader::Update DuplicationDesktopReader::update()
 {
     Update news;
+    if (m_restingUpdates > 0) {
+        --m_restingUpdates;
+        return news;
+    }
     HRESULT result = S_OK;
     if (m_factory && !m_factory->IsCurrent())
         m_factory.Reset(); // a screen has come or gone
@@ -52,10 +72,10 @@ HRESULT DuplicationDesktopReader::open()
 {
     m_outputs.clear();
     ComPtr<IDXGIFactory1> factory;
-    HRESULT result = CreateDXGIFactory1(IID_PPV_ARGS(&factory));
+    HRESULT result = m_system.createFactory(&factory);
     if (FAILED(result))
         return result;
-    QRegion missing = monitorRegion() & m_rect;
+    QRegion missing = m_system.monitors() & m_rect;
     ComPtr<IDXGIAdapter1> adapter;
     for (UINT a = 0; factory->EnumAdapters1(a, &adapter) != DXGI_ERROR_NOT_FOUND; ++a) {
         ComPtr<IDXGIOutput> output;
@@ -66,13 +86,18 @@ HRESULT DuplicationDesktopReader::open()
             if (!screen.AttachedToDesktop || !m_rect.intersects(place))
                 continue;
             missing -= place;
-            result = m_outputs.emplace_back().open(adapter.Get(), output.Get(), m_rect);
+            ComPtr<ID3D11Device> device;
+            result = m_system.createDevice(adapter.Get(), &device);
+            if (SUCCEEDED(result))
+                result = m_outputs.emplace_back().open(device.Get(), output.Get(), m_rect);
             if (FAILED(result))
                 return result;
         }
     }
     if (!missing.isEmpty()) // screens of a driver that has no part in this, or screens in a hurry
         return m_hasPicture ? DXGI_ERROR_MODE_CHANGE_IN_PROGRESS : DXGI_ERROR_UNSUPPORTED;
+    if (m_outputs.empty() && m_hasPicture) // the last screen went, as it does when somebody leaves a remote desktop
+        return DXGI_ERROR_SESSION_DISCONNECTED;
     QImage picture(m_rect.size(), QImage::Format_RGB32);
     if (picture.isNull())
         return E_OUTOFMEMORY;
@@ -101,8 +126,13 @@ DesktopReader::State DuplicationDesktopReader::stateAfter(HRESULT result)
     }
     if (result != DXGI_ERROR_WAIT_TIMEOUT)
         m_factory.Reset();
-    if (isElsewhere(result) && m_hasPicture)
+    if (isElsewhere(result) && m_hasPicture) {
+        m_restingUpdates = updatesBetweenQuestions;
         return State::NotNow;
-    const bool mayPass = (isElsewhere(result) || passes(result)) && ++m_vainUpdates < maxVainUpdates;
-    return mayPass ? State::NotNow : State::Unusable;
+    }
+    if ((isElsewhere(result) || passes(result)) && ++m_vainUpdates < maxVainUpdates)
+        return State::NotNow;
+    qInfo("[DuplicationDesktopReader] Windows does not hand out pictures of this desktop (error %08lx)",
+          static_cast<unsigned long>(result));
+    return State::Unusable;
 }

@@ -1,10 +1,10 @@
 #include "cli/OutputFile.h"
 
+#include "files/RenameOver.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-
-#include <filesystem>
 
 OutputFile::OutputFile(const QString &path)
     : m_path(path)
@@ -25,10 +25,9 @@ OutputFile::OutputFile(const QString &path)
         m_error = QStringLiteral("there is no directory '%1'").arg(target.path());
         return;
     }
-    const QString temporaryPath = QStringLiteral("%1/.keldock-%2.%3")
-                                      .arg(target.path())
-                                      .arg(QCoreApplication::applicationPid())
-                                      .arg(target.suffix());
+    const QString temporaryPath =
+        QStringLiteral("%1/.keldock-%2.%3")
+            .arg(target.path(), QString::number(QCoreApplication::applicationPid()), target.suffix());
     QFile::remove(temporaryPath); // of a process that had the same number and was killed
     QFile probe(temporaryPath);
     if (!probe.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
@@ -47,12 +46,9 @@ OutputFile::~OutputFile()
 
 QString OutputFile::commit()
 {
-    std::error_code error;
-    std::filesystem::rename(m_temporaryPath.toStdU16String(), m_path.toStdU16String(), error);
-    if (error) {
-        return QStringLiteral("'%1' cannot be written: %2")
-            .arg(m_path, QString::fromLocal8Bit(error.message().c_str()));
-    }
+    const QString problem = renameOver(m_temporaryPath, m_path);
+    if (!problem.isEmpty())
+        return QStringLiteral("'%1' cannot be written: %2").arg(m_path, problem);
     m_temporaryPath.clear();
     return QString();
 }

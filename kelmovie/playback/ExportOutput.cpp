@@ -1,23 +1,17 @@
 #include "playback/ExportOutput.h"
 
+#include "files/RenameOver.h"
+
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
-#include <filesystem>
-#include <system_error>
-
 namespace
 {
 
 constexpr qint64 kCopyBlock = 1 << 20;
-
-std::filesystem::path nativePath(const QString &path)
-{
-    return std::filesystem::path(path.toStdU16String());
-}
 
 bool belongsToRecording(const QFileInfo &file, const QString &recordDir)
 {
@@ -66,11 +60,9 @@ QString moveOverFile(const QString &from, const QString &to, const std::function
         QFile::setPermissions(from, old.permissions());
     // What a link points to is replaced, not the link.
     const QString place = old.exists() ? old.canonicalFilePath() : to;
-    std::error_code otherDevice;
-    std::filesystem::rename(nativePath(from), nativePath(place), otherDevice);
-    if (!otherDevice)
+    if (renameOver(from, place).isEmpty())
         return QString();
-    QFile source(from);
+    QFile source(from); // on another disk
     if (!source.open(QIODevice::ReadOnly))
         return source.errorString();
     QSaveFile target(to);

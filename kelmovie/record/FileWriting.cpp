@@ -1,19 +1,14 @@
 #include "record/FileWriting.h"
 
+#include "files/RenameOver.h"
+
 #include <QFile>
 #include <QTemporaryFile>
 
-#include <filesystem>
 #include <memory>
-#include <system_error>
 
 namespace
 {
-std::filesystem::path nativePath(const QString &path)
-{
-    return std::filesystem::path(path.toStdU16String());
-}
-
 /// A new file beside `path`, open and without a buffer, or not open.
 std::unique_ptr<QFile> createBeside(const QString &path, FileAccess access)
 {
@@ -46,19 +41,21 @@ bool writeAll(QIODevice &device, const QByteArray &bytes)
 
 bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access, QString *error, QFile *replaced)
 {
-    const std::unique_ptr<QFile> file = createBeside(path, access);
-    std::error_code failure;
-    if (file->isOpen() && writeAll(*file, bytes)) {
-        file->close();
+    std::unique_ptr<QFile> file = createBeside(path, access);
+    QString problem = file->isOpen() && writeAll(*file, bytes) ? QString() : file->errorString();
+    const QString written = file->fileName();
+    // Not every system renames or replaces a file that is open, and a QTemporaryFile stays open when it is closed.
+    file.reset();
+    if (problem.isEmpty()) {
         if (replaced)
-            replaced->close(); // not every system replaces a file that is open
-        // QFile::rename() does not replace.
-        std::filesystem::rename(nativePath(file->fileName()), nativePath(path), failure);
-        if (!failure)
+            replaced->close();
+        problem = renameOver(written, path);
+        if (problem.isEmpty())
             return true;
     }
     if (error)
-        *error = failure ? QString::fromLocal8Bit(failure.message().c_str()) : file->errorString();
-    file->remove();
+        *error = problem;
+    if (!written.isEmpty())
+        QFile::remove(written);
     return false;
 }

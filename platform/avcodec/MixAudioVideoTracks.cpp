@@ -7,6 +7,8 @@
 #include "avcodec/SoundEncoder.h"
 #include "avcodec/SoundMix.h"
 
+#include "files/RenameOver.h"
+
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
@@ -14,8 +16,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <system_error>
 
 namespace
 {
@@ -325,10 +325,8 @@ QString mixInto(const QFileInfo &target, const QString &videoPath, const QList<A
     }
     if (target.exists())
         QFile::setPermissions(mixed, target.permissions());
-    std::error_code code;
-    std::filesystem::rename(mixed.toStdU16String(), path.toStdU16String(), code);
-    return code ? QStringLiteral("Cannot write %1: %2").arg(path, QString::fromLocal8Bit(code.message().c_str()))
-                : QString();
+    const QString problem = renameOver(mixed, path);
+    return problem.isEmpty() ? QString() : QStringLiteral("Cannot write %1: %2").arg(path, problem);
 }
 
 } // namespace

@@ -39,7 +39,7 @@ QString RecordingsFolder::newRecordingDir() const
         m_root + QLatin1Char('/') + QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH-mm-ss"));
     QString dir = name;
     for (int number = 2; QFileInfo::exists(dir); ++number)
-        dir = QStringLiteral("%1 (%2)").arg(name).arg(number);
+        dir = QStringLiteral("%1 (%2)").arg(name, QString::number(number));
     return dir;
 }
 

@@ -241,7 +241,7 @@ void PlaybackWindow::savePicture()
     d->player->setPlaying(false);
     d->player->settle();
     const QImage picture = d->canvas->picture();
-    const QString name = tr("%1 picture %2").arg(windowTitle()).arg(d->player->frame());
+    const QString name = tr("%1 picture %2").arg(windowTitle(), QString::number(d->player->frame()));
     const QString path =
         SaveFileDialog::ask(this, {tr("Save Picture"), tr("PNG picture"), {QStringLiteral("png")}}, name);
     if (path.isEmpty())

@@ -109,8 +109,7 @@ qint64 KelSystemAudioRecord::momentOf(qint64 atMs) const
 
 QString KelSystemAudioRecord::partPath() const
 {
-    QString path = m_outputPath;
-    return path.replace(QStringLiteral(".wav"), QStringLiteral("_part%1.wav").arg(m_partIndex));
+    return wavPartPath(m_outputPath, m_partIndex);
 }
 
 /// What a capture that died before left unrecorded becomes silence at the head of the part: the sound that follows

@@ -266,6 +266,12 @@ void reportLeftovers(const QString &output)
 }
 } // namespace
 
+QString wavPartPath(const QString &output, int number)
+{
+    QString path = output;
+    return path.insert(output.lastIndexOf(QLatin1Char('.')), QStringLiteral("_part%1").arg(number));
+}
+
 QString mergePartFiles(const QStringList &parts, const QString &output)
 {
     Merger merger(output, SystemAudio);

@@ -170,8 +170,7 @@ void KelRecordVoiceTrack::startMicrophone(qint64 atMs, const char *exceptionText
 {
     if (!m_microphone || !m_microphoneEnabled)
         return;
-    QString path = m_microphonePath;
-    path.replace(QStringLiteral(".wav"), QStringLiteral("_part%1.wav").arg(m_microphonePartIndex));
+    const QString path = wavPartPath(m_microphonePath, m_microphonePartIndex);
     m_microphoneStartMs = atMs;
     m_microphoneBeginMs = 0;
     try {

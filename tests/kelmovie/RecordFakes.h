@@ -2,6 +2,7 @@
 
 #include "avcodec/KelAsyncEncoder.h"
 #include "record/KelRecordTrack.h"
+#include "screen/KelScreenManager.h"
 #include "screen/KelScreenStreamer.h"
 
 #include <QStringList>
@@ -11,6 +12,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <functional>
+#include <memory>
 #include <mutex>
 
 /// A track that notes what it is asked to do, and can be held up in the middle of it.
@@ -126,6 +128,26 @@ public:
 
 private:
     ScreenScript &m_script;
+};
+
+/// A screen that a test describes; every streamer shows the same.
+class ScriptedBackend : public KelScreenBackend
+{
+public:
+    explicit ScriptedBackend(ScreenScript &script, const QString &error = {})
+        : m_script(script)
+        , m_error(error)
+    {
+    }
+    QString errorString() const override { return m_error; }
+    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &) override
+    {
+        return std::make_unique<ScriptedStreamer>(m_script);
+    }
+
+private:
+    ScreenScript &m_script;
+    const QString m_error;
 };
 
 class ScriptedEncoder : public KelAsyncEncoder

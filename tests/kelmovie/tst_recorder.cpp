@@ -18,26 +18,6 @@
 
 namespace
 {
-/// A screen that a test describes; every streamer shows the same.
-class ScriptedBackend : public KelScreenBackend
-{
-public:
-    ScriptedBackend(ScreenScript &script, const QString &error)
-        : m_script(script)
-        , m_error(error)
-    {
-    }
-    QString errorString() const override { return m_error; }
-    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &) override
-    {
-        return std::make_unique<ScriptedStreamer>(m_script);
-    }
-
-private:
-    ScreenScript &m_script;
-    const QString m_error;
-};
-
 QStringList entries(const QString &path)
 {
     QStringList names = QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);

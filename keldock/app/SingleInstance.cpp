@@ -3,11 +3,13 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QLocalSocket>
+#include <QLockFile>
 
 namespace
 {
 
 constexpr int AnswerLimitMs = 2000;
+constexpr int TurnLimitMs = 5000;
 
 /// The same for all programs of one person on one display. Not readable, because a display's name may hold a slash.
 QString serverName()
@@ -33,14 +35,14 @@ SingleInstance::SingleInstance(QObject *parent)
 
 bool SingleInstance::claim()
 {
+    // One at a time: of those that start together each would find that no other listens yet. Windows lets them all.
+    QLockFile turn(QDir::temp().filePath(m_name + QStringLiteral(".lock")));
+    turn.tryLock(TurnLimitMs);
     if (callFirst())
         return false;
     if (m_server.listen(m_name))
         return true;
-    // Left behind by a program that crashed, unless another one was just a moment faster.
-    if (callFirst())
-        return false;
-    QLocalServer::removeServer(m_name);
+    QLocalServer::removeServer(m_name); // left behind by a program that crashed
     if (!m_server.listen(m_name))
         qWarning("[SingleInstance] %s", qUtf8Printable(m_server.errorString()));
     return true;

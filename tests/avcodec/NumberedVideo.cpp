@@ -1,8 +1,9 @@
 #include "avcodec/NumberedVideo.h"
 
+#include "support/HostProgram.h"
+
 #include <QDebug>
 #include <QPainter>
-#include <QProcess>
 
 namespace NumberedVideo
 {
@@ -64,12 +65,7 @@ bool write(const QString &path, int count, const QStringList &options)
 
 bool runFfmpeg(const QStringList &arguments, const QByteArray &input)
 {
-    QProcess program;
-    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    program.start("ffmpeg", QStringList{"-v", "error", "-y"} + arguments);
-    program.write(input);
-    program.closeWriteChannel();
-    return program.waitForFinished(60000) && program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0;
+    return HostProgram::run("ffmpeg", QStringList{"-v", "error", "-y"} + arguments, input).succeeded;
 }
 
 } // namespace NumberedVideo

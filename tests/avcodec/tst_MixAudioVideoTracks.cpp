@@ -2,6 +2,7 @@
 #include "avcodec/MixAudioVideoTracks.h"
 #include "avcodec/h264Encoder.h"
 #include "support/FileSizeLimit.h"
+#include "support/HostProgram.h"
 #include "support/Sound.h"
 #include "support/TestTable.h"
 
@@ -17,10 +18,7 @@ namespace
 /// What a program prints.
 QString outputOf(const QString &program, const QStringList &arguments)
 {
-    QProcess process;
-    process.start(program, arguments);
-    process.waitForFinished(60'000);
-    return QString::fromUtf8(process.readAllStandardOutput()).simplified();
+    return QString::fromUtf8(HostProgram::run(program, arguments).output).simplified();
 }
 
 QString picturesOf(const QString &path)

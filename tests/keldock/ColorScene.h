@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/X11Painter.h"
+#include "support/PaintedWindow.h"
 
 #include <QColor>
 #include <QRect>
@@ -45,13 +45,10 @@ public:
 private:
     void run(const QRect &rect, const QByteArray &display)
     {
-        X11Painter painter(display);
-        const xcb_window_t window = painter.createWindow(rect, color(0).rgb());
-        painter.sync();
+        PaintedWindow window(rect, color(0).rgb(), display);
         m_isShown = true;
         for (int i = 1; !m_isEnding; ++i) {
-            painter.fill(window, QRect(QPoint(), rect.size()), color(i).rgb());
-            painter.sync();
+            window.paint(color(i).rgb());
             std::this_thread::sleep_for(std::chrono::milliseconds(40)); // how fast the screen changes
         }
     }

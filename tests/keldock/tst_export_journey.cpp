@@ -1,11 +1,10 @@
 #include "keldock/ColorScene.h"
 #include "keldock/Keldock.h"
 #include "keldock/RecordingFiles.h"
+#include "support/StopSignals.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <csignal>
 
 /// From a recording to files that other programs open, with the real program.
 class ExportJourneyTest : public QObject
@@ -32,7 +31,7 @@ private:
 
 void ExportJourneyTest::initTestCase()
 {
-    std::signal(SIGINT, SIG_DFL); // a test run in the background ignores it, and so would the program
+    takeSignals();
     const ColorScene scene(QRect(0, 0, 160, 120));
     m_recording = path("recording");
     const Keldock recorded =
@@ -107,7 +106,7 @@ void ExportJourneyTest::cancelledExportLeavesNothing()
     process.start(QStringLiteral(KELDOCK_PROGRAM),
                   {"export", m_recording, directory + "/a.webp", "--speed", "0.1", "--fps", "240", "--quality", "100"});
     QTRY_VERIFY_WITH_TIMEOUT(entries().size() == 2, Keldock::LimitMs);
-    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+    sendSignal(process, StopSignal::Interrupt);
     const Keldock keldock = Keldock::finish(process);
     QVERIFY2(keldock.failedWith("cancelled"), qPrintable(keldock.errors));
     QCOMPARE(entries(), QStringList{"a.webp"});

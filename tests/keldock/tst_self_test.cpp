@@ -44,7 +44,8 @@ void SelfTest::reports()
 
     const QTemporaryDir temporary;
     Environment environment = Environment::systemEnvironment();
-    environment.insert("TMPDIR", temporary.path());
+    for (const char *name : {"TMPDIR", "TMP", "TEMP"})
+        environment.insert(name, variable == "TMPDIR" ? value : temporary.path());
     if (value.isEmpty())
         environment.remove(variable);
     else

@@ -3,6 +3,7 @@
 #include "ScriptedEncoder.h"
 
 #include "playback/KelPlaybackCountdownTrack.h"
+#include "support/EnvironmentChange.h"
 
 #include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelMovieConfig.h>
@@ -107,6 +108,7 @@ private:
         return QDir(temporary.path()).isEmpty() && QDir(outputDir->path()).entryList(QDir::Files).size() <= 1;
     }
 
+    const QString usual = QDir::tempPath();
     QTemporaryDir temporary;
     std::unique_ptr<QTemporaryDir> outputDir;
     std::unique_ptr<RecordingFixture> recording;
@@ -120,15 +122,15 @@ private:
 
 void ExportPipelineTest::initTestCase()
 {
-    qputenv("TMPDIR", temporary.path().toLocal8Bit());
+    setTemporaryPath(temporary.path());
 }
 
 void ExportPipelineTest::init()
 {
-    qputenv("TMPDIR", "/tmp");
+    setTemporaryPath(usual);
     outputDir = std::make_unique<QTemporaryDir>();
     recording = std::make_unique<RecordingFixture>(250);
-    qputenv("TMPDIR", temporary.path().toLocal8Bit());
+    setTemporaryPath(temporary.path());
     decoder = std::make_shared<DecoderScript>();
     decoder->frameCount = 250;
     encoder = std::make_shared<EncoderScript>();

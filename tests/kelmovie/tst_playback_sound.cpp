@@ -10,6 +10,7 @@
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QProcess>
+#include <QtMath>
 #include <QtTest>
 
 namespace

@@ -210,7 +210,8 @@ void TestRecordKeyboardTrack::unwritableFile()
     LogCapture log;
     play({"start", "41 1", "checkpoint", "stop"});
     QCOMPARE(log.take(), QStringList{QString("W KelRecordKeyboardTrack: 无法写入文件: \"%1\"").arg(path())});
-    QCOMPARE(m_failures, QStringList{QString("Keyboard track: cannot write %1: Is a directory").arg(path())});
+    QCOMPARE(m_failures.size(), 1);
+    QVERIFY(m_failures[0].startsWith(QString("Keyboard track: cannot write %1: ").arg(path())));
     QCOMPARE(QDir(m_dir->filePath("deep/Keyboard")).entryList(QDir::Files), QStringList());
 }
 

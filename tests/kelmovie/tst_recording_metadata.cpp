@@ -177,8 +177,9 @@ void TestRecordingMetadata::failedSaveKeepsTheOldFile()
     QVERIFY(!error.isEmpty());
     QCOMPARE(readFile(dir.filePath("TrackManager.meta")), SampleJson);
 
+    error.clear();
     QVERIFY(!sample().save(dir.filePath("missing"), &error));
-    QCOMPARE(error, QString("No such file or directory"));
+    QVERIFY(!error.isEmpty());
 }
 
 void TestRecordingMetadata::savesThroughNoLink()

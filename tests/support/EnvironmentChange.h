@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 /// Sets an environment variable, or unsets it where the value is null, and puts it back.
 class EnvironmentChange
@@ -27,3 +28,10 @@ private:
     const char *const m_name;
     const QByteArray m_before;
 };
+
+/// Where temporary files go from now on, whatever the system calls the variable.
+inline void setTemporaryPath(const QString &path)
+{
+    for (const char *name : {"TMPDIR", "TMP", "TEMP"})
+        qputenv(name, path.toLocal8Bit());
+}

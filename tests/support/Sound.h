@@ -1,10 +1,12 @@
 #pragma once
 
+#include "support/HostProgram.h"
+
 #include <QByteArray>
 #include <QDataStream>
 #include <QFile>
-#include <QProcess>
 #include <QString>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -36,11 +38,9 @@ struct Sound {
     /// The first sound stream of a file, as 48 kHz stereo; empty when there is none.
     static Sound decode(const QString &path)
     {
-        QProcess ffmpeg;
-        ffmpeg.start("ffmpeg",
-                     {"-v", "error", "-i", path, "-map", "0:a:0", "-f", "f32le", "-ac", "2", "-ar", "48000", "pipe:1"});
-        ffmpeg.waitForFinished(60'000);
-        const QByteArray bytes = ffmpeg.readAllStandardOutput();
+        const QByteArray bytes = HostProgram::run("ffmpeg", {"-v", "error", "-i", path, "-map", "0:a:0", "-f", "f32le",
+                                                             "-ac", "2", "-ar", "48000", "pipe:1"})
+                                     .output;
         Sound sound;
         sound.samples.resize(size_t(bytes.size()) / sizeof(float));
         std::memcpy(sound.samples.data(), bytes.constData(), sound.samples.size() * sizeof(float));

@@ -1,0 +1,76 @@
+#include "support/FileSizeLimit.h"
+
+#include <array>
+#include <atomic>
+
+#include <windows.h>
+
+#include <psapi.h>
+
+// Windows limits no files. So WriteFile(), through which all that is written goes, is exchanged for a function that
+// does, in the import table of every library of the process.
+namespace
+{
+
+std::atomic<quint64> g_limit{0};
+std::atomic<decltype(&WriteFile)> g_writeFile{nullptr};
+
+BOOL WINAPI writeWithinLimit(HANDLE file, LPCVOID data, DWORD size, LPDWORD written, LPOVERLAPPED overlapped)
+{
+    LARGE_INTEGER place{};
+    if (GetFileType(file) == FILE_TYPE_DISK && SetFilePointerEx(file, {}, &place, FILE_CURRENT) &&
+        quint64(place.QuadPart) + size > g_limit) {
+        // A disk that is nearly full takes what it has room for.
+        size = DWORD(g_limit - qMin<quint64>(g_limit, quint64(place.QuadPart)));
+        if (size == 0) {
+            *written = 0;
+            SetLastError(ERROR_DISK_FULL);
+            return FALSE;
+        }
+    }
+    return g_writeFile.load()(file, data, size, written, overlapped);
+}
+
+void exchangeImport(HMODULE module, void *from, void *to)
+{
+    const auto base = reinterpret_cast<char *>(module);
+    const auto dos = reinterpret_cast<const IMAGE_DOS_HEADER *>(base);
+    const auto headers = reinterpret_cast<const IMAGE_NT_HEADERS *>(base + dos->e_lfanew);
+    const IMAGE_DATA_DIRECTORY &imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    if (imports.Size == 0)
+        return;
+    for (auto library = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR *>(base + imports.VirtualAddress); library->Name;
+         ++library) {
+        for (auto function = reinterpret_cast<void **>(base + library->FirstThunk); *function; ++function) {
+            DWORD protection = 0;
+            if (*function != from || !VirtualProtect(function, sizeof *function, PAGE_READWRITE, &protection))
+                continue;
+            *function = to;
+            VirtualProtect(function, sizeof *function, protection, &protection);
+        }
+    }
+}
+
+void exchangeImports(void *from, void *to)
+{
+    std::array<HMODULE, 512> modules{};
+    DWORD bytes = 0;
+    EnumProcessModules(GetCurrentProcess(), modules.data(), sizeof modules, &bytes);
+    for (std::size_t i = 0; i < qMin(modules.size(), bytes / sizeof(HMODULE)); ++i)
+        exchangeImport(modules[i], from, to);
+}
+
+} // namespace
+
+FileSizeLimit::FileSizeLimit(quint64 bytes)
+{
+    g_limit = bytes;
+    g_writeFile = reinterpret_cast<decltype(&WriteFile)>(
+        reinterpret_cast<void *>(GetProcAddress(GetModuleHandleW(L"kernel32"), "WriteFile")));
+    exchangeImports(reinterpret_cast<void *>(g_writeFile.load()), reinterpret_cast<void *>(&writeWithinLimit));
+}
+
+FileSizeLimit::~FileSizeLimit()
+{
+    exchangeImports(reinterpret_cast<void *>(&writeWithinLimit), reinterpret_cast<void *>(g_writeFile.load()));
+}

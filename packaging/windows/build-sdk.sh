@@ -50,18 +50,13 @@ unpack() {
     mkdir -p "$build"
 }
 
-# configure_with_cmake [ARGUMENT…]: $source
-configure_with_cmake() {
+# with_cmake [ARGUMENT…]: $source with CMake
+with_cmake() {
     cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$sdk/deps" \
         -DCMAKE_SYSTEM_NAME=Windows -DCMAKE_SYSTEM_PROCESSOR=x86_64 -DCMAKE_C_COMPILER=$host-gcc \
         -DCMAKE_CXX_COMPILER=$host-g++ -DCMAKE_RC_COMPILER=$host-windres -DCMAKE_FIND_ROOT_PATH="$sdk/deps" \
         -DCMAKE_FIND_ROOT_PATH_MODE_LIBRARY=ONLY -DCMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY \
         -DCMAKE_POLICY_VERSION_MINIMUM=3.5 "$@"
-}
-
-# with_cmake [ARGUMENT…]: $source, built and installed
-with_cmake() {
-    configure_with_cmake "$@"
     cmake --build "$build" -j "$jobs"
     cmake --install "$build"
 }
@@ -118,17 +113,6 @@ libdeflate() {
     describe libdeflate "$(sed -n 's/#define LIBDEFLATE_VERSION_STRING.*"\(.*\)"/\1/p' "$build/libdeflate.h")" deflate
 }
 
-libyuv() {
-    unpack libyuv
-    configure_with_cmake -DTEST=OFF
-    # Its rules would install programs by the names that they have elsewhere.
-    cmake --build "$build" -j "$jobs" --target yuv
-    mkdir -p "$sdk/deps/lib"
-    cp -r "$source/include" "$sdk/deps"
-    cp "$build/libyuv.a" "$sdk/deps/lib"
-    describe libyuv 0 yuv
-}
-
 rlottie() {
     unpack rlottie
     # Headers that Debian takes from other packages, apart from those of this machine's C library.
@@ -161,10 +145,10 @@ qtmultimedia() {
     (cd "$build" && "$sdk/host/bin/qmake" "$source" -- -no-wmf && make -j "$jobs" && make install)
 }
 
-[ $# -gt 0 ] || set -- zlib x264 ffmpeg libwebp libdeflate libyuv rlottie qtbase qtmultimedia
+[ $# -gt 0 ] || set -- zlib x264 ffmpeg libwebp libdeflate rlottie qtbase qtmultimedia
 for library in "$@"; do
     case "$library" in
-    zlib | x264 | ffmpeg | libwebp | libdeflate | libyuv | rlottie | qtbase | qtmultimedia) ;;
+    zlib | x264 | ffmpeg | libwebp | libdeflate | rlottie | qtbase | qtmultimedia) ;;
     *)
         echo "build-sdk.sh: no library named $library" >&2
         exit 2

@@ -11,9 +11,13 @@
 namespace
 {
 
-std::vector<QImage> readWebp(const QByteArray &bytes, int limit, QString *error)
+std::vector<QImage> readWebp(QFile &file, int limit, QString *error)
 {
-    const WebPData data{reinterpret_cast<const quint8 *>(bytes.constData()), std::size_t(bytes.size())};
+    const WebPData data{file.map(0, file.size()), std::size_t(file.size())}; // of up to 4 GiB
+    if (!data.bytes) {
+        *error = file.errorString();
+        return {};
+    }
     WebPAnimDecoderOptions options;
     WebPAnimDecoderOptionsInit(&options);
     options.color_mode = MODE_RGBA;
@@ -83,5 +87,5 @@ std::vector<QImage> AnimationReader::read(const QString &path, int limit, QStrin
         *error = file.errorString();
         return {};
     }
-    return file.peek(4) == "RIFF" ? readWebp(file.readAll(), limit, error) : readByFrames(path, limit, error);
+    return file.peek(4) == "RIFF" ? readWebp(file, limit, error) : readByFrames(path, limit, error);
 }

@@ -25,6 +25,9 @@ constexpr double ToleranceGainPerLoss = 0.2;
 /// The same for what a string of pixels may have in error to save a bit.
 constexpr double ErrorPerBitPerLoss = 0.5;
 
+/// Small changes stay in sight for longer than large ones, and so do their errors: there, bytes are worth less.
+constexpr double PriceOfSmallFrame = 0.7;
+
 /// Frames in which so few pixels change are encoded with palettes of all sizes, as those are a good part of their
 /// bytes. Others take the largest palette, their own or the global one.
 constexpr double FewChanges = 1 << 13;
@@ -112,7 +115,7 @@ QByteArray GifFormat::smallFrame(const PictureDelta &delta, const ColourHistogra
         if (error >= least.first)
             return;
         const QByteArray data = frame(delta, histogram, palette, match, local, cancelled);
-        const std::pair cost(error + m_errorPerByte * data.size(), data.size());
+        const std::pair cost(error + PriceOfSmallFrame * m_errorPerByte * data.size(), data.size());
         if (cost < least) {
             least = cost;
             best = data;

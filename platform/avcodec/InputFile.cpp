@@ -4,8 +4,7 @@
 
 #include <QFileInfo>
 
-av::FormatContext av::openInput(const QString &path, const char *formats, QString *error,
-                                const AVIOInterruptCB *interrupt)
+av::FormatContext av::openContainer(const QString &path, const char *formats, QString *error)
 {
     useQtLog();
     // A pipe or a device would block, a directory confuses the demuxers.
@@ -16,14 +15,20 @@ av::FormatContext av::openInput(const QString &path, const char *formats, QStrin
     AVDictionary *options = nullptr;
     av_dict_set(&options, "format_whitelist", formats, 0);
     av_dict_set(&options, "protocol_whitelist", "file", 0);
-    AVFormatContext *context = avformat_alloc_context();
-    if (context && interrupt)
-        context->interrupt_callback = *interrupt;
-    int code = avformat_open_input(&context, ("file:" + path.toUtf8()).constData(), nullptr, &options);
+    AVFormatContext *context = nullptr;
+    const int code = avformat_open_input(&context, ("file:" + path.toUtf8()).constData(), nullptr, &options);
     av_dict_free(&options);
-    FormatContext format(context);
-    if (code >= 0)
-        code = avformat_find_stream_info(context, nullptr);
+    if (code < 0)
+        *error = errorText(code);
+    return FormatContext(context);
+}
+
+av::FormatContext av::openInput(const QString &path, const char *formats, QString *error)
+{
+    FormatContext format = openContainer(path, formats, error);
+    if (!format)
+        return nullptr;
+    const int code = avformat_find_stream_info(format.get(), nullptr);
     if (code < 0) {
         *error = errorText(code);
         return nullptr;

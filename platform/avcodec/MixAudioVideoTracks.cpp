@@ -96,9 +96,8 @@ QString MixJob::open(const QString &videoPath, const QList<AudioTrack> &tracks)
 QString MixJob::openVideo(const QString &path)
 {
     QString problem;
-    m_video = av::openInput(path, kVideoFormats, &problem, &m_interrupt);
-    if (m_isCancelled)
-        return kCancelled;
+    // To copy the pictures, nothing needs to be known that only decoding tells: of a huge one that takes seconds.
+    m_video = av::openContainer(path, kVideoFormats, &problem);
     if (!m_video)
         return QStringLiteral("Cannot read video %1: %2").arg(path, problem);
     const int video = av_find_best_stream(m_video.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
@@ -194,9 +193,9 @@ QString MixJob::copyPictures()
         int code = av_read_frame(m_video.get(), m_packet.get());
         if (code == AVERROR_EOF)
             return {};
-        if (code < 0 && !m_isCancelled)
+        if (code < 0)
             return QStringLiteral("Cannot read the video: %1").arg(av::errorText(code));
-        if (code >= 0 && m_packet->stream_index == m_pictures->index)
+        if (m_packet->stream_index == m_pictures->index)
             code = writePicture();
         av_packet_unref(m_packet.get());
         if (code < 0)

@@ -6,6 +6,7 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -74,10 +75,7 @@ private:
     {
         std::lock_guard lock(m_mutex);
         m_closed = true;
-        if (dropItems) {
-            m_pending -= m_items.size();
-            m_items.clear();
-        }
+        m_isAborted = m_isAborted || dropItems;
         m_changed.notify_all();
     }
 
@@ -92,21 +90,22 @@ private:
         std::unique_lock lock(m_mutex);
         for (;;) {
             m_changed.wait(lock, [this] { return m_closed || !m_items.empty(); });
-            if (m_items.empty())
-                return;
-            Item item = std::move(m_items.front());
+            if (m_items.empty() || m_isAborted)
+                break;
+            std::optional<Item> item = std::move(m_items.front());
             m_items.pop_front();
             lock.unlock();
-            const bool goOn = m_handler(item);
+            const bool goOn = m_handler(*item);
+            item.reset(); // which may take its time
             lock.lock();
             --m_pending;
-            if (!goOn) {
-                m_closed = true;
-                m_pending -= m_items.size();
-                m_items.clear();
-            }
+            if (!goOn)
+                m_closed = m_isAborted = true;
             m_changed.notify_all();
         }
+        const std::deque<Item> dropped = std::exchange(m_items, {});
+        m_pending -= dropped.size();
+        lock.unlock(); // before they go
     }
 
     const std::size_t m_capacity;
@@ -116,5 +115,6 @@ private:
     std::deque<Item> m_items;
     std::size_t m_pending = 0; // queued and in work
     bool m_closed = false;
-    std::thread m_thread; // last: it uses all of the above
+    bool m_isAborted = false; // what is queued is not wanted
+    std::thread m_thread;     // last: it uses all of the above
 };

@@ -2,6 +2,7 @@
 
 #include "avcodec/AnimationSample.h"
 #include "avcodec/ApngFormat.h"
+#include "avcodec/BoundedWorker.h"
 #include "avcodec/DecodedAnimation.h"
 #include "avcodec/GifFormat.h"
 #include "avcodec/PictureComparer.h"
@@ -51,6 +52,7 @@ private slots:
     void abortsAtOnce();
     void abandonsPicture_data() { addFormats(); }
     void abandonsPicture();
+    void abortsWithoutWaitingForWhatItDrops();
 
 private:
     QString path(const QString &format) const { return m_dir.filePath(QStringLiteral("animation.") + format); }
@@ -240,6 +242,28 @@ void tst_AnimationFaults::abandonsPicture()
     const int whole = encoder->encode(delta, cancelled).data.size();
     cancelled = true;
     QVERIFY(encoder->encode(delta, cancelled).data.size() < whole / 100);
+}
+
+/// A picture that is dropped may be in work on another thread.
+void tst_AnimationFaults::abortsWithoutWaitingForWhatItDrops()
+{
+    std::promise<void> aborted;
+    const std::shared_future<void> isAborted = aborted.get_future().share();
+    std::atomic<int> gone{0};
+    const auto slowInGoing = [&] {
+        return std::shared_ptr<void>(nullptr, [&](void *) {
+            if (isAborted.wait_for(std::chrono::seconds(20)) == std::future_status::ready)
+                ++gone;
+        });
+    };
+    {
+        BoundedWorker<std::shared_ptr<void>> worker(3, [](const std::shared_ptr<void> &) { return true; });
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(worker.push(slowInGoing()));
+        worker.abort();
+        aborted.set_value();
+    }
+    QCOMPARE(gone.load(), 3);
 }
 
 QTEST_MAIN(tst_AnimationFaults)

@@ -158,7 +158,7 @@ void measureKeys(const QString &dir)
     printFigure("100000 keys: display list of a million frames", buildMs, "ms");
     printFigure("100000 keys: memory of the display list", double(after - before) / 1e6, "MB");
 
-    KelPlaybackKeyboardTrack track(dir, kKeyFrames, 1.0, nullptr);
+    KelPlaybackKeyboardTrack track(dir, kKeyFrames, 1.0, QSize(1920, 1080), nullptr);
     track.setStyle(wholeHistory());
     QRandomGenerator random(1);
     const double seekMs = msOf([&] {

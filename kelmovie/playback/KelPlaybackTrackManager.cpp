@@ -160,7 +160,11 @@ KelPlaybackTrackManager::KelPlaybackTrackManager(const QString &recordDir, bool 
 {
 }
 
-KelPlaybackTrackManager::~KelPlaybackTrackManager() = default;
+KelPlaybackTrackManager::~KelPlaybackTrackManager()
+{
+    // Closing a sound device handles events: no tick may come while the tracks go.
+    d->timer.stop();
+}
 
 bool KelPlaybackTrackManager::isValidRecording() const
 {

@@ -18,6 +18,7 @@ struct SoundScript {
     double volume = -1.0;   ///< that was set last
     int starts = 0;
     int alive = 0;
+    std::function<void()> closing;           ///< a sink is about to go
     class ScriptedAudioSink *last = nullptr; ///< the sink that was created last
 };
 
@@ -33,7 +34,12 @@ public:
         m_script->last = this;
         ++m_script->alive;
     }
-    ~ScriptedAudioSink() override { --m_script->alive; }
+    ~ScriptedAudioSink() override
+    {
+        if (m_script->closing)
+            m_script->closing();
+        --m_script->alive;
+    }
 
     bool start() override
     {

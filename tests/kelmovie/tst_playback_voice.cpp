@@ -36,6 +36,7 @@ private slots:
     void twoSources();
     void takesSettingsAtOnce();
     void withoutDevice();
+    void endsWhilePlaying();
     void findsFiles_data();
     void findsFiles();
 
@@ -296,6 +297,22 @@ void PlaybackVoiceTest::withoutDevice()
     QCOMPARE(manager->state(), KelPlaybackTrackManager::Playing);
     QCOMPARE(log.take(), QStringList{"W [KelAmplifiedAudioPlayer] Audio output error: 4"});
     QCOMPARE(told.size(), 2);
+}
+
+/// A device may handle events while it closes.
+void PlaybackVoiceTest::endsWhilePlaying()
+{
+    record(100, 25, 4000);
+    addSound("system_audio_1.wav", 4000);
+    auto manager = load();
+    manager->play();
+    pass(*manager, 500);
+    const QTimer *const timer = manager->findChild<QTimer *>();
+    QVERIFY(timer->isActive());
+    int closed = 0;
+    sound->closing = [&] { closed += timer->isActive() ? 0 : 1; };
+    manager.reset();
+    QCOMPARE(closed, 1);
 }
 
 void PlaybackVoiceTest::findsFiles_data()

@@ -14,6 +14,9 @@ struct CaptureSeams {
 
     std::function<HRESULT(IMMDeviceEnumerator **)> createEnumerator;
 
+    /// Whose sound: what the default output plays, or what the default input hears.
+    EDataFlow flow = eRender;
+
     /// Milliseconds of the steady clock that the times of packets refer to.
     std::function<qint64()> nowMs;
 

@@ -60,7 +60,7 @@ QByteArray WasapiCaptureThread::format() const
 void WasapiCaptureThread::run()
 {
     CoInitialize(nullptr);
-    m_device = std::make_unique<LoopbackDevice>(m_seams);
+    m_device = std::make_unique<LoopbackDevice>(m_seams, m_seams.flow);
     if (!m_device->open(CaptureFormat(format())))
         reportOnce(QStringLiteral("there is no output whose sound could be recorded"));
     else
@@ -211,7 +211,7 @@ void WasapiCaptureThread::replaceDevice()
         return;
     m_lastSearchMs = nowMs;
     const CaptureFormat format = m_device->streamFormat();
-    auto device = std::make_unique<LoopbackDevice>(m_seams);
+    auto device = std::make_unique<LoopbackDevice>(m_seams, m_seams.flow);
     if (device->open(format) && device->streamFormat().bytes() == format.bytes() && device->start()) {
         qWarning() << "[WasapiCaptureThread] The output went away; going on with the new default output";
         m_device = std::move(device);

@@ -176,27 +176,37 @@ bool AnimationEncoder::commit(qint64 end, quint64 framesDone)
 
 bool AnimationEncoder::write(Job &job)
 {
-    EncodedFrame picture;
     try {
-        picture = job.picture.get();
+        const EncodedFrame picture = job.picture.get();
+        if (m_cancelled)
+            return false;
+        if (picture.data.isEmpty()) {
+            fail(QStringLiteral("A frame cannot be encoded"));
+        } else if (append(picture, job.ticks)) {
+            if (job.framesDone > 0)
+                m_framesWritten = job.framesDone;
+            return true;
+        } else {
+            fail(m_file.errorString());
+        }
     } catch (const std::exception &problem) {
         fail(QString::fromLocal8Bit(problem.what()));
     }
-    if (m_cancelled)
-        return false;
-    if (picture.data.isEmpty()) {
-        fail(QStringLiteral("A frame cannot be encoded"));
-    } else if ((m_file.size() > 0 || m_format->writeHeader(m_file, m_size, m_plays)) &&
-               m_format->writeFrame(m_file, picture, job.ticks)) {
-        m_wholeFrames = m_file.size();
-        if (job.framesDone > 0)
-            m_framesWritten = job.framesDone;
-        return true;
-    } else {
-        fail(m_file.errorString());
-    }
-    saveWholeFrames();
+    if (!m_cancelled)
+        saveWholeFrames();
     return false;
+}
+
+bool AnimationEncoder::append(const EncodedFrame &picture, int ticks)
+{
+    const bool isReady = m_wholeFrames > 0 ? m_format->makeWayFor(m_file, picture, m_cancelled)
+                                           : m_format->writeHeader(m_file, m_size, m_plays);
+    if (m_wholeFrames > 0)
+        m_wholeFrames = m_file.size(); // which may have changed
+    if (!isReady || !m_format->writeFrame(m_file, picture, ticks))
+        return false;
+    m_wholeFrames = m_file.size();
+    return true;
 }
 
 /// After a failure: what has been written so far becomes a file of its own right.

@@ -60,6 +60,7 @@ private:
     qint64 ticksAt(quint64 index) const;
     bool commit(qint64 end, quint64 framesDone);
     bool write(Job &job);
+    bool append(const EncodedFrame &picture, int ticks);
     void saveWholeFrames();
 
     const QSize m_size;

@@ -7,12 +7,14 @@
 #include <QSize>
 
 #include <atomic>
+#include <optional>
 
 /// A picture in its encoded form, waiting to be written.
 struct EncodedFrame {
-    QRect rect;               ///< place in the animation
-    bool keepsPixels = false; ///< transparent pixels stand for what was there before
-    QByteArray data;          ///< as the format that made it understands it; empty: it failed
+    QRect rect;                                    ///< place in the animation
+    bool keepsPixels = false;                      ///< transparent pixels stand for what was there before
+    QByteArray data;                               ///< as the format that made it understands it; empty: it failed
+    std::optional<QRgb> freeColour = std::nullopt; ///< as in its PictureDelta
 };
 
 /// What sets one animated picture format apart from another. AnimationEncoder does the rest: it finds what changes,
@@ -41,6 +43,11 @@ public:
 
     /// `plays`: how often the animation is to be shown, 0 for endlessly.
     virtual bool writeHeader(OutputFile &file, QSize size, int plays) = 0;
+
+    /// Comes before writeFrame() for every picture but the first. Whatever it does to the file and however it ends, all
+    /// frames of before are in there. May give up as soon as `cancelled` is set.
+    virtual bool makeWayFor(OutputFile &, const EncodedFrame &, const std::atomic<bool> &) { return true; }
+
     virtual bool writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks) = 0;
     virtual bool writeTrailer(OutputFile &file) = 0;
 };

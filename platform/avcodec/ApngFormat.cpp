@@ -1,6 +1,10 @@
 #include "avcodec/ApngFormat.h"
 
-#include <QtEndian>
+#include "avcodec/ApngFrameReader.h"
+#include "avcodec/PngChunk.h"
+#include "avcodec/PngFilter.h"
+
+#include <QScopeGuard>
 
 #include <libdeflate.h>
 
@@ -24,7 +28,12 @@ constexpr int PatientLevel = 11;
 /// Qualities below this ask for small files.
 constexpr int Balanced = 75;
 
-constexpr qint64 AnimationControlOffset = 33; // behind signature and header
+/// A chunk that all readers skip, in the place of the one that names the colour of gaps.
+constexpr char RoomType[] = "roOm";
+constexpr int TransparencyBytes = 6;
+
+constexpr qint64 AnimationControlOffset = png::SignatureBytes + png::EmptyChunkBytes + 13;
+constexpr qint64 TransparencyOffset = AnimationControlOffset + png::EmptyChunkBytes + 8;
 
 QByteArray deflated(const QByteArray &bytes, int level)
 {
@@ -39,19 +48,27 @@ QByteArray deflated(const QByteArray &bytes, int level)
     return out;
 }
 
-template <typename Integer>
-QByteArray bigEndian(Integer value)
+/// Transparent pixels get the colour that stands for them.
+QByteArray rows(const std::vector<QRgb> &pixels, int width, png::Filtering filtering, QRgb gapColour)
 {
-    QByteArray bytes(sizeof value, Qt::Uninitialized);
-    qToBigEndian(value, bytes.data());
-    return bytes;
+    QByteArray bytes(int(pixels.size()) * PixelBytes, Qt::Uninitialized);
+    char *to = bytes.data();
+    for (const QRgb pixel : pixels) {
+        const QRgb colour = PictureDelta::isChanged(pixel) ? pixel : gapColour;
+        for (const int value : {qRed(colour), qGreen(colour), qBlue(colour)})
+            *to++ = char(value);
+    }
+    return png::filteredRows(bytes, width * PixelBytes, PixelBytes, filtering);
 }
 
-QByteArray chunk(const char *type, const QByteArray &data)
+PictureDelta opaqueDelta(const QImage &picture, const QRect &rect)
 {
-    QByteArray bytes = bigEndian(quint32(data.size())) + type + data;
-    const quint32 crc = libdeflate_crc32(0, bytes.constData() + 4, std::size_t(bytes.size() - 4));
-    return bytes += bigEndian(crc);
+    PictureDelta delta{rect, {}};
+    for (int y = rect.top(); y <= rect.bottom(); ++y) {
+        const auto *row = reinterpret_cast<const QRgb *>(picture.constScanLine(y)) + rect.left();
+        delta.pixels.insert(delta.pixels.end(), row, row + rect.width());
+    }
+    return delta;
 }
 
 /// Browsers cut durations down to whole milliseconds: 30 a second that last 1/30 s each would play faster than the rest
@@ -66,24 +83,13 @@ int unitFor(int fps)
 
 ApngFormat::ApngFormat(int fps, int quality)
     : m_ticksPerSecond(unitFor(fps))
-    , m_isPatient(quality < Balanced)
+    , m_quality(quality)
 {
 }
 
 AnimationFormat::Limits ApngFormat::limits() const
 {
     return {32767, 1, m_ticksPerSecond, m_ticksPerSecond / 100 + 1, 65535};
-}
-
-/// A garish green that hardly anything on a screen has, or its next neighbour that the picture does not have.
-void ApngFormat::prepare(const PictureDelta &first)
-{
-    std::vector<bool> isUsed(std::size_t(1) << 24);
-    for (const QRgb pixel : first.pixels)
-        isUsed[PictureDelta::colour(pixel)] = true;
-    m_gapColour = 0x02fd01;
-    while (isUsed[m_gapColour] && m_gapColour < 0x03ffff)
-        m_gapColour += 2;
 }
 
 EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
@@ -96,80 +102,104 @@ EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<boo
     const auto pixelsOf = [](const PictureDelta &of, bool hasGaps) {
         return hasGaps ? of.pixelsWithGaps() : of.opaquePixels();
     };
+    const QRgb gapColour = delta.freeColour.value_or(0);
     const PictureDelta sample = delta.sample();
     Way best{false, Filtering::None};
     int least = std::numeric_limits<int>::max();
     for (const bool hasGaps : {false, true}) {
+        if (hasGaps && !delta.freeColour)
+            break;
         const std::vector<QRgb> pixels = pixelsOf(sample, hasGaps);
         if (hasGaps && std::all_of(pixels.begin(), pixels.end(), PictureDelta::isChanged))
             break;
         for (const Filtering filtering : {Filtering::None, Filtering::Adaptive}) {
             if (cancelled)
                 return {};
-            const int size = deflated(rows(pixels, sample.rect.width(), filtering), TrialLevel).size();
+            const int size = deflated(rows(pixels, sample.rect.width(), filtering, gapColour), TrialLevel).size();
             if (size < least) {
                 least = size;
                 best = {hasGaps, filtering};
             }
         }
     }
-    const QByteArray filtered = rows(pixelsOf(delta, best.hasGaps), delta.rect.width(), best.filtering);
+    const QByteArray filtered = rows(pixelsOf(delta, best.hasGaps), delta.rect.width(), best.filtering, gapColour);
     if (cancelled)
         return {};
     QByteArray data = deflated(filtered, best.filtering == Filtering::None ? PlainLevel : FilteredLevel);
-    if (m_isPatient && !cancelled) { // which does not always pay
+    if (m_quality < Balanced && !cancelled) { // which does not always pay
         const QByteArray smaller = deflated(filtered, PatientLevel);
         if (smaller.size() < data.size())
             data = smaller;
     }
-    return {delta.rect, best.hasGaps, data};
-}
-
-/// Transparent pixels get the colour that stands for them; those that have it get its neighbour.
-QByteArray ApngFormat::rows(const std::vector<QRgb> &pixels, int width, png::Filtering filtering) const
-{
-    QByteArray bytes(int(pixels.size()) * PixelBytes, Qt::Uninitialized);
-    char *to = bytes.data();
-    for (const QRgb pixel : pixels) {
-        QRgb colour = PictureDelta::isChanged(pixel) ? PictureDelta::colour(pixel) : m_gapColour;
-        if (pixel == (m_gapColour | PictureDelta::Changed))
-            colour ^= 1;
-        for (const int value : {qRed(colour), qGreen(colour), qBlue(colour)})
-            *to++ = char(value);
-    }
-    return png::filteredRows(bytes, width * PixelBytes, PixelBytes, filtering);
+    return {delta.rect, best.hasGaps, data, delta.freeColour};
 }
 
 bool ApngFormat::writeHeader(OutputFile &file, QSize size, int plays)
 {
     m_plays = plays;
-    constexpr char trueColour = 2;
-    QByteArray header = bigEndian(quint32(size.width())) + bigEndian(quint32(size.height()));
-    header.append(8).append(trueColour).append(3, '\0');
-    QByteArray transparent;
-    for (const int value : {qRed(m_gapColour), qGreen(m_gapColour), qBlue(m_gapColour)})
-        transparent += bigEndian(quint16(value));
-    return file.write(QByteArrayLiteral("\x89PNG\r\n\x1a\n") + chunk("IHDR", header) + animationControl() +
-                      chunk("tRNS", transparent));
+    return file.write(png::Signature + png::header(size) + animationControl() +
+                      png::chunk(RoomType, QByteArray(TransparencyBytes, '\0')));
 }
 
 /// The number of frames is known at the end only.
 QByteArray ApngFormat::animationControl() const
 {
-    return chunk("acTL", bigEndian(m_frames) + bigEndian(quint32(m_plays)));
+    return png::chunk("acTL", png::bigEndian(m_frames) + png::bigEndian(quint32(m_plays)));
+}
+
+/// A pixel of the colour that stands for gaps cannot be shown, so the first one puts an end to it and to the gaps.
+bool ApngFormat::makeWayFor(OutputFile &file, const EncodedFrame &picture, const std::atomic<bool> &cancelled)
+{
+    if (!m_gapColour || picture.freeColour == m_gapColour)
+        return true;
+    OutputFile copy;
+    if (!copy.open(file.path() + QStringLiteral(".opaque")))
+        return file.fail(copy.errorString());
+    const auto cleanUp = qScopeGuard([&copy] { copy.remove(); }); // nothing is there once it has taken its place
+    if (!copyWithoutGaps(file.path(), copy, cancelled))
+        return file.fail(copy.errorString());
+    if (!file.becomeLike(copy))
+        return false;
+    m_gapColour.reset();
+    return true;
+}
+
+bool ApngFormat::copyWithoutGaps(const QString &from, OutputFile &to, const std::atomic<bool> &cancelled) const
+{
+    ApngFormat format(m_ticksPerSecond, m_quality);
+    ApngFrameReader reader(from);
+    ApngFrameReader::Frame frame;
+    while (format.m_frames < m_frames) {
+        if (!reader.next(&frame))
+            return to.fail(QStringLiteral("Cannot read %1 back").arg(from));
+        if (format.m_frames == 0 && !format.writeHeader(to, reader.picture().size(), m_plays))
+            return false;
+        if (frame.encoded.keepsPixels)
+            frame.encoded = format.encode(opaqueDelta(reader.picture(), frame.encoded.rect), cancelled);
+        if (cancelled)
+            return to.fail(QStringLiteral("Aborted"));
+        if (!format.writeFrame(to, frame.encoded, frame.ticks))
+            return false;
+    }
+    return true;
 }
 
 bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks)
 {
+    if (picture.keepsPixels && !m_gapColour) {
+        m_gapColour = picture.freeColour;
+        if (!file.overwrite(TransparencyOffset, png::transparency(*m_gapColour)))
+            return false;
+    }
     constexpr char keepPicture = 0;
-    QByteArray control = bigEndian(m_sequence++);
+    QByteArray control = png::bigEndian(m_sequence++);
     for (const int value : {picture.rect.width(), picture.rect.height(), picture.rect.x(), picture.rect.y()})
-        control += bigEndian(quint32(value));
-    control += bigEndian(quint16(ticks)) + bigEndian(quint16(m_ticksPerSecond));
+        control += png::bigEndian(quint32(value));
+    control += png::bigEndian(quint16(ticks)) + png::bigEndian(quint16(m_ticksPerSecond));
     control.append(keepPicture).append(char(picture.keepsPixels));
-    const QByteArray data =
-        m_frames == 0 ? chunk("IDAT", picture.data) : chunk("fdAT", bigEndian(m_sequence++) + picture.data);
-    if (!file.write(chunk("fcTL", control)) || !file.write(data))
+    const QByteArray data = m_frames == 0 ? png::chunk("IDAT", picture.data)
+                                          : png::chunk("fdAT", png::bigEndian(m_sequence++) + picture.data);
+    if (!file.write(png::chunk("fcTL", control)) || !file.write(data))
         return false;
     ++m_frames;
     return true;
@@ -177,5 +207,5 @@ bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int t
 
 bool ApngFormat::writeTrailer(OutputFile &file)
 {
-    return file.write(chunk("IEND", {})) && file.overwrite(AnimationControlOffset, animationControl());
+    return file.write(png::chunk("IEND", {})) && file.overwrite(AnimationControlOffset, animationControl());
 }

@@ -1,5 +1,7 @@
 #include "avcodec/OutputFile.h"
 
+#include "files/RenameOver.h"
+
 bool OutputFile::open(const QString &path)
 {
     m_file.setFileName(path);
@@ -32,6 +34,23 @@ bool OutputFile::cutBack(qint64 size)
         return fail(m_file.errorString());
     m_size = size;
     return true;
+}
+
+bool OutputFile::becomeLike(OutputFile &other)
+{
+    m_file.close();
+    other.m_file.close();
+    const QString problem = renameOver(other.path(), path());
+    if (problem.isNull())
+        m_size = other.m_size;
+    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) || !m_file.seek(m_size))
+        return fail(m_file.errorString());
+    return problem.isNull() || fail(problem);
+}
+
+void OutputFile::remove()
+{
+    m_file.remove();
 }
 
 bool OutputFile::fail(const QString &reason)

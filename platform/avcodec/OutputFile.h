@@ -21,9 +21,16 @@ public:
     /// Cuts off what stands behind `size` and forgets a failure, so that what is left can be brought to a good end.
     bool cutBack(qint64 size);
 
+    /// Puts the file of `other`, which is done with, in the place of this one. When that fails, this one is as before.
+    bool becomeLike(OutputFile &other);
+
+    /// Deletes the file.
+    void remove();
+
     /// Refuses all further writing for the reason given. Answers false.
     bool fail(const QString &reason);
 
+    QString path() const { return m_file.fileName(); }
     qint64 size() const { return m_size; }
     const QString &errorString() const { return m_error; }
 

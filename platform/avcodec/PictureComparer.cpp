@@ -6,6 +6,9 @@
 namespace
 {
 
+/// A garish green. It and the next ones, which differ in their last bits only, are what may be free of all colours.
+constexpr QRgb FirstCandidate = 0x02fd00;
+
 /// The image in a format whose 32-bit pixels hold the opaque colour; shares the pixels when it is in one already.
 QImage withPlainPixels(const QImage &image)
 {
@@ -106,9 +109,12 @@ PictureDelta PictureComparer::accept(const QImage &image, const QRect &rect)
             const QRgb colour = PictureDelta::colour(now[x]);
             delta.pixels.push_back(!m_empty && colour == before[x] ? colour : colour | PictureDelta::Changed);
             before[x] = colour;
+            if (const QRgb candidate = colour ^ FirstCandidate; candidate < m_isTaken.size())
+                m_isTaken[candidate] = true;
         }
     }
     m_empty = false;
+    delta.freeColour = freeColour();
     return delta;
 }
 
@@ -128,10 +134,19 @@ PictureDelta PictureComparer::merged(const PictureDelta &older, const PictureDel
                 all.pixels[y * width + x] |= *pixel++ & PictureDelta::Changed;
         }
     }
+    all.freeColour = freeColour();
     return all;
 }
 
 PictureDelta PictureComparer::nothing() const
 {
-    return {QRect(0, 0, 1, 1), {m_pixels.front()}};
+    return {QRect(0, 0, 1, 1), {m_pixels.front()}, freeColour()};
+}
+
+std::optional<QRgb> PictureComparer::freeColour() const
+{
+    const auto free = std::find(m_isTaken.begin(), m_isTaken.end(), false);
+    if (free == m_isTaken.end())
+        return std::nullopt;
+    return FirstCandidate + QRgb(free - m_isTaken.begin());
 }

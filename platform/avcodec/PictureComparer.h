@@ -5,6 +5,8 @@
 #include <QImage>
 #include <QSize>
 
+#include <array>
+#include <optional>
 #include <vector>
 
 /// Keeps the latest picture and finds what the next one changes of it. Alpha plays no part: what is translucent
@@ -31,8 +33,11 @@ private:
     const QRgb *row(int y) const { return m_pixels.data() + std::size_t(y) * m_size.width(); }
     QRgb *row(int y) { return m_pixels.data() + std::size_t(y) * m_size.width(); }
 
+    std::optional<QRgb> freeColour() const;
+
     QSize m_size;
     int m_alignment;
-    std::vector<QRgb> m_pixels; // alpha 0
+    std::vector<QRgb> m_pixels;      // alpha 0
+    std::array<bool, 8> m_isTaken{}; // of some colours that screens hardly ever show: whether there was such a pixel
     bool m_empty = true;
 };

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QRect>
 
+#include <optional>
 #include <vector>
 
 /// What a picture changes of the one before it: the smallest rectangle around all changed pixels. It holds the true
@@ -13,6 +14,9 @@ struct PictureDelta {
 
     QRect rect;               ///< place in the picture
     std::vector<QRgb> pixels; ///< row by row; alpha 255: changed, 0: as in the picture before
+
+    /// Without alpha: what no pixel of this picture and of all before it has been, if there is such a colour at hand.
+    std::optional<QRgb> freeColour = std::nullopt;
 
     static bool isChanged(QRgb pixel) { return pixel & Changed; }
     static QRgb colour(QRgb pixel) { return pixel & ~Changed; }

@@ -4,9 +4,11 @@
 
 /// Writes an animated PNG, which every program that knows PNG shows at least the first picture of.
 ///
-/// It is lossless whatever the quality: the frames equal the pictures bit for bit, but for one garish green that is not
-/// in the first picture and stands for transparency; where a later one has it, its blue is a step off. Below 75 it
-/// takes several times the time for a file that is some hundredths smaller.
+/// It is lossless whatever the quality: the frames equal the pictures bit for bit. Below 75 it takes several times
+/// the time for a file that is some hundredths smaller.
+///
+/// In rare cases the file is written anew half-way, under its name with ".opaque" behind, and takes the place of the
+/// first in one step: a file of gaps in which a picture comes to have the very colour that stands for them.
 class pngEncoder : public AnimationEncoder
 {
 public:

@@ -48,6 +48,8 @@ private slots:
     void keepsWholeFramesOnFullDisk_data();
     void keepsWholeFramesOnFullDisk();
     void webpStopsBeforeItsLimit();
+    void pngKeepsWholeFramesWhenItCannotGetRidOfGaps_data();
+    void pngKeepsWholeFramesWhenItCannotGetRidOfGaps();
     void abortsAtOnce_data() { addFormats(); }
     void abortsAtOnce();
     void abandonsPicture_data() { addFormats(); }
@@ -199,6 +201,61 @@ void tst_AnimationFaults::webpStopsBeforeItsLimit()
     const DecodedAnimation animation(name);
     QCOMPARE(animation.errorString, QString());
     QCOMPARE(int(animation.frames.size()), frames);
+}
+
+void tst_AnimationFaults::pngKeepsWholeFramesWhenItCannotGetRidOfGaps_data()
+{
+    QTest::addColumn<bool>("isAborted");
+    QTest::addColumn<quint64>("limit");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("aborted") << true << quint64(1e9) << "Aborted";
+    QTest::newRow("full disk") << false << quint64(100000) << "Cannot write ";
+}
+
+void tst_AnimationFaults::pngKeepsWholeFramesWhenItCannotGetRidOfGaps()
+{
+    QFETCH(bool, isAborted);
+    QFETCH(quint64, limit);
+    QFETCH(QString, error);
+    const QString name = path(QStringLiteral("png"));
+    PictureComparer comparer(kSize, 1);
+    OutputFile file;
+    QVERIFY(file.open(name));
+    ApngFormat format(kFps, 100);
+    QVERIFY(format.writeHeader(file, kSize, 0));
+    std::vector<QImage> pictures;
+    std::atomic<bool> cancelled{false};
+    const auto encoded = [&](int frame) {
+        QImage picture = noise(kSize, 0);
+        picture.setPixel(frame, 3, qRgb(0, 0, 0));
+        picture.setPixel(50, 80 - frame, qRgb(0, 0, 0));
+        pictures.push_back(picture.convertToFormat(QImage::Format_ARGB32));
+        return format.encode(comparer.accept(picture, QRect(QPoint(0, 0), kSize)), cancelled);
+    };
+    const int frames = 20;
+    for (int frame = 0; frame < frames; ++frame)
+        QVERIFY(format.writeFrame(file, encoded(frame), 40));
+    const qint64 size = file.size();
+    QVERIFY(size < 60000);
+    EncodedFrame next = encoded(frames);
+    QVERIFY(format.makeWayFor(file, next, cancelled));
+    QCOMPARE(file.size(), size);
+    next.freeColour.reset(); // as it has all of them
+
+    cancelled = isAborted;
+    {
+        const FileSizeLimit fullDisk{limit};
+        QVERIFY(!format.makeWayFor(file, next, cancelled));
+    }
+    QVERIFY2(file.errorString().startsWith(error), qPrintable(file.errorString()));
+    QCOMPARE(file.size(), size);
+    QVERIFY(file.cutBack(size));
+    QVERIFY(format.writeTrailer(file));
+    const DecodedAnimation animation(name);
+    QCOMPARE(animation.errorString, QString());
+    pictures.pop_back();
+    QVERIFY(animation.frames == pictures);
+    QVERIFY(!QFileInfo::exists(name + QStringLiteral(".opaque")));
 }
 
 void tst_AnimationFaults::abortsAtOnce()

@@ -36,6 +36,7 @@ private slots:
     void unchangedPicturesCostNothing();
     void changesFarApartCostLittle_data();
     void changesFarApartCostLittle();
+    void showsTheColoursThatStoodForGaps();
     void takesAnySize_data();
     void takesAnySize();
     void takesAnyImageFormat_data();
@@ -198,6 +199,41 @@ void tst_Animations::changesFarApartCostLittle()
         bytes[more] = QFileInfo(path(format)).size();
     }
     QVERIFY2(bytes[1] - bytes[0] < 10 * 1000, qPrintable(QString::number(bytes[1] - bytes[0])));
+}
+
+/// Each time round, one more picture has the colour that stands for transparency behind it, until none is at hand.
+void tst_Animations::showsTheColoursThatStoodForGaps()
+{
+    const QSize size(160, 120);
+    const int framesEach = 3;
+    std::vector<QRgb> colours;
+    for (bool hasTransparency = true; hasTransparency;) {
+        const auto paint = [&](int frame) {
+            QImage image = noise(size, 1);
+            QPainter(&image).fillRect(frame, 3, 5, 4, Qt::blue);
+            for (int past = 0; past < frame / framesEach; ++past)
+                image.setPixel(150, 100 + past, colours[std::size_t(past)]);
+            image.setPixel(100, 90 + frame % framesEach, qRgb(1, 2, 3));
+            return image;
+        };
+        const int count = framesEach * int(colours.size() + 1);
+        const DecodedAnimation animation = encoded(QStringLiteral("png"), size, 25, 100, count, paint);
+        QCOMPARE(animation.errorString, QString());
+        QCOMPARE(animation.frames.size(), std::size_t(count));
+        for (int frame = 0; frame < count; ++frame)
+            QVERIFY2(sameColours(animation.frames[std::size_t(frame)], paint(frame)),
+                     qPrintable(QString::number(frame)));
+
+        QFile file(path(QStringLiteral("png")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray start = file.read(100);
+        const int transparency = start.indexOf("tRNS");
+        hasTransparency = transparency >= 0;
+        if (hasTransparency)
+            colours.push_back(qRgb(start[transparency + 5], start[transparency + 7], start[transparency + 9]));
+    }
+    QVERIFY(colours.size() > 1);
+    QCOMPARE(QDir(m_dir.path()).entryList({QStringLiteral("*.png.*")}), QStringList());
 }
 
 void tst_Animations::takesAnySize_data()

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QColor>
+#include <QSize>
+
+/// The parts that PNG files are made of.
+namespace png
+{
+
+constexpr char Signature[] = "\x89PNG\r\n\x1a\n";
+
+/// Of a file and of a chunk without data.
+constexpr int SignatureBytes = 8;
+constexpr int EmptyChunkBytes = 12;
+
+QByteArray bigEndian(quint16 value);
+QByteArray bigEndian(quint32 value);
+
+QByteArray chunk(const char *type, const QByteArray &data);
+
+/// IHDR: true colour, 8 bits a channel.
+QByteArray header(QSize size);
+
+/// tRNS: the colour is transparent.
+QByteArray transparency(QRgb colour);
+
+} // namespace png

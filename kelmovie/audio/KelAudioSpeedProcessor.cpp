@@ -182,6 +182,7 @@ bool KelAudioSpeedProcessor::writeWavFile(const QString &path, WavFile &wav, con
         return false;
     if (gain < 1.0F && (!output.seek(WavHeader::Size) || !changeSpeed(wav, map, &gain, output)))
         return false;
+    wav.file.close(); // may be what is replaced, which some systems refuse while it is open
     return output.commit() || fail("Failed to write complete WAV file");
 }
 

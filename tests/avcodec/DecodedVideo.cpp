@@ -122,6 +122,7 @@ QImage textPicture(const QSize &size, int number)
     QPainter painter(&image);
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setPixelSize(9);
+    font.setHintingPreference(QFont::PreferNoHinting); // how sharp it is shall not depend on the system
     painter.setFont(font);
     const QColor colors[] = {Qt::red, Qt::blue, Qt::darkGreen, Qt::black, Qt::magenta, QColor(200, 120, 0)};
     for (int line = 0; line * 12 < size.height() + number * 3 + 12; ++line) {

@@ -37,8 +37,8 @@ struct Keldock {
             process.kill();
         else if (process.exitStatus() == QProcess::NormalExit && process.error() == QProcess::UnknownError)
             result.status = process.exitCode();
-        result.output = QString::fromUtf8(process.readAllStandardOutput());
-        result.errors = QString::fromUtf8(process.readAllStandardError());
+        result.output = text(process.readAllStandardOutput());
+        result.errors = text(process.readAllStandardError());
         return result;
     }
 
@@ -48,4 +48,8 @@ struct Keldock {
         return status == 1 && errors.startsWith(QLatin1String("keldock: ")) && errors.contains(reason) &&
                errors.count(QLatin1Char('\n')) == 1;
     }
+
+private:
+    /// With one end of a line, which Windows writes with two characters.
+    static QString text(const QByteArray &bytes) { return QString::fromUtf8(bytes).replace("\r\n", "\n"); }
 };

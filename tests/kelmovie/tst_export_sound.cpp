@@ -179,6 +179,7 @@ void ExportSoundTest::soundsAsPlayed_data()
     });
     row("directory without sound", 0.0, 0.0, [this] { request.trackDataDir = outputDir->path(); });
     row("no voice directory", 0.0, 0.0, [this] {
+        manager.reset(); // which has the sound open
         QDir(recording->path() + "/Voice").removeRecursively();
         loadManager();
     });

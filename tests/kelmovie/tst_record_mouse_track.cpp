@@ -235,8 +235,8 @@ void TestRecordMouseTrack::fullDiskLosesNothing()
         const FileSizeLimit limit(quint64(moves.size() + 20));
         play(*track, {"at 120,60 arrow", "frame 1", "checkpoint", "checkpoint"});
         QCOMPARE(readFile(path("mousemoves-0.json")), moves);
-        QCOMPARE(m_failures,
-                 QStringList{QString("Mouse track: cannot write %1: File too large").arg(path("mousemoves-0.json"))});
+        QCOMPARE(m_failures, QStringList{QString("Mouse track: cannot write %1: %2")
+                                             .arg(path("mousemoves-0.json"), FileSizeLimit::errorText())});
         QCOMPARE(log.take().size(), 1);
     }
     play(*track, {"at 130,60 arrow", "frame 2"});

@@ -215,7 +215,7 @@ void TestRecordScreenTrack::fullDiskKeepsTheEntriesWritten()
         track->recordFrame(2);
         track->checkpoint(3);
         QCOMPARE(m_failures.size(), 1);
-        QVERIFY2(m_failures[0].contains("File too large"), qPrintable(m_failures[0]));
+        QVERIFY2(m_failures[0].contains(FileSizeLimit::errorText()), qPrintable(m_failures[0]));
         QCOMPARE(readFile(indexPath()), indexBytes({0}));
     }
     // There is room again.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
 
 /// What stands in for a full disk: no file of this process grows beyond `bytes`. One at a time.
 class FileSizeLimit
@@ -10,4 +10,7 @@ public:
     ~FileSizeLimit();
     FileSizeLimit(const FileSizeLimit &) = delete;
     FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+    /// What the system says of it.
+    static QString errorText();
 };

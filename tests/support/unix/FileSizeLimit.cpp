@@ -1,5 +1,6 @@
 #include "support/FileSizeLimit.h"
 
+#include <cerrno>
 #include <csignal>
 #include <sys/resource.h>
 
@@ -21,4 +22,9 @@ FileSizeLimit::~FileSizeLimit()
 {
     setrlimit(RLIMIT_FSIZE, &g_before);
     std::signal(SIGXFSZ, g_signal);
+}
+
+QString FileSizeLimit::errorText()
+{
+    return qt_error_string(EFBIG);
 }

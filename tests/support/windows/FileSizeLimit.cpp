@@ -74,3 +74,8 @@ FileSizeLimit::~FileSizeLimit()
 {
     exchangeImports(reinterpret_cast<void *>(&writeWithinLimit), reinterpret_cast<void *>(g_writeFile.load()));
 }
+
+QString FileSizeLimit::errorText()
+{
+    return qt_error_string(ERROR_DISK_FULL);
+}

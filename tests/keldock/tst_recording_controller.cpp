@@ -2,7 +2,6 @@
 #include "keldock/RecordingFiles.h"
 #include "recorder/RecordingController.h"
 #include "support/FileSizeLimit.h"
-#include "support/HostProgram.h"
 #include "support/TestTable.h"
 
 #include <KelMovie/KelMovieConfig.h>
@@ -204,10 +203,10 @@ void RecordingControllerTest::screenShrinks()
     begin();
     const QString directory = m_controller->directory();
     const auto change = [](const QString &screen) {
-        HostProgram::run("xrandr", QString("--output screen --mode " + screen).split(' '));
+        QProcess::execute("xrandr", QString("--output screen --mode " + screen).split(' '));
     };
-    HostProgram::run("xrandr", QString("--newmode small 0 800 800 800 800 600 600 600 600").split(' '));
-    HostProgram::run("xrandr", {"--addmode", "screen", "small"});
+    QProcess::execute("xrandr", QString("--newmode small 0 800 800 800 800 600 600 600 600").split(' '));
+    QProcess::execute("xrandr", {"--addmode", "screen", "small"});
     change("small");
     QTRY_COMPARE(m_controller->state(), State::Idle);
     QCOMPARE(m_finished, QStringList(directory));

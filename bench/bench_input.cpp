@@ -1,9 +1,9 @@
 // Loading, seeking in and painting recorded input: prints lines of name, value and unit, separated by tabs.
 
 #include "Figure.h"
-#include "playback/KelPlaybackKeyboardTrack.h"
-#include "playback/KelPlaybackMouseTrack.h"
-#include "playback/PointerList.h"
+#include "playback/keys/KelPlaybackKeyboardTrack.h"
+#include "playback/mouse/KelPlaybackMouseTrack.h"
+#include "playback/mouse/PointerList.h"
 
 #include <QDir>
 #include <QElapsedTimer>

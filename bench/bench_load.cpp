@@ -2,9 +2,9 @@
 
 #include "Figure.h"
 #include "avcodec/KelAVCodecEncoder.h"
-#include "avcodec/KelAsyncEncoder.h"
-#include "playback/KelExportSeams.h"
-#include "record/KelRecordingMetadata.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
+#include "export/KelExportSeams.h"
+#include "recording/KelRecordingMetadata.h"
 
 #include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelPlaybackTrackManager.h>

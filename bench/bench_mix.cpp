@@ -2,10 +2,10 @@
 // is what other work on the machine disturbs least. usage: kel_bench_mix [SECONDS]
 
 #include "Figure.h"
-#include "audio/KelAudioSpeedProcessor.h"
-#include "audio/WavHeader.h"
-#include "avcodec/MixAudioVideoTracks.h"
-#include "avcodec/h264Encoder.h"
+#include "audio/processing/KelAudioSpeedProcessor.h"
+#include "avcodec/mp4/h264Encoder.h"
+#include "avcodec/sound/MixAudioVideoTracks.h"
+#include "recording/wav/WavHeader.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -3,8 +3,8 @@
 
 #include "Figure.h"
 
-#include "audio/KelAmplifiedAudioPlayer.h"
-#include "audio/WavHeader.h"
+#include "audio/output/KelAmplifiedAudioPlayer.h"
+#include "recording/wav/WavHeader.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

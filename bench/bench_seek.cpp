@@ -3,9 +3,9 @@
 
 #include "Figure.h"
 #include "SceneRenderer.h"
-#include "avcodec/AvHandles.h"
-#include "avcodec/KelAsyncEncoder.h"
-#include "avcodec/h264Decoder.h"
+#include "avcodec/decode/h264Decoder.h"
+#include "avcodec/ffmpeg/AvHandles.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
 
 #include <QElapsedTimer>
 #include <QFile>

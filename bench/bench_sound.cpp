@@ -1,7 +1,7 @@
 // What recording the system's audio costs: prints lines of name, value and unit, separated by tabs.
 
 #include "Figure.h"
-#include "audio/KelSystemAudioRecord.h"
+#include "audio/capture/KelSystemAudioRecord.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

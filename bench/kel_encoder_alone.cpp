@@ -1,8 +1,8 @@
 // How fast the export encoder takes the pictures of a recording when nobody has to load or paint them: the bound for
 // the speed of an export. Prints NAME<TAB>VALUE<TAB>UNIT.
 
-#include "avcodec/h264Decoder.h"
-#include "avcodec/h264Encoder.h"
+#include "avcodec/decode/h264Decoder.h"
+#include "avcodec/mp4/h264Encoder.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -5,7 +5,7 @@
 #include "ExportScene.h"
 #include "avcodec/AnimationSample.h"
 #include "avcodec/DecodedAnimation.h"
-#include "avcodec/h264Encoder.h"
+#include "avcodec/mp4/h264Encoder.h"
 
 #include <QElapsedTimer>
 #include <QFile>

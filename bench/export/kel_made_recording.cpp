@@ -1,10 +1,10 @@
 // Makes a recording of any size and length, faster than a screen could be recorded.
 
 #include "SceneRenderer.h"
-#include "audio/WavHeader.h"
-#include "avcodec/KelAsyncEncoder.h"
-#include "record/FrameIndexFile.h"
-#include "record/KelRecordingMetadata.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
+#include "recording/FrameIndexFile.h"
+#include "recording/KelRecordingMetadata.h"
+#include "recording/wav/WavHeader.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 // Flashes $DISPLAY and beeps on the sound server's default output, both at the same moment, once a second until it is
 // stopped: for measuring whether a recording keeps picture and sound together. Says "ready" when it runs.
 
-#include "support/X11Painter.h"
+#include "support/x11/X11Painter.h"
 
 #include <pulse/error.h>
 #include <pulse/simple.h>

@@ -1,13 +1,13 @@
 #include "cli/CommandLine.h"
 
-#include "cli/Command.h"
-#include "cli/Console.h"
-#include "cli/ExportCommand.h"
-#include "cli/FrameCommand.h"
-#include "cli/InfoCommand.h"
-#include "cli/MessageLog.h"
-#include "cli/RecordCommand.h"
-#include "cli/SelfTestCommand.h"
+#include "cli/commands/Command.h"
+#include "cli/commands/ExportCommand.h"
+#include "cli/commands/FrameCommand.h"
+#include "cli/commands/InfoCommand.h"
+#include "cli/commands/RecordCommand.h"
+#include "cli/commands/SelfTestCommand.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/MessageLog.h"
 
 #include <KelMovie/KelMovieUI.h>
 #include <console/ProgramArguments.h>

@@ -1,6 +1,6 @@
 #include "library/LibraryReader.h"
 
-#include "cli/DirectorySize.h"
+#include "common/DirectorySize.h"
 #include "library/ThumbnailCache.h"
 
 #include <KelMovie/KelRecordingMetadata.h>

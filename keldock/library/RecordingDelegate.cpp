@@ -1,6 +1,6 @@
 #include "library/RecordingDelegate.h"
 
-#include "cli/Units.h"
+#include "common/Units.h"
 #include "dockicon/KelDockIcon.h"
 #include "library/RecordingDetails.h"
 #include "library/RecordingsModel.h"

@@ -1,6 +1,6 @@
 #include "library/RecordingsModel.h"
 
-#include "cli/Units.h"
+#include "common/Units.h"
 #include "library/LibraryReader.h"
 #include "library/ThumbnailCache.h"
 

@@ -1,6 +1,6 @@
 #include "play/PlaybackStrip.h"
 
-#include "play/Player.h"
+#include "play/player/Player.h"
 #include "widgets/StripButton.h"
 
 #include <KelMovie/PlayProgressBar.h>

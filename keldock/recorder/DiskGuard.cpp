@@ -1,6 +1,6 @@
 #include "recorder/DiskGuard.h"
 
-#include "cli/DirectorySize.h"
+#include "common/DirectorySize.h"
 
 #include <QDir>
 #include <QFileInfo>

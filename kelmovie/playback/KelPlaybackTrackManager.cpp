@@ -1,14 +1,14 @@
 #include "playback/KelPlaybackTrackManager.h"
 
-#include "playback/KelPlaybackCountdownTrack.h"
-#include "playback/KelPlaybackKeyboardTrack.h"
-#include "playback/KelPlaybackMouseTrack.h"
-#include "playback/KelPlaybackScreenTrack.h"
-#include "playback/KelPlaybackSeams.h"
-#include "playback/KelPlaybackVoiceTrack.h"
 #include "playback/PlaybackClock.h"
 #include "playback/PlaybackTracks.h"
-#include "record/KelRecordingMetadata.h"
+#include "playback/keys/KelPlaybackKeyboardTrack.h"
+#include "playback/mouse/KelPlaybackMouseTrack.h"
+#include "playback/tracks/KelPlaybackCountdownTrack.h"
+#include "playback/tracks/KelPlaybackScreenTrack.h"
+#include "playback/tracks/KelPlaybackSeams.h"
+#include "playback/tracks/KelPlaybackVoiceTrack.h"
+#include "recording/KelRecordingMetadata.h"
 
 #include <QPainter>
 #include <QTimer>

@@ -1,9 +1,9 @@
 #include "playback/PlaybackSettings.h"
 
-#include "playback/KelPlaybackCountdownTrack.h"
-#include "playback/KelPlaybackKeyboardTrack.h"
-#include "playback/KelPlaybackMouseTrack.h"
-#include "playback/KelPlaybackVoiceTrack.h"
+#include "playback/keys/KelPlaybackKeyboardTrack.h"
+#include "playback/mouse/KelPlaybackMouseTrack.h"
+#include "playback/tracks/KelPlaybackCountdownTrack.h"
+#include "playback/tracks/KelPlaybackVoiceTrack.h"
 
 #include <KelMovie/KelMovieConfig.h>
 

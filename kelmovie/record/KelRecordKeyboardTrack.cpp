@@ -1,7 +1,7 @@
 #include "record/KelRecordKeyboardTrack.h"
 
 #include "keymouse/KelKeyMouseHook.h"
-#include "record/KeyLogFile.h"
+#include "recording/input/KeyLogFile.h"
 
 #include <QDebug>
 #include <QDir>

@@ -1,9 +1,9 @@
 #include "record/KelRecordMouseTrack.h"
 
 #include "keymouse/KelKeyMouseHook.h"
-#include "record/FileWriting.h"
-#include "record/JsonArrayFile.h"
-#include "record/MouseTrackEvent.h"
+#include "recording/FileWriting.h"
+#include "recording/input/JsonArrayFile.h"
+#include "recording/input/MouseTrackEvent.h"
 #include "screen/KelCursorPixmap.h"
 
 #include <QBuffer>

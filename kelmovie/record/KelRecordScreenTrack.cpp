@@ -1,6 +1,6 @@
 #include "record/KelRecordScreenTrack.h"
 
-#include "avcodec/KelAsyncEncoder.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
 #include "screen/KelScreenManager.h"
 #include "style/PixelRatio.h"
 

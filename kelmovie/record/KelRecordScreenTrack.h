@@ -1,7 +1,7 @@
 #pragma once
 
-#include "record/FrameIndexFile.h"
 #include "record/KelRecordTrack.h"
+#include "recording/FrameIndexFile.h"
 
 #include <QImage>
 #include <QSize>

@@ -5,7 +5,7 @@
 #include "record/KelRecordScreenTrack.h"
 #include "record/KelRecordTrackThreadWrap.h"
 #include "record/KelRecordVoiceTrack.h"
-#include "record/KelRecordingMetadata.h"
+#include "recording/KelRecordingMetadata.h"
 #include "style/PixelRatio.h"
 
 #include <QDateTime>

@@ -1,7 +1,7 @@
 #include "record/KelRecordVoiceTrack.h"
 
-#include "audio/KelSystemAudioRecord.h"
-#include "audio/MicrophoneBackend.h"
+#include "audio/capture/KelSystemAudioRecord.h"
+#include "audio/capture/MicrophoneBackend.h"
 
 #include <QDateTime>
 #include <QDebug>

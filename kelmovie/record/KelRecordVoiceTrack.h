@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/WavPartMerger.h"
 #include "record/KelRecordTrack.h"
+#include "recording/wav/WavPartMerger.h"
 
 #include <QAudioEncoderSettings>
 #include <QAudioRecorder>

@@ -1,9 +1,9 @@
 #include "selftest/FormatCheck.h"
 
-#include "avcodec/AnimationReader.h"
 #include "avcodec/KelAVCodecEncoder.h"
-#include "avcodec/h264Decoder.h"
-#include "playback/KelExportSeams.h"
+#include "avcodec/animation/AnimationReader.h"
+#include "avcodec/decode/h264Decoder.h"
+#include "export/KelExportSeams.h"
 
 #include <QColor>
 #include <QImage>

@@ -1,14 +1,14 @@
 #include "selftest/KelMovieSelfTest.h"
 
+#include "audio/capture/SoundDevices.h"
 #include "avcodec/CodecLibraries.h"
-#include "avcodec/ffv1Decoder.h"
-#include "avcodec/h264Decoder.h"
+#include "avcodec/decode/ffv1Decoder.h"
+#include "avcodec/decode/h264Decoder.h"
+#include "facade/KelMovieUI.h"
 #include "keymouse/KelKeyMouseHook.h"
-#include "record/KelMovieUI.h"
 #include "screen/KelScreenManager.h"
 #include "selftest/FormatCheck.h"
 #include "selftest/RecordingCheck.h"
-#include "ui/SoundDevices.h"
 
 #include <QAudioDeviceInfo>
 #include <QGuiApplication>

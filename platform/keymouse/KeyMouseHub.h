@@ -1,7 +1,7 @@
 #pragma once
 
+#include "geometry/LogicalDesktop.h"
 #include "keymouse/KeyMouseEventSource.h"
-#include "keymouse/LogicalDesktop.h"
 
 #include <condition_variable>
 #include <memory>

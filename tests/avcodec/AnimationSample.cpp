@@ -1,8 +1,8 @@
 #include "avcodec/AnimationSample.h"
 
-#include "avcodec/kelGifEncoder.h"
-#include "avcodec/pngEncoder.h"
-#include "avcodec/webpEncoder.h"
+#include "avcodec/animation/gif/kelGifEncoder.h"
+#include "avcodec/animation/png/pngEncoder.h"
+#include "avcodec/animation/webp/webpEncoder.h"
 
 #include <QPainter>
 

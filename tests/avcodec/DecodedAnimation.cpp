@@ -1,6 +1,6 @@
 #include "avcodec/DecodedAnimation.h"
 
-#include "avcodec/AvHandles.h"
+#include "avcodec/ffmpeg/AvHandles.h"
 
 #include <QFile>
 #include <QtEndian>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "avcodec/AvHandles.h"
+#include "avcodec/ffmpeg/AvHandles.h"
 
 #include <QByteArray>
 #include <QImage>

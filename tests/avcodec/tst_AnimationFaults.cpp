@@ -1,12 +1,12 @@
 // What can go wrong while an animated picture is written, and what is left of the file then.
 
 #include "avcodec/AnimationSample.h"
-#include "avcodec/ApngFormat.h"
 #include "avcodec/BoundedWorker.h"
 #include "avcodec/DecodedAnimation.h"
-#include "avcodec/GifFormat.h"
-#include "avcodec/PictureComparer.h"
-#include "avcodec/WebpFormat.h"
+#include "avcodec/animation/PictureComparer.h"
+#include "avcodec/animation/gif/GifFormat.h"
+#include "avcodec/animation/png/ApngFormat.h"
+#include "avcodec/animation/webp/WebpFormat.h"
 #include "support/FileSizeLimit.h"
 
 #include <QFileInfo>

@@ -1,7 +1,7 @@
-#include "avcodec/FrameConverter.h"
 #include "avcodec/NumberedVideo.h"
-#include "avcodec/ffv1Decoder.h"
-#include "avcodec/h264Decoder.h"
+#include "avcodec/decode/FrameConverter.h"
+#include "avcodec/decode/ffv1Decoder.h"
+#include "avcodec/decode/h264Decoder.h"
 
 #include <QTemporaryDir>
 #include <QTest>

@@ -1,8 +1,8 @@
-#include "avcodec/AvHandles.h"
 #include "avcodec/NumberedVideo.h"
-#include "avcodec/VideoSource.h"
-#include "avcodec/ffv1Decoder.h"
-#include "avcodec/h264Decoder.h"
+#include "avcodec/decode/VideoSource.h"
+#include "avcodec/decode/ffv1Decoder.h"
+#include "avcodec/decode/h264Decoder.h"
+#include "avcodec/ffmpeg/AvHandles.h"
 #include "support/LogCapture.h"
 #include "support/TestTable.h"
 

@@ -1,10 +1,10 @@
 // What is left of a file when the process is killed or the disk is full.
 
 #include "avcodec/DecodedVideo.h"
-#include "avcodec/KelAsyncEncoder.h"
-#include "avcodec/Mp4Index.h"
-#include "avcodec/X264Encoder.h"
-#include "avcodec/h264Encoder.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
+#include "avcodec/mp4/Mp4Index.h"
+#include "avcodec/mp4/h264Encoder.h"
+#include "avcodec/x264/X264Encoder.h"
 #include "support/FileSizeLimit.h"
 
 #include <QFileInfo>

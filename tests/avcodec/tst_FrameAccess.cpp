@@ -1,7 +1,7 @@
-#include "avcodec/KelAsyncEncoder.h"
 #include "avcodec/NumberedVideo.h"
-#include "avcodec/ffv1Decoder.h"
-#include "avcodec/h264Decoder.h"
+#include "avcodec/decode/ffv1Decoder.h"
+#include "avcodec/decode/h264Decoder.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
 
 #include <QCryptographicHash>
 #include <QTemporaryDir>

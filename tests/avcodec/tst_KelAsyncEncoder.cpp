@@ -1,5 +1,5 @@
 #include "avcodec/DecodedVideo.h"
-#include "avcodec/KelAsyncEncoder.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
 
 #include <QGuiApplication>
 #include <QPainter>

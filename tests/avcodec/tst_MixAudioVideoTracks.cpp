@@ -1,6 +1,6 @@
 #include "avcodec/DecodedVideo.h"
-#include "avcodec/MixAudioVideoTracks.h"
-#include "avcodec/h264Encoder.h"
+#include "avcodec/mp4/h264Encoder.h"
+#include "avcodec/sound/MixAudioVideoTracks.h"
 #include "support/FileSizeLimit.h"
 #include "support/HostProgram.h"
 #include "support/Sound.h"

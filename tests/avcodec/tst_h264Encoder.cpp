@@ -1,6 +1,6 @@
 #include "avcodec/DecodedVideo.h"
-#include "avcodec/PixelConversion.h"
-#include "avcodec/h264Encoder.h"
+#include "avcodec/mp4/h264Encoder.h"
+#include "avcodec/x264/PixelConversion.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>

@@ -1,7 +1,7 @@
 // Opens what it is given as a video and decodes some of its frames.
 
-#include "avcodec/ffv1Decoder.h"
-#include "avcodec/h264Decoder.h"
+#include "avcodec/decode/ffv1Decoder.h"
+#include "avcodec/decode/h264Decoder.h"
 
 #include <QTemporaryFile>
 

@@ -2,8 +2,8 @@
 #include "keldock/Keldock.h"
 #include "keldock/RecordingFiles.h"
 #include "keymouse/XTestInput.h"
-#include "support/X11Painter.h"
-#include "support/X11Windows.h"
+#include "support/x11/X11Painter.h"
+#include "support/x11/X11Windows.h"
 
 #include <QDir>
 #include <QImage>

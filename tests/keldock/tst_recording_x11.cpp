@@ -1,5 +1,5 @@
 #include "keldock/RecordedScene.h"
-#include "support/XServer.h"
+#include "support/x11/XServer.h"
 
 #include <QJsonObject>
 #include <QTemporaryDir>

@@ -4,7 +4,7 @@
 #include "keymouse/KeyMouseEventSource.h"
 #include "support/EnvironmentChange.h"
 #include "support/LogCapture.h"
-#include "support/XServer.h"
+#include "support/x11/XServer.h"
 
 #include <QDir>
 #include <QGuiApplication>

@@ -1,6 +1,6 @@
 // What the streamer captures from a living screen, compared with what another client reads from it.
 #include "screen/KelScreenManager.h"
-#include "support/X11Painter.h"
+#include "support/x11/X11Painter.h"
 
 #include <QPainter>
 #include <QRandomGenerator>

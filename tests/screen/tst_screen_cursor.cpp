@@ -2,7 +2,7 @@
 #include "screen/KelCursorPixmap.h"
 #include "screen/x11/X11CursorSource.h"
 #include "support/LogCapture.h"
-#include "support/XServer.h"
+#include "support/x11/XServer.h"
 
 #include <QCursor>
 #include <QImage>

@@ -1,9 +1,9 @@
 // Logical against physical pixels.
+#include "geometry/PhysicalRect.h"
 #include "screen/KelScreenManager.h"
-#include "screen/PhysicalRect.h"
 #include "style/PixelRatio.h"
 #include "support/EnvironmentChange.h"
-#include "support/X11Painter.h"
+#include "support/x11/X11Painter.h"
 
 #include <QGuiApplication>
 #include <QtTest>

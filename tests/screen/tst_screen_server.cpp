@@ -2,8 +2,8 @@
 #include "screen/KelScreenManager.h"
 #include "support/EnvironmentChange.h"
 #include "support/TestTable.h"
-#include "support/X11Painter.h"
-#include "support/XServer.h"
+#include "support/x11/X11Painter.h"
+#include "support/x11/XServer.h"
 
 #include <QtTest>
 

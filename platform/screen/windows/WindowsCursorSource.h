@@ -1,7 +1,7 @@
 #pragma once
 
+#include "geometry/PhysicalRect.h"
 #include "screen/KelCursorSource.h"
-#include "screen/PhysicalRect.h"
 
 #include <QElapsedTimer>
 #include <QVector>

@@ -1,8 +1,8 @@
 #include "screen/windows/WindowsScreenBackend.h"
 
+#include "geometry/PhysicalRect.h"
 #include "screen/FailedScreenStreamer.h"
 #include "screen/NativeScreenBackend.h"
-#include "screen/PhysicalRect.h"
 #include "screen/windows/DuplicationDesktopReader.h"
 #include "screen/windows/GdiDesktopReader.h"
 #include "screen/windows/Monitors.h"

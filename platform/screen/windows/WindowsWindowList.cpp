@@ -1,6 +1,6 @@
 #include "screen/KelWindowList.h"
 
-#include "screen/PhysicalRect.h"
+#include "geometry/PhysicalRect.h"
 #include "screen/windows/NativeRect.h"
 
 #include <dwmapi.h>

@@ -1,8 +1,8 @@
 #include "screen/x11/X11ScreenBackend.h"
 
+#include "geometry/PhysicalRect.h"
 #include "screen/FailedScreenStreamer.h"
 #include "screen/NativeScreenBackend.h"
-#include "screen/PhysicalRect.h"
 #include "screen/x11/X11CursorSource.h"
 #include "screen/x11/X11ScreenStreamer.h"
 #include "screen/x11/XcbConnection.h"

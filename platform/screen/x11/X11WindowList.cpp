@@ -1,6 +1,6 @@
 #include "screen/KelWindowList.h"
 
-#include "screen/PhysicalRect.h"
+#include "geometry/PhysicalRect.h"
 #include "screen/x11/XcbConnection.h"
 
 #include <string_view>

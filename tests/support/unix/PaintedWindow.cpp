@@ -1,6 +1,6 @@
 #include "support/PaintedWindow.h"
 
-#include "support/X11Painter.h"
+#include "support/x11/X11Painter.h"
 
 struct PaintedWindow::Private {
     Private(const QRect &rect, QRgb color, const QByteArray &display)

@@ -1,0 +1,88 @@
+#include "cli/commands/FrameCommand.h"
+
+#include "cli/commands/Arguments.h"
+#include "cli/commands/LoadedRecording.h"
+#include "cli/commands/OutputFile.h"
+
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QImage>
+#include <QImageWriter>
+#include <QPainter>
+
+namespace
+{
+
+QImage composed(const LoadedRecording &recording, int frame)
+{
+    KelPlaybackTrackManager *manager = recording.manager();
+    manager->setFrameAsPlayed(frame);
+    QImage image(recording.pixels(), QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return image;
+    image.fill(Qt::black);
+    image.setDevicePixelRatio(manager->devicePixelRatio());
+    QPainter painter(&image);
+    manager->paint(&painter);
+    return image;
+}
+
+} // namespace
+
+QString FrameCommand::help() const
+{
+    return QStringLiteral("Saves one picture of a recording, with all that is painted over the screen.\n"
+                          "\n"
+                          "Usage: keldock frame DIR N FILE.png\n"
+                          "\n"
+                          "  DIR        the directory of the recording\n"
+                          "  N          the logic frame, counted from 0; 'keldock info DIR' tells how many there are\n"
+                          "  FILE.png   the picture; an existing file is replaced\n"
+                          "\n"
+                          "Options:\n"
+                          "  --verbose  show the engine's log on standard error\n"
+                          "  --help     this text\n"
+                          "\n"
+                          "Example:\n"
+                          "  keldock frame hello 0 first.png\n");
+}
+
+QString FrameCommand::parse(const QStringList &arguments)
+{
+    Arguments options({}, arguments);
+    const QStringList values =
+        options.positional({QStringLiteral("DIR"), QStringLiteral("N"), QStringLiteral("FILE.png")});
+    m_directory = values.at(0);
+    m_file = values.at(2);
+    bool isNumber = false;
+    m_frame = values.at(1).toInt(&isNumber);
+    if (!isNumber || m_frame < 0)
+        options.reject(QStringLiteral("N is the number of a frame, 0 or more, not '%1'").arg(values.at(1)));
+    if (!m_file.endsWith(QLatin1String(".png"), Qt::CaseInsensitive))
+        options.reject(QStringLiteral("'%1' does not end in .png").arg(m_file));
+    return options.error();
+}
+
+QString FrameCommand::run()
+{
+    const LoadedRecording recording(m_directory);
+    if (!recording.error().isEmpty())
+        return recording.error();
+    if (m_frame >= recording.logicFrames()) {
+        return QStringLiteral("there is no frame %1: the recording has the frames 0 to %2")
+            .arg(m_frame)
+            .arg(recording.logicFrames() - 1);
+    }
+    OutputFile output(m_file);
+    if (!output.error().isEmpty())
+        return output.error();
+    const QImage image = composed(recording, m_frame);
+    if (image.isNull())
+        return QStringLiteral("there is no memory for the picture");
+    {
+        QImageWriter writer(output.temporaryPath(), "png"); // keeps the file open
+        if (!writer.write(image))
+            return QStringLiteral("'%1' cannot be written: %2").arg(m_file, writer.errorString());
+    }
+    return output.commit();
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "cli/commands/Command.h"
+
+/// `keldock frame`: one composed picture of a recording as a PNG file.
+class FrameCommand : public Command
+{
+public:
+    QString name() const override { return QStringLiteral("frame"); }
+    QString summary() const override { return QStringLiteral("save one picture of a recording"); }
+    QString help() const override;
+    QString parse(const QStringList &arguments) override;
+    QString run() override;
+
+private:
+    QString m_directory;
+    QString m_file;
+    int m_frame = 0;
+};

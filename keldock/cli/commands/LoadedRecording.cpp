@@ -1,0 +1,80 @@
+#include "cli/commands/LoadedRecording.h"
+
+#include "cli/terminal/MessageLog.h"
+#include "common/DirectorySize.h"
+
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QDir>
+#include <QFileInfo>
+
+LoadedRecording::LoadedRecording(const QString &directory)
+    : m_directory(directory)
+{
+    const QFileInfo info(directory);
+    if (!info.exists()) {
+        m_error = QStringLiteral("there is no directory '%1'").arg(directory);
+        return;
+    }
+    if (!info.isDir()) {
+        m_error = QStringLiteral("'%1' is not a directory").arg(directory);
+        return;
+    }
+    const bool hasFile = QFileInfo::exists(KelRecordingMetadata::filePath(directory));
+    if (!hasFile && tracksPresent().isEmpty()) {
+        m_error = QStringLiteral("'%1' holds no recording").arg(directory);
+        return;
+    }
+    m_hasMetadata = hasFile && KelRecordingMetadata::load(directory, &m_metadata);
+    if (!m_recorder.loadRecording(directory))
+        m_error = QStringLiteral("'%1' cannot be loaded: %2").arg(directory, MessageLog::firstCritical());
+    else if (!manager()->isValidRecording())
+        m_error = QStringLiteral("'%1' cannot be shown: %2").arg(directory, manager()->errorString());
+}
+
+QString LoadedRecording::warning() const
+{
+    if (!m_hasMetadata) {
+        return QStringLiteral("TrackManager.meta is missing or damaged; assuming %1 frames a second")
+            .arg(m_metadata.fps);
+    }
+    return QString();
+}
+
+KelPlaybackTrackManager *LoadedRecording::manager() const
+{
+    return m_recorder.playbackManager();
+}
+
+int LoadedRecording::logicFrames() const
+{
+    return m_error.isEmpty() ? manager()->totalFrames() : 0;
+}
+
+int LoadedRecording::videoFrames() const
+{
+    return m_error.isEmpty() ? manager()->videoFrameCount() : 0;
+}
+
+QSize LoadedRecording::pixels() const
+{
+    if (!m_error.isEmpty())
+        return QSize();
+    return (QSizeF(manager()->pictureSize()) * manager()->devicePixelRatio()).toSize();
+}
+
+QStringList LoadedRecording::tracksPresent() const
+{
+    QStringList present;
+    for (const char *track : {"Screen", "Mouse", "Keyboard", "Voice"}) {
+        const QDir files(m_directory + QLatin1Char('/') + QLatin1String(track));
+        if (files.exists() && !files.isEmpty(QDir::Files))
+            present.append(QString::fromLatin1(track).toLower());
+    }
+    return present;
+}
+
+qint64 LoadedRecording::bytes() const
+{
+    return directorySize(m_directory);
+}

@@ -1,0 +1,192 @@
+#include "cli/commands/RecordCommand.h"
+
+#include "cli/commands/Arguments.h"
+#include "cli/commands/LoadedRecording.h"
+#include "cli/commands/OptionalTrack.h"
+#include "cli/commands/RecordingSession.h"
+#include "cli/terminal/Console.h"
+#include "common/Units.h"
+
+#include <KelMovie/KelMovieConfig.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QRegularExpression>
+#include <QScreen>
+
+namespace
+{
+
+constexpr int MaxFps = 240;
+constexpr double MinSeconds = 0.1;
+constexpr double MaxSeconds = 7 * 24 * 3600;
+constexpr int MaxCoordinate = 65535; // X11 knows no larger desktop
+
+QString screenList()
+{
+    QStringList list;
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    for (int i = 0; i < screens.size(); ++i)
+        list.append(QStringLiteral("%1 is %2").arg(i).arg(Units::area(screens.at(i)->geometry())));
+    return list.join(QStringLiteral(", "));
+}
+
+/// Null when `given` is no rectangle of at least one pixel.
+QRect parseArea(const QString &given)
+{
+    static const QRegularExpression form(QStringLiteral("^(-?\\d{1,5}),(-?\\d{1,5}),(\\d{1,5})x(\\d{1,5})$"));
+    const QRegularExpressionMatch match = form.match(given);
+    const QRect area(match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt(),
+                     match.captured(4).toInt());
+    const QRect desktop(-MaxCoordinate, -MaxCoordinate, 2 * MaxCoordinate, 2 * MaxCoordinate);
+    return desktop.contains(area) ? area : QRect();
+}
+
+} // namespace
+
+QString RecordCommand::help() const
+{
+    return QStringLiteral(
+        "Records a screen, or a part of one, into a directory.\n"
+        "\n"
+        "Usage: keldock record (--area X,Y,WxH | --screen N) --out DIR [OPTIONS]\n"
+        "\n"
+        "Options:\n"
+        "  --area X,Y,WxH      the rectangle to record, in pixels of the desktop\n"
+        "  --screen N          the whole screen N; 0 is the first\n"
+        "  --out DIR           the directory to record into; it is created, and must not hold a recording yet\n"
+        "  --fps N             frames a second, 1 to 240 (default: 24)\n"
+        "  --duration SECONDS  stop after so long, e.g. 2.5 (default: when you press Ctrl-C)\n"
+        "  --[no-]mouse        the mouse (default: recorded)\n"
+        "  --[no-]keyboard     the keys that are typed, in whichever program: passwords, too (default: not recorded)\n"
+        "  --[no-]system-audio what the computer plays (default: not recorded)\n"
+        "  --[no-]microphone   the microphone (default: not recorded)\n"
+        "  --verbose           show the engine's log on standard error\n"
+        "  --help              this text\n"
+        "\n"
+        "Ctrl-C, a closed terminal and a shutdown end the recording properly. Even a killed one keeps all\n"
+        "but its last moment.\n"
+        "\n"
+        "Examples:\n"
+        "  keldock record --screen 0 --out hello\n"
+        "  keldock record --area 100,80,1280x720 --fps 30 --duration 10 --out hello\n");
+}
+
+QString RecordCommand::parse(const QStringList &arguments)
+{
+    QList<QCommandLineOption> known;
+    for (const char *option : {"area", "screen", "fps", "duration", "out"})
+        known.append(QCommandLineOption(QLatin1String(option), QString(), QStringLiteral("value")));
+    for (const OptionalTrack &track : OptionalTracks) {
+        known.append(QCommandLineOption(QLatin1String(track.option)));
+        known.append(QCommandLineOption(QLatin1String("no-") + QLatin1String(track.option)));
+    }
+    Arguments options(known, arguments);
+    options.positional({});
+    parseWhat(options);
+    parseTracks(options);
+    m_config.fps = options.integer(QStringLiteral("fps"), 1, MaxFps, gKelMovieConfig.recordFps);
+    m_durationMs = qRound64(1000.0 * options.number(QStringLiteral("duration"), MinSeconds, MaxSeconds, 0));
+    m_config.outputDir = options.text(QStringLiteral("out"));
+    if (m_config.outputDir.isEmpty())
+        options.reject(QStringLiteral("--out DIR is missing: say where to record to"));
+    return options.error();
+}
+
+void RecordCommand::parseWhat(Arguments &options)
+{
+    const QString area = options.text(QStringLiteral("area"));
+    const bool hasArea = options.isSet(QStringLiteral("area"));
+    const bool hasScreen = options.isSet(QStringLiteral("screen"));
+    if (hasArea == hasScreen) {
+        options.reject(hasArea ? QStringLiteral("--area and --screen exclude each other")
+                               : QStringLiteral("say what to record: --area X,Y,WxH or --screen N"));
+    }
+    if (hasArea) {
+        m_area = parseArea(area);
+        if (m_area.isEmpty()) {
+            options.reject(QStringLiteral("--area takes X,Y,WxH with a width and height of at least 1, e.g. "
+                                          "100,80,1280x720, not '%1'")
+                               .arg(area));
+        }
+    }
+    m_screen = options.integer(QStringLiteral("screen"), 0, 99, -1);
+}
+
+void RecordCommand::parseTracks(Arguments &options)
+{
+    for (const OptionalTrack &track : OptionalTracks) {
+        const QString name = QLatin1String(track.option);
+        const bool isWanted = options.isSet(name);
+        const bool isUnwanted = options.isSet(QStringLiteral("no-") + name);
+        if (isWanted && isUnwanted)
+            options.reject(QStringLiteral("--%1 and --no-%1 exclude each other").arg(name));
+        m_config.*track.enabled = isWanted || (track.isDefault && !isUnwanted);
+    }
+}
+
+QString RecordCommand::run()
+{
+    QRect area;
+    QString error = findArea(&area);
+    if (error.isEmpty())
+        error = prepareDirectory();
+    if (!error.isEmpty())
+        return error;
+
+    RecordingSession session(area, m_config, m_durationMs);
+    error = session.run();
+    if (session.hasRecorded())
+        Console::print(summaryText());
+    return error;
+}
+
+QString RecordCommand::findArea(QRect *area) const
+{
+    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
+        const QString display = qEnvironmentVariable("DISPLAY");
+        return display.isEmpty()
+                   ? QStringLiteral("there is no screen to record: DISPLAY is not set")
+                   : QStringLiteral("there is no screen to record: cannot connect to display '%1'").arg(display);
+    }
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    if (m_screen >= screens.size())
+        return QStringLiteral("there is no screen %1: %2").arg(m_screen).arg(screenList());
+    *area = m_screen >= 0 ? screens.at(m_screen)->geometry() : m_area;
+    for (const QScreen *screen : screens) {
+        if (screen->geometry().intersects(*area))
+            return QString();
+    }
+    return QStringLiteral("the area %1 lies outside of every screen: %2").arg(Units::area(*area), screenList());
+}
+
+QString RecordCommand::prepareDirectory() const
+{
+    const QString directory = m_config.outputDir;
+    const QFileInfo info(directory);
+    if (info.exists() && !info.isDir())
+        return QStringLiteral("'%1' is not a directory").arg(directory);
+    if (QFileInfo::exists(KelRecordingMetadata::filePath(directory)) ||
+        QFileInfo::exists(directory + QStringLiteral("/Screen")))
+        return QStringLiteral("'%1' holds a recording already; choose another directory").arg(directory);
+    if (!QDir().mkpath(directory))
+        return QStringLiteral("the directory '%1' cannot be created").arg(directory);
+    if (!QFileInfo(directory).isWritable())
+        return QStringLiteral("the directory '%1' cannot be written").arg(directory);
+    return QString();
+}
+
+QString RecordCommand::summaryText() const
+{
+    const LoadedRecording recording(m_config.outputDir);
+    return QStringLiteral("Recorded %1\n"
+                          "  logic frames  %2\n"
+                          "  video frames  %3\n"
+                          "  size          %4\n"
+                          "  directory     %5\n")
+        .arg(Units::seconds(recording.metadata().durationMs))
+        .arg(recording.logicFrames())
+        .arg(recording.videoFrames())
+        .arg(Units::bytes(recording.bytes()), QDir(m_config.outputDir).absolutePath());
+}

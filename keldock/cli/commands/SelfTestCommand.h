@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/commands/Command.h"
+
+/// `keldock selftest`: what the engine can do on this computer, and whether it does.
+class SelfTestCommand : public Command
+{
+public:
+    QString name() const override { return QStringLiteral("selftest"); }
+    QString summary() const override { return QStringLiteral("tell what works on this computer"); }
+    QString help() const override;
+    bool needsDisplay() const override { return true; }
+    QString parse(const QStringList &arguments) override;
+    QString run() override;
+};

@@ -1,0 +1,43 @@
+#include "cli/terminal/Console.h"
+
+#include <console/Terminal.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+void Console::print(const QString &text)
+{
+    Terminal::write(stdout, text);
+}
+
+void Console::printError(const QString &line)
+{
+    std::fflush(stdout); // the order in which things were said matters where both go to one place
+    Terminal::write(stderr, line + QLatin1Char('\n'));
+}
+
+bool Console::flush()
+{
+    return std::fflush(stdout) == 0 && !std::ferror(stdout);
+}
+
+bool Console::isTerminal()
+{
+    return Terminal::isTerminal();
+}
+
+int Console::width()
+{
+    return Terminal::width();
+}
+
+bool Console::showsUnicode()
+{
+    return Terminal::showsUnicode();
+}
+
+void Console::leave(const QString &line)
+{
+    printError(line);
+    std::_Exit(EXIT_FAILURE);
+}

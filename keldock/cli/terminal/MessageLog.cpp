@@ -1,0 +1,60 @@
+#include "cli/terminal/MessageLog.h"
+
+#include "cli/terminal/Console.h"
+
+#include <QtGlobal>
+
+#include <mutex>
+
+namespace
+{
+
+struct State {
+    std::mutex mutex;
+    bool verbose = false;
+    QString firstCritical;
+};
+
+State &state()
+{
+    static State instance;
+    return instance;
+}
+
+/// "[Class] …" of those classes whose warnings are for the person, without that prefix; else empty.
+QString warningToShow(QtMsgType type, const QString &message)
+{
+    for (const char *source : {"[KelKeyMouseHook] ", "[KelCursorPixmap] "}) {
+        if (type == QtWarningMsg && message.startsWith(QLatin1String(source)))
+            return message.mid(int(qstrlen(source)));
+    }
+    return QString();
+}
+
+void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    // Logged from every thread of a recording.
+    std::lock_guard lock(state().mutex);
+    const bool isCritical = type == QtCriticalMsg && qstrcmp(context.category, "default") == 0;
+    if (isCritical && state().firstCritical.isEmpty())
+        state().firstCritical = message;
+    const QString warning = warningToShow(type, message);
+    if (state().verbose || type == QtFatalMsg)
+        Console::printError(message);
+    else if (!warning.isEmpty())
+        Console::printError(QStringLiteral("keldock: ") + warning + QStringLiteral("; going on without"));
+}
+
+} // namespace
+
+void MessageLog::install(bool verbose)
+{
+    state().verbose = verbose;
+    qInstallMessageHandler(handle);
+}
+
+QString MessageLog::firstCritical()
+{
+    std::lock_guard lock(state().mutex);
+    return state().firstCritical;
+}

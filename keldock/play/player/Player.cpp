@@ -1,0 +1,179 @@
+#include "play/player/Player.h"
+
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+// Those that the speed label offers.
+constexpr std::array<double, 8> kSpeeds{0.2, 0.5, 0.8, 1.0, 1.2, 1.5, 1.8, 2.0};
+
+} // namespace
+
+Player::Player(KelPlaybackTrackManager *manager, QObject *parent)
+    : QObject(parent)
+    , m_manager(manager)
+    , m_clock(manager->totalFrames(), manager->fps(), manager->durationMs())
+    , m_rangeEndMs(m_clock.durationMs())
+{
+    // Without an interval, but behind the input that is already there.
+    m_seekTimer.setSingleShot(true);
+    connect(&m_seekTimer, &QTimer::timeout, this, &Player::applySeek);
+    connect(manager, &KelPlaybackTrackManager::sigFrameChanged, this, &Player::followFrame);
+    connect(manager, &KelPlaybackTrackManager::sigPlaybackStarted, this, [this] { emit playingChanged(true); });
+    connect(manager, &KelPlaybackTrackManager::sigPlaybackPaused, this, [this] { emit playingChanged(false); });
+    connect(manager, &KelPlaybackTrackManager::sigPlaybackStopped, this, [this] {
+        emit playingChanged(false);
+        rewind();
+    });
+    connect(manager, &KelPlaybackTrackManager::sigPlaybackSpeedChanged, this, &Player::speedChanged);
+    m_manager->seek(0);
+}
+
+int Player::frame() const
+{
+    return m_wantedFrame >= 0 ? m_wantedFrame : m_manager->currentFrame();
+}
+
+bool Player::isPlaying() const
+{
+    return m_manager->state() == KelPlaybackTrackManager::Playing;
+}
+
+double Player::speed() const
+{
+    return m_manager->speed();
+}
+
+bool Player::isTrimmed() const
+{
+    return m_rangeStartMs > 0 || m_rangeEndMs < m_clock.durationMs();
+}
+
+void Player::setPlaying(bool on)
+{
+    if (on == isPlaying())
+        return;
+    if (!on) {
+        m_manager->pause();
+        return;
+    }
+    if (frame() >= lastFrame())
+        seekToFrame(firstFrame());
+    settle();
+    m_manager->play();
+}
+
+void Player::seekToMs(int ms)
+{
+    seekToFrame(m_clock.frameAt(ms));
+}
+
+void Player::seekToFrame(int frame)
+{
+    m_wantedFrame = std::clamp(frame, firstFrame(), lastFrame());
+    m_seekTimer.start(0);
+}
+
+void Player::stepFrames(int count)
+{
+    setPlaying(false);
+    seekToFrame(frame() + count);
+}
+
+void Player::stepMs(int ms)
+{
+    seekToFrame(frame() + qRound(double(ms) * m_clock.lastFrame() / m_clock.durationMs()));
+}
+
+void Player::beginScrub()
+{
+    m_resumesAfterScrub = isPlaying();
+    setPlaying(false);
+}
+
+void Player::endScrub()
+{
+    settle();
+    if (m_resumesAfterScrub && frame() < lastFrame())
+        setPlaying(true);
+    m_resumesAfterScrub = false;
+}
+
+void Player::setRange(int startMs, int endMs)
+{
+    startMs = std::clamp(startMs, 0, m_clock.durationMs());
+    endMs = std::clamp(endMs, startMs, m_clock.durationMs());
+    if (startMs == m_rangeStartMs && endMs == m_rangeEndMs)
+        return;
+    m_rangeStartMs = startMs;
+    m_rangeEndMs = endMs;
+    emit rangeChanged(startMs, endMs);
+    if (frame() < firstFrame() || frame() > lastFrame())
+        seekToFrame(frame());
+}
+
+void Player::trimStartHere()
+{
+    setRange(positionMs(), std::max(positionMs(), m_rangeEndMs));
+}
+
+void Player::trimEndHere()
+{
+    setRange(std::min(positionMs(), m_rangeStartMs), positionMs());
+}
+
+void Player::setSpeed(double speed)
+{
+    m_manager->setSpeed(speed);
+}
+
+void Player::faster()
+{
+    // A little more than the present one, which may have been rounded.
+    const auto next = std::upper_bound(kSpeeds.begin(), kSpeeds.end(), speed() + 0.01);
+    if (next != kSpeeds.end())
+        setSpeed(*next);
+}
+
+void Player::slower()
+{
+    const auto next = std::lower_bound(kSpeeds.begin(), kSpeeds.end(), speed() - 0.01);
+    if (next != kSpeeds.begin())
+        setSpeed(*(next - 1));
+}
+
+void Player::followFrame(int frame)
+{
+    if (isPlaying() && frame > lastFrame()) {
+        m_manager->pause();
+        rewind();
+        return;
+    }
+    emit pictureChanged();
+    emit positionChanged(m_clock.msOf(frame));
+}
+
+void Player::rewind()
+{
+    seekToFrame(firstFrame());
+    settle();
+}
+
+void Player::settle()
+{
+    m_seekTimer.stop();
+    applySeek();
+}
+
+void Player::applySeek()
+{
+    if (m_wantedFrame < 0)
+        return;
+    const int frame = m_wantedFrame;
+    m_wantedFrame = -1;
+    m_manager->seek(frame, true);
+}

@@ -1,0 +1,24 @@
+#include "audio/capture/CaptureSeams.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+namespace
+{
+/// Short against a device's buffer, and long enough that looking for packets costs next to nothing.
+constexpr unsigned long RestMs = 20;
+} // namespace
+
+CaptureSeams::CaptureSeams()
+    : createEnumerator([](IMMDeviceEnumerator **enumerator) {
+        return CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_ALL, IID_IMMDeviceEnumerator,
+                                reinterpret_cast<void **>(enumerator));
+    })
+    , nowMs([] {
+        QElapsedTimer timer;
+        timer.start();
+        return timer.msecsSinceReference();
+    })
+    , rest([] { QThread::msleep(RestMs); })
+{
+}

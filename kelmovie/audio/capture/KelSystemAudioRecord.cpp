@@ -1,0 +1,135 @@
+#include "audio/capture/KelSystemAudioRecord.h"
+
+#include "recording/wav/WavPartMerger.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+
+#include <utility>
+
+namespace
+{
+constexpr unsigned long StopWaitMs = 3000;
+} // namespace
+
+KelSystemAudioRecord::KelSystemAudioRecord(const QString &outputPath, WasapiCaptureThread::FailureHandler failed,
+                                           QObject *parent, const CaptureSeams &seams)
+    : QObject(parent)
+    , m_outputPath(outputPath)
+    , m_failed(std::move(failed))
+    , m_seams(seams)
+{
+    QDir().mkpath(QFileInfo(outputPath).absolutePath());
+}
+
+KelSystemAudioRecord::~KelSystemAudioRecord()
+{
+    if (m_isRecording)
+        stopRecording();
+    endThread();
+}
+
+bool KelSystemAudioRecord::start(qint64 atMs)
+{
+    if (m_isRecording && !m_isPaused) {
+        qWarning() << "系统音频录制已在运行中";
+        return false;
+    }
+    if (m_isPaused) {
+        resume(atMs);
+        return true;
+    }
+    m_parts.clear();
+    m_partIndex = 0;
+    m_unrecordedMs = 0;
+    m_currentPart = partPath();
+    startThread(momentOf(atMs));
+    m_isRecording = true;
+    return true;
+}
+
+void KelSystemAudioRecord::pause(qint64 atMs)
+{
+    if (!m_isRecording) {
+        qWarning() << "系统音频录制未在运行";
+        return;
+    }
+    const qint64 endMs = momentOf(atMs);
+    if (m_thread)
+        m_thread->pauseAt(endMs);
+    if (!m_thread || !m_thread->isRunning())
+        m_unrecordedMs += endMs - m_partStartMs;
+    if (!m_currentPart.isEmpty()) {
+        m_parts.append(std::exchange(m_currentPart, QString()));
+        ++m_partIndex;
+    }
+    m_isRecording = false;
+    m_isPaused = true;
+}
+
+void KelSystemAudioRecord::resume(qint64 atMs)
+{
+    if (!m_isPaused) {
+        qWarning() << "系统音频录制未处于暂停状态";
+        return;
+    }
+    m_currentPart = partPath();
+    m_partStartMs = momentOf(atMs);
+    if (m_thread && m_thread->isRunning())
+        m_thread->resumeAt(m_partStartMs, m_currentPart);
+    else
+        startThread(m_partStartMs);
+    m_isRecording = true;
+    m_isPaused = false;
+}
+
+void KelSystemAudioRecord::stopRecording()
+{
+    if (m_isRecording)
+        pause();
+    endThread();
+    if (!m_currentPart.isEmpty())
+        m_parts.append(std::exchange(m_currentPart, QString()));
+    if (!m_parts.isEmpty()) {
+        const QString problem = mergePartFiles(m_parts, m_outputPath);
+        if (!problem.isEmpty() && m_failed)
+            m_failed(problem);
+        m_parts.clear();
+        m_partIndex = 0;
+    }
+    m_isRecording = false;
+    m_isPaused = false;
+}
+
+qint64 KelSystemAudioRecord::momentOf(qint64 atMs) const
+{
+    return atMs == Now ? m_seams.nowMs() : atMs;
+}
+
+QString KelSystemAudioRecord::partPath() const
+{
+    return wavPartPath(m_outputPath, m_partIndex);
+}
+
+/// What a capture that died before left unrecorded becomes silence at the head of the part: the sound that follows
+/// keeps its place.
+void KelSystemAudioRecord::startThread(qint64 startMs)
+{
+    endThread();
+    m_partStartMs = startMs;
+    m_thread = new WasapiCaptureThread(m_currentPart, startMs - std::exchange(m_unrecordedMs, 0), m_format, m_seams,
+                                       m_failed, this);
+    m_thread->start(QThread::InheritPriority);
+}
+
+void KelSystemAudioRecord::endThread()
+{
+    if (!m_thread)
+        return;
+    m_thread->requestStop();
+    m_thread->wait(StopWaitMs);
+    m_format = m_thread->format();
+    m_thread->deleteLater();
+    m_thread = nullptr;
+}

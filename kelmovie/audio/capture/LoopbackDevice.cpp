@@ -1,0 +1,116 @@
+#include "audio/capture/LoopbackDevice.h"
+
+#include "audio/capture/CaptureSeams.h"
+
+#include <QDebug>
+
+namespace
+{
+constexpr REFERENCE_TIME BufferDuration = 10'000'000; // one second
+constexpr qint64 CounterUnitsPerMs = 10'000;
+constexpr qint64 OldestPacketMs = 30'000; // no buffer is longer
+
+template <typename Interface>
+void releaseObject(Interface *&object)
+{
+    if (object)
+        object->Release();
+    object = nullptr;
+}
+} // namespace
+
+LoopbackDevice::LoopbackDevice(const CaptureSeams &seams, EDataFlow flow)
+    : m_seams(seams)
+    , m_flow(flow)
+{
+}
+
+LoopbackDevice::~LoopbackDevice()
+{
+    close();
+}
+
+bool LoopbackDevice::open(const CaptureFormat &format)
+{
+    if (FAILED(m_seams.createEnumerator(&m_enumerator)) ||
+        FAILED(m_enumerator->GetDefaultAudioEndpoint(m_flow, eConsole, &m_device)) ||
+        FAILED(m_device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, reinterpret_cast<void **>(&m_client))) ||
+        !initialize(format)) {
+        close();
+        return false;
+    }
+    UINT32 bufferFrames = 0;
+    if (FAILED(m_client->GetBufferSize(&bufferFrames))) {
+        qWarning() << "获取音频缓冲区大小失败";
+        close();
+        return false;
+    }
+    if (FAILED(m_client->GetService(IID_IAudioCaptureClient, reinterpret_cast<void **>(&m_capture)))) {
+        qWarning() << "获取音频捕获客户端失败";
+        close();
+        return false;
+    }
+    return true;
+}
+
+bool LoopbackDevice::initialize(const CaptureFormat &format)
+{
+    m_deviceFormat = format;
+    if (m_deviceFormat.isNull()) {
+        WAVEFORMATEX *mix = nullptr;
+        if (FAILED(m_client->GetMixFormat(&mix)) || !mix)
+            return false;
+        m_deviceFormat = CaptureFormat(*mix);
+        CoTaskMemFree(mix);
+        if (m_deviceFormat.isNull())
+            return false;
+    }
+    const auto accepts = [this](const CaptureFormat &asked) {
+        m_streamFormat = asked;
+        const DWORD flags = m_flow == eRender ? AUDCLNT_STREAMFLAGS_LOOPBACK : 0;
+        return SUCCEEDED(
+            m_client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, BufferDuration, 0, asked.get(), nullptr));
+    };
+    return (m_deviceFormat.isPlainFloat() && accepts(m_deviceFormat.asInt16())) || accepts(m_deviceFormat);
+}
+
+void LoopbackDevice::close()
+{
+    releaseObject(m_capture);
+    releaseObject(m_client);
+    releaseObject(m_device);
+    releaseObject(m_enumerator);
+}
+
+LoopbackDevice::Answer LoopbackDevice::acquire(Packet *packet)
+{
+    BYTE *data = nullptr;
+    UINT32 frames = 0;
+    DWORD flags = 0;
+    UINT64 counterPosition = 0;
+    if (!m_capture || FAILED(m_capture->GetBuffer(&data, &frames, &flags, nullptr, &counterPosition)))
+        return Answer::Gone;
+    if (frames == 0)
+        return Answer::Nothing;
+    m_heldFrames = frames;
+    packet->data = flags & AUDCLNT_BUFFERFLAGS_SILENT ? nullptr : reinterpret_cast<const char *>(data);
+    packet->size = qint64(frames) * m_streamFormat.get()->nBlockAlign;
+    packet->recordedAtMs = plausibleTime(flags, counterPosition, frames);
+    return Answer::Packet;
+}
+
+/// A packet whose time cannot be right was recorded just now.
+qint64 LoopbackDevice::plausibleTime(DWORD flags, UINT64 counterPosition, UINT32 frames) const
+{
+    const qint64 nowMs = m_seams.nowMs();
+    const qint64 statedMs = qint64(counterPosition / CounterUnitsPerMs);
+    if ((flags & AUDCLNT_BUFFERFLAGS_TIMESTAMP_ERROR) != 0 || statedMs > nowMs || statedMs < nowMs - OldestPacketMs)
+        return nowMs - qint64(frames) * 1000 / m_streamFormat.get()->nSamplesPerSec;
+    return statedMs;
+}
+
+void LoopbackDevice::release()
+{
+    m_capture->ReleaseBuffer(m_heldFrames);
+    m_heldFrames = 0;
+}

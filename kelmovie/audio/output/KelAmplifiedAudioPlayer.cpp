@@ -1,0 +1,261 @@
+#include "audio/output/KelAmplifiedAudioPlayer.h"
+
+#include "audio/output/QtAudioSink.h"
+
+#include <QDebug>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+namespace
+{
+
+constexpr int kFeedMs = 20;
+constexpr int kPieceBytes = 8192; // short, so that a new gain is heard soon
+
+} // namespace
+
+KelAmplifiedAudioPlayer::KelAmplifiedAudioPlayer(QObject *parent)
+    : KelAmplifiedAudioPlayer([](const QAudioFormat &format) { return std::make_unique<QtAudioSink>(format); }, parent)
+{
+}
+
+KelAmplifiedAudioPlayer::KelAmplifiedAudioPlayer(AudioSink::Factory createSink, QObject *parent)
+    : QObject(parent)
+    , m_createSink(std::move(createSink))
+{
+    m_feedTimer.setInterval(kFeedMs);
+    m_feedTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_feedTimer, &QTimer::timeout, this, &KelAmplifiedAudioPlayer::tick);
+}
+
+KelAmplifiedAudioPlayer::~KelAmplifiedAudioPlayer()
+{
+    if (m_sink)
+        m_sink->disconnect(this);
+}
+
+bool KelAmplifiedAudioPlayer::setSource(const QString &path)
+{
+    if (path.isEmpty())
+        return fail("File path is empty");
+    if (!QFileInfo::exists(path))
+        return fail("File does not exist: " + path);
+    stop();
+    moveTo(0);
+    closeDevice();
+    m_gain.jumpToTarget();
+    m_gain.resetLevel();
+    m_isUnreadable = false;
+    return loadWavFile(path);
+}
+
+bool KelAmplifiedAudioPlayer::loadWavFile(const QString &path)
+{
+    if (!m_file.open(path))
+        return fail(m_file.errorString());
+    emit durationChanged(duration());
+    return true;
+}
+
+void KelAmplifiedAudioPlayer::play()
+{
+    if (!m_file.isOpen()) {
+        fail("No audio source set");
+        return;
+    }
+    if (m_isPlaying || !openDevice())
+        return;
+    setPlaying(true);
+    processAudioData();
+    emit stateChanged(true);
+}
+
+void KelAmplifiedAudioPlayer::pause()
+{
+    if (!m_isPlaying)
+        return;
+    setPlaying(false);
+    moveTo(std::max(heardFrame(), 0.0));
+    emit stateChanged(false);
+}
+
+void KelAmplifiedAudioPlayer::stop()
+{
+    if (!m_isPlaying && position() == 0)
+        return;
+    setPlaying(false);
+    moveTo(0);
+    emit stateChanged(false);
+    emit positionChanged(0);
+}
+
+void KelAmplifiedAudioPlayer::seek(qint64 ms)
+{
+    if (!m_file.isOpen())
+        return;
+    const bool wasPlaying = m_isPlaying;
+    pause();
+    const qint64 target = std::clamp<qint64>(ms, 0, duration());
+    moveTo(double(m_file.format().sampleRate() * target / 1000));
+    emit positionChanged(target);
+    if (wasPlaying)
+        play();
+}
+
+void KelAmplifiedAudioPlayer::setGain(double gain)
+{
+    m_gain.setTarget(gain);
+}
+
+void KelAmplifiedAudioPlayer::setMuted(bool on)
+{
+    m_gain.setMuted(on);
+    if (m_sink)
+        m_sink->setVolume(on ? 0.0 : 1.0);
+}
+
+void KelAmplifiedAudioPlayer::setRate(double rate)
+{
+    if (!(rate > 0) || std::isinf(rate) || rate == m_rate)
+        return;
+    m_first = nextFrame();
+    m_made = 0;
+    m_rate = rate;
+}
+
+double KelAmplifiedAudioPlayer::exactPosition() const
+{
+    if (!m_file.isOpen())
+        return 0;
+    return std::clamp(heardFrame(), 0.0, double(m_file.frameCount())) * 1000.0 / m_file.format().sampleRate();
+}
+
+/// The frame of the file that leaves the device's buffer; past the end of the file when silence follows it.
+double KelAmplifiedAudioPlayer::heardFrame() const
+{
+    const int buffered = m_sink ? m_sink->bytesBuffered() : 0;
+    const int unheard = (m_pending.size() + buffered) / std::max(m_file.frameBytes(), 1);
+    return nextFrame() - unheard * m_rate;
+}
+
+void KelAmplifiedAudioPlayer::onAudioOutputStateChanged(QAudio::State state)
+{
+    if (!m_isPlaying)
+        return;
+    if (state == QAudio::IdleState && m_pending.isEmpty() && nextFrame() >= double(m_file.frameCount())) {
+        stop();
+    } else if (state == QAudio::StoppedState && m_sink->error() != QAudio::NoError) {
+        const QAudio::Error error = m_sink->error();
+        setPlaying(false);
+        moveTo(std::max(heardFrame(), 0.0));
+        fail(QString("Audio output error: %1").arg(int(error)));
+        emit stateChanged(false);
+    }
+}
+
+void KelAmplifiedAudioPlayer::processAudioData()
+{
+    if (!m_isPlaying || !m_sink)
+        return;
+    // Never more than there is room for: writing to a device that just went away does harm.
+    int budget = m_sink->bytesFree();
+    while (budget > 0) {
+        if (m_pending.isEmpty())
+            m_pending = nextPiece();
+        const qint64 written = m_sink->write(m_pending.constData(), std::min(budget, m_pending.size()));
+        if (written < 0)
+            qWarning() << "KelAmplifiedAudioPlayer: Error writing audio data:" << written;
+        if (written <= 0)
+            return;
+        m_pending.remove(0, int(written));
+        budget -= int(written);
+    }
+}
+
+/// The file's frames at the present rate, amplified. Silence follows the file, because a device may begin only when
+/// its buffer is full, and would never play a short rest.
+QByteArray KelAmplifiedAudioPlayer::nextPiece()
+{
+    const QAudioFormat &format = m_file.format();
+    const int frameBytes = m_file.frameBytes();
+    const int frames = std::max(kPieceBytes / frameBytes, 1);
+    const bool isOffset = format.sampleType() == QAudioFormat::UnSignedInt;
+    QByteArray piece(frames * frameBytes, isOffset ? char(0x80) : char(0));
+    for (int i = 0; i < frames; ++i, ++m_made) {
+        const auto source = qint64(nextFrame());
+        if (source >= m_file.frameCount())
+            continue;
+        if (const char *frame = m_file.frame(source)) {
+            std::memcpy(piece.data() + i * frameBytes, frame, size_t(frameBytes));
+        } else if (!m_isUnreadable) {
+            m_isUnreadable = true;
+            qWarning() << "KelAmplifiedAudioPlayer: Failed to seek in file";
+        }
+    }
+    m_gain.apply(format, &piece);
+    return piece;
+}
+
+void KelAmplifiedAudioPlayer::tick()
+{
+    if (isOver()) {
+        stop();
+        return;
+    }
+    emit positionChanged(position());
+    processAudioData();
+}
+
+bool KelAmplifiedAudioPlayer::openDevice()
+{
+    if (!m_sink) {
+        m_sink = m_createSink(m_file.format());
+        connect(m_sink.get(), &AudioSink::stateChanged, this, &KelAmplifiedAudioPlayer::onAudioOutputStateChanged);
+        connect(m_sink.get(), &AudioSink::notify, this, &KelAmplifiedAudioPlayer::processAudioData);
+    }
+    m_sink->setVolume(m_gain.isMuted() ? 0.0 : 1.0);
+    const bool wasMissing = std::exchange(m_isDeviceMissing, !m_sink->start());
+    if (m_isDeviceMissing && !wasMissing)
+        fail("Failed to start audio output device");
+    return !m_isDeviceMissing;
+}
+
+void KelAmplifiedAudioPlayer::closeDevice()
+{
+    if (!m_sink)
+        return;
+    m_sink->disconnect(this);
+    m_sink->stop();
+    m_sink.release()->deleteLater(); // perhaps this is called out of one of its signals
+}
+
+void KelAmplifiedAudioPlayer::setPlaying(bool on)
+{
+    m_isPlaying = on;
+    if (on)
+        m_feedTimer.start();
+    else
+        m_feedTimer.stop();
+}
+
+/// What the device still holds belongs to another place and is dropped.
+void KelAmplifiedAudioPlayer::moveTo(double frame)
+{
+    if (m_sink)
+        m_sink->stop();
+    m_pending.clear();
+    m_first = frame;
+    m_made = 0;
+}
+
+bool KelAmplifiedAudioPlayer::fail(const QString &text)
+{
+    m_errorString = text;
+    qWarning().noquote() << "[KelAmplifiedAudioPlayer]" << text;
+    emit errorOccurred(text);
+    return false;
+}

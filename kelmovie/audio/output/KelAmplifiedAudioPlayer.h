@@ -1,0 +1,93 @@
+#pragma once
+
+#include "audio/output/AudioGain.h"
+#include "audio/output/AudioSink.h"
+#include "recording/wav/WavPlaybackFile.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <memory>
+
+/// Plays one WAV file, amplified if asked to, at any rate. Reads the file while it plays. The sound device is opened
+/// by the first play(), so that a recording that is only looked at needs none.
+///
+///     no source ──setSource──▶ stopped ──play──▶ playing ──pause──▶ paused
+///                                 ▲                │  ▲               │
+///                                 └──stop, end─────┤  └─────play──────┤
+///                                                  └◀─────stop────────┘
+///
+/// A failure is kept in errorString(), logged, and emitted. Positions are ms of the file. One thread with an event
+/// loop.
+class KelAmplifiedAudioPlayer : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit KelAmplifiedAudioPlayer(QObject *parent = nullptr);
+    /// With other sound devices.
+    explicit KelAmplifiedAudioPlayer(AudioSink::Factory createSink, QObject *parent = nullptr);
+    ~KelAmplifiedAudioPlayer() override;
+
+    bool setSource(const QString &path);
+    void play();
+    void pause();
+    void stop();
+    /// Goes on playing there if it plays. Bounded to the file.
+    void seek(qint64 ms);
+
+    /// A factor from 0 to 5.
+    void setGain(double gain);
+    void setMuted(bool on);
+    /// Ms of the file played in one ms, above 0. Changes the pitch: frames are left out or repeated.
+    void setRate(double rate);
+
+    bool isPlaying() const { return m_isPlaying; }
+    /// What is being heard, as far as the device tells.
+    qint64 position() const { return qRound64(exactPosition()); }
+    double exactPosition() const;
+    qint64 duration() const { return m_file.durationMs(); }
+    double rate() const { return m_rate; }
+    float level() const { return m_gain.level(); }
+    QString errorString() const { return m_errorString; }
+
+signals:
+    void positionChanged(qint64 position);
+    void durationChanged(qint64 duration);
+    void stateChanged(bool playing);
+    void errorOccurred(const QString &error);
+
+public slots:
+    void onAudioOutputStateChanged(QAudio::State state);
+    /// Fills the device's buffer.
+    void processAudioData();
+
+private:
+    bool loadWavFile(const QString &path);
+    bool openDevice();
+    void closeDevice();
+    void setPlaying(bool on);
+    void moveTo(double frame);
+    double nextFrame() const { return m_first + double(m_made) * m_rate; }
+    double heardFrame() const;
+    bool isOver() const { return heardFrame() >= double(m_file.frameCount()); }
+    QByteArray nextPiece();
+    void tick();
+    bool fail(const QString &text);
+
+    const AudioSink::Factory m_createSink;
+    std::unique_ptr<AudioSink> m_sink;
+    WavPlaybackFile m_file;
+    QString m_errorString;
+    AudioGain m_gain;
+    QTimer m_feedTimer;
+    QByteArray m_pending; ///< made and not yet taken by the device
+    double m_first = 0;   ///< frame of the file with which the present rate began
+    qint64 m_made = 0;    ///< frames made since
+    double m_rate = 1.0;
+    bool m_isPlaying = false;
+    bool m_isDeviceMissing = false; ///< and it was said
+    bool m_isUnreadable = false;    ///< and it was said
+};

@@ -1,0 +1,51 @@
+#include "audio/processing/TrimmedAudio.h"
+
+#include "avcodec/mp4/h264Encoder.h"
+#include "avcodec/sound/MixAudioVideoTracks.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QTemporaryDir>
+
+namespace
+{
+
+/// A video of one black dot, because a mix needs a video. Empty on failure.
+QString createMinimalVideo(const QString &path)
+{
+    constexpr int fps = 1;
+    constexpr int quality = 50;
+    h264Encoder encoder({QSize(1, 1), QImage::Format_ARGB32_Premultiplied, path, fps, quality});
+    if (!encoder.isValid()) {
+        qWarning() << "Failed to create minimal video encoder";
+        return QString();
+    }
+    QImage dot(1, 1, QImage::Format_ARGB32_Premultiplied);
+    dot.fill(Qt::black);
+    encoder.addFrame(0, dot);
+    return encoder.close() && QFileInfo(path).size() > 0 ? path : QString();
+}
+
+} // namespace
+
+QString createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath)
+{
+    // A directory of our own: nobody can have put a link or another file in the place of the video.
+    const QTemporaryDir temporary(QDir::tempPath() + "/kel_minimal_video_XXXXXX");
+    const QString video =
+        temporary.isValid() ? createMinimalVideo(temporary.filePath("kel_minimal_video_for_audio.mp4")) : QString();
+    if (video.isEmpty()) {
+        qWarning() << "Failed to create minimal video file for audio trimming";
+        return QString();
+    }
+    AudioTrack track;
+    track.path = audioPath;
+    track.startMs = startMs;
+    track.endMs = endMs;
+    if (MixAudioVideoTracks(video, {track}, outputPath))
+        return outputPath;
+    qWarning() << "Failed to create trimmed audio file";
+    return QString();
+}

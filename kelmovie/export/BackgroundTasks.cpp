@@ -1,0 +1,37 @@
+#include "export/BackgroundTasks.h"
+
+#include <QCoreApplication>
+
+#include <future>
+#include <utility>
+
+namespace
+{
+
+std::shared_future<void> lastTask;
+
+void waitForTasks()
+{
+    lastTask = {};
+}
+
+} // namespace
+
+void BackgroundTasks::run(std::function<void()> task)
+{
+    if (!lastTask.valid())
+        qAddPostRoutine(waitForTasks);
+    lastTask = std::async(std::launch::async, [before = std::move(lastTask), task = std::move(task)]() mutable {
+                   if (before.valid())
+                       before.wait();
+                   before = {};
+                   task();
+                   task = nullptr; // what it holds goes now
+               }).share();
+}
+
+void BackgroundTasks::wait(std::chrono::milliseconds limit)
+{
+    if (lastTask.valid())
+        lastTask.wait_for(limit);
+}

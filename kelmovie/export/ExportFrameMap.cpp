@@ -1,0 +1,48 @@
+#include "export/ExportFrameMap.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+constexpr double kMaxOutputFrames = 1e15;
+
+/// The logic frame at `ms` of a recording. Unless asked otherwise, the product has 32 bits and wraps for long
+/// recordings with many frames: kept on purpose, so that a range gives the same frames that it always gave.
+int frameAtMs(int ms, const ExportFrameMap::Recording &recording, bool isExact)
+{
+    const int lastFrame = recording.totalFrames - 1;
+    const qint64 exact = qint64(ms) * lastFrame;
+    const qint64 product = isExact ? exact : qint32(quint32(exact));
+    return int(std::clamp<qint64>(product / recording.durationMs, 0, lastFrame));
+}
+
+} // namespace
+
+ExportFrameMap::ExportFrameMap(const Recording &recording, const Output &output)
+{
+    Recording known = recording;
+    // A recording whose metadata is lost still has its frames. The recording clock ticks in whole milliseconds.
+    if (known.durationMs < 1 && known.totalFrames > 1)
+        known.durationMs = qint64(known.totalFrames) * std::max(1000 / known.fps, 1);
+
+    int endFrame = known.totalFrames - 1;
+    qint64 spanMs = known.durationMs;
+    if (output.trimStartMs >= 0 && output.trimEndMs >= 0 && known.durationMs >= 1) {
+        m_startFrame = frameAtMs(output.trimStartMs, known, output.trimsLongRecordings);
+        endFrame = frameAtMs(output.trimEndMs, known, output.trimsLongRecordings);
+        spanMs = qint64(output.trimEndMs) - output.trimStartMs;
+        m_isRange = true;
+    }
+    m_frameSpan = endFrame - m_startFrame;
+    const double frames = double(spanMs) / output.speed * output.fps / 1000.0;
+    m_outputFrames = qint64(std::clamp(frames, 1.0, kMaxOutputFrames));
+}
+
+int ExportFrameMap::logicFrame(qint64 i) const
+{
+    const double position = m_outputFrames > 1 ? double(i) * m_frameSpan / double(m_outputFrames - 1) : 0.0;
+    const int offset = int(std::floor(position + 0.5));
+    return m_startFrame + std::max(std::min(offset, m_frameSpan), 0);
+}

@@ -1,0 +1,85 @@
+#include "export/KelExportSound.h"
+
+#include "audio/output/AudioGain.h"
+#include "avcodec/sound/MixAudioVideoTracks.h"
+#include "playback/tracks/KelPlaybackVoiceTrack.h"
+
+#include <QDebug>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr double kAdjustingShare = 0.1; // of the work; encoding takes the most
+
+} // namespace
+
+KelExportSound::KelExportSound(const KelPlaybackVoiceTrack *voice, const QString &voiceDir, const Range &range,
+                               const QString &temporaryDir)
+    : m_range(range)
+    , m_temporaryDir(temporaryDir)
+{
+    const auto add = [&](bool isHeard, double gain, const QString &name) {
+        const QString file = isHeard && gain > 0.0 ? KelPlaybackVoiceTrack::findFile(voiceDir, name) : QString();
+        if (!file.isEmpty())
+            m_sources.append({file, std::min(gain, AudioGain::Max)});
+    };
+    if (!voice)
+        return;
+    add(voice->hasSystemAudio() && voice->isSystemAudioEnabled() && !voice->isSystemAudioMuted(),
+        voice->systemAudioVolume() * voice->systemAudioGain(), "system_audio");
+    add(voice->hasMicrophone() && voice->isMicrophoneEnabled() && !voice->isMicrophoneMuted(),
+        voice->microphoneVolume() * voice->microphoneGain(), "microphone");
+}
+
+bool KelExportSound::addTo(const QString &video, const QString &output)
+{
+    QList<AudioTrack> tracks;
+    for (const Source &source : qAsConst(m_sources))
+        tracks.append(trackOf(source));
+    const double done = m_share;
+    const auto progress = [&](double share) {
+        m_share = done + (1.0 - done) * share;
+        return !m_isCancelled;
+    };
+    return MixAudioVideoTracks(video, tracks, output, progress, &m_errorString);
+}
+
+void KelExportSound::cancel()
+{
+    m_isCancelled = true;
+    m_processor.cancel();
+}
+
+AudioTrack KelExportSound::trackOf(const Source &source)
+{
+    AudioTrack track;
+    track.gain = source.gain;
+    track.path = speedAdjustedAudio(source.file, m_range.speed);
+    track.startMs = m_range.startMs;
+    track.endMs = m_range.endMs;
+    if (track.path != source.file)
+        track.speed = m_range.speed; // the range is in recording time, wherever the file has it
+    return track;
+}
+
+/// The file at another speed, or the same file where that is impossible.
+QString KelExportSound::speedAdjustedAudio(const QString &path, double speed)
+{
+    if (qFuzzyCompare(speed, 1.0))
+        return path;
+    const QString adjusted = QString("%1/speed_adjusted_%2_%3.wav")
+                                 .arg(m_temporaryDir, QString::number(speed, 'f', 1), QFileInfo(path).baseName());
+    const double before = m_share;
+    const auto note = [&](int percent) { m_share = before + kAdjustingShare / m_sources.size() * percent / 100; };
+    const auto connection = QObject::connect(&m_processor, &KelAudioSpeedProcessor::progressChanged, note);
+    const bool isAdjusted = m_processor.processAudio(path, speed, adjusted);
+    QObject::disconnect(connection);
+    if (isAdjusted)
+        return adjusted;
+    if (!m_isCancelled)
+        qWarning().noquote() << "[KelExportSound] Sound stays at its own speed:" << m_processor.errorMessage();
+    return path;
+}

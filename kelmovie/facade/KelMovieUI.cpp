@@ -1,0 +1,26 @@
+#include "facade/KelMovieUI.h"
+
+#include "audio/processing/TrimmedAudio.h"
+#include "facade/KelMultiTrackRecorder.h"
+
+KelMovieUI::KelMovieUI(QObject *parent)
+    : QObject(parent)
+{
+}
+
+KelMovieUI::~KelMovieUI() = default;
+
+KelMultiTrackRecorder *KelMovieUI::createMultiTrackRecorder()
+{
+    return new KelMultiTrackRecorder(this);
+}
+
+QString KelMovieUI::createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath)
+{
+    return ::createTrimmedAudioFile(audioPath, startMs, endMs, outputPath);
+}
+
+QString KelMovieUI::version()
+{
+    return QStringLiteral("2.0.0-multitrack");
+}

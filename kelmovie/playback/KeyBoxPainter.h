@@ -1,8 +1,0 @@
-#pragma once
-
-#include "playback/KeyBoxLayout.h"
-
-class QPainter;
-
-/// Paints a box sharply, whatever the painter's scale.
-void paintKeyBox(QPainter &painter, const KeyBoxLayout &layout, const KeyOverlayStyle &style);

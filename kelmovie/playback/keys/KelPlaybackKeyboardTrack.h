@@ -1,0 +1,61 @@
+#pragma once
+
+#include "playback/keys/KeyDisplayList.h"
+#include "playback/keys/KeyOverlayStyle.h"
+#include "playback/tracks/KelPlaybackTrack.h"
+#include "recording/input/KeyRecordingReader.h"
+
+#include <QSize>
+
+#include <vector>
+
+/// Shows typed keys over the picture: what is being typed and a short history of it, as boxes stacked upwards from the
+/// bottom edge.
+class KelPlaybackKeyboardTrack : public KelPlaybackTrack
+{
+    Q_OBJECT
+
+public:
+    /// Loads the keys in `directory`; on failure errorString() says why. `pixelRatio`: picture pixels per pixel of a
+    /// 96-dpi desktop; no box leaves the `picture`, where its size is known. With its own style the track shows
+    /// nothing: see setStyle().
+    KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio, const QSize &picture,
+                             KelPlaybackTrackManager *manager);
+
+    /// The frame shown stays, in the new style.
+    void setStyle(const KeyOverlayStyle &style);
+    const KeyOverlayStyle &style() const { return m_style; }
+    /// What is displayed at every frame.
+    const KeyDisplayList &displayList() const { return m_list; }
+
+    /// Frame 0 shows nothing.
+    void seekToFrame(int frame) override;
+    bool moveToFrame(int frame) override;
+    void paint(QPainter *painter) override;
+    /// The next frame at which something is displayed, -1 also when nothing is shown now.
+    int nextKeyFrame() override;
+    bool isVisible() override;
+    /// Shows nothing until the next seek.
+    void resetHistory();
+
+private:
+    /// What paint() draws, bottom to top.
+    struct Shown {
+        const KeyDisplayItem *current = nullptr; // null: none
+        std::vector<const KeyDisplayItem *> past;
+
+        bool looksLike(const Shown &other) const;
+    };
+
+    void build();
+    Shown shown() const;
+
+    KeyRecording m_recording;
+    const int m_totalFrames;
+    const double m_scale;
+    QSize m_canvas;
+    KeyOverlayStyle m_style;
+    KeyDisplayList m_list;
+    int m_frame = 0;
+    int m_entry = -1; // the one shown, -1 for none
+};

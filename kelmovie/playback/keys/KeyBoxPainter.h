@@ -1,0 +1,8 @@
+#pragma once
+
+#include "playback/keys/KeyBoxLayout.h"
+
+class QPainter;
+
+/// Paints a box sharply, whatever the painter's scale.
+void paintKeyBox(QPainter &painter, const KeyBoxLayout &layout, const KeyOverlayStyle &style);

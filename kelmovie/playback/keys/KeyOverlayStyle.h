@@ -1,0 +1,22 @@
+#pragma once
+
+#include "playback/keys/KeyDisplayListBuilder.h"
+
+#include <QColor>
+#include <QFont>
+
+/// How typed keys are shown. Pixels are those of a 96-dpi desktop.
+struct KeyOverlayStyle {
+    /// Where the boxes are stacked; any other number is BottomCenter.
+    enum Position { BottomCenter = 1, BottomLeft = 2, BottomRight = 3 };
+
+    QFont font;
+    int fontSizePx = 16;
+    int historyFontSizePx = 16;
+    QColor fontColor{255, 255, 255, 255};
+    QColor bgColor{0, 0, 0, 180};
+    KeyDisplayListBuilder::Limits limits;
+    int displayPos = BottomCenter;
+    int showKeyType = 0; ///< bits of KeyDisplayItem::Type
+    bool enabled = true;
+};

@@ -1,0 +1,100 @@
+#include "playback/mouse/ClickList.h"
+
+#include "recording/input/MouseRecordReader.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr qint64 kLongPressMs = 500;
+
+struct TimedClick {
+    MouseClick click;
+    qint64 timestamp;
+};
+
+MouseButton buttonOf(const std::string &name)
+{
+    if (name == "left")
+        return MouseButton::Left;
+    if (name == "right")
+        return MouseButton::Right;
+    return name == "middle" ? MouseButton::Middle : MouseButton::Other;
+}
+
+void append(std::vector<TimedClick> &clicks, const MouseRecord &record)
+{
+    MouseClick click;
+    if (record.action == "release")
+        click.action = MouseClick::Action::Release;
+    else if (record.action == "wheel")
+        click.action = MouseClick::Action::Wheel;
+    else if (record.action != "click")
+        return;
+    click.button = buttonOf(record.button);
+    click.frame = record.frame;
+    click.position = QPoint(record.x, record.y);
+    click.delta = record.delta;
+    clicks.push_back({click, record.timestamp});
+}
+
+/// Gives each click the first release of its button that comes later, both in the file and in time. Walked from the
+/// end, so that the releases that are still to come are known; of those only the ones count that no nearer release
+/// with the same or a later frame stands in front of. Their frames fall, the nearest release comes last. Where none is
+/// later in time, a quick tap has had its release within its own frame.
+void pair(std::vector<TimedClick> &clicks)
+{
+    std::array<std::vector<const TimedClick *>, 4> releases;
+    for (auto entry = clicks.rbegin(); entry != clicks.rend(); ++entry) {
+        MouseClick &click = entry->click;
+        auto &later = releases[std::size_t(click.button)];
+        if (click.action == MouseClick::Action::Release) {
+            while (!later.empty() && later.back()->click.frame <= click.frame)
+                later.pop_back();
+            later.push_back(&*entry);
+        } else if (click.action == MouseClick::Action::Click) {
+            const auto end = std::partition_point(later.begin(), later.end(), [&](const TimedClick *release) {
+                return release->click.frame > click.frame;
+            });
+            const TimedClick *release = nullptr;
+            if (end != later.begin())
+                release = *std::prev(end);
+            else if (!later.empty() && later.back()->click.frame == click.frame)
+                release = later.back();
+            if (!release || release->timestamp < 1)
+                continue;
+            click.isPaired = true;
+            click.releaseFrame = release->click.frame;
+            click.isLong = click.releaseFrame > click.frame && release->timestamp - entry->timestamp >= kLongPressMs;
+        }
+    }
+}
+
+} // namespace
+
+bool ClickList::load(const QString &path)
+{
+    *this = ClickList();
+    std::vector<TimedClick> clicks;
+    if (!readMouseRecords(path, [&](const MouseRecord &record) { append(clicks, record); }))
+        return false;
+    pair(clicks);
+    m_clicks.reserve(clicks.size());
+    for (const TimedClick &entry : clicks) {
+        m_clicks.push_back(entry.click);
+        int &first = m_firstPress[std::size_t(entry.click.button)];
+        if (entry.click.action == MouseClick::Action::Click)
+            first = std::min(first, entry.click.frame);
+    }
+    std::stable_sort(m_clicks.begin(), m_clicks.end(),
+                     [](const MouseClick &a, const MouseClick &b) { return a.frame < b.frame; });
+    return true;
+}
+
+ClickList::Range ClickList::between(int after, int last) const
+{
+    const auto isAfter = [](int frame, const MouseClick &click) { return frame < click.frame; };
+    const auto first = std::upper_bound(m_clicks.begin(), m_clicks.end(), after, isAfter);
+    return {first, std::upper_bound(first, m_clicks.end(), last, isAfter)};
+}

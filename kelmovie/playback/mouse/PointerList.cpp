@@ -1,0 +1,73 @@
+#include "playback/mouse/PointerList.h"
+
+#include "recording/input/MouseRecordReader.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int kMaxX = 2000;
+constexpr int kMaxY = 1500;
+
+bool isHidden(const MouseRecord &record)
+{
+    return record.action == "hide" || (record.x == -1 && record.y == -1) ||
+           (record.x >= 0 && record.y >= 0 && (record.x > kMaxX || record.y > kMaxY));
+}
+
+} // namespace
+
+bool PointerList::load(const QString &path)
+{
+    *this = PointerList();
+    const bool isWhole = readMouseRecords(path, [this](const MouseRecord &record) { append(record); });
+    if (!isWhole)
+        *this = PointerList();
+    m_samples.shrink_to_fit();
+    std::sort(m_coveredFrames.begin(), m_coveredFrames.end());
+    m_cursorNumbers.clear();
+    return isWhole;
+}
+
+/// A record covers all before it that are not earlier in time: whatever frame is asked for, none of them is the last
+/// that fits. Only their frames still count, as frames in which something changed.
+void PointerList::append(const MouseRecord &record)
+{
+    while (!m_samples.empty() && m_samples.back().frame >= record.frame) {
+        if (m_samples.back().frame > record.frame)
+            m_coveredFrames.push_back(m_samples.back().frame);
+        m_samples.pop_back();
+    }
+    const int cursor = isHidden(record) ? hidden : cursorNumber(record.cursor);
+    m_samples.push_back({record.frame, QPoint(record.x, record.y), cursor});
+}
+
+int PointerList::cursorNumber(const std::string &id)
+{
+    const auto [entry, isNew] = m_cursorNumbers.try_emplace(id, m_cursorIds.size());
+    if (isNew)
+        m_cursorIds.append(QString::fromStdString(id));
+    return entry->second;
+}
+
+std::vector<PointerList::Sample>::const_iterator PointerList::after(int frame) const
+{
+    return std::upper_bound(m_samples.begin(), m_samples.end(), frame,
+                            [](int wanted, const Sample &sample) { return wanted < sample.frame; });
+}
+
+const PointerList::Sample *PointerList::at(int frame) const
+{
+    const auto next = after(frame);
+    return next == m_samples.begin() ? nullptr : &*std::prev(next);
+}
+
+int PointerList::nextFrame(int frame) const
+{
+    const auto sample = after(frame);
+    const auto covered = std::upper_bound(m_coveredFrames.begin(), m_coveredFrames.end(), frame);
+    if (covered == m_coveredFrames.end())
+        return sample == m_samples.end() ? -1 : sample->frame;
+    return sample == m_samples.end() ? *covered : std::min(sample->frame, *covered);
+}

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "audio/output/AudioSync.h"
+#include "playback/tracks/KelPlaybackTrack.h"
+
+#include <QString>
+
+#include <array>
+#include <functional>
+
+class KelAmplifiedAudioPlayer;
+struct KelPlaybackSeams;
+
+/// The sound of a recording: one player for what the computer played, one for the microphone. It paints nothing, and is
+/// told the time: positions are ms of recorded time. A source that cannot be loaded is left out; without a sound device
+/// the track stays silent and says so once.
+class KelPlaybackVoiceTrack : public KelPlaybackTrack
+{
+    Q_OBJECT
+
+public:
+    /// Loads the newest file of each source in `directory`.
+    KelPlaybackVoiceTrack(const QString &directory, KelPlaybackTrackManager *manager);
+    /// Only of the sources that were recorded, with other sound devices and another clock.
+    KelPlaybackVoiceTrack(const QString &directory, bool systemAudio, bool microphone, const KelPlaybackSeams &seams,
+                          KelPlaybackTrackManager *manager);
+    ~KelPlaybackVoiceTrack() override;
+
+    void seekToFrame(int frame) override;
+    void paint(QPainter *painter) override;
+    int nextKeyFrame() override;
+
+    /// The file in `directory` that holds the source "system_audio" or "microphone"; empty when there is none.
+    static QString findFile(const QString &directory, const QString &name);
+
+    /// Moves the sound, unless it is less than 50 ms away from where it is.
+    void seekToMs(qint64 ms);
+    /// Starts or resumes at `ms`, with `rate` ms of recorded time in each ms.
+    void play(double ms, double rate);
+    /// While playing: what should be heard now. Keeps the sound there.
+    void synchronize(double ms);
+    void pause();
+    /// Ends playing and goes back to the beginning.
+    void stop();
+    /// Lets go of the sound device and the files; nothing is heard any more.
+    void release();
+
+    // Of each source: whether there is a file that can be played, and the settings. Volume and gain are factors, which
+    // multiply; what a setter changes is heard at once.
+    bool hasSystemAudio() const { return m_system.player != nullptr; }
+    bool isSystemAudioEnabled() const { return m_system.isEnabled; }
+    bool isSystemAudioMuted() const { return m_system.isMuted; }
+    double systemAudioVolume() const { return m_system.volume; }
+    double systemAudioGain() const { return m_system.gain; }
+    void setSystemAudioEnabled(bool on) { setEnabled(m_system, on); }
+    void setSystemAudioMuted(bool on) { setMuted(m_system, on); }
+    void setSystemAudioVolume(double volume) { setLevel(m_system, volume, m_system.gain); }
+    void setSystemAudioGain(double gain) { setLevel(m_system, m_system.volume, gain); }
+
+    bool hasMicrophone() const { return m_microphone.player != nullptr; }
+    bool isMicrophoneEnabled() const { return m_microphone.isEnabled; }
+    bool isMicrophoneMuted() const { return m_microphone.isMuted; }
+    double microphoneVolume() const { return m_microphone.volume; }
+    double microphoneGain() const { return m_microphone.gain; }
+    void setMicrophoneEnabled(bool on) { setEnabled(m_microphone, on); }
+    void setMicrophoneMuted(bool on) { setMuted(m_microphone, on); }
+    void setMicrophoneVolume(double volume) { setLevel(m_microphone, volume, m_microphone.gain); }
+    void setMicrophoneGain(double gain) { setLevel(m_microphone, m_microphone.volume, gain); }
+
+    /// How loud each source is being played, its settings applied; 1.0 is full scale.
+    float systemAudioLevel() const { return levelOf(m_system); }
+    float microphoneLevel() const { return levelOf(m_microphone); }
+
+signals:
+    /// There is no sound device, or there is none any more: once, until there has been one again.
+    void deviceFailed();
+
+public slots:
+    void onSystemAudioPositionChanged(qint64 position);
+    void onMicrophonePositionChanged(qint64 position);
+
+private:
+    struct Source {
+        QString path;
+        KelAmplifiedAudioPlayer *player = nullptr; ///< a child; null when there is no file that can be played
+        AudioSync sync;
+        bool isEnabled = true;
+        bool isMuted = false;
+        double volume = 1.0;
+        double gain = 1.0;
+
+        bool isActive() const { return player && isEnabled; }
+    };
+
+    std::array<Source *, 2> sources() { return {&m_system, &m_microphone}; }
+    static float levelOf(const Source &source);
+    void load(Source &source, const QString &failure, const KelPlaybackSeams &seams);
+    void start(Source &source, double ms);
+    void onDeviceFailed();
+    void setEnabled(Source &source, bool on);
+    void setMuted(Source &source, bool on);
+    void setLevel(Source &source, double volume, double gain);
+
+    std::function<qint64()> m_nowMs;
+    Source m_system;
+    Source m_microphone;
+    qint64 m_lastSeekMs = 0;
+    double m_rate = 1.0;
+    bool m_isPlaying = false;
+    bool m_isDeviceMissing = false; ///< until somebody asks to play again
+};

@@ -1,0 +1,58 @@
+#include "recording/FrameIndexFile.h"
+
+#include "recording/FileWriting.h"
+
+#include <QDataStream>
+
+namespace
+{
+constexpr qint64 CountOffset = 4;
+constexpr qint64 EntriesOffset = 8;
+constexpr qint64 EntrySize = 4;
+} // namespace
+
+FrameIndexFile::FrameIndexFile(const QString &path)
+    : m_file(path)
+{
+}
+
+bool FrameIndexFile::open()
+{
+    // Unbuffered: entries must reach the file before the count that vouches for them.
+    return m_file.isOpen() || m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
+}
+
+bool FrameIndexFile::update(const std::vector<qint64> &entries)
+{
+    if (!open())
+        return false;
+    if (m_count < 0) {
+        if (!writeAt(0, {1, 0}))
+            return false;
+        m_count = 0;
+    }
+    const auto count = qint64(entries.size());
+    if (count == m_count)
+        return true;
+    if (!writeAt(EntriesOffset + EntrySize * m_count, {entries.begin() + m_count, entries.end()}) ||
+        !writeAt(CountOffset, {count}))
+        return false;
+    m_count = count;
+    return true;
+}
+
+void FrameIndexFile::close()
+{
+    m_file.close();
+    m_count = -1;
+}
+
+bool FrameIndexFile::writeAt(qint64 offset, const std::vector<qint64> &numbers)
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setVersion(QDataStream::Qt_5_13);
+    for (const qint64 number : numbers)
+        stream << qint32(number);
+    return m_file.seek(offset) && writeAll(m_file, bytes);
+}

@@ -1,0 +1,146 @@
+#include "recording/KelRecordingMetadata.h"
+
+#include "recording/FileWriting.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace
+{
+constexpr qint64 MaxFileBytes = 1 << 20;
+
+// About thirty years: products with a frame rate or a frame count stay within 64 bits.
+constexpr qint64 MaxDurationMs = 1'000'000'000'000;
+
+// What a desktop and a frame in memory can be. A picture of this size is allocated from what the file says.
+constexpr int MaxCoordinate = 1 << 20;
+constexpr int MaxSide = 1 << 15;
+constexpr qint64 MaxPixels = 1 << 28;
+
+constexpr double MinRatio = 0.1;
+constexpr double MaxRatio = 16.0;
+
+qint64 readInteger(const QJsonValue &value, qint64 maximum)
+{
+    // The conversion of a variant is undefined for a number beyond 64 bits.
+    if (value.isDouble() && !(value.toDouble() < double(maximum)))
+        return maximum;
+    if (value.isDouble() && !(value.toDouble() > 0.0))
+        return 0;
+    return qBound(qint64(0), value.toVariant().toLongLong(), maximum);
+}
+
+qint64 readDuration(const QJsonObject &root)
+{
+    for (const QString &key : {QStringLiteral("duration"), QStringLiteral("recordingDuration")}) {
+        if (root.contains(key))
+            return readInteger(root.value(key), MaxDurationMs);
+    }
+    qWarning() << "No recording duration found in metadata";
+    return 0;
+}
+
+QRect readArea(const QJsonObject &area)
+{
+    // Checked before it is a rectangle: that computes its far corner.
+    const int x = area.value(QLatin1String("x")).toInt();
+    const int y = area.value(QLatin1String("y")).toInt();
+    const int width = area.value(QLatin1String("width")).toInt();
+    const int height = area.value(QLatin1String("height")).toInt();
+    const auto isPlace = [](int v) { return v >= -MaxCoordinate && v <= MaxCoordinate; };
+    const auto isSide = [](int v) { return v >= 0 && v <= MaxSide; };
+    const bool sane =
+        isPlace(x) && isPlace(y) && isSide(width) && isSide(height) && qint64(width) * height <= MaxPixels;
+    return sane ? QRect(x, y, width, height) : QRect(0, 0, 0, 0);
+}
+
+int readFps(const QJsonValue &value)
+{
+    const int fps = value.toInt(KelRecordingMetadata::DefaultFps);
+    return fps >= 1 && fps <= KelRecordingMetadata::MaxFps ? fps : KelRecordingMetadata::DefaultFps;
+}
+
+double readRatio(const QJsonValue &value)
+{
+    const double ratio = value.toDouble(1.0);
+    return ratio >= MinRatio && ratio <= MaxRatio ? ratio : 1.0;
+}
+} // namespace
+
+QString KelRecordingMetadata::filePath(const QString &recordingDir)
+{
+    return recordingDir + QStringLiteral("/TrackManager.meta");
+}
+
+QByteArray KelRecordingMetadata::toJson() const
+{
+    QJsonObject root{
+        {QStringLiteral("version"), version},
+        {QStringLiteral("recordArea"), QJsonObject{{QStringLiteral("x"), recordArea.x()},
+                                                   {QStringLiteral("y"), recordArea.y()},
+                                                   {QStringLiteral("width"), recordArea.width()},
+                                                   {QStringLiteral("height"), recordArea.height()}}},
+        {QStringLiteral("fps"), fps},
+        {QStringLiteral("totalFrames"), totalFrames},
+        {QStringLiteral("actualRecordedFrames"), actualRecordedFrames},
+        {QStringLiteral("duration"), durationMs},
+        {QStringLiteral("timestamp"), timestamp},
+        {QStringLiteral("pixelRatio"), pixelRatio},
+        {QStringLiteral("devicePixelRatio"), devicePixelRatio},
+        {QStringLiteral("tracks"), QJsonObject{{QStringLiteral("screenTrack"), screenTrack},
+                                               {QStringLiteral("mouseTrack"), mouseTrack},
+                                               {QStringLiteral("keyboardTrack"), keyboardTrack},
+                                               {QStringLiteral("systemAudio"), systemAudio},
+                                               {QStringLiteral("microphoneAudio"), microphoneAudio}}},
+    };
+    if (!complete)
+        root.insert(QStringLiteral("complete"), false);
+    return QJsonDocument(root).toJson();
+}
+
+bool KelRecordingMetadata::fromJson(const QByteArray &json, KelRecordingMetadata *out)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(json);
+    if (!document.isObject()) {
+        qWarning() << "Invalid manager metadata format";
+        return false;
+    }
+    const QJsonObject root = document.object();
+    const QJsonObject tracks = root.value(QLatin1String("tracks")).toObject();
+    KelRecordingMetadata read;
+    read.version = root.value(QLatin1String("version")).toString(read.version);
+    read.recordArea = readArea(root.value(QLatin1String("recordArea")).toObject());
+    read.fps = readFps(root.value(QLatin1String("fps")));
+    read.totalFrames = readInteger(root.value(QLatin1String("totalFrames")), MaxDurationMs);
+    read.actualRecordedFrames = qMax(0, root.value(QLatin1String("actualRecordedFrames")).toInt());
+    read.durationMs = readDuration(root);
+    read.timestamp = root.value(QLatin1String("timestamp")).toString();
+    read.pixelRatio = readRatio(root.value(QLatin1String("pixelRatio")));
+    read.devicePixelRatio = readRatio(root.value(QLatin1String("devicePixelRatio")));
+    read.screenTrack = tracks.value(QLatin1String("screenTrack")).toBool(read.screenTrack);
+    read.mouseTrack = tracks.value(QLatin1String("mouseTrack")).toBool(read.mouseTrack);
+    read.keyboardTrack = tracks.value(QLatin1String("keyboardTrack")).toBool(read.keyboardTrack);
+    read.systemAudio = tracks.value(QLatin1String("systemAudio")).toBool(read.systemAudio);
+    read.microphoneAudio = tracks.value(QLatin1String("microphoneAudio")).toBool(read.microphoneAudio);
+    read.complete = root.value(QLatin1String("complete")).toBool(true);
+    *out = read;
+    return true;
+}
+
+bool KelRecordingMetadata::load(const QString &recordingDir, KelRecordingMetadata *out)
+{
+    QFile file(filePath(recordingDir));
+    if (!file.open(QIODevice::ReadOnly)) {
+        qWarning() << "Cannot open manager metadata:" << file.fileName();
+        return false;
+    }
+    const QByteArray json = file.read(MaxFileBytes + 1);
+    return fromJson(json.size() > MaxFileBytes ? QByteArray() : json, out);
+}
+
+bool KelRecordingMetadata::save(const QString &recordingDir, QString *error) const
+{
+    return replaceFile(filePath(recordingDir), toJson(), FileAccess::Ordinary, error);
+}

@@ -1,0 +1,80 @@
+#include "recording/input/JsonArrayFile.h"
+
+#include "recording/FileWriting.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace
+{
+const QByteArray Opening = QByteArrayLiteral("[");
+const QByteArray Closing = QByteArrayLiteral("\n]\n");
+
+/// An object's text inside an array; line breaks within strings are escaped.
+QByteArray asElement(const QJsonObject &object)
+{
+    QByteArray text = QJsonDocument(object).toJson();
+    text.chop(1);
+    return "\n    " + text.replace('\n', "\n    ");
+}
+} // namespace
+
+JsonArrayFile::JsonArrayFile(const QString &path)
+    : m_file(path)
+{
+}
+
+bool JsonArrayFile::append(const std::vector<QJsonObject> &objects)
+{
+    if (!open())
+        return false;
+    QByteArray text;
+    for (const QJsonObject &object : objects) {
+        if (!m_isEmpty || !text.isEmpty())
+            text += ',';
+        text += asElement(object);
+    }
+    if (text.isEmpty())
+        return true;
+    if (!writeAtEnd(text))
+        return false;
+    m_isEmpty = false;
+    return true;
+}
+
+void JsonArrayFile::close()
+{
+    m_file.close();
+}
+
+bool JsonArrayFile::open()
+{
+    if (m_file.isOpen())
+        return true;
+    // Unbuffered: an object is in the file when append() returns.
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
+        m_error = m_file.errorString();
+        return false;
+    }
+    m_end = 0;
+    m_isEmpty = true;
+    if (writeAtEnd(Opening))
+        return true;
+    m_file.close();
+    return false;
+}
+
+/// Writes over the closing bracket, and that anew.
+bool JsonArrayFile::writeAtEnd(const QByteArray &text)
+{
+    const QByteArray bytes = text + Closing;
+    if (m_file.seek(m_end) && writeAll(m_file, bytes)) {
+        m_end += text.size();
+        return true;
+    }
+    m_error = m_file.errorString();
+    // There was room for this before.
+    if (m_end > 0 && m_file.seek(m_end) && writeAll(m_file, Closing))
+        m_file.resize(m_end + Closing.size());
+    return false;
+}

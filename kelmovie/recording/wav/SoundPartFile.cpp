@@ -1,0 +1,141 @@
+#include "recording/wav/SoundPartFile.h"
+
+namespace
+{
+/// How far sound without a break may run from the clock before it is put right: the times of packets jitter.
+constexpr qint64 ToleranceMs = 50;
+constexpr int ZerosSize = 1 << 16;
+} // namespace
+
+SoundPartFile::SoundPartFile(const WavHeader &format)
+    : m_format(format)
+{
+}
+
+SoundPartFile::~SoundPartFile()
+{
+    close();
+}
+
+bool SoundPartFile::open(const QString &path, qint64 startMs)
+{
+    close();
+    m_startMs = startMs;
+    m_size = 0;
+    m_soundEnd = 0;
+    m_end = NoEnd;
+    m_file.setFileName(path);
+    // Unbuffered: what was captured is the system's to keep, whatever becomes of this process.
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
+        fail();
+        return false;
+    }
+    const QByteArray header = m_format.toBytes();
+    if (m_file.write(header) != header.size()) {
+        fail();
+        m_file.close();
+        return false;
+    }
+    return true;
+}
+
+void SoundPartFile::writeSilence()
+{
+    appendZeros(qint64(m_format.sampleRate / 10) * m_format.blockAlign);
+}
+
+void SoundPartFile::writePacket(const char *data, qint64 size, qint64 recordedAtMs)
+{
+    if (!isOpen())
+        return;
+    qint64 position = bytesAt(recordedAtMs);
+    if (m_end != NoEnd)
+        size = qMin(size, m_end - position);
+    const qint64 early = qMax(qint64(0), -position);
+    position += early;
+    size -= early;
+    if (size <= 0)
+        return;
+
+    const qint64 tolerance = m_size > m_soundEnd ? 0 : bytesAt(m_startMs + ToleranceMs);
+    if (position < m_size)
+        resizeTo(qMax(position, m_soundEnd));
+    else if (position > m_size + tolerance)
+        appendZeros(position - m_size);
+    if (!data)
+        appendZeros(size);
+    else
+        append(data + early, size);
+    m_soundEnd = m_size;
+}
+
+void SoundPartFile::setEnd(qint64 endMs)
+{
+    m_end = qMax(qint64(0), bytesAt(endMs));
+}
+
+void SoundPartFile::updateSizes()
+{
+    if (!isOpen())
+        return;
+    if (!WavHeader::writeSizes(m_file, m_size) || !m_file.seek(WavHeader::Size + m_size))
+        fail();
+}
+
+void SoundPartFile::close()
+{
+    if (!isOpen())
+        return;
+    if (m_end != NoEnd)
+        resizeTo(qMax(m_end, m_soundEnd));
+    updateSizes();
+    m_file.close();
+}
+
+qint64 SoundPartFile::bytesAt(qint64 ms) const
+{
+    return (ms - m_startMs) * m_format.sampleRate / 1000 * m_format.blockAlign;
+}
+
+void SoundPartFile::resizeTo(qint64 size)
+{
+    if (size > m_size) {
+        appendZeros(size - m_size);
+    } else if (size < m_size) {
+        if (!m_file.resize(WavHeader::Size + size) || !m_file.seek(WavHeader::Size + size))
+            fail();
+        else
+            m_size = size;
+    }
+}
+
+void SoundPartFile::appendZeros(qint64 size)
+{
+    static const QByteArray zeros(ZerosSize, '\0');
+    while (size > 0 && append(zeros.constData(), qMin(size, qint64(ZerosSize))))
+        size -= ZerosSize;
+}
+
+/// Keeps whole frames only: a torn one would exchange the channels of all that follows.
+bool SoundPartFile::append(const char *data, qint64 size)
+{
+    const qint64 written = m_file.isOpen() ? m_file.write(data, size) : 0;
+    if (written == size) {
+        m_size += size;
+        return true;
+    }
+    if (!isOpen())
+        return false;
+    fail();
+    m_size += qMax(qint64(0), written);
+    m_size -= m_size % m_format.blockAlign;
+    m_file.resize(WavHeader::Size + m_size);
+    m_file.seek(WavHeader::Size + m_size);
+    return false;
+}
+
+void SoundPartFile::fail()
+{
+    if (m_error.isEmpty())
+        m_error = QStringLiteral("cannot write %1: %2").arg(m_file.fileName(), m_file.errorString());
+}

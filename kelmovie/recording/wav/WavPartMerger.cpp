@@ -1,0 +1,289 @@
+#include "recording/wav/WavPartMerger.h"
+
+#include "recording/wav/WavHeader.h"
+#include "recording/wav/WavPart.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace
+{
+constexpr qint64 ChunkSize = 1 << 20;
+constexpr qint64 AudibleMs = 20;
+
+struct Messages {
+    const char *cannotRename;
+    const char *cannotOpenOutput;
+    const char *cannotOpenPart;
+    const char *partTooShort;
+    const char *formatDiffers;
+    const char *cannotDelete;
+    const char *outputInvalid;
+};
+
+constexpr Messages SystemAudio{"重命名分段文件失败:",      "无法打开输出文件进行合并:",        "无法打开分段文件:",
+                               "分段文件数据不足:",        "WAV分段格式不匹配，播放可能失败!", "删除分段文件失败:",
+                               "合并后的文件无效或不存在:"};
+constexpr Messages Microphone{
+    "重命名麦克风分段文件失败:",      "无法打开麦克风输出文件进行合并:",        "无法打开麦克风分段文件:",
+    "麦克风分段文件数据不足:",        "麦克风WAV分段格式不匹配，播放可能失败!", "删除麦克风分段文件失败:",
+    "合并后的麦克风文件无效或不存在:"};
+
+class Merger
+{
+public:
+    Merger(const QString &output, const Messages &messages, const QList<WavPartTime> &times = {})
+        : m_messages(messages)
+        , m_times(times)
+        , m_output(output)
+    {
+    }
+
+    void merge(const QStringList &parts);
+    QString problem() const { return m_problem; }
+
+private:
+    bool isLate(const QString &part) const;
+    void rename(const QString &part);
+    void join(const QStringList &parts);
+    bool begin(const QStringList &parts);
+    bool join(const QString &path, const WavPartTime &time);
+    bool add(WavPart &part, const WavPartTime &time);
+    bool copyData(WavPart &part, qint64 size);
+    bool standIn(const WavPartTime &time);
+    bool addSilence(qint64 size);
+    qint64 wholeFrames(qint64 size) const;
+    qint64 bytesOf(qint64 ms) const;
+    void checkOutput();
+    void keepProblem(const QString &problem);
+
+    const Messages m_messages;
+    const QList<WavPartTime> m_times;
+    QFile m_output;
+    WavHeader m_header;
+    QByteArray m_fmtChunk;
+    qint64 m_total = 0;
+    QString m_problem;
+};
+
+void Merger::merge(const QStringList &parts)
+{
+    if (parts.isEmpty()) {
+        qWarning() << "没有分段文件需要合并";
+        return;
+    }
+    if (parts.size() == 1 && !isLate(parts.first()))
+        rename(parts.first());
+    else
+        join(parts);
+    checkOutput();
+}
+
+/// Whether so much of the time is missing in the part that it would be heard.
+bool Merger::isLate(const QString &path) const
+{
+    const WavPartTime time = m_times.value(0);
+    WavPart part(path);
+    return time.durationMs > 0 && part.open() && part.header().byteRate > 0 &&
+           part.dataSize() * 1000 / part.header().byteRate < time.durationMs + time.surplusMs - AudibleMs;
+}
+
+void Merger::rename(const QString &part)
+{
+    QFile file(part);
+    if (file.rename(m_output.fileName()))
+        return;
+    qWarning() << m_messages.cannotRename << part << "到" << m_output.fileName();
+    if (file.exists())
+        keepProblem(QStringLiteral("the sound stays in %1: %2").arg(part, file.errorString()));
+}
+
+void Merger::join(const QStringList &parts)
+{
+    if (!m_output.open(QIODevice::ReadWrite | QIODevice::Truncate)) {
+        qWarning() << m_messages.cannotOpenOutput << m_output.fileName();
+        keepProblem(QStringLiteral("the sound stays in its parts, cannot write %1: %2")
+                        .arg(m_output.fileName(), m_output.errorString()));
+        return;
+    }
+    if (!begin(parts)) {
+        m_output.remove();
+        return;
+    }
+    for (int i = 0; i < parts.size(); ++i) {
+        if (!join(parts[i], m_times.value(i)))
+            break;
+    }
+    WavHeader::writeSizes(m_output, m_total);
+    m_output.close();
+}
+
+/// The first part that states a format states it for all.
+bool Merger::begin(const QStringList &parts)
+{
+    for (const QString &path : parts) {
+        WavPart part(path);
+        if (!part.open() || !part.hasHeader())
+            continue;
+        m_header = part.header();
+        m_fmtChunk = part.fmtChunk();
+        if (m_output.write(m_header.toBytes()) == WavHeader::Size)
+            return true;
+        keepProblem(QStringLiteral("the sound stays in its parts, cannot write %1: %2")
+                        .arg(m_output.fileName(), m_output.errorString()));
+        return false;
+    }
+    for (const QString &path : parts)
+        qWarning() << (QFileInfo(path).exists() ? "首分段头部读取失败:" : m_messages.cannotOpenPart) << path;
+    keepProblem(QStringLiteral("no part of %1 says what its sound is").arg(m_output.fileName()));
+    return false;
+}
+
+/// False when the output takes no more.
+bool Merger::join(const QString &path, const WavPartTime &time)
+{
+    WavPart part(path);
+    if (!part.open()) {
+        qWarning() << m_messages.cannotOpenPart << path;
+        if (QFileInfo::exists(path))
+            keepProblem(QStringLiteral("cannot read %1: %2").arg(path, part.errorString()));
+        return standIn(time);
+    }
+    if (part.isTooShort()) {
+        qWarning() << m_messages.partTooShort << path;
+        return standIn(time);
+    }
+    if (part.hasHeader() && part.fmtChunk() != m_fmtChunk)
+        qWarning() << m_messages.formatDiffers;
+
+    const qint64 before = m_total;
+    // The sizes count the part before it is deleted: after a crash its sound is in one place at least.
+    if (!add(part, time) || !WavHeader::writeSizes(m_output, m_total) || !m_output.flush()) {
+        keepProblem(QStringLiteral("the sound from %1 on stays in its parts, cannot write %2: %3")
+                        .arg(path, m_output.fileName(), m_output.errorString()));
+        m_total = before;
+        m_output.resize(WavHeader::Size + m_total);
+        return false;
+    }
+    if (part.hasReadError()) {
+        keepProblem(QStringLiteral("cannot read all of %1: %2").arg(path, part.errorString()));
+        return true;
+    }
+    part.close();
+    if (!QFile::remove(path))
+        qWarning() << m_messages.cannotDelete << path;
+    return true;
+}
+
+/// Silence stands for the time before the sound began, and for what was not delivered at the end.
+bool Merger::add(WavPart &part, const WavPartTime &time)
+{
+    if (!m_output.seek(WavHeader::Size + m_total))
+        return false;
+    const qint64 size = qMax(qint64(0), wholeFrames(part.dataSize()) - bytesOf(time.surplusMs));
+    const qint64 missing = qMax(qint64(0), bytesOf(time.durationMs) - size);
+    const qint64 late = qMin(missing, bytesOf(time.lateMs));
+    return addSilence(late) && copyData(part, size) && addSilence(missing - late);
+}
+
+/// A frame that a crash tore apart would exchange the channels of all that follows.
+qint64 Merger::wholeFrames(qint64 size) const
+{
+    return size - size % qMax<qint64>(1, m_header.blockAlign);
+}
+
+/// Silence for a part that cannot be used.
+bool Merger::standIn(const WavPartTime &time)
+{
+    if (m_output.seek(WavHeader::Size + m_total) && addSilence(bytesOf(time.durationMs)))
+        return true;
+    keepProblem(QStringLiteral("cannot write %1: %2").arg(m_output.fileName(), m_output.errorString()));
+    return false;
+}
+
+qint64 Merger::bytesOf(qint64 ms) const
+{
+    return wholeFrames(ms * m_header.byteRate / 1000);
+}
+
+bool Merger::addSilence(qint64 size)
+{
+    const QByteArray zeros(int(qMin(size, ChunkSize)), '\0');
+    while (size > 0) {
+        const qint64 written = m_output.write(zeros.constData(), qMin(size, ChunkSize));
+        if (written <= 0)
+            return false;
+        size -= written;
+        m_total += written;
+    }
+    return true;
+}
+
+/// Ends early when the part cannot be read to its end; false when the output takes no more.
+bool Merger::copyData(WavPart &part, qint64 size)
+{
+    for (qint64 copied = 0; copied < size;) {
+        const QByteArray bytes = part.read(qMin(ChunkSize, size - copied));
+        if (bytes.isEmpty())
+            return true;
+        if (m_output.write(bytes) != bytes.size())
+            return false;
+        copied += bytes.size();
+        m_total += bytes.size();
+    }
+    return true;
+}
+
+void Merger::checkOutput()
+{
+    const QString path = m_output.fileName();
+    if (QFileInfo(path).size() <= WavHeader::Size) {
+        qWarning() << m_messages.outputInvalid << path;
+        return;
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qWarning() << "无法打开合并后WAV文件计算时长:" << path;
+    else if (file.read(WavHeader::Size).size() < WavHeader::Size)
+        qWarning() << "无法读取WAV头部，无法计算时长:" << path;
+}
+
+void Merger::keepProblem(const QString &problem)
+{
+    if (m_problem.isEmpty())
+        m_problem = problem;
+}
+
+void reportLeftovers(const QString &output)
+{
+    const QFileInfo info(output);
+    const QStringList leftovers =
+        info.absoluteDir().entryList({info.completeBaseName() + QStringLiteral("_part*.wav")}, QDir::Files, QDir::Name);
+    if (!leftovers.isEmpty())
+        qWarning() << "目录下仍有残留分段文件:" << leftovers;
+}
+} // namespace
+
+QString wavPartPath(const QString &output, int number)
+{
+    QString path = output;
+    return path.insert(output.lastIndexOf(QLatin1Char('.')), QStringLiteral("_part%1").arg(number));
+}
+
+QString mergePartFiles(const QStringList &parts, const QString &output)
+{
+    Merger merger(output, SystemAudio);
+    merger.merge(parts);
+    if (!parts.isEmpty())
+        reportLeftovers(output);
+    return merger.problem();
+}
+
+QString mergeMicrophoneParts(const QStringList &parts, const QString &output, const QList<WavPartTime> &times)
+{
+    Merger merger(output, Microphone, times);
+    merger.merge(parts);
+    return merger.problem();
+}

@@ -1,0 +1,38 @@
+#include "ui/controls/playback/KelPlayTimeLable.h"
+
+#include "ui/controls/TimeText.h"
+
+class KelPlayTimeLable::Private
+{
+public:
+    qint64 durationMs = 0;
+    qint64 playTimeMs = 0;
+};
+
+KelPlayTimeLable::KelPlayTimeLable(QWidget *parent)
+    : QLabel(parent)
+    , d(std::make_unique<Private>())
+{
+    setAccessibleName(tr("Play time"));
+    setToolTip(tr("Play time and length of the recording"));
+    updateText();
+}
+
+KelPlayTimeLable::~KelPlayTimeLable() = default;
+
+void KelPlayTimeLable::setDuration(qint64 ms)
+{
+    d->durationMs = ms;
+}
+
+void KelPlayTimeLable::setPlayTime(qint64 ms)
+{
+    d->playTimeMs = ms;
+    updateText();
+}
+
+void KelPlayTimeLable::updateText()
+{
+    const QString played = TimeText::minutesSeconds(d->playTimeMs / 1000);
+    setText(d->durationMs < 1 ? played : played + QLatin1Char('/') + TimeText::minutesSeconds(d->durationMs / 1000));
+}

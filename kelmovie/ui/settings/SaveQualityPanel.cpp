@@ -1,0 +1,158 @@
+#include "ui/settings/SaveQualityPanel.h"
+
+#include "export/ExportSizeEstimator.h"
+#include "ui/settings/SettingsForm.h"
+
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QLabel>
+#include <QLocale>
+#include <QPointer>
+#include <QTimer>
+
+#include <tuple>
+
+namespace
+{
+
+constexpr int kLookMs = 250;
+
+auto parts(const KelExportRequest &request)
+{
+    return std::make_tuple(request.format, request.fps, request.quality, request.speed, request.trimStartMs,
+                           request.trimEndMs, request.playbackManager, request.size.width(), request.size.height());
+}
+
+} // namespace
+
+class SaveQualityPanel::Private
+{
+public:
+    explicit Private(SaveQualityPanel *panel);
+
+    void look();
+    void show(const ExportSizeEstimator::Estimate &estimate);
+    KelExportRequest request() const;
+
+    SettingsForm *const form;
+    QLabel *const size;
+    ExportSizeEstimator estimator;
+    KelExportRequest estimated; ///< the request that the estimate is for
+    QTimer timer;
+    QPointer<KelPlaybackTrackManager> manager;
+    int startMs = -1;
+    int endMs = -1;
+    int fps = 25;
+    QSize pictureSize;
+};
+
+SaveQualityPanel::Private::Private(SaveQualityPanel *panel)
+    : form(new SettingsForm(panel))
+    , size(new QLabel(form))
+{
+    using C = KelMovieConfig;
+    form->addHeading(tr("Quality"));
+    form->addChips({tr("&Quality"), tr("A better picture makes a larger file")}, {nullptr, &C::saveQuality},
+                   {{tr("Small file"), 0, tr("Somewhat blurred, in a small file")},
+                    {tr("Balanced"), 1, tr("Hardly any loss, in a file of moderate size")},
+                    {tr("Best"), 2, tr("As true as the format allows")}});
+    size->setObjectName(QStringLiteral("Note"));
+    size->setToolTip(tr("Estimated from samples of the recording"));
+    size->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    form->addWidget(size);
+    timer.setInterval(kLookMs);
+    connect(&timer, &QTimer::timeout, panel, [this] { look(); });
+    connect(&estimator, &ExportSizeEstimator::sigEstimated, panel,
+            [this](const ExportSizeEstimator::Estimate &estimate) { show(estimate); });
+    connect(&estimator, &ExportSizeEstimator::sigFailed, panel,
+            [this] { size->setText(tr("The size cannot be estimated.")); });
+}
+
+KelExportRequest SaveQualityPanel::Private::request() const
+{
+    KelExportRequest request;
+    request.format = gKelMovieConfig.playbackEncodeFormat;
+    request.fps = fps;
+    request.quality = KelMovieExportQuality();
+    request.speed = manager ? manager->speed() : 1;
+    request.trimStartMs = startMs;
+    request.trimEndMs = endMs;
+    request.trimsLongRecordings = true;
+    request.size = pictureSize;
+    request.playbackManager = manager;
+    return request;
+}
+
+/// Begins anew when another file would be made than the one that is being estimated.
+void SaveQualityPanel::Private::look()
+{
+    const KelExportRequest wanted = request();
+    if (parts(wanted) == parts(estimated))
+        return;
+    estimated = wanted;
+    if (!manager) {
+        estimator.stop();
+        size->clear();
+        return;
+    }
+    size->setText(tr("Estimating the size..."));
+    estimator.start(wanted);
+}
+
+void SaveQualityPanel::Private::show(const ExportSizeEstimator::Estimate &estimate)
+{
+    const QLocale locale;
+    const auto text = [&](double bytes) {
+        return locale.formattedDataSize(qint64(bytes), 1, QLocale::DataSizeSIFormat);
+    };
+    const auto bytes = double(estimate.bytes);
+    if (estimate.error == 0.0)
+        size->setText(tr("About %1").arg(text(bytes)));
+    else
+        size->setText(tr("About %1 (%2 to %3)")
+                          .arg(text(bytes), text(bytes / (1 + estimate.error)), text(bytes * (1 + estimate.error))));
+}
+
+SaveQualityPanel::SaveQualityPanel(QWidget *parent)
+    : QWidget(parent)
+    , d(std::make_unique<Private>(this))
+{
+    connect(d->form, &SettingsForm::sigChanged, this, &SaveQualityPanel::sigConfigUpdated);
+}
+
+SaveQualityPanel::~SaveQualityPanel() = default;
+
+void SaveQualityPanel::setPlaybackManager(KelPlaybackTrackManager *manager)
+{
+    d->manager = manager;
+}
+
+void SaveQualityPanel::setRange(int startMs, int endMs)
+{
+    d->startMs = startMs;
+    d->endMs = endMs;
+}
+
+void SaveQualityPanel::setFrameRate(int fps)
+{
+    d->fps = fps;
+}
+
+void SaveQualityPanel::setPictureSize(const QSize &size)
+{
+    d->pictureSize = size;
+}
+
+void SaveQualityPanel::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    d->estimated = {};
+    d->timer.start();
+}
+
+void SaveQualityPanel::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    d->timer.stop();
+    d->estimator.stop();
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "avcodec/animation/PictureDelta.h"
+
+#include <QImage>
+#include <QSize>
+
+#include <array>
+#include <optional>
+#include <vector>
+
+/// Keeps the latest picture and finds what the next one changes of it. Alpha plays no part: what is translucent
+/// counts as painted on black.
+class PictureComparer
+{
+public:
+    /// The rectangles begin at multiples of `alignment` (1 or 2) in both directions.
+    PictureComparer(QSize size, int alignment);
+
+    /// Where the image (of the size given) differs from the latest picture. Empty: nowhere.
+    QRect changedRect(const QImage &image) const;
+
+    /// Makes the image the latest picture; `rect` is its changedRect(), or the whole picture for the first one.
+    PictureDelta accept(const QImage &image, const QRect &rect);
+
+    /// One delta for two in a row, where `latest` is the last one accepted.
+    PictureDelta merged(const PictureDelta &older, const PictureDelta &latest) const;
+
+    /// A delta of one pixel that changes nothing.
+    PictureDelta nothing() const;
+
+private:
+    const QRgb *row(int y) const { return m_pixels.data() + std::size_t(y) * m_size.width(); }
+    QRgb *row(int y) { return m_pixels.data() + std::size_t(y) * m_size.width(); }
+
+    std::optional<QRgb> freeColour() const;
+
+    QSize m_size;
+    int m_alignment;
+    std::vector<QRgb> m_pixels;      // alpha 0
+    std::array<bool, 8> m_isTaken{}; // of some colours that screens hardly ever show: whether there was such a pixel
+    bool m_empty = true;
+};

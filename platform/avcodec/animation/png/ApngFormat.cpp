@@ -1,0 +1,211 @@
+#include "avcodec/animation/png/ApngFormat.h"
+
+#include "avcodec/animation/png/ApngFrameReader.h"
+#include "avcodec/animation/png/PngChunk.h"
+#include "avcodec/animation/png/PngFilter.h"
+
+#include <QScopeGuard>
+
+#include <libdeflate.h>
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <new>
+
+namespace
+{
+
+constexpr int PixelBytes = 3;
+
+/// libdeflate's levels. The first is good for choosing between two filterings, at a fraction of the time. Filtered rows
+/// hardly gain from more than a middling one, plain ones do.
+constexpr int TrialLevel = 1;
+constexpr int FilteredLevel = 7;
+constexpr int PlainLevel = 9;
+constexpr int PatientLevel = 11;
+
+/// Qualities below this ask for small files.
+constexpr int Balanced = 75;
+
+/// A chunk that all readers skip, in the place of the one that names the colour of gaps.
+constexpr char RoomType[] = "roOm";
+constexpr int TransparencyBytes = 6;
+
+constexpr qint64 AnimationControlOffset = png::SignatureBytes + png::EmptyChunkBytes + 13;
+constexpr qint64 TransparencyOffset = AnimationControlOffset + png::EmptyChunkBytes + 8;
+
+QByteArray deflated(const QByteArray &bytes, int level)
+{
+    const std::unique_ptr<libdeflate_compressor, decltype(&libdeflate_free_compressor)> compressor(
+        libdeflate_alloc_compressor(level), libdeflate_free_compressor);
+    if (!compressor)
+        throw std::bad_alloc();
+    const std::size_t bound = libdeflate_zlib_compress_bound(compressor.get(), std::size_t(bytes.size()));
+    QByteArray out(int(bound), Qt::Uninitialized);
+    out.resize(int(libdeflate_zlib_compress(compressor.get(), bytes.constData(), std::size_t(bytes.size()), out.data(),
+                                            std::size_t(out.size()))));
+    return out;
+}
+
+/// Transparent pixels get the colour that stands for them.
+QByteArray rows(const std::vector<QRgb> &pixels, int width, png::Filtering filtering, QRgb gapColour)
+{
+    QByteArray bytes(int(pixels.size()) * PixelBytes, Qt::Uninitialized);
+    char *to = bytes.data();
+    for (const QRgb pixel : pixels) {
+        const QRgb colour = PictureDelta::isChanged(pixel) ? pixel : gapColour;
+        for (const int value : {qRed(colour), qGreen(colour), qBlue(colour)})
+            *to++ = char(value);
+    }
+    return png::filteredRows(bytes, width * PixelBytes, PixelBytes, filtering);
+}
+
+PictureDelta opaqueDelta(const QImage &picture, const QRect &rect)
+{
+    PictureDelta delta{rect, {}};
+    for (int y = rect.top(); y <= rect.bottom(); ++y) {
+        const auto *row = reinterpret_cast<const QRgb *>(picture.constScanLine(y)) + rect.left();
+        delta.pixels.insert(delta.pixels.end(), row, row + rect.width());
+    }
+    return delta;
+}
+
+/// Browsers cut durations down to whole milliseconds: 30 a second that last 1/30 s each would play faster than the rest
+/// of the world.
+int unitFor(int fps)
+{
+    constexpr int exact = 1000;
+    return fps > 0 && exact % fps == 0 ? fps : exact;
+}
+
+} // namespace
+
+ApngFormat::ApngFormat(int fps, int quality)
+    : m_ticksPerSecond(unitFor(fps))
+    , m_quality(quality)
+{
+}
+
+AnimationFormat::Limits ApngFormat::limits() const
+{
+    return {32767, 1, m_ticksPerSecond, m_ticksPerSecond / 100 + 1, 65535};
+}
+
+EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
+{
+    using png::Filtering;
+    struct Way {
+        bool hasGaps;
+        Filtering filtering;
+    };
+    const auto pixelsOf = [](const PictureDelta &of, bool hasGaps) {
+        return hasGaps ? of.pixelsWithGaps() : of.opaquePixels();
+    };
+    const QRgb gapColour = delta.freeColour.value_or(0);
+    const PictureDelta sample = delta.sample();
+    Way best{false, Filtering::None};
+    int least = std::numeric_limits<int>::max();
+    for (const bool hasGaps : {false, true}) {
+        if (hasGaps && !delta.freeColour)
+            break;
+        const std::vector<QRgb> pixels = pixelsOf(sample, hasGaps);
+        if (hasGaps && std::all_of(pixels.begin(), pixels.end(), PictureDelta::isChanged))
+            break;
+        for (const Filtering filtering : {Filtering::None, Filtering::Adaptive}) {
+            if (cancelled)
+                return {};
+            const int size = deflated(rows(pixels, sample.rect.width(), filtering, gapColour), TrialLevel).size();
+            if (size < least) {
+                least = size;
+                best = {hasGaps, filtering};
+            }
+        }
+    }
+    const QByteArray filtered = rows(pixelsOf(delta, best.hasGaps), delta.rect.width(), best.filtering, gapColour);
+    if (cancelled)
+        return {};
+    QByteArray data = deflated(filtered, best.filtering == Filtering::None ? PlainLevel : FilteredLevel);
+    if (m_quality < Balanced && !cancelled) { // which does not always pay
+        const QByteArray smaller = deflated(filtered, PatientLevel);
+        if (smaller.size() < data.size())
+            data = smaller;
+    }
+    return {delta.rect, best.hasGaps, data, delta.freeColour};
+}
+
+bool ApngFormat::writeHeader(OutputFile &file, QSize size, int plays)
+{
+    m_plays = plays;
+    return file.write(png::Signature + png::header(size) + animationControl() +
+                      png::chunk(RoomType, QByteArray(TransparencyBytes, '\0')));
+}
+
+/// The number of frames is known at the end only.
+QByteArray ApngFormat::animationControl() const
+{
+    return png::chunk("acTL", png::bigEndian(m_frames) + png::bigEndian(quint32(m_plays)));
+}
+
+/// A pixel of the colour that stands for gaps cannot be shown, so the first one puts an end to it and to the gaps.
+bool ApngFormat::makeWayFor(OutputFile &file, const EncodedFrame &picture, const std::atomic<bool> &cancelled)
+{
+    if (!m_gapColour || picture.freeColour == m_gapColour)
+        return true;
+    OutputFile copy;
+    if (!copy.open(file.path() + QStringLiteral(".opaque")))
+        return file.fail(copy.errorString());
+    const auto cleanUp = qScopeGuard([&copy] { copy.remove(); }); // nothing is there once it has taken its place
+    if (!copyWithoutGaps(file.path(), copy, cancelled))
+        return file.fail(copy.errorString());
+    if (!file.becomeLike(copy))
+        return false;
+    m_gapColour.reset();
+    return true;
+}
+
+bool ApngFormat::copyWithoutGaps(const QString &from, OutputFile &to, const std::atomic<bool> &cancelled) const
+{
+    ApngFormat format(m_ticksPerSecond, m_quality);
+    ApngFrameReader reader(from);
+    ApngFrameReader::Frame frame;
+    while (format.m_frames < m_frames) {
+        if (!reader.next(&frame))
+            return to.fail(QStringLiteral("Cannot read %1 back").arg(from));
+        if (format.m_frames == 0 && !format.writeHeader(to, reader.picture().size(), m_plays))
+            return false;
+        if (frame.encoded.keepsPixels)
+            frame.encoded = format.encode(opaqueDelta(reader.picture(), frame.encoded.rect), cancelled);
+        if (cancelled)
+            return to.fail(QStringLiteral("Aborted"));
+        if (!format.writeFrame(to, frame.encoded, frame.ticks))
+            return false;
+    }
+    return true;
+}
+
+bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks)
+{
+    if (picture.keepsPixels && !m_gapColour) {
+        m_gapColour = picture.freeColour;
+        if (!file.overwrite(TransparencyOffset, png::transparency(*m_gapColour)))
+            return false;
+    }
+    constexpr char keepPicture = 0;
+    QByteArray control = png::bigEndian(m_sequence++);
+    for (const int value : {picture.rect.width(), picture.rect.height(), picture.rect.x(), picture.rect.y()})
+        control += png::bigEndian(quint32(value));
+    control += png::bigEndian(quint16(ticks)) + png::bigEndian(quint16(m_ticksPerSecond));
+    control.append(keepPicture).append(char(picture.keepsPixels));
+    const QByteArray data = m_frames == 0 ? png::chunk("IDAT", picture.data)
+                                          : png::chunk("fdAT", png::bigEndian(m_sequence++) + picture.data);
+    if (!file.write(png::chunk("fcTL", control)) || !file.write(data))
+        return false;
+    ++m_frames;
+    return true;
+}
+
+bool ApngFormat::writeTrailer(OutputFile &file)
+{
+    return file.write(png::chunk("IEND", {})) && file.overwrite(AnimationControlOffset, animationControl());
+}

@@ -1,0 +1,114 @@
+#include "avcodec/animation/png/PngFilter.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace
+{
+
+enum Filter : quint8 { None, Sub, Up, Average, Paeth, FilterCount };
+
+quint8 paethPredictor(int left, int above, int aboveLeft)
+{
+    const int toLeft = std::abs(above - aboveLeft);
+    const int toAbove = std::abs(left - aboveLeft);
+    const int toAboveLeft = std::abs(left + above - 2 * aboveLeft);
+    const int nearest = toAbove <= toAboveLeft ? above : aboveLeft;
+    const int distance = toAbove <= toAboveLeft ? toAbove : toAboveLeft;
+    return quint8(toLeft <= distance ? left : nearest);
+}
+
+/// Tells how many bits the bytes of a row take at least if each has a code by how often it occurs.
+class RowCost
+{
+public:
+    explicit RowCost(int rowBytes)
+        : m_saved(std::size_t(rowBytes) + 1)
+    {
+        for (std::size_t count = 2; count < m_saved.size(); ++count)
+            m_saved[count] = float(double(count) * std::log2(double(count)));
+    }
+
+    float bits(const quint8 *row, int count) const
+    {
+        std::array<std::array<quint32, 256>, 4> counts{}; // four, so that equal bytes in a row need not wait
+        int i = 0;
+        for (; i + 4 <= count; i += 4)
+            for (std::size_t k = 0; k < 4; ++k)
+                ++counts[k][row[i + int(k)]];
+        for (; i < count; ++i)
+            ++counts[0][row[i]];
+        float bits = m_saved[std::size_t(count)];
+        for (std::size_t value = 0; value < 256; ++value)
+            bits -= m_saved[counts[0][value] + counts[1][value] + counts[2][value] + counts[3][value]];
+        return bits;
+    }
+
+private:
+    std::vector<float> m_saved; // n log2(n)
+};
+
+/// Both input rows have `pixelBytes` zero bytes in front.
+void applyFilter(Filter filter, const quint8 *row, const quint8 *above, int rowBytes, int pixelBytes, quint8 *out)
+{
+    const quint8 *left = row - pixelBytes;
+    const quint8 *aboveLeft = above - pixelBytes;
+    switch (filter) {
+    case Sub:
+        for (int i = 0; i < rowBytes; ++i)
+            out[i] = quint8(row[i] - left[i]);
+        break;
+    case Up:
+        for (int i = 0; i < rowBytes; ++i)
+            out[i] = quint8(row[i] - above[i]);
+        break;
+    case Average:
+        for (int i = 0; i < rowBytes; ++i)
+            out[i] = quint8(row[i] - (left[i] + above[i]) / 2);
+        break;
+    case Paeth:
+        for (int i = 0; i < rowBytes; ++i)
+            out[i] = quint8(row[i] - paethPredictor(left[i], above[i], aboveLeft[i]));
+        break;
+    default:
+        std::memcpy(out, row, std::size_t(rowBytes));
+    }
+}
+
+} // namespace
+
+QByteArray png::filteredRows(const QByteArray &pixels, int rowBytes, int pixelBytes, Filtering filtering)
+{
+    const int rows = pixels.size() / rowBytes;
+    const int filters = filtering == Filtering::Adaptive ? FilterCount : None + 1;
+    QByteArray out(pixels.size() + rows, Qt::Uninitialized);
+    auto *to = reinterpret_cast<quint8 *>(out.data());
+    const RowCost cost(rowBytes);
+    std::vector<quint8> above(std::size_t(pixelBytes + rowBytes)); // black above the first row and left of every one
+    std::vector<quint8> current(above.size());
+    std::vector<quint8> attempt(std::size_t(rowBytes + 1));
+    std::vector<quint8> best(attempt.size());
+    for (int row = 0; row < rows; ++row) {
+        std::memcpy(current.data() + pixelBytes, pixels.constData() + std::size_t(row) * rowBytes,
+                    std::size_t(rowBytes));
+        float least = std::numeric_limits<float>::max();
+        for (int filter = None; filter < filters; ++filter) {
+            attempt[0] = quint8(filter);
+            applyFilter(Filter(filter), current.data() + pixelBytes, above.data() + pixelBytes, rowBytes, pixelBytes,
+                        attempt.data() + 1);
+            const float bits = filters > 1 ? cost.bits(attempt.data() + 1, rowBytes) : 0;
+            if (bits < least) {
+                least = bits;
+                std::swap(attempt, best);
+            }
+        }
+        to = std::copy(best.begin(), best.end(), to);
+        std::swap(above, current);
+    }
+    return out;
+}

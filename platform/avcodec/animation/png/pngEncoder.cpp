@@ -1,0 +1,8 @@
+#include "avcodec/animation/png/pngEncoder.h"
+
+#include "avcodec/animation/png/ApngFormat.h"
+
+pngEncoder::pngEncoder(QSize size, const QString &path, int fps, int quality, const QString &extra)
+    : AnimationEncoder(size, path, fps, extra, std::make_unique<ApngFormat>(fps, quality))
+{
+}

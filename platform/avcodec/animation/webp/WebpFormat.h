@@ -1,0 +1,34 @@
+#pragma once
+
+#include "avcodec/animation/AnimationFormat.h"
+
+#include <optional>
+#include <vector>
+
+/// Animated WebP, written chunk by chunk as frames come.
+class WebpFormat : public AnimationFormat
+{
+public:
+    /// A RIFF file states its size in 32 bits, not counting the first 8 bytes.
+    static constexpr qint64 LargestFile = 0xfffffff6 + Q_INT64_C(8);
+
+    /// What the qualities mean is told at webpEncoder. `largestFile`: bytes.
+    explicit WebpFormat(int quality, qint64 largestFile = LargestFile);
+
+    Limits limits() const override;
+    void prepare(const PictureDelta &) override {}
+    EncodedFrame encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const override;
+    bool writeHeader(OutputFile &file, QSize size, int plays) override;
+    bool writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks) override;
+    bool writeTrailer(OutputFile &file) override;
+
+private:
+    bool isHopeless(const PictureDelta &delta, int lossySize, const std::atomic<bool> &cancelled) const;
+    std::optional<std::vector<QRgb>> fewColours(const PictureDelta &delta) const;
+    QByteArray lossy(const PictureDelta &delta, const std::atomic<bool> &cancelled) const;
+
+    const int m_quality;
+    const double m_paletteError;
+    const qint64 m_largestFile;
+    bool m_hasAlpha = false;
+};

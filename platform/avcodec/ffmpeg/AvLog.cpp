@@ -1,0 +1,27 @@
+#include "avcodec/ffmpeg/AvLog.h"
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+#include <QDebug>
+
+namespace
+{
+
+void logMessage(void *context, int level, const char *format, va_list arguments)
+{
+    if (level > AV_LOG_ERROR)
+        return;
+    char line[1024];
+    int printPrefix = 1;
+    av_log_format_line(context, level, format, arguments, line, sizeof line, &printPrefix);
+    qWarning().noquote() << "[FFmpeg]" << QString::fromLocal8Bit(line).trimmed();
+}
+
+} // namespace
+
+void av::useQtLog()
+{
+    av_log_set_callback(logMessage);
+}

@@ -1,0 +1,37 @@
+#include "avcodec/ffmpeg/InputFile.h"
+
+#include "avcodec/ffmpeg/AvLog.h"
+
+#include <QFileInfo>
+
+av::FormatContext av::openContainer(const QString &path, const char *formats, QString *error)
+{
+    useQtLog();
+    // A pipe or a device would block, a directory confuses the demuxers.
+    if (!QFileInfo(path).isFile()) {
+        *error = QStringLiteral("not a regular file");
+        return nullptr;
+    }
+    AVDictionary *options = nullptr;
+    av_dict_set(&options, "format_whitelist", formats, 0);
+    av_dict_set(&options, "protocol_whitelist", "file", 0);
+    AVFormatContext *context = nullptr;
+    const int code = avformat_open_input(&context, ("file:" + path.toUtf8()).constData(), nullptr, &options);
+    av_dict_free(&options);
+    if (code < 0)
+        *error = errorText(code);
+    return FormatContext(context);
+}
+
+av::FormatContext av::openInput(const QString &path, const char *formats, QString *error)
+{
+    FormatContext format = openContainer(path, formats, error);
+    if (!format)
+        return nullptr;
+    const int code = avformat_find_stream_info(format.get(), nullptr);
+    if (code < 0) {
+        *error = errorText(code);
+        return nullptr;
+    }
+    return format;
+}

@@ -1,0 +1,35 @@
+#include "avcodec/mp4/Mp4Index.h"
+
+#include <limits>
+
+namespace
+{
+// Pictures must come before the box; where the box itself will stand is not written in it.
+constexpr qint64 kBoxPosition = std::numeric_limits<qint64>::max() / 2;
+} // namespace
+
+Mp4Index::Mp4Index(const Mp4VideoTrack &track)
+    : m_file(kBoxPosition)
+    , m_muxer(track, m_file.io())
+    , m_isValid(true)
+{
+    m_file.seek(0);
+    m_isValid = m_muxer.writeHeader(nullptr) == 0;
+}
+
+void Mp4Index::add(const EncodedPicture &picture, qint64 offset)
+{
+    if (!m_isValid)
+        return;
+    m_file.seek(offset);
+    m_isValid = m_muxer.writePicture(picture) == 0;
+}
+
+QByteArray Mp4Index::finish()
+{
+    if (!m_isValid)
+        return {};
+    m_isValid = false;
+    m_file.seek(kBoxPosition);
+    return m_muxer.writeTrailer() == 0 ? m_file.content() : QByteArray();
+}

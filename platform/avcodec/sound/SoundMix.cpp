@@ -1,0 +1,53 @@
+#include "avcodec/sound/SoundMix.h"
+
+#include <algorithm>
+#include <utility>
+
+void SoundMix::add(std::unique_ptr<AudioReader> reader, double gain)
+{
+    m_sources.push_back({std::move(reader), float(gain)});
+}
+
+qint64 SoundMix::expectedLength() const
+{
+    qint64 length = 0;
+    for (const Source &source : m_sources)
+        length = std::max(length, source.reader->expectedLength());
+    return length;
+}
+
+int SoundMix::read(float *left, float *right, int count)
+{
+    if (m_taken == 0) {
+        // What the limiter holds back is read ahead, so that the sound begins with its first sample.
+        std::vector<float> first(PeakLimiter::Delay);
+        std::vector<float> second(PeakLimiter::Delay);
+        readSum(first.data(), second.data(), PeakLimiter::Delay);
+        m_limiter.process(first.data(), second.data(), PeakLimiter::Delay);
+    }
+    readSum(left, right, count);
+    m_limiter.process(left, right, count);
+    const int sound = int(std::clamp<qint64>(m_length - m_given, 0, count));
+    m_given += count;
+    return sound;
+}
+
+void SoundMix::readSum(float *left, float *right, int count)
+{
+    float sourceLeft[MaxRead];
+    float sourceRight[MaxRead];
+    std::fill_n(left, count, 0.0F);
+    std::fill_n(right, count, 0.0F);
+    int longest = 0;
+    for (const Source &source : m_sources) {
+        const int length = source.reader->read(sourceLeft, sourceRight, count);
+        for (int i = 0; i < length; ++i) {
+            left[i] += source.gain * sourceLeft[i];
+            right[i] += source.gain * sourceRight[i];
+        }
+        longest = std::max(longest, length);
+    }
+    if (longest > 0)
+        m_length = m_taken + longest;
+    m_taken += count;
+}

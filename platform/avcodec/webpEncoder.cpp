@@ -1,8 +1,0 @@
-#include "avcodec/webpEncoder.h"
-
-#include "avcodec/WebpFormat.h"
-
-webpEncoder::webpEncoder(QSize size, const QString &path, int fps, int quality, const QString &extra)
-    : AnimationEncoder(size, path, fps, extra, std::make_unique<WebpFormat>(quality))
-{
-}

@@ -1,0 +1,145 @@
+#include "avcodec/x264/X264Encoder.h"
+
+#include "avcodec/x264/PlanarFrames.h"
+
+#include <QDebug>
+
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+
+namespace
+{
+
+constexpr int kLengthBytes = 4; // before each NAL unit
+constexpr int kMaxDimension = 16384;
+constexpr int kMaxFps = 1000;
+
+void logMessage(void *, int level, const char *format, va_list arguments)
+{
+    const QString text = QString::vasprintf(format, arguments).trimmed();
+    if (level <= X264_LOG_ERROR)
+        qWarning().noquote() << "[X264Encoder]" << text;
+    else
+        qDebug().noquote() << "[X264Encoder]" << text;
+}
+
+void appendParameterSet(QByteArray &record, const QByteArray &set)
+{
+    record.append(char(set.size() >> 8)).append(char(set.size())).append(set);
+}
+
+} // namespace
+
+x264_param_t X264Encoder::defaultParams(const char *preset, const char *tune, const QSize &size, int fps)
+{
+    x264_param_t param;
+    x264_param_default_preset(&param, preset, tune);
+    param.i_width = size.width();
+    param.i_height = size.height();
+    param.i_fps_num = uint32_t(fps);
+    param.i_fps_den = 1;
+    param.i_timebase_num = 1;
+    param.i_timebase_den = uint32_t(fps);
+    param.b_vfr_input = 0;
+    param.b_annexb = 0;
+    param.b_repeat_headers = 0;
+    param.analyse.b_mb_info = 1;
+    param.i_log_level = X264_LOG_WARNING;
+    param.pf_log = logMessage;
+    return param;
+}
+
+QString X264Encoder::limitError(const QSize &size, int fps)
+{
+    if (size.isEmpty() || size.width() > kMaxDimension || size.height() > kMaxDimension)
+        return QStringLiteral("Cannot encode pictures of %1 x %2 pixels").arg(size.width()).arg(size.height());
+    if (fps < 1 || fps > kMaxFps)
+        return QStringLiteral("Cannot encode %1 frames a second").arg(fps);
+    return {};
+}
+
+X264Encoder::X264Encoder(x264_param_t param)
+    : m_colourSpace(param.i_csp)
+    , m_macroblocks(std::size_t((param.i_width + 15) / 16) * std::size_t((param.i_height + 15) / 16))
+{
+    m_encoder.reset(x264_encoder_open(&param));
+}
+
+QByteArray X264Encoder::decoderConfiguration() const
+{
+    x264_nal_t *units = nullptr;
+    int count = 0;
+    if (!m_encoder || x264_encoder_headers(m_encoder.get(), &units, &count) < 0)
+        return {};
+    QByteArray sequence;
+    QByteArray picture;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray payload(reinterpret_cast<const char *>(units[i].p_payload) + kLengthBytes,
+                                 units[i].i_payload - kLengthBytes);
+        if (units[i].i_type == NAL_SPS)
+            sequence = payload;
+        else if (units[i].i_type == NAL_PPS)
+            picture = payload;
+    }
+    if (sequence.size() < 4 || picture.isEmpty())
+        return {};
+
+    QByteArray record;
+    record.append(char(1)).append(sequence.mid(1, 3)); // version; profile, compatibility, level
+    record.append(char(0xfc | (kLengthBytes - 1)));
+    record.append(char(0xe0 | 1));
+    appendParameterSet(record, sequence);
+    record.append(char(1));
+    appendParameterSet(record, picture);
+    // The high profiles state chroma format and bit depth (8) as well.
+    const bool is444 = (m_colourSpace & X264_CSP_MASK) == X264_CSP_I444;
+    record.append(char(0xfc | (is444 ? 3 : 1))).append(char(0xf8)).append(char(0xf8)).append(char(0));
+    return record;
+}
+
+bool X264Encoder::encode(const PlanarFrame &frame, qint64 pts, EncodedPicture *picture)
+{
+    x264_picture_t input;
+    x264_picture_init(&input);
+    input.i_pts = pts;
+    input.img.i_csp = m_colourSpace;
+    input.img.i_plane = int(frame.planes.size());
+    for (std::size_t i = 0; i < frame.planes.size(); ++i) {
+        input.img.plane[i] = const_cast<uint8_t *>(frame.planes[i].samples.data()); // read only
+        input.img.i_stride[i] = frame.planes[i].stride;
+    }
+    // The encoder keeps this table beyond the call when it looks ahead, so it gets its own.
+    static_assert(X264_MBINFO_CONSTANT == 1, "the table of unchanged macroblocks is handed over as it is");
+    Q_ASSERT(frame.unchanged.size() == m_macroblocks);
+    input.prop.mb_info = static_cast<uint8_t *>(std::malloc(m_macroblocks));
+    input.prop.mb_info_free = std::free;
+    if (!input.prop.mb_info)
+        return false;
+    std::memcpy(input.prop.mb_info, frame.unchanged.data(), m_macroblocks);
+    return encode(&input, picture);
+}
+
+bool X264Encoder::hasDelayedPictures() const
+{
+    return m_encoder && x264_encoder_delayed_frames(m_encoder.get()) > 0;
+}
+
+bool X264Encoder::flush(EncodedPicture *picture)
+{
+    return encode(nullptr, picture);
+}
+
+bool X264Encoder::encode(x264_picture_t *input, EncodedPicture *picture)
+{
+    *picture = {};
+    x264_picture_t output;
+    x264_nal_t *units = nullptr;
+    int count = 0;
+    const int size = x264_encoder_encode(m_encoder.get(), &units, &count, input, &output);
+    if (size < 0)
+        return false;
+    if (size > 0)
+        *picture = {units[0].p_payload, size, output.i_pts, output.i_dts, output.b_keyframe != 0};
+    return true;
+}

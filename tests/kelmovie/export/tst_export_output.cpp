@@ -1,0 +1,193 @@
+#include "export/ExportOutput.h"
+#include "support/FileSizeLimit.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class ExportOutputTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        dir = std::make_unique<QTemporaryDir>();
+        QVERIFY(QDir(dir->path()).mkpath("recording/Screen"));
+        write("recording/Screen/screen_record.mp4", "video");
+        write("recording/TrackManager.meta", "{}");
+        write("old.mp4", "old");
+    }
+
+    void findsProblems_data();
+    void findsProblems();
+    void findsLinksAndDevices_data();
+    void findsLinksAndDevices();
+    void moves_data();
+    void moves();
+    void keepsOldFile_data();
+    void keepsOldFile();
+
+private:
+    QString path(const QString &name) const { return dir->filePath(name); }
+    void write(const QString &name, const QByteArray &content)
+    {
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    }
+    QByteArray content(const QString &name) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    std::unique_ptr<QTemporaryDir> dir;
+    const QTemporaryDir otherDisk{"/dev/shm/kel_XXXXXX"};
+};
+
+void ExportOutputTest::findsProblems_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("problem");
+
+    QTest::newRow("new file") << "@/new.mp4"
+                              << "";
+    QTest::newRow("existing file") << "@/old.mp4"
+                                   << "";
+    QTest::newRow("beside the tracks") << "@/recording/out.mp4"
+                                       << "";
+    QTest::newRow("nothing") << ""
+                             << "No output file given";
+    QTest::newRow("directory") << "@/recording"
+                               << "Output path is a directory: @/recording";
+    QTest::newRow("no directory") << "@/no/out.mp4"
+                                  << "Output directory does not exist: @/no";
+    QTest::newRow("file as directory") << "@/old.mp4/out.mp4"
+                                       << "Output directory does not exist: @/old.mp4";
+    QTest::newRow("unwritable") << "/proc/out.mp4"
+                                << "Cannot write output file /proc/out.mp4: ";
+    const QString ours = "Output file would overwrite a part of the recording: ";
+    QTest::newRow("the video") << "@/recording/Screen/screen_record.mp4" << ours;
+    QTest::newRow("would become the video") << "@/recording/Mouse/../Screen/screen_record.mkv" << ours;
+    QTest::newRow("the metadata") << "@/recording/TrackManager.meta" << ours;
+}
+
+void ExportOutputTest::findsProblems()
+{
+    QFETCH(QString, output);
+    QFETCH(QString, problem);
+
+    QVERIFY(QDir(dir->path()).mkpath("recording/Mouse"));
+    const QStringList before = QDir(dir->path()).entryList();
+    const QString found = exportOutputProblem(output.replace('@', dir->path()), path("recording"));
+    QVERIFY2(problem.isEmpty() ? found.isEmpty() : found.startsWith(problem.replace('@', dir->path())),
+             qPrintable(found));
+    QCOMPARE(QDir(dir->path()).entryList(), before);
+    QCOMPARE(content("old.mp4"), QByteArray("old"));
+    QCOMPARE(content("recording/Screen/screen_record.mp4"), QByteArray("video"));
+}
+
+void ExportOutputTest::findsLinksAndDevices_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("problem");
+
+    QTest::newRow("device") << "/dev/full"
+                            << "Output path is not a regular file: /dev/full";
+    QTest::newRow("the video by a link") << "@/link.mp4"
+                                         << "Output file would overwrite a part of the recording: ";
+}
+
+void ExportOutputTest::findsLinksAndDevices()
+{
+    QVERIFY(QFile::link(path("recording/Screen/screen_record.mp4"), path("link.mp4")));
+    findsProblems();
+}
+
+void ExportOutputTest::moves_data()
+{
+    QTest::addColumn<bool>("isCopied");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("place");
+
+    for (bool isCopied : {false, true}) {
+        const QByteArray how = isCopied ? " from another disk" : "";
+        QTest::newRow("new" + how) << isCopied << "new.mp4"
+                                   << "new.mp4";
+        QTest::newRow("over a file" + how) << isCopied << "old.mp4"
+                                           << "old.mp4";
+        QTest::newRow("over what a link points to" + how) << isCopied << "link.mp4"
+                                                          << "recording/Screen/screen_record.mp4";
+    }
+}
+
+void ExportOutputTest::moves()
+{
+    QFETCH(bool, isCopied);
+    QFETCH(QString, name);
+    QFETCH(QString, place);
+
+    const QByteArray large(5'000'000, 'x');
+    const QString from = isCopied ? otherDisk.filePath("video.mp4") : path("video.mp4");
+    QFile video(from);
+    QVERIFY(video.open(QIODevice::WriteOnly) && video.write(large) == large.size());
+    video.close();
+    QVERIFY(QFile::link(path("recording/Screen/screen_record.mp4"), path("link.mp4")));
+    const bool isNew = !QFile::exists(path(place));
+    const QByteArray before = content(place);
+    if (!isNew)
+        QVERIFY(QFile::setPermissions(path(place), QFile::ReadOwner | QFile::WriteOwner));
+    qint64 last = -1;
+    const auto goOn = [&](qint64 copied) {
+        const bool rises = copied > last && content(place) == before;
+        last = copied;
+        return rises;
+    };
+    QCOMPARE(moveOverFile(from, path(name), goOn), QString());
+    QCOMPARE(last, isCopied ? qint64(large.size()) : 0);
+    QVERIFY(content(place) == large);
+    QVERIFY(!QFile::exists(from));
+    QVERIFY(isNew || !(QFile::permissions(path(place)) & QFile::ReadOther));
+    QCOMPARE(QFileInfo(path("link.mp4")).isSymLink(), true);
+}
+
+void ExportOutputTest::keepsOldFile_data()
+{
+    QTest::addColumn<bool>("isSourceThere");
+    QTest::addColumn<bool>("goesOn");
+    QTest::addColumn<qint64>("room");
+
+    QTest::newRow("stopped") << true << false << qint64(-1);
+    QTest::newRow("nothing to move") << false << true << qint64(-1);
+    QTest::newRow("full disk") << true << true << qint64(3'000'000);
+}
+
+void ExportOutputTest::keepsOldFile()
+{
+    QFETCH(bool, isSourceThere);
+    QFETCH(bool, goesOn);
+    QFETCH(qint64, room);
+
+    const QString from = otherDisk.filePath("video.mp4");
+    QFile::remove(from);
+    QFile video(from);
+    if (isSourceThere)
+        QVERIFY(video.open(QIODevice::WriteOnly) && video.resize(5'000'000));
+    video.close();
+    QString problem;
+    const auto move = [&] { problem = moveOverFile(from, path("old.mp4"), [&](qint64) { return goesOn; }); };
+    if (room < 0) {
+        move();
+    } else {
+        const FileSizeLimit limit(room);
+        move();
+    }
+    QVERIFY(!problem.isEmpty());
+    QCOMPARE(content("old.mp4"), QByteArray("old"));
+    QCOMPARE(QDir(dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"old.mp4"});
+    QCOMPARE(QFile::exists(from), isSourceThere);
+}
+
+QTEST_GUILESS_MAIN(ExportOutputTest)
+#include "tst_export_output.moc"

@@ -1,0 +1,441 @@
+#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/ScriptedDecoder.h"
+#include "kelmovie/support/ScriptedEncoder.h"
+
+#include "playback/tracks/KelPlaybackCountdownTrack.h"
+#include "support/EnvironmentChange.h"
+
+#include <KelMovie/KelExportPipeline.h>
+#include <KelMovie/KelMovieConfig.h>
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QDir>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QtTest>
+
+#include <limits>
+#include <stdexcept>
+
+using SetUp = std::function<void()>;
+Q_DECLARE_METATYPE(SetUp)
+
+namespace
+{
+
+class ScriptedMonitor : public KelExportMonitor
+{
+public:
+    void exportProgress(int percent) override
+    {
+        reports.append(percent);
+        if (percent == cancelAtPercent)
+            cancelled = true;
+        if (percent == throwAtPercent)
+            throw std::runtime_error("no more paper");
+    }
+    bool isExportCancelled() override
+    {
+        ++questions;
+        return cancelled || questions == cancelAtQuestion || (cancelWhen && cancelWhen());
+    }
+
+    QVector<int> reports;
+    int questions = 0;
+    int cancelAtPercent = -1;
+    int cancelAtQuestion = -1;
+    int throwAtPercent = -1;
+    std::function<bool()> cancelWhen;
+    bool cancelled = false;
+};
+
+} // namespace
+
+class ExportPipelineTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void showsEachFrame();
+    void placesTheFile_data();
+    void placesTheFile();
+    void fillsWhatTheVideoDoesNotCover();
+    void exportsWithoutMetadata();
+    void tellsTheTimeWithinTheRange();
+    void failures_data();
+    void failures();
+    void unsupportedFormat();
+    void cancel_data();
+    void cancel();
+    void paintsWhatStaysOnce();
+    void tellsWhatCouldNotBeRead();
+    void recordingClosedMeanwhile();
+    void monitorThrows();
+
+private:
+    bool runExport(const KelExportSeams &seams)
+    {
+        KelExportPipeline pipeline(request, &monitor, seams);
+        const bool done = pipeline.run();
+        error = pipeline.errorString();
+        return done;
+    }
+    bool runExport() { return runExport(scriptedEncoders(encoder)); }
+
+    void loadManager()
+    {
+        KelPlaybackSeams seams;
+        seams.nowMs = [] { return 0; };
+        seams.decoders = scriptedDecoders(decoder);
+        manager = std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
+        request.playbackManager = manager.get();
+    }
+    void writeOutput(const QByteArray &bytes)
+    {
+        QFile file(request.outputPath);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+    QByteArray output() const
+    {
+        QFile file(request.outputPath);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
+    }
+    /// Nothing of an export is left behind but its output.
+    bool isTidy() const
+    {
+        return QDir(temporary.path()).isEmpty() && QDir(outputDir->path()).entryList(QDir::Files).size() <= 1;
+    }
+
+    const QString usual = QDir::tempPath();
+    QTemporaryDir temporary;
+    std::unique_ptr<QTemporaryDir> outputDir;
+    std::unique_ptr<RecordingFixture> recording;
+    std::unique_ptr<KelPlaybackTrackManager> manager;
+    std::shared_ptr<DecoderScript> decoder;
+    std::shared_ptr<EncoderScript> encoder;
+    ScriptedMonitor monitor;
+    KelExportRequest request;
+    QString error;
+};
+
+void ExportPipelineTest::initTestCase()
+{
+    setTemporaryPath(temporary.path());
+}
+
+void ExportPipelineTest::init()
+{
+    setTemporaryPath(usual);
+    outputDir = std::make_unique<QTemporaryDir>();
+    recording = std::make_unique<RecordingFixture>(250);
+    setTemporaryPath(temporary.path());
+    decoder = std::make_shared<DecoderScript>();
+    decoder->frameCount = 250;
+    encoder = std::make_shared<EncoderScript>();
+    monitor = ScriptedMonitor();
+    request = KelExportRequest();
+    request.outputPath = outputDir->filePath("out.mp4");
+    loadManager();
+    manager->seek(33);
+}
+
+void ExportPipelineTest::showsEachFrame()
+{
+    request.speed = 2.0;
+    request.quality = 77;
+    manager->play();
+    int exportingFrames = 0;
+    encoder->onFrame = [&](int) { exportingFrames += manager->isExporting(); };
+    QVERIFY2(runExport(), qPrintable(error));
+    QVector<int> expected;
+    for (int i = 0; i < 125; ++i)
+        expected.append(int(i * 249 / 124.0 + 0.5));
+    QCOMPARE(encoder->frames, expected);
+    QCOMPARE(encoder->size, QSize(64, 48));
+    QCOMPARE(encoder->fps, 25);
+    QCOMPARE(encoder->quality, 77);
+
+    QCOMPARE(exportingFrames, 125);
+    QVERIFY(!manager->isExporting());
+    QCOMPARE(manager->state(), KelPlaybackTrackManager::Paused);
+    QCOMPARE(manager->currentFrame(), 33);
+
+    QCOMPARE(monitor.reports.first(), 0);
+    QCOMPARE(monitor.reports.last(), 100);
+    QVERIFY(std::is_sorted(monitor.reports.cbegin(), monitor.reports.cend()));
+    QVERIFY(monitor.reports.contains(45) && monitor.reports.contains(95));
+    QVERIFY(monitor.questions >= 125);
+}
+
+void ExportPipelineTest::placesTheFile_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<bool>("exists");
+
+    QTest::newRow("MP4") << 0 << false;
+    QTest::newRow("MP4 over a file") << 0 << true;
+    QTest::newRow("GIF") << 1 << false;
+    QTest::newRow("GIF over a file") << 1 << true;
+}
+
+void ExportPipelineTest::placesTheFile()
+{
+    QFETCH(int, format);
+    QFETCH(bool, exists);
+
+    if (exists)
+        writeOutput("old");
+    request.format = format;
+    QVERIFY2(runExport(), qPrintable(error));
+    QCOMPARE(output(), QByteArray("encoded"));
+    // The sound is added to an MP4 afterwards.
+    QCOMPARE(encoder->path.startsWith(format == 0 ? temporary.path() : outputDir->path()), true);
+    QVERIFY(isTidy());
+    QVERIFY(error.isEmpty());
+}
+
+void ExportPipelineTest::fillsWhatTheVideoDoesNotCover()
+{
+    decoder->frameSize = QSize(32, 48);
+    loadManager();
+    request.trimStartMs = request.trimEndMs = 4'000;
+    QVERIFY(runExport());
+    QCOMPARE(encoder->frames, QVector<int>{99});
+    QCOMPARE(encoder->corners, QVector<QRgb>{QColor(Qt::black).rgba()});
+}
+
+void ExportPipelineTest::tellsTheTimeWithinTheRange()
+{
+    recording->metadata.recordArea = QRect(0, 0, 320, 120);
+    recording->save();
+    gKelMovieConfig.playbackProgressEnable = true;
+    const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
+    loadManager();
+    const auto picture = [&] {
+        QImage image(320, 120, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        manager->paint(&painter);
+        return image;
+    };
+    manager->seek(50);
+    const QImage before = picture();
+
+    KelPlaybackCountdownTrack reference(QString(), nullptr);
+    reference.setTotalFrames(manager->totalFrames());
+    reference.setFps(manager->fps());
+    reference.setArea(QRect(0, 0, 320, 120));
+    reference.setScale(recording->metadata.pixelRatio);
+    reference.setSpeed(0.5);
+    reference.setRange(25, 75);
+    request.speed = 0.5;
+    request.trimStartMs = 1010; // of 4 s in 100 frames
+    request.trimEndMs = 3040;
+    bool differs = false;
+    encoder->onFrame = [&](int) {
+        manager->setFrameSilently(60);
+        const QImage told = picture();
+        QImage expected(told.size(), told.format());
+        expected.fill(Qt::black);
+        QPainter painter(&expected);
+        reference.seekToFrame(60);
+        reference.paint(&painter);
+        painter.end();
+        const QRect besideVideo(64, 0, 256, 120);
+        differs = differs || told.copy(besideVideo) != expected.copy(besideVideo);
+    };
+    QVERIFY(runExport());
+    QVERIFY(!differs);
+    manager->seek(50);
+    QCOMPARE(picture(), before);
+}
+
+void ExportPipelineTest::exportsWithoutMetadata()
+{
+    recording->remove("TrackManager.meta");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot open manager metadata:"));
+    loadManager();
+    QVERIFY2(runExport(), qPrintable(error));
+    QCOMPARE(encoder->size, decoder->frameSize);
+    QCOMPARE(encoder->frames.size(), 250);
+    QCOMPARE(encoder->frames.last(), 249);
+}
+
+void ExportPipelineTest::failures_data()
+{
+    QTest::addColumn<SetUp>("setUp");
+    QTest::addColumn<QString>("text");
+
+    const auto row = [](const char *name, const QString &text, const SetUp &setUp) {
+        QTest::newRow(name) << setUp << text;
+    };
+    row("no manager", "Track manager is null", [this] { request.playbackManager = nullptr; });
+    row("no recording", "Video file not found", [this] {
+        recording->remove("Screen/screen_record.mp4");
+        loadManager();
+    });
+    row("no area", "Invalid playback area size", [this] {
+        recording->metadata.recordArea = QRect();
+        recording->save();
+        decoder->frameSize = QSize(0, 0);
+        loadManager();
+    });
+    row("speed 0", "Invalid export speed", [this] { request.speed = 0.0; });
+    row("no speed", "Invalid export speed", [this] { request.speed = std::numeric_limits<double>::quiet_NaN(); });
+    row("too slow", "Too many frames to export", [this] { request.speed = 1e-9; });
+    row("fps 0", "Invalid export frame rate", [this] { request.fps = 0; });
+    row("no output", "No output file given", [this] { request.outputPath.clear(); });
+    row("encoder cannot start", "Failed to create encoder", [this] { encoder->isValid = false; });
+    row("encoder fails at once", "Failed to encode frame 0", [this] { encoder->failAtFrame = 0; });
+    row("encoder fails at frame 100", "Failed to encode frame 100", [this] { encoder->failAtFrame = 100; });
+    row("encoder cannot close", "Failed to finish the output file", [this] { encoder->closeFails = true; });
+    row("no file", "Output file does not exist:", [this] { encoder->output = QByteArray(); });
+    row("empty file", "Output file is empty:", [this] { encoder->output = ""; });
+    row("empty GIF", "Output file is empty:", [this] {
+        encoder->output = "";
+        request.format = 1;
+    });
+    row("output goes away", "Failed to copy video file to output path",
+        [this] { encoder->onFrame = [this](int) { outputDir->remove(); }; });
+}
+
+void ExportPipelineTest::failures()
+{
+    QFETCH(SetUp, setUp);
+    QFETCH(QString, text);
+
+    writeOutput("old");
+    const QString outputPath = request.outputPath;
+    setUp();
+    manager->seek(33);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^" + text));
+    QVERIFY(!runExport());
+    QVERIFY2(error.startsWith(text), qPrintable(error));
+    QCOMPARE(manager->currentFrame(), manager->isValidRecording() ? 33 : 0);
+    QVERIFY(!manager->isExporting());
+    QVERIFY(!monitor.reports.contains(100));
+    QVERIFY(isTidy());
+    request.outputPath = outputPath;
+    if (QFile::exists(outputPath))
+        QCOMPARE(output(), QByteArray("old"));
+}
+
+void ExportPipelineTest::unsupportedFormat()
+{
+    request.format = 4;
+    QTest::ignoreMessage(QtWarningMsg, "Unsupported export format 4");
+    QTest::ignoreMessage(QtWarningMsg, "Failed to create encoder");
+    QVERIFY(!runExport(KelExportSeams::real()));
+    QCOMPARE(error, QString("Failed to create encoder"));
+    QVERIFY(!QFile::exists(request.outputPath));
+}
+
+void ExportPipelineTest::cancel_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<int>("frames"); ///< that the encoder was given until then
+    QTest::addColumn<SetUp>("setUp");
+
+    const auto row = [](const QByteArray &name, int frames, const SetUp &setUp) {
+        QTest::newRow("MP4, " + name) << 0 << frames << setUp;
+        QTest::newRow("GIF, " + name) << 1 << frames << setUp;
+    };
+    row("before the start", 0, [this] { monitor.cancelAtQuestion = 1; });
+    row("before the first frame", 0, [this] { monitor.cancelAtQuestion = 2; });
+    row("in the middle", 126, [this] { monitor.cancelAtPercent = 45; });
+    row("while a picture is decoded", 100, [this] {
+        decoder->hangsAtFrame = 100;
+        monitor.cancelWhen = [this] { return decoder->isHanging && encoder->frames.size() == 100; };
+    });
+    row("of a recording that nobody has looked at", 100, [this] {
+        loadManager();
+        decoder->hangsAtFrame = 100;
+        monitor.cancelWhen = [this] { return decoder->isHanging && encoder->frames.size() == 100; };
+    });
+    row("while the encoder's queue is full", 50, [this] {
+        encoder->fullFromFrame = 50;
+        monitor.cancelWhen = [this] { return encoder->frames.size() == 50; };
+    });
+    row("after the last frame", 250, [this] { monitor.cancelAtPercent = 90; });
+    row("while the encoder closes", 250, [this] {
+        encoder->hangsInClose = true;
+        monitor.cancelWhen = [this] { return encoder->isClosing.load(); };
+    });
+    QTest::newRow("MP4, when all but the file's move is done")
+        << 0 << 250 << SetUp([this] { monitor.cancelAtPercent = 95; });
+}
+
+void ExportPipelineTest::cancel()
+{
+    QFETCH(int, format);
+    QFETCH(int, frames);
+    QFETCH(SetUp, setUp);
+
+    writeOutput("old");
+    request.format = format;
+    setUp();
+    const int frame = manager->currentFrame();
+    QVERIFY(!runExport());
+    QVERIFY2(error.isEmpty(), qPrintable(error));
+    QCOMPARE(encoder->frames.size(), frames);
+    QCOMPARE(manager->currentFrame(), frame);
+    QVERIFY(!monitor.reports.contains(100));
+    QVERIFY(encoder->aborted || encoder->isClosing || frames == 0);
+    QVERIFY(isTidy());
+    QCOMPARE(output(), QByteArray("old"));
+    decoder->release();
+}
+
+void ExportPipelineTest::paintsWhatStaysOnce()
+{
+    recording->writeIndexes(250, [](int i) { return i / 10; });
+    loadManager();
+    decoder->decoded.clear();
+    manager->seek(33);
+    QVERIFY2(runExport(), qPrintable(error));
+    QCOMPARE(encoder->pictures, 25);
+    QCOMPARE(encoder->frames.size(), 250);
+    for (int i = 0; i < 250; ++i)
+        QCOMPARE(encoder->frames[i], i / 10);
+    QCOMPARE(decoder->decoded.size(), 25); // also the way back to frame 33
+}
+
+void ExportPipelineTest::tellsWhatCouldNotBeRead()
+{
+    for (int frame = 120; frame < 250; ++frame)
+        decoder->failures[frame] = 100;
+    KelExportPipeline pipeline(request, &monitor, scriptedEncoders(encoder));
+    QVERIFY2(pipeline.run(), qPrintable(pipeline.errorString()));
+    QCOMPARE(encoder->frames.size(), 250);
+    QCOMPARE(encoder->frames.last(), 119);
+    QVERIFY2(pipeline.warningString().contains("130 frames"), qPrintable(pipeline.warningString()));
+    QCOMPARE(output(), QByteArray("encoded"));
+}
+
+void ExportPipelineTest::recordingClosedMeanwhile()
+{
+    encoder->onFrame = [this](int frame) {
+        if (frame == 20)
+            manager.reset();
+    };
+    QTest::ignoreMessage(QtWarningMsg, "The recording was closed during the export");
+    QVERIFY(!runExport());
+    QCOMPARE(error, QString("The recording was closed during the export"));
+    QCOMPARE(encoder->frames.size(), 21);
+    QVERIFY(isTidy());
+}
+
+void ExportPipelineTest::monitorThrows()
+{
+    monitor.throwAtPercent = 50;
+    QTest::ignoreMessage(QtWarningMsg, "An error occurred during export: no more paper");
+    QVERIFY(!runExport());
+    QCOMPARE(error, QString("An error occurred during export: no more paper"));
+    QCOMPARE(manager->currentFrame(), 33);
+    QVERIFY(isTidy());
+}
+
+QTEST_MAIN(ExportPipelineTest)
+#include "tst_export_pipeline.moc"

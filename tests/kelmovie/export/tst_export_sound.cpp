@@ -1,0 +1,269 @@
+#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/ScriptedDecoder.h"
+#include "kelmovie/support/ScriptedEncoder.h"
+#include "playback/tracks/KelPlaybackVoiceTrack.h"
+#include "support/EnvironmentChange.h"
+#include "support/Sound.h"
+
+#include <KelMovie/KelExportPipeline.h>
+#include <KelMovie/KelMovieUI.h>
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QtTest>
+
+using SetUp = std::function<void()>;
+Q_DECLARE_METATYPE(SetUp)
+
+namespace
+{
+
+class Monitor : public KelExportMonitor
+{
+public:
+    void exportProgress(int percent) override { reports.append(percent); }
+    bool isExportCancelled() override { return !reports.isEmpty() && reports.last() >= cancelFromPercent; }
+
+    QVector<int> reports;
+    int cancelFromPercent = 101;
+};
+
+} // namespace
+
+/// Exports of recordings with sound, as MP4 files that the ffmpeg program then decodes.
+class ExportSoundTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void carriesSound_data();
+    void carriesSound();
+    void soundsAsPlayed_data();
+    void soundsAsPlayed();
+    void placesTheFile_data();
+    void placesTheFile();
+    void showsPicturesWithoutSound();
+    void cancelWhileMixing();
+    void trimsAudioFile();
+
+private:
+    static constexpr double kSystemHertz = 440;
+    static constexpr double kMicrophoneHertz = 1'000;
+
+    void loadManager()
+    {
+        KelPlaybackSeams seams = KelPlaybackSeams::real();
+        seams.decoders = scriptedDecoders(decoder);
+        manager = std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
+        request.playbackManager = manager.get();
+    }
+    bool runExport(const KelExportSeams &seams = KelExportSeams::real())
+    {
+        KelExportPipeline pipeline(request, &monitor, seams);
+        const bool isComplete = pipeline.run();
+        error = pipeline.errorString();
+        warning = pipeline.warningString();
+        return isComplete;
+    }
+    /// Nothing of an export is left behind but its output.
+    bool isTidy() const
+    {
+        return QDir(temporary->path()).isEmpty() &&
+               QDir(outputDir->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size() <= 1;
+    }
+
+    const QString usual = QDir::tempPath();
+    std::unique_ptr<QTemporaryDir> temporary;
+    std::unique_ptr<QTemporaryDir> outputDir;
+    std::unique_ptr<RecordingFixture> recording;
+    std::shared_ptr<DecoderScript> decoder;
+    std::unique_ptr<KelPlaybackTrackManager> manager;
+    KelExportRequest request;
+    Monitor monitor;
+    QString error;
+    QString warning;
+};
+
+void ExportSoundTest::init()
+{
+    setTemporaryPath(usual);
+    temporary = std::make_unique<QTemporaryDir>();
+    outputDir = std::make_unique<QTemporaryDir>();
+    // The clock of a recording at 30 a second ticks every 33 ms: 4 s have 121 frames.
+    recording = std::make_unique<RecordingFixture>(121, 30);
+    recording->metadata.durationMs = 4'000;
+    recording->metadata.systemAudio = recording->metadata.microphoneAudio = true;
+    recording->save();
+    QVERIFY(QDir(recording->path()).mkdir("Voice"));
+    const QString voice = recording->path() + "/Voice/";
+    QVERIFY(
+        Sound::make(4.0, Sound::tone(kSystemHertz, 0.4, 1.5, 2.5)).save(voice + "system_audio_20260101_101010.wav"));
+    QVERIFY(Sound::make(4.0, Sound::tone(kMicrophoneHertz, 0.3), 44'100, 1)
+                .save(voice + "microphone_20260101_101010.wav", false));
+    setTemporaryPath(temporary->path());
+    decoder = std::make_shared<DecoderScript>();
+    decoder->frameCount = 121;
+    request = KelExportRequest();
+    request.outputPath = outputDir->filePath("out.mp4");
+    monitor = Monitor();
+    loadManager();
+}
+
+void ExportSoundTest::carriesSound_data()
+{
+    QTest::addColumn<double>("speed");
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("to");
+
+    for (double speed : {0.5, 1.0, 2.0}) {
+        QTest::addRow("at %g", speed) << speed << -1 << -1;
+        QTest::addRow("a part at %g", speed) << speed << 1'000 << 3'200;
+    }
+}
+
+void ExportSoundTest::carriesSound()
+{
+    QFETCH(double, speed);
+    QFETCH(int, from);
+    QFETCH(int, to);
+
+    request.speed = speed;
+    request.trimStartMs = from;
+    request.trimEndMs = to;
+    QVERIFY2(runExport(), qPrintable(error));
+    QCOMPARE(warning, QString());
+    const Sound sound = Sound::decode(request.outputPath);
+    const double begin = from < 0 ? 0 : from / 1000.0;
+    const double seconds = (to < 0 ? 4.0 : to / 1000.0 - begin) / speed;
+    QVERIFY2(std::fabs(sound.seconds() - seconds) < 0.065, qPrintable(QString::number(sound.seconds())));
+    const auto at = [&](double recorded) { return (recorded - begin) / speed; };
+    const double system = kSystemHertz * speed; // the pitch follows the speed
+    const double microphone = kMicrophoneHertz * speed;
+    const double heard = sound.level(system, at(1.52), at(2.48));
+    QVERIFY2(std::fabs(heard - 0.4) < 0.02, qPrintable(QString::number(heard)));
+    QVERIFY(sound.level(system, at(begin), at(1.48)) < 0.02);
+    QVERIFY(sound.level(system, at(2.52), at(3.1)) < 0.02);
+    QVERIFY(std::fabs(sound.level(microphone, at(begin + 0.05), at(3.1)) - 0.3) < 0.02);
+
+    QCOMPARE(monitor.reports.last(), 100);
+    QVERIFY(std::is_sorted(monitor.reports.cbegin(), monitor.reports.cend()));
+    QVERIFY(isTidy());
+}
+
+void ExportSoundTest::soundsAsPlayed_data()
+{
+    QTest::addColumn<SetUp>("setUp");
+    QTest::addColumn<double>("system");
+    QTest::addColumn<double>("microphone");
+
+    const auto row = [](const char *name, double system, double microphone, const SetUp &setUp) {
+        QTest::newRow(name) << setUp << system << microphone;
+    };
+    row("system audio muted", 0.0, 0.3, [this] { manager->voiceTrack()->setSystemAudioMuted(true); });
+    row("system audio off", 0.0, 0.3, [this] { manager->voiceTrack()->setSystemAudioEnabled(false); });
+    row("microphone without volume", 0.4, 0.0, [this] { manager->voiceTrack()->setMicrophoneVolume(0.0); });
+    row("as loud as it is played", 0.2, 0.6, [this] {
+        manager->voiceTrack()->setSystemAudioVolume(0.5);
+        manager->voiceTrack()->setMicrophoneVolume(0.8);
+        manager->voiceTrack()->setMicrophoneGain(2.5);
+    });
+    row("no gain", 0.0, 0.3, [this] { manager->voiceTrack()->setSystemAudioGain(0.0); });
+    row("microphone not recorded", 0.4, 0.0, [this] {
+        recording->metadata.microphoneAudio = false;
+        recording->save();
+        loadManager();
+    });
+    row("both muted", 0.0, 0.0, [this] {
+        manager->voiceTrack()->setSystemAudioMuted(true);
+        manager->voiceTrack()->setMicrophoneMuted(true);
+    });
+    row("directory without sound", 0.0, 0.0, [this] { request.trackDataDir = outputDir->path(); });
+    row("no voice directory", 0.0, 0.0, [this] {
+        manager.reset(); // which has the sound open
+        QDir(recording->path() + "/Voice").removeRecursively();
+        loadManager();
+    });
+}
+
+void ExportSoundTest::soundsAsPlayed()
+{
+    QFETCH(SetUp, setUp);
+    QFETCH(double, system);
+    QFETCH(double, microphone);
+
+    setUp();
+    QVERIFY2(runExport(), qPrintable(error));
+    const Sound sound = Sound::decode(request.outputPath);
+    QCOMPARE(sound.samples.empty(), system + microphone == 0.0);
+    QVERIFY(std::fabs(sound.level(kSystemHertz, 1.6, 2.4) - system) < 0.02);
+    QVERIFY(std::fabs(sound.level(kMicrophoneHertz, 1.6, 2.4) - microphone) < 0.02);
+    QVERIFY(isTidy());
+}
+
+void ExportSoundTest::placesTheFile_data()
+{
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("Matroska") << "out.mkv";
+    QTest::newRow("name of another type") << "out.bin";
+}
+
+void ExportSoundTest::placesTheFile()
+{
+    QFETCH(QString, name);
+
+    request.outputPath = outputDir->filePath(name);
+    QFile old(request.outputPath);
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.setPermissions(QFile::ReadOwner | QFile::WriteOwner));
+    old.close();
+    const QFile::Permissions permissions = old.permissions();
+    QVERIFY2(runExport(), qPrintable(error));
+    QVERIFY(std::fabs(Sound::decode(request.outputPath).level(kMicrophoneHertz, 0.5, 3.5) - 0.3) < 0.02);
+    QCOMPARE(QFileInfo(request.outputPath).permissions(), permissions);
+    QVERIFY(isTidy());
+}
+
+void ExportSoundTest::showsPicturesWithoutSound()
+{
+    const auto encoder = std::make_shared<EncoderScript>(); // what it writes cannot be mixed
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("The sound could not be added: Cannot read video"));
+    QVERIFY2(runExport(scriptedEncoders(encoder)), qPrintable(error));
+    QVERIFY(warning.startsWith("The sound could not be added: Cannot read video"));
+    QFile output(request.outputPath);
+    QVERIFY(output.open(QIODevice::ReadOnly));
+    QCOMPARE(output.readAll(), QByteArray("encoded"));
+    QVERIFY(isTidy());
+}
+
+void ExportSoundTest::cancelWhileMixing()
+{
+    request.speed = 0.1; // long enough to be caught
+    monitor.cancelFromPercent = 96;
+    QVERIFY(!runExport());
+    QCOMPARE(error, QString());
+    QVERIFY(!QFile::exists(request.outputPath));
+    QVERIFY(isTidy());
+}
+
+void ExportSoundTest::trimsAudioFile()
+{
+    const QString source = recording->path() + "/Voice/system_audio_20260101_101010.wav";
+    const QString trimmed = outputDir->filePath("out.m4a");
+    QCOMPARE(KelMovieUI::createTrimmedAudioFile(source, 1'000, 3'000, trimmed), trimmed);
+    const Sound sound = Sound::decode(trimmed);
+    QVERIFY2(std::fabs(sound.seconds() - 2.0) < 0.022, qPrintable(QString::number(sound.seconds())));
+    QVERIFY2(std::fabs(sound.onset(0.2) - 0.5) < 0.003, qPrintable(QString::number(sound.onset(0.2))));
+    QVERIFY2(std::fabs(sound.end(0.2) - 1.5) < 0.003, qPrintable(QString::number(sound.end(0.2))));
+    QVERIFY(isTidy());
+
+    QTest::ignoreMessage(QtWarningMsg, "Failed to create trimmed audio file");
+    QCOMPARE(KelMovieUI::createTrimmedAudioFile(source + "x", 0, 100, trimmed), QString());
+    QCOMPARE(Sound::decode(trimmed).seconds(), sound.seconds());
+    QVERIFY(isTidy());
+    setTemporaryPath("/proc"); // where nobody creates anything
+    QTest::ignoreMessage(QtWarningMsg, "Failed to create minimal video file for audio trimming");
+    QCOMPARE(KelMovieUI::createTrimmedAudioFile(source, 0, 100, trimmed), QString());
+}
+
+QTEST_MAIN(ExportSoundTest)
+#include "tst_export_sound.moc"

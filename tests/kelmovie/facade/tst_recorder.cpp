@@ -1,0 +1,300 @@
+#include "facade/KelMovieUI.h"
+#include "facade/KelMultiTrackRecorder.h"
+#include "kelmovie/support/RecordFakes.h"
+#include "record/KelRecordTrackManager.h"
+#include "screen/KelScreenManager.h"
+
+#include "support/Files.h"
+#include "support/LogCapture.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include <optional>
+
+namespace
+{
+QStringList entries(const QString &path)
+{
+    QStringList names = QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    names.sort(); // whatever the locale
+    return names;
+}
+} // namespace
+
+class TestRecorder : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void goesThroughItsStates();
+    void refusesToStart_data();
+    void refusesToStart();
+    void failedStartLeavesNothing();
+    void recordsAgainAndKeepsTheEarlierRecording();
+    void trackFailureIsSignalledOnce();
+    void failureAtStopComesBeforeStopped();
+    void stopsAtTheFrameLimit();
+    void hostMayStartAnewWhenItHearsOfTheStop();
+    void refusesToExport();
+
+private:
+    KelMultiTrackRecorder *createRecorder();
+    QString outputDir() const { return m_dir->filePath("recording"); }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::optional<ScreenScript> m_script;
+    std::unique_ptr<KelMovieUI> m_ui;
+    QStringList m_signals; // in the order of their emission
+};
+
+void TestRecorder::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    m_script.emplace();
+    m_script->pictureSize = QSize(64, 48);
+    KelScreenManager::instance()->setBackend(std::make_unique<ScriptedBackend>(*m_script, QString()));
+    m_ui = std::make_unique<KelMovieUI>();
+    m_signals.clear();
+}
+
+void TestRecorder::cleanup()
+{
+    m_ui.reset();
+    KelScreenManager::instance()->setBackend(nullptr);
+}
+
+KelMultiTrackRecorder *TestRecorder::createRecorder()
+{
+    KelMultiTrackRecorder *recorder = m_ui->createMultiTrackRecorder();
+    using R = KelMultiTrackRecorder;
+    connect(recorder, &R::recordingStarted, this, [this] { m_signals << "started"; });
+    connect(recorder, &R::recordingStopped, this, [this] { m_signals << "stopped"; });
+    connect(recorder, &R::recordingPaused, this, [this] { m_signals << "paused"; });
+    connect(recorder, &R::recordingResumed, this, [this] { m_signals << "resumed"; });
+    connect(recorder, &R::recordingError, this, [this](const QString &error) { m_signals << "error: " + error; });
+    R::RecordConfig config;
+    config.outputDir = outputDir();
+    config.enableMouse = false;
+    recorder->setRecordConfig(config);
+    recorder->setRecordArea(QRect(0, 0, 64, 48));
+    return recorder;
+}
+
+void TestRecorder::goesThroughItsStates()
+{
+    KelMultiTrackRecorder *recorder = createRecorder();
+    LogCapture log;
+    recorder->pauseRecording();
+    recorder->stopRecording();
+    QCOMPARE(m_signals, QStringList());
+    QVERIFY(log.take().contains("W [KelMultiTrackRecorder] 跳过停止录制 (未在录制或 recordManager 为空)"));
+    const auto switchTracks = [&] { // neither is there
+        recorder->setMouseRecordingEnabled(true);
+        recorder->setKeyboardRecordingEnabled(false);
+        return log.take();
+    };
+    QCOMPARE(switchTracks().filter("Cannot control").size(), 2);
+
+    QVERIFY(recorder->startRecording());
+    QVERIFY(recorder->isRecording() && !recorder->isPaused());
+    QVERIFY(!recorder->startRecording());
+    QCOMPARE(switchTracks().filter("track not found").size(), 2);
+    recorder->pauseRecording();
+    QVERIFY(recorder->isRecording() && recorder->isPaused());
+    recorder->pauseRecording();
+    QVERIFY(recorder->startRecording());
+    QVERIFY(recorder->isRecording() && !recorder->isPaused());
+    QTRY_VERIFY(m_script->captures > 2);
+    recorder->pauseRecording();
+    recorder->stopRecording();
+    QVERIFY(!recorder->isRecording() && !recorder->isPaused());
+    QCOMPARE(m_signals, (QStringList{"started", "paused", "resumed", "paused", "stopped"}));
+    QCOMPARE(entries(outputDir()), (QStringList{"Screen", "TrackManager.meta"}));
+    QCOMPARE(entries(outputDir() + "/Screen"), (QStringList{"frame_indexes.dat", "screen_record.mp4"}));
+}
+
+void TestRecorder::refusesToStart_data()
+{
+    QTest::addColumn<QRect>("area");
+    QTest::addColumn<int>("fps");
+    QTest::addColumn<QString>("outputDir"); // %1 is a directory
+    QTest::addColumn<QString>("screenError");
+    QTest::addColumn<QString>("error"); // its beginning
+    const QRect area(0, 0, 64, 48);
+    const auto row = [](const char *name, const QRect &rect, int fps, const char *dir, const char *screenError,
+                        const char *error) {
+        QTest::newRow(name) << rect << fps << QString(dir) << QString(screenError)
+                            << (rect.isEmpty() ? "" : "Failed to start recording: ") + QString(error);
+    };
+    row("no area", QRect(), 25, "%1/new", "", "Record area not set");
+    row("fps 0", area, 0, "%1/new", "", "The frame rate 0 is not between 1 and 1000");
+    row("fps 1001", area, 1001, "%1/new", "", "The frame rate 1001 is not between 1 and 1000");
+    row("no directory", area, 25, "", "", "No output directory given");
+    row("below a file", area, 25, "%1/file/new", "", "Cannot create the directory %1/file/new");
+    row("not writable", area, 25, "/proc/self", "", "Cannot write to the directory /proc/self: ");
+    row("no display", area, 25, "%1/new", "no display", "no display");
+}
+
+void TestRecorder::refusesToStart()
+{
+    QFETCH(QRect, area);
+    QFETCH(int, fps);
+    QFETCH(QString, outputDir);
+    QFETCH(QString, screenError);
+    QFETCH(QString, error);
+    writeFile(m_dir->filePath("file"), "bystander");
+    KelScreenManager::instance()->setBackend(std::make_unique<ScriptedBackend>(*m_script, screenError));
+    KelMultiTrackRecorder *recorder = createRecorder();
+    auto config = recorder->recordConfig();
+    config.fps = fps;
+    config.outputDir = outputDir.replace("%1", m_dir->path());
+    recorder->setRecordConfig(config);
+    recorder->setRecordArea(area);
+    QVERIFY(!recorder->startRecording());
+    error.replace("%1", m_dir->path());
+    QCOMPARE(m_signals.size(), 1);
+    QVERIFY2(m_signals[0].startsWith("error: " + error), qPrintable(m_signals[0]));
+    QCOMPARE("error: " + recorder->lastError(), m_signals[0]);
+    QVERIFY(!recorder->isRecording());
+    QCOMPARE(entries(m_dir->path()), QStringList{"file"});
+}
+
+void TestRecorder::failedStartLeavesNothing()
+{
+    m_script->streamerError = "the rectangle cannot be read";
+    KelMultiTrackRecorder *recorder = createRecorder();
+    auto config = recorder->recordConfig();
+    config.enableMouse = true;
+    config.enableKeyboard = true;
+    recorder->setRecordConfig(config);
+    QVERIFY(!recorder->startRecording());
+    QCOMPARE(m_signals, QStringList{"error: Failed to start recording: Screen track: the rectangle cannot be read"});
+    QVERIFY(!QFileInfo::exists(outputDir()));
+
+    QVERIFY(QDir().mkpath(outputDir())); // the user's own
+    QVERIFY(!recorder->startRecording());
+    QVERIFY(QFileInfo::exists(outputDir()));
+    QCOMPARE(entries(outputDir()), QStringList());
+}
+
+void TestRecorder::recordsAgainAndKeepsTheEarlierRecording()
+{
+    writeFile(outputDir() + "/notes.txt", "the user's");
+    KelMultiTrackRecorder *recorder = createRecorder();
+    QList<QByteArray> recordings;
+    for (int i = 0; i < 3; ++i) {
+        m_script->captures = 0;
+        QVERIFY(recorder->startRecording());
+        QTRY_VERIFY(m_script->captures > 0);
+        recorder->stopRecording();
+        recordings << readFile(outputDir() + "/TrackManager.meta");
+    }
+    QCOMPARE(entries(outputDir()),
+             (QStringList{"Previous-1", "Previous-2", "Screen", "TrackManager.meta", "notes.txt"}));
+    for (int i = 0; i < 2; ++i) {
+        const QString dir = QString("%1/Previous-%2").arg(outputDir()).arg(i + 1);
+        QCOMPARE(entries(dir), (QStringList{"Screen", "TrackManager.meta"}));
+        QCOMPARE(readFile(dir + "/TrackManager.meta"), recordings[i]);
+        QVERIFY(QFileInfo(dir + "/Screen/screen_record.mp4").size() > 0);
+    }
+}
+
+void TestRecorder::trackFailureIsSignalledOnce()
+{
+    KelMultiTrackRecorder *recorder = createRecorder();
+    QSignalSpy tracks(recorder, &KelMultiTrackRecorder::trackFailed);
+    std::atomic<bool> lost{false};
+    m_script->atQuestion = [&] {
+        if (lost)
+            m_script->streamerError = "the X server is gone";
+    };
+    QVERIFY(recorder->startRecording());
+    QTRY_VERIFY(m_script->captures > 0);
+    m_script->changed = false;
+    lost = true;
+    const QString error = "error: Screen track: the X server is gone";
+    QTRY_COMPARE(m_signals, (QStringList{"started", error}));
+    QCOMPARE(tracks, (QList<QVariantList>{{"Screen track", "the X server is gone"}}));
+    QVERIFY(recorder->isRecording());
+    recorder->stopRecording();
+    QCOMPARE(m_signals, (QStringList{"started", error, "stopped"}));
+}
+
+void TestRecorder::failureAtStopComesBeforeStopped()
+{
+    KelMultiTrackRecorder *recorder = createRecorder();
+    QVERIFY(recorder->startRecording());
+    QTRY_VERIFY(m_script->captures > 0);
+    QVERIFY(QDir().mkpath(outputDir() + "/TrackManager.meta.tmp/occupied"));
+    recorder->stopRecording();
+    QCOMPARE(m_signals.size(), 3);
+    QVERIFY2(m_signals[1].startsWith("error: Metadata: cannot write "), qPrintable(m_signals[1]));
+    QCOMPARE(m_signals[2], QString("stopped"));
+}
+
+void TestRecorder::stopsAtTheFrameLimit()
+{
+    KelMultiTrackRecorder *recorder = createRecorder();
+    m_script->changed = false;
+    QVERIFY(recorder->startRecording());
+    auto *manager = recorder->findChild<KelRecordTrackManager *>();
+    for (int i = 0; i < KelRecordTrackManager::MaxFrames + 3; ++i)
+        QVERIFY(QMetaObject::invokeMethod(manager, "onFrameTimeout"));
+    QVERIFY(manager->isAtFrameLimit());
+    QVERIFY(recorder->isRecording());
+    QTRY_VERIFY(!recorder->isRecording());
+    // The video is empty: nothing was to be seen.
+    QCOMPARE(m_signals.first(), QString("started"));
+    QCOMPARE(m_signals[1], QString("error: The recording was stopped: it has reached the limit of 1000000 frames"));
+    QCOMPARE(m_signals.filter("limit").size(), 1);
+    QCOMPARE(m_signals.last(), QString("stopped"));
+    QCOMPARE(QFileInfo(outputDir() + "/Screen/frame_indexes.dat").size(), qint64(8 + 4 * 1000000));
+}
+
+void TestRecorder::hostMayStartAnewWhenItHearsOfTheStop()
+{
+    KelMultiTrackRecorder *recorder = createRecorder();
+    QVERIFY(recorder->startRecording());
+    QTRY_VERIFY(m_script->captures > 0);
+    QMetaObject::Connection connection = connect(recorder, &KelMultiTrackRecorder::recordingStopped, this, [&] {
+        disconnect(connection);
+        QVERIFY(recorder->startRecording());
+    });
+    recorder->stopRecording();
+    QVERIFY(recorder->isRecording());
+    QCOMPARE(m_signals, (QStringList{"started", "stopped", "started"}));
+}
+
+void TestRecorder::refusesToExport()
+{
+    KelMultiTrackRecorder *recorder = createRecorder();
+    const auto errors = [&] {
+        m_signals.clear();
+        const bool isExported = recorder->exportToVideo(m_dir->filePath("a.mp4"), 0) ||
+                                recorder->exportToGif(m_dir->filePath("a.gif"), 50) ||
+                                recorder->exportToVideoWithTrim(m_dir->filePath("a.mp4"), 0, 0, 1000, 0, 25);
+        return isExported ? QStringList{"exported"} : m_signals;
+    };
+    QCOMPARE(errors(), QStringList(QVector<QString>(3, "error: No recording loaded for export").toList()));
+
+    QVERIFY(recorder->loadRecording(m_dir->filePath("nowhere")));
+    QTimer closer; // of the message boxes
+    connect(&closer, &QTimer::timeout, this, [] {
+        if (QWidget *box = QApplication::activeModalWidget(); qobject_cast<QMessageBox *>(box))
+            box->close();
+    });
+    closer.start(5);
+    QCOMPARE(errors(), (QStringList{"error: Failed to start export", "error: Failed to start export",
+                                    "error: Failed to start export with audio trim"}));
+}
+
+QTEST_MAIN(TestRecorder)
+#include "tst_recorder.moc"

@@ -1,0 +1,251 @@
+#include "kelmovie/support/MouseFixture.h"
+
+#include "playback/mouse/ClickList.h"
+#include "playback/mouse/ClickPlayer.h"
+#include "playback/mouse/EffectTiming.h"
+#include "playback/mouse/KelMouseButtonLottie.h"
+#include "playback/mouse/KelMouseWheelLottie.h"
+
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <cmath>
+
+namespace
+{
+
+/// Whether anything is painted, and what its weight on the left is as a share of all.
+template <typename Effect>
+std::pair<bool, double> paintOf(Effect &effect, int frame, int argument)
+{
+    QImage image(128, 128, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    effect.paint(&painter, frame, QRectF(32, 32, 64, 64), argument);
+    painter.end();
+    double all = 0, left = 0;
+    for (int y = 0; y < 128; ++y) {
+        for (int x = 0; x < 128; ++x) {
+            all += qAlpha(image.pixel(x, y));
+            left += x < 64 ? qAlpha(image.pixel(x, y)) : 0;
+        }
+    }
+    return {all > 0, all > 0 ? left / all : 0};
+}
+
+/// "L12h!" is a left click's effect at frame 12, the button held, its hold frame reached; "W3-" a turn down.
+QString describe(const std::vector<ActiveMouseEffect> &effects)
+{
+    QStringList all;
+    for (const ActiveMouseEffect &effect : effects) {
+        const QString name = effect.isWheel ? "W" : QStringList{"L", "R", "M"}.value(int(effect.button));
+        all << name + QString::number(effect.current) + (effect.isHolding ? "h" : "") +
+                   (effect.isHoldReached ? "!" : "") + (effect.isWheel ? effect.delta < 1 ? "-" : "+" : "");
+    }
+    return all.join(' ');
+}
+
+} // namespace
+
+class MouseEffectsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void clickEffects();
+    void wheelEffects();
+    void timing();
+    void effects_data();
+    void effects();
+    void pairsLikeAWalk();
+
+private:
+    MouseFixture files;
+};
+
+void MouseEffectsTest::clickEffects()
+{
+    struct Case {
+        int frames;
+        int hold;
+        int holdRaw;
+        bool flag;
+        bool paints;
+    };
+    const Case cases[] = {{0, 0, 0, false, false}, // none, ray, floral, fireworks, stars, ripple, conventional
+                          {24, 4, 9, true, true},  {24, 0, 1, false, true}, {24, 6, 12, true, true},
+                          {24, 4, 9, true, true},  {24, 6, 12, true, true}, {12, 4, 4, true, false}};
+    int type = 0;
+    for (const Case &c : cases) {
+        const auto effect = createMouseButtonLottie(30, type);
+        QCOMPARE(effect->holdFrameRaw(), c.holdRaw);
+        QCOMPARE(effect->holdFrame(), c.hold);
+        QCOMPARE(effect->effectFlag(), c.flag);
+        QCOMPARE(effect->frameCount(0, true), c.frames);
+        QCOMPARE(createMouseButtonLottie(60, type)->frameCount(0, true), 2 * c.frames);
+        QCOMPARE(paintOf(*effect, 4, 0).first, c.paints);
+        ++type;
+    }
+    QVERIFY(!createMouseButtonLottie(30, -1) && !createMouseButtonLottie(30, type));
+    const auto ray = createMouseButtonLottie(30, 1); // leans towards the button
+    QVERIFY(paintOf(*ray, 4, 0).second > 0.8);
+    QVERIFY(paintOf(*ray, 4, 1).second < 0.2);
+}
+
+void MouseEffectsTest::wheelEffects()
+{
+    QVERIFY(!createMouseWheelLottie(30, 2));
+    QVERIFY(!createMouseWheelLottie(30, -1));
+    QCOMPARE(createMouseWheelLottie(30, 0)->frameCount(), 0);
+    QVERIFY(!paintOf(*createMouseWheelLottie(30, 0), 5, 1).first);
+    QCOMPARE(createMouseWheelLottie(30, 1)->frameCount(), 24);
+    QVERIFY(paintOf(*createMouseWheelLottie(30, 1), 5, 1).first);
+}
+
+void MouseEffectsTest::timing()
+{
+    // 60 frames at 60 a second, played at 30 a second.
+    QCOMPARE(EffectTiming::playbackFrames(60, 60, 30), 30);
+    QCOMPARE(EffectTiming::playbackFrame(9, 60, 30), 4);
+    QCOMPARE(EffectTiming::animationFrame(10, 60, 30), 20.0F);
+    QCOMPARE(EffectTiming::playbackFrames(5, 60, 30), 3); // halves up
+    QCOMPARE(EffectTiming::playbackFrames(-5, 60, 30), -2);
+    for (double rate : {0.0, double(NAN), 1e-300}) {
+        EffectTiming::playbackFrame(9, rate, 30); // anything but undefined
+        QVERIFY(std::abs(EffectTiming::playbackFrames(0, rate, 30)) == 0);
+    }
+}
+
+void MouseEffectsTest::effects_data()
+{
+    // Click type 1 and wheel type 1: 24 frames, hold frame 4. What is to be seen after a seek to a frame: "30=L4" or
+    // "30=80%" for the pointer; "20-29" are seeks without a look.
+    QTest::addColumn<int>("clickType");
+    QTest::addColumn<QString>("clicks");
+    QTest::addColumn<QString>("seeks");
+
+    const auto row = [](const char *name, const char *clicks, const char *seeks, int clickType = 1) {
+        QTest::newRow(name) << clickType << clicks << seeks;
+    };
+    row("short", "1 left down, 4 left up", "0=;1=L0;2=L1;3-4;5=L4;6-23;24=L23;25=");
+    row("held", "10 left down, 30 left up",
+        "0-9;10=L0h;11-13;14=L4h;15=L4h!;16-28;29=L4h!;30=L4;31=L5;32-47;48=L22;49=");
+    row("held for 499 ms", "10 left down @1, 30 left up @500", "0-9;10=L0");
+    row("held for 500 ms", "10 left down @1, 30 left up @501", "0-9;10=L0h");
+    row("never released", "5 left down", "0-4;5=L0;6=");
+    row("released without a time", "5 left down, 9 left up @0", "0-4;5=L0;6=");
+    row("released in the same frame", "2 left down, 3 left up, 50 left down, 50 left up",
+        "0-49;50=L0;51=L1;52-72;73=L23");
+    row("never pressed", "5 right up", "0-4;5=R0;6=");
+    row("released once more", "1 left down, 3 left up, 40 left up", "0-39;40=");
+    row("another click while held", "5 left down, 8 left down, 40 left up, 9 right down, 12 right up",
+        "0-8;9=L4h R0;10=L4h! R1");
+    row("unknown button", "5 side down, 9 side up", "0-4;5=;6=");
+    row("wheel", "5 wheel -120", "0-4;5=W0-;6=W1-;7-26;27=W22-;28=");
+    row("wheel turned on", "5 wheel -120, 10 wheel -120", "0-9;10=W5-");
+    row("wheel turned on near the end", "5 wheel -120, 25 wheel -120", "0-24;25=W20- W0-");
+    row("wheel turned back", "5 wheel -120, 8 wheel 120", "0-7;8=W0+");
+    row("wheel turned back after 14 steps", "5 wheel -120, 19 wheel 120", "0-18;19=W0+");
+    row("wheel turned back after 15 steps", "5 wheel -120, 20 wheel 120", "0-19;20=W15-");
+    row("back to the start", "3 left down, 5 left up", "0-4;0=;1-2;3=L0");
+    row("back, but not to the start", "3 left down, 5 left up", "0-4;1=L2");
+    row("frames left out", "5 left down, 6 left up, 7 wheel 120", "0;8=L0 W0+;16=L1 W1+");
+    row("a jump", "5 left down, 6 left up", "0;100=");
+    row("a jump over the release", "5 left down, 40 left up", "0-10;100=L5");
+    row("the same frame again", "5 left down, 8 left up", "4;5=L0;5=L1;6=L2");
+
+    row("pointer, held", "10 left down, 30 left up",
+        "0-9;10=100%;11=99%;12=95%;13=90%;14;15=81%;16=80%;17-29;30=80%;31=81%;32;33=93%;34-35;36=100%", 6);
+    row("pointer, let go early", "10 left down, 13 left up", "0-12;13=90%;14=91%;15-18;19=100%", 6);
+    row("pointer, tapped", "10 left down, 10 left up", "0-9;10=100%;11-15;16=80%;17-21;22=100%", 6);
+    row("pointer, another button", "10 left down, 12 right up, 40 left up", "0-15;16=80%;17-20;21=80%", 6);
+    row("pointer, a jump over the release", "10 left down, 40 left up", "0-20;100=81%", 6);
+    row("pointer, back to the start", "10 left down, 40 left up", "0-20;0=100%", 6);
+    row("pointer, other effect", "10 left down, 40 left up", "0-20;21=100%", 5);
+}
+
+void MouseEffectsTest::effects()
+{
+    QFETCH(QString, clicks);
+    QFETCH(QString, seeks);
+    QFETCH(int, clickType);
+    files.write("clicks", MouseFixture::clicks(clicks));
+    ClickPlayer player;
+    player.setClickType(clickType);
+    player.setWheelType(1);
+    QVERIFY(player.load(files.filePath("clicks")));
+    for (const QString &seek : seeks.split(';')) {
+        if (!seek.contains('=')) {
+            for (int frame = seek.section('-', 0, 0).toInt(); frame <= seek.section('-', -1).toInt(); ++frame)
+                player.seekToFrame(frame);
+            continue;
+        }
+        player.seekToFrame(seek.section('=', 0, 0).toInt());
+        const QString seen = seek.endsWith('%') ? QString("%1%").arg(std::lround(player.pointerScale() * 100))
+                                                : describe(player.effects());
+        QCOMPARE(seek.section('=', 0, 0) + '=' + seen, seek);
+    }
+}
+
+/// The naive way: for each click the first record after it that is a later release of the same button, or the next
+/// release when that is in the same frame.
+void MouseEffectsTest::pairsLikeAWalk()
+{
+    struct Event {
+        int frame;
+        int ms;
+        bool isRelease;
+        bool isLeft;
+    };
+    QRandomGenerator random(4711);
+    for (int round = 0; round < 200; ++round) {
+        QVector<Event> events;
+        QJsonArray records;
+        for (int i = random.bounded(40); i > 0; --i) {
+            const Event event{random.bounded(-3, 30), random.bounded(1500), random.bounded(2) > 0,
+                              random.bounded(2) > 0};
+            records.append(QJsonObject{{"frame", event.frame},
+                                       {"x", events.size()}, // tells the number of the record
+                                       {"timestamp", event.ms},
+                                       {"action", event.isRelease ? "release" : "click"},
+                                       {"button", event.isLeft ? "left" : "right"}});
+            events << event;
+        }
+        const auto releaseOf = [&](int click) {
+            int next = -1;
+            for (int i = click + 1; i < events.size(); ++i) {
+                if (!events[i].isRelease || events[i].isLeft != events[click].isLeft)
+                    continue;
+                if (events[i].frame > events[click].frame)
+                    return i;
+                next = next < 0 ? i : next;
+            }
+            return next >= 0 && events[next].frame == events[click].frame ? next : -1;
+        };
+        files.write("clicks", records);
+        ClickList list;
+        QVERIFY(list.load(files.filePath("clicks")));
+        std::pair<int, int> last{-100, 0};
+        int seen = 0;
+        for (const MouseClick &click : list.between(-100, 100)) {
+            const int index = click.position.x();
+            QVERIFY(std::make_pair(click.frame, index) > last);
+            last = {click.frame, index};
+            ++seen;
+            if (events[index].isRelease)
+                continue;
+            const int release = releaseOf(index);
+            QCOMPARE(click.isPaired, release >= 0 && events[release].ms >= 1);
+            if (click.isPaired) {
+                QCOMPARE(click.releaseFrame, events[release].frame);
+                QCOMPARE(click.isLong,
+                         click.releaseFrame > click.frame && events[release].ms - events[index].ms >= 500);
+            }
+        }
+        QCOMPARE(seen, records.size());
+    }
+}
+
+QTEST_GUILESS_MAIN(MouseEffectsTest)
+#include "tst_mouse_effects.moc"

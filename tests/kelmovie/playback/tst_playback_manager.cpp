@@ -1,0 +1,359 @@
+#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/ScriptedDecoder.h"
+
+#include "support/TestTable.h"
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QTimerEvent>
+#include <QtTest>
+
+#include <limits>
+
+class PlaybackManagerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        script = std::make_shared<DecoderScript>();
+        recording = std::make_unique<RecordingFixture>(100);
+        signalLog.clear();
+        nowMs = 1'700'000'000'000;
+    }
+
+    void loads_data();
+    void loads();
+    void survivesDamagedRecordings();
+    void seeks();
+    void seekWhilePlayingMovesTheClock();
+    void tick_data();
+    void tick();
+    void decodesEveryNthChange();
+    void endOfPlay();
+    void lateTimerDoesNotDrift();
+    void playPauseStop();
+    void speedIsBounded();
+    void releasesDecoders();
+
+private:
+    std::unique_ptr<KelPlaybackTrackManager> load()
+    {
+        KelPlaybackSeams seams;
+        seams.nowMs = [this] { return nowMs; };
+        seams.decoders = scriptedDecoders(script);
+        auto manager = std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
+        const auto *m = manager.get();
+        connect(m, &KelPlaybackTrackManager::sigFrameChanged, this,
+                [this](int frame) { signalLog.append(QString::number(frame)); });
+        connect(m, &KelPlaybackTrackManager::sigPlaybackStarted, this, [this] { signalLog.append("started"); });
+        connect(m, &KelPlaybackTrackManager::sigPlaybackPaused, this, [this] { signalLog.append("paused"); });
+        connect(m, &KelPlaybackTrackManager::sigPlaybackStopped, this,
+                [this, m] { signalLog.append(QString("stopped at %1").arg(m->currentFrame())); });
+        connect(m, &KelPlaybackTrackManager::sigPlaybackSpeedChanged, this,
+                [this](double speed) { signalLog.append(QString("speed %1").arg(speed)); });
+        return manager;
+    }
+
+    /// Lets the manager's timer expire `afterMs` later, without the time passing.
+    void tickAfter(KelPlaybackTrackManager &manager, qint64 afterMs)
+    {
+        nowMs += afterMs;
+        auto *timer = manager.findChild<QTimer *>();
+        QVERIFY(timer);
+        if (!timer->isActive())
+            return;
+        QTimerEvent expired(timer->timerId());
+        QCoreApplication::sendEvent(timer, &expired);
+    }
+
+    static int shownFrame(KelPlaybackTrackManager &manager)
+    {
+        QImage image(64, 48, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::magenta);
+        QPainter painter(&image);
+        manager.paint(&painter);
+        return frameOfColor(image.pixel(63, 47));
+    }
+
+    std::shared_ptr<DecoderScript> script;
+    std::unique_ptr<RecordingFixture> recording;
+    QStringList signalLog;
+    qint64 nowMs = 0;
+};
+
+void PlaybackManagerTest::loads_data()
+{
+    const TestTable<QStringList, QStringList, int, QString> row("warnings", "criticals", "totalFrames", "error");
+    const QString noMetadata = "Cannot open manager metadata: \"";
+    const QString noDirectory = "Screen track enabled but directory not found: \"";
+    const QString noScreen = "No screen track found in tracks list";
+    const QString noDecoder = "Failed to create H264 decoder or decoder is invalid";
+    row("whole", {}, {}, 100, "");
+    row("no metadata", {noMetadata}, {}, 100, "");
+    row("metadata is no object", {"Invalid manager metadata format"}, {}, 100, "");
+    row("no duration", {"No recording duration found in metadata"}, {}, 100, "");
+    row("no directory", {noMetadata, noDirectory}, {noScreen}, 1, "Recording directory not found: ");
+    row("no screen directory", {noDirectory}, {noScreen}, 1, "Screen directory not found: ");
+    row("no screen track", {"Screen track disabled, cannot determine frame count"}, {}, 1,
+        "The recording has no screen track");
+    row("broken video", {}, {noDecoder, "Screen track creation failed: \"Failed to create H264", noScreen}, 1,
+        noDecoder);
+}
+
+void PlaybackManagerTest::loads()
+{
+    QFETCH(QStringList, warnings);
+    QFETCH(QStringList, criticals);
+    QFETCH(int, totalFrames);
+    QFETCH(QString, error);
+
+    const QString setup = QTest::currentDataTag();
+    if (setup == "no metadata")
+        recording->remove("TrackManager.meta");
+    else if (setup == "metadata is no object")
+        recording->write("TrackManager.meta", "[1, 2]");
+    else if (setup == "no duration")
+        recording->write("TrackManager.meta", R"({"fps": 25, "tracks": {"mouseTrack": false}})");
+    else if (setup == "no directory")
+        QDir(recording->path()).removeRecursively();
+    else if (setup == "no screen directory")
+        QDir(recording->screenDir()).removeRecursively();
+    else if (setup == "broken video")
+        script->validity = {false};
+    else if (setup == "no screen track") {
+        recording->metadata.screenTrack = false;
+        recording->save();
+    }
+    for (const QString &text : warnings)
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^" + QRegularExpression::escape(text)));
+    for (const QString &text : criticals)
+        QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^" + QRegularExpression::escape(text)));
+
+    const auto manager = load();
+    QCOMPARE(manager->totalFrames(), totalFrames);
+    QCOMPARE(manager->fps(), 25);
+    QCOMPARE(manager->state(), KelPlaybackTrackManager::Stopped);
+    QCOMPARE(manager->isValidRecording(), error.isEmpty());
+    QVERIFY(error.isEmpty() ? manager->errorString().isEmpty() : manager->errorString().startsWith(error));
+    QCOMPARE(manager->trackNames(), error.isEmpty() ? QStringList{"ScreenTrack"} : QStringList{});
+    if (error.isEmpty())
+        QCOMPARE(manager->pictureSize(), QSize(64, 48)); // the video tells where the metadata cannot
+    else if (setup == "no directory")
+        QVERIFY(manager->pictureSize().isEmpty());
+
+    signalLog.clear();
+    manager->seek(totalFrames);
+    manager->seek(-1);
+    QVERIFY(signalLog.isEmpty());
+    manager->seek(totalFrames - 1);
+    QCOMPARE(signalLog, QStringList{QString::number(totalFrames - 1)});
+}
+
+void PlaybackManagerTest::survivesDamagedRecordings()
+{
+    const QByteArray wholeMetadata = readFile(recording->path() + "/TrackManager.meta");
+    const QByteArray wholeIndex = readFile(recording->screenDir() + "/frame_indexes.dat");
+    QRandomGenerator random(4711);
+    const auto damaged = [&](QByteArray bytes) {
+        for (int i = random.bounded(1, 6); i > 0; --i)
+            bytes[random.bounded(bytes.size())] = char(random.bounded(256));
+        return random.bounded(4) == 0 ? bytes.left(random.bounded(bytes.size())) : bytes;
+    };
+    const QtMessageHandler loud = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    for (int round = 0; round < 400; ++round) {
+        recording->write("TrackManager.meta", damaged(wholeMetadata));
+        recording->write("Screen/frame_indexes.dat", damaged(wholeIndex));
+        script->frameCount = random.bounded(-1, 200);
+        script->failures = {{random.bounded(200), random.bounded(4)}};
+        const auto manager = load();
+        for (int frame : {0, manager->totalFrames() - 1, random.bounded(manager->totalFrames())})
+            manager->seek(frame);
+        manager->setSpeed(random.bounded(20.0));
+        manager->play();
+        for (int i = 0; i < 5; ++i)
+            tickAfter(*manager, random.bounded(100'000));
+        shownFrame(*manager);
+    }
+    qInstallMessageHandler(loud);
+    QCOMPARE(script->alive, 0);
+}
+
+void PlaybackManagerTest::seeks()
+{
+    const auto manager = load();
+    manager->seek(40);
+    QCOMPARE(manager->currentFrame(), 40);
+    QCOMPARE(shownFrame(*manager), 40);
+    manager->seek(40, true);
+    QCOMPARE(signalLog, (QStringList{"40", "40"}));
+    QCOMPARE(script->decoded, QVector<int>{40});
+    manager->paint(nullptr);
+    signalLog.clear();
+    for (const int frame : {7, 100, -1})
+        manager->setFrameSilently(frame);
+    QCOMPARE(manager->currentFrame(), 7);
+    QCOMPARE(shownFrame(*manager), 7);
+    QVERIFY(signalLog.isEmpty());
+}
+
+void PlaybackManagerTest::seekWhilePlayingMovesTheClock()
+{
+    struct Case {
+        int frame;
+        bool force;
+        int frameAfter100Ms; // at 25 frames a second, 2.5 frames later
+    };
+    for (const Case &c :
+         {Case{11, false, 12}, {12, false, 12}, {8, false, 12}, {13, false, 15}, {7, false, 9}, {11, true, 13}}) {
+        const auto manager = load();
+        manager->seek(10);
+        manager->play();
+        manager->seek(c.frame, c.force);
+        tickAfter(*manager, 100);
+        QCOMPARE(manager->currentFrame(), c.frameAfter100Ms);
+    }
+}
+
+void PlaybackManagerTest::tick_data()
+{
+    const TestTable<double, int, QStringList, int> row("speed", "afterMs", "log", "shown");
+
+    row("too early", 1.0, 39, {}, 0);
+    row("one frame", 1.0, 40, {"1", "1"}, 1);
+    row("late by seconds", 1.0, 2039, {"50", "50"}, 50);
+    row("half speed", 0.5, 160, {"2", "2"}, 2);
+    row("one and a half", 1.5, 80, {"3", "3"}, 3);
+    row("last frame, not over", 1.0, 3999, {"99", "99"}, 99);
+    row("over", 1.0, 4000, {"99", "0", "stopped at 0"}, 0);
+    row("clock set back", 1.0, -5000, {}, 0);
+}
+
+void PlaybackManagerTest::tick()
+{
+    QFETCH(double, speed);
+    QFETCH(int, afterMs);
+    QFETCH(QStringList, log);
+    QFETCH(int, shown);
+
+    const auto manager = load();
+    manager->setSpeed(speed);
+    manager->play();
+    signalLog.clear();
+    tickAfter(*manager, afterMs);
+    QCOMPARE(signalLog, log);
+    QCOMPARE(shownFrame(*manager), shown);
+}
+
+void PlaybackManagerTest::decodesEveryNthChange()
+{
+    for (const auto &[speed, step] : {std::pair(1.5, 1), {1.6, 1}, {2.0, 2}, {3.9, 3}}) {
+        const auto manager = load();
+        manager->setSpeed(speed);
+        manager->play();
+        signalLog.clear();
+        script->decoded.clear();
+        const int changes = 12; // a multiple of every step: the counter may start anywhere
+        for (int i = 0; i < changes; ++i)
+            tickAfter(*manager, 60);
+        QCOMPARE(script->decoded.size(), changes / step);
+        QCOMPARE(signalLog.size(), changes + changes / step); // every change is told, every move once more
+    }
+}
+
+void PlaybackManagerTest::endOfPlay()
+{
+    const auto manager = load();
+    manager->seek(98);
+    manager->play();
+    tickAfter(*manager, 40);
+    tickAfter(*manager, 39);
+    QCOMPARE(manager->state(), KelPlaybackTrackManager::Playing);
+    signalLog.clear();
+    tickAfter(*manager, 1);
+    QCOMPARE(signalLog, (QStringList{"0", "stopped at 0"}));
+    QCOMPARE(manager->state(), KelPlaybackTrackManager::Stopped);
+    QCOMPARE(manager->lastPlayDurationMs(), qint64(4000));
+    QVERIFY(!manager->findChild<QTimer *>()->isActive());
+
+    manager->play(); // from the beginning, with its first picture at once
+    QCOMPARE(shownFrame(*manager), 0);
+    tickAfter(*manager, 40);
+    QCOMPARE(manager->currentFrame(), 1);
+}
+
+void PlaybackManagerTest::lateTimerDoesNotDrift()
+{
+    recording = std::make_unique<RecordingFixture>(2000, 24);
+    const auto manager = load();
+    manager->play();
+    qint64 elapsed = 0;
+    for (int i = 0; elapsed < 60'000; ++i) {
+        const int late = 41 + i * 7 % 30;
+        elapsed += late;
+        tickAfter(*manager, late);
+    }
+    QCOMPARE(manager->currentFrame(), int(24 * elapsed / 1000));
+}
+
+void PlaybackManagerTest::playPauseStop()
+{
+    const auto manager = load();
+    manager->pause();
+    manager->stop();
+    QVERIFY(signalLog.isEmpty());
+
+    manager->play();
+    manager->play();
+    const auto *timer = manager->findChild<QTimer *>();
+    QVERIFY(timer->isActive() && timer->interval() <= 40);
+    tickAfter(*manager, 410);
+    manager->pause();
+    manager->pause();
+    QCOMPARE(manager->state(), KelPlaybackTrackManager::Paused);
+    QVERIFY(!timer->isActive());
+    nowMs += 100'000;
+    manager->play(); // goes on where it was
+    tickAfter(*manager, 40);
+    QCOMPARE(manager->currentFrame(), 11);
+    manager->pause();
+    manager->stop();
+    manager->stop();
+    QCOMPARE(signalLog,
+             (QStringList{"started", "10", "10", "paused", "started", "11", "11", "paused", "0", "stopped at 0"}));
+}
+
+void PlaybackManagerTest::speedIsBounded()
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const auto &[asked, speed] :
+         {std::pair(2.0, 2.0), {0.0, 0.1}, {-3.0, 0.1}, {1e300, 16.0}, {nan, 1.0}, {infinity, 1.0}}) {
+        const auto manager = load();
+        manager->play();
+        tickAfter(*manager, 400);
+        signalLog.clear();
+        manager->setSpeed(asked);
+        QCOMPARE(manager->speed(), speed);
+        QCOMPARE(signalLog, qIsFinite(asked) ? QStringList{QString("speed %1").arg(speed)} : QStringList{});
+        tickAfter(*manager, 120); // from frame 10 on, no jump
+        QCOMPARE(manager->currentFrame(), 10 + int(3 * speed));
+    }
+}
+
+void PlaybackManagerTest::releasesDecoders()
+{
+    auto manager = load();
+    manager->play();
+    manager.reset();
+    QCOMPARE(script->alive, 0);
+    QCOMPARE(script->deletedUnclosed, 0);
+}
+
+QTEST_MAIN(PlaybackManagerTest)
+#include "tst_playback_manager.moc"

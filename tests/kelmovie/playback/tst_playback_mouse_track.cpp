@@ -1,0 +1,380 @@
+#include "kelmovie/support/MouseFixture.h"
+#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/ScriptedDecoder.h"
+
+#include "playback/mouse/KelPlaybackMouseTrack.h"
+#include "playback/mouse/PointerList.h"
+#include "recording/input/CursorImages.h"
+#include "support/LogCapture.h"
+#include "support/PaintedPart.h"
+#include "support/TestTable.h"
+
+#include <KelMovie/KelMovieConfig.h>
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QPainter>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QtTest>
+
+namespace
+{
+
+constexpr QRgb kPaper = 0xfffafaf0;
+
+QImage paint(KelPlaybackMouseTrack &track, QSize size = QSize(300, 200), int ratio = 1)
+{
+    QImage image(size * ratio, QImage::Format_RGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(kPaper);
+    QPainter painter(&image);
+    track.paint(&painter);
+    return image;
+}
+
+QRect partOf(const QImage &image)
+{
+    return paintedPart(image, kPaper);
+}
+
+/// A PNG whose header promises more pixels than anybody has memory for.
+QByteArray hugePng()
+{
+    return QByteArray::fromHex(
+        "89504e470d0a1a0a0000000d49484452000186a0000186a008060000001f8c8b3e0000000049454e44ae426082");
+}
+
+} // namespace
+
+class PlaybackMouseTrackTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void pointerToThePixel();
+    void hiddenPointer();
+    void pressedPointer();
+    void effectsAroundThePointer();
+    void badFiles_data();
+    void badFiles();
+    void badCursors();
+    void oddValuesPaintSafely();
+    void findsLikeAWalk();
+    void partOfARecording();
+
+private:
+    std::unique_ptr<MouseFixture> files;
+};
+
+void PlaybackMouseTrackTest::init()
+{
+    files = std::make_unique<MouseFixture>();
+    files->writeSquareCursor();
+    files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(1, 100, 50)});
+}
+
+/// The hotspot's pixel is where the pointer was, and nothing is blurred.
+void PlaybackMouseTrackTest::pointerToThePixel()
+{
+    // Of a picture and the screen that it is shown on: plain, sharp, a sharp picture on a plain screen.
+    for (const auto &[imageRatio, deviceRatio] : {std::pair(1, 1), {2, 2}, {2, 1}}) {
+        files->writeSquareCursor(16, imageRatio);
+        KelPlaybackMouseTrack track(files->path(), nullptr);
+        QCOMPARE(track.errorString(), QString());
+        track.seekToFrame(0); // before the first move
+        QCOMPARE(partOf(paint(track)), QRect());
+        track.seekToFrame(5);
+        const QImage image = paint(track, {300, 200}, deviceRatio);
+        if (imageRatio == deviceRatio) {
+            QCOMPARE(partOf(image), QRect(QPoint(100, 50) * deviceRatio - QPoint(2, 3), QSize(16, 16)));
+            QCOMPARE(image.pixelColor(QPoint(100, 50) * deviceRatio), QColor(Qt::red));
+            QCOMPARE(image.pixelColor(QPoint(100, 50) * deviceRatio + QPoint(1, 0)), QColor(Qt::green));
+        } else {
+            QVERIFY(QRect(98, 48, 10, 10).contains(partOf(image)));
+        }
+        track.setEnabled(false);
+        QVERIFY(!track.isVisible());
+        QCOMPARE(partOf(paint(track)), QRect());
+        track.paint(nullptr);
+    }
+}
+
+void PlaybackMouseTrackTest::hiddenPointer()
+{
+    struct Case {
+        const char *name;
+        QPoint place;
+        QString action;
+        bool isShown;
+    };
+    for (const Case &c : {Case{"in a corner", {2000, 1500}, "move", true},
+                          {"right of all", {2001, 10}, "move", false},
+                          {"below all", {10, 1501}, "move", false},
+                          {"left of the picture", {-5, 10}, "move", true},
+                          {"nowhere", {-1, -1}, "move", false},
+                          {"hidden", {10, 10}, "hide", false},
+                          {"unheard of", {10, 10}, "jump", true}}) {
+        files->write("mousemoves-0.json",
+                     QJsonArray{MouseFixture::move(0, c.place.x(), c.place.y(), "square", c.action)});
+        KelPlaybackMouseTrack track(files->path(), nullptr);
+        track.seekToFrame(0);
+        QVERIFY2(partOf(paint(track, {2100, 1600})).isEmpty() != c.isShown, c.name);
+    }
+}
+
+/// With the settings that a track starts with, a click is to be seen.
+void PlaybackMouseTrackTest::pressedPointer()
+{
+    files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
+    KelPlaybackMouseTrack track(files->path(), nullptr);
+    for (int frame = 0; frame <= 10; ++frame)
+        track.seekToFrame(frame);
+    // 16 pixels at 4/5, about the pointer: from 2 left and 3 above.
+    const QRect part = partOf(paint(track));
+    QVERIFY(QRect(98, 47, 14, 14).contains(part));
+    QVERIFY(part.width() <= 14 && part.height() <= 14);
+    track.resetEffects();
+    QCOMPARE(partOf(paint(track)).size(), QSize(16, 16));
+}
+
+void PlaybackMouseTrackTest::effectsAroundThePointer()
+{
+    // Far away from the pointer, at (100, 50), which long effects follow.
+    files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, 220, 150)});
+    const QRect pointer(218, 147, 16, 16);
+    const auto partWith = [&](const QString &clicks, auto set) {
+        files->write("mouseclicks-0.json", MouseFixture::clicks(clicks));
+        KelPlaybackMouseTrack track(files->path(), nullptr);
+        track.setClickType(5);
+        track.setWheelType(1);
+        track.setEffectColor(Qt::magenta);
+        set(track);
+        for (int frame = 0; frame <= 9; ++frame)
+            track.seekToFrame(frame);
+        return paint(track);
+    };
+    const auto asIs = [](KelPlaybackMouseTrack &) {};
+
+    const QImage clicked = partWith("3 left down, 5 left up", asIs);
+    QVERIFY(QRect(68, 18, 64, 64).contains(partOf(clicked.copy(0, 0, 200, 130))));
+    QCOMPARE(partOf(clicked.copy(200, 130, 100, 70)).translated(200, 130), pointer);
+    int magenta = 0;
+    for (int y = 18; y < 82; ++y) {
+        for (int x = 68; x < 132; ++x)
+            magenta += clicked.pixelColor(x, y) == QColor(Qt::magenta);
+    }
+    QVERIFY(magenta > 20);
+
+    const QImage large = partWith("3 left down, 5 left up", [](auto &track) { track.setEffectScale(1.5); });
+    QVERIFY(partOf(large.copy(0, 0, 200, 130)).width() > 1.4 * partOf(clicked.copy(0, 0, 200, 130)).width());
+
+    const QRect aroundPointer(188, 118, 64, 64);
+    const QRect held = partOf(partWith("3 left down, 40 left up", asIs));
+    QVERIFY(aroundPointer.contains(held) && held.contains(pointer) && held != pointer);
+    const QRect turned = partOf(partWith("3 wheel 120", asIs));
+    QVERIFY(aroundPointer.contains(turned) && turned != pointer);
+
+    QCOMPARE(partOf(partWith("3 right down, 40 right up", [](auto &track) { track.setShownButtons(5); })), pointer);
+    QCOMPARE(partOf(partWith("3 wheel 120", [](auto &track) { track.setShowWheel(false); })), pointer);
+    QCOMPARE(partOf(partWith("3 wheel 120", [](auto &track) { track.setWheelType(0); })), pointer);
+    QCOMPARE(partOf(partWith("3 left down, 5 left up", [](auto &track) { track.setClickType(9); })), pointer);
+    QCOMPARE(partOf(partWith("3 left down, 5 left up", [](auto &track) { track.setEffectScale(0); })), pointer);
+}
+
+void PlaybackMouseTrackTest::badFiles_data()
+{
+    // Where the content is null there is no such file.
+    const TestTable<QString, QByteArray, QStringList> row("name", "content", "log");
+
+    const char moves[] = "mousemoves-0.json", list[] = "cursor.json", clicks[] = "mouseclicks-0.json";
+    const QString failed("C Failed to load mouse track JSON data");
+    const QStringList noMoves{"W Failed to load mouse moves", failed};
+    const QStringList noCursors{"W Failed to load cursor types", failed};
+    const QStringList noClicks{"W Failed to load mouse clicks"};
+    const QByteArray whole = QJsonDocument(QJsonArray{MouseFixture::move(0, 1, 1)}).toJson();
+
+    row("moves missing", moves, {}, {failed});
+    row("moves empty", moves, "", noMoves);
+    row("moves cut off", moves, whole.left(whole.size() - 3), noMoves);
+    row("moves too long", moves, whole + "[", noMoves);
+    row("moves an object", moves, "{\"frame\":0}", noMoves);
+    row("moves a word", moves, "true", noMoves);
+    row("moves nested without end", moves, QByteArray(200'000, '['), noMoves);
+    row("moves none", moves, "[]", {});
+    row("moves of odd types", moves,
+        R"([1,"a",null,[{"frame":1}],{"frame":"7","x":[1],"y":{"y":3},"cursor":4,"action":5},)"
+        R"({"frame":1e99,"x":1.5,"y":-9e18,"timestamp":1e300,"cursor":null,"frame":true}])",
+        {});
+    row("cursors missing", list, {}, {failed});
+    row("cursors an array", list, "[]", noCursors);
+    row("cursors cut off", list, "{\"cursors\": [", noCursors);
+    row("cursors without a list", list, "{\"cursors\": 5}", {});
+    row("cursors too large", list, QByteArray(5'000'000, ' ') + "{}", noCursors);
+    row("clicks missing", clicks, {}, {});
+    row("clicks cut off", clicks, "[{\"action\":\"click\"},", noClicks);
+    row("clicks of odd types", clicks,
+        R"([{"action":"click","frame":1e9,"timestamp":-1e300},{"action":"release","x":"5"}])", {});
+}
+
+void PlaybackMouseTrackTest::badFiles()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, content);
+    QFETCH(QStringList, log);
+    QFile::remove(files->filePath(name));
+    if (!content.isNull())
+        files->write(name, content);
+    LogCapture capture;
+    KelPlaybackMouseTrack track(files->path(), nullptr);
+    QCOMPARE(capture.take(), log);
+    const bool isUsable = log.isEmpty() || log.last().startsWith("W");
+    QCOMPARE(track.errorString(), isUsable ? QString() : QString("Failed to load mouse track JSON data"));
+    for (int frame : {0, 3, 2}) {
+        track.seekToFrame(frame);
+        track.nextKeyFrame();
+        paint(track);
+    }
+}
+
+void PlaybackMouseTrackTest::badCursors()
+{
+    const QString dir = files->filePath("cursors/");
+    QVERIFY(QFile::copy(dir + "square.png", files->filePath("outside.png")));
+    QVERIFY(QFile::link(files->filePath("outside.png"), dir + "link.png"));
+    QCOMPARE(QProcess::execute("mkfifo", {dir + "pipe.png"}), 0);
+    QVERIFY(QImage(8, 8, QImage::Format_RGB32).save(dir + "bitmap.bmp"));
+    QVERIFY(QImage(2000, 8, QImage::Format_RGB32).save(dir + "large.png"));
+    files->write("cursors/text.png", "text");
+    files->write("cursors/huge.png", hugePng());
+    for (const QString image : {"missing.png", "", ".", "../outside.png", "link.png", "pipe.png", "bitmap.bmp",
+                                "text.png", "huge.png", "large.png"}) {
+        files->writeCursorList(image);
+        LogCapture log;
+        KelPlaybackMouseTrack track(files->path(), nullptr);
+        QCOMPARE(track.errorString(), QString());
+        QCOMPARE(log.take(), QStringList("W Failed to load cursor image: \"" + dir + image + '"'));
+        track.seekToFrame(1);
+        QCOMPARE(log.take(), QStringList("W Cursor type not found: \"square\""));
+        QCOMPARE(partOf(paint(track)), QRect());
+    }
+}
+
+void PlaybackMouseTrackTest::oddValuesPaintSafely()
+{
+    constexpr int kMost = std::numeric_limits<int>::max();
+    QJsonArray moves, clicks;
+    for (int value : {kMost, -kMost, -2, 0}) {
+        const int frame = moves.size();
+        moves.append(MouseFixture::move(frame, -2, value));
+        moves.append(MouseFixture::move(frame, value, -2));
+        for (int i = 0; i < 1000; ++i) {
+            clicks.append(QJsonObject{{"frame", frame},
+                                      {"x", value},
+                                      {"y", -value},
+                                      {"delta", value},
+                                      {"action", QStringList{"click", "wheel", "release"}[i % 3]},
+                                      {"button", "left"}});
+        }
+    }
+    files->write("mousemoves-0.json", moves);
+    files->write("mouseclicks-0.json", clicks);
+    files->writeCursorList("square.png", 1e-300);
+    KelPlaybackMouseTrack track(files->path(), nullptr);
+    track.setWheelType(1);
+    for (double scale : {double(NAN), double(INFINITY), -1.0, 1.0}) {
+        for (int type : {1, 4, 6}) {
+            track.setEffectScale(scale);
+            track.setClickType(type);
+            for (int frame : {0, 1, 2, 3, 4, kMost, -kMost}) {
+                track.seekToFrame(frame);
+                paint(track);
+            }
+        }
+    }
+}
+
+/// The naive way: from the last record back to the first that is not later; of all later frames the smallest.
+void PlaybackMouseTrackTest::findsLikeAWalk()
+{
+    QRandomGenerator random(815);
+    for (int round = 0; round < 200; ++round) {
+        QJsonArray records;
+        QVector<int> frames;
+        const int step = random.bounded(1, 4); // from nearly sorted to any order
+        for (int i = random.bounded(40); i > 0; --i) {
+            frames.append(step == 3 ? random.bounded(-5, 30)
+                                    : frames.value(frames.size() - 1) + random.bounded(-1, step));
+            records.append(MouseFixture::move(frames.last(), records.size(), 0));
+        }
+        files->write("mousemoves-0.json", records);
+        PointerList list;
+        QVERIFY(list.load(files->filePath("mousemoves-0.json")));
+        for (int frame = -8; frame < 90; ++frame) {
+            int index = frames.size() - 1;
+            while (index >= 0 && frames[index] > frame)
+                --index;
+            const PointerList::Sample *sample = list.at(frame);
+            QCOMPARE(sample ? sample->position.x() : -1, index);
+            int next = std::numeric_limits<int>::max();
+            for (int other : qAsConst(frames))
+                next = other > frame ? std::min(next, other) : next;
+            QCOMPARE(list.nextFrame(frame), next == std::numeric_limits<int>::max() ? -1 : next);
+        }
+    }
+}
+
+void PlaybackMouseTrackTest::partOfARecording()
+{
+    RecordingFixture recording;
+    recording.metadata.mouseTrack = true;
+    recording.metadata.recordArea = QRect(0, 0, 300, 200);
+    recording.save();
+    const QString dir = recording.path() + "/Mouse";
+    KelPlaybackSeams seams;
+    seams.nowMs = [] { return 0; };
+    auto script = std::make_shared<DecoderScript>();
+    script->frameSize = QSize(300, 200);
+    seams.decoders = scriptedDecoders(script);
+    LogCapture log;
+    QCOMPARE(KelPlaybackTrackManager(recording.path(), false, seams, nullptr).trackNames(), {"ScreenTrack"});
+    QCOMPARE(log.take(), QStringList("W Mouse track enabled but directory not found: \"" + dir + '"'));
+
+    files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
+    QVERIFY(QDir().rename(files->path(), dir));
+    gKelMovieConfig.playbackMouseClickEffect = 6; // its effect is seen in the pointer's size
+    KelPlaybackTrackManager manager(recording.path(), false, seams, nullptr);
+    QCOMPARE(manager.trackNames(), QStringList({"ScreenTrack", "MouseTrack"}));
+    const auto pointerWidth = [&] {
+        QImage image(300, 200, QImage::Format_RGB32);
+        QPainter painter(&image);
+        manager.paint(&painter);
+        int width = 0;
+        for (int x = 0; x < 300; ++x)
+            width += image.pixel(x, 50) != frameColor(manager.currentFrame());
+        return width;
+    };
+    const auto press = [&] {
+        for (int frame = 0; frame <= 10; ++frame)
+            manager.seek(frame);
+    };
+    manager.play();
+    press();
+    QVERIFY(pointerWidth() <= 14);
+    manager.pause();
+    QCOMPARE(pointerWidth(), 16);
+    press();
+    QVERIFY(pointerWidth() <= 14);
+    manager.stop();
+    QCOMPARE(manager.currentFrame(), 0);
+    manager.seek(5);
+    QCOMPARE(pointerWidth(), 16);
+
+    writeFile(dir + "/mousemoves-0.json", "[");
+    KelPlaybackTrackManager damaged(recording.path(), false, seams, nullptr);
+    QCOMPARE(damaged.trackNames(), QStringList("ScreenTrack"));
+    QCOMPARE(damaged.totalFrames(), 100);
+}
+
+QTEST_MAIN(PlaybackMouseTrackTest)
+#include "tst_playback_mouse_track.moc"

@@ -1,0 +1,148 @@
+// What a sound server plays of a recording.
+
+#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/ScriptedDecoder.h"
+#include "support/LogCapture.h"
+#include "support/Sound.h"
+
+#include "playback/tracks/KelPlaybackVoiceTrack.h"
+
+#include <KelMovie/KelPlaybackTrackManager.h>
+
+#include <QProcess>
+#include <QtMath>
+#include <QtTest>
+
+namespace
+{
+
+constexpr int kRate = 48'000;
+
+/// Listens to what the speakers play.
+class Listener
+{
+public:
+    Listener()
+    {
+        m_recorder.start("parec", {"-d", "speakers.monitor", "--raw", "--format=s16le", "--channels=1", "--rate=48000",
+                                   "--latency-msec=10"});
+    }
+    ~Listener()
+    {
+        m_recorder.kill();
+        m_recorder.waitForFinished();
+    }
+
+    bool isListening() { return !last().isEmpty(); }
+    bool isSilent()
+    {
+        const QByteArray sound = last();
+        return !sound.isEmpty() && sound.count('\0') == sound.size();
+    }
+    bool hears(double hertz)
+    {
+        const QByteArray sound = last();
+        int crossings = 0;
+        for (int i = 2; i < sound.size(); i += 2)
+            crossings += (sampleAt(sound, i - 2) < 0) != (sampleAt(sound, i) < 0);
+        return !sound.isEmpty() && std::abs(crossings / 2.0 * kRate / (sound.size() / 2) - hertz) < hertz / 20;
+    }
+
+private:
+    /// The last 200 ms; empty until there are as many.
+    QByteArray last()
+    {
+        m_sound = (m_sound + m_recorder.readAllStandardOutput()).right(kBytes);
+        return m_sound.size() == kBytes ? m_sound : QByteArray();
+    }
+    static int sampleAt(const QByteArray &sound, int offset)
+    {
+        return qFromLittleEndian<qint16>(sound.constData() + offset);
+    }
+
+    static constexpr int kBytes = kRate / 5 * 2;
+    QProcess m_recorder;
+    QByteArray m_sound;
+};
+
+} // namespace
+
+class PlaybackSoundTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void plays();
+    void serverGoesAway();
+
+private:
+    std::unique_ptr<KelPlaybackTrackManager> load()
+    {
+        recording = std::make_unique<RecordingFixture>(60 * 25);
+        recording->metadata.systemAudio = true;
+        recording->save();
+        QDir(recording->path()).mkdir("Voice");
+        const Sound sound = Sound::make(
+            60, [](double t) { return 0.5 * std::sin(2 * M_PI * (t < 30 ? 400 : 1000) * t); }, 44'100,
+            1); // the device has another rate
+        if (!sound.save(recording->path() + "/Voice/system_audio_1.wav", false))
+            qFatal("cannot write the sound");
+        KelPlaybackSeams seams = KelPlaybackSeams::real();
+        seams.decoders = scriptedDecoders(std::make_shared<DecoderScript>());
+        return std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
+    }
+
+    std::unique_ptr<RecordingFixture> recording;
+};
+
+void PlaybackSoundTest::plays()
+{
+    const auto manager = load();
+    Listener listener;
+    QTRY_VERIFY(listener.isListening());
+    QVERIFY(listener.isSilent());
+    manager->play();
+    QTRY_VERIFY(listener.hears(400));
+    manager->setSpeed(2.0);
+    QTRY_VERIFY(listener.hears(800));
+    manager->seek(35 * 25);
+    QTRY_VERIFY(listener.hears(2000));
+    manager->setSpeed(1.0);
+    QTRY_VERIFY(listener.hears(1000));
+    manager->pause();
+    QTRY_VERIFY(listener.isSilent());
+    manager->seek(10 * 25);
+    manager->play();
+    QTRY_VERIFY(listener.hears(400));
+    manager->voiceTrack()->setSystemAudioMuted(true);
+    QTRY_VERIFY(listener.isSilent());
+    manager->voiceTrack()->setSystemAudioMuted(false);
+    QTRY_VERIFY(listener.hears(400));
+    manager->stop();
+    QTRY_VERIFY(listener.isSilent());
+}
+
+/// Last, as there is no other server.
+void PlaybackSoundTest::serverGoesAway()
+{
+    const auto manager = load();
+    manager->play();
+    Listener listener;
+    QTRY_VERIFY(listener.hears(400));
+    LogCapture log;
+    QCOMPARE(QProcess::execute("pactl", {"exit"}), 0);
+    QStringList told;
+    const auto said = [&] { return told += log.take().filter("[KelAmplifiedAudioPlayer]"); };
+    QTRY_COMPARE(said(), QStringList{"W [KelAmplifiedAudioPlayer] Audio output error: 4"});
+    const int frame = manager->currentFrame();
+    QTRY_VERIFY(manager->currentFrame() > frame + 5);
+    manager->pause();
+    manager->play();
+    manager->seek(700);
+    QTRY_VERIFY(manager->currentFrame() > 705);
+    QCOMPARE(said().size(), 2);
+    QCOMPARE(told.last(), QString("W [KelAmplifiedAudioPlayer] Failed to start audio output device"));
+}
+
+QTEST_MAIN(PlaybackSoundTest)
+#include "tst_playback_sound.moc"

@@ -1,0 +1,299 @@
+#include "kelmovie/support/RecordFakes.h"
+#include "record/KelRecordScreenTrack.h"
+#include "record/KelRecordTrackManager.h"
+#include "recording/KelRecordingMetadata.h"
+
+#include "support/LogCapture.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include <thread>
+
+namespace
+{
+/// A manager with tracks of the test's, whose clock moves only when told to.
+class TestedManager : public KelRecordTrackManager
+{
+public:
+    TestedManager(const QRect &area, const Config &config, qint64 &nowMs)
+        : KelRecordTrackManager(
+              area, config, [&nowMs] { return nowMs; }, nullptr)
+        , m_nowMs(nowMs)
+    {
+    }
+    using KelRecordTrackManager::addTrack;
+
+    /// One expiry of the timer, after `ms`.
+    void tick(qint64 ms)
+    {
+        m_nowMs += ms;
+        QVERIFY(QMetaObject::invokeMethod(this, "onFrameTimeout"));
+    }
+
+private:
+    qint64 &m_nowMs;
+};
+} // namespace
+
+class TestRecordManager : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void durationExcludesPauses();
+    void totalFramesFollowTheDuration();
+    void ticksReachTheTrackOnlyWhileRecording();
+    void metadataIsKeptUpToDate();
+    void unwritableMetadataIsReportedAtTheStop();
+    void failuresOfTracksAreCollected();
+    void releaseWaitsForTheQueuedStop();
+    void destructionStopsTheRecording();
+    void timerTicksTruncatedMilliseconds();
+
+private:
+    QStringList takenFailures()
+    {
+        QStringList texts;
+        for (const auto &failure : m_manager->takeFailures())
+            texts << failure.text();
+        return texts;
+    }
+    void createManager(int fps = 25, const QRect &area = QRect(-3, 7, 1001, 601));
+    GatedTrack *addTrack();
+    KelRecordingMetadata metadata() const;
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    qint64 m_nowMs = 1'000'000;
+    std::unique_ptr<TestedManager> m_manager;
+};
+
+void TestRecordManager::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+}
+
+void TestRecordManager::cleanup()
+{
+    m_manager.reset();
+}
+
+void TestRecordManager::createManager(int fps, const QRect &area)
+{
+    KelRecordTrackManager::Config config;
+    config.directory = m_dir->filePath("recording");
+    config.fps = fps;
+    config.screen = false;
+    m_manager = std::make_unique<TestedManager>(area, config, m_nowMs);
+}
+
+GatedTrack *TestRecordManager::addTrack()
+{
+    auto *track = new GatedTrack;
+    m_manager->addTrack(track);
+    return track;
+}
+
+KelRecordingMetadata TestRecordManager::metadata() const
+{
+    KelRecordingMetadata metadata;
+    metadata.durationMs = -1;
+    KelRecordingMetadata::load(m_dir->filePath("recording"), &metadata);
+    return metadata;
+}
+
+void TestRecordManager::durationExcludesPauses()
+{
+    createManager();
+    m_manager->stopRecording(); // of nothing
+    QVERIFY(!QFileInfo::exists(m_dir->filePath("recording/TrackManager.meta")));
+    m_manager->startRecording();
+    m_manager->tick(40);
+    m_nowMs += 103;
+    m_manager->pauseRecording();
+    m_nowMs += 5000;
+    m_manager->pauseRecording(); // no second pause begins
+    m_manager->startRecording();
+    m_manager->startRecording(); // nor a second resume
+    m_nowMs += 60;
+    m_manager->tick(7);
+    m_manager->pauseRecording();
+    m_nowMs += 77777;
+    LogCapture log;
+    m_manager->stopRecording();
+    QVERIFY(log.take().contains("W [KelRecordTrackManager] 实际录制时长: 210 ms (0.21 秒)"));
+    QCOMPARE(metadata().durationMs, qint64(40 + 103 + 60 + 7));
+    QCOMPARE(metadata().actualRecordedFrames, 2);
+}
+
+void TestRecordManager::totalFramesFollowTheDuration()
+{
+    struct Case {
+        int fps;
+        qint64 durationMs;
+        qint64 totalFrames;
+    };
+    // Whole, truncated, beyond 32 bits; where nothing was recorded they are the ticks.
+    for (const Case &c : {Case{24, 10000, 240}, {30, 999, 29}, {60, 100000000, 6000000}, {25, 0, 3}}) {
+        createManager(c.fps);
+        m_manager->startRecording();
+        for (int i = 0; i < 3; ++i)
+            m_manager->tick(0);
+        m_nowMs += c.durationMs;
+        m_manager->stopRecording();
+        QCOMPARE(metadata().fps, c.fps);
+        QCOMPARE(metadata().durationMs, c.durationMs);
+        QCOMPARE(metadata().totalFrames, c.totalFrames);
+        QCOMPARE(metadata().actualRecordedFrames, 3);
+    }
+}
+
+void TestRecordManager::ticksReachTheTrackOnlyWhileRecording()
+{
+    createManager();
+    GatedTrack *track = addTrack();
+    m_manager->tick(40);
+    m_manager->startRecording();
+    m_manager->tick(40);
+    m_manager->pauseRecording();
+    m_manager->tick(40);
+    m_manager->startRecording();
+    m_manager->pauseRecording();
+    m_manager->stopRecording();
+    m_manager->tick(40);
+    QTRY_VERIFY(track->calls(0).contains("stop 1 40"));
+    // A worker that is behind gets no frame and no checkpoint, but all of these.
+    const QStringList calls = track->calls(0).filter(QRegularExpression("^(start|pause|stop)"));
+    QCOMPARE(calls, (QStringList{"start", "pause", "start", "pause", "stop 1 40"}));
+    QVERIFY(!track->calls(0).contains("frame 1"));
+}
+
+void TestRecordManager::metadataIsKeptUpToDate()
+{
+    createManager();
+    m_manager->startRecording();
+    QVERIFY(!metadata().complete);
+    QCOMPARE(metadata().durationMs, qint64(0));
+    for (int i = 0; i < 26; ++i)
+        m_manager->tick(40);
+    QCOMPARE(metadata().actualRecordedFrames, 25);
+    QCOMPARE(metadata().durationMs, qint64(1000));
+    QVERIFY(!metadata().complete);
+    m_nowMs += 5;
+    m_manager->pauseRecording();
+    QCOMPARE(metadata().actualRecordedFrames, 26);
+    QCOMPARE(metadata().durationMs, qint64(1045));
+    m_nowMs += 500;
+    m_manager->stopRecording();
+    QVERIFY(metadata().complete);
+    QCOMPARE(metadata().durationMs, qint64(1045));
+    QCOMPARE(metadata().recordArea, QRect(-3, 7, 1002, 602)); // even sides
+    QCOMPARE(QDir(m_dir->filePath("recording")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList{"TrackManager.meta"});
+}
+
+void TestRecordManager::unwritableMetadataIsReportedAtTheStop()
+{
+    createManager();
+    QVERIFY(QDir(m_dir->path()).mkpath("recording/TrackManager.meta.tmp/occupied"));
+    m_manager->startRecording();
+    QCOMPARE(takenFailures(), QStringList());
+    m_manager->stopRecording();
+    QCOMPARE(takenFailures().size(), 1);
+}
+
+void TestRecordManager::failuresOfTracksAreCollected()
+{
+    createManager();
+    auto *early = new GatedTrack;
+    early->reportFailure("Early track", "before anybody listened");
+    m_manager->addTrack(early);
+    QCOMPARE(takenFailures(), QStringList{"Early track: before anybody listened"});
+
+    GatedTrack *track = addTrack();
+    QSignalSpy signalled(m_manager.get(), &KelRecordTrackManager::trackFailed);
+    track->reportFailure("Left ear", "first");
+    track->reportFailure("Left ear", "second");
+    track->reportFailure("Right ear", "first");
+    QCOMPARE(signalled.count(), 2);
+    QCOMPARE(takenFailures(), (QStringList{"Left ear: first", "Right ear: first"}));
+    QCOMPARE(takenFailures(), QStringList());
+}
+
+void TestRecordManager::releaseWaitsForTheQueuedStop()
+{
+    createManager();
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool frameEntered = false;
+    bool frameMayEnd = false;
+    bool streamerGone = false;
+    ScreenScript script;
+    script.atQuestion = [&] {
+        std::unique_lock lock(mutex);
+        frameEntered = true;
+        changed.notify_all();
+        changed.wait(lock, [&] { return frameMayEnd; });
+    };
+    script.atStreamerEnd = [&] {
+        std::lock_guard lock(mutex);
+        streamerGone = true;
+        changed.notify_all();
+    };
+    QDir().mkpath(m_dir->filePath("recording/Screen"));
+    m_manager->addTrack(new KelRecordScreenTrack(QRect(0, 0, 10, 10), m_dir->filePath("recording/Screen"),
+                                                 std::make_unique<ScriptedStreamer>(script),
+                                                 std::make_unique<ScriptedEncoder>(script)));
+    m_manager->startRecording();
+    QTRY_VERIFY((m_manager->tick(40), std::lock_guard(mutex), frameEntered));
+    m_manager->stopRecording(); // gives up waiting for the frame and queues the stop behind it
+
+    bool overtaken = false;
+    std::thread opener([&] {
+        std::unique_lock lock(mutex);
+        overtaken = changed.wait_for(lock, std::chrono::milliseconds(100), [&] { return streamerGone; });
+        frameMayEnd = true;
+        changed.notify_all();
+    });
+    m_manager->releaseResources();
+    opener.join();
+    QVERIFY(!overtaken);
+    QVERIFY(streamerGone);
+    QCOMPARE(script.added, QVector<int>{0});
+    QVERIFY(QFileInfo(m_dir->filePath("recording/Screen/frame_indexes.dat")).size() > 8);
+}
+
+void TestRecordManager::destructionStopsTheRecording()
+{
+    createManager();
+    GatedTrack *track = addTrack();
+    QStringList calls;
+    track->atEnd = [&](const QStringList &all) { calls = all; };
+    m_manager->startRecording();
+    m_nowMs += 80;
+    m_manager.reset();
+    QCOMPARE(calls.last(), QString("stop 0 80"));
+    QCOMPARE(metadata().durationMs, qint64(80));
+}
+
+void TestRecordManager::timerTicksTruncatedMilliseconds()
+{
+    const QMap<int, int> intervals{{1, 1000}, {24, 41}, {25, 40}, {30, 33}, {60, 16}, {1000, 1}};
+    for (auto it = intervals.begin(); it != intervals.end(); ++it) {
+        createManager(it.key());
+        m_manager->startRecording();
+        QCOMPARE(m_manager->findChild<QTimer *>()->interval(), it.value());
+        QCOMPARE(m_manager->findChild<QTimer *>()->timerType(), Qt::PreciseTimer);
+    }
+}
+
+QTEST_MAIN(TestRecordManager)
+#include "tst_record_manager.moc"

@@ -1,0 +1,266 @@
+#include "kelmovie/support/RecordFakes.h"
+#include "record/KelRecordScreenTrack.h"
+
+#include "support/FileSizeLimit.h"
+#include "support/Files.h"
+#include "support/LogCapture.h"
+#include "support/TestTable.h"
+
+#include <QDataStream>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <optional>
+
+namespace
+{
+QByteArray indexBytes(const QVector<int> &entries)
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly); // big-endian
+    stream << 1 << entries.size();
+    for (const int entry : entries)
+        stream << entry;
+    return bytes;
+}
+} // namespace
+
+class TestRecordScreenTrack : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void indexesChangedFrames_data();
+    void indexesChangedFrames();
+    void foreignPictureSizeIsRescaled();
+    void unexpectedFrameNumberIsLogged();
+    void checkpointsLeaveAValidFile();
+    void worksWithoutAnEncoder();
+    void missingVideoIsReported();
+    void unwritableIndexIsReported();
+    void fullDiskKeepsTheEntriesWritten();
+    void lostScreenIsReportedOnce();
+    void encoderFailureIsReportedOnce();
+    void releasedTrackLeavesItsFilesAlone();
+
+private:
+    std::unique_ptr<KelRecordScreenTrack> createTrack(bool withEncoder = true);
+    QString indexPath() const { return m_dir->filePath("frame_indexes.dat"); }
+    QString videoPath() const { return m_dir->filePath("screen_record.mp4"); }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::optional<ScreenScript> m_script;
+    QStringList m_failures;
+};
+
+void TestRecordScreenTrack::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    m_script.emplace();
+    m_script->atClose = [this] { writeFile(videoPath(), "video"); };
+    m_failures.clear();
+}
+
+std::unique_ptr<KelRecordScreenTrack> TestRecordScreenTrack::createTrack(bool withEncoder)
+{
+    auto track = std::make_unique<KelRecordScreenTrack>(
+        QRect(0, 0, 10, 10), m_dir->path(), std::make_unique<ScriptedStreamer>(*m_script),
+        withEncoder ? std::make_unique<ScriptedEncoder>(*m_script) : nullptr);
+    track->setFailureHandler(
+        [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
+    return track;
+}
+
+void TestRecordScreenTrack::indexesChangedFrames_data()
+{
+    // Logic frames that reach the track, "1-" when nothing has changed, "1b" when the encoder is busy, "1x" when the
+    // screen cannot be read.
+    const TestTable<QString, int, QVector<int>> row("ticked", "frameCount", "entries");
+
+    using Entries = QVector<int>;
+    row("every frame", "0 1 2", 3, Entries{0, 1, 2});
+    row("first change late", "0- 1- 3 4", 5, Entries{-1, -1, -1, 0, 1});
+    row("still at the end", "0 1- 2-", 4, Entries{0, 0, 0, 0});
+    row("refused ticks", "0 4 5", 7, Entries{0, 0, 0, 0, 1, 2, 2});
+    row("never a change", "1- 2-", 3, Entries{-1, -1, -1});
+    row("more entries than ticks", "0 1 2", 2, Entries{0, 1, 2});
+    row("no tick", "", 0, Entries{});
+    row("busy encoder", "0 1b 2", 3, Entries{0, 0, 1});
+    row("unreadable screen", "0x 1", 2, Entries{-1, 0});
+}
+
+void TestRecordScreenTrack::indexesChangedFrames()
+{
+    QFETCH(QString, ticked);
+    QFETCH(int, frameCount);
+    QFETCH(QVector<int>, entries);
+    const auto track = createTrack();
+    for (const QString &tick : ticked.split(' ', Qt::SkipEmptyParts)) {
+        m_script->changed = !tick.endsWith('-');
+        m_script->busy = tick.endsWith('b');
+        m_script->captureFails = tick.endsWith('x');
+        track->recordFrame(tick.left(1).toInt());
+    }
+    track->stopRecording(frameCount, 1000);
+    QCOMPARE(readFile(indexPath()), indexBytes(entries));
+    QCOMPARE(track->frameCount(), m_script->added.size());
+    QCOMPARE(m_script->captures, m_script->added.size());
+    QCOMPARE(m_script->closes, 1);
+    QCOMPARE(m_failures, QStringList());
+}
+
+void TestRecordScreenTrack::foreignPictureSizeIsRescaled()
+{
+    const auto track = createTrack();
+    LogCapture log;
+    m_script->pictureSize = QSize(15, 20);
+    track->recordFrame(0);
+    track->recordFrame(1);
+    m_script->pictureSize = QSize(10, 10);
+    track->recordFrame(2);
+    QCOMPARE(m_script->addedSizes, QVector<QSize>(3, QSize(10, 10)));
+    const QString line =
+        "W [Performance Warning] Unexpected frame size mismatch: QSize(15, 20) expected: QSize(10, 10)";
+    QCOMPARE(log.take(), (QStringList{line, line}));
+}
+
+void TestRecordScreenTrack::unexpectedFrameNumberIsLogged()
+{
+    const auto track = createTrack();
+    LogCapture log;
+    track->recordFrame(0);
+    m_script->answerOffset = 7;
+    track->recordFrame(1);
+    m_script->answerOffset = 0;
+    track->recordFrame(2);
+    track->stopRecording(3, 100);
+    QCOMPARE(log.take(), QStringList{"W Encoder returned unexpected frame index: 8 Expected: 1"});
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 2}));
+}
+
+void TestRecordScreenTrack::checkpointsLeaveAValidFile()
+{
+    const auto track = createTrack();
+    track->checkpoint(0);
+    QCOMPARE(readFile(indexPath()), indexBytes({}));
+    track->recordFrame(0);
+    track->recordFrame(1);
+    m_script->changed = false;
+    track->recordFrame(2); // a still screen advances all the same
+    track->checkpoint(3);
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1}));
+    m_script->changed = true;
+    track->recordFrame(3);
+    track->recordFrame(5);
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1}));
+    track->checkpoint(6);
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1, 2, 2, 3}));
+    track->stopRecording(7, 100);
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1, 2, 2, 3, 3}));
+}
+
+void TestRecordScreenTrack::worksWithoutAnEncoder()
+{
+    const auto track = createTrack(false);
+    LogCapture log;
+    track->recordFrame(0);
+    track->stopRecording(2, 100);
+    QCOMPARE(m_script->captures, 1);
+    QCOMPARE(readFile(indexPath()), indexBytes({-1, -1}));
+    QCOMPARE(log.take(), QStringList());
+}
+
+void TestRecordScreenTrack::missingVideoIsReported()
+{
+    for (const bool exists : {false, true}) {
+        m_script->closes = 0;
+        m_script->atClose = [&] {
+            if (exists)
+                writeFile(videoPath(), {});
+        };
+        m_failures.clear();
+        const auto track = createTrack();
+        LogCapture log;
+        track->stopRecording(1, 100);
+        QCOMPARE(log.take(), QStringList{QString("C Failed to generate video file: \"%1\"").arg(videoPath())});
+        QCOMPARE(m_failures.size(), 1);
+    }
+}
+
+void TestRecordScreenTrack::unwritableIndexIsReported()
+{
+    QVERIFY(QDir().mkpath(indexPath() + "/occupied"));
+    const auto track = createTrack();
+    LogCapture log;
+    track->recordFrame(0);
+    track->checkpoint(1);
+    track->stopRecording(2, 100);
+    QCOMPARE(log.take(),
+             QStringList{QString("C Failed to open frame index file for writing: \"%1\"").arg(indexPath())});
+    QCOMPARE(m_failures.size(), 1);
+    QCOMPARE(m_script->closes, 1); // the video is completed all the same
+}
+
+void TestRecordScreenTrack::fullDiskKeepsTheEntriesWritten()
+{
+    const auto track = createTrack();
+    track->recordFrame(0);
+    {
+        const FileSizeLimit limit(12);
+        track->checkpoint(1);
+        QCOMPARE(m_failures, QStringList());
+        track->recordFrame(1);
+        track->recordFrame(2);
+        track->checkpoint(3);
+        QCOMPARE(m_failures.size(), 1);
+        QVERIFY2(m_failures[0].contains(FileSizeLimit::errorText()), qPrintable(m_failures[0]));
+        QCOMPARE(readFile(indexPath()), indexBytes({0}));
+    }
+    // There is room again.
+    track->stopRecording(4, 100);
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 2, 2}));
+    QCOMPARE(m_failures.size(), 1);
+}
+
+void TestRecordScreenTrack::lostScreenIsReportedOnce()
+{
+    const auto track = createTrack();
+    track->recordFrame(0);
+    m_script->changed = false;
+    track->recordFrame(1);
+    QCOMPARE(m_failures, QStringList());
+    m_script->streamerError = "the X server is gone";
+    track->recordFrame(2);
+    track->recordFrame(3);
+    QCOMPARE(m_failures, QStringList{"Screen track: the X server is gone"});
+    track->stopRecording(4, 100);
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 0, 0, 0}));
+}
+
+void TestRecordScreenTrack::encoderFailureIsReportedOnce()
+{
+    const auto track = createTrack();
+    m_script->encoderFailed("No space left on device");
+    m_script->streamerError = "and another thing";
+    m_script->changed = false;
+    track->recordFrame(0);
+    QCOMPARE(m_failures, QStringList{"Screen track: No space left on device"});
+}
+
+void TestRecordScreenTrack::releasedTrackLeavesItsFilesAlone()
+{
+    const auto track = createTrack();
+    track->recordFrame(0);
+    track->stopRecording(2, 100);
+    track->releaseResources();
+    track->recordFrame(2);
+    track->checkpoint(3);
+    track->stopRecording(3, 100);
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 0}));
+    QCOMPARE(m_script->closes, 1);
+}
+
+QTEST_MAIN(TestRecordScreenTrack)
+#include "tst_record_screen_track.moc"

@@ -1,0 +1,168 @@
+#include "audio/capture/MicrophoneBackend.h"
+#include "facade/KelMultiTrackRecorder.h"
+#include "kelmovie/support/SoundFile.h"
+#include "record/KelRecordVoiceTrack.h"
+#include "support/EnvironmentChange.h"
+#include "support/Tone.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <mutex>
+#include <tuple>
+
+namespace
+{
+constexpr double SpeakersHz = 1000;
+constexpr double MicrophoneHz = 440;
+
+/// The one file that is not a part.
+QString wholeFile(const QString &directory, const QString &pattern)
+{
+    QStringList files = QDir(directory).entryList({pattern}, QDir::Files);
+    const QStringList parts = files.filter("_part");
+    for (const QString &part : parts)
+        files.removeOne(part);
+    return files.size() == 1 ? directory + '/' + files.first() : directory;
+}
+
+} // namespace
+
+class tst_voice_track : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void recordsBothAcrossPauses();
+    void startsAndStopsAgainAndAgain();
+    void knowsSilence();
+    void goesOnWithoutSound();
+};
+
+/// The tones play all the time: of each source there is one file, with its tone only, as long as the recording.
+void tst_voice_track::recordsBothAcrossPauses()
+{
+    const QTemporaryDir directory;
+    const Tone::Player speakers("speakers", SpeakersHz, 60000);
+    const Tone::Player microphone("microphone", MicrophoneHz, 60000);
+    KelMultiTrackRecorder recorder;
+    QSignalSpy errors(&recorder, &KelMultiTrackRecorder::recordingError);
+    KelMultiTrackRecorder::RecordConfig config;
+    config.outputDir = directory.filePath("recording");
+    config.enableScreen = false;
+    config.enableMouse = false;
+    config.enableSystemAudio = true;
+    config.enableMicrophone = true;
+    recorder.setRecordConfig(config);
+    recorder.setRecordArea(QRect(0, 0, 10, 10));
+    QVERIFY(recorder.startRecording());
+    QTest::qWait(900);
+    for (int pauses = 0; pauses < 2; ++pauses) {
+        recorder.pauseRecording();
+        QTest::qWait(400);
+        QVERIFY(recorder.startRecording());
+        QTest::qWait(700);
+    }
+    recorder.stopRecording();
+    QVERIFY2(errors.isEmpty(), qPrintable(errors.value(0).value(0).toString()));
+
+    const int durationMs =
+        QJsonDocument::fromJson(readFile(config.outputDir + "/TrackManager.meta"))["duration"].toInt();
+    QVERIFY(durationMs >= 2300);
+    const QString voice = config.outputDir + "/Voice";
+    QCOMPARE(QDir(voice).entryList(QDir::Files).size(), 2);
+    for (const auto &[pattern, hz, otherHz] : {std::tuple{"system_audio_*.wav", SpeakersHz, MicrophoneHz},
+                                               std::tuple{"microphone_*.wav", MicrophoneHz, SpeakersHz}}) {
+        WavHeader header;
+        const QVector<float> samples = SoundFile::exactSamples(wholeFile(voice, pattern), &header);
+        const int rate = int(header.sampleRate);
+        QVERIFY(rate > 0);
+        const qint64 lengthMs = qint64(samples.size()) * 1000 / rate;
+        QVERIFY2(qAbs(lengthMs - durationMs) < 100,
+                 qPrintable(QString("%1: %2 of %3 ms").arg(pattern).arg(lengthMs).arg(durationMs)));
+        int heard = 0;
+        const int window = rate / 20;
+        for (int at = 0; at + window <= samples.size(); at += window) {
+            const QVector<float> part = samples.mid(at, window);
+            heard += Tone::level(part, hz, rate) > 0.4 ? 1 : 0;
+            QVERIFY2(Tone::level(part, otherHz, rate) < 0.1, "sound of the other source");
+        }
+        // Each stretch may miss its tone for a moment: a device takes a while to begin, and a busy machine plays late.
+        QVERIFY2(heard * 50 > durationMs / 3,
+                 qPrintable(QString("%1: %2 of %3 ms of tone").arg(pattern).arg(heard * 50).arg(durationMs)));
+    }
+}
+
+void tst_voice_track::startsAndStopsAgainAndAgain()
+{
+    const QTemporaryDir directory;
+    for (int i = 0; i < 5; ++i) {
+        const QString voice = directory.filePath(QString::number(i));
+        KelRecordVoiceTrack track(QRect(), voice);
+        QStringList failures;
+        track.setFailureHandler(
+            [&](const QString &name, const QString &problem) { failures << name + ": " + problem; });
+        track.setSystemAudioEnabled(true);
+        track.setMicrophoneEnabled(true);
+        track.startRecording();
+        if (i % 2 == 0) // once in the same moment, once with events in between
+            QTest::qWait(150);
+        track.pauseRecording();
+        track.startRecording();
+        QTest::qWait(150);
+        track.pauseRecording();
+        track.startRecording();
+        track.stopRecording(1, 1);
+        QCOMPARE(failures, QStringList());
+        for (const char *pattern : {"system_audio_*.wav", "microphone_*.wav"}) {
+            WavHeader header;
+            QVERIFY2(!SoundFile::exactSamples(wholeFile(voice, pattern), &header).isEmpty(), pattern);
+        }
+    }
+}
+
+void tst_voice_track::knowsSilence()
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath("sound.wav");
+    QVERIFY(!MicrophoneBackend::isSilent(path));
+    QVERIFY(Sound::make(0.0, Sound::tone(440, 1.0)).save(path, false) && !MicrophoneBackend::isSilent(path));
+    QVERIFY(Sound::make(3.0, Sound::tone(440, 0.0)).save(path, false) && MicrophoneBackend::isSilent(path));
+    QVERIFY(Sound::make(3.0, Sound::tone(440, 0.1, 2.9)).save(path, false) && !MicrophoneBackend::isSilent(path));
+}
+
+void tst_voice_track::goesOnWithoutSound()
+{
+    std::mutex mutex;
+    const auto failuresOf = [&](bool isMicrophone) {
+        const QTemporaryDir directory;
+        QStringList failures;
+        {
+            KelRecordVoiceTrack track(QRect(), directory.filePath("Voice"));
+            track.setFailureHandler([&](const QString &name, const QString &problem) {
+                const std::lock_guard lock(mutex);
+                failures << name + ": " + problem;
+            });
+            track.setSystemAudioEnabled(!isMicrophone);
+            track.setMicrophoneEnabled(isMicrophone);
+            track.startRecording();
+            QTest::qWait(100);
+            track.stopRecording(1, 100);
+        }
+        return failures << QDir(directory.filePath("Voice")).entryList(QDir::Files);
+    };
+    {
+        const EnvironmentChange noServer("PULSE_SERVER", "unix:/nonexistent/socket");
+        const QStringList failures = failuresOf(false);
+        QCOMPARE(failures.size(), 1);
+        QVERIFY2(failures[0].startsWith("System audio track: "), qPrintable(failures[0]));
+    }
+    QVERIFY(Tone::control({"set-default-source", "speakers.monitor"}));
+    const QStringList failures = failuresOf(true);
+    QVERIFY(Tone::control({"set-default-source", "microphone.monitor"}));
+    QCOMPARE(failures, QStringList{"Microphone track: there is no microphone"});
+}
+
+QTEST_MAIN(tst_voice_track)
+#include "tst_voice_track.moc"

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "recording/wav/WavHeader.h"
+#include "support/Files.h"
+
+#include <QVector>
+#include <QtEndian>
+
+#include <initializer_list>
+
+/// WAV files made by hand, and read.
+namespace SoundFile
+{
+
+template <typename Number>
+QByteArray littleEndian(std::initializer_list<Number> numbers)
+{
+    QByteArray bytes(int(numbers.size() * sizeof(Number)), Qt::Uninitialized);
+    qToLittleEndian<Number>(numbers.begin(), qsizetype(numbers.size()), bytes.data());
+    return bytes;
+}
+
+inline QByteArray wav(quint32 rate, quint16 bits, const QByteArray &samples, quint16 channels = 1)
+{
+    WavHeader header = WavHeader::pcm(rate, channels, bits);
+    header.setDataSize(samples.size());
+    return header.toBytes() + samples;
+}
+
+/// Each sample is the number of its frame, so that what is heard tells its place. No gain touches 32-bit integers.
+inline QByteArray numbered(quint32 rate, int frames)
+{
+    QByteArray samples(frames * 4, Qt::Uninitialized);
+    for (int i = 0; i < frames; ++i)
+        qToLittleEndian<qint32>(i, samples.data() + i * 4);
+    return wav(rate, 32, samples);
+}
+
+inline qint32 numberAt(const QByteArray &samples, int offset)
+{
+    return qFromLittleEndian<qint32>(samples.constData() + offset / 4 * 4);
+}
+
+/// The first channel of a file whose header describes it exactly, floats or 16-bit integers; empty for any other.
+inline QVector<float> exactSamples(const QString &path, WavHeader *header)
+{
+    const QByteArray bytes = readFile(path);
+    if (bytes.size() < WavHeader::Size || !WavHeader::isRiffWave(bytes.constData()))
+        return {};
+    *header = WavHeader::fromBytes(bytes.constData());
+    if (header->dataSize != quint32(bytes.size() - WavHeader::Size) || header->riffSize != header->dataSize + 36)
+        return {};
+    QVector<float> samples;
+    for (const char *at = bytes.cbegin() + WavHeader::Size; at < bytes.cend(); at += header->blockAlign)
+        samples << (header->formatTag == WavHeader::IeeeFloat ? qFromLittleEndian<float>(at)
+                                                              : float(qFromLittleEndian<qint16>(at)) / 32768);
+    return samples;
+}
+
+} // namespace SoundFile

@@ -21,6 +21,8 @@
 #include <functional>
 #include <vector>
 
+using namespace kel;
+
 namespace
 {
 

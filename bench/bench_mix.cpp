@@ -19,6 +19,8 @@
 #include <functional>
 #include <random>
 
+using namespace kel;
+
 namespace
 {
 

@@ -15,6 +15,8 @@
 #include <random>
 #include <vector>
 
+using namespace kel;
+
 namespace
 {
 

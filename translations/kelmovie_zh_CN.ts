@@ -325,21 +325,21 @@
     </message>
 </context>
 <context>
-    <name>FloatPlaneFps</name>
+    <name>kel::FloatPlaneFps</name>
     <message>
         <source>Frame rate</source>
         <translation>帧率</translation>
     </message>
 </context>
 <context>
-    <name>FloatPlanePlaySpeed</name>
+    <name>kel::FloatPlanePlaySpeed</name>
     <message>
         <source>Play speed</source>
         <translation>播放速度</translation>
     </message>
 </context>
 <context>
-    <name>FloatPlaneRecordTime</name>
+    <name>kel::FloatPlaneRecordTime</name>
     <message>
         <source>Record delay</source>
         <translation>录制延时</translation>
@@ -899,7 +899,7 @@
     </message>
 </context>
 <context>
-    <name>SettingsForm</name>
+    <name>kel::SettingsForm</name>
     <message>
         <source>The settings cannot be saved. Changes last until the program ends.</source>
         <translation>无法保存设置。更改仅在程序退出前有效。</translation>

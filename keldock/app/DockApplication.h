@@ -45,7 +45,7 @@ private:
     DockConfigIO &m_io;
     DockSettings &m_settings;
     SingleInstance &m_instance;
-    StopSignal m_stopSignal;
+    kel::StopSignal m_stopSignal;
     RecordingController m_controller;
     RecorderUi m_ui;
     GlobalShortcuts m_shortcuts;

@@ -4,6 +4,8 @@
 
 #include <QFileInfo>
 
+using namespace kel;
+
 namespace
 {
 

@@ -2,6 +2,8 @@
 
 #include "settings/DockSettings.h"
 
+using namespace kel;
+
 GlobalShortcuts::GlobalShortcuts(QObject *parent)
     : QObject(parent)
 {

@@ -28,7 +28,7 @@ signals:
     void stopPressed();
 
 private:
-    GlobalShortcut m_record;
-    GlobalShortcut m_pause;
-    GlobalShortcut m_stop;
+    kel::GlobalShortcut m_record;
+    kel::GlobalShortcut m_pause;
+    kel::GlobalShortcut m_stop;
 };

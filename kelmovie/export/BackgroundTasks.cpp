@@ -5,6 +5,9 @@
 #include <future>
 #include <utility>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -35,3 +38,5 @@ void BackgroundTasks::wait(std::chrono::milliseconds limit)
     if (lastTask.valid())
         lastTask.wait_for(limit);
 }
+
+} // namespace kel

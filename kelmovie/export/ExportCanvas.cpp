@@ -4,6 +4,9 @@
 
 #include <QPainter>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -53,3 +56,5 @@ const QImage &ExportCanvas::paint(KelPlaybackTrackManager &manager)
     m_reduced = m_composed.scaled(m_output, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     return m_reduced;
 }
+
+} // namespace kel

@@ -5,6 +5,9 @@
 
 class KelPlaybackTrackManager;
 
+namespace kel
+{
+
 /// The picture of an export: what the manager paints, in the size of the output.
 class ExportCanvas
 {
@@ -28,3 +31,5 @@ private:
     bool m_isPainted = false;
     quint64 m_revision = 0; // of the manager's picture in m_composed
 };
+
+} // namespace kel

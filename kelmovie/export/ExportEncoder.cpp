@@ -9,6 +9,9 @@
 
 #include <future>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -102,3 +105,5 @@ bool ExportEncoder::runBeside(Work work, const std::function<void()> &meanwhile)
     });
     return isOver && result.get();
 }
+
+} // namespace kel

@@ -6,9 +6,13 @@
 #include <functional>
 #include <memory>
 
-class ExportWatch;
 class KelAVCodecEncoder;
 class QTemporaryDir;
+
+namespace kel
+{
+
+class ExportWatch;
 
 /// The encoder of one export, which never keeps a user waiting who has given up: what the encoder is working on then,
 /// it ends unobserved, and the directory of its file goes with it.
@@ -50,3 +54,5 @@ private:
     ExportWatch &m_watch;
     bool m_isComplete = false;
 };
+
+} // namespace kel

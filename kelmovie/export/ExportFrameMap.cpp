@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -46,3 +49,5 @@ int ExportFrameMap::logicFrame(qint64 i) const
     const int offset = int(std::floor(position + 0.5));
     return m_startFrame + std::max(std::min(offset, m_frameSpan), 0);
 }
+
+} // namespace kel

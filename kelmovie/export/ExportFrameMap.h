@@ -2,6 +2,9 @@
 
 #include <QtGlobal>
 
+namespace kel
+{
+
 /// Which logic frame each output frame of an export shows: the range's frames, spread evenly over as many output frames
 /// as the range lasts at the playback speed and the output frame rate.
 class ExportFrameMap
@@ -37,3 +40,5 @@ private:
     int m_frameSpan = 0;
     qint64 m_outputFrames = 1;
 };
+
+} // namespace kel

@@ -8,6 +8,9 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -87,3 +90,5 @@ QString moveOverFile(const QString &from, const QString &to, const std::function
     source.remove();
     return QString();
 }
+
+} // namespace kel

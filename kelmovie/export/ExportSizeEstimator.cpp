@@ -12,6 +12,9 @@
 #include <chrono>
 #include <cmath>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -244,3 +247,5 @@ void ExportSizeEstimator::fail(const QString &error)
     m_file.reset();
     emit sigFailed(error);
 }
+
+} // namespace kel

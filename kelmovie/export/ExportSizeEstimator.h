@@ -9,8 +9,12 @@
 #include <memory>
 #include <vector>
 
-class ExportFrameMap;
 class KelPlaybackTrackManager;
+
+namespace kel
+{
+
+class ExportFrameMap;
 class SampleFile;
 
 /// Tells how large an export becomes by really encoding samples of it: short runs of frames, spread over the range.
@@ -77,3 +81,5 @@ private:
     quint64 m_revision = 0; // of the picture that was encoded last
     QTimer m_timer;
 };
+
+} // namespace kel

@@ -1,5 +1,8 @@
 #include "export/ExportWatch.h"
 
+namespace kel
+{
+
 namespace
 {
 
@@ -67,3 +70,5 @@ bool ExportWatch::wait(const std::function<bool(std::chrono::milliseconds limit)
     }
     return true;
 }
+
+} // namespace kel

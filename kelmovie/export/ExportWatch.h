@@ -7,6 +7,9 @@
 #include <chrono>
 #include <functional>
 
+namespace kel
+{
+
 /// What stands between an export and its monitor: reports progress, and asks whether to go on.
 class ExportWatch
 {
@@ -40,3 +43,5 @@ private:
     int m_percent = -1;
     bool m_isCancelled = false;
 };
+
+} // namespace kel

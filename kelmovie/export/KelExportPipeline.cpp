@@ -28,6 +28,8 @@
 #include <exception>
 #include <future>
 
+using namespace kel;
+
 namespace
 {
 

@@ -8,6 +8,9 @@
 
 #include <chrono>
 
+namespace kel
+{
+
 SampleFile::SampleFile(const KelExportRequest &request, const QSize &size)
     : m_encoder(KelExportSeams::real().createEncoder(request.format, size, path(), request.fps, request.quality, {}))
     , m_hasFailed(!m_directory.isValid() || !m_encoder || !m_encoder->isValid())
@@ -62,3 +65,5 @@ qint64 SampleFile::bytes() const
 {
     return QFileInfo(path()).size();
 }
+
+} // namespace kel

@@ -12,6 +12,9 @@
 class KelAVCodecEncoder;
 class QImage;
 
+namespace kel
+{
+
 /// A few pictures in a temporary file of an export format, encoded without anybody waiting for it. One thread.
 class SampleFile
 {
@@ -44,3 +47,5 @@ private:
     bool m_hasFailed = false;
     std::future<bool> m_work; // last: it uses the encoder
 };
+
+} // namespace kel

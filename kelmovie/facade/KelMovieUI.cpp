@@ -17,7 +17,7 @@ KelMultiTrackRecorder *KelMovieUI::createMultiTrackRecorder()
 
 QString KelMovieUI::createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath)
 {
-    return ::createTrimmedAudioFile(audioPath, startMs, endMs, outputPath);
+    return kel::createTrimmedAudioFile(audioPath, startMs, endMs, outputPath);
 }
 
 QString KelMovieUI::version()

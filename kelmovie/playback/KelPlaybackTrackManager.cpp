@@ -17,6 +17,8 @@
 #include <cmath>
 #include <cstdlib>
 
+using namespace kel;
+
 namespace
 {
 

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 void PlaybackClock::restart(qint64 nowMs, int frame)
 {
     startMs = nowMs - qint64(double(frame) / fps * 1000.0 / speed);
@@ -21,3 +24,5 @@ bool PlaybackClock::isOver(qint64 nowMs, int totalFrames) const
 {
     return double(nowMs - startMs) >= totalFrames * 1000.0 / (fps * speed);
 }
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include <QtGlobal>
 
+namespace kel
+{
+
 /// Wall-clock time to logic frames and back, at a frame rate and a playback speed.
 struct PlaybackClock {
     int fps = 25;
@@ -17,3 +20,5 @@ struct PlaybackClock {
     /// The last frame has been shown for its whole time.
     bool isOver(qint64 nowMs, int totalFrames) const;
 };
+
+} // namespace kel

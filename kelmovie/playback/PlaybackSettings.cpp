@@ -11,6 +11,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -102,3 +105,5 @@ void applyPlaybackSettings(const KelMovieConfig &config, double pixelRatio, KelP
     else if (auto *countdown = qobject_cast<KelPlaybackCountdownTrack *>(&track))
         applyTo(*countdown, config);
 }
+
+} // namespace kel

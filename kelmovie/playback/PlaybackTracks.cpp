@@ -16,6 +16,9 @@
 
 #include <utility>
 
+namespace kel
+{
+
 /// The order is the painting order: what comes later lies above.
 PlaybackTracks::PlaybackTracks(const QString &recordDir, const KelRecordingMetadata &metadata,
                                bool preferHardwareDecode, const KelPlaybackSeams &seams,
@@ -166,3 +169,5 @@ void PlaybackTracks::paint(QPainter *painter)
     for (const auto &track : m_tracks)
         track->paint(painter);
 }
+
+} // namespace kel

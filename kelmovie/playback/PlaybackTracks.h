@@ -18,6 +18,9 @@ class QPainter;
 struct KelPlaybackSeams;
 struct KelRecordingMetadata;
 
+namespace kel
+{
+
 /// The tracks of one loaded recording: creates them, brings them to a frame and paints them over each other.
 class PlaybackTracks
 {
@@ -79,3 +82,5 @@ private:
     int m_totalFrames = 1;
     quint64 m_revision = 0;
 };
+
+} // namespace kel

@@ -9,6 +9,8 @@
 #include <mutex>
 #include <utility>
 
+using namespace kel;
+
 /// What the hook's thread, the track's and the GUI thread share.
 ///
 /// Removing a hook waits for its callback, which takes the records' lock: the hook is installed and removed under
@@ -27,8 +29,8 @@ public:
     void end();
     void switchOn();
     void switchOff();
-    std::pair<std::size_t, KeyRecords> recordsFor(const KeyLogFile &target);
-    KeyRecords takeRecords();
+    std::pair<std::size_t, StoredKeys> recordsFor(const KeyLogFile &target);
+    StoredKeys takeRecords();
 
     KeyLogFile file; // of the track's thread
 
@@ -41,7 +43,7 @@ private:
     std::mutex m_switchMutex; // taken before the other
     bool m_isSwitchedOff = false;
     std::mutex m_mutex; // guards what follows; the two flags change only with both held
-    KeyRecords m_records;
+    StoredKeys m_records;
     int m_currentFrame = 0;
     bool m_isRecording = false;
     bool m_isHookInstalled = false; // and its keys count
@@ -109,14 +111,14 @@ void KelRecordKeyboardTrackPrivate::switchOff()
 }
 
 /// Those that an update of `target` needs, after the number of the first.
-std::pair<std::size_t, KeyRecords> KelRecordKeyboardTrackPrivate::recordsFor(const KeyLogFile &target)
+std::pair<std::size_t, StoredKeys> KelRecordKeyboardTrackPrivate::recordsFor(const KeyLogFile &target)
 {
     std::lock_guard lock(m_mutex);
     const std::size_t first = target.firstNeeded(m_records.size());
-    return {first, KeyRecords(m_records.begin() + std::ptrdiff_t(first), m_records.end())};
+    return {first, StoredKeys(m_records.begin() + std::ptrdiff_t(first), m_records.end())};
 }
 
-KeyRecords KelRecordKeyboardTrackPrivate::takeRecords()
+StoredKeys KelRecordKeyboardTrackPrivate::takeRecords()
 {
     std::lock_guard lock(m_mutex);
     return std::exchange(m_records, {});

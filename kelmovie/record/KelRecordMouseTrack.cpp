@@ -20,6 +20,8 @@
 #include <deque>
 #include <mutex>
 
+using namespace kel;
+
 namespace
 {
 // What the last frame saw, of whichever recording it was: a pointer that is away when a recording starts, and was away

@@ -14,6 +14,8 @@
 #include <exception>
 #include <utility>
 
+using namespace kel;
+
 namespace
 {
 constexpr unsigned long WindDownMs = 50;

@@ -65,9 +65,9 @@ private:
     QAudioRecorder *m_microphone = nullptr;        // child of this
     QString m_currentMicrophonePart;               // empty between parts
     qint64 m_microphoneStartMs = 0;
-    qint64 m_microphoneBeginMs = 0;       // when its sound began after that; 0: not yet
-    QStringList m_microphoneParts;        // finished, in order
-    QList<WavPartTime> m_microphoneTimes; // of each
+    qint64 m_microphoneBeginMs = 0;            // when its sound began after that; 0: not yet
+    QStringList m_microphoneParts;             // finished, in order
+    QList<kel::WavPartTime> m_microphoneTimes; // of each
     int m_microphonePartIndex = 0;
     qint64 m_clockChangeMs = 0; // of the steady clock; 0 when it was not noted
 };

@@ -7,6 +7,9 @@
 
 #include <memory>
 
+namespace kel
+{
+
 namespace
 {
 /// A new file beside `path`, open and without a buffer, or not open.
@@ -59,3 +62,5 @@ bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access
         QFile::remove(written);
     return false;
 }
+
+} // namespace kel

@@ -6,6 +6,9 @@
 class QFile;
 class QIODevice;
 
+namespace kel
+{
+
 /// Writes all of `bytes` to a device without a buffer. False when that fails, and the device then knows why: a disk
 /// that fills up in the middle of them says nothing at first.
 bool writeAll(QIODevice &device, const QByteArray &bytes);
@@ -21,3 +24,5 @@ enum class FileAccess {
 /// passes it as `replaced`: it is closed in the last moment.
 bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access, QString *error,
                  QFile *replaced = nullptr);
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <QDataStream>
 
+namespace kel
+{
+
 namespace
 {
 constexpr qint64 CountOffset = 4;
@@ -56,3 +59,5 @@ bool FrameIndexFile::writeAt(qint64 offset, const std::vector<qint64> &numbers)
         stream << qint32(number);
     return m_file.seek(offset) && writeAll(m_file, bytes);
 }
+
+} // namespace kel

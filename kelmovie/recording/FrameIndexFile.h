@@ -5,6 +5,9 @@
 
 #include <vector>
 
+namespace kel
+{
+
 /// Writes "frame_indexes.dat" and keeps it valid at every moment: entries are appended first, then the count in the
 /// header is raised, so a process that dies leaves all entries up to its last update. One thread at a time.
 class FrameIndexFile
@@ -31,3 +34,5 @@ private:
     QFile m_file;
     qint64 m_count = -1; // entries in the file; -1 before its header is written
 };
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <QFileInfo>
 #include <QtEndian>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -52,3 +55,5 @@ bool loadFrameIndexes(const QString &trackDir, std::vector<int> &frameIndexes)
     qFromBigEndian<qint32>(entries.constData(), entries.size() / kEntrySize, frameIndexes.data());
     return true;
 }
+
+} // namespace kel

@@ -7,6 +7,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+using namespace kel;
+
 namespace
 {
 constexpr qint64 MaxFileBytes = 1 << 20;

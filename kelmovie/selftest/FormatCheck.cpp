@@ -12,6 +12,9 @@
 #include <cstdlib>
 #include <vector>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -49,7 +52,7 @@ QString encode(int format, const QString &path)
 std::vector<QImage> decode(int format, const QString &path, QString *error)
 {
     if (format != 0)
-        return AnimationReader::read(path, kFrames + 1, error);
+        return av::AnimationReader::read(path, kFrames + 1, error);
     h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
     std::vector<QImage> pictures;
     for (int frame = 0; frame < decoder.getFrameCount(); ++frame)
@@ -98,3 +101,5 @@ QString FormatCheck::run(int format, const QString &path)
     }
     return {};
 }
+
+} // namespace kel

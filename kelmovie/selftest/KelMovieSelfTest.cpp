@@ -16,6 +16,9 @@
 #include <QSysInfo>
 #include <QTemporaryDir>
 
+using namespace av;
+using namespace kel;
+
 namespace
 {
 

@@ -10,6 +10,9 @@
 #include <QScreen>
 #include <QTimer>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -77,3 +80,5 @@ QString RecordingCheck::playBack()
                     .arg(playback.durationMs());
     return {};
 }
+
+} // namespace kel

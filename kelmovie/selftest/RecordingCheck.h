@@ -3,6 +3,9 @@
 #include <QRect>
 #include <QString>
 
+namespace kel
+{
+
 /// Records a piece of the screen and plays it back.
 class RecordingCheck
 {
@@ -27,3 +30,5 @@ private:
     QRect m_area;
     QString m_finding;
 };
+
+} // namespace kel

@@ -10,6 +10,9 @@
 #include <thread>
 #include <utility>
 
+namespace av
+{
+
 /// A thread that handles items in order, fed by one producer through a queue of bounded length.
 /// The handler runs on the worker's thread and answers false to end the work for good (it failed).
 template <typename Item>
@@ -118,3 +121,5 @@ private:
     bool m_isAborted = false; // what is queued is not wanted
     std::thread m_thread;     // last: it uses all of the above
 };
+
+} // namespace av

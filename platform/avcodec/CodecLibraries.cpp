@@ -14,6 +14,9 @@ extern "C" {
 #include <webp/encode.h>
 #include <x264.h>
 
+namespace av
+{
+
 namespace
 {
 
@@ -40,3 +43,5 @@ QStringList CodecLibraries::versions()
             packed("libwebp", unsigned(WebPGetEncoderVersion())),
             QStringLiteral("libdeflate ") + QLatin1String(LIBDEFLATE_VERSION_STRING)};
 }
+
+} // namespace av

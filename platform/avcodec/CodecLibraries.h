@@ -3,10 +3,10 @@
 #include <QStringList>
 
 /// The libraries that encode and decode.
-namespace CodecLibraries
+namespace av::CodecLibraries
 {
 
 /// Name and version of each, as "libavcodec 60.31.102".
 QStringList versions();
 
-} // namespace CodecLibraries
+} // namespace av::CodecLibraries

@@ -4,6 +4,9 @@
 
 #include <mutex>
 
+namespace av
+{
+
 /// Keeps the first failure of a component that works on several threads.
 class FirstError
 {
@@ -30,3 +33,5 @@ private:
     mutable std::mutex m_mutex;
     QString m_text;
 };
+
+} // namespace av

@@ -2,6 +2,9 @@
 
 #include "files/RenameOver.h"
 
+namespace av
+{
+
 bool OutputFile::open(const QString &path)
 {
     m_file.setFileName(path);
@@ -40,7 +43,7 @@ bool OutputFile::becomeLike(OutputFile &other)
 {
     m_file.close();
     other.m_file.close();
-    const QString problem = renameOver(other.path(), path());
+    const QString problem = kel::renameOver(other.path(), path());
     if (problem.isNull())
         m_size = other.m_size;
     if (!m_file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) || !m_file.seek(m_size))
@@ -74,3 +77,5 @@ bool OutputFile::put(const QByteArray &bytes)
     }
     return true;
 }
+
+} // namespace av

@@ -4,6 +4,9 @@
 #include <QFile>
 #include <QString>
 
+namespace av
+{
+
 /// A file whose every write is checked at once; nothing is kept back in a buffer. After a failure it takes no more,
 /// and the text of the first failure stays. One thread at a time.
 class OutputFile
@@ -41,3 +44,5 @@ private:
     qint64 m_size = 0;
     QString m_error;
 };
+
+} // namespace av

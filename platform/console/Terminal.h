@@ -5,7 +5,7 @@
 #include <cstdio>
 
 /// The terminal that a program was started in, if any.
-namespace Terminal
+namespace kel::Terminal
 {
 
 /// Writes text to stdout or stderr in the encoding that is expected there.
@@ -26,4 +26,4 @@ const char *desktopPlatform();
 /// The name of the one for programs without windows. It knows the fonts of the system.
 const char *windowlessPlatform();
 
-} // namespace Terminal
+} // namespace kel::Terminal

@@ -3,6 +3,9 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+namespace kel
+{
+
 void LogicalDesktop::watch()
 {
     auto *app = qobject_cast<QGuiApplication *>(QCoreApplication::instance()); // a console program has another kind
@@ -54,3 +57,5 @@ QPoint LogicalDesktop::toLogical(const std::vector<Screen> &screens, QPoint phys
     }
     return physical;
 }
+
+} // namespace kel

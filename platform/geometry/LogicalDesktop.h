@@ -6,6 +6,9 @@
 #include <mutex>
 #include <vector>
 
+namespace kel
+{
+
 /// Converts positions from the pixels of the system to the logical pixels of Qt's desktop, on any thread, although
 /// screens can be asked on the GUI thread only: it keeps a copy of their places that follows every change.
 class LogicalDesktop
@@ -32,3 +35,5 @@ private:
     bool m_watching = false;
     std::vector<Screen> m_screens;
 };
+
+} // namespace kel

@@ -5,6 +5,9 @@
 
 #include <cmath>
 
+namespace kel
+{
+
 ScreenScale screenScale(const QRect &rect)
 {
     // The choice must be the one of getDevicePixelRatio(), from which callers know the size that they will get.
@@ -44,3 +47,5 @@ QRect physicalRect(const QRect &rect, const ScreenScale &scale)
     return {scale.origin + QPoint(scaled(offset.x()), scaled(offset.y())),
             QSize(scaled(rect.width()), scaled(rect.height()))};
 }
+
+} // namespace kel

@@ -3,6 +3,9 @@
 #include <QPoint>
 #include <QRect>
 
+namespace kel
+{
+
 /// How a screen's logical pixels lie on the system's physical ones.
 struct ScreenScale {
     QPoint origin;      ///< the screen's top-left corner, which is the same in both
@@ -25,3 +28,5 @@ QRect physicalRect(const QRect &rect, const ScreenScale &scale);
 
 /// The logical pixels of the desktop that `physical` covers; empty when its centre is on no screen. GUI thread.
 QRect logicalRect(const QRect &physical);
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include "keymouse/GlobalShortcutGrabber.h"
 
+namespace kel
+{
+
 namespace
 {
 
@@ -51,3 +54,5 @@ void GlobalShortcut::drop()
         m_grabber->release(m_keys[0]);
     m_keys = QKeySequence();
 }
+
+} // namespace kel

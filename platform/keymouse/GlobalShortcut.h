@@ -5,6 +5,9 @@
 
 #include <memory>
 
+namespace kel
+{
+
 class GlobalShortcutGrabber;
 
 /// A key combination that works whichever program has the focus. GUI thread; needs a QGuiApplication.
@@ -33,3 +36,5 @@ private:
     QKeySequence m_keys;
     QString m_error;
 };
+
+} // namespace kel

@@ -5,6 +5,9 @@
 
 #include <memory>
 
+namespace kel
+{
+
 /// What an operating system provides: key combinations that reach this process whichever program has the focus.
 /// A combination is what QKeySequence holds: a Qt::Key and its modifiers in one number. GUI thread.
 class GlobalShortcutGrabber : public QObject
@@ -22,3 +25,5 @@ public:
 signals:
     void pressed(int combination);
 };
+
+} // namespace kel

@@ -2,6 +2,8 @@
 
 #include "keymouse/KeyMouseHub.h"
 
+using namespace kel;
+
 KelKeyMouseHook::KelKeyMouseHook()
 {
     KeyMouseHub::instance().watchScreens();

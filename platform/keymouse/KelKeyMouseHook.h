@@ -5,6 +5,11 @@
 #include <QString>
 #include <QtGlobal>
 
+namespace kel
+{
+class KeyMouseHub;
+} // namespace kel
+
 /// Watches keyboard and mouse of the whole desktop, whichever program has the focus.
 ///
 /// Derive from it, override the callbacks of interest and call setHookType(). All hooks of the process are fed by one
@@ -54,6 +59,6 @@ protected:
     virtual bool OnMouseWheelEvent(KelWheelEvent event);
 
 private:
-    friend class KeyMouseHub;
+    friend class kel::KeyMouseHub;
     Q_DISABLE_COPY(KelKeyMouseHook)
 };

@@ -6,6 +6,9 @@
 
 #include <memory>
 
+namespace kel
+{
+
 /// Where an event source puts its events.
 class KeyMouseEventSink
 {
@@ -40,3 +43,5 @@ public:
 
 /// The source of the operating system that this library is built for.
 std::unique_ptr<KeyMouseEventSource> createKeyMouseEventSource(KeyMouseEventSink &sink);
+
+} // namespace kel

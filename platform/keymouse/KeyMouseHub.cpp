@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <chrono>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -107,3 +110,5 @@ std::vector<KeyMouseHub::Installed>::iterator KeyMouseHub::find(const KelKeyMous
 {
     return std::find_if(m_hooks.begin(), m_hooks.end(), [hook](const Installed &one) { return one.hook == hook; });
 }
+
+} // namespace kel

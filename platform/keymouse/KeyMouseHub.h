@@ -11,6 +11,9 @@
 
 class KelKeyMouseHook;
 
+namespace kel
+{
+
 /// Passes the events of the one source to all hooks that want them.
 ///
 /// No callback runs under a lock. The source may ask for wantedKinds() under a lock of its own, so the source is never
@@ -60,3 +63,5 @@ private:
 
     std::unique_ptr<KeyMouseEventSource> m_source; // last: its thread uses all of the above until it is gone
 };
+
+} // namespace kel

@@ -7,6 +7,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -77,3 +80,5 @@ QString LottieFile::check() const
         return "a number beyond all bounds";
     return {};
 }
+
+} // namespace kel

@@ -3,6 +3,9 @@
 #include <QByteArray>
 #include <QString>
 
+namespace kel
+{
+
 /// The text of an animation, looked over before the renderer gets it: the renderer trusts what it reads.
 class LottieFile
 {
@@ -21,3 +24,5 @@ private:
     QByteArray m_data;
     QString m_error;
 };
+
+} // namespace kel

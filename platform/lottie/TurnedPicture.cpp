@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -83,3 +86,5 @@ QImage turnedPicture(const QImage &picture, const QTransform &place, const QRect
     }
     return turned;
 }
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -29,3 +32,5 @@ KelCursorShape cursorShape(QImage image, const QPoint &hotspot, double ratio)
     image.setDevicePixelRatio(ratio);
     return {QString::fromLatin1(typeOf(image, hotspot)), QPixmap::fromImage(image), hotspot};
 }
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <utility>
 
+namespace kel
+{
+
 /// What a backend hands out when it cannot capture: it sees nothing and says why.
 class FailedScreenStreamer final : public KelScreenStreamer
 {
@@ -20,3 +23,5 @@ public:
 private:
     const QString m_error;
 };
+
+} // namespace kel

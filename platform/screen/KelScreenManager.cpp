@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+using namespace kel;
+
 std::unique_ptr<KelCursorSource> KelScreenBackend::createCursorSource(const QRect &)
 {
     return nullptr;

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 void copyOpaque(const QImage &from, const QPoint &to, QImage &image)
 {
     const std::size_t stride = std::size_t(image.bytesPerLine()) / sizeof(QRgb);
@@ -13,3 +16,5 @@ void copyOpaque(const QImage &from, const QPoint &to, QImage &image)
         std::transform(source, source + width, target, [](QRgb pixel) { return pixel | 0xff000000u; });
     }
 }
+
+} // namespace kel

@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+using namespace kel;
+
 KelStyleTheme *KelStyleTheme::instance()
 {
     static QPointer<KelStyleTheme> theme;

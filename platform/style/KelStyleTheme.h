@@ -9,7 +9,10 @@
 #include <memory>
 
 class QWidget;
+namespace kel
+{
 class SystemTheme;
+} // namespace kel
 
 /// What appleStyleTo() needs besides the widget.
 struct KelStyleParams {
@@ -68,7 +71,7 @@ private:
     void followSystem();
     void followPalette();
 
-    std::unique_ptr<SystemTheme> m_system;
+    std::unique_ptr<kel::SystemTheme> m_system;
     Mode m_mode = Mode::Application;
     bool m_isDark = false;
 };

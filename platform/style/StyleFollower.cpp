@@ -4,6 +4,9 @@
 #include <QFile>
 #include <QWidget>
 
+namespace kel
+{
+
 StyleFollower::StyleFollower(QWidget *widget, const KelStyleParams &params, KelStyleTheme *theme)
     : QObject(widget)
     , m_widget(widget)
@@ -40,3 +43,5 @@ void StyleFollower::apply()
     m_appliedScale = scale();
     m_widget->setStyleSheet(m_theme->expanded(m_sheet, m_appliedScale));
 }
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <QObject>
 
+namespace kel
+{
+
 /// Keeps one widget styled, as its child.
 class StyleFollower : public QObject
 {
@@ -24,3 +27,5 @@ private:
     QString m_sheet;
     double m_appliedScale = 0;
 };
+
+} // namespace kel

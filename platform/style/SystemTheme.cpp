@@ -1,5 +1,8 @@
 #include "style/SystemTheme.h"
 
+namespace kel
+{
+
 void SystemTheme::setWish(Wish wish)
 {
     if (wish == m_wish)
@@ -7,3 +10,5 @@ void SystemTheme::setWish(Wish wish)
     m_wish = wish;
     emit wishChanged();
 }
+
+} // namespace kel

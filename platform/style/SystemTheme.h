@@ -4,6 +4,9 @@
 
 #include <memory>
 
+namespace kel
+{
+
 /// What the desktop says about light and dark, apart from what Qt makes of it. GUI thread.
 class SystemTheme : public QObject
 {
@@ -26,3 +29,5 @@ protected:
 private:
     Wish m_wish = Wish::Unknown;
 };
+
+} // namespace kel

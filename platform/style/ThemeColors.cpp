@@ -1,5 +1,8 @@
 #include "style/ThemeColors.h"
 
+namespace kel
+{
+
 namespace
 {
 
@@ -65,3 +68,5 @@ bool ThemeColors::isDark(const QPalette &palette)
 {
     return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
 }
+
+} // namespace kel

@@ -5,7 +5,7 @@
 #include <QString>
 
 /// The named colours of the light and the dark theme.
-namespace ThemeColors
+namespace kel::ThemeColors
 {
 
 /// Invalid when no colour has the name.
@@ -16,4 +16,4 @@ QPalette palette(bool dark);
 
 bool isDark(const QPalette &palette);
 
-} // namespace ThemeColors
+} // namespace kel::ThemeColors

@@ -5,6 +5,9 @@
 
 #include <QAccessibleWidget>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -59,3 +62,5 @@ QAccessibleInterface *labelAccessible(const QString &className, QObject *object)
         return nullptr;
     return new LabelAccessible(static_cast<LabelWidthFloatPanel *>(object));
 }
+
+} // namespace kel

@@ -8,6 +8,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+using namespace kel;
+
 namespace
 {
 

@@ -9,6 +9,8 @@
 
 #include <numeric>
 
+using namespace av;
+
 namespace
 {
 

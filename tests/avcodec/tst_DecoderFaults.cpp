@@ -14,6 +14,8 @@
 
 #include <memory>
 
+using namespace av;
+
 namespace
 {
 

@@ -11,6 +11,8 @@
 #include <memory>
 #include <random>
 
+using namespace av;
+
 namespace
 {
 

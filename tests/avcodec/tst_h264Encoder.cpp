@@ -10,6 +10,8 @@
 #include <random>
 #include <thread>
 
+using namespace av;
+
 namespace
 {
 

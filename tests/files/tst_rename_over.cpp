@@ -9,6 +9,8 @@
 #include <atomic>
 #include <memory>
 
+using namespace kel;
+
 class RenameOverTest : public QObject
 {
     Q_OBJECT

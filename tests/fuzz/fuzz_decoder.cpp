@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
+using namespace av;
+
 namespace
 {
 

@@ -10,6 +10,8 @@
 #include <memory>
 #include <mutex>
 
+using namespace kel;
+
 namespace
 {
 

@@ -11,6 +11,8 @@
 
 #include <windows.h>
 
+using namespace kel;
+
 namespace
 {
 

@@ -17,6 +17,8 @@
 #include <atomic>
 #include <memory>
 
+using namespace kel;
+
 namespace
 {
 

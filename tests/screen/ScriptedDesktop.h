@@ -41,7 +41,7 @@ public:
     std::deque<ScriptedScreen> screens;
     bool isCurrent = true; ///< false: screens have come or gone
 
-    DuplicationSystem system()
+    kel::DuplicationSystem system()
     {
         return {[this](IDXGIFactory1 **factory) {
                     isCurrent = true;

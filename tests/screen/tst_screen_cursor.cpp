@@ -9,6 +9,8 @@
 #include <QRasterWindow>
 #include <QtTest>
 
+using namespace kel;
+
 namespace
 {
 

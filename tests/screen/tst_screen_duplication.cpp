@@ -5,6 +5,8 @@
 #include <QTransform>
 #include <QtTest>
 
+using namespace kel;
+
 namespace
 {
 

@@ -10,6 +10,8 @@
 
 #include <memory>
 
+using namespace kel;
+
 class tst_screen_manager : public QObject
 {
     Q_OBJECT

@@ -13,6 +13,8 @@
 
 #include <windows.h>
 
+using namespace kel;
+
 namespace
 {
 

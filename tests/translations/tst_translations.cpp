@@ -38,7 +38,8 @@ QList<Message> currentMessages(const QString &catalogue, const QStringList &fold
     QProcess lupdate;
     lupdate.setWorkingDirectory(KEL_SOURCE_DIR);
     lupdate.start(KEL_LUPDATE,
-                  QStringList{"-silent", "-no-obsolete", "-locations", "none"} + folders + QStringList{"-ts", copy});
+                  QStringList{"-silent", "-I", "platform", "-I", "kelmovie", "-no-obsolete", "-locations", "none"} +
+                      folders + QStringList{"-ts", copy});
     if (!lupdate.waitForFinished(60000) || lupdate.exitCode() != 0) {
         return {};
     }

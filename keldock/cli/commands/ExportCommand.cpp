@@ -17,6 +17,8 @@
 
 #include <limits>
 
+using namespace kel;
+
 namespace
 {
 

@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+using namespace kel;
+
 OutputFile::OutputFile(const QString &path)
     : m_path(path)
 {

@@ -9,6 +9,8 @@
 
 #include <utility>
 
+using namespace kel;
+
 namespace
 {
 constexpr int ShowEveryMs = 250;

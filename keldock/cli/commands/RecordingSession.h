@@ -32,7 +32,7 @@ private:
 
     const qint64 m_durationMs;
     KelMultiTrackRecorder m_recorder;
-    StopSignal m_stopSignal;
+    kel::StopSignal m_stopSignal;
     TerminalLine m_line;
     QElapsedTimer m_elapsed;
     QEventLoop m_loop;

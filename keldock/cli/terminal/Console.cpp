@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+using namespace kel;
+
 void Console::print(const QString &text)
 {
     Terminal::write(stdout, text);

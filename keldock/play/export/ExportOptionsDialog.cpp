@@ -14,6 +14,8 @@
 #include <QLabel>
 #include <QPushButton>
 
+using namespace kel;
+
 namespace
 {
 

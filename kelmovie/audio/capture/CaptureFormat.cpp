@@ -3,6 +3,9 @@
 #include <cstddef>
 #include <cstring>
 
+namespace kel
+{
+
 CaptureFormat::CaptureFormat(const QByteArray &bytes)
     : m_bytes(bytes)
 {
@@ -68,3 +71,5 @@ quint16 CaptureFormat::resolvedTag() const
     }
     return get()->wFormatTag;
 }
+
+} // namespace kel

@@ -6,6 +6,9 @@
 
 #include <QByteArray>
 
+namespace kel
+{
+
 /// The format of captured sound: a WAVEFORMATEX with the bytes that extend it.
 class CaptureFormat
 {
@@ -35,3 +38,5 @@ private:
 
     QByteArray m_bytes;
 };
+
+} // namespace kel

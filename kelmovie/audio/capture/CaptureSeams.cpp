@@ -3,6 +3,9 @@
 #include <QElapsedTimer>
 #include <QThread>
 
+namespace kel
+{
+
 namespace
 {
 /// Short against a device's buffer, and long enough that looking for packets costs next to nothing.
@@ -22,3 +25,5 @@ CaptureSeams::CaptureSeams()
     , rest([] { QThread::msleep(RestMs); })
 {
 }
+
+} // namespace kel

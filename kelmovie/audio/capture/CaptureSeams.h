@@ -6,6 +6,9 @@
 
 #include <functional>
 
+namespace kel
+{
+
 /// What the capture of system audio takes from its surroundings; a test puts a scripted device and clock in their
 /// place.
 struct CaptureSeams {
@@ -23,3 +26,5 @@ struct CaptureSeams {
     /// Lets a moment pass in which more sound can arrive.
     std::function<void()> rest;
 };
+
+} // namespace kel

@@ -8,6 +8,8 @@
 
 #include <utility>
 
+using namespace kel;
+
 namespace
 {
 constexpr unsigned long StopWaitMs = 3000;

@@ -16,8 +16,8 @@ class KelSystemAudioRecord : public QObject
 
 public:
     /// Creates the directory of `outputPath`. `failed` hears, on any thread and in English, why sound is missing.
-    KelSystemAudioRecord(const QString &outputPath, WasapiCaptureThread::FailureHandler failed, QObject *parent,
-                         const CaptureSeams &seams = CaptureSeams());
+    KelSystemAudioRecord(const QString &outputPath, kel::WasapiCaptureThread::FailureHandler failed, QObject *parent,
+                         const kel::CaptureSeams &seams = kel::CaptureSeams());
     ~KelSystemAudioRecord() override;
 
     /// Instead of a moment of the steady clock, in ms.
@@ -42,15 +42,15 @@ private:
     void endThread();
 
     const QString m_outputPath;
-    const WasapiCaptureThread::FailureHandler m_failed;
-    const CaptureSeams m_seams;
+    const kel::WasapiCaptureThread::FailureHandler m_failed;
+    const kel::CaptureSeams m_seams;
     QString m_currentPart; // empty between parts
     QStringList m_parts;   // finished, in order
     int m_partIndex = 0;
     bool m_isRecording = false;
     bool m_isPaused = false;
-    WasapiCaptureThread *m_thread = nullptr; // child of this
-    QByteArray m_format;                     // of the first thread, for all that follow
+    kel::WasapiCaptureThread *m_thread = nullptr; // child of this
+    QByteArray m_format;                          // of the first thread, for all that follow
     qint64 m_partStartMs = 0;
     qint64 m_unrecordedMs = 0; // that passed without a running capture
 };

@@ -4,6 +4,9 @@
 
 #include <QDebug>
 
+namespace kel
+{
+
 namespace
 {
 constexpr REFERENCE_TIME BufferDuration = 10'000'000; // one second
@@ -114,3 +117,5 @@ void LoopbackDevice::release()
     m_capture->ReleaseBuffer(m_heldFrames);
     m_heldFrames = 0;
 }
+
+} // namespace kel

@@ -6,6 +6,9 @@
 
 #include <QString>
 
+namespace kel
+{
+
 struct CaptureSeams;
 
 /// A default device whose sound is recorded: what the output plays or, with eCapture, what the microphone hears.
@@ -57,3 +60,5 @@ private:
     IAudioCaptureClient *m_capture = nullptr;
     UINT32 m_heldFrames = 0;
 };
+
+} // namespace kel

@@ -9,6 +9,9 @@
 #include <QFile>
 #include <QThread>
 
+namespace kel
+{
+
 namespace
 {
 constexpr int WholeFileLimitMs = 2000;
@@ -93,3 +96,5 @@ void MicrophoneBackend::preload()
 {
     const QAudioRecorder recorder;
 }
+
+} // namespace kel

@@ -6,7 +6,7 @@
 class QAudioRecorder;
 
 /// What a recorder of the microphone needs to be told, and asked, beyond its own interface. GUI thread.
-namespace MicrophoneBackend
+namespace kel::MicrophoneBackend
 {
 /// Asks for a WAV file of `settings`, whose codec is "audio/wav", in the words that the recorder's backend knows.
 void setWavSettings(QAudioRecorder &recorder, QAudioEncoderSettings settings);
@@ -25,4 +25,4 @@ bool isSilent(const QString &path);
 
 /// Loads what the first recorder of a process takes half a second to load.
 void preload();
-} // namespace MicrophoneBackend
+} // namespace kel::MicrophoneBackend

@@ -4,6 +4,9 @@
 
 #include <coreaudio/CoreAudio.h>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -34,3 +37,5 @@ bool SoundDevices::hasSystemAudio()
 {
     return hasDefaultDevice(eRender);
 }
+
+} // namespace kel

@@ -2,7 +2,7 @@
 
 /// Which sound there is to record at present. Each call asks the system: at most a few seconds where it does not
 /// answer.
-namespace SoundDevices
+namespace kel::SoundDevices
 {
 
 bool hasMicrophone();
@@ -10,4 +10,4 @@ bool hasMicrophone();
 /// An output whose sound can be recorded.
 bool hasSystemAudio();
 
-} // namespace SoundDevices
+} // namespace kel::SoundDevices

@@ -9,6 +9,9 @@
 #include <cstring>
 #include <limits>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -136,3 +139,5 @@ void SoundLevelMonitor::listen()
     device.stop();
     m_state = State::Waiting;
 }
+
+} // namespace kel

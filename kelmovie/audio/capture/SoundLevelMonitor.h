@@ -8,6 +8,9 @@
 #include <condition_variable>
 #include <mutex>
 
+namespace kel
+{
+
 class CaptureFormat;
 
 /// Listens how loud a default device is, without recording it, on a thread of its own. A device that is not there, or
@@ -53,3 +56,5 @@ private:
     bool m_isEnding = false;
     std::condition_variable m_changed;
 };
+
+} // namespace kel

@@ -9,6 +9,9 @@
 
 #include <utility>
 
+namespace kel
+{
+
 namespace
 {
 constexpr qint64 SilenceAfterMs = 100;
@@ -233,3 +236,5 @@ void WasapiCaptureThread::reportOnce(const QString &problem)
         return;
     m_failed(problem);
 }
+
+} // namespace kel

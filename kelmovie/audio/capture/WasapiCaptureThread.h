@@ -11,6 +11,9 @@
 #include <functional>
 #include <memory>
 
+namespace kel
+{
+
 class LoopbackDevice;
 class SoundPartFile;
 
@@ -85,3 +88,5 @@ private:
     qint64 m_lastSizesMs = 0;
     qint64 m_lastSearchMs = 0;
 };
+
+} // namespace kel

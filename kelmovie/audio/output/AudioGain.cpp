@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -87,3 +90,5 @@ void AudioGain::apply(const QAudioFormat &format, QByteArray *piece)
     }
     m_level = std::max(peak, m_level * kLevelDecay);
 }
+
+} // namespace kel

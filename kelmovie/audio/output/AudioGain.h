@@ -3,6 +3,9 @@
 #include <QAudioFormat>
 #include <QByteArray>
 
+namespace kel
+{
+
 /// Amplifies sound, beyond its full scale if asked to: what would exceed it is bent instead of cut off. 16-bit integer
 /// and float samples are amplified, others only muted.
 class AudioGain
@@ -33,3 +36,5 @@ private:
     bool m_isMuted = false;
     float m_level = 0;
 };
+
+} // namespace kel

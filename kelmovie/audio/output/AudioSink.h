@@ -8,6 +8,9 @@
 
 class QAudioFormat;
 
+namespace kel
+{
+
 /// Where a player's sound goes. The player writes when there is room. There is no pause: Qt's ends the process when the
 /// sound server has just gone away. Stopping and starting costs a millisecond.
 class AudioSink : public QObject
@@ -36,3 +39,5 @@ signals:
     /// About every 20 ms while sound is being played.
     void notify();
 };
+
+} // namespace kel

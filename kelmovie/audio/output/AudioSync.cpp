@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -59,3 +62,5 @@ void AudioSync::update(qint64 nowMs, double positionMs, double expectedMs)
         m_correction = 1.0;
     m_isLost = std::abs(m_lagMs) > kLostLagMs;
 }
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include <QtGlobal>
 
+namespace kel
+{
+
 /// Tells how a sound that is being played has to change its rate to stay with the picture, whose clock is not the sound
 /// device's. Small deviations are worn off by a change of pitch that nobody hears, large ones need a new start.
 ///
@@ -33,3 +36,5 @@ private:
     double m_lagMs = 0; ///< smoothed; wall-clock ms that the sound is behind the picture
     bool m_isLost = false;
 };
+
+} // namespace kel

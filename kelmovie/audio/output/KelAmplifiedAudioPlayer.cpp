@@ -10,6 +10,8 @@
 #include <cstring>
 #include <utility>
 
+using namespace kel;
+
 namespace
 {
 

@@ -28,7 +28,7 @@ class KelAmplifiedAudioPlayer : public QObject
 public:
     explicit KelAmplifiedAudioPlayer(QObject *parent = nullptr);
     /// With other sound devices.
-    explicit KelAmplifiedAudioPlayer(AudioSink::Factory createSink, QObject *parent = nullptr);
+    explicit KelAmplifiedAudioPlayer(kel::AudioSink::Factory createSink, QObject *parent = nullptr);
     ~KelAmplifiedAudioPlayer() override;
 
     bool setSource(const QString &path);
@@ -77,11 +77,11 @@ private:
     void tick();
     bool fail(const QString &text);
 
-    const AudioSink::Factory m_createSink;
-    std::unique_ptr<AudioSink> m_sink;
-    WavPlaybackFile m_file;
+    const kel::AudioSink::Factory m_createSink;
+    std::unique_ptr<kel::AudioSink> m_sink;
+    kel::WavPlaybackFile m_file;
     QString m_errorString;
-    AudioGain m_gain;
+    kel::AudioGain m_gain;
     QTimer m_feedTimer;
     QByteArray m_pending; ///< made and not yet taken by the device
     double m_first = 0;   ///< frame of the file with which the present rate began

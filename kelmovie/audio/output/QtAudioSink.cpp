@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -78,3 +81,5 @@ void QtAudioSink::setVolume(double volume)
     if (m_output)
         m_output->setVolume(volume);
 }
+
+} // namespace kel

@@ -7,6 +7,9 @@
 class QAudioOutput;
 class QIODevice;
 
+namespace kel
+{
+
 /// Plays on the device that is the default one at each start.
 class QtAudioSink : public AudioSink
 {
@@ -30,3 +33,5 @@ private:
     QAudioOutput *m_output = nullptr; ///< null when stopped; a child
     QIODevice *m_device = nullptr;    ///< belongs to the output, which deletes it when the sound server goes away
 };
+
+} // namespace kel

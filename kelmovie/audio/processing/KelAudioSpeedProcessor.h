@@ -6,7 +6,10 @@
 #include <atomic>
 
 class QSaveFile;
+namespace kel
+{
 class SpeedFrameMap;
+} // namespace kel
 
 /// Turns a WAV file into one that plays at another speed, so that an exported video keeps its sound in step.
 ///
@@ -42,8 +45,8 @@ private:
 
     bool copy(const QString &inputPath, const QString &outputPath);
     bool readWavFile(const QString &path, WavFile *wav);
-    bool writeWavFile(const QString &path, WavFile &wav, const SpeedFrameMap &map);
-    bool changeSpeed(WavFile &wav, const SpeedFrameMap &map, float *gain, QSaveFile &output);
+    bool writeWavFile(const QString &path, WavFile &wav, const kel::SpeedFrameMap &map);
+    bool changeSpeed(WavFile &wav, const kel::SpeedFrameMap &map, float *gain, QSaveFile &output);
     bool fail(const QString &message);
 
     QString m_errorMessage;

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <limits>
 
+namespace kel
+{
+
 SpeedFrameMap::SpeedFrameMap(int inFrames, double speed)
     : m_inFrames(inFrames)
     , m_speed(speed)
@@ -24,3 +27,5 @@ void SpeedFrameMap::sourceFrames(int first, int count, int *sources) const
             sources[i] = int(std::min((first + i) * m_speed, last));
     }
 }
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include <QtGlobal>
 
+namespace kel
+{
+
 /// Which sample frame of a sound each frame of the same sound at another speed is: always the earlier neighbour, never
 /// a blend. The two directions round in ways of their own.
 class SpeedFrameMap
@@ -23,3 +26,5 @@ private:
     double m_speed;
     int m_outFrames;
 };
+
+} // namespace kel

@@ -9,6 +9,9 @@
 #include <QImage>
 #include <QTemporaryDir>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -49,3 +52,5 @@ QString createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs,
     qWarning() << "Failed to create trimmed audio file";
     return QString();
 }
+
+} // namespace kel

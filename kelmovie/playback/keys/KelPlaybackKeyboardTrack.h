@@ -23,10 +23,10 @@ public:
                              KelPlaybackTrackManager *manager);
 
     /// The frame shown stays, in the new style.
-    void setStyle(const KeyOverlayStyle &style);
-    const KeyOverlayStyle &style() const { return m_style; }
+    void setStyle(const kel::KeyOverlayStyle &style);
+    const kel::KeyOverlayStyle &style() const { return m_style; }
     /// What is displayed at every frame.
-    const KeyDisplayList &displayList() const { return m_list; }
+    const kel::KeyDisplayList &displayList() const { return m_list; }
 
     /// Frame 0 shows nothing.
     void seekToFrame(int frame) override;
@@ -41,8 +41,8 @@ public:
 private:
     /// What paint() draws, bottom to top.
     struct Shown {
-        const KeyDisplayItem *current = nullptr; // null: none
-        std::vector<const KeyDisplayItem *> past;
+        const kel::KeyDisplayItem *current = nullptr; // null: none
+        std::vector<const kel::KeyDisplayItem *> past;
 
         bool looksLike(const Shown &other) const;
     };
@@ -50,12 +50,12 @@ private:
     void build();
     Shown shown() const;
 
-    KeyRecording m_recording;
+    kel::KeyRecording m_recording;
     const int m_totalFrames;
     const double m_scale;
     QSize m_canvas;
-    KeyOverlayStyle m_style;
-    KeyDisplayList m_list;
+    kel::KeyOverlayStyle m_style;
+    kel::KeyDisplayList m_list;
     int m_frame = 0;
     int m_entry = -1; // the one shown, -1 for none
 };

@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -141,3 +144,5 @@ void KeyBoxLayout::place(int displayPos, const QSizeF &canvas)
     textRect = QRectF(QPointF(inner.right() - m_textSize.width(), inner.bottom() - m_textSize.height()), m_textSize);
     label = QRectF(QPointF(box.right() + gap, box.center().y() - m_labelSize.height() / 2.0), m_labelSize);
 }
+
+} // namespace kel

@@ -6,6 +6,9 @@
 #include <QRectF>
 #include <QSizeF>
 
+namespace kel
+{
+
 /// Where everything of one box lies, in pixels of the canvas. The box is whole inside the canvas: a text too wide is
 /// set smaller, then shortened; a box for which there is no room at all is not there.
 class KeyBoxLayout
@@ -51,3 +54,5 @@ private:
     QSizeF m_textSize;
     QSizeF m_labelSize;
 };
+
+} // namespace kel

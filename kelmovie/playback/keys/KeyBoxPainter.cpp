@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -74,3 +77,5 @@ void paintKeyBox(QPainter &painter, const KeyBoxLayout &layout, const KeyOverlay
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawImage(snapped(painter, layout.background.topLeft()), box);
 }
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 bool KeyDisplayEntry::looksLike(const KeyDisplayEntry &other) const
 {
     return current.type == other.current.type && current.count == other.current.count &&
@@ -26,3 +29,5 @@ int KeyDisplayList::nextFrame(int index, int frame) const
         return frame + 1;
     return size_t(index) + 1 < entries.size() ? entries[size_t(index) + 1].firstFrame : -1;
 }
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <vector>
 
+namespace kel
+{
+
 /// One box on the screen.
 struct KeyDisplayItem {
     /// Bits of the setting which boxes are shown.
@@ -46,3 +49,5 @@ struct KeyDisplayList {
     /// The frame after `frame` at which something is displayed, -1 when there is none. `index` is indexAt(frame).
     int nextFrame(int index, int frame) const;
 };
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <climits>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -225,3 +228,5 @@ const QString &KeyDisplayListBuilder::textOf(int key)
         text = keyText(key);
     return text;
 }
+
+} // namespace kel

@@ -5,6 +5,9 @@
 
 #include <QHash>
 
+namespace kel
+{
+
 /// Turns recorded keys into what is displayed at every logic frame.
 ///
 /// At most one record is handled a frame; of further ones of the same frame only the modifiers count.
@@ -58,3 +61,5 @@ private:
     bool m_captureOn = true;
     qint64 m_nowMs = 0;
 };
+
+} // namespace kel

@@ -6,6 +6,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -112,3 +115,5 @@ QString modifierPrefix(quint32 modifiers)
         prefix += QLatin1String("Meta+");
     return prefix;
 }
+
+} // namespace kel

@@ -3,6 +3,9 @@
 #include <QString>
 #include <QtGlobal>
 
+namespace kel
+{
+
 /// The key that is shown for a recorded one: left, right and shifted forms of a key are one key to a viewer. 0 for keys
 /// that only choose what another key types, such as AltGr: the viewer sees what was typed.
 int shownKey(int key);
@@ -18,3 +21,5 @@ QString keyText(int key);
 
 /// "Shift+Ctrl+" and so on for a set of Qt::KeyboardModifier; empty for none.
 QString modifierPrefix(quint32 modifiers);
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <QColor>
 #include <QFont>
 
+namespace kel
+{
+
 /// How typed keys are shown. Pixels are those of a 96-dpi desktop.
 struct KeyOverlayStyle {
     /// Where the boxes are stacked; any other number is BottomCenter.
@@ -20,3 +23,5 @@ struct KeyOverlayStyle {
     int showKeyType = 0; ///< bits of KeyDisplayItem::Type
     bool enabled = true;
 };
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <QPoint>
 
+namespace kel
+{
+
 /// An animation that is being played for a click or a turn of the wheel.
 struct ActiveMouseEffect {
     bool isWheel = false;
@@ -19,3 +22,5 @@ struct ActiveMouseEffect {
     bool isHolding = false;                  // the button is still down
     bool isHoldReached = false;
 };
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -98,3 +101,5 @@ ClickList::Range ClickList::between(int after, int last) const
     const auto first = std::upper_bound(m_clicks.begin(), m_clicks.end(), after, isAfter);
     return {first, std::upper_bound(first, m_clicks.end(), last, isAfter)};
 }
+
+} // namespace kel

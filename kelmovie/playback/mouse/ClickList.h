@@ -8,6 +8,9 @@
 #include <limits>
 #include <vector>
 
+namespace kel
+{
+
 /// All that was clicked and turned, by logic frame.
 class ClickList
 {
@@ -34,3 +37,5 @@ private:
     std::vector<MouseClick> m_clicks; // frames rising or equal
     std::array<int, 4> m_firstPress{kNever, kNever, kNever, kNever};
 };
+
+} // namespace kel

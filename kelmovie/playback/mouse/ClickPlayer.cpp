@@ -3,6 +3,9 @@
 #include "playback/mouse/KelMouseButtonLottie.h"
 #include "playback/mouse/KelMouseWheelLottie.h"
 
+namespace kel
+{
+
 namespace
 {
 
@@ -92,3 +95,5 @@ void ClickPlayer::play(const MouseClick &click)
         break;
     }
 }
+
+} // namespace kel

@@ -11,6 +11,9 @@
 class KelMouseButtonLottie;
 class KelMouseWheelLottie;
 
+namespace kel
+{
+
 /// Plays what was clicked and turned: brings effects and the pressed pointer from one logic frame to the next.
 class ClickPlayer
 {
@@ -56,3 +59,5 @@ private:
     std::unique_ptr<KelMouseButtonLottie> m_clickEffect;
     std::unique_ptr<KelMouseWheelLottie> m_wheelEffect;
 };
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <cmath>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -30,3 +33,5 @@ float EffectTiming::animationFrame(int frame, double animationRate, int playback
 {
     return float(animationRate * frame / playbackRate);
 }
+
+} // namespace kel

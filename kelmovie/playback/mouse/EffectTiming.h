@@ -1,5 +1,8 @@
 #pragma once
 
+namespace kel
+{
+
 /// Between the frames of an animation, which has a rate of its own, and those of playback.
 class EffectTiming
 {
@@ -11,3 +14,5 @@ public:
     /// The animation frame to show at playback frame `frame`.
     static float animationFrame(int frame, double animationRate, int playbackRate);
 };
+
+} // namespace kel

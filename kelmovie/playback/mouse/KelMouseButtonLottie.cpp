@@ -7,6 +7,8 @@
 #include <QDebug>
 #include <QRectF>
 
+using namespace kel;
+
 // Not inside of a function of a namespace: it declares what the resource compiler defines.
 static void registerResources()
 {

@@ -5,6 +5,8 @@
 
 #include <QString>
 
+using namespace kel;
+
 // Not inside of a function of a namespace: it declares what the resource compiler defines.
 static void registerResources()
 {

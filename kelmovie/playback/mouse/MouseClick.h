@@ -2,6 +2,9 @@
 
 #include <QPoint>
 
+namespace kel
+{
+
 enum class MouseButton { Left, Right, Middle, Other };
 
 /// A button that went down or up, or a turn of the wheel.
@@ -18,3 +21,5 @@ struct MouseClick {
     bool isLong = false; // held for half a second or more
     int releaseFrame = 0;
 };
+
+} // namespace kel

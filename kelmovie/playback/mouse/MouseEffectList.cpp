@@ -5,6 +5,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -157,3 +160,5 @@ void MouseEffectList::wheel(const MouseClick &turn)
     if (m_showWheel && append(effect))
         m_hasWheelEffect = true;
 }
+
+} // namespace kel

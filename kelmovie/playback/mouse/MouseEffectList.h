@@ -7,6 +7,9 @@
 class KelMouseButtonLottie;
 class KelMouseWheelLottie;
 
+namespace kel
+{
+
 /// The effects that are being played, oldest first: which click or turn of the wheel starts one, how each goes on from
 /// step to step, and when it ends.
 class MouseEffectList
@@ -47,3 +50,5 @@ private:
     int m_wheelDirection = 0; // -1 down, 1 up, 0 forgotten
     int m_stepsSinceWheel = 0;
 };
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -71,3 +74,5 @@ int PointerList::nextFrame(int frame) const
         return sample == m_samples.end() ? -1 : sample->frame;
     return sample == m_samples.end() ? *covered : std::min(sample->frame, *covered);
 }
+
+} // namespace kel

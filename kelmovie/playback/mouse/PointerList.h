@@ -8,6 +8,9 @@
 #include <unordered_map>
 #include <vector>
 
+namespace kel
+{
+
 struct MouseRecord;
 
 /// Where the pointer was, and what it looked like, at every logic frame. Sixteen bytes a frame in which it moved; any
@@ -43,3 +46,5 @@ private:
     QStringList m_cursorIds;
     std::unordered_map<std::string, int> m_cursorNumbers; // while loading
 };
+
+} // namespace kel

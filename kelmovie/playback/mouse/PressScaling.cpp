@@ -4,6 +4,9 @@
 #include <cmath>
 #include <limits>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -66,3 +69,5 @@ void PressScaling::startReleasing()
     m_target = 1.0F;
     m_steps = 0;
 }
+
+} // namespace kel

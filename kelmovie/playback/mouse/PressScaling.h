@@ -2,6 +2,9 @@
 
 #include "playback/mouse/MouseClick.h"
 
+namespace kel
+{
+
 /// The pointer shrinks while a button is down, and grows back when it goes up, a few steps each way.
 class PressScaling
 {
@@ -29,3 +32,5 @@ private:
     float m_target = 1.0F;
     int m_steps = 0;
 };
+
+} // namespace kel

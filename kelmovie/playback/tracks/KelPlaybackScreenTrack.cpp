@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <numeric>
 
+using namespace kel;
+
 KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QString &directory,
                                                bool preferHardwareDecode, const KelDecoderFactory &decoders,
                                                KelPlaybackTrackManager *manager)

@@ -6,6 +6,8 @@
 
 #include <QDateTime>
 
+using namespace kel;
+
 KelPlaybackSeams KelPlaybackSeams::real()
 {
     KelPlaybackSeams seams;

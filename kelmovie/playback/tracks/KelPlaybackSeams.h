@@ -23,7 +23,7 @@ struct KelDecoderFactory {
 struct KelPlaybackSeams {
     std::function<qint64()> nowMs; ///< wall clock, ms since the epoch
     KelDecoderFactory decoders;
-    AudioSink::Factory createAudioSink;
+    kel::AudioSink::Factory createAudioSink;
 
     /// The system's clock and default sound device, and the codec library's decoders.
     static KelPlaybackSeams real();

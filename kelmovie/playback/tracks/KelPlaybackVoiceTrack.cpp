@@ -11,6 +11,8 @@
 #include <cmath>
 #include <cstdlib>
 
+using namespace kel;
+
 namespace
 {
 

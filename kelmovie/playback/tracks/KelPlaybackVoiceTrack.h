@@ -83,7 +83,7 @@ private:
     struct Source {
         QString path;
         KelAmplifiedAudioPlayer *player = nullptr; ///< a child; null when there is no file that can be played
-        AudioSync sync;
+        kel::AudioSync sync;
         bool isEnabled = true;
         bool isMuted = false;
         double volume = 1.0;

@@ -8,6 +8,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -86,3 +89,5 @@ const CursorImages::Cursor *CursorImages::find(const QString &id) const
     const auto found = m_cursors.constFind(id);
     return found == m_cursors.constEnd() ? nullptr : &*found;
 }
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <QPointF>
 #include <QString>
 
+namespace kel
+{
+
 /// The shapes that the pointer had, by their ids.
 class CursorImages
 {
@@ -24,3 +27,5 @@ public:
 private:
     QHash<QString, Cursor> m_cursors;
 };
+
+} // namespace kel

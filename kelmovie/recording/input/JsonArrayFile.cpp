@@ -5,6 +5,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+namespace kel
+{
+
 namespace
 {
 const QByteArray Opening = QByteArrayLiteral("[");
@@ -78,3 +81,5 @@ bool JsonArrayFile::writeAtEnd(const QByteArray &text)
         m_file.resize(m_end + Closing.size());
     return false;
 }
+
+} // namespace kel

@@ -8,6 +8,9 @@
 
 class QJsonObject;
 
+namespace kel
+{
+
 /// A file that holds one JSON array of objects, laid out as QJsonDocument does it, and grows at its end: it is valid
 /// after every call, and a call costs what it appends. One thread at a time.
 class JsonArrayFile
@@ -34,3 +37,5 @@ private:
     bool m_isEmpty = true;
     QString m_error;
 };
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <limits>
 
+namespace kel
+{
+
 namespace
 {
 struct Header {
@@ -22,7 +25,7 @@ constexpr quint32 KeyFrameRate = 30;
 constexpr std::size_t LeastRoom = 256;
 
 /// "Switched on", at a frame that no recording has: without effect.
-KeyRecord emptyRecord()
+StoredKey emptyRecord()
 {
     return {qint32_le(0), quint32_le(1), qint32_le(std::numeric_limits<qint32>::max())};
 }
@@ -39,7 +42,7 @@ std::size_t KeyLogFile::firstNeeded(std::size_t count) const
     return m_file.isOpen() && count <= m_room ? m_count : 0;
 }
 
-bool KeyLogFile::update(std::size_t first, const KeyRecords &records)
+bool KeyLogFile::update(std::size_t first, const StoredKeys &records)
 {
     const std::size_t count = first + records.size();
     if (!m_file.isOpen() || count > m_room) {
@@ -51,8 +54,8 @@ bool KeyLogFile::update(std::size_t first, const KeyRecords &records)
         }
     } else {
         const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(records.data()),
-                                                   int(records.size() * sizeof(KeyRecord)));
-        if (!m_file.seek(qint64(sizeof(Header) + first * sizeof(KeyRecord))) || !writeAll(m_file, bytes)) {
+                                                   int(records.size() * sizeof(StoredKey)));
+        if (!m_file.seek(qint64(sizeof(Header) + first * sizeof(StoredKey))) || !writeAll(m_file, bytes)) {
             m_error = m_file.errorString();
             return false;
         }
@@ -61,14 +64,14 @@ bool KeyLogFile::update(std::size_t first, const KeyRecords &records)
     return true;
 }
 
-bool KeyLogFile::finish(const KeyRecords &records)
+bool KeyLogFile::finish(const StoredKeys &records)
 {
     if (replace(records, records.size()))
         return true;
     // A full disk has room for what replaces the empty records.
     const std::size_t first = firstNeeded(records.size());
     return m_file.isOpen() && records.size() <= m_room &&
-           update(first, KeyRecords(records.begin() + std::ptrdiff_t(first), records.end()));
+           update(first, StoredKeys(records.begin() + std::ptrdiff_t(first), records.end()));
 }
 
 void KeyLogFile::restart()
@@ -84,21 +87,21 @@ bool KeyLogFile::open()
     return m_file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered);
 }
 
-bool KeyLogFile::replace(const KeyRecords &records, std::size_t room)
+bool KeyLogFile::replace(const StoredKeys &records, std::size_t room)
 {
     Header header;
     header.count = qint32(room);
     header.frameRate = KeyFrameRate;
     header.reserved = 0;
-    header.recordBytes = room * sizeof(KeyRecord);
+    header.recordBytes = room * sizeof(StoredKey);
     header.width = m_area.width();
     header.height = m_area.height();
 
-    std::vector<char, WipingAllocator<char>> bytes(sizeof(Header) + room * sizeof(KeyRecord));
-    const KeyRecords padding(room - records.size(), emptyRecord());
+    std::vector<char, WipingAllocator<char>> bytes(sizeof(Header) + room * sizeof(StoredKey));
+    const StoredKeys padding(room - records.size(), emptyRecord());
     char *end = std::copy_n(reinterpret_cast<const char *>(&header), sizeof header, bytes.data());
-    end = std::copy_n(reinterpret_cast<const char *>(records.data()), records.size() * sizeof(KeyRecord), end);
-    std::copy_n(reinterpret_cast<const char *>(padding.data()), padding.size() * sizeof(KeyRecord), end);
+    end = std::copy_n(reinterpret_cast<const char *>(records.data()), records.size() * sizeof(StoredKey), end);
+    std::copy_n(reinterpret_cast<const char *>(padding.data()), padding.size() * sizeof(StoredKey), end);
     const bool wasOpen = m_file.isOpen();
     if (!replaceFile(path(), QByteArray::fromRawData(bytes.data(), int(bytes.size())), FileAccess::OwnerOnly, &m_error,
                      &m_file)) {
@@ -110,3 +113,5 @@ bool KeyLogFile::replace(const KeyRecords &records, std::size_t room)
     m_room = room;
     return true;
 }
+
+} // namespace kel

@@ -10,16 +10,19 @@
 #include <cstddef>
 #include <vector>
 
+namespace kel
+{
+
 /// One key of "keyboard.keymeta", as in the file. Key 0: the keys were switched off (pressed 0) or on (pressed 1).
-struct KeyRecord {
+struct StoredKey {
     qint32_le key;      ///< a Qt::Key value
     quint32_le pressed; ///< 1 pressed, 0 released
     qint32_le frame;    ///< logic frame
 };
-static_assert(sizeof(KeyRecord) == 12, "written as it is");
+static_assert(sizeof(StoredKey) == 12, "written as it is");
 
 /// Keys that were typed are not left behind in memory.
-using KeyRecords = std::vector<KeyRecord, WipingAllocator<KeyRecord>>;
+using StoredKeys = std::vector<StoredKey, WipingAllocator<StoredKey>>;
 
 /// Writes "keyboard.keymeta", which nobody but its owner can read. One thread at a time.
 ///
@@ -37,10 +40,10 @@ public:
 
     /// Writes the records from number `first` on, in place of those that the file may have from there on. False when
     /// that fails; the file then holds what it held.
-    bool update(std::size_t first, const KeyRecords &records);
+    bool update(std::size_t first, const StoredKeys &records);
 
     /// Makes the file consist of these records and nothing else.
-    bool finish(const KeyRecords &records);
+    bool finish(const StoredKeys &records);
 
     /// The next update() begins a new file in place of this one.
     void restart();
@@ -50,7 +53,7 @@ public:
 
 private:
     bool open();
-    bool replace(const KeyRecords &records, std::size_t room);
+    bool replace(const StoredKeys &records, std::size_t room);
 
     QFile m_file; // open from the first update() on
     const QSize m_area;
@@ -58,3 +61,5 @@ private:
     std::size_t m_room = 0;  // records that the file has
     QString m_error;
 };
+
+} // namespace kel

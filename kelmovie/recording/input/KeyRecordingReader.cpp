@@ -7,6 +7,9 @@
 #include <QFileInfo>
 #include <QtEndian>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -55,3 +58,5 @@ bool loadKeyRecording(const QString &trackDir, KeyRecording &out)
         out.records.push_back({wordAt(body, offset), wordAt(body, offset + 4) != 0, wordAt(body, offset + 8)});
     return true;
 }
+
+} // namespace kel

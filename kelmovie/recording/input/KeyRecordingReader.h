@@ -6,6 +6,9 @@
 
 #include <vector>
 
+namespace kel
+{
+
 /// One key going down or up. Key 0 marks where the capture of keys was switched off (released) or on (pressed).
 struct KeyRecord {
     qint32 key;
@@ -25,3 +28,5 @@ struct KeyRecording {
 /// Reads `trackDir`/keyboard.keymeta. False when it cannot be opened. A file whose size does not fit is logged and
 /// gives no records, a senseless frame rate is logged and replaced by the usual one.
 bool loadKeyRecording(const QString &trackDir, KeyRecording &out);
+
+} // namespace kel

@@ -12,6 +12,9 @@
 #include <memory>
 #include <string_view>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -186,3 +189,5 @@ bool readMouseRecords(const QString &path, const std::function<void(const MouseR
     rapidjson::Reader reader;
     return !reader.Parse<rapidjson::kParseIterativeFlag>(*stream, handler).IsError();
 }
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <functional>
 #include <string>
 
+namespace kel
+{
+
 /// One record of a file of moves or clicks, as it stands there. What is missing or of another type is 0 or empty.
 struct MouseRecord {
     int frame = 0;
@@ -21,3 +24,5 @@ struct MouseRecord {
 /// False when it is not a file, too large, or not an array from start to end; records before the damage were handed
 /// over then. Frames and coordinates stay within ±1e9 and ±1e6, so that one may calculate with them.
 bool readMouseRecords(const QString &path, const std::function<void(const MouseRecord &)> &take);
+
+} // namespace kel

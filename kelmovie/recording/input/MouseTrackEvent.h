@@ -2,6 +2,9 @@
 
 #include <QString>
 
+namespace kel
+{
+
 /// What happened to the pointer at one moment of a recording.
 struct MouseTrackEvent {
     int frame = 0;        ///< logic frame
@@ -13,3 +16,5 @@ struct MouseTrackEvent {
     int delta = 0;        ///< of a wheel: 120 a notch, positive away from the user
     qint64 timestamp = 0; ///< ms since the recording's start by the wall clock, pauses included
 };
+
+} // namespace kel

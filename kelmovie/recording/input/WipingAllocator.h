@@ -3,6 +3,9 @@
 #include <cstddef>
 #include <memory>
 
+namespace kel
+{
+
 /// Overwrites memory before it gives it back, so that what was secret in it cannot turn up elsewhere.
 template <typename T>
 struct WipingAllocator {
@@ -27,3 +30,5 @@ struct WipingAllocator {
     friend bool operator==(const WipingAllocator &, const WipingAllocator &) { return true; }
     friend bool operator!=(const WipingAllocator &, const WipingAllocator &) { return false; }
 };
+
+} // namespace kel

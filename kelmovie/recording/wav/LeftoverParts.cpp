@@ -10,6 +10,9 @@
 #include <QMap>
 #include <QRegularExpression>
 
+namespace kel
+{
+
 namespace
 {
 /// A recording writes its present part several times a second, also while it is paused.
@@ -55,3 +58,5 @@ void joinLeftoverParts(const QString &directory)
         completeSizes(output);
     }
 }
+
+} // namespace kel

@@ -1,5 +1,8 @@
 #include "recording/wav/SoundPartFile.h"
 
+namespace kel
+{
+
 namespace
 {
 /// How far sound without a break may run from the clock before it is put right: the times of packets jitter.
@@ -139,3 +142,5 @@ void SoundPartFile::fail()
     if (m_error.isEmpty())
         m_error = QStringLiteral("cannot write %1: %2").arg(m_file.fileName(), m_file.errorString());
 }
+
+} // namespace kel

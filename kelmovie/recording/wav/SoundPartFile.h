@@ -5,6 +5,9 @@
 #include <QFile>
 #include <QString>
 
+namespace kel
+{
+
 /// One stretch of recorded sound as a WAV file whose timeline follows the clock: what was recorded so many milliseconds
 /// after the part's start stands that far from its beginning, whatever the device left out or brought late.
 ///
@@ -54,3 +57,5 @@ private:
     qint64 m_end = NoEnd;  // in bytes
     QString m_error;
 };
+
+} // namespace kel

@@ -6,6 +6,9 @@
 #include <cstring>
 #include <limits>
 
+namespace kel
+{
+
 namespace
 {
 constexpr quint32 FmtBodySize = 16;
@@ -94,3 +97,5 @@ bool WavHeader::writeSizes(QFileDevice &file, qint64 dataBytes)
     header.setDataSize(dataBytes);
     return writeSize(file, RiffSizeOffset, header.riffSize) && writeSize(file, DataSizeOffset, header.dataSize);
 }
+
+} // namespace kel

@@ -5,6 +5,9 @@
 
 class QFileDevice;
 
+namespace kel
+{
+
 /// The 44 bytes with which every WAV file of the module begins: RIFF, a plain 16-byte "fmt " chunk, "data". All fields
 /// are little-endian.
 ///
@@ -49,3 +52,5 @@ struct WavHeader {
     quint16 bitsPerSample = 0;
     quint32 dataSize = 0;
 };
+
+} // namespace kel

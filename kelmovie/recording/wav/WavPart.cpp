@@ -2,6 +2,9 @@
 
 #include <QtEndian>
 
+namespace kel
+{
+
 namespace
 {
 constexpr int RiffSize = 12;
@@ -64,3 +67,5 @@ void WavPart::takeFormat(const QByteArray &chunk)
         m_header.formatTag = qFromLittleEndian<quint16>(chunk.constData() + SubFormatOffset);
     m_fmtChunk = m_header.toBytes().mid(WavHeader::FmtChunkOffset, WavHeader::FmtChunkSize);
 }
+
+} // namespace kel

@@ -6,6 +6,9 @@
 #include <QFile>
 #include <QString>
 
+namespace kel
+{
+
 /// A part file opened for joining: where its sound begins, whatever stands before it. No size that the file states
 /// about its sound is trusted; a part that was never completed has all the sound that is in the file.
 class WavPart
@@ -42,3 +45,5 @@ private:
     QByteArray m_fmtChunk;
     qint64 m_dataOffset = 0;
 };
+
+} // namespace kel

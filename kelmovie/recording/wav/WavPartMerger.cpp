@@ -8,6 +8,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+namespace kel
+{
+
 namespace
 {
 constexpr qint64 ChunkSize = 1 << 20;
@@ -287,3 +290,5 @@ QString mergeMicrophoneParts(const QStringList &parts, const QString &output, co
     merger.merge(parts);
     return merger.problem();
 }
+
+} // namespace kel

@@ -4,6 +4,9 @@
 #include <QString>
 #include <QStringList>
 
+namespace kel
+{
+
 /// When a part was recorded, by the clock.
 struct WavPartTime {
     qint64 durationMs = 0; ///< that its sound is to have
@@ -24,3 +27,5 @@ QString mergePartFiles(const QStringList &parts, const QString &output);
 /// `times`: of each part, or empty. A microphone begins a moment after it was told to: silence makes up for what is
 /// missing, so that all sound keeps its time.
 QString mergeMicrophoneParts(const QStringList &parts, const QString &output, const QList<WavPartTime> &times = {});
+
+} // namespace kel

@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <limits>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -136,3 +139,5 @@ bool WavPlaybackFile::fail(const QString &text)
     m_errorString = text;
     return false;
 }
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <QFile>
 #include <QString>
 
+namespace kel
+{
+
 /// A WAV file that is being played: finds the samples behind any chunks, and reads them as they are needed, so that a
 /// recording of hours takes no more memory than one of seconds. The file is treated as hostile.
 class WavPlaybackFile
@@ -41,3 +44,5 @@ private:
     qint64 m_windowFirst = 0;
     qint64 m_windowFrames = 0;
 };
+
+} // namespace kel

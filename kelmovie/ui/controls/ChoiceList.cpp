@@ -4,6 +4,9 @@
 
 #include <QKeyEvent>
 
+namespace kel
+{
+
 ChoiceList::ChoiceList(QWidget *parent)
     : QListWidget(parent)
 {
@@ -57,3 +60,5 @@ void ChoiceList::choose(const QListWidgetItem *item)
 {
     emit sigChosen(item->data(Qt::UserRole));
 }
+
+} // namespace kel

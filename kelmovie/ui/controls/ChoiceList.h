@@ -2,6 +2,9 @@
 
 #include <QListWidget>
 
+namespace kel
+{
+
 /// A short list in a floating panel: one click, or Enter on a row, chooses. As large as its rows.
 class ChoiceList : public QListWidget
 {
@@ -25,3 +28,5 @@ protected:
 private:
     void choose(const QListWidgetItem *item);
 };
+
+} // namespace kel

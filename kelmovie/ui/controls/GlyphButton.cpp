@@ -5,6 +5,9 @@
 
 #include <QPushButton>
 
+namespace kel
+{
+
 void GlyphButton::prepare(QPushButton *button)
 {
     KelDockIcon::family(); // loaded before the sheet names it
@@ -26,3 +29,5 @@ bool GlyphButton::shows(const QPushButton *button, KelDockIcon::Glyph glyph)
 {
     return button->text() == KelDockIcon::text(glyph);
 }
+
+} // namespace kel

@@ -6,7 +6,7 @@ class QPushButton;
 class QString;
 
 /// What buttons have in common whose text, one glyph of the icon font, is also their state.
-namespace GlyphButton
+namespace kel::GlyphButton
 {
 
 /// The look of such a button: flat, square, as large as the screen's scale wants it.
@@ -18,4 +18,4 @@ void show(QPushButton *button, KelDockIcon::Glyph glyph, const QString &action);
 /// The text is this glyph and nothing else.
 bool shows(const QPushButton *button, KelDockIcon::Glyph glyph);
 
-} // namespace GlyphButton
+} // namespace kel::GlyphButton

@@ -3,6 +3,9 @@
 #include "config/KelConfigIO.h"
 #include "config/KelMovieConfig.h"
 
+namespace kel
+{
+
 /// A field of the settings record with its key in the host's store; without a key it lasts as long as the program.
 template <typename T>
 struct Setting {
@@ -38,3 +41,5 @@ bool saveSetting(const QString &key, T *field, const T &value)
     *field = value;
     return isKept;
 }
+
+} // namespace kel

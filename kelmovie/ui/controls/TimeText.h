@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace TimeText
+namespace kel::TimeText
 {
 
 /// "01:05" for 65 seconds; the minutes go on past 59.
@@ -13,4 +13,4 @@ inline QString minutesSeconds(qint64 seconds, int minuteDigits = 2)
         .arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
-} // namespace TimeText
+} // namespace kel::TimeText

@@ -10,6 +10,8 @@
 #include <QLocale>
 #include <QTimer>
 
+using namespace kel;
+
 namespace
 {
 

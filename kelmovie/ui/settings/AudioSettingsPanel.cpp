@@ -12,6 +12,8 @@
 #include <QPointer>
 #include <QPushButton>
 
+using namespace kel;
+
 namespace
 {
 

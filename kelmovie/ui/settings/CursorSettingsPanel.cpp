@@ -3,6 +3,8 @@
 #include "ui/settings/SettingTexts.h"
 #include "ui/settings/SettingsForm.h"
 
+using namespace kel;
+
 CursorSettingsPanel::CursorSettingsPanel(QWidget *parent)
     : QWidget(parent)
     , m_form(new SettingsForm(this))

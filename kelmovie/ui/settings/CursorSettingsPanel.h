@@ -4,7 +4,10 @@
 
 #include <QWidget>
 
+namespace kel
+{
 class SettingsForm;
+} // namespace kel
 
 /// Settings of the pointer: what of the mouse is shown in playback and export, and how. For a dock, a dialog or a
 /// FloatPanel; reads the settings when it is shown. GUI thread.
@@ -23,5 +26,5 @@ signals:
     void sigConfigUpdated();
 
 private:
-    SettingsForm *const m_form;
+    kel::SettingsForm *const m_form;
 };

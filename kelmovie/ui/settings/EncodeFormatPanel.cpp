@@ -2,6 +2,8 @@
 
 #include "ui/settings/SettingsForm.h"
 
+using namespace kel;
+
 EncodeFormatPanel::EncodeFormatPanel(QWidget *parent)
     : QWidget(parent)
 {

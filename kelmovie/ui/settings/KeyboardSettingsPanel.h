@@ -4,7 +4,10 @@
 
 #include <QWidget>
 
+namespace kel
+{
 class SettingsForm;
+} // namespace kel
 
 /// Settings of the keys: which are shown in playback and export, how long, where and how. For a dock, a dialog or a
 /// FloatPanel; reads the settings when it is shown. The font is changed in the record alone: a host that keeps it
@@ -24,5 +27,5 @@ signals:
     void sigConfigUpdated();
 
 private:
-    SettingsForm *const m_form;
+    kel::SettingsForm *const m_form;
 };

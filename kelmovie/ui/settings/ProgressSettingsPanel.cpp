@@ -3,6 +3,8 @@
 #include "ui/settings/SettingTexts.h"
 #include "ui/settings/SettingsForm.h"
 
+using namespace kel;
+
 ProgressSettingsPanel::ProgressSettingsPanel(QWidget *parent)
     : QWidget(parent)
 {

@@ -12,6 +12,8 @@
 
 #include <tuple>
 
+using namespace kel;
+
 namespace
 {
 

@@ -3,6 +3,9 @@
 #include <QCoreApplication>
 #include <QString>
 
+namespace kel
+{
+
 /// Values of settings as texts.
 class SettingTexts
 {
@@ -15,3 +18,5 @@ public:
     static QString milliseconds(int count) { return tr("%1 ms").arg(count); }
     static QString number(int count) { return QString::number(count); }
 };
+
+} // namespace kel

@@ -20,6 +20,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -286,3 +289,5 @@ void SettingsForm::addList(const Text &text, Setting<int> setting, const QVector
     });
     m_loaders.emplace_back([=] { box->setCurrentIndex(box->findData(setting.value())); });
 }
+
+} // namespace kel

@@ -11,6 +11,9 @@
 class QGridLayout;
 class QLabel;
 
+namespace kel
+{
+
 /// The content of a settings panel: rows of a text and a control, each bound to one setting. Shows the settings as they
 /// are whenever it appears; what the user changes is saved at once. GUI thread.
 ///
@@ -108,3 +111,5 @@ void SettingsForm::change(Setting<T> setting, const T &value)
     updateEnabled();
     emit sigChanged();
 }
+
+} // namespace kel

@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -74,3 +77,5 @@ void SoundLevelMeter::paintEvent(QPaintEvent *)
         painter.fillRect(QRectF(xOf(m_heldDb) - width, 0, width, bar.height()), palette().color(QPalette::WindowText));
     }
 }
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include <QProgressBar>
 
+namespace kel
+{
+
 /// How loud it is, in decibels below full scale. Falls slowly, and marks the loudest moment of the last seconds.
 class SoundLevelMeter : public QProgressBar
 {
@@ -29,3 +32,5 @@ private:
     qint64 m_heldAtMs = 0;
     qint64 m_shownAtMs = 0;
 };
+
+} // namespace kel

@@ -8,6 +8,9 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -104,3 +107,5 @@ void SoundLevelView::setNote(const QString &text, bool isWarning)
     m_icon->setVisible(isWarning);
     m_note->setText(text);
 }
+
+} // namespace kel

@@ -11,6 +11,10 @@
 #include <optional>
 
 class QLabel;
+
+namespace kel
+{
+
 class SoundLevelMeter;
 
 /// How loud a source of sound is at present, and what is wrong with it. Listens only while it is seen.
@@ -54,3 +58,5 @@ private:
     QElapsedTimer m_clock;
     qint64 m_heardAtMs = 0;
 };
+
+} // namespace kel

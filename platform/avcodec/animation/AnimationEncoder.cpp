@@ -8,6 +8,9 @@
 #include <exception>
 #include <thread>
 
+namespace av
+{
+
 namespace
 {
 
@@ -249,3 +252,5 @@ void AnimationEncoder::abort()
     if (m_writer)
         m_writer->abort();
 }
+
+} // namespace av

@@ -13,6 +13,9 @@
 #include <memory>
 #include <optional>
 
+namespace av
+{
+
 /// What the encoders of animated pictures have in common. Only what changes is encoded, several pictures at once;
 /// a picture that is like the one before it costs nothing, the one before is shown for longer. At most a few
 /// pictures are in memory, however many frames there are.
@@ -84,3 +87,5 @@ private:
 
     std::optional<BoundedWorker<Job>> m_writer; // last: it uses all of the above
 };
+
+} // namespace av

@@ -9,6 +9,9 @@
 #include <atomic>
 #include <optional>
 
+namespace av
+{
+
 /// A picture in its encoded form, waiting to be written.
 struct EncodedFrame {
     QRect rect;                                    ///< place in the animation
@@ -51,3 +54,5 @@ public:
     virtual bool writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks) = 0;
     virtual bool writeTrailer(OutputFile &file) = 0;
 };
+
+} // namespace av

@@ -8,6 +8,9 @@
 
 #include <webp/demux.h>
 
+namespace av
+{
+
 namespace
 {
 
@@ -89,3 +92,5 @@ std::vector<QImage> AnimationReader::read(const QString &path, int limit, QStrin
     }
     return file.peek(4) == "RIFF" ? readWebp(file, limit, error) : readByFrames(path, limit, error);
 }
+
+} // namespace av

@@ -2,6 +2,9 @@
 
 #include <utility>
 
+namespace av
+{
+
 namespace
 {
 
@@ -92,3 +95,5 @@ void ColourHistogram::coarsen()
         sum.count += part.count;
     }
 }
+
+} // namespace av

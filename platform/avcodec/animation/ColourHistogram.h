@@ -4,6 +4,9 @@
 
 #include <vector>
 
+namespace av
+{
+
 /// How often each colour occurs among the changed pixels of a delta. Exact while there are few colours; where there
 /// are many, neighbouring ones share a bin.
 class ColourHistogram
@@ -49,3 +52,5 @@ private:
     std::vector<Sum> m_sums;
     std::vector<Bin> m_bins;
 };
+
+} // namespace av

@@ -5,6 +5,9 @@
 #include <cmath>
 #include <numeric>
 
+namespace av
+{
+
 namespace
 {
 
@@ -252,3 +255,5 @@ ColourPalette ColourPalette::beginning(std::size_t count) const
 {
     return ColourPalette({m_colours.begin(), m_colours.begin() + std::ptrdiff_t(std::min(count, m_colours.size()))});
 }
+
+} // namespace av

@@ -7,6 +7,9 @@
 #include <utility>
 #include <vector>
 
+namespace av
+{
+
 /// How the bins of a histogram are shown by the colours of a palette.
 struct PaletteMatch {
     std::vector<quint8> indexOfBin;
@@ -38,3 +41,5 @@ public:
 private:
     std::vector<QRgb> m_colours;
 };
+
+} // namespace av

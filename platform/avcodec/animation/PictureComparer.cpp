@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+namespace av
+{
+
 namespace
 {
 
@@ -150,3 +153,5 @@ std::optional<QRgb> PictureComparer::freeColour() const
         return std::nullopt;
     return FirstCandidate + QRgb(free - m_isTaken.begin());
 }
+
+} // namespace av

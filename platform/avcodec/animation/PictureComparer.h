@@ -9,6 +9,9 @@
 #include <optional>
 #include <vector>
 
+namespace av
+{
+
 /// Keeps the latest picture and finds what the next one changes of it. Alpha plays no part: what is translucent
 /// counts as painted on black.
 class PictureComparer
@@ -41,3 +44,5 @@ private:
     std::array<bool, 8> m_isTaken{}; // of some colours that screens hardly ever show: whether there was such a pixel
     bool m_empty = true;
 };
+
+} // namespace av

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace av
+{
+
 namespace
 {
 
@@ -70,3 +73,5 @@ PictureDelta PictureDelta::sample() const
     bands.rect = QRect(0, 0, rect.width(), int(bands.pixels.size() / std::size_t(width)));
     return bands;
 }
+
+} // namespace av

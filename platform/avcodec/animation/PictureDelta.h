@@ -6,6 +6,9 @@
 #include <optional>
 #include <vector>
 
+namespace av
+{
+
 /// What a picture changes of the one before it: the smallest rectangle around all changed pixels. It holds the true
 /// colour of every pixel in there, and tells by the alpha which of them changed, so that a frame can be encoded
 /// without any other picture at hand.
@@ -34,3 +37,5 @@ struct PictureDelta {
     /// Some bands of a large picture, to try out on a fraction of it what is best for the whole; all of a small one.
     PictureDelta sample() const;
 };
+
+} // namespace av

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+namespace av
+{
+
 namespace
 {
 
@@ -48,3 +51,5 @@ void FrameCache::remove(int number)
     m_frames.erase(entry);
     m_age.erase(std::find(m_age.begin(), m_age.end(), number));
 }
+
+} // namespace av

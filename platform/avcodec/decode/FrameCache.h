@@ -6,6 +6,9 @@
 #include <deque>
 #include <map>
 
+namespace av
+{
+
 /// The decoded frames of late, by number, within a bound of memory. What was decoded first goes first: then the frames
 /// just before the one that was asked for stay, which stepping backwards asks for next.
 class FrameCache
@@ -32,3 +35,5 @@ private:
     std::map<int, av::Frame> m_frames;
     std::deque<int> m_age; // numbers, oldest first
 };
+
+} // namespace av

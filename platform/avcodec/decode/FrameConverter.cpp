@@ -6,6 +6,9 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+namespace av
+{
+
 namespace
 {
 
@@ -116,3 +119,5 @@ bool FrameConverter::scale(const AVFrame &frame, QImage &image)
     const int strides[] = {static_cast<int>(image.bytesPerLine())};
     return sws_scale(m_scaler.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) == frame.height;
 }
+
+} // namespace av

@@ -5,6 +5,9 @@
 
 #include <QImage>
 
+namespace av
+{
+
 /// Turns decoded frames into images of QImage::Format_RGB32: video is opaque, whatever its fourth channel says.
 class FrameConverter
 {
@@ -18,3 +21,5 @@ private:
     ImagePool m_pool;
     av::ScaleContext m_scaler;
 };
+
+} // namespace av

@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <utility>
 
+namespace av
+{
+
 namespace
 {
 
@@ -188,3 +191,5 @@ void FrameDecoder::accept(av::Frame frame)
     else
         m_failed = true;
 }
+
+} // namespace av

@@ -8,6 +8,9 @@
 #include <QImage>
 #include <QString>
 
+namespace av
+{
+
 /// Decodes the frames of a video file by number. It goes on from where it stands when that is the shorter way, else
 /// from the nearest keyframe; what it decodes on the way is kept for the next calls.
 class FrameDecoder
@@ -61,3 +64,5 @@ private:
     int m_firstNumber = 0;   // frames before this one lack what they refer to
     int m_lastNumber = -1;   // the last frame that came out
 };
+
+} // namespace av

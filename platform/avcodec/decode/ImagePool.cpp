@@ -5,6 +5,9 @@
 #include <utility>
 #include <vector>
 
+namespace av
+{
+
 namespace
 {
 
@@ -71,3 +74,5 @@ QImage ImagePool::image(const QSize &size, QImage::Format format)
         lease.release(); // NOLINT(bugprone-unused-return-value): the image owns it now
     return image;
 }
+
+} // namespace av

@@ -4,6 +4,9 @@
 
 #include <memory>
 
+namespace av
+{
+
 /// Makes images whose memory is used again once they are gone: the system hands out a full-screen image page by page,
 /// which takes longer than filling it. Images may outlive the pool and die on any thread.
 class ImagePool
@@ -18,3 +21,5 @@ private:
     struct Store;
     std::shared_ptr<Store> m_store;
 };
+
+} // namespace av

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+namespace av
+{
+
 SampleIndex::SampleIndex(std::vector<Sample> samples)
     : m_samples(std::move(samples))
 {
@@ -43,3 +46,5 @@ int SampleIndex::keyframeBefore(int position) const
     const auto next = std::lower_bound(m_keyframes.begin(), m_keyframes.end(), position);
     return next == m_keyframes.begin() ? 0 : *std::prev(next);
 }
+
+} // namespace av

@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <vector>
 
+namespace av
+{
+
 /// One coded picture of a video file.
 struct Sample {
     std::int64_t position = 0;     ///< byte offset in the file
@@ -49,3 +52,5 @@ private:
     std::vector<int> m_keyframes;  // samples where decoding may start, ascending; the first sample always may
     int m_reorderDepth = 0;
 };
+
+} // namespace av

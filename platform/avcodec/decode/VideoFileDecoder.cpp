@@ -6,6 +6,9 @@
 
 #include <utility>
 
+namespace av
+{
+
 VideoFileDecoder::VideoFileDecoder() = default;
 VideoFileDecoder::~VideoFileDecoder() = default;
 
@@ -52,3 +55,5 @@ quint64 VideoFileDecoder::decodedFrames() const
 {
     return m_decoder ? m_decoder->decodedFrames() : 0;
 }
+
+} // namespace av

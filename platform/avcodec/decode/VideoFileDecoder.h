@@ -6,6 +6,9 @@
 
 #include <memory>
 
+namespace av
+{
+
 class FrameDecoder;
 
 /// What the decoders of all formats share; a format's class opens the file.
@@ -35,3 +38,5 @@ protected:
 private:
     std::unique_ptr<FrameDecoder> m_decoder; // null: not valid
 };
+
+} // namespace av

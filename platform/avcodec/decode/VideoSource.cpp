@@ -5,6 +5,9 @@
 #include <climits>
 #include <cstring>
 
+namespace av
+{
+
 namespace
 {
 
@@ -151,3 +154,5 @@ bool VideoSource::readByDemuxer(int sample, AVPacket *packet)
     }
     return false;
 }
+
+} // namespace av

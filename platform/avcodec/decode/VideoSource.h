@@ -5,6 +5,9 @@
 
 #include <QString>
 
+namespace av
+{
+
 /// The video track of a file on disk: what it is and its samples, read in any order.
 class VideoSource
 {
@@ -34,3 +37,5 @@ private:
     bool m_samplesAreRaw = false; // position and size of a sample are those of its bytes in the file
     int m_nextOfDemuxer = -1;     // the sample that the demuxer yields next; -1: unknown
 };
+
+} // namespace av

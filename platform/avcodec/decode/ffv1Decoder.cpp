@@ -2,6 +2,8 @@
 
 #include "avcodec/decode/FrameDecoder.h"
 
+using namespace av;
+
 ffv1Decoder::ffv1Decoder(const QString &path)
 {
     FrameDecoder::Options options;

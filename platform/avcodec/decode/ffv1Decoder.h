@@ -5,7 +5,7 @@
 #include <QString>
 
 /// Decodes a Matroska or MP4 file of FFV1, the lossless format of older recordings.
-class ffv1Decoder : public VideoFileDecoder
+class ffv1Decoder : public av::VideoFileDecoder
 {
 public:
     explicit ffv1Decoder(const QString &path);

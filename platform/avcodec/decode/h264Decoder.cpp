@@ -3,6 +3,8 @@
 #include "avcodec/decode/FrameDecoder.h"
 #include "avcodec/decode/HardwareDevice.h"
 
+using namespace av;
+
 h264Decoder::h264Decoder(const QString &path, const H264DecodeParams &params)
 {
     FrameDecoder::Options options;

@@ -11,7 +11,7 @@ struct H264DecodeParams {
 };
 
 /// Decodes an MP4 or Matroska file of H.264, in software wherever the wanted hardware is missing or fails.
-class h264Decoder : public VideoFileDecoder
+class h264Decoder : public av::VideoFileDecoder
 {
 public:
     h264Decoder(const QString &path, const H264DecodeParams &params);

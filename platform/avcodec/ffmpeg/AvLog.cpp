@@ -6,6 +6,9 @@ extern "C" {
 
 #include <QDebug>
 
+namespace av
+{
+
 namespace
 {
 
@@ -21,7 +24,9 @@ void logMessage(void *context, int level, const char *format, va_list arguments)
 
 } // namespace
 
-void av::useQtLog()
+void useQtLog()
 {
     av_log_set_callback(logMessage);
 }
+
+} // namespace av

@@ -4,7 +4,10 @@
 
 #include <QFileInfo>
 
-av::FormatContext av::openContainer(const QString &path, const char *formats, QString *error)
+namespace av
+{
+
+FormatContext openContainer(const QString &path, const char *formats, QString *error)
 {
     useQtLog();
     // A pipe or a device would block, a directory confuses the demuxers.
@@ -23,7 +26,7 @@ av::FormatContext av::openContainer(const QString &path, const char *formats, QS
     return FormatContext(context);
 }
 
-av::FormatContext av::openInput(const QString &path, const char *formats, QString *error)
+FormatContext openInput(const QString &path, const char *formats, QString *error)
 {
     FormatContext format = openContainer(path, formats, error);
     if (!format)
@@ -35,3 +38,5 @@ av::FormatContext av::openInput(const QString &path, const char *formats, QStrin
     }
     return format;
 }
+
+} // namespace av

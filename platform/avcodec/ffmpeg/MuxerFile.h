@@ -4,6 +4,9 @@
 
 #include <QByteArray>
 
+namespace av
+{
+
 /// An output file of libavformat's own, which a muxer can open again to move the index to the front.
 class MuxerFile
 {
@@ -24,3 +27,5 @@ public:
 private:
     AVIOContext *m_io = nullptr;
 };
+
+} // namespace av

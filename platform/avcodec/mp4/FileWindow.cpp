@@ -4,6 +4,9 @@
 #include <cstdio>
 #include <cstring>
 
+namespace av
+{
+
 namespace
 {
 constexpr int kBufferSize = 32 * 1024;
@@ -70,3 +73,5 @@ int64_t FileWindow::seekTo(void *self, int64_t offset, int whence)
         return AVERROR(ENOSYS);
     }
 }
+
+} // namespace av

@@ -4,6 +4,9 @@
 
 #include <QByteArray>
 
+namespace av
+{
+
 /// An output for libavformat that keeps the part of a file from `begin` on in memory. It can be positioned anywhere, as
 /// in the file; what is written before `begin` is thought to be in the file already and is dropped.
 class FileWindow
@@ -33,3 +36,5 @@ private:
     QByteArray m_content;
     av::IoContext m_io;
 };
+
+} // namespace av

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <mutex>
 
+using namespace av;
+
 namespace
 {
 

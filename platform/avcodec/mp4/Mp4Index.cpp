@@ -2,6 +2,9 @@
 
 #include <limits>
 
+namespace av
+{
+
 namespace
 {
 // Pictures must come before the box; where the box itself will stand is not written in it.
@@ -33,3 +36,5 @@ QByteArray Mp4Index::finish()
     m_file.seek(kBoxPosition);
     return m_muxer.writeTrailer() == 0 ? m_file.content() : QByteArray();
 }
+
+} // namespace av

@@ -5,6 +5,9 @@
 
 #include <QByteArray>
 
+namespace av
+{
+
 /// Builds the "moov" box of an ordinary MP4 file whose pictures lie at known places of the file.
 class Mp4Index
 {
@@ -24,3 +27,5 @@ private:
     Mp4Muxer m_muxer;
     bool m_isValid;
 };
+
+} // namespace av

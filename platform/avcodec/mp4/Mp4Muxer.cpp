@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cstring>
 
+namespace av
+{
+
 Mp4Muxer::Mp4Muxer(const Mp4VideoTrack &track, AVIOContext *output, const char *url)
     : m_packet(av_packet_alloc())
     , m_fps(track.fps)
@@ -84,3 +87,5 @@ int Mp4Muxer::result(int code) const
     // The muxer goes on when its output has failed.
     return code < 0 ? code : std::min(m_context->pb->error, 0);
 }
+
+} // namespace av

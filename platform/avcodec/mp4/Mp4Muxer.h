@@ -5,6 +5,9 @@
 #include <QByteArray>
 #include <QSize>
 
+namespace av
+{
+
 struct EncodedPicture;
 
 /// What an MP4 file states about its one H.264 video track.
@@ -41,3 +44,5 @@ private:
     av::Packet m_packet;
     const int m_fps;
 };
+
+} // namespace av

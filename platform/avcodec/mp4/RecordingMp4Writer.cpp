@@ -4,6 +4,9 @@
 
 #include <QtEndian>
 
+namespace av
+{
+
 namespace
 {
 
@@ -113,3 +116,5 @@ bool RecordingMp4Writer::fail(const QString &reason)
         m_errorString = QStringLiteral("Cannot write %1: %2").arg(m_file.fileName(), reason);
     return false;
 }
+
+} // namespace av

@@ -7,6 +7,9 @@
 #include <QFile>
 #include <QString>
 
+namespace av
+{
+
 /// Writes an MP4 file that is playable at every moment. While it grows it is a fragmented MP4, one fragment a picture,
 /// and each picture is in the file when writePicture() returns. close() makes it an ordinary MP4: it appends an index
 /// of all pictures and hides the fragments' structure from readers:
@@ -44,3 +47,5 @@ private:
     Mp4Muxer m_fragments;
     Mp4Index m_index;
 };
+
+} // namespace av

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <atomic>
 
+using namespace av;
+
 namespace
 {
 

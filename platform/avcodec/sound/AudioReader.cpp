@@ -12,6 +12,9 @@
 #include <numeric>
 #include <utility>
 
+namespace av
+{
+
 namespace
 {
 
@@ -237,3 +240,5 @@ void AudioReader::resample(const AVFrame *frame)
     m_left.resize(size_t(std::max(made, 0)));
     m_right.resize(m_left.size());
 }
+
+} // namespace av

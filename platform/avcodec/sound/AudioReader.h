@@ -8,6 +8,9 @@
 
 struct AudioTrack;
 
+namespace av
+{
+
 /// One track of a mix, decoded and brought to 48 kHz stereo. Its range begins and ends at exactly the right sample.
 class AudioReader
 {
@@ -52,3 +55,5 @@ private:
     std::vector<float> m_right;
     size_t m_given = 0; // of them
 };
+
+} // namespace av

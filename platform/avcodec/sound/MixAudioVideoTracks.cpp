@@ -17,6 +17,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace av;
+
 namespace
 {
 
@@ -324,7 +326,7 @@ QString mixInto(const QFileInfo &target, const QString &videoPath, const QList<A
     }
     if (target.exists())
         QFile::setPermissions(mixed, target.permissions());
-    const QString problem = renameOver(mixed, path);
+    const QString problem = kel::renameOver(mixed, path);
     return problem.isEmpty() ? QString() : QStringLiteral("Cannot write %1: %2").arg(path, problem);
 }
 

@@ -2,6 +2,9 @@
 
 #include <QFileInfo>
 
+namespace av
+{
+
 namespace
 {
 
@@ -26,3 +29,5 @@ const MixContainer *MixContainer::ofFile(const QString &path)
     }
     return nullptr;
 }
+
+} // namespace av

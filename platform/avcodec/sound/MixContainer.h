@@ -4,6 +4,9 @@
 
 #include <QString>
 
+namespace av
+{
+
 /// What a file with a certain suffix is made of.
 struct MixContainer {
     const char *suffix;
@@ -14,3 +17,5 @@ struct MixContainer {
     /// Null for a suffix that no mix can be written to.
     static const MixContainer *ofFile(const QString &path);
 };
+
+} // namespace av

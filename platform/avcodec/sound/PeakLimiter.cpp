@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace av
+{
+
 namespace
 {
 
@@ -44,3 +47,5 @@ void PeakLimiter::process(float *left, float *right, int count)
         right[i] = std::clamp(m_right[m_next] * gain, -1.0F, 1.0F);
     }
 }
+
+} // namespace av

@@ -5,6 +5,9 @@
 #include <deque>
 #include <vector>
 
+namespace av
+{
+
 /// Keeps stereo sound within full scale: the level sinks smoothly shortly before a peak that would exceed it, and rises
 /// slowly afterwards. What stays within full scale passes unchanged.
 class PeakLimiter
@@ -34,3 +37,5 @@ private:
     double m_envelopeSum = Delay + 1;
     size_t m_next = 0; // the oldest place in the rings
 };
+
+} // namespace av

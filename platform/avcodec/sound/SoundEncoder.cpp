@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace av
+{
+
 namespace
 {
 
@@ -109,3 +112,5 @@ int SoundEncoder::write()
     av_packet_rescale_ts(m_packet.get(), m_encoder->time_base, m_stream->time_base);
     return av_interleaved_write_frame(m_output, m_packet.get());
 }
+
+} // namespace av

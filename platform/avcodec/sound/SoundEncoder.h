@@ -4,6 +4,9 @@
 
 #include <QString>
 
+namespace av
+{
+
 /// Encodes 48 kHz stereo into one stream of a file.
 class SoundEncoder
 {
@@ -36,3 +39,5 @@ private:
     int m_blockSize = 0;
     qint64 m_position = 0;
 };
+
+} // namespace av

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+namespace av
+{
+
 void SoundMix::add(std::unique_ptr<AudioReader> reader, double gain)
 {
     m_sources.push_back({std::move(reader), float(gain)});
@@ -51,3 +54,5 @@ void SoundMix::readSum(float *left, float *right, int count)
         m_length = m_taken + longest;
     m_taken += count;
 }
+
+} // namespace av

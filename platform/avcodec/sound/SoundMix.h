@@ -8,6 +8,9 @@
 #include <memory>
 #include <vector>
 
+namespace av
+{
+
 /// The sum of several sounds, each amplified as told, kept within full scale.
 class SoundMix
 {
@@ -37,3 +40,5 @@ private:
     qint64 m_length = 0; // of the sources' sound
     qint64 m_given = 0;
 };
+
+} // namespace av

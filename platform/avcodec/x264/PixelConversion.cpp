@@ -1,6 +1,6 @@
 #include "avcodec/x264/PixelConversion.h"
 
-namespace pixels
+namespace av::pixels
 {
 
 namespace
@@ -95,4 +95,4 @@ void toYuv420(const uint32_t *__restrict upper, const uint32_t *__restrict lower
     }
 }
 
-} // namespace pixels
+} // namespace av::pixels

@@ -4,7 +4,7 @@
 
 /// Lines of 0xAARRGGBB pixels into the planes of an encoder. Alpha is ignored. Plain loops over `width` pixels that the
 /// compiler turns into vector code; source and planes must not overlap.
-namespace pixels
+namespace av::pixels
 {
 
 /// Splits one line into the planes of 4:4:4 RGB in H.264's order: green, blue, red.
@@ -15,4 +15,4 @@ void toGbr(const uint32_t *line, uint8_t *green, uint8_t *blue, uint8_t *red, in
 void toYuv420(const uint32_t *upper, const uint32_t *lower, uint8_t *upperLuma, uint8_t *lowerLuma, uint8_t *cb,
               uint8_t *cr, int width);
 
-} // namespace pixels
+} // namespace av::pixels

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cstring>
 
+namespace av
+{
+
 namespace
 {
 
@@ -179,3 +182,5 @@ void PlanarFrames::allocate(PlanarFrame &frame) const
     }
     frame.unchanged.resize(m_changedAt.size());
 }
+
+} // namespace av

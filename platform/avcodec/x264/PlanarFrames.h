@@ -8,6 +8,9 @@
 #include <cstdint>
 #include <vector>
 
+namespace av
+{
+
 /// One picture in the planar form that the encoder takes, made by PlanarFrames.
 struct PlanarFrame {
     struct Plane {
@@ -69,3 +72,5 @@ private:
     int64_t m_number = -1;             // of the last image
     std::vector<PlanarFrame> m_frames;
 };
+
+} // namespace av

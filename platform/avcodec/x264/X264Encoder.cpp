@@ -8,6 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace av
+{
+
 namespace
 {
 
@@ -143,3 +146,5 @@ bool X264Encoder::encode(x264_picture_t *input, EncodedPicture *picture)
         *picture = {units[0].p_payload, size, output.i_pts, output.i_dts, output.b_keyframe != 0};
     return true;
 }
+
+} // namespace av

@@ -13,6 +13,9 @@ extern "C" {
 
 #include <memory>
 
+namespace av
+{
+
 struct PlanarFrame;
 
 /// One picture, encoded: H.264 NAL units with four-byte lengths, as MP4 stores them.
@@ -61,3 +64,5 @@ private:
     const std::size_t m_macroblocks;
     std::unique_ptr<x264_t, Closer> m_encoder;
 };
+
+} // namespace av

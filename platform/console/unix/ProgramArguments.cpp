@@ -6,6 +6,9 @@
 
 #include <langinfo.h>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -27,3 +30,5 @@ QStringList programArguments(int argc, char **argv)
         arguments.append(QString::fromLocal8Bit(argv[i]));
     return arguments;
 }
+
+} // namespace kel

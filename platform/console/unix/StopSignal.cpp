@@ -11,6 +11,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -80,3 +83,5 @@ bool StopSignal::isRaised() const
 {
     return g_raised;
 }
+
+} // namespace kel

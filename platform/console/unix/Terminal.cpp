@@ -4,6 +4,9 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+namespace kel
+{
+
 void Terminal::write(std::FILE *stream, const QString &text)
 {
     const QByteArray bytes = text.toLocal8Bit();
@@ -37,3 +40,5 @@ const char *Terminal::windowlessPlatform()
 {
     return "offscreen";
 }
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <shellapi.h>
 
+namespace kel
+{
+
 // argv is in the system's code page, which has room for few characters: the command line itself is read again.
 QStringList programArguments(int, char **)
 {
@@ -16,3 +19,5 @@ QStringList programArguments(int, char **)
     }
     return arguments;
 }
+
+} // namespace kel

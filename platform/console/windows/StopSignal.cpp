@@ -6,6 +6,9 @@
 
 #include <windows.h>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -59,3 +62,5 @@ bool StopSignal::isRaised() const
 {
     return g_raised;
 }
+
+} // namespace kel

@@ -4,6 +4,9 @@
 
 #include <io.h>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -66,3 +69,5 @@ const char *Terminal::windowlessPlatform()
 {
     return "windows";
 }
+
+} // namespace kel

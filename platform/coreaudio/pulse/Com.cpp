@@ -9,6 +9,8 @@
 #include <mutex>
 #include <new>
 
+using namespace kel;
+
 namespace
 {
 struct Event {

@@ -5,6 +5,9 @@
 #include <cstring>
 #include <utility>
 
+namespace kel
+{
+
 namespace
 {
 /// Invalid for what the server cannot deliver.
@@ -122,3 +125,5 @@ HRESULT PulseAudioClient::GetService(REFIID interfaceId, void **object)
     client->Release();
     return result;
 }
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include "coreaudio/sdk/AudioInterfaces.h"
 #include "coreaudio/sdk/ComObject.h"
 
+namespace kel
+{
+
 /// Records in shared mode what an input hears or, with the loopback flag, what an output plays. The server converts:
 /// every format of integers or floats that a WAV file can have is supported, at every rate.
 class PulseAudioClient : public ComObject<IAudioClient, IID_IAudioClient>
@@ -42,3 +45,5 @@ private:
     const EDataFlow m_flow;
     std::shared_ptr<PulseRecordStream> m_stream; // null before Initialize
 };
+
+} // namespace kel

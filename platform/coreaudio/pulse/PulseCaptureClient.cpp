@@ -2,6 +2,9 @@
 
 #include <utility>
 
+namespace kel
+{
+
 PulseCaptureClient::PulseCaptureClient(std::shared_ptr<PulseRecordStream> stream)
     : m_stream(std::move(stream))
 {
@@ -53,3 +56,5 @@ HRESULT PulseCaptureClient::GetNextPacketSize(UINT32 *frames)
     *frames = m_stream->peek().frames;
     return *frames > 0 || m_stream->isAlive() ? S_OK : AUDCLNT_E_DEVICE_INVALIDATED;
 }
+
+} // namespace kel

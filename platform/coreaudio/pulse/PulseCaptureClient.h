@@ -4,6 +4,9 @@
 #include "coreaudio/sdk/AudioInterfaces.h"
 #include "coreaudio/sdk/ComObject.h"
 
+namespace kel
+{
+
 /// Hands out a stream's packets, one at a time.
 class PulseCaptureClient : public ComObject<IAudioCaptureClient, IID_IAudioCaptureClient>
 {
@@ -20,3 +23,5 @@ private:
     const std::shared_ptr<PulseRecordStream> m_stream;
     UINT32 m_heldFrames = 0; // of the packet that was handed out
 };
+
+} // namespace kel

@@ -1,5 +1,8 @@
 #include "coreaudio/pulse/PulseConnection.h"
 
+namespace kel
+{
+
 namespace
 {
 constexpr pa_usec_t AnswerLimitUs = 3 * PA_USEC_PER_SEC;
@@ -146,3 +149,5 @@ std::optional<PulseConnection::Source> PulseConnection::defaultMicrophone() cons
         return std::nullopt;
     return answer.source;
 }
+
+} // namespace kel

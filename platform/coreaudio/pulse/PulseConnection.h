@@ -8,6 +8,9 @@
 #include <optional>
 #include <string>
 
+namespace kel
+{
+
 /// A connection to the sound server with a thread of its own, on which all callbacks run. Any thread.
 class PulseConnection
 {
@@ -73,3 +76,5 @@ private:
     pa_threaded_mainloop *m_loop = nullptr;
     pa_context *m_context = nullptr;
 };
+
+} // namespace kel

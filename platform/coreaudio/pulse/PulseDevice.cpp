@@ -4,6 +4,9 @@
 
 #include <utility>
 
+namespace kel
+{
+
 PulseDevice::PulseDevice(std::shared_ptr<PulseConnection> connection, PulseConnection::Source source, EDataFlow flow)
     : m_connection(std::move(connection))
     , m_source(std::move(source))
@@ -26,3 +29,5 @@ HRESULT PulseDevice::GetState(DWORD *state)
     *state = DEVICE_STATE_ACTIVE;
     return S_OK;
 }
+
+} // namespace kel

@@ -4,6 +4,9 @@
 #include "coreaudio/sdk/AudioInterfaces.h"
 #include "coreaudio/sdk/ComObject.h"
 
+namespace kel
+{
+
 /// An output, or an input, of the sound server.
 class PulseDevice : public ComObject<IMMDevice, IID_IMMDevice>
 {
@@ -22,3 +25,5 @@ private:
     const PulseConnection::Source m_source;
     const EDataFlow m_flow;
 };
+
+} // namespace kel

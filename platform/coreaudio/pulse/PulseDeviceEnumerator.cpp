@@ -4,6 +4,9 @@
 
 #include <utility>
 
+namespace kel
+{
+
 HRESULT PulseDeviceEnumerator::create(REFIID interfaceId, void **object)
 {
     std::shared_ptr<PulseConnection> connection = PulseConnection::open();
@@ -34,3 +37,5 @@ HRESULT PulseDeviceEnumerator::GetDefaultAudioEndpoint(EDataFlow flow, ERole, IM
     *device = new PulseDevice(m_connection, *source, flow);
     return S_OK;
 }
+
+} // namespace kel

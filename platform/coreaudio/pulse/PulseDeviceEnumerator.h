@@ -4,6 +4,9 @@
 #include "coreaudio/sdk/AudioInterfaces.h"
 #include "coreaudio/sdk/ComObject.h"
 
+namespace kel
+{
+
 /// The default devices of the sound server. The server offers no roles: every role has the same device.
 class PulseDeviceEnumerator : public ComObject<IMMDeviceEnumerator, IID_IMMDeviceEnumerator>
 {
@@ -33,3 +36,5 @@ private:
 
     const std::shared_ptr<PulseConnection> m_connection;
 };
+
+} // namespace kel

@@ -4,6 +4,9 @@
 #include <cmath>
 #include <utility>
 
+namespace kel
+{
+
 namespace
 {
 // Often enough that a silence of a tenth of a second is noticed as one, seldom enough to cost next to nothing.
@@ -133,3 +136,5 @@ void PulseRecordStream::drop(std::uint32_t frames)
     pa_stream_drop(m_stream);
     m_framesTaken += frames;
 }
+
+} // namespace kel

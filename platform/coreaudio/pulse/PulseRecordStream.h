@@ -6,6 +6,9 @@
 #include <memory>
 #include <vector>
 
+namespace kel
+{
+
 /// A stream of one source's sound, stopped at first. It never moves to another source: when its own goes away, it dies.
 /// One thread uses it.
 class PulseRecordStream
@@ -54,3 +57,5 @@ private:
     double m_firstFrameUs = 0; // when the first frame was recorded, had the device run without a break; 0: unknown
     std::vector<std::uint8_t> m_silence; // stands for a hole in the stream
 };
+
+} // namespace kel

@@ -7,6 +7,9 @@
 
 #include <windows.h>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -47,3 +50,5 @@ QString renameOver(const QString &from, const QString &to)
     }
     return QString();
 }
+
+} // namespace kel

@@ -8,6 +8,9 @@
 
 #include <chrono>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -178,3 +181,5 @@ void InputHooks::apply(Hook &keys, Hook &mouse)
     m_served = m_requested;
     m_changed.notify_all();
 }
+
+} // namespace kel

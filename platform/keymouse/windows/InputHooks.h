@@ -8,6 +8,9 @@
 
 #include <windows.h>
 
+namespace kel
+{
+
 class InputQueue;
 
 /// Windows' low-level hooks, on a thread of their own whose message loop they are called from: input of the whole
@@ -50,3 +53,5 @@ private:
 
     std::thread m_thread; // last: it uses all of the above
 };
+
+} // namespace kel

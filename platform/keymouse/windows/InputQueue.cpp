@@ -1,5 +1,8 @@
 #include "keymouse/windows/InputQueue.h"
 
+namespace kel
+{
+
 namespace
 {
 
@@ -40,3 +43,5 @@ void InputQueue::close()
     }
     m_changed.notify_all();
 }
+
+} // namespace kel

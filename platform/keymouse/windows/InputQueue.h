@@ -7,6 +7,9 @@
 
 #include <windows.h>
 
+namespace kel
+{
+
 /// What a hook was told, as it was told.
 struct WindowsInputEvent {
     bool isKey = false;
@@ -37,3 +40,5 @@ private:
     std::deque<WindowsInputEvent> m_events;
     bool m_isClosed = false;
 };
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <iterator>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -98,3 +101,5 @@ DWORD virtualKeyOf(int key)
                                     [key](const Named &named) { return named.key == key; });
     return found == std::end(namedKeys) ? 0 : found->virtualKey;
 }
+
+} // namespace kel

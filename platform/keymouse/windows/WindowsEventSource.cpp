@@ -7,6 +7,9 @@
 
 #include <QDebug>
 
+namespace kel
+{
+
 /// From the first hook that somebody wants to the last.
 struct WindowsEventSource::Session {
     InputQueue queue;
@@ -83,3 +86,5 @@ void WindowsEventSource::deliverEvents()
             mapper.deliver(event);
     }
 }
+
+} // namespace kel

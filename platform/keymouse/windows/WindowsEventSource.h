@@ -6,6 +6,9 @@
 #include <mutex>
 #include <thread>
 
+namespace kel
+{
+
 /// Input of the Windows desktop. While somebody wants events there are two threads: one for the hooks and one for the
 /// callbacks.
 class WindowsEventSource final : public KeyMouseEventSource
@@ -29,3 +32,5 @@ private:
     bool m_isDelivering = false; // false once that thread has decided to end
     bool m_warned = false;
 };
+
+} // namespace kel

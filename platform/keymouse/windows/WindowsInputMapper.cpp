@@ -5,6 +5,9 @@
 
 #include <Qt>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -71,3 +74,5 @@ void WindowsInputMapper::deliverWheel(const MSLLHOOKSTRUCT &mouse)
     if (notches != 0)
         m_sink.deliver(KelWheelEvent{notches * WHEEL_DELTA, {mouse.pt.x, mouse.pt.y}});
 }
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include "keymouse/windows/WindowsKeymap.h"
 
+namespace kel
+{
+
 struct WindowsInputEvent;
 class KeyMouseEventSink;
 
@@ -22,3 +25,5 @@ private:
     WindowsKeymap m_keymap;
     int m_turned = 0; // of a fine wheel, since its last whole notch
 };
+
+} // namespace kel

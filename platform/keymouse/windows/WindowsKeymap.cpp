@@ -8,6 +8,9 @@
 #include <iterator>
 #include <utility>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -98,3 +101,5 @@ int WindowsKeymap::character(DWORD virtualKey, DWORD scanCode, HKL layout) const
     }
     return keyOfCharacter(wchar_t(MapVirtualKeyExW(virtualKey, MAPVK_VK_TO_CHAR, layout) & 0xffff));
 }
+
+} // namespace kel

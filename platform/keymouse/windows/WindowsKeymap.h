@@ -5,6 +5,9 @@
 
 #include <windows.h>
 
+namespace kel
+{
+
 /// Says which Qt::Key a key means in a keyboard layout, as Qt's own key events would. Follows the modifiers by the keys
 /// that go through it, and never touches the state in which a dead key waits for its letter.
 class WindowsKeymap
@@ -30,3 +33,5 @@ private:
     bool m_numLock;
     bool m_altGr = false; // the right Alt key counts as AltGr, until it goes up
 };
+
+} // namespace kel

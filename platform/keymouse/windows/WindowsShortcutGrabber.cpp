@@ -4,6 +4,9 @@
 
 #include <QCoreApplication>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -85,3 +88,5 @@ bool WindowsShortcutGrabber::nativeEventFilter(const QByteArray &, void *message
     emit pressed(*combination);
     return true;
 }
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <QAbstractNativeEventFilter>
 #include <QHash>
 
+namespace kel
+{
+
 /// Registers hot keys, whose messages come to the GUI thread.
 class WindowsShortcutGrabber final : public GlobalShortcutGrabber, public QAbstractNativeEventFilter
 {
@@ -23,3 +26,5 @@ private:
     QHash<int, int> m_combinations; // by the number of the hot key
     int m_lastNumber = 0;
 };
+
+} // namespace kel

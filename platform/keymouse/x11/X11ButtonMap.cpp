@@ -4,6 +4,9 @@
 
 #include <cstdlib>
 
+namespace kel
+{
+
 void X11ButtonMap::load(xcb_connection_t *connection)
 {
     xcb_get_pointer_mapping_reply_t *reply =
@@ -19,3 +22,5 @@ int X11ButtonMap::logical(std::uint8_t button) const
 {
     return button >= 1 && button <= m_map.size() ? m_map[button - 1u] : button;
 }
+
+} // namespace kel

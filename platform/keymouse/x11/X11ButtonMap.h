@@ -5,6 +5,9 @@
 
 struct xcb_connection_t;
 
+namespace kel
+{
+
 /// What the buttons of the pointer mean: the X server records the numbers of the hardware, and people exchange buttons
 /// (for the left hand) or reverse the wheel.
 class X11ButtonMap
@@ -19,3 +22,5 @@ public:
 private:
     std::vector<std::uint8_t> m_map;
 };
+
+} // namespace kel

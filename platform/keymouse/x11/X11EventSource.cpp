@@ -15,6 +15,9 @@
 #include <chrono>
 #include <vector>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -158,3 +161,5 @@ bool X11EventSource::deliverUntilRequest(X11InputRecorder &recorder, X11InputMap
         announced = waits[1].revents != 0;
     }
 }
+
+} // namespace kel

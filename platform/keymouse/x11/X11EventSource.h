@@ -6,6 +6,9 @@
 #include <mutex>
 #include <thread>
 
+namespace kel
+{
+
 class X11InputMapper;
 class X11InputRecorder;
 
@@ -41,3 +44,5 @@ private:
     bool m_warned = false;
     QString m_errorString;
 };
+
+} // namespace kel

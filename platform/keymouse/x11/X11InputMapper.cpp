@@ -7,6 +7,9 @@
 
 #include <cstdlib>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -80,3 +83,5 @@ void X11InputMapper::deliver(const X11InputEvent &event, KeyMouseEventSink &sink
         sink.deliver(KelMouseEvent{named, event.position, pressed});
     }
 }
+
+} // namespace kel

@@ -3,9 +3,13 @@
 #include "keymouse/x11/X11ButtonMap.h"
 #include "keymouse/x11/X11Keymap.h"
 
+struct xcb_connection_t;
+
+namespace kel
+{
+
 struct X11InputEvent;
 class KeyMouseEventSink;
-struct xcb_connection_t;
 
 /// Says what recorded events mean: with the display's keymap and the order of the mouse buttons, as they are now.
 class X11InputMapper
@@ -30,3 +34,5 @@ private:
     X11Keymap m_keymap;
     X11ButtonMap m_buttons;
 };
+
+} // namespace kel

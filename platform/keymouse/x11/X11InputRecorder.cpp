@@ -11,6 +11,9 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -171,3 +174,5 @@ void X11InputRecorder::interrupt()
             shutdown(xcb_get_file_descriptor(connection->get()), SHUT_RDWR);
     }
 }
+
+} // namespace kel

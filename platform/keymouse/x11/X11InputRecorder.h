@@ -10,6 +10,9 @@
 
 struct xcb_connection_t;
 
+namespace kel
+{
+
 /// A key or button event as the X server recorded it.
 struct X11InputEvent {
     std::uint8_t type;   ///< XCB_KEY_PRESS, XCB_KEY_RELEASE, XCB_BUTTON_PRESS or XCB_BUTTON_RELEASE
@@ -75,3 +78,5 @@ private:
     unsigned m_enableSequence = 0;
     QString m_error;
 };
+
+} // namespace kel

@@ -12,6 +12,9 @@
 
 #include <cstdlib>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -94,3 +97,5 @@ int X11Keymap::qtKey(std::uint8_t keycode, std::uint16_t state)
         modifiers |= Qt::KeypadModifier;
     return QXkbCommon::keysymToQtKey(symbol, modifiers, m_state.get(), keycode);
 }
+
+} // namespace kel

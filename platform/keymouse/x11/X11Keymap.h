@@ -10,6 +10,9 @@ struct xkb_context;
 struct xkb_keymap;
 struct xkb_state;
 
+namespace kel
+{
+
 /// Says which Qt::Key a key of the display's keyboard means, now.
 class X11Keymap
 {
@@ -46,3 +49,5 @@ private:
     std::unique_ptr<xkb_keymap, Unref> m_keymap;
     std::unique_ptr<xkb_state, Unref> m_state;
 };
+
+} // namespace kel

@@ -13,6 +13,9 @@
 #include <array>
 #include <cstdlib>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -267,3 +270,5 @@ void X11ShortcutGrabber::keyPressed(const xcb_key_press_event_t &event)
         }
     }
 }
+
+} // namespace kel

@@ -11,6 +11,9 @@ class QSocketNotifier;
 struct xcb_connection_t;
 struct xcb_key_press_event_t;
 
+namespace kel
+{
+
 /// Grabs keys on the root window of the X screen that $DISPLAY names, on a connection of its own.
 class X11ShortcutGrabber final : public GlobalShortcutGrabber
 {
@@ -54,3 +57,5 @@ private:
     std::uint8_t m_xkbEvent = 0; // the type of events about the keyboard; 0: no XKB
     std::uint8_t m_heldKey = 0;  // the key that is down; it repeats
 };
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -83,3 +86,5 @@ QImage CursorPicture::fromMasks(const QImage &masks)
     replaceInverting(picture);
     return picture;
 }
+
+} // namespace kel

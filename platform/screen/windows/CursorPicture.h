@@ -3,7 +3,7 @@
 #include <QImage>
 
 /// Pictures of the three kinds of pointer that Windows has, QImage::Format_ARGB32_Premultiplied.
-namespace CursorPicture
+namespace kel::CursorPicture
 {
 
 /// A pointer in colours. `colors` are straight (not premultiplied) ARGB; where no pixel of them has any opacity they
@@ -15,4 +15,4 @@ QImage fromColors(const QImage &colors, const QImage &mask);
 /// together invert what is below them.
 QImage fromMasks(const QImage &masks);
 
-} // namespace CursorPicture
+} // namespace kel::CursorPicture

@@ -3,6 +3,9 @@
 #include <QImage>
 #include <QRegion>
 
+namespace kel
+{
+
 /// One way to read a rectangle of the desktop. Belongs to one thread at a time.
 class DesktopReader
 {
@@ -26,3 +29,5 @@ public:
     /// The rectangle, QImage::Format_RGB32, black outside of all screens; null before the first update that was ready.
     virtual const QImage &picture() const = 0;
 };
+
+} // namespace kel

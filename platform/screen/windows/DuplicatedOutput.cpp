@@ -7,6 +7,9 @@
 #include <cstring>
 #include <vector>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -148,3 +151,5 @@ HRESULT DuplicatedOutput::read(IDXGIResource *frame, const QRegion &onSurface, Q
     m_hasPicture = true;
     return S_OK;
 }
+
+} // namespace kel

@@ -9,6 +9,9 @@
 #include <dxgi1_2.h>
 #include <wrl/client.h>
 
+namespace kel
+{
+
 /// One screen, whose pictures and changes the Desktop Duplication API hands out.
 class DuplicatedOutput
 {
@@ -38,3 +41,5 @@ private:
     QPoint m_placement; // of the screen's top-left corner in the picture
     bool m_hasPicture = false;
 };
+
+} // namespace kel

@@ -5,6 +5,9 @@
 
 #include <QDebug>
 
+namespace kel
+{
+
 using Microsoft::WRL::ComPtr;
 
 namespace
@@ -136,3 +139,5 @@ DesktopReader::State DuplicationDesktopReader::stateAfter(HRESULT result)
           static_cast<unsigned long>(result));
     return State::Unusable;
 }
+
+} // namespace kel

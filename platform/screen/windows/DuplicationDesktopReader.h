@@ -8,6 +8,9 @@
 #include <functional>
 #include <list>
 
+namespace kel
+{
+
 /// What hands out screens and what reads them.
 struct DuplicationSystem {
     std::function<HRESULT(IDXGIFactory1 **)> createFactory;
@@ -44,3 +47,5 @@ private:
     int m_restingUpdates = 0; // until the desktop is asked for again
     bool m_hasPicture = false;
 };
+
+} // namespace kel

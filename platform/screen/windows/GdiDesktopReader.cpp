@@ -7,6 +7,9 @@
 
 #include <utility>
 
+namespace kel
+{
+
 /// Pixels that both GDI and we can reach.
 class GdiDesktopReader::Bitmap
 {
@@ -97,3 +100,5 @@ const QImage &GdiDesktopReader::picture() const
     static const QImage none;
     return m_hasPicture ? m_now->image() : none;
 }
+
+} // namespace kel

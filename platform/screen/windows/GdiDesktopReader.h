@@ -6,6 +6,9 @@
 
 #include <memory>
 
+namespace kel
+{
+
 /// Reads the desktop with GDI, which works everywhere, and finds out by comparison what has changed.
 class GdiDesktopReader final : public DesktopReader
 {
@@ -26,3 +29,5 @@ private:
     std::unique_ptr<Bitmap> m_before;
     bool m_hasPicture = false;
 };
+
+} // namespace kel

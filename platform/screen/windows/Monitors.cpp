@@ -2,6 +2,9 @@
 
 #include "screen/windows/NativeRect.h"
 
+namespace kel
+{
+
 namespace
 {
 
@@ -19,3 +22,5 @@ QRegion monitorRegion()
     EnumDisplayMonitors(nullptr, nullptr, addMonitor, reinterpret_cast<LPARAM>(&region));
     return region;
 }
+
+} // namespace kel

@@ -2,5 +2,10 @@
 
 #include <QRegion>
 
+namespace kel
+{
+
 /// Where there are screens, in physical pixels of the desktop.
 QRegion monitorRegion();
+
+} // namespace kel

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cstring>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -60,3 +63,5 @@ QRegion changedRegion(const QImage &before, const QImage &after)
     region.setRects(rects.constData(), rects.size());
     return region;
 }
+
+} // namespace kel

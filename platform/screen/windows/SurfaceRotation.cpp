@@ -1,5 +1,8 @@
 #include "screen/windows/SurfaceRotation.h"
 
+namespace kel
+{
+
 namespace
 {
 
@@ -31,3 +34,5 @@ QRect SurfaceRotation::toSurface(const QRect &onScreen) const
     const bool isUpright = m_degrees % 180 == 0;
     return turned(onScreen, (360 - m_degrees) % 360, isUpright ? m_surface : m_surface.transposed());
 }
+
+} // namespace kel

@@ -3,6 +3,9 @@
 #include <QRect>
 #include <QSize>
 
+namespace kel
+{
+
 /// How the surface that a graphics adapter scans out lies on a screen that somebody has turned.
 class SurfaceRotation
 {
@@ -26,3 +29,5 @@ private:
     int m_degrees = 0;
     QSize m_surface;
 };
+
+} // namespace kel

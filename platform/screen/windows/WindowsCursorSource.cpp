@@ -7,6 +7,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -130,3 +133,5 @@ const KelCursorShape &WindowsCursorSource::currentShape() const
     return std::find_if(m_frames.begin(), m_frames.end(), [now](const Frame &frame) { return now < frame.endMs; })
         ->shape;
 }
+
+} // namespace kel

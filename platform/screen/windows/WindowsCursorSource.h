@@ -10,6 +10,9 @@
 
 #include <windows.h>
 
+namespace kel
+{
+
 /// The pointer of the desktop.
 class WindowsCursorSource final : public KelCursorSource
 {
@@ -33,3 +36,5 @@ private:
     QVector<Frame> m_frames; // of that cursor; one unless it is animated
     QElapsedTimer m_sinceSeen;
 };
+
+} // namespace kel

@@ -9,6 +9,9 @@
 #include "screen/windows/WindowsCursorSource.h"
 #include "screen/windows/WindowsScreenStreamer.h"
 
+namespace kel
+{
+
 namespace
 {
 
@@ -50,3 +53,5 @@ std::unique_ptr<KelCursorSource> WindowsScreenBackend::createCursorSource(const 
 {
     return std::make_unique<WindowsCursorSource>(screenScale(rect));
 }
+
+} // namespace kel

@@ -6,6 +6,9 @@
 
 #include <utility>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -84,3 +87,5 @@ void WindowsScreenStreamer::setError(const QString &error)
     }
     qWarning("[WindowsScreenStreamer] %s", qUtf8Printable(error));
 }
+
+} // namespace kel

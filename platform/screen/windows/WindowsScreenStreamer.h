@@ -9,6 +9,9 @@
 #include <mutex>
 #include <vector>
 
+namespace kel
+{
+
 /// Captures a rectangle of the desktop with the first reader that works, and with the next one once that fails for
 /// good.
 ///
@@ -38,3 +41,5 @@ private:
     mutable std::mutex m_errorMutex;
     QString m_error;
 };
+
+} // namespace kel

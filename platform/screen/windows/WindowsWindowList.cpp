@@ -5,6 +5,8 @@
 
 #include <dwmapi.h>
 
+using namespace kel;
+
 namespace
 {
 

@@ -4,6 +4,9 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+namespace kel
+{
+
 SharedMemory::SharedMemory(std::size_t bytes)
     : m_bytes(bytes)
     , m_fd(memfd_create("kelmovie-screen", MFD_CLOEXEC))
@@ -27,3 +30,5 @@ int SharedMemory::descriptor() const
 {
     return m_fd < 0 ? -1 : fcntl(m_fd, F_DUPFD_CLOEXEC, 0);
 }
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include <cstddef>
 
+namespace kel
+{
+
 /// Anonymous memory that another process maps through a file descriptor; it is gone with its last user.
 class SharedMemory
 {
@@ -22,3 +25,5 @@ private:
     int m_fd;
     unsigned char *m_data = nullptr;
 };
+
+} // namespace kel

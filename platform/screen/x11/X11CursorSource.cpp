@@ -7,6 +7,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -115,3 +118,5 @@ KelCursorPixmap X11CursorSource::withoutAnswer()
     m_shapeNotice = 0;
     return {};
 }
+
+} // namespace kel

@@ -10,6 +10,9 @@
 
 #include <mutex>
 
+namespace kel
+{
+
 /// The pointer of the X screen that $DISPLAY names.
 ///
 /// Where it is has to be asked each time. When its shape changes the server says so, with a number for the new shape:
@@ -37,3 +40,5 @@ private:
     int m_shapeNotice = 0;                   // the event's code; 0 when the pointer cannot be watched
     KelCursorPixmap m_last;
 };
+
+} // namespace kel

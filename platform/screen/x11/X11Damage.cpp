@@ -2,6 +2,9 @@
 
 #include <QVector>
 
+namespace kel
+{
+
 X11Damage::X11Damage(XcbConnection &connection)
     : m_connection(connection)
 {
@@ -56,3 +59,5 @@ void X11Damage::clear()
     if (isAvailable())
         xcb_damage_subtract(m_connection, m_damage, XCB_NONE, XCB_NONE);
 }
+
+} // namespace kel

@@ -9,6 +9,9 @@
 
 #include <optional>
 
+namespace kel
+{
+
 /// Watches which parts of the root window, with all windows on it, are drawn to.
 ///
 /// The server sends one event when its record of damage stops being empty, and goes on recording in silence until that
@@ -37,3 +40,5 @@ private:
     xcb_xfixes_region_t m_region = XCB_NONE;
     int m_firstEvent = 0;
 };
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include <QSysInfo>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -132,3 +135,5 @@ int X11ImageReader::bytesPerLine(int width) const
 {
     return (width * m_bitsPerPixel + m_linePadBits - 1) / m_linePadBits * m_linePadBits / 8;
 }
+
+} // namespace kel

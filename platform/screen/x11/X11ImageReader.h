@@ -12,6 +12,9 @@
 #include <optional>
 #include <vector>
 
+namespace kel
+{
+
 /// Reads pixels of the root window: through shared memory, or over the connection when the server is far away.
 class X11ImageReader
 {
@@ -46,3 +49,5 @@ private:
     std::optional<SharedMemory> m_memory; ///< only when the server has attached it, too
     xcb_shm_seg_t m_segment = XCB_NONE;
 };
+
+} // namespace kel

@@ -7,6 +7,9 @@
 #include "screen/x11/X11ScreenStreamer.h"
 #include "screen/x11/XcbConnection.h"
 
+namespace kel
+{
+
 namespace
 {
 
@@ -69,3 +72,5 @@ std::unique_ptr<KelCursorSource> X11ScreenBackend::createCursorSource(const QRec
 {
     return std::make_unique<X11CursorSource>(screenScale(rect));
 }
+
+} // namespace kel

@@ -2,6 +2,9 @@
 
 #include "screen/KelScreenManager.h"
 
+namespace kel
+{
+
 /// Captures the root window and the pointer of the X screen that $DISPLAY names.
 class X11ScreenBackend final : public KelScreenBackend
 {
@@ -11,3 +14,5 @@ public:
     std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override;
     std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect) override;
 };
+
+} // namespace kel

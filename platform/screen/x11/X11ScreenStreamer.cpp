@@ -6,6 +6,9 @@
 
 #include <utility>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -193,3 +196,5 @@ void X11ScreenStreamer::setError(const QString &error)
     if (!error.isEmpty())
         qWarning("[X11ScreenStreamer] %s", qUtf8Printable(error));
 }
+
+} // namespace kel

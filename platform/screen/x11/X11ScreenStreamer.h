@@ -11,6 +11,9 @@
 #include <memory>
 #include <mutex>
 
+namespace kel
+{
+
 /// Captures a rectangle of the root window over a connection of its own.
 ///
 /// Only what was drawn to since the last capture is read, as long as the caller hands in the image of that capture;
@@ -53,3 +56,5 @@ private:
     mutable std::mutex m_errorMutex;
     QString m_error;
 };
+
+} // namespace kel

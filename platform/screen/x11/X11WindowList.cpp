@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+using namespace kel;
+
 namespace
 {
 

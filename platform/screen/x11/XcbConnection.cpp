@@ -3,6 +3,9 @@
 #include <poll.h>
 #include <xcb/xcbext.h>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -74,3 +77,5 @@ void *XcbConnection::awaitReply(unsigned sequence)
         poll(&readable, 1, int(left));
     }
 }
+
+} // namespace kel

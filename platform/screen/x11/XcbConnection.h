@@ -6,6 +6,9 @@
 #include <cstdlib>
 #include <memory>
 
+namespace kel
+{
+
 struct XcbFree {
     void operator()(void *pointer) const { std::free(pointer); }
 };
@@ -57,3 +60,5 @@ private:
     const xcb_screen_t *m_screen = nullptr;
     unsigned m_lateSequence = 0; // the unanswered request of a stalled connection, else 0
 };
+
+} // namespace kel

@@ -6,6 +6,9 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -58,3 +61,5 @@ void PortalTheme::take(QVariant value)
     const uint scheme = value.toUInt();
     setWish(scheme == kPrefersDark ? Wish::Dark : scheme == kPrefersLight ? Wish::Light : Wish::Unknown);
 }
+
+} // namespace kel

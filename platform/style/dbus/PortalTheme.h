@@ -5,6 +5,9 @@
 class QDBusPendingCallWatcher;
 class QDBusVariant;
 
+namespace kel
+{
+
 /// The colour scheme of the desktop portal, which the common desktops speak. Unknown until it answers, and where there
 /// is none.
 class PortalTheme final : public SystemTheme
@@ -21,3 +24,5 @@ private:
     void onRead(QDBusPendingCallWatcher *watcher);
     void take(QVariant value);
 };
+
+} // namespace kel

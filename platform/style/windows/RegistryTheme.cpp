@@ -3,6 +3,8 @@
 #include <QGuiApplication>
 #include <QSettings>
 
+using namespace kel;
+
 namespace
 {
 

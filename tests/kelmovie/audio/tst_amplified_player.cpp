@@ -15,6 +15,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace kel;
+
 using SoundFile::littleEndian;
 
 namespace

@@ -8,6 +8,8 @@
 
 #include <mutex>
 
+using namespace kel;
+
 namespace
 {
 constexpr int Rate = 48000;

@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+using namespace kel;
+
 class SoundDevicesTest : public QObject
 {
     Q_OBJECT

@@ -9,6 +9,8 @@
 
 #include <QtTest>
 
+using namespace kel;
+
 namespace
 {
 

@@ -10,6 +10,8 @@
 
 #include <memory>
 
+using namespace kel;
+
 namespace
 {
 constexpr float Anything = -1;

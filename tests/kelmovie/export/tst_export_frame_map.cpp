@@ -3,6 +3,8 @@
 #include <QMap>
 #include <QtTest>
 
+using namespace kel;
+
 using Recording = ExportFrameMap::Recording;
 using Output = ExportFrameMap::Output;
 using Frames = QMap<int, int>; // output frame -> logic frame

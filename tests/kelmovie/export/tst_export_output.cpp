@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+using namespace kel;
+
 class ExportOutputTest : public QObject
 {
     Q_OBJECT

@@ -13,6 +13,8 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
+using namespace kel;
+
 using Estimate = ExportSizeEstimator::Estimate;
 
 namespace

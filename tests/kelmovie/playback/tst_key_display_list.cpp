@@ -8,6 +8,8 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
+using namespace kel;
+
 namespace
 {
 

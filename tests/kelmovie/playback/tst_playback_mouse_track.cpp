@@ -17,6 +17,8 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
+using namespace kel;
+
 namespace
 {
 

@@ -9,6 +9,8 @@
 #include <QRegularExpression>
 #include <QtTest>
 
+using namespace kel;
+
 Q_DECLARE_METATYPE(std::vector<int>)
 
 class PlaybackScreenTrackTest : public QObject

@@ -17,6 +17,8 @@
 
 #include <atomic>
 
+using namespace kel;
+
 namespace
 {
 const QRect Area(100, 80, 400, 300);

@@ -12,6 +12,8 @@
 #include <mutex>
 #include <tuple>
 
+using namespace kel;
+
 namespace
 {
 constexpr double SpeakersHz = 1000;

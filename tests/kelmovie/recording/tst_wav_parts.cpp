@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+using namespace kel;
+
 namespace
 {
 /// Stereo, 16 bits. `sizes` is what the header says of `sound`: 0 as one that was never completed.

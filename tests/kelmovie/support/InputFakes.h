@@ -14,17 +14,20 @@
 class ScriptedInput
 {
 public:
-    ScriptedInput() { KeyMouseHub::instance().setSource(std::make_unique<Silence>()); }
-    ~ScriptedInput() { KeyMouseHub::instance().setSource(nullptr); }
+    ScriptedInput() { kel::KeyMouseHub::instance().setSource(std::make_unique<Silence>()); }
+    ~ScriptedInput() { kel::KeyMouseHub::instance().setSource(nullptr); }
     Q_DISABLE_COPY(ScriptedInput)
 
-    void key(int key, int state) { KeyMouseHub::instance().deliver(KelKeyboardEvent{key, state}); }
-    void button(int button, int state, QPoint at) { KeyMouseHub::instance().deliver(KelMouseEvent{button, at, state}); }
-    void wheel(int delta) { KeyMouseHub::instance().deliver(KelWheelEvent{delta, QPoint(-7, -7)}); }
-    bool isWatched(int kind) const { return KeyMouseHub::instance().wantedKinds() & kind; }
+    void key(int key, int state) { kel::KeyMouseHub::instance().deliver(KelKeyboardEvent{key, state}); }
+    void button(int button, int state, QPoint at)
+    {
+        kel::KeyMouseHub::instance().deliver(KelMouseEvent{button, at, state});
+    }
+    void wheel(int delta) { kel::KeyMouseHub::instance().deliver(KelWheelEvent{delta, QPoint(-7, -7)}); }
+    bool isWatched(int kind) const { return kel::KeyMouseHub::instance().wantedKinds() & kind; }
 
 private:
-    struct Silence : KeyMouseEventSource {
+    struct Silence : kel::KeyMouseEventSource {
         void update() override {}
     };
 };
@@ -67,7 +70,7 @@ private:
         }
         std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &) override
         {
-            return std::make_unique<FailedScreenStreamer>(QStringLiteral("no pictures here"));
+            return std::make_unique<kel::FailedScreenStreamer>(QStringLiteral("no pictures here"));
         }
         std::unique_ptr<KelCursorSource> createCursorSource(const QRect &) override
         {

@@ -10,9 +10,9 @@
 #include <QtEndian>
 
 /// Records from a text such as "10:+Control 12:+C 14:-C 20:off 30:on": frame, pressed or released, Qt::Key.
-inline std::vector<KeyRecord> keyScript(const QString &script)
+inline std::vector<kel::KeyRecord> keyScript(const QString &script)
 {
-    std::vector<KeyRecord> records;
+    std::vector<kel::KeyRecord> records;
     for (const QString &word : script.split(' ', Qt::SkipEmptyParts)) {
         const int frame = word.section(':', 0, 0).toInt();
         const QString event = word.section(':', 1);
@@ -31,11 +31,11 @@ inline std::vector<KeyRecord> keyScript(const QString &script)
 }
 
 /// The content of a keyboard.keymeta.
-inline QByteArray keyMetaFile(const std::vector<KeyRecord> &records, const QSize &canvas, qint32 fps = 30)
+inline QByteArray keyMetaFile(const std::vector<kel::KeyRecord> &records, const QSize &canvas, qint32 fps = 30)
 {
     const auto count = qint32(records.size());
     std::vector<qint32> words{0, count, fps, 0, count * 12, 0, canvas.width(), canvas.height()};
-    for (const KeyRecord &record : records)
+    for (const kel::KeyRecord &record : records)
         words.insert(words.end(), {record.key, record.pressed ? 1 : 0, record.frame});
     QByteArray bytes(int(words.size() * sizeof(qint32)), Qt::Uninitialized);
     qToLittleEndian<qint32>(words.data(), qsizetype(words.size()), bytes.data());

@@ -7,9 +7,9 @@
 
 #include <vector>
 
-inline QString boxText(const KeyDisplayItem &item)
+inline QString boxText(const kel::KeyDisplayItem &item)
 {
-    if (item.type == KeyDisplayItem::NoType)
+    if (item.type == kel::KeyDisplayItem::NoType)
         return QString();
     return QString("%1:%2").arg(item.type).arg(item.text) + (item.count > 1 ? QString("*%1").arg(item.count) : "");
 }
@@ -17,14 +17,14 @@ inline QString boxText(const KeyDisplayItem &item)
 /// What is displayed at one frame, with its own copy of everything.
 struct NaiveKeyEntry {
     int frame = 0;
-    KeyDisplayItem current;
-    std::vector<KeyDisplayItem> history;
+    kel::KeyDisplayItem current;
+    std::vector<kel::KeyDisplayItem> history;
 
     bool hasContent() const { return current.type != 0 || !history.empty(); }
     QString boxes() const
     {
         QStringList all;
-        for (const KeyDisplayItem &item : history)
+        for (const kel::KeyDisplayItem &item : history)
             all += boxText(item);
         all += "| " + boxText(current);
         return all.join(' ').trimmed();
@@ -32,10 +32,10 @@ struct NaiveKeyEntry {
 };
 
 /// The display list made frame by frame, in the obvious way: what the builder's result is compared with.
-inline std::vector<NaiveKeyEntry> naiveKeyDisplay(const KeyRecording &recording, int totalFrames,
-                                                  const KeyDisplayListBuilder::Limits &limits)
+inline std::vector<NaiveKeyEntry> naiveKeyDisplay(const kel::KeyRecording &recording, int totalFrames,
+                                                  const kel::KeyDisplayListBuilder::Limits &limits)
 {
-    const std::vector<KeyRecord> &records = recording.records;
+    const std::vector<kel::KeyRecord> &records = recording.records;
     const qint64 keepMs = limits.keepTimeSeconds * 1000;
     std::vector<NaiveKeyEntry> entries;
     NaiveKeyEntry last;
@@ -44,7 +44,7 @@ inline std::vector<NaiveKeyEntry> naiveKeyDisplay(const KeyRecording &recording,
     bool captureOn = true;
     const auto setModifier = [&] {
         if (i < records.size()) {
-            const quint32 modifier = modifierOfKey(records[i].key);
+            const quint32 modifier = kel::modifierOfKey(records[i].key);
             modifiers = records[i].pressed ? modifiers | modifier : modifiers & ~modifier;
         }
     };
@@ -61,9 +61,9 @@ inline std::vector<NaiveKeyEntry> naiveKeyDisplay(const KeyRecording &recording,
         if (last.current.type == 0 || t <= keepMs + last.current.timeMs)
             entry = last;
         entry.frame = frame;
-        KeyDisplayItem &current = entry.current;
+        kel::KeyDisplayItem &current = entry.current;
         if (i < records.size() && records[i].frame == frame) {
-            const KeyRecord &record = records[i];
+            const kel::KeyRecord &record = records[i];
             if (record.key == 0 || !captureOn) {
                 if (record.key == 0)
                     captureOn = record.pressed;
@@ -71,31 +71,31 @@ inline std::vector<NaiveKeyEntry> naiveKeyDisplay(const KeyRecording &recording,
                 last = entry;
                 continue;
             }
-            const bool isModifier = modifierOfKey(record.key) != 0;
+            const bool isModifier = kel::modifierOfKey(record.key) != 0;
             if (!record.pressed) {
                 if (current.type != 0) {
                     current.timeMs = t;
                     if (isModifier && current.type == 4 && modifiers == 0)
                         current.type = 0;
                 }
-            } else if (isCharacterKey(record.key) && current.type == 1 && modifiers == 0) {
+            } else if (kel::isCharacterKey(record.key) && current.type == 1 && modifiers == 0) {
                 if (current.text.size() >= limits.maxContinueChar) {
                     entry.history.push_back(current);
                     current.text.clear();
                 }
-                current.text += keyText(record.key);
+                current.text += kel::keyText(record.key);
                 current.timeMs = t;
             } else if (isModifier) {
                 if (current.type != 0 && current.type != 4)
                     entry.history.push_back(current);
-                current = {modifierPrefix(modifiers).chopped(1), 4, t, 1};
+                current = {kel::modifierPrefix(modifiers).chopped(1), 4, t, 1};
             } else if (current.type == 4) {
-                current.text = modifierPrefix(modifiers) + keyText(record.key);
+                current.text = kel::modifierPrefix(modifiers) + kel::keyText(record.key);
                 current.type = 8;
                 current.timeMs = t;
             } else {
-                const int type = modifiers ? 8 : isCharacterKey(record.key) ? 1 : 2;
-                const KeyDisplayItem item{modifierPrefix(modifiers) + keyText(record.key), type, t, 1};
+                const int type = modifiers ? 8 : kel::isCharacterKey(record.key) ? 1 : 2;
+                const kel::KeyDisplayItem item{kel::modifierPrefix(modifiers) + kel::keyText(record.key), type, t, 1};
                 if (current.type == 0) {
                     current = item;
                 } else if (current.type != type || current.text != item.text) {

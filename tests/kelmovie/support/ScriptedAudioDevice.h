@@ -48,9 +48,9 @@ public:
     bool refusesInt16 = false;  ///< does not convert floats
     bool acceptsEvents = false; ///< and never sets the event
 
-    CaptureSeams seams()
+    kel::CaptureSeams seams()
     {
-        CaptureSeams seams;
+        kel::CaptureSeams seams;
         seams.createEnumerator = [this](IMMDeviceEnumerator **enumerator) {
             *enumerator = &m_enumerator;
             return answer(QStringLiteral("CoCreateInstance"));

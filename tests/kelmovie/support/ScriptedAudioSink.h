@@ -22,7 +22,7 @@ struct SoundScript {
     class ScriptedAudioSink *last = nullptr; ///< the sink that was created last
 };
 
-class ScriptedAudioSink : public AudioSink
+class ScriptedAudioSink : public kel::AudioSink
 {
 public:
     static constexpr int kBufferMs = 200;
@@ -95,7 +95,7 @@ private:
     qint64 m_startedMs = 0;
 };
 
-inline AudioSink::Factory scriptedSinks(const std::shared_ptr<SoundScript> &script)
+inline kel::AudioSink::Factory scriptedSinks(const std::shared_ptr<SoundScript> &script)
 {
     return [script](const QAudioFormat &format) { return std::make_unique<ScriptedAudioSink>(script, format); };
 }

@@ -22,7 +22,7 @@ QByteArray littleEndian(std::initializer_list<Number> numbers)
 
 inline QByteArray wav(quint32 rate, quint16 bits, const QByteArray &samples, quint16 channels = 1)
 {
-    WavHeader header = WavHeader::pcm(rate, channels, bits);
+    kel::WavHeader header = kel::WavHeader::pcm(rate, channels, bits);
     header.setDataSize(samples.size());
     return header.toBytes() + samples;
 }
@@ -42,18 +42,18 @@ inline qint32 numberAt(const QByteArray &samples, int offset)
 }
 
 /// The first channel of a file whose header describes it exactly, floats or 16-bit integers; empty for any other.
-inline QVector<float> exactSamples(const QString &path, WavHeader *header)
+inline QVector<float> exactSamples(const QString &path, kel::WavHeader *header)
 {
     const QByteArray bytes = readFile(path);
-    if (bytes.size() < WavHeader::Size || !WavHeader::isRiffWave(bytes.constData()))
+    if (bytes.size() < kel::WavHeader::Size || !kel::WavHeader::isRiffWave(bytes.constData()))
         return {};
-    *header = WavHeader::fromBytes(bytes.constData());
-    if (header->dataSize != quint32(bytes.size() - WavHeader::Size) || header->riffSize != header->dataSize + 36)
+    *header = kel::WavHeader::fromBytes(bytes.constData());
+    if (header->dataSize != quint32(bytes.size() - kel::WavHeader::Size) || header->riffSize != header->dataSize + 36)
         return {};
     QVector<float> samples;
-    for (const char *at = bytes.cbegin() + WavHeader::Size; at < bytes.cend(); at += header->blockAlign)
-        samples << (header->formatTag == WavHeader::IeeeFloat ? qFromLittleEndian<float>(at)
-                                                              : float(qFromLittleEndian<qint16>(at)) / 32768);
+    for (const char *at = bytes.cbegin() + kel::WavHeader::Size; at < bytes.cend(); at += header->blockAlign)
+        samples << (header->formatTag == kel::WavHeader::IeeeFloat ? qFromLittleEndian<float>(at)
+                                                                   : float(qFromLittleEndian<qint16>(at)) / 32768);
     return samples;
 }
 

@@ -5,6 +5,9 @@
 
 #include <QVBoxLayout>
 
+namespace kel
+{
+
 FloatPlanePlaySpeed::FloatPlanePlaySpeed(PlaySpeedLabel *label)
     : FloatPanel(label)
     , m_label(label)
@@ -30,3 +33,5 @@ void FloatPlanePlaySpeed::updateQSS()
     m_list->fit(scaleFactor());
     m_list->setCurrentValue(m_label->getSpeed());
 }
+
+} // namespace kel

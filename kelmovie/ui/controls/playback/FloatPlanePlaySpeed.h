@@ -2,8 +2,12 @@
 
 #include "widget/FloatPanel.h"
 
-class ChoiceList;
 class PlaySpeedLabel;
+
+namespace kel
+{
+
+class ChoiceList;
 
 /// The speeds that a label offers.
 class FloatPlanePlaySpeed : public FloatPanel
@@ -19,3 +23,5 @@ private:
     PlaySpeedLabel *const m_label;
     ChoiceList *const m_list;
 };
+
+} // namespace kel

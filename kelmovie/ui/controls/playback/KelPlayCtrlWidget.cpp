@@ -9,6 +9,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+using namespace kel;
+
 namespace
 {
 

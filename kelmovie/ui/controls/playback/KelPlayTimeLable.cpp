@@ -2,6 +2,8 @@
 
 #include "ui/controls/TimeText.h"
 
+using namespace kel;
+
 class KelPlayTimeLable::Private
 {
 public:

@@ -2,6 +2,8 @@
 
 #include "ui/controls/GlyphButton.h"
 
+using namespace kel;
+
 using KelDockIcon::Glyph;
 
 PlayPauseButton::PlayPauseButton(QWidget *parent)

@@ -2,6 +2,8 @@
 
 #include "ui/controls/playback/FloatPlanePlaySpeed.h"
 
+using namespace kel;
+
 class PlaySpeedLabel::Private
 {
 public:

@@ -5,6 +5,9 @@
 
 #include <QAccessibleWidget>
 
+namespace kel
+{
+
 namespace
 {
 
@@ -48,3 +51,5 @@ QAccessibleInterface *progressBarAccessible(const QString &className, QObject *o
         return nullptr;
     return new ProgressBarAccessible(static_cast<PlayProgressBar *>(object));
 }
+
+} // namespace kel

@@ -7,6 +7,9 @@
 
 #include <QVBoxLayout>
 
+namespace kel
+{
+
 FloatPlaneFps::FloatPlaneFps(KelRecordFpsLabel *label)
     : FloatPanel(label)
     , m_list(new ChoiceList(this))
@@ -31,3 +34,5 @@ void FloatPlaneFps::updateQSS()
     m_list->fit(scaleFactor());
     m_list->setCurrentValue(gKelMovieConfig.recordFps);
 }
+
+} // namespace kel

@@ -2,8 +2,12 @@
 
 #include "widget/FloatPanel.h"
 
-class ChoiceList;
 class KelRecordFpsLabel;
+
+namespace kel
+{
+
+class ChoiceList;
 
 /// The frame rates that a label offers.
 class FloatPlaneFps : public FloatPanel
@@ -18,3 +22,5 @@ public:
 private:
     ChoiceList *const m_list;
 };
+
+} // namespace kel

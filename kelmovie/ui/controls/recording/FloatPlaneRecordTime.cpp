@@ -11,6 +11,9 @@
 
 #include <algorithm>
 
+namespace kel
+{
+
 FloatPlaneRecordTime::FloatPlaneRecordTime(KelRecordTimeLable *label)
     : FloatPanel(label)
     , m_title(new QLabel(tr("Record delay"), this))
@@ -41,3 +44,5 @@ void FloatPlaneRecordTime::updateQSS()
     m_list->setFixedWidth(std::max(m_list->width(), m_title->sizeHint().width()));
     m_list->setCurrentValue(gKelMovieConfig.recordDelay);
 }
+
+} // namespace kel

@@ -2,9 +2,13 @@
 
 #include "widget/FloatPanel.h"
 
-class ChoiceList;
 class KelRecordTimeLable;
 class QLabel;
+
+namespace kel
+{
+
+class ChoiceList;
 
 /// The delays with which a recording may start.
 class FloatPlaneRecordTime : public FloatPanel
@@ -20,3 +24,5 @@ private:
     QLabel *const m_title;
     ChoiceList *const m_list;
 };
+
+} // namespace kel

@@ -2,6 +2,8 @@
 
 #include "ui/controls/GlyphButton.h"
 
+using namespace kel;
+
 using KelDockIcon::Glyph;
 
 KelRecordButton::KelRecordButton(QWidget *parent)

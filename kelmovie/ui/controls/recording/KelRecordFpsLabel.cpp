@@ -3,6 +3,8 @@
 #include "config/KelMovieConfig.h"
 #include "ui/controls/recording/FloatPlaneFps.h"
 
+using namespace kel;
+
 KelRecordFpsLabel::KelRecordFpsLabel(QWidget *parent)
     : LabelWidthFloatPanel(parent)
 {

@@ -4,6 +4,8 @@
 #include "ui/controls/TimeText.h"
 #include "ui/controls/recording/FloatPlaneRecordTime.h"
 
+using namespace kel;
+
 class KelRecordTimeLable::Private
 {
 public:

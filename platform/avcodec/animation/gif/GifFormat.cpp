@@ -6,6 +6,9 @@
 #include <limits>
 #include <utility>
 
+namespace av
+{
+
 namespace
 {
 
@@ -210,3 +213,5 @@ bool GifFormat::writeTrailer(OutputFile &file)
 {
     return file.write(QByteArrayLiteral("\x3b"));
 }
+
+} // namespace av

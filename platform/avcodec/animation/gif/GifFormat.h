@@ -4,6 +4,9 @@
 #include "avcodec/animation/ColourPalette.h"
 #include "avcodec/animation/gif/GifLzw.h"
 
+namespace av
+{
+
 /// GIF89a. The best colours of the first picture make the global palette; later frames bring a palette of their own
 /// where that one does not do.
 class GifFormat : public AnimationFormat
@@ -31,3 +34,5 @@ private:
     const double m_errorPerByte; // squared error that a byte is worth
     ColourPalette m_palette;
 };
+
+} // namespace av

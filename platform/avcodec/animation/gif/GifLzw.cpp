@@ -6,6 +6,9 @@
 #include <array>
 #include <limits>
 
+namespace av
+{
+
 namespace
 {
 
@@ -342,3 +345,5 @@ QByteArray gifImageData(const IndexedPicture &picture, const std::atomic<bool> &
 {
     return Compressor(picture, cancelled).run();
 }
+
+} // namespace av

@@ -6,6 +6,9 @@
 #include <atomic>
 #include <vector>
 
+namespace av
+{
+
 /// A picture as the palette shows it.
 struct IndexedPicture {
     std::vector<QRgb> pixels;    ///< what it should look like, see PictureDelta
@@ -22,3 +25,5 @@ struct IndexedPicture {
 /// every colour that is near enough will do. Several ways to go on are followed at once, and the one that the
 /// dictionary carries furthest is written. Ends early, with what nobody can use, once `cancelled` is set.
 QByteArray gifImageData(const IndexedPicture &picture, const std::atomic<bool> &cancelled);
+
+} // namespace av

@@ -11,7 +11,7 @@
 /// which a palette of their own would not pay.
 ///
 /// A frame lasts 2 hundredths of a second at least: above 50 frames a second some pictures are left out.
-class kelGifEncoder : public AnimationEncoder
+class kelGifEncoder : public av::AnimationEncoder
 {
 public:
     /// `extra`: "loop=N", see AnimationEncoder.

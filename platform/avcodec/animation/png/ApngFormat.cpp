@@ -13,6 +13,9 @@
 #include <memory>
 #include <new>
 
+namespace av
+{
+
 namespace
 {
 
@@ -209,3 +212,5 @@ bool ApngFormat::writeTrailer(OutputFile &file)
 {
     return file.write(png::chunk("IEND", {})) && file.overwrite(AnimationControlOffset, animationControl());
 }
+
+} // namespace av

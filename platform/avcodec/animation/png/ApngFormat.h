@@ -3,6 +3,9 @@
 #include "avcodec/animation/AnimationFormat.h"
 #include <optional>
 
+namespace av
+{
+
 /// Animated PNG: lossless, 8 bits a channel. What did not change between the changes of a frame is transparent where
 /// that is smaller. An alpha channel would take 8 to 20 % more wherever much changes, so one colour stands for
 /// transparency all over the file, from the first frame with gaps on: one that no picture up to there has. Should a
@@ -33,3 +36,5 @@ private:
     quint32 m_frames = 0;
     quint32 m_sequence = 0;
 };
+
+} // namespace av

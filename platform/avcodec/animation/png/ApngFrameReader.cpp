@@ -5,6 +5,9 @@
 #include <QPainter>
 #include <QtEndian>
 
+namespace av
+{
+
 namespace
 {
 
@@ -65,3 +68,5 @@ bool ApngFrameReader::show(const EncodedFrame &frame)
     QPainter(&m_picture).drawImage(frame.rect.topLeft(), image);
     return true;
 }
+
+} // namespace av

@@ -5,6 +5,9 @@
 #include <QFile>
 #include <QImage>
 
+namespace av
+{
+
 /// Reads back, one by one, the frames of a file that ApngFormat has written or is writing.
 class ApngFrameReader
 {
@@ -30,3 +33,5 @@ private:
     QByteArray m_transparency;
     QImage m_picture;
 };
+
+} // namespace av

@@ -4,6 +4,9 @@
 
 #include <libdeflate.h>
 
+namespace av
+{
+
 namespace
 {
 
@@ -49,3 +52,5 @@ QByteArray png::transparency(QRgb colour)
         channels += bigEndian(quint16(value));
     return chunk("tRNS", channels);
 }
+
+} // namespace av

@@ -5,7 +5,7 @@
 #include <QSize>
 
 /// The parts that PNG files are made of.
-namespace png
+namespace av::png
 {
 
 constexpr char Signature[] = "\x89PNG\r\n\x1a\n";
@@ -25,4 +25,4 @@ QByteArray header(QSize size);
 /// tRNS: the colour is transparent.
 QByteArray transparency(QRgb colour);
 
-} // namespace png
+} // namespace av::png

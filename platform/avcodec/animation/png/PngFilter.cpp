@@ -8,6 +8,9 @@
 #include <limits>
 #include <vector>
 
+namespace av
+{
+
 namespace
 {
 
@@ -112,3 +115,5 @@ QByteArray png::filteredRows(const QByteArray &pixels, int rowBytes, int pixelBy
     }
     return out;
 }
+
+} // namespace av

@@ -3,7 +3,7 @@
 #include <QByteArray>
 
 /// The rows of a PNG image before they are compressed, each with its filter byte in front.
-namespace png
+namespace av::png
 {
 
 enum class Filtering {
@@ -14,4 +14,4 @@ enum class Filtering {
 /// `rowBytes` of `pixels` make a row, `pixelBytes` a pixel.
 QByteArray filteredRows(const QByteArray &pixels, int rowBytes, int pixelBytes, Filtering filtering);
 
-} // namespace png
+} // namespace av::png

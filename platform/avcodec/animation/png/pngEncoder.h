@@ -9,7 +9,7 @@
 ///
 /// In rare cases the file is written anew half-way, under its name with ".opaque" behind, and takes the place of the
 /// first in one step: a file of gaps in which a picture comes to have the very colour that stands for them.
-class pngEncoder : public AnimationEncoder
+class pngEncoder : public av::AnimationEncoder
 {
 public:
     /// `extra`: "loop=N", see AnimationEncoder.

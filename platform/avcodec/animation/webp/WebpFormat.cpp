@@ -8,6 +8,9 @@
 
 #include <algorithm>
 
+namespace av
+{
+
 namespace
 {
 
@@ -225,3 +228,5 @@ bool WebpFormat::writeTrailer(OutputFile &file)
     return file.overwrite(SizeOffset, littleEndian(quint32(file.size() - 8), 4)) &&
            file.overwrite(FlagsOffset, QByteArray(1, flags));
 }
+
+} // namespace av

@@ -5,6 +5,9 @@
 #include <optional>
 #include <vector>
 
+namespace av
+{
+
 /// Animated WebP, written chunk by chunk as frames come.
 class WebpFormat : public AnimationFormat
 {
@@ -32,3 +35,5 @@ private:
     const qint64 m_largestFile;
     bool m_hasAlpha = false;
 };
+
+} // namespace av

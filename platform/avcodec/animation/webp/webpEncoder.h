@@ -12,7 +12,7 @@
 ///
 /// Pictures have up to 16383 pixels in each direction. A file cannot grow beyond 4 GiB: it is completed before, and
 /// the encoder fails.
-class webpEncoder : public AnimationEncoder
+class webpEncoder : public av::AnimationEncoder
 {
 public:
     /// `extra`: "loop=N", see AnimationEncoder.

@@ -1,10 +1,14 @@
 #include "playback/tracks/KelPlaybackCountdownTrack.h"
 
+#include "text/ClockText.h"
+
 #include <QFont>
 #include <QFontMetrics>
 #include <QPainter>
 
 #include <algorithm>
+
+using namespace kel;
 
 namespace
 {
@@ -12,14 +16,6 @@ namespace
 constexpr double kPixelsPerFontUnit = 1.33;
 constexpr int kBoxPaddingX = 8;
 constexpr int kBoxPaddingY = 4;
-
-QString clockText(qint64 seconds)
-{
-    const auto padded = [](qint64 number) { return QString("%1").arg(number, 2, 10, QLatin1Char('0')); };
-    const qint64 hours = seconds / 3600;
-    const QString minutesAndSeconds = padded(seconds / 60 % 60) + ':' + padded(seconds % 60);
-    return hours > 0 ? padded(hours) + ':' + minutesAndSeconds : minutesAndSeconds;
-}
 
 } // namespace
 
@@ -123,7 +119,10 @@ QString KelPlaybackCountdownTrack::timeText() const
         total = m_rangeEnd - m_rangeStart;
     }
     const double rate = m_fps * m_speed;
-    return clockText(qint64(double(elapsed) / rate)) + '/' + clockText(qint64(double(total) / rate));
+    const qint64 elapsedSeconds = qint64(double(elapsed) / rate);
+    const qint64 totalSeconds = qint64(double(total) / rate);
+    return ClockText::hoursMinutesSeconds(elapsedSeconds) + QLatin1Char('/') +
+           ClockText::hoursMinutesSeconds(totalSeconds);
 }
 
 void KelPlaybackCountdownTrack::paintTimeBox(QPainter &painter) const

@@ -3,7 +3,7 @@
 #include "export/KelExportSeams.h"
 #include "notification/KelMsgBox.h"
 #include "notification/KelToastsMessage.h"
-#include "ui/controls/TimeText.h"
+#include "text/ClockText.h"
 #include "ui_KelPlaybackExportDialog.h"
 
 #include <QApplication>
@@ -92,7 +92,7 @@ void KelPlaybackExportDialog::exportStatus(const Status &status)
 QString KelPlaybackExportDialog::statusText(const Status &status)
 {
     const bool isKnown = status.leftMs >= 0;
-    const QString time = TimeText::minutesSeconds(isKnown ? (status.leftMs + 999) / 1000 : status.elapsedMs / 1000, 1);
+    const QString time = ClockText::minutesSeconds(isKnown ? (status.leftMs + 999) / 1000 : status.elapsedMs / 1000, 1);
     switch (status.stage) {
     case Status::Stage::Frames: {
         const QLocale locale;

@@ -1,7 +1,7 @@
 #include "ui/controls/playback/KelPlayCtrlWidget.h"
 
 #include "style/KelStyleTheme.h"
-#include "ui/controls/TimeText.h"
+#include "text/ClockText.h"
 #include "ui/controls/playback/PlayPauseButton.h"
 #include "ui/controls/playback/PlayProgressBar.h"
 
@@ -17,7 +17,7 @@ namespace
 // Rounded, where KelPlayTimeLable cuts: the end of a recording shall be reached.
 QString roundedTime(int ms)
 {
-    return TimeText::minutesSeconds((ms + 500) / 1000);
+    return ClockText::minutesSeconds((ms + 500) / 1000);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "ui/controls/playback/KelPlayTimeLable.h"
 
-#include "ui/controls/TimeText.h"
+#include "text/ClockText.h"
 
 using namespace kel;
 
@@ -35,6 +35,6 @@ void KelPlayTimeLable::setPlayTime(qint64 ms)
 
 void KelPlayTimeLable::updateText()
 {
-    const QString played = TimeText::minutesSeconds(d->playTimeMs / 1000);
-    setText(d->durationMs < 1 ? played : played + QLatin1Char('/') + TimeText::minutesSeconds(d->durationMs / 1000));
+    const QString played = ClockText::minutesSeconds(d->playTimeMs / 1000);
+    setText(d->durationMs < 1 ? played : played + QLatin1Char('/') + ClockText::minutesSeconds(d->durationMs / 1000));
 }

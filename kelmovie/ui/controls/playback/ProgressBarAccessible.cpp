@@ -1,6 +1,6 @@
 #include "ui/controls/playback/ProgressBarAccessible.h"
 
-#include "ui/controls/TimeText.h"
+#include "text/ClockText.h"
 #include "ui/controls/playback/PlayProgressBar.h"
 
 #include <QAccessibleWidget>
@@ -29,7 +29,7 @@ public:
 
     QString text(QAccessible::Text kind) const override
     {
-        return kind == QAccessible::Value ? TimeText::minutesSeconds(m_bar->playTimeMs() / 1000)
+        return kind == QAccessible::Value ? ClockText::minutesSeconds(m_bar->playTimeMs() / 1000)
                                           : QAccessibleWidget::text(kind);
     }
 

@@ -1,7 +1,7 @@
 #include "ui/controls/recording/KelRecordTimeLable.h"
 
 #include "config/KelMovieConfig.h"
-#include "ui/controls/TimeText.h"
+#include "text/ClockText.h"
 #include "ui/controls/recording/FloatPlaneRecordTime.h"
 
 using namespace kel;
@@ -45,5 +45,6 @@ void KelRecordTimeLable::setRecordTime(qint64 ms)
 void KelRecordTimeLable::updateText()
 {
     const qint64 ms = d->isRecording ? d->recordTimeMs : -gKelMovieConfig.recordDelay * qint64(1000);
-    setText(ms < 0 ? QLatin1Char('-') + TimeText::minutesSeconds(-ms / 1000, 1) : TimeText::minutesSeconds(ms / 1000));
+    setText(ms < 0 ? QLatin1Char('-') + ClockText::minutesSeconds(-ms / 1000, 1)
+                   : ClockText::minutesSeconds(ms / 1000));
 }

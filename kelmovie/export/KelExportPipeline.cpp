@@ -10,6 +10,7 @@
 #include "export/ExportWatch.h"
 #include "export/KelExportSeams.h"
 #include "export/KelExportSound.h"
+#include "logging/Log.h"
 #include "playback/KelPlaybackTrackManager.h"
 
 #include <QDebug>
@@ -57,7 +58,7 @@ QString loopsText(int loops)
 
 KelExportMonitor::~KelExportMonitor() = default;
 
-class KelExportPipeline::Private
+class Q_DECL_HIDDEN KelExportPipeline::Private
 {
 public:
     Private(const KelExportRequest &wanted, KelExportMonitor *monitor, const KelExportSeams &outside)
@@ -101,10 +102,10 @@ bool KelExportPipeline::Private::fail(const QString &text, const QString &detail
 {
     if (watch.wasCancelled())
         return false;
-    qWarning().noquote() << text;
+    qCWarning(logExport).noquote() << text;
     errorString = text;
     if (!detail.isEmpty()) {
-        qWarning().noquote() << "[KelExportPipeline]" << detail;
+        qCWarning(logExport).noquote() << "[KelExportPipeline]" << detail;
         errorString += ": " + detail;
     }
     return false;
@@ -112,7 +113,7 @@ bool KelExportPipeline::Private::fail(const QString &text, const QString &detail
 
 void KelExportPipeline::Private::warn(const QString &text)
 {
-    qWarning().noquote() << "[KelExportPipeline]" << text;
+    qCWarning(logExport).noquote() << "[KelExportPipeline]" << text;
     warnings.append(text);
 }
 
@@ -281,12 +282,12 @@ bool KelExportPipeline::Private::checkWritten(const QString &path)
 {
     const QFileInfo file(path);
     if (!file.exists()) {
-        qWarning() << "Output file does not exist:" << path;
+        qCWarning(logExport) << "Output file does not exist:" << path;
         errorString = "Output file does not exist: " + path;
         return false;
     }
     if (file.size() == 0) {
-        qWarning() << "Output file is empty:" << path;
+        qCWarning(logExport) << "Output file is empty:" << path;
         errorString = "Output file is empty: " + path;
         return false;
     }

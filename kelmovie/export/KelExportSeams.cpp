@@ -4,6 +4,7 @@
 #include "avcodec/animation/png/pngEncoder.h"
 #include "avcodec/animation/webp/webpEncoder.h"
 #include "avcodec/mp4/h264Encoder.h"
+#include "logging/Log.h"
 
 #include <QDebug>
 #include <QImage>
@@ -25,7 +26,7 @@ std::unique_ptr<KelAVCodecEncoder> createEncoder(int format, const QSize &size, 
     case 3:
         return std::make_unique<webpEncoder>(size, path, fps, quality, extra);
     default:
-        qWarning() << "Unsupported export format" << format;
+        qCWarning(kel::logExport) << "Unsupported export format" << format;
         return nullptr;
     }
 }

@@ -2,6 +2,7 @@
 
 #include "audio/output/AudioGain.h"
 #include "avcodec/sound/MixAudioVideoTracks.h"
+#include "logging/Log.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 
 #include <QDebug>
@@ -82,6 +83,7 @@ QString KelExportSound::speedAdjustedAudio(const QString &path, double speed)
     if (isAdjusted)
         return adjusted;
     if (!m_isCancelled)
-        qWarning().noquote() << "[KelExportSound] Sound stays at its own speed:" << m_processor.errorMessage();
+        qCWarning(logExport).noquote() << "[KelExportSound] Sound stays at its own speed:"
+                                       << m_processor.errorMessage();
     return path;
 }

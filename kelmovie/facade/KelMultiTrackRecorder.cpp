@@ -3,6 +3,7 @@
 #include "config/KelConfigIO.h"
 #include "config/KelMovieConfig.h"
 #include "export/KelExportPipeline.h"
+#include "logging/Log.h"
 #include "playback/KelPlaybackTrackManager.h"
 #include "record/KelRecordKeyboardTrack.h"
 #include "record/KelRecordMouseTrack.h"
@@ -42,13 +43,13 @@ ExportResult exportAsRequested(const KelExportRequest &request)
     KelExportPipeline pipeline(request);
     if (pipeline.run())
         return ExportResult::Complete;
-    qWarning().noquote() << "[KelMultiTrackRecorder] Export failed:" << pipeline.errorString();
+    qCWarning(kel::logRecord).noquote() << "[KelMultiTrackRecorder] Export failed:" << pipeline.errorString();
     return ExportResult::Failed;
 }
 
 } // namespace
 
-class KelMultiTrackRecorder::Private
+class Q_DECL_HIDDEN KelMultiTrackRecorder::Private
 {
 public:
     QString createManager(KelMultiTrackRecorder *recorder);
@@ -193,47 +194,48 @@ void KelMultiTrackRecorder::pauseRecording()
 
 void KelMultiTrackRecorder::stopRecording()
 {
-    qInfo() << "[KelMultiTrackRecorder::stopRecording] Starting to stop recording";
-    qInfo() << "[KelMultiTrackRecorder] this pointer:" << static_cast<void *>(this);
-    qInfo() << "[KelMultiTrackRecorder] d->isRecording:" << d->isRecording;
-    qInfo() << "[KelMultiTrackRecorder] d->recordManager pointer:" << static_cast<void *>(d->recordManager.get());
+    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder::stopRecording] Starting to stop recording";
+    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder] this pointer:" << static_cast<void *>(this);
+    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder] d->isRecording:" << d->isRecording;
+    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder] d->recordManager pointer:"
+                           << static_cast<void *>(d->recordManager.get());
     if (!d->isRecording || !d->recordManager) {
-        qWarning() << "[KelMultiTrackRecorder] 跳过停止录制 (未在录制或 recordManager 为空)";
+        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] 跳过停止录制 (未在录制或 recordManager 为空)";
     } else {
-        qWarning() << "[KelMultiTrackRecorder] 调用 recordManager->stopRecording()";
+        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] 调用 recordManager->stopRecording()";
         d->recordManager->stopRecording();
-        qWarning() << "[KelMultiTrackRecorder] recordManager->stopRecording() 返回";
-        qWarning() << "[KelMultiTrackRecorder] 调用 recordManager->releaseResources()";
+        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] recordManager->stopRecording() 返回";
+        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] 调用 recordManager->releaseResources()";
         d->recordManager->releaseResources();
-        qWarning() << "[KelMultiTrackRecorder] recordManager->releaseResources() 返回";
+        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] recordManager->releaseResources() 返回";
         d->isRecording = false;
         d->isPaused = false;
         reportTrackFailures(); // a host may quit when it hears that the recording has stopped
-        qWarning() << "[KelMultiTrackRecorder] 发送 recordingStopped 信号";
+        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] 发送 recordingStopped 信号";
         emit recordingStopped();
-        qWarning() << "[KelMultiTrackRecorder] recordingStopped 信号已发送";
+        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] recordingStopped 信号已发送";
     }
-    qInfo() << "[KelMultiTrackRecorder::stopRecording] Completed";
+    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder::stopRecording] Completed";
 }
 
 void KelMultiTrackRecorder::setMouseRecordingEnabled(bool enabled)
 {
     if (!d->isRecording)
-        qWarning() << "KelMultiTrackRecorder: Cannot control mouse recording - not recording";
+        qCWarning(kel::logRecord) << "KelMultiTrackRecorder: Cannot control mouse recording - not recording";
     else if (KelRecordMouseTrack *track = d->recordManager->mouseTrack())
         track->setCaptureEnabled(enabled);
     else
-        qWarning() << "KelMultiTrackRecorder: Mouse track not found";
+        qCWarning(kel::logRecord) << "KelMultiTrackRecorder: Mouse track not found";
 }
 
 void KelMultiTrackRecorder::setKeyboardRecordingEnabled(bool enabled)
 {
     if (!d->isRecording)
-        qWarning() << "KelMultiTrackRecorder: Cannot control keyboard recording - not recording";
+        qCWarning(kel::logRecord) << "KelMultiTrackRecorder: Cannot control keyboard recording - not recording";
     else if (KelRecordKeyboardTrack *track = d->recordManager->keyboardTrack())
         enabled ? track->enableCapture() : track->disableCapture();
     else
-        qWarning() << "KelMultiTrackRecorder: Keyboard track not found";
+        qCWarning(kel::logRecord) << "KelMultiTrackRecorder: Keyboard track not found";
 }
 
 bool KelMultiTrackRecorder::loadRecording(const QString &dir)

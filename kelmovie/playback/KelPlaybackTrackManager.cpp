@@ -41,7 +41,7 @@ KelRecordingMetadata loadMetadata(const QString &dir)
 
 } // namespace
 
-class KelPlaybackTrackManager::Private
+class Q_DECL_HIDDEN KelPlaybackTrackManager::Private
 {
 public:
     Private(KelPlaybackTrackManager *manager, const QString &dir, bool preferHardwareDecode,

@@ -1,5 +1,6 @@
 #include "playback/PlaybackTracks.h"
 
+#include "logging/Log.h"
 #include "playback/PlaybackSettings.h"
 #include "playback/keys/KelPlaybackKeyboardTrack.h"
 #include "playback/mouse/KelPlaybackMouseTrack.h"
@@ -61,14 +62,14 @@ void PlaybackTracks::createScreen(const KelRecordingMetadata &metadata, bool pre
     const QString dir = m_recordDir + "/Screen";
     if (!QFileInfo(dir).isDir()) {
         m_errorString = "Screen directory not found: " + dir;
-        qWarning() << "Screen track enabled but directory not found:" << dir;
+        qCWarning(logPlayback) << "Screen track enabled but directory not found:" << dir;
         return;
     }
     auto track = std::make_unique<KelPlaybackScreenTrack>(metadata.devicePixelRatio, dir, preferHardwareDecode,
                                                           seams.decoders, m_manager);
     if (!track->errorString().isEmpty()) {
         m_errorString = track->errorString();
-        qCritical() << "Screen track creation failed:" << m_errorString;
+        qCCritical(logPlayback) << "Screen track creation failed:" << m_errorString;
         return;
     }
     m_screen = add(std::move(track));
@@ -78,7 +79,7 @@ void PlaybackTracks::createMouse()
 {
     const QString dir = m_recordDir + "/Mouse";
     if (!QFileInfo(dir).isDir()) {
-        qWarning() << "Mouse track enabled but directory not found:" << dir;
+        qCWarning(logPlayback) << "Mouse track enabled but directory not found:" << dir;
         return;
     }
     m_mouse = add(std::make_unique<KelPlaybackMouseTrack>(dir, m_manager));
@@ -88,7 +89,7 @@ void PlaybackTracks::createVoice(const KelRecordingMetadata &metadata, const Kel
 {
     const QString dir = m_recordDir + "/Voice";
     if (!QFileInfo(dir).isDir()) {
-        qWarning() << "Voice track enabled but directory not found:" << dir;
+        qCWarning(logPlayback) << "Voice track enabled but directory not found:" << dir;
         return;
     }
     m_voice = add(
@@ -108,7 +109,7 @@ void PlaybackTracks::createKeyboard()
     auto track = std::make_unique<KelPlaybackKeyboardTrack>(m_recordDir + "/Keyboard", m_totalFrames, m_pixelRatio,
                                                             m_pictureSize, m_manager);
     if (!track->errorString().isEmpty()) {
-        qCritical() << "Keyboard track creation failed:" << track->errorString();
+        qCCritical(logPlayback) << "Keyboard track creation failed:" << track->errorString();
         return;
     }
     m_keyboard = add(std::move(track));
@@ -118,11 +119,11 @@ void PlaybackTracks::decideFrameCount(bool isScreenRecorded)
 {
     if (!isScreenRecorded) {
         m_errorString = "The recording has no screen track";
-        qWarning() << "Screen track disabled, cannot determine frame count";
+        qCWarning(logPlayback) << "Screen track disabled, cannot determine frame count";
     } else if (!m_screen) {
-        qCritical() << "No screen track found in tracks list";
+        qCCritical(logPlayback) << "No screen track found in tracks list";
     } else if (m_screen->logicFrameCount() <= 0) {
-        qWarning() << "Screen track has no logic frames, using fallback";
+        qCWarning(logPlayback) << "Screen track has no logic frames, using fallback";
     } else {
         m_totalFrames = m_screen->logicFrameCount();
     }

@@ -1,6 +1,7 @@
 #include "record/KelRecordKeyboardTrack.h"
 
 #include "keymouse/KelKeyMouseHook.h"
+#include "logging/Log.h"
 #include "recording/input/KeyLogFile.h"
 
 #include <QDebug>
@@ -85,7 +86,7 @@ void KelRecordKeyboardTrackPrivate::switchOn()
     std::lock_guard switches(m_switchMutex);
     m_isSwitchedOff = false;
     if (!m_isRecording) {
-        qWarning() << "KelRecordKeyboardTrack: 无法启用钩子 - 未在录制状态";
+        qCWarning(logRecord) << "KelRecordKeyboardTrack: 无法启用钩子 - 未在录制状态";
         return;
     }
     if (m_isHookInstalled)
@@ -170,7 +171,7 @@ void KelRecordKeyboardTrack::stopRecording(qint64, qint64)
     d->end();
     if (d->file.finish(d->takeRecords()))
         return;
-    qWarning() << "KelRecordKeyboardTrack: 无法写入文件:" << d->file.path();
+    qCWarning(logRecord) << "KelRecordKeyboardTrack: 无法写入文件:" << d->file.path();
     fail();
 }
 

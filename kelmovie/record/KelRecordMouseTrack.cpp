@@ -1,6 +1,7 @@
 #include "record/KelRecordMouseTrack.h"
 
 #include "keymouse/KelKeyMouseHook.h"
+#include "logging/Log.h"
 #include "recording/FileWriting.h"
 #include "recording/input/JsonArrayFile.h"
 #include "recording/input/MouseTrackEvent.h"
@@ -344,6 +345,6 @@ void KelRecordMouseTrack::fail(const QString &path, const QString &error)
 {
     if (std::exchange(d->hasFailed, true))
         return;
-    qWarning() << "[KelRecordMouseTrack] cannot write" << path << error;
+    qCWarning(logRecord) << "[KelRecordMouseTrack] cannot write" << path << error;
     reportFailure(objectName(), QStringLiteral("cannot write %1: %2").arg(path, error));
 }

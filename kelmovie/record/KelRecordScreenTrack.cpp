@@ -1,6 +1,7 @@
 #include "record/KelRecordScreenTrack.h"
 
 #include "avcodec/mp4/KelAsyncEncoder.h"
+#include "logging/Log.h"
 #include "screen/KelScreenManager.h"
 #include "style/PixelRatio.h"
 
@@ -95,15 +96,15 @@ void KelRecordScreenTrack::recordFrame(int frameIndex)
         return;
 
     if (m_frame.size() != m_frameSize) {
-        qWarning() << "[Performance Warning] Unexpected frame size mismatch:" << m_frame.size()
-                   << "expected:" << m_frameSize;
+        qCWarning(kel::logRecord) << "[Performance Warning] Unexpected frame size mismatch:" << m_frame.size()
+                                  << "expected:" << m_frameSize;
         m_frame = m_frame.scaled(m_frameSize, Qt::IgnoreAspectRatio, Qt::FastTransformation);
     }
     padTo(frameIndex);
     const int expected = m_encodedCount;
     const int actual = m_encoder->addFrame(expected, m_frame);
     if (actual != expected)
-        qWarning() << "Encoder returned unexpected frame index:" << actual << "Expected:" << expected;
+        qCWarning(kel::logRecord) << "Encoder returned unexpected frame index:" << actual << "Expected:" << expected;
     m_frameIndexes.push_back(expected);
     ++m_encodedCount;
 }
@@ -122,10 +123,10 @@ void KelRecordScreenTrack::finishFiles(qint64 frameCount)
 {
     padTo(frameCount);
     if (!m_indexFile.open()) {
-        qCritical() << "Failed to open frame index file for writing:" << m_indexFile.path();
+        qCCritical(kel::logRecord) << "Failed to open frame index file for writing:" << m_indexFile.path();
         reportIndexFailure();
     } else if (!m_indexFile.update(m_frameIndexes)) {
-        qCritical() << "Failed to write frame index file:" << m_indexFile.path();
+        qCCritical(kel::logRecord) << "Failed to write frame index file:" << m_indexFile.path();
         reportIndexFailure();
     }
     m_indexFile.close();
@@ -136,7 +137,7 @@ void KelRecordScreenTrack::finishFiles(qint64 frameCount)
     m_encoder.reset();
     const QFileInfo video(m_videoPath);
     if (!video.exists() || video.size() == 0) {
-        qCritical() << "Failed to generate video file:" << m_videoPath;
+        qCCritical(kel::logRecord) << "Failed to generate video file:" << m_videoPath;
         reportFailure(objectName(), QStringLiteral("no video was recorded in %1").arg(m_videoPath));
     }
 }

@@ -1,5 +1,6 @@
 #include "record/KelRecordTrackManager.h"
 
+#include "logging/Log.h"
 #include "record/KelRecordKeyboardTrack.h"
 #include "record/KelRecordMouseTrack.h"
 #include "record/KelRecordScreenTrack.h"
@@ -158,8 +159,8 @@ void KelRecordTrackManager::pauseRecording()
 
 void KelRecordTrackManager::stopRecording()
 {
-    qWarning() << "[KelRecordTrackManager::stopRecording]";
-    qWarning() << "[KelRecordTrackManager]";
+    qCWarning(kel::logRecord) << "[KelRecordTrackManager::stopRecording]";
+    qCWarning(kel::logRecord) << "[KelRecordTrackManager]";
     if (!m_isRecording)
         return;
     m_frameTimer.stop();
@@ -167,21 +168,22 @@ void KelRecordTrackManager::stopRecording()
     if (m_voiceTrack)
         m_voiceTrack->noteClockChange();
     if (m_isPaused)
-        qWarning() << "[KelRecordTrackManager]";
+        qCWarning(kel::logRecord) << "[KelRecordTrackManager]";
 
-    qWarning() << "[KelRecordTrackManager] 开始停止所有轨道 (共" << m_threads.size() << "个)";
+    qCWarning(kel::logRecord) << "[KelRecordTrackManager] 开始停止所有轨道 (共" << m_threads.size() << "个)";
     for (int i = 0; i < m_threads.size(); ++i) {
-        qWarning() << "[KelRecordTrackManager] 停止轨道" << i << "，指针:" << static_cast<void *>(m_threads[i]);
+        qCWarning(kel::logRecord) << "[KelRecordTrackManager] 停止轨道" << i
+                                  << "，指针:" << static_cast<void *>(m_threads[i]);
         m_threads[i]->stopRecording(m_frameIndex, durationMs);
-        qWarning() << "[KelRecordTrackManager] 轨道" << i << "停止完成";
+        qCWarning(kel::logRecord) << "[KelRecordTrackManager] 轨道" << i << "停止完成";
     }
-    qWarning() << "[KelRecordTrackManager] 所有轨道停止完成";
+    qCWarning(kel::logRecord) << "[KelRecordTrackManager] 所有轨道停止完成";
     if (m_voiceTrack) {
-        qWarning() << "[KelRecordTrackManager] 停止音频轨道，指针:" << static_cast<void *>(m_voiceTrack);
+        qCWarning(kel::logRecord) << "[KelRecordTrackManager] 停止音频轨道，指针:" << static_cast<void *>(m_voiceTrack);
         m_voiceTrack->stopRecording(m_frameIndex, durationMs);
-        qWarning() << "[KelRecordTrackManager] 音频轨道停止完成";
+        qCWarning(kel::logRecord) << "[KelRecordTrackManager] 音频轨道停止完成";
     } else {
-        qWarning() << "[KelRecordTrackManager] 没有音频轨道";
+        qCWarning(kel::logRecord) << "[KelRecordTrackManager] 没有音频轨道";
     }
 
     logStatistics(durationMs);
@@ -266,7 +268,7 @@ void KelRecordTrackManager::saveMetadata(qint64 durationMs)
 {
     QString error;
     if (!metadata(durationMs).save(m_config.directory, &error)) {
-        qCritical() << "Failed to save manager metadata:" << error;
+        qCCritical(kel::logRecord) << "Failed to save manager metadata:" << error;
         addFailure({}, QStringLiteral("Metadata: cannot write %1: %2")
                            .arg(KelRecordingMetadata::filePath(m_config.directory), error));
     }
@@ -283,24 +285,25 @@ void KelRecordTrackManager::saveCheckpoint()
     soFar.complete = false;
     QString error;
     if (!soFar.save(m_config.directory, &error))
-        qDebug() << "[KelRecordTrackManager] No provisional metadata:" << error;
+        qCDebug(kel::logRecord) << "[KelRecordTrackManager] No provisional metadata:" << error;
 }
 
 void KelRecordTrackManager::logStatistics(qint64 durationMs) const
 {
-    qWarning().noquote() << "[KelRecordTrackManager] ========== 录制完成统计 ==========";
-    qWarning().noquote() << QStringLiteral("[KelRecordTrackManager] 逻辑帧数: %1 帧").arg(m_frameIndex);
-    qWarning().noquote() << QStringLiteral("[KelRecordTrackManager] 设定FPS: %1").arg(m_config.fps);
-    qWarning().noquote() << QStringLiteral("[KelRecordTrackManager] 实际录制时长: %1 ms (%2 秒)")
-                                .arg(durationMs)
-                                .arg(durationMs / 1000.0, 0, 'f', 2);
+    qCWarning(kel::logRecord).noquote() << "[KelRecordTrackManager] ========== 录制完成统计 ==========";
+    qCWarning(kel::logRecord).noquote() << QStringLiteral("[KelRecordTrackManager] 逻辑帧数: %1 帧").arg(m_frameIndex);
+    qCWarning(kel::logRecord).noquote() << QStringLiteral("[KelRecordTrackManager] 设定FPS: %1").arg(m_config.fps);
+    qCWarning(kel::logRecord).noquote() << QStringLiteral("[KelRecordTrackManager] 实际录制时长: %1 ms (%2 秒)")
+                                               .arg(durationMs)
+                                               .arg(durationMs / 1000.0, 0, 'f', 2);
     for (const KelRecordTrackThreadWrap *thread : m_threads) {
         const int frames = thread->trackFrameCount();
         if (frames > 0) {
             const double fps = durationMs > 0 ? frames * 1000.0 / durationMs : 0.0;
-            qWarning().noquote() << QStringLiteral("[KelRecordTrackManager] 轨道实际帧数: %1 帧, 实际FPS: %2")
-                                        .arg(frames)
-                                        .arg(fps, 0, 'f', 2);
+            qCWarning(kel::logRecord).noquote()
+                << QStringLiteral("[KelRecordTrackManager] 轨道实际帧数: %1 帧, 实际FPS: %2")
+                       .arg(frames)
+                       .arg(fps, 0, 'f', 2);
         }
     }
 }

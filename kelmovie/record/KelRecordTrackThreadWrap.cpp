@@ -1,5 +1,6 @@
 #include "record/KelRecordTrackThreadWrap.h"
 
+#include "logging/Log.h"
 #include "record/KelRecordScreenTrack.h"
 #include "record/KelRecordTrackWorker.h"
 
@@ -56,11 +57,11 @@ KelRecordTrackThreadWrap::~KelRecordTrackThreadWrap()
     {
         std::unique_lock lock(m_mutex);
         if (!waitForIdle(lock, DestructorWait))
-            qWarning() << "[Thread Warning] KelRecordTrackThreadWrap destructor timeout, forcing quit";
+            qCWarning(kel::logRecord) << "[Thread Warning] KelRecordTrackThreadWrap destructor timeout, forcing quit";
     }
     quit(); // behind what is queued: a stop still completes
     if (!wait(DestructorWait.count())) {
-        qWarning() << "KelRecordTrackThreadWrap thread did not quit gracefully, terminating";
+        qCWarning(kel::logRecord) << "KelRecordTrackThreadWrap thread did not quit gracefully, terminating";
         terminate();
         wait();
     }
@@ -83,7 +84,7 @@ void KelRecordTrackThreadWrap::startRecording()
 {
     std::unique_lock lock(m_mutex);
     if (!waitForIdle(lock, StartWait))
-        qWarning() << "[Thread Warning] KelRecordTrackThreadWrap::startRecording timeout, forcing start";
+        qCWarning(kel::logRecord) << "[Thread Warning] KelRecordTrackThreadWrap::startRecording timeout, forcing start";
     m_busy = true;
     ++m_posted;
     emit doStartRecording();
@@ -93,7 +94,7 @@ void KelRecordTrackThreadWrap::pauseRecording()
 {
     std::unique_lock lock(m_mutex);
     if (!waitForIdle(lock, PauseWait))
-        qWarning() << "[Thread Warning] KelRecordTrackThreadWrap::pauseRecording timeout, forcing pause";
+        qCWarning(kel::logRecord) << "[Thread Warning] KelRecordTrackThreadWrap::pauseRecording timeout, forcing pause";
     m_busy = true;
     ++m_posted;
     emit doPauseRecording();
@@ -101,21 +102,21 @@ void KelRecordTrackThreadWrap::pauseRecording()
 
 void KelRecordTrackThreadWrap::stopRecording(qint64 frameCount, qint64 duration)
 {
-    qWarning() << "[KelRecordTrackThreadWrap::stopRecording] ========== 开始 ==========";
+    qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap::stopRecording] ========== 开始 ==========";
     std::unique_lock lock(m_mutex);
-    qWarning() << "[KelRecordTrackThreadWrap] 等待线程空闲 (超时" << StopWait.count() << "ms)";
+    qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap] 等待线程空闲 (超时" << StopWait.count() << "ms)";
     while (!isIdle()) {
         if (!waitForProgress(lock, StopWait)) {
-            qWarning() << "[KelRecordTrackThreadWrap] 等待超时，强制停止";
+            qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap] 等待超时，强制停止";
             break;
         }
-        qWarning() << "[KelRecordTrackThreadWrap] 线程已空闲";
+        qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap] 线程已空闲";
     }
     m_busy = true;
     ++m_posted;
-    qWarning() << "[KelRecordTrackThreadWrap] 发送 doStopRecording 信号";
+    qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap] 发送 doStopRecording 信号";
     emit doStopRecording(frameCount, duration);
-    qWarning() << "[KelRecordTrackThreadWrap::stopRecording] ========== 完成 (异步) ==========";
+    qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap::stopRecording] ========== 完成 (异步) ==========";
 }
 
 void KelRecordTrackThreadWrap::checkpoint(qint64 frameCount)

@@ -2,6 +2,7 @@
 
 #include "audio/capture/KelSystemAudioRecord.h"
 #include "audio/capture/MicrophoneBackend.h"
+#include "logging/Log.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -155,8 +156,8 @@ void KelRecordVoiceTrack::resumeRecording(qint64 atMs)
     if (m_systemAudioEnabled && m_systemAudio) {
         m_systemAudio->resume(atMs);
     } else {
-        qWarning() << "[VoiceTrack] Cannot resume system audio - enabled:" << m_systemAudioEnabled
-                   << "recorder:" << (m_systemAudio != nullptr);
+        qCWarning(logRecord) << "[VoiceTrack] Cannot resume system audio - enabled:" << m_systemAudioEnabled
+                             << "recorder:" << (m_systemAudio != nullptr);
     }
     if (m_microphone && isBusy(*m_microphone)) {
         // It has not heard yet that its last file is complete, and would take the news for the end of the next one.
@@ -180,7 +181,7 @@ void KelRecordVoiceTrack::startMicrophone(qint64 atMs, const char *exceptionText
         m_microphone->record();
         m_currentMicrophonePart = path;
     } catch (const std::exception &exception) {
-        qCritical() << exceptionText;
+        qCCritical(logRecord) << exceptionText;
         m_microphoneEnabled = false;
         reportFailure(QStringLiteral("Microphone track"), QString::fromLocal8Bit(exception.what()));
     }
@@ -201,29 +202,29 @@ void KelRecordVoiceTrack::endMicrophonePart(qint64 atMs)
 
 void KelRecordVoiceTrack::stopRecording(qint64 frameCount, qint64 durationMs)
 {
-    qInfo() << "[VoiceTrack] Stopping recording, frames:" << frameCount << ", duration:" << durationMs;
+    qCInfo(logRecord) << "[VoiceTrack] Stopping recording, frames:" << frameCount << ", duration:" << durationMs;
     if (m_isRecording)
         pauseRecording();
     if (m_systemAudioEnabled && m_systemAudio) {
-        qWarning() << "[KelRecordVoiceTrack] 停止系统音频录制，指针:" << static_cast<void *>(m_systemAudio);
+        qCWarning(logRecord) << "[KelRecordVoiceTrack] 停止系统音频录制，指针:" << static_cast<void *>(m_systemAudio);
         m_systemAudio->stopRecording();
-        qWarning() << "[KelRecordVoiceTrack] 系统音频录制已停止";
+        qCWarning(logRecord) << "[KelRecordVoiceTrack] 系统音频录制已停止";
     }
     joinMicrophoneParts();
     m_isRecording = false;
     m_isPaused = false;
-    qWarning() << "[KelRecordVoiceTrack] 调用 cleanupAudioRecorders()";
+    qCWarning(logRecord) << "[KelRecordVoiceTrack] 调用 cleanupAudioRecorders()";
     cleanupAudioRecorders();
-    qWarning() << "[KelRecordVoiceTrack] cleanupAudioRecorders() 完成";
-    qWarning() << "[KelRecordVoiceTrack::stopRecording] ========== 完成 ==========";
+    qCWarning(logRecord) << "[KelRecordVoiceTrack] cleanupAudioRecorders() 完成";
+    qCWarning(logRecord) << "[KelRecordVoiceTrack::stopRecording] ========== 完成 ==========";
 }
 
 void KelRecordVoiceTrack::joinMicrophoneParts()
 {
-    qWarning() << "[KelRecordVoiceTrack] 麦克风分段文件数量:" << m_microphoneParts.size();
+    qCWarning(logRecord) << "[KelRecordVoiceTrack] 麦克风分段文件数量:" << m_microphoneParts.size();
     if (m_microphoneParts.isEmpty())
         return;
-    qWarning() << "[KelRecordVoiceTrack] 合并麦克风分段文件到:" << m_microphonePath;
+    qCWarning(logRecord) << "[KelRecordVoiceTrack] 合并麦克风分段文件到:" << m_microphonePath;
     const QString problem = mergeMicrophoneParts(m_microphoneParts, m_microphonePath, m_microphoneTimes);
     if (!problem.isEmpty())
         reportFailure(QStringLiteral("Microphone track"), problem);
@@ -233,49 +234,50 @@ void KelRecordVoiceTrack::joinMicrophoneParts()
     m_microphoneParts.clear();
     m_microphoneTimes.clear();
     m_microphonePartIndex = 0;
-    qWarning() << "[KelRecordVoiceTrack] 麦克风分段文件合并完成";
+    qCWarning(logRecord) << "[KelRecordVoiceTrack] 麦克风分段文件合并完成";
 }
 
 void KelRecordVoiceTrack::cleanupAudioRecorders()
 {
-    qWarning() << "[KelRecordVoiceTrack::cleanupAudioRecorders] ========== 开始 ==========";
+    qCWarning(logRecord) << "[KelRecordVoiceTrack::cleanupAudioRecorders] ========== 开始 ==========";
     if (m_systemAudio) {
-        qWarning() << "[cleanupAudioRecorders] 处理系统音频录制器，指针:" << static_cast<void *>(m_systemAudio);
-        qWarning() << "[cleanupAudioRecorders] isRecording:" << m_systemAudio->isRecording();
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 处理系统音频录制器，指针:"
+                             << static_cast<void *>(m_systemAudio);
+        qCWarning(logRecord) << "[cleanupAudioRecorders] isRecording:" << m_systemAudio->isRecording();
         if (m_systemAudio->isRecording()) {
-            qWarning() << "[cleanupAudioRecorders] 调用 stopRecording()";
+            qCWarning(logRecord) << "[cleanupAudioRecorders] 调用 stopRecording()";
             m_systemAudio->stopRecording();
-            qWarning() << "[cleanupAudioRecorders] stopRecording() 完成";
+            qCWarning(logRecord) << "[cleanupAudioRecorders] stopRecording() 完成";
         }
-        qWarning() << "[cleanupAudioRecorders] 断开信号连接";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 断开信号连接";
         m_systemAudio->disconnect(this);
-        qWarning() << "[cleanupAudioRecorders] 等待 50ms 让音频线程完全停止";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 等待 50ms 让音频线程完全停止";
         QThread::msleep(WindDownMs);
-        qWarning() << "[cleanupAudioRecorders] 删除系统音频录制器";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 删除系统音频录制器";
         delete std::exchange(m_systemAudio, nullptr);
-        qWarning() << "[cleanupAudioRecorders] 系统音频录制器已删除";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 系统音频录制器已删除";
     } else {
-        qWarning() << "[cleanupAudioRecorders] 系统音频录制器为空，跳过";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 系统音频录制器为空，跳过";
     }
     if (m_microphone) {
-        qWarning() << "[cleanupAudioRecorders] 处理麦克风录制器，指针:" << static_cast<void *>(m_microphone);
-        qWarning().noquote() << "[cleanupAudioRecorders] state:" << keyOf("State", m_microphone->state());
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 处理麦克风录制器，指针:" << static_cast<void *>(m_microphone);
+        qCWarning(logRecord).noquote() << "[cleanupAudioRecorders] state:" << keyOf("State", m_microphone->state());
         if (m_microphone->state() == QMediaRecorder::RecordingState) {
-            qWarning() << "[cleanupAudioRecorders] 调用 stop()";
+            qCWarning(logRecord) << "[cleanupAudioRecorders] 调用 stop()";
             m_microphone->stop();
-            qWarning() << "[cleanupAudioRecorders] stop() 完成";
+            qCWarning(logRecord) << "[cleanupAudioRecorders] stop() 完成";
         }
-        qWarning() << "[cleanupAudioRecorders] 断开信号连接";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 断开信号连接";
         m_microphone->disconnect(this);
-        qWarning() << "[cleanupAudioRecorders] 等待 50ms 让麦克风录制器完全停止";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 等待 50ms 让麦克风录制器完全停止";
         QThread::msleep(WindDownMs);
-        qWarning() << "[cleanupAudioRecorders] 删除麦克风录制器";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 删除麦克风录制器";
         delete std::exchange(m_microphone, nullptr);
-        qWarning() << "[cleanupAudioRecorders] 麦克风录制器已删除";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 麦克风录制器已删除";
     } else {
-        qWarning() << "[cleanupAudioRecorders] 麦克风录制器为空，跳过";
+        qCWarning(logRecord) << "[cleanupAudioRecorders] 麦克风录制器为空，跳过";
     }
-    qWarning() << "[KelRecordVoiceTrack::cleanupAudioRecorders] ========== 完成 ==========";
+    qCWarning(logRecord) << "[KelRecordVoiceTrack::cleanupAudioRecorders] ========== 完成 ==========";
 }
 
 void KelRecordVoiceTrack::onSystemAudioStateChanged(QAudioRecorder::State) {}
@@ -290,14 +292,14 @@ void KelRecordVoiceTrack::onMicrophoneStatusChanged(QMediaRecorder::Status statu
 
 void KelRecordVoiceTrack::onSystemAudioError(QAudioRecorder::Error error)
 {
-    qWarning().noquote() << "系统音频录制器错误:" << keyOf("Error", error);
+    qCWarning(logRecord).noquote() << "系统音频录制器错误:" << keyOf("Error", error);
 }
 
 void KelRecordVoiceTrack::onMicrophoneError(QAudioRecorder::Error error)
 {
-    qWarning().noquote() << "麦克风录制器错误:" << keyOf("Error", error);
+    qCWarning(logRecord).noquote() << "麦克风录制器错误:" << keyOf("Error", error);
     if (!m_microphone)
         return;
-    qWarning() << "麦克风错误详情:" << m_microphone->errorString();
+    qCWarning(logRecord) << "麦克风错误详情:" << m_microphone->errorString();
     reportFailure(QStringLiteral("Microphone track"), m_microphone->errorString());
 }

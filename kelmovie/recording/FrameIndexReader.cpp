@@ -1,5 +1,7 @@
 #include "recording/FrameIndexReader.h"
 
+#include "logging/Log.h"
+
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
@@ -30,24 +32,24 @@ bool loadFrameIndexes(const QString &trackDir, std::vector<int> &frameIndexes)
     const QString path = trackDir + "/frame_indexes.dat";
     const QFileInfo info(path);
     if (!info.exists()) {
-        qWarning() << "Frame indexes file not found:" << path;
+        qCWarning(logRecording) << "Frame indexes file not found:" << path;
         return false;
     }
     QFile file(path);
     // Opening a pipe would wait for its writer.
     if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
-        qCritical() << "Failed to open frame indexes file:" << path;
+        qCCritical(logRecording) << "Failed to open frame indexes file:" << path;
         return false;
     }
     const QByteArray header = file.read(2 * kEntrySize);
     const qint32 version = entryAt(header, 0);
     if (version != kVersion) {
-        qCritical() << "Unsupported frame index file version:" << version;
+        qCCritical(logRecording) << "Unsupported frame index file version:" << version;
         return false;
     }
     const qint32 count = entryAt(header, 1);
     if (count < 1 || count > kMaxCount) {
-        qCritical() << "Invalid frame count in file:" << count;
+        qCCritical(logRecording) << "Invalid frame count in file:" << count;
         return false;
     }
     const QByteArray entries = file.read(qint64(count) * kEntrySize);

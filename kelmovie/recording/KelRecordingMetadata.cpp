@@ -1,5 +1,6 @@
 #include "recording/KelRecordingMetadata.h"
 
+#include "logging/Log.h"
 #include "recording/FileWriting.h"
 
 #include <QDebug>
@@ -40,7 +41,7 @@ qint64 readDuration(const QJsonObject &root)
         if (root.contains(key))
             return readInteger(root.value(key), MaxDurationMs);
     }
-    qWarning() << "No recording duration found in metadata";
+    qCWarning(logRecording) << "No recording duration found in metadata";
     return 0;
 }
 
@@ -106,7 +107,7 @@ bool KelRecordingMetadata::fromJson(const QByteArray &json, KelRecordingMetadata
 {
     const QJsonDocument document = QJsonDocument::fromJson(json);
     if (!document.isObject()) {
-        qWarning() << "Invalid manager metadata format";
+        qCWarning(logRecording) << "Invalid manager metadata format";
         return false;
     }
     const QJsonObject root = document.object();
@@ -135,7 +136,7 @@ bool KelRecordingMetadata::load(const QString &recordingDir, KelRecordingMetadat
 {
     QFile file(filePath(recordingDir));
     if (!file.open(QIODevice::ReadOnly)) {
-        qWarning() << "Cannot open manager metadata:" << file.fileName();
+        qCWarning(logRecording) << "Cannot open manager metadata:" << file.fileName();
         return false;
     }
     const QByteArray json = file.read(MaxFileBytes + 1);

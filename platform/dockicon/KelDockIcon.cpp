@@ -1,4 +1,5 @@
 #include "KelDockIcon.h"
+#include "logging/PlatformLog.h"
 
 #include <QFontDatabase>
 #include <QIconEngine>
@@ -15,7 +16,7 @@ QString loadFamily()
     const int id = QFontDatabase::addApplicationFont(QStringLiteral(":/KelDockIcon/KelDockIcon.ttf"));
     const QStringList families = QFontDatabase::applicationFontFamilies(id);
     if (families.isEmpty()) {
-        qWarning("[KelDockIcon] The icon font could not be loaded");
+        qCWarning(kel::logUi, "[KelDockIcon] The icon font could not be loaded");
         return QStringLiteral("KelDockIcon");
     }
     return families.first();

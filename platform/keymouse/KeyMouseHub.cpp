@@ -1,6 +1,7 @@
 #include "keymouse/KeyMouseHub.h"
 
 #include "keymouse/KelKeyMouseHook.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 
@@ -49,7 +50,7 @@ void KeyMouseHub::setHookKinds(KelKeyMouseHook *hook, int kinds)
         }
         if (kinds == 0 && m_dispatcher != std::this_thread::get_id() &&
             !m_callbackReturned.wait_for(lock, callbackLimit, [&] { return m_running != hook; }))
-            qCritical("[KelKeyMouseHook] a callback does not return; its hook is removed while it runs");
+            qCCritical(logInput, "[KelKeyMouseHook] a callback does not return; its hook is removed while it runs");
     }
     m_source->update();
 }

@@ -1,5 +1,6 @@
 #include "lottie/KelLottie.h"
 
+#include "logging/PlatformLog.h"
 #include "lottie/LottieFile.h"
 #include "lottie/TurnedPicture.h"
 
@@ -56,7 +57,8 @@ KelLottie::KelLottie(const QString &resourcePath)
     }
     if (!error.isEmpty()) {
         m_animation.reset();
-        qWarning("[KelLottie] cannot use animation %s: %s", qUtf8Printable(resourcePath), qUtf8Printable(error));
+        qCWarning(logLottie, "[KelLottie] cannot use animation %s: %s", qUtf8Printable(resourcePath),
+                  qUtf8Printable(error));
         return;
     }
     m_frameRate = m_animation->frameRate();

@@ -1,5 +1,6 @@
 #include "style/KelStyleTheme.h"
 
+#include "logging/PlatformLog.h"
 #include "style/PixelRatio.h"
 #include "style/StyleFollower.h"
 #include "style/SystemTheme.h"
@@ -78,7 +79,7 @@ QColor KelStyleTheme::color(const QString &name) const
 {
     QColor color = ThemeColors::color(name, m_isDark);
     if (!color.isValid())
-        qWarning("[KelStyleTheme] No colour is named %s", qPrintable(name));
+        qCWarning(logUi, "[KelStyleTheme] No colour is named %s", qPrintable(name));
     return color;
 }
 

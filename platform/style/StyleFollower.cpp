@@ -1,5 +1,7 @@
 #include "style/StyleFollower.h"
 
+#include "logging/PlatformLog.h"
+
 #include <QEvent>
 #include <QFile>
 #include <QWidget>
@@ -15,7 +17,8 @@ StyleFollower::StyleFollower(QWidget *widget, const KelStyleParams &params, KelS
 {
     QFile file(params.sheet);
     if (!file.open(QIODevice::ReadOnly)) {
-        qWarning("[KelStyleTheme] No style sheet %s: %s", qPrintable(params.sheet), qPrintable(file.errorString()));
+        qCWarning(logUi, "[KelStyleTheme] No style sheet %s: %s", qPrintable(params.sheet),
+                  qPrintable(file.errorString()));
         return;
     }
     m_sheet = QString::fromUtf8(file.readAll());

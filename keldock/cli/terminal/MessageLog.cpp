@@ -31,12 +31,17 @@ QString warningToShow(QtMsgType type, const QString &message)
     return QString();
 }
 
+/// Whether this program or the module logged it, rather than Qt.
+bool isOurs(const char *category)
+{
+    return qstrcmp(category, "default") == 0 || qstrncmp(category, "kelmovie.", 9) == 0;
+}
+
 void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     // Logged from every thread of a recording.
     std::lock_guard lock(state().mutex);
-    const bool isCritical = type == QtCriticalMsg && qstrcmp(context.category, "default") == 0;
-    if (isCritical && state().firstCritical.isEmpty())
+    if (type == QtCriticalMsg && isOurs(context.category) && state().firstCritical.isEmpty())
         state().firstCritical = message;
     const QString warning = warningToShow(type, message);
     if (state().verbose || type == QtFatalMsg)

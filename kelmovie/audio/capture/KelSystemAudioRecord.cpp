@@ -1,5 +1,6 @@
 #include "audio/capture/KelSystemAudioRecord.h"
 
+#include "logging/Log.h"
 #include "recording/wav/WavPartMerger.h"
 
 #include <QDebug>
@@ -35,7 +36,7 @@ KelSystemAudioRecord::~KelSystemAudioRecord()
 bool KelSystemAudioRecord::start(qint64 atMs)
 {
     if (m_isRecording && !m_isPaused) {
-        qWarning() << "系统音频录制已在运行中";
+        qCWarning(logAudio) << "系统音频录制已在运行中";
         return false;
     }
     if (m_isPaused) {
@@ -54,7 +55,7 @@ bool KelSystemAudioRecord::start(qint64 atMs)
 void KelSystemAudioRecord::pause(qint64 atMs)
 {
     if (!m_isRecording) {
-        qWarning() << "系统音频录制未在运行";
+        qCWarning(logAudio) << "系统音频录制未在运行";
         return;
     }
     const qint64 endMs = momentOf(atMs);
@@ -73,7 +74,7 @@ void KelSystemAudioRecord::pause(qint64 atMs)
 void KelSystemAudioRecord::resume(qint64 atMs)
 {
     if (!m_isPaused) {
-        qWarning() << "系统音频录制未处于暂停状态";
+        qCWarning(logAudio) << "系统音频录制未处于暂停状态";
         return;
     }
     m_currentPart = partPath();

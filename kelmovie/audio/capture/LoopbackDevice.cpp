@@ -1,6 +1,7 @@
 #include "audio/capture/LoopbackDevice.h"
 
 #include "audio/capture/CaptureSeams.h"
+#include "logging/Log.h"
 
 #include <QDebug>
 
@@ -44,12 +45,12 @@ bool LoopbackDevice::open(const CaptureFormat &format)
     }
     UINT32 bufferFrames = 0;
     if (FAILED(m_client->GetBufferSize(&bufferFrames))) {
-        qWarning() << "获取音频缓冲区大小失败";
+        qCWarning(logAudio) << "获取音频缓冲区大小失败";
         close();
         return false;
     }
     if (FAILED(m_client->GetService(IID_IAudioCaptureClient, reinterpret_cast<void **>(&m_capture)))) {
-        qWarning() << "获取音频捕获客户端失败";
+        qCWarning(logAudio) << "获取音频捕获客户端失败";
         close();
         return false;
     }

@@ -1,6 +1,7 @@
 #include "audio/capture/WasapiCaptureThread.h"
 
 #include "audio/capture/LoopbackDevice.h"
+#include "logging/Log.h"
 #include "recording/wav/SoundPartFile.h"
 
 #include <QDebug>
@@ -81,14 +82,14 @@ void WasapiCaptureThread::capture()
     }
     m_part = std::make_unique<SoundPartFile>(m_device->streamFormat().wavHeader());
     if (!m_part->open(m_firstPath, m_startMs)) {
-        qWarning() << "无法打开输出文件:" << m_firstPath;
+        qCWarning(logAudio) << "无法打开输出文件:" << m_firstPath;
         checkPart();
         return;
     }
     m_part->writeSilence();
     m_part->updateSizes();
     if (!m_device->start()) {
-        qWarning() << "启动音频客户端失败";
+        qCWarning(logAudio) << "启动音频客户端失败";
         m_part->close();
         QFile::remove(m_firstPath); // its silence would put what a later part brings off its time
         reportOnce(QStringLiteral("the output does not let its sound be recorded"));
@@ -105,8 +106,8 @@ bool WasapiCaptureThread::captureByEvents()
 {
     const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
     if (!event || !m_device->setEventHandle(event)) {
-        qWarning() << "设置WASAPI事件句柄失败，格式标签:" << m_device->streamFormat().get()->wFormatTag
-                   << "，实际标签:" << int(WavHeader::Pcm);
+        qCWarning(logAudio) << "设置WASAPI事件句柄失败，格式标签:" << m_device->streamFormat().get()->wFormatTag
+                            << "，实际标签:" << int(WavHeader::Pcm);
         if (event)
             CloseHandle(event);
         return false;
@@ -216,7 +217,7 @@ void WasapiCaptureThread::replaceDevice()
     const CaptureFormat format = m_device->streamFormat();
     auto device = std::make_unique<LoopbackDevice>(m_seams, m_seams.flow);
     if (device->open(format) && device->streamFormat().bytes() == format.bytes() && device->start()) {
-        qWarning() << "[WasapiCaptureThread] The output went away; going on with the new default output";
+        qCWarning(logAudio) << "[WasapiCaptureThread] The output went away; going on with the new default output";
         m_device = std::move(device);
         m_isDeviceGone = false;
         return;

@@ -1,6 +1,7 @@
 #include "audio/output/KelAmplifiedAudioPlayer.h"
 
 #include "audio/output/QtAudioSink.h"
+#include "logging/Log.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -170,7 +171,7 @@ void KelAmplifiedAudioPlayer::processAudioData()
             m_pending = nextPiece();
         const qint64 written = m_sink->write(m_pending.constData(), std::min(budget, m_pending.size()));
         if (written < 0)
-            qWarning() << "KelAmplifiedAudioPlayer: Error writing audio data:" << written;
+            qCWarning(logAudio) << "KelAmplifiedAudioPlayer: Error writing audio data:" << written;
         if (written <= 0)
             return;
         m_pending.remove(0, int(written));
@@ -195,7 +196,7 @@ QByteArray KelAmplifiedAudioPlayer::nextPiece()
             std::memcpy(piece.data() + i * frameBytes, frame, size_t(frameBytes));
         } else if (!m_isUnreadable) {
             m_isUnreadable = true;
-            qWarning() << "KelAmplifiedAudioPlayer: Failed to seek in file";
+            qCWarning(logAudio) << "KelAmplifiedAudioPlayer: Failed to seek in file";
         }
     }
     m_gain.apply(format, &piece);
@@ -257,7 +258,7 @@ void KelAmplifiedAudioPlayer::moveTo(double frame)
 bool KelAmplifiedAudioPlayer::fail(const QString &text)
 {
     m_errorString = text;
-    qWarning().noquote() << "[KelAmplifiedAudioPlayer]" << text;
+    qCWarning(logAudio).noquote() << "[KelAmplifiedAudioPlayer]" << text;
     emit errorOccurred(text);
     return false;
 }

@@ -2,6 +2,7 @@
 
 #include "avcodec/mp4/h264Encoder.h"
 #include "avcodec/sound/MixAudioVideoTracks.h"
+#include "logging/Log.h"
 
 #include <QDebug>
 #include <QDir>
@@ -22,7 +23,7 @@ QString createMinimalVideo(const QString &path)
     constexpr int quality = 50;
     h264Encoder encoder({QSize(1, 1), QImage::Format_ARGB32_Premultiplied, path, fps, quality});
     if (!encoder.isValid()) {
-        qWarning() << "Failed to create minimal video encoder";
+        qCWarning(logAudio) << "Failed to create minimal video encoder";
         return QString();
     }
     QImage dot(1, 1, QImage::Format_ARGB32_Premultiplied);
@@ -40,7 +41,7 @@ QString createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs,
     const QString video =
         temporary.isValid() ? createMinimalVideo(temporary.filePath("kel_minimal_video_for_audio.mp4")) : QString();
     if (video.isEmpty()) {
-        qWarning() << "Failed to create minimal video file for audio trimming";
+        qCWarning(logAudio) << "Failed to create minimal video file for audio trimming";
         return QString();
     }
     AudioTrack track;
@@ -49,7 +50,7 @@ QString createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs,
     track.endMs = endMs;
     if (MixAudioVideoTracks(video, {track}, outputPath))
         return outputPath;
-    qWarning() << "Failed to create trimmed audio file";
+    qCWarning(logAudio) << "Failed to create trimmed audio file";
     return QString();
 }
 

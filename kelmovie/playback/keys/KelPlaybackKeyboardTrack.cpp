@@ -1,5 +1,6 @@
 #include "playback/keys/KelPlaybackKeyboardTrack.h"
 
+#include "logging/Log.h"
 #include "playback/keys/KeyBoxPainter.h"
 
 #include <QDebug>
@@ -26,7 +27,7 @@ KelPlaybackKeyboardTrack::KelPlaybackKeyboardTrack(const QString &directory, int
     setName("Keyboard");
     if (!loadKeyRecording(directory, m_recording)) {
         setErrorString("KelPlaybackKeyboardTrack open meta file failed: " + directory);
-        qCritical().noquote() << errorString();
+        qCCritical(logPlayback).noquote() << errorString();
         return;
     }
     // The file may lie; boxes belong into the picture.

@@ -1,5 +1,6 @@
 #include "playback/mouse/KelMouseButtonLottie.h"
 
+#include "logging/Log.h"
 #include "lottie/KelLottie.h"
 #include "playback/mouse/EffectTiming.h"
 
@@ -28,7 +29,7 @@ double KelMouseButtonLottie::frameRateRaw() const
 {
     if (mLottie)
         return mLottie->frameRate();
-    qCritical("KelMouseButtonLottie::frameRateRaw: mLottie is nullptr!");
+    qCCritical(logPlayback, "KelMouseButtonLottie::frameRateRaw: mLottie is nullptr!");
     return 30.0;
 }
 
@@ -36,7 +37,7 @@ double KelMouseButtonLottie::frameCountRaw() const
 {
     if (mLottie)
         return double(mLottie->totalFrame());
-    qCritical("KelMouseButtonLottie::frameCountRaw: mLottie is nullptr!");
+    qCCritical(logPlayback, "KelMouseButtonLottie::frameCountRaw: mLottie is nullptr!");
     return 0.0;
 }
 

@@ -1,5 +1,6 @@
 #include "playback/mouse/KelPlaybackMouseTrack.h"
 
+#include "logging/Log.h"
 #include "playback/mouse/ClickPlayer.h"
 #include "playback/mouse/KelMouseButtonLottie.h"
 #include "playback/mouse/KelMouseWheelLottie.h"
@@ -51,7 +52,7 @@ struct ShownPointer {
 
 } // namespace
 
-class KelPlaybackMouseTrack::Private
+class Q_DECL_HIDDEN KelPlaybackMouseTrack::Private
 {
 public:
     bool load(const QString &dir);
@@ -78,15 +79,15 @@ bool KelPlaybackMouseTrack::Private::load(const QString &dir)
     if (!QFileInfo::exists(movesPath) || !QFileInfo::exists(dir + "/cursor.json"))
         return false;
     if (!cursors.load(dir)) {
-        qWarning() << "Failed to load cursor types";
+        qCWarning(logPlayback) << "Failed to load cursor types";
         return false;
     }
     if (!moves.load(movesPath)) {
-        qWarning() << "Failed to load mouse moves";
+        qCWarning(logPlayback) << "Failed to load mouse moves";
         return false;
     }
     if (QFileInfo::exists(clicksPath) && !clicks.load(clicksPath))
-        qWarning() << "Failed to load mouse clicks";
+        qCWarning(logPlayback) << "Failed to load mouse clicks";
     return true;
 }
 
@@ -102,7 +103,7 @@ void KelPlaybackMouseTrack::Private::movePointer(int frame)
     const QString &id = moves.cursorIds().at(sample->cursor);
     cursor = cursors.find(id);
     if (!cursor)
-        qWarning() << "Cursor type not found:" << id;
+        qCWarning(logPlayback) << "Cursor type not found:" << id;
 }
 
 ShownPointer KelPlaybackMouseTrack::Private::shown() const
@@ -165,7 +166,7 @@ KelPlaybackMouseTrack::KelPlaybackMouseTrack(const QString &directory, KelPlayba
     setName("MouseTrack");
     if (!d->load(directory)) {
         setErrorString("Failed to load mouse track JSON data");
-        qCritical().noquote() << errorString();
+        qCCritical(logPlayback).noquote() << errorString();
     }
 }
 

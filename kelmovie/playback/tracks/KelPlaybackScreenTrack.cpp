@@ -2,6 +2,7 @@
 
 #include "avcodec/KelAVCodecDecoder.h"
 #include "avcodec/decode/h264Decoder.h"
+#include "logging/Log.h"
 #include "recording/FrameIndexReader.h"
 
 #include <QDebug>
@@ -25,7 +26,7 @@ KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QS
 {
     setName("ScreenTrack");
     if (!loadFrameIndexes(directory, m_frameIndexes))
-        qWarning() << "Failed to load frame indexes, will try to create default mapping";
+        qCWarning(logPlayback) << "Failed to load frame indexes, will try to create default mapping";
     if (!chooseVideo())
         return;
     m_decoder = openDecoder();
@@ -35,12 +36,12 @@ KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QS
     m_videoFrameCount = m_decoder->getFrameCount();
     if (m_videoFrameCount <= 0) {
         setErrorString(QString("Invalid frame count from decoder: %1").arg(m_videoFrameCount));
-        qCritical().noquote() << errorString();
+        qCCritical(logPlayback).noquote() << errorString();
         m_decoder.reset();
         return;
     }
     if (m_frameIndexes.empty()) {
-        qWarning() << "Creating default 1:1 frame mapping for" << m_videoFrameCount << "frames";
+        qCWarning(logPlayback) << "Creating default 1:1 frame mapping for" << m_videoFrameCount << "frames";
         m_frameIndexes.resize(m_videoFrameCount);
         std::iota(m_frameIndexes.begin(), m_frameIndexes.end(), 0);
     }
@@ -62,7 +63,7 @@ bool KelPlaybackScreenTrack::chooseVideo()
         }
     }
     setErrorString("Video file not found. Searched for: " + mkvPath + " and " + mp4Path);
-    qCritical().noquote() << errorString();
+    qCCritical(logPlayback).noquote() << errorString();
     return false;
 }
 
@@ -87,18 +88,18 @@ KelPlaybackScreenTrack::DecoderPointer KelPlaybackScreenTrack::openDecoder()
     if (isMatroska()) {
         if (DecoderPointer decoder = openFfv1())
             return decoder;
-        qWarning() << "FFV1 decoder failed, falling back to H264";
+        qCWarning(logPlayback) << "FFV1 decoder failed, falling back to H264";
     }
     if (!m_decoders.isH264Supported()) {
         setErrorString("H264 decoder not supported on this system");
-        qCritical().noquote() << errorString();
+        qCCritical(logPlayback).noquote() << errorString();
         return nullptr;
     }
     DecoderPointer decoder =
         m_decoders.createH264(m_videoPath, h264Decoder::PreferH264DecodeParams(m_preferHardwareDecode));
     if (!decoder || !decoder->isValid()) {
         setErrorString("Failed to create H264 decoder or decoder is invalid");
-        qCritical().noquote() << errorString();
+        qCCritical(logPlayback).noquote() << errorString();
         return nullptr;
     }
     return decoder;
@@ -113,11 +114,11 @@ bool KelPlaybackScreenTrack::recreateDecoder()
             resetState();
             return true;
         }
-        qWarning() << "FFV1 decoder reinitialization failed, falling back to H264";
+        qCWarning(logPlayback) << "FFV1 decoder reinitialization failed, falling back to H264";
     }
     if (!m_decoders.isH264Supported()) {
         setErrorString("H264 decoder not supported on this system");
-        qCritical().noquote() << errorString();
+        qCCritical(logPlayback).noquote() << errorString();
         return false;
     }
     const H264DecodeParams software{"h264", QString()};
@@ -130,7 +131,7 @@ bool KelPlaybackScreenTrack::recreateDecoder()
     }
     m_decoder.reset();
     setErrorString("Failed to reinitialize H264 decoder with both hardware and software options");
-    qCritical().noquote() << errorString();
+    qCCritical(logPlayback).noquote() << errorString();
     return false;
 }
 
@@ -217,7 +218,7 @@ void KelPlaybackScreenTrack::seekToFrame(int frame)
         return;
     }
     if (m_frameIndexes.empty())
-        qWarning() << "Frame indexes not loaded, using direct mapping";
+        qCWarning(logPlayback) << "Frame indexes not loaded, using direct mapping";
     const int logicFrame = m_frameIndexes.empty() ? frame : std::clamp(frame, 0, logicFrameCount() - 1);
     const int videoFrame = videoFrameAt(frame);
     m_currentLogicFrame = logicFrame;
@@ -225,14 +226,15 @@ void KelPlaybackScreenTrack::seekToFrame(int frame)
         return;
 
     if (!showFrame(videoFrame)) {
-        qWarning() << "Failed to decode frame" << videoFrame << "for logic frame" << logicFrame
-                   << ", attempting decoder reinit";
+        qCWarning(logPlayback) << "Failed to decode frame" << videoFrame << "for logic frame" << logicFrame
+                               << ", attempting decoder reinit";
         const bool shown = recreateDecoder() && showFrame(videoFrame);
         m_currentLogicFrame = logicFrame; // a new decoder forgets it
         if (!shown) {
             ++m_lostPictures;
-            qCritical() << "Complete failure to decode frame" << videoFrame
-                        << "- decoder status:" << (m_decoder ? "valid" : "invalid") << "- keeping previous frame";
+            qCCritical(logPlayback) << "Complete failure to decode frame" << videoFrame
+                                    << "- decoder status:" << (m_decoder ? "valid" : "invalid")
+                                    << "- keeping previous frame";
         }
     }
     m_currentPixmap.setDevicePixelRatio(m_devicePixelRatio);

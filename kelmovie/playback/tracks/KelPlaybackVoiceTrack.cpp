@@ -1,6 +1,7 @@
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 
 #include "audio/output/KelAmplifiedAudioPlayer.h"
+#include "logging/Log.h"
 #include "playback/tracks/KelPlaybackSeams.h"
 #include "recording/wav/LeftoverParts.h"
 
@@ -42,7 +43,7 @@ KelPlaybackVoiceTrack::KelPlaybackVoiceTrack(const QString &directory, bool syst
         m_microphone.path = findFile(directory, "microphone");
     if (m_system.path.isEmpty() && m_microphone.path.isEmpty()) {
         setErrorString("No audio WAV files found in: " + directory);
-        qWarning().noquote() << "[KelPlaybackVoiceTrack]" << errorString();
+        qCWarning(logPlayback).noquote() << "[KelPlaybackVoiceTrack]" << errorString();
     }
     load(m_system, "Failed to load system audio:", seams);
     load(m_microphone, "Failed to load microphone audio:", seams);
@@ -79,7 +80,7 @@ void KelPlaybackVoiceTrack::load(Source &source, const QString &failure, const K
         return;
     auto *player = new KelAmplifiedAudioPlayer(seams.createAudioSink, this);
     if (!player->setSource(source.path)) {
-        qWarning().noquote() << failure << player->errorString();
+        qCWarning(logPlayback).noquote() << failure << player->errorString();
         delete player;
         return;
     }

@@ -1,5 +1,7 @@
 #include "recording/input/CursorImages.h"
 
+#include "logging/Log.h"
+
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
@@ -67,7 +69,7 @@ bool CursorImages::load(const QString &trackDir)
         const QString path = dir + '/' + object.value(QLatin1String("image")).toString();
         QImage image = isInside(path, dir) ? readImage(path, pixelsLeft) : QImage();
         if (image.isNull()) {
-            qWarning() << "Failed to load cursor image:" << path;
+            qCWarning(logRecording) << "Failed to load cursor image:" << path;
             continue;
         }
         pixelsLeft -= qint64(image.width()) * image.height();

@@ -1,5 +1,6 @@
 #include "recording/input/KeyRecordingReader.h"
 
+#include "logging/Log.h"
 #include "recording/KelRecordingMetadata.h"
 
 #include <QDebug>
@@ -26,8 +27,8 @@ int usableFps(qint32 fps, const QString &path)
 {
     if (fps >= 1 && fps <= KelRecordingMetadata::MaxFps)
         return fps;
-    qWarning() << "KelPlaybackKeyboardTrack meta file frame rate error:" << path << fps << "a second, taken as"
-               << KeyRecording::DefaultFps;
+    qCWarning(logRecording) << "KelPlaybackKeyboardTrack meta file frame rate error:" << path << fps
+                            << "a second, taken as" << KeyRecording::DefaultFps;
     return KeyRecording::DefaultFps;
 }
 
@@ -48,7 +49,7 @@ bool loadKeyRecording(const QString &trackDir, KeyRecording &out)
                              fileSize == kHeaderSize + count * kRecordSize;
     const QByteArray body = isSizeRight ? file.read(count * kRecordSize) : QByteArray();
     if (!isSizeRight || body.size() != count * kRecordSize) {
-        qWarning() << "KelPlaybackKeyboardTrack meta file size error:" << path;
+        qCWarning(logRecording) << "KelPlaybackKeyboardTrack meta file size error:" << path;
         return true;
     }
     out.fps = usableFps(wordAt(header, 8), path);

@@ -1,5 +1,6 @@
 #include "recording/wav/LeftoverParts.h"
 
+#include "logging/Log.h"
 #include "recording/wav/WavHeader.h"
 #include "recording/wav/WavPartMerger.h"
 
@@ -54,7 +55,7 @@ void joinLeftoverParts(const QString &directory)
                                     ? mergePartFiles(parts, output)
                                     : mergeMicrophoneParts(parts, output);
         if (!problem.isEmpty())
-            qWarning().noquote() << "[joinLeftoverParts]" << problem;
+            qCWarning(logRecording).noquote() << "[joinLeftoverParts]" << problem;
         completeSizes(output);
     }
 }

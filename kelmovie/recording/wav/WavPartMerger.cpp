@@ -1,5 +1,6 @@
 #include "recording/wav/WavPartMerger.h"
 
+#include "logging/Log.h"
 #include "recording/wav/WavHeader.h"
 #include "recording/wav/WavPart.h"
 
@@ -74,7 +75,7 @@ private:
 void Merger::merge(const QStringList &parts)
 {
     if (parts.isEmpty()) {
-        qWarning() << "没有分段文件需要合并";
+        qCWarning(logRecording) << "没有分段文件需要合并";
         return;
     }
     if (parts.size() == 1 && !isLate(parts.first()))
@@ -98,7 +99,7 @@ void Merger::rename(const QString &part)
     QFile file(part);
     if (file.rename(m_output.fileName()))
         return;
-    qWarning() << m_messages.cannotRename << part << "到" << m_output.fileName();
+    qCWarning(logRecording) << m_messages.cannotRename << part << "到" << m_output.fileName();
     if (file.exists())
         keepProblem(QStringLiteral("the sound stays in %1: %2").arg(part, file.errorString()));
 }
@@ -106,7 +107,7 @@ void Merger::rename(const QString &part)
 void Merger::join(const QStringList &parts)
 {
     if (!m_output.open(QIODevice::ReadWrite | QIODevice::Truncate)) {
-        qWarning() << m_messages.cannotOpenOutput << m_output.fileName();
+        qCWarning(logRecording) << m_messages.cannotOpenOutput << m_output.fileName();
         keepProblem(QStringLiteral("the sound stays in its parts, cannot write %1: %2")
                         .arg(m_output.fileName(), m_output.errorString()));
         return;
@@ -139,7 +140,8 @@ bool Merger::begin(const QStringList &parts)
         return false;
     }
     for (const QString &path : parts)
-        qWarning() << (QFileInfo(path).exists() ? "首分段头部读取失败:" : m_messages.cannotOpenPart) << path;
+        qCWarning(logRecording) << (QFileInfo(path).exists() ? "首分段头部读取失败:" : m_messages.cannotOpenPart)
+                                << path;
     keepProblem(QStringLiteral("no part of %1 says what its sound is").arg(m_output.fileName()));
     return false;
 }
@@ -149,17 +151,17 @@ bool Merger::join(const QString &path, const WavPartTime &time)
 {
     WavPart part(path);
     if (!part.open()) {
-        qWarning() << m_messages.cannotOpenPart << path;
+        qCWarning(logRecording) << m_messages.cannotOpenPart << path;
         if (QFileInfo::exists(path))
             keepProblem(QStringLiteral("cannot read %1: %2").arg(path, part.errorString()));
         return standIn(time);
     }
     if (part.isTooShort()) {
-        qWarning() << m_messages.partTooShort << path;
+        qCWarning(logRecording) << m_messages.partTooShort << path;
         return standIn(time);
     }
     if (part.hasHeader() && part.fmtChunk() != m_fmtChunk)
-        qWarning() << m_messages.formatDiffers;
+        qCWarning(logRecording) << m_messages.formatDiffers;
 
     const qint64 before = m_total;
     // The sizes count the part before it is deleted: after a crash its sound is in one place at least.
@@ -176,7 +178,7 @@ bool Merger::join(const QString &path, const WavPartTime &time)
     }
     part.close();
     if (!QFile::remove(path))
-        qWarning() << m_messages.cannotDelete << path;
+        qCWarning(logRecording) << m_messages.cannotDelete << path;
     return true;
 }
 
@@ -243,14 +245,14 @@ void Merger::checkOutput()
 {
     const QString path = m_output.fileName();
     if (QFileInfo(path).size() <= WavHeader::Size) {
-        qWarning() << m_messages.outputInvalid << path;
+        qCWarning(logRecording) << m_messages.outputInvalid << path;
         return;
     }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        qWarning() << "无法打开合并后WAV文件计算时长:" << path;
+        qCWarning(logRecording) << "无法打开合并后WAV文件计算时长:" << path;
     else if (file.read(WavHeader::Size).size() < WavHeader::Size)
-        qWarning() << "无法读取WAV头部，无法计算时长:" << path;
+        qCWarning(logRecording) << "无法读取WAV头部，无法计算时长:" << path;
 }
 
 void Merger::keepProblem(const QString &problem)
@@ -265,7 +267,7 @@ void reportLeftovers(const QString &output)
     const QStringList leftovers =
         info.absoluteDir().entryList({info.completeBaseName() + QStringLiteral("_part*.wav")}, QDir::Files, QDir::Name);
     if (!leftovers.isEmpty())
-        qWarning() << "目录下仍有残留分段文件:" << leftovers;
+        qCWarning(logRecording) << "目录下仍有残留分段文件:" << leftovers;
 }
 } // namespace
 

@@ -22,7 +22,7 @@ const SettingsForm::Range kGain{0, 500, SettingTexts::percent, 10};
 
 } // namespace
 
-class AudioSettingsPanel::Private
+class Q_DECL_HIDDEN AudioSettingsPanel::Private
 {
 public:
     explicit Private(AudioSettingsPanel *panel);

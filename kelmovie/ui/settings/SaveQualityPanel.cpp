@@ -27,7 +27,7 @@ auto parts(const KelExportRequest &request)
 
 } // namespace
 
-class SaveQualityPanel::Private
+class Q_DECL_HIDDEN SaveQualityPanel::Private
 {
 public:
     explicit Private(SaveQualityPanel *panel);

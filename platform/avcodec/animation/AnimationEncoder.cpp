@@ -1,5 +1,7 @@
 #include "avcodec/animation/AnimationEncoder.h"
 
+#include "logging/PlatformLog.h"
+
 #include <QDebug>
 #include <QRegularExpression>
 
@@ -79,7 +81,7 @@ AnimationEncoder::~AnimationEncoder()
 bool AnimationEncoder::fail(const QString &reason)
 {
     if (m_error.set(reason))
-        qWarning().noquote() << "[AnimationEncoder]" << reason;
+        qCWarning(kel::logCodec).noquote() << "[AnimationEncoder]" << reason;
     return false;
 }
 

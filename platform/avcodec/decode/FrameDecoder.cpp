@@ -1,6 +1,7 @@
 #include "avcodec/decode/FrameDecoder.h"
 
 #include "avcodec/decode/HardwareDevice.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 #include <QThread>
@@ -79,8 +80,8 @@ bool FrameDecoder::openCodec(const QByteArray &deviceType)
 
 void FrameDecoder::warnOfSoftware()
 {
-    qWarning().noquote() << QStringLiteral("[%1] no decoding with \"%2\" here, decoding in software")
-                                .arg(m_options.logName, QString::fromLatin1(m_options.deviceType));
+    qCWarning(kel::logCodec).noquote() << QStringLiteral("[%1] no decoding with \"%2\" here, decoding in software")
+                                              .arg(m_options.logName, QString::fromLatin1(m_options.deviceType));
 }
 
 QSize FrameDecoder::frameSize() const
@@ -106,9 +107,10 @@ bool FrameDecoder::fetch(int number)
         return true;
 
     if (m_failed && m_codec->hw_device_ctx) {
-        qWarning().noquote() << QStringLiteral("[%1] the hardware failed at frame %2, decoding in software")
-                                    .arg(m_options.logName)
-                                    .arg(number);
+        qCWarning(kel::logCodec).noquote()
+            << QStringLiteral("[%1] the hardware failed at frame %2, decoding in software")
+                   .arg(m_options.logName)
+                   .arg(number);
         if (!openCodec({}))
             return false;
         restartAt(start);

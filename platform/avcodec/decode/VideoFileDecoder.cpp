@@ -1,6 +1,7 @@
 #include "avcodec/decode/VideoFileDecoder.h"
 
 #include "avcodec/decode/FrameDecoder.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 
@@ -18,7 +19,8 @@ void VideoFileDecoder::open(std::unique_ptr<FrameDecoder> decoder, const QString
     if (decoder->open(path, &error))
         m_decoder = std::move(decoder);
     else
-        qWarning().noquote() << QStringLiteral("[%1] cannot open %2: %3").arg(decoder->logName(), path, error);
+        qCWarning(kel::logCodec).noquote()
+            << QStringLiteral("[%1] cannot open %2: %3").arg(decoder->logName(), path, error);
 }
 
 void VideoFileDecoder::close()

@@ -1,5 +1,7 @@
 #include "avcodec/ffmpeg/AvLog.h"
 
+#include "logging/PlatformLog.h"
+
 extern "C" {
 #include <libavutil/log.h>
 }
@@ -19,7 +21,7 @@ void logMessage(void *context, int level, const char *format, va_list arguments)
     char line[1024];
     int printPrefix = 1;
     av_log_format_line(context, level, format, arguments, line, sizeof line, &printPrefix);
-    qWarning().noquote() << "[FFmpeg]" << QString::fromLocal8Bit(line).trimmed();
+    qCWarning(kel::logCodec).noquote() << "[FFmpeg]" << QString::fromLocal8Bit(line).trimmed();
 }
 
 } // namespace

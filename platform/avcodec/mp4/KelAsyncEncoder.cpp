@@ -5,6 +5,7 @@
 #include "avcodec/mp4/RecordingMp4Writer.h"
 #include "avcodec/x264/PlanarFrames.h"
 #include "avcodec/x264/X264Encoder.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 #include <QThread>
@@ -72,7 +73,7 @@ Mp4VideoTrack videoTrack(const KelAsyncEncoder::Params &params, const X264Encode
 
 } // namespace
 
-class KelAsyncEncoder::Private
+class Q_DECL_HIDDEN KelAsyncEncoder::Private
 {
 public:
     explicit Private(const Params &p);
@@ -145,8 +146,8 @@ int KelAsyncEncoder::Private::addFrame(int index, const QImage &image)
     if (isBusy())
         return -1;
     if (image.size() != params.frameSize) {
-        qWarning() << "[KelAsyncEncoder] Frame" << index << "has the size" << image.size()
-                   << "Expected:" << params.frameSize;
+        qCWarning(kel::logCodec) << "[KelAsyncEncoder] Frame" << index << "has the size" << image.size()
+                                 << "Expected:" << params.frameSize;
         return -1;
     }
     PlanarFrame *frame = frames->convert(image);
@@ -182,7 +183,7 @@ void KelAsyncEncoder::Private::fail(const QString &text)
     std::unique_lock lock(handlerMutex);
     if (!error.set(text))
         return;
-    qCritical().noquote() << "[KelAsyncEncoder]" << text;
+    qCCritical(kel::logCodec).noquote() << "[KelAsyncEncoder]" << text;
     if (!errorHandler)
         return;
     isReported = true;

@@ -6,6 +6,7 @@
 #include "avcodec/mp4/Mp4Muxer.h"
 #include "avcodec/x264/PlanarFrames.h"
 #include "avcodec/x264/X264Encoder.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 
@@ -45,7 +46,7 @@ x264_param_t encoderParams(const QSize &size, int fps, int quality)
 
 } // namespace
 
-class h264Encoder::Private
+class Q_DECL_HIDDEN h264Encoder::Private
 {
 public:
     explicit Private(const Params &p);
@@ -239,7 +240,7 @@ bool h264Encoder::Private::drain()
 bool h264Encoder::Private::fail(const QString &text)
 {
     if (error.set(text))
-        qWarning().noquote() << "[h264Encoder]" << text;
+        qCWarning(kel::logCodec).noquote() << "[h264Encoder]" << text;
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "avcodec/AudioTrack.h"
 #include "avcodec/ffmpeg/InputFile.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 
@@ -191,7 +192,7 @@ bool AudioReader::decode()
             return false;
         const int read = av_read_frame(m_format.get(), m_packet.get());
         if (read < 0 && read != AVERROR_EOF)
-            qWarning().noquote() << "[AudioReader]" << m_path << "ends early:" << av::errorText(read);
+            qCWarning(kel::logCodec).noquote() << "[AudioReader]" << m_path << "ends early:" << av::errorText(read);
         // A damaged packet is left out; the next one may be whole.
         if (read < 0 || m_packet->stream_index == m_stream->index)
             avcodec_send_packet(m_decoder.get(), read < 0 ? nullptr : m_packet.get());
@@ -200,7 +201,7 @@ bool AudioReader::decode()
     const AVFrame *frame = m_frame.get();
     if (frame->format != m_decoder->sample_fmt || frame->sample_rate != m_decoder->sample_rate ||
         frame->ch_layout.nb_channels != m_decoder->ch_layout.nb_channels) {
-        qWarning().noquote() << "[AudioReader]" << m_path << "changes its format and is cut off there";
+        qCWarning(kel::logCodec).noquote() << "[AudioReader]" << m_path << "changes its format and is cut off there";
         return false;
     }
     resample(frame);

@@ -8,6 +8,7 @@
 #include "avcodec/sound/SoundMix.h"
 
 #include "files/RenameOver.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 #include <QFile>
@@ -122,7 +123,7 @@ QString MixJob::openSound(const QList<AudioTrack> &tracks)
             continue;
         }
         problem = QStringLiteral("Cannot read sound %1: %2").arg(track.path, reason);
-        qWarning().noquote() << "[MixAudioVideoTracks]" << problem;
+        qCWarning(kel::logCodec).noquote() << "[MixAudioVideoTracks]" << problem;
     }
     if (!m_mix.isEmpty())
         return {};
@@ -345,7 +346,7 @@ bool MixAudioVideoTracks(const QString &videoPath, const QList<AudioTrack> &trac
     const QFileInfo target(output.exists() ? output.canonicalFilePath() : outputPath);
     const QString problem = mixInto(target, videoPath, tracks, progress);
     if (!problem.isEmpty() && problem != kCancelled)
-        qWarning().noquote() << "[MixAudioVideoTracks]" << problem;
+        qCWarning(kel::logCodec).noquote() << "[MixAudioVideoTracks]" << problem;
     if (error)
         *error = problem;
     return problem.isEmpty();

@@ -1,6 +1,7 @@
 #include "avcodec/x264/X264Encoder.h"
 
 #include "avcodec/x264/PlanarFrames.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 
@@ -22,9 +23,9 @@ void logMessage(void *, int level, const char *format, va_list arguments)
 {
     const QString text = QString::vasprintf(format, arguments).trimmed();
     if (level <= X264_LOG_ERROR)
-        qWarning().noquote() << "[X264Encoder]" << text;
+        qCWarning(kel::logCodec).noquote() << "[X264Encoder]" << text;
     else
-        qDebug().noquote() << "[X264Encoder]" << text;
+        qCDebug(kel::logCodec).noquote() << "[X264Encoder]" << text;
 }
 
 void appendParameterSet(QByteArray &record, const QByteArray &set)

@@ -1,6 +1,7 @@
 #include "keymouse/windows/InputHooks.h"
 
 #include "keymouse/windows/InputQueue.h"
+#include "logging/PlatformLog.h"
 
 #include <qt_windows.h>
 
@@ -27,7 +28,7 @@ void push(const WindowsInputEvent &event)
 {
     const bool pushed = t_queue->push(event);
     if (!pushed && !t_isFull)
-        qWarning("[KelKeyMouseHook] events are lost: a callback does not keep up");
+        qCWarning(logInput, "[KelKeyMouseHook] events are lost: a callback does not keep up");
     t_isFull = !pushed;
 }
 

@@ -4,6 +4,7 @@
 #include "keymouse/windows/InputHooks.h"
 #include "keymouse/windows/InputQueue.h"
 #include "keymouse/windows/WindowsInputMapper.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 
@@ -55,8 +56,8 @@ void WindowsEventSource::update()
     }
     if (!m_session->hooks.setHooked(kinds & KelKeyMouseHook::Keyboard, kinds & KelKeyMouseHook::Mouse) && !m_warned) {
         m_warned = true;
-        qWarning("[KelKeyMouseHook] keyboard and mouse cannot be watched: %s",
-                 qUtf8Printable(m_session->hooks.errorString()));
+        qCWarning(logInput, "[KelKeyMouseHook] keyboard and mouse cannot be watched: %s",
+                  qUtf8Printable(m_session->hooks.errorString()));
     }
 }
 

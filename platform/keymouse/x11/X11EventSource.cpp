@@ -3,6 +3,7 @@
 #include "keymouse/KelKeyMouseHook.h"
 #include "keymouse/x11/X11InputMapper.h"
 #include "keymouse/x11/X11InputRecorder.h"
+#include "logging/PlatformLog.h"
 
 #include <QDebug>
 
@@ -86,7 +87,8 @@ void X11EventSource::run()
         return;
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_warned && !m_quit)
-        qWarning("[KelKeyMouseHook] keyboard and mouse cannot be watched: %s", qUtf8Printable(recorder.errorString()));
+        qCWarning(logInput, "[KelKeyMouseHook] keyboard and mouse cannot be watched: %s",
+                  qUtf8Printable(recorder.errorString()));
     m_warned = true;
     m_errorString = recorder.errorString();
     setEnded();

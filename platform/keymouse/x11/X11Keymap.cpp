@@ -1,5 +1,7 @@
 #include "keymouse/x11/X11Keymap.h"
 
+#include "logging/PlatformLog.h"
+
 #include <QDebug>
 
 #include <private/qxkbcommon_p.h>
@@ -51,7 +53,7 @@ X11Keymap::X11Keymap(xcb_connection_t *connection)
                                      XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent, nullptr) ||
         !selectEvents()) {
         m_firstEvent = 0;
-        qWarning("[KelKeyMouseHook] the X server has no usable XKB extension: keys cannot be told apart");
+        qCWarning(logInput, "[KelKeyMouseHook] the X server has no usable XKB extension: keys cannot be told apart");
     }
 }
 

@@ -1,5 +1,6 @@
 #include "screen/windows/DuplicationDesktopReader.h"
 
+#include "logging/PlatformLog.h"
 #include "screen/windows/Monitors.h"
 #include "screen/windows/NativeRect.h"
 
@@ -135,8 +136,8 @@ DesktopReader::State DuplicationDesktopReader::stateAfter(HRESULT result)
     }
     if ((isElsewhere(result) || passes(result)) && ++m_vainUpdates < maxVainUpdates)
         return State::NotNow;
-    qInfo("[DuplicationDesktopReader] Windows does not hand out pictures of this desktop (error %08lx)",
-          static_cast<unsigned long>(result));
+    qCInfo(logScreen, "[DuplicationDesktopReader] Windows does not hand out pictures of this desktop (error %08lx)",
+           static_cast<unsigned long>(result));
     return State::Unusable;
 }
 

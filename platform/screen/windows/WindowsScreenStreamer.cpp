@@ -1,5 +1,6 @@
 #include "screen/windows/WindowsScreenStreamer.h"
 
+#include "logging/PlatformLog.h"
 #include "screen/OpaqueCopy.h"
 
 #include <QDebug>
@@ -85,7 +86,7 @@ void WindowsScreenStreamer::setError(const QString &error)
             return;
         m_error = error;
     }
-    qWarning("[WindowsScreenStreamer] %s", qUtf8Printable(error));
+    qCWarning(logScreen, "[WindowsScreenStreamer] %s", qUtf8Printable(error));
 }
 
 } // namespace kel

@@ -1,5 +1,6 @@
 #include "screen/x11/X11CursorSource.h"
 
+#include "logging/PlatformLog.h"
 #include "screen/CursorShape.h"
 
 #include <QImage>
@@ -41,9 +42,9 @@ X11CursorSource::X11CursorSource(const ScreenScale &scale)
 {
     if (!watchShapes()) {
         m_shapeNotice = 0;
-        qWarning("[KelCursorPixmap] the pointer cannot be seen: %s", m_connection.isOpen()
-                                                                         ? "the X server has no XFIXES extension"
-                                                                         : "there is no connection to an X server");
+        qCWarning(logScreen, "[KelCursorPixmap] the pointer cannot be seen: %s",
+                  m_connection.isOpen() ? "the X server has no XFIXES extension"
+                                        : "there is no connection to an X server");
     }
 }
 
@@ -114,7 +115,8 @@ KelCursorPixmap X11CursorSource::withoutAnswer()
 {
     if (m_connection.isOpen())
         return m_last;
-    qWarning("[KelCursorPixmap] the pointer cannot be seen any more: the connection to the X server is lost");
+    qCWarning(logScreen,
+              "[KelCursorPixmap] the pointer cannot be seen any more: the connection to the X server is lost");
     m_shapeNotice = 0;
     return {};
 }

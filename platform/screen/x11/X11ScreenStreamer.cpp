@@ -1,5 +1,6 @@
 #include "screen/x11/X11ScreenStreamer.h"
 
+#include "logging/PlatformLog.h"
 #include "screen/OpaqueCopy.h"
 
 #include <QDebug>
@@ -194,7 +195,7 @@ void X11ScreenStreamer::setError(const QString &error)
         m_error = error;
     }
     if (!error.isEmpty())
-        qWarning("[X11ScreenStreamer] %s", qUtf8Printable(error));
+        qCWarning(logScreen, "[X11ScreenStreamer] %s", qUtf8Printable(error));
 }
 
 } // namespace kel

@@ -22,7 +22,7 @@ QString roundedTime(int ms)
 
 } // namespace
 
-class KelPlayCtrlWidget::Private
+class Q_DECL_HIDDEN KelPlayCtrlWidget::Private
 {
 public:
     QVBoxLayout *layout = nullptr;

@@ -4,7 +4,7 @@
 
 using namespace kel;
 
-class KelPlayTimeLable::Private
+class Q_DECL_HIDDEN KelPlayTimeLable::Private
 {
 public:
     qint64 durationMs = 0;

@@ -35,7 +35,7 @@ double limited(double value, double low, double high)
 
 } // namespace
 
-class PlayProgressBar::Private
+class Q_DECL_HIDDEN PlayProgressBar::Private
 {
 public:
     Private(PlayProgressBar *bar, bool editable)

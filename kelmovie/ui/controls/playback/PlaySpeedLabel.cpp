@@ -4,7 +4,7 @@
 
 using namespace kel;
 
-class PlaySpeedLabel::Private
+class Q_DECL_HIDDEN PlaySpeedLabel::Private
 {
 public:
     double speed = 1.0;

@@ -6,7 +6,7 @@
 
 using namespace kel;
 
-class KelRecordTimeLable::Private
+class Q_DECL_HIDDEN KelRecordTimeLable::Private
 {
 public:
     bool isRecording = false;

@@ -3,8 +3,8 @@
 
 #include "Figure.h"
 #include "audio/processing/KelAudioSpeedProcessor.h"
+#include "avcodec/audio/MixAudioVideoTracks.h"
 #include "avcodec/mp4/h264Encoder.h"
-#include "avcodec/sound/MixAudioVideoTracks.h"
 #include "recording/wav/WavHeader.h"
 
 #include <QCoreApplication>

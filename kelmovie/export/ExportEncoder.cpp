@@ -64,9 +64,9 @@ bool ExportEncoder::addFrame(qint64 index, const QImage &image)
     return isLarge ? runBeside(add, [] {}) : add(*m_encoder);
 }
 
-bool ExportEncoder::holdUntil(qint64 end)
+bool ExportEncoder::repeatLastFrameUntil(qint64 end)
 {
-    return waitForRoom() && m_encoder->holdUntil(quint64(end));
+    return waitForRoom() && m_encoder->repeatLastFrameUntil(quint64(end));
 }
 
 qint64 ExportEncoder::framesWritten() const

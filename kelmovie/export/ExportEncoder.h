@@ -33,7 +33,7 @@ public:
     // False when the encoder has failed, and when the export was cancelled, which the watch tells.
     bool addFrame(qint64 index, const QImage &image);
     /// Shows the latest picture until frame `end`.
-    bool holdUntil(qint64 end);
+    bool repeatLastFrameUntil(qint64 end);
     /// Finishes the file; `meanwhile` is called now and then.
     bool close(const std::function<void()> &meanwhile);
 

@@ -1,7 +1,7 @@
 #include "export/KelExportPipeline.h"
 
 #include "avcodec/KelAVCodecEncoder.h"
-#include "avcodec/sound/MixAudioVideoTracks.h"
+#include "avcodec/audio/MixAudioVideoTracks.h"
 #include "export/BackgroundTasks.h"
 #include "export/ExportCanvas.h"
 #include "export/ExportEncoder.h"
@@ -231,11 +231,11 @@ bool KelExportPipeline::Private::encodeFrames(ExportEncoder &encoder, const Expo
         if (canvas.isStale(*manager)) {
             if (!isGiven(i + 1, encoder.addFrame(i, canvas.paint(*manager))))
                 return false;
-        } else if (i + 1 - given >= kRepeatedAtOnce && !isGiven(i + 1, encoder.holdUntil(i + 1))) {
+        } else if (i + 1 - given >= kRepeatedAtOnce && !isGiven(i + 1, encoder.repeatLastFrameUntil(i + 1))) {
             return false;
         }
     }
-    return isGiven(frames, encoder.holdUntil(frames));
+    return isGiven(frames, encoder.repeatLastFrameUntil(frames));
 }
 
 /// Decodes in the background, so that the user may give up meanwhile.

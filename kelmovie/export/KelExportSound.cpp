@@ -1,7 +1,7 @@
 #include "export/KelExportSound.h"
 
 #include "audio/output/AudioGain.h"
-#include "avcodec/sound/MixAudioVideoTracks.h"
+#include "avcodec/audio/MixAudioVideoTracks.h"
 #include "logging/Log.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 

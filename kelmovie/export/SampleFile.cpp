@@ -57,7 +57,7 @@ void SampleFile::close(int end)
 {
     m_isClosed = true;
     m_work = std::async(std::launch::async, [encoder = m_encoder.get(), end] {
-        return encoder->holdUntil(quint64(end)) && encoder->close();
+        return encoder->repeatLastFrameUntil(quint64(end)) && encoder->close();
     });
 }
 

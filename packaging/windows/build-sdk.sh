@@ -90,10 +90,11 @@ ffmpeg() {
         --enable-cross-compile --cross-prefix=$host- --pkg-config=pkg-config --pkg-config-flags=--static \
         --extra-cflags="-I$sdk/deps/include" --extra-ldflags="-L$sdk/deps/lib" --enable-gpl --enable-shared \
         --disable-static --disable-programs --disable-doc --disable-debug --disable-network --disable-autodetect \
-        --disable-avdevice --disable-postproc --enable-libx264 --enable-zlib --enable-dxva2 --enable-d3d11va &&
+        --disable-avdevice --disable-avfilter --disable-postproc --enable-libx264 --enable-zlib --enable-dxva2 \
+        --enable-d3d11va &&
         make -j "$jobs" install)
     # The linker wants them beside the others.
-    mv "$sdk"/deps/bin/lib{avcodec,avformat,avfilter,avutil,swscale,swresample}.dll.a "$sdk/deps/lib" 2>/dev/null || true
+    mv "$sdk"/deps/bin/lib{avcodec,avformat,avutil,swscale,swresample}.dll.a "$sdk/deps/lib" 2>/dev/null || true
 }
 
 libwebp() {

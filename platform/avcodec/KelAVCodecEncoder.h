@@ -9,8 +9,8 @@
 ///
 /// Frames are numbered from 0 and all last equally long. A picture is shown until the next one's frame, so one that is
 /// to be seen for several frames needs to be handed over once only: add it at its first frame, the next picture at
-/// that one's, and tell with holdUntil() how long the last one stays. The file is as long, and looks the same, as if
-/// each frame had been added; repetitions cost next to nothing in bytes and time.
+/// that one's, and tell with repeatLastFrameUntil() how long the last one stays. The file is as long, and looks the
+/// same, as if each frame had been added; repetitions cost next to nothing in bytes and time.
 class KelAVCodecEncoder
 {
 public:
@@ -19,8 +19,8 @@ public:
     /// The file is open and nothing has failed so far. Once false it stays false, and errorString() says why.
     virtual bool isValid() const = 0;
 
-    /// Whether addFrame() and holdUntil() can go ahead without waiting for the encoder, once at most `limit` has
-    /// passed.
+    /// Whether addFrame() and repeatLastFrameUntil() can go ahead without waiting for the encoder, once at most `limit`
+    /// has passed.
     virtual bool waitForRoom(std::chrono::milliseconds) { return true; }
 
     /// Takes the picture that is shown from frame `index` on, which rises from call to call; frames left out repeat the
@@ -30,7 +30,7 @@ public:
 
     /// Shows the latest picture until frame `end`, where the next one or the end of the file comes; does nothing when
     /// it is shown for that long already. False when the encoder has failed, or there is no picture yet.
-    virtual bool holdUntil(quint64 end) = 0;
+    virtual bool repeatLastFrameUntil(quint64 end) = 0;
 
     /// Encodes what is queued and finishes the file. False when it is not complete. Later calls answer the same.
     virtual bool close() = 0;

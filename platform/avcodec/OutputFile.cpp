@@ -30,7 +30,7 @@ bool OutputFile::overwrite(qint64 position, const QByteArray &bytes)
     return true;
 }
 
-bool OutputFile::cutBack(qint64 size)
+bool OutputFile::truncate(qint64 size)
 {
     m_error.clear();
     if (!m_file.resize(size) || !m_file.seek(size))
@@ -39,7 +39,7 @@ bool OutputFile::cutBack(qint64 size)
     return true;
 }
 
-bool OutputFile::becomeLike(OutputFile &other)
+bool OutputFile::replaceWith(OutputFile &other)
 {
     m_file.close();
     other.m_file.close();

@@ -22,10 +22,10 @@ public:
     bool overwrite(qint64 position, const QByteArray &bytes);
 
     /// Cuts off what stands behind `size` and forgets a failure, so that what is left can be brought to a good end.
-    bool cutBack(qint64 size);
+    bool truncate(qint64 size);
 
     /// Puts the file of `other`, which is done with, in the place of this one. When that fails, this one is as before.
-    bool becomeLike(OutputFile &other);
+    bool replaceWith(OutputFile &other);
 
     /// Deletes the file.
     void remove();

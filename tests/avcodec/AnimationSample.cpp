@@ -12,7 +12,7 @@
 namespace
 {
 
-QRgb patchColour(uint number)
+QRgb patchColor(uint number)
 {
     return qRgb(int(number % 200), int(number * 7 % 200), int(number * 13 % 200) + 50);
 }
@@ -24,7 +24,7 @@ void paintPatches(QImage &image, uint seed, int count, QSize largest)
     for (int i = 0; i < count; ++i) {
         const QPoint corner(int(random() % uint(image.width())), int(random() % uint(image.height())));
         const QSize size(1 + int(random() % uint(largest.width())), 1 + int(random() % uint(largest.height())));
-        painter.fillRect(QRect(corner, size), QColor(patchColour(random() % 200)));
+        painter.fillRect(QRect(corner, size), QColor(patchColor(random() % 200)));
     }
 }
 
@@ -45,7 +45,7 @@ QImage patches(QSize size, int frame)
     const int chapter = frame / 20;                                 // everything changes
     const int change = frame % 20 / 7 * 7 + std::min(frame % 7, 4); // still for three frames out of seven
     QImage image(size, QImage::Format_RGB32);
-    image.fill(patchColour(uint(chapter) * 31));
+    image.fill(patchColor(uint(chapter) * 31));
     paintPatches(image, uint(chapter), 400, {12, 5});
     for (int i = 0; i < change % 20; ++i)
         paintPatches(image, 1000u * uint(chapter) + uint(i), 3, {size.width() / 8 + 1, size.height() / 8 + 1});

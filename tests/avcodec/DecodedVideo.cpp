@@ -115,7 +115,7 @@ double psnr(const QImage &a, const QImage &b)
     return sum == 0 ? 99 : 10 * std::log10(255.0 * 255.0 * 3 * a.width() * a.height() / double(sum));
 }
 
-QImage textPicture(const QSize &size, int number)
+QImage textImage(const QSize &size, int number)
 {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::white);

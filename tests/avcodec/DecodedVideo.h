@@ -41,5 +41,5 @@ QList<QByteArray> mp4Boxes(const QString &path);
 /// Peak signal to noise ratio over red, green and blue in dB, at most 99.
 double psnr(const QImage &a, const QImage &b);
 
-/// Dense coloured text of small size; the pictures of one sequence scroll by a few lines each.
-QImage textPicture(const QSize &size, int number);
+/// Dense colored text of small size; the pictures of one sequence scroll by a few lines each.
+QImage textImage(const QSize &size, int number);

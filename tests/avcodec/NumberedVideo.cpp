@@ -12,7 +12,7 @@ namespace
 {
 
 constexpr int kBlock = 20;
-constexpr int kColumns = Width / kBlock;
+constexpr int kColumns = kWidth / kBlock;
 constexpr int kBits = 2 * kColumns; // the second row of blocks is the complement of the first one
 
 QRect block(int index)
@@ -24,7 +24,7 @@ QRect block(int index)
 
 QImage picture(int number)
 {
-    QImage image(Width, Height, QImage::Format_RGB32);
+    QImage image(kWidth, kHeight, QImage::Format_RGB32);
     image.fill(QColor(40, 90, 160));
     QPainter painter(&image);
     for (int i = 0; i < kBits; ++i) {
@@ -32,13 +32,13 @@ QImage picture(int number)
         painter.fillRect(block(i), bit != (i >= kColumns) ? Qt::white : Qt::black);
     }
     // Something that moves, so that frames do refer to each other.
-    painter.fillRect(number * 3 % Width, 48, 30, 40, QColor(220, 120, number * 5 % 256));
+    painter.fillRect(number * 3 % kWidth, 48, 30, 40, QColor(220, 120, number * 5 % 256));
     return image;
 }
 
 int numberIn(const QImage &picture)
 {
-    if (picture.width() != Width || picture.height() != Height)
+    if (picture.width() != kWidth || picture.height() != kHeight)
         return -1;
     int number = 0;
     for (int i = 0; i < kColumns; ++i) {

@@ -9,8 +9,8 @@
 namespace NumberedVideo
 {
 
-constexpr int Width = 160;
-constexpr int Height = 96;
+constexpr int kWidth = 160;
+constexpr int kHeight = 96;
 
 QImage picture(int number);
 

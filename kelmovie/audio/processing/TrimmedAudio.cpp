@@ -1,7 +1,7 @@
 #include "audio/processing/TrimmedAudio.h"
 
+#include "avcodec/audio/MixAudioVideoTracks.h"
 #include "avcodec/mp4/h264Encoder.h"
-#include "avcodec/sound/MixAudioVideoTracks.h"
 #include "logging/Log.h"
 
 #include <QDebug>

@@ -16,15 +16,15 @@ namespace av
 namespace
 {
 
-constexpr int MaxPlays = 65535;       // what all formats can hold
-constexpr qint64 MaxPixels = 1 << 28; // keeps every buffer of one picture well below the 2 GiB of a QByteArray
-constexpr int MaxFps = 1000;
+constexpr int kMaxPlays = 65535;       // what all formats can hold
+constexpr qint64 kMaxPixels = 1 << 28; // keeps every buffer of one picture well below the 2 GiB of a QByteArray
+constexpr int kMaxFps = 1000;
 
 /// Encoding a huge picture may take long; only a worker that hangs takes longer than this.
-constexpr auto RoomLimit = std::chrono::minutes(10);
+constexpr auto kQueueTimeout = std::chrono::minutes(10);
 
 /// An encode on every core, and the next one ready.
-std::size_t picturesAtOnce()
+std::size_t framesAtOnce()
 {
     return std::clamp(std::thread::hardware_concurrency(), 1u, 8u) + 1;
 }
@@ -37,7 +37,7 @@ std::optional<int> playsFrom(const QString &extra)
     static const QRegularExpression form(QStringLiteral("^loop=(\\d{1,5})$"));
     const QRegularExpressionMatch match = form.match(extra);
     const int plays = match.captured(1).toInt();
-    if (!match.hasMatch() || plays > MaxPlays)
+    if (!match.hasMatch() || plays > kMaxPlays)
         return std::nullopt;
     return plays;
 }
@@ -50,13 +50,13 @@ AnimationEncoder::AnimationEncoder(QSize size, const QString &path, int fps, con
     , m_fps(fps)
     , m_format(std::move(format))
 {
-    if (fps < 1 || fps > MaxFps) {
+    if (fps < 1 || fps > kMaxFps) {
         fail(QStringLiteral("Invalid frame rate: %1").arg(fps));
         return;
     }
     m_limits = m_format->limits();
     if (size.isEmpty() || std::max(size.width(), size.height()) > m_limits.largestSide ||
-        qint64(size.width()) * size.height() > MaxPixels) {
+        qint64(size.width()) * size.height() > kMaxPixels) {
         fail(QStringLiteral("Invalid picture size: %1x%2").arg(size.width()).arg(size.height()));
         return;
     }
@@ -70,7 +70,7 @@ AnimationEncoder::AnimationEncoder(QSize size, const QString &path, int fps, con
         fail(m_file.errorString());
         return;
     }
-    m_writer.emplace(picturesAtOnce(), [this](Job &job) { return write(job); });
+    m_writer.emplace(framesAtOnce(), [this](Job &job) { return write(job); });
 }
 
 AnimationEncoder::~AnimationEncoder()
@@ -105,7 +105,7 @@ bool AnimationEncoder::addFrame(quint64 index, const QImage &image)
     return isValid();
 }
 
-bool AnimationEncoder::holdUntil(quint64 end)
+bool AnimationEncoder::repeatLastFrameUntil(quint64 end)
 {
     if (!isValid() || m_closed)
         return false;
@@ -136,7 +136,7 @@ void AnimationEncoder::take(quint64 index, const QImage &image)
     if (!m_pending) {
         m_comparer.emplace(m_size, m_limits.alignment);
         m_pending = m_comparer->accept(image, QRect(QPoint(0, 0), m_size));
-        m_format->prepare(*m_pending);
+        m_format->analyzeFirstFrame(*m_pending);
         return;
     }
     const QRect changed = m_comparer->changedRect(image);
@@ -144,7 +144,7 @@ void AnimationEncoder::take(quint64 index, const QImage &image)
         return;
     const qint64 start = ticksAt(index);
     if (start - m_pendingStart < m_limits.shortest) {
-        const PictureDelta latest = m_comparer->accept(image, changed);
+        const FrameDelta latest = m_comparer->accept(image, changed);
         m_pending = m_comparer->merged(*m_pending, latest);
         return;
     }
@@ -170,7 +170,7 @@ bool AnimationEncoder::commit(qint64 end, quint64 framesDone)
 
         auto encode = [this, delta = std::move(*m_pending)] { return m_format->encode(delta, m_cancelled); };
         Job job{std::async(std::launch::async, std::move(encode)), int(ticks), last ? framesDone : 0};
-        if (!m_writer->push(std::move(job), RoomLimit))
+        if (!m_writer->push(std::move(job), kQueueTimeout))
             return fail(QStringLiteral("The encoder does not answer")); // unless there is a better reason already
         if (last)
             return true;
@@ -204,7 +204,7 @@ bool AnimationEncoder::write(Job &job)
 
 bool AnimationEncoder::append(const EncodedFrame &picture, int ticks)
 {
-    const bool isReady = m_wholeFrames > 0 ? m_format->makeWayFor(m_file, picture, m_cancelled)
+    const bool isReady = m_wholeFrames > 0 ? m_format->prepareToWrite(m_file, picture, m_cancelled)
                                            : m_format->writeHeader(m_file, m_size, m_plays);
     if (m_wholeFrames > 0)
         m_wholeFrames = m_file.size(); // which may have changed
@@ -217,7 +217,7 @@ bool AnimationEncoder::append(const EncodedFrame &picture, int ticks)
 /// After a failure: what has been written so far becomes a file of its own right.
 void AnimationEncoder::saveWholeFrames()
 {
-    if (m_wholeFrames > 0 && m_file.cutBack(m_wholeFrames))
+    if (m_wholeFrames > 0 && m_file.truncate(m_wholeFrames))
         m_format->writeTrailer(m_file);
 }
 

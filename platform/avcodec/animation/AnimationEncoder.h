@@ -4,7 +4,7 @@
 #include "avcodec/FirstError.h"
 #include "avcodec/KelAVCodecEncoder.h"
 #include "avcodec/animation/AnimationFormat.h"
-#include "avcodec/animation/PictureComparer.h"
+#include "avcodec/animation/FrameComparer.h"
 
 #include <QSize>
 
@@ -36,7 +36,7 @@ public:
     /// Images have the encoder's size. Alpha is taken as painted on black.
     bool waitForRoom(std::chrono::milliseconds limit) override;
     bool addFrame(quint64 index, const QImage &image) override;
-    bool holdUntil(quint64 end) override;
+    bool repeatLastFrameUntil(quint64 end) override;
     bool close() override;
     void abort() override;
 
@@ -73,10 +73,10 @@ private:
     int m_plays = 0;
     OutputFile m_file;
     qint64 m_wholeFrames = 0; // bytes in the file up to the end of the last whole frame
-    std::optional<PictureComparer> m_comparer;
+    std::optional<FrameComparer> m_comparer;
 
-    std::optional<PictureDelta> m_pending; // not handed over, because its duration is not known
-    qint64 m_pendingStart = 0;             // ticks
+    std::optional<FrameDelta> m_pending; // not handed over, because its duration is not known
+    qint64 m_pendingStart = 0;           // ticks
     quint64 m_frames = 0;
     bool m_closed = false;
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "avcodec/OutputFile.h"
-#include "avcodec/animation/PictureDelta.h"
+#include "avcodec/animation/FrameDelta.h"
 
 #include <QByteArray>
 #include <QSize>
@@ -14,10 +14,10 @@ namespace av
 
 /// A picture in its encoded form, waiting to be written.
 struct EncodedFrame {
-    QRect rect;                                    ///< place in the animation
-    bool keepsPixels = false;                      ///< transparent pixels stand for what was there before
-    QByteArray data;                               ///< as the format that made it understands it; empty: it failed
-    std::optional<QRgb> freeColour = std::nullopt; ///< as in its PictureDelta
+    QRect rect;                                     ///< place in the animation
+    bool hasTransparentPixels = false;              ///< transparent pixels stand for what was there before
+    QByteArray data;                                ///< as the format that made it understands it; empty: it failed
+    std::optional<QRgb> unusedColor = std::nullopt; ///< as in its FrameDelta
 };
 
 /// What sets one animated picture format apart from another. AnimationEncoder does the rest: it finds what changes,
@@ -39,17 +39,17 @@ public:
     virtual Limits limits() const = 0;
 
     /// Sees the first picture before anything is encoded or written, to settle what is to hold for the whole file.
-    virtual void prepare(const PictureDelta &first) = 0;
+    virtual void analyzeFirstFrame(const FrameDelta &first) = 0;
 
     /// May give up with empty data as soon as `cancelled` is set.
-    virtual EncodedFrame encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const = 0;
+    virtual EncodedFrame encode(const FrameDelta &delta, const std::atomic<bool> &cancelled) const = 0;
 
     /// `plays`: how often the animation is to be shown, 0 for endlessly.
     virtual bool writeHeader(OutputFile &file, QSize size, int plays) = 0;
 
     /// Comes before writeFrame() for every picture but the first. Whatever it does to the file and however it ends, all
     /// frames of before are in there. May give up as soon as `cancelled` is set.
-    virtual bool makeWayFor(OutputFile &, const EncodedFrame &, const std::atomic<bool> &) { return true; }
+    virtual bool prepareToWrite(OutputFile &, const EncodedFrame &, const std::atomic<bool> &) { return true; }
 
     virtual bool writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks) = 0;
     virtual bool writeTrailer(OutputFile &file) = 0;

@@ -40,7 +40,7 @@ bool FrameDecoder::open(const QString &path, QString *error)
 {
     if (!m_source.open(path, m_options.codec, error))
         return false;
-    if (!m_options.deviceType.isEmpty() && av::isForDevices(*m_source.parameters())) {
+    if (!m_options.deviceType.isEmpty() && av::canDecodeOnHardware(*m_source.parameters())) {
         if (openCodec(m_options.deviceType))
             return true;
         warnOfSoftware();
@@ -60,7 +60,7 @@ bool FrameDecoder::openCodec(const QByteArray &deviceType)
     if (!codec || !m_codec || avcodec_parameters_to_context(m_codec.get(), m_source.parameters()) < 0)
         return false;
     if (!deviceType.isEmpty()) {
-        m_codec->hw_device_ctx = av::openDevice(deviceType).release();
+        m_codec->hw_device_ctx = av::openHardwareDevice(deviceType).release();
         if (!m_codec->hw_device_ctx)
             return false;
     }

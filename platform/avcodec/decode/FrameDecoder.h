@@ -2,7 +2,7 @@
 
 #include "avcodec/decode/FrameCache.h"
 #include "avcodec/decode/FrameConverter.h"
-#include "avcodec/decode/VideoSource.h"
+#include "avcodec/decode/VideoDemuxer.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -50,7 +50,7 @@ private:
     void warnOfSoftware();
 
     const Options m_options;
-    VideoSource m_source;
+    VideoDemuxer m_source;
     av::CodecContext m_codec;
     FrameCache m_cache;
     FrameConverter m_converter;

@@ -9,7 +9,7 @@ extern "C" {
 namespace av
 {
 
-BufferRef openDevice(const QByteArray &type)
+BufferRef openHardwareDevice(const QByteArray &type)
 {
     useQtLog();
     AVBufferRef *device = nullptr;
@@ -27,13 +27,13 @@ QByteArray usableDeviceType(const AVCodec *codec)
         if (isOutdated || !(config->methods & AV_CODEC_HW_CONFIG_METHOD_HW_DEVICE_CTX))
             continue;
         QByteArray type = av_hwdevice_get_type_name(config->device_type);
-        if (openDevice(type))
+        if (openHardwareDevice(type))
             return type;
     }
     return {};
 }
 
-bool isForDevices(const AVCodecParameters &video)
+bool canDecodeOnHardware(const AVCodecParameters &video)
 {
     // An MP4 or Matroska file states the profile at the begin of the codec's own header.
     const bool isStated = video.extradata_size > 1 && video.extradata[0] == 1;

@@ -4,7 +4,6 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
-#include <libavfilter/avfilter.h>
 #include <libavformat/avformat.h>
 #include <libavutil/dict.h>
 #include <libavutil/error.h>
@@ -36,7 +35,6 @@ struct Deleter {
     }
     void operator()(AVFrame *frame) const { av_frame_free(&frame); }
     void operator()(AVPacket *packet) const { av_packet_free(&packet); }
-    void operator()(AVFilterGraph *graph) const { avfilter_graph_free(&graph); }
     void operator()(AVBufferRef *buffer) const { av_buffer_unref(&buffer); }
     void operator()(AVDictionary *dictionary) const { av_dict_free(&dictionary); }
     void operator()(SwsContext *context) const { sws_freeContext(context); }
@@ -51,7 +49,6 @@ using CodecContext = Handle<AVCodecContext>;
 using IoContext = Handle<AVIOContext>; // for avio_alloc_context(), not avio_open()
 using Frame = Handle<AVFrame>;
 using Packet = Handle<AVPacket>;
-using FilterGraph = Handle<AVFilterGraph>;
 using BufferRef = Handle<AVBufferRef>;
 using Dictionary = Handle<AVDictionary>;
 using ScaleContext = Handle<SwsContext>;

@@ -3,7 +3,7 @@
 #include "avcodec/BoundedWorker.h"
 #include "avcodec/FirstError.h"
 #include "avcodec/mp4/RecordingMp4Writer.h"
-#include "avcodec/x264/PlanarFrames.h"
+#include "avcodec/x264/PlanarFrameConverter.h"
 #include "avcodec/x264/X264Encoder.h"
 #include "logging/PlatformLog.h"
 
@@ -18,7 +18,7 @@ using namespace av;
 namespace
 {
 
-/// The worst quantizer is that of quality 0; at 100 small coloured text comes out at 49 dB and better.
+/// The worst quantizer is that of quality 0; at 100 small colored text comes out at 49 dB and better.
 int quantizer(int quality)
 {
     constexpr int best = 16;
@@ -41,7 +41,7 @@ x264_param_t encoderParams(const KelAsyncEncoder::Params &params)
     // The fastest coding tools that there are; no frame waits in the encoder for later ones.
     x264_param_t x264 = X264Encoder::defaultParams("ultrafast", "zerolatency", params.frameSize, params.fps);
 
-    // RGB as it is on the screen: coloured text keeps its sharpness. All three planes count alike, while by default
+    // RGB as it is on the screen: colored text keeps its sharpness. All three planes count alike, while by default
     // the second and third get the coarser quantizer of chroma.
     x264.i_csp = X264_CSP_I444;
     x264.vui.i_colmatrix = 0;
@@ -100,7 +100,7 @@ private:
     std::mutex handlerMutex; // guards the next two
     std::function<void(const QString &)> errorHandler;
     bool isReported = false;
-    std::unique_ptr<PlanarFrames> frames;
+    std::unique_ptr<PlanarFrameConverter> frames;
     std::unique_ptr<X264Encoder> encoder;
     std::unique_ptr<RecordingMp4Writer> writer;
     std::unique_ptr<BoundedWorker<Item>> worker; // last: its thread uses all of the above
@@ -124,7 +124,7 @@ QString KelAsyncEncoder::Private::open()
     if (!writer->errorString().isEmpty())
         return writer->errorString();
     const int capacity = std::max(params.queueCapacity, 1);
-    frames = std::make_unique<PlanarFrames>(params.frameSize, PlanarFrames::Layout::Gbr444, capacity);
+    frames = std::make_unique<PlanarFrameConverter>(params.frameSize, PlanarFrameConverter::Layout::Gbr444, capacity);
     worker = std::make_unique<BoundedWorker<Item>>(std::size_t(capacity), [this](Item &item) { return encode(item); });
     return {};
 }
@@ -168,12 +168,12 @@ void KelAsyncEncoder::Private::close()
 
 bool KelAsyncEncoder::Private::encode(const Item &item)
 {
-    EncodedPicture picture;
+    EncodedVideoFrame picture;
     const bool isEncoded = encoder->encode(*item.frame, item.number, &picture);
     frames->release(item.frame);
     if (!isEncoded)
         fail(QStringLiteral("The H.264 encoder failed at frame %1").arg(item.number));
-    else if (!writer->writePicture(picture))
+    else if (!writer->writeFrame(picture))
         fail(writer->errorString());
     return !error.isSet();
 }

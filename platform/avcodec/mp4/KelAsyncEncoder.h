@@ -11,7 +11,7 @@
 /// lossless at full quality, cheap where the picture did not change, and readable up to the last frame whatever
 /// happens to the process. Used by one thread at a time; virtual so that a test can stand in for it.
 ///
-/// The pictures are kept as RGB, so colours are as sharp as brightness. Quality is H.264's quantizer on a straight
+/// The pictures are kept as RGB, so colors are as sharp as brightness. Quality is H.264's quantizer on a straight
 /// line: 100 is 16 (errors of one or two levels of 256), 50 is 28, 0 is 40.
 class KelAsyncEncoder
 {
@@ -21,7 +21,7 @@ public:
         QImage::Format inputFormat = QImage::Format_ARGB32_Premultiplied;
         QString path;              ///< the MP4 file; replaced when it exists
         int fps = 30;              ///< nominal frames a second: frame n is shown at n / fps seconds
-        int quality = 100;         ///< 0 (smallest) to 100 (small coloured text stays crisp: 49 dB)
+        int quality = 100;         ///< 0 (smallest) to 100 (small colored text stays crisp: 49 dB)
         int threads = 0;           ///< 0: as many as are useful
         int keyframeInterval = 10; ///< a keyframe at least every so many frames
         int keyframeIntervalMin = 10;

@@ -20,12 +20,12 @@ Mp4Index::Mp4Index(const Mp4VideoTrack &track)
     m_isValid = m_muxer.writeHeader(nullptr) == 0;
 }
 
-void Mp4Index::add(const EncodedPicture &picture, qint64 offset)
+void Mp4Index::add(const EncodedVideoFrame &picture, qint64 offset)
 {
     if (!m_isValid)
         return;
     m_file.seek(offset);
-    m_isValid = m_muxer.writePicture(picture) == 0;
+    m_isValid = m_muxer.writeFrame(picture) == 0;
 }
 
 QByteArray Mp4Index::finish()

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "avcodec/mp4/FileWindow.h"
 #include "avcodec/mp4/Mp4Muxer.h"
+#include "avcodec/mp4/MuxerBuffer.h"
 
 #include <QByteArray>
 
@@ -15,7 +15,7 @@ public:
     explicit Mp4Index(const Mp4VideoTrack &track);
 
     /// Adds a picture whose bytes begin at `offset`.
-    void add(const EncodedPicture &picture, qint64 offset);
+    void add(const EncodedVideoFrame &picture, qint64 offset);
 
     /// The box with all pictures; empty when anything failed. Ends the work.
     QByteArray finish();
@@ -23,7 +23,7 @@ public:
 private:
     // The muxer writes the pictures into a file that nobody keeps, at their places in the real one; of all that,
     // only the box is caught.
-    FileWindow m_file;
+    MuxerBuffer m_file;
     Mp4Muxer m_muxer;
     bool m_isValid;
 };

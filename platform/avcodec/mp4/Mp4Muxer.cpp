@@ -56,7 +56,7 @@ int Mp4Muxer::writeHeader(const char *flags)
     return result(std::min(code, 0));
 }
 
-int Mp4Muxer::writePicture(const EncodedPicture &picture)
+int Mp4Muxer::writeFrame(const EncodedVideoFrame &picture)
 {
     AVPacket *packet = m_packet.get();
     packet->data = const_cast<uint8_t *>(picture.data); // not written to

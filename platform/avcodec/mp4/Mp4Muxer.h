@@ -8,7 +8,7 @@
 namespace av
 {
 
-struct EncodedPicture;
+struct EncodedVideoFrame;
 
 /// What an MP4 file states about its one H.264 video track.
 struct Mp4VideoTrack {
@@ -30,7 +30,7 @@ public:
     /// `flags` is the muxer's "movflags"; null for an ordinary file.
     int writeHeader(const char *flags);
 
-    int writePicture(const EncodedPicture &picture);
+    int writeFrame(const EncodedVideoFrame &picture);
 
     /// Ends the present fragment ("frag_custom" files).
     int flushFragment();

@@ -52,12 +52,12 @@ RecordingMp4Writer::RecordingMp4Writer(const QString &path, const Mp4VideoTrack 
     append(header);
 }
 
-bool RecordingMp4Writer::writePicture(const EncodedPicture &picture)
+bool RecordingMp4Writer::writeFrame(const EncodedVideoFrame &picture)
 {
     if (!m_errorString.isEmpty())
         return false;
     m_window.restart(m_end);
-    int code = m_fragments.writePicture(picture);
+    int code = m_fragments.writeFrame(picture);
     if (code == 0)
         code = m_fragments.flushFragment();
     if (code < 0)
@@ -76,13 +76,13 @@ bool RecordingMp4Writer::close()
         if (m_pictures == 0)
             m_file.remove();
         else
-            becomeOrdinary(m_index.finish());
+            finalizeAsPlainMp4(m_index.finish());
     }
     m_file.close();
     return m_errorString.isEmpty();
 }
 
-bool RecordingMp4Writer::becomeOrdinary(const QByteArray &index)
+bool RecordingMp4Writer::finalizeAsPlainMp4(const QByteArray &index)
 {
     if (index.isEmpty())
         return fail(QStringLiteral("the index could not be made"));

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "avcodec/mp4/FileWindow.h"
 #include "avcodec/mp4/Mp4Index.h"
 #include "avcodec/mp4/Mp4Muxer.h"
+#include "avcodec/mp4/MuxerBuffer.h"
 
 #include <QFile>
 #include <QString>
@@ -11,7 +11,7 @@ namespace av
 {
 
 /// Writes an MP4 file that is playable at every moment. While it grows it is a fragmented MP4, one fragment a picture,
-/// and each picture is in the file when writePicture() returns. close() makes it an ordinary MP4: it appends an index
+/// and each picture is in the file when writeFrame() returns. close() makes it an ordinary MP4: it appends an index
 /// of all pictures and hides the fragments' structure from readers:
 ///
 ///     growing  ftyp  free (16 bytes)                moov  moof mdat  moof mdat  …
@@ -25,7 +25,7 @@ public:
     RecordingMp4Writer(const QString &path, const Mp4VideoTrack &track);
 
     /// False when a write failed, now or before: errorString() tells.
-    bool writePicture(const EncodedPicture &picture);
+    bool writeFrame(const EncodedVideoFrame &picture);
 
     /// Completes the file. A file without pictures is removed. False on failure, before or now.
     bool close();
@@ -35,7 +35,7 @@ public:
 
 private:
     bool append(const QByteArray &data);
-    bool becomeOrdinary(const QByteArray &index);
+    bool finalizeAsPlainMp4(const QByteArray &index);
     bool fail(const QString &reason);
 
     QFile m_file;
@@ -43,7 +43,7 @@ private:
     qint64 m_placeholder = 0; // position of the "free" box
     qint64 m_pictures = 0;
     QString m_errorString;
-    FileWindow m_window; // the next fragment
+    MuxerBuffer m_window; // the next fragment
     Mp4Muxer m_fragments;
     Mp4Index m_index;
 };

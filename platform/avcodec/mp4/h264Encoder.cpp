@@ -4,7 +4,7 @@
 #include "avcodec/FirstError.h"
 #include "avcodec/ffmpeg/MuxerFile.h"
 #include "avcodec/mp4/Mp4Muxer.h"
-#include "avcodec/x264/PlanarFrames.h"
+#include "avcodec/x264/PlanarFrameConverter.h"
 #include "avcodec/x264/X264Encoder.h"
 #include "logging/PlatformLog.h"
 
@@ -53,7 +53,7 @@ public:
 
     bool waitForRoom(std::chrono::milliseconds limit) const { return !worker || worker->waitForRoom(limit); }
     bool addFrame(quint64 index, const QImage &image);
-    bool holdUntil(quint64 end);
+    bool repeatLastFrameUntil(quint64 end);
     bool close();
     void abort();
     bool fail(const QString &text);
@@ -74,11 +74,11 @@ private:
     bool push(const Item &item);
     bool handle(const Item &item);
     bool encodeShown();
-    bool write(const EncodedPicture &picture);
+    bool write(const EncodedVideoFrame &picture);
     bool drain();
     static int isInterrupted(void *self) { return static_cast<Private *>(self)->error.isSet() ? 1 : 0; }
 
-    std::unique_ptr<PlanarFrames> frames;
+    std::unique_ptr<PlanarFrameConverter> frames;
     std::unique_ptr<X264Encoder> encoder;
     const AVIOInterruptCB interrupt{isInterrupted, this}; // the index of a huge file is long in moving
     MuxerFile file;
@@ -102,7 +102,8 @@ QString h264Encoder::Private::open()
 {
     if (QString text = X264Encoder::limitError(params.size, params.fps); !text.isEmpty())
         return text;
-    frames = std::make_unique<PlanarFrames>(params.size, PlanarFrames::Layout::Bt709Yuv420, kQueueCapacity + 2);
+    frames = std::make_unique<PlanarFrameConverter>(params.size, PlanarFrameConverter::Layout::Bt709Yuv420,
+                                                    kQueueCapacity + 2);
     encoder = std::make_unique<X264Encoder>(encoderParams(frames->pictureSize(), params.fps, params.quality));
     if (!encoder->isValid())
         return QStringLiteral("The H.264 encoder cannot be opened");
@@ -146,7 +147,7 @@ bool h264Encoder::Private::addFrame(quint64 index, const QImage &image)
     return push({frame, qint64(index)});
 }
 
-bool h264Encoder::Private::holdUntil(quint64 index)
+bool h264Encoder::Private::repeatLastFrameUntil(quint64 index)
 {
     if (error.isSet() || isClosed || end == 0)
         return false;
@@ -206,20 +207,20 @@ bool h264Encoder::Private::handle(const Item &item)
 
 bool h264Encoder::Private::encodeShown()
 {
-    EncodedPicture picture;
+    EncodedVideoFrame picture;
     if (!encoder->encode(*shown, shownIndex, &picture))
         return fail(QStringLiteral("The H.264 encoder failed at frame %1").arg(shownIndex));
     ++shownIndex;
     return write(picture);
 }
 
-bool h264Encoder::Private::write(const EncodedPicture &picture)
+bool h264Encoder::Private::write(const EncodedVideoFrame &picture)
 {
     if (error.isSet())
         return false;
     if (picture.size == 0)
         return true;
-    if (const int code = muxer->writePicture(picture); code < 0)
+    if (const int code = muxer->writeFrame(picture); code < 0)
         return failToWrite(code);
     ++framesWritten;
     return true;
@@ -227,8 +228,8 @@ bool h264Encoder::Private::write(const EncodedPicture &picture)
 
 bool h264Encoder::Private::drain()
 {
-    while (encoder->hasDelayedPictures()) {
-        EncodedPicture picture;
+    while (encoder->hasDelayedFrames()) {
+        EncodedVideoFrame picture;
         if (!encoder->flush(&picture))
             return fail(QStringLiteral("The H.264 encoder failed at the end"));
         if (!write(picture))
@@ -271,9 +272,9 @@ bool h264Encoder::addFrame(quint64 index, const QImage &image)
     return d->addFrame(index, image);
 }
 
-bool h264Encoder::holdUntil(quint64 end)
+bool h264Encoder::repeatLastFrameUntil(quint64 end)
 {
-    return d->holdUntil(end);
+    return d->repeatLastFrameUntil(end);
 }
 
 bool h264Encoder::close()

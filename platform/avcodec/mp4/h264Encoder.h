@@ -33,7 +33,7 @@ public:
 
     bool waitForRoom(std::chrono::milliseconds limit) override;
     bool addFrame(quint64 index, const QImage &image) override;
-    bool holdUntil(quint64 end) override;
+    bool repeatLastFrameUntil(quint64 end) override;
     bool close() override;
     void abort() override;
     quint64 framesWritten() const override;

@@ -7,7 +7,7 @@ namespace
 {
 
 // BT.709 from full-range RGB to limited range, scaled by 2^16. Luma coefficients add up to 219/255 and chroma
-// coefficients to zero, so white is 235 and greys have no colour.
+// coefficients to zero, so white is 235 and grays have no color.
 constexpr uint16_t kLumaRed = 11966;
 constexpr uint16_t kLumaGreen = 40254;
 constexpr uint16_t kLumaBlue = 4064;
@@ -18,7 +18,7 @@ constexpr uint16_t kCrBlue = 2640;
 constexpr uint16_t kChromaOwn = 28785;
 static_assert(kCbRed + kCbGreen == kChromaOwn && kCrGreen + kCrBlue == kChromaOwn);
 
-// Everything is kept in 16 bits, which doubles the pixels that one vector instruction handles: colours and results are
+// Everything is kept in 16 bits, which doubles the pixels that one vector instruction handles: colors and results are
 // fixed-point numbers with 8 bits behind the point, and three cut products are off by 3/256 at most.
 constexpr uint16_t kHalf = 128;
 constexpr uint16_t kLumaOffset = 16 * 256 + kHalf + 1;

@@ -1,6 +1,6 @@
 #include "avcodec/x264/X264Encoder.h"
 
-#include "avcodec/x264/PlanarFrames.h"
+#include "avcodec/x264/PlanarFrameConverter.h"
 #include "logging/PlatformLog.h"
 
 #include <QDebug>
@@ -64,7 +64,7 @@ QString X264Encoder::limitError(const QSize &size, int fps)
 }
 
 X264Encoder::X264Encoder(x264_param_t param)
-    : m_colourSpace(param.i_csp)
+    : m_colorSpace(param.i_csp)
     , m_macroblocks(std::size_t((param.i_width + 15) / 16) * std::size_t((param.i_height + 15) / 16))
 {
     m_encoder.reset(x264_encoder_open(&param));
@@ -97,17 +97,17 @@ QByteArray X264Encoder::decoderConfiguration() const
     record.append(char(1));
     appendParameterSet(record, picture);
     // The high profiles state chroma format and bit depth (8) as well.
-    const bool is444 = (m_colourSpace & X264_CSP_MASK) == X264_CSP_I444;
+    const bool is444 = (m_colorSpace & X264_CSP_MASK) == X264_CSP_I444;
     record.append(char(0xfc | (is444 ? 3 : 1))).append(char(0xf8)).append(char(0xf8)).append(char(0));
     return record;
 }
 
-bool X264Encoder::encode(const PlanarFrame &frame, qint64 pts, EncodedPicture *picture)
+bool X264Encoder::encode(const PlanarFrame &frame, qint64 pts, EncodedVideoFrame *picture)
 {
     x264_picture_t input;
     x264_picture_init(&input);
     input.i_pts = pts;
-    input.img.i_csp = m_colourSpace;
+    input.img.i_csp = m_colorSpace;
     input.img.i_plane = int(frame.planes.size());
     for (std::size_t i = 0; i < frame.planes.size(); ++i) {
         input.img.plane[i] = const_cast<uint8_t *>(frame.planes[i].samples.data()); // read only
@@ -124,17 +124,17 @@ bool X264Encoder::encode(const PlanarFrame &frame, qint64 pts, EncodedPicture *p
     return encode(&input, picture);
 }
 
-bool X264Encoder::hasDelayedPictures() const
+bool X264Encoder::hasDelayedFrames() const
 {
     return m_encoder && x264_encoder_delayed_frames(m_encoder.get()) > 0;
 }
 
-bool X264Encoder::flush(EncodedPicture *picture)
+bool X264Encoder::flush(EncodedVideoFrame *picture)
 {
     return encode(nullptr, picture);
 }
 
-bool X264Encoder::encode(x264_picture_t *input, EncodedPicture *picture)
+bool X264Encoder::encode(x264_picture_t *input, EncodedVideoFrame *picture)
 {
     *picture = {};
     x264_picture_t output;

@@ -19,7 +19,7 @@ namespace av
 struct PlanarFrame;
 
 /// One picture, encoded: H.264 NAL units with four-byte lengths, as MP4 stores them.
-struct EncodedPicture {
+struct EncodedVideoFrame {
     const uint8_t *data = nullptr; ///< owned by the encoder, until its next call
     int size = 0;                  ///< 0: there is no picture
     qint64 pts = 0;
@@ -46,21 +46,21 @@ public:
     QByteArray decoderConfiguration() const;
 
     /// Encodes a frame. False when the encoder failed. The picture may be empty or an earlier one's.
-    bool encode(const PlanarFrame &frame, qint64 pts, EncodedPicture *picture);
+    bool encode(const PlanarFrame &frame, qint64 pts, EncodedVideoFrame *picture);
 
     /// The encoder holds back pictures that flush() delivers.
-    bool hasDelayedPictures() const;
+    bool hasDelayedFrames() const;
 
     /// Delivers one picture that was held back.
-    bool flush(EncodedPicture *picture);
+    bool flush(EncodedVideoFrame *picture);
 
 private:
-    bool encode(x264_picture_t *input, EncodedPicture *picture);
+    bool encode(x264_picture_t *input, EncodedVideoFrame *picture);
 
     struct Closer {
         void operator()(x264_t *encoder) const { x264_encoder_close(encoder); }
     };
-    const int m_colourSpace;
+    const int m_colorSpace;
     const std::size_t m_macroblocks;
     std::unique_ptr<x264_t, Closer> m_encoder;
 };

@@ -320,7 +320,7 @@ void ExportFormatsTest::qualityHasItsPrice()
     recording.metadata.recordArea = QRect(0, 0, 160, 120);
     recording.save();
     writeVideo(recording, frames, [](int i) {
-        QImage image = textPicture(QSize(160, 120), i);
+        QImage image = textImage(QSize(160, 120), i);
         QLinearGradient gradient(0, i, 160, 120);
         gradient.setColorAt(0, QColor(20, 60, 250, 120));
         gradient.setColorAt(1, QColor(250, 180, 30, 120));

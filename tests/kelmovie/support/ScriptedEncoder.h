@@ -61,13 +61,13 @@ public:
         if (int(index) == m_script->failAtFrame || index < quint64(m_script->frames.size()))
             return false;
         if (!m_script->frames.isEmpty())
-            holdUntil(index);
+            repeatLastFrameUntil(index);
         ++m_script->pictures;
         m_script->frames.append(frameOfColor(image.pixel(0, 0)));
         m_script->corners.append(image.pixel(image.width() - 1, image.height() - 1));
         return true;
     }
-    bool holdUntil(quint64 end) override
+    bool repeatLastFrameUntil(quint64 end) override
     {
         while (quint64(m_script->frames.size()) < end)
             m_script->frames.append(int(m_script->frames.last()));

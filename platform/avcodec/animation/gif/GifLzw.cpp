@@ -1,6 +1,6 @@
 #include "avcodec/animation/gif/GifLzw.h"
 
-#include "avcodec/animation/PictureDelta.h"
+#include "avcodec/animation/FrameDelta.h"
 
 #include <algorithm>
 #include <array>
@@ -12,23 +12,23 @@ namespace av
 namespace
 {
 
-constexpr int MaxCodes = 4096;
-constexpr int MaxCodeWidth = 12;
-constexpr int None = -1;
+constexpr int kMaxCodes = 4096;
+constexpr int kMaxCodeWidth = 12;
+constexpr int kNone = -1;
 
 /// Ways to go on that are followed at once. More of them gain little.
-constexpr int MaxBranches = 4;
+constexpr int kMaxBranches = 4;
 
 /// A string may end that much earlier than it could, if together with its successor it gets further.
 /// That gains nothing worth the time for strings that are long anyway.
-constexpr std::size_t MaxStepsBack = 3;
-constexpr std::size_t LongString = 64;
+constexpr std::size_t kMaxStepsBack = 3;
+constexpr std::size_t kLongString = 64;
 
 /// Instead of no price for errors, which there are none of then.
-constexpr double LeastPrice = 1e-9;
+constexpr double kMinErrorCost = 1e-9;
 
 /// Codes after which a full dictionary is judged again.
-constexpr int JudgedCodes = 128;
+constexpr int kDictionaryCheckInterval = 128;
 
 /// All strings that have a code, each as its beginning and its last symbol.
 class Dictionary
@@ -37,14 +37,14 @@ public:
     void reset(int symbols)
     {
         m_size = symbols + 2; // the codes for clear and end follow the symbols
-        m_table.fill(Free);
-        m_firstChild.fill(None);
+        m_table.fill(kFree);
+        m_firstChild.fill(kNone);
         for (int symbol = 0; symbol < symbols; ++symbol)
             m_symbol[std::size_t(symbol)] = quint8(symbol);
     }
 
     int size() const { return m_size; }
-    bool isFull() const { return m_size == MaxCodes; }
+    bool isFull() const { return m_size == kMaxCodes; }
     int lastSymbol(int code) const { return m_symbol[std::size_t(code)]; }
 
     /// The longer strings that begin with a code's, as a list.
@@ -54,11 +54,11 @@ public:
     int child(int code, int symbol) const
     {
         const quint32 key = keyOf(code, symbol);
-        for (std::size_t place = placeOf(key); m_table[place] != Free; place = (place + 1) % m_table.size()) {
-            if (m_table[place] >> MaxCodeWidth == key)
-                return int(m_table[place] % MaxCodes);
+        for (std::size_t place = placeOf(key); m_table[place] != kFree; place = (place + 1) % m_table.size()) {
+            if (m_table[place] >> kMaxCodeWidth == key)
+                return int(m_table[place] % kMaxCodes);
         }
-        return None;
+        return kNone;
     }
 
     /// Numbers the string that consists of a code's and one more symbol. It may be known already, when its beginning
@@ -66,29 +66,29 @@ public:
     void add(int code, int symbol)
     {
         const int added = m_size++;
-        if (child(code, symbol) != None)
+        if (child(code, symbol) != kNone)
             return;
         m_symbol[std::size_t(added)] = quint8(symbol);
         m_nextChild[std::size_t(added)] = m_firstChild[std::size_t(code)];
         m_firstChild[std::size_t(code)] = qint16(added);
         const quint32 key = keyOf(code, symbol);
         std::size_t place = placeOf(key);
-        while (m_table[place] != Free)
+        while (m_table[place] != kFree)
             place = (place + 1) % m_table.size();
-        m_table[place] = key << MaxCodeWidth | quint32(added);
+        m_table[place] = key << kMaxCodeWidth | quint32(added);
     }
 
 private:
-    static constexpr quint32 Free = 0xffffffffu; // no entry: its code would be its own beginning
+    static constexpr quint32 kFree = 0xffffffffu; // no entry: its code would be its own beginning
 
     static quint32 keyOf(int code, int symbol) { return quint32(code) << 8 | quint32(symbol); }
     static std::size_t placeOf(quint32 key) { return (key * 2654435761u) >> 19; }
 
     int m_size = 0;
     std::array<quint32, 8192> m_table; // key and code, by hash of the key
-    std::array<quint8, MaxCodes> m_symbol;
-    std::array<qint16, MaxCodes> m_firstChild;
-    std::array<qint16, MaxCodes> m_nextChild;
+    std::array<quint8, kMaxCodes> m_symbol;
+    std::array<qint16, kMaxCodes> m_firstChild;
+    std::array<qint16, kMaxCodes> m_nextChild;
 };
 
 /// Codes as a string of bits, cut into blocks of 255 bytes.
@@ -142,7 +142,7 @@ private:
 class Compressor
 {
 public:
-    Compressor(const IndexedPicture &picture, const std::atomic<bool> &cancelled)
+    Compressor(const IndexedFrame &picture, const std::atomic<bool> &cancelled)
         : m_picture(picture)
         , m_cancelled(cancelled)
         , m_minimumSize(minimumCodeSize(int(picture.palette.size())))
@@ -155,7 +155,7 @@ public:
         const std::size_t count = m_picture.pixels.size();
         clear();
         std::size_t at = 0;
-        int symbol = firstSymbol(0, None);
+        int symbol = firstSymbol(0, kNone);
         for (;;) {
             const std::size_t from = at;
             const int code = bestMatch(symbol, at);
@@ -173,13 +173,13 @@ private:
     /// A string that fits the pixels so far.
     struct Branch {
         int code;
-        int error; // more than the best colours have
+        int error; // more than the best colors have
     };
 
-    static int minimumCodeSize(int colours)
+    static int minimumCodeSize(int colors)
     {
         int bits = 2;
-        while (1 << bits < colours)
+        while (1 << bits < colors)
             ++bits;
         return bits;
     }
@@ -198,7 +198,7 @@ private:
 
     bool mayBeTransparent(std::size_t at) const
     {
-        return m_picture.transparent >= 0 && !PictureDelta::isChanged(m_picture.pixels[at]);
+        return m_picture.transparent >= 0 && !FrameDelta::isChanged(m_picture.pixels[at]);
     }
 
     /// The symbol that a string begins with decides how the string before it is continued in the dictionary, so it
@@ -214,13 +214,13 @@ private:
     {
         const std::size_t from = at;
         at = longestMatch(symbol, from);
-        if (at == m_picture.pixels.size() || at - from > LongString)
+        if (at == m_picture.pixels.size() || at - from > kLongString)
             return m_matches.back().code;
         std::swap(m_matches, m_candidates);
-        const double pixelsPerError = m_all.pixels / std::max(m_all.bits * m_picture.errorPerBit, LeastPrice);
+        const double pixelsPerError = m_all.pixels / std::max(m_all.bits * m_picture.errorPerBit, kMinErrorCost);
         std::size_t best = m_candidates.size();
         double most = std::numeric_limits<double>::lowest();
-        for (std::size_t back = 0; back <= MaxStepsBack && back < m_candidates.size(); ++back) {
+        for (std::size_t back = 0; back <= kMaxStepsBack && back < m_candidates.size(); ++back) {
             const std::size_t length = m_candidates.size() - back;
             const Branch &candidate = m_candidates[length - 1];
             const int lastSymbol = m_dictionary.lastSymbol(candidate.code);
@@ -264,34 +264,34 @@ private:
         } else if (m_picture.tolerance == 0) {
             keep(m_dictionary.child(branch.code, index), branch.error);
         } else {
-            const QRgb colour = m_picture.pixels[at];
-            const int least = index == m_picture.transparent ? 0 : distance(index, colour);
-            for (int code = m_dictionary.firstChild(branch.code); code != None; code = m_dictionary.nextChild(code)) {
+            const QRgb color = m_picture.pixels[at];
+            const int least = index == m_picture.transparent ? 0 : distance(index, color);
+            for (int code = m_dictionary.firstChild(branch.code); code != kNone; code = m_dictionary.nextChild(code)) {
                 const int symbol = m_dictionary.lastSymbol(code);
-                const int error = symbol == m_picture.transparent ? None : distance(symbol, colour);
+                const int error = symbol == m_picture.transparent ? kNone : distance(symbol, color);
                 if (symbol == index || (error >= 0 && error <= m_picture.tolerance))
                     keep(code, branch.error + std::max(0, error - least));
             }
         }
     }
 
-    int distance(int symbol, QRgb colour) const
+    int distance(int symbol, QRgb color) const
     {
         const QRgb shown = m_picture.palette[std::size_t(symbol)];
-        const int red = qRed(shown) - qRed(colour);
-        const int green = qGreen(shown) - qGreen(colour);
-        const int blue = qBlue(shown) - qBlue(colour);
+        const int red = qRed(shown) - qRed(color);
+        const int green = qGreen(shown) - qGreen(color);
+        const int blue = qBlue(shown) - qBlue(color);
         return red * red + green * green + blue * blue;
     }
 
     /// Keeps the branches of the least error, those first.
     void keep(int code, int error)
     {
-        if (code == None)
+        if (code == kNone)
             return;
-        if (m_longerCount == MaxBranches && m_longer[MaxBranches - 1].error <= error)
+        if (m_longerCount == kMaxBranches && m_longer[kMaxBranches - 1].error <= error)
             return;
-        int place = m_longerCount < MaxBranches ? m_longerCount++ : MaxBranches - 1;
+        int place = m_longerCount < kMaxBranches ? m_longerCount++ : kMaxBranches - 1;
         for (; place > 0 && m_longer[std::size_t(place - 1)].error > error; --place)
             m_longer[std::size_t(place)] = m_longer[std::size_t(place - 1)];
         m_longer[std::size_t(place)] = {code, error};
@@ -308,9 +308,9 @@ private:
         }
         if (!m_dictionary.isFull()) {
             m_dictionary.add(code, symbol);
-            if (m_dictionary.size() > 1 << m_width && m_width < MaxCodeWidth)
+            if (m_dictionary.size() > 1 << m_width && m_width < kMaxCodeWidth)
                 ++m_width;
-        } else if (m_recent.bits >= JudgedCodes * MaxCodeWidth) {
+        } else if (m_recent.bits >= kDictionaryCheckInterval * kMaxCodeWidth) {
             if (m_recent.pixels * m_learnt.bits < m_learnt.pixels * m_recent.bits)
                 clear();
             m_recent = {};
@@ -322,7 +322,7 @@ private:
         double bits = 0;
     };
 
-    const IndexedPicture &m_picture;
+    const IndexedFrame &m_picture;
     const std::atomic<bool> &m_cancelled;
     const int m_minimumSize;
     CodeStream m_stream;
@@ -331,8 +331,8 @@ private:
     Yield m_learnt;
     Yield m_recent;
     Yield m_all{1, double(m_width)}; // as if one code had been written
-    std::array<Branch, MaxBranches> m_branches;
-    std::array<Branch, MaxBranches> m_longer;
+    std::array<Branch, kMaxBranches> m_branches;
+    std::array<Branch, kMaxBranches> m_longer;
     int m_branchCount = 0;
     int m_longerCount = 0;
     std::vector<Branch> m_matches;
@@ -341,7 +341,7 @@ private:
 
 } // namespace
 
-QByteArray gifImageData(const IndexedPicture &picture, const std::atomic<bool> &cancelled)
+QByteArray gifImageData(const IndexedFrame &picture, const std::atomic<bool> &cancelled)
 {
     return Compressor(picture, cancelled).run();
 }

@@ -2,12 +2,12 @@
 
 #include "avcodec/animation/AnimationEncoder.h"
 
-/// Writes an animated GIF. Areas of up to 255 colours are shown exactly, others with the 255 colours that suit them
+/// Writes an animated GIF. Areas of up to 255 colors are shown exactly, others with the 255 colors that suit them
 /// best, without dithering.
 ///
-/// Quality 100 is the closest that this can come to the pictures. Below, colours may change a little where that saves
+/// Quality 100 is the closest that this can come to the pictures. Below, colors may change a little where that saves
 /// bytes: by a squared distance (red, green and blue together) of up to 8/100 of (100 - quality)², that is 8 at 90 and
-/// 200 at 50, by more where 255 colours are not enough and colours are approximated anyway, and in small areas for
+/// 200 at 50, by more where 255 colors are not enough and colors are approximated anyway, and in small areas for
 /// which a palette of their own would not pay.
 ///
 /// A frame lasts 2 hundredths of a second at least: above 50 frames a second some pictures are left out.

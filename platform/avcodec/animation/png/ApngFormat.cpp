@@ -19,24 +19,24 @@ namespace av
 namespace
 {
 
-constexpr int PixelBytes = 3;
+constexpr int kPixelBytes = 3;
 
 /// libdeflate's levels. The first is good for choosing between two filterings, at a fraction of the time. Filtered rows
 /// hardly gain from more than a middling one, plain ones do.
-constexpr int TrialLevel = 1;
-constexpr int FilteredLevel = 7;
-constexpr int PlainLevel = 9;
-constexpr int PatientLevel = 11;
+constexpr int kTrialLevel = 1;
+constexpr int kFilteredLevel = 7;
+constexpr int kUnfilteredLevel = 9;
+constexpr int kThoroughLevel = 11;
 
 /// Qualities below this ask for small files.
-constexpr int Balanced = 75;
+constexpr int kThoroughBelowQuality = 75;
 
-/// A chunk that all readers skip, in the place of the one that names the colour of gaps.
-constexpr char RoomType[] = "roOm";
-constexpr int TransparencyBytes = 6;
+/// A chunk that all readers skip, in the place of the one that names the color of gaps.
+constexpr char kPlaceholderType[] = "roOm";
+constexpr int kTransparencyBytes = 6;
 
-constexpr qint64 AnimationControlOffset = png::SignatureBytes + png::EmptyChunkBytes + 13;
-constexpr qint64 TransparencyOffset = AnimationControlOffset + png::EmptyChunkBytes + 8;
+constexpr qint64 kAnimationControlOffset = png::kSignatureBytes + png::kEmptyChunkBytes + 13;
+constexpr qint64 kTransparencyOffset = kAnimationControlOffset + png::kEmptyChunkBytes + 8;
 
 QByteArray deflated(const QByteArray &bytes, int level)
 {
@@ -51,22 +51,22 @@ QByteArray deflated(const QByteArray &bytes, int level)
     return out;
 }
 
-/// Transparent pixels get the colour that stands for them.
-QByteArray rows(const std::vector<QRgb> &pixels, int width, png::Filtering filtering, QRgb gapColour)
+/// Transparent pixels get the color that stands for them.
+QByteArray rows(const std::vector<QRgb> &pixels, int width, png::Filtering filtering, QRgb transparentColor)
 {
-    QByteArray bytes(int(pixels.size()) * PixelBytes, Qt::Uninitialized);
+    QByteArray bytes(int(pixels.size()) * kPixelBytes, Qt::Uninitialized);
     char *to = bytes.data();
     for (const QRgb pixel : pixels) {
-        const QRgb colour = PictureDelta::isChanged(pixel) ? pixel : gapColour;
-        for (const int value : {qRed(colour), qGreen(colour), qBlue(colour)})
+        const QRgb color = FrameDelta::isChanged(pixel) ? pixel : transparentColor;
+        for (const int value : {qRed(color), qGreen(color), qBlue(color)})
             *to++ = char(value);
     }
-    return png::filteredRows(bytes, width * PixelBytes, PixelBytes, filtering);
+    return png::filteredRows(bytes, width * kPixelBytes, kPixelBytes, filtering);
 }
 
-PictureDelta opaqueDelta(const QImage &picture, const QRect &rect)
+FrameDelta opaqueDelta(const QImage &picture, const QRect &rect)
 {
-    PictureDelta delta{rect, {}};
+    FrameDelta delta{rect, {}};
     for (int y = rect.top(); y <= rect.bottom(); ++y) {
         const auto *row = reinterpret_cast<const QRgb *>(picture.constScanLine(y)) + rect.left();
         delta.pixels.insert(delta.pixels.end(), row, row + rect.width());
@@ -95,53 +95,55 @@ AnimationFormat::Limits ApngFormat::limits() const
     return {32767, 1, m_ticksPerSecond, m_ticksPerSecond / 100 + 1, 65535};
 }
 
-EncodedFrame ApngFormat::encode(const PictureDelta &delta, const std::atomic<bool> &cancelled) const
+EncodedFrame ApngFormat::encode(const FrameDelta &delta, const std::atomic<bool> &cancelled) const
 {
     using png::Filtering;
     struct Way {
-        bool hasGaps;
+        bool hasTransparency;
         Filtering filtering;
     };
-    const auto pixelsOf = [](const PictureDelta &of, bool hasGaps) {
-        return hasGaps ? of.pixelsWithGaps() : of.opaquePixels();
+    const auto pixelsOf = [](const FrameDelta &of, bool hasTransparency) {
+        return hasTransparency ? of.pixelsWithTransparency() : of.opaquePixels();
     };
-    const QRgb gapColour = delta.freeColour.value_or(0);
-    const PictureDelta sample = delta.sample();
+    const QRgb transparentColor = delta.unusedColor.value_or(0);
+    const FrameDelta sample = delta.sample();
     Way best{false, Filtering::None};
     int least = std::numeric_limits<int>::max();
-    for (const bool hasGaps : {false, true}) {
-        if (hasGaps && !delta.freeColour)
+    for (const bool hasTransparency : {false, true}) {
+        if (hasTransparency && !delta.unusedColor)
             break;
-        const std::vector<QRgb> pixels = pixelsOf(sample, hasGaps);
-        if (hasGaps && std::all_of(pixels.begin(), pixels.end(), PictureDelta::isChanged))
+        const std::vector<QRgb> pixels = pixelsOf(sample, hasTransparency);
+        if (hasTransparency && std::all_of(pixels.begin(), pixels.end(), FrameDelta::isChanged))
             break;
         for (const Filtering filtering : {Filtering::None, Filtering::Adaptive}) {
             if (cancelled)
                 return {};
-            const int size = deflated(rows(pixels, sample.rect.width(), filtering, gapColour), TrialLevel).size();
+            const int size =
+                deflated(rows(pixels, sample.rect.width(), filtering, transparentColor), kTrialLevel).size();
             if (size < least) {
                 least = size;
-                best = {hasGaps, filtering};
+                best = {hasTransparency, filtering};
             }
         }
     }
-    const QByteArray filtered = rows(pixelsOf(delta, best.hasGaps), delta.rect.width(), best.filtering, gapColour);
+    const QByteArray filtered =
+        rows(pixelsOf(delta, best.hasTransparency), delta.rect.width(), best.filtering, transparentColor);
     if (cancelled)
         return {};
-    QByteArray data = deflated(filtered, best.filtering == Filtering::None ? PlainLevel : FilteredLevel);
-    if (m_quality < Balanced && !cancelled) { // which does not always pay
-        const QByteArray smaller = deflated(filtered, PatientLevel);
+    QByteArray data = deflated(filtered, best.filtering == Filtering::None ? kUnfilteredLevel : kFilteredLevel);
+    if (m_quality < kThoroughBelowQuality && !cancelled) { // which does not always pay
+        const QByteArray smaller = deflated(filtered, kThoroughLevel);
         if (smaller.size() < data.size())
             data = smaller;
     }
-    return {delta.rect, best.hasGaps, data, delta.freeColour};
+    return {delta.rect, best.hasTransparency, data, delta.unusedColor};
 }
 
 bool ApngFormat::writeHeader(OutputFile &file, QSize size, int plays)
 {
     m_plays = plays;
-    return file.write(png::Signature + png::header(size) + animationControl() +
-                      png::chunk(RoomType, QByteArray(TransparencyBytes, '\0')));
+    return file.write(png::kSignature + png::header(size) + animationControl() +
+                      png::chunk(kPlaceholderType, QByteArray(kTransparencyBytes, '\0')));
 }
 
 /// The number of frames is known at the end only.
@@ -150,24 +152,24 @@ QByteArray ApngFormat::animationControl() const
     return png::chunk("acTL", png::bigEndian(m_frames) + png::bigEndian(quint32(m_plays)));
 }
 
-/// A pixel of the colour that stands for gaps cannot be shown, so the first one puts an end to it and to the gaps.
-bool ApngFormat::makeWayFor(OutputFile &file, const EncodedFrame &picture, const std::atomic<bool> &cancelled)
+/// A pixel of the color that stands for gaps cannot be shown, so the first one puts an end to it and to the gaps.
+bool ApngFormat::prepareToWrite(OutputFile &file, const EncodedFrame &picture, const std::atomic<bool> &cancelled)
 {
-    if (!m_gapColour || picture.freeColour == m_gapColour)
+    if (!m_transparentColor || picture.unusedColor == m_transparentColor)
         return true;
     OutputFile copy;
     if (!copy.open(file.path() + QStringLiteral(".opaque")))
         return file.fail(copy.errorString());
     const auto cleanUp = qScopeGuard([&copy] { copy.remove(); }); // nothing is there once it has taken its place
-    if (!copyWithoutGaps(file.path(), copy, cancelled))
+    if (!copyWithoutTransparency(file.path(), copy, cancelled))
         return file.fail(copy.errorString());
-    if (!file.becomeLike(copy))
+    if (!file.replaceWith(copy))
         return false;
-    m_gapColour.reset();
+    m_transparentColor.reset();
     return true;
 }
 
-bool ApngFormat::copyWithoutGaps(const QString &from, OutputFile &to, const std::atomic<bool> &cancelled) const
+bool ApngFormat::copyWithoutTransparency(const QString &from, OutputFile &to, const std::atomic<bool> &cancelled) const
 {
     ApngFormat format(m_ticksPerSecond, m_quality);
     ApngFrameReader reader(from);
@@ -177,7 +179,7 @@ bool ApngFormat::copyWithoutGaps(const QString &from, OutputFile &to, const std:
             return to.fail(QStringLiteral("Cannot read %1 back").arg(from));
         if (format.m_frames == 0 && !format.writeHeader(to, reader.picture().size(), m_plays))
             return false;
-        if (frame.encoded.keepsPixels)
+        if (frame.encoded.hasTransparentPixels)
             frame.encoded = format.encode(opaqueDelta(reader.picture(), frame.encoded.rect), cancelled);
         if (cancelled)
             return to.fail(QStringLiteral("Aborted"));
@@ -189,9 +191,9 @@ bool ApngFormat::copyWithoutGaps(const QString &from, OutputFile &to, const std:
 
 bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks)
 {
-    if (picture.keepsPixels && !m_gapColour) {
-        m_gapColour = picture.freeColour;
-        if (!file.overwrite(TransparencyOffset, png::transparency(*m_gapColour)))
+    if (picture.hasTransparentPixels && !m_transparentColor) {
+        m_transparentColor = picture.unusedColor;
+        if (!file.overwrite(kTransparencyOffset, png::transparency(*m_transparentColor)))
             return false;
     }
     constexpr char keepPicture = 0;
@@ -199,7 +201,7 @@ bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int t
     for (const int value : {picture.rect.width(), picture.rect.height(), picture.rect.x(), picture.rect.y()})
         control += png::bigEndian(quint32(value));
     control += png::bigEndian(quint16(ticks)) + png::bigEndian(quint16(m_ticksPerSecond));
-    control.append(keepPicture).append(char(picture.keepsPixels));
+    control.append(keepPicture).append(char(picture.hasTransparentPixels));
     const QByteArray data = m_frames == 0 ? png::chunk("IDAT", picture.data)
                                           : png::chunk("fdAT", png::bigEndian(m_sequence++) + picture.data);
     if (!file.write(png::chunk("fcTL", control)) || !file.write(data))
@@ -210,7 +212,7 @@ bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int t
 
 bool ApngFormat::writeTrailer(OutputFile &file)
 {
-    return file.write(png::chunk("IEND", {})) && file.overwrite(AnimationControlOffset, animationControl());
+    return file.write(png::chunk("IEND", {})) && file.overwrite(kAnimationControlOffset, animationControl());
 }
 
 } // namespace av

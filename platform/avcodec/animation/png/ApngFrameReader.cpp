@@ -23,7 +23,7 @@ ApngFrameReader::ApngFrameReader(const QString &path)
     : m_file(path)
 {
     if (m_file.open(QIODevice::ReadOnly))
-        m_file.seek(png::SignatureBytes);
+        m_file.seek(png::kSignatureBytes);
 }
 
 bool ApngFrameReader::next(Frame *frame)
@@ -38,7 +38,7 @@ bool ApngFrameReader::next(Frame *frame)
             frame->encoded.rect = QRect(numberAt<quint32>(data, 12), numberAt<quint32>(data, 16),
                                         numberAt<quint32>(data, 4), numberAt<quint32>(data, 8));
             frame->ticks = numberAt<quint16>(data, 20);
-            frame->encoded.keepsPixels = data.at(25);
+            frame->encoded.hasTransparentPixels = data.at(25);
         } else if (type == "IDAT" || type == "fdAT") {
             frame->encoded.data = data.mid(type == "IDAT" ? 0 : int(sizeof(quint32))); // a number is in front
             return show(frame->encoded);
@@ -60,7 +60,7 @@ bool ApngFrameReader::readChunk(QByteArray *type, QByteArray *data)
 /// Each frame is a PNG file of its own but for its wrapping.
 bool ApngFrameReader::show(const EncodedFrame &frame)
 {
-    const QImage image = QImage::fromData(png::Signature + png::header(frame.rect.size()) + m_transparency +
+    const QImage image = QImage::fromData(png::kSignature + png::header(frame.rect.size()) + m_transparency +
                                               png::chunk("IDAT", frame.data) + png::chunk("IEND", {}),
                                           "PNG");
     if (image.size() != frame.rect.size())

@@ -40,15 +40,15 @@ QByteArray png::chunk(const char *type, const QByteArray &data)
 QByteArray png::header(QSize size)
 {
     constexpr char bitDepth = 8;
-    constexpr char trueColour = 2;
+    constexpr char trueColor = 2;
     const QByteArray sides = bigEndian(quint32(size.width())) + bigEndian(quint32(size.height()));
-    return chunk("IHDR", sides + bitDepth + trueColour + QByteArray(3, '\0'));
+    return chunk("IHDR", sides + bitDepth + trueColor + QByteArray(3, '\0'));
 }
 
-QByteArray png::transparency(QRgb colour)
+QByteArray png::transparency(QRgb color)
 {
     QByteArray channels;
-    for (const int value : {qRed(colour), qGreen(colour), qBlue(colour)})
+    for (const int value : {qRed(color), qGreen(color), qBlue(color)})
         channels += bigEndian(quint16(value));
     return chunk("tRNS", channels);
 }

@@ -8,21 +8,21 @@
 namespace av::png
 {
 
-constexpr char Signature[] = "\x89PNG\r\n\x1a\n";
+constexpr char kSignature[] = "\x89PNG\r\n\x1a\n";
 
 /// Of a file and of a chunk without data.
-constexpr int SignatureBytes = 8;
-constexpr int EmptyChunkBytes = 12;
+constexpr int kSignatureBytes = 8;
+constexpr int kEmptyChunkBytes = 12;
 
 QByteArray bigEndian(quint16 value);
 QByteArray bigEndian(quint32 value);
 
 QByteArray chunk(const char *type, const QByteArray &data);
 
-/// IHDR: true colour, 8 bits a channel.
+/// IHDR: true color, 8 bits a channel.
 QByteArray header(QSize size);
 
-/// tRNS: the colour is transparent.
-QByteArray transparency(QRgb colour);
+/// tRNS: the color is transparent.
+QByteArray transparency(QRgb color);
 
 } // namespace av::png

@@ -8,7 +8,7 @@
 /// the time for a file that is some hundredths smaller.
 ///
 /// In rare cases the file is written anew half-way, under its name with ".opaque" behind, and takes the place of the
-/// first in one step: a file of gaps in which a picture comes to have the very colour that stands for them.
+/// first in one step: a file of gaps in which a picture comes to have the very color that stands for them.
 class pngEncoder : public av::AnimationEncoder
 {
 public:

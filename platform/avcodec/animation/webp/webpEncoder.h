@@ -5,8 +5,8 @@
 /// Writes an animated WebP.
 ///
 /// Quality 100 is lossless: the frames equal the pictures bit for bit. Below, each frame is compressed in the way that
-/// suits it. Text, windows and gradients stay sharp, in fewer colours where the mean squared distance of a pixel's
-/// colour (red, green and blue together) stays below (100 - quality)² / 50: 2 at 90, that is 50 dB, and 50 at 50. Where
+/// suits it. Text, windows and gradients stay sharp, in fewer colors where the mean squared distance of a pixel's
+/// color (red, green and blue together) stays below (100 - quality)² / 50: 2 at 90, that is 50 dB, and 50 at 50. Where
 /// that takes too many bytes, as in photographs, the frame is lossy: at 90 as true as what other programs write by
 /// default, and less below.
 ///

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "avcodec/animation/FrameDelta.h"
+
+#include <vector>
+
+namespace av
+{
+
+/// How often each color occurs among the changed pixels of a delta. Exact while there are few colors; where there
+/// are many, neighbouring ones share a bin.
+class ColorHistogram
+{
+public:
+    struct Bin {
+        float red = 0; // the mean of all pixels in the bin
+        float green = 0;
+        float blue = 0;
+        float count = 0;
+    };
+
+    explicit ColorHistogram(const FrameDelta &delta);
+
+    const std::vector<Bin> &bins() const { return m_bins; }
+
+    /// Of all bins together.
+    double pixelCount() const { return m_pixelCount; }
+
+    /// The bin of a color, -1 when it has none.
+    int binOf(QRgb color) const;
+
+private:
+    struct Sum {
+        quint64 red = 0;
+        quint64 green = 0;
+        quint64 blue = 0;
+        quint64 count = 0;
+    };
+    struct Slot {
+        quint32 key;
+        qint32 bin;
+    };
+
+    quint32 keyOf(QRgb color) const;
+    const Slot &slotOf(quint32 key) const;
+    Sum &sumOf(QRgb color);
+    void coarsen();
+
+    double m_pixelCount = 0;
+    int m_shift = 0; // bits of each channel that are left out
+    std::vector<Slot> m_slots;
+    std::vector<Sum> m_sums;
+    std::vector<Bin> m_bins;
+};
+
+} // namespace av

@@ -1,0 +1,329 @@
+// What can go wrong while an animated picture is written, and what is left of the file then.
+
+#include "avcodec/AnimationSample.h"
+#include "avcodec/BoundedWorker.h"
+#include "avcodec/DecodedAnimation.h"
+#include "avcodec/animation/FrameComparer.h"
+#include "avcodec/animation/gif/GifFormat.h"
+#include "avcodec/animation/png/ApngFormat.h"
+#include "avcodec/animation/webp/WebpFormat.h"
+#include "support/FileSizeLimit.h"
+
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace av;
+
+namespace
+{
+
+const QSize kSize(120, 90);
+constexpr int kFps = 25;
+
+void addFormats()
+{
+    QTest::addColumn<QString>("format");
+    for (const char *format : {"gif", "png", "webp"})
+        QTest::newRow(format) << format;
+}
+
+/// Every failure is logged, once.
+void expectWarning(const char *pattern)
+{
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QLatin1String("^\\[AnimationEncoder\\] ") + pattern));
+}
+
+} // namespace
+
+class AnimationFaultsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void refusesWhatCannotBe_data();
+    void refusesWhatCannotBe();
+    void refusesWrongFrames_data() { addFormats(); }
+    void refusesWrongFrames();
+    void noticesDeadDevice_data() { addFormats(); }
+    void noticesDeadDevice();
+    void keepsWholeFramesOnFullDisk_data();
+    void keepsWholeFramesOnFullDisk();
+    void webpStopsBeforeItsLimit();
+    void pngKeepsWholeFramesWhenItCannotGetRidOfGaps_data();
+    void pngKeepsWholeFramesWhenItCannotGetRidOfGaps();
+    void abortsAtOnce_data() { addFormats(); }
+    void abortsAtOnce();
+    void abandonsPicture_data() { addFormats(); }
+    void abandonsPicture();
+    void abortsWithoutWaitingForWhatItDrops();
+
+private:
+    QString path(const QString &format) const { return m_dir.filePath(QStringLiteral("animation.") + format); }
+
+    QTemporaryDir m_dir;
+};
+
+void AnimationFaultsTest::refusesWhatCannotBe_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<int>("fps");
+    QTest::addColumn<QString>("extra");
+    QTest::addColumn<QString>("error");
+    const QString file = path(QStringLiteral("any"));
+    QTest::newRow("no size") << "gif" << QSize(0, 5) << file << 25 << ""
+                             << "Invalid picture size: 0x5";
+    QTest::newRow("too wide") << "webp" << QSize(16384, 5) << file << 25 << ""
+                              << "Invalid picture size: 16384x5";
+    QTest::newRow("too large") << "png" << QSize(32767, 32767) << file << 25 << ""
+                               << "Invalid picture size: 32767x32767";
+    QTest::newRow("no rate") << "png" << kSize << file << 0 << ""
+                             << "Invalid frame rate: 0";
+    QTest::newRow("unknown option") << "gif" << kSize << file << 25 << "loops"
+                                    << "Invalid option: loops";
+    QTest::newRow("too many plays") << "gif" << kSize << file << 25 << "loop=65536"
+                                    << "Invalid option: loop=65536";
+    QTest::newRow("directory") << "webp" << kSize << m_dir.path() << 25 << ""
+                               << "Cannot create " + m_dir.path();
+    QTest::newRow("no directory") << "png" << kSize << m_dir.filePath("none/x") << 25 << ""
+                                  << "Cannot create " + m_dir.filePath("none/x");
+}
+
+void AnimationFaultsTest::refusesWhatCannotBe()
+{
+    QFETCH(QString, format);
+    QFETCH(QSize, size);
+    QFETCH(QString, path);
+    QFETCH(int, fps);
+    QFETCH(QString, extra);
+    QFETCH(QString, error);
+    expectWarning("(Invalid|Cannot create) ");
+    const auto encoder = makeAnimationEncoder(format, size, path, fps, 90, extra);
+    QVERIFY(!encoder->isValid());
+    QVERIFY2(encoder->errorString().startsWith(error), qPrintable(encoder->errorString()));
+    QVERIFY(!encoder->addFrame(0, patches(kSize, 0)));
+    QVERIFY(!encoder->close());
+}
+
+void AnimationFaultsTest::refusesWrongFrames()
+{
+    QFETCH(QString, format);
+    const auto encoder = makeAnimationEncoder(format, kSize, path(format), kFps, 90);
+    QVERIFY(encoder->addFrame(0, patches(kSize, 0)));
+    QVERIFY(encoder->addFrame(1, patches(kSize, 1)));
+    expectWarning("Frame ");
+    if (format == QLatin1String("gif")) {
+        QVERIFY(!encoder->addFrame(2, QImage()));
+        QCOMPARE(encoder->errorString(), QStringLiteral("Frame 2 has 0x0 pixels instead of 120x90"));
+    } else {
+        QVERIFY(!encoder->addFrame(1, patches(kSize, 2)));
+        QCOMPARE(encoder->errorString(), QStringLiteral("Frame 1 comes too late"));
+    }
+    QVERIFY(!encoder->addFrame(3, patches(kSize, 3)));
+    QVERIFY(!encoder->close());
+    QVERIFY(!encoder->close());
+
+    expectWarning("There are no frames");
+    QVERIFY(!makeAnimationEncoder(format, kSize, path(format), kFps, 90)->close());
+}
+
+void AnimationFaultsTest::noticesDeadDevice()
+{
+    QFETCH(QString, format);
+    expectWarning("Cannot write ");
+    const auto encoder = makeAnimationEncoder(format, kSize, QStringLiteral("/dev/full"), kFps, 90);
+    quint64 frame = 0;
+    while (frame < 1000 && encoder->addFrame(frame, noise(kSize, uint(frame))))
+        ++frame;
+    QVERIFY2(frame < 100, "noticed while frames are still coming");
+    QVERIFY(!encoder->isValid());
+    QVERIFY(!encoder->close());
+    QVERIFY2(encoder->errorString().contains(QStringLiteral("No space left")), qPrintable(encoder->errorString()));
+    QCOMPARE(encoder->framesWritten(), quint64(0));
+}
+
+void AnimationFaultsTest::keepsWholeFramesOnFullDisk_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("limit");
+    for (const char *format : {"gif", "png", "webp"}) {
+        QTest::addRow("%s, many frames", format) << format << 250000;
+        QTest::addRow("%s, few frames", format) << format << 100000;
+    }
+}
+
+void AnimationFaultsTest::keepsWholeFramesOnFullDisk()
+{
+    QFETCH(QString, format);
+    QFETCH(int, limit);
+    quint64 written = 0;
+    {
+        expectWarning("Cannot write ");
+        const FileSizeLimit fullDisk{quint64(limit)};
+        const auto encoder = makeAnimationEncoder(format, kSize, path(format), kFps, 100);
+        quint64 frame = 0;
+        while (frame < 1000 && encoder->addFrame(frame, noise(kSize, uint(frame))))
+            ++frame;
+        QVERIFY(frame < 100);
+        QVERIFY(!encoder->close());
+        QVERIFY2(encoder->errorString().startsWith(QStringLiteral("Cannot write ")),
+                 qPrintable(encoder->errorString()));
+        written = encoder->framesWritten();
+    }
+    QVERIFY(written > 0);
+    QVERIFY(QFileInfo(path(format)).size() <= limit);
+    const DecodedAnimation animation(path(format));
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(quint64(animation.frames.size()), written);
+    if (format != QLatin1String("gif"))
+        QVERIFY(animation.frames.back() == noise(kSize, uint(written - 1)).convertToFormat(QImage::Format_ARGB32));
+}
+
+void AnimationFaultsTest::webpStopsBeforeItsLimit()
+{
+    const QString name = path(QStringLiteral("webp"));
+    const std::atomic<bool> cancelled{false};
+    FrameComparer comparer(kSize, 2);
+    OutputFile file;
+    QVERIFY(file.open(name));
+    WebpFormat format(100, 200000);
+    QVERIFY(format.writeHeader(file, kSize, 0));
+    int frames = 0;
+    for (; frames < 100; ++frames) {
+        const FrameDelta delta = comparer.accept(noise(kSize, uint(frames)), QRect(QPoint(0, 0), kSize));
+        if (!format.writeFrame(file, format.encode(delta, cancelled), 40))
+            break;
+    }
+    QCOMPARE(file.errorString(), QStringLiteral("A WebP file cannot be larger than 4 GiB"));
+    QVERIFY(file.size() > 150000 && file.size() <= 200000);
+    QVERIFY(file.truncate(file.size()));
+    QVERIFY(format.writeTrailer(file));
+    const DecodedAnimation animation(name);
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(int(animation.frames.size()), frames);
+}
+
+void AnimationFaultsTest::pngKeepsWholeFramesWhenItCannotGetRidOfGaps_data()
+{
+    QTest::addColumn<bool>("isAborted");
+    QTest::addColumn<quint64>("limit");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("aborted") << true << quint64(1e9) << "Aborted";
+    QTest::newRow("full disk") << false << quint64(100000) << "Cannot write ";
+}
+
+void AnimationFaultsTest::pngKeepsWholeFramesWhenItCannotGetRidOfGaps()
+{
+    QFETCH(bool, isAborted);
+    QFETCH(quint64, limit);
+    QFETCH(QString, error);
+    const QString name = path(QStringLiteral("png"));
+    FrameComparer comparer(kSize, 1);
+    OutputFile file;
+    QVERIFY(file.open(name));
+    ApngFormat format(kFps, 100);
+    QVERIFY(format.writeHeader(file, kSize, 0));
+    std::vector<QImage> pictures;
+    std::atomic<bool> cancelled{false};
+    const auto encoded = [&](int frame) {
+        QImage picture = noise(kSize, 0);
+        picture.setPixel(frame, 3, qRgb(0, 0, 0));
+        picture.setPixel(50, 80 - frame, qRgb(0, 0, 0));
+        pictures.push_back(picture.convertToFormat(QImage::Format_ARGB32));
+        return format.encode(comparer.accept(picture, QRect(QPoint(0, 0), kSize)), cancelled);
+    };
+    const int frames = 20;
+    for (int frame = 0; frame < frames; ++frame)
+        QVERIFY(format.writeFrame(file, encoded(frame), 40));
+    const qint64 size = file.size();
+    QVERIFY(size < 60000);
+    EncodedFrame next = encoded(frames);
+    QVERIFY(format.prepareToWrite(file, next, cancelled));
+    QCOMPARE(file.size(), size);
+    next.unusedColor.reset(); // as it has all of them
+
+    cancelled = isAborted;
+    {
+        const FileSizeLimit fullDisk{limit};
+        QVERIFY(!format.prepareToWrite(file, next, cancelled));
+    }
+    QVERIFY2(file.errorString().startsWith(error), qPrintable(file.errorString()));
+    QCOMPARE(file.size(), size);
+    QVERIFY(file.truncate(size));
+    QVERIFY(format.writeTrailer(file));
+    const DecodedAnimation animation(name);
+    QCOMPARE(animation.errorString, QString());
+    pictures.pop_back();
+    QVERIFY(animation.frames == pictures);
+    QVERIFY(!QFileInfo::exists(name + QStringLiteral(".opaque")));
+}
+
+void AnimationFaultsTest::abortsAtOnce()
+{
+    QFETCH(QString, format);
+    const QSize size(1280, 720);
+    const QImage pictures[]{noise(size, 0), noise(size, 1)};
+    const auto encoder = makeAnimationEncoder(format, size, path(format), kFps, 90);
+    quint64 frame = 0;
+    for (; encoder->framesWritten() == 0; ++frame)
+        QVERIFY(encoder->addFrame(frame, pictures[frame % 2]));
+    encoder->abort();
+    QVERIFY(encoder->framesWritten() < frame);
+    QCOMPARE(encoder->errorString(), QStringLiteral("Aborted"));
+    QVERIFY(!encoder->isValid());
+    QVERIFY(!encoder->addFrame(frame, pictures[0]));
+    QVERIFY(!encoder->close());
+    QVERIFY2(QFileInfo(path(format)).size() > 0, "what was written stays");
+
+    const auto complete = makeAnimationEncoder(format, kSize, path(format), kFps, 90);
+    QVERIFY(complete->addFrame(0, patches(kSize, 0)));
+    QVERIFY(complete->close());
+    complete->abort();
+    QVERIFY(complete->isValid());
+    QVERIFY(complete->close());
+}
+
+/// A huge picture takes seconds that nobody wants to wait for.
+void AnimationFaultsTest::abandonsPicture()
+{
+    QFETCH(QString, format);
+    std::unique_ptr<AnimationFormat> encoder = std::make_unique<GifFormat>(90);
+    if (format == QLatin1String("png"))
+        encoder = std::make_unique<ApngFormat>(kFps, 90);
+    else if (format == QLatin1String("webp"))
+        encoder = std::make_unique<WebpFormat>(90);
+    const QSize size(640, 480);
+    const FrameDelta delta = FrameComparer(size, 2).accept(noise(size, 0), QRect(QPoint(0, 0), size));
+    encoder->analyzeFirstFrame(delta);
+    std::atomic<bool> cancelled{false};
+    const int whole = encoder->encode(delta, cancelled).data.size();
+    cancelled = true;
+    QVERIFY(encoder->encode(delta, cancelled).data.size() < whole / 100);
+}
+
+/// A picture that is dropped may be in work on another thread.
+void AnimationFaultsTest::abortsWithoutWaitingForWhatItDrops()
+{
+    std::promise<void> aborted;
+    const std::shared_future<void> isAborted = aborted.get_future().share();
+    std::atomic<int> gone{0};
+    const auto slowInGoing = [&] {
+        return std::shared_ptr<void>(nullptr, [&](void *) {
+            if (isAborted.wait_for(std::chrono::seconds(20)) == std::future_status::ready)
+                ++gone;
+        });
+    };
+    {
+        BoundedWorker<std::shared_ptr<void>> worker(3, [](const std::shared_ptr<void> &) { return true; });
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(worker.push(slowInGoing()));
+        worker.abort();
+        aborted.set_value();
+    }
+    QCOMPARE(gone.load(), 3);
+}
+
+QTEST_MAIN(AnimationFaultsTest)
+#include "tst_animation_faults.moc"

@@ -1,0 +1,392 @@
+// What animated GIF, PNG and WebP files show, and when, to those who read them.
+
+#include "avcodec/AnimationSample.h"
+#include "avcodec/DecodedAnimation.h"
+#include "avcodec/DecodedVideo.h"
+
+#include <QFileInfo>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <functional>
+
+namespace
+{
+
+const QStringList formats{QStringLiteral("gif"), QStringLiteral("png"), QStringLiteral("webp")};
+
+bool sameColors(const QImage &a, const QImage &b)
+{
+    return a.convertToFormat(QImage::Format_ARGB32) == b.convertToFormat(QImage::Format_ARGB32);
+}
+
+} // namespace
+
+class AnimationsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void showsEveryPictureAtItsTime_data();
+    void showsEveryPictureAtItsTime();
+    void dropsPicturesThatCannotBeShown_data();
+    void dropsPicturesThatCannotBeShown();
+    void unchangedPicturesCostNothing_data();
+    void unchangedPicturesCostNothing();
+    void changesFarApartCostLittle_data();
+    void changesFarApartCostLittle();
+    void showsTheColorsThatStoodForGaps();
+    void takesAnySize_data();
+    void takesAnySize();
+    void takesAnyImageFormat_data();
+    void takesAnyImageFormat();
+    void leavesTheImageToTheCaller_data();
+    void leavesTheImageToTheCaller();
+    void meansWhatItSaysByQuality_data();
+    void meansWhatItSaysByQuality();
+    void playsAsOftenAsAsked_data();
+    void playsAsOftenAsAsked();
+
+private:
+    using Painter = std::function<QImage(int frame)>;
+
+    QString path(const QString &format) const { return m_dir.filePath(QStringLiteral("animation.") + format); }
+
+    /// Encodes the frames and reads them back.
+    DecodedAnimation encoded(const QString &format, QSize size, int fps, int quality, int count, const Painter &paint);
+
+    QTemporaryDir m_dir;
+};
+
+DecodedAnimation AnimationsTest::encoded(const QString &format, QSize size, int fps, int quality, int count,
+                                         const Painter &paint)
+{
+    const auto encoder = makeAnimationEncoder(format, size, path(format), fps, quality);
+    for (int frame = 0; frame < count; ++frame)
+        encoder->addFrame(quint64(frame), paint(frame));
+    const bool complete = encoder->close();
+    DecodedAnimation animation(path(format));
+    if (!complete || encoder->framesWritten() != quint64(count))
+        animation.errorString = QStringLiteral("not complete: %1").arg(encoder->errorString());
+    return animation;
+}
+
+void AnimationsTest::showsEveryPictureAtItsTime_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("fps");
+    for (const QString &format : formats)
+        for (const int fps : {1, 10, 24, 25, 30, 33, 50})
+            QTest::addRow("%s at %d", qPrintable(format), fps) << format << fps;
+    for (const int fps : {60, 75}) {
+        QTest::addRow("png at %d", fps) << "png" << fps;
+        QTest::addRow("webp at %d", fps) << "webp" << fps;
+    }
+}
+
+void AnimationsTest::showsEveryPictureAtItsTime()
+{
+    QFETCH(QString, format);
+    QFETCH(int, fps);
+    const QSize size(150, 131);
+    const int count = 50;
+    const DecodedAnimation animation =
+        encoded(format, size, fps, 100, count, [&](int frame) { return patches(size, frame); });
+    QCOMPARE(animation.errorString, QString());
+    QVERIFY(std::abs(animation.totalMs() - 1000.0 * count / fps) <= 5);
+    for (const double duration : animation.durationsMs)
+        QVERIFY2(std::abs(duration - std::round(duration)) < 0.001, "browsers would cut off what is beyond a ms");
+    for (int frame = 0; frame < count; ++frame) {
+        const QImage shown = animation.at((frame + 0.5) * 1000 / fps);
+        QVERIFY2(sameColors(shown, patches(size, frame)), qPrintable(QString::number(frame)));
+    }
+    QCOMPARE(animation.plays, 0);
+}
+
+void AnimationsTest::dropsPicturesThatCannotBeShown_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("fps");
+    QTest::addColumn<int>("shortestMs");
+    QTest::newRow("gif at 60") << "gif" << 60 << 20;
+    QTest::newRow("gif at 100") << "gif" << 100 << 20;
+    QTest::newRow("gif at 1000") << "gif" << 1000 << 20;
+    QTest::newRow("png at 100") << "png" << 100 << 11;
+    QTest::newRow("png at 1000") << "png" << 1000 << 11;
+    QTest::newRow("webp at 100") << "webp" << 100 << 11;
+    QTest::newRow("webp at 1000") << "webp" << 1000 << 11;
+}
+
+void AnimationsTest::dropsPicturesThatCannotBeShown()
+{
+    QFETCH(QString, format);
+    QFETCH(int, fps);
+    QFETCH(int, shortestMs);
+    const QSize size(64, 48);
+    const int count = 125;
+    const DecodedAnimation animation =
+        encoded(format, size, fps, 100, count, [&](int frame) { return patches(size, frame); });
+    QCOMPARE(animation.errorString, QString());
+    QVERIFY(std::abs(animation.totalMs() - 1000.0 * count / fps) <= shortestMs);
+    for (const double duration : animation.durationsMs)
+        QVERIFY2(duration > shortestMs - 0.01, qPrintable(QString::number(duration)));
+    QVERIFY(sameColors(animation.frames.back(), patches(size, count - 1)));
+}
+
+void AnimationsTest::unchangedPicturesCostNothing_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("frames"); // one for each time that the longest duration fits in
+    QTest::newRow("gif") << "gif" << 3 + 3;
+    QTest::newRow("png") << "png" << 3 + 0;
+    QTest::newRow("webp") << "webp" << 3 + 0;
+}
+
+void AnimationsTest::unchangedPicturesCostNothing()
+{
+    QFETCH(QString, format);
+    QFETCH(int, frames);
+    const QSize size(40, 30);
+    const int fps = 10;
+    const QImage pictures[]{patches(size, 0), patches(size, 1), noise(size, 0)};
+    const auto encoder = makeAnimationEncoder(format, size, path(format), fps, 100);
+    // Half an hour of standstill; telling each of its frames or leaving them out makes no difference.
+    const quint64 starts[]{0, 5, 20000};
+    for (quint64 frame = 0; frame < 30; ++frame)
+        QVERIFY(encoder->addFrame(frame, pictures[frame < starts[1] ? 0 : 1].copy()));
+    QVERIFY(encoder->addFrame(starts[2], pictures[2]));
+    QVERIFY(encoder->repeatLastFrameUntil(20007));
+    QVERIFY(encoder->repeatLastFrameUntil(20003)); // it is shown for longer already
+    QVERIFY(encoder->close());
+    QCOMPARE(encoder->framesWritten(), quint64(20007));
+
+    const DecodedAnimation animation(path(format));
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(int(animation.frames.size()), frames);
+    QCOMPARE(animation.totalMs(), 2000700.0);
+    QVERIFY(sameColors(animation.at(1999990), pictures[1]));
+}
+
+void AnimationsTest::changesFarApartCostLittle_data()
+{
+    QTest::addColumn<QString>("format");
+    for (const QString &format : formats)
+        QTest::newRow(qPrintable(format)) << format;
+}
+
+/// What lies between them does not change, and is not written again.
+void AnimationsTest::changesFarApartCostLittle()
+{
+    QFETCH(QString, format);
+    const QSize size(320, 240);
+    const auto paint = [&](int frame) {
+        QImage image = noise(size, 1);
+        image.setPixel(100, 100, qRgb(2, 253, 1)); // which would do for transparency, were it not there
+        QPainter painter(&image);
+        const QColor color(20 * frame, 100, 0);
+        painter.fillRect(QRect(2, 3, 5, 4), color);
+        painter.fillRect(QRect(311, 230, 5, 4), color);
+        return image;
+    };
+    qint64 bytes[2];
+    for (const int more : {0, 1}) {
+        const int count = 2 + 10 * more;
+        const DecodedAnimation animation = encoded(format, size, 25, 100, count, paint);
+        QCOMPARE(animation.errorString, QString());
+        for (int frame = 0; frame < count && format != QLatin1String("gif"); ++frame) // which has too few colors
+            QVERIFY(sameColors(animation.frames[std::size_t(frame)], paint(frame)));
+        bytes[more] = QFileInfo(path(format)).size();
+    }
+    QVERIFY2(bytes[1] - bytes[0] < 10 * 1000, qPrintable(QString::number(bytes[1] - bytes[0])));
+}
+
+/// Each time round, one more picture has the color that stands for transparency behind it, until none is at hand.
+void AnimationsTest::showsTheColorsThatStoodForGaps()
+{
+    const QSize size(160, 120);
+    const int framesEach = 3;
+    std::vector<QRgb> colors;
+    for (bool hasTransparency = true; hasTransparency;) {
+        const auto paint = [&](int frame) {
+            QImage image = noise(size, 1);
+            QPainter(&image).fillRect(frame, 3, 5, 4, Qt::blue);
+            for (int past = 0; past < frame / framesEach; ++past)
+                image.setPixel(150, 100 + past, colors[std::size_t(past)]);
+            image.setPixel(100, 90 + frame % framesEach, qRgb(1, 2, 3));
+            return image;
+        };
+        const int count = framesEach * int(colors.size() + 1);
+        const DecodedAnimation animation = encoded(QStringLiteral("png"), size, 25, 100, count, paint);
+        QCOMPARE(animation.errorString, QString());
+        QCOMPARE(animation.frames.size(), std::size_t(count));
+        for (int frame = 0; frame < count; ++frame)
+            QVERIFY2(sameColors(animation.frames[std::size_t(frame)], paint(frame)),
+                     qPrintable(QString::number(frame)));
+
+        QFile file(path(QStringLiteral("png")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray start = file.read(100);
+        const int transparency = start.indexOf("tRNS");
+        hasTransparency = transparency >= 0;
+        if (hasTransparency)
+            colors.push_back(qRgb(start[transparency + 5], start[transparency + 7], start[transparency + 9]));
+    }
+    QVERIFY(colors.size() > 1);
+    QCOMPARE(QDir(m_dir.path()).entryList({QStringLiteral("*.png.*")}), QStringList());
+}
+
+void AnimationsTest::takesAnySize_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QSize>("size");
+    for (const QString &format : formats)
+        for (const QSize size : {QSize(1, 1), QSize(2, 1), QSize(1, 300), QSize(17, 5), QSize(641, 359)})
+            QTest::addRow("%s %dx%d", qPrintable(format), size.width(), size.height()) << format << size;
+    QTest::newRow("png 7680x4320") << "png" << QSize(7680, 4320);
+}
+
+void AnimationsTest::takesAnySize()
+{
+    QFETCH(QString, format);
+    QFETCH(QSize, size);
+    const auto paint = [&](int frame) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        if (frame == 1) // an odd place, of which nothing may be cut off
+            image.setPixel(size.width() - 1, size.height() - 1, qRgb(200, 10, 30));
+        return image;
+    };
+    for (int count = size.width() > 1000 ? 2 : 1; count <= 2; ++count) {
+        const DecodedAnimation animation = encoded(format, size, 30, 100, count, paint);
+        QCOMPARE(animation.errorString, QString());
+        QCOMPARE(int(animation.frames.size()), count);
+        for (int frame = 0; frame < count; ++frame)
+            QVERIFY(sameColors(animation.frames[std::size_t(frame)], paint(frame)));
+    }
+}
+
+void AnimationsTest::takesAnyImageFormat_data()
+{
+    QTest::addColumn<QImage::Format>("imageFormat");
+    QTest::newRow("RGB32 without alpha bits") << QImage::Format_RGB32;
+    QTest::newRow("premultiplied") << QImage::Format_ARGB32_Premultiplied;
+    QTest::newRow("not premultiplied") << QImage::Format_ARGB32;
+    QTest::newRow("3 bytes a pixel") << QImage::Format_RGB888;
+    QTest::newRow("gray") << QImage::Format_Grayscale8;
+}
+
+void AnimationsTest::takesAnyImageFormat()
+{
+    QFETCH(QImage::Format, imageFormat);
+    const QSize size(33, 20);
+    QImage translucent(size, QImage::Format_ARGB32_Premultiplied);
+    translucent.fill(QColor(200, 100, 50, 128));
+    QPainter(&translucent).fillRect(3, 3, 9, 9, Qt::green);
+    QImage given = translucent.convertToFormat(imageFormat);
+    if (imageFormat == QImage::Format_RGB32) // as X11 gives them
+        for (int y = 0; y < size.height(); ++y)
+            for (int x = 0; x < size.width(); ++x)
+                reinterpret_cast<QRgb *>(given.scanLine(y))[x] &= 0xffffffu;
+    QImage shown(size, QImage::Format_ARGB32_Premultiplied);
+    shown.fill(Qt::black);
+    QPainter(&shown).drawImage(0, 0, given);
+    if (imageFormat == QImage::Format_RGB32)
+        shown = translucent.convertToFormat(QImage::Format_RGB32);
+
+    const DecodedAnimation animation = encoded(QStringLiteral("png"), size, 30, 100, 2, [&](int) { return given; });
+    QCOMPARE(animation.errorString, QString());
+    QCOMPARE(animation.frames.size(), std::size_t(1));
+    QVERIFY(psnr(animation.frames[0], shown) > 48); // the last bit depends on who rounds
+}
+
+void AnimationsTest::leavesTheImageToTheCaller_data()
+{
+    QTest::addColumn<QString>("format");
+    for (const QString &format : formats)
+        QTest::newRow(qPrintable(format)) << format;
+}
+
+void AnimationsTest::leavesTheImageToTheCaller()
+{
+    QFETCH(QString, format);
+    const QSize size(320, 200);
+    std::vector<uchar> buffer(std::size_t(size.width() * size.height() * 4));
+    const auto encoder = makeAnimationEncoder(format, size, path(format), 25, 100);
+    const int count = 25;
+    for (int frame = 0; frame < count; ++frame) {
+        const QImage picture = patches(size, frame);
+        std::copy_n(picture.constBits(), buffer.size(), buffer.begin());
+        QVERIFY(
+            encoder->addFrame(quint64(frame), QImage(buffer.data(), size.width(), size.height(), picture.format())));
+        std::fill(buffer.begin(), buffer.end(), uchar(0x55));
+    }
+    QVERIFY(encoder->close());
+    const DecodedAnimation animation(path(format));
+    QCOMPARE(animation.errorString, QString());
+    for (int frame = 0; frame < count; ++frame)
+        QVERIFY(sameColors(animation.at(frame * 40 + 20), patches(size, frame)));
+}
+
+void AnimationsTest::meansWhatItSaysByQuality_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<bool>("isPhotograph");
+    QTest::addColumn<QVector<double>>("decibels"); // at the qualities, at least; 99: exactly
+    QTest::newRow("gif photograph") << "gif" << true << QVector<double>{25, 29, 32.5, 33};
+    QTest::newRow("gif screen") << "gif" << false << QVector<double>{25, 33, 45, 99};
+    QTest::newRow("png photograph") << "png" << true << QVector<double>{99, 99, 99, 99};
+    QTest::newRow("png screen") << "png" << false << QVector<double>{99, 99, 99, 99};
+    QTest::newRow("webp photograph") << "webp" << true << QVector<double>{30, 32, 33.5, 99};
+    QTest::newRow("webp screen") << "webp" << false << QVector<double>{25, 33, 45, 99};
+}
+
+void AnimationsTest::meansWhatItSaysByQuality()
+{
+    QFETCH(QString, format);
+    QFETCH(bool, isPhotograph);
+    QFETCH(QVector<double>, decibels);
+    const int qualities[]{30, 60, 90, 100};
+    const QSize size(320, 240);
+    const int count = 6;
+    const auto paint = [&](int frame) { return isPhotograph ? landscape(size, frame) : patches(size, frame); };
+    qint64 lastBytes = 0;
+    double last = 0;
+    for (int i = 0; i < 4; ++i) {
+        const DecodedAnimation animation = encoded(format, size, 25, qualities[i], count, paint);
+        QCOMPARE(animation.errorString, QString());
+        double worst = 99;
+        for (int frame = 0; frame < count; ++frame)
+            worst = std::min(worst, psnr(animation.at((frame + 0.5) * 40), paint(frame)));
+        const qint64 bytes = QFileInfo(path(format)).size();
+        const QByteArray found = QByteArray::number(worst) + " dB, " + QByteArray::number(bytes) + " bytes at " +
+                                 QByteArray::number(qualities[i]);
+        QVERIFY2(worst >= decibels[i] && worst >= last && bytes >= lastBytes, found);
+        last = worst;
+        lastBytes = bytes;
+    }
+}
+
+void AnimationsTest::playsAsOftenAsAsked_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<int>("plays");
+    for (const QString &format : formats)
+        for (const int plays : {0, 1, 2, 65535})
+            QTest::addRow("%s %d", qPrintable(format), plays) << format << plays;
+}
+
+void AnimationsTest::playsAsOftenAsAsked()
+{
+    QFETCH(QString, format);
+    QFETCH(int, plays);
+    const QSize size(20, 10);
+    const auto encoder = makeAnimationEncoder(format, size, path(format), 10, 90, QStringLiteral("loop=%1").arg(plays));
+    for (int frame = 0; frame < 3; ++frame)
+        QVERIFY(encoder->addFrame(quint64(frame), patches(size, frame)));
+    QVERIFY(encoder->close());
+    QCOMPARE(DecodedAnimation(path(format)).plays, plays);
+}
+
+QTEST_MAIN(AnimationsTest)
+#include "tst_animations.moc"

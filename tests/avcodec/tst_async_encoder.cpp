@@ -1,0 +1,215 @@
+#include "avcodec/DecodedVideo.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <random>
+
+namespace
+{
+
+constexpr auto kNotTaken = -1;
+
+/// Waits for room, as a recorder that must not lose a frame would.
+int addWaiting(KelAsyncEncoder &encoder, int index, const QImage &image)
+{
+    return QTest::qWaitFor([&] { return !encoder.isBusy(); }, 30000) ? encoder.addFrame(index, image) : kNotTaken;
+}
+
+} // namespace
+
+class AsyncEncoderTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void keepsSmallColoredText();
+    void takesImages_data();
+    void takesImages();
+    void followsSmallChanges_data();
+    void followsSmallChanges();
+    void neverWaits();
+    void refusesForeignSizes();
+    void reportsWhatCannotBeOpened_data();
+    void reportsWhatCannotBeOpened();
+    void leavesNoFileWithoutFrames();
+
+private:
+    QString path(const QString &name = QStringLiteral("video.mp4")) const { return m_dir.filePath(name); }
+
+    QTemporaryDir m_dir;
+};
+
+void AsyncEncoderTest::keepsSmallColoredText()
+{
+    constexpr int count = 45;
+    const QSize size(426, 240);
+    KelAsyncEncoder encoder({size, QImage::Format_ARGB32_Premultiplied, path(), 30, 100});
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    for (int i = 0; i < count; ++i) {
+        image = textImage(size, i);
+        QCOMPARE(addWaiting(encoder, i, image), i);
+        image.fill(Qt::yellow); // the encoder has its own copy by now
+    }
+    encoder.waitForClosed();
+    QCOMPARE(encoder.errorString(), QString());
+    QCOMPARE(mp4Boxes(path()), QList<QByteArray>({"ftyp", "mdat", "moov"}));
+
+    const DecodedVideo video(path());
+    QCOMPARE(video.errorString, QString());
+    QCOMPARE(video.statedFrames, qint64(count));
+    QCOMPARE(int(video.frames.size()), count);
+    QCOMPARE(video.fps, 30.0);
+    QCOMPARE(video.containerColorSpace, AVCOL_SPC_RGB);
+    for (int i = 0; i < count; ++i) {
+        QCOMPARE(video.times[std::size_t(i)], qint64(i));
+        const double db = psnr(video.rgbImage(i), textImage(size, i));
+        QVERIFY2(db >= 45, qPrintable(QStringLiteral("frame %1: %2 dB").arg(i).arg(db)));
+    }
+    int sinceKeyframe = 0;
+    for (const bool isKeyframe : video.keyframes) {
+        sinceKeyframe = isKeyframe ? 0 : sinceKeyframe + 1;
+        QVERIFY(sinceKeyframe < 10);
+    }
+}
+
+void AsyncEncoderTest::takesImages_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QImage::Format>("format");
+    QTest::newRow("one pixel") << QSize(1, 1) << QImage::Format_RGB32;
+    QTest::newRow("odd size") << QSize(33, 17) << QImage::Format_ARGB32_Premultiplied;
+    QTest::newRow("straight alpha") << QSize(64, 48) << QImage::Format_ARGB32;
+    QTest::newRow("24 bits, lines padded") << QSize(101, 50) << QImage::Format_RGB888;
+    QTest::newRow("very wide") << QSize(5000, 2) << QImage::Format_RGB32;
+}
+
+void AsyncEncoderTest::takesImages()
+{
+    QFETCH(QSize, size);
+    QFETCH(QImage::Format, format);
+    QImage image(size, format);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixelColor(x, y, QColor(x * 7 % 256, y * 11 % 256, 255 - x % 256));
+    KelAsyncEncoder encoder({size, format, path()});
+    QCOMPARE(encoder.addFrame(0, image), 0);
+    encoder.waitForClosed();
+    const DecodedVideo video(path());
+    QCOMPARE(video.errorString, QString());
+    QCOMPARE(video.statedFrames, qint64(1));
+    QVERIFY(psnr(video.rgbImage(0), image) >= 45);
+}
+
+void AsyncEncoderTest::followsSmallChanges_data()
+{
+    QTest::addColumn<int>("threads");
+    QTest::newRow("one thread") << 1;
+    QTest::newRow("three threads") << 3;
+}
+
+// What is skipped as unchanged must be unchanged indeed: also across frames that reuse a buffer of several frames ago.
+void AsyncEncoderTest::followsSmallChanges()
+{
+    QFETCH(int, threads);
+    const QSize size(203, 119);
+    std::mt19937 random(1);
+    std::vector<QImage> images;
+    QImage image = textImage(size, 0);
+    KelAsyncEncoder::Params params{size, QImage::Format_ARGB32_Premultiplied, path()};
+    params.keyframeInterval = 30;
+    params.threads = threads;
+    KelAsyncEncoder encoder(params);
+    for (int i = 0; i < 60; ++i) {
+        QPainter painter(&image);
+        const QRect spot(int(random() % 200), int(random() % 116), int(random() % 40), int(random() % 9));
+        painter.fillRect(i % 7 == 0 ? QRect() : spot, QColor::fromRgb(random()));
+        painter.end();
+        images.push_back(image.copy());
+        QCOMPARE(addWaiting(encoder, i, image), i);
+    }
+    encoder.waitForClosed();
+    const DecodedVideo video(path());
+    QCOMPARE(video.frames.size(), images.size());
+    for (std::size_t i = 0; i < images.size(); ++i)
+        QVERIFY2(psnr(video.rgbImage(int(i)), images[i]) >= 45, qPrintable(QString::number(i)));
+}
+
+void AsyncEncoderTest::neverWaits()
+{
+    const QSize size(1280, 720);
+    KelAsyncEncoder::Params params{size, QImage::Format_ARGB32_Premultiplied, path()};
+    params.queueCapacity = 1;
+    KelAsyncEncoder encoder(params);
+    const QImage images[] = {textImage(size, 0), textImage(size, 9)};
+    int taken = 0;
+    int refused = 0;
+    while (refused == 0 || taken < 5) {
+        const int number = encoder.addFrame(taken, images[taken % 2]);
+        if (number == kNotTaken)
+            ++refused;
+        else
+            QCOMPARE(number, taken++);
+    }
+    encoder.waitForClosed();
+    encoder.waitForClosed();
+    QCOMPARE(encoder.addFrame(taken, images[0]), kNotTaken);
+    QCOMPARE(DecodedVideo(path()).statedFrames, qint64(taken));
+}
+
+void AsyncEncoderTest::refusesForeignSizes()
+{
+    KelAsyncEncoder encoder({QSize(64, 64), QImage::Format_ARGB32_Premultiplied, path()});
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Frame 0 ")));
+    QCOMPARE(encoder.addFrame(0, QImage(64, 65, QImage::Format_RGB32)), kNotTaken);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Frame 0 ")));
+    QCOMPARE(encoder.addFrame(0, QImage()), kNotTaken);
+    QCOMPARE(encoder.addFrame(0, textImage({64, 64}, 0)), 0);
+    encoder.waitForClosed();
+    QCOMPARE(DecodedVideo(path()).statedFrames, qint64(1));
+}
+
+void AsyncEncoderTest::reportsWhatCannotBeOpened_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("fps");
+    QTest::newRow("no such directory") << QSize(64, 64) << path("missing/video.mp4") << 30;
+    QTest::newRow("a directory") << QSize(64, 64) << m_dir.path() << 30;
+    QTest::newRow("empty") << QSize(0, 64) << path() << 30;
+    QTest::newRow("too large") << QSize(64, 16385) << path() << 30;
+    QTest::newRow("no rate") << QSize(64, 64) << path() << 0;
+    QTest::newRow("full disk") << QSize(64, 64) << "/dev/full" << 30;
+}
+
+void AsyncEncoderTest::reportsWhatCannotBeOpened()
+{
+    QFETCH(QSize, size);
+    QFETCH(QString, file);
+    QFETCH(int, fps);
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Cannot ")));
+    KelAsyncEncoder encoder({size, QImage::Format_ARGB32_Premultiplied, file, fps});
+    QVERIFY(!encoder.errorString().isEmpty());
+    int reports = 0;
+    encoder.setErrorHandler([&](const QString &text) { reports += text == encoder.errorString(); });
+    QCOMPARE(reports, 1);
+    QVERIFY(encoder.isBusy());
+    QCOMPARE(encoder.addFrame(0, QImage(size, QImage::Format_RGB32)), kNotTaken);
+    encoder.waitForClosed();
+    QCOMPARE(reports, 1);
+}
+
+void AsyncEncoderTest::leavesNoFileWithoutFrames()
+{
+    {
+        KelAsyncEncoder encoder({QSize(64, 64), QImage::Format_ARGB32_Premultiplied, path(QStringLiteral("none.mp4"))});
+        QVERIFY(QFile::exists(path(QStringLiteral("none.mp4"))));
+    }
+    QVERIFY(!QFile::exists(path(QStringLiteral("none.mp4"))));
+}
+
+QTEST_MAIN(AsyncEncoderTest)
+#include "tst_async_encoder.moc"

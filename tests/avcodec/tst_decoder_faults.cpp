@@ -1,0 +1,328 @@
+#include "avcodec/NumberedVideo.h"
+#include "avcodec/decode/VideoDemuxer.h"
+#include "avcodec/decode/ffv1Decoder.h"
+#include "avcodec/decode/h264Decoder.h"
+#include "avcodec/ffmpeg/AvHandles.h"
+#include "support/LogCapture.h"
+#include "support/TestTable.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QtEndian>
+
+#include <memory>
+
+using namespace av;
+
+namespace
+{
+
+constexpr int kFrames = 30;
+
+const QStringList kRecorded{"-c:v",        "libx264rgb", "-preset", "ultrafast", "-tune",
+                            "zerolatency", "-crf",       "16",      "-g",        "10"};
+const QStringList kSubsampled{"-c:v", "libx264", "-pix_fmt", "yuv420p", "-g", "10"};
+const QStringList kFragmented{"-movflags", "frag_every_frame+empty_moov+default_base_moof"};
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    QCOMPARE(file.write(content), qint64(content.size()));
+}
+
+/// Where the boxes of a type begin, outermost ones only.
+QList<int> boxesOf(const QByteArray &mp4, const QByteArray &type)
+{
+    QList<int> found;
+    for (int at = 0; at + 8 <= mp4.size();) {
+        const quint32 size = qFromBigEndian<quint32>(mp4.constData() + at);
+        if (mp4.mid(at + 4, 4) == type)
+            found << at;
+        at += int(qMax(size, 8U));
+    }
+    return found;
+}
+
+/// What was logged, without what FFmpeg's libraries have to say.
+QStringList linesOfDecoders(LogCapture &log)
+{
+    return log.take().filter("Decoder] ");
+}
+
+/// All frames of the decoder can be decoded and carry their numbers.
+void checkFrames(VideoFileDecoder &decoder, int count)
+{
+    QCOMPARE(decoder.getFrameCount(), count);
+    for (int frame = count; frame-- > 0;)
+        QCOMPARE(NumberedVideo::numberIn(decoder.decodeFrame(frame)), frame);
+}
+
+} // namespace
+
+/// Files that are cut off, damaged or no videos at all, and hardware that is not there.
+class DecoderFaultsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void truncatedFragments_data();
+    void truncatedFragments();
+    void truncatedAfterTheIndex();
+    void truncatedMatroska_data();
+    void truncatedMatroska();
+    void damagedFrame_data();
+    void damagedFrame();
+    void refusedFiles_data();
+    void refusedFiles();
+    void refusedContents();
+    void hugeFrames();
+    void missingHardware_data();
+    void missingHardware();
+    void preferredParams();
+
+private:
+    QTemporaryDir m_dir;
+};
+
+void DecoderFaultsTest::truncatedFragments_data()
+{
+    QTest::addColumn<QByteArray>("box"); // the sixth of its kind, or the only one
+    QTest::addColumn<int>("kept");       // bytes of it; negative: all but so many
+    QTest::addColumn<int>("frames");
+
+    QTest::newRow("inside the header") << QByteArray("moov") << 60 << 0;
+    QTest::newRow("nothing but the header") << QByteArray("moov") << -0 << 0;
+    QTest::newRow("before a fragment") << QByteArray("moof") << 0 << 5;
+    QTest::newRow("inside a box's own header") << QByteArray("moof") << 5 << 5;
+    QTest::newRow("inside a fragment's header") << QByteArray("moof") << 50 << 5;
+    QTest::newRow("before the data") << QByteArray("mdat") << 0 << 5;
+    QTest::newRow("inside the data") << QByteArray("mdat") << 20 << 5;
+    QTest::newRow("one byte short") << QByteArray("mdat") << -1 << 5;
+}
+
+void DecoderFaultsTest::truncatedFragments()
+{
+    QFETCH(QByteArray, box);
+    QFETCH(int, kept);
+    QFETCH(int, frames);
+    const QString whole = m_dir.filePath("fragments.mp4");
+    QVERIFY(NumberedVideo::write(whole, kFrames, kRecorded + kFragmented));
+    const QByteArray content = contentOf(whole);
+    const QList<int> boxes = boxesOf(content, box);
+    const int at = boxes.value(boxes.size() > 1 ? 5 : 0);
+    const int size = int(qFromBigEndian<quint32>(content.constData() + at));
+    const bool onlyHeader = box == "moov" && kept == 0;
+    const QString path = m_dir.filePath("cut.mp4");
+    writeFile(path, content.left(at + (kept < 0 || onlyHeader ? size + kept : kept)));
+
+    const LogCapture log;
+    h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
+    QCOMPARE(decoder.isValid(), frames > 0);
+    checkFrames(decoder, frames);
+}
+
+void DecoderFaultsTest::truncatedAfterTheIndex()
+{
+    const QString whole = m_dir.filePath("indexed.mp4");
+    QVERIFY(NumberedVideo::write(whole, kFrames, kRecorded + QStringList{"-movflags", "faststart"}));
+    VideoDemuxer source;
+    QString error;
+    QVERIFY(source.open(whole, AV_CODEC_ID_H264, &error));
+    const Sample &last = source.index().sample(17);
+    const QString path = m_dir.filePath("indexed_cut.mp4");
+    writeFile(path, contentOf(whole).left(int(last.position) + last.size - 1));
+    h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
+    checkFrames(decoder, 17);
+}
+
+void DecoderFaultsTest::truncatedMatroska_data()
+{
+    const TestTable<QStringList> row("options");
+    row("FFV1", QStringList{"-c:v", "ffv1"});
+    row("FFV1 in small clusters", QStringList{"-c:v", "ffv1", "-cluster_time_limit", "200"});
+}
+
+void DecoderFaultsTest::truncatedMatroska()
+{
+    QFETCH(QStringList, options);
+    const LogCapture log;
+    const QString whole = m_dir.filePath("whole.mkv");
+    QVERIFY(NumberedVideo::write(whole, kFrames, options));
+    VideoDemuxer source;
+    QString error;
+    QVERIFY(source.open(whole, AV_CODEC_ID_FFV1, &error));
+    const QString path = m_dir.filePath("cut.mkv");
+    // With the end of the file its index for seeking is gone too.
+    writeFile(path, contentOf(whole).left(int(source.index().sample(20).position) + 30));
+    ffv1Decoder decoder(path);
+    checkFrames(decoder, 20);
+}
+
+void DecoderFaultsTest::damagedFrame_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("damaged"); // in decoding order
+    const QStringList bipredicted{"-pix_fmt", "yuv420p", "-c:v", "libx264",       "-g",
+                                  "10",       "-bf",     "2",    "-sc_threshold", "0"};
+    QTest::newRow("recorded") << kRecorded << 14;
+    QTest::newRow("recorded, keyframe") << kRecorded << 10;
+    QTest::newRow("B-frames") << bipredicted << 14;
+    QTest::newRow("B-frames, keyframe") << bipredicted << 10;
+}
+
+void DecoderFaultsTest::damagedFrame()
+{
+    QFETCH(QStringList, options);
+    QFETCH(int, damaged);
+    const LogCapture log;
+    const QString whole = m_dir.filePath("sound.mp4");
+    QVERIFY(NumberedVideo::write(whole, kFrames, options));
+    VideoDemuxer source;
+    QString error;
+    QVERIFY(source.open(whole, AV_CODEC_ID_H264, &error));
+    const Sample &sample = source.index().sample(damaged);
+    QByteArray content = contentOf(whole);
+    content.replace(int(sample.position), sample.size, QByteArray(sample.size, '\xff'));
+    const QString path = m_dir.filePath("damaged.mp4");
+    writeFile(path, content);
+
+    h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
+    QCOMPARE(decoder.getFrameCount(), kFrames);
+    QVERIFY(decoder.decodeFrame(sample.number).isNull());
+    // The groups of pictures before and after are whole, whatever was asked for before.
+    for (const int frame : {29, 25, 20, 9, 8, 4, 0, 22}) {
+        QCOMPARE(NumberedVideo::numberIn(decoder.decodeFrame(frame)), frame);
+        QVERIFY(decoder.decodeFrame(sample.number).isNull());
+    }
+}
+
+void DecoderFaultsTest::refusedFiles_data()
+{
+    QTest::addColumn<QByteArray>("content"); // null: no file
+    QByteArray noise;
+    for (quint32 i = 0; i < 70000; ++i)
+        noise.append(char((i * 2654435761U) >> 24));
+    const QByteArray typeBox = QByteArray::fromHex("0000001866747970") + "isom" + QByteArray(12, 0);
+    QTest::newRow("missing") << QByteArray();
+    QTest::newRow("empty") << QByteArray("");
+    QTest::newRow("text") << QByteArray("This is not a video.\n").repeated(100);
+    QTest::newRow("noise") << noise;
+    QTest::newRow("only a type box") << typeBox;
+    QTest::newRow("a box that claims gigabytes") << typeBox + QByteArray::fromHex("fffffff0") + "moov" + noise;
+    QTest::newRow("noise for an index") << typeBox + QByteArray::fromHex("00010000") + "moov" + noise;
+    QTest::newRow("Matroska header, then noise") << QByteArray::fromHex("1a45dfa3934282886d6174726f736b61") + noise;
+    QTest::newRow("list of other files") << QByteArray("ffconcat version 1.0\nfile '/etc/hostname'\n");
+    QTest::newRow("playlist") << QByteArray("#EXTM3U\n#EXTINF:1,\nhttp://127.0.0.1:9/a.mp4\n");
+}
+
+void DecoderFaultsTest::refusedFiles()
+{
+    QFETCH(QByteArray, content);
+    const QString path = m_dir.filePath("hostile.mp4");
+    QFile::remove(path);
+    if (!content.isNull())
+        writeFile(path, content);
+    LogCapture log;
+    const h264Decoder h264(path, h264Decoder::PreferH264DecodeParams(false));
+    const ffv1Decoder ffv1(path);
+    QVERIFY(!h264.isValid() && !ffv1.isValid());
+    QCOMPARE(h264.getFrameCount(), 0);
+    const QStringList lines = linesOfDecoders(log);
+    QCOMPARE(lines.size(), 2);
+    QVERIFY2(lines[0].startsWith("W [h264Decoder] cannot open " + path), qPrintable(lines[0]));
+    QVERIFY2(lines[1].startsWith("W [ffv1Decoder] cannot open " + path), qPrintable(lines[1]));
+}
+
+void DecoderFaultsTest::refusedContents()
+{
+    const LogCapture log;
+    QVERIFY(!ffv1Decoder(m_dir.path()).isValid());
+
+    const QString sound = m_dir.filePath("sound_only.mp4");
+    QVERIFY(NumberedVideo::runFfmpeg({"-f", "lavfi", "-i", "sine=duration=1", sound}));
+    QVERIFY(!h264Decoder(sound, h264Decoder::PreferH264DecodeParams(false)).isValid());
+
+    const QString other = m_dir.filePath("other.mkv");
+    QVERIFY(NumberedVideo::write(other, 2, {"-c:v", "ffv1"}));
+    QVERIFY(!h264Decoder(other, h264Decoder::PreferH264DecodeParams(false)).isValid());
+    QVERIFY(ffv1Decoder(other).isValid());
+}
+
+void DecoderFaultsTest::hugeFrames()
+{
+    const QString path = m_dir.filePath("huge.mkv");
+    AVFormatContext *created = nullptr;
+    QVERIFY(avformat_alloc_output_context2(&created, nullptr, "matroska", nullptr) >= 0);
+    const av::FormatContext output(created);
+    AVCodecParameters *video = avformat_new_stream(created, nullptr)->codecpar;
+    video->codec_type = AVMEDIA_TYPE_VIDEO;
+    video->codec_id = AV_CODEC_ID_FFV1;
+    video->width = 20000; // which the library would accept
+    video->height = 100;
+    QVERIFY(avio_open(&created->pb, qPrintable(path), AVIO_FLAG_WRITE) >= 0);
+    QVERIFY(avformat_write_header(created, nullptr) >= 0);
+    const av::Packet packet(av_packet_alloc());
+    QVERIFY(av_new_packet(packet.get(), 100) >= 0);
+    memset(packet->data, 1, 100);
+    packet->pts = packet->dts = 0;
+    packet->flags = AV_PKT_FLAG_KEY;
+    QVERIFY(av_write_frame(created, packet.get()) >= 0);
+    QVERIFY(av_write_trailer(created) >= 0);
+    QVERIFY(avio_closep(&created->pb) >= 0);
+
+    LogCapture log;
+    QVERIFY(!ffv1Decoder(path).isValid());
+    const QStringList lines = linesOfDecoders(log);
+    QVERIFY2(lines.value(0).contains("20000x100"), qPrintable(lines.value(0)));
+}
+
+void DecoderFaultsTest::missingHardware_data()
+{
+    const TestTable<QString, QString, bool, int> row("decoder", "device", "isRecording", "lines");
+    row("no such type of device", "h264", "abacus", false, 1);
+    row("a type that is not of this system, or not here", "h264", "d3d11va", false, 1);
+    row("never tried, as no device knows recordings", "h264", "abacus", true, 0);
+    row("no such decoder", "h264_abacus", "", true, 0);
+    row("a decoder of something else", "ffv1", "", true, 0);
+}
+
+void DecoderFaultsTest::missingHardware()
+{
+    QFETCH(QString, decoder);
+    QFETCH(QString, device);
+    QFETCH(bool, isRecording);
+    QFETCH(int, lines);
+    const QString path = m_dir.filePath("software.mp4");
+    QVERIFY(NumberedVideo::write(path, 12, isRecording ? kRecorded : kSubsampled));
+    LogCapture log;
+    h264Decoder fallback(path, {decoder, device});
+    checkFrames(fallback, 12);
+    QCOMPARE(linesOfDecoders(log).size(), lines);
+}
+
+void DecoderFaultsTest::preferredParams()
+{
+    QVERIFY(h264Decoder::isSupported() && ffv1Decoder::isSupported());
+    const H264DecodeParams software = h264Decoder::PreferH264DecodeParams(false);
+    QCOMPARE(software.decoderName, QString("h264"));
+    QCOMPARE(software.deviceType, QString());
+
+    // Whatever this machine has, the answer works: also for RGB, which hardware mostly cannot do.
+    const QString path = m_dir.filePath("preferred.mp4");
+    QVERIFY(NumberedVideo::write(path, 12, kRecorded));
+    const LogCapture log;
+    h264Decoder preferred(path, h264Decoder::PreferH264DecodeParams(true));
+    checkFrames(preferred, 12);
+}
+
+QTEST_GUILESS_MAIN(DecoderFaultsTest)
+#include "tst_decoder_faults.moc"

@@ -1,0 +1,190 @@
+// What is left of a file when the process is killed or the disk is full.
+
+#include "avcodec/DecodedVideo.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
+#include "avcodec/mp4/Mp4Index.h"
+#include "avcodec/mp4/h264Encoder.h"
+#include "avcodec/x264/X264Encoder.h"
+#include "support/FileSizeLimit.h"
+
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <QtTest>
+
+#include <cstdio>
+
+using namespace av;
+
+namespace
+{
+
+constexpr int kFps = 30;
+const QSize kSize(320, 180);
+
+KelAsyncEncoder::Params params(const QString &path)
+{
+    return {kSize, QImage::Format_ARGB32_Premultiplied, path, kFps};
+}
+
+/// Records until the encoder fails or has taken `count` frames; returns how many it took.
+int record(KelAsyncEncoder &encoder, int count)
+{
+    int taken = 0;
+    while (taken < count && encoder.errorString().isEmpty())
+        if (encoder.addFrame(taken, textImage(kSize, taken % 50)) == taken)
+            ++taken;
+    return taken;
+}
+
+/// Encodes a video for export and returns the error, empty when there was none.
+QString exportVideo(const QString &path)
+{
+    h264Encoder encoder({kSize, QImage::Format_ARGB32_Premultiplied, path, kFps, 90});
+    quint64 index = 0;
+    while (index < 90 && encoder.addFrame(index, textImage(kSize, int(index))))
+        ++index;
+    return encoder.close() == encoder.errorString().isEmpty() ? encoder.errorString() : QStringLiteral("undecided");
+}
+
+} // namespace
+
+class FileSafetyTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void recordingSurvivesKill();
+    void recordingSurvivesFullDisk_data();
+    void recordingSurvivesFullDisk();
+    void exportReportsFullDisk_data();
+    void exportReportsFullDisk();
+    void addressesLargeFiles();
+
+private:
+    QString path() const { return m_dir.filePath(QStringLiteral("video.mp4")); }
+
+    QTemporaryDir m_dir;
+};
+
+void FileSafetyTest::recordingSurvivesKill()
+{
+    QProcess child;
+    child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--record"), path()});
+    int taken = 0;
+    while (taken < 100) {
+        QVERIFY(child.canReadLine() || child.waitForReadyRead(30000));
+        taken = child.readLine().toInt();
+    }
+    child.kill();
+    QVERIFY(child.waitForFinished());
+    QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+
+    const DecodedVideo video(path());
+    // The last fragment may be cut, and the reader may say so.
+    QVERIFY2(int(video.frames.size()) >= taken - kFps, qPrintable(QString::number(video.frames.size())));
+    for (int i = 0; i < int(video.frames.size()); i += 10)
+        QVERIFY(psnr(video.rgbImage(i), textImage(kSize, i % 50)) >= 45);
+}
+
+void FileSafetyTest::recordingSurvivesFullDisk_data()
+{
+    constexpr int count = 60;
+    KelAsyncEncoder encoder(params(path()));
+    QCOMPARE(record(encoder, count), count);
+    encoder.waitForClosed();
+    // An ordinary file holds the fragments in its second box, whose 64-bit size stands behind the type.
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray begin = file.read(100);
+    const int mediaData = begin.indexOf("mdat");
+    const qint64 fragmentsEnd = mediaData - 4 + qFromBigEndian<qint64>(begin.constData() + mediaData + 4);
+
+    QTest::addColumn<qint64>("limit");
+    QTest::addColumn<int>("frames"); // at least
+    QTest::newRow("in the middle") << fragmentsEnd / 2 << 15;
+    QTest::newRow("in the last fragment") << fragmentsEnd - 1 << count - 1;
+    QTest::newRow("before the index") << fragmentsEnd << count;
+    QTest::newRow("in the index") << fragmentsEnd + 100 << count;
+}
+
+void FileSafetyTest::recordingSurvivesFullDisk()
+{
+    QFETCH(qint64, limit);
+    QFETCH(int, frames);
+    std::vector<QString> reports;
+    {
+        QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Cannot write")));
+        const FileSizeLimit fullDisk{quint64(limit)};
+        KelAsyncEncoder encoder(params(path()));
+        encoder.setErrorHandler([&reports](const QString &text) { reports.push_back(text); });
+        const int taken = record(encoder, 60);
+        QVERIFY(taken >= frames);
+        encoder.waitForClosed();
+        QCOMPARE(encoder.addFrame(taken, textImage(kSize, 0)), -1);
+        QCOMPARE(reports, std::vector<QString>{encoder.errorString()});
+        QVERIFY(reports[0].contains(path()));
+    }
+    const QList<QByteArray> boxes = mp4Boxes(path());
+    QCOMPARE(boxes.mid(0, 5), QList<QByteArray>({"ftyp", "free", "moov", "moof", "mdat"}));
+    QCOMPARE(boxes.last(), QByteArray("mdat"));
+    const DecodedVideo video(path());
+    QCOMPARE(video.errorString, QString());
+    QVERIFY(int(video.frames.size()) >= frames);
+}
+
+void FileSafetyTest::exportReportsFullDisk_data()
+{
+    QVERIFY(exportVideo(path()).isEmpty());
+    const qint64 size = QFileInfo(path()).size();
+    QTest::addColumn<qint64>("limit");
+    QTest::newRow("in the middle") << size / 2;
+    QTest::newRow("when the index moves to the front") << size - 1;
+}
+
+void FileSafetyTest::exportReportsFullDisk()
+{
+    QFETCH(qint64, limit);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[h264Encoder\\] Cannot write")));
+    const FileSizeLimit fullDisk{quint64(limit)};
+    QVERIFY(exportVideo(path()).contains(path()));
+}
+
+void FileSafetyTest::addressesLargeFiles()
+{
+    // No picture is looked at; the record only has to look like one.
+    Mp4Index index({kSize, kFps, QByteArray::fromHex("014d401fffe1000400000000010004000000000000")});
+    const QByteArray bytes(1000, 'x');
+    const std::vector<qint64> offsets{1000, 0xfffff000, 0x100000001, 0x7fffffffff};
+    for (std::size_t i = 0; i < offsets.size(); ++i)
+        index.add({reinterpret_cast<const uint8_t *>(bytes.constData()), bytes.size(), qint64(i), qint64(i), i == 0},
+                  offsets[i]);
+    const QByteArray moov = index.finish();
+    QCOMPARE(qint64(moov.size()), qint64(qFromBigEndian<quint32>(moov.constData())));
+    const int table = moov.indexOf("co64");
+    QVERIFY(table > 0);
+    QCOMPARE(qFromBigEndian<quint32>(moov.constData() + table + 8), quint32(offsets.size()));
+    for (std::size_t i = 0; i < offsets.size(); ++i)
+        QCOMPARE(qFromBigEndian<qint64>(moov.constData() + table + 12 + 8 * i), offsets[i]);
+}
+
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == QLatin1String("--record")) {
+        KelAsyncEncoder encoder(params(arguments.value(2)));
+        for (int taken = 0;;) {
+            if (encoder.addFrame(taken, textImage(kSize, taken % 50)) != taken)
+                continue;
+            std::printf("%d\n", ++taken);
+            std::fflush(stdout);
+        }
+    }
+    FileSafetyTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_file_safety.moc"

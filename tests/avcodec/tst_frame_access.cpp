@@ -1,0 +1,210 @@
+#include "avcodec/NumberedVideo.h"
+#include "avcodec/decode/ffv1Decoder.h"
+#include "avcodec/decode/h264Decoder.h"
+#include "avcodec/mp4/KelAsyncEncoder.h"
+
+#include <QCryptographicHash>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+#include <memory>
+#include <random>
+
+using namespace av;
+
+namespace
+{
+
+constexpr int kFrames = 90;
+
+const QStringList kRecorded{"-c:v", "libx264rgb", "-preset", "ultrafast", "-tune",        "zerolatency",
+                            "-crf", "16",         "-g",      "10",        "-x264-params", "slices=2"};
+const QStringList kBipredicted{"-pix_fmt", "yuv420p", "-c:v", "libx264", "-preset", "faster",      "-threads",
+                               "1",        "-crf",    "16",   "-bf",     "3",       "-b_strategy", "0"};
+const QStringList kFragmented{"-movflags", "frag_every_frame+empty_moov+default_base_moof"};
+
+std::unique_ptr<VideoFileDecoder> openVideo(const QString &path)
+{
+    if (path.endsWith("ffv1.mkv"))
+        return std::make_unique<ffv1Decoder>(path);
+    return std::make_unique<h264Decoder>(path, h264Decoder::PreferH264DecodeParams(false));
+}
+
+QByteArray digest(const QImage &image)
+{
+    return QCryptographicHash::hash(
+        QByteArray::fromRawData(reinterpret_cast<const char *>(image.constBits()), int(image.sizeInBytes())),
+        QCryptographicHash::Md5);
+}
+
+} // namespace
+
+/// Every frame by its number, in any order, at no more decoding than it takes.
+class FrameAccessTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyOrderYieldsTheFrames_data();
+    void everyOrderYieldsTheFrames();
+    void cutByAnEditList();
+    void recordingOfOurOwn();
+    void backwardsBeyondTheCache();
+    void imagesAreTheCallers();
+    void numbersOutsideAreRefused();
+
+private:
+    QTemporaryDir m_dir;
+};
+
+void FrameAccessTest::everyOrderYieldsTheFrames_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("options");
+
+    const QStringList openGroups{"-x264-params", "open-gop=1:keyint=20:min-keyint=20:b-pyramid=normal"};
+    // Gaps of one to four frame times.
+    const QStringList variableRate{"-vf", "settb=1/30,setpts=N+floor(N/5)*3", "-vsync", "passthrough"};
+
+    QTest::newRow("recorded") << "a.mp4" << kRecorded;
+    QTest::newRow("recorded, one slice") << "a.mp4" << kRecorded + QStringList{"-x264-params", "slices=1"};
+    QTest::newRow("recorded, fragments") << "a.mp4" << kRecorded + kFragmented;
+    QTest::newRow("recorded, Matroska") << "a.mkv" << kRecorded;
+    QTest::newRow("B-frames") << "a.mp4" << kBipredicted + QStringList{"-g", "24"};
+    QTest::newRow("B-frames, fragments") << "a.mp4" << kBipredicted + QStringList{"-g", "24"} + kFragmented;
+    QTest::newRow("B-frames, Matroska") << "a.mkv" << kBipredicted + QStringList{"-g", "24"};
+    QTest::newRow("one group of pictures") << "a.mp4" << kBipredicted + QStringList{"-g", "1000"};
+    QTest::newRow("open groups") << "a.mp4" << kBipredicted + openGroups;
+    QTest::newRow("open groups, Matroska") << "a.mkv" << kBipredicted + openGroups;
+    QTest::newRow("intra refresh") << "a.mp4"
+                                   << kBipredicted + QStringList{"-x264-params", "intra-refresh=1:keyint=20"};
+    QTest::newRow("late start") << "a.mp4" << kBipredicted + QStringList{"-output_ts_offset", "7"};
+    QTest::newRow("late start, fragments")
+        << "a.mp4" << kRecorded + kFragmented + QStringList{"-output_ts_offset", "7"};
+    QTest::newRow("variable rate") << "a.mp4" << kBipredicted + variableRate;
+    QTest::newRow("variable rate, recorded") << "a.mp4" << kRecorded + variableRate;
+    QTest::newRow("FFV1") << "ffv1.mkv" << QStringList{"-c:v", "ffv1"};
+    QTest::newRow("FFV1, 4:2:0") << "ffv1.mkv" << QStringList{"-c:v", "ffv1", "-pix_fmt", "yuv420p"};
+    QTest::newRow("FFV1, groups") << "ffv1.mkv" << QStringList{"-c:v", "ffv1", "-g", "12"};
+}
+
+void FrameAccessTest::everyOrderYieldsTheFrames()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, options);
+    const QString path = m_dir.filePath(name);
+    QVERIFY(NumberedVideo::write(path, kFrames, options));
+
+    std::vector<int> order(kFrames);
+    std::iota(order.begin(), order.end(), 0);
+    const auto check = [&](quint64 mostDecoded) {
+        const auto decoder = openVideo(path);
+        QVERIFY(decoder->isValid());
+        QCOMPARE(decoder->getFrameCount(), kFrames);
+        QCOMPARE(decoder->getFrameSize(), QSize(NumberedVideo::kWidth, NumberedVideo::kHeight));
+        for (const int frame : order)
+            QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(frame)), frame);
+        QVERIFY2(decoder->decodedFrames() <= mostDecoded, QByteArray::number(decoder->decodedFrames()));
+    };
+    check(kFrames);
+    std::reverse(order.begin(), order.end());
+    // Of an open group the frames before the keyframe need the group before, so that both may be entered twice.
+    check(name.startsWith("ffv1") || options.contains("libx264rgb") ? kFrames * 2 : kFrames * 3);
+    std::shuffle(order.begin(), order.end(), std::mt19937(7));
+    check(quint64(kFrames) * kFrames);
+}
+
+void FrameAccessTest::cutByAnEditList()
+{
+    // Copied from the middle of a group, the file begins with frames that are decoded and not shown.
+    QVERIFY(NumberedVideo::write(m_dir.filePath("whole.mp4"), kFrames, kRecorded));
+    const QString path = m_dir.filePath("cut.mp4");
+    QVERIFY(NumberedVideo::runFfmpeg(
+        {"-ss", "0.5", "-i", m_dir.filePath("whole.mp4"), "-c", "copy", "-avoid_negative_ts", "disabled", path}));
+    const auto decoder = openVideo(path);
+    constexpr int first = 15;
+    QCOMPARE(decoder->getFrameCount(), kFrames - first);
+    for (int frame = kFrames - first; frame-- > 0;)
+        QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(frame)), first + frame);
+    QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(0)), first);
+}
+
+void FrameAccessTest::recordingOfOurOwn()
+{
+    KelAsyncEncoder::Params params;
+    params.frameSize = QSize(NumberedVideo::kWidth, NumberedVideo::kHeight);
+    params.inputFormat = QImage::Format_RGB32;
+    params.path = m_dir.filePath("own.mp4");
+    params.queueCapacity = kFrames;
+    KelAsyncEncoder encoder(params);
+    for (int i = 0; i < kFrames; ++i)
+        QCOMPARE(encoder.addFrame(i, NumberedVideo::picture(i)), i);
+    encoder.waitForClosed();
+    QCOMPARE(encoder.errorString(), QString());
+
+    const auto decoder = openVideo(params.path);
+    QCOMPARE(decoder->getFrameCount(), kFrames);
+    QCOMPARE(decoder->getFPS(), 30.0);
+    for (int frame = 0; frame < kFrames; ++frame)
+        QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(frame)), frame);
+    QCOMPARE(decoder->decodedFrames(), quint64(kFrames));
+    const QImage image = decoder->decodeFrame(3);
+    QCOMPARE(image.format(), QImage::Format_RGB32);
+    QVERIFY(qAbs(qBlue(image.pixel(150, 44)) - 160) <= 2 && qAlpha(image.pixel(150, 44)) == 255);
+}
+
+void FrameAccessTest::backwardsBeyondTheCache()
+{
+    // More than the memory of decoded frames holds: 160 frames of 720p, three bytes a pixel.
+    constexpr int frames = 160;
+    const QString path = m_dir.filePath("large.mp4");
+    QVERIFY(NumberedVideo::runFfmpeg(
+        QStringList{"-f", "lavfi", "-i", "testsrc2=size=1280x720:rate=30", "-frames:v", QString::number(frames)} +
+        kRecorded + QStringList{path}));
+    const auto decoder = openVideo(path);
+    QCOMPARE(decoder->getFrameCount(), frames);
+    std::vector<QByteArray> forward;
+    for (int frame = 0; frame < frames; ++frame)
+        forward.push_back(digest(decoder->decodeFrame(frame)));
+    QCOMPARE(decoder->decodedFrames(), quint64(frames));
+    for (int frame = frames; frame-- > 0;)
+        QCOMPARE(digest(decoder->decodeFrame(frame)), forward[std::size_t(frame)]);
+    // The first frames had to make room.
+    QVERIFY(decoder->decodedFrames() > quint64(frames));
+    QVERIFY(decoder->decodedFrames() <= quint64(2 * frames));
+}
+
+void FrameAccessTest::imagesAreTheCallers()
+{
+    const QString path = m_dir.filePath("kept.mp4");
+    QVERIFY(NumberedVideo::write(path, kFrames, kRecorded));
+    auto decoder = openVideo(path);
+    std::vector<QImage> kept;
+    for (int frame = 0; frame < 8; ++frame)
+        kept.push_back(decoder->decodeFrame(frame));
+    kept[7] = {};
+    QImage painted = decoder->decodeFrame(7);
+    painted.fill(Qt::red);
+    QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(7)), 7);
+    decoder.reset();
+    for (int frame = 0; frame < 7; ++frame)
+        QCOMPARE(NumberedVideo::numberIn(kept[std::size_t(frame)]), frame);
+}
+
+void FrameAccessTest::numbersOutsideAreRefused()
+{
+    const QString path = m_dir.filePath("closed.mp4");
+    QVERIFY(NumberedVideo::write(path, 5, kRecorded));
+    const auto decoder = openVideo(path);
+    QVERIFY(decoder->decodeFrame(-1).isNull());
+    QVERIFY(decoder->decodeFrame(5).isNull());
+    QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(4)), 4);
+    decoder->close();
+    QVERIFY(!decoder->isValid());
+    QVERIFY(decoder->decodeFrame(0).isNull());
+    QCOMPARE(decoder->getFrameCount(), 0);
+}
+
+QTEST_GUILESS_MAIN(FrameAccessTest)
+#include "tst_frame_access.moc"

@@ -1,0 +1,306 @@
+#include "avcodec/DecodedVideo.h"
+#include "avcodec/mp4/h264Encoder.h"
+#include "avcodec/x264/PixelConversion.h"
+
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cmath>
+#include <random>
+#include <thread>
+
+using namespace av;
+
+namespace
+{
+
+constexpr int kFormat = QImage::Format_ARGB32_Premultiplied;
+
+struct Yuv {
+    double y, cb, cr;
+};
+
+/// BT.709 in limited range as the standard states it.
+Yuv bt709(QRgb pixel)
+{
+    const double r = qRed(pixel) / 255.0;
+    const double g = qGreen(pixel) / 255.0;
+    const double b = qBlue(pixel) / 255.0;
+    const double y = 0.2126 * r + 0.7152 * g + 0.0722 * b;
+    return {16 + 219 * y, 128 + 224 * (b - y) / 1.8556, 128 + 224 * (r - y) / 1.5748};
+}
+
+double lumaPsnr(const DecodedVideo &video, int frame, const QImage &image)
+{
+    double sum = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const double d = video.sample(frame, 0, x, y) - bt709(image.pixel(x, y)).y;
+            sum += d * d;
+        }
+    }
+    return 10 * std::log10(255.0 * 255.0 * image.width() * image.height() / sum);
+}
+
+} // namespace
+
+class H264EncoderTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void convertsExactly();
+    void writesRightColors();
+    void statesWhatItIs();
+    void padsOddSizes_data();
+    void padsOddSizes();
+    void meansWhatItSaysByQuality();
+    void keepsTextThatMoves();
+    void repeatsHeldPictures();
+    void canBeAborted();
+    void refuses_data();
+    void refuses();
+    void refusesFramesOutOfOrder();
+
+private:
+    QString path() const { return m_dir.filePath(QStringLiteral("video.mp4")); }
+
+    QTemporaryDir m_dir;
+};
+
+void H264EncoderTest::convertsExactly()
+{
+    std::mt19937 random(7);
+    double worst = 0;
+    for (int i = 0; i < 20000; ++i) {
+        const auto gray = uint32_t(i % 256) * 0x010101;
+        const uint32_t pixel = i < 256 ? gray : uint32_t(random());
+        const uint32_t line[2] = {pixel, pixel};
+        uint8_t luma[4];
+        uint8_t cb = 0;
+        uint8_t cr = 0;
+        pixels::toYuv420(line, line, luma, luma + 2, &cb, &cr, 2);
+        const Yuv exact = bt709(pixel);
+        if (i < 256)
+            QVERIFY(cb == 128 && cr == 128);
+        for (const double error : {luma[0] - exact.y, luma[3] - exact.y, cb - exact.cb, cr - exact.cr})
+            worst = std::max(worst, std::abs(error));
+    }
+    QVERIFY2(worst < 0.52, qPrintable(QString::number(worst))); // rounding alone is 0.5
+    // A chroma sample is the mean of four pixels.
+    const uint32_t upper[2] = {0xff0000, 0x000000};
+    const uint32_t lower[2] = {0x0000ff, 0x00ff00};
+    uint8_t luma[4];
+    uint8_t cb = 0;
+    uint8_t cr = 0;
+    pixels::toYuv420(upper, lower, luma, luma + 2, &cb, &cr, 2);
+    const Yuv mean[] = {bt709(upper[0]), bt709(upper[1]), bt709(lower[0]), bt709(lower[1])};
+    QVERIFY(std::abs((mean[0].cb + mean[1].cb + mean[2].cb + mean[3].cb) / 4 - cb) < 0.52);
+    QVERIFY(std::abs((mean[0].cr + mean[1].cr + mean[2].cr + mean[3].cr) / 4 - cr) < 0.52);
+    QVERIFY(std::abs(mean[2].y - luma[2]) < 0.52);
+}
+
+void H264EncoderTest::writesRightColors()
+{
+    const QRgb colors[] = {0xffffffff, 0xff000000, 0xffff0000, 0xff00ff00, 0xff0000ff, 0xff808080, 0xffc87800};
+    constexpr int patch = 32;
+    QImage image(7 * patch, patch, QImage::Format_ARGB32_Premultiplied);
+    for (int i = 0; i < 7; ++i)
+        for (int y = 0; y < patch; ++y)
+            std::fill_n(reinterpret_cast<QRgb *>(image.scanLine(y)) + i * patch, patch, colors[i]);
+    h264Encoder encoder({image.size(), kFormat, path(), 25, 100});
+    QVERIFY(encoder.addFrame(0, image));
+    QVERIFY(encoder.addFrame(1, image.convertToFormat(QImage::Format_RGB888)));
+    QVERIFY(encoder.close());
+    const DecodedVideo video(path());
+    QCOMPARE(video.frames.size(), std::size_t(2));
+    for (int frame = 0; frame < 2; ++frame) {
+        for (int i = 0; i < 7; ++i) {
+            const Yuv exact = bt709(colors[i]);
+            const int x = i * patch + patch / 2;
+            const int y = patch / 2;
+            QVERIFY(std::abs(video.sample(frame, 0, x, y) - exact.y) < 1.6);
+            QVERIFY(std::abs(video.sample(frame, 1, x / 2, y / 2) - exact.cb) < 1.6);
+            QVERIFY(std::abs(video.sample(frame, 2, x / 2, y / 2) - exact.cr) < 1.6);
+        }
+    }
+}
+
+void H264EncoderTest::statesWhatItIs()
+{
+    h264Encoder encoder({QSize(64, 48), kFormat, path(), 25, 90});
+    for (quint64 i = 0; i < 30; ++i)
+        QVERIFY(encoder.addFrame(i, textImage({64, 48}, int(i) / 10)));
+    QVERIFY(encoder.close());
+    QVERIFY(encoder.close());
+    QVERIFY(encoder.isValid());
+    QCOMPARE(encoder.framesWritten(), quint64(30));
+
+    const DecodedVideo video(path());
+    QCOMPARE(video.errorString, QString());
+    QCOMPARE(video.statedFrames, qint64(30));
+    QCOMPARE(video.fps, 25.0);
+    QCOMPARE(video.containerColorSpace, AVCOL_SPC_BT709);
+    QCOMPARE(video.containerColorRange, AVCOL_RANGE_MPEG);
+    for (std::size_t i = 0; i < 30; ++i)
+        QCOMPARE(video.times[i], qint64(i));
+    const AVFrame *frame = video.frames[0].get();
+    QCOMPARE(frame->format, int(AV_PIX_FMT_YUV420P));
+    QCOMPARE(frame->colorspace, AVCOL_SPC_BT709);
+    QCOMPARE(frame->color_primaries, AVCOL_PRI_BT709);
+    QCOMPARE(frame->color_trc, AVCOL_TRC_BT709);
+    QCOMPARE(frame->color_range, AVCOL_RANGE_MPEG);
+    QCOMPARE(frame->chroma_location, AVCHROMA_LOC_CENTER);
+    const QList<QByteArray> boxes = mp4Boxes(path());
+    QVERIFY(boxes.indexOf("moov") < boxes.indexOf("mdat"));
+    QVERIFY(!boxes.contains("?"));
+}
+
+void H264EncoderTest::padsOddSizes_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("1x1") << QSize(1, 1);
+    QTest::newRow("odd width") << QSize(33, 18);
+    QTest::newRow("odd height") << QSize(48, 15);
+    QTest::newRow("both") << QSize(97, 51);
+}
+
+void H264EncoderTest::padsOddSizes()
+{
+    QFETCH(QSize, size);
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(QColor(200, 60, 20));
+    h264Encoder encoder({size, kFormat, path(), 10, 100});
+    QVERIFY(encoder.addFrame(0, image));
+    QVERIFY(encoder.close());
+    const DecodedVideo video(path());
+    QCOMPARE(video.frames.size(), std::size_t(1));
+    const AVFrame *frame = video.frames[0].get();
+    QCOMPARE(QSize(frame->width, frame->height), QSize((size.width() + 1) / 2 * 2, (size.height() + 1) / 2 * 2));
+    const int x = frame->width - 1;
+    const int y = frame->height - 1;
+    QVERIFY(std::abs(video.sample(0, 0, x, y) - bt709(image.pixel(0, 0)).y) < 1.6);
+    QVERIFY(std::abs(video.sample(0, 1, x / 2, y / 2) - bt709(image.pixel(0, 0)).cb) < 1.6);
+}
+
+void H264EncoderTest::meansWhatItSaysByQuality()
+{
+    const QSize size(320, 200);
+    qint64 lastBytes = 0;
+    for (const int quality : {-5, 0, 50, 90, 100, 1000}) {
+        h264Encoder encoder({size, kFormat, path(), 30, quality});
+        for (quint64 i = 0; i < 10; ++i)
+            QVERIFY(encoder.addFrame(i, textImage(size, int(i))));
+        QVERIFY(encoder.close());
+        const qint64 bytes = QFileInfo(path()).size();
+        const bool isClamped = quality == 0 || quality == 1000;
+        QVERIFY2(isClamped ? bytes == lastBytes : bytes > lastBytes, qPrintable(QString::number(quality)));
+        lastBytes = bytes;
+        const double db = lumaPsnr(DecodedVideo(path()), 9, textImage(size, 9));
+        QVERIFY2(quality < 90 || db >= 42, qPrintable(QString::number(db)));
+        QVERIFY2(quality < 100 || db >= 45, qPrintable(QString::number(db)));
+    }
+}
+
+void H264EncoderTest::keepsTextThatMoves()
+{
+    const QSize size(321, 181);
+    h264Encoder encoder({size, kFormat, path(), 30, 90});
+    QImage image;
+    for (int i = 0; i < 80; ++i) {
+        image = textImage(size, i / 3 % 9);
+        QVERIFY(encoder.addFrame(quint64(i), image));
+        image.fill(Qt::red); // the encoder has its own copy by now
+    }
+    QVERIFY(encoder.close());
+    const DecodedVideo video(path());
+    QCOMPARE(video.frames.size(), std::size_t(80));
+    for (int i = 0; i < 80; ++i)
+        QVERIFY2(lumaPsnr(video, i, textImage(size, i / 3 % 9)) >= 40, qPrintable(QString::number(i)));
+}
+
+void H264EncoderTest::repeatsHeldPictures()
+{
+    const QSize size(320, 200);
+    const quint64 starts[] = {0, 1, 40, 41};
+    h264Encoder encoder({size, kFormat, path(), 30, 90});
+    QVERIFY(!encoder.repeatLastFrameUntil(5));
+    for (int picture = 0; picture < 4; ++picture)
+        QVERIFY(encoder.addFrame(starts[picture], textImage(size, picture)));
+    QVERIFY(encoder.repeatLastFrameUntil(60));
+    QVERIFY(encoder.repeatLastFrameUntil(90));
+    QVERIFY(encoder.close());
+    QCOMPARE(encoder.framesWritten(), quint64(90));
+    const DecodedVideo video(path());
+    QCOMPARE(video.statedFrames, qint64(90));
+    for (int frame = 0; frame < 90; ++frame) {
+        QCOMPARE(video.times[std::size_t(frame)], qint64(frame));
+        const auto shown = std::upper_bound(std::begin(starts), std::end(starts), quint64(frame)) - starts - 1;
+        QVERIFY2(lumaPsnr(video, frame, textImage(size, int(shown))) >= 42, qPrintable(QString::number(frame)));
+    }
+
+    h264Encoder pictures({size, kFormat, path() + ".few", 30, 90});
+    for (quint64 picture = 0; picture < 4; ++picture)
+        QVERIFY(pictures.addFrame(picture, textImage(size, int(picture))));
+    QVERIFY(pictures.close());
+    const qint64 repetitions = QFileInfo(path()).size() - QFileInfo(path() + ".few").size();
+    QVERIFY2(repetitions < QFileInfo(path() + ".few").size(), qPrintable(QString::number(repetitions)));
+}
+
+void H264EncoderTest::canBeAborted()
+{
+    const QSize size(1280, 720);
+    h264Encoder encoder({size, kFormat, path(), 30, 100});
+    const QImage images[] = {textImage(size, 0), textImage(size, 5)};
+    for (quint64 i = 0; i < 6; ++i)
+        QVERIFY(encoder.addFrame(i, images[i % 2]));
+    QTest::ignoreMessage(QtWarningMsg, "[h264Encoder] Aborted");
+    std::thread other([&encoder] { encoder.abort(); });
+    const bool isClosed = encoder.close();
+    other.join();
+    QVERIFY(!encoder.isValid());
+    QCOMPARE(encoder.errorString(), QStringLiteral("Aborted"));
+    QVERIFY(!encoder.addFrame(6, images[0]));
+    QVERIFY(isClosed || !encoder.close());
+    QVERIFY(QFile::exists(path()));
+}
+
+void H264EncoderTest::refuses_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("fps");
+    QTest::newRow("no such directory") << QSize(64, 64) << m_dir.filePath("missing/video.mp4") << 30;
+    QTest::newRow("full disk") << QSize(64, 64) << "/dev/full" << 30;
+    QTest::newRow("empty") << QSize(0, 64) << path() << 30;
+    QTest::newRow("too large") << QSize(16386, 64) << path() << 30;
+    QTest::newRow("no rate") << QSize(64, 64) << path() << 0;
+}
+
+void H264EncoderTest::refuses()
+{
+    QFETCH(QSize, size);
+    QFETCH(QString, file);
+    QFETCH(int, fps);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[h264Encoder\\] Cannot ")));
+    h264Encoder encoder({size, kFormat, file, fps, 90});
+    QVERIFY(!encoder.isValid());
+    QVERIFY(!encoder.errorString().isEmpty());
+    QVERIFY(!encoder.addFrame(0, QImage(size, QImage::Format_RGB32)));
+    QVERIFY(!encoder.close());
+    encoder.abort();
+}
+
+void H264EncoderTest::refusesFramesOutOfOrder()
+{
+    const QImage image = textImage({64, 64}, 0);
+    h264Encoder encoder({image.size(), kFormat, path(), 30, 90});
+    QVERIFY(encoder.addFrame(3, image));
+    QTest::ignoreMessage(QtWarningMsg, "[h264Encoder] Frame 3 came after frame 3");
+    QVERIFY(!encoder.addFrame(3, image));
+    QVERIFY(!encoder.close());
+}
+
+QTEST_MAIN(H264EncoderTest)
+#include "tst_h264_encoder.moc"

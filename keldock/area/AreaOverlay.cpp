@@ -3,6 +3,7 @@
 #include "area/AreaPicker.h"
 #include "dockicon/KelDockIcon.h"
 #include "style/KelStyleTheme.h"
+#include "widget/ScaleFactor.h"
 
 #include <QHBoxLayout>
 #include <QMouseEvent>
@@ -117,7 +118,7 @@ void AreaOverlay::placeButtons()
         return;
     m_buttons->adjustSize();
     const QRect area = local(selection.rect());
-    const int gap = int(8 * scale());
+    const int gap = int(8 * scaleFactor(this));
     const int right = area.right() + 1 - m_buttons->width();
     int y = area.bottom() + gap;
     if (y + m_buttons->height() > height())
@@ -183,10 +184,10 @@ void AreaOverlay::paintSize(QPainter &painter) const
     // What counts for the recording are pixels, not those of the layout.
     const QSize pixels = area.size() * devicePixelRatioF();
     const QString text = QStringLiteral("%1 × %2").arg(pixels.width()).arg(pixels.height());
-    const QSize size = fontMetrics().size(0, text) + QSize(int(16 * scale()), int(8 * scale()));
-    QRect box(QPoint(local(area).left(), local(area).top() - size.height() - int(8 * scale())), size);
+    const QSize size = fontMetrics().size(0, text) + QSize(int(16 * scaleFactor(this)), int(8 * scaleFactor(this)));
+    QRect box(QPoint(local(area).left(), local(area).top() - size.height() - int(8 * scaleFactor(this))), size);
     if (box.top() < 0)
-        box.moveTop(local(area).top() + int(8 * scale()));
+        box.moveTop(local(area).top() + int(8 * scaleFactor(this)));
     box.moveLeft(qBound(0, box.left(), width() - box.width()));
     paintNote(painter, text, box);
 }
@@ -195,8 +196,8 @@ void AreaOverlay::paintHint(QPainter &painter) const
 {
     const QString text = m_picker->selection().isEmpty() ? tr("Drag to choose an area, or click a window. Esc cancels.")
                                                          : tr("Enter or a double click uses this area. Esc cancels.");
-    const QSize size = fontMetrics().size(0, text) + QSize(int(32 * scale()), int(16 * scale()));
-    const QRect box(QPoint((width() - size.width()) / 2, int(48 * scale())), size);
+    const QSize size = fontMetrics().size(0, text) + QSize(int(32 * scaleFactor(this)), int(16 * scaleFactor(this)));
+    const QRect box(QPoint((width() - size.width()) / 2, int(48 * scaleFactor(this))), size);
     if (!box.intersects(local(m_picker->selection().rect()).adjusted(-60, -60, 60, 60)))
         paintNote(painter, text, box);
 }
@@ -206,7 +207,7 @@ void AreaOverlay::paintNote(QPainter &painter, const QString &text, QRect box) c
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(NoteBackground);
-    painter.drawRoundedRect(box, 6 * scale(), 6 * scale());
+    painter.drawRoundedRect(box, 6 * scaleFactor(this), 6 * scaleFactor(this));
     painter.setPen(Qt::white);
     painter.drawText(box, Qt::AlignCenter, text);
 }

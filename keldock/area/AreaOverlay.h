@@ -39,7 +39,6 @@ private:
     void paintHint(QPainter &painter) const;
     void paintNote(QPainter &painter, const QString &text, QRect box) const;
     QRect local(const QRect &rect) const { return rect.translated(-m_geometry.topLeft()); }
-    double scale() const { return logicalDpiX() / 96.0; }
 
     AreaPicker *const m_picker;
     const QRect m_geometry;

@@ -1,5 +1,7 @@
 #include "recorder/CountdownOverlay.h"
 
+#include "widget/ScaleFactor.h"
+
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -32,11 +34,11 @@ void CountdownOverlay::count(int secondsLeft, const QRect &area, const QString &
         return;
     }
     setAccessibleName(tr("Recording starts in %1 s").arg(secondsLeft));
-    const int lineWidth = fontMetrics().size(0, hint).width() + int(40 * scale());
-    const QSize size(std::max(int(Width * scale()), lineWidth), int(Height * scale()));
+    const int lineWidth = fontMetrics().size(0, hint).width() + int(40 * scaleFactor(this));
+    const QSize size(std::max(int(Width * scaleFactor(this)), lineWidth), int(Height * scaleFactor(this)));
     setGeometry(QRect(area.center() - QPoint(size.width() / 2, size.height() / 2), size));
     QPainterPath shape;
-    shape.addRoundedRect(rect(), Radius * scale(), Radius * scale());
+    shape.addRoundedRect(rect(), Radius * scaleFactor(this), Radius * scaleFactor(this));
     setMask(QRegion(shape.toFillPolygon().toPolygon()));
     if (!isVisible()) {
         show();
@@ -53,15 +55,16 @@ void CountdownOverlay::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), QColor(20, 22, 26));
     const int textHeight = fontMetrics().lineSpacing();
     const int lines = m_hint.count(QLatin1Char('\n')) + 1;
-    const QRect below = rect().adjusted(0, height() - lines * textHeight - int(24 * scale()), 0, -int(16 * scale()));
+    const QRect below = rect().adjusted(0, height() - lines * textHeight - int(24 * scaleFactor(this)), 0,
+                                        -int(16 * scaleFactor(this)));
     painter.setPen(QColor(200, 203, 210));
     painter.drawText(below, Qt::AlignCenter, m_hint);
     QFont large = font();
-    large.setPixelSize(int(110 * scale()));
+    large.setPixelSize(int(110 * scaleFactor(this)));
     large.setBold(true);
     painter.setFont(large);
     painter.setPen(Qt::white);
-    painter.drawText(rect().adjusted(0, int(8 * scale()), 0, -below.height()), Qt::AlignCenter,
+    painter.drawText(rect().adjusted(0, int(8 * scaleFactor(this)), 0, -below.height()), Qt::AlignCenter,
                      QString::number(m_secondsLeft));
 }
 

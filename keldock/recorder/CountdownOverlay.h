@@ -23,8 +23,6 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
 
 private:
-    double scale() const { return logicalDpiX() / 96.0; }
-
     int m_secondsLeft = 0;
     QString m_hint;
 };

@@ -1,9 +1,9 @@
 #include "record/KelRecordScreenTrack.h"
 
 #include "avcodec/mp4/KelAsyncEncoder.h"
+#include "geometry/ScreenGeometry.h"
 #include "logging/Log.h"
 #include "screen/KelScreenManager.h"
-#include "style/PixelRatio.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -20,16 +20,10 @@ QString videoPath(const QString &trackDir)
     return trackDir + QStringLiteral("/screen_record.mp4");
 }
 
-QSize physicalSize(const QRect &area)
-{
-    const double ratio = getDevicePixelRatio(area);
-    return {qRound(area.width() * ratio), qRound(area.height() * ratio)};
-}
-
 std::unique_ptr<KelAsyncEncoder> createEncoder(const QRect &area, const QString &trackDir, int quality)
 {
     KelAsyncEncoder::Params params;
-    params.frameSize = physicalSize(area);
+    params.frameSize = kel::physicalRect(area).size();
     params.inputFormat = QImage::Format_ARGB32_Premultiplied;
     params.path = videoPath(trackDir);
     params.fps = StreamFps;
@@ -59,7 +53,7 @@ KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QStrin
                                            std::unique_ptr<KelScreenStreamer> streamer,
                                            std::unique_ptr<KelAsyncEncoder> encoder)
     : KelRecordTrack(recordArea, trackDir)
-    , m_frameSize(physicalSize(recordArea))
+    , m_frameSize(kel::physicalRect(recordArea).size())
     , m_videoPath(videoPath(trackDir))
     , m_indexFile(trackDir + QStringLiteral("/frame_indexes.dat"))
     , m_frame(recordArea.size(), QImage::Format_ARGB32_Premultiplied)

@@ -76,14 +76,14 @@ void KeyMouseHub::deliver(KelKeyboardEvent event)
 
 void KeyMouseHub::deliver(KelMouseEvent event)
 {
-    event.globalPosition = m_desktop.toLogical(event.globalPosition);
+    event.globalPosition = m_screens.toLogical(event.globalPosition);
     dispatch(event.state == 1 ? KelKeyMouseHook::ButtonPress : KelKeyMouseHook::ButtonRelease,
              [event](KelKeyMouseHook *hook) { hook->OnMouseEvent(event); });
 }
 
 void KeyMouseHub::deliver(KelWheelEvent event)
 {
-    event.globalPosition = m_desktop.toLogical(event.globalPosition);
+    event.globalPosition = m_screens.toLogical(event.globalPosition);
     dispatch(KelKeyMouseHook::Wheel, [event](KelKeyMouseHook *hook) { hook->OnMouseWheelEvent(event); });
 }
 

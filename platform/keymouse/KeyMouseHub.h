@@ -1,6 +1,6 @@
 #pragma once
 
-#include "geometry/LogicalDesktop.h"
+#include "geometry/ScreenLayout.h"
 #include "keymouse/KeyMouseEventSource.h"
 
 #include <condition_variable>
@@ -27,7 +27,7 @@ public:
     void setHookKinds(KelKeyMouseHook *hook, int kinds);
 
     /// Makes positions follow the scale of the screens. Needs an application; until then scale is taken as 1.
-    void watchScreens() { m_desktop.watch(); }
+    void watchScreens() { m_screens.watch(); }
 
     /// Replaces the operating system's source; null puts it back. Only while no hook is installed.
     void setSource(std::unique_ptr<KeyMouseEventSource> source);
@@ -53,7 +53,7 @@ private:
     void dispatch(int kind, Callback callback);
     std::vector<Installed>::iterator find(const KelKeyMouseHook *hook);
 
-    LogicalDesktop m_desktop;
+    ScreenLayout m_screens;
 
     mutable std::mutex m_mutex; // guards what follows
     std::condition_variable m_callbackReturned;

@@ -20,11 +20,6 @@ QMessageBox::StandardButton ask(QMessageBox::Icon icon, QWidget *parent, const Q
 
 } // namespace
 
-void KelMsgBox::information(QWidget *parent, const QString &title, const QString &text, const QString &detail)
-{
-    ask(QMessageBox::Information, parent, title, text, detail, QMessageBox::Ok, QMessageBox::Ok);
-}
-
 void KelMsgBox::warning(QWidget *parent, const QString &title, const QString &text, const QString &detail)
 {
     ask(QMessageBox::Warning, parent, title, text, detail, QMessageBox::Ok, QMessageBox::Ok);

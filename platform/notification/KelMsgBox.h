@@ -8,7 +8,6 @@
 namespace KelMsgBox
 {
 
-void information(QWidget *parent, const QString &title, const QString &text, const QString &detail = QString());
 void warning(QWidget *parent, const QString &title, const QString &text, const QString &detail = QString());
 void critical(QWidget *parent, const QString &title, const QString &text, const QString &detail = QString());
 

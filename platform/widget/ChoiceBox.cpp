@@ -1,5 +1,7 @@
 #include "widget/ChoiceBox.h"
 
+#include "widget/ScaleFactor.h"
+
 #include <QPainter>
 #include <QWheelEvent>
 
@@ -30,12 +32,13 @@ QSize ChoiceBox::sizeHint() const
     for (int i = 0; i < count(); ++i)
         text = std::max(text, fontMetrics().horizontalAdvance(itemText(i)));
     ++text; // an advance that was rounded down would have the text elided
-    return {text + qRound((2 * kPadding + kArrowGap + kArrowWidth) * scaleFactor()), qRound(kHeight * scaleFactor())};
+    return {text + qRound((2 * kPadding + kArrowGap + kArrowWidth) * scaleFactor(this)),
+            qRound(kHeight * scaleFactor(this))};
 }
 
 QSize ChoiceBox::minimumSizeHint() const
 {
-    return {std::min(sizeHint().width(), qRound(4 * kHeight * scaleFactor())), sizeHint().height()};
+    return {std::min(sizeHint().width(), qRound(4 * kHeight * scaleFactor(this))), sizeHint().height()};
 }
 
 void ChoiceBox::wheelEvent(QWheelEvent *event)
@@ -50,7 +53,7 @@ void ChoiceBox::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const double scale = scaleFactor();
+    const double scale = scaleFactor(this);
     const bool isLit = isEnabled() && (hasFocus() || underMouse());
     const double line = hasFocus() ? 1.5 : 1;
     painter.setPen(QPen(palette().color(isLit ? QPalette::Highlight : QPalette::Mid), line));

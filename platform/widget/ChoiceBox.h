@@ -21,5 +21,4 @@ protected:
     void wheelEvent(QWheelEvent *event) override;
 
 private:
-    double scaleFactor() const { return logicalDpiX() / 96.0; }
 };

@@ -1,5 +1,7 @@
 #include "widget/ColorSelectButton.h"
 
+#include "widget/ScaleFactor.h"
+
 #include <QColorDialog>
 #include <QPainter>
 #include <QPainterPath>
@@ -42,7 +44,7 @@ void ColorSelectButton::setColor(const QColor &color)
 
 QSize ColorSelectButton::sizeHint() const
 {
-    const double scale = logicalDpiX() / 96.0;
+    const double scale = scaleFactor(this);
     return {qRound(kWidth * scale), qRound(kHeight * scale)};
 }
 
@@ -70,7 +72,7 @@ void ColorSelectButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const double scale = logicalDpiX() / 96.0;
+    const double scale = scaleFactor(this);
     const double radius = kRadius * scale;
     const bool isLit = isEnabled() && (hasFocus() || underMouse());
     const double line = hasFocus() ? 1.5 : 1;

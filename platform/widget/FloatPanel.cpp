@@ -1,5 +1,7 @@
 #include "widget/FloatPanel.h"
 
+#include "widget/ScaleFactor.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -30,14 +32,9 @@ void FloatPanel::setDisplayEnable(bool enable)
         hideManual();
 }
 
-double FloatPanel::scaleFactor() const
-{
-    return logicalDpiX() / 96.0;
-}
-
 void FloatPanel::updateQSS()
 {
-    const int padding = qRound(kPadding * scaleFactor());
+    const int padding = qRound(kPadding * scaleFactor(this));
     setContentsMargins(padding, padding, padding, padding);
 }
 
@@ -51,7 +48,7 @@ void FloatPanel::popupBeside(QWidget *anchor)
 
     const QRect available = anchor->screen()->availableGeometry();
     const QRect beside(anchor->mapToGlobal(QPoint()), anchor->size());
-    const int gap = qRound(kGap * scaleFactor());
+    const int gap = qRound(kGap * scaleFactor(this));
     QRect place = rect();
     place.moveCenter(beside.center());
     place.moveTop(beside.bottom() + 1 + gap);
@@ -79,7 +76,7 @@ void FloatPanel::paintEvent(QPaintEvent *)
     painter.fillRect(rect(), border); // seen where the mask is coarser than the curve
     painter.setPen(border);
     painter.setBrush(palette().color(QPalette::Base));
-    const double radius = kRadius * scaleFactor();
+    const double radius = kRadius * scaleFactor(this);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
 }
 
@@ -88,7 +85,7 @@ void FloatPanel::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     QPainterPath shape;
-    const double radius = (kRadius - 1) * scaleFactor();
+    const double radius = (kRadius - 1) * scaleFactor(this);
     shape.addRoundedRect(QRectF(rect()), radius, radius);
     setMask(QRegion(shape.toFillPolygon().toPolygon()));
 }

@@ -19,9 +19,6 @@ public:
     void setDisplayEnable(bool enable);
     bool isDisplayEnabled() const { return m_isDisplayEnabled; }
 
-    /// Pixels of a 96-dpi desktop to logical pixels of the panel's screen.
-    double scaleFactor() const;
-
     /// Lays the panel out for its present screen and colours. Called before each opening; to be extended by panels
     /// whose content has sizes of its own.
     virtual void updateQSS();

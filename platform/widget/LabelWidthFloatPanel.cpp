@@ -2,6 +2,7 @@
 
 #include "widget/FloatPanel.h"
 #include "widget/LabelAccessible.h"
+#include "widget/ScaleFactor.h"
 
 #include <QAccessible>
 #include <QKeyEvent>
@@ -62,7 +63,7 @@ bool LabelWidthFloatPanel::event(QEvent *event)
 
 void LabelWidthFloatPanel::updateMargins()
 {
-    const double scale = scaleFactor();
+    const double scale = scaleFactor(this);
     const int side = qRound(kPadding * scale);
     const int above = qRound(kPaddingAbove * scale);
     setContentsMargins(side, above, side + qRound((kArrowGap + kArrowWidth) * scale), above);
@@ -72,7 +73,7 @@ void LabelWidthFloatPanel::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const double scale = scaleFactor();
+    const double scale = scaleFactor(this);
     const double radius = kRadius * scale;
     const bool isOpen = m_panel && m_panel->isVisible();
     if (canOpen() && (underMouse() || isOpen)) {

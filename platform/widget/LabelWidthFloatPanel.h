@@ -31,7 +31,6 @@ protected:
 
 private:
     void updateMargins();
-    double scaleFactor() const { return logicalDpiX() / 96.0; }
 
     FloatPanel *m_panel = nullptr;
 };

@@ -1,5 +1,7 @@
 #include "widget/MiniSlider.h"
 
+#include "widget/ScaleFactor.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -25,17 +27,17 @@ MiniSlider::MiniSlider(QWidget *parent)
 
 double MiniSlider::knobRadius() const
 {
-    return kKnobRadius * scaleFactor();
+    return kKnobRadius * scaleFactor(this);
 }
 
 QSize MiniSlider::sizeHint() const
 {
-    return {qRound(kWidth * scaleFactor()), minimumSizeHint().height()};
+    return {qRound(kWidth * scaleFactor(this)), minimumSizeHint().height()};
 }
 
 QSize MiniSlider::minimumSizeHint() const
 {
-    return {qRound(kMinimumWidth * scaleFactor()), qRound(2 * (knobRadius() + kFocusRing))};
+    return {qRound(kMinimumWidth * scaleFactor(this)), qRound(2 * (knobRadius() + kFocusRing))};
 }
 
 QRectF MiniSlider::grooveLine() const
@@ -66,7 +68,7 @@ void MiniSlider::paintEvent(QPaintEvent *)
         share = 1 - share;
     const QPointF knob(line.left() + share * line.width(), line.center().y());
 
-    const double half = kGroove * scaleFactor() / 2;
+    const double half = kGroove * scaleFactor(this) / 2;
     const QRectF groove = line.adjusted(-half, -half, half, half);
     QRectF filled = groove;
     fromRight ? filled.setLeft(knob.x()) : filled.setRight(knob.x());
@@ -87,7 +89,7 @@ void MiniSlider::paintEvent(QPaintEvent *)
     painter.drawEllipse(knob, radius, radius);
     painter.setBrush(isSliderDown() || underMouse() ? palette().color(QPalette::HighlightedText)
                                                     : palette().color(QPalette::Base));
-    const double core = radius - (isSliderDown() || underMouse() ? 3.5 : 2) * scaleFactor();
+    const double core = radius - (isSliderDown() || underMouse() ? 3.5 : 2) * scaleFactor(this);
     painter.drawEllipse(knob, core, core);
 }
 

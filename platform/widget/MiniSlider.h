@@ -23,7 +23,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
-    double scaleFactor() const { return logicalDpiX() / 96.0; }
     double knobRadius() const;
     /// The line that the knob's centre runs on.
     QRectF grooveLine() const;

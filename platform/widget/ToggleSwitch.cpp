@@ -1,5 +1,7 @@
 #include "widget/ToggleSwitch.h"
 
+#include "widget/ScaleFactor.h"
+
 #include <QPainter>
 
 namespace
@@ -22,7 +24,7 @@ ToggleSwitch::ToggleSwitch(QWidget *parent)
 
 QSize ToggleSwitch::sizeHint() const
 {
-    const double scale = scaleFactor();
+    const double scale = scaleFactor(this);
     return {qRound(kWidth * scale), qRound(kHeight * scale)};
 }
 
@@ -35,7 +37,7 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const double scale = scaleFactor();
+    const double scale = scaleFactor(this);
     const double line = hasFocus() ? kFocusWidth * scale : 0;
     const QRectF track = QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2);
     const double radius = track.height() / 2;

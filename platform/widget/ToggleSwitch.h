@@ -20,5 +20,4 @@ protected:
     bool hitButton(const QPoint &point) const override;
 
 private:
-    double scaleFactor() const { return logicalDpiX() / 96.0; }
 };

@@ -1,5 +1,5 @@
 // Logical against physical pixels.
-#include "geometry/PhysicalRect.h"
+#include "geometry/ScreenGeometry.h"
 #include "screen/KelScreenManager.h"
 #include "style/PixelRatio.h"
 #include "support/EnvironmentChange.h"
@@ -22,17 +22,17 @@ private slots:
         struct Case {
             const char *name;
             QRect logical;
-            QPoint origin;
-            double ratio;
+            ScreenGeometry screen;
             QRect physical;
         };
-        for (const Case &c : {Case{"unscaled", {10, 20, 301, 201}, {0, 0}, 1.0, {10, 20, 301, 201}},
-                              {"twice", {10, 20, 301, 201}, {0, 0}, 2.0, {20, 40, 602, 402}},
-                              {"half away from zero", {3, 5, 301, 201}, {0, 0}, 1.5, {5, 8, 452, 302}},
-                              {"second screen", {1930, 10, 100, 80}, {1920, 0}, 2.0, {1940, 20, 200, 160}},
-                              {"left of it", {1915, -5, 100, 80}, {1920, 0}, 1.5, {1912, -8, 150, 120}},
-                              {"quarters", {1, 1, 102, 77}, {0, 0}, 1.25, {1, 1, 128, 96}}})
-            QVERIFY2(physicalRect(c.logical, {c.origin, c.ratio}) == c.physical, c.name);
+        for (const Case &c :
+             {Case{"unscaled", {10, 20, 301, 201}, {{0, 0, 1920, 1080}, 1.0}, {10, 20, 301, 201}},
+              {"twice", {10, 20, 301, 201}, {{0, 0, 1920, 1080}, 2.0}, {20, 40, 602, 402}},
+              {"half away from zero", {3, 5, 301, 201}, {{0, 0, 1920, 1080}, 1.5}, {5, 8, 452, 302}},
+              {"second screen", {1930, 10, 100, 80}, {{1920, 0, 1920, 1080}, 2.0}, {1940, 20, 200, 160}},
+              {"left of it", {1915, -5, 100, 80}, {{1920, 0, 1920, 1080}, 1.5}, {1912, -8, 150, 120}},
+              {"quarters", {1, 1, 102, 77}, {{0, 0, 1920, 1080}, 1.25}, {1, 1, 128, 96}}})
+            QVERIFY2(c.screen.toPhysical(c.logical) == c.physical, c.name);
     }
 
     void capturesPhysicalPixels()

@@ -1,5 +1,7 @@
 #include "ui/settings/SoundLevelMeter.h"
 
+#include "widget/ScaleFactor.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -32,7 +34,7 @@ SoundLevelMeter::SoundLevelMeter(QWidget *parent)
 
 QSize SoundLevelMeter::sizeHint() const
 {
-    return {qRound(kWidth * scaleFactor()), qRound(kHeight * scaleFactor())};
+    return {qRound(kWidth * scaleFactor(this)), qRound(kHeight * scaleFactor(this))};
 }
 
 QSize SoundLevelMeter::minimumSizeHint() const
@@ -73,7 +75,7 @@ void SoundLevelMeter::paintEvent(QPaintEvent *)
             painter.fillRect(QRectF(QPointF(xOf(limits[i]), 0), QPointF(xOf(right), bar.height())), colors[i]);
     }
     if (m_heldDb > kLowestDb) {
-        const double width = 2 * scaleFactor();
+        const double width = 2 * scaleFactor(this);
         painter.fillRect(QRectF(xOf(m_heldDb) - width, 0, width, bar.height()), palette().color(QPalette::WindowText));
     }
 }

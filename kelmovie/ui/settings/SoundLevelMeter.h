@@ -25,8 +25,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    double scaleFactor() const { return logicalDpiX() / 96.0; }
-
     double m_db = kLowestDb;
     double m_heldDb = kLowestDb;
     qint64 m_heldAtMs = 0;

@@ -1,6 +1,6 @@
 #include "keymouse/windows/WindowsKeymap.h"
 
-#include "keymouse/windows/KeyNames.h"
+#include "keymouse/windows/VirtualKeys.h"
 
 #include <QChar>
 #include <QString>
@@ -78,7 +78,7 @@ int WindowsKeymap::keyNow(const KBDLLHOOKSTRUCT &event, HKL layout) const
         return Qt::Key_Backtab;
     if (virtualKey == VK_RMENU && m_altGr)
         return Qt::Key_AltGr;
-    if (const int key = namedKey(virtualKey))
+    if (const int key = qtKeyOf(virtualKey))
         return key;
     return character(virtualKey, event.scanCode, layout);
 }

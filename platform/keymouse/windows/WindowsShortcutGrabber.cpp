@@ -1,6 +1,6 @@
 #include "keymouse/windows/WindowsShortcutGrabber.h"
 
-#include "keymouse/windows/KeyNames.h"
+#include "keymouse/windows/VirtualKeys.h"
 
 #include <QCoreApplication>
 

@@ -90,8 +90,8 @@ HCURSOR frameOf(HCURSOR cursor, UINT number, DWORD *jiffies, UINT *count)
 
 } // namespace
 
-WindowsCursorSource::WindowsCursorSource(const ScreenScale &scale)
-    : m_scale(scale)
+WindowsCursorSource::WindowsCursorSource(const ScreenGeometry &screen)
+    : m_screen(screen)
 {
 }
 
@@ -104,7 +104,7 @@ KelCursorPixmap WindowsCursorSource::read()
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (info.hCursor != m_cursor)
         load(info.hCursor);
-    return {m_scale.toLogical({info.ptScreenPos.x, info.ptScreenPos.y}), currentShape()};
+    return {m_screen.toLogical({info.ptScreenPos.x, info.ptScreenPos.y}), currentShape()};
 }
 
 /// Other programs make and destroy pointers, and handles are used again: only as long as a pointer stays is its handle
@@ -120,11 +120,11 @@ void WindowsCursorSource::load(HCURSOR cursor)
     HCURSOR frame = frameOf(cursor, 0, &jiffies, &count);
     for (UINT number = 1; frame && count > 1 && number <= std::min(count, maxFrames); ++number) {
         endMs += std::max<qint64>(jiffies, 1) * 1000 / jiffiesPerSecond;
-        m_frames.append({shapeOf(frame, m_scale.ratio), endMs});
+        m_frames.append({shapeOf(frame, m_screen.ratio), endMs});
         frame = frameOf(cursor, number, &jiffies, &count);
     }
     if (m_frames.isEmpty())
-        m_frames.append({shapeOf(cursor, m_scale.ratio), 1});
+        m_frames.append({shapeOf(cursor, m_screen.ratio), 1});
 }
 
 const KelCursorShape &WindowsCursorSource::currentShape() const

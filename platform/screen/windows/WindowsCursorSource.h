@@ -1,6 +1,6 @@
 #pragma once
 
-#include "geometry/PhysicalRect.h"
+#include "geometry/ScreenGeometry.h"
 #include "screen/KelCursorSource.h"
 
 #include <QElapsedTimer>
@@ -17,7 +17,7 @@ namespace kel
 class WindowsCursorSource final : public KelCursorSource
 {
 public:
-    explicit WindowsCursorSource(const ScreenScale &scale);
+    explicit WindowsCursorSource(const ScreenGeometry &screen);
 
     KelCursorPixmap read() override;
 
@@ -30,7 +30,7 @@ private:
     void load(HCURSOR cursor);
     const KelCursorShape &currentShape() const;
 
-    const ScreenScale m_scale;
+    const ScreenGeometry m_screen;
     std::mutex m_mutex; // guards what follows
     HCURSOR m_cursor = nullptr;
     QVector<Frame> m_frames; // of that cursor; one unless it is animated

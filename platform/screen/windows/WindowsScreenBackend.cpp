@@ -1,6 +1,6 @@
 #include "screen/windows/WindowsScreenBackend.h"
 
-#include "geometry/PhysicalRect.h"
+#include "geometry/ScreenGeometry.h"
 #include "screen/FailedScreenStreamer.h"
 #include "screen/NativeScreenBackend.h"
 #include "screen/windows/DuplicationDesktopReader.h"
@@ -51,7 +51,7 @@ std::unique_ptr<KelScreenStreamer> WindowsScreenBackend::createStreamer(const QR
 
 std::unique_ptr<KelCursorSource> WindowsScreenBackend::createCursorSource(const QRect &rect)
 {
-    return std::make_unique<WindowsCursorSource>(screenScale(rect));
+    return std::make_unique<WindowsCursorSource>(screenGeometry(rect));
 }
 
 } // namespace kel

@@ -1,6 +1,6 @@
 #include "screen/KelWindowList.h"
 
-#include "geometry/PhysicalRect.h"
+#include "geometry/ScreenGeometry.h"
 #include "screen/windows/NativeRect.h"
 
 #include <dwmapi.h>

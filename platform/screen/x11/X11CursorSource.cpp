@@ -37,8 +37,8 @@ KelCursorShape shapeOf(const xcb_xfixes_get_cursor_image_reply_t *reply, double 
 
 } // namespace
 
-X11CursorSource::X11CursorSource(const ScreenScale &scale)
-    : m_scale(scale)
+X11CursorSource::X11CursorSource(const ScreenGeometry &screen)
+    : m_screen(screen)
 {
     if (!watchShapes()) {
         m_shapeNotice = 0;
@@ -80,7 +80,7 @@ KelCursorPixmap X11CursorSource::read()
         return withoutAnswer();
     const bool isVisible = pointer->same_screen && !shape->type.isEmpty();
     m_last =
-        isVisible ? KelCursorPixmap(m_scale.toLogical({pointer->root_x, pointer->root_y}), *shape) : KelCursorPixmap();
+        isVisible ? KelCursorPixmap(m_screen.toLogical({pointer->root_x, pointer->root_y}), *shape) : KelCursorPixmap();
     return m_last;
 }
 
@@ -107,7 +107,7 @@ const KelCursorShape *X11CursorSource::currentShape()
     if (reply)
         m_serial = reply->cursor_serial;
     // The server refuses where there is no pointer at all, until it says otherwise.
-    return &*m_shapes.insert(m_serial, reply ? shapeOf(reply.get(), m_scale.ratio) : KelCursorShape());
+    return &*m_shapes.insert(m_serial, reply ? shapeOf(reply.get(), m_screen.ratio) : KelCursorShape());
 }
 
 /// A server that hangs shows what it showed; one that is gone shows nothing.

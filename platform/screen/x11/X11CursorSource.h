@@ -1,6 +1,6 @@
 #pragma once
 
-#include "geometry/PhysicalRect.h"
+#include "geometry/ScreenGeometry.h"
 #include "screen/KelCursorSource.h"
 #include "screen/x11/XcbConnection.h"
 
@@ -21,7 +21,7 @@ class X11CursorSource final : public KelCursorSource
 {
 public:
     /// `scale`: of the screen to whose logical pixels positions are converted.
-    explicit X11CursorSource(const ScreenScale &scale);
+    explicit X11CursorSource(const ScreenGeometry &screen);
 
     KelCursorPixmap read() override;
 
@@ -31,7 +31,7 @@ private:
     const KelCursorShape *currentShape();
     KelCursorPixmap withoutAnswer();
 
-    const ScreenScale m_scale;
+    const ScreenGeometry m_screen;
 
     std::mutex m_mutex; // guards what follows
     XcbConnection m_connection;

@@ -1,6 +1,6 @@
 #include "screen/x11/X11ScreenBackend.h"
 
-#include "geometry/PhysicalRect.h"
+#include "geometry/ScreenGeometry.h"
 #include "screen/FailedScreenStreamer.h"
 #include "screen/NativeScreenBackend.h"
 #include "screen/x11/X11CursorSource.h"
@@ -70,7 +70,7 @@ std::unique_ptr<KelScreenStreamer> X11ScreenBackend::createStreamer(const QRect 
 
 std::unique_ptr<KelCursorSource> X11ScreenBackend::createCursorSource(const QRect &rect)
 {
-    return std::make_unique<X11CursorSource>(screenScale(rect));
+    return std::make_unique<X11CursorSource>(screenGeometry(rect));
 }
 
 } // namespace kel

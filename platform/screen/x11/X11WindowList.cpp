@@ -1,6 +1,6 @@
 #include "screen/KelWindowList.h"
 
-#include "geometry/PhysicalRect.h"
+#include "geometry/ScreenGeometry.h"
 #include "screen/x11/XcbConnection.h"
 
 #include <string_view>

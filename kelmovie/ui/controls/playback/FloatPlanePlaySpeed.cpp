@@ -2,6 +2,7 @@
 
 #include "ui/controls/ChoiceList.h"
 #include "ui/controls/playback/PlaySpeedLabel.h"
+#include "widget/ScaleFactor.h"
 
 #include <QVBoxLayout>
 
@@ -30,7 +31,7 @@ FloatPlanePlaySpeed::FloatPlanePlaySpeed(PlaySpeedLabel *label)
 void FloatPlanePlaySpeed::updateQSS()
 {
     FloatPanel::updateQSS();
-    m_list->fit(scaleFactor());
+    m_list->fit(scaleFactor(this));
     m_list->setCurrentValue(m_label->getSpeed());
 }
 

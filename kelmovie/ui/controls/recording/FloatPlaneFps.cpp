@@ -4,6 +4,7 @@
 #include "ui/controls/ChoiceList.h"
 #include "ui/controls/SavedSetting.h"
 #include "ui/controls/recording/KelRecordFpsLabel.h"
+#include "widget/ScaleFactor.h"
 
 #include <QVBoxLayout>
 
@@ -31,7 +32,7 @@ FloatPlaneFps::FloatPlaneFps(KelRecordFpsLabel *label)
 void FloatPlaneFps::updateQSS()
 {
     FloatPanel::updateQSS();
-    m_list->fit(scaleFactor());
+    m_list->fit(scaleFactor(this));
     m_list->setCurrentValue(gKelMovieConfig.recordFps);
 }
 

@@ -5,6 +5,7 @@
 #include "ui/controls/ChoiceList.h"
 #include "ui/controls/SavedSetting.h"
 #include "ui/controls/recording/KelRecordTimeLable.h"
+#include "widget/ScaleFactor.h"
 
 #include <QLabel>
 #include <QVBoxLayout>
@@ -39,8 +40,8 @@ FloatPlaneRecordTime::FloatPlaneRecordTime(KelRecordTimeLable *label)
 void FloatPlaneRecordTime::updateQSS()
 {
     FloatPanel::updateQSS();
-    KelStyleTheme::instance()->appleStyleTo(this, {QStringLiteral(":/KelMovie/FloatPanel"), scaleFactor()});
-    m_list->fit(scaleFactor());
+    KelStyleTheme::instance()->appleStyleTo(this, {QStringLiteral(":/KelMovie/FloatPanel"), scaleFactor(this)});
+    m_list->fit(scaleFactor(this));
     m_list->setFixedWidth(std::max(m_list->width(), m_title->sizeHint().width()));
     m_list->setCurrentValue(gKelMovieConfig.recordDelay);
 }

@@ -6,7 +6,7 @@ namespace kel
 {
 
 /// The Qt::Key of a virtual key that is the same in every layout, because it types no character; 0 for others.
-int namedKey(DWORD virtualKey);
+int qtKeyOf(DWORD virtualKey);
 
 /// The other way round; 0 for a Qt::Key that is a character or on no keyboard.
 DWORD virtualKeyOf(int key);

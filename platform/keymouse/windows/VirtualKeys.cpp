@@ -1,4 +1,4 @@
-#include "keymouse/windows/KeyNames.h"
+#include "keymouse/windows/VirtualKeys.h"
 
 #include <Qt>
 
@@ -17,7 +17,7 @@ struct Named {
 };
 
 // Keys that are no characters.
-constexpr Named namedKeys[] = {
+constexpr Named kNamedKeys[] = {
     {VK_CANCEL, Qt::Key_Cancel},
     {VK_BACK, Qt::Key_Backspace},
     {VK_TAB, Qt::Key_Tab},
@@ -84,22 +84,22 @@ constexpr Named namedKeys[] = {
 
 } // namespace
 
-int namedKey(DWORD virtualKey)
+int qtKeyOf(DWORD virtualKey)
 {
     if (virtualKey >= VK_F1 && virtualKey <= VK_F24)
         return Qt::Key_F1 + int(virtualKey - VK_F1);
-    const auto found = std::find_if(std::begin(namedKeys), std::end(namedKeys),
+    const auto found = std::find_if(std::begin(kNamedKeys), std::end(kNamedKeys),
                                     [virtualKey](const Named &named) { return named.virtualKey == virtualKey; });
-    return found == std::end(namedKeys) ? 0 : found->key;
+    return found == std::end(kNamedKeys) ? 0 : found->key;
 }
 
 DWORD virtualKeyOf(int key)
 {
     if (key >= Qt::Key_F1 && key <= Qt::Key_F24)
         return DWORD(VK_F1 + key - Qt::Key_F1);
-    const auto found = std::find_if(std::begin(namedKeys), std::end(namedKeys),
+    const auto found = std::find_if(std::begin(kNamedKeys), std::end(kNamedKeys),
                                     [key](const Named &named) { return named.key == key; });
-    return found == std::end(namedKeys) ? 0 : found->virtualKey;
+    return found == std::end(kNamedKeys) ? 0 : found->virtualKey;
 }
 
 } // namespace kel

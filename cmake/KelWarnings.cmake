@@ -1,8 +1,20 @@
-# One set of warnings for every target of the tree; none is tolerated.
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+# One set of warnings for every target of the tree.
+option(KELMOVIE_WERROR "Treat compiler warnings as errors" OFF)
+if(MSVC)
+  # The compiler reads sources in the system's code page and keeps an old __cplusplus unless told otherwise.
+  add_compile_options(/W4 /utf-8 /permissive- /Zc:__cplusplus)
+  if(KELMOVIE_WERROR)
+    add_compile_options(/WX)
+  endif()
+else()
+  add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+  if(KELMOVIE_WERROR)
+    add_compile_options(-Werror)
+  endif()
+endif()
 add_compile_definitions(QT_DEPRECATED_WARNINGS QT_NO_CAST_TO_ASCII QT_NO_FOREACH)
 if(WIN32)
-  # What windows.h declares: everything up to Windows 10, in Unicode, without macros named like functions of C++.
+  # windows.h declares everything up to Windows 10, in Unicode, without macros named like C++ functions.
   file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/windows/definitions.txt definitions)
   add_compile_definitions(${definitions})
 endif()

@@ -1,13 +1,12 @@
 #!/usr/bin/env bash
-# build-sdk.sh [LIBRARY…]: builds what ./dev windows builds against (Qt, FFmpeg and so on, for 64-bit Windows) from
-# Debian's own sources, into /opt/kelmovie-windows or $KELMOVIE_WINDOWS_SDK. Without names everything, in order; Qt takes
-# most of an hour on two cores, all others together some ten minutes. Needs root for /opt and for missing packages.
+# build-sdk.sh [LIBRARY…]: builds the libraries for ./dev windows (Qt, FFmpeg and so on, for 64-bit Windows) from Debian's
+# sources into /opt/kelmovie-windows or $KELMOVIE_WINDOWS_SDK. Without arguments it builds all of them in order: Qt takes
+# most of an hour on two cores, the others together some ten minutes. Needs root for /opt and for missing packages.
 # Sources and builds are kept in $KELMOVIE_WINDOWS_WORK (build/windows-sdk), so that a step can be repeated.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 sdk=${KELMOVIE_WINDOWS_SDK:-/opt/kelmovie-windows}
 work=${KELMOVIE_WINDOWS_WORK:-$PWD/build/windows-sdk}
-release=bookworm
 jobs=$(nproc)
 host=x86_64-w64-mingw32
 mkdir -p "$work" "$sdk"/{qt,host,deps}
@@ -22,20 +21,47 @@ if [ ${#missing[@]} -gt 0 ]; then
     apt-get update -q && apt-get install -q -y --no-install-recommends "${missing[@]}"
 fi
 
-# The compilers that configure scripts look for are the flavour with threads of C++.
+# Configure scripts look for these names; they must get the compilers with C++ threads ("posix").
 mkdir -p "$work/bin"
 for tool in gcc g++; do
     ln -sf "$(command -v $host-$tool-posix)" "$work/bin/$host-$tool"
 done
 export PATH="$work/bin:$PATH" PKG_CONFIG_LIBDIR="$sdk/deps/lib/pkgconfig"
 
-# unpack PACKAGE: Debian's source, patches applied, in $source
+# source_entries: this machine's package sources, turned into entries for source packages
+source_entries() {
+    # One-line entries in *.list files; options in brackets are kept.
+    find /etc/apt/sources.list /etc/apt/sources.list.d -name '*.list' -exec sed -n 's/^deb /deb-src /p' {} + 2>/dev/null
+    # Paragraphs of "Field: value" lines in *.sources files.
+    find /etc/apt/sources.list.d -name '*.sources' -exec cat {} + -exec echo {} + 2>/dev/null | awk '
+        function flush(   i, j, n, m, uri, suite) {
+            n = split(uris, uri)
+            m = split(suites, suite)
+            for (i = 1; types ~ /(^| )deb( |$)/ && enabled != "no" && i <= n; ++i)
+                for (j = 1; j <= m; ++j)
+                    print "deb-src", (key == "" ? "" : "[signed-by=" key "] ") uri[i], suite[j], components
+            types = uris = suites = components = key = enabled = ""
+        }
+        /^[# \t]/ { next } # comments and continued lines
+        !/:/ { flush(); next }
+        { field = tolower($1); sub(/^[^:]*:[ \t]*/, "") }
+        field == "types:" { types = $0 }
+        field == "uris:" { uris = $0 }
+        field == "suites:" { suites = $0 }
+        field == "components:" { components = $0 }
+        field == "signed-by:" { key = $0 }
+        field == "enabled:" { enabled = $0 }
+        END { flush() }'
+}
+
+# unpack PACKAGE: the Debian source with its patches applied, in $source
 unpack() {
     local apt=(apt-get -o "Dir::Etc::SourceList=$work/sources.list" -o Dir::Etc::SourceParts=/dev/null
         -o "Dir::State::Lists=$work/lists" -o APT::Sandbox::User=root)
     if [ ! -e "$work/sources.list" ]; then
         mkdir -p "$work/lists/partial"
-        echo "deb-src http://deb.debian.org/debian $release main" >"$work/sources.list.new"
+        source_entries >"$work/sources.list.new"
+        [ -s "$work/sources.list.new" ] || { echo "build-sdk.sh: /etc/apt names no package sources" >&2; exit 1; }
         mv "$work/sources.list.new" "$work/sources.list"
         "${apt[@]}" update -q
     fi
@@ -50,7 +76,7 @@ unpack() {
     mkdir -p "$build"
 }
 
-# with_cmake [ARGUMENT…]: $source with CMake
+# with_cmake [ARGUMENT…]: builds and installs $source with CMake
 with_cmake() {
     cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$sdk/deps" \
         -DCMAKE_SYSTEM_NAME=Windows -DCMAKE_SYSTEM_PROCESSOR=x86_64 -DCMAKE_C_COMPILER=$host-gcc \
@@ -61,7 +87,7 @@ with_cmake() {
     cmake --install "$build"
 }
 
-# describe NAME VERSION LIBRARY: a description for pkg-config where a library brings none
+# describe NAME VERSION LIBRARY: writes a pkg-config file for a library that has none
 describe() {
     mkdir -p "$sdk/deps/lib/pkgconfig"
     printf 'prefix=%s\nlibdir=${prefix}/lib\nincludedir=${prefix}/include\n\nName: %s\nDescription: %s\nVersion: %s\n%s\n%s\n' \
@@ -70,7 +96,7 @@ describe() {
 
 zlib() {
     unpack zlib
-    # Debian's archive lacks the makefile for Windows; all that it would do is this.
+    # Debian's archive lacks the makefile for Windows, which would do just this.
     (cd "$build" && $host-gcc -O3 -c "$source"/*.c && $host-ar rcs libz.a ./*.o)
     mkdir -p "$sdk"/deps/{include,lib}
     cp "$source"/{zlib,zconf}.h "$sdk/deps/include"
@@ -93,7 +119,7 @@ ffmpeg() {
         --disable-avdevice --disable-avfilter --disable-postproc --enable-libx264 --enable-zlib --enable-dxva2 \
         --enable-d3d11va &&
         make -j "$jobs" install)
-    # The linker wants them beside the others.
+    # The linker looks for import libraries in lib.
     mv "$sdk"/deps/bin/lib{avcodec,avformat,avutil,swscale,swresample}.dll.a "$sdk/deps/lib" 2>/dev/null || true
 }
 
@@ -116,23 +142,23 @@ libdeflate() {
 
 rlottie() {
     unpack rlottie
-    # Headers that Debian takes from other packages, apart from those of this machine's C library.
+    # Headers that Debian takes from other packages. /usr/include itself would add those of this machine's C library.
     mkdir -p "$work/headers"
     ln -sfn /usr/include/rapidjson "$work/headers/rapidjson"
     ln -sfn /usr/include/stb "$work/headers/stb"
-    # Its rasterizer counts in "long", which has 64 bits elsewhere and 32 here: every picture would differ a little.
+    # Its rasterizer computes with "long", which has only 32 bits on Windows: every image would differ a little.
     sed -i -E 's/\blong( long)?( int)?\b/long long/g; s/\bULONG_MAX\b/ULLONG_MAX/g' "$source"/src/vector/freetype/*.{h,cpp}
-    # Threads that end with the process hang in its last moments; a type of POSIX is missing; bad files shall not abort.
+    # Without threads, which hang at process exit. "ulong" is a POSIX type. Invalid files must not abort the process.
     with_cmake -DLOTTIE_THREAD=OFF -DLOTTIE_MODULE=OFF -DLOTTIE_TEST=OFF -DLOTTIE_EXAMPLE=OFF \
         -DLIB_INSTALL_DIR="$sdk/deps/lib" \
         -DCMAKE_CXX_FLAGS="-Wno-free-nonheap-object -isystem $work/headers -DRAPIDJSON_ASSERT\(x\)=\(void\)\(x\) -Dulong=unsigned\ long"
     mkdir -p "$sdk/deps/bin"
-    cp "$build/librlottie.dll" "$sdk/deps/bin" # which it forgets to install
+    cp "$build/librlottie.dll" "$sdk/deps/bin" # not installed by its build
 }
 
 qtbase() {
     unpack qtbase-opensource-src
-    # A header for tablets is missing from Debian's archive; everything else is what the programs do without.
+    # Debian's archive lacks a header for tablets. The other features are not used by the programs.
     (cd "$build" && "$source/configure" -opensource -confirm-license -release -shared -xplatform win32-g++ \
         -device-option CROSS_COMPILE=$host- -prefix "$sdk/qt" -hostprefix "$sdk/host" -nomake examples -nomake tests \
         -no-pch -opengl desktop -qt-zlib -qt-libpng -qt-libjpeg -qt-freetype -qt-harfbuzz -qt-pcre \
@@ -156,7 +182,7 @@ for library in "$@"; do
         ;;
     esac
     SECONDS=0
-    # In the background: on the left of || a failure within would not end it.
+    # In the background, because "set -e" has no effect within a command on the left of ||.
     "$library" >"$work/$library.log" 2>&1 &
     wait $! || {
         tail -n 30 "$work/$library.log" >&2

@@ -1,8 +1,9 @@
-// A host program as somebody else would write it, on the installed headers alone.
+// A host program as another developer would write it, using nothing but the installed headers.
 
 #include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelMovieUI.h>
+#include <KelMovie/KelMovieVersion.h>
 #include <KelMovie/KelMultiTrackRecorder.h>
 #include <KelMovie/KelPlayCtrlWidget.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
@@ -12,6 +13,10 @@
 #include <QApplication>
 
 #include <cstdio>
+
+#if !KELMOVIE_VERSION_CHECK(2, 0, 0) || KELMOVIE_VERSION_CHECK(KELMOVIE_VERSION_MAJOR + 1, 0, 0)
+#error "KELMOVIE_VERSION_CHECK does not compare versions"
+#endif
 
 int main(int argc, char **argv)
 {
@@ -25,6 +30,7 @@ int main(int argc, char **argv)
     const bool started = recorder->startRecording();
     std::printf("%s %s\n", qPrintable(KelMovieUI::version()), qPrintable(error));
     return !started && error == QLatin1String("Record area not set") &&
+                   KelMovieUI::version().startsWith(KELMOVIE_VERSION_STRING "-") &&
                    KelMovieFormatSuffix() == QLatin1String("mp4") && time.text() == QLatin1String("00:00")
                ? 0
                : 1;

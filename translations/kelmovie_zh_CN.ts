@@ -8,15 +8,15 @@
         <translation>系统声音</translation>
     </message>
     <message>
-        <source>Level of the system audio</source>
-        <translation>系统声音的电平</translation>
+        <source>System audio level</source>
+        <translation>系统声音电平</translation>
     </message>
     <message>
-        <source>There is no device that plays sound.</source>
-        <translation>没有播放声音的设备。</translation>
+        <source>No playback device found.</source>
+        <translation>未找到播放设备。</translation>
     </message>
     <message>
-        <source>Nothing is being played.</source>
+        <source>No sound is playing.</source>
         <translation>当前没有播放任何声音。</translation>
     </message>
     <message>
@@ -24,35 +24,35 @@
         <translation>此录制没有系统声音。</translation>
     </message>
     <message>
-        <source>&amp;Play</source>
-        <translation>播放(&amp;P)</translation>
+        <source>&amp;Enable</source>
+        <translation>启用(&amp;E)</translation>
     </message>
     <message>
-        <source>Plays and exports what the computer played</source>
-        <translation>播放并导出电脑播放的声音</translation>
+        <source>Include system audio in playback and exports</source>
+        <translation>播放和导出时包含系统声音</translation>
     </message>
     <message>
         <source>&amp;Mute</source>
         <translation>静音(&amp;M)</translation>
     </message>
     <message>
-        <source>Silences the system audio for now</source>
-        <translation>暂时将系统声音静音</translation>
+        <source>Mute system audio</source>
+        <translation>将系统声音静音</translation>
     </message>
     <message>
         <source>&amp;Volume</source>
         <translation>音量(&amp;V)</translation>
     </message>
     <message>
-        <source>How loud the system audio is played</source>
-        <translation>系统声音的播放音量</translation>
+        <source>System audio volume</source>
+        <translation>系统声音的音量</translation>
     </message>
     <message>
         <source>&amp;Gain</source>
         <translation>增益(&amp;G)</translation>
     </message>
     <message>
-        <source>Amplifies system audio that was recorded too quietly</source>
+        <source>Boost system audio that was recorded too quietly</source>
         <translation>放大录得过轻的系统声音</translation>
     </message>
     <message>
@@ -60,52 +60,52 @@
         <translation>麦克风</translation>
     </message>
     <message>
-        <source>Level of the microphone</source>
-        <translation>麦克风的电平</translation>
+        <source>Microphone level</source>
+        <translation>麦克风电平</translation>
     </message>
     <message>
-        <source>There is no microphone.</source>
-        <translation>没有麦克风。</translation>
+        <source>No microphone found.</source>
+        <translation>未找到麦克风。</translation>
     </message>
     <message>
         <source>The microphone is silent.</source>
         <translation>麦克风没有声音。</translation>
     </message>
     <message>
-        <source>This recording has no microphone sound.</source>
+        <source>This recording has no microphone audio.</source>
         <translation>此录制没有麦克风声音。</translation>
     </message>
     <message>
-        <source>P&amp;lay</source>
-        <translation>播放(&amp;L)</translation>
+        <source>E&amp;nable</source>
+        <translation>启用(&amp;N)</translation>
     </message>
     <message>
-        <source>Plays and exports what the microphone recorded</source>
-        <translation>播放并导出麦克风录下的声音</translation>
+        <source>Include the microphone in playback and exports</source>
+        <translation>播放和导出时包含麦克风声音</translation>
     </message>
     <message>
         <source>M&amp;ute</source>
         <translation>静音(&amp;U)</translation>
     </message>
     <message>
-        <source>Silences the microphone for now</source>
-        <translation>暂时将麦克风静音</translation>
+        <source>Mute the microphone</source>
+        <translation>将麦克风静音</translation>
     </message>
     <message>
         <source>V&amp;olume</source>
         <translation>音量(&amp;O)</translation>
     </message>
     <message>
-        <source>How loud the microphone is played</source>
-        <translation>麦克风声音的播放音量</translation>
+        <source>Microphone volume</source>
+        <translation>麦克风的音量</translation>
     </message>
     <message>
         <source>Ga&amp;in</source>
         <translation>增益(&amp;I)</translation>
     </message>
     <message>
-        <source>Amplifies what the microphone recorded too quietly</source>
-        <translation>放大麦克风录得过轻的声音</translation>
+        <source>Boost a microphone that was recorded too quietly</source>
+        <translation>放大录得过轻的麦克风声音</translation>
     </message>
     <message>
         <source>Recording</source>
@@ -116,28 +116,28 @@
         <translation>录制系统声音(&amp;S)</translation>
     </message>
     <message>
-        <source>The next recording takes up what the computer plays</source>
-        <translation>下次录制时录下电脑播放的声音</translation>
+        <source>Record system audio next time</source>
+        <translation>下次录制时录下系统声音</translation>
     </message>
     <message>
         <source>&amp;Record microphone</source>
         <translation>录制麦克风(&amp;R)</translation>
     </message>
     <message>
-        <source>The next recording takes up what the microphone hears</source>
+        <source>Record the microphone next time</source>
         <translation>下次录制时录下麦克风的声音</translation>
     </message>
     <message>
-        <source>These take effect with the next recording.</source>
-        <translation>这些设置从下次录制起生效。</translation>
+        <source>Changes apply to the next recording.</source>
+        <translation>更改从下次录制起生效。</translation>
     </message>
     <message>
         <source>&amp;Don't show again</source>
         <translation>不再显示(&amp;D)</translation>
     </message>
     <message>
-        <source>Does not say this any more while recording</source>
-        <translation>录制时不再提示</translation>
+        <source>Don't show this note again</source>
+        <translation>不再显示此提示</translation>
     </message>
 </context>
 <context>
@@ -151,7 +151,7 @@
         <translation>显示指针(&amp;S)</translation>
     </message>
     <message>
-        <source>Shows the recorded pointer and its effects</source>
+        <source>Show the recorded pointer and its effects</source>
         <translation>显示录下的指针及其效果</translation>
     </message>
     <message>
@@ -159,15 +159,15 @@
         <translation>按键(&amp;B)</translation>
     </message>
     <message>
-        <source>Clicks that are shown</source>
-        <translation>要显示的点击</translation>
+        <source>Mouse buttons whose clicks are shown</source>
+        <translation>要显示其点击的鼠标按键</translation>
     </message>
     <message>
         <source>Left click</source>
         <translation>左键</translation>
     </message>
     <message>
-        <source>Shows clicks of the left button</source>
+        <source>Show left clicks</source>
         <translation>显示左键点击</translation>
     </message>
     <message>
@@ -175,7 +175,7 @@
         <translation>右键</translation>
     </message>
     <message>
-        <source>Shows clicks of the right button</source>
+        <source>Show right clicks</source>
         <translation>显示右键点击</translation>
     </message>
     <message>
@@ -183,7 +183,7 @@
         <translation>中键</translation>
     </message>
     <message>
-        <source>Shows clicks of the middle button</source>
+        <source>Show middle clicks</source>
         <translation>显示中键点击</translation>
     </message>
     <message>
@@ -191,8 +191,8 @@
         <translation>点击效果(&amp;E)</translation>
     </message>
     <message>
-        <source>What a click looks like</source>
-        <translation>点击的样子</translation>
+        <source>Animation shown at each click</source>
+        <translation>每次点击时显示的动画</translation>
     </message>
     <message>
         <source>None</source>
@@ -223,11 +223,11 @@
         <translation>按压</translation>
     </message>
     <message>
-        <source>&amp;Replace effects</source>
-        <translation>替换效果(&amp;R)</translation>
+        <source>&amp;One effect at a time</source>
+        <translation>每次仅一个效果(&amp;O)</translation>
     </message>
     <message>
-        <source>A click ends the effect of the click before</source>
+        <source>End the previous effect at the next click</source>
         <translation>新的点击会结束上一次点击的效果</translation>
     </message>
     <message>
@@ -235,15 +235,15 @@
         <translation>显示滚轮(&amp;W)</translation>
     </message>
     <message>
-        <source>Shows turns of the wheel</source>
-        <translation>显示滚轮的转动</translation>
+        <source>Show wheel scrolling</source>
+        <translation>显示滚轮滚动</translation>
     </message>
     <message>
         <source>&amp;Color</source>
         <translation>颜色(&amp;C)</translation>
     </message>
     <message>
-        <source>Color of the effects</source>
+        <source>Effect color</source>
         <translation>效果的颜色</translation>
     </message>
     <message>
@@ -251,7 +251,7 @@
         <translation>大小(&amp;Z)</translation>
     </message>
     <message>
-        <source>Size of the effects</source>
+        <source>Effect size</source>
         <translation>效果的大小</translation>
     </message>
     <message>
@@ -263,7 +263,7 @@
         <translation>录制鼠标(&amp;M)</translation>
     </message>
     <message>
-        <source>The next recording takes up the mouse</source>
+        <source>Record the mouse next time</source>
         <translation>下次录制时录下鼠标</translation>
     </message>
 </context>
@@ -278,31 +278,35 @@
         <translation>格式(&amp;F)</translation>
     </message>
     <message>
-        <source>Kind of file to export to</source>
-        <translation>导出文件的类型</translation>
+        <source>File format of the export</source>
+        <translation>导出文件的格式</translation>
     </message>
     <message>
-        <source>Video with sound; plays nearly everywhere</source>
+        <source>Video with sound; plays almost everywhere</source>
         <translation>带声音的视频；几乎处处可播放</translation>
     </message>
     <message>
-        <source>Animation with 256 colors, without sound; shown nearly everywhere</source>
-        <translation>256 色动画，无声音；几乎处处可显示</translation>
+        <source>256-color animation without sound; plays almost everywhere</source>
+        <translation>256 色动画，无声音；几乎处处可播放</translation>
     </message>
     <message>
-        <source>Animation in all colors without loss, without sound</source>
+        <source>Lossless animation in full color, without sound</source>
         <translation>全彩无损动画，无声音</translation>
     </message>
     <message>
-        <source>Animation in all colors in a small file, without sound</source>
+        <source>Compact animation in full color, without sound</source>
         <translation>全彩小文件动画，无声音</translation>
     </message>
     <message>
-        <source>Endlessly</source>
+        <source>Forever</source>
         <translation>无限循环</translation>
     </message>
+    <message>
+        <source>Once</source>
+        <translation>1 次</translation>
+    </message>
     <message numerus="yes">
-        <source>%n time(s)</source>
+        <source>%n times</source>
         <translation>
             <numerusform>%n 次</numerusform>
         </translation>
@@ -312,45 +316,16 @@
         <translation>播放(&amp;P)</translation>
     </message>
     <message>
-        <source>How often an animation is played</source>
+        <source>How many times an animation plays</source>
         <translation>动画播放的次数</translation>
     </message>
     <message>
-        <source>&amp;Leave recording after export</source>
-        <translation>导出后退出录制(&amp;L)</translation>
+        <source>&amp;Exit recording after export</source>
+        <translation>导出后退出录制(&amp;E)</translation>
     </message>
     <message>
-        <source>Leaves the recording mode when an export is complete</source>
+        <source>Exit recording mode when an export is complete</source>
         <translation>导出完成后退出录制模式</translation>
-    </message>
-</context>
-<context>
-    <name>kel::FloatPlaneFps</name>
-    <message>
-        <source>Frame rate</source>
-        <translation>帧率</translation>
-    </message>
-</context>
-<context>
-    <name>kel::FloatPlanePlaySpeed</name>
-    <message>
-        <source>Play speed</source>
-        <translation>播放速度</translation>
-    </message>
-</context>
-<context>
-    <name>kel::FloatPlaneRecordTime</name>
-    <message>
-        <source>Record delay</source>
-        <translation>录制延时</translation>
-    </message>
-    <message>
-        <source>No delay</source>
-        <translation>无延时</translation>
-    </message>
-    <message>
-        <source>-%1s</source>
-        <translation>-%1秒</translation>
     </message>
 </context>
 <context>
@@ -371,23 +346,23 @@
 <context>
     <name>KelPlayCtrlWidget</name>
     <message>
-        <source>Play time</source>
+        <source>Playback time</source>
         <translation>播放时间</translation>
     </message>
     <message>
-        <source>Play time and length of the recording</source>
-        <translation>播放时间与录制总长</translation>
+        <source>Playback time and total length</source>
+        <translation>播放时间与总时长</translation>
     </message>
 </context>
 <context>
     <name>KelPlayTimeLable</name>
     <message>
-        <source>Play time</source>
+        <source>Playback time</source>
         <translation>播放时间</translation>
     </message>
     <message>
-        <source>Play time and length of the recording</source>
-        <translation>播放时间与录制总长</translation>
+        <source>Playback time and total length</source>
+        <translation>播放时间与总时长</translation>
     </message>
 </context>
 <context>
@@ -445,26 +420,6 @@
         <translation>正在导出...</translation>
     </message>
     <message>
-        <source>Encoding completed.</source>
-        <translation>编码完成。</translation>
-    </message>
-    <message>
-        <source>Export Error</source>
-        <translation>导出错误</translation>
-    </message>
-    <message>
-        <source>Failed to mix audio and video tracks</source>
-        <translation>音频与视频混合失败</translation>
-    </message>
-    <message>
-        <source>Failed to generate video track</source>
-        <translation>生成视频轨道失败</translation>
-    </message>
-    <message>
-        <source>Export Complete</source>
-        <translation>导出完成</translation>
-    </message>
-    <message>
         <source>Frame %1 of %2, about %3 left</source>
         <translation>第 %1 帧，共 %2 帧，约剩 %3</translation>
     </message>
@@ -495,6 +450,26 @@
     <message>
         <source>Saving the file, %1 so far</source>
         <translation>正在保存文件，已用 %1</translation>
+    </message>
+    <message>
+        <source>Encoding completed.</source>
+        <translation>编码完成。</translation>
+    </message>
+    <message>
+        <source>Export Error</source>
+        <translation>导出错误</translation>
+    </message>
+    <message>
+        <source>Failed to mix audio and video tracks</source>
+        <translation>音频与视频混合失败</translation>
+    </message>
+    <message>
+        <source>Failed to generate video track</source>
+        <translation>生成视频轨道失败</translation>
+    </message>
+    <message>
+        <source>Export Complete</source>
+        <translation>导出完成</translation>
     </message>
     <message>
         <source>The exported file lacks something</source>
@@ -537,12 +512,12 @@
 <context>
     <name>KelRecordTimeLable</name>
     <message>
-        <source>Recorded time</source>
-        <translation>已录制时间</translation>
+        <source>Recording time</source>
+        <translation>录制时间</translation>
     </message>
     <message>
-        <source>Recorded time. Click to set a delay before recording starts</source>
-        <translation>已录制时间。点击可设置录制开始前的延时</translation>
+        <source>Recording time. Click to set a start delay</source>
+        <translation>录制时间。点击可设置开始前的延时</translation>
     </message>
 </context>
 <context>
@@ -556,7 +531,7 @@
         <translation>显示(&amp;S)</translation>
     </message>
     <message>
-        <source>Kinds of keys that are shown</source>
+        <source>Types of keys to show</source>
         <translation>要显示的按键种类</translation>
     </message>
     <message>
@@ -588,23 +563,23 @@
         <translation>组合键</translation>
     </message>
     <message>
-        <source>Several keys pressed together, as Ctrl+C</source>
-        <translation>同时按下的几个键，如 Ctrl+C</translation>
+        <source>Shortcuts such as Ctrl+C</source>
+        <translation>快捷键，如 Ctrl+C</translation>
     </message>
     <message>
-        <source>Characters in a &amp;row</source>
-        <translation>连续字符数(&amp;R)</translation>
+        <source>Cha&amp;racters per box</source>
+        <translation>每框字符数(&amp;R)</translation>
     </message>
     <message>
-        <source>Characters typed one after another that share a box</source>
-        <translation>连续输入时共用一个方框的字符数</translation>
+        <source>Maximum number of consecutive characters in one box</source>
+        <translation>一个方框中最多连续显示的字符数</translation>
     </message>
     <message>
         <source>&amp;Keep for</source>
         <translation>保留时间(&amp;K)</translation>
     </message>
     <message>
-        <source>How long a key stays after it was pressed</source>
+        <source>How long a key stays visible after it is pressed</source>
         <translation>按键按下后显示多久</translation>
     </message>
     <message>
@@ -612,7 +587,7 @@
         <translation>位置(&amp;P)</translation>
     </message>
     <message>
-        <source>Where the keys are shown</source>
+        <source>Where keys are shown</source>
         <translation>按键显示的位置</translation>
     </message>
     <message>
@@ -620,7 +595,7 @@
         <translation>左</translation>
     </message>
     <message>
-        <source>At the bottom left</source>
+        <source>Bottom left</source>
         <translation>左下方</translation>
     </message>
     <message>
@@ -628,7 +603,7 @@
         <translation>中</translation>
     </message>
     <message>
-        <source>At the bottom in the middle</source>
+        <source>Bottom center</source>
         <translation>正下方</translation>
     </message>
     <message>
@@ -636,11 +611,11 @@
         <translation>右</translation>
     </message>
     <message>
-        <source>At the bottom right</source>
+        <source>Bottom right</source>
         <translation>右下方</translation>
     </message>
     <message>
-        <source>Look</source>
+        <source>Appearance</source>
         <translation>外观</translation>
     </message>
     <message>
@@ -648,51 +623,51 @@
         <translation>字体(&amp;F)</translation>
     </message>
     <message>
-        <source>Font of the keys</source>
-        <translation>按键的字体</translation>
+        <source>Font of the key labels</source>
+        <translation>按键文字的字体</translation>
     </message>
     <message>
         <source>Font si&amp;ze</source>
         <translation>字号(&amp;Z)</translation>
     </message>
     <message>
-        <source>Size of the letters</source>
-        <translation>文字的大小</translation>
+        <source>Font size of the key labels</source>
+        <translation>按键文字的字号</translation>
     </message>
     <message>
         <source>Font &amp;color</source>
         <translation>文字颜色(&amp;C)</translation>
     </message>
     <message>
-        <source>Color of the letters</source>
-        <translation>文字的颜色</translation>
+        <source>Text color of the key labels</source>
+        <translation>按键文字的颜色</translation>
     </message>
     <message>
         <source>&amp;Background</source>
         <translation>背景(&amp;B)</translation>
     </message>
     <message>
-        <source>Color of the boxes</source>
-        <translation>方框的颜色</translation>
+        <source>Background color of the key labels</source>
+        <translation>按键方框的颜色</translation>
     </message>
     <message>
-        <source>Earlier keys</source>
+        <source>Previous keys</source>
         <translation>先前的按键</translation>
     </message>
     <message>
-        <source>&amp;Boxes</source>
-        <translation>方框数(&amp;B)</translation>
+        <source>Bo&amp;xes</source>
+        <translation>方框数(&amp;X)</translation>
     </message>
     <message>
-        <source>How many boxes are shown at a time</source>
-        <translation>同时显示的方框数</translation>
+        <source>Maximum number of boxes shown at a time</source>
+        <translation>最多同时显示的方框数</translation>
     </message>
     <message>
         <source>S&amp;maller by</source>
         <translation>缩小(&amp;M)</translation>
     </message>
     <message>
-        <source>How much smaller the letters of earlier keys are</source>
+        <source>How much smaller the font of previous keys is</source>
         <translation>先前按键的文字缩小多少</translation>
     </message>
     <message>
@@ -704,8 +679,8 @@
         <translation>录制键盘(&amp;E)</translation>
     </message>
     <message>
-        <source>The next recording takes up what is typed</source>
-        <translation>下次录制时录下键入的内容</translation>
+        <source>Record the keyboard next time</source>
+        <translation>下次录制时录下键盘</translation>
     </message>
 </context>
 <context>
@@ -722,12 +697,12 @@
 <context>
     <name>PlayProgressBar</name>
     <message>
-        <source>Play position</source>
+        <source>Playback position</source>
         <translation>播放位置</translation>
     </message>
     <message>
-        <source>Drag to seek, drag the ends to trim. Keys: arrows seek, I and O cut here</source>
-        <translation>拖动以定位，拖动两端以裁剪。按键：方向键定位，I 和 O 在此处裁剪</translation>
+        <source>Drag to seek; drag the ends to trim. Keys: arrows seek, I and O set the start and end</source>
+        <translation>拖动以定位，拖动两端以裁剪。按键：方向键定位，I 和 O 设定起点和终点</translation>
     </message>
     <message>
         <source>Drag to seek, or use the arrow keys</source>
@@ -737,7 +712,7 @@
 <context>
     <name>PlaySpeedLabel</name>
     <message>
-        <source>Play speed</source>
+        <source>Playback speed</source>
         <translation>播放速度</translation>
     </message>
 </context>
@@ -752,23 +727,23 @@
         <translation>显示进度(&amp;S)</translation>
     </message>
     <message>
-        <source>Shows over the picture how far it has come</source>
+        <source>Show the progress over the video</source>
         <translation>在画面上显示播放进度</translation>
     </message>
     <message>
-        <source>&amp;As</source>
-        <translation>样式(&amp;A)</translation>
+        <source>St&amp;yle</source>
+        <translation>样式(&amp;Y)</translation>
     </message>
     <message>
-        <source>What the progress looks like</source>
-        <translation>进度的样子</translation>
+        <source>How the progress is shown</source>
+        <translation>进度的显示方式</translation>
     </message>
     <message>
         <source>Time</source>
         <translation>时间</translation>
     </message>
     <message>
-        <source>A box with the elapsed and the total time</source>
+        <source>Elapsed and total time in a box</source>
         <translation>显示已播放时间和总时间的方框</translation>
     </message>
     <message>
@@ -776,8 +751,24 @@
         <translation>进度条</translation>
     </message>
     <message>
-        <source>A bar along the bottom edge</source>
+        <source>Bar along the bottom edge</source>
         <translation>沿底边的进度条</translation>
+    </message>
+    <message>
+        <source>Si&amp;ze</source>
+        <translation>大小(&amp;Z)</translation>
+    </message>
+    <message>
+        <source>Font size of the time; the height of the bar follows it</source>
+        <translation>时间文字的字号；进度条的高度随之变化</translation>
+    </message>
+    <message>
+        <source>Corner &amp;radius</source>
+        <translation>圆角半径(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Corner radius of the box or bar</source>
+        <translation>方框或进度条的圆角半径</translation>
     </message>
     <message>
         <source>&amp;Color</source>
@@ -792,32 +783,16 @@
         <translation>背景(&amp;B)</translation>
     </message>
     <message>
-        <source>Color of the rest of the bar</source>
+        <source>Color of the remaining part of the bar</source>
         <translation>进度条其余部分的颜色</translation>
     </message>
     <message>
-        <source>Si&amp;ze</source>
-        <translation>大小(&amp;Z)</translation>
+        <source>Upda&amp;te interval</source>
+        <translation>更新间隔(&amp;T)</translation>
     </message>
     <message>
-        <source>Size of the time's letters; the bar is thinner</source>
-        <translation>时间文字的大小；进度条较细</translation>
-    </message>
-    <message>
-        <source>&amp;Round</source>
-        <translation>圆角(&amp;R)</translation>
-    </message>
-    <message>
-        <source>Radius of the corners</source>
-        <translation>圆角的半径</translation>
-    </message>
-    <message>
-        <source>S&amp;tep</source>
-        <translation>步长(&amp;T)</translation>
-    </message>
-    <message>
-        <source>The bar moves on once in this time at most</source>
-        <translation>进度条在此时间内最多前进一次</translation>
+        <source>Minimum time between updates of the bar</source>
+        <translation>进度条两次更新之间的最短时间</translation>
     </message>
 </context>
 <context>
@@ -831,44 +806,44 @@
         <translation>质量(&amp;Q)</translation>
     </message>
     <message>
-        <source>A better picture makes a larger file</source>
-        <translation>画质越好，文件越大</translation>
+        <source>Higher quality makes a larger file</source>
+        <translation>质量越高，文件越大</translation>
     </message>
     <message>
         <source>Small file</source>
         <translation>小文件</translation>
     </message>
     <message>
-        <source>Somewhat blurred, in a small file</source>
-        <translation>略有模糊，文件小</translation>
+        <source>Some blur, smallest file</source>
+        <translation>略有模糊，文件最小</translation>
     </message>
     <message>
         <source>Balanced</source>
         <translation>均衡</translation>
     </message>
     <message>
-        <source>Hardly any loss, in a file of moderate size</source>
-        <translation>几乎无损，文件适中</translation>
+        <source>Almost no visible loss, medium-sized file</source>
+        <translation>几乎看不出损失，文件适中</translation>
     </message>
     <message>
         <source>Best</source>
         <translation>最佳</translation>
     </message>
     <message>
-        <source>As true as the format allows</source>
-        <translation>格式所能达到的最佳还原</translation>
+        <source>Highest quality</source>
+        <translation>最高质量</translation>
     </message>
     <message>
         <source>Estimated from samples of the recording</source>
         <translation>根据录制的样本估算</translation>
     </message>
     <message>
-        <source>The size cannot be estimated.</source>
-        <translation>无法估算大小。</translation>
+        <source>The file size cannot be estimated.</source>
+        <translation>无法估算文件大小。</translation>
     </message>
     <message>
-        <source>Estimating the size...</source>
-        <translation>正在估算大小...</translation>
+        <source>Estimating the file size...</source>
+        <translation>正在估算文件大小...</translation>
     </message>
     <message>
         <source>About %1</source>
@@ -886,8 +861,8 @@
         <translation>%1 像素</translation>
     </message>
     <message>
-        <source>%1 %</source>
-        <translation>%1 %</translation>
+        <source>%1%</source>
+        <translation>%1%</translation>
     </message>
     <message>
         <source>%1 s</source>
@@ -899,10 +874,39 @@
     </message>
 </context>
 <context>
+    <name>kel::FloatPlaneFps</name>
+    <message>
+        <source>Frame rate</source>
+        <translation>帧率</translation>
+    </message>
+</context>
+<context>
+    <name>kel::FloatPlanePlaySpeed</name>
+    <message>
+        <source>Playback speed</source>
+        <translation>播放速度</translation>
+    </message>
+</context>
+<context>
+    <name>kel::FloatPlaneRecordTime</name>
+    <message>
+        <source>Record delay</source>
+        <translation>录制延时</translation>
+    </message>
+    <message>
+        <source>No delay</source>
+        <translation>无延时</translation>
+    </message>
+    <message>
+        <source>-%1s</source>
+        <translation>-%1秒</translation>
+    </message>
+</context>
+<context>
     <name>kel::SettingsForm</name>
     <message>
-        <source>The settings cannot be saved. Changes last until the program ends.</source>
-        <translation>无法保存设置。更改仅在程序退出前有效。</translation>
+        <source>Settings cannot be saved. Changes will be lost when the program exits.</source>
+        <translation>无法保存设置。程序退出后更改将丢失。</translation>
     </message>
 </context>
 </TS>

@@ -7,15 +7,15 @@
 #include <QTranslator>
 #include <QXmlStreamReader>
 
-/// Every text of the program has a translation that says as much as the text does.
-class TestTranslations : public QObject
+/// Every text has a finished translation with the same placeholders and a mnemonic where the source has one.
+class TranslationsTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void catalogueIsComplete_data();
-    void catalogueIsComplete();
-    void programFindsItsCatalogue();
+    void catalogIsComplete_data();
+    void catalogIsComplete();
+    void catalogIsEmbedded();
 };
 
 namespace
@@ -27,33 +27,29 @@ struct Message {
     bool isFinished = true;
 };
 
-/// The messages of a catalogue brought up to date with the sources.
-QList<Message> currentMessages(const QString &catalogue, const QStringList &folders)
+/// The messages of a catalog, updated from the sources.
+QList<Message> currentMessages(const QString &catalog, const QStringList &folders)
 {
     QTemporaryDir dir;
     const QString copy = dir.filePath("copy.ts");
-    if (!QFile::copy(catalogue, copy)) {
+    if (!QFile::copy(catalog, copy))
         return {};
-    }
     QProcess lupdate;
     lupdate.setWorkingDirectory(KEL_SOURCE_DIR);
     lupdate.start(KEL_LUPDATE,
                   QStringList{"-silent", "-I", "platform", "-I", "kelmovie", "-no-obsolete", "-locations", "none"} +
                       folders + QStringList{"-ts", copy});
-    if (!lupdate.waitForFinished(60000) || lupdate.exitCode() != 0) {
+    if (!lupdate.waitForFinished(60000) || lupdate.exitCode() != 0)
         return {};
-    }
 
     QFile file(copy);
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly))
         return {};
-    }
     QList<Message> messages;
     QXmlStreamReader xml(&file);
     while (!xml.atEnd()) {
-        if (xml.readNext() != QXmlStreamReader::StartElement) {
+        if (xml.readNext() != QXmlStreamReader::StartElement)
             continue;
-        }
         if (xml.name() == QLatin1String("message")) {
             messages.append(Message{});
         } else if (xml.name() == QLatin1String("source")) {
@@ -67,7 +63,7 @@ QList<Message> currentMessages(const QString &catalogue, const QStringList &fold
     return xml.hasError() ? QList<Message>{} : messages;
 }
 
-/// What the program puts into a text, in order of name.
+/// The placeholders of a text, sorted.
 QStringList placeholders(const QString &text)
 {
     static const QRegularExpression expression("%(?:L?\\d|n)");
@@ -88,21 +84,20 @@ bool hasMnemonic(const QString &text)
 
 } // namespace
 
-void TestTranslations::catalogueIsComplete_data()
+void TranslationsTest::catalogIsComplete_data()
 {
-    QTest::addColumn<QString>("catalogue");
+    QTest::addColumn<QString>("catalog");
     QTest::addColumn<QStringList>("folders");
     QTest::newRow("module") << "kelmovie_zh_CN.ts" << QStringList{"platform", "kelmovie"};
     QTest::newRow("host") << "keldock_zh_CN.ts" << QStringList{"keldock"};
 }
 
-void TestTranslations::catalogueIsComplete()
+void TranslationsTest::catalogIsComplete()
 {
-    QFETCH(QString, catalogue);
+    QFETCH(QString, catalog);
     QFETCH(QStringList, folders);
 
-    const QList<Message> messages =
-        currentMessages(QStringLiteral(KEL_SOURCE_DIR "/translations/") + catalogue, folders);
+    const QList<Message> messages = currentMessages(QString(KEL_SOURCE_DIR "/translations/") + catalog, folders);
     QVERIFY(!messages.isEmpty());
     for (const Message &message : messages) {
         QVERIFY2(message.isFinished, qPrintable("not translated: " + message.source));
@@ -114,13 +109,13 @@ void TestTranslations::catalogueIsComplete()
     }
 }
 
-void TestTranslations::programFindsItsCatalogue()
+void TranslationsTest::catalogIsEmbedded()
 {
     QTranslator translator;
     QVERIFY(translator.load(QLocale("zh_CN"), "kelmovie", "_", ":/i18n"));
     QVERIFY(QCoreApplication::installTranslator(&translator));
-    QCOMPARE(QCoreApplication::translate("KelRecordButton", "Start recording"), QStringLiteral("开始录制"));
+    QCOMPARE(QCoreApplication::translate("KelRecordButton", "Start recording"), QString("开始录制"));
 }
 
-QTEST_GUILESS_MAIN(TestTranslations)
+QTEST_GUILESS_MAIN(TranslationsTest)
 #include "tst_translations.moc"

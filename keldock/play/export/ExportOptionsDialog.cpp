@@ -135,7 +135,7 @@ QString ExportOptionsDialog::summary() const
 void ExportOptionsDialog::updateEstimate()
 {
     m_quality->setFrameRate(fps());
-    m_quality->setPictureSize(pictureSize());
+    m_quality->setFrameSize(pictureSize());
 }
 
 int ExportOptionsDialog::fps() const

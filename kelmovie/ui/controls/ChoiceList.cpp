@@ -10,7 +10,7 @@ namespace kel
 ChoiceList::ChoiceList(QWidget *parent)
     : QListWidget(parent)
 {
-    setMouseTracking(true); // rows light up under the pointer
+    setMouseTracking(true); // needed by the hover style
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setEditTriggers(NoEditTriggers);
@@ -40,8 +40,9 @@ void ChoiceList::fit(double scale)
     for (int row = 0; row < count(); ++row)
         rows += sizeHintForRow(row);
     const int margins = int(6 * scale);
-    const int near = margins / 2;
-    setViewportMargins(near, near, margins - near, margins - near);
+    const int leftTop = margins / 2;
+    const int rightBottom = margins - leftTop;
+    setViewportMargins(leftTop, leftTop, rightBottom, rightBottom);
     setFixedSize(margins + sizeHintForColumn(0), margins + rows);
 }
 
@@ -49,7 +50,7 @@ void ChoiceList::keyPressEvent(QKeyEvent *event)
 {
     const bool isChoice =
         event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space;
-    // The list has a current row as soon as it has the focus; only a selected one is seen.
+    // The focus alone makes a row current, but only a selected row is highlighted.
     if (isChoice && currentItem() && currentItem()->isSelected())
         choose(currentItem());
     else

@@ -5,7 +5,8 @@
 namespace kel
 {
 
-/// A short list in a floating panel: one click, or Enter on a row, chooses. As large as its rows.
+/// A short list of choices for a floating panel, always large enough to show all rows. A click on a row, or Enter or
+/// Space on the selected one, chooses it.
 class ChoiceList : public QListWidget
 {
     Q_OBJECT
@@ -13,10 +14,11 @@ class ChoiceList : public QListWidget
 public:
     explicit ChoiceList(QWidget *parent = nullptr);
 
+    /// Appends a row; `value` is kept as its Qt::UserRole data.
     void addChoice(const QString &text, const QVariant &value);
-    /// Makes the row with this value the current one; none when there is no such row.
+    /// Selects the row with this value, or none if there is no such row.
     void setCurrentValue(const QVariant &value);
-    /// Restyles for the screen, where sca(1) is `scale`, and takes the size that the rows need.
+    /// Restyles the list for a screen of this scale factor and resizes it to its rows.
     void fit(double scale);
 
 signals:

@@ -10,7 +10,7 @@ namespace kel
 
 void GlyphButton::prepare(QPushButton *button)
 {
-    KelDockIcon::family(); // loaded before the sheet names it
+    KelDockIcon::family(); // the font must be loaded before the style sheet names it
     button->setFlat(true);
     button->setFocusPolicy(Qt::TabFocus);
     button->setCursor(Qt::PointingHandCursor);

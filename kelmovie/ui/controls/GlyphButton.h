@@ -5,17 +5,17 @@
 class QPushButton;
 class QString;
 
-/// What buttons have in common whose text, one glyph of the icon font, is also their state.
+/// Shared by buttons that keep their state in their text, a single glyph of the icon font.
 namespace kel::GlyphButton
 {
 
-/// The look of such a button: flat, square, as large as the screen's scale wants it.
+/// Makes the button flat and square and scales it for its screen.
 void prepare(QPushButton *button);
 
-/// Shows the glyph; `action` tells what a click does now.
+/// Shows the glyph. `action`, the tool tip and accessible name, is what a click does in this state.
 void show(QPushButton *button, KelDockIcon::Glyph glyph, const QString &action);
 
-/// The text is this glyph and nothing else.
+/// Whether the text is exactly this glyph.
 bool shows(const QPushButton *button, KelDockIcon::Glyph glyph);
 
 } // namespace kel::GlyphButton

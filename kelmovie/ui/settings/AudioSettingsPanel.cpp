@@ -30,13 +30,13 @@ public:
     void addSystemAudio();
     void addMicrophone();
     void addRecording();
-    void updateWarning();
+    void updateNote();
 
     AudioSettingsPanel *const q;
     SettingsForm *const form;
     SoundLevelView *systemLevel = nullptr;
     SoundLevelView *microphoneLevel = nullptr;
-    QWidget *warning = nullptr;
+    QWidget *note = nullptr;
     bool isRecording = false;
 };
 
@@ -54,18 +54,18 @@ void AudioSettingsPanel::Private::addSystemAudio()
     using C = KelMovieConfig;
     form->addHeading(tr("System audio"));
     systemLevel = new SoundLevelView(eRender,
-                                     {tr("Level of the system audio"), tr("There is no device that plays sound."),
-                                      tr("Nothing is being played."), tr("This recording has no system audio.")},
+                                     {tr("System audio level"), tr("No playback device found."),
+                                      tr("No sound is playing."), tr("This recording has no system audio.")},
                                      form);
     form->addWidget(systemLevel);
-    form->addSwitch({tr("&Play"), tr("Plays and exports what the computer played")},
+    form->addSwitch({tr("&Enable"), tr("Include system audio in playback and exports")},
                     {"KelMovie.playback.audio.system.enabled", &C::playbackAudioSystemEnabled});
     form->enableNextWhile([] { return gKelMovieConfig.playbackAudioSystemEnabled; });
-    form->addSwitch({tr("&Mute"), tr("Silences the system audio for now")},
+    form->addSwitch({tr("&Mute"), tr("Mute system audio")},
                     {"KelMovie.playback.audio.system.muted", &C::playbackAudioSystemMuted});
-    form->addSlider({tr("&Volume"), tr("How loud the system audio is played")},
+    form->addSlider({tr("&Volume"), tr("System audio volume")},
                     {"KelMovie.playback.audio.system.volume", &C::playbackAudioSystemVolume}, kVolume);
-    form->addSlider({tr("&Gain"), tr("Amplifies system audio that was recorded too quietly")},
+    form->addSlider({tr("&Gain"), tr("Boost system audio that was recorded too quietly")},
                     {"KelMovie.playback.audio.system.gain", &C::playbackAudioSystemGain}, kGain);
 }
 
@@ -75,18 +75,18 @@ void AudioSettingsPanel::Private::addMicrophone()
     form->addHeading(tr("Microphone"));
     microphoneLevel =
         new SoundLevelView(eCapture,
-                           {tr("Level of the microphone"), tr("There is no microphone."),
-                            tr("The microphone is silent."), tr("This recording has no microphone sound.")},
+                           {tr("Microphone level"), tr("No microphone found."), tr("The microphone is silent."),
+                            tr("This recording has no microphone audio.")},
                            form);
     form->addWidget(microphoneLevel);
-    form->addSwitch({tr("P&lay"), tr("Plays and exports what the microphone recorded")},
+    form->addSwitch({tr("E&nable"), tr("Include the microphone in playback and exports")},
                     {"KelMovie.playback.audio.microphone.enabled", &C::playbackAudioMicrophoneEnabled});
     form->enableNextWhile([] { return gKelMovieConfig.playbackAudioMicrophoneEnabled; });
-    form->addSwitch({tr("M&ute"), tr("Silences the microphone for now")},
+    form->addSwitch({tr("M&ute"), tr("Mute the microphone")},
                     {"KelMovie.playback.audio.microphone.muted", &C::playbackAudioMicrophoneMuted});
-    form->addSlider({tr("V&olume"), tr("How loud the microphone is played")},
+    form->addSlider({tr("V&olume"), tr("Microphone volume")},
                     {"KelMovie.playback.audio.microphone.volume", &C::playbackAudioMicrophoneVolume}, kVolume);
-    form->addSlider({tr("Ga&in"), tr("Amplifies what the microphone recorded too quietly")},
+    form->addSlider({tr("Ga&in"), tr("Boost a microphone that was recorded too quietly")},
                     {"KelMovie.playback.audio.microphone.gain", &C::playbackAudioMicrophoneGain}, kGain);
 }
 
@@ -94,33 +94,33 @@ void AudioSettingsPanel::Private::addRecording()
 {
     using C = KelMovieConfig;
     form->addRecordingHeading(tr("Recording"));
-    form->addSwitch({tr("Record &system audio"), tr("The next recording takes up what the computer plays")},
+    form->addSwitch({tr("Record &system audio"), tr("Record system audio next time")},
                     {"KelMovie.record.recordSystemAudio", &C::recordRecordSystemAudio});
-    form->addSwitch({tr("&Record microphone"), tr("The next recording takes up what the microphone hears")},
+    form->addSwitch({tr("&Record microphone"), tr("Record the microphone next time")},
                     {"KelMovie.record.recordMicrophone", &C::recordRecordMicrophone});
 
-    warning = new QWidget(form);
-    auto *const text = new QLabel(tr("These take effect with the next recording."), warning);
+    note = new QWidget(form);
+    auto *const text = new QLabel(tr("Changes apply to the next recording."), note);
     text->setObjectName(QStringLiteral("Note"));
-    auto *const close = new QPushButton(tr("&Don't show again"), warning);
+    auto *const close = new QPushButton(tr("&Don't show again"), note);
     close->setObjectName(QStringLiteral("NoteButton"));
-    close->setToolTip(tr("Does not say this any more while recording"));
-    auto *const layout = new QHBoxLayout(warning);
+    close->setToolTip(tr("Don't show this note again"));
+    auto *const layout = new QHBoxLayout(note);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(text, 1);
     layout->addWidget(close);
-    form->addWidget(warning);
+    form->addWidget(note);
     connect(close, &QPushButton::clicked, q, [this] {
         form->change(Setting<bool>{"KelMovie.record.dontShowRecordingWarning", &C::recordDontShowRecordingWarning},
                      true);
-        updateWarning();
+        updateNote();
     });
-    updateWarning();
+    updateNote();
 }
 
-void AudioSettingsPanel::Private::updateWarning()
+void AudioSettingsPanel::Private::updateNote()
 {
-    warning->setVisible(isRecording && !gKelMovieConfig.recordDontShowRecordingWarning);
+    note->setVisible(isRecording && !gKelMovieConfig.recordDontShowRecordingWarning);
 }
 
 AudioSettingsPanel::AudioSettingsPanel(QWidget *parent)
@@ -135,18 +135,18 @@ AudioSettingsPanel::~AudioSettingsPanel() = default;
 void AudioSettingsPanel::setPlaybackManager(KelPlaybackTrackManager *manager)
 {
     if (!manager) {
-        d->systemLevel->setPlayedLevel({});
-        d->microphoneLevel->setPlayedLevel({});
+        d->systemLevel->setPlaybackLevel({});
+        d->microphoneLevel->setPlaybackLevel({});
         return;
     }
     const auto voice = [manager = QPointer<KelPlaybackTrackManager>(manager)] {
         return manager ? manager->voiceTrack() : nullptr;
     };
-    d->systemLevel->setPlayedLevel([voice]() -> std::optional<float> {
+    d->systemLevel->setPlaybackLevel([voice]() -> std::optional<float> {
         const KelPlaybackVoiceTrack *const track = voice();
         return track && track->hasSystemAudio() ? std::optional(track->systemAudioLevel()) : std::nullopt;
     });
-    d->microphoneLevel->setPlayedLevel([voice]() -> std::optional<float> {
+    d->microphoneLevel->setPlaybackLevel([voice]() -> std::optional<float> {
         const KelPlaybackVoiceTrack *const track = voice();
         return track && track->hasMicrophone() ? std::optional(track->microphoneLevel()) : std::nullopt;
     });
@@ -155,12 +155,12 @@ void AudioSettingsPanel::setPlaybackManager(KelPlaybackTrackManager *manager)
 void AudioSettingsPanel::setRecording(bool recording)
 {
     d->isRecording = recording;
-    d->updateWarning();
+    d->updateNote();
 }
 
 void AudioSettingsPanel::setRecordingShown(bool shown)
 {
     d->form->setRecordingShown(shown);
     if (shown)
-        d->updateWarning();
+        d->updateNote();
 }

@@ -8,9 +8,9 @@
 
 class KelPlaybackTrackManager;
 
-/// Settings of the sound: of what the computer plays and of the microphone. It shows how loud both are, and warns when
-/// a device is missing or silent; devices are listened to only while the panel is seen. For a dock, a dialog or a
-/// FloatPanel; reads the settings when it is shown. GUI thread.
+/// Settings of system audio and microphone, with a level meter for each and a warning when a device is missing or
+/// silent. Devices are listened to only while the panel is visible. For a dock, a dialog or a FloatPanel; reads the
+/// settings whenever it is shown. GUI thread.
 class KELMOVIE_EXPORT AudioSettingsPanel : public QWidget
 {
     Q_OBJECT
@@ -19,18 +19,19 @@ public:
     explicit AudioSettingsPanel(QWidget *parent = nullptr);
     ~AudioSettingsPanel() override;
 
-    /// Shows how loud this recording's sounds are played; null, as at first: what the devices hear. Not owned.
+    /// The meters show the playback levels of this manager or, if null (initially), what the devices capture. Not
+    /// owned; may be destroyed before the panel.
     void setPlaybackManager(KelPlaybackTrackManager *manager);
 
-    /// While a recording runs, the panel says that what is recorded changes with the next one only, unless the user
-    /// does not want to be told (the setting recordDontShowRecordingWarning).
+    /// While recording, a note says that changes apply to the next recording only. The user can turn it off for good
+    /// (setting recordDontShowRecordingWarning).
     void setRecording(bool recording);
 
-    /// Whether the panel has the settings of the next recording, too, as it has at first.
+    /// Shows or hides the settings for the next recording. Shown initially.
     void setRecordingShown(bool shown);
 
 signals:
-    /// The user has changed a setting, which is in force and saved already.
+    /// The user changed a setting. It is already in gKelMovieConfig and saved.
     void sigConfigUpdated();
 
 private:

@@ -5,25 +5,36 @@
 
 using namespace kel;
 
+class Q_DECL_HIDDEN CursorSettingsPanel::Private
+{
+public:
+    explicit Private(CursorSettingsPanel *panel)
+        : form(new SettingsForm(panel))
+    {
+    }
+
+    SettingsForm *const form;
+};
+
 CursorSettingsPanel::CursorSettingsPanel(QWidget *parent)
     : QWidget(parent)
-    , m_form(new SettingsForm(this))
+    , d(std::make_unique<Private>(this))
 {
     using C = KelMovieConfig;
-    SettingsForm *const form = m_form;
+    SettingsForm *const form = d->form;
     connect(form, &SettingsForm::sigChanged, this, &CursorSettingsPanel::sigConfigUpdated);
 
     form->addHeading(tr("Pointer"));
-    form->addSwitch({tr("&Show pointer"), tr("Shows the recorded pointer and its effects")},
+    form->addSwitch({tr("&Show pointer"), tr("Show the recorded pointer and its effects")},
                     {"KelMovie.playback.mouse.enable", &C::playbackMouseEnable});
     form->enableNextWhile([] { return gKelMovieConfig.playbackMouseEnable; });
-    form->addBits({tr("&Buttons"), tr("Clicks that are shown")},
+    form->addBits({tr("&Buttons"), tr("Mouse buttons whose clicks are shown")},
                   {"KelMovie.playback.mouse.showActionButton", &C::playbackMouseShowActionButton},
-                  {{tr("Left click"), 1, tr("Shows clicks of the left button")},
-                   {tr("Right click"), 2, tr("Shows clicks of the right button")},
-                   {tr("Middle click"), 4, tr("Shows clicks of the middle button")}},
+                  {{tr("Left click"), 1, tr("Show left clicks")},
+                   {tr("Right click"), 2, tr("Show right clicks")},
+                   {tr("Middle click"), 4, tr("Show middle clicks")}},
                   3);
-    form->addList({tr("Click &effect"), tr("What a click looks like")}, {nullptr, &C::playbackMouseClickEffect},
+    form->addList({tr("Click &effect"), tr("Animation shown at each click")}, {nullptr, &C::playbackMouseClickEffect},
                   {{tr("None"), 0, {}},
                    {tr("Rays"), 1, {}},
                    {tr("Flower"), 2, {}},
@@ -31,21 +42,22 @@ CursorSettingsPanel::CursorSettingsPanel(QWidget *parent)
                    {tr("Stars"), 4, {}},
                    {tr("Ripple"), 5, {}},
                    {tr("Press"), 6, {}}});
-    form->addSwitch({tr("&Replace effects"), tr("A click ends the effect of the click before")},
+    form->addSwitch({tr("&One effect at a time"), tr("End the previous effect at the next click")},
                     {nullptr, &C::playbackMouseReplaceEffects});
-    form->addSwitch({tr("Show &wheel"), tr("Shows turns of the wheel")},
+    form->addSwitch({tr("Show &wheel"), tr("Show wheel scrolling")},
                     {"KelMovie.playback.mouse.showWheel", &C::playbackMouseShowWheel});
-    form->addColor({tr("&Color"), tr("Color of the effects")},
-                   {"KelMovie.playback.mouse.color", &C::playbackMouseColor});
-    form->addSlider({tr("Si&ze"), tr("Size of the effects")}, {"KelMovie.playback.mouse.size", &C::playbackMouseSize},
+    form->addColor({tr("&Color"), tr("Effect color")}, {"KelMovie.playback.mouse.color", &C::playbackMouseColor});
+    form->addSlider({tr("Si&ze"), tr("Effect size")}, {"KelMovie.playback.mouse.size", &C::playbackMouseSize},
                     {5, 60, SettingTexts::number});
 
     form->addRecordingHeading(tr("Recording"));
-    form->addSwitch({tr("Record &mouse"), tr("The next recording takes up the mouse")},
+    form->addSwitch({tr("Record &mouse"), tr("Record the mouse next time")},
                     {"KelMovie.record.mouse", &C::recordMouse});
 }
 
+CursorSettingsPanel::~CursorSettingsPanel() = default;
+
 void CursorSettingsPanel::setRecordingShown(bool shown)
 {
-    m_form->setRecordingShown(shown);
+    d->form->setRecordingShown(shown);
 }

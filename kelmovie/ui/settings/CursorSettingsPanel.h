@@ -4,27 +4,26 @@
 
 #include <QWidget>
 
-namespace kel
-{
-class SettingsForm;
-} // namespace kel
+#include <memory>
 
-/// Settings of the pointer: what of the mouse is shown in playback and export, and how. For a dock, a dialog or a
-/// FloatPanel; reads the settings when it is shown. GUI thread.
+/// Settings of pointer, clicks and wheel in playback and export. For a dock, a dialog or a FloatPanel; reads the
+/// settings whenever it is shown. GUI thread.
 class KELMOVIE_EXPORT CursorSettingsPanel : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit CursorSettingsPanel(QWidget *parent = nullptr);
+    ~CursorSettingsPanel() override;
 
-    /// Whether the panel has the setting of the next recording, too, as it has at first.
+    /// Shows or hides the setting for the next recording. Shown initially.
     void setRecordingShown(bool shown);
 
 signals:
-    /// The user has changed a setting, which is in force and saved already.
+    /// The user changed a setting. It is already in gKelMovieConfig and saved.
     void sigConfigUpdated();
 
 private:
-    kel::SettingsForm *const m_form;
+    class Private;
+    std::unique_ptr<Private> d;
 };

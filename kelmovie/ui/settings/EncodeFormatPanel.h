@@ -4,8 +4,8 @@
 
 #include <QWidget>
 
-/// The format of an export and what belongs to it. For a dock, a dialog or a FloatPanel; reads the settings when it is
-/// shown. GUI thread.
+/// Export format, animation loops and whether to exit recording mode after an export. For a dock, a dialog or a
+/// FloatPanel; reads the settings whenever it is shown. GUI thread.
 class KELMOVIE_EXPORT EncodeFormatPanel : public QWidget
 {
     Q_OBJECT
@@ -14,6 +14,6 @@ public:
     explicit EncodeFormatPanel(QWidget *parent = nullptr);
 
 signals:
-    /// The user has changed a setting, which is in force and saved already.
+    /// The user changed a setting. It is already in gKelMovieConfig and saved.
     void sigConfigUpdated();
 };

@@ -5,58 +5,71 @@
 
 using namespace kel;
 
+class Q_DECL_HIDDEN KeyboardSettingsPanel::Private
+{
+public:
+    explicit Private(KeyboardSettingsPanel *panel)
+        : form(new SettingsForm(panel))
+    {
+    }
+
+    SettingsForm *const form;
+};
+
 KeyboardSettingsPanel::KeyboardSettingsPanel(QWidget *parent)
     : QWidget(parent)
-    , m_form(new SettingsForm(this))
+    , d(std::make_unique<Private>(this))
 {
     using C = KelMovieConfig;
-    SettingsForm *const form = m_form;
+    SettingsForm *const form = d->form;
     connect(form, &SettingsForm::sigChanged, this, &KeyboardSettingsPanel::sigConfigUpdated);
 
     form->addHeading(tr("Keys"));
-    form->addBits({tr("&Show"), tr("Kinds of keys that are shown")},
+    form->addBits({tr("&Show"), tr("Types of keys to show")},
                   {"KelMovie.playback.keyboard.showKeyType", &C::playbackKeyboardShowKeyType},
                   {{tr("Character Keys"), 1, tr("A-Z, 0-9")},
                    {tr("Other Keys"), 2, tr("F1-F12, ESC, TAB, SPACE, ENTER, ...")},
                    {tr("Modifier Keys"), 4, tr("Ctrl, Shift, Alt, Win/Meta")},
-                   {tr("Combinations Keys"), 8, tr("Several keys pressed together, as Ctrl+C")}},
+                   {tr("Combinations Keys"), 8, tr("Shortcuts such as Ctrl+C")}},
                   2);
-    form->addSlider({tr("Characters in a &row"), tr("Characters typed one after another that share a box")},
+    form->addSlider({tr("Cha&racters per box"), tr("Maximum number of consecutive characters in one box")},
                     {"KelMovie.playback.keyboard.maxContinueChar", &C::playbackKeyboardMaxContinueChar},
                     {1, 40, SettingTexts::number});
-    form->addSlider({tr("&Keep for"), tr("How long a key stays after it was pressed")},
+    form->addSlider({tr("&Keep for"), tr("How long a key stays visible after it is pressed")},
                     {"KelMovie.playback.keyboard.keepTime", &C::playbackKeyboardKeepTime},
                     {0, 10, SettingTexts::seconds});
-    form->addChips({tr("&Position"), tr("Where the keys are shown")},
+    form->addChips({tr("&Position"), tr("Where keys are shown")},
                    {"KelMovie.playback.keyboard.displayPos", &C::playbackKeyboardDisplayPos},
-                   {{tr("Left"), 2, tr("At the bottom left")},
-                    {tr("Center"), 1, tr("At the bottom in the middle")},
-                    {tr("Right"), 3, tr("At the bottom right")}});
+                   {{tr("Left"), 2, tr("Bottom left")},
+                    {tr("Center"), 1, tr("Bottom center")},
+                    {tr("Right"), 3, tr("Bottom right")}});
 
-    form->addHeading(tr("Look"));
-    form->addFont({tr("&Font"), tr("Font of the keys")}, &C::playbackKeyboardFont);
-    form->addSlider({tr("Font si&ze"), tr("Size of the letters")},
+    form->addHeading(tr("Appearance"));
+    form->addFont({tr("&Font"), tr("Font of the key labels")}, &C::playbackKeyboardFont);
+    form->addSlider({tr("Font si&ze"), tr("Font size of the key labels")},
                     {"KelMovie.playback.keyboard.fontSizePx", &C::playbackKeyboardFontSizePx},
                     {8, 96, SettingTexts::pixels});
-    form->addColor({tr("Font &color"), tr("Color of the letters")},
+    form->addColor({tr("Font &color"), tr("Text color of the key labels")},
                    {"KelMovie.playback.keyboard.fontColor", &C::playbackKeyboardFontColor});
-    form->addColor({tr("&Background"), tr("Color of the boxes")},
+    form->addColor({tr("&Background"), tr("Background color of the key labels")},
                    {"KelMovie.playback.keyboard.bgColor", &C::playbackKeyboardBgColor});
 
-    form->addHeading(tr("Earlier keys"));
-    form->addSlider({tr("&Boxes"), tr("How many boxes are shown at a time")},
+    form->addHeading(tr("Previous keys"));
+    form->addSlider({tr("Bo&xes"), tr("Maximum number of boxes shown at a time")},
                     {"KelMovie.playback.keyboard.maxHistoryCount", &C::playbackKeyboardMaxHistoryCount},
                     {0, 20, SettingTexts::number});
-    form->addSlider({tr("S&maller by"), tr("How much smaller the letters of earlier keys are")},
+    form->addSlider({tr("S&maller by"), tr("How much smaller the font of previous keys is")},
                     {"KelMovie.playback.keyboard.historyFontSize", &C::playbackKeyboardHistoryFontSize},
                     {0, 40, SettingTexts::pixels});
 
     form->addRecordingHeading(tr("Recording"));
-    form->addSwitch({tr("Record k&eyboard"), tr("The next recording takes up what is typed")},
+    form->addSwitch({tr("Record k&eyboard"), tr("Record the keyboard next time")},
                     {"KelMovie.record.keyboard", &C::recordKeyboard});
 }
 
+KeyboardSettingsPanel::~KeyboardSettingsPanel() = default;
+
 void KeyboardSettingsPanel::setRecordingShown(bool shown)
 {
-    m_form->setRecordingShown(shown);
+    d->form->setRecordingShown(shown);
 }

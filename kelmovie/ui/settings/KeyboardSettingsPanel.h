@@ -4,28 +4,27 @@
 
 #include <QWidget>
 
-namespace kel
-{
-class SettingsForm;
-} // namespace kel
+#include <memory>
 
-/// Settings of the keys: which are shown in playback and export, how long, where and how. For a dock, a dialog or a
-/// FloatPanel; reads the settings when it is shown. The font is changed in the record alone: a host that keeps it
-/// stores its bound fonts at sigConfigUpdated(). GUI thread.
+/// Settings of the keys in playback and export: which are shown, how long, where and how. For a dock, a dialog or a
+/// FloatPanel; reads the settings whenever it is shown. The font is changed in gKelMovieConfig only: a host that wants
+/// to keep it saves its bound fonts on sigConfigUpdated(). GUI thread.
 class KELMOVIE_EXPORT KeyboardSettingsPanel : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit KeyboardSettingsPanel(QWidget *parent = nullptr);
+    ~KeyboardSettingsPanel() override;
 
-    /// Whether the panel has the setting of the next recording, too, as it has at first.
+    /// Shows or hides the setting for the next recording. Shown initially.
     void setRecordingShown(bool shown);
 
 signals:
-    /// The user has changed a setting, which is in force and saved already.
+    /// The user changed a setting. It is already in gKelMovieConfig and, except for the font, saved.
     void sigConfigUpdated();
 
 private:
-    kel::SettingsForm *const m_form;
+    class Private;
+    std::unique_ptr<Private> d;
 };

@@ -13,24 +13,24 @@ ProgressSettingsPanel::ProgressSettingsPanel(QWidget *parent)
     connect(form, &SettingsForm::sigChanged, this, &ProgressSettingsPanel::sigConfigUpdated);
 
     form->addHeading(tr("Progress"));
-    form->addSwitch({tr("&Show progress"), tr("Shows over the picture how far it has come")},
+    form->addSwitch({tr("&Show progress"), tr("Show the progress over the video")},
                     {"KelMovie.playback.progress.enable", &C::playbackProgressEnable});
     form->enableNextWhile([] { return gKelMovieConfig.playbackProgressEnable; });
-    form->addChips({tr("&As"), tr("What the progress looks like")},
-                   {"KelMovie.playback.progress.displayMode", &C::playbackProgressDisplayMode},
-                   {{tr("Time"), 0, tr("A box with the elapsed and the total time")},
-                    {tr("Bar"), 1, tr("A bar along the bottom edge")}});
-    form->addSlider({tr("Si&ze"), tr("Size of the time's letters; the bar is thinner")},
+    form->addChips(
+        {tr("St&yle"), tr("How the progress is shown")},
+        {"KelMovie.playback.progress.displayMode", &C::playbackProgressDisplayMode},
+        {{tr("Time"), 0, tr("Elapsed and total time in a box")}, {tr("Bar"), 1, tr("Bar along the bottom edge")}});
+    form->addSlider({tr("Si&ze"), tr("Font size of the time; the height of the bar follows it")},
                     {"KelMovie.playback.progress.size", &C::playbackProgressSize}, {8, 96, SettingTexts::pixels});
-    form->addSlider({tr("&Round"), tr("Radius of the corners")},
+    form->addSlider({tr("Corner &radius"), tr("Corner radius of the box or bar")},
                     {"KelMovie.playback.progress.round", &C::playbackProgressRound}, {0, 24, SettingTexts::pixels});
     form->enableNextWhile(
         [] { return gKelMovieConfig.playbackProgressEnable && gKelMovieConfig.playbackProgressDisplayMode == 1; });
     form->addColor({tr("&Color"), tr("Color of the played part of the bar")},
                    {"KelMovie.playback.progress.fgColor", &C::playbackProgressFgColor});
-    form->addColor({tr("&Background"), tr("Color of the rest of the bar")},
+    form->addColor({tr("&Background"), tr("Color of the remaining part of the bar")},
                    {"KelMovie.playback.progress.bgColor", &C::playbackProgressBgColor});
-    form->addSlider({tr("S&tep"), tr("The bar moves on once in this time at most")},
+    form->addSlider({tr("Upda&te interval"), tr("Minimum time between updates of the bar")},
                     {"KelMovie.playback.progress.gapTime", &C::playbackProgressGapTime},
                     {0, 1000, SettingTexts::milliseconds, 10});
 }

@@ -4,8 +4,8 @@
 
 #include <QWidget>
 
-/// Settings of the time shown over the picture in playback and export. For a dock, a dialog or a FloatPanel; reads
-/// the settings when it is shown. GUI thread.
+/// Settings of the time or progress bar shown over the video in playback and export. For a dock, a dialog or a
+/// FloatPanel; reads the settings whenever it is shown. GUI thread.
 class KELMOVIE_EXPORT ProgressSettingsPanel : public QWidget
 {
     Q_OBJECT
@@ -14,6 +14,6 @@ public:
     explicit ProgressSettingsPanel(QWidget *parent = nullptr);
 
 signals:
-    /// The user has changed a setting, which is in force and saved already.
+    /// The user changed a setting. It is already in gKelMovieConfig and saved.
     void sigConfigUpdated();
 };

@@ -17,9 +17,10 @@ using namespace kel;
 namespace
 {
 
-constexpr int kLookMs = 250;
+constexpr int kPollIntervalMs = 250;
 
-auto parts(const KelExportRequest &request)
+/// What the estimate depends on.
+auto estimateInputs(const KelExportRequest &request)
 {
     return std::make_tuple(request.format, request.fps, request.quality, request.speed, request.trimStartMs,
                            request.trimEndMs, request.playbackManager, request.size.width(), request.size.height());
@@ -32,20 +33,20 @@ class Q_DECL_HIDDEN SaveQualityPanel::Private
 public:
     explicit Private(SaveQualityPanel *panel);
 
-    void look();
+    void updateEstimate();
     void show(const ExportSizeEstimator::Estimate &estimate);
     KelExportRequest request() const;
 
     SettingsForm *const form;
     QLabel *const size;
     ExportSizeEstimator estimator;
-    KelExportRequest estimated; ///< the request that the estimate is for
+    KelExportRequest estimated; ///< the request that is being or was estimated
     QTimer timer;
     QPointer<KelPlaybackTrackManager> manager;
     int startMs = -1;
     int endMs = -1;
     int fps = 25;
-    QSize pictureSize;
+    QSize frameSize;
 };
 
 SaveQualityPanel::Private::Private(SaveQualityPanel *panel)
@@ -54,20 +55,20 @@ SaveQualityPanel::Private::Private(SaveQualityPanel *panel)
 {
     using C = KelMovieConfig;
     form->addHeading(tr("Quality"));
-    form->addChips({tr("&Quality"), tr("A better picture makes a larger file")}, {nullptr, &C::saveQuality},
-                   {{tr("Small file"), 0, tr("Somewhat blurred, in a small file")},
-                    {tr("Balanced"), 1, tr("Hardly any loss, in a file of moderate size")},
-                    {tr("Best"), 2, tr("As true as the format allows")}});
+    form->addChips({tr("&Quality"), tr("Higher quality makes a larger file")}, {nullptr, &C::saveQuality},
+                   {{tr("Small file"), 0, tr("Some blur, smallest file")},
+                    {tr("Balanced"), 1, tr("Almost no visible loss, medium-sized file")},
+                    {tr("Best"), 2, tr("Highest quality")}});
     size->setObjectName(QStringLiteral("Note"));
     size->setToolTip(tr("Estimated from samples of the recording"));
     size->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     form->addWidget(size);
-    timer.setInterval(kLookMs);
-    connect(&timer, &QTimer::timeout, panel, [this] { look(); });
+    timer.setInterval(kPollIntervalMs);
+    connect(&timer, &QTimer::timeout, panel, [this] { updateEstimate(); });
     connect(&estimator, &ExportSizeEstimator::sigEstimated, panel,
             [this](const ExportSizeEstimator::Estimate &estimate) { show(estimate); });
     connect(&estimator, &ExportSizeEstimator::sigFailed, panel,
-            [this] { size->setText(tr("The size cannot be estimated.")); });
+            [this] { size->setText(tr("The file size cannot be estimated.")); });
 }
 
 KelExportRequest SaveQualityPanel::Private::request() const
@@ -80,16 +81,16 @@ KelExportRequest SaveQualityPanel::Private::request() const
     request.trimStartMs = startMs;
     request.trimEndMs = endMs;
     request.trimsLongRecordings = true;
-    request.size = pictureSize;
+    request.size = frameSize;
     request.playbackManager = manager;
     return request;
 }
 
-/// Begins anew when another file would be made than the one that is being estimated.
-void SaveQualityPanel::Private::look()
+/// Restarts the estimate if its inputs have changed.
+void SaveQualityPanel::Private::updateEstimate()
 {
     const KelExportRequest wanted = request();
-    if (parts(wanted) == parts(estimated))
+    if (estimateInputs(wanted) == estimateInputs(estimated))
         return;
     estimated = wanted;
     if (!manager) {
@@ -97,7 +98,7 @@ void SaveQualityPanel::Private::look()
         size->clear();
         return;
     }
-    size->setText(tr("Estimating the size..."));
+    size->setText(tr("Estimating the file size..."));
     estimator.start(wanted);
 }
 
@@ -140,9 +141,9 @@ void SaveQualityPanel::setFrameRate(int fps)
     d->fps = fps;
 }
 
-void SaveQualityPanel::setPictureSize(const QSize &size)
+void SaveQualityPanel::setFrameSize(const QSize &size)
 {
-    d->pictureSize = size;
+    d->frameSize = size;
 }
 
 void SaveQualityPanel::showEvent(QShowEvent *event)

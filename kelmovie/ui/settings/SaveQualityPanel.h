@@ -9,9 +9,9 @@
 
 class KelPlaybackTrackManager;
 
-/// The quality of an export, and about how large the file becomes with it. The estimate is made in the background while
-/// the panel is seen, and anew when the settings of the export change. For a dock, a dialog or a FloatPanel; reads the
-/// settings when it is shown. GUI thread.
+/// The quality of an export and an estimate of the resulting file size. The estimate runs in the background while the
+/// panel is visible and restarts when the export settings change. For a dock, a dialog or a FloatPanel; reads the
+/// settings whenever it is shown. GUI thread.
 class KELMOVIE_EXPORT SaveQualityPanel : public QWidget
 {
     Q_OBJECT
@@ -20,17 +20,18 @@ public:
     explicit SaveQualityPanel(QWidget *parent = nullptr);
     ~SaveQualityPanel() override;
 
-    /// The recording that is to be exported, at its playback speed; null for none, without an estimate. Not owned.
+    /// The recording to export, at the playback speed of the manager. Not owned; may be destroyed before the panel.
+    /// Null (initially): no estimate.
     void setPlaybackManager(KelPlaybackTrackManager *manager);
-    /// The part that is to be exported, in ms of recording time; all of it unless both ends are 0 or more.
+    /// The range to export, in ms of recording time; the whole recording unless both ends are 0 or more.
     void setRange(int startMs, int endMs);
-    /// Frames a second of the file, 25 at first.
+    /// Frames per second of the file, initially 25.
     void setFrameRate(int fps);
-    /// Pixels of the file; as many as were recorded when empty, as at first.
-    void setPictureSize(const QSize &size);
+    /// Frame size of the file in pixels; empty (initially): as recorded.
+    void setFrameSize(const QSize &size);
 
 signals:
-    /// The user has changed a setting, which is in force already.
+    /// The user changed the quality. It is already in gKelMovieConfig; it is never saved.
     void sigConfigUpdated();
 
 protected:

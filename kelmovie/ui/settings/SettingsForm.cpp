@@ -35,7 +35,7 @@ constexpr int kControlWidth = 160;
 
 void describe(QWidget *control, const QString &name, const QString &toolTip)
 {
-    static const QRegularExpression mnemonic(QStringLiteral("\\(&.\\)|&")); // in Chinese, behind the word
+    static const QRegularExpression mnemonic(QStringLiteral("\\(&.\\)|&")); // Chinese appends "(&X)"
     control->setAccessibleName(QString(name).remove(mnemonic));
     control->setToolTip(toolTip);
     control->setAccessibleDescription(toolTip);
@@ -91,8 +91,8 @@ void SettingsForm::updateMetrics()
     for (int row = 0; row < m_grid->rowCount(); ++row) {
         QLayoutItem *const item = m_grid->itemAtPosition(row, 0);
         const bool isHeading = item && item->widget() && item->widget()->objectName() == QLatin1String("Heading");
-        const bool isThere = item && !(item->widget() && item->widget()->isHidden());
-        m_grid->setRowMinimumHeight(row, isThere ? qRound((isHeading ? kHeadingHeight : kRowHeight) * scale) : 0);
+        const bool isShown = item && !(item->widget() && item->widget()->isHidden());
+        m_grid->setRowMinimumHeight(row, isShown ? qRound((isHeading ? kHeadingHeight : kRowHeight) * scale) : 0);
     }
     m_grid->setColumnMinimumWidth(1, qRound(kControlWidth * scale));
 }
@@ -106,13 +106,13 @@ void SettingsForm::reload()
     updateEnabled();
 }
 
-void SettingsForm::tellUnsaved()
+void SettingsForm::warnUnsaved()
 {
-    if (m_isUnsavedTold)
+    if (m_hasWarnedUnsaved)
         return;
-    m_isUnsavedTold = true;
+    m_hasWarnedUnsaved = true;
     KelToastsMessage::showMessage(this, KelToastsMessage::Warning,
-                                  tr("The settings cannot be saved. Changes last until the program ends."));
+                                  tr("Settings cannot be saved. Changes will be lost when the program exits."));
 }
 
 void SettingsForm::addHeading(const QString &text)
@@ -144,19 +144,19 @@ void SettingsForm::setRecordingShown(bool shown)
 void SettingsForm::addWidget(QWidget *widget)
 {
     m_grid->addWidget(widget, m_grid->rowCount(), 0, 1, 3);
-    follow(widget);
+    applyCondition(widget);
 }
 
-void SettingsForm::follow(QWidget *widget)
+void SettingsForm::applyCondition(QWidget *widget)
 {
     if (m_condition)
-        m_followers.push_back({widget, m_condition});
+        m_conditionalWidgets.push_back({widget, m_condition});
 }
 
 void SettingsForm::updateEnabled()
 {
-    for (const Follower &follower : m_followers)
-        follower.widget->setEnabled(follower.condition());
+    for (const ConditionalWidget &conditional : m_conditionalWidgets)
+        conditional.widget->setEnabled(conditional.condition());
 }
 
 QLabel *SettingsForm::addRow(const Text &text, QWidget *control)
@@ -166,8 +166,8 @@ QLabel *SettingsForm::addRow(const Text &text, QWidget *control)
     label->setToolTip(text.toolTip);
     describe(control, text.label, text.toolTip);
     m_grid->addWidget(label, m_grid->rowCount(), 0);
-    follow(label);
-    follow(control);
+    applyCondition(label);
+    applyCondition(control);
     return label;
 }
 
@@ -189,7 +189,7 @@ void SettingsForm::addSlider(const Text &text, Setting<int> setting, const Range
     addRow(text, slider);
     value->setObjectName(QStringLiteral("Value"));
     value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    follow(value);
+    applyCondition(value);
     const int row = m_grid->rowCount() - 1;
     m_grid->addWidget(slider, row, 1);
     m_grid->addWidget(value, row, 2);
@@ -228,10 +228,9 @@ void SettingsForm::addFont(const Text &text, QFont KelMovieConfig::*field)
         emit sigChanged();
     });
     m_loaders.emplace_back([=] {
-        // The default was made before the application knew its font.
+        // The default is created before QApplication and has no family then.
         const QFont &font = gKelMovieConfig.*field;
         box->setCurrentText(QFontInfo(font.family().isEmpty() ? QApplication::font() : font).family());
-        ;
     });
 }
 
@@ -240,7 +239,7 @@ void SettingsForm::addChips(const Text &text, Setting<int> setting, const QVecto
     auto *const box = new QWidget(this);
     auto *const group = new QButtonGroup(box);
     for (QAbstractButton *const chip : fillChips(box, choices, choices.size())) {
-        chip->setAutoExclusive(true); // makes it a radio button for assistive programs
+        chip->setAutoExclusive(true); // exposes it as a radio button to assistive technology
         group->addButton(chip, choices[group->buttons().size()].value);
     }
     addRow(text, box)->setBuddy(group->buttons().constFirst());
@@ -250,11 +249,11 @@ void SettingsForm::addChips(const Text &text, Setting<int> setting, const QVecto
             change(setting, value);
     });
     m_loaders.emplace_back([=] {
-        group->setExclusive(false); // a value that is none of the choices checks none
+        group->setExclusive(false); // lets an unknown value leave all choices unchecked
         for (QAbstractButton *const chip : group->buttons())
             chip->setChecked(group->id(chip) == setting.value());
         group->setExclusive(true);
-        // Tab leads to the one that is checked, arrows to the others.
+        // As in any radio group, Tab reaches the checked choice and arrow keys the others.
         QAbstractButton *const entry = group->checkedButton() ? group->checkedButton() : group->buttons().constFirst();
         for (QAbstractButton *const chip : group->buttons())
             chip->setFocusPolicy(chip == entry ? Qt::StrongFocus : Qt::ClickFocus);

@@ -14,10 +14,10 @@ class QLabel;
 namespace kel
 {
 
-/// The content of a settings panel: rows of a text and a control, each bound to one setting. Shows the settings as they
-/// are whenever it appears; what the user changes is saved at once. GUI thread.
+/// The content of a settings panel: rows of a label and a control, each bound to one setting. Reads the settings
+/// whenever it is shown and saves each change at once. GUI thread.
 ///
-/// A text may have a mnemonic, which leads to its control; the tool tip is also what assistive programs read out.
+/// A label may have a mnemonic, which focuses its control. The tool tip is also the accessible description.
 class SettingsForm : public QWidget
 {
     Q_OBJECT
@@ -35,7 +35,7 @@ public:
     struct Range {
         int minimum;
         int maximum;
-        std::function<QString(int)> text; ///< of a value
+        std::function<QString(int)> text; ///< formats a value
         int step = 1;
     };
 
@@ -43,36 +43,36 @@ public:
     explicit SettingsForm(QWidget *panel);
 
     void addHeading(const QString &text);
-    /// Above the last rows, which are about the next recording.
+    /// Starts the last section, which is about the next recording.
     void addRecordingHeading(const QString &text);
-    /// Whether these rows are there, as they are at first.
+    /// Shows or hides that section. Shown initially.
     void setRecordingShown(bool shown);
     void addSwitch(const Text &text, Setting<bool> setting);
     void addSlider(const Text &text, Setting<int> setting, const Range &range);
     void addColor(const Text &text, Setting<QColor> setting);
-    /// Changed in the record alone: the module saves no fonts.
+    /// Changed in gKelMovieConfig only: the module saves no fonts.
     void addFont(const Text &text, QFont KelMovieConfig::*field);
-    /// One of a few, side by side.
+    /// One of a few choices, side by side.
     void addChips(const Text &text, Setting<int> setting, const QVector<Choice> &choices);
-    /// Any of a few; the values are bits. `columns` side by side.
+    /// Any of a few choices, whose values are bits, in `columns` columns.
     void addBits(const Text &text, Setting<int> setting, const QVector<Choice> &choices, int columns);
-    /// One of many, in a list that opens.
+    /// One of many choices, in a drop-down list.
     void addList(const Text &text, Setting<int> setting, const QVector<Choice> &choices);
-    /// A whole row.
+    /// Adds a row that spans all columns; takes ownership.
     void addWidget(QWidget *widget);
 
-    /// The rows that follow, up to the next heading, can be used while the settings are so.
+    /// Rows added from now on, up to the next heading, are enabled only while `condition` holds; null: always.
     void enableNextWhile(const std::function<bool()> &condition) { m_condition = condition; }
 
-    /// Changes and saves a setting that a widget of the panel's own shows.
+    /// Changes and saves a setting on behalf of a widget of the panel.
     template <typename T>
     void change(Setting<T> setting, const T &value);
 
-    /// Shows the settings as they are.
+    /// Updates all controls from the settings.
     void reload();
 
 signals:
-    /// A setting has changed, and was saved.
+    /// The user changed a setting, which is saved already.
     void sigChanged();
 
 protected:
@@ -80,22 +80,22 @@ protected:
 
 private:
     QLabel *addRow(const Text &text, QWidget *control);
-    void follow(QWidget *widget);
+    void applyCondition(QWidget *widget);
     void updateEnabled();
     void updateMetrics();
-    void tellUnsaved();
+    void warnUnsaved();
 
     QGridLayout *const m_grid;
     std::vector<std::function<void()>> m_loaders;
-    struct Follower {
+    struct ConditionalWidget {
         QWidget *widget;
         std::function<bool()> condition;
     };
-    std::vector<Follower> m_followers;
+    std::vector<ConditionalWidget> m_conditionalWidgets;
     std::function<bool()> m_condition;
     int m_recordingRow = -1;
     bool m_isLoading = false;
-    bool m_isUnsavedTold = false;
+    bool m_hasWarnedUnsaved = false;
 };
 
 template <typename T>
@@ -107,7 +107,7 @@ void SettingsForm::change(Setting<T> setting, const T &value)
     if (!setting.key)
         field = value;
     else if (!saveSetting(QString::fromLatin1(setting.key), &field, value))
-        tellUnsaved();
+        warnUnsaved();
     updateEnabled();
     emit sigChanged();
 }

@@ -17,8 +17,8 @@ namespace
 constexpr int kWidth = 120;
 constexpr int kHeight = 8;
 constexpr double kLoudDb = -12;
-constexpr double kTooLoudDb = -3;
-constexpr double kFallDbPerMs = 0.03;
+constexpr double kClippingDb = -3;
+constexpr double kDecayDbPerMs = 0.03;
 constexpr qint64 kHoldMs = 1500;
 
 } // namespace
@@ -45,8 +45,8 @@ QSize SoundLevelMeter::minimumSizeHint() const
 void SoundLevelMeter::setPeak(float peak, qint64 nowMs)
 {
     const double db = std::clamp(20 * std::log10(std::max(double(peak), 1e-6)), double(kLowestDb), 0.0);
-    m_db = std::max(db, std::max(m_db - double(nowMs - m_shownAtMs) * kFallDbPerMs, double(kLowestDb)));
-    m_shownAtMs = nowMs;
+    m_db = std::max(db, std::max(m_db - double(nowMs - m_updatedAtMs) * kDecayDbPerMs, double(kLowestDb)));
+    m_updatedAtMs = nowMs;
     if (m_db >= m_heldDb || nowMs - m_heldAtMs > kHoldMs) {
         m_heldDb = m_db;
         m_heldAtMs = nowMs;
@@ -68,7 +68,7 @@ void SoundLevelMeter::paintEvent(QPaintEvent *)
     painter.fillRect(bar, palette().color(QPalette::Mid));
 
     const QColor colors[] = {QColor(0x2f, 0xb3, 0x5f), QColor(0xf2, 0xa9, 0x1c), QColor(0xe1, 0x3d, 0x30)};
-    const double limits[] = {kLowestDb, kLoudDb, kTooLoudDb, 0};
+    const double limits[] = {kLowestDb, kLoudDb, kClippingDb, 0};
     for (int i = 0; i < 3; ++i) {
         const double right = std::min(m_db, limits[i + 1]);
         if (right > limits[i])

@@ -5,7 +5,7 @@
 namespace kel
 {
 
-/// How loud it is, in decibels below full scale. Falls slowly, and marks the loudest moment of the last seconds.
+/// A peak meter in decibels below full scale. Decays slowly and marks the highest recent peak.
 class SoundLevelMeter : public QProgressBar
 {
     Q_OBJECT
@@ -15,7 +15,7 @@ public:
 
     explicit SoundLevelMeter(QWidget *parent = nullptr);
 
-    /// The loudest moment since the last call, at `nowMs`; 1.0 is full scale.
+    /// The peak since the last call, 1.0 being full scale, at the time `nowMs` of a monotonic clock.
     void setPeak(float peak, qint64 nowMs);
 
     QSize sizeHint() const override;
@@ -28,7 +28,7 @@ private:
     double m_db = kLowestDb;
     double m_heldDb = kLowestDb;
     qint64 m_heldAtMs = 0;
-    qint64 m_shownAtMs = 0;
+    qint64 m_updatedAtMs = 0;
 };
 
 } // namespace kel

@@ -32,7 +32,7 @@ SoundLevelView::SoundLevelView(EDataFlow flow, const Texts &texts, QWidget *pare
     m_meter->setToolTip(texts.name);
     m_icon->setObjectName(QStringLiteral("NoteIcon"));
     m_note->setObjectName(QStringLiteral("Note"));
-    KelDockIcon::family(); // loaded before the sheet names it
+    KelDockIcon::family(); // the font must be loaded before the style sheet names it
     auto *const note = new QHBoxLayout;
     note->addWidget(m_icon);
     note->addWidget(m_note, 1);
@@ -46,11 +46,11 @@ SoundLevelView::SoundLevelView(EDataFlow flow, const Texts &texts, QWidget *pare
     setNote({}, false);
 }
 
-void SoundLevelView::setPlayedLevel(const PlayedLevel &level)
+void SoundLevelView::setPlaybackLevel(const PlaybackLevel &level)
 {
-    m_playedLevel = level;
-    m_heardAtMs = m_clock.elapsed();
-    m_monitor.setListening(isVisible() && !m_playedLevel);
+    m_playbackLevel = level;
+    m_lastSoundMs = m_clock.elapsed();
+    m_monitor.setListening(isVisible() && !m_playbackLevel);
 }
 
 QString SoundLevelView::note() const
@@ -61,8 +61,8 @@ QString SoundLevelView::note() const
 void SoundLevelView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    m_heardAtMs = m_clock.elapsed();
-    m_monitor.setListening(!m_playedLevel);
+    m_lastSoundMs = m_clock.elapsed();
+    m_monitor.setListening(!m_playbackLevel);
     m_timer.start();
     refresh();
 }
@@ -77,11 +77,11 @@ void SoundLevelView::hideEvent(QHideEvent *event)
 void SoundLevelView::refresh()
 {
     const qint64 nowMs = m_clock.elapsed();
-    if (!m_playedLevel) {
+    if (!m_playbackLevel) {
         showDevice(nowMs);
         return;
     }
-    const std::optional<float> level = m_playedLevel();
+    const std::optional<float> level = m_playbackLevel();
     m_meter->setPeak(level.value_or(0), nowMs);
     setNote(level ? QString() : m_texts.absent, false);
 }
@@ -91,11 +91,11 @@ void SoundLevelView::showDevice(qint64 nowMs)
     const SoundLevelMonitor::State state = m_monitor.state();
     const float peak = m_monitor.takePeak();
     if (peak >= kAudible || state != SoundLevelMonitor::State::Listening)
-        m_heardAtMs = nowMs;
+        m_lastSoundMs = nowMs;
     m_meter->setPeak(peak, nowMs);
     if (state == SoundLevelMonitor::State::NoDevice)
         setNote(m_texts.missing, true);
-    else if (nowMs - m_heardAtMs >= kSilentAfterMs)
+    else if (nowMs - m_lastSoundMs >= kSilentAfterMs)
         setNote(m_texts.silent, true);
     else if (state == SoundLevelMonitor::State::Listening)
         setNote({}, false);

@@ -17,25 +17,25 @@ namespace kel
 
 class SoundLevelMeter;
 
-/// How loud a source of sound is at present, and what is wrong with it. Listens only while it is seen.
+/// The current level of an audio source and a note about what is wrong with it. Captures only while visible.
 class SoundLevelView : public QWidget
 {
     Q_OBJECT
 
 public:
     struct Texts {
-        QString name;    ///< of the source
-        QString missing; ///< there is no such device
-        QString silent;  ///< nothing was heard for some seconds
-        QString absent;  ///< not in the recording that is played
+        QString name;    ///< accessible name of the meter
+        QString missing; ///< the device is missing
+        QString silent;  ///< no sound for some seconds
+        QString absent;  ///< the played recording has no such track
     };
-    /// What is played; 1.0 is full scale, nothing when the recording has no such sound.
-    using PlayedLevel = std::function<std::optional<float>()>;
+    /// The playback level, 1.0 being full scale; empty if the recording has no such track.
+    using PlaybackLevel = std::function<std::optional<float>()>;
 
     SoundLevelView(EDataFlow flow, const Texts &texts, QWidget *parent = nullptr);
 
-    /// Shows what is played instead of what the device hears; an empty function puts that back.
-    void setPlayedLevel(const PlayedLevel &level);
+    /// Shows the playback level instead of what the device captures; an empty function switches back.
+    void setPlaybackLevel(const PlaybackLevel &level);
 
     QString note() const;
 
@@ -53,10 +53,10 @@ private:
     QLabel *const m_icon;
     QLabel *const m_note;
     SoundLevelMonitor m_monitor;
-    PlayedLevel m_playedLevel;
+    PlaybackLevel m_playbackLevel;
     QTimer m_timer;
     QElapsedTimer m_clock;
-    qint64 m_heardAtMs = 0;
+    qint64 m_lastSoundMs = 0;
 };
 
 } // namespace kel

@@ -55,18 +55,18 @@ private slots:
     void speed();
     void recordTimes_data();
     void recordTimes();
-    void recordTimeWithinASecond();
+    void recordTimeIsUpdatedOncePerSecond();
     void delay();
     void frameRate();
-    void settingsWithoutAStore();
+    void frameRateWithoutAStore();
     void listsFitTheirRows();
-    void everyControlIsTold();
+    void everyControlHasToolTipAndName();
 };
 
 namespace
 {
 
-/// A button with two glyphs, whatever its class.
+/// The interface that the three button classes have in common.
 struct TwoGlyphs {
     std::shared_ptr<QPushButton> button;
     std::function<bool()> state;
@@ -243,7 +243,7 @@ void MovieControlsTest::recordTimes()
     QCOMPARE(openList(&label) == nullptr, isRecording);
 }
 
-void MovieControlsTest::recordTimeWithinASecond()
+void MovieControlsTest::recordTimeIsUpdatedOncePerSecond()
 {
     KelRecordTimeLable label;
     label.setIsRecording(true);
@@ -288,7 +288,7 @@ void MovieControlsTest::frameRate()
     QVERIFY(!label.panel()->isVisible());
 }
 
-void MovieControlsTest::settingsWithoutAStore()
+void MovieControlsTest::frameRateWithoutAStore()
 {
     KelRecordFpsLabel label;
     clickRow(openList(&label), 0);
@@ -313,7 +313,7 @@ void MovieControlsTest::listsFitTheirRows()
     }
 }
 
-void MovieControlsTest::everyControlIsTold()
+void MovieControlsTest::everyControlHasToolTipAndName()
 {
     KelPlayCtrlWidget controls;
     KelPlayTimeLable played;

@@ -14,7 +14,7 @@ constexpr int kDurationMs = 1000;
 
 } // namespace
 
-/// The bar is as wide as makes a millisecond a pixel, so that gestures can be told in milliseconds.
+/// One pixel of the bar is one millisecond, so that gestures can be written in milliseconds.
 class PlayProgressBarTest : public QObject
 {
     Q_OBJECT
@@ -23,12 +23,12 @@ private slots:
     void gestures_data();
     void gestures();
     void keys();
-    void isASliderToAssistivePrograms();
-    void playTimeWaitsForTheRelease();
+    void accessibleInterfaceIsASlider();
+    void playTimeIsDeferredWhileDragging();
     void rangeAndDuration();
     void sizes();
     void painting();
-    void cursorTellsTheHandles();
+    void cursorOverHandles();
 
 private:
     static std::unique_ptr<PlayProgressBar> makeBar(bool rangeEditable);
@@ -51,7 +51,7 @@ std::unique_ptr<PlayProgressBar> PlayProgressBarTest::makeBar(bool rangeEditable
     return bar;
 }
 
-/// Collects the signals of a bar as texts.
+/// Records the signals of a bar as text.
 void PlayProgressBarTest::report(const PlayProgressBar *bar)
 {
     m_report.clear();
@@ -64,7 +64,7 @@ void PlayProgressBarTest::report(const PlayProgressBar *bar)
     connect(bar, &PlayProgressBar::sigRangeAdjustEnd, this, [this](int t) { m_report << QString("end%1").arg(t); });
 }
 
-/// A gesture is a press, moves and a release, by their places in ms: "200 300 500".
+/// A gesture is the positions in ms of a press, any moves and the release: "200 300 500".
 void PlayProgressBarTest::perform(PlayProgressBar *bar, const QString &gesture)
 {
     const QStringList places = gesture.split(' ');
@@ -84,17 +84,17 @@ void PlayProgressBarTest::gestures_data()
     row("seek and drag", "300 350 310", "press 300 350 310 release", true);
     row("dragged out of the range", "300 100 950", "press 300 200 800 release", true);
     row("before the range", "100 300", "", true);
-    row("behind the range", "900 300", "", true);
+    row("after the range", "900 300", "", true);
     row("start handle", "200 250 150", "start0 250-800/0 150-800/0 end0", true);
     row("end handle", "800 700 900", "start1 200-700/1 200-900/1 end1", true);
-    row("handles end with the recording", "200 -50 1100", "start0 0-800/0 800-1000/0 end1", true);
+    row("handles stop at the ends of the recording", "200 -50 1100", "start0 0-800/0 800-1000/0 end1", true);
     row("start handle past the end, and on", "200 850 900 700", "start0 800-850/0 800-900/1 700-800/1 end0", true);
     row("end handle past the start, and on", "800 150 100 300", "start1 150-200/1 100-200/0 200-300/0 end1", true);
-    row("no length is left", "200 800", "start0 800-800/0 end0", true);
+    row("empty range", "200 800", "start0 800-800/0 end0", true);
     row("edge of the handle", "202 210", "start0 210-800/0 end0", true);
-    row("beside the handle", "203 210", "press 203 210 release", true);
-    row("on a handle that is not there", "200 300", "press 200 300 release", false);
-    row("on its outer half", "199 300", "", false);
+    row("next to the handle", "203 210", "press 203 210 release", true);
+    row("on a handle, not editable", "200 300", "press 200 300 release", false);
+    row("on its outer half, not editable", "199 300", "", false);
 }
 
 void PlayProgressBarTest::gestures()
@@ -120,14 +120,14 @@ void PlayProgressBarTest::keys()
         return m_report.join(' ');
     };
     QCOMPARE(reportOf(Qt::Key_Right, Qt::ControlModifier), "press 500 release");
-    QCOMPARE(reportOf(Qt::Key_Left), "press 200 release"); // back, to the start of the range
+    QCOMPARE(reportOf(Qt::Key_Left), "press 200 release"); // stops at the start of the range
     QCOMPARE(reportOf(Qt::Key_End), "press 800 release");
-    QCOMPARE(reportOf(Qt::Key_I), "start0 400-800/0 end0"); // cuts the start
+    QCOMPARE(reportOf(Qt::Key_I), "start0 400-800/0 end0"); // trims the start
     QCOMPARE(reportOf(Qt::Key_O), "start1 200-400/1 end1");
     QCOMPARE(reportOf(Qt::Key_O, {}, false), "");
 }
 
-void PlayProgressBarTest::isASliderToAssistivePrograms()
+void PlayProgressBarTest::accessibleInterfaceIsASlider()
 {
     const auto bar = makeBar(true);
     report(bar.get());
@@ -141,7 +141,7 @@ void PlayProgressBarTest::isASliderToAssistivePrograms()
     QCOMPARE(value->currentValue().toInt(), 800);
 }
 
-void PlayProgressBarTest::playTimeWaitsForTheRelease()
+void PlayProgressBarTest::playTimeIsDeferredWhileDragging()
 {
     const auto bar = makeBar(true);
     const QColor played = bar->playedColor().lighter(120);
@@ -152,7 +152,7 @@ void PlayProgressBarTest::playTimeWaitsForTheRelease()
     QVERIFY(pixel(bar.get(), 400) != played);
     QCOMPARE(pixel(bar.get(), 250), played);
 
-    // A move after the report is newer than it.
+    // A later move of the mouse overrides the reported time.
     QTest::mousePress(bar.get(), Qt::LeftButton, {}, at(600));
     bar->setPlayTime(300);
     QMouseEvent move(QEvent::MouseMove, at(700), Qt::NoButton, Qt::LeftButton, {});
@@ -208,7 +208,7 @@ void PlayProgressBarTest::painting()
     QCOMPARE(pixel(bar.get(), 403), QColor(189, 189, 189));
 }
 
-void PlayProgressBarTest::cursorTellsTheHandles()
+void PlayProgressBarTest::cursorOverHandles()
 {
     const auto bar = makeBar(false);
     const auto shapeAt = [&bar](double ms) {

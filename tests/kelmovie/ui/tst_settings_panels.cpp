@@ -34,9 +34,9 @@ Q_DECLARE_METATYPE(Change)
 namespace
 {
 
-constexpr int kNoPicture = -1;
+constexpr int kNoFrame = -1;
 
-/// As opaque as before, because the dialog takes a colour in two steps.
+/// Keeps the alpha value, because the color dialog sets color and alpha separately, with a signal each.
 QColor chosen(int alpha)
 {
     return QColor(1, 200, 3, alpha);
@@ -54,7 +54,7 @@ Reader readerOf(T C::*field)
     return [field] { return QVariant::fromValue(gKelMovieConfig.*field); };
 }
 
-/// By what it says of itself. Of labels and controls that say the same, the control.
+/// The control with this tool tip, which its label has, too.
 QWidget *control(QWidget &panel, const QString &toolTip)
 {
     for (auto *const widget : panel.findChildren<QWidget *>()) {
@@ -64,7 +64,7 @@ QWidget *control(QWidget &panel, const QString &toolTip)
     return nullptr;
 }
 
-/// What a person does: a click, or keys.
+/// Clicks the control or, if there are any, types the keys into it.
 void operate(QWidget *control, const QList<Qt::Key> &keys)
 {
     if (qobject_cast<ColorSelectButton *>(control)) {
@@ -91,16 +91,16 @@ private slots:
     void changes_data();
     void changes();
     void panels_data();
-    void everyControlIsNamedAndReached_data() { panels_data(); }
-    void everyControlIsNamedAndReached();
-    void senselessSettingsAreShownAndKept_data() { panels_data(); }
-    void senselessSettingsAreShownAndKept();
-    void masterSwitches();
-    void whatHasNoEffectIsDisabled();
-    void storeThatRefuses();
+    void everyControlIsNamedAndReachedByTab_data() { panels_data(); }
+    void everyControlIsNamedAndReachedByTab();
+    void outOfRangeSettingsAreKept_data() { panels_data(); }
+    void outOfRangeSettingsAreKept();
+    void enablingATrackEnablesItsRows();
+    void settingsWithoutEffectAreDisabled();
+    void settingsThatCannotBeSaved();
     void font();
     void recordingNote();
-    void soundOfARecording();
+    void recordingWithoutSound();
 };
 
 void SettingsPanelsTest::changes_data()
@@ -111,13 +111,13 @@ void SettingsPanelsTest::changes_data()
     QTest::addColumn<QString>("key");
     QTest::addColumn<Reader>("field");
     QTest::addColumn<QVariant>("value");
-    QTest::addColumn<int>("frame"); // whose picture looks different then
+    QTest::addColumn<int>("frame"); // that looks different after the change
     QTest::addColumn<Change>("before");
 
     Factory panel;
     Change before;
     const auto row = [&](const char *toolTip, const QList<Qt::Key> &keys, const char *key, const Reader &field,
-                         const QVariant &value, int frame = kNoPicture) {
+                         const QVariant &value, int frame = kNoFrame) {
         QTest::newRow(*key ? key : toolTip)
             << panel << toolTip << keys << QString(*key ? QString("KelMovie.") + key : QString()) << field << value
             << frame << before;
@@ -129,49 +129,48 @@ void SettingsPanelsTest::changes_data()
     before = [](C &) {};
 
     panel = create<CursorSettingsPanel>;
-    row("Shows the recorded pointer and its effects", click, "playback.mouse.enable", readerOf(&C::playbackMouseEnable),
+    row("Show the recorded pointer and its effects", click, "playback.mouse.enable", readerOf(&C::playbackMouseEnable),
         false, R::PlainFrame);
-    row("Shows clicks of the left button", click, "playback.mouse.showActionButton",
-        readerOf(&C::playbackMouseShowActionButton), 6, R::ClickFrame);
-    row("What a click looks like", {Qt::Key_Down}, "", readerOf(&C::playbackMouseClickEffect), 2, R::ClickFrame);
-    row("A click ends the effect of the click before", click, "", readerOf(&C::playbackMouseReplaceEffects), false);
-    row("Shows turns of the wheel", click, "playback.mouse.showWheel", readerOf(&C::playbackMouseShowWheel), false,
-        R::WheelFrame);
-    row("Color of the effects", click, "playback.mouse.color", readerOf(&C::playbackMouseColor), chosen(255),
+    row("Show left clicks", click, "playback.mouse.showActionButton", readerOf(&C::playbackMouseShowActionButton), 6,
         R::ClickFrame);
-    row("Size of the effects", right, "playback.mouse.size", readerOf(&C::playbackMouseSize), 16, R::ClickFrame);
-    row("The next recording takes up the mouse", click, "record.mouse", readerOf(&C::recordMouse), false);
+    row("Animation shown at each click", {Qt::Key_Down}, "", readerOf(&C::playbackMouseClickEffect), 2, R::ClickFrame);
+    row("End the previous effect at the next click", click, "", readerOf(&C::playbackMouseReplaceEffects), false);
+    row("Show wheel scrolling", click, "playback.mouse.showWheel", readerOf(&C::playbackMouseShowWheel), false,
+        R::WheelFrame);
+    row("Effect color", click, "playback.mouse.color", readerOf(&C::playbackMouseColor), chosen(255), R::ClickFrame);
+    row("Effect size", right, "playback.mouse.size", readerOf(&C::playbackMouseSize), 16, R::ClickFrame);
+    row("Record the mouse next time", click, "record.mouse", readerOf(&C::recordMouse), false);
 
     panel = create<KeyboardSettingsPanel>;
     row("A-Z, 0-9", click, "playback.keyboard.showKeyType", readerOf(&C::playbackKeyboardShowKeyType), 15,
         R::LetterFrame);
-    row("How long a key stays after it was pressed", first, "playback.keyboard.keepTime",
+    row("How long a key stays visible after it is pressed", first, "playback.keyboard.keepTime",
         readerOf(&C::playbackKeyboardKeepTime), 0, R::ShortcutFrame + 20);
-    row("At the bottom in the middle", click, "playback.keyboard.displayPos", readerOf(&C::playbackKeyboardDisplayPos),
-        1, R::ShortcutFrame);
-    row("Size of the letters", right, "playback.keyboard.fontSizePx", readerOf(&C::playbackKeyboardFontSizePx), 23,
+    row("Bottom center", click, "playback.keyboard.displayPos", readerOf(&C::playbackKeyboardDisplayPos), 1,
         R::ShortcutFrame);
-    row("Color of the letters", click, "playback.keyboard.fontColor", readerOf(&C::playbackKeyboardFontColor),
+    row("Font size of the key labels", right, "playback.keyboard.fontSizePx", readerOf(&C::playbackKeyboardFontSizePx),
+        23, R::ShortcutFrame);
+    row("Text color of the key labels", click, "playback.keyboard.fontColor", readerOf(&C::playbackKeyboardFontColor),
         chosen(255), R::ShortcutFrame);
-    row("Color of the boxes", click, "playback.keyboard.bgColor", readerOf(&C::playbackKeyboardBgColor), chosen(200),
-        R::ShortcutFrame);
-    row("How much smaller the letters of earlier keys are", last, "playback.keyboard.historyFontSize",
+    row("Background color of the key labels", click, "playback.keyboard.bgColor", readerOf(&C::playbackKeyboardBgColor),
+        chosen(200), R::ShortcutFrame);
+    row("How much smaller the font of previous keys is", last, "playback.keyboard.historyFontSize",
         readerOf(&C::playbackKeyboardHistoryFontSize), 40, R::ShortcutFrame);
-    row("How many boxes are shown at a time", first, "playback.keyboard.maxHistoryCount",
+    row("Maximum number of boxes shown at a time", first, "playback.keyboard.maxHistoryCount",
         readerOf(&C::playbackKeyboardMaxHistoryCount), 0, R::ShortcutFrame);
-    row("The next recording takes up what is typed", click, "record.keyboard", readerOf(&C::recordKeyboard), false);
+    row("Record the keyboard next time", click, "record.keyboard", readerOf(&C::recordKeyboard), false);
     before = [](C &c) { c.playbackKeyboardShowKeyType = 15; };
-    row("Characters typed one after another that share a box", first, "playback.keyboard.maxContinueChar",
+    row("Maximum number of consecutive characters in one box", first, "playback.keyboard.maxContinueChar",
         readerOf(&C::playbackKeyboardMaxContinueChar), 1, R::LetterFrame);
 
     panel = create<ProgressSettingsPanel>;
     before = [](C &) {};
-    row("Shows over the picture how far it has come", click, "playback.progress.enable",
-        readerOf(&C::playbackProgressEnable), true, R::PlainFrame);
+    row("Show the progress over the video", click, "playback.progress.enable", readerOf(&C::playbackProgressEnable),
+        true, R::PlainFrame);
     before = [](C &c) { c.playbackProgressEnable = true; };
-    row("A bar along the bottom edge", click, "playback.progress.displayMode",
-        readerOf(&C::playbackProgressDisplayMode), 1, R::PlainFrame);
-    row("Size of the time's letters; the bar is thinner", right, "playback.progress.size",
+    row("Bar along the bottom edge", click, "playback.progress.displayMode", readerOf(&C::playbackProgressDisplayMode),
+        1, R::PlainFrame);
+    row("Font size of the time; the height of the bar follows it", right, "playback.progress.size",
         readerOf(&C::playbackProgressSize), 17, R::PlainFrame);
     before = [](C &c) {
         c.playbackProgressEnable = true;
@@ -179,46 +178,44 @@ void SettingsPanelsTest::changes_data()
     };
     row("Color of the played part of the bar", click, "playback.progress.fgColor",
         readerOf(&C::playbackProgressFgColor), chosen(200), R::PlainFrame);
-    row("Color of the rest of the bar", click, "playback.progress.bgColor", readerOf(&C::playbackProgressBgColor),
-        chosen(120), R::PlainFrame);
-    row("Radius of the corners", last, "playback.progress.round", readerOf(&C::playbackProgressRound), 24,
+    row("Color of the remaining part of the bar", click, "playback.progress.bgColor",
+        readerOf(&C::playbackProgressBgColor), chosen(120), R::PlainFrame);
+    row("Corner radius of the box or bar", last, "playback.progress.round", readerOf(&C::playbackProgressRound), 24,
         R::PlainFrame);
-    row("The bar moves on once in this time at most", last, "playback.progress.gapTime",
+    row("Minimum time between updates of the bar", last, "playback.progress.gapTime",
         readerOf(&C::playbackProgressGapTime), 1000, R::PlainFrame);
 
     panel = create<AudioSettingsPanel>;
     before = [](C &c) { c.playbackAudioSystemVolume = c.playbackAudioMicrophoneVolume = 40; };
-    row("Plays and exports what the computer played", click, "playback.audio.system.enabled",
+    row("Include system audio in playback and exports", click, "playback.audio.system.enabled",
         readerOf(&C::playbackAudioSystemEnabled), false);
-    row("Silences the system audio for now", click, "playback.audio.system.muted",
-        readerOf(&C::playbackAudioSystemMuted), true);
-    row("How loud the system audio is played", right, "playback.audio.system.volume",
-        readerOf(&C::playbackAudioSystemVolume), 45);
-    row("Amplifies system audio that was recorded too quietly", right, "playback.audio.system.gain",
+    row("Mute system audio", click, "playback.audio.system.muted", readerOf(&C::playbackAudioSystemMuted), true);
+    row("System audio volume", right, "playback.audio.system.volume", readerOf(&C::playbackAudioSystemVolume), 45);
+    row("Boost system audio that was recorded too quietly", right, "playback.audio.system.gain",
         readerOf(&C::playbackAudioSystemGain), 110);
-    row("Plays and exports what the microphone recorded", click, "playback.audio.microphone.enabled",
+    row("Include the microphone in playback and exports", click, "playback.audio.microphone.enabled",
         readerOf(&C::playbackAudioMicrophoneEnabled), false);
-    row("Silences the microphone for now", click, "playback.audio.microphone.muted",
-        readerOf(&C::playbackAudioMicrophoneMuted), true);
-    row("How loud the microphone is played", right, "playback.audio.microphone.volume",
-        readerOf(&C::playbackAudioMicrophoneVolume), 45);
-    row("Amplifies what the microphone recorded too quietly", right, "playback.audio.microphone.gain",
+    row("Mute the microphone", click, "playback.audio.microphone.muted", readerOf(&C::playbackAudioMicrophoneMuted),
+        true);
+    row("Microphone volume", right, "playback.audio.microphone.volume", readerOf(&C::playbackAudioMicrophoneVolume),
+        45);
+    row("Boost a microphone that was recorded too quietly", right, "playback.audio.microphone.gain",
         readerOf(&C::playbackAudioMicrophoneGain), 110);
-    row("The next recording takes up what the computer plays", click, "record.recordSystemAudio",
-        readerOf(&C::recordRecordSystemAudio), false);
-    row("The next recording takes up what the microphone hears", click, "record.recordMicrophone",
-        readerOf(&C::recordRecordMicrophone), false);
+    row("Record system audio next time", click, "record.recordSystemAudio", readerOf(&C::recordRecordSystemAudio),
+        false);
+    row("Record the microphone next time", click, "record.recordMicrophone", readerOf(&C::recordRecordMicrophone),
+        false);
 
     panel = create<EncodeFormatPanel>;
     before = [](C &c) { c.playbackEncodeFormat = 1; };
-    row("Animation in all colors without loss, without sound", click, "playback.encodeFormat",
+    row("Lossless animation in full color, without sound", click, "playback.encodeFormat",
         readerOf(&C::playbackEncodeFormat), 2);
-    row("How often an animation is played", {Qt::Key_Down}, "encode.gif.playLoop", readerOf(&C::encodeGifPlayLoop), 1);
-    row("Leaves the recording mode when an export is complete", click, "encode.exitRecordAfterEncode",
+    row("How many times an animation plays", {Qt::Key_Down}, "encode.gif.playLoop", readerOf(&C::encodeGifPlayLoop), 1);
+    row("Exit recording mode when an export is complete", click, "encode.exitRecordAfterEncode",
         readerOf(&C::encodeExitRecordAfterEncode), true);
 
     panel = create<SaveQualityPanel>;
-    row("As true as the format allows", click, "", readerOf(&C::saveQuality), 2);
+    row("Highest quality", click, "", readerOf(&C::saveQuality), 2);
 }
 
 void SettingsPanelsTest::changes()
@@ -236,7 +233,7 @@ void SettingsPanelsTest::changes()
     before(gKelMovieConfig);
     const OverlayRecording recording;
     const auto manager = recording.load();
-    const QImage earlier = frame == kNoPicture ? QImage() : recording.pictureAt(*manager, frame);
+    const QImage earlier = frame == kNoFrame ? QImage() : recording.pictureAt(*manager, frame);
 
     const std::unique_ptr<QWidget> panel(factory());
     QSignalSpy updates(panel.get(), SIGNAL(sigConfigUpdated()));
@@ -250,7 +247,7 @@ void SettingsPanelsTest::changes()
     QCOMPARE(field(), value);
     QCOMPARE(io.saved, key.isEmpty() ? (QMap<QString, QVariant>{}) : (QMap<QString, QVariant>{{key, value}}));
     QCOMPARE(updates.size(), 1);
-    if (frame != kNoPicture)
+    if (frame != kNoFrame)
         QVERIFY(recording.pictureAt(*manager, frame) != earlier);
 }
 
@@ -265,11 +262,11 @@ void SettingsPanelsTest::panels_data()
     row("quality", Factory(create<SaveQualityPanel>));
 }
 
-void SettingsPanelsTest::everyControlIsNamedAndReached()
+void SettingsPanelsTest::everyControlIsNamedAndReachedByTab()
 {
     QFETCH(Factory, factory);
     const SavingConfigIO io;
-    gKelMovieConfig.playbackProgressEnable = true; // with which all can be used
+    gKelMovieConfig.playbackProgressEnable = true; // enables all controls
     gKelMovieConfig.playbackProgressDisplayMode = gKelMovieConfig.playbackEncodeFormat = 1;
     const std::unique_ptr<QWidget> panel(factory());
     panel->show();
@@ -281,7 +278,7 @@ void SettingsPanelsTest::everyControlIsNamedAndReached()
         QVERIFY2(!widget->toolTip().isEmpty() && !widget->accessibleName().isEmpty(),
                  widget->metaObject()->className());
         const auto *const button = qobject_cast<QAbstractButton *>(widget);
-        if (!button || !button->autoExclusive() || button->isChecked()) // arrows lead to the others
+        if (!button || !button->autoExclusive() || button->isChecked()) // arrow keys reach the others
             missed << widget;
     }
     QVERIFY(!missed.isEmpty());
@@ -292,7 +289,7 @@ void SettingsPanelsTest::everyControlIsNamedAndReached()
     QVERIFY(missed.isEmpty());
 }
 
-void SettingsPanelsTest::senselessSettingsAreShownAndKept()
+void SettingsPanelsTest::outOfRangeSettingsAreKept()
 {
     QFETCH(Factory, factory);
     for (const int value : {INT_MIN, -1, INT_MAX}) {
@@ -317,42 +314,42 @@ void SettingsPanelsTest::senselessSettingsAreShownAndKept()
     }
 }
 
-void SettingsPanelsTest::masterSwitches()
+void SettingsPanelsTest::enablingATrackEnablesItsRows()
 {
     const SavingConfigIO io;
     AudioSettingsPanel panel;
     panel.show();
-    QWidget *const system = control(panel, "How loud the system audio is played");
-    QWidget *const microphone = control(panel, "How loud the microphone is played");
-    operate(control(panel, "Plays and exports what the computer played"), {Qt::Key_Space});
+    QWidget *const system = control(panel, "System audio volume");
+    QWidget *const microphone = control(panel, "Microphone volume");
+    operate(control(panel, "Include system audio in playback and exports"), {Qt::Key_Space});
     QVERIFY(!system->isEnabled());
     QVERIFY(microphone->isEnabled());
-    // Changed by somebody else meanwhile.
+    // Changed elsewhere while the panel is hidden.
     panel.hide();
     gKelMovieConfig.playbackAudioSystemEnabled = true;
     panel.show();
     QVERIFY(system->isEnabled());
 }
 
-void SettingsPanelsTest::whatHasNoEffectIsDisabled()
+void SettingsPanelsTest::settingsWithoutEffectAreDisabled()
 {
     const SavingConfigIO io;
     EncodeFormatPanel format;
     format.show();
-    QWidget *const plays = control(format, "How often an animation is played");
-    QVERIFY(!plays->isEnabled()); // of a video
-    operate(control(format, "Animation in all colors in a small file, without sound"), {});
+    QWidget *const plays = control(format, "How many times an animation plays");
+    QVERIFY(!plays->isEnabled()); // not for MP4
+    operate(control(format, "Compact animation in full color, without sound"), {});
     QVERIFY(plays->isEnabled());
     ProgressSettingsPanel progress;
     progress.show();
-    QWidget *const step = control(progress, "The bar moves on once in this time at most");
-    operate(control(progress, "Shows over the picture how far it has come"), {});
-    QVERIFY(!step->isEnabled()); // of the time
-    operate(control(progress, "A bar along the bottom edge"), {});
-    QVERIFY(step->isEnabled());
+    QWidget *const interval = control(progress, "Minimum time between updates of the bar");
+    operate(control(progress, "Show the progress over the video"), {});
+    QVERIFY(!interval->isEnabled()); // not for the time
+    operate(control(progress, "Bar along the bottom edge"), {});
+    QVERIFY(interval->isEnabled());
 }
 
-void SettingsPanelsTest::storeThatRefuses()
+void SettingsPanelsTest::settingsThatCannotBeSaved()
 {
     std::optional<SavingConfigIO> io(std::in_place);
     io->refuses = true;
@@ -365,22 +362,22 @@ void SettingsPanelsTest::storeThatRefuses()
             count += qobject_cast<KelToastsMessage *>(widget) && widget->isVisible() ? 1 : 0;
         return count;
     };
-    operate(control(panel, "Shows over the picture how far it has come"), {});
+    operate(control(panel, "Show the progress over the video"), {});
     QCOMPARE(toasts(), 1);
     for (QWidget *const widget : QApplication::topLevelWidgets()) {
         if (qobject_cast<KelToastsMessage *>(widget))
             delete widget;
     }
-    operate(control(panel, "A bar along the bottom edge"), {});
-    QCOMPARE(toasts(), 0); // said once
+    operate(control(panel, "Bar along the bottom edge"), {});
+    QCOMPARE(toasts(), 0); // shown once
     QVERIFY(gKelMovieConfig.playbackProgressEnable);
     QCOMPARE(gKelMovieConfig.playbackProgressDisplayMode, 1);
     QCOMPARE(updates.size(), 2);
 
-    io.reset(); // no store at all, and all settings as at first
+    io.reset(); // no store at all; resets the settings, too
     panel.hide();
     panel.show();
-    operate(control(panel, "Shows over the picture how far it has come"), {});
+    operate(control(panel, "Show the progress over the video"), {});
     QCOMPARE(updates.size(), 3);
     gKelMovieConfig = C();
 }
@@ -390,7 +387,7 @@ void SettingsPanelsTest::font()
     const SavingConfigIO io;
     KeyboardSettingsPanel panel;
     panel.show();
-    auto *const box = qobject_cast<ChoiceBox *>(control(panel, "Font of the keys"));
+    auto *const box = qobject_cast<ChoiceBox *>(control(panel, "Font of the key labels"));
     QVERIFY(box);
     QVERIFY(!box->currentText().isEmpty());
     gKelMovieConfig.playbackKeyboardFont.setBold(true);
@@ -399,7 +396,7 @@ void SettingsPanelsTest::font()
     QCOMPARE(updates.size(), 1);
     QCOMPARE(gKelMovieConfig.playbackKeyboardFont.family(), box->currentText());
     QVERIFY(gKelMovieConfig.playbackKeyboardFont.bold());
-    QVERIFY(io.saved.isEmpty()); // the host keeps fonts by itself
+    QVERIFY(io.saved.isEmpty()); // saving fonts is up to the host
 }
 
 void SettingsPanelsTest::recordingNote()
@@ -407,7 +404,7 @@ void SettingsPanelsTest::recordingNote()
     const SavingConfigIO io;
     AudioSettingsPanel panel;
     panel.show();
-    QWidget *const close = control(panel, "Does not say this any more while recording");
+    QWidget *const close = control(panel, "Don't show this note again");
     QVERIFY(!close->isVisible());
     panel.setRecording(true);
     QVERIFY(close->isVisible());
@@ -419,10 +416,10 @@ void SettingsPanelsTest::recordingNote()
     QVERIFY(!close->isVisible());
 }
 
-void SettingsPanelsTest::soundOfARecording()
+void SettingsPanelsTest::recordingWithoutSound()
 {
     const SavingConfigIO io;
-    const OverlayRecording recording; // without sound
+    const OverlayRecording recording; // has no sound
     auto manager = recording.load();
     AudioSettingsPanel panel;
     panel.setPlaybackManager(manager.get());
@@ -435,7 +432,7 @@ void SettingsPanelsTest::soundOfARecording()
         return notes;
     };
     QTRY_VERIFY(readNotes().contains("This recording has no system audio."));
-    QVERIFY(notes.contains("This recording has no microphone sound."));
+    QVERIFY(notes.contains("This recording has no microphone audio."));
     manager.reset(); // the panel outlives it
     QTest::qWait(0);
     QVERIFY(panel.isVisible());

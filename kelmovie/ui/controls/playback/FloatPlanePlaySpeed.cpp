@@ -14,7 +14,7 @@ FloatPlanePlaySpeed::FloatPlanePlaySpeed(PlaySpeedLabel *label)
     , m_label(label)
     , m_list(new ChoiceList(this))
 {
-    m_list->setAccessibleName(tr("Play speed"));
+    m_list->setAccessibleName(tr("Playback speed"));
     for (const double speed : {0.2, 0.5, 0.8, 1.0, 1.2, 1.5, 1.8, 2.0})
         m_list->addChoice(PlaySpeedLabel::speedText(speed), speed);
     auto *const layout = new QVBoxLayout(this);

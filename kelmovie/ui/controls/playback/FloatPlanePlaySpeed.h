@@ -9,7 +9,7 @@ namespace kel
 
 class ChoiceList;
 
-/// The speeds that a label offers.
+/// The panel of PlaySpeedLabel: chooses the playback speed.
 class FloatPlanePlaySpeed : public FloatPanel
 {
     Q_OBJECT

@@ -14,7 +14,7 @@ using namespace kel;
 namespace
 {
 
-// Rounded, where KelPlayTimeLable cuts: the end of a recording shall be reached.
+// Rounded, unlike in KelPlayTimeLable, so that playing to the end shows the total length.
 QString roundedTime(int ms)
 {
     return ClockText::minutesSeconds((ms + 500) / 1000);
@@ -51,8 +51,8 @@ KelPlayCtrlWidget::KelPlayCtrlWidget(QWidget *parent)
     connect(d->playPauseButton, &PlayPauseButton::sigPlay, this, &KelPlayCtrlWidget::sigPlayPause);
     d->timeLabel = new QLabel(QStringLiteral("00:00/00:00"), this);
     d->timeLabel->setObjectName(QStringLiteral("playTimeLabel"));
-    d->timeLabel->setAccessibleName(tr("Play time"));
-    d->timeLabel->setToolTip(tr("Play time and length of the recording"));
+    d->timeLabel->setAccessibleName(tr("Playback time"));
+    d->timeLabel->setToolTip(tr("Playback time and total length"));
 
     d->row = new QHBoxLayout;
     d->row->setContentsMargins(0, 0, 0, 0);

@@ -8,8 +8,8 @@
 
 class PlayProgressBar;
 
-/// The strip under a replayed picture: the timeline, and below it play/pause and the time. It reports what the user
-/// does and shows what it is told. GUI thread.
+/// The control bar below the video: the timeline and, under it, the play/pause button and the time. It does not control
+/// playback itself: a host connects its signals to the playback manager and feeds it the state. GUI thread.
 class KELMOVIE_EXPORT KelPlayCtrlWidget : public QWidget
 {
     Q_OBJECT
@@ -18,23 +18,24 @@ public:
     explicit KelPlayCtrlWidget(QWidget *parent = nullptr);
     ~KelPlayCtrlWidget() override;
 
-    /// In ms.
+    /// Length of the recording in ms.
     void setDuration(qint64 ms);
-    /// In ms.
+    /// Playback position in ms.
     void setPlayTime(qint64 ms);
-    /// No signal.
+    /// Switches the button without emitting a signal.
     void setPlayButtonState(bool isPlaying);
 
-    /// The timeline, for what it tells beyond the signals below. Owned by the strip.
+    /// The timeline, for signals beyond those below. Owned by this widget, never null.
     PlayProgressBar *progressBar() const;
-    /// Puts a control of the host at the right end of the lower row; the strip becomes its parent.
+    /// Appends a control to the right end of the lower row and takes ownership of it.
     void addControl(QWidget *control);
 
 signals:
+    /// The user clicked play (true) or pause (false).
     void sigPlayPause(bool isPlaying);
-    /// In ms, whatever the name says.
+    /// The user moved the playback position. In ms, despite the parameter name.
     void sigPlayTimeChanged(int playTimeSecond);
-    /// In ms. `type` is 0 when the start is dragged, 1 when the end is.
+    /// The user moved an end of the range. In ms. `type` is 0 for the start, 1 for the end.
     void sigPlayRangeChanged(int start, int end, int type);
 
 private:

@@ -15,8 +15,8 @@ KelPlayTimeLable::KelPlayTimeLable(QWidget *parent)
     : QLabel(parent)
     , d(std::make_unique<Private>())
 {
-    setAccessibleName(tr("Play time"));
-    setToolTip(tr("Play time and length of the recording"));
+    setAccessibleName(tr("Playback time"));
+    setToolTip(tr("Playback time and total length"));
     updateText();
 }
 

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-/// The play time, and after a slash the length when one is known. GUI thread.
+/// Shows the playback time and, if the length is known, a slash and the length. Seconds are truncated. GUI thread.
 class KELMOVIE_EXPORT KelPlayTimeLable : public QLabel
 {
     Q_OBJECT
@@ -15,9 +15,9 @@ public:
     explicit KelPlayTimeLable(QWidget *parent = nullptr);
     ~KelPlayTimeLable() override;
 
-    /// In ms. Shown with the next play time.
+    /// Length in ms, unknown below 1. Shown from the next setPlayTime() on.
     void setDuration(qint64 ms);
-    /// In ms.
+    /// Playback position in ms.
     void setPlayTime(qint64 ms);
 
 private:

@@ -4,7 +4,7 @@
 
 #include <QPushButton>
 
-/// Plays and pauses. Its text, a glyph, is its state: it shows what a click does. GUI thread.
+/// Starts and pauses playback. Its text, a single glyph, is both its state and what a click does. GUI thread.
 class KELMOVIE_EXPORT PlayPauseButton : public QPushButton
 {
     Q_OBJECT
@@ -12,11 +12,12 @@ class KELMOVIE_EXPORT PlayPauseButton : public QPushButton
 public:
     explicit PlayPauseButton(QWidget *parent = nullptr);
 
+    /// True exactly while the text is the pause glyph.
     bool isPlay() const;
-    /// No signal.
+    /// Sets the state without emitting a signal.
     void setPlay(bool play);
 
 signals:
-    /// The user clicked; `play` is the new state.
+    /// Emitted on every click, after the button has switched to the new state.
     void sigPlay(bool play);
 };

@@ -27,8 +27,8 @@ constexpr int kFineStepMs = 100;
 constexpr int kStepMs = 1000;
 constexpr int kPageMs = 10000;
 
-// std::clamp wants its bounds in order; a host may hand a range over the wrong way round.
-double limited(double value, double low, double high)
+// Unlike std::clamp, well defined for a reversed range, which a host may set.
+double clamped(double value, double low, double high)
 {
     return std::max(std::min(value, high), low);
 }
@@ -75,8 +75,8 @@ public:
     QRectF startHandle() const { return handleAt(xAt(rangeStart)); }
     QRectF endHandle() const { return handleAt(xAt(rangeEnd)); }
 
-    double shownTime() const { return dragMode == DragPosition && dragTime >= 0 ? dragTime : playTime; }
-    double inRange(double ms) const { return limited(ms, rangeStart, rangeEnd); }
+    double displayedTime() const { return dragMode == DragPosition && dragTime >= 0 ? dragTime : playTime; }
+    double inRange(double ms) const { return clamped(ms, rangeStart, rangeEnd); }
 
     void dragPositionTo(double x)
     {
@@ -87,7 +87,7 @@ public:
     void dragHandleTo(double x)
     {
         const int type = dragMode == DragStart ? 0 : 1;
-        (dragMode == DragStart ? rangeStart : rangeEnd) = limited(timeAt(x), 0, duration);
+        (dragMode == DragStart ? rangeStart : rangeEnd) = clamped(timeAt(x), 0, duration);
         if (rangeStart > rangeEnd) {
             std::swap(rangeStart, rangeEnd);
             dragMode = dragMode == DragStart ? DragEnd : DragStart;
@@ -96,7 +96,7 @@ public:
         emit q->sigPlayRangeChanged(int(rangeStart), int(rangeEnd), type);
     }
 
-    void cutAtPosition(int type)
+    void trimToPosition(int type)
     {
         if (!rangeEditable)
             return;
@@ -124,14 +124,15 @@ PlayProgressBar::PlayProgressBar(bool rangeEditable, QWidget *parent)
     : QWidget(parent)
     , d(std::make_unique<Private>(this, rangeEditable))
 {
-    QAccessible::installFactory(progressBarAccessible); // once, however often it is asked
+    QAccessible::installFactory(progressBarAccessible); // ignores repeated installation
     setObjectName(QStringLiteral("PlayProgressBar"));
     setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::Fixed);
     setMouseTracking(true);
     setFocusPolicy(Qt::TabFocus);
-    setAccessibleName(tr("Play position"));
-    setToolTip(rangeEditable ? tr("Drag to seek, drag the ends to trim. Keys: arrows seek, I and O cut here")
-                             : tr("Drag to seek, or use the arrow keys"));
+    setAccessibleName(tr("Playback position"));
+    setToolTip(rangeEditable
+                   ? tr("Drag to seek; drag the ends to trim. Keys: arrows seek, I and O set the start and end")
+                   : tr("Drag to seek, or use the arrow keys"));
 }
 
 PlayProgressBar::~PlayProgressBar() = default;
@@ -233,7 +234,7 @@ void PlayProgressBar::paintEvent(QPaintEvent *)
     painter.setBrush(QColor(kRangeColor));
     painter.drawRoundedRect(d->rangeBar(), kRadius, kRadius);
 
-    const QRectF played = d->barUpTo(d->xAt(d->shownTime()));
+    const QRectF played = d->barUpTo(d->xAt(d->displayedTime()));
     const QPen outline(Qt::white, kOutline);
     if (played.width() >= 0) {
         painter.setBrush(d->playedColor.lighter(120));
@@ -334,7 +335,7 @@ void PlayProgressBar::mouseReleaseEvent(QMouseEvent *event)
     }
     d->dragMode = NoDrag;
     d->dragTime = -1.0;
-    // What playback reported during the drag is newer than what the user let go of.
+    // A position that playback reported during the drag takes precedence over the dragged one.
     if (d->pendingPlayTime >= 0) {
         d->playTime = d->pendingPlayTime;
         d->pendingPlayTime = -1;
@@ -369,10 +370,10 @@ void PlayProgressBar::keyPressEvent(QKeyEvent *event)
         seekTo(int(d->rangeEnd));
         break;
     case Qt::Key_I:
-        d->cutAtPosition(0);
+        d->trimToPosition(0);
         break;
     case Qt::Key_O:
-        d->cutAtPosition(1);
+        d->trimToPosition(1);
         break;
     default:
         QWidget::keyPressEvent(event);

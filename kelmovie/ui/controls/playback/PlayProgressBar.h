@@ -7,12 +7,12 @@
 
 #include <memory>
 
-/// The timeline of the playback controls: a bar for the whole recording, in it the range that is played and exported,
-/// the part already played, a knob at the play position while the pointer is over it, and, when the range may be
-/// edited, two handles at its ends. It knows milliseconds only and reports what the user does. GUI thread.
+/// The timeline of the playback controls: a bar for the whole recording, within it the range that is played and
+/// exported, the part already played and, while the bar is hovered or focused, a knob at the playback position. An
+/// editable range has a handle at each end. All times are in ms. GUI thread.
 ///
-/// Keys: Left and Right move the play position by a second, with Ctrl by a tenth, Page Up and Page Down by ten seconds,
-/// Home and End to the ends of the range. I and O put the start and the end of an editable range at the play position.
+/// Keys: Left and Right move the position by one second, with Ctrl by 100 ms, Page Up and Page Down by ten seconds,
+/// Home and End to the ends of the range. I and O set the start and the end of an editable range to the position.
 class KELMOVIE_EXPORT PlayProgressBar : public QWidget
 {
     Q_OBJECT
@@ -20,38 +20,41 @@ class KELMOVIE_EXPORT PlayProgressBar : public QWidget
     Q_PROPERTY(QColor playedColor READ playedColor WRITE setPlayedColor)
 
 public:
+    /// `rangeEditable` adds the handles.
     explicit PlayProgressBar(bool rangeEditable, QWidget *parent = nullptr);
     ~PlayProgressBar() override;
 
-    /// A length in ms. Another one than before resets the range to the whole recording and the position to 0.
+    /// Length of the recording. A new length resets the range to the whole recording and the position to 0.
     void setDuration(int ms);
-    /// In ms. The play position is moved into the range.
+    /// Moves the position into the range. Expects 0 <= start <= end <= duration.
     void setPlayRange(int start, int end);
-    /// In ms. While the user drags the position, the new one waits for the release.
+    /// Takes effect on release while the user drags the position.
     void setPlayTime(int ms);
 
-    /// Logical pixels; the widget is half as high again.
+    /// In logical pixels, initially 20. The widget is 1.5 times as high, rounded up.
     void setBarHeight(int height);
     int barHeight() const;
+    /// The accent color, initially Qt::red: of the knob, the handles and, lightened, the played part.
     void setPlayedColor(const QColor &color);
     QColor playedColor() const;
 
-    /// The user holds the position or a handle.
+    /// Whether the user is dragging the position or a handle.
     bool isDragging() const;
     int playTimeMs() const;
     int rangeStartMs() const;
     int rangeEndMs() const;
 
-    /// As if the user clicked there, within the range. In ms.
+    /// Moves the position like a click there, signals included, but within the range.
     void seekTo(int ms);
 
     QSize sizeHint() const override;
 
 signals:
+    /// The user starts, continues and ends moving the position.
     void sigPlayTimePress();
     void sigPlayTimeChanged(int playTimeMs);
     void sigPlayTimeRelease();
-    /// 0: the handle of the start, 1: the one of the end. So are the types below.
+    /// The user starts, continues and ends moving an end of the range. `type` is 0 for the start, 1 for the end.
     void sigRangeAdjustStart(int type);
     void sigPlayRangeChanged(int start, int end, int type);
     void sigRangeAdjustEnd(int type);

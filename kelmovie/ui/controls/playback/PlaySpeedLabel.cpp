@@ -17,8 +17,8 @@ PlaySpeedLabel::PlaySpeedLabel(QWidget *parent)
     setObjectName(QStringLiteral("PlaySpeedLabel"));
     setAlignment(Qt::AlignCenter);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Minimum);
-    setAccessibleName(tr("Play speed"));
-    setToolTip(tr("Play speed"));
+    setAccessibleName(tr("Playback speed"));
+    setToolTip(tr("Playback speed"));
     setSpeed(1.0);
     setPanel(new FloatPlanePlaySpeed(this));
 }

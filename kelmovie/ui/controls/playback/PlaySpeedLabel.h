@@ -6,7 +6,7 @@
 
 #include <memory>
 
-/// The play speed; a click offers others. GUI thread.
+/// Shows the playback speed. A click opens a panel that changes it. GUI thread.
 class KELMOVIE_EXPORT PlaySpeedLabel : public LabelWidthFloatPanel
 {
     Q_OBJECT
@@ -15,15 +15,15 @@ public:
     explicit PlaySpeedLabel(QWidget *parent = nullptr);
     ~PlaySpeedLabel() override;
 
-    /// 1.0 is as recorded. No signal.
+    /// 1.0 is the recorded speed, and the initial value. Emits no signal.
     void setSpeed(double speed);
     double getSpeed() const;
 
-    /// "1.5X"
+    /// The speed as the label shows it: "1.5X".
     static QString speedText(double speed);
 
 signals:
-    /// The user chose.
+    /// The user chose a speed; the label shows it already.
     void sigSpeedChanged(double speed);
 
 private:

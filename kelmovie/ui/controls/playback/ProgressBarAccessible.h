@@ -7,7 +7,7 @@ class QString;
 namespace kel
 {
 
-/// For QAccessible::installFactory(): a PlayProgressBar is a slider, in ms, to assistive programs.
+/// A factory for QAccessible::installFactory() that exposes PlayProgressBar as a slider in ms.
 QAccessibleInterface *progressBarAccessible(const QString &className, QObject *object);
 
 } // namespace kel

@@ -9,7 +9,7 @@ namespace kel
 
 class ChoiceList;
 
-/// The frame rates that a label offers.
+/// The panel of KelRecordFpsLabel: chooses and saves the frame rate.
 class FloatPlaneFps : public FloatPanel
 {
     Q_OBJECT

@@ -10,7 +10,7 @@ namespace kel
 
 class ChoiceList;
 
-/// The delays with which a recording may start.
+/// The panel of KelRecordTimeLable: chooses and saves the start delay.
 class FloatPlaneRecordTime : public FloatPanel
 {
     Q_OBJECT

@@ -4,8 +4,8 @@
 
 #include <QPushButton>
 
-/// Starts and stops a recording. Its text, a glyph, is its state: it shows what a click does. Its object name is the
-/// one of the playback button, so that one style serves both. GUI thread.
+/// Starts and stops a recording. Its text, a single glyph, is both its state and what a click does. Its object name is
+/// "PlayPauseButton", like that of the playback button, so that one style applies to both. GUI thread.
 class KELMOVIE_EXPORT KelRecordButton : public QPushButton
 {
     Q_OBJECT
@@ -13,11 +13,12 @@ class KELMOVIE_EXPORT KelRecordButton : public QPushButton
 public:
     explicit KelRecordButton(QWidget *parent = nullptr);
 
+    /// True unless the text is the record glyph.
     bool isRecording() const;
-    /// No signal.
+    /// Sets the state without emitting a signal.
     void setRecording(bool recording);
 
 signals:
-    /// The user clicked; the button shows the new state already.
+    /// Emitted on every click, after the button has switched to the new state.
     void sigRecordStateChanged(bool isRecording);
 };

@@ -4,7 +4,8 @@
 
 #include <KelMovie/KelMovieGlobal.h>
 
-/// The frame rate of the next recording; a click offers others. GUI thread.
+/// Shows the frame rate of the next recording, gKelMovieConfig.recordFps. A click opens a panel that changes and saves
+/// it. GUI thread.
 class KELMOVIE_EXPORT KelRecordFpsLabel : public LabelWidthFloatPanel
 {
     Q_OBJECT
@@ -12,6 +13,6 @@ class KELMOVIE_EXPORT KelRecordFpsLabel : public LabelWidthFloatPanel
 public:
     explicit KelRecordFpsLabel(QWidget *parent = nullptr);
 
-    /// Shows the setting as it is now.
+    /// Updates the text after the setting was changed elsewhere.
     void updateText();
 };

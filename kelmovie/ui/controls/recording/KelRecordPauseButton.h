@@ -4,7 +4,7 @@
 
 #include <QPushButton>
 
-/// Pauses and resumes a recording. Its text, a glyph, is its state: it shows what a click does. GUI thread.
+/// Pauses and resumes a recording. Its text, a single glyph, is both its state and what a click does. GUI thread.
 class KELMOVIE_EXPORT KelRecordPauseButton : public QPushButton
 {
     Q_OBJECT
@@ -12,11 +12,12 @@ class KELMOVIE_EXPORT KelRecordPauseButton : public QPushButton
 public:
     explicit KelRecordPauseButton(QWidget *parent = nullptr);
 
+    /// True unless the text is the pause glyph.
     bool isPause() const;
-    /// No signal.
+    /// Sets the state without emitting a signal.
     void setPause(bool pause);
 
 signals:
-    /// The user clicked; the button shows the new state already.
+    /// Emitted on every click, after the button has switched to the new state.
     void sigPauseStateChanged(bool isPause);
 };

@@ -19,8 +19,8 @@ KelRecordTimeLable::KelRecordTimeLable(QWidget *parent)
 {
     setAlignment(Qt::AlignCenter);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Minimum);
-    setAccessibleName(tr("Recorded time"));
-    setToolTip(tr("Recorded time. Click to set a delay before recording starts"));
+    setAccessibleName(tr("Recording time"));
+    setToolTip(tr("Recording time. Click to set a start delay"));
     setPanel(new FloatPlaneRecordTime(this));
     updateText();
 }

@@ -6,8 +6,8 @@
 
 #include <memory>
 
-/// The length of the running recording; before it, the delay with which it will start, which a click lets the user
-/// change. GUI thread.
+/// Shows the elapsed time of a recording or, before it starts, the start delay gKelMovieConfig.recordDelay as a
+/// negative time. While nothing is recorded, a click opens a panel that changes and saves the delay. GUI thread.
 class KELMOVIE_EXPORT KelRecordTimeLable : public LabelWidthFloatPanel
 {
     Q_OBJECT
@@ -16,10 +16,11 @@ public:
     explicit KelRecordTimeLable(QWidget *parent = nullptr);
     ~KelRecordTimeLable() override;
 
+    /// Switches between elapsed time and start delay; disables the panel while recording.
     void setIsRecording(bool recording);
-    /// In ms. Negative during the start delay.
+    /// Elapsed time in ms, negative during the start delay.
     void setRecordTime(qint64 ms);
-    /// Shows the settings as they are now.
+    /// Updates the text after the setting was changed elsewhere.
     void updateText();
 
 private:

@@ -4,6 +4,7 @@
 #include "playback/keys/KelPlaybackKeyboardTrack.h"
 #include "playback/mouse/KelPlaybackMouseTrack.h"
 #include "playback/mouse/PointerList.h"
+#include "recording/KelRecordingFiles.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -51,11 +52,11 @@ void write(const QString &path, const QByteArray &content)
 /// One move a frame in the layout of a recording, and four clicks whose effects overlap.
 void writeMouse(const QString &dir, int moves)
 {
-    QDir(dir).mkpath("cursors");
+    QDir(dir).mkpath(KelRecordingFiles::kCursorImageDir);
     QImage image(24, 24, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::black);
-    image.save(dir + "/cursors/0123456789abcdef.png");
-    write(dir + "/cursor.json",
+    image.save(KelRecordingFiles::path(dir, KelRecordingFiles::kCursorImageDir) + "/0123456789abcdef.png");
+    write(KelRecordingFiles::path(dir, KelRecordingFiles::kCursorList),
           R"({"cursors":[{"id":"0123456789abcdef","image":"0123456789abcdef.png","device_pixel_ratio":1}]})");
     QByteArray text = "[\n";
     for (int i = 0; i < moves; ++i) {
@@ -65,7 +66,7 @@ void writeMouse(const QString &dir, int moves)
                 ",\n        \"x\": " + QByteArray::number(i % 1900) +
                 ",\n        \"y\": " + QByteArray::number(i % 1000) + "\n    }";
     }
-    write(dir + "/mousemoves-0.json", text + "\n]\n");
+    write(KelRecordingFiles::path(dir, KelRecordingFiles::kMouseMoves), text + "\n]\n");
     QByteArray clicks;
     for (int i = 0; i < 4; ++i) {
         for (bool isClick : {true, false}) {
@@ -76,14 +77,14 @@ void writeMouse(const QString &dir, int moves)
                       R"(,"x":400,"y":300})";
         }
     }
-    write(dir + "/mouseclicks-0.json", '[' + clicks + ']');
+    write(KelRecordingFiles::path(dir, KelRecordingFiles::kMouseClicks), '[' + clicks + ']');
 }
 
 void measureList(const QString &dir)
 {
     PointerList list;
     const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
-    const double ms = msOf([&] { list.load(dir + "/mousemoves-0.json"); });
+    const double ms = msOf([&] { list.load(KelRecordingFiles::path(dir, KelRecordingFiles::kMouseMoves)); });
     const std::size_t after = mallinfo2().uordblks + mallinfo2().hblkhd;
     printFigure("a million moves: load", ms, "ms");
     printFigure("a million moves: memory", double(after - before) / 1e6, "MB");
@@ -135,7 +136,8 @@ void writeKeys(const QString &dir)
     }
     for (qint32 &word : words)
         word = qToLittleEndian(word);
-    write(dir + "/keyboard.keymeta", QByteArray(reinterpret_cast<const char *>(words.data()), int(words.size() * 4)));
+    write(KelRecordingFiles::path(dir, KelRecordingFiles::kKeyLog),
+          QByteArray(reinterpret_cast<const char *>(words.data()), int(words.size() * 4)));
 }
 
 KeyOverlayStyle wholeHistory()
@@ -150,8 +152,8 @@ KeyOverlayStyle wholeHistory()
 
 void measureKeys(const QString &dir)
 {
-    KeyRecording recording;
-    printFigure("100000 keys: read", msOf([&] { loadKeyRecording(dir, recording); }), "ms");
+    KeyLog recording;
+    printFigure("100000 keys: read", msOf([&] { readKeyLog(dir, recording); }), "ms");
     const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
     KeyDisplayList list;
     const double buildMs =

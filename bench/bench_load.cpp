@@ -4,6 +4,7 @@
 #include "avcodec/KelAVCodecEncoder.h"
 #include "avcodec/mp4/KelAsyncEncoder.h"
 #include "export/KelExportSeams.h"
+#include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
 
 #include <KelMovie/KelExportPipeline.h>
@@ -65,7 +66,7 @@ void describe(const QString &dir, int logicFrames)
     metadata.durationMs = qint64(logicFrames) * 1000 / kFps;
     metadata.mouseTrack = false;
     metadata.save(dir);
-    QFile file(dir + "/Screen/frame_indexes.dat");
+    QFile file(KelRecordingFiles::frameIndexPath(dir));
     if (!file.open(QIODevice::WriteOnly))
         qFatal("cannot write the index");
     QDataStream stream(&file);
@@ -124,8 +125,8 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication app(argc, argv);
     const QTemporaryDir dir;
-    QDir(dir.path()).mkpath("Screen");
-    writeVideo(dir.filePath("Screen/screen_record.mp4"));
+    QDir(dir.path()).mkpath(KelRecordingFiles::kScreenDir);
+    writeVideo(KelRecordingFiles::videoPath(dir.path()));
     measureLoading(dir.path());
     describe(dir.path(), kVideoFrames);
     measureExport(dir.path(), "mp4", 0);

@@ -5,6 +5,7 @@
 #include "record/KelRecordKeyboardTrack.h"
 #include "record/KelRecordMouseTrack.h"
 #include "record/KelRecordTrackManager.h"
+#include "recording/KelRecordingFiles.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -87,9 +88,9 @@ int main(int argc, char *argv[])
     const QTemporaryDir directory;
     XTestInput input;
     {
-        QDir().mkpath(directory.filePath("Mouse"));
-        KelRecordMouseTrack mouse(Screen, directory.filePath("Mouse"));
-        KelRecordKeyboardTrack keyboard(Screen, directory.filePath("Keyboard"));
+        QDir().mkpath(directory.filePath(KelRecordingFiles::kMouseDir));
+        KelRecordMouseTrack mouse(Screen, directory.filePath(KelRecordingFiles::kMouseDir));
+        KelRecordKeyboardTrack keyboard(Screen, directory.filePath(KelRecordingFiles::kKeyboardDir));
         mouse.startRecording();
         keyboard.startRecording();
         printFigure("record tick, pointer at rest", medianMs(mouse, keyboard, [](int) {}), "ms");

@@ -2,7 +2,8 @@
 
 #include "SceneRenderer.h"
 #include "avcodec/mp4/KelAsyncEncoder.h"
-#include "recording/FrameIndexFile.h"
+#include "recording/FrameIndexWriter.h"
+#include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
 #include "recording/wav/WavHeader.h"
 
@@ -94,12 +95,12 @@ Painting paintingOf(const QString &content, const QSize &size)
 
 QString writeScreen(const Wish &wish)
 {
-    if (!QDir().mkpath(wish.directory + "/Screen"))
+    if (!QDir().mkpath(KelRecordingFiles::path(wish.directory, KelRecordingFiles::kScreenDir)))
         return "cannot create " + wish.directory;
     KelAsyncEncoder::Params params;
     params.frameSize = wish.size;
     params.inputFormat = QImage::Format_RGB32;
-    params.path = wish.directory + "/Screen/screen_record.mp4";
+    params.path = KelRecordingFiles::videoPath(wish.directory);
     KelAsyncEncoder encoder(params);
     const Painting paint = paintingOf(wish.content, wish.size);
     if (!paint)
@@ -116,16 +117,17 @@ QString writeScreen(const Wish &wish)
         return encoder.errorString();
     std::vector<qint64> entries(std::size_t(wish.frames));
     std::iota(entries.begin(), entries.end(), 0);
-    FrameIndexFile index(wish.directory + "/Screen/frame_indexes.dat");
+    FrameIndexWriter index(KelRecordingFiles::frameIndexPath(wish.directory));
     return index.update(entries) ? QString() : QStringLiteral("cannot write the frame index");
 }
 
 /// A tone that rises from second to second.
 QString writeSound(const QString &directory, qint64 durationMs)
 {
-    if (!QDir().mkpath(directory + "/Voice"))
-        return "cannot create " + directory + "/Voice";
-    QFile file(directory + "/Voice/system_audio_0.wav");
+    const QString voiceDir = KelRecordingFiles::path(directory, KelRecordingFiles::kVoiceDir);
+    if (!QDir().mkpath(voiceDir))
+        return "cannot create " + voiceDir;
+    QFile file(voiceDir + "/" + KelRecordingFiles::kSystemAudio + "_0.wav");
     const qint64 samples = kSoundRate * durationMs / 1000;
     WavHeader header = WavHeader::pcm(kSoundRate, 1, 16);
     header.setDataSize(samples * 2);

@@ -2,6 +2,7 @@
 
 #include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelMultiTrackRecorder.h>
+#include <KelMovie/KelRecordingFiles.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -161,7 +162,7 @@ void RecordingController::stopBecause(Severity severity, const QString &text)
 void RecordingController::takeError(const QString &error)
 {
     const QString track = std::exchange(m_failedTrack, QString());
-    if (track == QLatin1String("Screen track")) {
+    if (track == KelTrackNames::kScreen) {
         // Not from within the recorder's own work. By then the recording may have ended for another reason.
         QMetaObject::invokeMethod(
             this,

@@ -1,6 +1,8 @@
 #include "export/ExportOutput.h"
 
 #include "files/RenameOver.h"
+#include "recording/KelRecordingFiles.h"
+#include "recording/KelRecordingMetadata.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -24,10 +26,10 @@ bool belongsToRecording(const QFileInfo &file, const QString &recordDir)
     // Links are resolved where the file exists, and in the path to it where it does not yet.
     const QString target =
         file.exists() ? file.canonicalFilePath() : file.dir().canonicalPath() + '/' + file.fileName();
-    if (target == recording + "/TrackManager.meta")
+    if (target == KelRecordingMetadata::filePath(recording))
         return true;
-    for (const char *track : {"/Screen", "/Mouse", "/Keyboard", "/Voice"}) {
-        if (target.startsWith(recording + track + '/'))
+    for (const QLatin1String track : KelRecordingFiles::kTrackDirs) {
+        if (target.startsWith(KelRecordingFiles::path(recording, track) + '/'))
             return true;
     }
     return false;

@@ -12,6 +12,7 @@
 #include "export/KelExportSound.h"
 #include "logging/Log.h"
 #include "playback/KelPlaybackTrackManager.h"
+#include "recording/KelRecordingFiles.h"
 
 #include <QDebug>
 #include <QDir>
@@ -336,7 +337,7 @@ QString KelExportPipeline::Private::voiceDir() const
         dir = manager->property("trackDataDir").toString();
     if (dir.isEmpty())
         dir = manager->recordDir();
-    return dir + "/Voice";
+    return KelRecordingFiles::path(dir, KelRecordingFiles::kVoiceDir);
 }
 
 ExportFrameMap KelExportPipeline::Private::frameMap() const

@@ -4,6 +4,8 @@
 #include "avcodec/audio/MixAudioVideoTracks.h"
 #include "logging/Log.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
+#include "recording/KelRecordingFiles.h"
+#include "recording/wav/SoundFiles.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -24,17 +26,17 @@ KelExportSound::KelExportSound(const KelPlaybackVoiceTrack *voice, const QString
     : m_range(range)
     , m_temporaryDir(temporaryDir)
 {
-    const auto add = [&](bool isHeard, double gain, const QString &name) {
-        const QString file = isHeard && gain > 0.0 ? KelPlaybackVoiceTrack::findFile(voiceDir, name) : QString();
+    const auto add = [&](bool isHeard, double gain, QLatin1String source) {
+        const QString file = isHeard && gain > 0.0 ? findSoundFile(voiceDir, source) : QString();
         if (!file.isEmpty())
             m_sources.append({file, std::min(gain, AudioGain::Max)});
     };
     if (!voice)
         return;
     add(voice->hasSystemAudio() && voice->isSystemAudioEnabled() && !voice->isSystemAudioMuted(),
-        voice->systemAudioVolume() * voice->systemAudioGain(), "system_audio");
+        voice->systemAudioVolume() * voice->systemAudioGain(), KelRecordingFiles::kSystemAudio);
     add(voice->hasMicrophone() && voice->isMicrophoneEnabled() && !voice->isMicrophoneMuted(),
-        voice->microphoneVolume() * voice->microphoneGain(), "microphone");
+        voice->microphoneVolume() * voice->microphoneGain(), KelRecordingFiles::kMicrophone);
 }
 
 bool KelExportSound::addTo(const QString &video, const QString &output)

@@ -8,6 +8,7 @@
 #include "playback/tracks/KelPlaybackScreenTrack.h"
 #include "playback/tracks/KelPlaybackSeams.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
+#include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
 
 #include <KelMovie/KelMovieConfig.h>
@@ -59,7 +60,7 @@ Track *PlaybackTracks::add(std::unique_ptr<Track> track)
 void PlaybackTracks::createScreen(const KelRecordingMetadata &metadata, bool preferHardwareDecode,
                                   const KelPlaybackSeams &seams)
 {
-    const QString dir = m_recordDir + "/Screen";
+    const QString dir = KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kScreenDir);
     if (!QFileInfo(dir).isDir()) {
         m_errorString = "Screen directory not found: " + dir;
         qCWarning(logPlayback) << "Screen track enabled but directory not found:" << dir;
@@ -77,7 +78,7 @@ void PlaybackTracks::createScreen(const KelRecordingMetadata &metadata, bool pre
 
 void PlaybackTracks::createMouse()
 {
-    const QString dir = m_recordDir + "/Mouse";
+    const QString dir = KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kMouseDir);
     if (!QFileInfo(dir).isDir()) {
         qCWarning(logPlayback) << "Mouse track enabled but directory not found:" << dir;
         return;
@@ -87,7 +88,7 @@ void PlaybackTracks::createMouse()
 
 void PlaybackTracks::createVoice(const KelRecordingMetadata &metadata, const KelPlaybackSeams &seams)
 {
-    const QString dir = m_recordDir + "/Voice";
+    const QString dir = KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kVoiceDir);
     if (!QFileInfo(dir).isDir()) {
         qCWarning(logPlayback) << "Voice track enabled but directory not found:" << dir;
         return;
@@ -106,8 +107,9 @@ void PlaybackTracks::createCountdown(const KelRecordingMetadata &metadata)
 
 void PlaybackTracks::createKeyboard()
 {
-    auto track = std::make_unique<KelPlaybackKeyboardTrack>(m_recordDir + "/Keyboard", m_totalFrames, m_pixelRatio,
-                                                            m_pictureSize, m_manager);
+    auto track = std::make_unique<KelPlaybackKeyboardTrack>(
+        KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kKeyboardDir), m_totalFrames, m_pixelRatio,
+        m_pictureSize, m_manager);
     if (!track->errorString().isEmpty()) {
         qCCritical(logPlayback) << "Keyboard track creation failed:" << track->errorString();
         return;

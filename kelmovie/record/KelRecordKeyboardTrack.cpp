@@ -2,7 +2,8 @@
 
 #include "keymouse/KelKeyMouseHook.h"
 #include "logging/Log.h"
-#include "recording/input/KeyLogFile.h"
+#include "recording/KelRecordingFiles.h"
+#include "recording/input/KeyLogWriter.h"
 
 #include <QDebug>
 #include <QDir>
@@ -30,10 +31,10 @@ public:
     void end();
     void switchOn();
     void switchOff();
-    std::pair<std::size_t, StoredKeys> recordsFor(const KeyLogFile &target);
-    StoredKeys takeRecords();
+    std::pair<std::size_t, StoredKeyRecords> recordsFor(const KeyLogWriter &target);
+    StoredKeyRecords takeRecords();
 
-    KeyLogFile file; // of the track's thread
+    KeyLogWriter file; // of the track's thread
 
 protected:
     bool OnKeyboardEvent(KelKeyboardEvent event) override;
@@ -44,7 +45,7 @@ private:
     std::mutex m_switchMutex; // taken before the other
     bool m_isSwitchedOff = false;
     std::mutex m_mutex; // guards what follows; the two flags change only with both held
-    StoredKeys m_records;
+    StoredKeyRecords m_records;
     int m_currentFrame = 0;
     bool m_isRecording = false;
     bool m_isHookInstalled = false; // and its keys count
@@ -112,14 +113,14 @@ void KelRecordKeyboardTrackPrivate::switchOff()
 }
 
 /// Those that an update of `target` needs, after the number of the first.
-std::pair<std::size_t, StoredKeys> KelRecordKeyboardTrackPrivate::recordsFor(const KeyLogFile &target)
+std::pair<std::size_t, StoredKeyRecords> KelRecordKeyboardTrackPrivate::recordsFor(const KeyLogWriter &target)
 {
     std::lock_guard lock(m_mutex);
     const std::size_t first = target.firstNeeded(m_records.size());
-    return {first, StoredKeys(m_records.begin() + std::ptrdiff_t(first), m_records.end())};
+    return {first, StoredKeyRecords(m_records.begin() + std::ptrdiff_t(first), m_records.end())};
 }
 
-StoredKeys KelRecordKeyboardTrackPrivate::takeRecords()
+StoredKeyRecords KelRecordKeyboardTrackPrivate::takeRecords()
 {
     std::lock_guard lock(m_mutex);
     return std::exchange(m_records, {});
@@ -141,10 +142,10 @@ void KelRecordKeyboardTrackPrivate::add(int key, bool isPressed)
 
 KelRecordKeyboardTrack::KelRecordKeyboardTrack(const QRect &recordArea, const QString &trackDir)
     : KelRecordTrack(recordArea, trackDir)
-    , d(std::make_unique<KelRecordKeyboardTrackPrivate>(trackDir + QStringLiteral("/keyboard.keymeta"),
+    , d(std::make_unique<KelRecordKeyboardTrackPrivate>(KelRecordingFiles::path(trackDir, KelRecordingFiles::kKeyLog),
                                                         recordArea.size()))
 {
-    setObjectName(QStringLiteral("Keyboard track"));
+    setObjectName(KelTrackNames::kKeyboard);
     QDir().mkpath(trackDir);
 }
 

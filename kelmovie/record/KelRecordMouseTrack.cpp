@@ -2,21 +2,14 @@
 
 #include "keymouse/KelKeyMouseHook.h"
 #include "logging/Log.h"
-#include "recording/FileWriting.h"
-#include "recording/input/JsonArrayFile.h"
-#include "recording/input/MouseTrackEvent.h"
+#include "recording/KelRecordingFiles.h"
+#include "recording/input/CursorListWriter.h"
+#include "recording/input/MouseEventWriter.h"
 #include "screen/KelCursorPixmap.h"
 
-#include <QBuffer>
 #include <QDateTime>
 #include <QDebug>
-#include <QDir>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QMap>
 
-#include <algorithm>
 #include <atomic>
 #include <deque>
 #include <mutex>
@@ -43,36 +36,6 @@ QString buttonName(int button)
         return QStringLiteral("unknown");
     }
 }
-
-bool isMove(const MouseTrackEvent &event)
-{
-    return event.action == QLatin1String("move") || event.action == QLatin1String("hide");
-}
-
-bool isClick(const MouseTrackEvent &event)
-{
-    return event.action == QLatin1String("click") || event.action == QLatin1String("release") ||
-           event.action == QLatin1String("wheel");
-}
-
-QJsonObject toJson(const MouseTrackEvent &event)
-{
-    QJsonObject object{{QStringLiteral("frame"), event.frame},   {QStringLiteral("x"), event.x},
-                       {QStringLiteral("y"), event.y},           {QStringLiteral("timestamp"), event.timestamp},
-                       {QStringLiteral("cursor"), event.cursor}, {QStringLiteral("action"), event.action}};
-    if (isClick(event))
-        object.insert(QStringLiteral("button"), event.button);
-    if (event.action == QLatin1String("wheel"))
-        object.insert(QStringLiteral("delta"), event.delta);
-    return object;
-}
-
-/// A file of those events that it is for, in the order in which they happened.
-struct EventFile {
-    bool (*holds)(const MouseTrackEvent &);
-    JsonArrayFile file;
-    std::size_t written = 0; ///< events of the track that the file has, or has passed over
-};
 } // namespace
 
 /// What the hook's thread and the track's share, and what only the latter uses.
@@ -81,10 +44,8 @@ class KelRecordMouseTrackPrivate : public KelKeyMouseHook
 public:
     KelRecordMouseTrackPrivate(const QRect &area, const QString &dir)
         : recordArea(area)
-        , moves{isMove, JsonArrayFile(dir + QStringLiteral("/mousemoves-0.json"))}
-        , clicks{isClick, JsonArrayFile(dir + QStringLiteral("/mouseclicks-0.json"))}
-        , cursorListPath(dir + QStringLiteral("/cursor.json"))
-        , cursorDir(dir + QStringLiteral("/cursors"))
+        , events(dir)
+        , cursors(dir)
         , snapshot(KelCursorPixmap::GetCursor(area))
     {
     }
@@ -106,12 +67,8 @@ public:
     int currentFrame = 0;
     bool isHookInstalled = false;
     bool hasFailed = false;
-    EventFile moves;
-    EventFile clicks;
-    QMap<QString, KelCursorShape> cursors; // all shapes of this recording, by type
-    const QString cursorListPath;
-    const QString cursorDir;
-    bool isCursorListCurrent = false;
+    MouseEventWriter events;
+    CursorListWriter cursors;
     std::shared_ptr<const KelCursorPixmap> snapshot; // the last; kept, it makes the next one cheap
 
 protected:
@@ -217,7 +174,7 @@ KelRecordMouseTrack::KelRecordMouseTrack(const QRect &recordArea, const QString 
     : KelRecordTrack(recordArea, trackDir)
     , d(std::make_unique<KelRecordMouseTrackPrivate>(recordArea, trackDir))
 {
-    setObjectName(QStringLiteral("Mouse track"));
+    setObjectName(KelTrackNames::kMouse);
 }
 
 KelRecordMouseTrack::~KelRecordMouseTrack() = default;
@@ -253,8 +210,8 @@ void KelRecordMouseTrack::recordFrame(int frameIndex)
         return; // a shape that changes at rest is noticed when the pointer moves
     const QString type = pointer.type();
     if (type != d->currentCursor) {
-        if (!d->cursors.contains(type))
-            addCursor(pointer);
+        if (!d->cursors.contains(type) && !d->cursors.add(type, pointer.pixmap(), pointer.hotspot()))
+            fail(d->cursors.failedPath(), d->cursors.errorString());
         if (!d->currentCursor.isEmpty())
             d->append(QStringLiteral("cursor_change"), position, type);
         d->setCursor(type);
@@ -265,24 +222,9 @@ void KelRecordMouseTrack::recordFrame(int frameIndex)
     }
 }
 
-/// Saved at once, so that whatever names the shape in a file finds its picture.
-void KelRecordMouseTrack::addCursor(const KelCursorPixmap &cursor)
-{
-    d->cursors.insert(cursor.type(), {cursor.type(), cursor.pixmap(), cursor.hotspot()});
-    d->isCursorListCurrent = false;
-    QDir().mkpath(d->cursorDir);
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    QString error = QStringLiteral("the picture cannot be encoded");
-    const QString path = d->cursorDir + QLatin1Char('/') + cursor.type() + QStringLiteral(".png");
-    if (!cursor.pixmap().save(&buffer, "PNG") || !replaceFile(path, png, FileAccess::Ordinary, &error))
-        fail(path, error);
-}
-
 void KelRecordMouseTrack::checkpoint(qint64)
 {
-    if (!d->isCursorListCurrent)
+    if (!d->cursors.isListCurrent())
         writeCursorList();
     writeEvents();
 }
@@ -294,10 +236,7 @@ void KelRecordMouseTrack::stopRecording(qint64, qint64)
     d->isHookInstalled = false;
     writeCursorList();
     writeEvents();
-    for (EventFile *events : {&d->moves, &d->clicks}) {
-        events->file.close();
-        events->written = 0; // a second stop writes everything again
-    }
+    d->events.close(); // a second stop writes everything again
 }
 
 void KelRecordMouseTrack::setCaptureEnabled(bool enabled)
@@ -307,37 +246,15 @@ void KelRecordMouseTrack::setCaptureEnabled(bool enabled)
 
 void KelRecordMouseTrack::writeEvents()
 {
-    const std::size_t first = std::min(d->moves.written, d->clicks.written);
-    const std::vector<MouseTrackEvent> events = d->eventsFrom(first);
-    for (EventFile *target : {&d->moves, &d->clicks}) {
-        std::vector<QJsonObject> objects;
-        for (std::size_t i = target->written - first; i < events.size(); ++i) {
-            if (target->holds(events[i]))
-                objects.push_back(toJson(events[i]));
-        }
-        if (target->file.append(objects))
-            target->written = first + events.size();
-        else
-            fail(target->file.path(), target->file.errorString());
-    }
+    const std::size_t first = d->events.firstNeeded();
+    if (!d->events.update(first, d->eventsFrom(first)))
+        fail(d->events.failedPath(), d->events.errorString());
 }
 
 void KelRecordMouseTrack::writeCursorList()
 {
-    QJsonArray list;
-    for (const KelCursorShape &cursor : qAsConst(d->cursors)) {
-        list.append(QJsonObject{{QStringLiteral("id"), cursor.type},
-                                {QStringLiteral("image"), cursor.type + QStringLiteral(".png")},
-                                {QStringLiteral("hotspot_x"), cursor.hotspot.x()},
-                                {QStringLiteral("hotspot_y"), cursor.hotspot.y()},
-                                {QStringLiteral("device_pixel_ratio"), cursor.pixmap.devicePixelRatio()}});
-    }
-    const QJsonObject object{{QStringLiteral("cursors"), list}, {QStringLiteral("total_types"), list.size()}};
-    QString error;
-    d->isCursorListCurrent =
-        replaceFile(d->cursorListPath, QJsonDocument(object).toJson(), FileAccess::Ordinary, &error);
-    if (!d->isCursorListCurrent)
-        fail(d->cursorListPath, error);
+    if (!d->cursors.writeList())
+        fail(d->cursors.failedPath(), d->cursors.errorString());
 }
 
 /// The first failure is told; the other files are written all the same.

@@ -4,7 +4,6 @@
 
 #include <memory>
 
-class KelCursorPixmap;
 class KelRecordMouseTrackPrivate;
 
 /// Records the pointer: its place and shape once a logic frame, its buttons and wheel as they happen anywhere on the
@@ -28,7 +27,6 @@ public:
     void setCaptureEnabled(bool enabled);
 
 private:
-    void addCursor(const KelCursorPixmap &cursor);
     void writeEvents();
     void writeCursorList();
     void fail(const QString &path, const QString &error);

@@ -3,6 +3,7 @@
 #include "avcodec/mp4/KelAsyncEncoder.h"
 #include "geometry/ScreenGeometry.h"
 #include "logging/Log.h"
+#include "recording/KelRecordingFiles.h"
 #include "screen/KelScreenManager.h"
 
 #include <QDebug>
@@ -17,7 +18,7 @@ constexpr int StreamFps = 30;
 
 QString videoPath(const QString &trackDir)
 {
-    return trackDir + QStringLiteral("/screen_record.mp4");
+    return KelRecordingFiles::path(trackDir, KelRecordingFiles::kVideo);
 }
 
 std::unique_ptr<KelAsyncEncoder> createEncoder(const QRect &area, const QString &trackDir, int quality)
@@ -55,12 +56,12 @@ KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QStrin
     : KelRecordTrack(recordArea, trackDir)
     , m_frameSize(kel::physicalRect(recordArea).size())
     , m_videoPath(videoPath(trackDir))
-    , m_indexFile(trackDir + QStringLiteral("/frame_indexes.dat"))
+    , m_indexFile(KelRecordingFiles::path(trackDir, KelRecordingFiles::kFrameIndex))
     , m_frame(recordArea.size(), QImage::Format_ARGB32_Premultiplied)
     , m_streamer(std::move(streamer))
     , m_encoder(std::move(encoder))
 {
-    setObjectName(QStringLiteral("Screen track"));
+    setObjectName(KelTrackNames::kScreen);
     reportStreamerFailure();
     if (m_encoder) {
         m_encoder->setErrorHandler([this](const QString &problem) { reportFailure(objectName(), problem); });

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "record/KelRecordTrack.h"
-#include "recording/FrameIndexFile.h"
+#include "recording/FrameIndexWriter.h"
 
 #include <QImage>
 #include <QSize>
@@ -49,7 +49,7 @@ private:
 
     const QSize m_frameSize; // physical pixels of the video
     const QString m_videoPath;
-    kel::FrameIndexFile m_indexFile;
+    kel::FrameIndexWriter m_indexFile;
     std::vector<qint64> m_frameIndexes; // for each logic frame the number of its picture, -1 before the first
     QImage m_frame;                     // reused for every capture
     std::atomic<int> m_encodedCount{0};

@@ -6,6 +6,7 @@
 #include "record/KelRecordScreenTrack.h"
 #include "record/KelRecordTrackThreadWrap.h"
 #include "record/KelRecordVoiceTrack.h"
+#include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
 #include "style/PixelRatio.h"
 
@@ -67,13 +68,14 @@ KelRecordTrackManager::~KelRecordTrackManager()
 void KelRecordTrackManager::createTracks()
 {
     if (m_config.screen)
-        addTrack(new KelRecordScreenTrack(m_recordArea, createTrackDir(QStringLiteral("/Screen")), 0, ScreenQuality));
+        addTrack(
+            new KelRecordScreenTrack(m_recordArea, createTrackDir(KelRecordingFiles::kScreenDir), 0, ScreenQuality));
     if (m_config.mouse)
-        addTrack(new KelRecordMouseTrack(m_recordArea, createTrackDir(QStringLiteral("/Mouse"))));
+        addTrack(new KelRecordMouseTrack(m_recordArea, createTrackDir(KelRecordingFiles::kMouseDir)));
     if (m_config.keyboard)
-        addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(QStringLiteral("/Keyboard"))));
+        addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(KelRecordingFiles::kKeyboardDir)));
     if (m_config.systemAudio || m_config.microphone) {
-        m_voiceTrack = new KelRecordVoiceTrack(m_recordArea, createTrackDir(QStringLiteral("/Voice")), this);
+        m_voiceTrack = new KelRecordVoiceTrack(m_recordArea, createTrackDir(KelRecordingFiles::kVoiceDir), this);
         m_voiceTrack->setFailureHandler(
             [this](const QString &name, const QString &problem) { addFailure(name, problem); });
         m_voiceTrack->setSystemAudioEnabled(m_config.systemAudio);
@@ -81,9 +83,9 @@ void KelRecordTrackManager::createTracks()
     }
 }
 
-QString KelRecordTrackManager::createTrackDir(const QString &name) const
+QString KelRecordTrackManager::createTrackDir(QLatin1String name) const
 {
-    const QString path = m_config.directory + name;
+    const QString path = KelRecordingFiles::path(m_config.directory, name);
     QDir().mkpath(path); // a track that cannot write there says so itself
     return path;
 }

@@ -95,7 +95,7 @@ private:
     template <typename Track>
     Track *findTrack() const;
     void createTracks();
-    QString createTrackDir(const QString &name) const;
+    QString createTrackDir(QLatin1String name) const;
     void addFailure(const QString &track, const QString &problem);
 
     qint64 recordedMs() const;

@@ -3,6 +3,8 @@
 #include "audio/capture/KelSystemAudioRecord.h"
 #include "audio/capture/MicrophoneBackend.h"
 #include "logging/Log.h"
+#include "recording/KelRecordingFiles.h"
+#include "recording/wav/SoundFiles.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -20,12 +22,6 @@ using namespace kel;
 namespace
 {
 constexpr unsigned long WindDownMs = 50;
-
-QString filePath(const QString &trackDir, const QString &source)
-{
-    return QStringLiteral("%1/%2_%3.wav")
-        .arg(trackDir, source, QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss")));
-}
 
 qint64 steadyMs()
 {
@@ -51,8 +47,8 @@ QByteArray keyOf(const char *enumerator, int value)
 
 KelRecordVoiceTrack::KelRecordVoiceTrack(const QRect &recordArea, const QString &trackDir, QObject *parent)
     : KelRecordTrack(recordArea, trackDir, parent)
-    , m_systemAudioPath(filePath(trackDir, QStringLiteral("system_audio")))
-    , m_microphonePath(filePath(trackDir, QStringLiteral("microphone")))
+    , m_systemAudioPath(soundFilePath(trackDir, KelRecordingFiles::kSystemAudio, QDateTime::currentDateTime()))
+    , m_microphonePath(soundFilePath(trackDir, KelRecordingFiles::kMicrophone, QDateTime::currentDateTime()))
 {
     m_microphoneSettings.setCodec(QStringLiteral("audio/wav"));
     m_microphoneSettings.setSampleRate(44100);
@@ -96,15 +92,15 @@ void KelRecordVoiceTrack::setUpRecorders()
 {
     if (m_systemAudioEnabled && !m_systemAudio) {
         m_systemAudio = new KelSystemAudioRecord(
-            m_systemAudioPath,
-            [this](const QString &problem) { reportFailure(QStringLiteral("System audio track"), problem); }, this);
+            m_systemAudioPath, [this](const QString &problem) { reportFailure(KelTrackNames::kSystemAudio, problem); },
+            this);
     }
     if (m_microphoneEnabled && !m_microphone) {
         const auto presence = MicrophoneBackend::presence();
         m_isMicrophoneDoubtful = presence == MicrophoneBackend::Presence::Unknown;
         if (presence == MicrophoneBackend::Presence::Missing) {
             m_microphoneEnabled = false;
-            reportFailure(QStringLiteral("Microphone track"), QStringLiteral("there is no microphone"));
+            reportFailure(KelTrackNames::kMicrophone, QStringLiteral("there is no microphone"));
         } else {
             setUpMicrophone();
         }
@@ -173,7 +169,7 @@ void KelRecordVoiceTrack::startMicrophone(qint64 atMs, const char *exceptionText
 {
     if (!m_microphone || !m_microphoneEnabled)
         return;
-    const QString path = wavPartPath(m_microphonePath, m_microphonePartIndex);
+    const QString path = soundPartPath(m_microphonePath, m_microphonePartIndex);
     m_microphoneStartMs = atMs;
     m_microphoneBeginMs = 0;
     try {
@@ -183,7 +179,7 @@ void KelRecordVoiceTrack::startMicrophone(qint64 atMs, const char *exceptionText
     } catch (const std::exception &exception) {
         qCCritical(logRecord) << exceptionText;
         m_microphoneEnabled = false;
-        reportFailure(QStringLiteral("Microphone track"), QString::fromLocal8Bit(exception.what()));
+        reportFailure(KelTrackNames::kMicrophone, QString::fromLocal8Bit(exception.what()));
     }
 }
 
@@ -227,9 +223,9 @@ void KelRecordVoiceTrack::joinMicrophoneParts()
     qCWarning(logRecord) << "[KelRecordVoiceTrack] 合并麦克风分段文件到:" << m_microphonePath;
     const QString problem = mergeMicrophoneParts(m_microphoneParts, m_microphonePath, m_microphoneTimes);
     if (!problem.isEmpty())
-        reportFailure(QStringLiteral("Microphone track"), problem);
+        reportFailure(KelTrackNames::kMicrophone, problem);
     else if (m_isMicrophoneDoubtful && MicrophoneBackend::isSilent(m_microphonePath))
-        reportFailure(QStringLiteral("Microphone track"),
+        reportFailure(KelTrackNames::kMicrophone,
                       QStringLiteral("nothing but silence was recorded, as there is no sound server"));
     m_microphoneParts.clear();
     m_microphoneTimes.clear();
@@ -301,5 +297,5 @@ void KelRecordVoiceTrack::onMicrophoneError(QAudioRecorder::Error error)
     if (!m_microphone)
         return;
     qCWarning(logRecord) << "麦克风错误详情:" << m_microphone->errorString();
-    reportFailure(QStringLiteral("Microphone track"), m_microphone->errorString());
+    reportFailure(KelTrackNames::kMicrophone, m_microphone->errorString());
 }

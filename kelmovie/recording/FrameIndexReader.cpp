@@ -1,6 +1,7 @@
 #include "recording/FrameIndexReader.h"
 
 #include "logging/Log.h"
+#include "recording/KelRecordingFiles.h"
 
 #include <QDebug>
 #include <QFile>
@@ -26,10 +27,10 @@ qint32 entryAt(const QByteArray &data, int i)
 
 } // namespace
 
-bool loadFrameIndexes(const QString &trackDir, std::vector<int> &frameIndexes)
+bool readFrameIndex(const QString &trackDir, std::vector<int> &frameIndexes)
 {
     frameIndexes.clear();
-    const QString path = trackDir + "/frame_indexes.dat";
+    const QString path = KelRecordingFiles::path(trackDir, KelRecordingFiles::kFrameIndex);
     const QFileInfo info(path);
     if (!info.exists()) {
         qCWarning(logRecording) << "Frame indexes file not found:" << path;

@@ -2,6 +2,7 @@
 
 #include "logging/Log.h"
 #include "recording/FileWriting.h"
+#include "recording/KelRecordingFiles.h"
 
 #include <QDebug>
 #include <QFile>
@@ -74,7 +75,7 @@ double readRatio(const QJsonValue &value)
 
 QString KelRecordingMetadata::filePath(const QString &recordingDir)
 {
-    return recordingDir + QStringLiteral("/TrackManager.meta");
+    return KelRecordingFiles::path(recordingDir, KelRecordingFiles::kMetadata);
 }
 
 QByteArray KelRecordingMetadata::toJson() const

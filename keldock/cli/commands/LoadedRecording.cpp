@@ -4,6 +4,7 @@
 #include "common/DirectorySize.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
+#include <KelMovie/KelRecordingFiles.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -35,8 +36,8 @@ LoadedRecording::LoadedRecording(const QString &directory)
 QString LoadedRecording::warning() const
 {
     if (!m_hasMetadata) {
-        return QStringLiteral("TrackManager.meta is missing or damaged; assuming %1 frames a second")
-            .arg(m_metadata.fps);
+        return QStringLiteral("%1 is missing or damaged; assuming %2 frames a second")
+            .arg(KelRecordingFiles::kMetadata, QString::number(m_metadata.fps));
     }
     return QString();
 }
@@ -66,10 +67,10 @@ QSize LoadedRecording::pixels() const
 QStringList LoadedRecording::tracksPresent() const
 {
     QStringList present;
-    for (const char *track : {"Screen", "Mouse", "Keyboard", "Voice"}) {
-        const QDir files(m_directory + QLatin1Char('/') + QLatin1String(track));
+    for (const QLatin1String track : KelRecordingFiles::kTrackDirs) {
+        const QDir files(KelRecordingFiles::path(m_directory, track));
         if (files.exists() && !files.isEmpty(QDir::Files))
-            present.append(QString::fromLatin1(track).toLower());
+            present.append(QString(track).toLower());
     }
     return present;
 }

@@ -8,6 +8,7 @@
 #include "common/Units.h"
 
 #include <KelMovie/KelMovieConfig.h>
+#include <KelMovie/KelRecordingFiles.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -168,7 +169,7 @@ QString RecordCommand::prepareDirectory() const
     if (info.exists() && !info.isDir())
         return QStringLiteral("'%1' is not a directory").arg(directory);
     if (QFileInfo::exists(KelRecordingMetadata::filePath(directory)) ||
-        QFileInfo::exists(directory + QStringLiteral("/Screen")))
+        QFileInfo::exists(KelRecordingFiles::path(directory, KelRecordingFiles::kScreenDir)))
         return QStringLiteral("'%1' holds a recording already; choose another directory").arg(directory);
     if (!QDir().mkpath(directory))
         return QStringLiteral("the directory '%1' cannot be created").arg(directory);

@@ -4,6 +4,8 @@
 #include "common/DirectorySize.h"
 #include "common/Units.h"
 
+#include <KelMovie/KelRecordingFiles.h>
+
 #include <QCoreApplication>
 #include <QTimer>
 
@@ -72,7 +74,7 @@ void RecordingSession::fail(const QString &error)
         m_error = error;
     // Without one of the others a recording of the screen is still worth going on with.
     const QString track = std::exchange(m_failedTrack, QString());
-    if (m_hasRecorded && !track.isEmpty() && track != QLatin1String("Screen track")) {
+    if (m_hasRecorded && !track.isEmpty() && track != KelTrackNames::kScreen) {
         m_line.clear();
         Console::printError(QStringLiteral("keldock: %1; going on without").arg(error));
         return;

@@ -1,6 +1,7 @@
 #include "audio/capture/KelSystemAudioRecord.h"
 
 #include "logging/Log.h"
+#include "recording/wav/SoundFiles.h"
 #include "recording/wav/WavPartMerger.h"
 
 #include <QDebug>
@@ -17,7 +18,7 @@ constexpr unsigned long StopWaitMs = 3000;
 } // namespace
 
 KelSystemAudioRecord::KelSystemAudioRecord(const QString &outputPath, WasapiCaptureThread::FailureHandler failed,
-                                           QObject *parent, const CaptureSeams &seams)
+                                           QObject *parent, const CaptureDependencies &seams)
     : QObject(parent)
     , m_outputPath(outputPath)
     , m_failed(std::move(failed))
@@ -112,7 +113,7 @@ qint64 KelSystemAudioRecord::momentOf(qint64 atMs) const
 
 QString KelSystemAudioRecord::partPath() const
 {
-    return wavPartPath(m_outputPath, m_partIndex);
+    return soundPartPath(m_outputPath, m_partIndex);
 }
 
 /// What a capture that died before left unrecorded becomes silence at the head of the part: the sound that follows

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "audio/capture/CaptureSeams.h"
+#include "audio/capture/CaptureDependencies.h"
 #include "audio/capture/WasapiCaptureThread.h"
 
 #include <QByteArray>
@@ -17,7 +17,7 @@ class KelSystemAudioRecord : public QObject
 public:
     /// Creates the directory of `outputPath`. `failed` hears, on any thread and in English, why sound is missing.
     KelSystemAudioRecord(const QString &outputPath, kel::WasapiCaptureThread::FailureHandler failed, QObject *parent,
-                         const kel::CaptureSeams &seams = kel::CaptureSeams());
+                         const kel::CaptureDependencies &seams = kel::CaptureDependencies());
     ~KelSystemAudioRecord() override;
 
     /// Instead of a moment of the steady clock, in ms.
@@ -43,7 +43,7 @@ private:
 
     const QString m_outputPath;
     const kel::WasapiCaptureThread::FailureHandler m_failed;
-    const kel::CaptureSeams m_seams;
+    const kel::CaptureDependencies m_seams;
     QString m_currentPart; // empty between parts
     QStringList m_parts;   // finished, in order
     int m_partIndex = 0;

@@ -1,6 +1,6 @@
 #include "audio/capture/SoundDevices.h"
 
-#include "audio/capture/CaptureSeams.h"
+#include "audio/capture/CaptureDependencies.h"
 
 #include <coreaudio/CoreAudio.h>
 
@@ -15,7 +15,7 @@ bool hasDefaultDevice(EDataFlow flow)
     const bool isInitialized = SUCCEEDED(CoInitialize(nullptr));
     IMMDeviceEnumerator *enumerator = nullptr;
     IMMDevice *device = nullptr;
-    const bool isThere = SUCCEEDED(CaptureSeams().createEnumerator(&enumerator)) &&
+    const bool isThere = SUCCEEDED(CaptureDependencies().createEnumerator(&enumerator)) &&
                          SUCCEEDED(enumerator->GetDefaultAudioEndpoint(flow, eConsole, &device)) && device;
     if (device)
         device->Release();

@@ -1,7 +1,7 @@
 #include "audio/capture/SoundLevelMonitor.h"
 
+#include "audio/capture/CaptureDevice.h"
 #include "audio/capture/CaptureFormat.h"
-#include "audio/capture/LoopbackDevice.h"
 
 #include <algorithm>
 #include <chrono>
@@ -42,7 +42,7 @@ float peakOf24Bits(const char *data, qint64 size)
 
 } // namespace
 
-SoundLevelMonitor::SoundLevelMonitor(EDataFlow flow, const CaptureSeams &seams, QObject *parent)
+SoundLevelMonitor::SoundLevelMonitor(EDataFlow flow, const CaptureDependencies &seams, QObject *parent)
     : QThread(parent)
     , m_flow(flow)
     , m_seams(seams)
@@ -112,7 +112,7 @@ bool SoundLevelMonitor::isWanted() const
 
 void SoundLevelMonitor::listen()
 {
-    LoopbackDevice device(m_seams, m_flow);
+    CaptureDevice device(m_seams, m_flow);
     if (!device.open() || !device.start()) {
         m_state = State::NoDevice;
         std::unique_lock lock(m_mutex);
@@ -120,11 +120,11 @@ void SoundLevelMonitor::listen()
         return;
     }
     m_state = State::Listening;
-    LoopbackDevice::Answer answer = LoopbackDevice::Answer::Nothing;
-    while (isWanted() && answer != LoopbackDevice::Answer::Gone) {
-        LoopbackDevice::Packet packet;
+    CaptureDevice::Answer answer = CaptureDevice::Answer::Nothing;
+    while (isWanted() && answer != CaptureDevice::Answer::Gone) {
+        CaptureDevice::Packet packet;
         answer = device.acquire(&packet);
-        if (answer == LoopbackDevice::Answer::Packet) {
+        if (answer == CaptureDevice::Answer::Packet) {
             if (packet.data) {
                 const float peak = peakOf(device.streamFormat(), packet.data, packet.size);
                 float known = m_peak;
@@ -132,7 +132,7 @@ void SoundLevelMonitor::listen()
                 }
             }
             device.release();
-        } else if (answer == LoopbackDevice::Answer::Nothing) {
+        } else if (answer == CaptureDevice::Answer::Nothing) {
             m_seams.rest();
         }
     }

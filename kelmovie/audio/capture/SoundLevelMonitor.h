@@ -1,6 +1,6 @@
 #pragma once
 
-#include "audio/capture/CaptureSeams.h"
+#include "audio/capture/CaptureDependencies.h"
 
 #include <QThread>
 
@@ -23,7 +23,8 @@ public:
     enum class State { Waiting, Listening, NoDevice };
 
     /// `flow`: eRender for what the computer plays, eCapture for the microphone.
-    explicit SoundLevelMonitor(EDataFlow flow, const CaptureSeams &seams = CaptureSeams(), QObject *parent = nullptr);
+    explicit SoundLevelMonitor(EDataFlow flow, const CaptureDependencies &seams = CaptureDependencies(),
+                               QObject *parent = nullptr);
     /// Waits for the thread, which the system may hold up for seconds.
     ~SoundLevelMonitor() override;
 
@@ -47,7 +48,7 @@ private:
     bool isWanted() const;
 
     const EDataFlow m_flow;
-    const CaptureSeams m_seams;
+    const CaptureDependencies m_seams;
     std::atomic<State> m_state{State::Waiting};
     std::atomic<float> m_peak{0};
 

@@ -1,8 +1,8 @@
 #include "audio/capture/WasapiCaptureThread.h"
 
-#include "audio/capture/LoopbackDevice.h"
+#include "audio/capture/CaptureDevice.h"
 #include "logging/Log.h"
-#include "recording/wav/SoundPartFile.h"
+#include "recording/wav/WavPartWriter.h"
 
 #include <QDebug>
 #include <QFile>
@@ -22,7 +22,7 @@ constexpr DWORD EventWaitMs = 200;
 } // namespace
 
 WasapiCaptureThread::WasapiCaptureThread(const QString &filePath, qint64 startMs, const QByteArray &format,
-                                         const CaptureSeams &seams, FailureHandler failed, QObject *parent)
+                                         const CaptureDependencies &seams, FailureHandler failed, QObject *parent)
     : QThread(parent)
     , m_firstPath(filePath)
     , m_startMs(startMs)
@@ -64,7 +64,7 @@ QByteArray WasapiCaptureThread::format() const
 void WasapiCaptureThread::run()
 {
     CoInitialize(nullptr);
-    m_device = std::make_unique<LoopbackDevice>(m_seams, m_seams.flow);
+    m_device = std::make_unique<CaptureDevice>(m_seams, m_seams.flow);
     if (!m_device->open(CaptureFormat(format())))
         reportOnce(QStringLiteral("there is no output whose sound could be recorded"));
     else
@@ -80,7 +80,7 @@ void WasapiCaptureThread::capture()
         const QMutexLocker lock(&m_mutex);
         m_format = m_device->deviceFormat().bytes();
     }
-    m_part = std::make_unique<SoundPartFile>(m_device->streamFormat().wavHeader());
+    m_part = std::make_unique<WavPartWriter>(m_device->streamFormat().wavHeader());
     if (!m_part->open(m_firstPath, m_startMs)) {
         qCWarning(logAudio) << "无法打开输出文件:" << m_firstPath;
         checkPart();
@@ -176,10 +176,10 @@ void WasapiCaptureThread::obeyRequests()
 /// While paused the part takes only what was recorded before and comes late.
 bool WasapiCaptureThread::readPacket()
 {
-    LoopbackDevice::Packet packet;
-    const LoopbackDevice::Answer answer = m_device->acquire(&packet);
-    m_isDeviceGone = answer == LoopbackDevice::Answer::Gone;
-    if (answer != LoopbackDevice::Answer::Packet)
+    CaptureDevice::Packet packet;
+    const CaptureDevice::Answer answer = m_device->acquire(&packet);
+    m_isDeviceGone = answer == CaptureDevice::Answer::Gone;
+    if (answer != CaptureDevice::Answer::Packet)
         return false;
     obeyRequests();
     m_part->writePacket(packet.data, packet.size, packet.recordedAtMs);
@@ -215,7 +215,7 @@ void WasapiCaptureThread::replaceDevice()
         return;
     m_lastSearchMs = nowMs;
     const CaptureFormat format = m_device->streamFormat();
-    auto device = std::make_unique<LoopbackDevice>(m_seams, m_seams.flow);
+    auto device = std::make_unique<CaptureDevice>(m_seams, m_seams.flow);
     if (device->open(format) && device->streamFormat().bytes() == format.bytes() && device->start()) {
         qCWarning(logAudio) << "[WasapiCaptureThread] The output went away; going on with the new default output";
         m_device = std::move(device);

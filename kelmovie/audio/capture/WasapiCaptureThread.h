@@ -1,7 +1,7 @@
 #pragma once
 
+#include "audio/capture/CaptureDependencies.h"
 #include "audio/capture/CaptureFormat.h"
-#include "audio/capture/CaptureSeams.h"
 
 #include <QMutex>
 #include <QString>
@@ -14,8 +14,8 @@
 namespace kel
 {
 
-class LoopbackDevice;
-class SoundPartFile;
+class CaptureDevice;
+class WavPartWriter;
 
 /// Records what the computer plays into part files, one after the other, on a thread of its own that owns the device.
 ///
@@ -31,8 +31,8 @@ public:
 
     /// The first part begins at `startMs` of the steady clock. `format`: as an earlier thread's format(), or empty to
     /// ask the device.
-    WasapiCaptureThread(const QString &filePath, qint64 startMs, const QByteArray &format, const CaptureSeams &seams,
-                        FailureHandler failed, QObject *parent);
+    WasapiCaptureThread(const QString &filePath, qint64 startMs, const QByteArray &format,
+                        const CaptureDependencies &seams, FailureHandler failed, QObject *parent);
     ~WasapiCaptureThread() override;
 
     // From any thread.
@@ -71,7 +71,7 @@ private:
 
     const QString m_firstPath;
     const qint64 m_startMs;
-    const CaptureSeams m_seams;
+    const CaptureDependencies m_seams;
     const FailureHandler m_failed;
 
     std::atomic<bool> m_stopRequested{false};
@@ -80,8 +80,8 @@ private:
     QByteArray m_format;
 
     // The rest belongs to the capture thread.
-    std::unique_ptr<LoopbackDevice> m_device;
-    std::unique_ptr<SoundPartFile> m_part;
+    std::unique_ptr<CaptureDevice> m_device;
+    std::unique_ptr<WavPartWriter> m_part;
     bool m_isDeviceGone = false;
     bool m_hasFailed = false;
     qint64 m_lastPacketMs = 0;

@@ -2,7 +2,7 @@
 
 #include "audio/output/AudioGain.h"
 #include "audio/output/AudioSink.h"
-#include "recording/wav/WavPlaybackFile.h"
+#include "recording/wav/WavFrameReader.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -79,7 +79,7 @@ private:
 
     const kel::AudioSink::Factory m_createSink;
     std::unique_ptr<kel::AudioSink> m_sink;
-    kel::WavPlaybackFile m_file;
+    kel::WavFrameReader m_file;
     QString m_errorString;
     kel::AudioGain m_gain;
     QTimer m_feedTimer;

@@ -25,7 +25,7 @@ KelPlaybackKeyboardTrack::KelPlaybackKeyboardTrack(const QString &directory, int
     , m_scale(qBound(kMinScale, pixelRatio, kMaxScale))
 {
     setName("Keyboard");
-    if (!loadKeyRecording(directory, m_recording)) {
+    if (!readKeyLog(directory, m_recording)) {
         setErrorString("KelPlaybackKeyboardTrack open meta file failed: " + directory);
         qCCritical(logPlayback).noquote() << errorString();
         return;

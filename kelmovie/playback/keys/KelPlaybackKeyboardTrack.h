@@ -3,7 +3,7 @@
 #include "playback/keys/KeyDisplayList.h"
 #include "playback/keys/KeyOverlayStyle.h"
 #include "playback/tracks/KelPlaybackTrack.h"
-#include "recording/input/KeyRecordingReader.h"
+#include "recording/input/KeyLogReader.h"
 
 #include <QSize>
 
@@ -50,7 +50,7 @@ private:
     void build();
     Shown shown() const;
 
-    kel::KeyRecording m_recording;
+    kel::KeyLog m_recording;
     const int m_totalFrames;
     const double m_scale;
     QSize m_canvas;

@@ -45,7 +45,7 @@ std::vector<KeyRecord> shownRecords(const std::vector<KeyRecord> &records)
 
 } // namespace
 
-KeyDisplayList KeyDisplayListBuilder::build(const KeyRecording &recording, int totalFrames, const Limits &limits)
+KeyDisplayList KeyDisplayListBuilder::build(const KeyLog &recording, int totalFrames, const Limits &limits)
 {
     KeyDisplayListBuilder builder(recording, limits);
     builder.run(totalFrames);
@@ -54,7 +54,7 @@ KeyDisplayList KeyDisplayListBuilder::build(const KeyRecording &recording, int t
     return std::move(builder.m_list);
 }
 
-KeyDisplayListBuilder::KeyDisplayListBuilder(const KeyRecording &recording, const Limits &limits)
+KeyDisplayListBuilder::KeyDisplayListBuilder(const KeyLog &recording, const Limits &limits)
     : m_records(shownRecords(recording.records))
     , m_fps(recording.fps)
     , m_keepMs(qint64(std::max(limits.keepTimeSeconds, 0)) * 1000)

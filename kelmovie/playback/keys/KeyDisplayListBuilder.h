@@ -1,7 +1,7 @@
 #pragma once
 
 #include "playback/keys/KeyDisplayList.h"
-#include "recording/input/KeyRecordingReader.h"
+#include "recording/input/KeyLogReader.h"
 
 #include <QHash>
 
@@ -26,10 +26,10 @@ public:
         }
     };
 
-    static KeyDisplayList build(const KeyRecording &recording, int totalFrames, const Limits &limits);
+    static KeyDisplayList build(const KeyLog &recording, int totalFrames, const Limits &limits);
 
 private:
-    KeyDisplayListBuilder(const KeyRecording &recording, const Limits &limits);
+    KeyDisplayListBuilder(const KeyLog &recording, const Limits &limits);
 
     void run(int totalFrames);
     void catchUp(int frame);

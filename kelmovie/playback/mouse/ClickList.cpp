@@ -1,6 +1,6 @@
 #include "playback/mouse/ClickList.h"
 
-#include "recording/input/MouseRecordReader.h"
+#include "recording/input/MouseEventReader.h"
 
 #include <algorithm>
 
@@ -80,7 +80,7 @@ bool ClickList::load(const QString &path)
 {
     *this = ClickList();
     std::vector<TimedClick> clicks;
-    if (!readMouseRecords(path, [&](const MouseRecord &record) { append(clicks, record); }))
+    if (!readMouseEvents(path, [&](const MouseRecord &record) { append(clicks, record); }))
         return false;
     pair(clicks);
     m_clicks.reserve(clicks.size());

@@ -5,7 +5,8 @@
 #include "playback/mouse/KelMouseButtonLottie.h"
 #include "playback/mouse/KelMouseWheelLottie.h"
 #include "playback/mouse/PointerList.h"
-#include "recording/input/CursorImages.h"
+#include "recording/KelRecordingFiles.h"
+#include "recording/input/CursorListReader.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -74,9 +75,10 @@ public:
 
 bool KelPlaybackMouseTrack::Private::load(const QString &dir)
 {
-    const QString movesPath = dir + "/mousemoves-0.json";
-    const QString clicksPath = dir + "/mouseclicks-0.json";
-    if (!QFileInfo::exists(movesPath) || !QFileInfo::exists(dir + "/cursor.json"))
+    const QString movesPath = KelRecordingFiles::path(dir, KelRecordingFiles::kMouseMoves);
+    const QString clicksPath = KelRecordingFiles::path(dir, KelRecordingFiles::kMouseClicks);
+    if (!QFileInfo::exists(movesPath) ||
+        !QFileInfo::exists(KelRecordingFiles::path(dir, KelRecordingFiles::kCursorList)))
         return false;
     if (!cursors.load(dir)) {
         qCWarning(logPlayback) << "Failed to load cursor types";

@@ -1,6 +1,6 @@
 #include "playback/mouse/PointerList.h"
 
-#include "recording/input/MouseRecordReader.h"
+#include "recording/input/MouseEventReader.h"
 
 #include <algorithm>
 
@@ -24,7 +24,7 @@ bool isHidden(const MouseRecord &record)
 bool PointerList::load(const QString &path)
 {
     *this = PointerList();
-    const bool isWhole = readMouseRecords(path, [this](const MouseRecord &record) { append(record); });
+    const bool isWhole = readMouseEvents(path, [this](const MouseRecord &record) { append(record); });
     if (!isWhole)
         *this = PointerList();
     m_samples.shrink_to_fit();

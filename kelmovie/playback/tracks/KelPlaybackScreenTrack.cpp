@@ -4,6 +4,7 @@
 #include "avcodec/decode/h264Decoder.h"
 #include "logging/Log.h"
 #include "recording/FrameIndexReader.h"
+#include "recording/KelRecordingFiles.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -25,7 +26,7 @@ KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QS
     , m_preferHardwareDecode(preferHardwareDecode)
 {
     setName("ScreenTrack");
-    if (!loadFrameIndexes(directory, m_frameIndexes))
+    if (!readFrameIndex(directory, m_frameIndexes))
         qCWarning(logPlayback) << "Failed to load frame indexes, will try to create default mapping";
     if (!chooseVideo())
         return;
@@ -55,7 +56,7 @@ KelPlaybackScreenTrack::~KelPlaybackScreenTrack()
 bool KelPlaybackScreenTrack::chooseVideo()
 {
     const QString mkvPath = directory() + "/screen_record.mkv";
-    const QString mp4Path = directory() + "/screen_record.mp4";
+    const QString mp4Path = KelRecordingFiles::path(directory(), KelRecordingFiles::kVideo);
     for (const QString &path : {mkvPath, mp4Path}) {
         if (QFileInfo::exists(path)) {
             m_videoPath = path;

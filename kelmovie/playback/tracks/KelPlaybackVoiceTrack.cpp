@@ -3,7 +3,9 @@
 #include "audio/output/KelAmplifiedAudioPlayer.h"
 #include "logging/Log.h"
 #include "playback/tracks/KelPlaybackSeams.h"
-#include "recording/wav/LeftoverParts.h"
+#include "recording/KelRecordingFiles.h"
+#include "recording/wav/InterruptedSoundRepair.h"
+#include "recording/wav/SoundFiles.h"
 
 #include <QDebug>
 #include <QDir>
@@ -36,11 +38,11 @@ KelPlaybackVoiceTrack::KelPlaybackVoiceTrack(const QString &directory, bool syst
     , m_nowMs(seams.nowMs)
 {
     setName("VoiceTrack");
-    joinLeftoverParts(directory);
+    repairInterruptedSound(directory);
     if (systemAudio)
-        m_system.path = findFile(directory, "system_audio");
+        m_system.path = findSoundFile(directory, KelRecordingFiles::kSystemAudio);
     if (microphone)
-        m_microphone.path = findFile(directory, "microphone");
+        m_microphone.path = findSoundFile(directory, KelRecordingFiles::kMicrophone);
     if (m_system.path.isEmpty() && m_microphone.path.isEmpty()) {
         setErrorString("No audio WAV files found in: " + directory);
         qCWarning(logPlayback).noquote() << "[KelPlaybackVoiceTrack]" << errorString();
@@ -58,20 +60,6 @@ KelPlaybackVoiceTrack::KelPlaybackVoiceTrack(const QString &directory, bool syst
 KelPlaybackVoiceTrack::~KelPlaybackVoiceTrack()
 {
     release();
-}
-
-/// The newest whole file. Of a recording that was cut off before its parts were joined, the part that begins it.
-QString KelPlaybackVoiceTrack::findFile(const QString &directory, const QString &name)
-{
-    const QDir dir(directory);
-    const QStringList files = dir.entryList({name + "*.wav"}, QDir::Files, QDir::Time);
-    const auto isPart = [](const QString &file) { return file.contains("_part"); };
-    const auto whole = std::find_if_not(files.begin(), files.end(), isPart);
-    if (whole != files.end())
-        return dir.filePath(*whole);
-    const auto first =
-        std::find_if(files.begin(), files.end(), [](const QString &f) { return f.endsWith("_part0.wav"); });
-    return first != files.end() ? dir.filePath(*first) : QString();
 }
 
 void KelPlaybackVoiceTrack::load(Source &source, const QString &failure, const KelPlaybackSeams &seams)

@@ -30,9 +30,6 @@ public:
     void paint(QPainter *painter) override;
     int nextKeyFrame() override;
 
-    /// The file in `directory` that holds the source "system_audio" or "microphone"; empty when there is none.
-    static QString findFile(const QString &directory, const QString &name);
-
     /// Moves the sound, unless it is less than 50 ms away from where it is.
     void seekToMs(qint64 ms);
     /// Starts or resumes at `ms`, with `rate` ms of recorded time in each ms.

@@ -1,11 +1,11 @@
 #include "recording/wav/WavPartMerger.h"
 
 #include "logging/Log.h"
+#include "recording/wav/SoundFiles.h"
 #include "recording/wav/WavHeader.h"
-#include "recording/wav/WavPart.h"
+#include "recording/wav/WavPartReader.h"
 
 #include <QDebug>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -54,8 +54,8 @@ private:
     void join(const QStringList &parts);
     bool begin(const QStringList &parts);
     bool join(const QString &path, const WavPartTime &time);
-    bool add(WavPart &part, const WavPartTime &time);
-    bool copyData(WavPart &part, qint64 size);
+    bool add(WavPartReader &part, const WavPartTime &time);
+    bool copyData(WavPartReader &part, qint64 size);
     bool standIn(const WavPartTime &time);
     bool addSilence(qint64 size);
     qint64 wholeFrames(qint64 size) const;
@@ -89,7 +89,7 @@ void Merger::merge(const QStringList &parts)
 bool Merger::isLate(const QString &path) const
 {
     const WavPartTime time = m_times.value(0);
-    WavPart part(path);
+    WavPartReader part(path);
     return time.durationMs > 0 && part.open() && part.header().byteRate > 0 &&
            part.dataSize() * 1000 / part.header().byteRate < time.durationMs + time.surplusMs - AudibleMs;
 }
@@ -128,7 +128,7 @@ void Merger::join(const QStringList &parts)
 bool Merger::begin(const QStringList &parts)
 {
     for (const QString &path : parts) {
-        WavPart part(path);
+        WavPartReader part(path);
         if (!part.open() || !part.hasHeader())
             continue;
         m_header = part.header();
@@ -149,7 +149,7 @@ bool Merger::begin(const QStringList &parts)
 /// False when the output takes no more.
 bool Merger::join(const QString &path, const WavPartTime &time)
 {
-    WavPart part(path);
+    WavPartReader part(path);
     if (!part.open()) {
         qCWarning(logRecording) << m_messages.cannotOpenPart << path;
         if (QFileInfo::exists(path))
@@ -183,7 +183,7 @@ bool Merger::join(const QString &path, const WavPartTime &time)
 }
 
 /// Silence stands for the time before the sound began, and for what was not delivered at the end.
-bool Merger::add(WavPart &part, const WavPartTime &time)
+bool Merger::add(WavPartReader &part, const WavPartTime &time)
 {
     if (!m_output.seek(WavHeader::Size + m_total))
         return false;
@@ -227,7 +227,7 @@ bool Merger::addSilence(qint64 size)
 }
 
 /// Ends early when the part cannot be read to its end; false when the output takes no more.
-bool Merger::copyData(WavPart &part, qint64 size)
+bool Merger::copyData(WavPartReader &part, qint64 size)
 {
     for (qint64 copied = 0; copied < size;) {
         const QByteArray bytes = part.read(qMin(ChunkSize, size - copied));
@@ -263,19 +263,11 @@ void Merger::keepProblem(const QString &problem)
 
 void reportLeftovers(const QString &output)
 {
-    const QFileInfo info(output);
-    const QStringList leftovers =
-        info.absoluteDir().entryList({info.completeBaseName() + QStringLiteral("_part*.wav")}, QDir::Files, QDir::Name);
+    const QStringList leftovers = remainingParts(output);
     if (!leftovers.isEmpty())
         qCWarning(logRecording) << "目录下仍有残留分段文件:" << leftovers;
 }
 } // namespace
-
-QString wavPartPath(const QString &output, int number)
-{
-    QString path = output;
-    return path.insert(output.lastIndexOf(QLatin1Char('.')), QStringLiteral("_part%1").arg(number));
-}
 
 QString mergePartFiles(const QStringList &parts, const QString &output)
 {

@@ -14,9 +14,6 @@ struct WavPartTime {
     qint64 surplusMs = 0;  ///< that it was recorded for after its end
 };
 
-/// Where the part of that number is, of what becomes the file `output`, "….wav".
-QString wavPartPath(const QString &output, int number);
-
 /// Join the parts of a recording, in order, into `output`, and delete each part once its sound is in there. A part that
 /// cannot be read is skipped and stays. A single part is renamed.
 ///

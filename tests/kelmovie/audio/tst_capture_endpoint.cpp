@@ -36,7 +36,7 @@ void CaptureEndpointTest::hears(EDataFlow flow, const QString &sink)
 {
     const QTemporaryDir directory;
     const QString path = directory.filePath("system_audio.wav");
-    CaptureSeams seams;
+    CaptureDependencies seams;
     seams.flow = flow;
     std::mutex mutex;
     QStringList failures;

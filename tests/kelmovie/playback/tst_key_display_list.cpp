@@ -88,7 +88,7 @@ void KeyDisplayListTest::showsBoxes()
     QFETCH(int, frame);
     QFETCH(QString, boxes);
 
-    const KeyRecording recording{30, {}, keyScript(script)};
+    const KeyLog recording{30, {}, keyScript(script)};
     const KeyDisplayList list = KeyDisplayListBuilder::build(recording, 200, {2, 3, 5});
     QCOMPARE(boxesAt(list, frame), boxes);
 }
@@ -101,7 +101,7 @@ void KeyDisplayListTest::equalsTheFrameByFrameWay()
     for (int round = 0; round < 1500; ++round) {
         const int totalFrames = random.bounded(1, 400);
         const KeyDisplayListBuilder::Limits limits{random.bounded(0, 4), random.bounded(-1, 5), random.bounded(0, 6)};
-        KeyRecording recording;
+        KeyLog recording;
         recording.fps = random.bounded(1, 60);
         const int density = random.bounded(1, 40);
         quint32 held = 0; // a modifier is only released by the key that was pressed

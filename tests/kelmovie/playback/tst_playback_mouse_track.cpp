@@ -4,7 +4,7 @@
 
 #include "playback/mouse/KelPlaybackMouseTrack.h"
 #include "playback/mouse/PointerList.h"
-#include "recording/input/CursorImages.h"
+#include "recording/input/CursorListReader.h"
 #include "support/LogCapture.h"
 #include "support/PaintedPart.h"
 #include "support/TestTable.h"

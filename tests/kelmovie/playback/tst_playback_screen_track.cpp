@@ -92,7 +92,7 @@ void PlaybackScreenTrackTest::readsIndexTable()
     if (!log.isEmpty())
         expectLog(QtCriticalMsg, log);
     std::vector<int> read{99};
-    QCOMPARE(loadFrameIndexes(recording->screenDir(), read), log.isEmpty());
+    QCOMPARE(readFrameIndex(recording->screenDir(), read), log.isEmpty());
     QCOMPARE(read, entries);
 }
 

@@ -50,7 +50,7 @@ const QByteArray SampleJson = R"({
 
 } // namespace
 
-class TestRecordingMetadata : public QObject
+class RecordingMetadataTest : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +65,7 @@ private slots:
     void savesThroughNoLink();
 };
 
-void TestRecordingMetadata::writesTheFormat()
+void RecordingMetadataTest::writesTheFormat()
 {
     const QTemporaryDir dir;
     KelRecordingMetadata loaded;
@@ -85,7 +85,7 @@ void TestRecordingMetadata::writesTheFormat()
     }
 }
 
-void TestRecordingMetadata::readsHostileValues_data()
+void RecordingMetadataTest::readsHostileValues_data()
 {
     const TestTable<QByteArray, QRect, int, qint64, double> row("json", "area", "fps", "durationMs",
                                                                 "devicePixelRatio");
@@ -117,7 +117,7 @@ void TestRecordingMetadata::readsHostileValues_data()
         1);
 }
 
-void TestRecordingMetadata::readsHostileValues()
+void RecordingMetadataTest::readsHostileValues()
 {
     QFETCH(QByteArray, json);
     KelRecordingMetadata metadata;
@@ -129,7 +129,7 @@ void TestRecordingMetadata::readsHostileValues()
     QVERIFY(metadata.totalFrames <= 1000000000000);
 }
 
-void TestRecordingMetadata::missingMembersBecomeDefaults()
+void RecordingMetadataTest::missingMembersBecomeDefaults()
 {
     LogCapture log;
     KelRecordingMetadata metadata = sample();
@@ -141,7 +141,7 @@ void TestRecordingMetadata::missingMembersBecomeDefaults()
     QCOMPARE(metadata.toJson(), expected.toJson());
 }
 
-void TestRecordingMetadata::refusesWhatIsNoMetadata_data()
+void RecordingMetadataTest::refusesWhatIsNoMetadata_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("empty") << QByteArray();
@@ -151,7 +151,7 @@ void TestRecordingMetadata::refusesWhatIsNoMetadata_data()
     QTest::newRow("endless") << QByteArray("{\"version\": \"") + QByteArray(2 << 20, 'x') + "\"}";
 }
 
-void TestRecordingMetadata::refusesWhatIsNoMetadata()
+void RecordingMetadataTest::refusesWhatIsNoMetadata()
 {
     QFETCH(QByteArray, bytes);
     const QTemporaryDir dir;
@@ -166,7 +166,7 @@ void TestRecordingMetadata::refusesWhatIsNoMetadata()
     QCOMPARE(metadata.toJson(), SampleJson);
 }
 
-void TestRecordingMetadata::failedSaveKeepsTheOldFile()
+void RecordingMetadataTest::failedSaveKeepsTheOldFile()
 {
     const QTemporaryDir dir;
     QVERIFY(sample().save(dir.path()));
@@ -182,7 +182,7 @@ void TestRecordingMetadata::failedSaveKeepsTheOldFile()
     QVERIFY(!error.isEmpty());
 }
 
-void TestRecordingMetadata::savesThroughNoLink()
+void RecordingMetadataTest::savesThroughNoLink()
 {
     const QTemporaryDir dir;
     writeFile(dir.filePath("bystander"), "untouched");
@@ -192,5 +192,5 @@ void TestRecordingMetadata::savesThroughNoLink()
     QCOMPARE(readFile(dir.filePath("TrackManager.meta")), SampleJson);
 }
 
-QTEST_GUILESS_MAIN(TestRecordingMetadata)
+QTEST_GUILESS_MAIN(RecordingMetadataTest)
 #include "tst_recording_metadata.moc"

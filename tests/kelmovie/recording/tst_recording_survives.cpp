@@ -72,7 +72,7 @@ QImage noise()
 } // namespace
 
 /// Whole recordings of a real screen that end in other ways than by a stop in peace.
-class TestRecordingSurvives : public QObject
+class RecordingSurvivesTest : public QObject
 {
     Q_OBJECT
 
@@ -89,19 +89,19 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
 };
 
-void TestRecordingSurvives::init()
+void RecordingSurvivesTest::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
 }
 
-void TestRecordingSurvives::killedProcess_data()
+void RecordingSurvivesTest::killedProcess_data()
 {
     QTest::addColumn<bool>("screenChanges");
     QTest::newRow("changing screen") << true;
     QTest::newRow("still screen") << false;
 }
 
-void TestRecordingSurvives::killedProcess()
+void RecordingSurvivesTest::killedProcess()
 {
     QFETCH(bool, screenChanges);
     PaintedWindow window(Area, qRgb(200, 0, 0));
@@ -131,7 +131,7 @@ void TestRecordingSurvives::killedProcess()
     QVERIFY(isClose(colorAt(playback, playback.totalFrames() - 1), last));
 }
 
-void TestRecordingSurvives::fullDisk()
+void RecordingSurvivesTest::fullDisk()
 {
     PaintedWindow window(Area, qRgb(0, 200, 0));
     KelMultiTrackRecorder recorder;
@@ -163,7 +163,7 @@ int main(int argc, char **argv)
     if (argc == 3 && qstrcmp(argv[1], "--record") == 0)
         return recordForever(argc, argv, QString::fromLocal8Bit(argv[2]));
     QGuiApplication app(argc, argv);
-    TestRecordingSurvives test;
+    RecordingSurvivesTest test;
     return QTest::qExec(&test, argc, argv);
 }
 

@@ -1,5 +1,5 @@
 #include "kelmovie/support/SoundFile.h"
-#include "recording/wav/LeftoverParts.h"
+#include "recording/wav/InterruptedSoundRepair.h"
 #include "recording/wav/WavPartMerger.h"
 #include "support/FileSizeLimit.h"
 #include "support/LogCapture.h"
@@ -35,7 +35,7 @@ QByteArray longWav(const QByteArray &sound)
 const QByteArray A(4000, 'a'), B((1 << 20) + 4004, 'b'), C(800, 'c');
 } // namespace
 
-class tst_wav_parts : public QObject
+class WavPartsTest : public QObject
 {
     Q_OBJECT
 
@@ -50,7 +50,7 @@ private slots:
     void joinsWhatADeadProcessLeft();
 };
 
-void tst_wav_parts::headerBytes()
+void WavPartsTest::headerBytes()
 {
     WavHeader header = WavHeader::pcm(48000, 2, 16);
     header.formatTag = WavHeader::IeeeFloat;
@@ -63,7 +63,7 @@ void tst_wav_parts::headerBytes()
     QVERIFY(!WavHeader::isRiffWave("RIFF\0\0\0\0AVI "));
 }
 
-void tst_wav_parts::sizesAreClamped()
+void WavPartsTest::sizesAreClamped()
 {
     WavHeader header;
     header.setDataSize((qint64(1) << 32) - 36);
@@ -73,7 +73,7 @@ void tst_wav_parts::sizesAreClamped()
     QCOMPARE(header.dataSize, 0xffffffffu);
 }
 
-void tst_wav_parts::join_data()
+void WavPartsTest::join_data()
 {
     // Where a part is empty there is no such file. The log is that of the system audio, see join().
     const TestTable<QList<QByteArray>, QByteArray, QStringList, QList<int>> row("parts", "output", "log", "kept");
@@ -98,7 +98,7 @@ void tst_wav_parts::join_data()
     row("a frame torn apart", {wav(A + "xyz"), wav(C)}, whole(A + C), {}, {});
 }
 
-void tst_wav_parts::join()
+void WavPartsTest::join()
 {
     QFETCH(QList<QByteArray>, parts);
     QFETCH(QByteArray, output);
@@ -146,7 +146,7 @@ void tst_wav_parts::join()
 }
 
 /// Every sound is in the output, which can be played, or in a part that is still there.
-void tst_wav_parts::fullDiskLosesNothing()
+void WavPartsTest::fullDiskLosesNothing()
 {
     const QTemporaryDir directory;
     const QStringList paths{directory.filePath("s_part0.wav"), directory.filePath("s_part1.wav"),
@@ -167,7 +167,7 @@ void tst_wav_parts::fullDiskLosesNothing()
 }
 
 /// 1000 frames of 4 bytes a second: a millisecond each.
-void tst_wav_parts::microphoneKeepsItsTime()
+void WavPartsTest::microphoneKeepsItsTime()
 {
     const QTemporaryDir directory;
     QStringList paths;
@@ -189,7 +189,7 @@ void tst_wav_parts::microphoneKeepsItsTime()
     QVERIFY(readFile(directory.filePath("late.wav")) == wav(frames(100, 0) + frames(400, 'a'), 1000, 500 * 4));
 }
 
-void tst_wav_parts::joinsWhatADeadProcessLeft_data()
+void WavPartsTest::joinsWhatADeadProcessLeft_data()
 {
     const TestTable<int, QStringList> row("ageSeconds", "files");
     row("dead", 3600, {"microphone_2.wav", "system_audio_1.wav", "system_audio_9.wav", "system_audio_9_part0.wav"});
@@ -198,7 +198,7 @@ void tst_wav_parts::joinsWhatADeadProcessLeft_data()
          "system_audio_9.wav", "system_audio_9_part0.wav"});
 }
 
-void tst_wav_parts::joinsWhatADeadProcessLeft()
+void WavPartsTest::joinsWhatADeadProcessLeft()
 {
     QFETCH(int, ageSeconds);
     QFETCH(QStringList, files);
@@ -213,7 +213,7 @@ void tst_wav_parts::joinsWhatADeadProcessLeft()
         QVERIFY(file.open(QIODevice::ReadWrite));
         QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds), QFileDevice::FileModificationTime));
     }
-    joinLeftoverParts(directory.path());
+    repairInterruptedSound(directory.path());
     QCOMPARE(QDir(directory.path()).entryList(QDir::Files, QDir::Name), files);
     if (ageSeconds > 0) {
         const QByteArray sound = A + B + C;
@@ -221,5 +221,5 @@ void tst_wav_parts::joinsWhatADeadProcessLeft()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_wav_parts)
+QTEST_GUILESS_MAIN(WavPartsTest)
 #include "tst_wav_parts.moc"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording/input/KeyRecordingReader.h"
+#include "recording/input/KeyLogReader.h"
 #include "support/Files.h"
 
 #include <QHash>

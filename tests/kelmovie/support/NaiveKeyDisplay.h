@@ -32,7 +32,7 @@ struct NaiveKeyEntry {
 };
 
 /// The display list made frame by frame, in the obvious way: what the builder's result is compared with.
-inline std::vector<NaiveKeyEntry> naiveKeyDisplay(const kel::KeyRecording &recording, int totalFrames,
+inline std::vector<NaiveKeyEntry> naiveKeyDisplay(const kel::KeyLog &recording, int totalFrames,
                                                   const kel::KeyDisplayListBuilder::Limits &limits)
 {
     const std::vector<kel::KeyRecord> &records = recording.records;

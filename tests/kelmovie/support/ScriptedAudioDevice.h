@@ -1,6 +1,6 @@
 #pragma once
 
-#include "audio/capture/CaptureSeams.h"
+#include "audio/capture/CaptureDependencies.h"
 
 #include <coreaudio/CoreAudio.h>
 
@@ -48,9 +48,9 @@ public:
     bool refusesInt16 = false;  ///< does not convert floats
     bool acceptsEvents = false; ///< and never sets the event
 
-    kel::CaptureSeams seams()
+    kel::CaptureDependencies seams()
     {
-        kel::CaptureSeams seams;
+        kel::CaptureDependencies seams;
         seams.createEnumerator = [this](IMMDeviceEnumerator **enumerator) {
             *enumerator = &m_enumerator;
             return answer(QStringLiteral("CoCreateInstance"));

@@ -9,17 +9,17 @@
 namespace kel
 {
 
-struct CaptureSeams;
+struct CaptureDependencies;
 
 /// A default device whose sound is recorded: what the output plays or, with eCapture, what the microphone hears.
 /// Belongs to one thread, which has initialised COM.
-class LoopbackDevice
+class CaptureDevice
 {
 public:
-    explicit LoopbackDevice(const CaptureSeams &seams, EDataFlow flow = eRender);
-    ~LoopbackDevice();
-    LoopbackDevice(const LoopbackDevice &) = delete;
-    LoopbackDevice &operator=(const LoopbackDevice &) = delete;
+    explicit CaptureDevice(const CaptureDependencies &seams, EDataFlow flow = eRender);
+    ~CaptureDevice();
+    CaptureDevice(const CaptureDevice &) = delete;
+    CaptureDevice &operator=(const CaptureDevice &) = delete;
 
     /// Everything up to a stream that can be started. A null format asks the device for its own. False, with
     /// everything closed again, when there is no such device or it refuses the format.
@@ -50,7 +50,7 @@ private:
     bool initialize(const CaptureFormat &format);
     qint64 plausibleTime(DWORD flags, UINT64 counterPosition, UINT32 frames) const;
 
-    const CaptureSeams &m_seams;
+    const CaptureDependencies &m_seams;
     const EDataFlow m_flow;
     CaptureFormat m_deviceFormat;
     CaptureFormat m_streamFormat;

@@ -10,10 +10,10 @@ namespace kel
 
 /// Writes "frame_indexes.dat" and keeps it valid at every moment: entries are appended first, then the count in the
 /// header is raised, so a process that dies leaves all entries up to its last update. One thread at a time.
-class FrameIndexFile
+class FrameIndexWriter
 {
 public:
-    explicit FrameIndexFile(const QString &path);
+    explicit FrameIndexWriter(const QString &path);
 
     /// Opens the file, replacing an earlier one, unless that has been done. False when it cannot be opened.
     bool open();

@@ -11,9 +11,9 @@ namespace kel
 
 /// What the capture of system audio takes from its surroundings; a test puts a scripted device and clock in their
 /// place.
-struct CaptureSeams {
+struct CaptureDependencies {
     /// That of the system.
-    CaptureSeams();
+    CaptureDependencies();
 
     std::function<HRESULT(IMMDeviceEnumerator **)> createEnumerator;
 

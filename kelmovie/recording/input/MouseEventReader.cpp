@@ -1,4 +1,4 @@
-#include "recording/input/MouseRecordReader.h"
+#include "recording/input/MouseEventReader.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -177,7 +177,7 @@ private:
 
 } // namespace
 
-bool readMouseRecords(const QString &path, const std::function<void(const MouseRecord &)> &take)
+bool readMouseEvents(const QString &path, const std::function<void(const MouseRecord &)> &take)
 {
     QFile file(path);
     // Opening a pipe would wait for its writer.

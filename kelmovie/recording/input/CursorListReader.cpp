@@ -1,4 +1,6 @@
-#include "recording/input/CursorImages.h"
+#include "recording/input/CursorListReader.h"
+
+#include "recording/KelRecordingFiles.h"
 
 #include "logging/Log.h"
 
@@ -55,13 +57,13 @@ QImage readImage(const QString &path, qint64 maxPixels)
 bool CursorImages::load(const QString &trackDir)
 {
     m_cursors.clear();
-    QFile list(trackDir + "/cursor.json");
+    QFile list(KelRecordingFiles::path(trackDir, KelRecordingFiles::kCursorList));
     if (!openBounded(list, kMaxListSize))
         return false;
     const QJsonDocument document = QJsonDocument::fromJson(list.read(kMaxListSize));
     if (!document.isObject())
         return false;
-    const QString dir = trackDir + "/cursors";
+    const QString dir = KelRecordingFiles::path(trackDir, KelRecordingFiles::kCursorImageDir);
     qint64 pixelsLeft = kMaxPixels;
     const QJsonArray entries = document.object().value(QLatin1String("cursors")).toArray();
     for (const QJsonValue &entry : entries) {

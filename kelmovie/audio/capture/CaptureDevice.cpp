@@ -1,6 +1,6 @@
-#include "audio/capture/LoopbackDevice.h"
+#include "audio/capture/CaptureDevice.h"
 
-#include "audio/capture/CaptureSeams.h"
+#include "audio/capture/CaptureDependencies.h"
 #include "logging/Log.h"
 
 #include <QDebug>
@@ -23,18 +23,18 @@ void releaseObject(Interface *&object)
 }
 } // namespace
 
-LoopbackDevice::LoopbackDevice(const CaptureSeams &seams, EDataFlow flow)
+CaptureDevice::CaptureDevice(const CaptureDependencies &seams, EDataFlow flow)
     : m_seams(seams)
     , m_flow(flow)
 {
 }
 
-LoopbackDevice::~LoopbackDevice()
+CaptureDevice::~CaptureDevice()
 {
     close();
 }
 
-bool LoopbackDevice::open(const CaptureFormat &format)
+bool CaptureDevice::open(const CaptureFormat &format)
 {
     if (FAILED(m_seams.createEnumerator(&m_enumerator)) ||
         FAILED(m_enumerator->GetDefaultAudioEndpoint(m_flow, eConsole, &m_device)) ||
@@ -57,7 +57,7 @@ bool LoopbackDevice::open(const CaptureFormat &format)
     return true;
 }
 
-bool LoopbackDevice::initialize(const CaptureFormat &format)
+bool CaptureDevice::initialize(const CaptureFormat &format)
 {
     m_deviceFormat = format;
     if (m_deviceFormat.isNull()) {
@@ -78,7 +78,7 @@ bool LoopbackDevice::initialize(const CaptureFormat &format)
     return (m_deviceFormat.isPlainFloat() && accepts(m_deviceFormat.asInt16())) || accepts(m_deviceFormat);
 }
 
-void LoopbackDevice::close()
+void CaptureDevice::close()
 {
     releaseObject(m_capture);
     releaseObject(m_client);
@@ -86,7 +86,7 @@ void LoopbackDevice::close()
     releaseObject(m_enumerator);
 }
 
-LoopbackDevice::Answer LoopbackDevice::acquire(Packet *packet)
+CaptureDevice::Answer CaptureDevice::acquire(Packet *packet)
 {
     BYTE *data = nullptr;
     UINT32 frames = 0;
@@ -104,7 +104,7 @@ LoopbackDevice::Answer LoopbackDevice::acquire(Packet *packet)
 }
 
 /// A packet whose time cannot be right was recorded just now.
-qint64 LoopbackDevice::plausibleTime(DWORD flags, UINT64 counterPosition, UINT32 frames) const
+qint64 CaptureDevice::plausibleTime(DWORD flags, UINT64 counterPosition, UINT32 frames) const
 {
     const qint64 nowMs = m_seams.nowMs();
     const qint64 statedMs = qint64(counterPosition / CounterUnitsPerMs);
@@ -113,7 +113,7 @@ qint64 LoopbackDevice::plausibleTime(DWORD flags, UINT64 counterPosition, UINT32
     return statedMs;
 }
 
-void LoopbackDevice::release()
+void CaptureDevice::release()
 {
     m_capture->ReleaseBuffer(m_heldFrames);
     m_heldFrames = 0;

@@ -1,4 +1,4 @@
-#include "recording/wav/WavPart.h"
+#include "recording/wav/WavPartReader.h"
 
 #include <QtEndian>
 
@@ -14,12 +14,12 @@ constexpr int SubFormatOffset = 24; // in the extensible form; its first two byt
 constexpr quint32 MaxFmtSize = 1024;
 } // namespace
 
-WavPart::WavPart(const QString &path)
+WavPartReader::WavPartReader(const QString &path)
     : m_file(path)
 {
 }
 
-bool WavPart::open()
+bool WavPartReader::open()
 {
     if (!m_file.open(QIODevice::ReadOnly))
         return false;
@@ -28,7 +28,7 @@ bool WavPart::open()
     return true;
 }
 
-void WavPart::findSound()
+void WavPartReader::findSound()
 {
     const QByteArray start = m_file.read(WavHeader::Size);
     if (start.size() < WavHeader::Size || !WavHeader::isRiffWave(start.constData()))
@@ -56,7 +56,7 @@ void WavPart::findSound()
     m_fmtChunk = start.mid(WavHeader::FmtChunkOffset, WavHeader::FmtChunkSize);
 }
 
-void WavPart::takeFormat(const QByteArray &chunk)
+void WavPartReader::takeFormat(const QByteArray &chunk)
 {
     if (chunk.size() < FmtSize)
         return;

@@ -1,4 +1,4 @@
-#include "recording/wav/SoundPartFile.h"
+#include "recording/wav/WavPartWriter.h"
 
 namespace kel
 {
@@ -10,17 +10,17 @@ constexpr qint64 ToleranceMs = 50;
 constexpr int ZerosSize = 1 << 16;
 } // namespace
 
-SoundPartFile::SoundPartFile(const WavHeader &format)
+WavPartWriter::WavPartWriter(const WavHeader &format)
     : m_format(format)
 {
 }
 
-SoundPartFile::~SoundPartFile()
+WavPartWriter::~WavPartWriter()
 {
     close();
 }
 
-bool SoundPartFile::open(const QString &path, qint64 startMs)
+bool WavPartWriter::open(const QString &path, qint64 startMs)
 {
     close();
     m_startMs = startMs;
@@ -42,12 +42,12 @@ bool SoundPartFile::open(const QString &path, qint64 startMs)
     return true;
 }
 
-void SoundPartFile::writeSilence()
+void WavPartWriter::writeSilence()
 {
     appendZeros(qint64(m_format.sampleRate / 10) * m_format.blockAlign);
 }
 
-void SoundPartFile::writePacket(const char *data, qint64 size, qint64 recordedAtMs)
+void WavPartWriter::writePacket(const char *data, qint64 size, qint64 recordedAtMs)
 {
     if (!isOpen())
         return;
@@ -72,12 +72,12 @@ void SoundPartFile::writePacket(const char *data, qint64 size, qint64 recordedAt
     m_soundEnd = m_size;
 }
 
-void SoundPartFile::setEnd(qint64 endMs)
+void WavPartWriter::setEnd(qint64 endMs)
 {
     m_end = qMax(qint64(0), bytesAt(endMs));
 }
 
-void SoundPartFile::updateSizes()
+void WavPartWriter::updateSizes()
 {
     if (!isOpen())
         return;
@@ -85,7 +85,7 @@ void SoundPartFile::updateSizes()
         fail();
 }
 
-void SoundPartFile::close()
+void WavPartWriter::close()
 {
     if (!isOpen())
         return;
@@ -95,12 +95,12 @@ void SoundPartFile::close()
     m_file.close();
 }
 
-qint64 SoundPartFile::bytesAt(qint64 ms) const
+qint64 WavPartWriter::bytesAt(qint64 ms) const
 {
     return (ms - m_startMs) * m_format.sampleRate / 1000 * m_format.blockAlign;
 }
 
-void SoundPartFile::resizeTo(qint64 size)
+void WavPartWriter::resizeTo(qint64 size)
 {
     if (size > m_size) {
         appendZeros(size - m_size);
@@ -112,7 +112,7 @@ void SoundPartFile::resizeTo(qint64 size)
     }
 }
 
-void SoundPartFile::appendZeros(qint64 size)
+void WavPartWriter::appendZeros(qint64 size)
 {
     static const QByteArray zeros(ZerosSize, '\0');
     while (size > 0 && append(zeros.constData(), qMin(size, qint64(ZerosSize))))
@@ -120,7 +120,7 @@ void SoundPartFile::appendZeros(qint64 size)
 }
 
 /// Keeps whole frames only: a torn one would exchange the channels of all that follows.
-bool SoundPartFile::append(const char *data, qint64 size)
+bool WavPartWriter::append(const char *data, qint64 size)
 {
     const qint64 written = m_file.isOpen() ? m_file.write(data, size) : 0;
     if (written == size) {
@@ -137,7 +137,7 @@ bool SoundPartFile::append(const char *data, qint64 size)
     return false;
 }
 
-void SoundPartFile::fail()
+void WavPartWriter::fail()
 {
     if (m_error.isEmpty())
         m_error = QStringLiteral("cannot write %1: %2").arg(m_file.fileName(), m_file.errorString());

@@ -11,10 +11,10 @@ namespace kel
 
 /// A part file opened for joining: where its sound begins, whatever stands before it. No size that the file states
 /// about its sound is trusted; a part that was never completed has all the sound that is in the file.
-class WavPart
+class WavPartReader
 {
 public:
-    explicit WavPart(const QString &path);
+    explicit WavPartReader(const QString &path);
 
     bool open();
     void close() { m_file.close(); }

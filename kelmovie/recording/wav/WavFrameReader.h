@@ -10,7 +10,7 @@ namespace kel
 
 /// A WAV file that is being played: finds the samples behind any chunks, and reads them as they are needed, so that a
 /// recording of hours takes no more memory than one of seconds. The file is treated as hostile.
-class WavPlaybackFile
+class WavFrameReader
 {
 public:
     /// False when the file cannot be played; errorString() tells why.

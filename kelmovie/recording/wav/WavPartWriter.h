@@ -13,11 +13,11 @@ namespace kel
 ///
 /// Silence only stands in for sound that has not come. Where sound comes after all, it takes the place of the silence;
 /// sound itself is never overwritten. A write that fails is kept in errorString(); later ones are tried all the same.
-class SoundPartFile
+class WavPartWriter
 {
 public:
-    explicit SoundPartFile(const WavHeader &format);
-    ~SoundPartFile();
+    explicit WavPartWriter(const WavHeader &format);
+    ~WavPartWriter();
 
     /// Begins a part at `startMs` of the steady clock, with a header and no sound. An existing file is replaced.
     bool open(const QString &path, qint64 startMs);

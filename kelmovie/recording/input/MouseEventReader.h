@@ -23,6 +23,6 @@ struct MouseRecord {
 /// Reads the array of records in the file `path`, and hands over one after the other, which lasts for the call only.
 /// False when it is not a file, too large, or not an array from start to end; records before the damage were handed
 /// over then. Frames and coordinates stay within ±1e9 and ±1e6, so that one may calculate with them.
-bool readMouseRecords(const QString &path, const std::function<void(const MouseRecord &)> &take);
+bool readMouseEvents(const QString &path, const std::function<void(const MouseRecord &)> &take);
 
 } // namespace kel

@@ -1,4 +1,4 @@
-#include "recording/wav/WavPlaybackFile.h"
+#include "recording/wav/WavFrameReader.h"
 
 #include "recording/wav/WavHeader.h"
 
@@ -23,7 +23,7 @@ constexpr quint32 kMaxRate = 10'000'000; // Hz; keeps every product of a rate an
 
 } // namespace
 
-bool WavPlaybackFile::open(const QString &path)
+bool WavFrameReader::open(const QString &path)
 {
     close();
     m_file.setFileName(path);
@@ -38,7 +38,7 @@ bool WavPlaybackFile::open(const QString &path)
     return true;
 }
 
-void WavPlaybackFile::close()
+void WavFrameReader::close()
 {
     m_file.close();
     m_format = QAudioFormat();
@@ -47,12 +47,12 @@ void WavPlaybackFile::close()
     m_windowFirst = m_windowFrames = 0;
 }
 
-qint64 WavPlaybackFile::durationMs() const
+qint64 WavFrameReader::durationMs() const
 {
     return isOpen() ? m_frameCount * 1000 / m_format.sampleRate() : 0;
 }
 
-bool WavPlaybackFile::walkChunks()
+bool WavFrameReader::walkChunks()
 {
     const QByteArray riff = m_file.read(kRiffHeaderSize);
     if (riff.size() != kRiffHeaderSize || !WavHeader::isRiffWave(riff.constData()))
@@ -87,7 +87,7 @@ bool WavPlaybackFile::walkChunks()
     return (hasFormat && hasData) || fail("Invalid WAV file: missing fmt or data chunk");
 }
 
-bool WavPlaybackFile::readFormat(quint32 size)
+bool WavFrameReader::readFormat(quint32 size)
 {
     const QByteArray fmt = m_file.read(std::min<qint64>(size, kFmtSize));
     if (fmt.size() < kFmtSize)
@@ -96,7 +96,7 @@ bool WavPlaybackFile::readFormat(quint32 size)
                      qFromLittleEndian<quint32>(fmt.constData() + 4), qFromLittleEndian<quint16>(fmt.constData() + 14));
 }
 
-bool WavPlaybackFile::setFormat(int tag, quint32 channels, quint32 rate, int bits)
+bool WavFrameReader::setFormat(int tag, quint32 channels, quint32 rate, int bits)
 {
     const bool isInteger = tag == WavHeader::Pcm || tag == WavHeader::Extensible;
     if (!isInteger && tag != WavHeader::IeeeFloat)
@@ -116,7 +116,7 @@ bool WavPlaybackFile::setFormat(int tag, quint32 channels, quint32 rate, int bit
     return true;
 }
 
-const char *WavPlaybackFile::frame(qint64 index)
+const char *WavFrameReader::frame(qint64 index)
 {
     if (index < 0 || index >= m_frameCount)
         return nullptr;
@@ -134,7 +134,7 @@ const char *WavPlaybackFile::frame(qint64 index)
     return m_window.constData() + (index - m_windowFirst) * size;
 }
 
-bool WavPlaybackFile::fail(const QString &text)
+bool WavFrameReader::fail(const QString &text)
 {
     m_errorString = text;
     return false;

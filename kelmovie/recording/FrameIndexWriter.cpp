@@ -1,4 +1,4 @@
-#include "recording/FrameIndexFile.h"
+#include "recording/FrameIndexWriter.h"
 
 #include "recording/FileWriting.h"
 
@@ -14,18 +14,18 @@ constexpr qint64 EntriesOffset = 8;
 constexpr qint64 EntrySize = 4;
 } // namespace
 
-FrameIndexFile::FrameIndexFile(const QString &path)
+FrameIndexWriter::FrameIndexWriter(const QString &path)
     : m_file(path)
 {
 }
 
-bool FrameIndexFile::open()
+bool FrameIndexWriter::open()
 {
     // Unbuffered: entries must reach the file before the count that vouches for them.
     return m_file.isOpen() || m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
 }
 
-bool FrameIndexFile::update(const std::vector<qint64> &entries)
+bool FrameIndexWriter::update(const std::vector<qint64> &entries)
 {
     if (!open())
         return false;
@@ -44,13 +44,13 @@ bool FrameIndexFile::update(const std::vector<qint64> &entries)
     return true;
 }
 
-void FrameIndexFile::close()
+void FrameIndexWriter::close()
 {
     m_file.close();
     m_count = -1;
 }
 
-bool FrameIndexFile::writeAt(qint64 offset, const std::vector<qint64> &numbers)
+bool FrameIndexWriter::writeAt(qint64 offset, const std::vector<qint64> &numbers)
 {
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);

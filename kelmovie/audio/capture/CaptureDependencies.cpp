@@ -1,4 +1,4 @@
-#include "audio/capture/CaptureSeams.h"
+#include "audio/capture/CaptureDependencies.h"
 
 #include <QElapsedTimer>
 #include <QThread>
@@ -12,7 +12,7 @@ namespace
 constexpr unsigned long RestMs = 20;
 } // namespace
 
-CaptureSeams::CaptureSeams()
+CaptureDependencies::CaptureDependencies()
     : createEnumerator([](IMMDeviceEnumerator **enumerator) {
         return CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_ALL, IID_IMMDeviceEnumerator,
                                 reinterpret_cast<void **>(enumerator));

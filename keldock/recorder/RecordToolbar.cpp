@@ -7,6 +7,7 @@
 
 #include <KelMovie/KelConfigIO.h>
 #include <KelMovie/KelMovieConfig.h>
+#include <KelMovie/KelMovieConfigKeys.h>
 #include <KelMovie/KelRecordButton.h>
 #include <KelMovie/KelRecordFpsLabel.h>
 #include <KelMovie/KelRecordPauseButton.h>
@@ -124,19 +125,19 @@ RecordToolbar::RecordToolbar(QWidget *parent)
     d->systemAudio = d->createSwitch(
         this, tr("System sound"), {Glyph::Speaker, tr("System sound is recorded. Click to leave it out")},
         {Glyph::SpeakerOff, tr("System sound is not recorded. Click to record it")},
-        QStringLiteral("KelMovie.record.recordSystemAudio"), &KelMovieConfig::recordRecordSystemAudio);
+        KelMovieConfigKeys::kRecordRecordSystemAudio, &KelMovieConfig::recordRecordSystemAudio);
     d->microphone = d->createSwitch(
         this, tr("Microphone"), {Glyph::Microphone, tr("The microphone is recorded. Click to leave it out")},
         {Glyph::MicrophoneOff, tr("The microphone is not recorded. Click to record it")},
-        QStringLiteral("KelMovie.record.recordMicrophone"), &KelMovieConfig::recordRecordMicrophone);
+        KelMovieConfigKeys::kRecordRecordMicrophone, &KelMovieConfig::recordRecordMicrophone);
     d->mouse = d->createSwitch(this, tr("Mouse"), {Glyph::Mouse, tr("The mouse is recorded. Click to leave it out")},
                                {Glyph::Mouse, tr("The mouse is not recorded. Click to record it")},
-                               QStringLiteral("KelMovie.record.mouse"), &KelMovieConfig::recordMouse);
+                               KelMovieConfigKeys::kRecordMouse, &KelMovieConfig::recordMouse);
     d->keys = d->createSwitch(
         this, tr("Keys"),
         {Glyph::Keyboard, tr("Keys are recorded, passwords too. Click before you type what nobody shall see")},
-        {Glyph::KeyboardOff, tr("Keys are not recorded. Click to record them")},
-        QStringLiteral("KelMovie.record.keyboard"), &KelMovieConfig::recordKeyboard);
+        {Glyph::KeyboardOff, tr("Keys are not recorded. Click to record them")}, KelMovieConfigKeys::kRecordKeyboard,
+        &KelMovieConfig::recordKeyboard);
     d->area = createButton(Glyph::Area, tr("Choose the area to record"), this);
     QPushButton *const recordings = createButton(Glyph::Folder, tr("Recordings"), this);
     QPushButton *const settings = createButton(Glyph::Settings, tr("Settings"), this);

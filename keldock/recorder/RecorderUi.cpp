@@ -5,6 +5,7 @@
 
 #include <KelMovie/KelConfigIO.h>
 #include <KelMovie/KelMovieConfig.h>
+#include <KelMovie/KelMovieConfigKeys.h>
 
 #include <QCheckBox>
 #include <QGuiApplication>
@@ -186,9 +187,9 @@ bool RecorderUi::mayRecordKeys()
     if (box.clickedButton() != with && box.clickedButton() != without)
         return false;
     if (dontAsk->isChecked())
-        m_io.saveBool(QStringLiteral("KelMovie.record.dontShowRecordingWarning"), true);
+        m_io.saveBool(KelMovieConfigKeys::kRecordDontShowRecordingWarning, true);
     if (box.clickedButton() == without) {
-        m_io.saveBool(QStringLiteral("KelMovie.record.keyboard"), false);
+        m_io.saveBool(KelMovieConfigKeys::kRecordKeyboard, false);
         m_toolbar.refresh();
     }
     return m_controller.state() == State::Idle;

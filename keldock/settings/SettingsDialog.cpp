@@ -10,6 +10,7 @@
 
 #include <KelMovie/AudioSettingsPanel.h>
 #include <KelMovie/KelMovieConfig.h>
+#include <KelMovie/KelMovieConfigKeys.h>
 
 #include <QDir>
 #include <QEvent>
@@ -51,19 +52,19 @@ QWidget *SettingsDialog::createRecordingPage()
     for (const int fps : {5, 16, 24, 60})
         rates.append({tr("%1 frames a second").arg(fps), fps});
     addNumberChoice(form, {tr("&Frame rate"), tr("More frames show motion better and need more room")},
-                    QStringLiteral("KelMovie.record.fps"), rates, gKelMovieConfig.recordFps);
+                    KelMovieConfigKeys::kRecordFps, rates, gKelMovieConfig.recordFps);
     QVector<QPair<QString, int>> delays{{tr("At once"), 0}};
     for (const int seconds : {1, 2, 3, 5, 10})
         delays.append({tr("After %1 s").arg(seconds), seconds});
     addNumberChoice(form, {tr("&Start"), tr("Time to get ready after the record button")},
-                    QStringLiteral("KelMovie.record.delay"), delays, gKelMovieConfig.recordDelay);
+                    KelMovieConfigKeys::kRecordDelay, delays, gKelMovieConfig.recordDelay);
     addSwitch(form, {tr("Record the &mouse"), tr("Pointer, clicks and wheel, which can be hidden again later")},
-              QStringLiteral("KelMovie.record.mouse"), gKelMovieConfig.recordMouse);
+              KelMovieConfigKeys::kRecordMouse, gKelMovieConfig.recordMouse);
     addSwitch(form, {tr("Record the &keys that are typed"), tr("In whichever program; passwords, too")},
-              QStringLiteral("KelMovie.record.keyboard"), gKelMovieConfig.recordKeyboard);
+              KelMovieConfigKeys::kRecordKeyboard, gKelMovieConfig.recordKeyboard);
     addSwitch(form, {tr("&Ask before keys are recorded"), tr("At the start of each recording with keys")},
-              QStringLiteral("KelMovie.record.dontShowRecordingWarning"),
-              !gKelMovieConfig.recordDontShowRecordingWarning, true);
+              KelMovieConfigKeys::kRecordDontShowRecordingWarning, !gKelMovieConfig.recordDontShowRecordingWarning,
+              true);
     return page;
 }
 
@@ -137,7 +138,7 @@ QWidget *SettingsDialog::createProgramPage()
     addNumberChoice(form, {tr("&Theme"), tr("Colors of the windows")}, DockSettings::ThemeKey,
                     {{tr("As the desktop"), 0}, {tr("Light"), 1}, {tr("Dark"), 2}}, m_settings.theme);
     addNumberChoice(form, {tr("T&oolbar"), tr("Buttons that the toolbar shows")},
-                    QStringLiteral("KelMovie.record.recordToolbarDisplayType"),
+                    KelMovieConfigKeys::kRecordRecordToolbarDisplayType,
                     {{tr("All buttons"), 0}, {tr("The most important buttons"), 1}},
                     gKelMovieConfig.recordRecordToolbarDisplayType);
     auto *const language = new ChoiceBox(page);
@@ -157,7 +158,7 @@ QWidget *SettingsDialog::createProgramPage()
     addSwitch(
         form,
         {tr("Play with the &graphics card"), tr("Recordings are decoded by the graphics card where it is able to")},
-        QStringLiteral("KelMovie.record.enableHardwareAcceleration"), gKelMovieConfig.recordEnableHardwareAcceleration);
+        KelMovieConfigKeys::kRecordEnableHardwareAcceleration, gKelMovieConfig.recordEnableHardwareAcceleration);
     return page;
 }
 

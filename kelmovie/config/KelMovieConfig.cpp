@@ -1,70 +1,72 @@
 #include "config/KelMovieConfig.h"
 
 #include "config/KelConfigIO.h"
+#include "config/KelMovieConfigKeys.h"
 
 KelMovieConfig gKelMovieConfig;
 KelConfigIO *gKelMovieConfigIO = nullptr;
+
+using namespace KelMovieConfigKeys;
 
 namespace
 {
 void bindProgress(KelConfigIO *io, KelMovieConfig &config)
 {
-    io->bindBool(QStringLiteral("KelMovie.playback.progress.enable"), &config.playbackProgressEnable);
-    io->bindInt(QStringLiteral("KelMovie.playback.progress.displayMode"), &config.playbackProgressDisplayMode);
-    io->bindColor(QStringLiteral("KelMovie.playback.progress.fgColor"), &config.playbackProgressFgColor);
-    io->bindColor(QStringLiteral("KelMovie.playback.progress.bgColor"), &config.playbackProgressBgColor);
-    io->bindInt(QStringLiteral("KelMovie.playback.progress.size"), &config.playbackProgressSize);
-    io->bindInt(QStringLiteral("KelMovie.playback.progress.round"), &config.playbackProgressRound);
-    io->bindInt(QStringLiteral("KelMovie.playback.progress.gapTime"), &config.playbackProgressGapTime);
+    io->bindBool(kPlaybackProgressEnable, &config.playbackProgressEnable);
+    io->bindInt(kPlaybackProgressDisplayMode, &config.playbackProgressDisplayMode);
+    io->bindColor(kPlaybackProgressFgColor, &config.playbackProgressFgColor);
+    io->bindColor(kPlaybackProgressBgColor, &config.playbackProgressBgColor);
+    io->bindInt(kPlaybackProgressSize, &config.playbackProgressSize);
+    io->bindInt(kPlaybackProgressRound, &config.playbackProgressRound);
+    io->bindInt(kPlaybackProgressGapTime, &config.playbackProgressGapTime);
 }
 
 void bindMouse(KelConfigIO *io, KelMovieConfig &config)
 {
-    io->bindBool(QStringLiteral("KelMovie.playback.mouse.enable"), &config.playbackMouseEnable);
-    io->bindInt(QStringLiteral("KelMovie.playback.mouse.showActionButton"), &config.playbackMouseShowActionButton);
-    io->bindBool(QStringLiteral("KelMovie.playback.mouse.showWheel"), &config.playbackMouseShowWheel);
-    io->bindColor(QStringLiteral("KelMovie.playback.mouse.color"), &config.playbackMouseColor);
-    io->bindInt(QStringLiteral("KelMovie.playback.mouse.size"), &config.playbackMouseSize);
+    io->bindBool(kPlaybackMouseEnable, &config.playbackMouseEnable);
+    io->bindInt(kPlaybackMouseShowActionButton, &config.playbackMouseShowActionButton);
+    io->bindBool(kPlaybackMouseShowWheel, &config.playbackMouseShowWheel);
+    io->bindColor(kPlaybackMouseColor, &config.playbackMouseColor);
+    io->bindInt(kPlaybackMouseSize, &config.playbackMouseSize);
 }
 
 void bindKeyboard(KelConfigIO *io, KelMovieConfig &config)
 {
-    io->bindInt(QStringLiteral("KelMovie.playback.keyboard.showKeyType"), &config.playbackKeyboardShowKeyType);
-    io->bindInt(QStringLiteral("KelMovie.playback.keyboard.maxContinueChar"), &config.playbackKeyboardMaxContinueChar);
-    io->bindInt(QStringLiteral("KelMovie.playback.keyboard.keepTime"), &config.playbackKeyboardKeepTime);
-    io->bindInt(QStringLiteral("KelMovie.playback.keyboard.displayPos"), &config.playbackKeyboardDisplayPos);
-    io->bindInt(QStringLiteral("KelMovie.playback.keyboard.fontSizePx"), &config.playbackKeyboardFontSizePx);
-    io->bindColor(QStringLiteral("KelMovie.playback.keyboard.fontColor"), &config.playbackKeyboardFontColor);
-    io->bindColor(QStringLiteral("KelMovie.playback.keyboard.bgColor"), &config.playbackKeyboardBgColor);
-    io->bindInt(QStringLiteral("KelMovie.playback.keyboard.historyFontSize"), &config.playbackKeyboardHistoryFontSize);
-    io->bindInt(QStringLiteral("KelMovie.playback.keyboard.maxHistoryCount"), &config.playbackKeyboardMaxHistoryCount);
-    io->bindFont(QStringLiteral("KelMovie.playback.keyboard.font"), &config.playbackKeyboardFont);
+    io->bindInt(kPlaybackKeyboardShowKeyType, &config.playbackKeyboardShowKeyType);
+    io->bindInt(kPlaybackKeyboardMaxContinueChar, &config.playbackKeyboardMaxContinueChar);
+    io->bindInt(kPlaybackKeyboardKeepTime, &config.playbackKeyboardKeepTime);
+    io->bindInt(kPlaybackKeyboardDisplayPos, &config.playbackKeyboardDisplayPos);
+    io->bindInt(kPlaybackKeyboardFontSizePx, &config.playbackKeyboardFontSizePx);
+    io->bindColor(kPlaybackKeyboardFontColor, &config.playbackKeyboardFontColor);
+    io->bindColor(kPlaybackKeyboardBgColor, &config.playbackKeyboardBgColor);
+    io->bindInt(kPlaybackKeyboardHistoryFontSize, &config.playbackKeyboardHistoryFontSize);
+    io->bindInt(kPlaybackKeyboardMaxHistoryCount, &config.playbackKeyboardMaxHistoryCount);
+    io->bindFont(kPlaybackKeyboardFont, &config.playbackKeyboardFont);
 }
 
 void bindAudio(KelConfigIO *io, KelMovieConfig &config)
 {
-    io->bindInt(QStringLiteral("KelMovie.playback.audio.system.volume"), &config.playbackAudioSystemVolume);
-    io->bindBool(QStringLiteral("KelMovie.playback.audio.system.muted"), &config.playbackAudioSystemMuted);
-    io->bindBool(QStringLiteral("KelMovie.playback.audio.system.enabled"), &config.playbackAudioSystemEnabled);
-    io->bindInt(QStringLiteral("KelMovie.playback.audio.system.gain"), &config.playbackAudioSystemGain);
-    io->bindInt(QStringLiteral("KelMovie.playback.audio.microphone.volume"), &config.playbackAudioMicrophoneVolume);
-    io->bindBool(QStringLiteral("KelMovie.playback.audio.microphone.muted"), &config.playbackAudioMicrophoneMuted);
-    io->bindBool(QStringLiteral("KelMovie.playback.audio.microphone.enabled"), &config.playbackAudioMicrophoneEnabled);
-    io->bindInt(QStringLiteral("KelMovie.playback.audio.microphone.gain"), &config.playbackAudioMicrophoneGain);
+    io->bindInt(kPlaybackAudioSystemVolume, &config.playbackAudioSystemVolume);
+    io->bindBool(kPlaybackAudioSystemMuted, &config.playbackAudioSystemMuted);
+    io->bindBool(kPlaybackAudioSystemEnabled, &config.playbackAudioSystemEnabled);
+    io->bindInt(kPlaybackAudioSystemGain, &config.playbackAudioSystemGain);
+    io->bindInt(kPlaybackAudioMicrophoneVolume, &config.playbackAudioMicrophoneVolume);
+    io->bindBool(kPlaybackAudioMicrophoneMuted, &config.playbackAudioMicrophoneMuted);
+    io->bindBool(kPlaybackAudioMicrophoneEnabled, &config.playbackAudioMicrophoneEnabled);
+    io->bindInt(kPlaybackAudioMicrophoneGain, &config.playbackAudioMicrophoneGain);
 }
 
 void bindRecord(KelConfigIO *io, KelMovieConfig &config)
 {
-    io->bindInt(QStringLiteral("KelMovie.record.delay"), &config.recordDelay);
-    io->bindInt(QStringLiteral("KelMovie.record.fps"), &config.recordFps);
-    io->bindBool(QStringLiteral("KelMovie.record.keyboard"), &config.recordKeyboard);
-    io->bindBool(QStringLiteral("KelMovie.record.mouse"), &config.recordMouse);
-    io->bindBool(QStringLiteral("KelMovie.record.recordSystemAudio"), &config.recordRecordSystemAudio);
-    io->bindBool(QStringLiteral("KelMovie.record.recordMicrophone"), &config.recordRecordMicrophone);
-    io->bindBool(QStringLiteral("KelMovie.record.dontShowRecordingWarning"), &config.recordDontShowRecordingWarning);
-    io->bindInt(QStringLiteral("KelMovie.record.recordToolbarDisplayType"), &config.recordRecordToolbarDisplayType);
-    io->bindBool(QStringLiteral("KelMovie.record.enableHardwareAcceleration"),
-                 &config.recordEnableHardwareAcceleration);
+    io->bindInt(kRecordDelay, &config.recordDelay);
+    io->bindInt(kRecordFps, &config.recordFps);
+    io->bindBool(kRecordKeyboard, &config.recordKeyboard);
+    io->bindBool(kRecordMouse, &config.recordMouse);
+    io->bindBool(kRecordRecordSystemAudio, &config.recordRecordSystemAudio);
+    io->bindBool(kRecordRecordMicrophone, &config.recordRecordMicrophone);
+    io->bindBool(kRecordDontShowRecordingWarning, &config.recordDontShowRecordingWarning);
+    io->bindInt(kRecordRecordToolbarDisplayType, &config.recordRecordToolbarDisplayType);
+    io->bindBool(kRecordEnableHardwareAcceleration, &config.recordEnableHardwareAcceleration);
 }
 } // namespace
 
@@ -77,11 +79,18 @@ void KelMovieConfigInit(KelConfigIO *io)
     bindProgress(io, gKelMovieConfig);
     bindMouse(io, gKelMovieConfig);
     bindKeyboard(io, gKelMovieConfig);
-    io->bindInt(QStringLiteral("KelMovie.playback.encodeFormat"), &gKelMovieConfig.playbackEncodeFormat);
+    io->bindInt(kPlaybackEncodeFormat, &gKelMovieConfig.playbackEncodeFormat);
     bindAudio(io, gKelMovieConfig);
     bindRecord(io, gKelMovieConfig);
-    io->bindInt(QStringLiteral("KelMovie.encode.gif.playLoop"), &gKelMovieConfig.encodeGifPlayLoop);
-    io->bindBool(QStringLiteral("KelMovie.encode.exitRecordAfterEncode"), &gKelMovieConfig.encodeExitRecordAfterEncode);
+    io->bindInt(kEncodeGifPlayLoop, &gKelMovieConfig.encodeGifPlayLoop);
+    io->bindBool(kEncodeExitRecordAfterEncode, &gKelMovieConfig.encodeExitRecordAfterEncode);
+}
+
+void KelMovieSaveExitRecordAfterEncode(bool on)
+{
+    gKelMovieConfig.encodeExitRecordAfterEncode = on;
+    if (gKelMovieConfigIO)
+        gKelMovieConfigIO->saveBool(kEncodeExitRecordAfterEncode, on);
 }
 
 QString KelMovieFormatSuffix()
@@ -100,13 +109,13 @@ QString KelMovieFormatSuffix()
 
 int KelMovieExportQuality(int balanced)
 {
-    constexpr int small = 60;
-    constexpr int best = 100;
+    constexpr int kSmall = 60;
+    constexpr int kBest = 100;
     switch (gKelMovieConfig.saveQuality) {
     case 0:
-        return small;
+        return kSmall;
     case 2:
-        return best;
+        return kBest;
     default:
         return balanced;
     }

@@ -11,9 +11,8 @@ class KelConfigIO;
 /// All settings of the module. Holds the current values at any time: read it at the moment of use, on the GUI thread,
 /// and copy nothing. The host sees the record too, so the order of the fields is part of the interface.
 ///
-/// The key of a field in the host's store is "KelMovie." and the field's name with dots, such as
-/// "KelMovie.record.fps" for recordFps. The hostReserved fields, the types and the replacing of mouse effects and
-/// saveQuality have no key and are never persisted.
+/// KelMovieConfigKeys.h has the key of each persisted field in the host's store. The hostReserved fields, the types and
+/// the replacing of mouse effects and saveQuality have no key and are never persisted.
 struct KelMovieConfig {
     bool playbackMouseEnable = true;
     int playbackMouseShowActionButton = 7; ///< bit set: 1 left click, 2 right click, 4 middle click
@@ -75,6 +74,10 @@ extern KELMOVIE_EXPORT KelConfigIO *gKelMovieConfigIO;
 /// called once, before any widget or recorder exists. With null the defaults stay and nothing is persisted; settings
 /// panels must not be shown then.
 KELMOVIE_EXPORT void KelMovieConfigInit(KelConfigIO *io);
+
+/// Sets encodeExitRecordAfterEncode and saves it in the host's store, if there is one. GUI thread. Fits
+/// KelExportRequest::onExitRecord.
+KELMOVIE_EXPORT void KelMovieSaveExitRecordAfterEncode(bool on);
 
 /// File suffix, without dot, of the format chosen in playbackEncodeFormat: "mp4", "gif", "apng" or "webp"; "gif" for
 /// any other value.

@@ -1,6 +1,5 @@
 #include "facade/KelMultiTrackRecorder.h"
 
-#include "config/KelConfigIO.h"
 #include "config/KelMovieConfig.h"
 #include "export/KelExportPipeline.h"
 #include "logging/Log.h"
@@ -21,13 +20,6 @@
 
 namespace
 {
-
-void saveExitRecordAfterEncode(bool on)
-{
-    gKelMovieConfig.encodeExitRecordAfterEncode = on;
-    if (gKelMovieConfigIO)
-        gKelMovieConfigIO->saveBool(QStringLiteral("KelMovie.encode.exitRecordAfterEncode"), on);
-}
 
 enum class ExportResult { Complete, Cancelled, Failed };
 
@@ -298,7 +290,7 @@ bool KelMultiTrackRecorder::runExport(KelExportRequest request, const QString &f
     request.speed = d->playbackManager->speed();
     request.loops = gKelMovieConfig.encodeGifPlayLoop;
     request.autoExitAfterEncode = gKelMovieConfig.encodeExitRecordAfterEncode;
-    request.onExitRecord = saveExitRecordAfterEncode;
+    request.onExitRecord = KelMovieSaveExitRecordAfterEncode;
     const ExportResult result = exportAsRequested(request);
     if (result == ExportResult::Failed)
         reportError(failure);

@@ -3,24 +3,11 @@
 #include "play/export/ExportOptionsDialog.h"
 #include "play/player/Player.h"
 
-#include <KelMovie/KelConfigIO.h>
 #include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelPlaybackExportDialog.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QFileInfo>
-
-namespace
-{
-
-void saveExitAfterExport(bool on)
-{
-    gKelMovieConfig.encodeExitRecordAfterEncode = on;
-    if (gKelMovieConfigIO)
-        gKelMovieConfigIO->saveBool(QStringLiteral("KelMovie.encode.exitRecordAfterEncode"), on);
-}
-
-} // namespace
 
 RecordingExport::RecordingExport(Player *player, QWidget *window)
     : QObject(window)
@@ -60,7 +47,7 @@ KelExportRequest RecordingExport::request(const QString &path) const
     request.loops = gKelMovieConfig.encodeGifPlayLoop;
     request.fromRecording = m_isFromRecording;
     request.autoExitAfterEncode = gKelMovieConfig.encodeExitRecordAfterEncode;
-    request.onExitRecord = saveExitAfterExport;
+    request.onExitRecord = KelMovieSaveExitRecordAfterEncode;
     return request;
 }
 

@@ -9,7 +9,7 @@ namespace kel
 /// A field of the settings record with its key in the host's store; without a key it lasts as long as the program.
 template <typename T>
 struct Setting {
-    const char *key;
+    QLatin1String key; ///< empty: not persisted
     T KelMovieConfig::*field;
 
     const T &value() const { return gKelMovieConfig.*field; }

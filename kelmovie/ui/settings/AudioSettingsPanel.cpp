@@ -1,5 +1,6 @@
 #include "ui/settings/AudioSettingsPanel.h"
 
+#include "config/KelMovieConfigKeys.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 #include "ui/settings/SettingTexts.h"
 #include "ui/settings/SettingsForm.h"
@@ -59,14 +60,14 @@ void AudioSettingsPanel::Private::addSystemAudio()
                                      form);
     form->addWidget(systemLevel);
     form->addSwitch({tr("&Enable"), tr("Include system audio in playback and exports")},
-                    {"KelMovie.playback.audio.system.enabled", &C::playbackAudioSystemEnabled});
+                    {KelMovieConfigKeys::kPlaybackAudioSystemEnabled, &C::playbackAudioSystemEnabled});
     form->enableNextWhile([] { return gKelMovieConfig.playbackAudioSystemEnabled; });
     form->addSwitch({tr("&Mute"), tr("Mute system audio")},
-                    {"KelMovie.playback.audio.system.muted", &C::playbackAudioSystemMuted});
+                    {KelMovieConfigKeys::kPlaybackAudioSystemMuted, &C::playbackAudioSystemMuted});
     form->addSlider({tr("&Volume"), tr("System audio volume")},
-                    {"KelMovie.playback.audio.system.volume", &C::playbackAudioSystemVolume}, kVolume);
+                    {KelMovieConfigKeys::kPlaybackAudioSystemVolume, &C::playbackAudioSystemVolume}, kVolume);
     form->addSlider({tr("&Gain"), tr("Boost system audio that was recorded too quietly")},
-                    {"KelMovie.playback.audio.system.gain", &C::playbackAudioSystemGain}, kGain);
+                    {KelMovieConfigKeys::kPlaybackAudioSystemGain, &C::playbackAudioSystemGain}, kGain);
 }
 
 void AudioSettingsPanel::Private::addMicrophone()
@@ -80,14 +81,14 @@ void AudioSettingsPanel::Private::addMicrophone()
                            form);
     form->addWidget(microphoneLevel);
     form->addSwitch({tr("E&nable"), tr("Include the microphone in playback and exports")},
-                    {"KelMovie.playback.audio.microphone.enabled", &C::playbackAudioMicrophoneEnabled});
+                    {KelMovieConfigKeys::kPlaybackAudioMicrophoneEnabled, &C::playbackAudioMicrophoneEnabled});
     form->enableNextWhile([] { return gKelMovieConfig.playbackAudioMicrophoneEnabled; });
     form->addSwitch({tr("M&ute"), tr("Mute the microphone")},
-                    {"KelMovie.playback.audio.microphone.muted", &C::playbackAudioMicrophoneMuted});
+                    {KelMovieConfigKeys::kPlaybackAudioMicrophoneMuted, &C::playbackAudioMicrophoneMuted});
     form->addSlider({tr("V&olume"), tr("Microphone volume")},
-                    {"KelMovie.playback.audio.microphone.volume", &C::playbackAudioMicrophoneVolume}, kVolume);
+                    {KelMovieConfigKeys::kPlaybackAudioMicrophoneVolume, &C::playbackAudioMicrophoneVolume}, kVolume);
     form->addSlider({tr("Ga&in"), tr("Boost a microphone that was recorded too quietly")},
-                    {"KelMovie.playback.audio.microphone.gain", &C::playbackAudioMicrophoneGain}, kGain);
+                    {KelMovieConfigKeys::kPlaybackAudioMicrophoneGain, &C::playbackAudioMicrophoneGain}, kGain);
 }
 
 void AudioSettingsPanel::Private::addRecording()
@@ -95,9 +96,9 @@ void AudioSettingsPanel::Private::addRecording()
     using C = KelMovieConfig;
     form->addRecordingHeading(tr("Recording"));
     form->addSwitch({tr("Record &system audio"), tr("Record system audio next time")},
-                    {"KelMovie.record.recordSystemAudio", &C::recordRecordSystemAudio});
+                    {KelMovieConfigKeys::kRecordRecordSystemAudio, &C::recordRecordSystemAudio});
     form->addSwitch({tr("&Record microphone"), tr("Record the microphone next time")},
-                    {"KelMovie.record.recordMicrophone", &C::recordRecordMicrophone});
+                    {KelMovieConfigKeys::kRecordRecordMicrophone, &C::recordRecordMicrophone});
 
     note = new QWidget(form);
     auto *const text = new QLabel(tr("Changes apply to the next recording."), note);
@@ -111,8 +112,9 @@ void AudioSettingsPanel::Private::addRecording()
     layout->addWidget(close);
     form->addWidget(note);
     connect(close, &QPushButton::clicked, q, [this] {
-        form->change(Setting<bool>{"KelMovie.record.dontShowRecordingWarning", &C::recordDontShowRecordingWarning},
-                     true);
+        form->change(
+            Setting<bool>{KelMovieConfigKeys::kRecordDontShowRecordingWarning, &C::recordDontShowRecordingWarning},
+            true);
         updateNote();
     });
     updateNote();

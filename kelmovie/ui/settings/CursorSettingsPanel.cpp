@@ -1,5 +1,6 @@
 #include "ui/settings/CursorSettingsPanel.h"
 
+#include "config/KelMovieConfigKeys.h"
 #include "ui/settings/SettingTexts.h"
 #include "ui/settings/SettingsForm.h"
 
@@ -26,15 +27,15 @@ CursorSettingsPanel::CursorSettingsPanel(QWidget *parent)
 
     form->addHeading(tr("Pointer"));
     form->addSwitch({tr("&Show pointer"), tr("Show the recorded pointer and its effects")},
-                    {"KelMovie.playback.mouse.enable", &C::playbackMouseEnable});
+                    {KelMovieConfigKeys::kPlaybackMouseEnable, &C::playbackMouseEnable});
     form->enableNextWhile([] { return gKelMovieConfig.playbackMouseEnable; });
     form->addBits({tr("&Buttons"), tr("Mouse buttons whose clicks are shown")},
-                  {"KelMovie.playback.mouse.showActionButton", &C::playbackMouseShowActionButton},
+                  {KelMovieConfigKeys::kPlaybackMouseShowActionButton, &C::playbackMouseShowActionButton},
                   {{tr("Left click"), 1, tr("Show left clicks")},
                    {tr("Right click"), 2, tr("Show right clicks")},
                    {tr("Middle click"), 4, tr("Show middle clicks")}},
                   3);
-    form->addList({tr("Click &effect"), tr("Animation shown at each click")}, {nullptr, &C::playbackMouseClickEffect},
+    form->addList({tr("Click &effect"), tr("Animation shown at each click")}, {{}, &C::playbackMouseClickEffect},
                   {{tr("None"), 0, {}},
                    {tr("Rays"), 1, {}},
                    {tr("Flower"), 2, {}},
@@ -43,16 +44,17 @@ CursorSettingsPanel::CursorSettingsPanel(QWidget *parent)
                    {tr("Ripple"), 5, {}},
                    {tr("Press"), 6, {}}});
     form->addSwitch({tr("&One effect at a time"), tr("End the previous effect at the next click")},
-                    {nullptr, &C::playbackMouseReplaceEffects});
+                    {{}, &C::playbackMouseReplaceEffects});
     form->addSwitch({tr("Show &wheel"), tr("Show wheel scrolling")},
-                    {"KelMovie.playback.mouse.showWheel", &C::playbackMouseShowWheel});
-    form->addColor({tr("&Color"), tr("Effect color")}, {"KelMovie.playback.mouse.color", &C::playbackMouseColor});
-    form->addSlider({tr("Si&ze"), tr("Effect size")}, {"KelMovie.playback.mouse.size", &C::playbackMouseSize},
+                    {KelMovieConfigKeys::kPlaybackMouseShowWheel, &C::playbackMouseShowWheel});
+    form->addColor({tr("&Color"), tr("Effect color")},
+                   {KelMovieConfigKeys::kPlaybackMouseColor, &C::playbackMouseColor});
+    form->addSlider({tr("Si&ze"), tr("Effect size")}, {KelMovieConfigKeys::kPlaybackMouseSize, &C::playbackMouseSize},
                     {5, 60, SettingTexts::number});
 
     form->addRecordingHeading(tr("Recording"));
     form->addSwitch({tr("Record &mouse"), tr("Record the mouse next time")},
-                    {"KelMovie.record.mouse", &C::recordMouse});
+                    {KelMovieConfigKeys::kRecordMouse, &C::recordMouse});
 }
 
 CursorSettingsPanel::~CursorSettingsPanel() = default;

@@ -1,5 +1,6 @@
 #include "ui/settings/EncodeFormatPanel.h"
 
+#include "config/KelMovieConfigKeys.h"
 #include "ui/settings/SettingsForm.h"
 
 using namespace kel;
@@ -13,7 +14,7 @@ EncodeFormatPanel::EncodeFormatPanel(QWidget *parent)
 
     form->addHeading(tr("Export"));
     form->addChips({tr("&Format"), tr("File format of the export")},
-                   {"KelMovie.playback.encodeFormat", &C::playbackEncodeFormat},
+                   {KelMovieConfigKeys::kPlaybackEncodeFormat, &C::playbackEncodeFormat},
                    {{QStringLiteral("MP4"), 0, tr("Video with sound; plays almost everywhere")},
                     {QStringLiteral("GIF"), 1, tr("256-color animation without sound; plays almost everywhere")},
                     {QStringLiteral("APNG"), 2, tr("Lossless animation in full color, without sound")},
@@ -23,8 +24,8 @@ EncodeFormatPanel::EncodeFormatPanel(QWidget *parent)
     for (const int times : {2, 3, 5, 10, 20})
         plays.append({tr("%n times", nullptr, times), times, {}});
     form->addList({tr("&Play"), tr("How many times an animation plays")},
-                  {"KelMovie.encode.gif.playLoop", &C::encodeGifPlayLoop}, plays);
+                  {KelMovieConfigKeys::kEncodeGifPlayLoop, &C::encodeGifPlayLoop}, plays);
     form->enableNextWhile(nullptr);
     form->addSwitch({tr("&Exit recording after export"), tr("Exit recording mode when an export is complete")},
-                    {"KelMovie.encode.exitRecordAfterEncode", &C::encodeExitRecordAfterEncode});
+                    {KelMovieConfigKeys::kEncodeExitRecordAfterEncode, &C::encodeExitRecordAfterEncode});
 }

@@ -55,7 +55,7 @@ SaveQualityPanel::Private::Private(SaveQualityPanel *panel)
 {
     using C = KelMovieConfig;
     form->addHeading(tr("Quality"));
-    form->addChips({tr("&Quality"), tr("Higher quality makes a larger file")}, {nullptr, &C::saveQuality},
+    form->addChips({tr("&Quality"), tr("Higher quality makes a larger file")}, {{}, &C::saveQuality},
                    {{tr("Small file"), 0, tr("Some blur, smallest file")},
                     {tr("Balanced"), 1, tr("Almost no visible loss, medium-sized file")},
                     {tr("Best"), 2, tr("Highest quality")}});

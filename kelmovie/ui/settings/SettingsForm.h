@@ -104,9 +104,9 @@ void SettingsForm::change(Setting<T> setting, const T &value)
     if (m_isLoading || setting.value() == value)
         return;
     T &field = gKelMovieConfig.*setting.field;
-    if (!setting.key)
+    if (setting.key.isEmpty())
         field = value;
-    else if (!saveSetting(QString::fromLatin1(setting.key), &field, value))
+    else if (!saveSetting(setting.key, &field, value))
         warnUnsaved();
     updateEnabled();
     emit sigChanged();

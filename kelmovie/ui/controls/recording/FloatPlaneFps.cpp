@@ -1,6 +1,7 @@
 #include "ui/controls/recording/FloatPlaneFps.h"
 
 #include "config/KelMovieConfig.h"
+#include "config/KelMovieConfigKeys.h"
 #include "ui/controls/ChoiceList.h"
 #include "ui/controls/SavedSetting.h"
 #include "ui/controls/recording/KelRecordFpsLabel.h"
@@ -22,7 +23,7 @@ FloatPlaneFps::FloatPlaneFps(KelRecordFpsLabel *label)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_list);
     connect(m_list, &ChoiceList::sigChosen, this, [this, label](const QVariant &fps) {
-        saveSetting(QStringLiteral("KelMovie.record.fps"), &gKelMovieConfig.recordFps, fps.toInt());
+        saveSetting(KelMovieConfigKeys::kRecordFps, &gKelMovieConfig.recordFps, fps.toInt());
         label->updateText();
         hideManual();
     });

@@ -1,6 +1,7 @@
 #include "ui/controls/recording/FloatPlaneRecordTime.h"
 
 #include "config/KelMovieConfig.h"
+#include "config/KelMovieConfigKeys.h"
 #include "style/KelStyleTheme.h"
 #include "ui/controls/ChoiceList.h"
 #include "ui/controls/SavedSetting.h"
@@ -30,7 +31,7 @@ FloatPlaneRecordTime::FloatPlaneRecordTime(KelRecordTimeLable *label)
     layout->addWidget(m_title);
     layout->addWidget(m_list);
     connect(m_list, &ChoiceList::sigChosen, this, [this, label](const QVariant &seconds) {
-        saveSetting(QStringLiteral("KelMovie.record.delay"), &gKelMovieConfig.recordDelay, seconds.toInt());
+        saveSetting(KelMovieConfigKeys::kRecordDelay, &gKelMovieConfig.recordDelay, seconds.toInt());
         label->updateText();
         hideManual();
     });

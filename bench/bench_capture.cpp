@@ -1,5 +1,5 @@
-// kel_bench_capture: what it costs to look at the screen (1920x1080 or larger).
-// Prints one "name<TAB>value<TAB>unit" a line; medians.
+// kel_bench_capture: the cost of capturing the screen (1920x1080 or larger).
+// Prints medians as "name<TAB>value<TAB>unit" lines.
 #include "Figure.h"
 #include "screen/KelScreenManager.h"
 #include "support/PaintedWindow.h"
@@ -18,7 +18,7 @@
 namespace
 {
 
-const QRect screenRect(0, 0, 1920, 1080);
+const QRect kScreenRect(0, 0, 1920, 1080);
 
 double medianMs(int rounds, const std::function<void()> &prepare, const std::function<void()> &measure)
 {
@@ -34,16 +34,16 @@ double medianMs(int rounds, const std::function<void()> &prepare, const std::fun
     return times[std::size_t(rounds / 2)];
 }
 
-/// Share of one core that this process uses while it asks 60 times a second about a screen that does not change.
+/// CPU usage of this process, as a share of one core, while it polls an unchanged screen 60 times a second.
 double idleSharePercent(KelScreenStreamer &streamer)
 {
-    constexpr int ticks = 300;
+    constexpr int kTicks = 300;
     const std::clock_t start = std::clock();
-    for (int i = 0; i < ticks; ++i) {
+    for (int i = 0; i < kTicks; ++i) {
         streamer.hasFrameChanged();
         QThread::usleep(1000000 / 60);
     }
-    return 100.0 * double(std::clock() - start) / CLOCKS_PER_SEC / (ticks / 60.0);
+    return 100.0 * double(std::clock() - start) / CLOCKS_PER_SEC / (kTicks / 60.0);
 }
 
 } // namespace
@@ -51,7 +51,7 @@ double idleSharePercent(KelScreenStreamer &streamer)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    const std::unique_ptr<KelScreenStreamer> streamer(KelScreenManager::instance()->createScreenStreamer(screenRect));
+    const std::unique_ptr<KelScreenStreamer> streamer(KelScreenManager::instance()->createScreenStreamer(kScreenRect));
     QImage image;
     if (!streamer->captureTo(image)) {
         std::fprintf(stderr, "%s\n", qPrintable(streamer->errorString()));
@@ -73,34 +73,34 @@ int main(int argc, char *argv[])
         streamer->hasFrameChanged();
     };
     const auto capture = [&] { streamer->captureTo(image); };
-    const auto forget = [&] {
+    const auto clearImage = [&] {
         image = QImage(image.size(), image.format());
         image.fill(Qt::black);
     };
 
-    printFigure("capture 1920x1080, image new", medianMs(100, forget, capture), "ms");
+    printFigure("capture 1920x1080, new image", medianMs(100, clearImage, capture), "ms");
     struct Change {
         const char *name;
         int rounds, count;
         QSize size;
     };
-    for (const Change &change : {Change{"capture 1920x1080, all changed", 100, 1, screenRect.size()},
+    for (const Change &change : {Change{"capture 1920x1080, all changed", 100, 1, kScreenRect.size()},
                                  Change{"capture 1 change of 64x20", 500, 1, {64, 20}},
                                  Change{"capture 64 changes of 64x20", 200, 64, {64, 20}},
                                  Change{"capture 640x360 changed", 200, 1, {640, 360}}}) {
         show(change.count, change.size);
         printFigure(change.name, medianMs(change.rounds, draw, capture), "ms");
     }
-    const auto ask = [&] { streamer->hasFrameChanged(); };
-    printFigure("question, nothing changed",
+    const auto poll = [&] { streamer->hasFrameChanged(); };
+    printFigure("poll, nothing changed",
                 medianMs(
-                    1000, [] {}, ask) *
+                    1000, [] {}, poll) *
                     1000,
                 "us");
     show(1, {64, 20});
-    const auto drawUnasked = [&] { windows.front()->paint(++color); };
-    printFigure("question, something changed", medianMs(200, drawUnasked, ask) * 1000, "us");
+    const auto drawOnly = [&] { windows.front()->paint(++color); };
+    printFigure("poll, something changed", medianMs(200, drawOnly, poll) * 1000, "us");
     capture();
-    printFigure("still screen at 60 questions a second", idleSharePercent(*streamer), "% of a core");
+    printFigure("still screen at 60 polls a second", idleSharePercent(*streamer), "% of a core");
     return 0;
 }

@@ -1,5 +1,5 @@
-// kel_bench_hook: how long after a key goes down and up, or the wheel turns, the hook's callback runs, on the display
-// that $DISPLAY names or on this Windows. Prints one "name<TAB>value<TAB>unit" a line.
+// kel_bench_hook: the latency between a key press or release and the hook's callback, on the X server of $DISPLAY or on
+// Windows. Prints "name<TAB>value<TAB>unit" lines.
 #include "Figure.h"
 #include "keymouse/RecordingHook.h"
 
@@ -23,9 +23,9 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int Rounds = 1000;
+constexpr int kRounds = 1000;
 
-/// Lets the left Shift key go down or up, as a program does that presses keys for somebody.
+/// Presses and releases the left Shift key by synthetic input.
 class Key
 {
 public:
@@ -38,7 +38,7 @@ public:
         input.ki.dwFlags = down ? 0 : KEYEVENTF_KEYUP;
         SendInput(1, &input, sizeof input);
 #else
-        m_input.keyWithoutAnswer(50, down); // of the evdev rules
+        m_input.keyWithoutAnswer(50, down); // keycode of the evdev rules
 #endif
     }
 
@@ -53,9 +53,9 @@ private:
 int main(int argc, char *argv[])
 {
     const QGuiApplication application(argc, argv);
-    std::atomic<Clock::rep> heard{0};
+    std::atomic<Clock::rep> receivedAt{0};
     RecordingHook hook;
-    hook.onEvent = [&] { heard = Clock::now().time_since_epoch().count(); };
+    hook.onEvent = [&] { receivedAt = Clock::now().time_since_epoch().count(); };
     hook.setHookType(KelKeyMouseHook::Keyboard);
     if (!KelKeyMouseHook::errorString().isEmpty()) {
         std::fprintf(stderr, "%s\n", qPrintable(KelKeyMouseHook::errorString()));
@@ -63,19 +63,19 @@ int main(int argc, char *argv[])
     }
     Key key;
     std::vector<double> times;
-    for (int round = 0; round < 2 * Rounds; ++round) {
+    for (int round = 0; round < 2 * kRounds; ++round) {
         const Clock::time_point start = Clock::now();
         key.press(round % 2 == 0);
         if (hook.take(1).isEmpty()) {
-            std::fprintf(stderr, "event %d was not heard\n", round);
+            std::fprintf(stderr, "event %d was not received\n", round);
             return 1;
         }
-        const Clock::time_point end{Clock::duration(heard)};
+        const Clock::time_point end{Clock::duration(receivedAt)};
         times.push_back(std::chrono::duration<double, std::micro>(end - start).count());
-        QThread::usleep(500); // so that each finds all asleep, as a person's keys do
+        QThread::usleep(500); // between real keys all threads go to sleep
     }
     std::sort(times.begin(), times.end());
-    printFigure("hook: a key is heard, median", times[times.size() / 2], "us");
-    printFigure("hook: a key is heard, p99", times[times.size() * 99 / 100], "us");
+    printFigure("hook: key latency, median", times[times.size() / 2], "us");
+    printFigure("hook: key latency, p99", times[times.size() * 99 / 100], "us");
     return 0;
 }

@@ -1,4 +1,4 @@
-// Loading, seeking in and painting recorded input: prints lines of name, value and unit, separated by tabs.
+// Loading, seeking and painting recorded input. Prints "name<TAB>value<TAB>unit" lines.
 
 #include "Figure.h"
 #include "playback/keys/KelPlaybackKeyboardTrack.h"
@@ -49,7 +49,7 @@ void write(const QString &path, const QByteArray &content)
         qFatal("cannot write %s", qPrintable(path));
 }
 
-/// One move a frame in the layout of a recording, and four clicks whose effects overlap.
+/// One move per frame, formatted as in a recording, and four clicks whose effects overlap.
 void writeMouse(const QString &dir, int moves)
 {
     QDir(dir).mkpath(KelRecordingFiles::kCursorImageDir);
@@ -105,34 +105,34 @@ void measurePainting(const QString &dir)
 {
     KelPlaybackMouseTrack track(dir, nullptr);
     track.setClickType(3);
-    QImage picture(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
     double ms = 0;
     for (int i = 0; i < kPaints; ++i) {
-        const int frame = 8 + i % 14; // all four are playing
+        const int frame = 8 + i % 14; // all four effects are playing
         if (frame == 8) {
             for (int first = 0; first < frame; ++first)
                 track.seekToFrame(first);
         }
         track.seekToFrame(frame);
-        picture.fill(Qt::white);
-        QPainter painter(&picture);
+        image.fill(Qt::white);
+        QPainter painter(&image);
         ms += msOf([&] { track.paint(&painter); });
     }
     printFigure("pointer and four effects: paint", ms / kPaints, "ms");
 }
 
-/// Words, broken by keys with other names and by shortcuts, each key pressed and released.
+/// Words, interrupted by function keys and shortcuts; each key is pressed and released.
 void writeKeys(const QString &dir)
 {
     std::vector<qint32> words{0, 2 * kKeys, 30, 0, 24 * kKeys, 0, 1920, 1080};
     for (int i = 0; i < kKeys; ++i) {
-        const bool isShortcut = i % 16 == 14; // Control stays held until the next key was typed
+        const bool isShortcut = i % 16 == 14; // Control is held until after the next key
         const qint32 key = isShortcut ? Qt::Key_Control : i % 8 == 7 ? Qt::Key_F1 + i % 12 : Qt::Key_A + i % 26;
         const int frame = i * kFramesOfKey;
         words.insert(words.end(), {key, 1, frame});
         words.insert(words.end(), {key, 0, frame + (isShortcut ? kFramesOfKey + 5 : 5)});
         if (i % 16 == 15)
-            std::swap_ranges(words.end() - 9, words.end() - 6, words.end() - 6); // by time
+            std::swap_ranges(words.end() - 9, words.end() - 6, words.end() - 6); // sorted by frame
     }
     for (qint32 &word : words)
         word = qToLittleEndian(word);
@@ -171,12 +171,12 @@ void measureKeys(const QString &dir)
     });
     printFigure("100000 keys: random seek", seekMs * 1000 / kSeeks, "us");
 
-    QImage picture(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
     double paintMs = 0;
     for (int i = 0; i < kPaints; ++i) {
         track.seekToFrame(5000 + i);
-        picture.fill(Qt::white);
-        QPainter painter(&picture);
+        image.fill(Qt::white);
+        QPainter painter(&image);
         paintMs += msOf([&] { track.paint(&painter); });
     }
     printFigure("key and whole history: paint", paintMs / kPaints, "ms");

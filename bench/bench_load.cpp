@@ -1,4 +1,4 @@
-// Loading and exporting recordings: prints lines of name, value and unit, separated by tabs.
+// Loading and exporting recordings. Prints "name<TAB>value<TAB>unit" lines.
 
 #include "Figure.h"
 #include "avcodec/KelAVCodecEncoder.h"
@@ -28,8 +28,8 @@ constexpr int kVideoFrames = 120;
 constexpr int kFps = 30;
 const QSize kSize(1280, 720);
 
-/// A page of text that scrolls, with a bar that moves.
-QImage makePicture(int number)
+/// A scrolling page of text with a moving bar.
+QImage makeFrame(int number)
 {
     QImage image(kSize, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::white);
@@ -52,13 +52,13 @@ void writeVideo(const QString &path)
     for (int i = 0; i < kVideoFrames; ++i) {
         while (encoder.isBusy() && encoder.errorString().isEmpty())
             std::this_thread::yield();
-        encoder.addFrame(i, makePicture(i));
+        encoder.addFrame(i, makeFrame(i));
     }
     encoder.waitForClosed();
 }
 
-/// Describes `logicFrames` frames that show the whole video.
-void describe(const QString &dir, int logicFrames)
+/// Writes metadata and index for `logicFrames` logic frames that show the whole video.
+void writeIndex(const QString &dir, int logicFrames)
 {
     KelRecordingMetadata metadata;
     metadata.recordArea = QRect(QPoint(), kSize);
@@ -77,7 +77,7 @@ void describe(const QString &dir, int logicFrames)
 
 void measureLoading(const QString &dir)
 {
-    describe(dir, 1'000'000);
+    writeIndex(dir, 1'000'000);
     QElapsedTimer timer;
     timer.start();
     const KelPlaybackTrackManager manager(dir, false);
@@ -87,12 +87,12 @@ void measureLoading(const QString &dir)
 void measureExport(const QString &dir, const QString &name, int format)
 {
     KelPlaybackTrackManager manager(dir, false);
-    std::vector<QImage> pictures(kVideoFrames, QImage(kSize, QImage::Format_ARGB32_Premultiplied));
+    std::vector<QImage> frames(kVideoFrames, QImage(kSize, QImage::Format_ARGB32_Premultiplied));
     QElapsedTimer timer;
     timer.start();
     for (int i = 0; i < kVideoFrames; ++i) {
         manager.setFrameSilently(i);
-        QPainter painter(&pictures[i]);
+        QPainter painter(&frames[i]);
         manager.paint(&painter);
     }
     printFigure("export_" + name + "_decode_and_paint", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
@@ -100,7 +100,7 @@ void measureExport(const QString &dir, const QString &name, int format)
     timer.restart();
     const auto encoder = KelExportSeams::real().createEncoder(format, kSize, dir + "/alone", kFps, 90, QString());
     for (int i = 0; i < kVideoFrames; ++i)
-        encoder->addFrame(quint64(i), pictures[i]);
+        encoder->addFrame(quint64(i), frames[i]);
     if (!encoder->close())
         qFatal("%s", qPrintable(encoder->errorString()));
     printFigure("export_" + name + "_encoder_alone", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
@@ -128,7 +128,7 @@ int main(int argc, char **argv)
     QDir(dir.path()).mkpath(KelRecordingFiles::kScreenDir);
     writeVideo(KelRecordingFiles::videoPath(dir.path()));
     measureLoading(dir.path());
-    describe(dir.path(), kVideoFrames);
+    writeIndex(dir.path(), kVideoFrames);
     measureExport(dir.path(), "mp4", 0);
     return 0;
 }

@@ -1,5 +1,5 @@
-// Speed change and mix of a long recording's sound, against the ffmpeg program doing the same. CPU time, because that
-// is what other work on the machine disturbs least. usage: kel_bench_mix [SECONDS]
+// Speed change and mixing of a long recording's sound, compared with the ffmpeg program. Measures CPU time, which other
+// work on the machine disturbs least. usage: kel_bench_mix [SECONDS]
 
 #include "Figure.h"
 #include "audio/processing/KelAudioSpeedProcessor.h"
@@ -34,7 +34,7 @@ double cpuSeconds(int who)
            double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
-/// Somebody talks: noise in syllables, with pauses.
+/// Similar to speech: noise in syllables, with pauses.
 bool writeSound(const QString &path, int seconds)
 {
     WavHeader header = WavHeader::pcm(kRate, 2, 32);
@@ -62,11 +62,11 @@ bool writeSound(const QString &path, int seconds)
 
 bool writeVideo(const QString &path, int seconds)
 {
-    constexpr int fps = 25;
-    h264Encoder encoder({QSize(64, 48), QImage::Format_RGB32, path, fps, 50});
+    constexpr int kFps = 25;
+    h264Encoder encoder({QSize(64, 48), QImage::Format_RGB32, path, kFps, 50});
     QImage image(64, 48, QImage::Format_RGB32);
     image.fill(Qt::darkCyan);
-    for (int i = 0; i < seconds * fps; ++i)
+    for (int i = 0; i < seconds * kFps; ++i)
         encoder.addFrame(quint64(i), image);
     return encoder.close();
 }

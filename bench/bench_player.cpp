@@ -1,5 +1,5 @@
-// Seeking in the sound of a long recording while it plays: prints lines of name, value and unit, separated by tabs.
-// Needs a sound server.
+// Seeking in the sound of a long recording during playback. Prints "name<TAB>value<TAB>unit" lines. Needs a sound
+// server.
 
 #include "Figure.h"
 
@@ -60,7 +60,7 @@ int main(int argc, char **argv)
     for (int i = 0; i < kSeeks; ++i) {
         const qint64 target = anywhere(random);
         timer.start();
-        player.seek(target); // returns when the device has the sound from there
+        player.seek(target); // returns when the device has sound from the new position
         times.push_back(double(timer.nsecsElapsed()) / 1e6);
         if (!player.isPlaying())
             return 1;

@@ -1,5 +1,5 @@
-// Stepping and seeking in a long recording: prints lines of name, value and unit, separated by tabs.
-// Usage: kel_bench_seek [RECORDING.mp4]. Without a file it makes an hour of a desktop at work, about 8 GB in TMPDIR.
+// Stepping and seeking in a long recording. Prints "name<TAB>value<TAB>unit" lines.
+// Usage: kel_bench_seek [RECORDING.mp4]. Without a file it makes an hour of a desktop scene, about 8 GB in TMPDIR.
 
 #include "Figure.h"
 #include "SceneRenderer.h"
@@ -36,7 +36,7 @@ void check(int result, const char *what)
         qFatal("%s: %s", what, qPrintable(av::errorText(result)));
 }
 
-/// The beginning of the recording, as the recorder would write it.
+/// The beginning of the recording, encoded with the recorder's settings.
 void recordScene(const QString &path)
 {
     KelAsyncEncoder::Params params;
@@ -72,7 +72,7 @@ std::vector<av::Packet> packetsOf(AVFormatContext *input)
     }
 }
 
-/// Makes an hour of the recording by copying its packets again and again.
+/// Makes an hour of video by repeating the packets of the short recording.
 void repeat(const QString &shortPath, const QString &longPath)
 {
     AVFormatContext *opened = nullptr;

@@ -1,4 +1,4 @@
-// What recording the system's audio costs: prints lines of name, value and unit, separated by tabs.
+// The cost of recording system audio. Prints "name<TAB>value<TAB>unit" lines.
 
 #include "Figure.h"
 #include "audio/capture/KelSystemAudioRecord.h"
@@ -12,8 +12,8 @@
 
 namespace
 {
-constexpr unsigned long WarmUpMs = 1000;
-constexpr unsigned long MeasuredMs = 20000;
+constexpr unsigned long kWarmUpMs = 1000;
+constexpr unsigned long kMeasuredMs = 20000;
 
 double cpuSeconds()
 {
@@ -32,11 +32,11 @@ int main(int argc, char *argv[])
         directory.filePath("system_audio.wav"),
         [](const QString &problem) { qFatal("nothing is recorded: %s", qPrintable(problem)); }, nullptr);
     record.start();
-    QThread::msleep(WarmUpMs);
+    QThread::msleep(kWarmUpMs);
     QElapsedTimer timer;
     timer.start();
     const double before = cpuSeconds();
-    QThread::msleep(MeasuredMs);
+    QThread::msleep(kMeasuredMs);
     printFigure("system_audio_share_of_a_core", 100 * (cpuSeconds() - before) / (double(timer.elapsed()) / 1000), "%");
     record.stopRecording();
 }

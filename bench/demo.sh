@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # demo.sh BUILD_DIR [OUTPUT_DIR]: records a real screen for some seconds and exports the recording.
-# Where there is no screen it starts a private one with a lively scene, somebody at mouse and keyboard, and music.
+# Without a screen it starts a private one with an animated scene, simulated mouse and keyboard input, and music.
 set -euo pipefail
 
 build=${1:?usage: demo.sh BUILD_DIR [OUTPUT_DIR]}
@@ -24,7 +24,7 @@ trap 'exit 143' TERM HUP
 say() { printf '\n\033[1m%s\033[0m\n' "$*"; }
 [ -t 1 ] || say() { printf '\n%s\n' "$*"; }
 
-# A command as a person would type it, then what it does.
+# Prints a command as it would be typed, and runs it.
 show() {
     printf '$ keldock'
     printf ' %q' "$@"
@@ -32,7 +32,7 @@ show() {
     "$keldock" "$@"
 }
 
-# The demo's user: points, clicks, drags, turns the wheel, types and presses shortcuts, over and over.
+# The simulated user: moves, clicks, drags, turns the wheel, types and presses shortcuts, in a loop.
 act() {
     local i
     while :; do
@@ -50,7 +50,7 @@ act() {
     done
 }
 
-# A melody for the demo's loudspeakers.
+# Plays a melody to the private sound server.
 play_melody() {
     ffmpeg -v error -re -f lavfi -i \
         "aevalsrc='0.3*sin(2*PI*t*(392+98*floor(mod(2*t\\,4))))*exp(-3*mod(t\\,0.5))':s=48000:d=600" \
@@ -60,7 +60,7 @@ play_melody() {
 
 start_private_screen() {
     scratch=$(mktemp -d)
-    export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$scratch} # Qt complains without
+    export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$scratch} # Qt warns without it
     mkfifo "$scratch/display" "$scratch/scene"
     Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp -noreset 3>"$scratch/display" >/dev/null 2>&1 &
     children=("$!")
@@ -75,11 +75,11 @@ start_private_screen() {
 
 if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then
     say "Recording your screen for $seconds seconds"
-    what=(--mouse --system-audio) # no keys: whose screen it is may be typing a password
+    what=(--mouse --system-audio) # no keys: the user may be typing a password
 elif [ -z "${KEL_DEMO_WITH_SOUND:-}" ]; then
     KEL_DEMO_WITH_SOUND=1 exec "$(dirname "$0")/../tests/support/with-sound" "$0" "$build" "$out"
 else
-    say "Recording a private screen with a lively scene for $seconds seconds"
+    say "Recording a private screen with an animated scene for $seconds seconds"
     start_private_screen
     xsetroot -cursor_name left_ptr
     act 2>/dev/null &

@@ -1,4 +1,5 @@
-// kel_effect_sheet FILE.png: draws every click and wheel effect over its frames, on light, dark and coloured ground.
+// kel_effect_sheet FILE.png: draws every click and wheel effect over its frames, on light, dark and colored
+// backgrounds.
 
 #include "lottie/KelLottie.h"
 
@@ -11,62 +12,62 @@
 namespace
 {
 
-constexpr int smallSide = 64;
-constexpr int largeSide = 256;
-constexpr int gap = 8;
-constexpr int labelHeight = 20;
-constexpr int frameStep = 4;
-const QColor accent("#3388ff");
+constexpr int kSmallSide = 64;
+constexpr int kLargeSide = 256;
+constexpr int kGap = 8;
+constexpr int kLabelHeight = 20;
+constexpr int kFrameStep = 4;
+const QColor kAccent("#3388ff");
 
 struct Effect {
     const char *name;
-    int shownFrame; ///< shown large: where a held button stops a click
+    int shownFrame; ///< enlarged: where a click holds while the button is down
     double angle;
 };
 
-const Effect effects[] = {{"click_ray", 8, -50},  {"click_floral", 0, 0},  {"click_fireworks", 12, 0},
-                          {"click_starts", 8, 0}, {"click_ripple", 12, 0}, {"wheel_arrow", 18, 0}};
+const Effect kEffects[] = {{"click_ray", 8, -50},  {"click_floral", 0, 0},  {"click_fireworks", 12, 0},
+                           {"click_starts", 8, 0}, {"click_ripple", 12, 0}, {"wheel_arrow", 18, 0}};
 
-struct Ground {
+struct Background {
     QColor color;
     QColor accent;
 };
-const Ground grounds[] = {{Qt::white, accent},
-                          {QColor("#1e1f24"), accent},
-                          {QColor("#3388ff"), accent},
-                          {QColor("#f3f3f3"), QColor("#ff5a36")}};
+const Background kBackgrounds[] = {{Qt::white, kAccent},
+                                   {QColor("#1e1f24"), kAccent},
+                                   {QColor("#3388ff"), kAccent},
+                                   {QColor("#f3f3f3"), QColor("#ff5a36")}};
 
 int frameCount(const KelLottie &animation)
 {
-    return (int(animation.totalFrame()) + frameStep - 1) / frameStep;
+    return (int(animation.totalFrame()) + kFrameStep - 1) / kFrameStep;
 }
 
 void drawEffect(QPainter &painter, const Effect &effect, QPoint corner, int width)
 {
     KelLottie animation(QString(":/KelScreenRecord/%1.json").arg(effect.name));
     painter.setPen(Qt::black);
-    painter.drawText(corner + QPoint(0, labelHeight - 6),
+    painter.drawText(corner + QPoint(0, kLabelHeight - 6),
                      QString("%1: every %2th of %3 frames at %4 pixels; right, frame %5 at %6 pixels")
                          .arg(effect.name)
-                         .arg(frameStep)
+                         .arg(kFrameStep)
                          .arg(animation.totalFrame())
-                         .arg(smallSide)
+                         .arg(kSmallSide)
                          .arg(effect.shownFrame)
-                         .arg(largeSide));
-    int y = corner.y() + labelHeight;
-    for (const Ground &ground : grounds) {
-        painter.fillRect(corner.x(), y, width - 2 * gap - 2 * largeSide, smallSide, ground.color);
-        animation.setColor(ground.accent);
+                         .arg(kLargeSide));
+    int y = corner.y() + kLabelHeight;
+    for (const Background &background : kBackgrounds) {
+        painter.fillRect(corner.x(), y, width - 2 * kGap - 2 * kLargeSide, kSmallSide, background.color);
+        animation.setColor(background.accent);
         for (int i = 0; i < frameCount(animation); ++i)
-            animation.paint(&painter, float(i * frameStep), QRectF(corner.x() + i * smallSide, y, smallSide, smallSide),
-                            effect.angle);
-        y += smallSide;
+            animation.paint(&painter, float(i * kFrameStep),
+                            QRectF(corner.x() + i * kSmallSide, y, kSmallSide, kSmallSide), effect.angle);
+        y += kSmallSide;
     }
-    animation.setColor(accent);
+    animation.setColor(kAccent);
     for (int i = 0; i < 2; ++i) {
-        const QRect place(corner.x() + width - (2 - i) * largeSide - (1 - i) * gap, corner.y() + labelHeight, largeSide,
-                          largeSide);
-        painter.fillRect(place, grounds[i].color);
+        const QRect place(corner.x() + width - (2 - i) * kLargeSide - (1 - i) * kGap, corner.y() + kLabelHeight,
+                          kLargeSide, kLargeSide);
+        painter.fillRect(place, kBackgrounds[i].color);
         animation.paint(&painter, float(effect.shownFrame), place, effect.angle);
     }
 }
@@ -78,19 +79,19 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     QCommandLineParser parser;
-    parser.addPositionalArgument("file", "where the picture goes");
+    parser.addPositionalArgument("file", "the image to write");
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(2);
 
     const int columns = frameCount(KelLottie(":/KelScreenRecord/click_ray.json"));
-    const int width = columns * smallSide + 2 * (gap + largeSide);
-    const int height = labelHeight + 4 * smallSide + gap;
-    QImage sheet(width + 2 * gap, int(std::size(effects)) * height + gap, QImage::Format_RGB32);
+    const int width = columns * kSmallSide + 2 * (kGap + kLargeSide);
+    const int height = kLabelHeight + 4 * kSmallSide + kGap;
+    QImage sheet(width + 2 * kGap, int(std::size(kEffects)) * height + kGap, QImage::Format_RGB32);
     sheet.fill(QColor("#dcdcdc"));
     QPainter painter(&sheet);
-    for (std::size_t i = 0; i < std::size(effects); ++i)
-        drawEffect(painter, effects[i], QPoint(gap, gap / 2 + int(i) * height), width);
+    for (std::size_t i = 0; i < std::size(kEffects); ++i)
+        drawEffect(painter, kEffects[i], QPoint(kGap, kGap / 2 + int(i) * height), width);
     painter.end();
     if (!sheet.save(parser.positionalArguments().first())) {
         std::fprintf(stderr, "cannot write %s\n", qPrintable(parser.positionalArguments().first()));

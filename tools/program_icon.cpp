@@ -1,4 +1,4 @@
-// kel_program_icon FILE.ico: the icon of the program for Windows, the same that its windows have.
+// kel_program_icon FILE.ico: the Windows program icon, the same as that of its windows.
 
 #include "widgets/ProgramIcon.h"
 
@@ -12,9 +12,9 @@
 namespace
 {
 
-constexpr int sides[] = {16, 20, 24, 32, 40, 48, 64, 96, 128, 256};
-constexpr qint64 headerSize = 6;
-constexpr qint64 entrySize = 16;
+constexpr int kSides[] = {16, 20, 24, 32, 40, 48, 64, 96, 128, 256};
+constexpr qint64 kHeaderSize = 6;
+constexpr qint64 kEntrySize = 16;
 
 QByteArray png(const QImage &image)
 {
@@ -40,17 +40,17 @@ int main(int argc, char **argv)
     file.open(QIODevice::WriteOnly);
     QDataStream out(&file);
     out.setByteOrder(QDataStream::LittleEndian);
-    out << quint16(0) << quint16(1) << quint16(std::size(sides)); // a file of icons
-    QByteArray pictures;
-    const qint64 firstPicture = headerSize + entrySize * qint64(std::size(sides));
-    for (const int side : sides) {
-        const QByteArray picture = png(icon.pixmap(side).toImage());
+    out << quint16(0) << quint16(1) << quint16(std::size(kSides)); // reserved, icon file, count
+    QByteArray images;
+    const qint64 firstImage = kHeaderSize + kEntrySize * qint64(std::size(kSides));
+    for (const int side : kSides) {
+        const QByteArray image = png(icon.pixmap(side).toImage());
         out << quint8(side) << quint8(side) << quint8(0) << quint8(0) << quint16(1)
             << quint16(32) // 256 is written as 0
-            << quint32(picture.size()) << quint32(firstPicture + pictures.size());
-        pictures += picture;
+            << quint32(image.size()) << quint32(firstImage + images.size());
+        images += image;
     }
-    out.writeRawData(pictures.constData(), pictures.size());
+    out.writeRawData(images.constData(), images.size());
     if (!file.commit()) {
         std::fprintf(stderr, "%s\n", qPrintable(file.errorString()));
         return 1;

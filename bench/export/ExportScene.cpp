@@ -17,10 +17,10 @@ namespace
 
 using Paint = std::function<QImage(int)>;
 
-QImage canvas(const QColor &colour)
+QImage canvas(const QColor &color)
 {
     QImage image(ExportScene::size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(colour);
+    image.fill(color);
     return image;
 }
 
@@ -33,29 +33,29 @@ void paintPointer(QPainter &painter, const QPoint &tip)
     painter.drawPolygon(arrow.translated(tip));
 }
 
-/// Scrolls for a second, rests for half of one.
+/// Scrolls for one second, then pauses for half a second.
 int scrolled(int number, int pixelsPerFrame)
 {
-    constexpr int scrolling = ExportScene::Fps;
-    constexpr int period = scrolling * 3 / 2;
-    return pixelsPerFrame * (number / period * scrolling + std::min(number % period, scrolling));
+    constexpr int kScrolling = ExportScene::kFps;
+    constexpr int kPeriod = kScrolling * 3 / 2;
+    return pixelsPerFrame * (number / kPeriod * kScrolling + std::min(number % kPeriod, kScrolling));
 }
 
 Paint codeScene()
 {
-    constexpr int sideBar = 220;
-    constexpr int titleBar = 34;
-    const auto strip = std::make_shared<CodeStrip>(ExportScene::size().width() - sideBar, 15);
+    constexpr int kSideBar = 220;
+    constexpr int kTitleBar = 34;
+    const auto strip = std::make_shared<CodeStrip>(ExportScene::size().width() - kSideBar, 15);
     return [strip](int number) {
-        QImage image = canvas(SceneColors::EditorChrome);
+        QImage image = canvas(SceneColors::kEditorChrome);
         QPainter painter(&image);
         painter.setFont(SceneColors::windowFont(13));
         const QStringList files = SceneText::files();
         for (int i = 0; i < files.size(); ++i) {
-            painter.setPen(i == 6 ? SceneColors::Text : SceneColors::Dimmed);
-            painter.drawText(16, titleBar + 24 + 24 * i, files.at(i));
+            painter.setPen(i == 6 ? SceneColors::kText : SceneColors::kDimmed);
+            painter.drawText(16, kTitleBar + 24 + 24 * i, files.at(i));
         }
-        strip->paint(painter, QRect(QPoint(sideBar, titleBar), QPoint(image.width() - 1, image.height() - 1)),
+        strip->paint(painter, QRect(QPoint(kSideBar, kTitleBar), QPoint(image.width() - 1, image.height() - 1)),
                      scrolled(number, 7));
         paintPointer(painter, {900, 400});
         return image;
@@ -65,10 +65,10 @@ Paint codeScene()
 Paint formScene()
 {
     return [](int number) {
-        static const QStringList labels{"First name", "Family name", "Street", "Town", "E-mail", "Message"};
-        static const QStringList texts{"Marguerite",         "Oyelaran-Thorvaldsen",
-                                       "27 Lighthouse Lane", "Port Anselm",
-                                       "m.oyelaran@mail",    "Please send two tickets for the evening."};
+        static const QStringList kLabels{"First name", "Family name", "Street", "Town", "E-mail", "Message"};
+        static const QStringList kTexts{"Marguerite",         "Oyelaran-Thorvaldsen",
+                                        "27 Lighthouse Lane", "Port Anselm",
+                                        "m.oyelaran@mail",    "Please send two tickets for the evening."};
         QImage image = canvas(QColor(0xee, 0xf1, 0xf5));
         QPainter painter(&image);
         painter.setRenderHint(QPainter::Antialiasing);
@@ -78,15 +78,15 @@ Paint formScene()
         painter.setPen(QColor(0x22, 0x28, 0x33));
         painter.setFont(SceneColors::windowFont(24, QFont::Bold));
         painter.drawText(330, 95, "Order your tickets");
-        int letters = number; // typed so far, in all fields
-        for (int field = 0; field < labels.size(); ++field) {
+        int letters = number; // typed so far, over all fields
+        for (int field = 0; field < kLabels.size(); ++field) {
             const int top = 130 + field * 80;
-            const QString &text = texts.at(field);
+            const QString &text = kTexts.at(field);
             const bool hasFocus = letters >= 0 && letters < text.size();
             painter.setFont(SceneColors::windowFont(13));
             painter.setPen(QColor(0x5b, 0x66, 0x77));
-            painter.drawText(330, top, labels.at(field));
-            painter.setPen(QPen(hasFocus ? SceneColors::Accent : QColor(0xc5, 0xcc, 0xd6), hasFocus ? 2 : 1));
+            painter.drawText(330, top, kLabels.at(field));
+            painter.setPen(QPen(hasFocus ? SceneColors::kAccent : QColor(0xc5, 0xcc, 0xd6), hasFocus ? 2 : 1));
             painter.setBrush(QColor(0xfa, 0xfb, 0xfc));
             painter.drawRoundedRect(QRectF(330.5, top + 8.5, 620, 36), 6, 6);
             painter.setFont(SceneColors::windowFont(16));
@@ -100,8 +100,8 @@ Paint formScene()
         }
         painter.setPen(Qt::NoPen);
         QLinearGradient button(0, 615, 0, 655);
-        button.setColorAt(0, SceneColors::Accent);
-        button.setColorAt(1, SceneColors::AccentEnd);
+        button.setColorAt(0, SceneColors::kAccent);
+        button.setColorAt(1, SceneColors::kAccentEnd);
         painter.setBrush(button);
         painter.drawRoundedRect(QRectF(810, 615, 140, 40), 8, 8);
         painter.setPen(Qt::white);
@@ -149,13 +149,13 @@ Paint dragScene()
     return [wallpaper, strip](int number) {
         QImage image = *wallpaper;
         QPainter painter(&image);
-        const double angle = 0.06 * std::clamp(number - 10, 0, 75); // at rest at both ends
+        const double angle = 0.06 * std::clamp(number - 10, 0, 75); // still at both ends
         const QPoint corner(410 - int(330 * std::cos(angle)), 190 + int(150 * std::sin(1.7 * angle)));
         for (int spread = 12; spread > 0; --spread) // shadow
             painter.fillRect(QRect(corner, QSize(460, 340)).adjusted(-spread, -spread, spread, spread),
                              QColor(0, 0, 0, 6));
-        painter.fillRect(QRect(corner, QSize(460, 30)), SceneColors::EditorChrome);
-        painter.setPen(SceneColors::Text);
+        painter.fillRect(QRect(corner, QSize(460, 30)), SceneColors::kEditorChrome);
+        painter.setPen(SceneColors::kText);
         painter.setFont(SceneColors::windowFont(13));
         painter.drawText(corner + QPoint(12, 20), "samples.h");
         strip->paint(painter, QRect(corner + QPoint(0, 30), QSize(460, 310)), 120);

@@ -6,19 +6,19 @@
 
 #include <functional>
 
-/// The composed frames of a recording such as people export. Every pixel is a function of the frame number.
+/// The composed frames of a typical recording. Every pixel is a function of the frame number.
 class ExportScene
 {
 public:
-    static constexpr int Fps = 25;
-    static constexpr int Frames = 100;
+    static constexpr int kFps = 25;
+    static constexpr int kFrames = 100;
     static QSize size() { return {1280, 720}; }
 
-    /// "code": an editor scrolls, with rests; "form": somebody fills in a form; "photos": a page with photographs
-    /// scrolls; "drag": a window is dragged over a gradient.
+    /// "code": an editor scrolls, with pauses; "form": a form is filled in; "photos": a page of photographs scrolls;
+    /// "drag": a window is dragged over a gradient.
     static QStringList names();
 
-    /// One of the names.
+    /// `name`: one of names().
     explicit ExportScene(const QString &name);
 
     QImage frame(int number) const { return m_paint(number); }

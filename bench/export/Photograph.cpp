@@ -9,10 +9,10 @@
 namespace
 {
 
-constexpr int Octaves = 7;
-constexpr double CameraNoise = 1.5; // standard deviation, in steps of a channel
+constexpr int kOctaves = 7;
+constexpr double kCameraNoise = 1.5; // standard deviation, in channel values
 
-/// Noise whose waves are as strong as they are long, as in nature.
+/// Noise whose amplitude grows with its wavelength, as in nature.
 class Clouds
 {
 public:
@@ -26,13 +26,13 @@ public:
     {
         double sum = 0;
         double strength = 1;
-        for (int octave = 0; octave < Octaves; ++octave, x = 2 * x + 17.3, y = 2 * y + 5.7, strength *= 0.55)
+        for (int octave = 0; octave < kOctaves; ++octave, x = 2 * x + 17.3, y = 2 * y + 5.7, strength *= 0.55)
             sum += strength * wave(x, y);
         return sum;
     }
 
 private:
-    static constexpr int Period = 64;
+    static constexpr int kPeriod = 64;
 
     static double eased(double part) { return part * part * (3 - 2 * part); }
 
@@ -41,7 +41,7 @@ private:
         const int column = int(std::floor(x));
         const int row = int(std::floor(y));
         const auto corner = [&](int dx, int dy) {
-            return double(m_lattice[std::size_t((row + dy) % Period * Period + (column + dx) % Period)]);
+            return double(m_lattice[std::size_t((row + dy) % kPeriod * kPeriod + (column + dx) % kPeriod)]);
         };
         const double right = eased(x - column);
         const double down = eased(y - row);
@@ -50,7 +50,7 @@ private:
         return top + (bottom - top) * down;
     }
 
-    std::array<float, std::size_t(Period) * Period> m_lattice;
+    std::array<float, std::size_t(kPeriod) * kPeriod> m_lattice;
 };
 
 } // namespace
@@ -60,7 +60,7 @@ QImage photograph(const QSize &size, uint seed)
     std::mt19937 random(seed);
     const Clouds light(random);
     const Clouds warmth(random);
-    std::normal_distribution<double> grain(0, CameraNoise);
+    std::normal_distribution<double> grain(0, kCameraNoise);
     QImage image(size, QImage::Format_RGB32);
     for (int y = 0; y < size.height(); ++y) {
         auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));

@@ -2,6 +2,6 @@
 
 #include <QImage>
 
-/// A picture with the statistics of a photograph: clouds of all sizes in colours that flow into each other, with the
-/// noise of a camera. The same for the same seed.
+/// An image with the statistics of a photograph: clouds of all sizes in blending colors, with camera noise.
+/// Deterministic for a seed.
 QImage photograph(const QSize &size, uint seed);

@@ -1,4 +1,4 @@
-// The composed frames of an export: writes them for other programs, encodes them, and tells how true a file is to them.
+// The composed frames of an export: writes them for other programs, encodes them, and compares a file with them.
 // Prints NAME<TAB>VALUE<TAB>UNIT.
 
 #include "../Figure.h"
@@ -25,13 +25,13 @@ int fail(const QString &text)
     return 1;
 }
 
-/// 32-bit pixels, blue first.
+/// Raw 32-bit BGRA pixels.
 int write(const ExportScene &scene, const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return fail(file.errorString());
-    for (int i = 0; i < ExportScene::Frames; ++i) {
+    for (int i = 0; i < ExportScene::kFrames; ++i) {
         const QImage image = scene.frame(i);
         if (file.write(reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes()) != image.sizeInBytes())
             return fail(file.errorString());
@@ -42,17 +42,17 @@ int write(const ExportScene &scene, const QString &path)
 int encode(const ExportScene &scene, const QString &format, int quality, const QString &path)
 {
     std::vector<QImage> frames;
-    for (int i = 0; i < ExportScene::Frames; ++i)
+    for (int i = 0; i < ExportScene::kFrames; ++i)
         frames.push_back(scene.frame(i));
     QElapsedTimer timer;
     timer.start();
-    const std::clock_t cpu = std::clock(); // of all threads
+    const std::clock_t cpu = std::clock(); // includes all threads
     std::unique_ptr<KelAVCodecEncoder> encoder;
     if (format == "mp4")
         encoder = std::make_unique<h264Encoder>(
-            h264Encoder::Params{ExportScene::size(), frames[0].format(), path, ExportScene::Fps, quality});
+            h264Encoder::Params{ExportScene::size(), frames[0].format(), path, ExportScene::kFps, quality});
     else
-        encoder = makeAnimationEncoder(format, ExportScene::size(), path, ExportScene::Fps, quality);
+        encoder = makeAnimationEncoder(format, ExportScene::size(), path, ExportScene::kFps, quality);
     for (std::size_t i = 0; i < frames.size(); ++i)
         encoder->addFrame(i, frames[i]);
     if (!encoder->close())
@@ -84,13 +84,13 @@ int compare(const ExportScene &scene, const QString &path)
     if (!animation.errorString.isEmpty())
         return fail(animation.errorString);
     double sum = 0;
-    for (int i = 0; i < ExportScene::Frames; ++i) {
-        const QImage shown = animation.at((i + 0.5) * 1000 / ExportScene::Fps);
+    for (int i = 0; i < ExportScene::kFrames; ++i) {
+        const QImage shown = animation.at((i + 0.5) * 1000 / ExportScene::kFps);
         if (shown.size() != ExportScene::size())
-            return fail(QString("Nothing is shown at frame %1").arg(i));
+            return fail(QString("no image at frame %1").arg(i));
         sum += squaredError(shown, scene.frame(i));
     }
-    const double samples = 3.0 * ExportScene::Frames * ExportScene::size().width() * ExportScene::size().height();
+    const double samples = 3.0 * ExportScene::kFrames * ExportScene::size().width() * ExportScene::size().height();
     printFigure("psnr", sum == 0 ? 99 : 10 * std::log10(255 * 255 * samples / sum), "dB");
     return 0;
 }

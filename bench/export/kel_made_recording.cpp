@@ -1,4 +1,4 @@
-// Makes a recording of any size and length, faster than a screen could be recorded.
+// Makes a recording of any size and length, faster than recording a screen.
 
 #include "SceneRenderer.h"
 #include "avcodec/mp4/KelAsyncEncoder.h"
@@ -30,7 +30,7 @@ namespace
 
 constexpr int kSoundRate = 48000;
 
-struct Wish {
+struct Request {
     QSize size;
     int frames = 0;
     int fps = 0;
@@ -45,83 +45,83 @@ int fail(const QString &text)
     return 1;
 }
 
-/// Paints the next frame over the one before.
-using Painting = std::function<void(QImage &picture, int frame)>;
+/// Paints the next frame over the previous one.
+using PaintFrame = std::function<void(QImage &image, int frame)>;
 
-Painting scenePainting(const QSize &size)
+PaintFrame paintScene(const QSize &size)
 {
-    return [scene = std::make_shared<SceneRenderer>(size)](QImage &picture, int frame) {
-        QPainter painter(&picture);
+    return [scene = std::make_shared<SceneRenderer>(size)](QImage &image, int frame) {
+        QPainter painter(&image);
         scene->paint(painter, frame, scene->changed(frame));
     };
 }
 
-/// What no encoder makes smaller.
-Painting noisePainting()
+/// Incompressible.
+PaintFrame paintNoise()
 {
-    return [random = std::mt19937_64(1)](QImage &picture, int) mutable {
-        auto *words = reinterpret_cast<quint64 *>(picture.bits());
-        std::generate(words, words + picture.sizeInBytes() / qsizetype(sizeof *words), std::ref(random));
+    return [random = std::mt19937_64(1)](QImage &image, int) mutable {
+        auto *words = reinterpret_cast<quint64 *>(image.bits());
+        std::generate(words, words + image.sizeInBytes() / qsizetype(sizeof *words), std::ref(random));
     };
 }
 
-/// Eight colours in a row, and below them the number of the frame: ten binary digits, white for 1.
-void paintNumber(QImage &picture, int frame)
+/// Eight colors in a row, and below them the frame number: ten binary digits, white for 1.
+void paintNumber(QImage &image, int frame)
 {
-    constexpr QRgb colours[]{0xff0000, 0x00ff00, 0x0000ff, 0xffff00, 0xff00ff, 0x808080, 0xffffff, 0x204060};
-    constexpr int digits = 10;
-    QPainter painter(&picture);
-    painter.fillRect(picture.rect(), QColor(colours[0]));
-    const QRect top(0, 0, picture.width(), picture.height() / 2);
+    constexpr QRgb kColors[]{0xff0000, 0x00ff00, 0x0000ff, 0xffff00, 0xff00ff, 0x808080, 0xffffff, 0x204060};
+    constexpr int kDigits = 10;
+    QPainter painter(&image);
+    painter.fillRect(image.rect(), QColor(kColors[0]));
+    const QRect top(0, 0, image.width(), image.height() / 2);
     const auto cell = [&](const QRect &row, int number, int count) {
         const int left = row.width() * number / count;
         return QRect(left, row.top(), row.width() * (number + 1) / count - left, row.height());
     };
     for (int i = 0; i < 8; ++i)
-        painter.fillRect(cell(top, i, 8), QColor(colours[i]));
-    for (int i = 0; i < digits; ++i)
-        painter.fillRect(cell(top.translated(0, top.height()), i, digits),
-                         frame >> (digits - 1 - i) & 1 ? Qt::white : Qt::black);
+        painter.fillRect(cell(top, i, 8), QColor(kColors[i]));
+    for (int i = 0; i < kDigits; ++i)
+        painter.fillRect(cell(top.translated(0, top.height()), i, kDigits),
+                         frame >> (kDigits - 1 - i) & 1 ? Qt::white : Qt::black);
 }
 
-Painting paintingOf(const QString &content, const QSize &size)
+PaintFrame paintFunction(const QString &content, const QSize &size)
 {
     if (content == "scene")
-        return scenePainting(size);
+        return paintScene(size);
     if (content == "noise")
-        return noisePainting();
-    return content == "numbers" ? paintNumber : Painting();
+        return paintNoise();
+    return content == "numbers" ? paintNumber : PaintFrame();
 }
 
-QString writeScreen(const Wish &wish)
+QString writeScreen(const Request &request)
 {
-    if (!QDir().mkpath(KelRecordingFiles::path(wish.directory, KelRecordingFiles::kScreenDir)))
-        return "cannot create " + wish.directory;
+    if (!QDir().mkpath(KelRecordingFiles::path(request.directory, KelRecordingFiles::kScreenDir)))
+        return "cannot create " + request.directory;
     KelAsyncEncoder::Params params;
-    params.frameSize = wish.size;
+    params.frameSize = request.size;
     params.inputFormat = QImage::Format_RGB32;
-    params.path = KelRecordingFiles::videoPath(wish.directory);
+    params.path = KelRecordingFiles::videoPath(request.directory);
     KelAsyncEncoder encoder(params);
-    const Painting paint = paintingOf(wish.content, wish.size);
+    const PaintFrame paint = paintFunction(request.content, request.size);
     if (!paint)
-        return "there is no content " + wish.content;
-    QImage picture(wish.size, QImage::Format_RGB32);
-    for (int frame = 0; frame < wish.frames && encoder.errorString().isEmpty(); ++frame) {
-        paint(picture, frame);
+        return "unknown content " + request.content;
+    QImage image(request.size, QImage::Format_RGB32);
+    for (int frame = 0; frame < request.frames && encoder.errorString().isEmpty(); ++frame) {
+        paint(image, frame);
         while (encoder.isBusy() && encoder.errorString().isEmpty())
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        encoder.addFrame(frame, picture);
+        encoder.addFrame(frame, image);
     }
     encoder.waitForClosed();
     if (!encoder.errorString().isEmpty())
         return encoder.errorString();
-    std::vector<qint64> entries(std::size_t(wish.frames));
+    std::vector<qint64> entries(std::size_t(request.frames));
     std::iota(entries.begin(), entries.end(), 0);
-    FrameIndexWriter index(KelRecordingFiles::frameIndexPath(wish.directory));
-    return index.update(entries) ? QString() : QStringLiteral("cannot write the frame index");
+    FrameIndexWriter index(KelRecordingFiles::frameIndexPath(request.directory));
+    return index.update(entries) ? QString() : "cannot write the frame index";
 }
 
-/// A tone that rises from second to second.
+/// A tone that rises every second.
 QString writeSound(const QString &directory, qint64 durationMs)
 {
     const QString voiceDir = KelRecordingFiles::path(directory, KelRecordingFiles::kVoiceDir);
@@ -148,20 +148,20 @@ QString writeSound(const QString &directory, qint64 durationMs)
     return {};
 }
 
-QString writeRecording(const Wish &wish)
+QString writeRecording(const Request &request)
 {
-    QString error = writeScreen(wish);
+    QString error = writeScreen(request);
     KelRecordingMetadata metadata;
-    metadata.recordArea = QRect(QPoint(0, 0), wish.size);
-    metadata.fps = wish.fps;
-    metadata.totalFrames = metadata.actualRecordedFrames = wish.frames;
-    metadata.durationMs = qint64(wish.frames) * 1000 / wish.fps;
+    metadata.recordArea = QRect(QPoint(0, 0), request.size);
+    metadata.fps = request.fps;
+    metadata.totalFrames = metadata.actualRecordedFrames = request.frames;
+    metadata.durationMs = qint64(request.frames) * 1000 / request.fps;
     metadata.mouseTrack = false;
-    metadata.systemAudio = wish.hasSound;
-    if (error.isEmpty() && wish.hasSound)
-        error = writeSound(wish.directory, metadata.durationMs);
+    metadata.systemAudio = request.hasSound;
+    if (error.isEmpty() && request.hasSound)
+        error = writeSound(request.directory, metadata.durationMs);
     if (error.isEmpty())
-        metadata.save(wish.directory, &error);
+        metadata.save(request.directory, &error);
     return error;
 }
 
@@ -174,15 +174,15 @@ int main(int argc, char **argv)
     const QStringList arguments = app.arguments();
     if (arguments.size() < 7)
         return fail("usage: WIDTH HEIGHT FRAMES FPS scene|noise|numbers DIRECTORY [sound]");
-    Wish wish;
-    wish.size = QSize(arguments[1].toInt(), arguments[2].toInt());
-    wish.frames = arguments[3].toInt();
-    wish.fps = arguments[4].toInt();
-    wish.content = arguments[5];
-    wish.directory = arguments[6];
-    wish.hasSound = arguments.size() > 7;
-    if (wish.size.isEmpty() || wish.frames < 1 || wish.fps < 1)
-        return fail("sizes, frames and frames a second are at least 1");
-    const QString error = writeRecording(wish);
+    Request request;
+    request.size = QSize(arguments[1].toInt(), arguments[2].toInt());
+    request.frames = arguments[3].toInt();
+    request.fps = arguments[4].toInt();
+    request.content = arguments[5];
+    request.directory = arguments[6];
+    request.hasSound = arguments.size() > 7;
+    if (request.size.isEmpty() || request.frames < 1 || request.fps < 1)
+        return fail("WIDTH, HEIGHT, FRAMES and FPS must be at least 1");
+    const QString error = writeRecording(request);
     return error.isEmpty() ? 0 : fail(error);
 }

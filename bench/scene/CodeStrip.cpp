@@ -15,36 +15,36 @@ struct Rule {
 
 const QRegularExpression &tokens()
 {
-    static const QRegularExpression expression(QStringLiteral(
+    static const QRegularExpression kExpression(QStringLiteral(
         "(?<comment>//.*)|(?<string>\"[^\"]*\"|<[a-z]+>)|(?<preprocessor>#\\w+)|"
         "(?<number>\\b\\d[\\d.]*f?\\b)|"
         "(?<keyword>\\b(?:alignas|auto|bool|char|class|const|explicit|float|if|inline|namespace|noexcept|private|"
         "public|return|static_assert|struct|template|typename|true|false)\\b)|"
         "(?<type>\\b[A-Z]\\w*|\\bstd\\b)|(?<call>\\b\\w+(?=\\())|(?<member>\\bm_\\w+)"));
-    return expression;
+    return kExpression;
 }
 
 QColor colorOf(const QRegularExpressionMatch &match)
 {
-    static const Rule rules[] = {{"comment", SceneColors::Comment},
-                                 {"string", SceneColors::String},
-                                 {"preprocessor", SceneColors::Preprocessor},
-                                 {"number", SceneColors::Number},
-                                 {"keyword", SceneColors::Keyword},
-                                 {"type", SceneColors::Type},
-                                 {"call", SceneColors::Call},
-                                 {"member", SceneColors::Member}};
-    for (const Rule &rule : rules) {
+    static const Rule kRules[] = {{"comment", SceneColors::kComment},
+                                  {"string", SceneColors::kString},
+                                  {"preprocessor", SceneColors::kPreprocessor},
+                                  {"number", SceneColors::kNumber},
+                                  {"keyword", SceneColors::kKeyword},
+                                  {"type", SceneColors::kType},
+                                  {"call", SceneColors::kCall},
+                                  {"member", SceneColors::kMember}};
+    for (const Rule &rule : kRules) {
         if (!match.captured(QLatin1String(rule.group)).isEmpty())
             return rule.color;
     }
-    return SceneColors::Text;
+    return SceneColors::kText;
 }
 
 void paintLine(QPainter &painter, const QPoint &baseline, const QString &line)
 {
-    const int advance = painter.fontMetrics().horizontalAdvance(QLatin1Char('m'));
-    painter.setPen(SceneColors::Text);
+    const int advance = painter.fontMetrics().horizontalAdvance('m');
+    painter.setPen(SceneColors::kText);
     painter.drawText(baseline, line);
     QRegularExpressionMatchIterator matches = tokens().globalMatch(line);
     while (matches.hasNext()) {
@@ -52,7 +52,7 @@ void paintLine(QPainter &painter, const QPoint &baseline, const QString &line)
         const QPoint at(baseline.x() + match.capturedStart() * advance, baseline.y());
         const QRect place(at.x(), at.y() - painter.fontMetrics().ascent(), match.capturedLength() * advance,
                           painter.fontMetrics().height());
-        painter.fillRect(place, SceneColors::EditorBackground);
+        painter.fillRect(place, SceneColors::kEditorBackground);
         painter.setPen(colorOf(match));
         painter.drawText(at, match.captured());
     }
@@ -65,13 +65,13 @@ CodeStrip::CodeStrip(int width, int fontPx)
     const QStringList lines = SceneText::code();
     const int lineHeight = fontPx * 3 / 2;
     m_strip = QImage(width, lines.size() * lineHeight, QImage::Format_RGB32);
-    m_strip.fill(SceneColors::EditorBackground);
+    m_strip.fill(SceneColors::kEditorBackground);
     QPainter painter(&m_strip);
     painter.setFont(SceneColors::codeFont(fontPx));
-    const int advance = painter.fontMetrics().horizontalAdvance(QLatin1Char('m'));
+    const int advance = painter.fontMetrics().horizontalAdvance('m');
     for (int i = 0; i < lines.size(); ++i) {
         const int baseline = i * lineHeight + (lineHeight + painter.fontMetrics().ascent()) / 2 - 1;
-        painter.setPen(SceneColors::LineNumber);
+        painter.setPen(SceneColors::kLineNumber);
         painter.drawText(advance, baseline, QString::number(i + 1).rightJustified(3));
         paintLine(painter, QPoint(advance * 6, baseline), lines.at(i));
     }

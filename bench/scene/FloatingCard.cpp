@@ -10,15 +10,15 @@
 namespace
 {
 
-constexpr int Radius = 14;
-constexpr int NominalFps = 30;
-constexpr int ProgressCycle = 300;
-constexpr int Bars = 24;
-const QColor Paper(0xf6, 0xf8, 0xfd);
-const QColor Ink(0x22, 0x2b, 0x45);
-const QColor Groove(0xdf, 0xe5, 0xf2);
+constexpr int kRadius = 14;
+constexpr int kNominalFps = 30;
+constexpr int kProgressCycle = 300;
+constexpr int kBars = 24;
+const QColor kPaper(0xf6, 0xf8, 0xfd);
+const QColor kInk(0x22, 0x2b, 0x45);
+const QColor kGroove(0xdf, 0xe5, 0xf2);
 
-/// Drifts between -1 and 1, once around in so many frames.
+/// Oscillates between -1 and 1 with this period.
 double drift(int frame, int cycle)
 {
     return std::sin(2.0 * M_PI * (frame % cycle) / cycle);
@@ -29,7 +29,7 @@ double drift(int frame, int cycle)
 FloatingCard::FloatingCard(const QSize &sceneSize, const QSize &size)
     : m_sceneSize(sceneSize)
     , m_size(size)
-    , m_shadow(paintShadow(size, Radius))
+    , m_shadow(paintShadow(size, kRadius))
 {
 }
 
@@ -42,7 +42,7 @@ QPoint FloatingCard::position(int frame) const
 
 QRect FloatingCard::extent(int frame) const
 {
-    const QPoint margin(ShadowMargin, ShadowMargin);
+    const QPoint margin(kShadowMargin, kShadowMargin);
     return QRect(position(frame) - margin, m_shadow.size());
 }
 
@@ -52,20 +52,20 @@ void FloatingCard::paint(QPainter &painter, int frame) const
     painter.drawImage(extent(frame).topLeft(), m_shadow);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(Paper);
-    painter.drawRoundedRect(card, Radius, Radius);
+    painter.setBrush(kPaper);
+    painter.drawRoundedRect(card, kRadius, kRadius);
 
     const int unit = m_size.height() / 10;
     const QRect inside = card.adjusted(unit * 3 / 2, unit, -unit * 3 / 2, -unit);
-    painter.setPen(Ink);
+    painter.setPen(kInk);
     painter.setFont(SceneColors::windowFont(unit, QFont::DemiBold));
-    painter.drawText(inside, Qt::AlignTop | Qt::AlignLeft, QStringLiteral("Tonight"));
+    painter.drawText(inside, Qt::AlignTop | Qt::AlignLeft, "Tonight");
 
-    const int hundredths = frame * 100 / NominalFps;
-    const QString clock = QStringLiteral("%1:%2.%3")
-                              .arg(hundredths / 6000, 2, 10, QLatin1Char('0'))
-                              .arg(hundredths / 100 % 60, 2, 10, QLatin1Char('0'))
-                              .arg(hundredths % 100, 2, 10, QLatin1Char('0'));
+    const int hundredths = frame * 100 / kNominalFps;
+    const QString clock = QString("%1:%2.%3")
+                              .arg(hundredths / 6000, 2, 10, QChar('0'))
+                              .arg(hundredths / 100 % 60, 2, 10, QChar('0'))
+                              .arg(hundredths % 100, 2, 10, QChar('0'));
     painter.setFont(SceneColors::codeFont(unit));
     painter.drawText(inside, Qt::AlignTop | Qt::AlignRight, clock);
 
@@ -77,11 +77,11 @@ void FloatingCard::paint(QPainter &painter, int frame) const
 void FloatingCard::paintChart(QPainter &painter, const QRect &area, int frame) const
 {
     painter.setPen(Qt::NoPen);
-    const double step = static_cast<double>(area.width()) / Bars;
-    for (int i = 0; i < Bars; ++i) {
+    const double step = static_cast<double>(area.width()) / kBars;
+    for (int i = 0; i < kBars; ++i) {
         const double level = 0.5 + 0.32 * drift(frame + i * 17, 170) + 0.14 * drift(frame * 2 + i * 41, 230);
         const double height = qBound(0.06, level, 1.0) * area.height();
-        const double share = static_cast<double>(i) / (Bars - 1);
+        const double share = static_cast<double>(i) / (kBars - 1);
         painter.setBrush(QColor::fromHsvF(0.60 + 0.16 * share, 0.55, 0.95));
         painter.drawRoundedRect(QRectF(area.x() + i * step, area.bottom() - height, step * 0.64, height), 2, 2);
     }
@@ -89,22 +89,21 @@ void FloatingCard::paintChart(QPainter &painter, const QRect &area, int frame) c
 
 void FloatingCard::paintProgress(QPainter &painter, const QRect &area, int frame) const
 {
-    const double share = static_cast<double>(frame % ProgressCycle) / ProgressCycle;
+    const double share = static_cast<double>(frame % kProgressCycle) / kProgressCycle;
     const int thickness = qMax(4, area.height() / 3);
     const int textWidth = area.height() * 2;
     const QRectF groove(area.x(), area.center().y() - thickness / 2.0, area.width() - textWidth, thickness);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(Groove);
+    painter.setBrush(kGroove);
     painter.drawRoundedRect(groove, thickness / 2.0, thickness / 2.0);
     QLinearGradient gradient(groove.topLeft(), groove.topRight());
-    gradient.setColorAt(0.0, SceneColors::Accent);
-    gradient.setColorAt(1.0, SceneColors::AccentEnd);
+    gradient.setColorAt(0.0, SceneColors::kAccent);
+    gradient.setColorAt(1.0, SceneColors::kAccentEnd);
     painter.setBrush(gradient);
     painter.drawRoundedRect(
         QRectF(groove.x(), groove.y(), qMax<double>(thickness, groove.width() * share), groove.height()),
         thickness / 2.0, thickness / 2.0);
-    painter.setPen(Ink);
+    painter.setPen(kInk);
     painter.setFont(SceneColors::windowFont(area.height() / 2));
-    painter.drawText(area, Qt::AlignVCenter | Qt::AlignRight,
-                     QStringLiteral("%1 %").arg(static_cast<int>(share * 100)));
+    painter.drawText(area, Qt::AlignVCenter | Qt::AlignRight, QString("%1 %").arg(static_cast<int>(share * 100)));
 }

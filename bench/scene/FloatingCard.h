@@ -12,7 +12,7 @@ class FloatingCard
 public:
     FloatingCard(const QSize &sceneSize, const QSize &size);
 
-    /// All that it covers at that frame, its shadow included.
+    /// The area it covers at that frame, including its shadow.
     QRect extent(int frame) const;
 
     void paint(QPainter &painter, int frame) const;

@@ -3,12 +3,12 @@
 namespace
 {
 
-constexpr int CellSize = 5;
-constexpr int Cells = 24;
+constexpr int kCellSize = 5;
+constexpr int kCells = 24;
 
-const QColor Dark(36, 42, 84);
-const QColor Light(140, 150, 205);
-constexpr int Threshold = 96; // grey half-way between the two
+const QColor kDark(36, 42, 84);
+const QColor kLight(140, 150, 205);
+constexpr int kThreshold = 96; // the gray halfway between the two
 
 quint32 word(int frame)
 {
@@ -21,27 +21,27 @@ quint32 word(int frame)
 
 QRect FrameMark::rect(const QSize &sceneSize)
 {
-    return QRect(0, sceneSize.height() - CellSize, Cells * CellSize, CellSize);
+    return QRect(0, sceneSize.height() - kCellSize, kCells * kCellSize, kCellSize);
 }
 
 void FrameMark::paint(QPainter &painter, const QPoint &topLeft, int frame)
 {
     const quint32 bits = word(frame);
-    for (int i = 0; i < Cells; ++i) {
-        const bool isSet = bits >> (Cells - 1 - i) & 1;
-        painter.fillRect(topLeft.x() + i * CellSize, topLeft.y(), CellSize, CellSize, isSet ? Light : Dark);
+    for (int i = 0; i < kCells; ++i) {
+        const bool isSet = bits >> (kCells - 1 - i) & 1;
+        painter.fillRect(topLeft.x() + i * kCellSize, topLeft.y(), kCellSize, kCellSize, isSet ? kLight : kDark);
     }
 }
 
-int FrameMark::read(const QImage &picture)
+int FrameMark::read(const QImage &image)
 {
-    const QRect place = rect(picture.size());
-    if (!picture.rect().contains(place))
+    const QRect place = rect(image.size());
+    if (!image.rect().contains(place))
         return -1;
     quint32 bits = 0;
-    for (int i = 0; i < Cells; ++i) {
-        const int x = place.x() + i * CellSize + CellSize / 2;
-        bits = bits << 1 | (qGray(picture.pixel(x, place.y() + CellSize / 2)) > Threshold ? 1 : 0);
+    for (int i = 0; i < kCells; ++i) {
+        const int x = place.x() + i * kCellSize + kCellSize / 2;
+        bits = bits << 1 | (qGray(image.pixel(x, place.y() + kCellSize / 2)) > kThreshold ? 1 : 0);
     }
     const int frame = static_cast<int>(bits >> 8);
     return word(frame) == bits ? frame : -1;

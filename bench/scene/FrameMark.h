@@ -5,19 +5,19 @@
 #include <QPoint>
 #include <QRect>
 
-/// A frame number written into the picture itself, so that whoever decodes a recording knows which frame he looks at.
-/// 24 cells of 5x5 pixels: 16 bits of number, 8 bits of checksum. Survives any usable compression.
+/// A frame number drawn into the frame itself, so that decoded frames can be identified.
+/// 24 cells of 5x5 pixels: a 16-bit number and an 8-bit checksum. Survives any usable compression.
 namespace FrameMark
 {
 
-constexpr int LargestFrame = 0xffff;
+constexpr int kLargestFrame = 0xffff;
 
-/// The place of the mark in a scene of that size: its lower left corner.
+/// The area of the mark in a scene of that size: in its lower left corner.
 QRect rect(const QSize &sceneSize);
 
 void paint(QPainter &painter, const QPoint &topLeft, int frame);
 
-/// The number in the lower left corner of the picture; -1 when there is none or it is damaged.
-int read(const QImage &picture);
+/// The frame number in the lower left corner of the image; -1 when it is missing or damaged.
+int read(const QImage &image);
 
 } // namespace FrameMark

@@ -11,7 +11,7 @@
 namespace
 {
 
-constexpr int WindowRadius = 10;
+constexpr int kWindowRadius = 10;
 
 void paintDesktop(QPainter &painter, const QSize &size)
 {
@@ -35,14 +35,14 @@ void paintDesktop(QPainter &painter, const QSize &size)
 
 void paintWindow(QPainter &painter, const QRect &rect, int titleBar, const QColor &background, const QString &title)
 {
-    painter.drawImage(rect.topLeft() - QPoint(ShadowMargin, ShadowMargin), paintShadow(rect.size(), WindowRadius));
+    painter.drawImage(rect.topLeft() - QPoint(kShadowMargin, kShadowMargin), paintShadow(rect.size(), kWindowRadius));
     QPainterPath outline;
-    outline.addRoundedRect(rect, WindowRadius, WindowRadius);
+    outline.addRoundedRect(rect, kWindowRadius, kWindowRadius);
     painter.fillPath(outline, background);
 
     painter.save();
     painter.setClipPath(outline);
-    painter.fillRect(rect.x(), rect.y(), rect.width(), titleBar, SceneColors::EditorChrome);
+    painter.fillRect(rect.x(), rect.y(), rect.width(), titleBar, SceneColors::kEditorChrome);
     painter.restore();
 
     painter.setPen(Qt::NoPen);
@@ -54,7 +54,7 @@ void paintWindow(QPainter &painter, const QRect &rect, int titleBar, const QColo
         x += dot * 5 / 3;
     }
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(SceneColors::Dimmed);
+    painter.setPen(SceneColors::kDimmed);
     painter.setFont(SceneColors::windowFont(titleBar * 2 / 5));
     painter.drawText(QRect(rect.x(), rect.y(), rect.width(), titleBar), Qt::AlignCenter, title);
     painter.setPen(QColor(255, 255, 255, 26));
@@ -63,7 +63,7 @@ void paintWindow(QPainter &painter, const QRect &rect, int titleBar, const QColo
 
 void paintFileList(QPainter &painter, const SceneLayout &layout)
 {
-    painter.fillRect(layout.fileList, SceneColors::EditorChrome);
+    painter.fillRect(layout.fileList, SceneColors::kEditorChrome);
     painter.setFont(SceneColors::windowFont(layout.fontPx));
     const int lineHeight = layout.fontPx * 2;
     int y = layout.fileList.y() + lineHeight / 2;
@@ -74,9 +74,9 @@ void paintFileList(QPainter &painter, const SceneLayout &layout)
         const QRect row(layout.fileList.x(), y, layout.fileList.width(), lineHeight);
         const bool isOpen = file.endsWith(QLatin1String("samples.h"));
         if (isOpen)
-            painter.fillRect(row, SceneColors::EditorSelection);
-        const bool isFolder = !file.contains(QLatin1Char('.'));
-        painter.setPen(isOpen || isFolder ? SceneColors::Text : SceneColors::Dimmed);
+            painter.fillRect(row, SceneColors::kEditorSelection);
+        const bool isFolder = !file.contains('.');
+        painter.setPen(isOpen || isFolder ? SceneColors::kText : SceneColors::kDimmed);
         const int indent = (file.size() - file.trimmed().size()) * layout.fontPx / 3;
         painter.drawText(row.adjusted(layout.fontPx + indent, 0, 0, 0), Qt::AlignVCenter, file.trimmed());
         y += lineHeight;
@@ -88,16 +88,16 @@ void paintStatusBar(QPainter &painter, const SceneLayout &layout)
     const QRect bar(layout.editor.x(), layout.editor.bottom() + 1 - layout.statusBar, layout.editor.width(),
                     layout.statusBar);
     QPainterPath outline;
-    outline.addRoundedRect(layout.editor, WindowRadius, WindowRadius);
+    outline.addRoundedRect(layout.editor, kWindowRadius, kWindowRadius);
     painter.save();
     painter.setClipPath(outline);
-    painter.fillRect(bar, SceneColors::Accent);
+    painter.fillRect(bar, SceneColors::kAccent);
     painter.restore();
     painter.setPen(Qt::white);
     painter.setFont(SceneColors::windowFont(layout.fontPx - 1));
     const QRect text = bar.adjusted(layout.fontPx, 0, -layout.fontPx, 0);
-    painter.drawText(text, Qt::AlignVCenter | Qt::AlignLeft, QStringLiteral("main   0 errors   0 warnings"));
-    painter.drawText(text, Qt::AlignVCenter | Qt::AlignRight, QStringLiteral("C++17   UTF-8   4 spaces"));
+    painter.drawText(text, Qt::AlignVCenter | Qt::AlignLeft, "main   0 errors   0 warnings");
+    painter.drawText(text, Qt::AlignVCenter | Qt::AlignRight, "C++17   UTF-8   4 spaces");
 }
 
 } // namespace
@@ -121,14 +121,14 @@ SceneLayout::SceneLayout(const QSize &sceneSize)
 
 QImage paintShadow(const QSize &size, int radius)
 {
-    const QRect box = QRect(QPoint(ShadowMargin, ShadowMargin + 6), size);
-    QImage image(size + 2 * QSize(ShadowMargin, ShadowMargin), QImage::Format_ARGB32_Premultiplied);
+    const QRect box = QRect(QPoint(kShadowMargin, kShadowMargin + 6), size);
+    QImage image(size + 2 * QSize(kShadowMargin, kShadowMargin), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    // Faint layers, each a little smaller and the inner ones stronger, add up to a soft edge.
-    for (int spread = ShadowMargin - 8; spread > 0; --spread) {
+    // Faint layers, each a little smaller and stronger than the one outside it, add up to a soft edge.
+    for (int spread = kShadowMargin - 8; spread > 0; --spread) {
         painter.setBrush(QColor(0, 0, 0, spread > 20 ? 1 : spread > 10 ? 3 : 6));
         painter.drawRoundedRect(box.adjusted(-spread, -spread, spread, spread), radius + spread, radius + spread);
     }
@@ -141,8 +141,7 @@ QImage paintSceneBackdrop(const SceneLayout &layout)
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     paintDesktop(painter, layout.size);
-    paintWindow(painter, layout.editor, layout.titleBar, SceneColors::EditorBackground,
-                QStringLiteral("samples.h - aurora"));
+    paintWindow(painter, layout.editor, layout.titleBar, SceneColors::kEditorBackground, "samples.h - aurora");
     paintFileList(painter, layout);
     paintStatusBar(painter, layout);
     return image;
@@ -150,12 +149,12 @@ QImage paintSceneBackdrop(const SceneLayout &layout)
 
 QImage paintTerminalWindow(const SceneLayout &layout)
 {
-    const QPoint margin(ShadowMargin, ShadowMargin);
-    QImage image(layout.terminal.size() + 2 * QSize(ShadowMargin, ShadowMargin), QImage::Format_ARGB32_Premultiplied);
+    const QPoint margin(kShadowMargin, kShadowMargin);
+    QImage image(layout.terminal.size() + 2 * QSize(kShadowMargin, kShadowMargin), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintWindow(painter, QRect(margin, layout.terminal.size()), layout.titleBar, SceneColors::TerminalBackground,
-                QStringLiteral("aurora - zsh"));
+    paintWindow(painter, QRect(margin, layout.terminal.size()), layout.titleBar, SceneColors::kTerminalBackground,
+                "aurora - zsh");
     return image;
 }

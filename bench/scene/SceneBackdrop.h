@@ -4,7 +4,7 @@
 #include <QRect>
 #include <QSize>
 
-/// Where things are in a scene of a given size.
+/// The layout of a scene of a given size.
 struct SceneLayout {
     explicit SceneLayout(const QSize &size);
 
@@ -20,12 +20,12 @@ struct SceneLayout {
     QSize card;
 };
 
-/// What lies below all else and never changes: the desktop and the editor without its code.
+/// The static background: the desktop and the editor without its code.
 QImage paintSceneBackdrop(const SceneLayout &layout);
 
-/// The empty terminal with its shadow, transparent around it; it lies over the code. ShadowMargin larger on every side.
+/// The empty terminal with its shadow on transparent pixels, drawn over the code. kShadowMargin larger on every side.
 QImage paintTerminalWindow(const SceneLayout &layout);
 
-/// A soft shadow for a rounded rectangle of that size; it is `ShadowMargin` larger on every side.
-constexpr int ShadowMargin = 40;
+/// A soft shadow for a rounded rectangle of that size, `kShadowMargin` larger on every side.
+constexpr int kShadowMargin = 40;
 QImage paintShadow(const QSize &size, int radius);

@@ -4,7 +4,7 @@
 
 namespace
 {
-constexpr int ScrollPerFrame = 2; // pixels
+constexpr int kScrollPerFrame = 2; // pixels
 } // namespace
 
 SceneRenderer::SceneRenderer(const QSize &size)
@@ -35,15 +35,15 @@ void SceneRenderer::paint(QPainter &painter, int frame, const QRegion &region) c
     painter.setClipRegion(region);
     for (const QRect &rect : region)
         painter.drawImage(rect, m_backdrop, rect);
-    m_code.paint(painter, m_layout.code, frame * ScrollPerFrame);
-    const QPoint margin(ShadowMargin, ShadowMargin);
+    m_code.paint(painter, m_layout.code, frame * kScrollPerFrame);
+    const QPoint margin(kShadowMargin, kShadowMargin);
     painter.drawImage(m_layout.terminal.topLeft() - margin, m_terminalWindow);
     m_terminal.paint(painter, frame);
     m_card.paint(painter, frame);
     FrameMark::paint(painter, FrameMark::rect(m_layout.size).topLeft(), frame);
 }
 
-QImage SceneRenderer::picture(int frame) const
+QImage SceneRenderer::image(int frame) const
 {
     QImage image(m_layout.size, QImage::Format_RGB32);
     QPainter painter(&image);

@@ -10,9 +10,8 @@
 #include <QRegion>
 #include <QSize>
 
-/// A desktop at work: scrolling source code, a terminal in which someone types, a small window that moves about. Every
-/// pixel is a function of the frame number, so that a recording of the scene can be compared with what really was
-/// there.
+/// A busy desktop: scrolling source code, a terminal with typing, a small moving window. Every pixel is a function of
+/// the frame number, so that a recording can be compared with the exact original.
 class SceneRenderer
 {
 public:
@@ -20,14 +19,14 @@ public:
 
     QSize size() const { return m_layout.size; }
 
-    /// What differs between the frame before and this one; all of it for frame 0.
+    /// What differs between the previous frame and this one; everything for frame 0.
     QRegion changed(int frame) const;
 
-    /// Paints those parts of the frame that lie in `region`.
+    /// Paints the part of the frame inside `region`.
     void paint(QPainter &painter, int frame, const QRegion &region) const;
 
     /// The whole frame.
-    QImage picture(int frame) const;
+    QImage image(int frame) const;
 
 private:
     const SceneLayout m_layout;

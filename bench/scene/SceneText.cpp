@@ -87,16 +87,14 @@ inline const char *describe(float brightness)
 
 } // namespace aurora
 )code")
-        .split(QLatin1Char('\n'));
+        .split('\n');
 }
 
 QStringList SceneText::files()
 {
-    return {QStringLiteral("aurora"),           QStringLiteral("  src"),           QStringLiteral("    camera.cpp"),
-            QStringLiteral("    camera.h"),     QStringLiteral("    painter.cpp"), QStringLiteral("    painter.h"),
-            QStringLiteral("    samples.h"),    QStringLiteral("    sky.cpp"),     QStringLiteral("    sky.h"),
-            QStringLiteral("  tests"),          QStringLiteral("    queue.cpp"),   QStringLiteral("    smoother.cpp"),
-            QStringLiteral("  CMakeLists.txt"), QStringLiteral("  README.md")};
+    return {"aurora",           "  src",       "    camera.cpp", "    camera.h", "    painter.cpp", "    painter.h",
+            "    samples.h",    "    sky.cpp", "    sky.h",      "  tests",      "    queue.cpp",   "    smoother.cpp",
+            "  CMakeLists.txt", "  README.md"};
 }
 
 QVector<SceneText::TerminalLine> SceneText::session()

@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <QVector>
 
-/// The words of the scene. Fixed, so that figures measured at different times stay comparable.
+/// The texts of the scene. They never change, so that figures measured at different times stay comparable.
 namespace SceneText
 {
 
@@ -15,11 +15,11 @@ QStringList code();
 QStringList files();
 
 struct TerminalLine {
-    bool isTyped; ///< a command that someone types, else output
+    bool isTyped; ///< a command that is typed, otherwise output
     QString text;
 };
 
-/// What is typed and answered in the terminal, again and again.
+/// The commands and their output in the terminal, repeated forever.
 QVector<TerminalLine> session();
 
 } // namespace SceneText

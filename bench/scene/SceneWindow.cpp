@@ -10,14 +10,14 @@ SceneWindow::SceneWindow(QSize size)
     : m_connection(xcb_connect(nullptr, nullptr))
 {
     if (xcb_connection_has_error(m_connection)) {
-        m_error = QStringLiteral("cannot connect to the display");
+        m_error = "cannot connect to the display";
         return;
     }
     const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
     if (size.isEmpty())
         size = QSize(screen->width_in_pixels, screen->height_in_pixels);
     if (screen->root_depth != 24 || !shareCanvas(size)) {
-        m_error = QStringLiteral("the display offers no 24-bit pictures in shared memory");
+        m_error = "the display offers no 24-bit images in shared memory";
         return;
     }
     m_window = xcb_generate_id(m_connection);

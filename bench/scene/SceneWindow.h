@@ -14,20 +14,19 @@
 class SceneWindow
 {
 public:
-    /// `size` may be empty: the whole screen.
+    /// An empty `size` means the whole screen.
     explicit SceneWindow(QSize size);
     ~SceneWindow();
     SceneWindow(const SceneWindow &) = delete;
     SceneWindow &operator=(const SceneWindow &) = delete;
 
-    /// Why there is no window; empty when there is one.
+    /// Why the window could not be created; empty on success.
     QString errorString() const { return m_error; }
 
-    /// What to paint into. It keeps what was painted before.
+    /// The image to paint into. Keeps its previous content.
     QImage &canvas() { return m_canvas; }
 
-    /// Shows those parts of the canvas. All at one moment, so that nobody who looks sees half of a frame. False when
-    /// the display is gone.
+    /// Shows this part of the canvas at once, so that nobody captures half a frame. False when the display is lost.
     bool show(const QRegion &region);
 
 private:

@@ -6,11 +6,11 @@
 
 namespace
 {
-constexpr int FramesPerCharacter = 2;
-constexpr int FramesPerOutput = 5;
-constexpr int FramesBeforeTyping = 20;
-constexpr int FramesBeforeAnswer = 8;
-constexpr int BlinkFrames = 15;
+constexpr int kFramesPerCharacter = 2;
+constexpr int kFramesPerOutput = 5;
+constexpr int kFramesBeforeTyping = 20;
+constexpr int kFramesBeforeAnswer = 8;
+constexpr int kBlinkFrames = 15;
 } // namespace
 
 TerminalScript::TerminalScript(const QRect &area, int fontPx)
@@ -21,8 +21,8 @@ TerminalScript::TerminalScript(const QRect &area, int fontPx)
 {
     for (const SceneText::TerminalLine &line : m_lines) {
         m_start.append(m_cycle);
-        m_cycle += line.isTyped ? FramesBeforeTyping + line.text.size() * FramesPerCharacter + FramesBeforeAnswer
-                                : FramesPerOutput;
+        m_cycle += line.isTyped ? kFramesBeforeTyping + line.text.size() * kFramesPerCharacter + kFramesBeforeAnswer
+                                : kFramesPerOutput;
     }
 }
 
@@ -34,8 +34,8 @@ TerminalScript::State TerminalScript::stateAt(int frame) const
     const SceneText::TerminalLine &current = m_lines.at(line);
     int characters = current.text.size();
     if (current.isTyped)
-        characters = qBound(0, (position - m_start.at(line) - FramesBeforeTyping) / FramesPerCharacter, characters);
-    return {cycles * m_lines.size() + line, characters, frame / BlinkFrames % 2 == 0};
+        characters = qBound(0, (position - m_start.at(line) - kFramesBeforeTyping) / kFramesPerCharacter, characters);
+    return {cycles * m_lines.size() + line, characters, frame / kBlinkFrames % 2 == 0};
 }
 
 QRect TerminalScript::rowRect(int row) const
@@ -59,7 +59,7 @@ void TerminalScript::paint(QPainter &painter, int frame) const
 {
     const State state = stateAt(frame);
     painter.setFont(SceneColors::codeFont(m_fontPx));
-    const int advance = painter.fontMetrics().horizontalAdvance(QLatin1Char('m'));
+    const int advance = painter.fontMetrics().horizontalAdvance('m');
     const int first = qMax(0, state.line - rows() + 1);
     for (int line = first; line <= state.line; ++line) {
         const SceneText::TerminalLine &content = m_lines.at(line % m_lines.size());
@@ -68,14 +68,14 @@ void TerminalScript::paint(QPainter &painter, int frame) const
         const QString text = isLast ? content.text.left(state.characters) : content.text;
         int x = row.x();
         if (content.isTyped) {
-            painter.setPen(SceneColors::Prompt);
-            painter.drawText(QRect(x, row.y(), row.width(), row.height()), Qt::AlignVCenter, QStringLiteral("$"));
+            painter.setPen(SceneColors::kPrompt);
+            painter.drawText(QRect(x, row.y(), row.width(), row.height()), Qt::AlignVCenter, "$");
             x += 2 * advance;
         }
-        painter.setPen(content.isTyped ? SceneColors::Text : SceneColors::Dimmed);
+        painter.setPen(content.isTyped ? SceneColors::kText : SceneColors::kDimmed);
         painter.drawText(QRect(x, row.y(), row.right() - x, row.height()), Qt::AlignVCenter, text);
         if (isLast && state.hasCaret)
             painter.fillRect(x + text.size() * advance + 1, row.y() + 2, advance - 1, row.height() - 4,
-                             SceneColors::Text);
+                             SceneColors::kText);
     }
 }

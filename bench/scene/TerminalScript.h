@@ -6,21 +6,21 @@
 #include <QRect>
 #include <QVector>
 
-/// A terminal in which someone types commands that are then answered.
+/// A terminal in which commands are typed and print their output.
 class TerminalScript
 {
 public:
     TerminalScript(const QRect &area, int fontPx);
 
-    /// What changes between the frame before and this one.
+    /// What changes between the previous frame and this one.
     QRect changed(int frame) const;
 
     void paint(QPainter &painter, int frame) const;
 
 private:
     struct State {
-        int line;       ///< the last line that is there
-        int characters; ///< of that line
+        int line;       ///< the last visible line
+        int characters; ///< typed in that line
         bool hasCaret;
     };
 
@@ -32,6 +32,6 @@ private:
     const int m_fontPx;
     const int m_lineHeight;
     const QVector<SceneText::TerminalLine> m_lines;
-    QVector<int> m_start; ///< the frame of the cycle at which a line begins
-    int m_cycle = 0;      ///< frames until all begins again
+    QVector<int> m_start; ///< the frame of the cycle at which each line starts
+    int m_cycle = 0;      ///< frames until the script repeats
 };

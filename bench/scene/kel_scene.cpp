@@ -1,4 +1,4 @@
-// Shows the scene on the X display until it is stopped, for benchmarks and the demo to record.
+// Shows the scene on $DISPLAY until it is stopped, for benchmarks and the demo to record.
 
 #include "FrameMark.h"
 #include "SceneRenderer.h"
@@ -24,21 +24,18 @@ struct Options {
 
 Options readOptions(const QGuiApplication &application)
 {
-    const QCommandLineOption size(QStringLiteral("size"), QStringLiteral("of the scene; default: the screen"),
-                                  QStringLiteral("WxH"));
-    const QCommandLineOption fps(QStringLiteral("fps"), QStringLiteral("frames a second"), QStringLiteral("N"),
-                                 QStringLiteral("30"));
-    const QCommandLineOption seconds(QStringLiteral("seconds"), QStringLiteral("then end; default: never"),
-                                     QStringLiteral("S"), QStringLiteral("0"));
-    const QCommandLineOption still(QStringLiteral("still"), QStringLiteral("show frame 0 and nothing else"));
+    const QCommandLineOption size("size", "size of the scene; default: the screen", "WxH");
+    const QCommandLineOption fps("fps", "frames a second", "N", "30");
+    const QCommandLineOption seconds("seconds", "exit after this time; default: never", "S", "0");
+    const QCommandLineOption still("still", "show frame 0 and nothing else");
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Shows a scripted desktop on $DISPLAY."));
+    parser.setApplicationDescription("Shows a scripted desktop on $DISPLAY.");
     parser.addOptions({size, fps, seconds, still});
     parser.addHelpOption();
     parser.process(application);
 
     Options options;
-    const QStringList sides = parser.value(size).split(QLatin1Char('x'));
+    const QStringList sides = parser.value(size).split('x');
     if (sides.size() == 2)
         options.size = QSize(sides.at(0).toInt(), sides.at(1).toInt());
     options.fps = qBound(1, parser.value(fps).toInt(), 1000);
@@ -78,7 +75,7 @@ int main(int argc, char **argv)
     const std::chrono::duration<double> frameTime(1.0 / options.fps);
     const std::chrono::duration<double> limit(options.seconds > 0 ? options.seconds : 1e9);
     for (int frame = 0; Clock::now() - start < limit;) {
-        // A late frame is left out, not caught up: the clock goes on.
+        // A late frame is skipped, because the clock goes on.
         const int next = qMax(frame + 1, static_cast<int>((Clock::now() - start) / frameTime));
         std::this_thread::sleep_until(start + std::chrono::duration_cast<Clock::duration>(next * frameTime));
         if (options.isStill) {
@@ -87,8 +84,8 @@ int main(int argc, char **argv)
         }
         QRegion region;
         for (; frame < next; ++frame)
-            region += scene.changed((frame + 1) % FrameMark::LargestFrame);
-        if (!showFrame(window, scene, frame % FrameMark::LargestFrame, region))
+            region += scene.changed((frame + 1) % FrameMark::kLargestFrame);
+        if (!showFrame(window, scene, frame % FrameMark::kLargestFrame, region))
             return 1;
     }
     return 0;

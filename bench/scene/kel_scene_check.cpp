@@ -1,5 +1,5 @@
-// Compares decoded pictures of the scene with what was really on the screen.
-// Reads raw BGRA pictures from standard input; prints NAME<TAB>VALUE<TAB>UNIT lines.
+// Compares decoded frames of the scene with the exact originals.
+// Reads raw BGRA frames from standard input; prints NAME<TAB>VALUE<TAB>UNIT lines.
 
 #include "FrameMark.h"
 #include "SceneRenderer.h"
@@ -16,15 +16,15 @@
 namespace
 {
 
-constexpr double Lossless = 99.0; // dB; the formula has no number for it
+constexpr double kLossless = 99.0; // dB; the formula yields infinity
 
-bool readPicture(QImage &picture)
+bool readFrame(QImage &image)
 {
-    const auto size = static_cast<std::size_t>(picture.sizeInBytes());
-    return std::fread(picture.bits(), 1, size, stdin) == size;
+    const auto size = static_cast<std::size_t>(image.sizeInBytes());
+    return std::fread(image.bits(), 1, size, stdin) == size;
 }
 
-/// Over all three colours: coloured letters must not lose their colour.
+/// Over all three channels: colored text must keep its color.
 double psnr(const QImage &left, const QImage &right)
 {
     quint64 sum = 0;
@@ -41,9 +41,9 @@ double psnr(const QImage &left, const QImage &right)
         sum += lineSum;
     }
     if (sum == 0)
-        return Lossless;
+        return kLossless;
     const double mean = static_cast<double>(sum) / (3.0 * left.width() * left.height());
-    return std::min(Lossless, 10.0 * std::log10(255.0 * 255.0 / mean));
+    return std::min(kLossless, 10.0 * std::log10(255.0 * 255.0 / mean));
 }
 
 void print(const char *name, double value, const char *unit)
@@ -57,33 +57,33 @@ int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
-    const QStringList sides = application.arguments().value(1).split(QLatin1Char('x'));
+    const QStringList sides = application.arguments().value(1).split('x');
     const QSize size(sides.value(0).toInt(), sides.value(1).toInt());
     if (size.isEmpty()) {
-        std::fputs("usage: kel_scene_check WxH < pictures.bgra\n", stderr);
+        std::fputs("usage: kel_scene_check WxH < frames.bgra\n", stderr);
         return 2;
     }
     const SceneRenderer scene(size);
-    QImage picture(size, QImage::Format_RGB32);
+    QImage image(size, QImage::Format_RGB32);
     std::vector<double> fidelity;
     std::set<int> seen;
     int unreadable = 0;
-    while (readPicture(picture)) {
-        const int frame = FrameMark::read(picture);
+    while (readFrame(image)) {
+        const int frame = FrameMark::read(image);
         if (frame < 0) {
             ++unreadable;
             continue;
         }
         if (seen.insert(frame).second)
-            fidelity.push_back(psnr(picture, scene.picture(frame)));
+            fidelity.push_back(psnr(image, scene.image(frame)));
     }
     if (fidelity.empty()) {
-        std::fputs("kel_scene_check: no picture of the scene\n", stderr);
+        std::fputs("kel_scene_check: no frame of the scene\n", stderr);
         return 1;
     }
     std::sort(fidelity.begin(), fidelity.end());
     const int spanned = *seen.rbegin() - *seen.begin() + 1;
-    print("pictures", static_cast<double>(seen.size()), "frames");
+    print("frames", static_cast<double>(seen.size()), "frames");
     print("missed", spanned - static_cast<double>(seen.size()), "frames");
     print("unreadable", unreadable, "frames");
     print("psnr_median", fidelity.at(fidelity.size() / 2), "dB");

@@ -90,7 +90,7 @@ bool hearsTone(Recording &recording)
     const auto isHeard = [&] {
         while (recording.read() == S_OK)
             continue;
-        return Tone::level(recording.sound.mid(recording.sound.size() - Tone::Rate / 10), ToneHz, Tone::Rate) > 0.4;
+        return Tone::level(recording.sound.mid(recording.sound.size() - Tone::kRate / 10), ToneHz, Tone::kRate) > 0.4;
     };
     return QTest::qWaitFor(isHeard, 20000);
 }
@@ -137,7 +137,7 @@ void tst_coreaudio::packetsFollowEachOtherInTime()
             QTest::qWait(1);
             continue;
         }
-        const qint64 expected = last + before * qint64(10'000'000) / Tone::Rate;
+        const qint64 expected = last + before * qint64(10'000'000) / Tone::kRate;
         if (packets++ == 0)
             last = qint64(recording.recordedAt);
         else

@@ -7,8 +7,7 @@
 #include <QStringList>
 #include <QWidget>
 
-/// What is wrong with the controls in a window for somebody who uses the keyboard, or has the screen read out: visible
-/// ones that Tab does not reach, or that have neither name nor tool tip.
+/// Accessibility faults of the visible controls in a window: not reachable by Tab, no accessible name, no tooltip.
 inline QStringList controlFaults(QWidget *window)
 {
     QSet<const QWidget *> reached;
@@ -21,20 +20,20 @@ inline QStringList controlFaults(QWidget *window)
     for (QWidget *const widget : widgets) {
         const auto *const button = qobject_cast<QAbstractButton *>(widget);
         const bool isButton = button && button->focusPolicy() != Qt::NoFocus;
-        // Tab leads to the chosen one of a group, arrows lead on.
+        // Tab reaches the checked button of a group, arrow keys the others.
         const bool isOneOfGroup = isButton && button->group() && button->group()->exclusive();
         if (!widget->isVisible() || !(isButton || reached.contains(widget)))
             continue;
         const QString name =
-            QStringLiteral("%1 %2 %3")
+            QString("%1 %2 %3")
                 .arg(QString::fromLatin1(widget->metaObject()->className()), widget->objectName(), widget->toolTip());
         QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(widget);
         if (!accessible || accessible->text(QAccessible::Name).isEmpty())
-            faults.append(name + QStringLiteral(" has no name"));
+            faults.append(name + " has no name");
         if (isButton && widget->toolTip().isEmpty())
-            faults.append(name + QStringLiteral(" has no tool tip"));
+            faults.append(name + " has no tool tip");
         if (isButton && !isOneOfGroup && !reached.contains(widget) && widget->isEnabled())
-            faults.append(name + QStringLiteral(" cannot be reached"));
+            faults.append(name + " cannot be reached");
     }
     return faults;
 }

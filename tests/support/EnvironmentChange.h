@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// Sets an environment variable, or unsets it where the value is null, and puts it back.
+/// Sets an environment variable, or unsets it if the value is null, and restores it on destruction.
 class EnvironmentChange
 {
 public:
@@ -29,7 +29,7 @@ private:
     const QByteArray m_before;
 };
 
-/// Where temporary files go from now on, whatever the system calls the variable.
+/// Sets the directory for temporary files, on all systems.
 inline void setTemporaryPath(const QString &path)
 {
     for (const char *name : {"TMPDIR", "TMP", "TEMP"})

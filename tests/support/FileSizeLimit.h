@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// What stands in for a full disk: no file of this process grows beyond `bytes`. One at a time.
+/// Simulates a full disk: no file of this process can grow beyond `bytes`. Only one at a time.
 class FileSizeLimit
 {
 public:
@@ -11,6 +11,6 @@ public:
     FileSizeLimit(const FileSizeLimit &) = delete;
     FileSizeLimit &operator=(const FileSizeLimit &) = delete;
 
-    /// What the system says of it.
+    /// The system's error text for a write beyond the limit.
     static QString errorText();
 };

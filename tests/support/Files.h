@@ -6,14 +6,14 @@
 #include <QFileInfo>
 #include <QString>
 
-/// All of a file; "(no file)" when there is none.
+/// The content of a file; "(no file)" if it cannot be opened.
 inline QByteArray readFile(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
 }
 
-/// Writes a file, and makes the directories that it needs.
+/// Writes a file and creates its parent directories.
 inline void writeFile(const QString &path, const QByteArray &bytes)
 {
     QDir().mkpath(QFileInfo(path).path());

@@ -4,14 +4,14 @@
 #include <QString>
 #include <QStringList>
 
-/// A program of the machine that the tests run on, as "ffmpeg", by which they make and look at files. With wine it is
-/// the program of the system below, which takes the names of files as that has them: they are translated.
+/// Runs a program of the host machine, such as "ffmpeg", to create or check files. Under wine this is the host's own
+/// program, and file names are translated to the host's.
 struct HostProgram {
     bool succeeded = false;
     QByteArray output;
 
-    /// Runs it with `input` on its standard input, and waits for its end, with a limit.
+    /// Runs it with `input` on its standard input and waits for its end, with a timeout.
     static HostProgram run(const QString &program, const QStringList &arguments, const QByteArray &input = {});
 
-    static constexpr int LimitMs = 60000;
+    static constexpr int kTimeoutMs = 60000;
 };

@@ -5,8 +5,8 @@
 
 #include <mutex>
 
-/// Collects what is logged during its life, each line after a letter for its channel: "D ", "I ", "W " or "C ".
-/// One at a time.
+/// Collects log messages during its lifetime, each prefixed by its level: "D ", "I ", "W " or "C ".
+/// Only one at a time.
 class LogCapture
 {
 public:
@@ -20,7 +20,7 @@ public:
     LogCapture(const LogCapture &) = delete;
     LogCapture &operator=(const LogCapture &) = delete;
 
-    /// What was logged since the last call.
+    /// The messages since the last call.
     QStringList take()
     {
         std::lock_guard lock(mutex());
@@ -32,9 +32,9 @@ public:
 private:
     static void handle(QtMsgType type, const QMessageLogContext &, const QString &text)
     {
-        static const char letters[] = {'D', 'W', 'C', 'F', 'I'};
+        static const char kLevels[] = {'D', 'W', 'C', 'F', 'I'};
         std::lock_guard lock(mutex());
-        lines() << QChar(letters[type]) + QStringLiteral(" ") + text;
+        lines() << QChar(kLevels[type]) + " " + text;
     }
     static std::mutex &mutex()
     {

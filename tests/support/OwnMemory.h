@@ -12,13 +12,13 @@
 #include <unistd.h>
 #endif
 
-/// All memory that this process can write to.
+/// All writable memory of this process.
 namespace OwnMemory
 {
 
 using Visitor = std::function<void(const QByteArray &region)>;
 
-/// Hands a copy of each region to the visitor and wipes it behind.
+/// Passes a copy of each region to the visitor and then overwrites the copy.
 inline void read(const Visitor &visit)
 {
     QByteArray region;
@@ -38,7 +38,7 @@ inline void read(const Visitor &visit)
 #else
     QFile maps("/proc/self/maps");
     if (!maps.open(QIODevice::ReadOnly))
-        qFatal("no map of the memory");
+        qFatal("cannot read the memory map");
     const int memory = ::open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
     for (const QByteArray &line : maps.readAll().split('\n')) {
         const QList<QByteArray> words = line.split(' ');
@@ -46,7 +46,7 @@ inline void read(const Visitor &visit)
             continue;
         const qint64 begin = words[0].split('-')[0].toLongLong(nullptr, 16);
         const qint64 size = words[0].split('-')[1].toLongLong(nullptr, 16) - begin;
-        if (size > (256 << 20)) // what a sanitizer keeps about the memory
+        if (size > (256 << 20)) // shadow memory of a sanitizer
             continue;
         region.fill('\0', int(size));
         region.truncate(int(qMax(ssize_t(0), pread(memory, region.data(), std::size_t(size), begin))));

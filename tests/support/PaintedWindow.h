@@ -6,12 +6,12 @@
 
 #include <memory>
 
-/// A window on top of all others that shows known pixels, without anything of the product or of Qt in between. Physical
-/// pixels. What is painted is on the screen when the call returns. To be used by the thread that made it.
+/// A topmost window that shows known pixels, independent of the product and of Qt. Coordinates are physical pixels.
+/// Painting is on the screen when the call returns. Use it on the thread that created it.
 class PaintedWindow
 {
 public:
-    /// `display`: of which X server, by default the one that $DISPLAY names.
+    /// `display`: the X server, by default that of $DISPLAY.
     PaintedWindow(const QRect &rect, QRgb color, const QByteArray &display = {});
     ~PaintedWindow();
     PaintedWindow(const PaintedWindow &) = delete;
@@ -21,6 +21,6 @@ public:
     void paint(const QImage &image);
 
 private:
-    struct Private;
+    class Private;
     const std::unique_ptr<Private> d;
 };

@@ -4,8 +4,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
-/// A home of its own for a test of a program that keeps settings, a cache and a trash. To exist before the first of
-/// them is used.
+/// A temporary home directory for a test that uses settings, cache or trash. Create it before any of them is used.
 class ScratchHome
 {
 public:
@@ -14,7 +13,7 @@ public:
         for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "HOME"})
             qputenv(variable, m_dir.path().toLocal8Bit());
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_dir.path());
-        QCoreApplication::setApplicationName(QStringLiteral("test"));
+        QCoreApplication::setApplicationName("test");
     }
 
     QString path(const QString &name = QString()) const { return m_dir.filePath(name); }

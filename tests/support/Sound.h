@@ -14,13 +14,13 @@
 #include <functional>
 #include <vector>
 
-/// Sound in a test: made, written as a WAV file, found again in what the ffmpeg program decodes.
+/// Sound in tests: generated, written as a WAV file, decoded by the ffmpeg program and measured.
 struct Sound {
     int rate = 48'000;
     int channels = 2;
     std::vector<float> samples; ///< interleaved
 
-    /// `seconds` of what `value(time)` gives, in all channels.
+    /// `seconds` of the signal `value(time)`, in all channels.
     static Sound make(double seconds, const std::function<double(double)> &value, int rate = 48'000, int channels = 2)
     {
         Sound sound{rate, channels, {}};
@@ -29,13 +29,13 @@ struct Sound {
         return sound;
     }
 
-    /// A sine, from and to the given times.
+    /// A sine between the given times, silence otherwise.
     static std::function<double(double)> tone(double hertz, double level, double from = 0, double to = 1e9)
     {
         return [=](double time) { return time >= from && time < to ? level * std::sin(2 * M_PI * hertz * time) : 0.0; };
     }
 
-    /// The first sound stream of a file, as 48 kHz stereo; empty when there is none.
+    /// The first audio stream of a file, as 48 kHz stereo; empty if it has none.
     static Sound decode(const QString &path)
     {
         const QByteArray bytes = HostProgram::run("ffmpeg", {"-v", "error", "-i", path, "-map", "0:a:0", "-f", "f32le",
@@ -59,7 +59,7 @@ struct Sound {
         return data;
     }
 
-    /// A canonical WAV file of floats, or of 16-bit samples.
+    /// Writes a canonical WAV file of floats or of 16-bit samples.
     bool save(const QString &path, bool isFloat = true) const
     {
         const int bytes = isFloat ? 4 : 2;
@@ -80,7 +80,7 @@ struct Sound {
         return file.open(QIODevice::WriteOnly) && file.write(head + data) == head.size() + data.size();
     }
 
-    /// Amplitude of a frequency in a channel between two times (Goertzel).
+    /// The amplitude of a frequency in a channel between two times (Goertzel).
     double level(double hertz, double from, double to, int channel = 0) const
     {
         const double turn = 2 * std::cos(2 * M_PI * hertz / rate);
@@ -107,7 +107,7 @@ struct Sound {
         return peak;
     }
 
-    /// The first time at which it is as loud as `level`, -1 when it never is.
+    /// The first time at which a sample reaches `level`, -1 if none does.
     double onset(double level) const
     {
         for (size_t i = 0; i < samples.size(); ++i) {
@@ -116,7 +116,7 @@ struct Sound {
         }
         return -1;
     }
-    /// The last such time.
+    /// The last time at which a sample reaches `level`, -1 if none does.
     double end(double level) const
     {
         for (size_t i = samples.size(); i > 0; --i) {

@@ -7,11 +7,12 @@
 #include <csignal>
 #endif
 
-/// How a program is asked to stop from outside.
+/// The ways to stop a program from outside.
 enum class StopSignal { Interrupt, Terminate, HangUp };
 Q_DECLARE_METATYPE(StopSignal)
 
-/// Lets programs that are started from now on take signals: a test run in the background ignores some, and they would.
+/// Makes programs started from now on react to SIGINT. A test run in the background ignores it, and they would inherit
+/// that.
 inline void takeSignals()
 {
 #ifndef _WIN32
@@ -22,9 +23,9 @@ inline void takeSignals()
 inline void sendSignal([[maybe_unused]] const QProcess &process, [[maybe_unused]] StopSignal signal)
 {
 #ifdef _WIN32
-    qFatal("a test with signals, which Windows has not");
+    qFatal("Windows has no signals");
 #else
-    constexpr int numbers[] = {SIGINT, SIGTERM, SIGHUP};
-    ::kill(static_cast<pid_t>(process.processId()), numbers[int(signal)]);
+    constexpr int kNumbers[] = {SIGINT, SIGTERM, SIGHUP};
+    ::kill(static_cast<pid_t>(process.processId()), kNumbers[int(signal)]);
 #endif
 }

@@ -2,7 +2,7 @@
 
 #include <QtTest>
 
-/// The table of a data-driven test: made with the names of its columns, called for each row with its name and values.
+/// The table of a data-driven test: constructed with the column names, called with name and values of each row.
 template <typename... Columns>
 class TestTable
 {

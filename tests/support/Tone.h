@@ -7,37 +7,35 @@
 #include <QStringList>
 #include <QVector>
 
-/// Sine tones, played into a sink of the private sound server and found again in what was recorded.
+/// Sine tones, played into a sink of the private sound server and measured in a recording.
 namespace Tone
 {
-constexpr int Rate = 48000;
+constexpr int kRate = 48000;
 
-/// Runs a command of the sound server's control program; true when it did as asked.
+/// Runs a `pactl` command; true on success.
 inline bool control(const QStringList &arguments)
 {
-    return QProcess::execute(QStringLiteral("pactl"), arguments) == 0;
+    return QProcess::execute("pactl", arguments) == 0;
 }
 
-/// Adds an output; answers the number of its module.
+/// Adds an output; returns its module number.
 inline QString addSink(const QString &name)
 {
     QProcess process;
-    process.start(QStringLiteral("pactl"), {QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
-                                            QStringLiteral("sink_name=") + name, QStringLiteral("norewinds=1")});
+    process.start("pactl", {"load-module", "module-null-sink", "sink_name=" + name, "norewinds=1"});
     process.waitForFinished();
     return QString::fromLatin1(process.readAllStandardOutput()).trimmed();
 }
 
-/// Plays a tone into `sink` from its construction until `ms` are over or it is destroyed.
+/// Plays a tone into `sink` for `ms`, or until destruction.
 class Player
 {
 public:
     Player(const QString &sink, double hz, int ms)
     {
-        m_process.start(QStringLiteral("pacat"), {QStringLiteral("--device=") + sink, QStringLiteral("--format=s16le"),
-                                                  QStringLiteral("--rate=%1").arg(Rate), QStringLiteral("--channels=2"),
-                                                  QStringLiteral("--latency-msec=20")});
-        m_process.write(Sound::make(ms / 1000.0, Sound::tone(hz, 0.5), Rate).pcm16()); // stereo
+        m_process.start("pacat", {"--device=" + sink, "--format=s16le", QString("--rate=%1").arg(kRate), "--channels=2",
+                                  "--latency-msec=20"});
+        m_process.write(Sound::make(ms / 1000.0, Sound::tone(hz, 0.5), kRate).pcm16()); // stereo
         m_process.closeWriteChannel();
         m_process.waitForStarted();
     }
@@ -52,7 +50,7 @@ private:
     QProcess m_process;
 };
 
-/// How much of the sound is a sine of `hz`: its amplitude.
+/// The amplitude of a sine of `hz` in the sound.
 inline double level(const QVector<float> &mono, double hz, int rate)
 {
     return Sound{rate, 1, {mono.begin(), mono.end()}}.level(hz, 0, double(mono.size() + 1) / rate);

@@ -5,8 +5,8 @@
 
 #include <functional>
 
-/// Lets a test answer a modal dialog: as soon as the active one is a Dialog for which `isDue`, runs `action` on it,
-/// once, in its event loop.
+/// Answers a modal dialog: as soon as the active one is a Dialog that satisfies `isDue`, runs `action` on it once,
+/// inside its event loop.
 template <typename Dialog>
 void whenModal(
     const std::function<void(Dialog *)> &action,

@@ -1,5 +1,6 @@
-// Two threads share data in the way that the first argument names. Without a further argument they do it correctly and
-// the thread sanitizer must keep quiet; with one they race, and it must find that in spite of what it knows about Qt.
+// Two threads share data by the mechanism that the first argument names. Without a second argument they synchronize
+// correctly, and the thread sanitizer must report nothing; with one they race, and it must report the race although it
+// knows how Qt synchronizes.
 #include <QCoreApplication>
 #include <QMap>
 #include <QMutex>
@@ -14,9 +15,9 @@
 namespace
 {
 
-constexpr int rounds = 200;
+constexpr int kRounds = 200;
 bool isRacing = false;
-std::array<int, rounds> shared{};
+std::array<int, kRounds> shared{};
 
 } // namespace
 
@@ -80,7 +81,7 @@ void queuedSignal()
     const Loop loop;
     QObject::connect(&producer, &Producer::produced, &loop.object,
                      [](int index, const std::shared_ptr<int> &value) { shared[std::size_t(index)] += *value; });
-    for (int i = 0; i < rounds; ++i) {
+    for (int i = 0; i < kRounds; ++i) {
         shared[std::size_t(i)] = i;
         emit producer.produced(i, std::make_shared<int>(i));
         if (isRacing)
@@ -91,7 +92,7 @@ void queuedSignal()
 void queuedCall()
 {
     Loop loop;
-    for (std::size_t i = 0; i < rounds; ++i) {
+    for (std::size_t i = 0; i < kRounds; ++i) {
         shared[i] = 1;
         QMetaObject::invokeMethod(
             &loop.object, [i] { ++shared[i]; }, Qt::QueuedConnection);
@@ -104,7 +105,7 @@ void mutex()
 {
     QMutex mutex;
     const auto count = [&mutex](bool careless) {
-        for (int i = 0; i < rounds * 50; ++i) {
+        for (int i = 0; i < kRounds * 50; ++i) {
             if (careless) {
                 ++shared[0];
             } else {
@@ -144,7 +145,7 @@ void semaphore()
 {
     QSemaphore free(1), used;
     const Function producer([&] {
-        for (int i = 0; i < rounds; ++i) {
+        for (int i = 0; i < kRounds; ++i) {
             free.acquire();
             shared[0] = i;
             used.release();
@@ -152,7 +153,7 @@ void semaphore()
                 shared[0] = 0;
         }
     });
-    for (int i = 0; i < rounds; ++i) {
+    for (int i = 0; i < kRounds; ++i) {
         used.acquire();
         ++shared[0];
         free.release();

@@ -11,7 +11,7 @@ HostProgram HostProgram::run(const QString &program, const QStringList &argument
     process.closeWriteChannel();
     HostProgram result;
     result.succeeded =
-        process.waitForFinished(LimitMs) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+        process.waitForFinished(kTimeoutMs) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     result.output = process.readAllStandardOutput();
     return result;
 }

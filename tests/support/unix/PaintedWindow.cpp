@@ -2,7 +2,9 @@
 
 #include "support/x11/X11Painter.h"
 
-struct PaintedWindow::Private {
+class PaintedWindow::Private
+{
+public:
     Private(const QRect &rect, QRgb color, const QByteArray &display)
         : painter(display)
         , size(rect.size())

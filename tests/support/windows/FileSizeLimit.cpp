@@ -7,8 +7,8 @@
 
 #include <psapi.h>
 
-// Windows limits no files. So WriteFile(), through which all that is written goes, is exchanged for a function that
-// does, in the import table of every library of the process.
+// Windows has no limit for file sizes. Every write goes through WriteFile(), which is replaced by a limited version in
+// the import table of every module of the process.
 namespace
 {
 
@@ -20,7 +20,7 @@ BOOL WINAPI writeWithinLimit(HANDLE file, LPCVOID data, DWORD size, LPDWORD writ
     LARGE_INTEGER place{};
     if (GetFileType(file) == FILE_TYPE_DISK && SetFilePointerEx(file, {}, &place, FILE_CURRENT) &&
         quint64(place.QuadPart) + size > g_limit) {
-        // A disk that is nearly full takes what it has room for.
+        // A nearly full disk accepts what fits.
         size = DWORD(g_limit - qMin<quint64>(g_limit, quint64(place.QuadPart)));
         if (size == 0) {
             *written = 0;

@@ -12,17 +12,17 @@
 namespace
 {
 
-/// What wine calls a file, as the system below calls it. Others are left alone.
-QString below(const QString &argument)
+/// Translates a wine file name to the host's; other arguments stay as they are.
+QString toHostName(const QString &argument)
 {
     using Translate = char *(CDECL *)(const wchar_t *);
-    static const auto translate = reinterpret_cast<Translate>(
+    static const auto kTranslate = reinterpret_cast<Translate>(
         reinterpret_cast<void *>(GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
-    if (!translate)
-        qFatal("a test that needs a program of the system below wine");
+    if (!kTranslate)
+        qFatal("this test needs wine, to run a program of the host");
     if (!argument.contains(":/"))
         return argument;
-    char *const name = translate(QDir::toNativeSeparators(argument).toStdWString().c_str());
+    char *const name = kTranslate(QDir::toNativeSeparators(argument).toStdWString().c_str());
     const QString result = QString::fromUtf8(name);
     HeapFree(GetProcessHeap(), 0, name);
     return result;
@@ -30,7 +30,7 @@ QString below(const QString &argument)
 
 } // namespace
 
-// Nobody can wait for a program of the system below, so a shell says with a file when it has ended.
+// Host programs cannot be waited for, so a shell creates a file when the program has ended.
 HostProgram HostProgram::run(const QString &program, const QStringList &arguments, const QByteArray &input)
 {
     const QTemporaryDir scratch;
@@ -38,12 +38,12 @@ HostProgram HostProgram::run(const QString &program, const QStringList &argument
     QStringList words{"-c",
                       "dir=$1; shift; \"$@\" <\"$dir/input\" >\"$dir/output\"; echo $? >\"$dir/new\"; "
                       "mv \"$dir/new\" \"$dir/status\"",
-                      "sh", below(scratch.path()), program};
+                      "sh", toHostName(scratch.path()), program};
     for (const QString &argument : arguments)
-        words << below(argument);
+        words << toHostName(argument);
     HostProgram result;
     if (QProcess::startDetached("Z:/bin/sh", words) &&
-        QTest::qWaitFor([&] { return QFile::exists(scratch.filePath("status")); }, LimitMs)) {
+        QTest::qWaitFor([&] { return QFile::exists(scratch.filePath("status")); }, kTimeoutMs)) {
         result.succeeded = readFile(scratch.filePath("status")).trimmed() == "0";
         result.output = readFile(scratch.filePath("output"));
     }

@@ -2,8 +2,10 @@
 
 #include <windows.h>
 
-struct PaintedWindow::Private {
-    /// Lets the system do what it does when a window waits for messages: answer others, and show what was drawn.
+class PaintedWindow::Private
+{
+public:
+    /// Processes pending messages, which also makes the system show what was drawn.
     void settle() const
     {
         GdiFlush();
@@ -44,7 +46,7 @@ void PaintedWindow::paint(const QImage &image)
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = pixels.width();
-    info.bmiHeader.biHeight = -pixels.height(); // from the top down
+    info.bmiHeader.biHeight = -pixels.height(); // top row first
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     HDC context = GetDC(d->window);

@@ -72,7 +72,7 @@ void X11Painter::fill(xcb_window_t window, const QRect &rect, QRgb color)
 void X11Painter::put(xcb_window_t window, const QPoint &position, const QImage &image)
 {
     const QImage pixels = image.convertToFormat(QImage::Format_RGB32);
-    for (int y = 0; y < pixels.height(); ++y) { // line by line, since the length of a request is limited
+    for (int y = 0; y < pixels.height(); ++y) { // line by line, because the length of a request is limited
         xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, window, m_gc, uint16_t(pixels.width()), 1,
                       int16_t(position.x()), int16_t(position.y() + y), 0, m_screen->root_depth,
                       uint32_t(pixels.bytesPerLine()), pixels.constScanLine(y));
@@ -81,7 +81,7 @@ void X11Painter::put(xcb_window_t window, const QPoint &position, const QImage &
 
 void X11Painter::sync()
 {
-    // The server sends what it has for all of its clients before it takes the next request.
+    // The server flushes its output to all clients before it reads the next request.
     for (int i = 0; i < 2; ++i)
         std::free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
 }

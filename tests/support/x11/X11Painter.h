@@ -6,12 +6,12 @@
 
 #include <xcb/xcb.h>
 
-/// An X11 client of its own that puts known pixels on the screen and reads them back, without anything of the product
-/// in between. Physical pixels. What it sends is done when sync() returns.
+/// A separate X11 client that draws known pixels on the screen and reads them back, independent of the product.
+/// Coordinates are physical pixels. Requests have taken effect when sync() returns.
 class X11Painter
 {
 public:
-    /// Connects to the display of that name (":7"), by default the one that $DISPLAY names.
+    /// Connects to the given display (":7"), by default $DISPLAY.
     explicit X11Painter(const QByteArray &display = {});
     ~X11Painter();
     X11Painter(const X11Painter &) = delete;
@@ -21,20 +21,20 @@ public:
     QSize screenSize() const;
     xcb_window_t root() const { return m_screen->root; }
 
-    /// A window on top of all others, unseen by window managers, filled with one colour.
+    /// A topmost window without window management, filled with one color.
     xcb_window_t createWindow(const QRect &rect, QRgb color);
     void moveWindow(xcb_window_t window, const QPoint &position);
     void destroyWindow(xcb_window_t window);
 
-    /// Draws into a window; into the root window only what no window covers is seen.
-    /// Only fill() finds the right colour on screens that have not 8 bit a channel.
+    /// Draws into a window. Drawing into the root window is visible only where no window covers it.
+    /// On screens without 8 bits per channel only fill() draws the right color.
     void fill(xcb_window_t window, const QRect &rect, QRgb color);
     void put(xcb_window_t window, const QPoint &position, const QImage &image);
 
-    /// Sends what was drawn and waits until the server has done it and has told all who want to know.
+    /// Waits until the server has executed all requests and notified all clients.
     void sync();
 
-    /// What the screen shows now, in Format_ARGB32_Premultiplied, opaque; the rectangle must lie on the screen.
+    /// The current screen content in Format_ARGB32_Premultiplied, opaque. The rectangle must be inside the screen.
     QImage grab(const QRect &rect);
 
 private:

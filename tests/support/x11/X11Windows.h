@@ -7,7 +7,7 @@
 
 #include <cstdlib>
 
-/// Finds the windows that other programs show.
+/// Finds windows of other programs.
 class X11Windows
 {
 public:
@@ -26,7 +26,7 @@ public:
     X11Windows(const X11Windows &) = delete;
     X11Windows &operator=(const X11Windows &) = delete;
 
-    /// The window with this title that is seen; the topmost when there are several, none when there is not one.
+    /// The topmost visible window with this title; none if there is no such window.
     Window find(const QByteArray &title) const { return find(m_root, title); }
 
 private:
@@ -50,7 +50,7 @@ private:
             return {};
         const xcb_window_t *const children = xcb_query_tree_children(tree.reply);
         for (int i = xcb_query_tree_children_length(tree.reply) - 1; i >= 0; --i) {
-            if (!isSeen(children[i]))
+            if (!isVisible(children[i]))
                 continue;
             if (name(children[i]) == title)
                 return {children[i], rect(children[i])};
@@ -60,7 +60,7 @@ private:
         return {};
     }
 
-    bool isSeen(xcb_window_t window) const
+    bool isVisible(xcb_window_t window) const
     {
         const Reply attributes(
             xcb_get_window_attributes_reply(m_connection, xcb_get_window_attributes(m_connection, window), nullptr));

@@ -4,24 +4,24 @@
 #include <QProcess>
 #include <QStringList>
 
-/// An X server of the test's own, for what a test cannot do to the one that its program runs on.
+/// A separate X server, for what a test cannot do to the server that it runs on itself.
 class XServer
 {
 public:
-    /// Starts Xvfb with these arguments besides its usual ones.
+    /// Starts Xvfb with these arguments in addition to its usual ones.
     explicit XServer(const QStringList &arguments = {"-screen", "0", "800x600x24"});
     ~XServer();
     XServer(const XServer &) = delete;
     XServer &operator=(const XServer &) = delete;
 
-    /// ":7", or empty when it did not start.
+    /// Such as ":7"; empty if the server did not start.
     QByteArray display() const { return m_display; }
 
-    /// Stops answering, and goes on again.
+    /// Suspends and resumes the server.
     void freeze();
     void thaw();
 
-    /// Ends it without a farewell to its clients. Returns when it is gone.
+    /// Kills the server without notice to its clients. Returns when it has ended.
     void kill();
 
 private:

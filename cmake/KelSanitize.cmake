@@ -3,7 +3,7 @@ if(KELMOVIE_SANITIZE)
   add_compile_options(-fsanitize=${KELMOVIE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${KELMOVIE_SANITIZE})
 
-  # Every program, test or not, brings along what its sanitizer has to know about the libraries that it uses.
+  # Every program contains the options of its sanitizer and what it must know about libraries.
   find_package(Qt5 5.15 REQUIRED COMPONENTS Core)
   if(KELMOVIE_SANITIZE MATCHES thread)
     add_library(kel_sanitizer OBJECT ${CMAKE_CURRENT_LIST_DIR}/sanitize/ThreadSanitizer.cpp)

@@ -1,5 +1,5 @@
-// Linked into every program of a build with the address and undefined-behaviour sanitizers: what they ask a program
-// for, so that it is set however the program is started.
+// Linked into every program of a build with the address and undefined-behavior sanitizers. Sets their options in the
+// program, so that they apply however it is started.
 #include <QtGlobal>
 
 extern "C" Q_DECL_EXPORT const char *__asan_default_options()
@@ -20,10 +20,10 @@ extern "C" Q_DECL_EXPORT const char *__lsan_default_options()
 
 extern "C" Q_DECL_EXPORT const char *__lsan_default_suppressions()
 {
-    // Caches that these libraries keep until the process ends.
+    // These libraries keep caches until the process ends.
     return "leak:libfontconfig.so\n"
            "leak:libglib-2.0.so\n"
            "leak:libdbus-1.so\n"
-           // Qt's offscreen platform never gives its screen back.
+           // Qt's offscreen platform never frees its screen.
            "leak:libqoffscreen.so\n";
 }

@@ -1,15 +1,15 @@
-// Linked into every program of a build with the thread sanitizer, to show it how Qt orders threads.
+// Linked into every program of a build with the thread sanitizer, to report how Qt synchronizes threads.
 //
-// The system's Qt is not instrumented, so what its mutexes, wait conditions, threads and queued calls order looks like
-// a race. Telling the sanitizer to forget all that comes near Qt would make it blind for our own races; instead this
-// tells what happens before what, and nothing more:
-// - What our code calls directly (mutexes, waiting, posting) is overridden by name, and passed on.
+// The system's Qt is not instrumented, so accesses that its mutexes, wait conditions, threads and queued calls order
+// look like races. Suppressing everything near Qt would hide our own races. Instead, this file reports only which
+// operation happens before which:
+// - Functions that our code calls directly (mutexes, waiting, posting) are overridden by name and forwarded.
 // - What a thread did before it created an event happens before the event is delivered. Events of queued calls are
-//   created deep inside of Qt: the allocator tells of every block that is allocated during an emission or a posting,
-//   and Qt tells of every delivery.
-// What Qt does at the end of a blocking queued call stays invisible: such connections look like races.
+//   created deep inside Qt: an allocator hook reports every block allocated while a signal is emitted or an event
+//   posted, and a Qt callback reports every delivery.
+// The end of a blocking queued call cannot be observed: such connections still look like races.
 //
-// This file is not instrumented itself, since it looks at Qt's events.
+// This file itself is not instrumented, because it inspects Qt's events.
 #include <QCoreApplication>
 #include <QMutex>
 #include <QSemaphore>
@@ -23,16 +23,16 @@
 #include <cstdio>
 #include <cstdlib>
 
-// The sanitizer's library has it, but not every compiler brings the header.
+// The sanitizer's library has this function, but not every compiler has the header.
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*malloced)(const volatile void *, std::size_t),
                                                          void (*freed)(const volatile void *));
 
 namespace
 {
 
-/// Qt's own function of that mangled name, which this file hides.
+/// Qt's function of that mangled name, which this file overrides.
 template <typename Function>
-Function hidden(const char *name)
+Function qtFunction(const char *name)
 {
     void *const address = dlsym(RTLD_NEXT, name);
     if (!address) {
@@ -42,7 +42,7 @@ Function hidden(const char *name)
     return reinterpret_cast<Function>(address);
 }
 
-/// Above 0 while this thread may be creating events for others.
+/// Above 0 while this thread may create events for other threads.
 thread_local int postings = 0;
 
 class Posting
@@ -57,7 +57,7 @@ void signalBegins(QObject *sender, int, void **)
 {
     ++postings;
     if (qobject_cast<QThread *>(sender))
-        __tsan_release(sender); // finished() is the last that a thread does
+        __tsan_release(sender); // finished() is the last action of a thread
 }
 
 void signalEnds(QObject *, int)
@@ -74,7 +74,7 @@ void blockAllocated(const volatile void *block, std::size_t)
 bool eventArrives(void **receiverAndEvent)
 {
     __tsan_acquire(receiverAndEvent[1]);
-    return false; // go on with the delivery
+    return false; // continue with the delivery
 }
 
 const bool isWatching = [] {
@@ -86,7 +86,7 @@ const bool isWatching = [] {
 
 } // namespace
 
-// What the sanitizer asks a program for, so that it is set however the program is started.
+// Options of the sanitizer, set in the program so that they apply however it is started.
 
 extern "C" Q_DECL_EXPORT const char *__tsan_default_options()
 {
@@ -97,22 +97,22 @@ extern "C" Q_DECL_EXPORT const char *__tsan_default_suppressions()
 {
     return "called_from_lib:libQt5Core.so.5\n"
            "called_from_lib:libglib-2.0.so.0\n"
-           // The arguments of a queued call are copied after its event was created.
+           // The arguments of a queued call are copied after its event is created.
            "race:QtMetaTypePrivate::QMetaTypeFunctionHelper\n";
 }
 
-// Mutexes: the address of the mutex is what the sanitizer knows from Qt's inline functions, too.
+// Mutexes. Qt's inline functions also use the address of the mutex as the identity of the lock.
 
 void QMutex::lock() QT_MUTEX_LOCK_NOEXCEPT
 {
-    static const auto real = hidden<void (*)(QMutex *)>("_ZN6QMutex4lockEv");
+    static const auto real = qtFunction<void (*)(QMutex *)>("_ZN6QMutex4lockEv");
     real(this);
     __tsan_acquire(this);
 }
 
 bool QMutex::tryLock(int timeout) QT_MUTEX_LOCK_NOEXCEPT
 {
-    static const auto real = hidden<bool (*)(QMutex *, int)>("_ZN6QMutex7tryLockEi");
+    static const auto real = qtFunction<bool (*)(QMutex *, int)>("_ZN6QMutex7tryLockEi");
     const bool locked = real(this, timeout);
     if (locked)
         __tsan_acquire(this);
@@ -121,21 +121,21 @@ bool QMutex::tryLock(int timeout) QT_MUTEX_LOCK_NOEXCEPT
 
 void QMutex::unlock() noexcept
 {
-    static const auto real = hidden<void (*)(QMutex *)>("_ZN6QMutex6unlockEv");
+    static const auto real = qtFunction<void (*)(QMutex *)>("_ZN6QMutex6unlockEv");
     __tsan_release(this);
     real(this);
 }
 
 void QBasicMutex::lockInternal() QT_MUTEX_LOCK_NOEXCEPT
 {
-    static const auto real = hidden<void (*)(QBasicMutex *)>("_ZN11QBasicMutex12lockInternalEv");
+    static const auto real = qtFunction<void (*)(QBasicMutex *)>("_ZN11QBasicMutex12lockInternalEv");
     real(this);
     __tsan_acquire(this);
 }
 
 bool QBasicMutex::lockInternal(int timeout) QT_MUTEX_LOCK_NOEXCEPT
 {
-    static const auto real = hidden<bool (*)(QBasicMutex *, int)>("_ZN11QBasicMutex12lockInternalEi");
+    static const auto real = qtFunction<bool (*)(QBasicMutex *, int)>("_ZN11QBasicMutex12lockInternalEi");
     const bool locked = real(this, timeout);
     if (locked)
         __tsan_acquire(this);
@@ -144,14 +144,14 @@ bool QBasicMutex::lockInternal(int timeout) QT_MUTEX_LOCK_NOEXCEPT
 
 void QBasicMutex::unlockInternal() noexcept
 {
-    static const auto real = hidden<void (*)(QBasicMutex *)>("_ZN11QBasicMutex14unlockInternalEv");
+    static const auto real = qtFunction<void (*)(QBasicMutex *)>("_ZN11QBasicMutex14unlockInternalEv");
     __tsan_release(this);
     real(this);
 }
 
 bool QWaitCondition::wait(QMutex *mutex, QDeadlineTimer deadline)
 {
-    static const auto real = hidden<bool (*)(QWaitCondition *, QMutex *, QDeadlineTimer)>(
+    static const auto real = qtFunction<bool (*)(QWaitCondition *, QMutex *, QDeadlineTimer)>(
         "_ZN14QWaitCondition4waitEP6QMutex14QDeadlineTimer");
     __tsan_release(mutex);
     const bool woken = real(this, mutex, deadline);
@@ -162,7 +162,7 @@ bool QWaitCondition::wait(QMutex *mutex, QDeadlineTimer deadline)
 bool QWaitCondition::wait(QMutex *mutex, unsigned long time)
 {
     static const auto real =
-        hidden<bool (*)(QWaitCondition *, QMutex *, unsigned long)>("_ZN14QWaitCondition4waitEP6QMutexm");
+        qtFunction<bool (*)(QWaitCondition *, QMutex *, unsigned long)>("_ZN14QWaitCondition4waitEP6QMutexm");
     __tsan_release(mutex);
     const bool woken = real(this, mutex, time);
     __tsan_acquire(mutex);
@@ -173,21 +173,21 @@ bool QWaitCondition::wait(QMutex *mutex, unsigned long time)
 
 void QSemaphore::release(int n)
 {
-    static const auto real = hidden<void (*)(QSemaphore *, int)>("_ZN10QSemaphore7releaseEi");
+    static const auto real = qtFunction<void (*)(QSemaphore *, int)>("_ZN10QSemaphore7releaseEi");
     __tsan_release(this);
     real(this, n);
 }
 
 void QSemaphore::acquire(int n)
 {
-    static const auto real = hidden<void (*)(QSemaphore *, int)>("_ZN10QSemaphore7acquireEi");
+    static const auto real = qtFunction<void (*)(QSemaphore *, int)>("_ZN10QSemaphore7acquireEi");
     real(this, n);
     __tsan_acquire(this);
 }
 
 bool QSemaphore::tryAcquire(int n)
 {
-    static const auto real = hidden<bool (*)(QSemaphore *, int)>("_ZN10QSemaphore10tryAcquireEi");
+    static const auto real = qtFunction<bool (*)(QSemaphore *, int)>("_ZN10QSemaphore10tryAcquireEi");
     const bool acquired = real(this, n);
     if (acquired)
         __tsan_acquire(this);
@@ -196,7 +196,7 @@ bool QSemaphore::tryAcquire(int n)
 
 bool QSemaphore::tryAcquire(int n, int timeout)
 {
-    static const auto real = hidden<bool (*)(QSemaphore *, int, int)>("_ZN10QSemaphore10tryAcquireEii");
+    static const auto real = qtFunction<bool (*)(QSemaphore *, int, int)>("_ZN10QSemaphore10tryAcquireEii");
     const bool acquired = real(this, n, timeout);
     if (acquired)
         __tsan_acquire(this);
@@ -207,7 +207,7 @@ bool QSemaphore::tryAcquire(int n, int timeout)
 
 bool QThread::wait(QDeadlineTimer deadline)
 {
-    static const auto real = hidden<bool (*)(QThread *, QDeadlineTimer)>("_ZN7QThread4waitE14QDeadlineTimer");
+    static const auto real = qtFunction<bool (*)(QThread *, QDeadlineTimer)>("_ZN7QThread4waitE14QDeadlineTimer");
     const bool finished = real(this, deadline);
     if (finished)
         __tsan_acquire(this);
@@ -216,26 +216,26 @@ bool QThread::wait(QDeadlineTimer deadline)
 
 bool QThread::wait(unsigned long time)
 {
-    static const auto real = hidden<bool (*)(QThread *, unsigned long)>("_ZN7QThread4waitEm");
+    static const auto real = qtFunction<bool (*)(QThread *, unsigned long)>("_ZN7QThread4waitEm");
     const bool finished = real(this, time);
     if (finished)
         __tsan_acquire(this);
     return finished;
 }
 
-// What is posted without a signal
+// Events posted without a signal
 
 void QCoreApplication::postEvent(QObject *receiver, QEvent *event, int priority)
 {
     static const auto real =
-        hidden<void (*)(QObject *, QEvent *, int)>("_ZN16QCoreApplication9postEventEP7QObjectP6QEventi");
+        qtFunction<void (*)(QObject *, QEvent *, int)>("_ZN16QCoreApplication9postEventEP7QObjectP6QEventi");
     __tsan_release(event);
     real(receiver, event, priority);
 }
 
 void QObject::deleteLater()
 {
-    static const auto real = hidden<void (*)(QObject *)>("_ZN7QObject11deleteLaterEv");
+    static const auto real = qtFunction<void (*)(QObject *)>("_ZN7QObject11deleteLaterEv");
     const Posting posting;
     real(this);
 }
@@ -243,7 +243,7 @@ void QObject::deleteLater()
 bool QMetaObject::invokeMethodImpl(QObject *object, QtPrivate::QSlotObjectBase *slot, Qt::ConnectionType type,
                                    void *result)
 {
-    static const auto real = hidden<bool (*)(QObject *, QtPrivate::QSlotObjectBase *, Qt::ConnectionType, void *)>(
+    static const auto real = qtFunction<bool (*)(QObject *, QtPrivate::QSlotObjectBase *, Qt::ConnectionType, void *)>(
         "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv");
     const Posting posting;
     return real(object, slot, type, result);
@@ -255,9 +255,9 @@ bool QMetaObject::invokeMethod(QObject *object, const char *member, Qt::Connecti
                                QGenericArgument a6, QGenericArgument a7, QGenericArgument a8, QGenericArgument a9)
 {
     using Argument = QGenericArgument;
-    static const auto real = hidden<bool (*)(QObject *, const char *, Qt::ConnectionType, QGenericReturnArgument,
-                                             Argument, Argument, Argument, Argument, Argument, Argument, Argument,
-                                             Argument, Argument, Argument)>(
+    static const auto real = qtFunction<bool (*)(QObject *, const char *, Qt::ConnectionType, QGenericReturnArgument,
+                                                 Argument, Argument, Argument, Argument, Argument, Argument, Argument,
+                                                 Argument, Argument, Argument)>(
         "_ZN11QMetaObject12invokeMethodEP7QObjectPKcN2Qt14ConnectionTypeE22QGenericReturnArgument16QGenericArgumentS7"
         "_S7_S7_S7_S7_S7_S7_S7_S7_");
     const Posting posting;

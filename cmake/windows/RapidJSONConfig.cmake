@@ -1,5 +1,5 @@
-# RapidJSON's headers are this machine's own. The directory that they lie in holds those of its C library, too, which a
-# build for another system must not see: a link leads to RapidJSON's alone.
+# Uses this machine's RapidJSON headers. Their directory also contains those of the C library, which a cross build must
+# not see, so a link exposes RapidJSON's only.
 find_path(KELMOVIE_RAPIDJSON rapidjson/rapidjson.h PATHS /usr/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 set(RAPIDJSON_INCLUDE_DIRS ${PROJECT_BINARY_DIR}/rapidjson)
 file(MAKE_DIRECTORY ${RAPIDJSON_INCLUDE_DIRS})

@@ -1,5 +1,5 @@
 # 64-bit Windows, cross-built with mingw-w64 (g++-mingw-w64-x86-64-posix on Debian). Qt and the codecs come from
-# packaging/windows/build-sdk.sh; KELMOVIE_WINDOWS_SDK in the environment names another place for them.
+# packaging/windows/build-sdk.sh; The environment variable KELMOVIE_WINDOWS_SDK names another directory.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
@@ -8,7 +8,7 @@ if(DEFINED ENV{KELMOVIE_WINDOWS_SDK})
   set(KELMOVIE_WINDOWS_SDK $ENV{KELMOVIE_WINDOWS_SDK})
 endif()
 
-# The "posix" flavour: the other one has no std::thread and no std::mutex.
+# The "posix" variant, because the other has no std::thread and std::mutex.
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
@@ -20,7 +20,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(ENV{PKG_CONFIG_LIBDIR} ${KELMOVIE_WINDOWS_SDK}/deps/lib/pkgconfig)
-set(RapidJSON_DIR ${CMAKE_CURRENT_LIST_DIR} CACHE PATH "Headers alone: this machine's serve")
+set(RapidJSON_DIR ${CMAKE_CURRENT_LIST_DIR} CACHE PATH "Header-only, so this machine's can be used")
 
-# Tests and programs of the build run through it.
+# Runs tests and programs of the build.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../../tests/support/with-wine)

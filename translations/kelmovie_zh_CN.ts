@@ -372,19 +372,19 @@
         <translation>导出进度</translation>
     </message>
     <message>
-        <source>Progress of the export</source>
-        <translation>导出的进度</translation>
+        <source>Export progress</source>
+        <translation>导出进度</translation>
     </message>
     <message>
-        <source>Go on exporting with the window out of the way</source>
-        <translation>最小化窗口，继续导出</translation>
+        <source>Minimize the window while exporting</source>
+        <translation>导出期间将窗口最小化</translation>
     </message>
     <message>
         <source>Minimize</source>
         <translation>最小化</translation>
     </message>
     <message>
-        <source>End the export and keep no file</source>
+        <source>Stop exporting and discard the file</source>
         <translation>停止导出，不保留文件</translation>
     </message>
     <message>
@@ -392,15 +392,15 @@
         <translation>取消</translation>
     </message>
     <message>
-        <source>After the next recording, do not ask here</source>
-        <translation>下次录制导出后不再询问</translation>
+        <source>Exit without asking after future recordings</source>
+        <translation>以后录制导出后直接退出，不再询问</translation>
     </message>
     <message>
         <source>Auto-exit recording after encoding</source>
         <translation>编码完成后自动退出录制</translation>
     </message>
     <message>
-        <source>Close this and leave the recording mode</source>
+        <source>Close and exit recording mode</source>
         <translation>关闭此窗口并退出录制模式</translation>
     </message>
     <message>
@@ -408,7 +408,7 @@
         <translation>退出录制</translation>
     </message>
     <message>
-        <source>Close this</source>
+        <source>Close this window</source>
         <translation>关闭此窗口</translation>
     </message>
     <message>

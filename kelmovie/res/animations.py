@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Draws the click and wheel effects: writes one Lottie file for each beside this script.
+"""Generates the click and wheel effects, one Lottie file each, next to this script.
 
   animations.py           write the files
-  animations.py --check   only tell whether they are what this script would write
+  animations.py --check   only check that the files are up to date
 
-All effects are 48 frames long at 60 frames a second, on a canvas of 256 units whose centre is the pointer. Two colours:
-"accent" takes the colour of the settings, "rim" is a thin white edge that keeps the accent apart from a background of
-its own colour. A button that is held stops the effect at its HOLD frame, so that frame is the picture to get right;
-frame 0 is what a click shows at once.
+All effects are 48 frames long at 60 frames per second, on a canvas of 256 units centered on the pointer. They use two
+colors: "accent" is replaced by the color from the settings, "rim" is a thin white outline that sets the accent off
+against a background of the same color. While a button is held, its effect stops at the hold frame, which is visible
+the longest; frame 0 is visible at once.
 """
 
 import json
@@ -23,7 +23,7 @@ ACCENT = [0.2, 0.533, 1, 1]
 RIM_WIDTH = 4  # on either side
 RIM_OPACITY = 92
 
-# Easing: the control points of the time curve of a keyframe.
+# Easing: the Bezier control points of a keyframe.
 OUT = ((0.16, 1), (0.3, 1))
 IN = ((0.55, 0), (0.8, 0.45))
 BOTH = ((0.5, 0), (0.5, 1))
@@ -35,7 +35,7 @@ def fixed(value):
 
 
 def animated(*keys):
-    """(frame, value, easing towards the next key), …; the value holds before the first and after the last key."""
+    """Keyframes (frame, value, easing to the next). The value is constant before the first and after the last."""
     frames = []
     for (frame, value, *ease), following in zip(keys, [*keys[1:], None]):
         start = value if isinstance(value, list) else [value]
@@ -53,7 +53,7 @@ def number(value):
 
 
 def point(angle, radius):
-    """The point at a direction in degrees, clockwise from straight up."""
+    """Polar coordinates: the angle is in degrees, clockwise from straight up."""
     turn = math.radians(angle)
     return [round(radius * math.sin(turn), 3), round(-radius * math.cos(turn), 3)]
 
@@ -67,9 +67,9 @@ def line(start, end):
     return path([start, end])
 
 
-def circle(radius, centre=(0, 0)):
+def circle(radius, center=(0, 0)):
     size = radius if isinstance(radius, dict) else fixed([2 * radius, 2 * radius])
-    return {"ty": "el", "p": number(list(centre)), "s": size}
+    return {"ty": "el", "p": number(list(center)), "s": size}
 
 
 def growing_circle(*keys):
@@ -77,13 +77,13 @@ def growing_circle(*keys):
 
 
 def star(outer, inner, points=5):
-    """A star whose points are round."""
+    """A star; stroking it rounds its points."""
     vertices = [point(180 / points * i, inner if i % 2 else outer) for i in range(2 * points)]
     return path(vertices, closed=True)
 
 
 def petal(inner, outer, width, widest=0.62):
-    """A leaf that points up, from one radius to another: sharp at its foot, round at its tip."""
+    """A petal pointing up, from the inner to the outer radius, sharp at the inner end and round at the outer one."""
     length = outer - inner
     middle = -(inner + widest * length)
     foot, tip, side = 0.45 * widest * length, 0.5 * (1 - widest) * length, 0.27 * width
@@ -105,7 +105,7 @@ def fill(opacity=100):
 
 
 def wider(width):
-    """A stroke's width, or its keys, with the rim added; none where there is no stroke."""
+    """A stroke width, constant or animated, plus the rim; 0 stays 0."""
     if not isinstance(width, dict):
         return width + 2 * RIM_WIDTH
     keys = []
@@ -134,17 +134,17 @@ def scaled(*keys):
 
 
 def drawn(shape, width, *modifiers, **place):
-    """A line with its rim."""
+    """A stroked line with a rim."""
     return group(shape, *modifiers, stroke("accent", ACCENT, width), rim(wider(width)), **place)
 
 
 def solid(shape, **place):
-    """An area with its rim and slightly rounded corners."""
+    """A filled shape with a rim and slightly rounded corners."""
     return group(shape, fill(), stroke("accent", ACCENT, 4), rim(4 + 2 * RIM_WIDTH), **place)
 
 
 def movie(name, shapes):
-    """Shapes that come first lie on top."""
+    """The first shape is on top."""
     layer = {"ddd": 0, "ind": 1, "ty": 4, "nm": name, "ip": 0, "op": FRAMES, "st": 0, "bm": 0, "shapes": shapes,
              "ks": {"o": fixed(100), "r": fixed(0), "p": fixed([SIZE / 2, SIZE / 2, 0]), "a": fixed([0, 0, 0]),
                     "s": fixed([100, 100, 100])}}
@@ -153,7 +153,7 @@ def movie(name, shapes):
 
 
 def click_ray():
-    """Three strokes that spring from the pointer; the player turns them to the side of the button. Hold: 8."""
+    """Three rays from the pointer; playback rotates them to the side of the button. Hold frame: 8."""
     shapes = []
     for angle, reach, delay in ((0, 116, 0), (-38, 104, 1), (38, 104, 1)):
         ray = trim(animated((9 + delay, 0, BOTH), (34 + delay, 100)), animated((0, 42, OUT), (8 + delay, 100)))
@@ -163,7 +163,7 @@ def click_ray():
 
 
 def click_floral():
-    """A flower that opens, turns and sheds its petals. Hold: 0, the flower itself."""
+    """A flower that opens, turns and sheds its petals. Hold frame: 0, the whole flower."""
     shapes = [solid(circle(14), scale=scaled((0, 100, OUT), (10, 118, BOTH), (32, 0)))]
     for i in range(8):
         late = 6 if i % 2 else 0
@@ -176,12 +176,12 @@ def click_floral():
 
 
 def click_fireworks():
-    """Two rings of comets, whose tails they overtake, and sparks between them. Hold: 12, the burst at its widest."""
+    """Two rings of comets and sparks between them. Hold frame: 12, the burst at its widest."""
     shapes = []
     for i in range(12):
         far = i % 2 == 0
         reach, length, width, late = (112, 62, 19, 0) if far else (82, 42, 15, 2)
-        head = -length  # the comet is drawn from its tail upwards
+        head = -length  # the tail is at the origin
         flight = animated((0, [0, -38], OUT), (13 + late, [0, -reach], BOTH), (44, [0, -reach - 5]))
         tail = animated((0, [70, 22], OUT), (12 + late, [100, 100], BOTH), (30 + late, [72, 16], IN), (44, [0, 0]))
         comet = solid(petal(0, length, width, 0.84), position=flight, anchor=(0, head), scale=tail)
@@ -194,7 +194,7 @@ def click_fireworks():
 
 
 def click_starts():
-    """Stars of two sizes that pop out, linger, and drift away spinning. Hold: 8."""
+    """Stars of two sizes that pop out, linger and spin away. Hold frame: 8."""
     shapes = []
     for i in range(6):
         large = i % 2 == 0
@@ -209,7 +209,7 @@ def click_starts():
 
 
 def click_ripple():
-    """Two rings that run outwards from a soft drop. Hold: 12."""
+    """Two rings that expand from a soft drop. Hold frame: 12."""
     first = animated((0, 18, OUT), (14, 13, BOTH), (38, 4, IN), (44, 0))
     second = animated((4, 0, OUT), (10, 14, BOTH), (38, 4, IN), (46, 0))
     return [
@@ -221,7 +221,8 @@ def click_ripple():
 
 
 def wheel_arrow():
-    """Three arrow heads that run downwards, away from the pointer; the player turns them for the other way."""
+    """Three arrow heads that move down, away from the pointer; playback rotates them by 180
+    degrees for scrolling up."""
     shapes = []
     for i in range(3):
         late = 4 * i
@@ -247,7 +248,7 @@ def main():
         elif not file.exists() or file.read_text() != text:
             stale.append(file.name)
     if stale:
-        sys.exit("not what animations.py draws: " + ", ".join(stale))
+        sys.exit("out of date, run animations.py: " + ", ".join(stale))
 
 
 main()

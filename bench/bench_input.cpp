@@ -17,7 +17,9 @@
 
 #include <QtEndian>
 
+#ifdef __GLIBC__
 #include <malloc.h>
+#endif
 
 #include <functional>
 #include <vector>
@@ -33,6 +35,17 @@ constexpr int kFramesOfKey = 10;
 constexpr int kKeyFrames = kKeys * kFramesOfKey;
 constexpr int kSeeks = 100'000;
 constexpr int kPaints = 200;
+
+/// Heap memory in use; 0 where the C library does not report it.
+std::size_t allocatedBytes()
+{
+#ifdef __GLIBC__
+    const auto info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+#else
+    return 0;
+#endif
+}
 
 double msOf(const std::function<void()> &work)
 {
@@ -83,9 +96,9 @@ void writeMouse(const QString &dir, int moves)
 void measureList(const QString &dir)
 {
     PointerList list;
-    const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
+    const std::size_t before = allocatedBytes();
     const double ms = msOf([&] { list.load(KelRecordingFiles::path(dir, KelRecordingFiles::kMouseMoves)); });
-    const std::size_t after = mallinfo2().uordblks + mallinfo2().hblkhd;
+    const std::size_t after = allocatedBytes();
     printFigure("a million moves: load", ms, "ms");
     printFigure("a million moves: memory", double(after - before) / 1e6, "MB");
 }
@@ -154,11 +167,11 @@ void measureKeys(const QString &dir)
 {
     KeyLog recording;
     printFigure("100000 keys: read", msOf([&] { readKeyLog(dir, recording); }), "ms");
-    const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
+    const std::size_t before = allocatedBytes();
     KeyDisplayList list;
     const double buildMs =
         msOf([&] { list = KeyDisplayListBuilder::build(recording, kKeyFrames, wholeHistory().limits); });
-    const std::size_t after = mallinfo2().uordblks + mallinfo2().hblkhd;
+    const std::size_t after = allocatedBytes();
     printFigure("100000 keys: display list of a million frames", buildMs, "ms");
     printFigure("100000 keys: memory of the display list", double(after - before) / 1e6, "MB");
 

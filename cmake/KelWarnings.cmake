@@ -6,6 +6,7 @@ if(MSVC)
   if(KELMOVIE_WERROR)
     add_compile_options(/WX)
   endif()
+  add_compile_definitions(_USE_MATH_DEFINES) # for M_PI
 else()
   add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
   if(KELMOVIE_WERROR)

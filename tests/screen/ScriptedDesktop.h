@@ -10,8 +10,10 @@
 #include <vector>
 
 // The interfaces of COM have no destructors.
+#ifdef __GNUC__
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
 
 /// One answer of a screen to the question for its next frame.
 struct ScriptedFrame {
@@ -288,4 +290,6 @@ private:
     };
 };
 
+#ifdef __GNUC__
 #pragma GCC diagnostic pop
+#endif

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/controls/SavedSetting.h"
+#include "ui/controls/Setting.h"
 
 #include <QVector>
 #include <QWidget>
@@ -103,10 +103,7 @@ void SettingsForm::change(Setting<T> setting, const T &value)
 {
     if (m_isLoading || setting.value() == value)
         return;
-    T &field = gKelMovieConfig.*setting.field;
-    if (setting.key.isEmpty())
-        field = value;
-    else if (!saveSetting(setting.key, &field, value))
+    if (!setting.setValue(value))
         warnUnsaved();
     updateEnabled();
     emit sigChanged();

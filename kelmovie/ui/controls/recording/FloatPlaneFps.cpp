@@ -3,7 +3,7 @@
 #include "config/KelMovieConfig.h"
 #include "config/KelMovieConfigKeys.h"
 #include "ui/controls/ChoiceList.h"
-#include "ui/controls/SavedSetting.h"
+#include "ui/controls/Setting.h"
 #include "ui/controls/recording/KelRecordFpsLabel.h"
 #include "widget/ScaleFactor.h"
 
@@ -23,7 +23,7 @@ FloatPlaneFps::FloatPlaneFps(KelRecordFpsLabel *label)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_list);
     connect(m_list, &ChoiceList::sigChosen, this, [this, label](const QVariant &fps) {
-        saveSetting(KelMovieConfigKeys::kRecordFps, &gKelMovieConfig.recordFps, fps.toInt());
+        Setting<int>{KelMovieConfigKeys::kRecordFps, &KelMovieConfig::recordFps}.setValue(fps.toInt());
         label->updateText();
         hideManual();
     });

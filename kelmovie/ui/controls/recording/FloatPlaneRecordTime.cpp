@@ -4,7 +4,7 @@
 #include "config/KelMovieConfigKeys.h"
 #include "style/KelStyleTheme.h"
 #include "ui/controls/ChoiceList.h"
-#include "ui/controls/SavedSetting.h"
+#include "ui/controls/Setting.h"
 #include "ui/controls/recording/KelRecordTimeLable.h"
 #include "widget/ScaleFactor.h"
 
@@ -31,7 +31,7 @@ FloatPlaneRecordTime::FloatPlaneRecordTime(KelRecordTimeLable *label)
     layout->addWidget(m_title);
     layout->addWidget(m_list);
     connect(m_list, &ChoiceList::sigChosen, this, [this, label](const QVariant &seconds) {
-        saveSetting(KelMovieConfigKeys::kRecordDelay, &gKelMovieConfig.recordDelay, seconds.toInt());
+        Setting<int>{KelMovieConfigKeys::kRecordDelay, &KelMovieConfig::recordDelay}.setValue(seconds.toInt());
         label->updateText();
         hideManual();
     });

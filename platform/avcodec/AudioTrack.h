@@ -2,12 +2,12 @@
 
 #include <QString>
 
-/// A sound file of a mix, and the part of it that is heard.
+/// One audio source of a mix: a file, the range of it that is used, and where that range goes in the output.
 struct AudioTrack {
-    QString path;
-    double offsetMs = 0.0; ///< later, in output time, than the picture begins; below 0: the sound has already begun
-    double startMs = -1.0; ///< range in recording time; below 0: from the beginning
-    double endMs = -1.0;   ///< below 0: to the end
-    double speed = 1.0;    ///< above 0; the file plays the recording so many times as fast: moment t is at t / speed
-    double gain = 1.0;     ///< factor of its level, 0 or more
+    QString path;          ///< the audio file
+    double offsetMs = 0.0; ///< where the range starts in the output, in ms; negative: cuts as much off its start
+    double startMs = -1.0; ///< start of the range in ms of recording time; negative: start of the file
+    double endMs = -1.0;   ///< end of the range in ms of recording time; negative: end of the file
+    double speed = 1.0;    ///< above 0: how fast the file plays the recording; recording time t is at t / speed in it
+    double gain = 1.0;     ///< linear amplitude factor, 0 or more
 };

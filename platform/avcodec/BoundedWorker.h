@@ -13,8 +13,8 @@
 namespace av
 {
 
-/// A thread that handles items in order, fed by one producer through a queue of bounded length.
-/// The handler runs on the worker's thread and answers false to end the work for good (it failed).
+/// Thread that handles items in order, fed by one producer through a bounded queue. The handler runs on that thread; if
+/// it returns false, the worker stops for good.
 template <typename Item>
 class BoundedWorker
 {
@@ -37,25 +37,25 @@ public:
     BoundedWorker(const BoundedWorker &) = delete;
     BoundedWorker &operator=(const BoundedWorker &) = delete;
 
-    /// No item can be taken right now without waiting. The item in work counts.
+    /// True if push() would have to wait. The item being handled counts.
     bool isFull() const
     {
         std::lock_guard lock(m_mutex);
         return m_pending >= m_capacity;
     }
 
-    /// Whether push() need not wait, once at most `limit` has passed.
-    bool waitForRoom(std::chrono::milliseconds limit) const
+    /// Waits up to `timeout` until push() no longer has to wait. False on timeout.
+    bool waitForRoom(std::chrono::milliseconds timeout) const
     {
         std::unique_lock lock(m_mutex);
-        return m_changed.wait_for(lock, limit, [this] { return m_closed || m_pending < m_capacity; });
+        return m_changed.wait_for(lock, timeout, [this] { return m_closed || m_pending < m_capacity; });
     }
 
-    /// Hands over an item, waiting for room at most `limit`. False when the worker has ended or the limit was reached.
-    bool push(Item item, std::chrono::milliseconds limit = std::chrono::minutes(1))
+    /// Queues an item, waiting up to `timeout` for room. False on timeout or if the worker has stopped.
+    bool push(Item item, std::chrono::milliseconds timeout = std::chrono::minutes(1))
     {
         std::unique_lock lock(m_mutex);
-        if (!m_changed.wait_for(lock, limit, [this] { return m_closed || m_pending < m_capacity; }) || m_closed)
+        if (!m_changed.wait_for(lock, timeout, [this] { return m_closed || m_pending < m_capacity; }) || m_closed)
             return false;
         m_items.push_back(std::move(item));
         ++m_pending;
@@ -63,14 +63,14 @@ public:
         return true;
     }
 
-    /// Handles what is queued, then ends the thread. Returns when it has ended.
+    /// Handles what is queued, then stops the thread and waits for its end.
     void finish()
     {
         close(false);
         join();
     }
 
-    /// Drops what is queued and lets the thread end after the item in work. Does not wait.
+    /// Drops what is queued and stops the thread after the item being handled. Does not wait.
     void abort() { close(true); }
 
 private:
@@ -98,17 +98,17 @@ private:
             std::optional<Item> item = std::move(m_items.front());
             m_items.pop_front();
             lock.unlock();
-            const bool goOn = m_handler(*item);
-            item.reset(); // which may take its time
+            const bool succeeded = m_handler(*item);
+            item.reset(); // outside the lock, as destroying it may take long
             lock.lock();
             --m_pending;
-            if (!goOn)
+            if (!succeeded)
                 m_closed = m_isAborted = true;
             m_changed.notify_all();
         }
         const std::deque<Item> dropped = std::exchange(m_items, {});
         m_pending -= dropped.size();
-        lock.unlock(); // before they go
+        lock.unlock(); // before they are destroyed, which may take long
     }
 
     const std::size_t m_capacity;
@@ -116,9 +116,9 @@ private:
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
     std::deque<Item> m_items;
-    std::size_t m_pending = 0; // queued and in work
+    std::size_t m_pending = 0; // queued or being handled
     bool m_closed = false;
-    bool m_isAborted = false; // what is queued is not wanted
+    bool m_isAborted = false; // drop what is queued
     std::thread m_thread;     // last: it uses all of the above
 };
 

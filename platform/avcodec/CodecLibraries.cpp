@@ -20,8 +20,8 @@ namespace av
 namespace
 {
 
-/// Packed as 8 bits each, FFmpeg's and libwebp's way.
-QString packed(const char *name, unsigned version)
+/// Decodes a version packed into 8 bits per component, as FFmpeg and libwebp do.
+QString unpacked(const char *name, unsigned version)
 {
     return QStringLiteral("%1 %2.%3.%4")
         .arg(QLatin1String(name))
@@ -34,14 +34,14 @@ QString packed(const char *name, unsigned version)
 
 QStringList CodecLibraries::versions()
 {
-    return {packed("libavcodec", avcodec_version()),
-            packed("libavformat", avformat_version()),
-            packed("libavutil", avutil_version()),
-            packed("libswresample", swresample_version()),
-            packed("libswscale", swscale_version()),
-            QStringLiteral("x264 ") + QLatin1String(X264_POINTVER),
-            packed("libwebp", unsigned(WebPGetEncoderVersion())),
-            QStringLiteral("libdeflate ") + QLatin1String(LIBDEFLATE_VERSION_STRING)};
+    return {unpacked("libavcodec", avcodec_version()),
+            unpacked("libavformat", avformat_version()),
+            unpacked("libavutil", avutil_version()),
+            unpacked("libswresample", swresample_version()),
+            unpacked("libswscale", swscale_version()),
+            QLatin1String("x264 ") + QLatin1String(X264_POINTVER),
+            unpacked("libwebp", unsigned(WebPGetEncoderVersion())),
+            QLatin1String("libdeflate ") + QLatin1String(LIBDEFLATE_VERSION_STRING)};
 }
 
 } // namespace av

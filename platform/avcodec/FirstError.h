@@ -7,11 +7,11 @@
 namespace av
 {
 
-/// Keeps the first failure of a component that works on several threads.
+/// Keeps the first error of a component that runs on several threads. Thread-safe.
 class FirstError
 {
 public:
-    /// Keeps the text when it is the first. True if it was.
+    /// Stores the text unless there is one already. True if it was stored.
     bool set(const QString &text)
     {
         std::lock_guard lock(m_mutex);

@@ -26,7 +26,7 @@ bool OutputFile::overwrite(qint64 position, const QByteArray &bytes)
     if (!m_error.isEmpty())
         return false;
     if (!m_file.seek(position) || !put(bytes) || !m_file.seek(m_size))
-        return fail(m_file.errorString());
+        return fail(QStringLiteral("Cannot write %1: %2").arg(path(), m_file.errorString()));
     return true;
 }
 
@@ -67,12 +67,12 @@ bool OutputFile::put(const QByteArray &bytes)
 {
     if (!m_error.isEmpty())
         return false;
-    // A full disk takes a part of the bytes and reports no error until it is asked to take the rest.
+    // On a full disk the first write may be partial; only the next one fails with an error.
     qint64 done = 0;
     while (done < bytes.size()) {
         const qint64 written = m_file.write(bytes.constData() + done, bytes.size() - done);
         if (written <= 0)
-            return fail(QStringLiteral("Cannot write %1: %2").arg(m_file.fileName(), m_file.errorString()));
+            return fail(QStringLiteral("Cannot write %1: %2").arg(path(), m_file.errorString()));
         done += written;
     }
     return true;

@@ -7,34 +7,41 @@
 namespace av
 {
 
-/// A file whose every write is checked at once; nothing is kept back in a buffer. After a failure it takes no more,
-/// and the text of the first failure stays. One thread at a time.
+/// Unbuffered output file that reports the failure of a write at once. After a failure all further writes are refused,
+/// and the first error is kept. Not thread-safe.
 class OutputFile
 {
 public:
-    /// Creates the file, or empties it when it exists.
+    /// Creates the file, or truncates an existing one.
     bool open(const QString &path);
 
     /// Appends.
     bool write(const QByteArray &bytes);
 
-    /// Replaces bytes that have been written.
+    /// Replaces bytes that have already been written.
     bool overwrite(qint64 position, const QByteArray &bytes);
 
-    /// Cuts off what stands behind `size` and forgets a failure, so that what is left can be brought to a good end.
+    /// Shortens the file to `size` bytes and clears the error, so that the rest can be completed after a failed write.
     bool truncate(qint64 size);
 
-    /// Puts the file of `other`, which is done with, in the place of this one. When that fails, this one is as before.
+    /// Renames the file of `other` over this one, which continues with its content; `other` is closed. On failure the
+    /// content of this file is unchanged.
     bool replaceWith(OutputFile &other);
 
-    /// Deletes the file.
+    void close() { m_file.close(); }
+
+    /// Closes and deletes the file.
     void remove();
 
-    /// Refuses all further writing for the reason given. Answers false.
+    /// Sets the error unless there is one, which refuses all further writes. Returns false.
     bool fail(const QString &reason);
 
+    bool isOpen() const { return m_file.isOpen(); }
     QString path() const { return m_file.fileName(); }
+
+    /// Bytes of all writes that succeeded.
     qint64 size() const { return m_size; }
+
     const QString &errorString() const { return m_error; }
 
 private:

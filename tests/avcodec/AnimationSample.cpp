@@ -33,17 +33,17 @@ void paintPatches(QImage &image, uint seed, int count, QSize largest)
 std::unique_ptr<KelAVCodecEncoder> makeAnimationEncoder(const QString &format, QSize size, const QString &path, int fps,
                                                         int quality, const QString &extra)
 {
-    if (format == QLatin1String("gif"))
+    if (format == "gif")
         return std::make_unique<kelGifEncoder>(size, path, fps, quality, extra);
-    if (format == QLatin1String("png"))
+    if (format == "png")
         return std::make_unique<pngEncoder>(size, path, fps, quality, extra);
     return std::make_unique<webpEncoder>(size, path, fps, quality, extra);
 }
 
 QImage patches(QSize size, int frame)
 {
-    const int chapter = frame / 20;                                 // everything changes
-    const int change = frame % 20 / 7 * 7 + std::min(frame % 7, 4); // still for three frames out of seven
+    const int chapter = frame / 20;                                 // everything changes between chapters
+    const int change = frame % 20 / 7 * 7 + std::min(frame % 7, 4); // no change in three frames out of seven
     QImage image(size, QImage::Format_RGB32);
     image.fill(patchColor(uint(chapter) * 31));
     paintPatches(image, uint(chapter), 400, {12, 5});

@@ -6,16 +6,16 @@
 
 #include <memory>
 
-/// "gif", "png" or "webp".
+/// `format`: "gif", "png" or "webp".
 std::unique_ptr<KelAVCodecEncoder> makeAnimationEncoder(const QString &format, QSize size, const QString &path, int fps,
                                                         int quality, const QString &extra = {});
 
-/// The picture of a small scene at a frame: patches of at most 200 colors come and go in different places, there are
-/// stretches where nothing happens, and sometimes everything changes.
+/// A frame of a small scene: patches of at most 200 colors come and go in different places, with pauses in which
+/// nothing changes, and now and then everything changes.
 QImage patches(QSize size, int frame);
 
-/// Every pixel has a color of its own by chance.
+/// Every pixel has a random color.
 QImage noise(QSize size, uint seed);
 
-/// Many colors that flow into each other, as in a photograph; the frames of one scene are scrolled.
+/// Smooth gradients of many colors, as in a photograph; consecutive frames are scrolled.
 QImage landscape(QSize size, int frame);

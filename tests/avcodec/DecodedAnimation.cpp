@@ -35,7 +35,7 @@ QImage imageOf(const AVFrame &frame)
         .convertToFormat(QImage::Format_ARGB32);
 }
 
-/// What the readers do not tell: the number of plays.
+/// The number of plays, which the readers do not expose.
 int playsOf(const QByteArray &bytes)
 {
     if (bytes.startsWith("GIF89a")) {
@@ -64,15 +64,15 @@ DecodedAnimation::DecodedAnimation(const QString &path)
     }
     errorString = read(path);
     plays = playsOf(bytes);
-    // The readers do not mind a file without an end.
+    // The readers accept files without a trailer.
     if (errorString.isEmpty() && !bytes.endsWith(';') && !bytes.endsWith("IEND\xae\x42\x60\x82"))
-        errorString = QStringLiteral("No trailer");
+        errorString = "No trailer";
 }
 
 QString DecodedAnimation::readWebp(const QByteArray &bytes)
 {
     if (qFromLittleEndian<quint32>(bytes.constData() + 4) + 8 != quint32(bytes.size()))
-        return QStringLiteral("The file has %1 bytes").arg(bytes.size());
+        return QString("The file has %1 bytes").arg(bytes.size());
     const WebPData data{reinterpret_cast<const quint8 *>(bytes.constData()), std::size_t(bytes.size())};
     WebPAnimDecoderOptions options;
     WebPAnimDecoderOptionsInit(&options);
@@ -81,25 +81,25 @@ QString DecodedAnimation::readWebp(const QByteArray &bytes)
         WebPAnimDecoderNew(&data, &options), WebPAnimDecoderDelete);
     WebPAnimInfo info;
     if (!decoder || !WebPAnimDecoderGetInfo(decoder.get(), &info))
-        return QStringLiteral("Not an animated WebP");
+        return "Not an animated WebP";
     plays = int(info.loop_count);
     int before = 0;
     while (WebPAnimDecoderHasMoreFrames(decoder.get())) {
         quint8 *pixels = nullptr;
         int end = 0;
         if (!WebPAnimDecoderGetNext(decoder.get(), &pixels, &end))
-            return QStringLiteral("Frame %1 is damaged").arg(frames.size());
+            return QString("Frame %1 is damaged").arg(frames.size());
         frames.push_back(QImage(pixels, int(info.canvas_width), int(info.canvas_height), QImage::Format_RGBA8888)
                              .convertToFormat(QImage::Format_ARGB32));
         durationsMs.push_back(end - before);
         before = end;
     }
-    return frames.size() == info.frame_count ? QString() : QStringLiteral("Frames are missing");
+    return frames.size() == info.frame_count ? QString() : QString("Frames are missing");
 }
 
 QString DecodedAnimation::read(const QString &path)
 {
-    AVDictionary *options = nullptr; // show each frame for as long as the file says, and once
+    AVDictionary *options = nullptr; // keep the durations stated by the file, play once
     av_dict_set(&options, "min_delay", "0", 0);
     av_dict_set(&options, "max_fps", "0", 0);
     AVFormatContext *opened = nullptr;
@@ -127,7 +127,7 @@ QString DecodedAnimation::read(const QString &path)
         if (decoding == 0)
             decoding = avcodec_receive_frame(codec.get(), frame.get());
         if (decoding < 0)
-            return QStringLiteral("Frame %1: %2").arg(frames.size()).arg(av::errorText(decoding));
+            return QString("Frame %1: %2").arg(frames.size()).arg(av::errorText(decoding));
         frames.push_back(imageOf(*frame));
     }
     return reading == AVERROR_EOF ? QString() : av::errorText(reading);

@@ -5,22 +5,22 @@
 
 #include <vector>
 
-/// An animated GIF, PNG or WebP file read by the libraries that others read it with, for tests of what writes it.
+/// An animated GIF, PNG or WebP file read with libavformat or libwebp alone, for testing the encoders.
 class DecodedAnimation
 {
 public:
     explicit DecodedAnimation(const QString &path);
 
-    /// Why the file could not be read, empty when all of it could.
+    /// Why the file could not be read; empty if all of it could.
     QString errorString;
 
-    std::vector<QImage> frames;      ///< the whole picture each, composed
+    std::vector<QImage> frames;      ///< composed to complete images
     std::vector<double> durationsMs; ///< of each frame
-    int plays = -1;                  ///< how often it is to be shown, 0 for endlessly
+    int plays = -1;                  ///< how many times it is played, 0 for endlessly
 
     double totalMs() const;
 
-    /// What is to be seen at a time; a null image after the end.
+    /// The image shown at a time; null after the end.
     QImage at(double ms) const;
 
 private:

@@ -18,7 +18,7 @@ QString DecodedVideo::read(const QString &path)
         return av::errorText(code);
     const av::FormatContext format(opened);
     if (format->nb_streams != 1)
-        return QStringLiteral("%1 streams").arg(format->nb_streams);
+        return QString("%1 streams").arg(format->nb_streams);
     const AVStream *stream = format->streams[0];
     statedFrames = stream->nb_frames;
     fps = av_q2d(stream->avg_frame_rate);
@@ -51,7 +51,7 @@ QString DecodedVideo::read(const QString &path)
         if (code == 0)
             code = receive();
         if (code < 0)
-            return QStringLiteral("Frame %1: %2").arg(frames.size()).arg(av::errorText(code));
+            return QString("Frame %1: %2").arg(frames.size()).arg(av::errorText(code));
     }
     if (code != AVERROR_EOF)
         return av::errorText(code);
@@ -120,15 +120,15 @@ QImage textImage(const QSize &size, int number)
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::white);
     QPainter painter(&image);
-    QFont font(QStringLiteral("DejaVu Sans"));
+    QFont font("DejaVu Sans");
     font.setPixelSize(9);
-    font.setHintingPreference(QFont::PreferNoHinting); // how sharp it is shall not depend on the system
+    font.setHintingPreference(QFont::PreferNoHinting); // makes the rendering independent of the system
     painter.setFont(font);
     const QColor colors[] = {Qt::red, Qt::blue, Qt::darkGreen, Qt::black, Qt::magenta, QColor(200, 120, 0)};
     for (int line = 0; line * 12 < size.height() + number * 3 + 12; ++line) {
         painter.setPen(colors[line % 6]);
         painter.drawText(2 + line % 5, line * 12 - number * 3,
-                         QStringLiteral("%1 The quick brown fox jumps over the lazy dog ").arg(line).repeated(6));
+                         QString("%1 The quick brown fox jumps over the lazy dog ").arg(line).repeated(6));
     }
     return image;
 }

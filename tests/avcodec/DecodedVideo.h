@@ -8,24 +8,24 @@
 
 #include <vector>
 
-/// A video file read with libavformat and libavcodec alone, for tests of what writes such files.
+/// A video file read with libavformat and libavcodec alone, for testing the encoders.
 class DecodedVideo
 {
 public:
     explicit DecodedVideo(const QString &path);
 
-    /// Why the file could not be read, empty when all of it could.
+    /// Why the file could not be read; empty if all of it could.
     QString errorString;
 
     std::vector<av::Frame> frames; ///< as decoded
-    std::vector<qint64> times;     ///< of each frame, in frames
-    std::vector<bool> keyframes;   ///< of each packet
-    qint64 statedFrames = 0;       ///< as the file states it
+    std::vector<qint64> times;     ///< presentation time of each frame, in frames
+    std::vector<bool> keyframes;   ///< whether each packet is a keyframe
+    qint64 statedFrames = 0;       ///< number of frames stated by the file
     double fps = 0;
     AVColorSpace containerColorSpace = AVCOL_SPC_UNSPECIFIED;
     AVColorRange containerColorRange = AVCOL_RANGE_UNSPECIFIED;
 
-    /// A frame of an RGB video.
+    /// Frame of an RGB video.
     QImage rgbImage(int index) const;
 
     /// A sample of a plane.
@@ -35,11 +35,11 @@ private:
     QString read(const QString &path);
 };
 
-/// The types of an MP4 file's outermost boxes, in order; ends with "?" where they do not cover the file exactly.
+/// The types of an MP4 file's top-level boxes in order, followed by "?" if they do not cover the file exactly.
 QList<QByteArray> mp4Boxes(const QString &path);
 
 /// Peak signal to noise ratio over red, green and blue in dB, at most 99.
 double psnr(const QImage &a, const QImage &b);
 
-/// Dense colored text of small size; the pictures of one sequence scroll by a few lines each.
+/// Dense colored text in a small font; consecutive numbers scroll by a few lines.
 QImage textImage(const QSize &size, int number);

@@ -4,23 +4,23 @@
 #include <QString>
 #include <QStringList>
 
-/// Videos for the tests of decoders, written by the ffmpeg program: 160x96, each picture carries its number in blocks
-/// of black and white that survive any usable compression.
+/// Test videos for decoders, written by the ffmpeg program: 160x96, each frame shows its number in black and white
+/// blocks that survive any reasonable compression.
 namespace NumberedVideo
 {
 
 constexpr int kWidth = 160;
 constexpr int kHeight = 96;
 
-QImage picture(int number);
+QImage image(int number);
 
-/// The number in a picture; -1 when there is none.
-int numberIn(const QImage &picture);
+/// The number shown in an image; -1 if there is none.
+int numberIn(const QImage &image);
 
-/// Encodes pictures 0 to count - 1 at 30 a second with the program's options for the output. True on success.
+/// Encodes frames 0 to count - 1 at 30 fps with the given output options of the program. True on success.
 bool write(const QString &path, int count, const QStringList &options);
 
-/// Runs the ffmpeg program. True when it succeeded.
+/// Runs the ffmpeg program. True if it succeeded.
 bool runFfmpeg(const QStringList &arguments, const QByteArray &input = {});
 
 } // namespace NumberedVideo

@@ -1,4 +1,4 @@
-// What can go wrong while an animated picture is written, and what is left of the file then.
+// Errors while an animation is written, and what remains of the file.
 
 #include "avcodec/AnimationSample.h"
 #include "avcodec/BoundedWorker.h"
@@ -28,7 +28,7 @@ void addFormats()
         QTest::newRow(format) << format;
 }
 
-/// Every failure is logged, once.
+/// Every error is logged once.
 void expectWarning(const char *pattern)
 {
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QLatin1String("^\\[AnimationEncoder\\] ") + pattern));
@@ -41,30 +41,30 @@ class AnimationFaultsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void refusesWhatCannotBe_data();
-    void refusesWhatCannotBe();
-    void refusesWrongFrames_data() { addFormats(); }
-    void refusesWrongFrames();
-    void noticesDeadDevice_data() { addFormats(); }
-    void noticesDeadDevice();
-    void keepsWholeFramesOnFullDisk_data();
-    void keepsWholeFramesOnFullDisk();
-    void webpStopsBeforeItsLimit();
-    void pngKeepsWholeFramesWhenItCannotGetRidOfGaps_data();
-    void pngKeepsWholeFramesWhenItCannotGetRidOfGaps();
-    void abortsAtOnce_data() { addFormats(); }
-    void abortsAtOnce();
-    void abandonsPicture_data() { addFormats(); }
-    void abandonsPicture();
-    void abortsWithoutWaitingForWhatItDrops();
+    void rejectsInvalidParameters_data();
+    void rejectsInvalidParameters();
+    void rejectsInvalidFrames_data() { addFormats(); }
+    void rejectsInvalidFrames();
+    void failsWhileFramesAreAdded_data() { addFormats(); }
+    void failsWhileFramesAreAdded();
+    void keepsCompleteFramesOnFullDisk_data();
+    void keepsCompleteFramesOnFullDisk();
+    void webpStopsBeforeItsSizeLimit();
+    void pngKeepsCompleteFramesWhenRewritingFails_data();
+    void pngKeepsCompleteFramesWhenRewritingFails();
+    void abortsWithoutEncodingTheQueue_data() { addFormats(); }
+    void abortsWithoutEncodingTheQueue();
+    void cancelsAFrameBeingEncoded_data() { addFormats(); }
+    void cancelsAFrameBeingEncoded();
+    void abortsWithoutWaitingForDroppedItems();
 
 private:
-    QString path(const QString &format) const { return m_dir.filePath(QStringLiteral("animation.") + format); }
+    QString path(const QString &format) const { return m_dir.filePath("animation." + format); }
 
     QTemporaryDir m_dir;
 };
 
-void AnimationFaultsTest::refusesWhatCannotBe_data()
+void AnimationFaultsTest::rejectsInvalidParameters_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<QSize>("size");
@@ -72,13 +72,13 @@ void AnimationFaultsTest::refusesWhatCannotBe_data()
     QTest::addColumn<int>("fps");
     QTest::addColumn<QString>("extra");
     QTest::addColumn<QString>("error");
-    const QString file = path(QStringLiteral("any"));
+    const QString file = path("any");
     QTest::newRow("no size") << "gif" << QSize(0, 5) << file << 25 << ""
-                             << "Invalid picture size: 0x5";
+                             << "Invalid frame size: 0x5";
     QTest::newRow("too wide") << "webp" << QSize(16384, 5) << file << 25 << ""
-                              << "Invalid picture size: 16384x5";
+                              << "Invalid frame size: 16384x5";
     QTest::newRow("too large") << "png" << QSize(32767, 32767) << file << 25 << ""
-                               << "Invalid picture size: 32767x32767";
+                               << "Invalid frame size: 32767x32767";
     QTest::newRow("no rate") << "png" << kSize << file << 0 << ""
                              << "Invalid frame rate: 0";
     QTest::newRow("unknown option") << "gif" << kSize << file << 25 << "loops"
@@ -91,7 +91,7 @@ void AnimationFaultsTest::refusesWhatCannotBe_data()
                                   << "Cannot create " + m_dir.filePath("none/x");
 }
 
-void AnimationFaultsTest::refusesWhatCannotBe()
+void AnimationFaultsTest::rejectsInvalidParameters()
 {
     QFETCH(QString, format);
     QFETCH(QSize, size);
@@ -107,7 +107,7 @@ void AnimationFaultsTest::refusesWhatCannotBe()
     QVERIFY(!encoder->close());
 }
 
-void AnimationFaultsTest::refusesWrongFrames()
+void AnimationFaultsTest::rejectsInvalidFrames()
 {
     QFETCH(QString, format);
     const auto encoder = makeAnimationEncoder(format, kSize, path(format), kFps, 90);
@@ -116,35 +116,35 @@ void AnimationFaultsTest::refusesWrongFrames()
     expectWarning("Frame ");
     if (format == QLatin1String("gif")) {
         QVERIFY(!encoder->addFrame(2, QImage()));
-        QCOMPARE(encoder->errorString(), QStringLiteral("Frame 2 has 0x0 pixels instead of 120x90"));
+        QCOMPARE(encoder->errorString(), QString("Frame 2 has 0x0 pixels instead of 120x90"));
     } else {
         QVERIFY(!encoder->addFrame(1, patches(kSize, 2)));
-        QCOMPARE(encoder->errorString(), QStringLiteral("Frame 1 comes too late"));
+        QCOMPARE(encoder->errorString(), QString("Frame 1 is out of order"));
     }
     QVERIFY(!encoder->addFrame(3, patches(kSize, 3)));
     QVERIFY(!encoder->close());
     QVERIFY(!encoder->close());
 
-    expectWarning("There are no frames");
+    expectWarning("No frames were added");
     QVERIFY(!makeAnimationEncoder(format, kSize, path(format), kFps, 90)->close());
 }
 
-void AnimationFaultsTest::noticesDeadDevice()
+void AnimationFaultsTest::failsWhileFramesAreAdded()
 {
     QFETCH(QString, format);
     expectWarning("Cannot write ");
-    const auto encoder = makeAnimationEncoder(format, kSize, QStringLiteral("/dev/full"), kFps, 90);
+    const auto encoder = makeAnimationEncoder(format, kSize, "/dev/full", kFps, 90);
     quint64 frame = 0;
     while (frame < 1000 && encoder->addFrame(frame, noise(kSize, uint(frame))))
         ++frame;
-    QVERIFY2(frame < 100, "noticed while frames are still coming");
+    QVERIFY2(frame < 100, "reported only by close()");
     QVERIFY(!encoder->isValid());
     QVERIFY(!encoder->close());
-    QVERIFY2(encoder->errorString().contains(QStringLiteral("No space left")), qPrintable(encoder->errorString()));
+    QVERIFY2(encoder->errorString().contains("No space left"), qPrintable(encoder->errorString()));
     QCOMPARE(encoder->framesWritten(), quint64(0));
 }
 
-void AnimationFaultsTest::keepsWholeFramesOnFullDisk_data()
+void AnimationFaultsTest::keepsCompleteFramesOnFullDisk_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<int>("limit");
@@ -154,7 +154,7 @@ void AnimationFaultsTest::keepsWholeFramesOnFullDisk_data()
     }
 }
 
-void AnimationFaultsTest::keepsWholeFramesOnFullDisk()
+void AnimationFaultsTest::keepsCompleteFramesOnFullDisk()
 {
     QFETCH(QString, format);
     QFETCH(int, limit);
@@ -168,8 +168,7 @@ void AnimationFaultsTest::keepsWholeFramesOnFullDisk()
             ++frame;
         QVERIFY(frame < 100);
         QVERIFY(!encoder->close());
-        QVERIFY2(encoder->errorString().startsWith(QStringLiteral("Cannot write ")),
-                 qPrintable(encoder->errorString()));
+        QVERIFY2(encoder->errorString().startsWith("Cannot write "), qPrintable(encoder->errorString()));
         written = encoder->framesWritten();
     }
     QVERIFY(written > 0);
@@ -181,9 +180,9 @@ void AnimationFaultsTest::keepsWholeFramesOnFullDisk()
         QVERIFY(animation.frames.back() == noise(kSize, uint(written - 1)).convertToFormat(QImage::Format_ARGB32));
 }
 
-void AnimationFaultsTest::webpStopsBeforeItsLimit()
+void AnimationFaultsTest::webpStopsBeforeItsSizeLimit()
 {
-    const QString name = path(QStringLiteral("webp"));
+    const QString name = path("webp");
     const std::atomic<bool> cancelled{false};
     FrameComparer comparer(kSize, 2);
     OutputFile file;
@@ -196,7 +195,7 @@ void AnimationFaultsTest::webpStopsBeforeItsLimit()
         if (!format.writeFrame(file, format.encode(delta, cancelled), 40))
             break;
     }
-    QCOMPARE(file.errorString(), QStringLiteral("A WebP file cannot be larger than 4 GiB"));
+    QCOMPARE(file.errorString(), QString("A WebP file cannot be larger than 4 GiB"));
     QVERIFY(file.size() > 150000 && file.size() <= 200000);
     QVERIFY(file.truncate(file.size()));
     QVERIFY(format.writeTrailer(file));
@@ -205,7 +204,7 @@ void AnimationFaultsTest::webpStopsBeforeItsLimit()
     QCOMPARE(int(animation.frames.size()), frames);
 }
 
-void AnimationFaultsTest::pngKeepsWholeFramesWhenItCannotGetRidOfGaps_data()
+void AnimationFaultsTest::pngKeepsCompleteFramesWhenRewritingFails_data()
 {
     QTest::addColumn<bool>("isAborted");
     QTest::addColumn<quint64>("limit");
@@ -214,25 +213,25 @@ void AnimationFaultsTest::pngKeepsWholeFramesWhenItCannotGetRidOfGaps_data()
     QTest::newRow("full disk") << false << quint64(100000) << "Cannot write ";
 }
 
-void AnimationFaultsTest::pngKeepsWholeFramesWhenItCannotGetRidOfGaps()
+void AnimationFaultsTest::pngKeepsCompleteFramesWhenRewritingFails()
 {
     QFETCH(bool, isAborted);
     QFETCH(quint64, limit);
     QFETCH(QString, error);
-    const QString name = path(QStringLiteral("png"));
+    const QString name = path("png");
     FrameComparer comparer(kSize, 1);
     OutputFile file;
     QVERIFY(file.open(name));
     ApngFormat format(kFps, 100);
     QVERIFY(format.writeHeader(file, kSize, 0));
-    std::vector<QImage> pictures;
+    std::vector<QImage> images;
     std::atomic<bool> cancelled{false};
     const auto encoded = [&](int frame) {
-        QImage picture = noise(kSize, 0);
-        picture.setPixel(frame, 3, qRgb(0, 0, 0));
-        picture.setPixel(50, 80 - frame, qRgb(0, 0, 0));
-        pictures.push_back(picture.convertToFormat(QImage::Format_ARGB32));
-        return format.encode(comparer.accept(picture, QRect(QPoint(0, 0), kSize)), cancelled);
+        QImage image = noise(kSize, 0);
+        image.setPixel(frame, 3, qRgb(0, 0, 0));
+        image.setPixel(50, 80 - frame, qRgb(0, 0, 0));
+        images.push_back(image.convertToFormat(QImage::Format_ARGB32));
+        return format.encode(comparer.accept(image, QRect(QPoint(0, 0), kSize)), cancelled);
     };
     const int frames = 20;
     for (int frame = 0; frame < frames; ++frame)
@@ -242,7 +241,7 @@ void AnimationFaultsTest::pngKeepsWholeFramesWhenItCannotGetRidOfGaps()
     EncodedFrame next = encoded(frames);
     QVERIFY(format.prepareToWrite(file, next, cancelled));
     QCOMPARE(file.size(), size);
-    next.unusedColor.reset(); // as it has all of them
+    next.unusedColor.reset(); // as if it used all candidates
 
     cancelled = isAborted;
     {
@@ -255,27 +254,27 @@ void AnimationFaultsTest::pngKeepsWholeFramesWhenItCannotGetRidOfGaps()
     QVERIFY(format.writeTrailer(file));
     const DecodedAnimation animation(name);
     QCOMPARE(animation.errorString, QString());
-    pictures.pop_back();
-    QVERIFY(animation.frames == pictures);
-    QVERIFY(!QFileInfo::exists(name + QStringLiteral(".opaque")));
+    images.pop_back();
+    QVERIFY(animation.frames == images);
+    QVERIFY(!QFileInfo::exists(name + ".opaque"));
 }
 
-void AnimationFaultsTest::abortsAtOnce()
+void AnimationFaultsTest::abortsWithoutEncodingTheQueue()
 {
     QFETCH(QString, format);
     const QSize size(1280, 720);
-    const QImage pictures[]{noise(size, 0), noise(size, 1)};
+    const QImage images[]{noise(size, 0), noise(size, 1)};
     const auto encoder = makeAnimationEncoder(format, size, path(format), kFps, 90);
     quint64 frame = 0;
     for (; encoder->framesWritten() == 0; ++frame)
-        QVERIFY(encoder->addFrame(frame, pictures[frame % 2]));
+        QVERIFY(encoder->addFrame(frame, images[frame % 2]));
     encoder->abort();
     QVERIFY(encoder->framesWritten() < frame);
-    QCOMPARE(encoder->errorString(), QStringLiteral("Aborted"));
+    QCOMPARE(encoder->errorString(), QString("Aborted"));
     QVERIFY(!encoder->isValid());
-    QVERIFY(!encoder->addFrame(frame, pictures[0]));
+    QVERIFY(!encoder->addFrame(frame, images[0]));
     QVERIFY(!encoder->close());
-    QVERIFY2(QFileInfo(path(format)).size() > 0, "what was written stays");
+    QVERIFY2(QFileInfo(path(format)).size() > 0, "what was written must stay");
 
     const auto complete = makeAnimationEncoder(format, kSize, path(format), kFps, 90);
     QVERIFY(complete->addFrame(0, patches(kSize, 0)));
@@ -285,8 +284,8 @@ void AnimationFaultsTest::abortsAtOnce()
     QVERIFY(complete->close());
 }
 
-/// A huge picture takes seconds that nobody wants to wait for.
-void AnimationFaultsTest::abandonsPicture()
+/// A huge frame takes seconds to encode.
+void AnimationFaultsTest::cancelsAFrameBeingEncoded()
 {
     QFETCH(QString, format);
     std::unique_ptr<AnimationFormat> encoder = std::make_unique<GifFormat>(90);
@@ -303,26 +302,26 @@ void AnimationFaultsTest::abandonsPicture()
     QVERIFY(encoder->encode(delta, cancelled).data.size() < whole / 100);
 }
 
-/// A picture that is dropped may be in work on another thread.
-void AnimationFaultsTest::abortsWithoutWaitingForWhatItDrops()
+/// Destroying an item may take long; abort() must not wait for it.
+void AnimationFaultsTest::abortsWithoutWaitingForDroppedItems()
 {
     std::promise<void> aborted;
     const std::shared_future<void> isAborted = aborted.get_future().share();
-    std::atomic<int> gone{0};
-    const auto slowInGoing = [&] {
+    std::atomic<int> destroyed{0};
+    const auto slowToDestroy = [&] {
         return std::shared_ptr<void>(nullptr, [&](void *) {
             if (isAborted.wait_for(std::chrono::seconds(20)) == std::future_status::ready)
-                ++gone;
+                ++destroyed;
         });
     };
     {
         BoundedWorker<std::shared_ptr<void>> worker(3, [](const std::shared_ptr<void> &) { return true; });
         for (int i = 0; i < 3; ++i)
-            QVERIFY(worker.push(slowInGoing()));
+            QVERIFY(worker.push(slowToDestroy()));
         worker.abort();
         aborted.set_value();
     }
-    QCOMPARE(gone.load(), 3);
+    QCOMPARE(destroyed.load(), 3);
 }
 
 QTEST_MAIN(AnimationFaultsTest)

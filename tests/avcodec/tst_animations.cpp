@@ -1,4 +1,4 @@
-// What animated GIF, PNG and WebP files show, and when, to those who read them.
+// Content and timing of animated GIF, PNG and WebP files as other software reads them.
 
 #include "avcodec/AnimationSample.h"
 #include "avcodec/DecodedAnimation.h"
@@ -14,7 +14,7 @@
 namespace
 {
 
-const QStringList formats{QStringLiteral("gif"), QStringLiteral("png"), QStringLiteral("webp")};
+const QStringList kFormats{"gif", "png", "webp"};
 
 bool sameColors(const QImage &a, const QImage &b)
 {
@@ -28,32 +28,32 @@ class AnimationsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void showsEveryPictureAtItsTime_data();
-    void showsEveryPictureAtItsTime();
-    void dropsPicturesThatCannotBeShown_data();
-    void dropsPicturesThatCannotBeShown();
-    void unchangedPicturesCostNothing_data();
-    void unchangedPicturesCostNothing();
-    void changesFarApartCostLittle_data();
-    void changesFarApartCostLittle();
-    void showsTheColorsThatStoodForGaps();
-    void takesAnySize_data();
-    void takesAnySize();
-    void takesAnyImageFormat_data();
-    void takesAnyImageFormat();
-    void leavesTheImageToTheCaller_data();
-    void leavesTheImageToTheCaller();
-    void meansWhatItSaysByQuality_data();
-    void meansWhatItSaysByQuality();
-    void playsAsOftenAsAsked_data();
-    void playsAsOftenAsAsked();
+    void showsEachFrameAtItsTime_data();
+    void showsEachFrameAtItsTime();
+    void dropsFramesBelowTheMinimumDuration_data();
+    void dropsFramesBelowTheMinimumDuration();
+    void unchangedFramesTakeNoBytes_data();
+    void unchangedFramesTakeNoBytes();
+    void distantChangesTakeFewBytes_data();
+    void distantChangesTakeFewBytes();
+    void showsColorsThatStoodForTransparency();
+    void encodesAnySize_data();
+    void encodesAnySize();
+    void encodesAnyImageFormat_data();
+    void encodesAnyImageFormat();
+    void copiesTheImage_data();
+    void copiesTheImage();
+    void hasTheDocumentedQuality_data();
+    void hasTheDocumentedQuality();
+    void statesTheNumberOfPlays_data();
+    void statesTheNumberOfPlays();
 
 private:
     using Painter = std::function<QImage(int frame)>;
 
-    QString path(const QString &format) const { return m_dir.filePath(QStringLiteral("animation.") + format); }
+    QString path(const QString &format) const { return m_dir.filePath("animation." + format); }
 
-    /// Encodes the frames and reads them back.
+    /// Encodes frames and reads them back.
     DecodedAnimation encoded(const QString &format, QSize size, int fps, int quality, int count, const Painter &paint);
 
     QTemporaryDir m_dir;
@@ -68,15 +68,15 @@ DecodedAnimation AnimationsTest::encoded(const QString &format, QSize size, int 
     const bool complete = encoder->close();
     DecodedAnimation animation(path(format));
     if (!complete || encoder->framesWritten() != quint64(count))
-        animation.errorString = QStringLiteral("not complete: %1").arg(encoder->errorString());
+        animation.errorString = QString("not complete: %1").arg(encoder->errorString());
     return animation;
 }
 
-void AnimationsTest::showsEveryPictureAtItsTime_data()
+void AnimationsTest::showsEachFrameAtItsTime_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<int>("fps");
-    for (const QString &format : formats)
+    for (const QString &format : kFormats)
         for (const int fps : {1, 10, 24, 25, 30, 33, 50})
             QTest::addRow("%s at %d", qPrintable(format), fps) << format << fps;
     for (const int fps : {60, 75}) {
@@ -85,7 +85,7 @@ void AnimationsTest::showsEveryPictureAtItsTime_data()
     }
 }
 
-void AnimationsTest::showsEveryPictureAtItsTime()
+void AnimationsTest::showsEachFrameAtItsTime()
 {
     QFETCH(QString, format);
     QFETCH(int, fps);
@@ -96,7 +96,7 @@ void AnimationsTest::showsEveryPictureAtItsTime()
     QCOMPARE(animation.errorString, QString());
     QVERIFY(std::abs(animation.totalMs() - 1000.0 * count / fps) <= 5);
     for (const double duration : animation.durationsMs)
-        QVERIFY2(std::abs(duration - std::round(duration)) < 0.001, "browsers would cut off what is beyond a ms");
+        QVERIFY2(std::abs(duration - std::round(duration)) < 0.001, "browsers truncate to whole milliseconds");
     for (int frame = 0; frame < count; ++frame) {
         const QImage shown = animation.at((frame + 0.5) * 1000 / fps);
         QVERIFY2(sameColors(shown, patches(size, frame)), qPrintable(QString::number(frame)));
@@ -104,7 +104,7 @@ void AnimationsTest::showsEveryPictureAtItsTime()
     QCOMPARE(animation.plays, 0);
 }
 
-void AnimationsTest::dropsPicturesThatCannotBeShown_data()
+void AnimationsTest::dropsFramesBelowTheMinimumDuration_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<int>("fps");
@@ -118,7 +118,7 @@ void AnimationsTest::dropsPicturesThatCannotBeShown_data()
     QTest::newRow("webp at 1000") << "webp" << 1000 << 11;
 }
 
-void AnimationsTest::dropsPicturesThatCannotBeShown()
+void AnimationsTest::dropsFramesBelowTheMinimumDuration()
 {
     QFETCH(QString, format);
     QFETCH(int, fps);
@@ -134,30 +134,30 @@ void AnimationsTest::dropsPicturesThatCannotBeShown()
     QVERIFY(sameColors(animation.frames.back(), patches(size, count - 1)));
 }
 
-void AnimationsTest::unchangedPicturesCostNothing_data()
+void AnimationsTest::unchangedFramesTakeNoBytes_data()
 {
     QTest::addColumn<QString>("format");
-    QTest::addColumn<int>("frames"); // one for each time that the longest duration fits in
+    QTest::addColumn<int>("frames"); // more than 3 where the duration exceeds the format's maximum
     QTest::newRow("gif") << "gif" << 3 + 3;
     QTest::newRow("png") << "png" << 3 + 0;
     QTest::newRow("webp") << "webp" << 3 + 0;
 }
 
-void AnimationsTest::unchangedPicturesCostNothing()
+void AnimationsTest::unchangedFramesTakeNoBytes()
 {
     QFETCH(QString, format);
     QFETCH(int, frames);
     const QSize size(40, 30);
     const int fps = 10;
-    const QImage pictures[]{patches(size, 0), patches(size, 1), noise(size, 0)};
+    const QImage images[]{patches(size, 0), patches(size, 1), noise(size, 0)};
     const auto encoder = makeAnimationEncoder(format, size, path(format), fps, 100);
-    // Half an hour of standstill; telling each of its frames or leaving them out makes no difference.
+    // Half an hour without changes; adding each of its frames or leaving them out makes no difference.
     const quint64 starts[]{0, 5, 20000};
     for (quint64 frame = 0; frame < 30; ++frame)
-        QVERIFY(encoder->addFrame(frame, pictures[frame < starts[1] ? 0 : 1].copy()));
-    QVERIFY(encoder->addFrame(starts[2], pictures[2]));
+        QVERIFY(encoder->addFrame(frame, images[frame < starts[1] ? 0 : 1].copy()));
+    QVERIFY(encoder->addFrame(starts[2], images[2]));
     QVERIFY(encoder->repeatLastFrameUntil(20007));
-    QVERIFY(encoder->repeatLastFrameUntil(20003)); // it is shown for longer already
+    QVERIFY(encoder->repeatLastFrameUntil(20003)); // already shown longer
     QVERIFY(encoder->close());
     QCOMPARE(encoder->framesWritten(), quint64(20007));
 
@@ -165,24 +165,24 @@ void AnimationsTest::unchangedPicturesCostNothing()
     QCOMPARE(animation.errorString, QString());
     QCOMPARE(int(animation.frames.size()), frames);
     QCOMPARE(animation.totalMs(), 2000700.0);
-    QVERIFY(sameColors(animation.at(1999990), pictures[1]));
+    QVERIFY(sameColors(animation.at(1999990), images[1]));
 }
 
-void AnimationsTest::changesFarApartCostLittle_data()
+void AnimationsTest::distantChangesTakeFewBytes_data()
 {
     QTest::addColumn<QString>("format");
-    for (const QString &format : formats)
+    for (const QString &format : kFormats)
         QTest::newRow(qPrintable(format)) << format;
 }
 
-/// What lies between them does not change, and is not written again.
-void AnimationsTest::changesFarApartCostLittle()
+/// The unchanged area between two changes must not be written again.
+void AnimationsTest::distantChangesTakeFewBytes()
 {
     QFETCH(QString, format);
     const QSize size(320, 240);
     const auto paint = [&](int frame) {
         QImage image = noise(size, 1);
-        image.setPixel(100, 100, qRgb(2, 253, 1)); // which would do for transparency, were it not there
+        image.setPixel(100, 100, qRgb(2, 253, 1)); // the first candidate for the transparent color
         QPainter painter(&image);
         const QColor color(20 * frame, 100, 0);
         painter.fillRect(QRect(2, 3, 5, 4), color);
@@ -190,19 +190,20 @@ void AnimationsTest::changesFarApartCostLittle()
         return image;
     };
     qint64 bytes[2];
-    for (const int more : {0, 1}) {
-        const int count = 2 + 10 * more;
+    for (const int run : {0, 1}) {
+        const int count = 2 + 10 * run;
         const DecodedAnimation animation = encoded(format, size, 25, 100, count, paint);
         QCOMPARE(animation.errorString, QString());
-        for (int frame = 0; frame < count && format != QLatin1String("gif"); ++frame) // which has too few colors
+        for (int frame = 0; frame < count && format != "gif"; ++frame) // GIF has too few colors
             QVERIFY(sameColors(animation.frames[std::size_t(frame)], paint(frame)));
-        bytes[more] = QFileInfo(path(format)).size();
+        bytes[run] = QFileInfo(path(format)).size();
     }
     QVERIFY2(bytes[1] - bytes[0] < 10 * 1000, qPrintable(QString::number(bytes[1] - bytes[0])));
 }
 
-/// Each time round, one more picture has the color that stands for transparency behind it, until none is at hand.
-void AnimationsTest::showsTheColorsThatStoodForGaps()
+/// Each round uses, in its later frames, one more of the colors that stood for transparency before, until no candidate
+/// is left.
+void AnimationsTest::showsColorsThatStoodForTransparency()
 {
     const QSize size(160, 120);
     const int framesEach = 3;
@@ -217,14 +218,14 @@ void AnimationsTest::showsTheColorsThatStoodForGaps()
             return image;
         };
         const int count = framesEach * int(colors.size() + 1);
-        const DecodedAnimation animation = encoded(QStringLiteral("png"), size, 25, 100, count, paint);
+        const DecodedAnimation animation = encoded("png", size, 25, 100, count, paint);
         QCOMPARE(animation.errorString, QString());
         QCOMPARE(animation.frames.size(), std::size_t(count));
         for (int frame = 0; frame < count; ++frame)
             QVERIFY2(sameColors(animation.frames[std::size_t(frame)], paint(frame)),
                      qPrintable(QString::number(frame)));
 
-        QFile file(path(QStringLiteral("png")));
+        QFile file(path("png"));
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray start = file.read(100);
         const int transparency = start.indexOf("tRNS");
@@ -233,27 +234,27 @@ void AnimationsTest::showsTheColorsThatStoodForGaps()
             colors.push_back(qRgb(start[transparency + 5], start[transparency + 7], start[transparency + 9]));
     }
     QVERIFY(colors.size() > 1);
-    QCOMPARE(QDir(m_dir.path()).entryList({QStringLiteral("*.png.*")}), QStringList());
+    QCOMPARE(QDir(m_dir.path()).entryList(QStringList{"*.png.*"}), QStringList());
 }
 
-void AnimationsTest::takesAnySize_data()
+void AnimationsTest::encodesAnySize_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<QSize>("size");
-    for (const QString &format : formats)
+    for (const QString &format : kFormats)
         for (const QSize size : {QSize(1, 1), QSize(2, 1), QSize(1, 300), QSize(17, 5), QSize(641, 359)})
             QTest::addRow("%s %dx%d", qPrintable(format), size.width(), size.height()) << format << size;
     QTest::newRow("png 7680x4320") << "png" << QSize(7680, 4320);
 }
 
-void AnimationsTest::takesAnySize()
+void AnimationsTest::encodesAnySize()
 {
     QFETCH(QString, format);
     QFETCH(QSize, size);
     const auto paint = [&](int frame) {
         QImage image(size, QImage::Format_RGB32);
         image.fill(Qt::white);
-        if (frame == 1) // an odd place, of which nothing may be cut off
+        if (frame == 1) // odd coordinates must not be truncated
             image.setPixel(size.width() - 1, size.height() - 1, qRgb(200, 10, 30));
         return image;
     };
@@ -266,7 +267,7 @@ void AnimationsTest::takesAnySize()
     }
 }
 
-void AnimationsTest::takesAnyImageFormat_data()
+void AnimationsTest::encodesAnyImageFormat_data()
 {
     QTest::addColumn<QImage::Format>("imageFormat");
     QTest::newRow("RGB32 without alpha bits") << QImage::Format_RGB32;
@@ -276,7 +277,7 @@ void AnimationsTest::takesAnyImageFormat_data()
     QTest::newRow("gray") << QImage::Format_Grayscale8;
 }
 
-void AnimationsTest::takesAnyImageFormat()
+void AnimationsTest::encodesAnyImageFormat()
 {
     QFETCH(QImage::Format, imageFormat);
     const QSize size(33, 20);
@@ -284,7 +285,7 @@ void AnimationsTest::takesAnyImageFormat()
     translucent.fill(QColor(200, 100, 50, 128));
     QPainter(&translucent).fillRect(3, 3, 9, 9, Qt::green);
     QImage given = translucent.convertToFormat(imageFormat);
-    if (imageFormat == QImage::Format_RGB32) // as X11 gives them
+    if (imageFormat == QImage::Format_RGB32) // as from X11
         for (int y = 0; y < size.height(); ++y)
             for (int x = 0; x < size.width(); ++x)
                 reinterpret_cast<QRgb *>(given.scanLine(y))[x] &= 0xffffffu;
@@ -294,20 +295,20 @@ void AnimationsTest::takesAnyImageFormat()
     if (imageFormat == QImage::Format_RGB32)
         shown = translucent.convertToFormat(QImage::Format_RGB32);
 
-    const DecodedAnimation animation = encoded(QStringLiteral("png"), size, 30, 100, 2, [&](int) { return given; });
+    const DecodedAnimation animation = encoded("png", size, 30, 100, 2, [&](int) { return given; });
     QCOMPARE(animation.errorString, QString());
     QCOMPARE(animation.frames.size(), std::size_t(1));
-    QVERIFY(psnr(animation.frames[0], shown) > 48); // the last bit depends on who rounds
+    QVERIFY(psnr(animation.frames[0], shown) > 48); // rounding may differ
 }
 
-void AnimationsTest::leavesTheImageToTheCaller_data()
+void AnimationsTest::copiesTheImage_data()
 {
     QTest::addColumn<QString>("format");
-    for (const QString &format : formats)
+    for (const QString &format : kFormats)
         QTest::newRow(qPrintable(format)) << format;
 }
 
-void AnimationsTest::leavesTheImageToTheCaller()
+void AnimationsTest::copiesTheImage()
 {
     QFETCH(QString, format);
     const QSize size(320, 200);
@@ -315,10 +316,9 @@ void AnimationsTest::leavesTheImageToTheCaller()
     const auto encoder = makeAnimationEncoder(format, size, path(format), 25, 100);
     const int count = 25;
     for (int frame = 0; frame < count; ++frame) {
-        const QImage picture = patches(size, frame);
-        std::copy_n(picture.constBits(), buffer.size(), buffer.begin());
-        QVERIFY(
-            encoder->addFrame(quint64(frame), QImage(buffer.data(), size.width(), size.height(), picture.format())));
+        const QImage image = patches(size, frame);
+        std::copy_n(image.constBits(), buffer.size(), buffer.begin());
+        QVERIFY(encoder->addFrame(quint64(frame), QImage(buffer.data(), size.width(), size.height(), image.format())));
         std::fill(buffer.begin(), buffer.end(), uchar(0x55));
     }
     QVERIFY(encoder->close());
@@ -328,11 +328,11 @@ void AnimationsTest::leavesTheImageToTheCaller()
         QVERIFY(sameColors(animation.at(frame * 40 + 20), patches(size, frame)));
 }
 
-void AnimationsTest::meansWhatItSaysByQuality_data()
+void AnimationsTest::hasTheDocumentedQuality_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<bool>("isPhotograph");
-    QTest::addColumn<QVector<double>>("decibels"); // at the qualities, at least; 99: exactly
+    QTest::addColumn<QVector<double>>("decibels"); // minimum per quality; 99: lossless
     QTest::newRow("gif photograph") << "gif" << true << QVector<double>{25, 29, 32.5, 33};
     QTest::newRow("gif screen") << "gif" << false << QVector<double>{25, 33, 45, 99};
     QTest::newRow("png photograph") << "png" << true << QVector<double>{99, 99, 99, 99};
@@ -341,7 +341,7 @@ void AnimationsTest::meansWhatItSaysByQuality_data()
     QTest::newRow("webp screen") << "webp" << false << QVector<double>{25, 33, 45, 99};
 }
 
-void AnimationsTest::meansWhatItSaysByQuality()
+void AnimationsTest::hasTheDocumentedQuality()
 {
     QFETCH(QString, format);
     QFETCH(bool, isPhotograph);
@@ -367,21 +367,21 @@ void AnimationsTest::meansWhatItSaysByQuality()
     }
 }
 
-void AnimationsTest::playsAsOftenAsAsked_data()
+void AnimationsTest::statesTheNumberOfPlays_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<int>("plays");
-    for (const QString &format : formats)
+    for (const QString &format : kFormats)
         for (const int plays : {0, 1, 2, 65535})
             QTest::addRow("%s %d", qPrintable(format), plays) << format << plays;
 }
 
-void AnimationsTest::playsAsOftenAsAsked()
+void AnimationsTest::statesTheNumberOfPlays()
 {
     QFETCH(QString, format);
     QFETCH(int, plays);
     const QSize size(20, 10);
-    const auto encoder = makeAnimationEncoder(format, size, path(format), 10, 90, QStringLiteral("loop=%1").arg(plays));
+    const auto encoder = makeAnimationEncoder(format, size, path(format), 10, 90, QString("loop=%1").arg(plays));
     for (int frame = 0; frame < 3; ++frame)
         QVERIFY(encoder->addFrame(quint64(frame), patches(size, frame)));
     QVERIFY(encoder->close());

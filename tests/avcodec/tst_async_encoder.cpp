@@ -11,12 +11,12 @@
 namespace
 {
 
-constexpr auto kNotTaken = -1;
+constexpr int kNotAccepted = -1;
 
-/// Waits for room, as a recorder that must not lose a frame would.
+/// Waits for room in the queue, so that no frame is dropped.
 int addWaiting(KelAsyncEncoder &encoder, int index, const QImage &image)
 {
-    return QTest::qWaitFor([&] { return !encoder.isBusy(); }, 30000) ? encoder.addFrame(index, image) : kNotTaken;
+    return QTest::qWaitFor([&] { return !encoder.isBusy(); }, 30000) ? encoder.addFrame(index, image) : kNotAccepted;
 }
 
 } // namespace
@@ -27,32 +27,32 @@ class AsyncEncoderTest : public QObject
 
 private slots:
     void keepsSmallColoredText();
-    void takesImages_data();
-    void takesImages();
-    void followsSmallChanges_data();
-    void followsSmallChanges();
-    void neverWaits();
-    void refusesForeignSizes();
-    void reportsWhatCannotBeOpened_data();
-    void reportsWhatCannotBeOpened();
-    void leavesNoFileWithoutFrames();
+    void encodesAnyImage_data();
+    void encodesAnyImage();
+    void encodesSmallChanges_data();
+    void encodesSmallChanges();
+    void addFrameDoesNotBlock();
+    void rejectsOtherSizes();
+    void reportsOpeningErrors_data();
+    void reportsOpeningErrors();
+    void deletesAFileWithoutFrames();
 
 private:
-    QString path(const QString &name = QStringLiteral("video.mp4")) const { return m_dir.filePath(name); }
+    QString path(const QString &name = "video.mp4") const { return m_dir.filePath(name); }
 
     QTemporaryDir m_dir;
 };
 
 void AsyncEncoderTest::keepsSmallColoredText()
 {
-    constexpr int count = 45;
+    constexpr int kCount = 45;
     const QSize size(426, 240);
     KelAsyncEncoder encoder({size, QImage::Format_ARGB32_Premultiplied, path(), 30, 100});
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < kCount; ++i) {
         image = textImage(size, i);
         QCOMPARE(addWaiting(encoder, i, image), i);
-        image.fill(Qt::yellow); // the encoder has its own copy by now
+        image.fill(Qt::yellow); // must not affect the encoder's copy
     }
     encoder.waitForClosed();
     QCOMPARE(encoder.errorString(), QString());
@@ -60,14 +60,14 @@ void AsyncEncoderTest::keepsSmallColoredText()
 
     const DecodedVideo video(path());
     QCOMPARE(video.errorString, QString());
-    QCOMPARE(video.statedFrames, qint64(count));
-    QCOMPARE(int(video.frames.size()), count);
+    QCOMPARE(video.statedFrames, qint64(kCount));
+    QCOMPARE(int(video.frames.size()), kCount);
     QCOMPARE(video.fps, 30.0);
     QCOMPARE(video.containerColorSpace, AVCOL_SPC_RGB);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < kCount; ++i) {
         QCOMPARE(video.times[std::size_t(i)], qint64(i));
         const double db = psnr(video.rgbImage(i), textImage(size, i));
-        QVERIFY2(db >= 45, qPrintable(QStringLiteral("frame %1: %2 dB").arg(i).arg(db)));
+        QVERIFY2(db >= 45, qPrintable(QString("frame %1: %2 dB").arg(i).arg(db)));
     }
     int sinceKeyframe = 0;
     for (const bool isKeyframe : video.keyframes) {
@@ -76,7 +76,7 @@ void AsyncEncoderTest::keepsSmallColoredText()
     }
 }
 
-void AsyncEncoderTest::takesImages_data()
+void AsyncEncoderTest::encodesAnyImage_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QImage::Format>("format");
@@ -87,7 +87,7 @@ void AsyncEncoderTest::takesImages_data()
     QTest::newRow("very wide") << QSize(5000, 2) << QImage::Format_RGB32;
 }
 
-void AsyncEncoderTest::takesImages()
+void AsyncEncoderTest::encodesAnyImage()
 {
     QFETCH(QSize, size);
     QFETCH(QImage::Format, format);
@@ -104,15 +104,15 @@ void AsyncEncoderTest::takesImages()
     QVERIFY(psnr(video.rgbImage(0), image) >= 45);
 }
 
-void AsyncEncoderTest::followsSmallChanges_data()
+void AsyncEncoderTest::encodesSmallChanges_data()
 {
     QTest::addColumn<int>("threads");
     QTest::newRow("one thread") << 1;
     QTest::newRow("three threads") << 3;
 }
 
-// What is skipped as unchanged must be unchanged indeed: also across frames that reuse a buffer of several frames ago.
-void AsyncEncoderTest::followsSmallChanges()
+/// Only unchanged macroblocks may be skipped, also when buffers of earlier frames are reused.
+void AsyncEncoderTest::encodesSmallChanges()
 {
     QFETCH(int, threads);
     const QSize size(203, 119);
@@ -138,41 +138,41 @@ void AsyncEncoderTest::followsSmallChanges()
         QVERIFY2(psnr(video.rgbImage(int(i)), images[i]) >= 45, qPrintable(QString::number(i)));
 }
 
-void AsyncEncoderTest::neverWaits()
+void AsyncEncoderTest::addFrameDoesNotBlock()
 {
     const QSize size(1280, 720);
     KelAsyncEncoder::Params params{size, QImage::Format_ARGB32_Premultiplied, path()};
     params.queueCapacity = 1;
     KelAsyncEncoder encoder(params);
     const QImage images[] = {textImage(size, 0), textImage(size, 9)};
-    int taken = 0;
-    int refused = 0;
-    while (refused == 0 || taken < 5) {
-        const int number = encoder.addFrame(taken, images[taken % 2]);
-        if (number == kNotTaken)
-            ++refused;
+    int accepted = 0;
+    int rejected = 0;
+    while (rejected == 0 || accepted < 5) {
+        const int number = encoder.addFrame(accepted, images[accepted % 2]);
+        if (number == kNotAccepted)
+            ++rejected;
         else
-            QCOMPARE(number, taken++);
+            QCOMPARE(number, accepted++);
     }
     encoder.waitForClosed();
     encoder.waitForClosed();
-    QCOMPARE(encoder.addFrame(taken, images[0]), kNotTaken);
-    QCOMPARE(DecodedVideo(path()).statedFrames, qint64(taken));
+    QCOMPARE(encoder.addFrame(accepted, images[0]), kNotAccepted);
+    QCOMPARE(DecodedVideo(path()).statedFrames, qint64(accepted));
 }
 
-void AsyncEncoderTest::refusesForeignSizes()
+void AsyncEncoderTest::rejectsOtherSizes()
 {
     KelAsyncEncoder encoder({QSize(64, 64), QImage::Format_ARGB32_Premultiplied, path()});
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Frame 0 ")));
-    QCOMPARE(encoder.addFrame(0, QImage(64, 65, QImage::Format_RGB32)), kNotTaken);
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Frame 0 ")));
-    QCOMPARE(encoder.addFrame(0, QImage()), kNotTaken);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^\\[KelAsyncEncoder\\] Frame 0 "));
+    QCOMPARE(encoder.addFrame(0, QImage(64, 65, QImage::Format_RGB32)), kNotAccepted);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^\\[KelAsyncEncoder\\] Frame 0 "));
+    QCOMPARE(encoder.addFrame(0, QImage()), kNotAccepted);
     QCOMPARE(encoder.addFrame(0, textImage({64, 64}, 0)), 0);
     encoder.waitForClosed();
     QCOMPARE(DecodedVideo(path()).statedFrames, qint64(1));
 }
 
-void AsyncEncoderTest::reportsWhatCannotBeOpened_data()
+void AsyncEncoderTest::reportsOpeningErrors_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QString>("file");
@@ -185,30 +185,30 @@ void AsyncEncoderTest::reportsWhatCannotBeOpened_data()
     QTest::newRow("full disk") << QSize(64, 64) << "/dev/full" << 30;
 }
 
-void AsyncEncoderTest::reportsWhatCannotBeOpened()
+void AsyncEncoderTest::reportsOpeningErrors()
 {
     QFETCH(QSize, size);
     QFETCH(QString, file);
     QFETCH(int, fps);
-    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Cannot ")));
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^\\[KelAsyncEncoder\\] Cannot "));
     KelAsyncEncoder encoder({size, QImage::Format_ARGB32_Premultiplied, file, fps});
     QVERIFY(!encoder.errorString().isEmpty());
     int reports = 0;
     encoder.setErrorHandler([&](const QString &text) { reports += text == encoder.errorString(); });
     QCOMPARE(reports, 1);
     QVERIFY(encoder.isBusy());
-    QCOMPARE(encoder.addFrame(0, QImage(size, QImage::Format_RGB32)), kNotTaken);
+    QCOMPARE(encoder.addFrame(0, QImage(size, QImage::Format_RGB32)), kNotAccepted);
     encoder.waitForClosed();
     QCOMPARE(reports, 1);
 }
 
-void AsyncEncoderTest::leavesNoFileWithoutFrames()
+void AsyncEncoderTest::deletesAFileWithoutFrames()
 {
     {
-        KelAsyncEncoder encoder({QSize(64, 64), QImage::Format_ARGB32_Premultiplied, path(QStringLiteral("none.mp4"))});
-        QVERIFY(QFile::exists(path(QStringLiteral("none.mp4"))));
+        KelAsyncEncoder encoder({QSize(64, 64), QImage::Format_ARGB32_Premultiplied, path("none.mp4")});
+        QVERIFY(QFile::exists(path("none.mp4")));
     }
-    QVERIFY(!QFile::exists(path(QStringLiteral("none.mp4"))));
+    QVERIFY(!QFile::exists(path("none.mp4")));
 }
 
 QTEST_MAIN(AsyncEncoderTest)

@@ -13,12 +13,12 @@ using namespace av;
 namespace
 {
 
-// Distant enough from gray to tell one matrix and one range from another by far more than the tolerance.
+// Saturated enough that a wrong matrix or range exceeds the tolerance by far.
 const QColor kColor(210, 60, 30);
 
 } // namespace
 
-/// Decoded pixels have the colors that were encoded.
+/// Decoded pixels have the encoded colors.
 class DecodedColorsTest : public QObject
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ class DecodedColorsTest : public QObject
 private slots:
     void colors_data();
     void colors();
-    void downloaded();
+    void hardwareFrames();
 
 private:
     QTemporaryDir m_dir;
@@ -53,15 +53,15 @@ void DecodedColorsTest::colors_data()
     QTest::newRow("full range") << "160x90" << fullRange << tagged("bt709", "pc") << 3;
     QTest::newRow("4:4:4") << "160x90" << bt709Full << tagged("bt709", "tv") << 3;
     QTest::newRow("odd size") << "161x91" << bt709Full << tagged("bt709", "tv") << 3;
-    QTest::newRow("not stated, small") << "160x90" << bt601 << x264 << 3;
-    QTest::newRow("not stated, large") << "1280x720" << bt709 << x264 << 3;
+    QTest::newRow("unspecified, small") << "160x90" << bt601 << x264 << 3;
+    QTest::newRow("unspecified, large") << "1280x720" << bt709 << x264 << 3;
     QTest::newRow("RGB") << "160x90"
                          << "format=gbrp" << QStringList{"-c:v", "libx264rgb", "-crf", "16"} << 2;
     QTest::newRow("RGB, lossless, odd size") << "163x91"
                                              << "format=gbrp" << QStringList{"-c:v", "libx264rgb", "-crf", "0"} << 0;
     QTest::newRow("FFV1") << "163x91"
                           << "format=bgr0" << QStringList{"-c:v", "ffv1"} << 0;
-    // Screen pixels are opaque even where their fourth byte was never set.
+    // Recorded screens are opaque even if their alpha bytes were never set.
     QTest::newRow("FFV1, empty alpha") << "160x90"
                                        << "format=bgra,colorchannelmixer=aa=0" << QStringList{"-c:v", "ffv1"} << 0;
     QTest::newRow("FFV1, 4:2:0") << "160x90" << bt601 << QStringList{"-c:v", "ffv1"} << 3;
@@ -94,8 +94,8 @@ void DecodedColorsTest::colors()
     }
 }
 
-/// Devices hand their pictures out as NV12, whose planes hold what those of software do.
-void DecodedColorsTest::downloaded()
+/// Hardware decoders deliver NV12, which must convert like planar 4:2:0.
+void DecodedColorsTest::hardwareFrames()
 {
     const QSize size(160, 90);
     const auto newFrame = [&](AVPixelFormat format) {

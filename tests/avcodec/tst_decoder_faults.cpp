@@ -39,7 +39,7 @@ void writeFile(const QString &path, const QByteArray &content)
     QCOMPARE(file.write(content), qint64(content.size()));
 }
 
-/// Where the boxes of a type begin, outermost ones only.
+/// Offsets of the top-level boxes of a type.
 QList<int> boxesOf(const QByteArray &mp4, const QByteArray &type)
 {
     QList<int> found;
@@ -52,13 +52,13 @@ QList<int> boxesOf(const QByteArray &mp4, const QByteArray &type)
     return found;
 }
 
-/// What was logged, without what FFmpeg's libraries have to say.
+/// The log without the messages of FFmpeg's libraries.
 QStringList linesOfDecoders(LogCapture &log)
 {
     return log.take().filter("Decoder] ");
 }
 
-/// All frames of the decoder can be decoded and carry their numbers.
+/// All frames can be decoded and show their numbers.
 void checkFrames(VideoFileDecoder &decoder, int count)
 {
     QCOMPARE(decoder.getFrameCount(), count);
@@ -68,7 +68,7 @@ void checkFrames(VideoFileDecoder &decoder, int count)
 
 } // namespace
 
-/// Files that are cut off, damaged or no videos at all, and hardware that is not there.
+/// Truncated and damaged files, files that are no videos, and missing hardware.
 class DecoderFaultsTest : public QObject
 {
     Q_OBJECT
@@ -81,9 +81,9 @@ private slots:
     void truncatedMatroska();
     void damagedFrame_data();
     void damagedFrame();
-    void refusedFiles_data();
-    void refusedFiles();
-    void refusedContents();
+    void rejectedFiles_data();
+    void rejectedFiles();
+    void rejectedContents();
     void hugeFrames();
     void missingHardware_data();
     void missingHardware();
@@ -95,8 +95,8 @@ private:
 
 void DecoderFaultsTest::truncatedFragments_data()
 {
-    QTest::addColumn<QByteArray>("box"); // the sixth of its kind, or the only one
-    QTest::addColumn<int>("kept");       // bytes of it; negative: all but so many
+    QTest::addColumn<QByteArray>("box"); // the sixth of this type, or the only one
+    QTest::addColumn<int>("kept");       // bytes of it that are kept; negative: bytes of it that are cut off
     QTest::addColumn<int>("frames");
 
     QTest::newRow("inside the header") << QByteArray("moov") << 60 << 0;
@@ -134,12 +134,12 @@ void DecoderFaultsTest::truncatedAfterTheIndex()
 {
     const QString whole = m_dir.filePath("indexed.mp4");
     QVERIFY(NumberedVideo::write(whole, kFrames, kRecorded + QStringList{"-movflags", "faststart"}));
-    VideoDemuxer source;
+    VideoDemuxer demuxer;
     QString error;
-    QVERIFY(source.open(whole, AV_CODEC_ID_H264, &error));
-    const Sample &last = source.index().sample(17);
+    QVERIFY(demuxer.open(whole, AV_CODEC_ID_H264, &error));
+    const Sample &last = demuxer.index().sample(17);
     const QString path = m_dir.filePath("indexed_cut.mp4");
-    writeFile(path, contentOf(whole).left(int(last.position) + last.size - 1));
+    writeFile(path, contentOf(whole).left(int(last.offset) + last.size - 1));
     h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
     checkFrames(decoder, 17);
 }
@@ -157,12 +157,12 @@ void DecoderFaultsTest::truncatedMatroska()
     const LogCapture log;
     const QString whole = m_dir.filePath("whole.mkv");
     QVERIFY(NumberedVideo::write(whole, kFrames, options));
-    VideoDemuxer source;
+    VideoDemuxer demuxer;
     QString error;
-    QVERIFY(source.open(whole, AV_CODEC_ID_FFV1, &error));
+    QVERIFY(demuxer.open(whole, AV_CODEC_ID_FFV1, &error));
     const QString path = m_dir.filePath("cut.mkv");
-    // With the end of the file its index for seeking is gone too.
-    writeFile(path, contentOf(whole).left(int(source.index().sample(20).position) + 30));
+    // The seek index at the end of the file is cut off as well.
+    writeFile(path, contentOf(whole).left(int(demuxer.index().sample(20).offset) + 30));
     ffv1Decoder decoder(path);
     checkFrames(decoder, 20);
 }
@@ -184,28 +184,28 @@ void DecoderFaultsTest::damagedFrame()
     QFETCH(QStringList, options);
     QFETCH(int, damaged);
     const LogCapture log;
-    const QString whole = m_dir.filePath("sound.mp4");
+    const QString whole = m_dir.filePath("intact.mp4");
     QVERIFY(NumberedVideo::write(whole, kFrames, options));
-    VideoDemuxer source;
+    VideoDemuxer demuxer;
     QString error;
-    QVERIFY(source.open(whole, AV_CODEC_ID_H264, &error));
-    const Sample &sample = source.index().sample(damaged);
+    QVERIFY(demuxer.open(whole, AV_CODEC_ID_H264, &error));
+    const Sample &sample = demuxer.index().sample(damaged);
     QByteArray content = contentOf(whole);
-    content.replace(int(sample.position), sample.size, QByteArray(sample.size, '\xff'));
+    content.replace(int(sample.offset), sample.size, QByteArray(sample.size, '\xff'));
     const QString path = m_dir.filePath("damaged.mp4");
     writeFile(path, content);
 
     h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
     QCOMPARE(decoder.getFrameCount(), kFrames);
-    QVERIFY(decoder.decodeFrame(sample.number).isNull());
-    // The groups of pictures before and after are whole, whatever was asked for before.
+    QVERIFY(decoder.decodeFrame(sample.frame).isNull());
+    // The GOPs before and after are intact, whatever was requested before.
     for (const int frame : {29, 25, 20, 9, 8, 4, 0, 22}) {
         QCOMPARE(NumberedVideo::numberIn(decoder.decodeFrame(frame)), frame);
-        QVERIFY(decoder.decodeFrame(sample.number).isNull());
+        QVERIFY(decoder.decodeFrame(sample.frame).isNull());
     }
 }
 
-void DecoderFaultsTest::refusedFiles_data()
+void DecoderFaultsTest::rejectedFiles_data()
 {
     QTest::addColumn<QByteArray>("content"); // null: no file
     QByteArray noise;
@@ -224,7 +224,7 @@ void DecoderFaultsTest::refusedFiles_data()
     QTest::newRow("playlist") << QByteArray("#EXTM3U\n#EXTINF:1,\nhttp://127.0.0.1:9/a.mp4\n");
 }
 
-void DecoderFaultsTest::refusedFiles()
+void DecoderFaultsTest::rejectedFiles()
 {
     QFETCH(QByteArray, content);
     const QString path = m_dir.filePath("hostile.mp4");
@@ -242,7 +242,7 @@ void DecoderFaultsTest::refusedFiles()
     QVERIFY2(lines[1].startsWith("W [ffv1Decoder] cannot open " + path), qPrintable(lines[1]));
 }
 
-void DecoderFaultsTest::refusedContents()
+void DecoderFaultsTest::rejectedContents()
 {
     const LogCapture log;
     QVERIFY(!ffv1Decoder(m_dir.path()).isValid());
@@ -266,7 +266,7 @@ void DecoderFaultsTest::hugeFrames()
     AVCodecParameters *video = avformat_new_stream(created, nullptr)->codecpar;
     video->codec_type = AVMEDIA_TYPE_VIDEO;
     video->codec_id = AV_CODEC_ID_FFV1;
-    video->width = 20000; // which the library would accept
+    video->width = 20000; // accepted by the library
     video->height = 100;
     QVERIFY(avio_open(&created->pb, qPrintable(path), AVIO_FLAG_WRITE) >= 0);
     QVERIFY(avformat_write_header(created, nullptr) >= 0);
@@ -289,8 +289,8 @@ void DecoderFaultsTest::missingHardware_data()
 {
     const TestTable<QString, QString, bool, int> row("decoder", "device", "isRecording", "lines");
     row("no such type of device", "h264", "abacus", false, 1);
-    row("a type that is not of this system, or not here", "h264", "d3d11va", false, 1);
-    row("never tried, as no device knows recordings", "h264", "abacus", true, 0);
+    row("a device type of another system, or not present", "h264", "d3d11va", false, 1);
+    row("not tried, as no device supports recordings", "h264", "abacus", true, 0);
     row("no such decoder", "h264_abacus", "", true, 0);
     row("a decoder of something else", "ffv1", "", true, 0);
 }
@@ -316,7 +316,7 @@ void DecoderFaultsTest::preferredParams()
     QCOMPARE(software.decoderName, QString("h264"));
     QCOMPARE(software.deviceType, QString());
 
-    // Whatever this machine has, the answer works: also for RGB, which hardware mostly cannot do.
+    // The parameters work on any machine, also for RGB, which hardware mostly does not support.
     const QString path = m_dir.filePath("preferred.mp4");
     QVERIFY(NumberedVideo::write(path, 12, kRecorded));
     const LogCapture log;

@@ -1,4 +1,4 @@
-// What is left of a file when the process is killed or the disk is full.
+// Files after the process is killed or the disk is full.
 
 #include "avcodec/DecodedVideo.h"
 #include "avcodec/mp4/KelAsyncEncoder.h"
@@ -46,7 +46,8 @@ QString exportVideo(const QString &path)
     quint64 index = 0;
     while (index < 90 && encoder.addFrame(index, textImage(kSize, int(index))))
         ++index;
-    return encoder.close() == encoder.errorString().isEmpty() ? encoder.errorString() : QStringLiteral("undecided");
+    return encoder.close() == encoder.errorString().isEmpty() ? encoder.errorString()
+                                                              : QString("close() and errorString() disagree");
 }
 
 } // namespace
@@ -64,7 +65,7 @@ private slots:
     void addressesLargeFiles();
 
 private:
-    QString path() const { return m_dir.filePath(QStringLiteral("video.mp4")); }
+    QString path() const { return m_dir.filePath("video.mp4"); }
 
     QTemporaryDir m_dir;
 };
@@ -72,7 +73,7 @@ private:
 void FileSafetyTest::recordingSurvivesKill()
 {
     QProcess child;
-    child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--record"), path()});
+    child.start(QCoreApplication::applicationFilePath(), {"--record", path()});
     int taken = 0;
     while (taken < 100) {
         QVERIFY(child.canReadLine() || child.waitForReadyRead(30000));
@@ -83,7 +84,7 @@ void FileSafetyTest::recordingSurvivesKill()
     QCOMPARE(child.exitStatus(), QProcess::CrashExit);
 
     const DecodedVideo video(path());
-    // The last fragment may be cut, and the reader may say so.
+    // The last fragment may be truncated, which the reader may report.
     QVERIFY2(int(video.frames.size()) >= taken - kFps, qPrintable(QString::number(video.frames.size())));
     for (int i = 0; i < int(video.frames.size()); i += 10)
         QVERIFY(psnr(video.rgbImage(i), textImage(kSize, i % 50)) >= 45);
@@ -95,7 +96,7 @@ void FileSafetyTest::recordingSurvivesFullDisk_data()
     KelAsyncEncoder encoder(params(path()));
     QCOMPARE(record(encoder, count), count);
     encoder.waitForClosed();
-    // An ordinary file holds the fragments in its second box, whose 64-bit size stands behind the type.
+    // The finished file encloses the fragments in its second box, whose 64-bit size follows the type.
     QFile file(path());
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray begin = file.read(100);
@@ -116,7 +117,7 @@ void FileSafetyTest::recordingSurvivesFullDisk()
     QFETCH(int, frames);
     std::vector<QString> reports;
     {
-        QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("^\\[KelAsyncEncoder\\] Cannot write")));
+        QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^\\[KelAsyncEncoder\\] Cannot write"));
         const FileSizeLimit fullDisk{quint64(limit)};
         KelAsyncEncoder encoder(params(path()));
         encoder.setErrorHandler([&reports](const QString &text) { reports.push_back(text); });
@@ -147,14 +148,14 @@ void FileSafetyTest::exportReportsFullDisk_data()
 void FileSafetyTest::exportReportsFullDisk()
 {
     QFETCH(qint64, limit);
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[h264Encoder\\] Cannot write")));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^\\[h264Encoder\\] Cannot write"));
     const FileSizeLimit fullDisk{quint64(limit)};
     QVERIFY(exportVideo(path()).contains(path()));
 }
 
 void FileSafetyTest::addressesLargeFiles()
 {
-    // No picture is looked at; the record only has to look like one.
+    // The frames are not parsed; the record only has to be well-formed.
     Mp4Index index({kSize, kFps, QByteArray::fromHex("014d401fffe1000400000000010004000000000000")});
     const QByteArray bytes(1000, 'x');
     const std::vector<qint64> offsets{1000, 0xfffff000, 0x100000001, 0x7fffffffff};
@@ -174,7 +175,7 @@ int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == QLatin1String("--record")) {
+    if (arguments.value(1) == "--record") {
         KelAsyncEncoder encoder(params(arguments.value(2)));
         for (int taken = 0;;) {
             if (encoder.addFrame(taken, textImage(kSize, taken % 50)) != taken)

@@ -40,31 +40,31 @@ QByteArray digest(const QImage &image)
 
 } // namespace
 
-/// Every frame by its number, in any order, at no more decoding than it takes.
+/// Random access to frames, and how many frames it decodes.
 class FrameAccessTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void everyOrderYieldsTheFrames_data();
-    void everyOrderYieldsTheFrames();
-    void cutByAnEditList();
-    void recordingOfOurOwn();
-    void backwardsBeyondTheCache();
-    void imagesAreTheCallers();
-    void numbersOutsideAreRefused();
+    void decodesFramesInAnyOrder_data();
+    void decodesFramesInAnyOrder();
+    void skipsFramesHiddenByAnEditList();
+    void decodesARecording();
+    void stepsBackwardsBeyondTheCache();
+    void imagesOutliveTheDecoder();
+    void rejectsIndicesOutOfRange();
 
 private:
     QTemporaryDir m_dir;
 };
 
-void FrameAccessTest::everyOrderYieldsTheFrames_data()
+void FrameAccessTest::decodesFramesInAnyOrder_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QStringList>("options");
 
-    const QStringList openGroups{"-x264-params", "open-gop=1:keyint=20:min-keyint=20:b-pyramid=normal"};
-    // Gaps of one to four frame times.
+    const QStringList openGops{"-x264-params", "open-gop=1:keyint=20:min-keyint=20:b-pyramid=normal"};
+    // Every fifth frame is followed by a gap of three frames.
     const QStringList variableRate{"-vf", "settb=1/30,setpts=N+floor(N/5)*3", "-vsync", "passthrough"};
 
     QTest::newRow("recorded") << "a.mp4" << kRecorded;
@@ -74,9 +74,9 @@ void FrameAccessTest::everyOrderYieldsTheFrames_data()
     QTest::newRow("B-frames") << "a.mp4" << kBipredicted + QStringList{"-g", "24"};
     QTest::newRow("B-frames, fragments") << "a.mp4" << kBipredicted + QStringList{"-g", "24"} + kFragmented;
     QTest::newRow("B-frames, Matroska") << "a.mkv" << kBipredicted + QStringList{"-g", "24"};
-    QTest::newRow("one group of pictures") << "a.mp4" << kBipredicted + QStringList{"-g", "1000"};
-    QTest::newRow("open groups") << "a.mp4" << kBipredicted + openGroups;
-    QTest::newRow("open groups, Matroska") << "a.mkv" << kBipredicted + openGroups;
+    QTest::newRow("one GOP") << "a.mp4" << kBipredicted + QStringList{"-g", "1000"};
+    QTest::newRow("open GOPs") << "a.mp4" << kBipredicted + openGops;
+    QTest::newRow("open GOPs, Matroska") << "a.mkv" << kBipredicted + openGops;
     QTest::newRow("intra refresh") << "a.mp4"
                                    << kBipredicted + QStringList{"-x264-params", "intra-refresh=1:keyint=20"};
     QTest::newRow("late start") << "a.mp4" << kBipredicted + QStringList{"-output_ts_offset", "7"};
@@ -86,10 +86,10 @@ void FrameAccessTest::everyOrderYieldsTheFrames_data()
     QTest::newRow("variable rate, recorded") << "a.mp4" << kRecorded + variableRate;
     QTest::newRow("FFV1") << "ffv1.mkv" << QStringList{"-c:v", "ffv1"};
     QTest::newRow("FFV1, 4:2:0") << "ffv1.mkv" << QStringList{"-c:v", "ffv1", "-pix_fmt", "yuv420p"};
-    QTest::newRow("FFV1, groups") << "ffv1.mkv" << QStringList{"-c:v", "ffv1", "-g", "12"};
+    QTest::newRow("FFV1, GOPs") << "ffv1.mkv" << QStringList{"-c:v", "ffv1", "-g", "12"};
 }
 
-void FrameAccessTest::everyOrderYieldsTheFrames()
+void FrameAccessTest::decodesFramesInAnyOrder()
 {
     QFETCH(QString, name);
     QFETCH(QStringList, options);
@@ -109,28 +109,28 @@ void FrameAccessTest::everyOrderYieldsTheFrames()
     };
     check(kFrames);
     std::reverse(order.begin(), order.end());
-    // Of an open group the frames before the keyframe need the group before, so that both may be entered twice.
+    // In an open GOP, frames shown before the keyframe need the previous GOP, so both may be decoded twice.
     check(name.startsWith("ffv1") || options.contains("libx264rgb") ? kFrames * 2 : kFrames * 3);
     std::shuffle(order.begin(), order.end(), std::mt19937(7));
     check(quint64(kFrames) * kFrames);
 }
 
-void FrameAccessTest::cutByAnEditList()
+void FrameAccessTest::skipsFramesHiddenByAnEditList()
 {
-    // Copied from the middle of a group, the file begins with frames that are decoded and not shown.
+    // The copy starts inside a GOP, so it begins with frames that are decoded but not shown.
     QVERIFY(NumberedVideo::write(m_dir.filePath("whole.mp4"), kFrames, kRecorded));
     const QString path = m_dir.filePath("cut.mp4");
     QVERIFY(NumberedVideo::runFfmpeg(
         {"-ss", "0.5", "-i", m_dir.filePath("whole.mp4"), "-c", "copy", "-avoid_negative_ts", "disabled", path}));
     const auto decoder = openVideo(path);
-    constexpr int first = 15;
-    QCOMPARE(decoder->getFrameCount(), kFrames - first);
-    for (int frame = kFrames - first; frame-- > 0;)
-        QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(frame)), first + frame);
-    QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(0)), first);
+    constexpr int kFirst = 15;
+    QCOMPARE(decoder->getFrameCount(), kFrames - kFirst);
+    for (int frame = kFrames - kFirst; frame-- > 0;)
+        QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(frame)), kFirst + frame);
+    QCOMPARE(NumberedVideo::numberIn(decoder->decodeFrame(0)), kFirst);
 }
 
-void FrameAccessTest::recordingOfOurOwn()
+void FrameAccessTest::decodesARecording()
 {
     KelAsyncEncoder::Params params;
     params.frameSize = QSize(NumberedVideo::kWidth, NumberedVideo::kHeight);
@@ -139,7 +139,7 @@ void FrameAccessTest::recordingOfOurOwn()
     params.queueCapacity = kFrames;
     KelAsyncEncoder encoder(params);
     for (int i = 0; i < kFrames; ++i)
-        QCOMPARE(encoder.addFrame(i, NumberedVideo::picture(i)), i);
+        QCOMPARE(encoder.addFrame(i, NumberedVideo::image(i)), i);
     encoder.waitForClosed();
     QCOMPARE(encoder.errorString(), QString());
 
@@ -154,28 +154,28 @@ void FrameAccessTest::recordingOfOurOwn()
     QVERIFY(qAbs(qBlue(image.pixel(150, 44)) - 160) <= 2 && qAlpha(image.pixel(150, 44)) == 255);
 }
 
-void FrameAccessTest::backwardsBeyondTheCache()
+void FrameAccessTest::stepsBackwardsBeyondTheCache()
 {
-    // More than the memory of decoded frames holds: 160 frames of 720p, three bytes a pixel.
-    constexpr int frames = 160;
+    // More than the frame cache holds: 160 frames of 720p, three bytes per pixel.
+    constexpr int kManyFrames = 160;
     const QString path = m_dir.filePath("large.mp4");
     QVERIFY(NumberedVideo::runFfmpeg(
-        QStringList{"-f", "lavfi", "-i", "testsrc2=size=1280x720:rate=30", "-frames:v", QString::number(frames)} +
+        QStringList{"-f", "lavfi", "-i", "testsrc2=size=1280x720:rate=30", "-frames:v", QString::number(kManyFrames)} +
         kRecorded + QStringList{path}));
     const auto decoder = openVideo(path);
-    QCOMPARE(decoder->getFrameCount(), frames);
+    QCOMPARE(decoder->getFrameCount(), kManyFrames);
     std::vector<QByteArray> forward;
-    for (int frame = 0; frame < frames; ++frame)
+    for (int frame = 0; frame < kManyFrames; ++frame)
         forward.push_back(digest(decoder->decodeFrame(frame)));
-    QCOMPARE(decoder->decodedFrames(), quint64(frames));
-    for (int frame = frames; frame-- > 0;)
+    QCOMPARE(decoder->decodedFrames(), quint64(kManyFrames));
+    for (int frame = kManyFrames; frame-- > 0;)
         QCOMPARE(digest(decoder->decodeFrame(frame)), forward[std::size_t(frame)]);
-    // The first frames had to make room.
-    QVERIFY(decoder->decodedFrames() > quint64(frames));
-    QVERIFY(decoder->decodedFrames() <= quint64(2 * frames));
+    // The first frames have been evicted.
+    QVERIFY(decoder->decodedFrames() > quint64(kManyFrames));
+    QVERIFY(decoder->decodedFrames() <= quint64(2 * kManyFrames));
 }
 
-void FrameAccessTest::imagesAreTheCallers()
+void FrameAccessTest::imagesOutliveTheDecoder()
 {
     const QString path = m_dir.filePath("kept.mp4");
     QVERIFY(NumberedVideo::write(path, kFrames, kRecorded));
@@ -192,7 +192,7 @@ void FrameAccessTest::imagesAreTheCallers()
         QCOMPARE(NumberedVideo::numberIn(kept[std::size_t(frame)]), frame);
 }
 
-void FrameAccessTest::numbersOutsideAreRefused()
+void FrameAccessTest::rejectsIndicesOutOfRange()
 {
     const QString path = m_dir.filePath("closed.mp4");
     QVERIFY(NumberedVideo::write(path, 5, kRecorded));

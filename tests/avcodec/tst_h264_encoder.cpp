@@ -21,7 +21,7 @@ struct Yuv {
     double y, cb, cr;
 };
 
-/// BT.709 in limited range as the standard states it.
+/// BT.709 in limited range, as defined by the standard.
 Yuv bt709(QRgb pixel)
 {
     const double r = qRed(pixel) / 255.0;
@@ -51,20 +51,20 @@ class H264EncoderTest : public QObject
 
 private slots:
     void convertsExactly();
-    void writesRightColors();
-    void statesWhatItIs();
+    void writesExactColors();
+    void statesItsProperties();
     void padsOddSizes_data();
     void padsOddSizes();
-    void meansWhatItSaysByQuality();
-    void keepsTextThatMoves();
-    void repeatsHeldPictures();
-    void canBeAborted();
-    void refuses_data();
-    void refuses();
-    void refusesFramesOutOfOrder();
+    void hasTheDocumentedQuality();
+    void keepsMovingText();
+    void repeatsFrames();
+    void canBeAbortedDuringClose();
+    void rejectsInvalidParameters_data();
+    void rejectsInvalidParameters();
+    void rejectsFramesOutOfOrder();
 
 private:
-    QString path() const { return m_dir.filePath(QStringLiteral("video.mp4")); }
+    QString path() const { return m_dir.filePath("video.mp4"); }
 
     QTemporaryDir m_dir;
 };
@@ -101,14 +101,14 @@ void H264EncoderTest::convertsExactly()
     QVERIFY(std::abs(mean[2].y - luma[2]) < 0.52);
 }
 
-void H264EncoderTest::writesRightColors()
+void H264EncoderTest::writesExactColors()
 {
     const QRgb colors[] = {0xffffffff, 0xff000000, 0xffff0000, 0xff00ff00, 0xff0000ff, 0xff808080, 0xffc87800};
-    constexpr int patch = 32;
-    QImage image(7 * patch, patch, QImage::Format_ARGB32_Premultiplied);
+    constexpr int kPatch = 32;
+    QImage image(7 * kPatch, kPatch, QImage::Format_ARGB32_Premultiplied);
     for (int i = 0; i < 7; ++i)
-        for (int y = 0; y < patch; ++y)
-            std::fill_n(reinterpret_cast<QRgb *>(image.scanLine(y)) + i * patch, patch, colors[i]);
+        for (int y = 0; y < kPatch; ++y)
+            std::fill_n(reinterpret_cast<QRgb *>(image.scanLine(y)) + i * kPatch, kPatch, colors[i]);
     h264Encoder encoder({image.size(), kFormat, path(), 25, 100});
     QVERIFY(encoder.addFrame(0, image));
     QVERIFY(encoder.addFrame(1, image.convertToFormat(QImage::Format_RGB888)));
@@ -118,8 +118,8 @@ void H264EncoderTest::writesRightColors()
     for (int frame = 0; frame < 2; ++frame) {
         for (int i = 0; i < 7; ++i) {
             const Yuv exact = bt709(colors[i]);
-            const int x = i * patch + patch / 2;
-            const int y = patch / 2;
+            const int x = i * kPatch + kPatch / 2;
+            const int y = kPatch / 2;
             QVERIFY(std::abs(video.sample(frame, 0, x, y) - exact.y) < 1.6);
             QVERIFY(std::abs(video.sample(frame, 1, x / 2, y / 2) - exact.cb) < 1.6);
             QVERIFY(std::abs(video.sample(frame, 2, x / 2, y / 2) - exact.cr) < 1.6);
@@ -127,7 +127,7 @@ void H264EncoderTest::writesRightColors()
     }
 }
 
-void H264EncoderTest::statesWhatItIs()
+void H264EncoderTest::statesItsProperties()
 {
     h264Encoder encoder({QSize(64, 48), kFormat, path(), 25, 90});
     for (quint64 i = 0; i < 30; ++i)
@@ -184,7 +184,7 @@ void H264EncoderTest::padsOddSizes()
     QVERIFY(std::abs(video.sample(0, 1, x / 2, y / 2) - bt709(image.pixel(0, 0)).cb) < 1.6);
 }
 
-void H264EncoderTest::meansWhatItSaysByQuality()
+void H264EncoderTest::hasTheDocumentedQuality()
 {
     const QSize size(320, 200);
     qint64 lastBytes = 0;
@@ -203,7 +203,7 @@ void H264EncoderTest::meansWhatItSaysByQuality()
     }
 }
 
-void H264EncoderTest::keepsTextThatMoves()
+void H264EncoderTest::keepsMovingText()
 {
     const QSize size(321, 181);
     h264Encoder encoder({size, kFormat, path(), 30, 90});
@@ -211,7 +211,7 @@ void H264EncoderTest::keepsTextThatMoves()
     for (int i = 0; i < 80; ++i) {
         image = textImage(size, i / 3 % 9);
         QVERIFY(encoder.addFrame(quint64(i), image));
-        image.fill(Qt::red); // the encoder has its own copy by now
+        image.fill(Qt::red); // must not affect the encoder's copy
     }
     QVERIFY(encoder.close());
     const DecodedVideo video(path());
@@ -220,14 +220,14 @@ void H264EncoderTest::keepsTextThatMoves()
         QVERIFY2(lumaPsnr(video, i, textImage(size, i / 3 % 9)) >= 40, qPrintable(QString::number(i)));
 }
 
-void H264EncoderTest::repeatsHeldPictures()
+void H264EncoderTest::repeatsFrames()
 {
     const QSize size(320, 200);
     const quint64 starts[] = {0, 1, 40, 41};
     h264Encoder encoder({size, kFormat, path(), 30, 90});
     QVERIFY(!encoder.repeatLastFrameUntil(5));
-    for (int picture = 0; picture < 4; ++picture)
-        QVERIFY(encoder.addFrame(starts[picture], textImage(size, picture)));
+    for (int image = 0; image < 4; ++image)
+        QVERIFY(encoder.addFrame(starts[image], textImage(size, image)));
     QVERIFY(encoder.repeatLastFrameUntil(60));
     QVERIFY(encoder.repeatLastFrameUntil(90));
     QVERIFY(encoder.close());
@@ -240,15 +240,15 @@ void H264EncoderTest::repeatsHeldPictures()
         QVERIFY2(lumaPsnr(video, frame, textImage(size, int(shown))) >= 42, qPrintable(QString::number(frame)));
     }
 
-    h264Encoder pictures({size, kFormat, path() + ".few", 30, 90});
-    for (quint64 picture = 0; picture < 4; ++picture)
-        QVERIFY(pictures.addFrame(picture, textImage(size, int(picture))));
-    QVERIFY(pictures.close());
+    h264Encoder withoutRepetitions({size, kFormat, path() + ".few", 30, 90});
+    for (quint64 frame = 0; frame < 4; ++frame)
+        QVERIFY(withoutRepetitions.addFrame(frame, textImage(size, int(frame))));
+    QVERIFY(withoutRepetitions.close());
     const qint64 repetitions = QFileInfo(path()).size() - QFileInfo(path() + ".few").size();
     QVERIFY2(repetitions < QFileInfo(path() + ".few").size(), qPrintable(QString::number(repetitions)));
 }
 
-void H264EncoderTest::canBeAborted()
+void H264EncoderTest::canBeAbortedDuringClose()
 {
     const QSize size(1280, 720);
     h264Encoder encoder({size, kFormat, path(), 30, 100});
@@ -260,13 +260,13 @@ void H264EncoderTest::canBeAborted()
     const bool isClosed = encoder.close();
     other.join();
     QVERIFY(!encoder.isValid());
-    QCOMPARE(encoder.errorString(), QStringLiteral("Aborted"));
+    QCOMPARE(encoder.errorString(), QString("Aborted"));
     QVERIFY(!encoder.addFrame(6, images[0]));
     QVERIFY(isClosed || !encoder.close());
     QVERIFY(QFile::exists(path()));
 }
 
-void H264EncoderTest::refuses_data()
+void H264EncoderTest::rejectsInvalidParameters_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QString>("file");
@@ -278,12 +278,12 @@ void H264EncoderTest::refuses_data()
     QTest::newRow("no rate") << QSize(64, 64) << path() << 0;
 }
 
-void H264EncoderTest::refuses()
+void H264EncoderTest::rejectsInvalidParameters()
 {
     QFETCH(QSize, size);
     QFETCH(QString, file);
     QFETCH(int, fps);
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[h264Encoder\\] Cannot ")));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^\\[h264Encoder\\] Cannot "));
     h264Encoder encoder({size, kFormat, file, fps, 90});
     QVERIFY(!encoder.isValid());
     QVERIFY(!encoder.errorString().isEmpty());
@@ -292,12 +292,12 @@ void H264EncoderTest::refuses()
     encoder.abort();
 }
 
-void H264EncoderTest::refusesFramesOutOfOrder()
+void H264EncoderTest::rejectsFramesOutOfOrder()
 {
     const QImage image = textImage({64, 64}, 0);
     h264Encoder encoder({image.size(), kFormat, path(), 30, 90});
     QVERIFY(encoder.addFrame(3, image));
-    QTest::ignoreMessage(QtWarningMsg, "[h264Encoder] Frame 3 came after frame 3");
+    QTest::ignoreMessage(QtWarningMsg, "[h264Encoder] Frame 3 is out of order");
     QVERIFY(!encoder.addFrame(3, image));
     QVERIFY(!encoder.close());
 }

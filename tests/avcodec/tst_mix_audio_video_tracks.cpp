@@ -15,19 +15,19 @@
 namespace
 {
 
-/// What a program prints.
+/// Standard output of a program.
 QString outputOf(const QString &program, const QStringList &arguments)
 {
     return QString::fromUtf8(HostProgram::run(program, arguments).output).simplified();
 }
 
-QString picturesOf(const QString &path)
+QString videoHashOf(const QString &path)
 {
     return outputOf("ffmpeg", {"-v", "error", "-i", path, "-map", "0:v", "-c", "copy", "-bsf:v", "h264_mp4toannexb",
                                "-f", "md5", "-"});
 }
 
-/// An entry of each stream.
+/// A property of each stream.
 QString streams(const QString &path, const QString &entry)
 {
     return outputOf("ffprobe", {"-v", "error", "-show_entries", "stream=" + entry, "-of", "csv=p=0", path});
@@ -43,19 +43,19 @@ private slots:
     void initTestCase();
     void init();
     void mixesTones();
-    void keepsInStep_data();
-    void keepsInStep();
+    void staysInSync_data();
+    void staysInSync();
     void containers_data();
     void containers();
     void otherEncoders_data();
     void otherEncoders();
-    void keepsLevelOfOne();
-    void loudSourcesStayClean();
-    void stillLastsAsLongAsSound();
+    void keepsLevelOfSingleSource();
+    void limitsLoudSourcesWithoutDistortion();
+    void stillLastsAsLongAsAudio();
     void failures_data();
     void failures();
-    void survivesBadSound_data();
-    void survivesBadSound();
+    void toleratesDamagedSources_data();
+    void toleratesDamagedSources();
     void cancel_data();
     void cancel();
     void fullDisk();
@@ -109,7 +109,7 @@ void MixAudioVideoTracksTest::init()
 
 void MixAudioVideoTracksTest::mixesTones()
 {
-    // Of different formats and rates; one is longer than the picture, one much shorter.
+    // Different formats and rates; one is longer than the video, one much shorter.
     const AudioTrack system = track("a.wav", Sound::make(3.0, Sound::tone(440, 0.3)));
     const AudioTrack microphone = track("b.wav", Sound::make(1.5, Sound::tone(1000, 0.25), 44'100, 1), false);
     QVector<double> shares;
@@ -118,7 +118,7 @@ void MixAudioVideoTracksTest::mixesTones()
         return true;
     };
     QVERIFY2(mix({system, microphone}, "out.mp4", note), qPrintable(m_error));
-    QCOMPARE(picturesOf(path("out.mp4")), picturesOf(videoOf(50)));
+    QCOMPARE(videoHashOf(path("out.mp4")), videoHashOf(videoOf(50)));
     QVERIFY(mp4Boxes(path("out.mp4")).indexOf("moov") < mp4Boxes(path("out.mp4")).indexOf("mdat"));
 
     const Sound sound = Sound::decode(path("out.mp4"));
@@ -136,7 +136,7 @@ void MixAudioVideoTracksTest::mixesTones()
     QCOMPARE(files(), (QStringList{"a.wav", "b.wav", "out.mp4"}));
 }
 
-void MixAudioVideoTracksTest::keepsInStep_data()
+void MixAudioVideoTracksTest::staysInSync_data()
 {
     QTest::addColumn<double>("speed");
     QTest::addColumn<double>("start");
@@ -157,7 +157,7 @@ void MixAudioVideoTracksTest::keepsInStep_data()
     QTest::newRow("odd rate") << 1.0 << 650.0 << 1'150.0 << 0.0 << 11'025 << "wav";
 }
 
-void MixAudioVideoTracksTest::keepsInStep()
+void MixAudioVideoTracksTest::staysInSync()
 {
     QFETCH(double, speed);
     QFETCH(double, start);
@@ -166,7 +166,7 @@ void MixAudioVideoTracksTest::keepsInStep()
     QFETCH(int, rate);
     QFETCH(QString, suffix);
 
-    // Heard from 0.7 s to 1.1 s of the recording, in a file that plays it at another speed.
+    // A tone from 0.7 s to 1.1 s of recording time, in a file that plays at another speed.
     const auto tone = Sound::tone(2'000, 0.5, 0.7 / speed, 1.1 / speed);
     AudioTrack part = track("a.wav", Sound::make(2.0 / speed, tone, rate));
     part.startMs = start;
@@ -176,10 +176,10 @@ void MixAudioVideoTracksTest::keepsInStep()
     QVERIFY2(mix({part}, "out." + suffix), qPrintable(m_error));
 
     const Sound sound = Sound::decode(path("out." + suffix));
-    // In a container that knows no times before 0, the picture begins as much later as the encoder needs for its start.
-    const double picture = streams(path("out." + suffix), "start_time").section(' ', 0, 0).toDouble();
-    const double first = (0.7 - std::max(start, 0.0) / 1000) / speed + offset / 1000 + picture;
-    const double last = std::min(first + 0.4 / speed, 2.0); // with the picture
+    // In containers without negative timestamps, the video starts later by the priming of the audio encoder.
+    const double videoStart = streams(path("out." + suffix), "start_time").section(' ', 0, 0).toDouble();
+    const double first = (0.7 - std::max(start, 0.0) / 1000) / speed + offset / 1000 + videoStart;
+    const double last = std::min(first + 0.4 / speed, 2.0); // end of the video
     const double allowed = suffix == "wav" || suffix == "flac" ? 0.0003 : 0.003;
     const QString found =
         QString("%1 to %2 instead of %3 to %4").arg(sound.onset(0.25)).arg(sound.end(0.25)).arg(first).arg(last);
@@ -216,11 +216,11 @@ void MixAudioVideoTracksTest::containers()
     if (codecs.startsWith("h264")) {
         QVERIFY2(mix({}, name), qPrintable(m_error)); // a silent video
         QCOMPARE(streams(path(name), "codec_name"), QString("h264"));
-        QCOMPARE(picturesOf(path(name)), picturesOf(videoOf(50)));
+        QCOMPARE(videoHashOf(path(name)), videoHashOf(videoOf(50)));
     }
 }
 
-/// Those for which FFmpeg needs libraries of others.
+/// Encoders for which FFmpeg needs external libraries.
 void MixAudioVideoTracksTest::otherEncoders_data()
 {
     const TestTable<QString, QString> row("name", "codecs");
@@ -234,7 +234,7 @@ void MixAudioVideoTracksTest::otherEncoders()
     containers();
 }
 
-void MixAudioVideoTracksTest::keepsLevelOfOne()
+void MixAudioVideoTracksTest::keepsLevelOfSingleSource()
 {
     for (int channels : {1, 2}) {
         const Sound loud = Sound::make(2.0, Sound::tone(440, 1.0), 48'000, channels);
@@ -248,7 +248,7 @@ void MixAudioVideoTracksTest::keepsLevelOfOne()
     }
 }
 
-void MixAudioVideoTracksTest::loudSourcesStayClean()
+void MixAudioVideoTracksTest::limitsLoudSourcesWithoutDistortion()
 {
     const AudioTrack a = track("a.wav", Sound::make(2.0, Sound::tone(440, 1.0)));
     const AudioTrack b = track("b.wav", Sound::make(2.0, Sound::tone(1'500, 1.0, 0.5, 1.5)));
@@ -259,7 +259,7 @@ void MixAudioVideoTracksTest::loudSourcesStayClean()
     const double low = sound.level(440, 0.6, 1.4);
     const double high = sound.level(1'500, 0.6, 1.4);
     QVERIFY2(std::fabs(low - high) < 0.01 && low > 0.49, qPrintable(QString("%1, %2").arg(low).arg(high)));
-    // Neither harmonics nor what clipping makes of two tones.
+    // Neither harmonics nor intermodulation products of clipping.
     for (double hertz : {880.0, 1'320.0, 3'000.0, 4'500.0, 1'060.0, 1'940.0, 620.0, 2'560.0, 2'380.0, 3'440.0}) {
         const double level = sound.level(hertz, 0.6, 1.4);
         QVERIFY2(level < 0.003, qPrintable(QString("%1 Hz: %2").arg(hertz).arg(level)));
@@ -267,7 +267,7 @@ void MixAudioVideoTracksTest::loudSourcesStayClean()
     QVERIFY(std::fabs(sound.level(440, 1.95, 2.0) - 1.0) < 0.1); // rises again
 }
 
-void MixAudioVideoTracksTest::stillLastsAsLongAsSound()
+void MixAudioVideoTracksTest::stillLastsAsLongAsAudio()
 {
     AudioTrack part = track("a.wav", Sound::make(4.0, Sound::tone(440, 0.4)));
     part.startMs = 1'000;
@@ -326,11 +326,11 @@ void MixAudioVideoTracksTest::failures()
     QCOMPARE(QFileInfo(path("old.mp4")).size(), 27);
 }
 
-void MixAudioVideoTracksTest::survivesBadSound_data()
+void MixAudioVideoTracksTest::toleratesDamagedSources_data()
 {
     QTest::addColumn<int>("offset");
     QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("isHeard"); ///< the bad track itself
+    QTest::addColumn<bool>("isHeard"); ///< the damaged track itself
 
     QTest::newRow("unfinished header") << 40 << QByteArray(4, '\0') << true;
     QTest::newRow("larger than the file") << 40 << QByteArray("\0\0\0\x70", 4) << true;
@@ -345,7 +345,7 @@ void MixAudioVideoTracksTest::survivesBadSound_data()
     QTest::newRow("empty") << -0 << QByteArray() << false;
 }
 
-void MixAudioVideoTracksTest::survivesBadSound()
+void MixAudioVideoTracksTest::toleratesDamagedSources()
 {
     QFETCH(int, offset);
     QFETCH(QByteArray, bytes);
@@ -380,10 +380,10 @@ void MixAudioVideoTracksTest::cancel()
     QFETCH(double, share);
 
     const AudioTrack a = track("a.wav", Sound::make(2.0, Sound::tone(440, 0.4)));
-    int questionsAfter = 0;
-    QVERIFY(!mix({a}, "out.mp4", [&](double done) { return done < share || questionsAfter++ < (share >= 1.0); }));
+    int callsAfter = 0;
+    QVERIFY(!mix({a}, "out.mp4", [&](double done) { return done < share || callsAfter++ < (share >= 1.0); }));
     QCOMPARE(m_error, QString("Cancelled"));
-    QVERIFY(questionsAfter < 20);
+    QVERIFY(callsAfter < 20);
     QCOMPARE(files(), QStringList{"a.wav"});
 }
 

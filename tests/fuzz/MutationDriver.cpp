@@ -1,5 +1,5 @@
-// Runs a fuzz target without libFuzzer: mutates each of the given files a number of times.
-// The numbers are the same in every run, so that a crash can be repeated; the last line printed tells which it was.
+// Runs a fuzz target without libFuzzer: mutates each of the given files a number of times. The mutations are the same
+// in every run, so crashes are reproducible; the last line printed names the file and the round.
 
 #include <algorithm>
 #include <cstddef>
@@ -22,7 +22,7 @@ std::vector<std::uint8_t> mutated(std::vector<std::uint8_t> bytes, unsigned roun
     std::mt19937 random(round);
     const auto below = [&](std::size_t limit) { return random() % std::max<std::size_t>(limit, 1); };
     for (std::size_t changes = 1 + below(8); changes-- > 0 && !bytes.empty();) {
-        // Most of what a reader decides lies near the ends of a file.
+        // Most of what affects a reader is near the ends of a file.
         const std::size_t window = below(3) ? std::min<std::size_t>(bytes.size(), 1500) : bytes.size();
         const std::size_t at = below(2) ? below(window) : bytes.size() - 1 - below(window);
         switch (below(4)) {

@@ -1,4 +1,4 @@
-// Opens what it is given as a video and decodes some of its frames.
+// Opens the input as a video and decodes some frames.
 
 #include "avcodec/decode/ffv1Decoder.h"
 #include "avcodec/decode/h264Decoder.h"

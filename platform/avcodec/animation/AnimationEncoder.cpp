@@ -16,20 +16,19 @@ namespace av
 namespace
 {
 
-constexpr int kMaxPlays = 65535;       // what all formats can hold
-constexpr qint64 kMaxPixels = 1 << 28; // keeps every buffer of one picture well below the 2 GiB of a QByteArray
+constexpr int kMaxPlays = 65535;       // supported by all formats
+constexpr qint64 kMaxPixels = 1 << 28; // keeps every buffer of a frame well below the 2 GiB limit of QByteArray
 constexpr int kMaxFps = 1000;
 
-/// Encoding a huge picture may take long; only a worker that hangs takes longer than this.
+/// Longer than a huge frame takes to encode: only a hanging worker exceeds it.
 constexpr auto kQueueTimeout = std::chrono::minutes(10);
 
-/// An encode on every core, and the next one ready.
-std::size_t framesAtOnce()
+int threadCount()
 {
-    return std::clamp(std::thread::hardware_concurrency(), 1u, 8u) + 1;
+    return int(std::clamp(std::thread::hardware_concurrency(), 1u, 8u));
 }
 
-/// No value: the text is not understood.
+/// No value if the option is invalid.
 std::optional<int> playsFrom(const QString &extra)
 {
     if (extra.isEmpty())
@@ -55,9 +54,9 @@ AnimationEncoder::AnimationEncoder(QSize size, const QString &path, int fps, con
         return;
     }
     m_limits = m_format->limits();
-    if (size.isEmpty() || std::max(size.width(), size.height()) > m_limits.largestSide ||
+    if (size.isEmpty() || std::max(size.width(), size.height()) > m_limits.maxSide ||
         qint64(size.width()) * size.height() > kMaxPixels) {
-        fail(QStringLiteral("Invalid picture size: %1x%2").arg(size.width()).arg(size.height()));
+        fail(QStringLiteral("Invalid frame size: %1x%2").arg(size.width()).arg(size.height()));
         return;
     }
     const std::optional<int> plays = playsFrom(extra);
@@ -70,7 +69,10 @@ AnimationEncoder::AnimationEncoder(QSize size, const QString &path, int fps, con
         fail(m_file.errorString());
         return;
     }
-    m_writer.emplace(framesAtOnce(), [this](Job &job) { return write(job); });
+    m_pool.setMaxThreadCount(threadCount());
+    const std::size_t capacity =
+        std::size_t(threadCount()) + 1; // one more than can be encoded, so that no thread idles
+    m_writer.emplace(capacity, [this](Job &job) { return write(job); });
 }
 
 AnimationEncoder::~AnimationEncoder()
@@ -85,22 +87,22 @@ bool AnimationEncoder::fail(const QString &reason)
     return false;
 }
 
-bool AnimationEncoder::waitForRoom(std::chrono::milliseconds limit)
+bool AnimationEncoder::waitForRoom(std::chrono::milliseconds timeout)
 {
-    return !m_writer || m_writer->waitForRoom(limit);
+    return !m_writer || m_writer->waitForRoom(timeout);
 }
 
 bool AnimationEncoder::addFrame(quint64 index, const QImage &image)
 {
     if (!isValid() || m_closed)
         return false;
-    const QString refusal = reasonToRefuse(index, image);
-    if (!refusal.isEmpty())
-        return fail(refusal);
+    const QString problem = frameError(index, image);
+    if (!problem.isEmpty())
+        return fail(problem);
     try {
-        take(index, image);
-    } catch (const std::exception &problem) { // out of memory or threads
-        return fail(QString::fromLocal8Bit(problem.what()));
+        accept(index, image);
+    } catch (const std::exception &exception) { // such as std::bad_alloc
+        return fail(QString::fromLocal8Bit(exception.what()));
     }
     return isValid();
 }
@@ -110,15 +112,15 @@ bool AnimationEncoder::repeatLastFrameUntil(quint64 end)
     if (!isValid() || m_closed)
         return false;
     if (!m_pending)
-        return fail(QStringLiteral("There are no frames"));
+        return fail(QStringLiteral("No frames were added"));
     m_frames = std::max(m_frames, end);
     return true;
 }
 
-QString AnimationEncoder::reasonToRefuse(quint64 index, const QImage &image) const
+QString AnimationEncoder::frameError(quint64 index, const QImage &image) const
 {
     if (index < m_frames)
-        return QStringLiteral("Frame %1 comes too late").arg(index);
+        return QStringLiteral("Frame %1 is out of order").arg(index);
     if (image.size() != m_size) {
         return QStringLiteral("Frame %1 has %2x%3 pixels instead of %4x%5")
             .arg(index)
@@ -130,7 +132,7 @@ QString AnimationEncoder::reasonToRefuse(quint64 index, const QImage &image) con
     return {};
 }
 
-void AnimationEncoder::take(quint64 index, const QImage &image)
+void AnimationEncoder::accept(quint64 index, const QImage &image)
 {
     m_frames = index + 1;
     if (!m_pending) {
@@ -143,12 +145,12 @@ void AnimationEncoder::take(quint64 index, const QImage &image)
     if (changed.isEmpty())
         return;
     const qint64 start = ticksAt(index);
-    if (start - m_pendingStart < m_limits.shortest) {
+    if (start - m_pendingStart < m_limits.minTicks) {
         const FrameDelta latest = m_comparer->accept(image, changed);
         m_pending = m_comparer->merged(*m_pending, latest);
         return;
     }
-    commit(start, index);
+    commitPending(start, index);
     m_pending = m_comparer->accept(image, changed);
     m_pendingStart = start;
 }
@@ -158,66 +160,77 @@ qint64 AnimationEncoder::ticksAt(quint64 index) const
     return qint64((index * m_limits.ticksPerSecond + m_fps / 2) / m_fps);
 }
 
-/// Hands over the pending picture, which is shown until `end`.
-bool AnimationEncoder::commit(qint64 end, quint64 framesDone)
+/// Queues the pending frame, now that it is known to be shown until `end` (ticks). A duration beyond the limit of the
+/// format is split over several frames.
+bool AnimationEncoder::commitPending(qint64 end, quint64 framesDone)
 {
     for (;;) {
         const qint64 wanted = end - m_pendingStart;
-        qint64 ticks = std::min<qint64>(wanted, m_limits.longest);
-        if (ticks < wanted && wanted - ticks < m_limits.shortest)
-            ticks -= m_limits.shortest;
+        qint64 ticks = std::min<qint64>(wanted, m_limits.maxTicks);
+        if (ticks < wanted && wanted - ticks < m_limits.minTicks)
+            ticks -= m_limits.minTicks;
         const bool last = ticks == wanted;
 
-        auto encode = [this, delta = std::move(*m_pending)] { return m_format->encode(delta, m_cancelled); };
-        Job job{std::async(std::launch::async, std::move(encode)), int(ticks), last ? framesDone : 0};
+        Job job{encodeAsync(std::move(*m_pending)), int(ticks), last ? framesDone : 0};
         if (!m_writer->push(std::move(job), kQueueTimeout))
-            return fail(QStringLiteral("The encoder does not answer")); // unless there is a better reason already
+            return fail(QStringLiteral("The encoder is not responding")); // unless it has failed, which is kept
         if (last)
             return true;
         m_pendingStart += ticks;
-        m_pending = m_comparer->nothing();
+        m_pending = m_comparer->unchanged();
     }
+}
+
+std::future<EncodedFrame> AnimationEncoder::encodeAsync(FrameDelta delta)
+{
+    using Task = std::packaged_task<EncodedFrame()>;
+    const auto task = std::make_shared<Task>([this, delta = std::move(delta)] {
+        return m_cancelled ? EncodedFrame() : m_format->encode(delta, m_cancelled);
+    });
+    std::future<EncodedFrame> future = task->get_future();
+    m_pool.start([task] { (*task)(); });
+    return future;
 }
 
 bool AnimationEncoder::write(Job &job)
 {
     try {
-        const EncodedFrame picture = job.picture.get();
+        const EncodedFrame frame = job.frame.get();
         if (m_cancelled)
             return false;
-        if (picture.data.isEmpty()) {
-            fail(QStringLiteral("A frame cannot be encoded"));
-        } else if (append(picture, job.ticks)) {
+        if (frame.data.isEmpty()) {
+            fail(QStringLiteral("A frame could not be encoded"));
+        } else if (append(frame, job.ticks)) {
             if (job.framesDone > 0)
                 m_framesWritten = job.framesDone;
             return true;
         } else {
             fail(m_file.errorString());
         }
-    } catch (const std::exception &problem) {
-        fail(QString::fromLocal8Bit(problem.what()));
+    } catch (const std::exception &exception) {
+        fail(QString::fromLocal8Bit(exception.what()));
     }
     if (!m_cancelled)
-        saveWholeFrames();
+        finishAfterLastWholeFrame();
     return false;
 }
 
-bool AnimationEncoder::append(const EncodedFrame &picture, int ticks)
+bool AnimationEncoder::append(const EncodedFrame &frame, int ticks)
 {
-    const bool isReady = m_wholeFrames > 0 ? m_format->prepareToWrite(m_file, picture, m_cancelled)
-                                           : m_format->writeHeader(m_file, m_size, m_plays);
-    if (m_wholeFrames > 0)
-        m_wholeFrames = m_file.size(); // which may have changed
-    if (!isReady || !m_format->writeFrame(m_file, picture, ticks))
+    const bool isReady = m_wholeFramesEnd > 0 ? m_format->prepareToWrite(m_file, frame, m_cancelled)
+                                              : m_format->writeHeader(m_file, m_size, m_plays);
+    if (m_wholeFramesEnd > 0)
+        m_wholeFramesEnd = m_file.size(); // the file may have been rewritten
+    if (!isReady || !m_format->writeFrame(m_file, frame, ticks))
         return false;
-    m_wholeFrames = m_file.size();
+    m_wholeFramesEnd = m_file.size();
     return true;
 }
 
-/// After a failure: what has been written so far becomes a file of its own right.
-void AnimationEncoder::saveWholeFrames()
+/// After a failed write: turns what has been written into a valid file.
+void AnimationEncoder::finishAfterLastWholeFrame()
 {
-    if (m_wholeFrames > 0 && m_file.truncate(m_wholeFrames))
+    if (m_wholeFramesEnd > 0 && m_file.truncate(m_wholeFramesEnd))
         m_format->writeTrailer(m_file);
 }
 
@@ -229,17 +242,17 @@ bool AnimationEncoder::close()
     if (!m_writer)
         return false;
     if (!m_pending)
-        return fail(QStringLiteral("There are no frames"));
+        return fail(QStringLiteral("No frames were added"));
     try {
         if (isValid())
-            commit(std::max(ticksAt(m_frames), m_pendingStart + m_limits.shortest), m_frames);
-    } catch (const std::exception &problem) {
-        fail(QString::fromLocal8Bit(problem.what()));
+            commitPending(std::max(ticksAt(m_frames), m_pendingStart + m_limits.minTicks), m_frames);
+    } catch (const std::exception &exception) {
+        fail(QString::fromLocal8Bit(exception.what()));
     }
     m_writer->finish();
     if (isValid() && !m_format->writeTrailer(m_file)) {
         fail(m_file.errorString());
-        saveWholeFrames();
+        finishAfterLastWholeFrame();
     }
     m_isComplete = isValid();
     return m_isComplete;

@@ -7,6 +7,7 @@
 #include "avcodec/animation/FrameComparer.h"
 
 #include <QSize>
+#include <QThreadPool>
 
 #include <atomic>
 #include <future>
@@ -16,16 +17,15 @@
 namespace av
 {
 
-/// What the encoders of animated pictures have in common. Only what changes is encoded, several pictures at once;
-/// a picture that is like the one before it costs nothing, the one before is shown for longer. At most a few
-/// pictures are in memory, however many frames there are.
+/// Base of the animation encoders. Only changes are encoded, several frames at once; a frame equal to the previous one
+/// only extends its duration. A few frames are in memory at most, however long the animation is.
 ///
-/// The durations in the file add up to the number of frames divided by the frame rate: the unit of the format is
-/// rounded to on the whole, not for each frame. Browsers slow frames down that last 10 ms or less, so pictures that
-/// follow each other faster than that are dropped in favour of their successors.
+/// The durations in the file add up to the number of frames divided by the frame rate: rounding errors of the format's
+/// time unit do not accumulate. Browsers slow down frames of 10 ms or less, so a frame that would be shorter than the
+/// format's minimum duration is dropped in favor of its successor.
 ///
-/// When writing fails, the file is cut back to the last whole frame and completed there if that is possible. An
-/// encoder that is deleted without close() gives up as after abort().
+/// When writing fails, the file is truncated after the last complete frame and finished there if possible. Deleting an
+/// encoder that has not been closed aborts it.
 class AnimationEncoder : public KelAVCodecEncoder
 {
 public:
@@ -33,38 +33,40 @@ public:
 
     bool isValid() const override { return !m_error.isSet(); }
 
-    /// Images have the encoder's size. Alpha is taken as painted on black.
-    bool waitForRoom(std::chrono::milliseconds limit) override;
+    bool waitForRoom(std::chrono::milliseconds timeout) override;
+
+    /// Images have the encoder's size and any format; translucent pixels are blended with black.
     bool addFrame(quint64 index, const QImage &image) override;
     bool repeatLastFrameUntil(quint64 end) override;
     bool close() override;
     void abort() override;
 
-    /// Frames whose picture, their own or the same one from before, stands in the file.
+    /// Number of frames whose content is in the file, whether encoded or repeated.
     quint64 framesWritten() const override { return m_framesWritten; }
     QString errorString() const override { return m_error.text(); }
 
 protected:
-    /// `extra` is "loop=N": the animation is to be played N (at most 65535) times; 0 and an empty text stand for
+    /// `fps`: 1 to 1000. `extra`: "loop=N" plays the animation N (at most 65535) times; 0 or an empty string play it
     /// endlessly.
     AnimationEncoder(QSize size, const QString &path, int fps, const QString &extra,
                      std::unique_ptr<AnimationFormat> format);
 
 private:
     struct Job {
-        std::future<EncodedFrame> picture;
+        std::future<EncodedFrame> frame;
         int ticks;
-        quint64 framesDone; // once it is written
+        quint64 framesDone; // number of frames written with this one; 0: does not change it
     };
 
     bool fail(const QString &reason);
-    QString reasonToRefuse(quint64 index, const QImage &image) const;
-    void take(quint64 index, const QImage &image);
+    QString frameError(quint64 index, const QImage &image) const;
+    void accept(quint64 index, const QImage &image);
     qint64 ticksAt(quint64 index) const;
-    bool commit(qint64 end, quint64 framesDone);
+    bool commitPending(qint64 end, quint64 framesDone);
+    std::future<EncodedFrame> encodeAsync(FrameDelta delta);
     bool write(Job &job);
-    bool append(const EncodedFrame &picture, int ticks);
-    void saveWholeFrames();
+    bool append(const EncodedFrame &frame, int ticks);
+    void finishAfterLastWholeFrame();
 
     const QSize m_size;
     const int m_fps;
@@ -72,10 +74,10 @@ private:
     AnimationFormat::Limits m_limits{};
     int m_plays = 0;
     OutputFile m_file;
-    qint64 m_wholeFrames = 0; // bytes in the file up to the end of the last whole frame
+    qint64 m_wholeFramesEnd = 0; // file size after the last complete frame; 0: not even the header is written
     std::optional<FrameComparer> m_comparer;
 
-    std::optional<FrameDelta> m_pending; // not handed over, because its duration is not known
+    std::optional<FrameDelta> m_pending; // the last frame, held back until its duration is known
     qint64 m_pendingStart = 0;           // ticks
     quint64 m_frames = 0;
     bool m_closed = false;
@@ -85,7 +87,9 @@ private:
     std::atomic<quint64> m_framesWritten{0};
     FirstError m_error;
 
-    std::optional<BoundedWorker<Job>> m_writer; // last: it uses all of the above
+    // Last, in this order: the pool's tasks use what is above, and the writer waits for the pool's tasks.
+    QThreadPool m_pool;
+    std::optional<BoundedWorker<Job>> m_writer;
 };
 
 } // namespace av

@@ -16,7 +16,7 @@ namespace
 
 std::vector<QImage> readWebp(QFile &file, int limit, QString *error)
 {
-    const WebPData data{file.map(0, file.size()), std::size_t(file.size())}; // of up to 4 GiB
+    const WebPData data{file.map(0, file.size()), std::size_t(file.size())}; // mapped: it may have up to 4 GiB
     if (!data.bytes) {
         *error = file.errorString();
         return {};
@@ -31,39 +31,39 @@ std::vector<QImage> readWebp(QFile &file, int limit, QString *error)
         *error = QStringLiteral("not a WebP animation");
         return {};
     }
-    std::vector<QImage> pictures;
-    while (int(pictures.size()) < limit && WebPAnimDecoderHasMoreFrames(decoder.get())) {
+    std::vector<QImage> frames;
+    while (int(frames.size()) < limit && WebPAnimDecoderHasMoreFrames(decoder.get())) {
         quint8 *pixels = nullptr;
         int endMs = 0;
         if (!WebPAnimDecoderGetNext(decoder.get(), &pixels, &endMs)) {
-            *error = QStringLiteral("picture %1 is damaged").arg(pictures.size());
+            *error = QStringLiteral("frame %1 is damaged").arg(frames.size());
             return {};
         }
-        pictures.push_back(QImage(pixels, int(info.canvas_width), int(info.canvas_height), QImage::Format_RGBA8888)
-                               .convertToFormat(QImage::Format_RGB32));
+        frames.push_back(QImage(pixels, int(info.canvas_width), int(info.canvas_height), QImage::Format_RGBA8888)
+                             .convertToFormat(QImage::Format_RGB32));
     }
-    return pictures;
+    return frames;
 }
 
-std::vector<QImage> readByFrames(const QString &path, int limit, QString *error)
+std::vector<QImage> readGifOrApng(const QString &path, int limit, QString *error)
 {
-    const av::FormatContext format = av::openInput(path, "gif,apng", error);
+    const FormatContext format = openInput(path, "gif,apng", error);
     if (!format)
         return {};
     const AVCodecParameters *parameters = format->nb_streams > 0 ? format->streams[0]->codecpar : nullptr;
     const AVCodec *known = parameters ? avcodec_find_decoder(parameters->codec_id) : nullptr;
-    const av::CodecContext codec(known ? avcodec_alloc_context3(known) : nullptr);
+    const CodecContext codec(known ? avcodec_alloc_context3(known) : nullptr);
     if (!codec || avcodec_parameters_to_context(codec.get(), parameters) < 0) {
-        *error = QStringLiteral("there is no decoder for it");
+        *error = QStringLiteral("no decoder available");
         return {};
     }
-    codec->thread_count = 1; // so that each packet gives its picture at once
+    codec->thread_count = 1; // several would delay the frames
     int result = avcodec_open2(codec.get(), nullptr, nullptr);
-    const av::Packet packet(av_packet_alloc());
-    const av::Frame frame(av_frame_alloc());
+    const Packet packet(av_packet_alloc());
+    const Frame frame(av_frame_alloc());
     FrameConverter converter;
-    std::vector<QImage> pictures;
-    while (result >= 0 && int(pictures.size()) < limit) {
+    std::vector<QImage> frames;
+    while (result >= 0 && int(frames.size()) < limit) {
         result = av_read_frame(format.get(), packet.get());
         if (result < 0)
             break;
@@ -72,13 +72,13 @@ std::vector<QImage> readByFrames(const QString &path, int limit, QString *error)
         if (result >= 0)
             result = avcodec_receive_frame(codec.get(), frame.get());
         if (result >= 0)
-            pictures.push_back(converter.convert(*frame));
+            frames.push_back(converter.convert(*frame));
     }
     if (result < 0 && result != AVERROR_EOF) {
-        *error = av::errorText(result);
+        *error = errorText(result);
         return {};
     }
-    return pictures;
+    return frames;
 }
 
 } // namespace
@@ -90,7 +90,7 @@ std::vector<QImage> AnimationReader::read(const QString &path, int limit, QStrin
         *error = file.errorString();
         return {};
     }
-    return file.peek(4) == "RIFF" ? readWebp(file, limit, error) : readByFrames(path, limit, error);
+    return file.peek(4) == "RIFF" ? readWebp(file, limit, error) : readGifOrApng(path, limit, error);
 }
 
 } // namespace av

@@ -5,12 +5,12 @@
 
 #include <vector>
 
-/// Reads animations back: GIF, APNG and WebP.
+/// Reads GIF, APNG and WebP animations.
 namespace av::AnimationReader
 {
 
-/// The pictures of a file as they are seen one after the other, the first `limit` at most. Empty, with the reason, when
-/// the file is none of these or damaged. Opaque.
+/// The first `limit` frames of a file at most, composed to complete opaque images. Empty, with the reason in `error`,
+/// if the file has another format or is damaged.
 std::vector<QImage> read(const QString &path, int limit, QString *error);
 
 } // namespace av::AnimationReader

@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr std::size_t kMaxBins = 1 << 15;
-constexpr int kSlotBits = 16; // twice as many slots as bins keeps the chains short
+constexpr int kSlotBits = 16; // of the hash table: twice as many slots as bins keeps collision chains short
 constexpr quint32 kNoKey = 0xffffffffu;
 
 } // namespace
@@ -17,7 +17,7 @@ constexpr quint32 kNoKey = 0xffffffffu;
 ColorHistogram::ColorHistogram(const FrameDelta &delta)
     : m_slots(std::size_t(1) << kSlotBits, Slot{kNoKey, -1})
 {
-    // Pixels come in runs, so the sum in hand is right more often than not.
+    // Equal pixels mostly come in runs: one lookup per run.
     QRgb latest = 0;
     Sum run;
     const auto addRun = [&] {
@@ -54,7 +54,7 @@ ColorHistogram::ColorHistogram(const FrameDelta &delta)
 
 int ColorHistogram::binOf(QRgb color) const
 {
-    return slotOf(keyOf(color)).bin;
+    return m_slots[slotIndexOf(keyOf(color))].bin;
 }
 
 quint32 ColorHistogram::keyOf(QRgb color) const
@@ -63,18 +63,18 @@ quint32 ColorHistogram::keyOf(QRgb color) const
     return color & (kept << 16 | kept << 8 | kept);
 }
 
-const ColorHistogram::Slot &ColorHistogram::slotOf(quint32 key) const
+std::size_t ColorHistogram::slotIndexOf(quint32 key) const
 {
-    std::size_t place = (key * 2654435761u) >> (32 - kSlotBits);
-    while (m_slots[place].key != key && m_slots[place].key != kNoKey)
-        place = (place + 1) % m_slots.size();
-    return m_slots[place];
+    std::size_t index = (key * 2654435761u) >> (32 - kSlotBits);
+    while (m_slots[index].key != key && m_slots[index].key != kNoKey)
+        index = (index + 1) % m_slots.size();
+    return index;
 }
 
 ColorHistogram::Sum &ColorHistogram::sumOf(QRgb color)
 {
     const quint32 key = keyOf(color);
-    Slot &slot = const_cast<Slot &>(slotOf(key));
+    Slot &slot = m_slots[slotIndexOf(key)];
     if (slot.key == kNoKey) {
         slot = {key, qint32(m_sums.size())};
         m_sums.emplace_back();

@@ -7,13 +7,12 @@
 namespace av
 {
 
-/// How often each color occurs among the changed pixels of a delta. Exact while there are few colors; where there
-/// are many, neighbouring ones share a bin.
+/// Counts the colors of the changed pixels of a delta. Exact for few colors; with many, similar colors share a bin.
 class ColorHistogram
 {
 public:
     struct Bin {
-        float red = 0; // the mean of all pixels in the bin
+        float red = 0; // mean of all pixels in the bin
         float green = 0;
         float blue = 0;
         float count = 0;
@@ -23,10 +22,10 @@ public:
 
     const std::vector<Bin> &bins() const { return m_bins; }
 
-    /// Of all bins together.
+    /// Total of all bins.
     double pixelCount() const { return m_pixelCount; }
 
-    /// The bin of a color, -1 when it has none.
+    /// Index of the bin that holds a color; -1 if none does.
     int binOf(QRgb color) const;
 
 private:
@@ -42,12 +41,12 @@ private:
     };
 
     quint32 keyOf(QRgb color) const;
-    const Slot &slotOf(quint32 key) const;
+    std::size_t slotIndexOf(quint32 key) const;
     Sum &sumOf(QRgb color);
     void coarsen();
 
     double m_pixelCount = 0;
-    int m_shift = 0; // bits of each channel that are left out
+    int m_shift = 0; // low bits of each channel that are ignored
     std::vector<Slot> m_slots;
     std::vector<Sum> m_sums;
     std::vector<Bin> m_bins;

@@ -13,7 +13,7 @@ namespace
 
 using Bin = ColorHistogram::Bin;
 
-/// Rounds of moving every color to the mean of the pixels that it shows. More gain less than they cost.
+/// Rounds of moving each color to the mean of the pixels it represents. More are not worth the time.
 constexpr int kRefinements = 2;
 
 constexpr std::array<float Bin::*, 3> kChannels{&Bin::red, &Bin::green, &Bin::blue};
@@ -28,7 +28,7 @@ Bin binOf(QRgb color)
     return {float(qRed(color)), float(qGreen(color)), float(qBlue(color)), 0};
 }
 
-/// Squared, all channels together.
+/// Squared, summed over the channels.
 float distance(QRgb a, QRgb b)
 {
     const int red = qRed(a) - qRed(b);
@@ -37,8 +37,8 @@ float distance(QRgb a, QRgb b)
     return float(red * red + green * green + blue * blue);
 }
 
-/// The index of the color nearest to a bin's, and its squared distance. The colors rise by green: once green alone
-/// is further away than the best found, so is all that follows.
+/// The index of the nearest color to a bin, and its squared distance. The colors are sorted by green: where the
+/// distance in green alone exceeds the best one found, the search can stop.
 std::pair<int, float> nearest(const std::vector<Bin> &colors, const Bin &bin)
 {
     const auto from = std::lower_bound(colors.begin(), colors.end(), bin, lessGreen);
@@ -68,12 +68,12 @@ std::pair<int, float> nearest(const std::vector<Bin> &colors, const Bin &bin)
     return {best, bestDistance};
 }
 
-/// Some bins that one color of the palette is to show.
+/// A group of bins that are represented by one color of the palette.
 struct Box {
     std::vector<Bin>::iterator begin;
     std::vector<Bin>::iterator end;
-    float Bin::*widest = &Bin::green; // channel of the largest variance
-    double error = 0;                 // squared distance of all pixels to the mean
+    float Bin::*widest = &Bin::green; // channel with the largest variance
+    double error = 0;                 // total squared distance of the pixels to the mean
     Bin mean;
 
     Box(std::vector<Bin>::iterator first, std::vector<Bin>::iterator last)
@@ -89,11 +89,11 @@ struct Box {
             double sum = 0;
             for (auto bin = begin; bin != end; ++bin)
                 sum += double((*bin).*channel) * bin->count;
-            const double centre = sum / count;
+            const double center = sum / count;
             double variance = 0;
             for (auto bin = begin; bin != end; ++bin)
-                variance += ((*bin).*channel - centre) * ((*bin).*channel - centre) * bin->count;
-            mean.*channel = float(centre);
+                variance += ((*bin).*channel - center) * ((*bin).*channel - center) * bin->count;
+            mean.*channel = float(center);
             error += variance;
             if (variance > most) {
                 most = variance;
@@ -104,7 +104,7 @@ struct Box {
 
     bool canSplit() const { return end - begin > 1; }
 
-    /// Where to split along the widest channel so that the least error is left. Sorts the bins.
+    /// The split along the widest channel that leaves the least error. Sorts the bins.
     std::vector<Bin>::iterator bestCut()
     {
         const auto channel = widest;
@@ -128,8 +128,8 @@ struct Box {
     }
 };
 
-/// Splits the box with the largest error until there are as many as allowed.
-std::vector<Bin> medianCut(std::vector<Bin> bins, std::size_t limit)
+/// Splits the box with the largest error until there are `limit` boxes. Returns their means.
+std::vector<Bin> splitIntoBoxes(std::vector<Bin> bins, std::size_t limit)
 {
     const auto lessError = [](const Box &a, const Box &b) { return a.error < b.error; };
     std::vector<Box> boxes{Box(bins.begin(), bins.end())}; // a heap
@@ -153,7 +153,7 @@ std::vector<Bin> medianCut(std::vector<Bin> bins, std::size_t limit)
     return means;
 }
 
-/// Moves the colors to where their pixels are.
+/// Moves each color to the mean of the pixels it represents.
 void refine(std::vector<Bin> &colors, const std::vector<Bin> &bins)
 {
     struct Sum {
@@ -184,7 +184,7 @@ ColorPalette ColorPalette::bestFor(const ColorHistogram &histogram, int limit)
 {
     std::vector<Bin> best = histogram.bins();
     if (best.size() > std::size_t(limit)) {
-        best = medianCut(std::move(best), std::size_t(limit));
+        best = splitIntoBoxes(std::move(best), std::size_t(limit));
         refine(best, histogram.bins());
     }
     std::vector<QRgb> colors;
@@ -208,8 +208,8 @@ PaletteMatch ColorPalette::match(const ColorHistogram &histogram) const
     double error = 0;
     double count = 0;
     for (const Bin &bin : histogram.bins()) {
-        const auto [place, distance] = nearest(colors, bin);
-        match.indexOfBin.push_back(order[std::size_t(place)]);
+        const auto [nearestIndex, distance] = nearest(colors, bin);
+        match.indexOfBin.push_back(order[std::size_t(nearestIndex)]);
         error += double(distance) * bin.count;
         count += bin.count;
     }
@@ -224,9 +224,9 @@ ColorPalette ColorPalette::ordered(const ColorHistogram &histogram) const
     for (std::size_t i = 0; i < all.indexOfBin.size(); ++i)
         weights[all.indexOfBin[i]] += double(histogram.bins()[i].count);
 
-    // One after the other, the color that betters most what those before it show.
-    constexpr float nothingShown = 3 * 255 * 255;
-    std::vector<float> errors(m_colors.size(), nothingShown);
+    // Greedily picks the color that reduces the error of those picked before it most.
+    constexpr float kMaxDistance = 3 * 255 * 255;
+    std::vector<float> errors(m_colors.size(), kMaxDistance);
     std::vector<bool> isTaken(m_colors.size());
     std::vector<QRgb> order;
     while (order.size() < m_colors.size()) {
@@ -251,7 +251,7 @@ ColorPalette ColorPalette::ordered(const ColorHistogram &histogram) const
     return ColorPalette(std::move(order));
 }
 
-ColorPalette ColorPalette::beginning(std::size_t count) const
+ColorPalette ColorPalette::prefix(std::size_t count) const
 {
     return ColorPalette({m_colors.begin(), m_colors.begin() + std::ptrdiff_t(std::min(count, m_colors.size()))});
 }

@@ -10,10 +10,10 @@
 namespace av
 {
 
-/// How the bins of a histogram are shown by the colors of a palette.
+/// Maps each bin of a histogram to a color of a palette.
 struct PaletteMatch {
     std::vector<quint8> indexOfBin;
-    double meanError = 0; ///< squared distance of a pixel's color, all channels together; that inside bins not counted
+    double meanError = 0; ///< mean squared color distance (sum of the channels) per pixel, without that inside bins
 };
 
 /// Up to 256 colors.
@@ -26,17 +26,17 @@ public:
     {
     }
 
-    /// The colors that show the histogram best, at most `limit` (1 to 256); exactly its own when they are no more.
+    /// The best palette of at most `limit` (1 to 256) colors for a histogram; exact if the histogram has no more bins.
     static ColorPalette bestFor(const ColorHistogram &histogram, int limit);
 
     const std::vector<QRgb> &colors() const { return m_colors; }
     PaletteMatch match(const ColorHistogram &histogram) const;
 
-    /// The same colors in such an order that every beginning of it shows the histogram well.
+    /// The same colors, ordered so that every prefix is a good palette for the histogram.
     ColorPalette ordered(const ColorHistogram &histogram) const;
 
-    /// The first `count` colors, or all if they are not more.
-    ColorPalette beginning(std::size_t count) const;
+    /// The first `count` colors, or all if there are fewer.
+    ColorPalette prefix(std::size_t count) const;
 
 private:
     std::vector<QRgb> m_colors;

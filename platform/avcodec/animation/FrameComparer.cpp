@@ -1,5 +1,7 @@
 #include "avcodec/animation/FrameComparer.h"
 
+#include "avcodec/RgbPixels.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -9,21 +11,9 @@ namespace av
 namespace
 {
 
-/// A garish green. It and the next ones, which differ in their last bits only, are what may be free of all colors.
+/// The candidates for the unused color: this garish green, which screens hardly ever show, and the ones that differ
+/// from it only in the lowest bits.
 constexpr QRgb kFirstCandidate = 0x02fd00;
-
-/// The image in a format whose 32-bit pixels hold the opaque color; shares the pixels when it is in one already.
-QImage withPlainPixels(const QImage &image)
-{
-    switch (image.format()) {
-    case QImage::Format_RGB32:
-    case QImage::Format_ARGB32_Premultiplied:
-        return image;
-    default:
-        return image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
-                                                             : QImage::Format_RGB32);
-    }
-}
 
 const QRgb *scanLine(const QImage &image, int y)
 {
@@ -35,21 +25,21 @@ bool sameColor(QRgb a, QRgb b)
     return FrameDelta::color(a ^ b) == 0;
 }
 
-/// memcmp() with the alpha left out; two pixels at a time, as most rows are compared to their end.
+/// Compares like memcmp(), but ignores alpha; two pixels at a time, as most rows are equal to their end.
 bool sameColors(const QRgb *a, const QRgb *b, int count)
 {
-    constexpr quint64 colors = Q_UINT64_C(0x00ffffff00ffffff);
-    constexpr int block = 64;
+    constexpr quint64 kColorMask = Q_UINT64_C(0x00ffffff00ffffff);
+    constexpr int kBlock = 64;
     int i = 0;
-    for (; i + block <= count; i += block) {
+    for (; i + kBlock <= count; i += kBlock) {
         quint64 difference = 0;
-        for (int k = 0; k < block; k += 2) {
+        for (int k = 0; k < kBlock; k += 2) {
             quint64 left, right;
             std::memcpy(&left, a + i + k, sizeof left);
             std::memcpy(&right, b + i + k, sizeof right);
             difference |= left ^ right;
         }
-        if (difference & colors)
+        if (difference & kColorMask)
             return false;
     }
     for (; i < count; ++i) {
@@ -70,7 +60,7 @@ FrameComparer::FrameComparer(QSize size, int alignment)
 
 QRect FrameComparer::changedRect(const QImage &image) const
 {
-    const QImage plain = withPlainPixels(image);
+    const QImage plain = withRgbPixels(image);
     const int width = m_size.width();
     const int height = m_size.height();
 
@@ -101,7 +91,7 @@ QRect FrameComparer::changedRect(const QImage &image) const
 
 FrameDelta FrameComparer::accept(const QImage &image, const QRect &rect)
 {
-    const QImage plain = withPlainPixels(image);
+    const QImage plain = withRgbPixels(image);
     FrameDelta delta;
     delta.rect = rect;
     delta.pixels.reserve(std::size_t(rect.width()) * rect.height());
@@ -141,17 +131,17 @@ FrameDelta FrameComparer::merged(const FrameDelta &older, const FrameDelta &late
     return all;
 }
 
-FrameDelta FrameComparer::nothing() const
+FrameDelta FrameComparer::unchanged() const
 {
     return {QRect(0, 0, 1, 1), {m_pixels.front()}, unusedColor()};
 }
 
 std::optional<QRgb> FrameComparer::unusedColor() const
 {
-    const auto free = std::find(m_isUsed.begin(), m_isUsed.end(), false);
-    if (free == m_isUsed.end())
+    const auto unused = std::find(m_isUsed.begin(), m_isUsed.end(), false);
+    if (unused == m_isUsed.end())
         return std::nullopt;
-    return kFirstCandidate + QRgb(free - m_isUsed.begin());
+    return kFirstCandidate + QRgb(unused - m_isUsed.begin());
 }
 
 } // namespace av

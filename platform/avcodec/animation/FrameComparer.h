@@ -12,25 +12,24 @@
 namespace av
 {
 
-/// Keeps the latest picture and finds what the next one changes of it. Alpha plays no part: what is translucent
-/// counts as painted on black.
+/// Keeps the last frame of an animation and finds what the next one changes. Translucent pixels are blended with black.
 class FrameComparer
 {
 public:
-    /// The rectangles begin at multiples of `alignment` (1 or 2) in both directions.
+    /// Rectangles begin at multiples of `alignment` (1 or 2) in both directions.
     FrameComparer(QSize size, int alignment);
 
-    /// Where the image (of the size given) differs from the latest picture. Empty: nowhere.
+    /// The bounding rectangle of all pixels in which the image differs from the last frame; empty if there are none.
     QRect changedRect(const QImage &image) const;
 
-    /// Makes the image the latest picture; `rect` is its changedRect(), or the whole picture for the first one.
+    /// Makes the image the last frame. `rect` is its changedRect(), or the whole image for the first frame.
     FrameDelta accept(const QImage &image, const QRect &rect);
 
-    /// One delta for two in a row, where `latest` is the last one accepted.
+    /// Combines two consecutive deltas into one. `latest` is the last one accepted.
     FrameDelta merged(const FrameDelta &older, const FrameDelta &latest) const;
 
-    /// A delta of one pixel that changes nothing.
-    FrameDelta nothing() const;
+    /// A delta of one unchanged pixel.
+    FrameDelta unchanged() const;
 
 private:
     const QRgb *row(int y) const { return m_pixels.data() + std::size_t(y) * m_size.width(); }
@@ -41,7 +40,7 @@ private:
     QSize m_size;
     int m_alignment;
     std::vector<QRgb> m_pixels;     // alpha 0
-    std::array<bool, 8> m_isUsed{}; // of some colors that screens hardly ever show: whether there was such a pixel
+    std::array<bool, 8> m_isUsed{}; // per candidate for the unused color: whether a pixel has had it
     bool m_empty = true;
 };
 

@@ -8,14 +8,14 @@ namespace av
 namespace
 {
 
-/// How long an unchanged run has to be, and how often its color has to change, to be better off transparent.
+/// Minimum length and number of color changes of an unchanged run that compresses better when transparent.
 constexpr std::ptrdiff_t kBusyRun = 24;
 constexpr int kBusyRunChanges = 2;
 
-/// Pixels of a picture that is its own sample.
-constexpr std::size_t kSmallFrame = 1 << 17;
+/// A delta of at most this many pixels is its own sample.
+constexpr std::size_t kSmallDelta = 1 << 17;
 
-/// Other samples have this many rows out of every so many.
+/// Other samples consist of this many rows in every period.
 constexpr int kSampledRows = 32;
 constexpr int kSamplePeriod = 128;
 
@@ -31,7 +31,7 @@ std::vector<QRgb> FrameDelta::opaquePixels() const
 
 std::vector<QRgb> FrameDelta::pixelsWithTransparency() const
 {
-    std::vector<QRgb> gapped = opaquePixels();
+    std::vector<QRgb> result = opaquePixels();
     const QRgb *row = pixels.data();
     const QRgb *const first = row;
     const QRgb *const last = row + pixels.size();
@@ -44,10 +44,10 @@ std::vector<QRgb> FrameDelta::pixelsWithTransparency() const
             for (const QRgb *next = run + 1; next < pixel; ++next)
                 colorChanges += next[0] != next[-1];
             if (pixel - run >= kBusyRun && colorChanges >= kBusyRunChanges)
-                std::fill_n(gapped.begin() + (run - first), pixel - run, 0);
+                std::fill_n(result.begin() + (run - first), pixel - run, 0);
         }
     }
-    return gapped;
+    return result;
 }
 
 FrameDelta FrameDelta::edges() const
@@ -62,7 +62,7 @@ FrameDelta FrameDelta::edges() const
 
 FrameDelta FrameDelta::sample() const
 {
-    if (pixels.size() <= kSmallFrame || rect.height() <= kSamplePeriod)
+    if (pixels.size() <= kSmallDelta || rect.height() <= kSamplePeriod)
         return *this;
     FrameDelta bands;
     const std::ptrdiff_t width = rect.width();

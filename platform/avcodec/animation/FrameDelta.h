@@ -9,32 +9,34 @@
 namespace av
 {
 
-/// What a picture changes of the one before it: the smallest rectangle around all changed pixels. It holds the true
-/// color of every pixel in there, and tells by the alpha which of them changed, so that a frame can be encoded
-/// without any other picture at hand.
+/// The difference of a frame to the previous one: the bounding rectangle of all changed pixels. It holds the color of
+/// every pixel inside, changed or not, and marks the changed ones by their alpha; so it can be encoded without any
+/// other frame.
 struct FrameDelta {
     static constexpr QRgb kChanged = 0xff000000u;
 
-    QRect rect;               ///< place in the picture
-    std::vector<QRgb> pixels; ///< row by row; alpha 255: changed, 0: as in the picture before
+    QRect rect;               ///< position in the frame
+    std::vector<QRgb> pixels; ///< row by row; alpha 255: changed, 0: as in the previous frame
 
-    /// Without alpha: what no pixel of this picture and of all before it has been, if there is such a color at hand.
+    /// A color, without alpha, that no pixel of this or any previous frame has; none if all candidates are used.
     std::optional<QRgb> unusedColor = std::nullopt;
 
     static bool isChanged(QRgb pixel) { return pixel & kChanged; }
     static QRgb color(QRgb pixel) { return pixel & ~kChanged; }
 
-    /// The pixels, all opaque.
+    /// All pixels, opaque.
     std::vector<QRgb> opaquePixels() const;
 
-    /// The pixels, opaque but for unchanged ones, which are transparent (0) where that should help compression: in
-    /// long runs of changing colors. Other runs look like their surroundings, which helps more.
+    /// All pixels, where long unchanged runs of varying color are transparent (0) and everything else is opaque. Only
+    /// these runs compress better when transparent; other unchanged pixels compress better when they continue the
+    /// color of their surroundings.
     std::vector<QRgb> pixelsWithTransparency() const;
 
-    /// Those pixels only whose left neighbour looks different; the others pass for unchanged.
+    /// Marks only those changed pixels that differ from their left neighbor.
     FrameDelta edges() const;
 
-    /// Some bands of a large picture, to try out on a fraction of it what is best for the whole; all of a small one.
+    /// Some horizontal bands of a large delta, for choosing the best encoding at a fraction of the cost; a small delta
+    /// is returned whole.
     FrameDelta sample() const;
 };
 

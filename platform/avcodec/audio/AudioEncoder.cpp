@@ -11,7 +11,7 @@ namespace
 constexpr int kBitRate = 192'000;
 constexpr int kPcmBlock = 1'024;
 
-/// Floats where the encoder takes them, else what it likes best.
+/// Planar floats if the encoder takes them, otherwise its preferred format.
 AVSampleFormat sampleFormat(const AVCodec *codec)
 {
     const AVSampleFormat *format = codec->sample_fmts;
@@ -62,7 +62,7 @@ bool AudioEncoder::open(AVCodecID id, AVFormatContext *output, QString *error)
         code = code < 0 ? code : swr_init(context);
     }
     if (code < 0) {
-        *error = QStringLiteral("the %1 encoder cannot be opened: %2").arg(QLatin1String(name), av::errorText(code));
+        *error = QStringLiteral("the %1 encoder cannot be opened: %2").arg(QLatin1String(name), errorText(code));
         return false;
     }
     m_blockSize = m_encoder->frame_size > 0 ? m_encoder->frame_size : kPcmBlock;
@@ -92,7 +92,7 @@ int AudioEncoder::encode(const float *left, const float *right, int count)
     return send(frame);
 }
 
-/// Null ends the stream.
+/// Null flushes the encoder.
 int AudioEncoder::send(const AVFrame *frame)
 {
     int code = avcodec_send_frame(m_encoder.get(), frame);

@@ -22,7 +22,7 @@ qint64 AudioMixer::expectedLength() const
 int AudioMixer::read(float *left, float *right, int count)
 {
     if (m_taken == 0) {
-        // What the limiter holds back is read ahead, so that the sound begins with its first sample.
+        // Compensates the latency of the limiter, so that the output begins with the first sample.
         std::vector<float> first(PeakLimiter::kDelay);
         std::vector<float> second(PeakLimiter::kDelay);
         readSum(first.data(), second.data(), PeakLimiter::kDelay);
@@ -30,9 +30,9 @@ int AudioMixer::read(float *left, float *right, int count)
     }
     readSum(left, right, count);
     m_limiter.process(left, right, count);
-    const int sound = int(std::clamp<qint64>(m_length - m_given, 0, count));
+    const int available = int(std::clamp<qint64>(m_length - m_given, 0, count));
     m_given += count;
-    return sound;
+    return available;
 }
 
 void AudioMixer::readSum(float *left, float *right, int count)

@@ -11,21 +11,22 @@
 namespace av
 {
 
-/// The sum of several sounds, each amplified as told, kept within full scale.
+/// Sums several audio sources, each with its own gain, and keeps the sum within full scale.
 class AudioMixer
 {
 public:
-    /// `gain`: the factor of its level.
+    static constexpr int kMaxRead = 8'192;
+
+    /// `gain`: linear amplitude factor.
     void add(std::unique_ptr<AudioReader> reader, double gain);
     bool isEmpty() const { return m_sources.empty(); }
 
-    /// Samples after which all sources have ended, as far as their files tell.
+    /// Samples until the end of the longest source, estimated from the durations stated by the files.
     qint64 expectedLength() const;
 
-    /// The next `count` samples of both channels, at most kMaxRead. Returns how many of them are sound; silence
-    /// follows.
+    /// Reads the next `count` (at most kMaxRead) samples of each channel. Returns how many of them are within the
+    /// sources; silence follows.
     int read(float *left, float *right, int count);
-    static constexpr int kMaxRead = 8'192;
 
 private:
     void readSum(float *left, float *right, int count);
@@ -37,8 +38,8 @@ private:
 
     std::vector<Source> m_sources;
     PeakLimiter m_limiter;
-    qint64 m_taken = 0;  // from the sources, silence after their end included
-    qint64 m_length = 0; // of the sources' sound
+    qint64 m_taken = 0;  // samples read from the sources, including silence after their end
+    qint64 m_length = 0; // samples until the end of the longest source, as far as read
     qint64 m_given = 0;
 };
 

@@ -20,12 +20,12 @@ namespace
 {
 
 constexpr const char *kFormats = "wav,w64,aiff,mp3,flac,ogg,aac,mov,mp4,m4a,3gp,3g2,mj2,matroska,webm";
-// Beyond what any device delivers, a header is a lie that would cost the resampler gigabytes.
-constexpr int kLowestRate = 1'000;
-constexpr int kHighestRate = 768'000;
-constexpr int kMostChannels = 64;
-constexpr qint64 kRunUp = 512; // samples before the range from which the resampler's filter begins
-constexpr qint64 kForever = std::numeric_limits<qint64>::max() / 4;
+// Beyond any real format; prevents malicious headers from causing huge allocations in the resampler.
+constexpr int kMinRate = 1'000;
+constexpr int kMaxRate = 768'000;
+constexpr int kMaxChannels = 64;
+constexpr qint64 kPreroll = 512; // samples before the range, to settle the filter of the resampler
+constexpr qint64 kUnlimited = std::numeric_limits<qint64>::max() / 4;
 
 qint64 samplesOf(double ms)
 {
@@ -43,16 +43,16 @@ bool AudioReader::open(const AudioTrack &track, QString *error)
 {
     m_path = track.path;
     if (!(track.speed > 0.0) || std::isinf(track.speed)) {
-        *error = QStringLiteral("its speed is not above 0");
+        *error = QStringLiteral("the speed is not above 0");
         return false;
     }
     m_packet.reset(av_packet_alloc());
     m_frame.reset(av_frame_alloc());
-    m_format = av::openInput(track.path, kFormats, error);
+    m_format = openInput(track.path, kFormats, error);
     if (!m_format || !openDecoder(error) || !openResampler(error))
         return false;
     setRange(track);
-    seekNear();
+    seekNearRange();
     return true;
 }
 
@@ -61,7 +61,7 @@ void AudioReader::setRange(const AudioTrack &track)
     const qint64 offset = samplesOf(track.offsetMs);
     m_silence = std::max<qint64>(offset, 0);
     m_begin = track.startMs < 0 ? 0 : samplesOf(track.startMs / track.speed);
-    m_end = track.endMs < 0 ? kForever : samplesOf(track.endMs / track.speed);
+    m_end = track.endMs < 0 ? kUnlimited : samplesOf(track.endMs / track.speed);
     m_begin += std::max<qint64>(-offset, 0);
     m_remaining = std::max<qint64>(m_end - m_begin, 0);
 }
@@ -84,7 +84,7 @@ bool AudioReader::openDecoder(QString *error)
         code = avcodec_open2(m_decoder.get(), codec, nullptr);
     }
     if (code < 0)
-        *error = av::errorText(code);
+        *error = errorText(code);
     return code >= 0;
 }
 
@@ -92,8 +92,8 @@ bool AudioReader::openResampler(QString *error)
 {
     AVChannelLayout &layout = m_decoder->ch_layout;
     const int rate = m_decoder->sample_rate;
-    if (rate < kLowestRate || rate > kHighestRate || layout.nb_channels < 1 || layout.nb_channels > kMostChannels) {
-        *error = QStringLiteral("unusable sound format: %1 channels at %2 Hz").arg(layout.nb_channels).arg(rate);
+    if (rate < kMinRate || rate > kMaxRate || layout.nb_channels < 1 || layout.nb_channels > kMaxChannels) {
+        *error = QStringLiteral("unsupported sound format: %1 channels at %2 Hz").arg(layout.nb_channels).arg(rate);
         return false;
     }
     if (layout.order == AV_CHANNEL_ORDER_UNSPEC)
@@ -103,28 +103,30 @@ bool AudioReader::openResampler(QString *error)
     int code = swr_alloc_set_opts2(&context, &stereo, AV_SAMPLE_FMT_FLTP, kSampleRate, &layout, m_decoder->sample_fmt,
                                    rate, 0, nullptr);
     m_resampler.reset(context);
-    const double toBothSides[] = {1.0, 1.0}; // the default matrix would take 3 dB off
+    const double monoToStereo[] = {1.0, 1.0}; // the default matrix would attenuate by 3 dB
     if (code >= 0 && layout.nb_channels == 1)
-        code = swr_set_matrix(context, toBothSides, 1);
+        code = swr_set_matrix(context, monoToStereo, 1);
     if (code >= 0)
         code = swr_init(context);
     if (code < 0)
-        *error = QStringLiteral("%1 channels cannot be mixed: %2").arg(layout.nb_channels).arg(av::errorText(code));
+        *error = QStringLiteral("%1 channels cannot be mixed: %2").arg(layout.nb_channels).arg(errorText(code));
     return code >= 0;
 }
 
-/// Goes a little before the range. Only plain samples can be found exactly; anything else is decoded from its start.
-void AudioReader::seekNear()
+/// Seeks to a little before the range. This is exact only for PCM; other formats are decoded from the start of the
+/// file.
+void AudioReader::seekNearRange()
 {
     const int rate = m_decoder->sample_rate;
     const int common = std::gcd(rate, kSampleRate);
-    const qint64 sourceUnit = rate / common; // so many samples of the file last exactly as long as
+    const qint64 sourceUnit =
+        rate / common; // samples of the file that last exactly as long as outputUnit samples of the output
     const qint64 outputUnit = kSampleRate / common;
-    const qint64 units = std::max<qint64>(m_begin / outputUnit - (kRunUp / sourceUnit + 1), 0);
+    const qint64 units = std::max<qint64>(m_begin / outputUnit - (kPreroll / sourceUnit + 1), 0);
     m_sourceSkip = units * sourceUnit;
     m_outputSkip = m_begin - units * outputUnit;
-    const bool isPlain = av_get_exact_bits_per_sample(m_stream->codecpar->codec_id) > 0;
-    if (!isPlain || m_sourceSkip == 0)
+    const bool isPcm = av_get_exact_bits_per_sample(m_stream->codecpar->codec_id) > 0;
+    if (!isPcm || m_sourceSkip == 0)
         return;
     const qint64 time = av_rescale_q(m_sourceSkip, {1, rate}, m_stream->time_base);
     m_isPositioned = av_seek_frame(m_format.get(), m_stream->index, time, AVSEEK_FLAG_BACKWARD) < 0;
@@ -160,7 +162,7 @@ int AudioReader::take(float *left, float *right, int count)
     m_given += size_t(skipped);
     const int taken = int(std::min<qint64>(held - skipped, count));
     for (int i = 0; i < taken; ++i, ++m_given) {
-        left[i] = finite(m_left[m_given]); // an encoder refuses what is no number
+        left[i] = finite(m_left[m_given]); // encoders reject NaN and infinity
         right[i] = finite(m_right[m_given]);
     }
     return taken;
@@ -181,7 +183,7 @@ bool AudioReader::refill()
     return true;
 }
 
-/// Hands one decoded frame to the resampler. False when there is none left.
+/// Resamples the next decoded frame. False if there is none.
 bool AudioReader::decode()
 {
     for (;;) {
@@ -192,8 +194,8 @@ bool AudioReader::decode()
             return false;
         const int read = av_read_frame(m_format.get(), m_packet.get());
         if (read < 0 && read != AVERROR_EOF)
-            qCWarning(kel::logCodec).noquote() << "[AudioReader]" << m_path << "ends early:" << av::errorText(read);
-        // A damaged packet is left out; the next one may be whole.
+            qCWarning(kel::logCodec).noquote() << "[AudioReader]" << m_path << "ends early:" << errorText(read);
+        // Errors are ignored: a damaged packet is skipped, as the next one may be intact.
         if (read < 0 || m_packet->stream_index == m_stream->index)
             avcodec_send_packet(m_decoder.get(), read < 0 ? nullptr : m_packet.get());
         av_packet_unref(m_packet.get());
@@ -201,19 +203,20 @@ bool AudioReader::decode()
     const AVFrame *frame = m_frame.get();
     if (frame->format != m_decoder->sample_fmt || frame->sample_rate != m_decoder->sample_rate ||
         frame->ch_layout.nb_channels != m_decoder->ch_layout.nb_channels) {
-        qCWarning(kel::logCodec).noquote() << "[AudioReader]" << m_path << "changes its format and is cut off there";
+        qCWarning(kel::logCodec).noquote()
+            << "[AudioReader]" << m_path << "changes its format midway; the rest is ignored";
         return false;
     }
     resample(frame);
     return true;
 }
 
-/// Null empties the resampler.
+/// Null flushes the resampler.
 void AudioReader::resample(const AVFrame *frame)
 {
     int count = 0;
     int skipped = 0;
-    std::array<const uint8_t *, kMostChannels> planes{};
+    std::array<const uint8_t *, kMaxChannels> planes{};
     if (frame) {
         if (!std::exchange(m_isPositioned, true))
             m_sourceSkip -= av_rescale_q(frame->pts, m_stream->time_base, {1, frame->sample_rate});
@@ -237,8 +240,8 @@ void AudioReader::resample(const AVFrame *frame)
             planes[size_t(i)] = frame->extended_data[i] + qint64(skipped) * step;
     }
     uint8_t *out[] = {reinterpret_cast<uint8_t *>(m_left.data()), reinterpret_cast<uint8_t *>(m_right.data())};
-    const int made = swr_convert(m_resampler.get(), out, space, frame ? planes.data() : nullptr, count);
-    m_left.resize(size_t(std::max(made, 0)));
+    const int converted = swr_convert(m_resampler.get(), out, space, frame ? planes.data() : nullptr, count);
+    m_left.resize(size_t(std::max(converted, 0)));
     m_right.resize(m_left.size());
 }
 

@@ -7,25 +7,24 @@
 
 #include <functional>
 
-/// Told how much of a mix is done, 0 to 1, many times a second on the mixing thread; false gives the mix up, within
-/// milliseconds.
+/// Called with the completed share of a mix, 0 to 1, many times a second on the mixing thread. Returning false cancels
+/// the mix within milliseconds; its error is then "Cancelled".
 using MixProgress = std::function<bool(double share)>;
 
-/// Whether the file's suffix tells a container that a mix can be written to.
+/// Whether the file name suffix stands for a container that MixAudioVideoTracks() can write.
 bool canMixInto(const QString &path);
 
-/// Puts a video and the sum of sound tracks into one file. The video is copied as it is; the sound becomes 48 kHz
-/// stereo.
+/// Combines a video with the sum of audio tracks in one file. The video is copied without re-encoding; the audio
+/// becomes 48 kHz stereo.
 ///
-/// Each track is amplified by its gain. Where the sum would exceed full scale, it is lowered smoothly. Sound begins and
-/// ends with the picture, silence filling up what the tracks leave; a video of a single picture is a still, which is
-/// shown for as long as there is sound. A track that cannot be read is left out with a warning as long as another one
-/// can be read.
+/// Each track is scaled by its gain, and a limiter keeps the sum within full scale. The audio is as long as the video,
+/// padded with silence where tracks are shorter; a video of a single frame is treated as a still image and shown as
+/// long as there is audio. A track that cannot be read is skipped with a warning, as long as another one can be read.
 ///
-/// The output's suffix chooses the container: mp4, m4v, mov, mkv with AAC, the index in front where there is one; m4a,
-/// mka, aac, mp3, wav, flac, ogg, oga, opus without the picture.
+/// The suffix of the output selects the container: mp4, m4v, mov, mkv with AAC, with the index at the front where the
+/// container allows it; m4a, mka, aac, mp3, wav, flac, ogg, oga, opus without video.
 ///
-/// The output appears when it is whole, or not at all; an existing file is replaced in one step. Memory does not grow
-/// with length. False, with the reason in English, on failure. Any thread.
+/// The output appears only when it is complete; an existing file is replaced in one step. Memory use does not depend on
+/// the duration. Blocks until the mix is done. False, with the reason in English in `error`, on failure. Any thread.
 bool MixAudioVideoTracks(const QString &videoPath, const QList<AudioTrack> &tracks, const QString &outputPath,
                          const MixProgress &progress = {}, QString *error = nullptr);

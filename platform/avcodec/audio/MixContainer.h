@@ -7,14 +7,14 @@
 namespace av
 {
 
-/// What a file with a certain suffix is made of.
+/// Muxer and audio codec for a file name suffix.
 struct MixContainer {
     const char *suffix;
     const char *muxer;
-    AVCodecID soundCodec;
-    bool hasPicture;
+    AVCodecID audioCodec;
+    bool hasVideo;
 
-    /// Null for a suffix that no mix can be written to.
+    /// Null if no mix can be written to files with this suffix.
     static const MixContainer *ofFile(const QString &path);
 };
 

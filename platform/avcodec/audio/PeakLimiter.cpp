@@ -9,26 +9,26 @@ namespace av
 namespace
 {
 
-constexpr float kRelease = 0.0001F; // a share of the way back at each sample: about 200 ms at 48 kHz
+constexpr float kRelease = 0.0001F; // share of the remaining gain recovered per sample: about 200 ms at 48 kHz
 constexpr float kAlmostOne = 0.9999F;
 
 } // namespace
 
-/// The gain at a sample is the mean of envelopes that each know the deepest dip within the delay: smooth, and never
-/// above what the sample needs that comes out now.
+/// The gain is a moving average over the delay of an envelope, which at each sample is at most the lowest gain that any
+/// peak within the delay requires. So it changes smoothly and is low enough for the sample that is output now.
 float PeakLimiter::gainFor(float peak)
 {
     if (peak > 1.0F) {
         const float needed = 1.0F / peak;
-        while (!m_dips.empty() && m_dips.back().gain >= needed)
-            m_dips.pop_back();
-        m_dips.push_back({m_position, needed});
+        while (!m_bounds.empty() && m_bounds.back().gain >= needed)
+            m_bounds.pop_back();
+        m_bounds.push_back({m_position, needed});
     }
-    if (!m_dips.empty() && m_dips.front().position < m_position - kDelay)
-        m_dips.pop_front();
-    const float bound = m_dips.empty() ? 1.0F : m_dips.front().gain;
+    if (!m_bounds.empty() && m_bounds.front().position < m_position - kDelay)
+        m_bounds.pop_front();
+    const float bound = m_bounds.empty() ? 1.0F : m_bounds.front().gain;
     m_envelope = std::min(bound, m_envelope + (1.0F - m_envelope) * kRelease);
-    if (m_envelope > kAlmostOne && m_dips.empty())
+    if (m_envelope > kAlmostOne && m_bounds.empty())
         m_envelope = 1.0F;
     m_envelopeSum += double(m_envelope) - double(m_envelopes[m_next]);
     m_envelopes[m_next] = m_envelope;

@@ -8,19 +8,19 @@
 namespace av
 {
 
-/// Keeps stereo sound within full scale: the level sinks smoothly shortly before a peak that would exceed it, and rises
-/// slowly afterwards. What stays within full scale passes unchanged.
+/// Look-ahead limiter for stereo audio: lowers the gain smoothly before a peak that would exceed full scale and raises
+/// it slowly afterwards. Audio within full scale passes unchanged.
 class PeakLimiter
 {
 public:
-    /// Samples by which the sound comes out later.
+    /// Latency in samples.
     static constexpr int kDelay = 240;
 
-    /// Replaces `count` samples of both channels by those that came `kDelay` samples before.
+    /// Replaces `count` samples of both channels by those that came in `kDelay` samples before.
     void process(float *left, float *right, int count);
 
 private:
-    struct Dip {
+    struct GainBound {
         qint64 position;
         float gain;
     };
@@ -28,14 +28,14 @@ private:
     float gainFor(float peak);
 
     qint64 m_position = 0;
-    std::deque<Dip> m_dips; // needed gains below 1 within the delay, rising
+    std::deque<GainBound> m_bounds; // gains below 1 required by peaks within the delay, ascending
     float m_envelope = 1.0F;
-    // Of the last kDelay + 1 samples, in rings:
+    // Ring buffers of the last kDelay + 1 samples:
     std::vector<float> m_envelopes = std::vector<float>(kDelay + 1, 1.0F);
     std::vector<float> m_left = std::vector<float>(kDelay + 1);
     std::vector<float> m_right = std::vector<float>(kDelay + 1);
     double m_envelopeSum = kDelay + 1;
-    size_t m_next = 0; // the oldest place in the rings
+    size_t m_next = 0; // index of the oldest entry
 };
 
 } // namespace av

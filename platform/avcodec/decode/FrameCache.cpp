@@ -25,7 +25,7 @@ const AVFrame *FrameCache::find(int number) const
     return entry == m_frames.end() ? nullptr : entry->second.get();
 }
 
-void FrameCache::insert(int number, av::Frame frame)
+void FrameCache::insert(int number, Frame frame)
 {
     remove(number);
     m_bytes += bytesOf(*frame);

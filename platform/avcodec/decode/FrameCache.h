@@ -9,8 +9,8 @@
 namespace av
 {
 
-/// The decoded frames of late, by number, within a bound of memory. What was decoded first goes first: then the frames
-/// just before the one that was asked for stay, which stepping backwards asks for next.
+/// Recently decoded frames by number, within a memory limit. The frame decoded first is evicted first, which keeps the
+/// frames just before the requested one: stepping backwards needs those next.
 class FrameCache
 {
 public:
@@ -19,11 +19,11 @@ public:
     {
     }
 
-    /// Null when the frame is not here. Valid until the next insert() or clear().
+    /// Null if the frame is not cached. Valid until the next insert() or clear().
     const AVFrame *find(int number) const;
 
-    /// Takes the frame as the newest one; it is kept even if it alone is over the bound.
-    void insert(int number, av::Frame frame);
+    /// Adds the frame as the newest one. It is kept even if it exceeds the limit alone.
+    void insert(int number, Frame frame);
 
     void clear();
 
@@ -32,8 +32,8 @@ private:
 
     const std::size_t m_capacityBytes;
     std::size_t m_bytes = 0;
-    std::map<int, av::Frame> m_frames;
-    std::deque<int> m_age; // numbers, oldest first
+    std::map<int, Frame> m_frames;
+    std::deque<int> m_age; // frame numbers, oldest first
 };
 
 } // namespace av

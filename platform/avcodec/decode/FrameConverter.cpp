@@ -14,7 +14,7 @@ namespace
 
 constexpr quint32 kOpaque = 0xff000000U;
 
-// One row each, written so that the compiler makes vector code of them.
+// Each converts one row in a loop that the compiler can vectorize.
 void packPlanes(quint32 *__restrict out, const uchar *__restrict red, const uchar *__restrict green,
                 const uchar *__restrict blue, int width)
 {
@@ -39,7 +39,7 @@ quint32 *row(QImage &image, int y)
     return reinterpret_cast<quint32 *>(image.scanLine(y));
 }
 
-/// The format that a deprecated one stands for, which says "full range" besides.
+/// Replaces the deprecated formats that imply full range.
 AVPixelFormat plainFormat(const AVFrame &frame)
 {
     switch (frame.format) {
@@ -74,7 +74,7 @@ int matrixOf(const AVFrame &frame)
     case AVCOL_SPC_BT2020_NCL:
     case AVCOL_SPC_BT2020_CL:
         return SWS_CS_BT2020;
-    default: // not stated: what players agree on
+    default: // unspecified: what players assume
         return frame.height >= 720 ? SWS_CS_ITU709 : SWS_CS_ITU601;
     }
 }
@@ -91,7 +91,7 @@ QImage FrameConverter::convert(const AVFrame &frame)
         for (int y = 0; y < frame.height; ++y)
             packPlanes(row(image, y), row(frame, 2, y), row(frame, 0, y), row(frame, 1, y), frame.width);
         return image;
-    case AV_PIX_FMT_RGB32: // words in the order of this machine, as QImage has them
+    case AV_PIX_FMT_RGB32: // 32-bit words in native byte order, like QImage
     case AV_PIX_FMT_0RGB32:
         for (int y = 0; y < frame.height; ++y)
             copyOpaque(row(image, y), row<quint32>(frame, 0, y), frame.width);
@@ -103,8 +103,8 @@ QImage FrameConverter::convert(const AVFrame &frame)
 
 bool FrameConverter::scale(const AVFrame &frame, QImage &image)
 {
-    // Where chroma is subsampled, the library's vector code for that very conversion is within 3 levels and takes a
-    // sixteenth of the time of the exact way. Elsewhere only the exact way keeps the full resolution of chroma.
+    // With subsampled chroma, the library's vectorized conversion is off by 3 levels at most and takes a sixteenth of
+    // the time of the exact one. Otherwise only the exact one keeps the full chroma resolution.
     const AVPixFmtDescriptor *const layout = av_pix_fmt_desc_get(plainFormat(frame));
     const bool isSubsampled = layout && layout->log2_chroma_w > 0;
     const int flags = SWS_BILINEAR | (isSubsampled ? 0 : SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT);
@@ -112,9 +112,9 @@ bool FrameConverter::scale(const AVFrame &frame, QImage &image)
                                         frame.height, AV_PIX_FMT_0RGB32, flags, nullptr, nullptr, nullptr));
     if (!m_scaler)
         return false;
-    constexpr int one = 1 << 16;
+    constexpr int kOne = 1 << 16; // fixed-point contrast and saturation
     sws_setColorspaceDetails(m_scaler.get(), sws_getCoefficients(matrixOf(frame)), isFullRange(frame),
-                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, one, one);
+                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, kOne, kOne);
     uchar *const planes[] = {image.bits()};
     const int strides[] = {static_cast<int>(image.bytesPerLine())};
     return sws_scale(m_scaler.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) == frame.height;

@@ -8,18 +8,18 @@
 namespace av
 {
 
-/// Turns decoded frames into images of QImage::Format_RGB32: video is opaque, whatever its fourth channel says.
+/// Converts decoded frames to images of QImage::Format_RGB32. Alpha is ignored.
 class FrameConverter
 {
 public:
-    /// A null image when the frame cannot be converted.
+    /// A null image if the frame cannot be converted.
     QImage convert(const AVFrame &frame);
 
 private:
     bool scale(const AVFrame &frame, QImage &image);
 
     ImagePool m_pool;
-    av::ScaleContext m_scaler;
+    ScaleContext m_scaler;
 };
 
 } // namespace av

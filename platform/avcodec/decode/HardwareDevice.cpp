@@ -22,7 +22,7 @@ BufferRef openHardwareDevice(const QByteArray &type)
 QByteArray usableDeviceType(const AVCodec *codec)
 {
     for (int i = 0; const AVCodecHWConfig *config = avcodec_get_hw_config(codec, i); ++i) {
-        // What has the older interface of Windows has the newer one, too, which outlives a locked screen.
+        // Drivers with the older Windows API also have the newer one, which survives locking the screen.
         const bool isOutdated = config->device_type == AV_HWDEVICE_TYPE_DXVA2;
         if (isOutdated || !(config->methods & AV_CODEC_HW_CONFIG_METHOD_HW_DEVICE_CTX))
             continue;
@@ -35,7 +35,7 @@ QByteArray usableDeviceType(const AVCodec *codec)
 
 bool canDecodeOnHardware(const AVCodecParameters &video)
 {
-    // An MP4 or Matroska file states the profile at the begin of the codec's own header.
+    // MP4 and Matroska files state the profile in the "avcC" record.
     const bool isStated = video.extradata_size > 1 && video.extradata[0] == 1;
     switch (isStated ? video.extradata[1] : video.profile) {
     case FF_PROFILE_UNKNOWN:

@@ -7,14 +7,14 @@
 namespace av
 {
 
-/// Opens the machine's device of an FFmpeg type ("vaapi", "cuda", "d3d11va", …). Null when there is none.
+/// Opens the machine's device of an FFmpeg type ("vaapi", "cuda", "d3d11va", …). Null if there is none.
 BufferRef openHardwareDevice(const QByteArray &type);
 
-/// The type of a device that can decode for the codec and really opens on this machine; empty when there is none.
+/// The first device type that supports the codec and can be opened on this machine; empty if there is none.
 QByteArray usableDeviceType(const AVCodec *codec);
 
-/// Whether trying a device for this video of H.264 makes sense: all that there are know only 8 bits with colors at
-/// half the size (4:2:0), which our own recordings are not.
+/// Whether hardware may be able to decode this H.264 video. Devices support only 8-bit 4:2:0, which excludes the RGB
+/// videos of recordings.
 bool canDecodeOnHardware(const AVCodecParameters &video);
 
 } // namespace av

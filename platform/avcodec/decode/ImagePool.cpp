@@ -16,7 +16,7 @@ struct Free {
 };
 using Memory = std::unique_ptr<uchar, Free>;
 
-// One on the screen, one being painted, one in the next consumer's hands.
+// One on screen, one being painted, one being processed further.
 constexpr std::size_t kSpareCount = 3;
 
 } // namespace
@@ -71,7 +71,7 @@ QImage ImagePool::image(const QSize &size, QImage::Format format)
     };
     QImage image(pixels, size.width(), size.height(), bytesPerLine, format, release, lease.get());
     if (!image.isNull())
-        lease.release(); // NOLINT(bugprone-unused-return-value): the image owns it now
+        lease.release(); // NOLINT(bugprone-unused-return-value): now owned by the image
     return image;
 }
 

@@ -7,14 +7,14 @@
 namespace av
 {
 
-/// Makes images whose memory is used again once they are gone: the system hands out a full-screen image page by page,
-/// which takes longer than filling it. Images may outlive the pool and die on any thread.
+/// Creates images whose memory is reused after they are destroyed: for a full-screen image, the page faults of fresh
+/// memory take longer than filling it. Images may outlive the pool and be destroyed on any thread.
 class ImagePool
 {
 public:
     ImagePool();
 
-    /// An image with undefined pixels, 32 bits each; null when there is no memory for it.
+    /// An image with undefined pixels of 32 bits each. Null if out of memory.
     QImage image(const QSize &size, QImage::Format format);
 
 private:

@@ -7,49 +7,49 @@
 namespace av
 {
 
-/// One coded picture of a video file.
+/// One coded frame of a video file.
 struct Sample {
-    std::int64_t position = 0;     ///< byte offset in the file
-    std::int64_t presentation = 0; ///< when it is shown, in the stream's time base
-    int size = 0;                  ///< bytes
-    int number = -1;               ///< its frame number; -1: decoded for others' sake and never shown
-    bool keyframe = false;
-    bool hidden = false; ///< an edit list leaves it out
+    std::int64_t offset = 0;           ///< of its first byte in the file
+    std::int64_t presentationTime = 0; ///< in the stream's time base
+    int size = 0;                      ///< bytes
+    int frame = -1;                    ///< frame number in presentation order; -1: not shown
+    bool isKeyframe = false;
+    bool isHidden = false; ///< excluded by an edit list: only decoded as a reference for other frames
 };
 
-/// Which sample holds which frame of a video, and where decoding may start to reach it.
+/// Maps frames to samples, and to the samples at which decoding has to start. Samples are numbered in decoding order.
 class SampleIndex
 {
 public:
     SampleIndex() = default;
 
-    /// Takes the samples in decoding order and numbers those that are shown in the order of their presentation.
+    /// Takes the samples in decoding order and assigns frame numbers to those that are shown.
     explicit SampleIndex(std::vector<Sample> samples);
 
     int sampleCount() const { return static_cast<int>(m_samples.size()); }
-    const Sample &sample(int position) const { return m_samples[static_cast<std::size_t>(position)]; }
+    const Sample &sample(int index) const { return m_samples[static_cast<std::size_t>(index)]; }
 
-    /// Frames that are shown.
+    /// Number of frames that are shown.
     int frameCount() const { return static_cast<int>(m_order.size()); }
 
-    /// The sample that holds the frame.
+    /// Index of the sample that holds the frame.
     int sampleOf(int frame) const { return m_order[static_cast<std::size_t>(frame)]; }
 
-    /// The last sample from which decoding yields the frame.
+    /// Index of the last sample from which decoding produces the frame.
     int startFor(int frame) const;
 
-    /// The keyframe before that sample; 0 when there is none.
-    int keyframeBefore(int position) const;
+    /// Index of the last keyframe before a sample; 0 if there is none.
+    int keyframeBefore(int sampleIndex) const;
 
-    /// How many frames a decoder must hold back to put them into presentation order.
+    /// Number of frames a decoder has to hold back to output them in presentation order.
     int reorderDepth() const { return m_reorderDepth; }
 
 private:
     void numberFrames();
 
     std::vector<Sample> m_samples; // in decoding order
-    std::vector<int> m_order;      // frame number to sample
-    std::vector<int> m_keyframes;  // samples where decoding may start, ascending; the first sample always may
+    std::vector<int> m_order;      // sample of each frame
+    std::vector<int> m_keyframes;  // samples at which decoding can start, ascending; always includes the first
     int m_reorderDepth = 0;
 };
 

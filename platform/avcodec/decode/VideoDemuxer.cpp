@@ -11,23 +11,23 @@ namespace av
 namespace
 {
 
-// More than any screen; keeps a hostile header from asking for gigabytes.
-constexpr int kLargestSide = 16384;
+// Larger than any screen; prevents malicious headers from causing huge allocations.
+constexpr int kMaxSide = 16384;
 
 } // namespace
 
 bool VideoDemuxer::open(const QString &path, AVCodecID codec, QString *error)
 {
-    m_format = av::openInput(path, "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm", error);
+    m_format = openInput(path, "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm", error);
     if (!m_format)
         return false;
     if (!selectVideo(codec, error))
         return false;
 
-    m_samplesAreRaw = std::strstr(m_format->iformat->name, "mov") != nullptr;
-    // The demuxer's own index knows decoding times only, which is enough where frames are not reordered.
-    m_index =
-        SampleIndex(m_samplesAreRaw && m_stream->codecpar->video_delay == 0 ? samplesOfDemuxer() : samplesOfPackets());
+    m_samplesAreContiguous = std::strstr(m_format->iformat->name, "mov") != nullptr;
+    // The demuxer's own index has only decoding times, which is enough if frames are not reordered.
+    m_index = SampleIndex(m_samplesAreContiguous && m_stream->codecpar->video_delay == 0 ? samplesFromIndex()
+                                                                                         : samplesFromPackets());
     if (m_index.frameCount() == 0) {
         *error = QStringLiteral("the video has no complete frame");
         return false;
@@ -52,17 +52,17 @@ bool VideoDemuxer::selectVideo(AVCodecID codec, QString *error)
                      .arg(QLatin1String(avcodec_get_name(found->codec_id)), QLatin1String(avcodec_get_name(codec)));
         return false;
     }
-    if (found->width <= 0 || found->height <= 0 || found->width > kLargestSide || found->height > kLargestSide) {
-        *error = QStringLiteral("unusable frame size %1x%2").arg(found->width).arg(found->height);
+    if (found->width <= 0 || found->height <= 0 || found->width > kMaxSide || found->height > kMaxSide) {
+        *error = QStringLiteral("unsupported frame size %1x%2").arg(found->width).arg(found->height);
         return false;
     }
     return true;
 }
 
-std::vector<Sample> VideoDemuxer::samplesOfDemuxer()
+std::vector<Sample> VideoDemuxer::samplesFromIndex()
 {
-    // With every stream discarded the demuxer walks through the headers of all fragments and reads no sample.
-    const av::Packet packet(av_packet_alloc());
+    // With all streams discarded, the demuxer parses the headers of all fragments without reading any sample.
+    const Packet packet(av_packet_alloc());
     while (av_read_frame(m_format.get(), packet.get()) >= 0)
         av_packet_unref(packet.get());
 
@@ -76,30 +76,30 @@ std::vector<Sample> VideoDemuxer::samplesOfDemuxer()
         if (!complete)
             continue;
         Sample sample;
-        sample.position = entry->pos;
-        sample.presentation = i;
+        sample.offset = entry->pos;
+        sample.presentationTime = i;
         sample.size = entry->size;
-        sample.keyframe = entry->flags & AVINDEX_KEYFRAME;
-        sample.hidden = entry->flags & AVINDEX_DISCARD_FRAME;
+        sample.isKeyframe = entry->flags & AVINDEX_KEYFRAME;
+        sample.isHidden = entry->flags & AVINDEX_DISCARD_FRAME;
         samples.push_back(sample);
     }
     return samples;
 }
 
-std::vector<Sample> VideoDemuxer::samplesOfPackets()
+std::vector<Sample> VideoDemuxer::samplesFromPackets()
 {
     m_stream->discard = AVDISCARD_DEFAULT;
-    const av::Packet packet(av_packet_alloc());
+    const Packet packet(av_packet_alloc());
     std::vector<Sample> samples;
     while (samples.size() < INT_MAX && av_read_frame(m_format.get(), packet.get()) >= 0) {
         const bool complete = packet->size > 0 && !(packet->flags & AV_PKT_FLAG_CORRUPT);
         if (packet->stream_index == m_stream->index && complete) {
             Sample sample;
-            sample.position = packet->pos;
-            sample.presentation = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
+            sample.offset = packet->pos;
+            sample.presentationTime = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
             sample.size = packet->size;
-            sample.keyframe = packet->flags & AV_PKT_FLAG_KEY;
-            sample.hidden = packet->flags & AV_PKT_FLAG_DISCARD;
+            sample.isKeyframe = packet->flags & AV_PKT_FLAG_KEY;
+            sample.isHidden = packet->flags & AV_PKT_FLAG_DISCARD;
             samples.push_back(sample);
         }
         av_packet_unref(packet.get());
@@ -116,38 +116,37 @@ double VideoDemuxer::framesPerSecond() const
 bool VideoDemuxer::read(int sample, AVPacket *packet)
 {
     const Sample &wanted = m_index.sample(sample);
-    if (!(m_samplesAreRaw ? readDirectly(wanted, packet) : readByDemuxer(sample, packet)))
+    if (!(m_samplesAreContiguous ? readDirectly(wanted, packet) : readByDemuxing(sample, packet)))
         return false;
-    // From here on time is counted in frames and samples: whatever the file's clock does, a decoded frame says which
-    // one it is.
-    packet->pts = wanted.hidden ? AV_NOPTS_VALUE : wanted.number;
+    // Replaces the file's timestamps by numbers, so that a decoded frame states which one it is.
+    packet->pts = wanted.isHidden ? AV_NOPTS_VALUE : wanted.frame;
     packet->dts = sample;
-    packet->flags = (wanted.keyframe ? AV_PKT_FLAG_KEY : 0) | (wanted.hidden ? AV_PKT_FLAG_DISCARD : 0);
+    packet->flags = (wanted.isKeyframe ? AV_PKT_FLAG_KEY : 0) | (wanted.isHidden ? AV_PKT_FLAG_DISCARD : 0);
     return true;
 }
 
 bool VideoDemuxer::readDirectly(const Sample &sample, AVPacket *packet)
 {
-    return avio_seek(m_format->pb, sample.position, SEEK_SET) >= 0 &&
+    return avio_seek(m_format->pb, sample.offset, SEEK_SET) >= 0 &&
            av_get_packet(m_format->pb, packet, sample.size) == sample.size;
 }
 
-bool VideoDemuxer::readByDemuxer(int sample, AVPacket *packet)
+bool VideoDemuxer::readByDemuxing(int sample, AVPacket *packet)
 {
     const Sample &wanted = m_index.sample(sample);
-    if (sample != m_nextOfDemuxer &&
-        av_seek_frame(m_format.get(), m_stream->index, wanted.presentation, AVSEEK_FLAG_BACKWARD) < 0) {
-        m_nextOfDemuxer = -1;
+    if (sample != m_nextDemuxed &&
+        av_seek_frame(m_format.get(), m_stream->index, wanted.presentationTime, AVSEEK_FLAG_BACKWARD) < 0) {
+        m_nextDemuxed = -1;
         return false;
     }
-    m_nextOfDemuxer = -1;
+    m_nextDemuxed = -1;
     while (av_read_frame(m_format.get(), packet) >= 0) {
         const bool isVideo = packet->stream_index == m_stream->index;
-        if (isVideo && packet->pos == wanted.position) {
-            m_nextOfDemuxer = sample + 1;
+        if (isVideo && packet->pos == wanted.offset) {
+            m_nextDemuxed = sample + 1;
             return true;
         }
-        const bool passed = isVideo && packet->pos > wanted.position;
+        const bool passed = isVideo && packet->pos > wanted.offset;
         av_packet_unref(packet);
         if (passed)
             break;

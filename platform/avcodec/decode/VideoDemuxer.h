@@ -8,34 +8,36 @@
 namespace av
 {
 
-/// The video track of a file on disk: what it is and its samples, read in any order.
+/// Random access to the samples of a file's video track.
 class VideoDemuxer
 {
 public:
-    /// Opens the file and indexes its video, which must be of the given codec. False, with the reason, when it is not.
+    /// Opens the file and indexes its video, which must have the given codec. False, with the reason in `error`, on
+    /// failure.
     bool open(const QString &path, AVCodecID codec, QString *error);
 
     const AVCodecParameters *parameters() const { return m_stream->codecpar; }
     const SampleIndex &index() const { return m_index; }
 
-    /// Frames a second as the file states them; 0 when it does not.
+    /// Frames per second as stated by the file; 0 if it states none.
     double framesPerSecond() const;
 
-    /// Reads a sample as it is stored. False when the file no longer yields it.
+    /// Reads a sample. The packet's timestamps are the numbers of its frame (pts; none if it is hidden) and of the
+    /// sample (dts). False if the file can no longer be read.
     bool read(int sample, AVPacket *packet);
 
 private:
     bool selectVideo(AVCodecID codec, QString *error);
-    std::vector<Sample> samplesOfDemuxer();
-    std::vector<Sample> samplesOfPackets();
+    std::vector<Sample> samplesFromIndex();
+    std::vector<Sample> samplesFromPackets();
     bool readDirectly(const Sample &sample, AVPacket *packet);
-    bool readByDemuxer(int sample, AVPacket *packet);
+    bool readByDemuxing(int sample, AVPacket *packet);
 
-    av::FormatContext m_format;
+    FormatContext m_format;
     AVStream *m_stream = nullptr; // owned by m_format
     SampleIndex m_index;
-    bool m_samplesAreRaw = false; // position and size of a sample are those of its bytes in the file
-    int m_nextOfDemuxer = -1;     // the sample that the demuxer yields next; -1: unknown
+    bool m_samplesAreContiguous = false; // a sample's offset and size are those of its bytes in the file
+    int m_nextDemuxed = -1;              // sample that the demuxer returns next; -1: unknown
 };
 
 } // namespace av

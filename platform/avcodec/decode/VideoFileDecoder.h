@@ -11,7 +11,7 @@ namespace av
 
 class FrameDecoder;
 
-/// What the decoders of all formats share; a format's class opens the file.
+/// Common base of the decoders; the class for each codec opens the file.
 class VideoFileDecoder : public KelAVCodecDecoder
 {
 public:
@@ -26,17 +26,17 @@ public:
     double getFPS() const override;
     int getFrameCount() const override;
 
-    /// Frames that had to be decoded for the calls so far: tells how well they were served.
+    /// Number of frames that had to be decoded for all calls so far; a measure of how efficient they were.
     quint64 decodedFrames() const;
 
 protected:
     VideoFileDecoder();
 
-    /// Opens the file with the decoder, or logs why not and stays not valid.
+    /// Opens the file with the decoder. On failure, logs the reason and stays invalid.
     void open(std::unique_ptr<FrameDecoder> decoder, const QString &path);
 
 private:
-    std::unique_ptr<FrameDecoder> m_decoder; // null: not valid
+    std::unique_ptr<FrameDecoder> m_decoder; // null: invalid
 };
 
 } // namespace av

@@ -4,10 +4,11 @@
 
 #include <QString>
 
-/// Decodes a Matroska or MP4 file of FFV1, the lossless format of older recordings.
+/// Decodes FFV1, the lossless codec of older recordings, from Matroska or MP4.
 class ffv1Decoder : public av::VideoFileDecoder
 {
 public:
+    /// Opens the file. On failure, logs the reason; the decoder is invalid then.
     explicit ffv1Decoder(const QString &path);
 
     /// FFV1 can be decoded on this system.

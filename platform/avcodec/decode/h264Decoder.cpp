@@ -24,7 +24,7 @@ H264DecodeParams h264Decoder::PreferH264DecodeParams(bool preferHardware)
 {
     H264DecodeParams params{QStringLiteral("h264"), {}};
     if (preferHardware && isSupported()) {
-        static const QByteArray type = av::usableDeviceType(avcodec_find_decoder(AV_CODEC_ID_H264));
+        static const QByteArray type = usableDeviceType(avcodec_find_decoder(AV_CODEC_ID_H264));
         params.deviceType = QString::fromLatin1(type);
     }
     return params;

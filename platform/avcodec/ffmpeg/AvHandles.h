@@ -1,6 +1,6 @@
 #pragma once
 
-// Owners for every FFmpeg handle of this library; nothing here is freed by hand elsewhere.
+// Owners for all FFmpeg handles; nothing is freed manually elsewhere.
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -54,7 +54,7 @@ using Dictionary = Handle<AVDictionary>;
 using ScaleContext = Handle<SwsContext>;
 using ResampleContext = Handle<SwrContext>;
 
-/// The library's text for an AVERROR code.
+/// FFmpeg's message for an AVERROR code.
 inline QString errorText(int code)
 {
     char text[AV_ERROR_MAX_STRING_SIZE] = {};

@@ -3,8 +3,8 @@
 namespace av
 {
 
-/// Passes what FFmpeg's libraries report as errors to Qt's logger, and drops their chatter. Any thread, any number of
-/// times; it holds for the whole process.
+/// Redirects the errors that FFmpeg's libraries log to Qt's logging and discards their other messages, for the whole
+/// process. Any thread, any number of times.
 void useQtLog();
 
 } // namespace av

@@ -10,7 +10,7 @@ namespace av
 FormatContext openContainer(const QString &path, const char *formats, QString *error)
 {
     useQtLog();
-    // A pipe or a device would block, a directory confuses the demuxers.
+    // Pipes and devices would block, and directories confuse the demuxers.
     if (!QFileInfo(path).isFile()) {
         *error = QStringLiteral("not a regular file");
         return nullptr;

@@ -7,12 +7,12 @@
 namespace av
 {
 
-/// Opens a file for reading; null, with the reason, when that fails. What lies on the disk is not trusted to name a
-/// playlist, an address or a format that needs guessing: only `formats` are considered, a comma-separated list of
-/// demuxers.
+/// Opens a file for demuxing; null, with the reason in `error`, on failure. As files are not trusted, only the demuxers
+/// in `formats`, a comma-separated list, are tried, and no other files or addresses that it refers to are opened.
 FormatContext openContainer(const QString &path, const char *formats, QString *error);
 
-/// The same, and finds out what the container does not tell, for which it may read and decode some of it.
+/// The same, and also determines stream parameters that the container does not state, for which it may read and decode
+/// some packets.
 FormatContext openInput(const QString &path, const char *formats, QString *error);
 
 } // namespace av

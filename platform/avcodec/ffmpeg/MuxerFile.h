@@ -7,7 +7,7 @@
 namespace av
 {
 
-/// An output file of libavformat's own, which a muxer can open again to move the index to the front.
+/// Owner of an output file of libavformat. A muxer can open it again to move the index to the front.
 class MuxerFile
 {
 public:
@@ -16,7 +16,7 @@ public:
     MuxerFile(const MuxerFile &) = delete;
     MuxerFile &operator=(const MuxerFile &) = delete;
 
-    /// An AVERROR code, or 0. `interrupt` ends every write while it answers other than 0.
+    /// An AVERROR code, or 0. Writes are cancelled as soon as `interrupt` returns nonzero.
     int open(const QByteArray &url, const AVIOInterruptCB *interrupt = nullptr)
     {
         return avio_open2(&m_io, url.constData(), AVIO_FLAG_WRITE, interrupt, nullptr);

@@ -18,31 +18,31 @@ using namespace av;
 namespace
 {
 
-/// The worst quantizer is that of quality 0; at 100 small colored text comes out at 49 dB and better.
+/// At quality 100, small colored text has 49 dB or more.
 int quantizer(int quality)
 {
-    constexpr int best = 16;
-    constexpr int worst = 40;
-    return worst - (worst - best) * std::clamp(quality, 0, 100) / 100;
+    constexpr int kBest = 16;
+    constexpr int kWorst = 40;
+    return kWorst - (kWorst - kBest) * std::clamp(quality, 0, 100) / 100;
 }
 
 int threadCount(const KelAsyncEncoder::Params &params)
 {
     if (params.threads > 0)
         return params.threads;
-    // One thread keeps up with a screen of this size, at the least processor time for a frame.
-    constexpr int pixelsPerThread = 2048 * 1280;
-    const int wanted = 1 + params.frameSize.width() * params.frameSize.height() / pixelsPerThread;
+    // One thread keeps up with a screen of this size, and uses the least CPU time per frame.
+    constexpr int kPixelsPerThread = 2048 * 1280;
+    const int wanted = 1 + params.frameSize.width() * params.frameSize.height() / kPixelsPerThread;
     return std::clamp(wanted, 1, std::clamp(QThread::idealThreadCount(), 1, 8));
 }
 
 x264_param_t encoderParams(const KelAsyncEncoder::Params &params)
 {
-    // The fastest coding tools that there are; no frame waits in the encoder for later ones.
+    // The fastest coding tools; the encoder holds back no frames.
     x264_param_t x264 = X264Encoder::defaultParams("ultrafast", "zerolatency", params.frameSize, params.fps);
 
-    // RGB as it is on the screen: colored text keeps its sharpness. All three planes count alike, while by default
-    // the second and third get the coarser quantizer of chroma.
+    // RGB keeps colored text sharp. The offset gives all three planes the same quantizer; by default the second and
+    // third get the coarser one of chroma.
     x264.i_csp = X264_CSP_I444;
     x264.vui.i_colmatrix = 0;
     x264.vui.i_colorprim = 1;
@@ -50,7 +50,7 @@ x264_param_t encoderParams(const KelAsyncEncoder::Params &params)
     x264.vui.b_fullrange = 1;
     x264.analyse.i_chroma_qp_offset = -6;
 
-    // A constant quantizer: the encoder passes over an unchanged macroblock only where it would not get better.
+    // Constant quantizer: x264 skips an unchanged macroblock only if encoding it again would not improve it.
     x264.rc.i_rc_method = X264_RC_CQP;
     x264.rc.i_qp_constant = quantizer(params.quality);
     x264.rc.f_ip_factor = 1;
@@ -58,11 +58,11 @@ x264_param_t encoderParams(const KelAsyncEncoder::Params &params)
     x264.i_keyint_max = std::clamp(params.keyframeInterval, 1, params.fps);
     x264.i_keyint_min = std::clamp(params.keyframeIntervalMin, 1, x264.i_keyint_max);
 
-    // Slices let a reader decode one picture on several threads.
-    constexpr int slices = 4;
+    // Slices allow decoding a frame on several threads.
+    constexpr int kSlices = 4;
     x264.i_threads = threadCount(params);
     x264.b_sliced_threads = x264.i_threads > 1;
-    x264.i_slice_count = slices;
+    x264.i_slice_count = kSlices;
     return x264;
 }
 
@@ -100,10 +100,10 @@ private:
     std::mutex handlerMutex; // guards the next two
     std::function<void(const QString &)> errorHandler;
     bool isReported = false;
-    std::unique_ptr<PlanarFrameConverter> frames;
+    std::unique_ptr<PlanarFrameConverter> converter;
     std::unique_ptr<X264Encoder> encoder;
     std::unique_ptr<RecordingMp4Writer> writer;
-    std::unique_ptr<BoundedWorker<Item>> worker; // last: its thread uses all of the above
+    std::unique_ptr<BoundedWorker<Item>> worker; // last: its thread uses all members above
 };
 
 KelAsyncEncoder::Private::Private(const Params &p)
@@ -124,7 +124,8 @@ QString KelAsyncEncoder::Private::open()
     if (!writer->errorString().isEmpty())
         return writer->errorString();
     const int capacity = std::max(params.queueCapacity, 1);
-    frames = std::make_unique<PlanarFrameConverter>(params.frameSize, PlanarFrameConverter::Layout::Gbr444, capacity);
+    converter =
+        std::make_unique<PlanarFrameConverter>(params.frameSize, PlanarFrameConverter::Layout::Gbr444, capacity);
     worker = std::make_unique<BoundedWorker<Item>>(std::size_t(capacity), [this](Item &item) { return encode(item); });
     return {};
 }
@@ -150,7 +151,7 @@ int KelAsyncEncoder::Private::addFrame(int index, const QImage &image)
                                  << "Expected:" << params.frameSize;
         return -1;
     }
-    PlanarFrame *frame = frames->convert(image);
+    PlanarFrame *frame = converter->convert(image);
     if (!frame || !worker->push({frame, frameCount}))
         return -1;
     return frameCount++;
@@ -168,12 +169,12 @@ void KelAsyncEncoder::Private::close()
 
 bool KelAsyncEncoder::Private::encode(const Item &item)
 {
-    EncodedVideoFrame picture;
-    const bool isEncoded = encoder->encode(*item.frame, item.number, &picture);
-    frames->release(item.frame);
+    EncodedVideoFrame encoded;
+    const bool isEncoded = encoder->encode(*item.frame, item.number, &encoded);
+    converter->release(item.frame);
     if (!isEncoded)
         fail(QStringLiteral("The H.264 encoder failed at frame %1").arg(item.number));
-    else if (!writer->writeFrame(picture))
+    else if (!writer->writeFrame(encoded))
         fail(writer->errorString());
     return !error.isSet();
 }

@@ -7,8 +7,10 @@ namespace av
 
 namespace
 {
-// Pictures must come before the box; where the box itself will stand is not written in it.
+
+// Behind the end of any file, so that the buffer keeps only the box. The box does not contain its own position.
 constexpr qint64 kBoxPosition = std::numeric_limits<qint64>::max() / 2;
+
 } // namespace
 
 Mp4Index::Mp4Index(const Mp4VideoTrack &track)
@@ -20,12 +22,12 @@ Mp4Index::Mp4Index(const Mp4VideoTrack &track)
     m_isValid = m_muxer.writeHeader(nullptr) == 0;
 }
 
-void Mp4Index::add(const EncodedVideoFrame &picture, qint64 offset)
+void Mp4Index::add(const EncodedVideoFrame &frame, qint64 offset)
 {
     if (!m_isValid)
         return;
     m_file.seek(offset);
-    m_isValid = m_muxer.writeFrame(picture) == 0;
+    m_isValid = m_muxer.writeFrame(frame) == 0;
 }
 
 QByteArray Mp4Index::finish()

@@ -1,28 +1,27 @@
 #pragma once
 
+#include "avcodec/ffmpeg/MuxerBuffer.h"
 #include "avcodec/mp4/Mp4Muxer.h"
-#include "avcodec/mp4/MuxerBuffer.h"
 
 #include <QByteArray>
 
 namespace av
 {
 
-/// Builds the "moov" box of an ordinary MP4 file whose pictures lie at known places of the file.
+/// Builds the "moov" box of a plain MP4 file for frames that are already in the file.
 class Mp4Index
 {
 public:
     explicit Mp4Index(const Mp4VideoTrack &track);
 
-    /// Adds a picture whose bytes begin at `offset`.
-    void add(const EncodedVideoFrame &picture, qint64 offset);
+    /// Adds a frame whose data begins at `offset` of the file.
+    void add(const EncodedVideoFrame &frame, qint64 offset);
 
-    /// The box with all pictures; empty when anything failed. Ends the work.
+    /// The box for all frames; empty if an error occurred. Call only once.
     QByteArray finish();
 
 private:
-    // The muxer writes the pictures into a file that nobody keeps, at their places in the real one; of all that,
-    // only the box is caught.
+    // The muxer "writes" the frames at their offsets into a buffer that discards everything but the box.
     MuxerBuffer m_file;
     Mp4Muxer m_muxer;
     bool m_isValid;

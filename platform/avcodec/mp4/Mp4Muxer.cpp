@@ -13,7 +13,7 @@ Mp4Muxer::Mp4Muxer(const Mp4VideoTrack &track, AVIOContext *output, const char *
     : m_packet(av_packet_alloc())
     , m_fps(track.fps)
 {
-    av::useQtLog();
+    useQtLog();
     AVFormatContext *context = nullptr;
     if (avformat_alloc_output_context2(&context, nullptr, "mp4", url) < 0)
         return;
@@ -56,15 +56,15 @@ int Mp4Muxer::writeHeader(const char *flags)
     return result(std::min(code, 0));
 }
 
-int Mp4Muxer::writeFrame(const EncodedVideoFrame &picture)
+int Mp4Muxer::writeFrame(const EncodedVideoFrame &frame)
 {
     AVPacket *packet = m_packet.get();
-    packet->data = const_cast<uint8_t *>(picture.data); // not written to
-    packet->size = picture.size;
-    packet->pts = picture.pts;
-    packet->dts = picture.dts;
+    packet->data = const_cast<uint8_t *>(frame.data); // only read
+    packet->size = frame.size;
+    packet->pts = frame.pts;
+    packet->dts = frame.dts;
     packet->duration = 1;
-    packet->flags = picture.isKeyframe ? AV_PKT_FLAG_KEY : 0;
+    packet->flags = frame.isKeyframe ? AV_PKT_FLAG_KEY : 0;
     packet->stream_index = 0;
     av_packet_rescale_ts(packet, {1, m_fps}, m_context->streams[0]->time_base);
     const int code = av_write_frame(m_context.get(), packet);
@@ -84,7 +84,7 @@ int Mp4Muxer::writeTrailer()
 
 int Mp4Muxer::result(int code) const
 {
-    // The muxer goes on when its output has failed.
+    // The muxer ignores I/O errors of its output.
     return code < 0 ? code : std::min(m_context->pb->error, 0);
 }
 

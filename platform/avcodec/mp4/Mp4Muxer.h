@@ -10,29 +10,29 @@ namespace av
 
 struct EncodedVideoFrame;
 
-/// What an MP4 file states about its one H.264 video track.
+/// The H.264 video track of an MP4 file.
 struct Mp4VideoTrack {
     QSize size;
-    int fps = 0;              ///< time stamps count frames at this rate
+    int fps = 0;              ///< timestamps count frames at this rate
     QByteArray configuration; ///< the "avcC" record
     AVColorSpace colorSpace = AVCOL_SPC_UNSPECIFIED;
     AVColorRange colorRange = AVCOL_RANGE_UNSPECIFIED;
 };
 
-/// libavformat's MP4 muxer with one H.264 track. The output must outlive it. Results are AVERROR codes, 0 for success;
-/// an error of the output itself is among them, at the call in which it happens.
+/// libavformat's MP4 muxer with one H.264 track. The output must outlive it. Functions return an AVERROR code, or 0; an
+/// I/O error of the output is returned by the call in which it occurs.
 class Mp4Muxer
 {
 public:
-    /// `url` is needed where the muxer opens the output again by itself.
+    /// `url` is needed if the muxer has to open the output again ("faststart").
     Mp4Muxer(const Mp4VideoTrack &track, AVIOContext *output, const char *url = "");
 
-    /// `flags` is the muxer's "movflags"; null for an ordinary file.
+    /// `flags`: the muxer's "movflags"; null for a plain file.
     int writeHeader(const char *flags);
 
-    int writeFrame(const EncodedVideoFrame &picture);
+    int writeFrame(const EncodedVideoFrame &frame);
 
-    /// Ends the present fragment ("frag_custom" files).
+    /// Ends the current fragment of a "frag_custom" file.
     int flushFragment();
 
     int writeTrailer();
@@ -40,8 +40,8 @@ public:
 private:
     int result(int code) const;
 
-    av::FormatContext m_context;
-    av::Packet m_packet;
+    FormatContext m_context;
+    Packet m_packet;
     const int m_fps;
 };
 

@@ -33,47 +33,45 @@ QByteArray mediaDataHeader(qint64 size)
 } // namespace
 
 RecordingMp4Writer::RecordingMp4Writer(const QString &path, const Mp4VideoTrack &track)
-    : m_file(path)
-    , m_fragments(track, m_window.io())
+    : m_muxer(track, m_fragment.io())
     , m_index(track)
 {
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
+    if (!m_file.open(path)) {
         fail(m_file.errorString());
         return;
     }
-    const int code = m_fragments.writeHeader("empty_moov+default_base_moof+frag_custom");
+    const int code = m_muxer.writeHeader("empty_moov+default_base_moof+frag_custom");
     if (code < 0) {
-        fail(av::errorText(code));
+        failToWrite(errorText(code));
         return;
     }
-    QByteArray header = m_window.content();
-    m_placeholder = qFromBigEndian<qint32>(header.constData()); // behind the first box, "ftyp"
+    QByteArray header = m_fragment.content();
+    m_placeholder = qFromBigEndian<qint32>(header.constData()); // after the first box, "ftyp"
     header.insert(int(m_placeholder), placeholder());
     append(header);
 }
 
-bool RecordingMp4Writer::writeFrame(const EncodedVideoFrame &picture)
+bool RecordingMp4Writer::writeFrame(const EncodedVideoFrame &frame)
 {
     if (!m_errorString.isEmpty())
         return false;
-    m_window.restart(m_end);
-    int code = m_fragments.writeFrame(picture);
+    m_fragment.restart(m_file.size());
+    int code = m_muxer.writeFrame(frame);
     if (code == 0)
-        code = m_fragments.flushFragment();
+        code = m_muxer.flushFragment();
     if (code < 0)
-        return fail(av::errorText(code));
-    if (!append(m_window.content()))
+        return failToWrite(errorText(code));
+    if (!append(m_fragment.content()))
         return false;
-    ++m_pictures;
-    // The picture is the last thing in its fragment.
-    m_index.add(picture, m_end - picture.size);
+    ++m_frames;
+    m_index.add(frame, m_file.size() - frame.size); // a fragment ends with the data of its frame
     return true;
 }
 
 bool RecordingMp4Writer::close()
 {
     if (m_file.isOpen() && m_errorString.isEmpty()) {
-        if (m_pictures == 0)
+        if (m_frames == 0)
             m_file.remove();
         else
             finalizeAsPlainMp4(m_index.finish());
@@ -85,36 +83,33 @@ bool RecordingMp4Writer::close()
 bool RecordingMp4Writer::finalizeAsPlainMp4(const QByteArray &index)
 {
     if (index.isEmpty())
-        return fail(QStringLiteral("the index could not be made"));
-    const qint64 mediaEnd = m_end;
+        return failToWrite(QStringLiteral("cannot build the index"));
+    const qint64 mediaEnd = m_file.size();
     if (!append(index))
         return false;
-    // From here on the file is whole either way: until these 16 bytes are written, readers see the fragments.
-    const QByteArray header = mediaDataHeader(mediaEnd - m_placeholder);
-    return (m_file.seek(m_placeholder) && m_file.write(header) == header.size()) || fail(m_file.errorString());
+    // The file is valid before and after this write: until then, readers see the fragments.
+    return m_file.overwrite(m_placeholder, mediaDataHeader(mediaEnd - m_placeholder)) || fail(m_file.errorString());
 }
 
 bool RecordingMp4Writer::append(const QByteArray &data)
 {
-    // A write that ends early does not tell why; trying to write the rest does.
-    for (qint64 written = 0; written < data.size();) {
-        const qint64 count = m_file.write(data.constData() + written, data.size() - written);
-        if (count <= 0) {
-            fail(m_file.errorString());
-            m_file.resize(m_end);
-            return false;
-        }
-        written += count;
-    }
-    m_end += data.size();
-    return true;
+    if (m_file.write(data))
+        return true;
+    fail(m_file.errorString());
+    m_file.truncate(m_file.size()); // removes what a partial write left
+    return false;
 }
 
-bool RecordingMp4Writer::fail(const QString &reason)
+bool RecordingMp4Writer::fail(const QString &text)
 {
     if (m_errorString.isEmpty())
-        m_errorString = QStringLiteral("Cannot write %1: %2").arg(m_file.fileName(), reason);
+        m_errorString = text;
     return false;
+}
+
+bool RecordingMp4Writer::failToWrite(const QString &reason)
+{
+    return fail(QStringLiteral("Cannot write %1: %2").arg(m_file.path(), reason));
 }
 
 } // namespace av

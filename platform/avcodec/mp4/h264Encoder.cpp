@@ -22,9 +22,9 @@ constexpr int kQueueCapacity = 3;
 
 float rateFactor(int quality)
 {
-    constexpr float best = 10;
-    constexpr float worst = 50;
-    return worst - (worst - best) * float(std::clamp(quality, 0, 100)) / 100;
+    constexpr float kBest = 10;
+    constexpr float kWorst = 50;
+    return kWorst - (kWorst - kBest) * float(std::clamp(quality, 0, 100)) / 100;
 }
 
 x264_param_t encoderParams(const QSize &size, int fps, int quality)
@@ -35,11 +35,11 @@ x264_param_t encoderParams(const QSize &size, int fps, int quality)
     x264.vui.i_transfer = 1;
     x264.vui.i_colmatrix = 1;
     x264.vui.b_fullrange = 0;
-    x264.vui.i_chroma_loc = 1; // chroma samples are means of four pixels
+    x264.vui.i_chroma_loc = 1; // chroma samples are at the center of four pixels
     x264.rc.i_rc_method = X264_RC_CRF;
     x264.rc.f_rf_constant = rateFactor(quality);
-    constexpr int keyframeSeconds = 5; // for seeking in players
-    x264.i_keyint_max = std::min(keyframeSeconds * fps, 250);
+    constexpr int kKeyframeSeconds = 5; // keeps seeking fast
+    x264.i_keyint_max = std::min(kKeyframeSeconds * fps, 250);
     x264_param_apply_profile(&x264, "high");
     return x264;
 }
@@ -51,7 +51,7 @@ class Q_DECL_HIDDEN h264Encoder::Private
 public:
     explicit Private(const Params &p);
 
-    bool waitForRoom(std::chrono::milliseconds limit) const { return !worker || worker->waitForRoom(limit); }
+    bool waitForRoom(std::chrono::milliseconds timeout) const { return !worker || worker->waitForRoom(timeout); }
     bool addFrame(quint64 index, const QImage &image);
     bool repeatLastFrameUntil(quint64 end);
     bool close();
@@ -64,31 +64,32 @@ public:
     std::atomic<quint64> framesWritten{0};
 
 private:
-    /// A picture and its frame; without a picture, the frame until which the one before is shown.
+    /// An image and the number of its first frame; or, without an image, the frame until which the last image is
+    /// repeated.
     struct Item {
-        PlanarFrame *frame;
+        PlanarFrame *image;
         qint64 index;
     };
 
     QString open();
     bool push(const Item &item);
     bool handle(const Item &item);
-    bool encodeShown();
-    bool write(const EncodedVideoFrame &picture);
+    bool encodeLastImage();
+    bool write(const EncodedVideoFrame &encoded);
     bool drain();
     static int isInterrupted(void *self) { return static_cast<Private *>(self)->error.isSet() ? 1 : 0; }
 
-    std::unique_ptr<PlanarFrameConverter> frames;
+    std::unique_ptr<PlanarFrameConverter> converter;
     std::unique_ptr<X264Encoder> encoder;
-    const AVIOInterruptCB interrupt{isInterrupted, this}; // the index of a huge file is long in moving
+    const AVIOInterruptCB interrupt{isInterrupted, this}; // moving the index of a huge file takes long
     MuxerFile file;
     std::unique_ptr<Mp4Muxer> muxer;
-    qint64 end = 0;               // behind the last frame handed over
-    PlanarFrame *shown = nullptr; // this and the next: the worker's
-    qint64 shownIndex = 0;        // of the next frame to be encoded
+    qint64 end = 0;                   // number of frames queued so far
+    PlanarFrame *lastImage = nullptr; // used by the worker only, like the next
+    qint64 nextIndex = 0;             // number of the next frame to be encoded
     bool isClosed = false;
     std::atomic<bool> isComplete{false};
-    std::unique_ptr<BoundedWorker<Item>> worker; // last: its thread uses all of the above
+    std::unique_ptr<BoundedWorker<Item>> worker; // last: its thread uses all members above
 };
 
 h264Encoder::Private::Private(const Params &p)
@@ -102,18 +103,18 @@ QString h264Encoder::Private::open()
 {
     if (QString text = X264Encoder::limitError(params.size, params.fps); !text.isEmpty())
         return text;
-    frames = std::make_unique<PlanarFrameConverter>(params.size, PlanarFrameConverter::Layout::Bt709Yuv420,
-                                                    kQueueCapacity + 2);
-    encoder = std::make_unique<X264Encoder>(encoderParams(frames->pictureSize(), params.fps, params.quality));
+    converter = std::make_unique<PlanarFrameConverter>(params.size, PlanarFrameConverter::Layout::Bt709Yuv420,
+                                                       kQueueCapacity + 2);
+    encoder = std::make_unique<X264Encoder>(encoderParams(converter->frameSize(), params.fps, params.quality));
     if (!encoder->isValid())
         return QStringLiteral("The H.264 encoder cannot be opened");
     const QByteArray url = "file:" + params.path.toUtf8();
     int code = file.open(url, &interrupt);
     if (code == 0) {
-        muxer =
-            std::make_unique<Mp4Muxer>(Mp4VideoTrack{frames->pictureSize(), params.fps, encoder->decoderConfiguration(),
-                                                     AVCOL_SPC_BT709, AVCOL_RANGE_MPEG},
-                                       file.io(), url.constData());
+        muxer = std::make_unique<Mp4Muxer>(Mp4VideoTrack{converter->frameSize(), params.fps,
+                                                         encoder->decoderConfiguration(), AVCOL_SPC_BT709,
+                                                         AVCOL_RANGE_MPEG},
+                                           file.io(), url.constData());
         code = muxer->writeHeader("faststart");
     }
     if (code < 0)
@@ -128,7 +129,7 @@ bool h264Encoder::Private::addFrame(quint64 index, const QImage &image)
     if (error.isSet())
         return false;
     if (isClosed)
-        return fail(QStringLiteral("Frame %1 came after the end").arg(index));
+        return fail(QStringLiteral("Frame %1 was added after close()").arg(index));
     if (image.size() != params.size)
         return fail(QStringLiteral("Frame %1 has %2 x %3 pixels instead of %4 x %5")
                         .arg(index)
@@ -137,29 +138,29 @@ bool h264Encoder::Private::addFrame(quint64 index, const QImage &image)
                         .arg(params.size.width())
                         .arg(params.size.height()));
     if (qint64(index) < end)
-        return fail(QStringLiteral("Frame %1 came after frame %2").arg(index).arg(end - 1));
+        return fail(QStringLiteral("Frame %1 is out of order").arg(index));
     end = qint64(index) + 1;
-    // There are two frames more than the queue takes: the one that is shown, and this one, so that it is converted
-    // while the queue is full.
-    PlanarFrame *frame = frames->convert(image);
-    if (!frame)
-        return fail(QStringLiteral("The H.264 encoder does not answer"));
-    return push({frame, qint64(index)});
+    // The converter has two frames more than the queue: the last image, and this one, which is converted while the
+    // queue may be full.
+    PlanarFrame *converted = converter->convert(image);
+    if (!converted)
+        return fail(QStringLiteral("The H.264 encoder is not responding"));
+    return push({converted, qint64(index)});
 }
 
-bool h264Encoder::Private::repeatLastFrameUntil(quint64 index)
+bool h264Encoder::Private::repeatLastFrameUntil(quint64 newEnd)
 {
     if (error.isSet() || isClosed || end == 0)
         return false;
-    if (qint64(index) <= end)
+    if (qint64(newEnd) <= end)
         return true;
-    end = qint64(index);
+    end = qint64(newEnd);
     return push({nullptr, end});
 }
 
 bool h264Encoder::Private::push(const Item &item)
 {
-    return worker->push(item) || fail(QStringLiteral("The H.264 encoder does not answer"));
+    return worker->push(item) || fail(QStringLiteral("The H.264 encoder is not responding"));
 }
 
 bool h264Encoder::Private::close()
@@ -189,38 +190,38 @@ void h264Encoder::Private::abort()
 
 bool h264Encoder::Private::handle(const Item &item)
 {
-    while (shown && shownIndex < item.index) {
-        if (!encodeShown())
+    while (lastImage && nextIndex < item.index) {
+        if (!encodeLastImage())
             return false;
     }
-    if (!item.frame)
+    if (!item.image)
         return true;
-    if (shown)
-        frames->release(shown);
-    shown = item.frame;
-    shownIndex = item.index;
-    if (!encodeShown())
+    if (lastImage)
+        converter->release(lastImage);
+    lastImage = item.image;
+    nextIndex = item.index;
+    if (!encodeLastImage())
         return false;
-    std::fill(shown->unchanged.begin(), shown->unchanged.end(), uint8_t(1)); // if it is repeated
+    std::fill(lastImage->unchanged.begin(), lastImage->unchanged.end(), uint8_t(1)); // in case it is repeated
     return true;
 }
 
-bool h264Encoder::Private::encodeShown()
+bool h264Encoder::Private::encodeLastImage()
 {
-    EncodedVideoFrame picture;
-    if (!encoder->encode(*shown, shownIndex, &picture))
-        return fail(QStringLiteral("The H.264 encoder failed at frame %1").arg(shownIndex));
-    ++shownIndex;
-    return write(picture);
+    EncodedVideoFrame encoded;
+    if (!encoder->encode(*lastImage, nextIndex, &encoded))
+        return fail(QStringLiteral("The H.264 encoder failed at frame %1").arg(nextIndex));
+    ++nextIndex;
+    return write(encoded);
 }
 
-bool h264Encoder::Private::write(const EncodedVideoFrame &picture)
+bool h264Encoder::Private::write(const EncodedVideoFrame &encoded)
 {
     if (error.isSet())
         return false;
-    if (picture.size == 0)
+    if (encoded.size == 0)
         return true;
-    if (const int code = muxer->writeFrame(picture); code < 0)
+    if (const int code = muxer->writeFrame(encoded); code < 0)
         return failToWrite(code);
     ++framesWritten;
     return true;
@@ -229,10 +230,10 @@ bool h264Encoder::Private::write(const EncodedVideoFrame &picture)
 bool h264Encoder::Private::drain()
 {
     while (encoder->hasDelayedFrames()) {
-        EncodedVideoFrame picture;
-        if (!encoder->flush(&picture))
-            return fail(QStringLiteral("The H.264 encoder failed at the end"));
-        if (!write(picture))
+        EncodedVideoFrame encoded;
+        if (!encoder->flush(&encoded))
+            return fail(QStringLiteral("The H.264 encoder failed at its last frames"));
+        if (!write(encoded))
             return false;
     }
     return true;
@@ -262,9 +263,9 @@ bool h264Encoder::isValid() const
     return !d->error.isSet();
 }
 
-bool h264Encoder::waitForRoom(std::chrono::milliseconds limit)
+bool h264Encoder::waitForRoom(std::chrono::milliseconds timeout)
 {
-    return d->waitForRoom(limit);
+    return d->waitForRoom(timeout);
 }
 
 bool h264Encoder::addFrame(quint64 index, const QImage &image)

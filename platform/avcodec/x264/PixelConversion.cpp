@@ -7,7 +7,7 @@ namespace
 {
 
 // BT.709 from full-range RGB to limited range, scaled by 2^16. Luma coefficients add up to 219/255 and chroma
-// coefficients to zero, so white is 235 and grays have no color.
+// coefficients to zero, so white becomes 235 and grays have neutral chroma.
 constexpr uint16_t kLumaRed = 11966;
 constexpr uint16_t kLumaGreen = 40254;
 constexpr uint16_t kLumaBlue = 4064;
@@ -18,8 +18,8 @@ constexpr uint16_t kCrBlue = 2640;
 constexpr uint16_t kChromaOwn = 28785;
 static_assert(kCbRed + kCbGreen == kChromaOwn && kCrGreen + kCrBlue == kChromaOwn);
 
-// Everything is kept in 16 bits, which doubles the pixels that one vector instruction handles: colors and results are
-// fixed-point numbers with 8 bits behind the point, and three cut products are off by 3/256 at most.
+// All values fit into 16 bits, which doubles the pixels per vector instruction: colors and results are fixed-point
+// numbers with 8 fractional bits, and the error of three truncated products is 3/256 at most.
 constexpr uint16_t kHalf = 128;
 constexpr uint16_t kLumaOffset = 16 * 256 + kHalf + 1;
 constexpr uint16_t kChromaOffset = 128 * 256 + kHalf;
@@ -73,16 +73,16 @@ void toYuv420(const uint32_t *__restrict upper, const uint32_t *__restrict lower
     lumaLine(upper, upperLuma, width);
     lumaLine(lower, lowerLuma, width);
 
-    constexpr uint32_t redAndBlue = 0xff00ff;
-    constexpr uint32_t onlyGreen = 0x00ff00;
+    constexpr uint32_t kRedBlueMask = 0xff00ff;
+    constexpr uint32_t kGreenMask = 0x00ff00;
     for (int i = 0; i < width / 2; ++i) {
         const uint32_t a = upper[2 * i];
         const uint32_t b = upper[2 * i + 1];
         const uint32_t c = lower[2 * i];
         const uint32_t d = lower[2 * i + 1];
-        // The sums of four take ten bits each.
-        const uint32_t rb = (a & redAndBlue) + (b & redAndBlue) + (c & redAndBlue) + (d & redAndBlue);
-        const uint32_t g = (a & onlyGreen) + (b & onlyGreen) + (c & onlyGreen) + (d & onlyGreen);
+        // The sums of four channels take ten bits each.
+        const uint32_t rb = (a & kRedBlueMask) + (b & kRedBlueMask) + (c & kRedBlueMask) + (d & kRedBlueMask);
+        const uint32_t g = (a & kGreenMask) + (b & kGreenMask) + (c & kGreenMask) + (d & kGreenMask);
         const auto meanRed = uint16_t(rb >> 16 << 6);
         const auto meanGreen = uint16_t(g >> 2);
         const auto meanBlue = uint16_t(rb << 6);

@@ -1,5 +1,6 @@
 #include "avcodec/x264/PlanarFrameConverter.h"
 
+#include "avcodec/RgbPixels.h"
 #include "avcodec/x264/PixelConversion.h"
 
 #include <algorithm>
@@ -23,18 +24,7 @@ QSize evenSize(const QSize &size)
     return {(size.width() + 1) & ~1, (size.height() + 1) & ~1};
 }
 
-QImage withPlainPixels(const QImage &image)
-{
-    switch (image.format()) {
-    case QImage::Format_RGB32:
-    case QImage::Format_ARGB32_Premultiplied:
-        return image;
-    default:
-        return image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    }
-}
-
-/// Calls run(first, end) for each stretch of blocks for which isIn(block) holds.
+/// Calls run(first, end) for each run of consecutive blocks for which isIn(block) holds.
 template <typename Predicate, typename Run>
 void forEachRun(int count, Predicate isIn, Run run)
 {
@@ -53,7 +43,7 @@ void forEachRun(int count, Predicate isIn, Run run)
 
 PlanarFrameConverter::PlanarFrameConverter(const QSize &imageSize, Layout layout, int capacity)
     : m_imageSize(imageSize)
-    , m_pictureSize(layout == Layout::Bt709Yuv420 ? evenSize(imageSize) : imageSize)
+    , m_frameSize(layout == Layout::Bt709Yuv420 ? evenSize(imageSize) : imageSize)
     , m_layout(layout)
     , m_blockColumns(blocks(imageSize.width()))
     , m_blockRows(blocks(imageSize.height()))
@@ -67,18 +57,18 @@ PlanarFrameConverter::PlanarFrameConverter(const QSize &imageSize, Layout layout
 PlanarFrame *PlanarFrameConverter::convert(const QImage &image)
 {
     const auto frame = std::find_if(m_frames.begin(), m_frames.end(),
-                                    [](const PlanarFrame &f) { return !f.m_taken.load(std::memory_order_acquire); });
+                                    [](const PlanarFrame &f) { return !f.m_inUse.load(std::memory_order_acquire); });
     if (frame == m_frames.end())
         return nullptr;
-    frame->m_taken.store(true, std::memory_order_relaxed);
+    frame->m_inUse.store(true, std::memory_order_relaxed);
     if (frame->unchanged.empty())
         allocate(*frame);
 
-    const QImage source = withPlainPixels(image);
+    const QImage source = withRgbPixels(image);
     ++m_number;
-    // Row by row, so that what is compared, copied and converted is still in the processor's cache.
+    // Row by row, so that what is compared, copied and converted stays in the CPU cache.
     for (int row = 0; row < m_blockRows; ++row) {
-        takeChanges(source, row);
+        findChanges(source, row);
         convertRow(*frame, row);
     }
     frame->m_number = m_number;
@@ -87,10 +77,10 @@ PlanarFrame *PlanarFrameConverter::convert(const QImage &image)
 
 void PlanarFrameConverter::release(PlanarFrame *frame)
 {
-    frame->m_taken.store(false, std::memory_order_release);
+    frame->m_inUse.store(false, std::memory_order_release);
 }
 
-void PlanarFrameConverter::takeChanges(const QImage &image, int blockRow)
+void PlanarFrameConverter::findChanges(const QImage &image, int blockRow)
 {
     int64_t *changedAt = m_changedAt.data() + std::size_t(blockRow) * m_blockColumns;
     const int top = blockRow * kBlock;

@@ -11,7 +11,7 @@
 namespace av
 {
 
-/// One picture in the planar form that the encoder takes, made by PlanarFrameConverter.
+/// A frame in the planar layout that the encoder takes, created by PlanarFrameConverter.
 struct PlanarFrame {
     struct Plane {
         std::vector<uint8_t> samples;
@@ -19,18 +19,18 @@ struct PlanarFrame {
     };
     std::array<Plane, 3> planes;
 
-    /// One byte per macroblock of 16 x 16 pixels, row by row: 1 where the picture equals the frame before.
+    /// One byte per macroblock of 16 x 16 pixels, row by row: 1 if it equals the previous frame.
     std::vector<uint8_t> unchanged;
 
 private:
     friend class PlanarFrameConverter;
-    std::atomic<bool> m_taken{false};
-    int64_t m_number = -1; // of the picture that the planes hold
+    std::atomic<bool> m_inUse{false};
+    int64_t m_number = -1; // number of the image in the planes
 };
 
-/// Turns a sequence of images into planar frames at the cost of what changed: each macroblock is compared with the
-/// image before, and only those that differ from what a frame's planes still hold from its last use are converted.
-/// One thread converts; frames may be given back by another.
+/// Converts a sequence of images to planar frames, at a cost proportional to the changes. Frames are reused: each
+/// macroblock is compared with the previous image, and only those that changed since the frame's last use are
+/// converted. Frames are converted on one thread and may be released on another.
 class PlanarFrameConverter
 {
 public:
@@ -39,21 +39,21 @@ public:
         Bt709Yuv420, ///< Y'CbCr, BT.709, limited range; odd sizes are padded by repeating the last column and row
     };
 
-    /// `capacity` frames can be out at the same time.
+    /// `capacity`: number of frames that can be in use at the same time.
     PlanarFrameConverter(const QSize &imageSize, Layout layout, int capacity);
 
-    /// The size of the planes' picture: the images' size, rounded up to even numbers for 4:2:0.
-    QSize pictureSize() const { return m_pictureSize; }
+    /// Size of the converted frames: that of the images, rounded up to even numbers for 4:2:0.
+    QSize frameSize() const { return m_frameSize; }
 
-    /// Converts an image of the agreed size, of any format; its colors are taken as they stand over black. The frame
-    /// is the caller's until release(). Null when all are out.
+    /// Converts an image of the size and any format; translucent pixels are blended with black. The frame belongs to
+    /// the caller until release(). Null if all frames are in use.
     PlanarFrame *convert(const QImage &image);
 
-    /// Gives a frame back. Any thread.
+    /// Returns a frame for reuse. Any thread.
     void release(PlanarFrame *frame);
 
 private:
-    void takeChanges(const QImage &image, int blockRow);
+    void findChanges(const QImage &image, int blockRow);
     void copyRun(const QImage &image, int blockRow, int firstBlock, int endBlock);
     void padEdges(int blockRow);
     void convertRow(PlanarFrame &frame, int blockRow);
@@ -62,14 +62,14 @@ private:
     uint32_t *referenceLine(int y) { return m_reference.data() + std::size_t(y) * m_referenceStride; }
 
     const QSize m_imageSize;
-    const QSize m_pictureSize;
+    const QSize m_frameSize;
     const Layout m_layout;
     const int m_blockColumns;
     const int m_blockRows;
     const int m_referenceStride;       // pixels
     std::vector<uint32_t> m_reference; // the last image, padded to whole macroblocks
-    std::vector<int64_t> m_changedAt;  // per macroblock: the number of the image that brought its present content
-    int64_t m_number = -1;             // of the last image
+    std::vector<int64_t> m_changedAt;  // per macroblock: number of the image that last changed it
+    int64_t m_number = -1;             // number of the last image
     std::vector<PlanarFrame> m_frames;
 };
 

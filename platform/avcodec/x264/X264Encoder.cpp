@@ -57,9 +57,9 @@ x264_param_t X264Encoder::defaultParams(const char *preset, const char *tune, co
 QString X264Encoder::limitError(const QSize &size, int fps)
 {
     if (size.isEmpty() || size.width() > kMaxDimension || size.height() > kMaxDimension)
-        return QStringLiteral("Cannot encode pictures of %1 x %2 pixels").arg(size.width()).arg(size.height());
+        return QStringLiteral("Cannot encode frames of %1 x %2 pixels").arg(size.width()).arg(size.height());
     if (fps < 1 || fps > kMaxFps)
-        return QStringLiteral("Cannot encode %1 frames a second").arg(fps);
+        return QStringLiteral("Cannot encode %1 frames per second").arg(fps);
     return {};
 }
 
@@ -76,33 +76,33 @@ QByteArray X264Encoder::decoderConfiguration() const
     int count = 0;
     if (!m_encoder || x264_encoder_headers(m_encoder.get(), &units, &count) < 0)
         return {};
-    QByteArray sequence;
-    QByteArray picture;
+    QByteArray sequenceSet;
+    QByteArray pictureSet;
     for (int i = 0; i < count; ++i) {
         const QByteArray payload(reinterpret_cast<const char *>(units[i].p_payload) + kLengthBytes,
                                  units[i].i_payload - kLengthBytes);
         if (units[i].i_type == NAL_SPS)
-            sequence = payload;
+            sequenceSet = payload;
         else if (units[i].i_type == NAL_PPS)
-            picture = payload;
+            pictureSet = payload;
     }
-    if (sequence.size() < 4 || picture.isEmpty())
+    if (sequenceSet.size() < 4 || pictureSet.isEmpty())
         return {};
 
     QByteArray record;
-    record.append(char(1)).append(sequence.mid(1, 3)); // version; profile, compatibility, level
+    record.append(char(1)).append(sequenceSet.mid(1, 3)); // version; profile, compatibility, level
     record.append(char(0xfc | (kLengthBytes - 1)));
     record.append(char(0xe0 | 1));
-    appendParameterSet(record, sequence);
+    appendParameterSet(record, sequenceSet);
     record.append(char(1));
-    appendParameterSet(record, picture);
-    // The high profiles state chroma format and bit depth (8) as well.
+    appendParameterSet(record, pictureSet);
+    // The high profiles also state the chroma format and the bit depth (8).
     const bool is444 = (m_colorSpace & X264_CSP_MASK) == X264_CSP_I444;
     record.append(char(0xfc | (is444 ? 3 : 1))).append(char(0xf8)).append(char(0xf8)).append(char(0));
     return record;
 }
 
-bool X264Encoder::encode(const PlanarFrame &frame, qint64 pts, EncodedVideoFrame *picture)
+bool X264Encoder::encode(const PlanarFrame &frame, qint64 pts, EncodedVideoFrame *encoded)
 {
     x264_picture_t input;
     x264_picture_init(&input);
@@ -113,15 +113,15 @@ bool X264Encoder::encode(const PlanarFrame &frame, qint64 pts, EncodedVideoFrame
         input.img.plane[i] = const_cast<uint8_t *>(frame.planes[i].samples.data()); // read only
         input.img.i_stride[i] = frame.planes[i].stride;
     }
-    // The encoder keeps this table beyond the call when it looks ahead, so it gets its own.
-    static_assert(X264_MBINFO_CONSTANT == 1, "the table of unchanged macroblocks is handed over as it is");
+    // The encoder may keep this table longer than the call (lookahead), so it gets a copy.
+    static_assert(X264_MBINFO_CONSTANT == 1, "the values of the table are those of x264");
     Q_ASSERT(frame.unchanged.size() == m_macroblocks);
     input.prop.mb_info = static_cast<uint8_t *>(std::malloc(m_macroblocks));
     input.prop.mb_info_free = std::free;
     if (!input.prop.mb_info)
         return false;
     std::memcpy(input.prop.mb_info, frame.unchanged.data(), m_macroblocks);
-    return encode(&input, picture);
+    return encode(&input, encoded);
 }
 
 bool X264Encoder::hasDelayedFrames() const
@@ -129,14 +129,14 @@ bool X264Encoder::hasDelayedFrames() const
     return m_encoder && x264_encoder_delayed_frames(m_encoder.get()) > 0;
 }
 
-bool X264Encoder::flush(EncodedVideoFrame *picture)
+bool X264Encoder::flush(EncodedVideoFrame *encoded)
 {
-    return encode(nullptr, picture);
+    return encode(nullptr, encoded);
 }
 
-bool X264Encoder::encode(x264_picture_t *input, EncodedVideoFrame *picture)
+bool X264Encoder::encode(x264_picture_t *input, EncodedVideoFrame *encoded)
 {
-    *picture = {};
+    *encoded = {};
     x264_picture_t output;
     x264_nal_t *units = nullptr;
     int count = 0;
@@ -144,7 +144,7 @@ bool X264Encoder::encode(x264_picture_t *input, EncodedVideoFrame *picture)
     if (size < 0)
         return false;
     if (size > 0)
-        *picture = {units[0].p_payload, size, output.i_pts, output.i_dts, output.b_keyframe != 0};
+        *encoded = {units[0].p_payload, size, output.i_pts, output.i_dts, output.b_keyframe != 0};
     return true;
 }
 

@@ -18,23 +18,23 @@ namespace av
 
 struct PlanarFrame;
 
-/// One picture, encoded: H.264 NAL units with four-byte lengths, as MP4 stores them.
+/// An encoded video frame: H.264 NAL units with four-byte lengths, as MP4 stores them.
 struct EncodedVideoFrame {
-    const uint8_t *data = nullptr; ///< owned by the encoder, until its next call
-    int size = 0;                  ///< 0: there is no picture
-    qint64 pts = 0;
-    qint64 dts = 0;
+    const uint8_t *data = nullptr; ///< owned by the encoder; valid until its next call
+    int size = 0;                  ///< bytes; 0: no frame
+    qint64 pts = 0;                ///< frame number in presentation order
+    qint64 dts = 0;                ///< frame number in decoding order
     bool isKeyframe = false;
 };
 
-/// Owner of one libx264 encoder. One thread at a time.
+/// Owner of a libx264 encoder. Not thread-safe.
 class X264Encoder
 {
 public:
-    /// What all encoders here have in common, for the frames' size and rate; time stamps count frames.
+    /// Common parameters of all encoders; timestamps count frames.
     static x264_param_t defaultParams(const char *preset, const char *tune, const QSize &size, int fps);
 
-    /// Why pictures of this size and rate cannot be encoded, in English; empty when they can.
+    /// Why frames of this size and rate cannot be encoded, in English; empty if they can.
     static QString limitError(const QSize &size, int fps);
 
     /// Opens the encoder.
@@ -42,20 +42,20 @@ public:
 
     bool isValid() const { return m_encoder != nullptr; }
 
-    /// The "avcC" record: profile, level and the parameter sets.
+    /// The "avcC" record: profile, level and parameter sets.
     QByteArray decoderConfiguration() const;
 
-    /// Encodes a frame. False when the encoder failed. The picture may be empty or an earlier one's.
-    bool encode(const PlanarFrame &frame, qint64 pts, EncodedVideoFrame *picture);
+    /// Encodes a frame. The output may be empty or an earlier frame. False if the encoder fails.
+    bool encode(const PlanarFrame &frame, qint64 pts, EncodedVideoFrame *encoded);
 
-    /// The encoder holds back pictures that flush() delivers.
+    /// The encoder holds back frames that flush() returns.
     bool hasDelayedFrames() const;
 
-    /// Delivers one picture that was held back.
-    bool flush(EncodedVideoFrame *picture);
+    /// Returns one of the frames held back. False if the encoder fails.
+    bool flush(EncodedVideoFrame *encoded);
 
 private:
-    bool encode(x264_picture_t *input, EncodedVideoFrame *picture);
+    bool encode(x264_picture_t *input, EncodedVideoFrame *encoded);
 
     struct Closer {
         void operator()(x264_t *encoder) const { x264_encoder_close(encoder); }

@@ -1,6 +1,8 @@
 #include "avcodec/animation/gif/GifLzw.h"
 
 #include "avcodec/animation/FrameDelta.h"
+#include "avcodec/animation/gif/LzwCodeStream.h"
+#include "avcodec/animation/gif/LzwDictionary.h"
 
 #include <algorithm>
 #include <array>
@@ -12,150 +14,38 @@ namespace av
 namespace
 {
 
-constexpr int kMaxCodes = 4096;
-constexpr int kMaxCodeWidth = 12;
-constexpr int kNone = -1;
-
-/// Ways to go on that are followed at once. More of them gain little.
+/// Number of alternatives that are followed at once. More of them gain little.
 constexpr int kMaxBranches = 4;
 
-/// A string may end that much earlier than it could, if together with its successor it gets further.
-/// That gains nothing worth the time for strings that are long anyway.
+/// A string may end this many pixels before its longest match, if the next string then reaches further. For strings
+/// longer than kLongString this is not worth the time.
 constexpr std::size_t kMaxStepsBack = 3;
 constexpr std::size_t kLongString = 64;
 
-/// Instead of no price for errors, which there are none of then.
+/// Avoids a division by zero when errors cost nothing: then there are none.
 constexpr double kMinErrorCost = 1e-9;
 
-/// Codes after which a full dictionary is judged again.
+/// Number of codes after which the efficiency of a full dictionary is checked again.
 constexpr int kDictionaryCheckInterval = 128;
 
-/// All strings that have a code, each as its beginning and its last symbol.
-class Dictionary
-{
-public:
-    void reset(int symbols)
-    {
-        m_size = symbols + 2; // the codes for clear and end follow the symbols
-        m_table.fill(kFree);
-        m_firstChild.fill(kNone);
-        for (int symbol = 0; symbol < symbols; ++symbol)
-            m_symbol[std::size_t(symbol)] = quint8(symbol);
-    }
-
-    int size() const { return m_size; }
-    bool isFull() const { return m_size == kMaxCodes; }
-    int lastSymbol(int code) const { return m_symbol[std::size_t(code)]; }
-
-    /// The longer strings that begin with a code's, as a list.
-    int firstChild(int code) const { return m_firstChild[std::size_t(code)]; }
-    int nextChild(int code) const { return m_nextChild[std::size_t(code)]; }
-
-    int child(int code, int symbol) const
-    {
-        const quint32 key = keyOf(code, symbol);
-        for (std::size_t place = placeOf(key); m_table[place] != kFree; place = (place + 1) % m_table.size()) {
-            if (m_table[place] >> kMaxCodeWidth == key)
-                return int(m_table[place] % kMaxCodes);
-        }
-        return kNone;
-    }
-
-    /// Numbers the string that consists of a code's and one more symbol. It may be known already, when its beginning
-    /// was written although there was more to match; it gets a number all the same, as the decoder has it, too.
-    void add(int code, int symbol)
-    {
-        const int added = m_size++;
-        if (child(code, symbol) != kNone)
-            return;
-        m_symbol[std::size_t(added)] = quint8(symbol);
-        m_nextChild[std::size_t(added)] = m_firstChild[std::size_t(code)];
-        m_firstChild[std::size_t(code)] = qint16(added);
-        const quint32 key = keyOf(code, symbol);
-        std::size_t place = placeOf(key);
-        while (m_table[place] != kFree)
-            place = (place + 1) % m_table.size();
-        m_table[place] = key << kMaxCodeWidth | quint32(added);
-    }
-
-private:
-    static constexpr quint32 kFree = 0xffffffffu; // no entry: its code would be its own beginning
-
-    static quint32 keyOf(int code, int symbol) { return quint32(code) << 8 | quint32(symbol); }
-    static std::size_t placeOf(quint32 key) { return (key * 2654435761u) >> 19; }
-
-    int m_size = 0;
-    std::array<quint32, 8192> m_table; // key and code, by hash of the key
-    std::array<quint8, kMaxCodes> m_symbol;
-    std::array<qint16, kMaxCodes> m_firstChild;
-    std::array<qint16, kMaxCodes> m_nextChild;
-};
-
-/// Codes as a string of bits, cut into blocks of 255 bytes.
-class CodeStream
-{
-public:
-    explicit CodeStream(int minimumCodeSize) { m_bytes.append(char(minimumCodeSize)); }
-
-    void put(int code, int width)
-    {
-        m_bits |= quint32(code) << m_bitCount;
-        m_bitCount += width;
-        for (; m_bitCount >= 8; m_bitCount -= 8, m_bits >>= 8)
-            putByte(quint8(m_bits));
-    }
-
-    QByteArray finish()
-    {
-        if (m_bitCount > 0)
-            putByte(quint8(m_bits));
-        endBlock();
-        m_bytes.append('\0');
-        return std::move(m_bytes);
-    }
-
-private:
-    void putByte(quint8 byte)
-    {
-        if (m_blockStart < 0) {
-            m_blockStart = m_bytes.size();
-            m_bytes.append('\0');
-        }
-        m_bytes.append(char(byte));
-        if (m_bytes.size() - m_blockStart > 255)
-            endBlock();
-    }
-
-    void endBlock()
-    {
-        if (m_blockStart >= 0)
-            m_bytes[m_blockStart] = char(m_bytes.size() - m_blockStart - 1);
-        m_blockStart = -1;
-    }
-
-    QByteArray m_bytes;
-    int m_blockStart = -1;
-    quint32 m_bits = 0;
-    int m_bitCount = 0;
-};
-
+/// Compresses one frame.
 class Compressor
 {
 public:
-    Compressor(const IndexedFrame &picture, const std::atomic<bool> &cancelled)
-        : m_picture(picture)
+    Compressor(const IndexedFrame &frame, const std::atomic<bool> &cancelled)
+        : m_frame(frame)
         , m_cancelled(cancelled)
-        , m_minimumSize(minimumCodeSize(int(picture.palette.size())))
+        , m_minimumSize(minimumCodeSize(int(frame.palette.size())))
         , m_stream(m_minimumSize)
     {
     }
 
     QByteArray run()
     {
-        const std::size_t count = m_picture.pixels.size();
+        const std::size_t count = m_frame.pixels.size();
         clear();
         std::size_t at = 0;
-        int symbol = firstSymbol(0, kNone);
+        int symbol = firstSymbol(0, LzwDictionary::kNone);
         for (;;) {
             const std::size_t from = at;
             const int code = bestMatch(symbol, at);
@@ -170,10 +60,10 @@ public:
     }
 
 private:
-    /// A string that fits the pixels so far.
+    /// A dictionary string that matches the pixels so far.
     struct Branch {
         int code;
-        int error; // more than the best colors have
+        int error; // squared distance in excess of that of the best colors
     };
 
     static int minimumCodeSize(int colors)
@@ -192,42 +82,43 @@ private:
         m_stream.put(clearCode(), m_width);
         m_dictionary.reset(clearCode());
         m_width = m_minimumSize + 1;
-        m_learnt = {};
+        m_filling = {};
         m_recent = {};
     }
 
     bool mayBeTransparent(std::size_t at) const
     {
-        return m_picture.transparent >= 0 && !FrameDelta::isChanged(m_picture.pixels[at]);
+        return m_frame.transparent >= 0 && !FrameDelta::isChanged(m_frame.pixels[at]);
     }
 
-    /// The symbol that a string begins with decides how the string before it is continued in the dictionary, so it
-    /// has to be settled before the string is known. Stretches that are transparent, or not, tend to stay so.
+    /// The first symbol of a string. It also becomes the last symbol of the dictionary string that extends the previous
+    /// one, so it has to be chosen before the string is known. Transparent runs stay transparent, as their neighbors
+    /// mostly do.
     int firstSymbol(std::size_t at, int before) const
     {
-        return mayBeTransparent(at) && before == m_picture.transparent ? before : m_picture.indices[at];
+        return mayBeTransparent(at) && before == m_frame.transparent ? before : m_frame.indices[at];
     }
 
-    /// The code of a known string that begins with the symbol and fits the pixels from `at` on, which is moved behind
-    /// them.
+    /// The code of a dictionary string that begins with `symbol` and matches the pixels from `at` on. Moves `at` behind
+    /// the match.
     int bestMatch(int symbol, std::size_t &at)
     {
         const std::size_t from = at;
         at = longestMatch(symbol, from);
-        if (at == m_picture.pixels.size() || at - from > kLongString)
+        if (at == m_frame.pixels.size() || at - from > kLongString)
             return m_matches.back().code;
         std::swap(m_matches, m_candidates);
-        const double pixelsPerError = m_all.pixels / std::max(m_all.bits * m_picture.errorPerBit, kMinErrorCost);
+        const double pixelsPerError = m_all.pixels / std::max(m_all.bits * m_frame.errorPerBit, kMinErrorCost);
         std::size_t best = m_candidates.size();
-        double most = std::numeric_limits<double>::lowest();
+        double maxGain = std::numeric_limits<double>::lowest();
         for (std::size_t back = 0; back <= kMaxStepsBack && back < m_candidates.size(); ++back) {
             const std::size_t length = m_candidates.size() - back;
             const Branch &candidate = m_candidates[length - 1];
             const int lastSymbol = m_dictionary.lastSymbol(candidate.code);
             const std::size_t reached = longestMatch(firstSymbol(from + length, lastSymbol), from + length);
             const double gain = double(reached - from) - (candidate.error + m_matches.back().error) * pixelsPerError;
-            if (gain > most) {
-                most = gain;
+            if (gain > maxGain) {
+                maxGain = gain;
                 best = length;
             }
         }
@@ -235,13 +126,14 @@ private:
         return m_candidates[best - 1].code;
     }
 
-    /// How far the known strings get that begin with the symbol at `at`. m_matches has the best for each length.
+    /// The end of the longest match from `at` on that begins with `symbol`. m_matches has the best branch for each
+    /// length.
     std::size_t longestMatch(int symbol, std::size_t at)
     {
         m_branchCount = 1;
         m_branches[0] = {symbol, 0};
         m_matches.assign(1, {symbol, 0});
-        for (++at; at < m_picture.pixels.size(); ++at) {
+        for (++at; at < m_frame.pixels.size(); ++at) {
             m_longerCount = 0;
             for (int i = 0; i < m_branchCount; ++i)
                 follow(m_branches[std::size_t(i)], at);
@@ -256,38 +148,39 @@ private:
 
     void follow(const Branch &branch, std::size_t at)
     {
-        const int index = m_picture.indices[at];
+        const int index = m_frame.indices[at];
         if (mayBeTransparent(at)) {
-            keep(m_dictionary.child(branch.code, m_picture.transparent), branch.error);
-            if (index != m_picture.transparent)
+            keep(m_dictionary.child(branch.code, m_frame.transparent), branch.error);
+            if (index != m_frame.transparent)
                 keep(m_dictionary.child(branch.code, index), branch.error);
-        } else if (m_picture.tolerance == 0) {
+        } else if (m_frame.tolerance == 0) {
             keep(m_dictionary.child(branch.code, index), branch.error);
         } else {
-            const QRgb color = m_picture.pixels[at];
-            const int least = index == m_picture.transparent ? 0 : distance(index, color);
-            for (int code = m_dictionary.firstChild(branch.code); code != kNone; code = m_dictionary.nextChild(code)) {
+            const QRgb color = m_frame.pixels[at];
+            const int minError = index == m_frame.transparent ? 0 : distance(index, color);
+            for (int code = m_dictionary.firstChild(branch.code); code != LzwDictionary::kNone;
+                 code = m_dictionary.nextChild(code)) {
                 const int symbol = m_dictionary.lastSymbol(code);
-                const int error = symbol == m_picture.transparent ? kNone : distance(symbol, color);
-                if (symbol == index || (error >= 0 && error <= m_picture.tolerance))
-                    keep(code, branch.error + std::max(0, error - least));
+                const int error = symbol == m_frame.transparent ? -1 : distance(symbol, color);
+                if (symbol == index || (error >= 0 && error <= m_frame.tolerance))
+                    keep(code, branch.error + std::max(0, error - minError));
             }
         }
     }
 
     int distance(int symbol, QRgb color) const
     {
-        const QRgb shown = m_picture.palette[std::size_t(symbol)];
-        const int red = qRed(shown) - qRed(color);
-        const int green = qGreen(shown) - qGreen(color);
-        const int blue = qBlue(shown) - qBlue(color);
+        const QRgb paletteColor = m_frame.palette[std::size_t(symbol)];
+        const int red = qRed(paletteColor) - qRed(color);
+        const int green = qGreen(paletteColor) - qGreen(color);
+        const int blue = qBlue(paletteColor) - qBlue(color);
         return red * red + green * green + blue * blue;
     }
 
-    /// Keeps the branches of the least error, those first.
+    /// Adds a branch, keeping those with the smallest error, in ascending order.
     void keep(int code, int error)
     {
-        if (code == kNone)
+        if (code == LzwDictionary::kNone)
             return;
         if (m_longerCount == kMaxBranches && m_longer[kMaxBranches - 1].error <= error)
             return;
@@ -297,40 +190,40 @@ private:
         m_longer[std::size_t(place)] = {code, error};
     }
 
-    /// Adds a string to the dictionary. A full one stays in use for as long as it does not do worse than while it
-    /// was filled.
+    /// Adds a string to the dictionary. A full dictionary is cleared once it compresses worse than while it was filled.
     void learn(int code, int symbol, std::size_t pixels)
     {
-        Yield &yield = m_dictionary.isFull() ? m_recent : m_learnt;
-        for (Yield *sum : {&yield, &m_all}) {
+        Ratio &ratio = m_dictionary.isFull() ? m_recent : m_filling;
+        for (Ratio *sum : {&ratio, &m_all}) {
             sum->pixels += double(pixels);
             sum->bits += m_width;
         }
         if (!m_dictionary.isFull()) {
             m_dictionary.add(code, symbol);
-            if (m_dictionary.size() > 1 << m_width && m_width < kMaxCodeWidth)
+            if (m_dictionary.size() > 1 << m_width && m_width < LzwDictionary::kMaxCodeWidth)
                 ++m_width;
-        } else if (m_recent.bits >= kDictionaryCheckInterval * kMaxCodeWidth) {
-            if (m_recent.pixels * m_learnt.bits < m_learnt.pixels * m_recent.bits)
+        } else if (m_recent.bits >= kDictionaryCheckInterval * LzwDictionary::kMaxCodeWidth) {
+            if (m_recent.pixels * m_filling.bits < m_filling.pixels * m_recent.bits)
                 clear();
             m_recent = {};
         }
     }
 
-    struct Yield {
+    /// Compression ratio.
+    struct Ratio {
         double pixels = 0;
         double bits = 0;
     };
 
-    const IndexedFrame &m_picture;
+    const IndexedFrame &m_frame;
     const std::atomic<bool> &m_cancelled;
     const int m_minimumSize;
-    CodeStream m_stream;
-    Dictionary m_dictionary;
+    LzwCodeStream m_stream;
+    LzwDictionary m_dictionary;
     int m_width = m_minimumSize + 1;
-    Yield m_learnt;
-    Yield m_recent;
-    Yield m_all{1, double(m_width)}; // as if one code had been written
+    Ratio m_filling;                 // while the dictionary was filled
+    Ratio m_recent;                  // since it was checked last
+    Ratio m_all{1, double(m_width)}; // starts as if one code had been written
     std::array<Branch, kMaxBranches> m_branches;
     std::array<Branch, kMaxBranches> m_longer;
     int m_branchCount = 0;
@@ -341,9 +234,9 @@ private:
 
 } // namespace
 
-QByteArray gifImageData(const IndexedFrame &picture, const std::atomic<bool> &cancelled)
+QByteArray gifImageData(const IndexedFrame &frame, const std::atomic<bool> &cancelled)
 {
-    return Compressor(picture, cancelled).run();
+    return Compressor(frame, cancelled).run();
 }
 
 } // namespace av

@@ -9,21 +9,21 @@
 namespace av
 {
 
-/// A picture as the palette shows it.
+/// A frame as indices into a palette. Distances are squared and summed over the channels.
 struct IndexedFrame {
-    std::vector<QRgb> pixels;    ///< what it should look like, see FrameDelta
-    std::vector<quint8> indices; ///< the best color of each pixel
+    std::vector<QRgb> pixels;    ///< the exact colors, as in FrameDelta
+    std::vector<quint8> indices; ///< the best palette color for each pixel
     std::vector<QRgb> palette;   ///< at most 256 colors
-    int transparent = -1;        ///< index that leaves a pixel as it was; below 0 when there is none
-    int tolerance = 0;           ///< squared distance (all channels together) by which another color may differ
-    double errorPerBit = 0;      ///< such distance, of all pixels together, that is worth a bit
+    int transparent = -1;        ///< index that leaves a pixel unchanged; -1: none
+    int tolerance = 0;           ///< largest distance at which another color may replace the best one
+    double errorPerBit = 0;      ///< total distance that is accepted to save one bit
 };
 
-/// The image data of a GIF frame: code size, blocks of codes and the terminator.
+/// LZW-compresses a frame to the image data of a GIF file: code size, blocks of codes and the terminator.
 ///
-/// Most pixels leave a choice. One that did not change may be transparent or repeat its color, and with a tolerance
-/// every color that is near enough will do. Several ways to go on are followed at once, and the one that the
-/// dictionary carries furthest is written. Ends early, with what nobody can use, once `cancelled` is set.
-QByteArray gifImageData(const IndexedFrame &picture, const std::atomic<bool> &cancelled);
+/// Most pixels can be coded in more than one way: an unchanged one may be transparent or repeat its color, and with a
+/// tolerance every similar color will do. Several alternatives are followed at once, and the one that matches the
+/// longest dictionary strings is written. Once `cancelled` is set, returns early with unusable data.
+QByteArray gifImageData(const IndexedFrame &frame, const std::atomic<bool> &cancelled);
 
 } // namespace av

@@ -21,17 +21,17 @@ namespace
 
 constexpr int kPixelBytes = 3;
 
-/// libdeflate's levels. The first is good for choosing between two filterings, at a fraction of the time. Filtered rows
-/// hardly gain from more than a middling one, plain ones do.
+/// Compression levels of libdeflate. The first suffices for choosing between encodings and takes a fraction of the
+/// time. Filtered rows hardly gain from more than a medium level, unfiltered ones do.
 constexpr int kTrialLevel = 1;
 constexpr int kFilteredLevel = 7;
 constexpr int kUnfilteredLevel = 9;
 constexpr int kThoroughLevel = 11;
 
-/// Qualities below this ask for small files.
+/// Below this quality the best compression is tried, too.
 constexpr int kThoroughBelowQuality = 75;
 
-/// A chunk that all readers skip, in the place of the one that names the color of gaps.
+/// A chunk type that all readers skip. It reserves the space of the tRNS chunk, which states the transparent color.
 constexpr char kPlaceholderType[] = "roOm";
 constexpr int kTransparencyBytes = 6;
 
@@ -51,7 +51,7 @@ QByteArray deflated(const QByteArray &bytes, int level)
     return out;
 }
 
-/// Transparent pixels get the color that stands for them.
+/// Replaces transparent pixels by the color that stands for them.
 QByteArray rows(const std::vector<QRgb> &pixels, int width, png::Filtering filtering, QRgb transparentColor)
 {
     QByteArray bytes(int(pixels.size()) * kPixelBytes, Qt::Uninitialized);
@@ -64,22 +64,21 @@ QByteArray rows(const std::vector<QRgb> &pixels, int width, png::Filtering filte
     return png::filteredRows(bytes, width * kPixelBytes, kPixelBytes, filtering);
 }
 
-FrameDelta opaqueDelta(const QImage &picture, const QRect &rect)
+FrameDelta opaqueDelta(const QImage &image, const QRect &rect)
 {
     FrameDelta delta{rect, {}};
     for (int y = rect.top(); y <= rect.bottom(); ++y) {
-        const auto *row = reinterpret_cast<const QRgb *>(picture.constScanLine(y)) + rect.left();
+        const auto *row = reinterpret_cast<const QRgb *>(image.constScanLine(y)) + rect.left();
         delta.pixels.insert(delta.pixels.end(), row, row + rect.width());
     }
     return delta;
 }
 
-/// Browsers cut durations down to whole milliseconds: 30 a second that last 1/30 s each would play faster than the rest
-/// of the world.
+/// Browsers truncate durations to whole milliseconds, so frames of exactly 1/30 s would play too fast.
 int unitFor(int fps)
 {
-    constexpr int exact = 1000;
-    return fps > 0 && exact % fps == 0 ? fps : exact;
+    constexpr int kMilliseconds = 1000;
+    return fps > 0 && kMilliseconds % fps == 0 ? fps : kMilliseconds;
 }
 
 } // namespace
@@ -98,7 +97,7 @@ AnimationFormat::Limits ApngFormat::limits() const
 EncodedFrame ApngFormat::encode(const FrameDelta &delta, const std::atomic<bool> &cancelled) const
 {
     using png::Filtering;
-    struct Way {
+    struct Method {
         bool hasTransparency;
         Filtering filtering;
     };
@@ -107,8 +106,8 @@ EncodedFrame ApngFormat::encode(const FrameDelta &delta, const std::atomic<bool>
     };
     const QRgb transparentColor = delta.unusedColor.value_or(0);
     const FrameDelta sample = delta.sample();
-    Way best{false, Filtering::None};
-    int least = std::numeric_limits<int>::max();
+    Method best{false, Filtering::None};
+    int minSize = std::numeric_limits<int>::max();
     for (const bool hasTransparency : {false, true}) {
         if (hasTransparency && !delta.unusedColor)
             break;
@@ -120,8 +119,8 @@ EncodedFrame ApngFormat::encode(const FrameDelta &delta, const std::atomic<bool>
                 return {};
             const int size =
                 deflated(rows(pixels, sample.rect.width(), filtering, transparentColor), kTrialLevel).size();
-            if (size < least) {
-                least = size;
+            if (size < minSize) {
+                minSize = size;
                 best = {hasTransparency, filtering};
             }
         }
@@ -131,7 +130,7 @@ EncodedFrame ApngFormat::encode(const FrameDelta &delta, const std::atomic<bool>
     if (cancelled)
         return {};
     QByteArray data = deflated(filtered, best.filtering == Filtering::None ? kUnfilteredLevel : kFilteredLevel);
-    if (m_quality < kThoroughBelowQuality && !cancelled) { // which does not always pay
+    if (m_quality < kThoroughBelowQuality && !cancelled) { // not always smaller
         const QByteArray smaller = deflated(filtered, kThoroughLevel);
         if (smaller.size() < data.size())
             data = smaller;
@@ -146,21 +145,21 @@ bool ApngFormat::writeHeader(OutputFile &file, QSize size, int plays)
                       png::chunk(kPlaceholderType, QByteArray(kTransparencyBytes, '\0')));
 }
 
-/// The number of frames is known at the end only.
+/// The number of frames is not final until the end.
 QByteArray ApngFormat::animationControl() const
 {
     return png::chunk("acTL", png::bigEndian(m_frames) + png::bigEndian(quint32(m_plays)));
 }
 
-/// A pixel of the color that stands for gaps cannot be shown, so the first one puts an end to it and to the gaps.
-bool ApngFormat::prepareToWrite(OutputFile &file, const EncodedFrame &picture, const std::atomic<bool> &cancelled)
+/// Rewrites the file without transparency if the frame uses the color that stands for it.
+bool ApngFormat::prepareToWrite(OutputFile &file, const EncodedFrame &frame, const std::atomic<bool> &cancelled)
 {
-    if (!m_transparentColor || picture.unusedColor == m_transparentColor)
+    if (!m_transparentColor || frame.unusedColor == m_transparentColor)
         return true;
     OutputFile copy;
-    if (!copy.open(file.path() + QStringLiteral(".opaque")))
+    if (!copy.open(file.path() + QLatin1String(".opaque")))
         return file.fail(copy.errorString());
-    const auto cleanUp = qScopeGuard([&copy] { copy.remove(); }); // nothing is there once it has taken its place
+    const auto cleanUp = qScopeGuard([&copy] { copy.remove(); }); // no effect after a successful replaceWith()
     if (!copyWithoutTransparency(file.path(), copy, cancelled))
         return file.fail(copy.errorString());
     if (!file.replaceWith(copy))
@@ -177,10 +176,10 @@ bool ApngFormat::copyWithoutTransparency(const QString &from, OutputFile &to, co
     while (format.m_frames < m_frames) {
         if (!reader.next(&frame))
             return to.fail(QStringLiteral("Cannot read %1 back").arg(from));
-        if (format.m_frames == 0 && !format.writeHeader(to, reader.picture().size(), m_plays))
+        if (format.m_frames == 0 && !format.writeHeader(to, reader.image().size(), m_plays))
             return false;
         if (frame.encoded.hasTransparentPixels)
-            frame.encoded = format.encode(opaqueDelta(reader.picture(), frame.encoded.rect), cancelled);
+            frame.encoded = format.encode(opaqueDelta(reader.image(), frame.encoded.rect), cancelled);
         if (cancelled)
             return to.fail(QStringLiteral("Aborted"));
         if (!format.writeFrame(to, frame.encoded, frame.ticks))
@@ -189,21 +188,21 @@ bool ApngFormat::copyWithoutTransparency(const QString &from, OutputFile &to, co
     return true;
 }
 
-bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks)
+bool ApngFormat::writeFrame(OutputFile &file, const EncodedFrame &frame, int ticks)
 {
-    if (picture.hasTransparentPixels && !m_transparentColor) {
-        m_transparentColor = picture.unusedColor;
+    if (frame.hasTransparentPixels && !m_transparentColor) {
+        m_transparentColor = frame.unusedColor;
         if (!file.overwrite(kTransparencyOffset, png::transparency(*m_transparentColor)))
             return false;
     }
-    constexpr char keepPicture = 0;
+    constexpr char kDisposeNone = 0;
     QByteArray control = png::bigEndian(m_sequence++);
-    for (const int value : {picture.rect.width(), picture.rect.height(), picture.rect.x(), picture.rect.y()})
+    for (const int value : {frame.rect.width(), frame.rect.height(), frame.rect.x(), frame.rect.y()})
         control += png::bigEndian(quint32(value));
     control += png::bigEndian(quint16(ticks)) + png::bigEndian(quint16(m_ticksPerSecond));
-    control.append(keepPicture).append(char(picture.hasTransparentPixels));
-    const QByteArray data = m_frames == 0 ? png::chunk("IDAT", picture.data)
-                                          : png::chunk("fdAT", png::bigEndian(m_sequence++) + picture.data);
+    control.append(kDisposeNone).append(char(frame.hasTransparentPixels));
+    const QByteArray data =
+        m_frames == 0 ? png::chunk("IDAT", frame.data) : png::chunk("fdAT", png::bigEndian(m_sequence++) + frame.data);
     if (!file.write(png::chunk("fcTL", control)) || !file.write(data))
         return false;
     ++m_frames;

@@ -31,7 +31,7 @@ bool ApngFrameReader::next(Frame *frame)
     QByteArray type, data;
     while (readChunk(&type, &data)) {
         if (type == "IHDR") {
-            m_picture = QImage(numberAt<quint32>(data, 0), numberAt<quint32>(data, 4), QImage::Format_RGB32);
+            m_image = QImage(numberAt<quint32>(data, 0), numberAt<quint32>(data, 4), QImage::Format_RGB32);
         } else if (type == "tRNS") {
             m_transparency = png::chunk("tRNS", data);
         } else if (type == "fcTL") {
@@ -40,8 +40,9 @@ bool ApngFrameReader::next(Frame *frame)
             frame->ticks = numberAt<quint16>(data, 20);
             frame->encoded.hasTransparentPixels = data.at(25);
         } else if (type == "IDAT" || type == "fdAT") {
-            frame->encoded.data = data.mid(type == "IDAT" ? 0 : int(sizeof(quint32))); // a number is in front
-            return show(frame->encoded);
+            frame->encoded.data =
+                data.mid(type == "IDAT" ? 0 : int(sizeof(quint32))); // fdAT data begins with a sequence number
+            return compose(frame->encoded);
         }
     }
     return false;
@@ -57,15 +58,15 @@ bool ApngFrameReader::readChunk(QByteArray *type, QByteArray *data)
     return png::chunk(*type, *data) == head + *data + m_file.read(4);
 }
 
-/// Each frame is a PNG file of its own but for its wrapping.
-bool ApngFrameReader::show(const EncodedFrame &frame)
+/// Decodes the frame by wrapping its data in a still PNG.
+bool ApngFrameReader::compose(const EncodedFrame &frame)
 {
     const QImage image = QImage::fromData(png::kSignature + png::header(frame.rect.size()) + m_transparency +
                                               png::chunk("IDAT", frame.data) + png::chunk("IEND", {}),
                                           "PNG");
     if (image.size() != frame.rect.size())
         return false;
-    QPainter(&m_picture).drawImage(frame.rect.topLeft(), image);
+    QPainter(&m_image).drawImage(frame.rect.topLeft(), image);
     return true;
 }
 

@@ -8,7 +8,7 @@
 namespace av
 {
 
-/// Reads back, one by one, the frames of a file that ApngFormat has written or is writing.
+/// Reads back, frame by frame, a file that ApngFormat has written or is still writing.
 class ApngFrameReader
 {
 public:
@@ -19,19 +19,19 @@ public:
 
     explicit ApngFrameReader(const QString &path);
 
-    /// False at the end and where the file is damaged.
+    /// Reads the next frame. False at the end of the file and where it is damaged.
     bool next(Frame *frame);
 
-    /// What is seen during the frame that was read last.
-    const QImage &picture() const { return m_picture; }
+    /// The complete image at the frame that was read last.
+    const QImage &image() const { return m_image; }
 
 private:
     bool readChunk(QByteArray *type, QByteArray *data);
-    bool show(const EncodedFrame &frame);
+    bool compose(const EncodedFrame &frame);
 
     QFile m_file;
-    QByteArray m_transparency;
-    QImage m_picture;
+    QByteArray m_transparency; // the tRNS chunk
+    QImage m_image;
 };
 
 } // namespace av

@@ -39,10 +39,10 @@ QByteArray png::chunk(const char *type, const QByteArray &data)
 
 QByteArray png::header(QSize size)
 {
-    constexpr char bitDepth = 8;
-    constexpr char trueColor = 2;
+    constexpr char kBitDepth = 8;
+    constexpr char kTrueColor = 2;
     const QByteArray sides = bigEndian(quint32(size.width())) + bigEndian(quint32(size.height()));
-    return chunk("IHDR", sides + bitDepth + trueColor + QByteArray(3, '\0'));
+    return chunk("IHDR", sides + kBitDepth + kTrueColor + QByteArray(3, '\0'));
 }
 
 QByteArray png::transparency(QRgb color)

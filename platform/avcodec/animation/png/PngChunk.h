@@ -4,13 +4,11 @@
 #include <QColor>
 #include <QSize>
 
-/// The parts that PNG files are made of.
+/// Building blocks of PNG files.
 namespace av::png
 {
 
 constexpr char kSignature[] = "\x89PNG\r\n\x1a\n";
-
-/// Of a file and of a chunk without data.
 constexpr int kSignatureBytes = 8;
 constexpr int kEmptyChunkBytes = 12;
 
@@ -19,10 +17,10 @@ QByteArray bigEndian(quint32 value);
 
 QByteArray chunk(const char *type, const QByteArray &data);
 
-/// IHDR: true color, 8 bits a channel.
+/// IHDR: true color, 8 bits per channel.
 QByteArray header(QSize size);
 
-/// tRNS: the color is transparent.
+/// tRNS: the given color is transparent.
 QByteArray transparency(QRgb color);
 
 } // namespace av::png

@@ -26,37 +26,38 @@ quint8 paethPredictor(int left, int above, int aboveLeft)
     return quint8(toLeft <= distance ? left : nearest);
 }
 
-/// Tells how many bits the bytes of a row take at least if each has a code by how often it occurs.
+/// Estimates the compressed size of a row from the entropy of its bytes.
 class RowCost
 {
 public:
     explicit RowCost(int rowBytes)
-        : m_saved(std::size_t(rowBytes) + 1)
+        : m_countLogCount(std::size_t(rowBytes) + 1)
     {
-        for (std::size_t count = 2; count < m_saved.size(); ++count)
-            m_saved[count] = float(double(count) * std::log2(double(count)));
+        for (std::size_t count = 2; count < m_countLogCount.size(); ++count)
+            m_countLogCount[count] = float(double(count) * std::log2(double(count)));
     }
 
     float bits(const quint8 *row, int count) const
     {
-        std::array<std::array<quint32, 256>, 4> counts{}; // four, so that equal bytes in a row need not wait
+        std::array<std::array<quint32, 256>, 4>
+            counts{}; // four tables, so that increments for equal neighbors do not depend on each other
         int i = 0;
         for (; i + 4 <= count; i += 4)
             for (std::size_t k = 0; k < 4; ++k)
                 ++counts[k][row[i + int(k)]];
         for (; i < count; ++i)
             ++counts[0][row[i]];
-        float bits = m_saved[std::size_t(count)];
+        float bits = m_countLogCount[std::size_t(count)];
         for (std::size_t value = 0; value < 256; ++value)
-            bits -= m_saved[counts[0][value] + counts[1][value] + counts[2][value] + counts[3][value]];
+            bits -= m_countLogCount[counts[0][value] + counts[1][value] + counts[2][value] + counts[3][value]];
         return bits;
     }
 
 private:
-    std::vector<float> m_saved; // n log2(n)
+    std::vector<float> m_countLogCount; // n log2(n) for each n
 };
 
-/// Both input rows have `pixelBytes` zero bytes in front.
+/// Both input rows are preceded by `pixelBytes` zero bytes.
 void applyFilter(Filter filter, const quint8 *row, const quint8 *above, int rowBytes, int pixelBytes, quint8 *out)
 {
     const quint8 *left = row - pixelBytes;
@@ -92,21 +93,22 @@ QByteArray png::filteredRows(const QByteArray &pixels, int rowBytes, int pixelBy
     QByteArray out(pixels.size() + rows, Qt::Uninitialized);
     auto *to = reinterpret_cast<quint8 *>(out.data());
     const RowCost cost(rowBytes);
-    std::vector<quint8> above(std::size_t(pixelBytes + rowBytes)); // black above the first row and left of every one
+    // Zeros stand for the row above the first and for the pixel left of each row.
+    std::vector<quint8> above(std::size_t(pixelBytes + rowBytes));
     std::vector<quint8> current(above.size());
     std::vector<quint8> attempt(std::size_t(rowBytes + 1));
     std::vector<quint8> best(attempt.size());
     for (int row = 0; row < rows; ++row) {
         std::memcpy(current.data() + pixelBytes, pixels.constData() + std::size_t(row) * rowBytes,
                     std::size_t(rowBytes));
-        float least = std::numeric_limits<float>::max();
+        float minBits = std::numeric_limits<float>::max();
         for (int filter = None; filter < filters; ++filter) {
             attempt[0] = quint8(filter);
             applyFilter(Filter(filter), current.data() + pixelBytes, above.data() + pixelBytes, rowBytes, pixelBytes,
                         attempt.data() + 1);
             const float bits = filters > 1 ? cost.bits(attempt.data() + 1, rowBytes) : 0;
-            if (bits < least) {
-                least = bits;
+            if (bits < minBits) {
+                minBits = bits;
                 std::swap(attempt, best);
             }
         }

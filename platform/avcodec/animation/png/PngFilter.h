@@ -2,13 +2,13 @@
 
 #include <QByteArray>
 
-/// The rows of a PNG image before they are compressed, each with its filter byte in front.
+/// Filters the rows of a PNG image before compression; each row is preceded by its filter type byte.
 namespace av::png
 {
 
 enum class Filtering {
-    None,    ///< the bytes as they are: best where areas repeat, as in most of what screens show
-    Adaptive ///< for each row the differences to its neighbours that take the fewest bits: best for photographs
+    None,    ///< unfiltered: best where areas repeat, as in most screen content
+    Adaptive ///< per row, the filter whose output has the lowest entropy: best for photographs
 };
 
 /// `rowBytes` of `pixels` make a row, `pixelBytes` a pixel.

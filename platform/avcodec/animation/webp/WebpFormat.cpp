@@ -14,33 +14,34 @@ namespace av
 namespace
 {
 
-constexpr int kLossless = 100; // quality
+constexpr int kLosslessQuality = 100;
 
-/// Of the library's lossy qualities for each of ours: 90 is as true as what other programs write by default, 75.
+/// libwebp's lossy quality per step of ours: 90 is about as good as its 75, the default of other programs.
 constexpr float kLibraryQuality = 58.5f / 90;
 
-/// How much the deblocking leaves edges alone, 0 to 7. Sharper than this shows the blocks again.
+/// Sharpness of the deblocking filter, 0 to 7. Above this, blocks become visible again.
 constexpr int kFilterSharpness = 2;
 
-/// More effort takes several times as long for some hundredths of the bytes.
+/// More effort takes several times as long and saves a few percent.
 constexpr int kLosslessMethod = 1;
 constexpr float kLosslessEffort = 75;
 constexpr int kLossyMethod = 4;
 
-/// What screens show compresses far better without loss, and stays sharp, once its colors are few: text of a dozen
-/// shades has hundreds. The mean squared error of a pixel (all channels together) that this may cost, for the square
-/// of each step of quality below 100.
+/// Screen content with few colors compresses far better losslessly and stays sharp; but antialiased text in a dozen
+/// colors has hundreds of shades. Mean squared error of a pixel (summed over the channels) that is accepted for
+/// reducing the colors; multiplied by (100 - quality)².
 constexpr double kPaletteErrorPerLoss = 0.02;
 constexpr std::size_t kSmallestPalette = 31;
-constexpr std::size_t kLargestPalette = 255; // one more is transparent
+constexpr std::size_t kLargestPalette = 255; // plus the transparent color
 
-/// Blurred text is seen at once, so it has to save that much.
+/// Blurred text is conspicuous, so lossy encoding must be this much smaller to be used.
 constexpr double kWorthwhileLossyRatio = 0.75;
 
-/// A sample finds fewer repetitions than the whole picture, which makes lossless look worse by up to so much.
+/// A sample has fewer repetitions than the whole frame, which overestimates the lossless size by up to this factor.
 constexpr double kMaxSampleBias = 1.5;
 
-/// What a photograph takes at least without loss, for what it takes with.
+/// A frame whose lossless size is at least this many times the lossy one is a photograph. The fastest method suffices
+/// to find out.
 constexpr int kTrialMethod = 0;
 constexpr double kPhotographRatio = 12;
 
@@ -53,7 +54,7 @@ constexpr char kAnimationFlag = 0x02;
 constexpr char kAlphaFlag = 0x10;
 constexpr char kDoNotBlendFlag = 0x02;
 
-/// The low `bytes` bytes.
+/// The lowest `bytes` bytes.
 QByteArray littleEndian(quint32 value, int bytes)
 {
     QByteArray all(4, Qt::Uninitialized);
@@ -66,12 +67,12 @@ QByteArray chunk(const char *type, const QByteArray &data)
     return type + littleEndian(quint32(data.size()), 4) + data;
 }
 
-int goOnUnlessCancelled(int, const WebPPicture *picture)
+int continueUnlessCancelled(int, const WebPPicture *picture)
 {
     return !static_cast<const std::atomic<bool> *>(picture->user_data)->load();
 }
 
-/// The chunks of a still picture; empty when it is cancelled or fails.
+/// The chunks of a still image; empty if encoding is cancelled or fails.
 QByteArray compressed(const WebPConfig &config, QSize size, std::vector<QRgb> pixels,
                       const std::atomic<bool> &cancelled)
 {
@@ -81,9 +82,9 @@ QByteArray compressed(const WebPConfig &config, QSize size, std::vector<QRgb> pi
     picture.use_argb = 1;
     picture.width = size.width();
     picture.height = size.height();
-    picture.argb = pixels.data(); // stays ours
+    picture.argb = pixels.data(); // not owned by the picture
     picture.argb_stride = picture.width;
-    picture.progress_hook = goOnUnlessCancelled;
+    picture.progress_hook = continueUnlessCancelled;
     picture.user_data = const_cast<std::atomic<bool> *>(&cancelled);
     WebPMemoryWriter writer;
     WebPMemoryWriterInit(&writer);
@@ -112,8 +113,8 @@ QByteArray lossless(const FrameDelta &delta, std::vector<QRgb> pixels, int metho
 } // namespace
 
 WebpFormat::WebpFormat(int quality, qint64 maxFileBytes)
-    : m_quality(std::clamp(quality, 0, kLossless))
-    , m_paletteError(kPaletteErrorPerLoss * (kLossless - m_quality) * (kLossless - m_quality))
+    : m_quality(std::clamp(quality, 0, kLosslessQuality))
+    , m_maxPaletteError(kPaletteErrorPerLoss * (kLosslessQuality - m_quality) * (kLosslessQuality - m_quality))
     , m_maxFileBytes(maxFileBytes)
 {
 }
@@ -125,50 +126,50 @@ AnimationFormat::Limits WebpFormat::limits() const
 
 EncodedFrame WebpFormat::encode(const FrameDelta &delta, const std::atomic<bool> &cancelled) const
 {
-    const auto sharpData = [&](const FrameDelta &of) {
-        return lossless(of, fewColors(of).value_or(of.pixelsWithTransparency()), kLosslessMethod, cancelled);
+    const auto losslessData = [&](const FrameDelta &of) {
+        return lossless(of, pixelsInFewColors(of).value_or(of.pixelsWithTransparency()), kLosslessMethod, cancelled);
     };
-    const auto sharp = [&] { return EncodedFrame{delta.rect, true, sharpData(delta)}; };
-    const auto blurred = [&] { return EncodedFrame{delta.rect, false, lossy(delta, cancelled)}; };
-    if (m_quality == kLossless)
-        return sharp();
+    const auto encodeLossless = [&] { return EncodedFrame{delta.rect, true, losslessData(delta)}; };
+    const auto encodeLossy = [&] { return EncodedFrame{delta.rect, false, lossy(delta, cancelled)}; };
+    if (m_quality == kLosslessQuality)
+        return encodeLossless();
     const FrameDelta sample = delta.sample();
-    if (sample.pixels.size() < delta.pixels.size()) { // a trial costs less than to do it both ways
-        const int blurredSize = lossy(sample, cancelled).size();
-        if (isHopeless(sample, blurredSize, cancelled))
-            return blurred();
-        const double enough = kWorthwhileLossyRatio * sharpData(sample).size();
-        if (blurredSize >= enough)
-            return sharp();
-        if (kMaxSampleBias * blurredSize < enough)
-            return blurred();
+    if (sample.pixels.size() < delta.pixels.size()) { // trying a sample is cheaper than encoding the frame both ways
+        const int lossySize = lossy(sample, cancelled).size();
+        if (isPhotograph(sample, lossySize, cancelled))
+            return encodeLossy();
+        const double worthwhileSize = kWorthwhileLossyRatio * losslessData(sample).size();
+        if (lossySize >= worthwhileSize)
+            return encodeLossless();
+        if (kMaxSampleBias * lossySize < worthwhileSize)
+            return encodeLossy();
     }
-    const EncodedFrame exact = sharp();
-    const EncodedFrame approximate = blurred();
-    return approximate.data.size() < kWorthwhileLossyRatio * exact.data.size() ? approximate : exact;
+    const EncodedFrame withoutLoss = encodeLossless();
+    const EncodedFrame withLoss = encodeLossy();
+    return withLoss.data.size() < kWorthwhileLossyRatio * withoutLoss.data.size() ? withLoss : withoutLoss;
 }
 
-/// A photograph, which is slow to encode without loss. Told by the fastest method, which is good for nothing else.
-bool WebpFormat::isHopeless(const FrameDelta &delta, int lossySize, const std::atomic<bool> &cancelled) const
+/// Photographs are slow to encode losslessly, so this is checked first.
+bool WebpFormat::isPhotograph(const FrameDelta &delta, int lossySize, const std::atomic<bool> &cancelled) const
 {
     return lossless(delta, delta.opaquePixels(), kTrialMethod, cancelled).size() > kPhotographRatio * lossySize &&
-           !fewColors(delta);
+           !pixelsInFewColors(delta);
 }
 
-/// The pixels in few colors, with gaps, if those are true enough.
-std::optional<std::vector<QRgb>> WebpFormat::fewColors(const FrameDelta &delta) const
+/// The pixels in reduced colors and with transparency; no value if that is not close enough.
+std::optional<std::vector<QRgb>> WebpFormat::pixelsInFewColors(const FrameDelta &delta) const
 {
-    if (m_quality == kLossless)
+    if (m_quality == kLosslessQuality)
         return std::nullopt;
     const ColorHistogram histogram({delta.rect, delta.opaquePixels()});
-    if (histogram.bins().size() <= kLargestPalette) // few as they are
+    if (histogram.bins().size() <= kLargestPalette) // no reduction needed
         return delta.pixelsWithTransparency();
     ColorPalette palette;
     PaletteMatch match;
     for (std::size_t colors = kLargestPalette; colors >= kSmallestPalette; colors /= 2) {
         ColorPalette smaller = ColorPalette::bestFor(histogram, int(colors));
         PaletteMatch smallerMatch = smaller.match(histogram);
-        if (smallerMatch.meanError > m_paletteError)
+        if (smallerMatch.meanError > m_maxPaletteError)
             break;
         palette = std::move(smaller);
         match = std::move(smallerMatch);
@@ -193,7 +194,7 @@ QByteArray WebpFormat::lossy(const FrameDelta &delta, const std::atomic<bool> &c
     config.method = kLossyMethod;
     config.quality = kLibraryQuality * float(m_quality);
     config.filter_sharpness = kFilterSharpness;
-    // As true as possible everywhere, rather than rougher where the library thinks that nobody looks.
+    // Uniform quality, instead of less where the library expects it not to be noticed.
     config.sns_strength = 0;
     config.segments = 1;
     return compressed(config, delta.rect.size(), delta.opaquePixels(), cancelled);
@@ -201,31 +202,30 @@ QByteArray WebpFormat::lossy(const FrameDelta &delta, const std::atomic<bool> &c
 
 bool WebpFormat::writeHeader(OutputFile &file, QSize size, int plays)
 {
-    QByteArray canvas(4, '\0'); // the flags come at the end
+    QByteArray canvas(4, '\0'); // flags, written by writeTrailer()
     canvas += littleEndian(quint32(size.width() - 1), 3) + littleEndian(quint32(size.height() - 1), 3);
     const QByteArray background(4, '\0');
     return file.write("RIFF" + littleEndian(0, 4) + "WEBP" + chunk("VP8X", canvas) +
                       chunk("ANIM", background + littleEndian(quint32(plays), 2)));
 }
 
-bool WebpFormat::writeFrame(OutputFile &file, const EncodedFrame &picture, int ticks)
+bool WebpFormat::writeFrame(OutputFile &file, const EncodedFrame &frame, int ticks)
 {
-    if (file.size() + kChunkHeaderBytes + kFrameHeaderBytes + picture.data.size() > m_maxFileBytes)
+    if (file.size() + kChunkHeaderBytes + kFrameHeaderBytes + frame.data.size() > m_maxFileBytes)
         return file.fail(QStringLiteral("A WebP file cannot be larger than 4 GiB"));
-    const int values[]{picture.rect.x() / 2, picture.rect.y() / 2, picture.rect.width() - 1, picture.rect.height() - 1,
-                       ticks};
-    QByteArray frame;
+    const int values[]{frame.rect.x() / 2, frame.rect.y() / 2, frame.rect.width() - 1, frame.rect.height() - 1, ticks};
+    QByteArray bytes;
     for (const int value : values)
-        frame += littleEndian(quint32(value), 3);
-    frame += picture.hasTransparentPixels ? '\0' : kDoNotBlendFlag;
-    m_hasAlpha = m_hasAlpha || picture.hasTransparentPixels;
-    return file.write(chunk("ANMF", frame + picture.data));
+        bytes += littleEndian(quint32(value), 3);
+    bytes += frame.hasTransparentPixels ? '\0' : kDoNotBlendFlag;
+    m_hasAlpha = m_hasAlpha || frame.hasTransparentPixels;
+    return file.write(chunk("ANMF", bytes + frame.data));
 }
 
 bool WebpFormat::writeTrailer(OutputFile &file)
 {
     const char flags = char(kAnimationFlag | (m_hasAlpha ? kAlphaFlag : 0));
-    return file.overwrite(kSizeOffset, littleEndian(quint32(file.size() - 8), 4)) &&
+    return file.overwrite(kSizeOffset, littleEndian(quint32(file.size() - kChunkHeaderBytes), 4)) &&
            file.overwrite(kFlagsOffset, QByteArray(1, flags));
 }
 

@@ -1,4 +1,4 @@
-#include "avcodec/mp4/MuxerBuffer.h"
+#include "avcodec/ffmpeg/MuxerBuffer.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -9,8 +9,10 @@ namespace av
 
 namespace
 {
+
 constexpr int kBufferSize = 32 * 1024;
-}
+
+} // namespace
 
 MuxerBuffer::MuxerBuffer(qint64 begin)
     : m_begin(begin)
@@ -47,28 +49,28 @@ void MuxerBuffer::restart(qint64 begin)
 
 int MuxerBuffer::write(void *self, uint8_t *data, int size)
 {
-    auto &window = *static_cast<MuxerBuffer *>(self);
-    const qint64 end = window.m_position + size;
-    const qint64 first = std::max(window.m_position, window.m_begin);
+    auto &buffer = *static_cast<MuxerBuffer *>(self);
+    const qint64 end = buffer.m_position + size;
+    const qint64 first = std::max(buffer.m_position, buffer.m_begin);
     if (end > first) {
-        const qint64 contentEnd = end - window.m_begin;
-        if (window.m_content.size() < contentEnd)
-            window.m_content.resize(int(contentEnd));
-        std::memcpy(window.m_content.data() + (first - window.m_begin), data + (first - window.m_position),
+        const qint64 contentEnd = end - buffer.m_begin;
+        if (buffer.m_content.size() < contentEnd)
+            buffer.m_content.resize(int(contentEnd));
+        std::memcpy(buffer.m_content.data() + (first - buffer.m_begin), data + (first - buffer.m_position),
                     std::size_t(end - first));
     }
-    window.m_position = end;
+    buffer.m_position = end;
     return size;
 }
 
 int64_t MuxerBuffer::seekTo(void *self, int64_t offset, int whence)
 {
-    auto &window = *static_cast<MuxerBuffer *>(self);
+    auto &buffer = *static_cast<MuxerBuffer *>(self);
     switch (whence & ~AVSEEK_FORCE) {
     case SEEK_SET:
-        return window.m_position = offset;
+        return buffer.m_position = offset;
     case SEEK_CUR:
-        return window.m_position += offset;
+        return buffer.m_position += offset;
     default:
         return AVERROR(ENOSYS);
     }

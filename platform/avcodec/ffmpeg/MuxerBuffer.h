@@ -7,8 +7,8 @@
 namespace av
 {
 
-/// An output for libavformat that keeps the part of a file from `begin` on in memory. It can be positioned anywhere, as
-/// in the file; what is written before `begin` is thought to be in the file already and is dropped.
+/// In-memory output for libavformat that stands for a file but keeps only what is written from position `begin` on.
+/// Positions are those of the file; what is written before `begin` is discarded.
 class MuxerBuffer
 {
 public:
@@ -18,13 +18,13 @@ public:
 
     AVIOContext *io() { return m_io.get(); }
 
-    /// Moves the writing position.
+    /// Moves the write position.
     void seek(qint64 position);
 
-    /// What has been written to the window, complete up to now.
+    /// Everything written so far from `begin` on.
     const QByteArray &content();
 
-    /// Goes on with an empty window at `begin`, which is also the writing position then.
+    /// Discards the content and continues at `begin`, which also becomes the write position.
     void restart(qint64 begin);
 
 private:
@@ -34,7 +34,7 @@ private:
     qint64 m_begin;
     qint64 m_position;
     QByteArray m_content;
-    av::IoContext m_io;
+    IoContext m_io;
 };
 
 } // namespace av

@@ -1,7 +1,7 @@
-#include "app/DockApplication.h"
+#include "app/RecorderProgram.h"
 #include "cli/CommandLine.h"
 
 int main(int argc, char **argv)
 {
-    return argc > 1 ? CommandLine::run(argc, argv) : DockApplication::run(argc, argv);
+    return argc > 1 ? CommandLine::run(argc, argv) : RecorderProgram::run(argc, argv);
 }

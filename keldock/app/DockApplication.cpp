@@ -1,41 +1,28 @@
 #include "app/DockApplication.h"
 
-#include "app/Translations.h"
+#include "app/SingleInstance.h"
 #include "library/RecordingsFolder.h"
-#include "library/RecordingsWindow.h"
 #include "notification/KelMsgBox.h"
 #include "notification/KelToastsMessage.h"
-#include "play/PlaybackWindow.h"
-#include "settings/SettingsDialog.h"
+#include "settings/DockConfigIO.h"
+#include "settings/DockSettings.h"
 #include "style/KelStyleTheme.h"
-#include "widgets/ProgramIcon.h"
-
-#include <KelMovie/KelMovieConfig.h>
-
-#include <console/Terminal.h>
 
 #include <QApplication>
-#include <QDir>
 #include <QFileInfo>
 #include <QSessionManager>
 #include <QTimer>
 
-#include <cstdio>
-
 using namespace kel;
+using Severity = RecordingController::Severity;
+using State = RecordingController::State;
 
 namespace
 {
 
-constexpr int WarningMs = 8000;
-constexpr const char *Offscreen = "offscreen";
+constexpr int kProblemMs = 8000;
 
-/// Without a display Qt's ordinary platform ends the process without a word that helps. With a second choice the
-/// program can say what is wrong.
-bool hasDisplay(const QByteArray &wantedPlatform)
-{
-    return QGuiApplication::platformName() != QLatin1String(Offscreen) || wantedPlatform == Offscreen;
-}
+} // namespace
 
 void applyTheme(const DockSettings &settings)
 {
@@ -45,61 +32,17 @@ void applyTheme(const DockSettings &settings)
                                                              : Mode::System);
 }
 
-void bringToFront(QWidget *window)
-{
-    window->show();
-    window->raise();
-    window->activateWindow();
-}
-
-} // namespace
-
-int DockApplication::run(int argc, char **argv)
-{
-    const QByteArray wantedPlatform = qgetenv("QT_QPA_PLATFORM");
-    if (wantedPlatform.isEmpty())
-        qputenv("QT_QPA_PLATFORM", QByteArray(Terminal::desktopPlatform()) + ';' + Offscreen);
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QApplication application(argc, argv);
-    if (!hasDisplay(wantedPlatform)) {
-        std::fputs("keldock: there is no display to open a window on; what works without: keldock --help\n", stderr);
-        return 1;
-    }
-    QCoreApplication::setApplicationName(QStringLiteral("keldock"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(KELDOCK_VERSION));
-    // Which window is the last one is decided here: the toolbar may be hidden while the program goes on.
-    QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setWindowIcon(programIcon());
-
-    SingleInstance instance;
-    if (!instance.claim())
-        return 0;
-    DockConfigIO io;
-    KelMovieConfigInit(&io);
-    DockSettings settings;
-    settings.bind(io);
-    Translations::install(settings.language);
-    // Before there are widgets: Qt does not see that the style sheet of one that was never shown has changed.
-    applyTheme(settings);
-    int status = 0;
-    {
-        DockApplication dock(io, settings, instance);
-        dock.start();
-        status = QApplication::exec();
-    }
-    KelMovieConfigInit(nullptr);
-    return status;
-}
-
 DockApplication::DockApplication(DockConfigIO &io, DockSettings &settings, SingleInstance &instance)
     : m_io(io)
     , m_settings(settings)
-    , m_instance(instance)
     , m_controller([this] { return RecordingsFolder(m_settings.recordingsFolder).newRecordingDir(); })
     , m_ui(m_controller, settings, io)
+    , m_windows(io, settings)
 {
     connectRecorder();
+    connectWindows();
     connectSession();
+    connect(&instance, &SingleInstance::startedAgain, &m_ui, &RecorderUi::showToolbar);
 }
 
 DockApplication::~DockApplication()
@@ -114,42 +57,42 @@ void DockApplication::start()
     applyShortcuts();
     m_ui.showToolbar();
     if (!m_io.problem().isEmpty())
-        tell(RecordingController::Severity::Warning, m_io.problem());
+        showProblem(Severity::Warning, m_io.problem());
     connect(&m_io, &DockConfigIO::problemFound, this,
-            [this](const QString &problem) { tell(RecordingController::Severity::Warning, problem); });
-    QTimer::singleShot(0, this, &DockApplication::offerLeftovers);
+            [this](const QString &problem) { showProblem(Severity::Warning, problem); });
+    QTimer::singleShot(0, this, &DockApplication::offerInterruptedRecordings);
 }
 
 void DockApplication::connectRecorder()
 {
-    connect(&m_ui, &RecorderUi::recordingsRequested, this, &DockApplication::openRecordings);
-    connect(&m_ui, &RecorderUi::settingsRequested, this, &DockApplication::openSettings);
+    connect(&m_ui, &RecorderUi::recordingsRequested, &m_windows, &DockWindows::openRecordings);
+    connect(&m_ui, &RecorderUi::settingsRequested, &m_windows, &DockWindows::openSettings);
     connect(&m_ui, &RecorderUi::closeRequested, this, &DockApplication::closeToolbar);
     connect(&m_ui, &RecorderUi::quitRequested, this, &DockApplication::quit);
-    connect(&m_controller, &RecordingController::problem, this, &DockApplication::tell);
-    connect(&m_controller, &RecordingController::finished, this, [this](const QString &dir) {
-        // Being on top of all windows it would cover the one that has just opened.
-        if (openRecording(dir, true) && m_ui.isToolbarSeen())
-            m_ui.hideToolbar(RecorderUi::Place::Aside);
-    });
-    connect(&m_controller, &RecordingController::stateChanged, this, [this](RecordingController::State state) {
-        if (m_recordings)
-            m_recordings->setActiveRecording(m_controller.directory());
-        using State = RecordingController::State;
-        const bool isInPicture = state == State::CountingDown || state == State::Recording;
-        KelToastsMessage::avoid(isInPicture ? m_controller.area() : QRect());
-    });
-    connect(&m_shortcuts, &GlobalShortcuts::recordPressed, &m_ui, &RecorderUi::record);
+    connect(&m_controller, &RecordingController::problem, this, &DockApplication::showProblem);
+    connect(&m_controller, &RecordingController::finished, this, &DockApplication::openFinishedRecording);
+    connect(&m_controller, &RecordingController::stateChanged, this, &DockApplication::followState);
+    connect(&m_shortcuts, &GlobalShortcuts::recordPressed, &m_ui, &RecorderUi::startRecording);
     connect(&m_shortcuts, &GlobalShortcuts::pausePressed, &m_controller, &RecordingController::togglePause);
     connect(&m_shortcuts, &GlobalShortcuts::stopPressed, &m_controller, &RecordingController::stop);
 }
 
+void DockApplication::connectWindows()
+{
+    connect(&m_windows, &DockWindows::recordRequested, this, &DockApplication::record);
+    connect(&m_windows, &DockWindows::settingsChanged, this, [this] {
+        applyTheme(m_settings);
+        m_ui.toolbar().refresh();
+    });
+    connect(&m_windows, &DockWindows::shortcutEditBegun, &m_shortcuts, &GlobalShortcuts::suspend);
+    connect(&m_windows, &DockWindows::shortcutEditEnded, this, &DockApplication::applyShortcuts);
+}
+
 void DockApplication::connectSession()
 {
-    connect(&m_instance, &SingleInstance::startedAgain, &m_ui, &RecorderUi::showToolbar);
     connect(&m_stopSignal, &StopSignal::raised, this, &DockApplication::quit);
-    connect(qApp, &QApplication::lastWindowClosed, this, &DockApplication::windowClosed);
-    // The desktop may give up logging out after this; the program then goes on, without a recording.
+    connect(qApp, &QApplication::lastWindowClosed, this, &DockApplication::handleLastWindowClosed);
+    // The user may still cancel the logout: the recording is saved, and the program continues to run.
     connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &session) {
         session.setRestartHint(QSessionManager::RestartNever);
         m_isEnding = true;
@@ -162,88 +105,56 @@ void DockApplication::applyShortcuts()
 {
     const QString problems = m_shortcuts.apply(m_settings);
     m_ui.setStopKeys(m_shortcuts.stopKeys().toString(QKeySequence::NativeText));
-    if (m_settingsDialog)
-        m_settingsDialog->showShortcutProblems(problems);
-    else if (!problems.isEmpty())
-        tell(RecordingController::Severity::Warning, problems);
+    if (!m_windows.showShortcutProblems(problems) && !problems.isEmpty())
+        showProblem(Severity::Warning, problems);
 }
 
-bool DockApplication::openRecording(const QString &dir, bool isNew)
+void DockApplication::record()
 {
-    if (m_recordings)
-        m_recordings->refresh();
-    if (m_isEnding || !QFileInfo(dir).isDir())
-        return false;
-    auto *const window = new PlaybackWindow(dir);
-    window->setAttribute(Qt::WA_DeleteOnClose);
-    window->setFromRecording(isNew);
-    connect(window, &PlaybackWindow::recordAgainRequested, this, [this] {
-        m_ui.showToolbar();
-        m_ui.record();
-    });
-    bringToFront(window);
-    return true;
+    m_ui.showToolbar();
+    m_ui.startRecording();
 }
 
-void DockApplication::openRecordings()
+void DockApplication::openFinishedRecording(const QString &dir)
 {
-    if (!m_recordings) {
-        m_recordings = new RecordingsWindow(RecordingsFolder(m_settings.recordingsFolder).root());
-        m_recordings->setAttribute(Qt::WA_DeleteOnClose);
-        m_recordings->setActiveRecording(m_controller.directory());
-        connect(m_recordings, &RecordingsWindow::openRequested, this,
-                [this](const QString &dir) { openRecording(dir); });
-        connect(m_recordings, &RecordingsWindow::recordRequested, this, [this] {
-            m_ui.showToolbar();
-            m_ui.record();
-        });
-    }
-    bringToFront(m_recordings);
+    // The toolbar stays on top of all windows and would cover the one that opens.
+    if (!m_isEnding && m_windows.openRecording(dir, true) && m_ui.isToolbarSeen())
+        m_ui.hideToolbar(RecorderUi::ToolbarState::SteppedAside);
 }
 
-void DockApplication::openSettings()
+void DockApplication::followState(State state)
 {
-    if (!m_settingsDialog) {
-        m_settingsDialog = new SettingsDialog(m_settings, m_io);
-        m_settingsDialog->setAttribute(Qt::WA_DeleteOnClose);
-        connect(m_settingsDialog, &SettingsDialog::changed, this, [this] {
-            applyTheme(m_settings);
-            m_ui.toolbar().refresh();
-        });
-        // Or the combination that is pressed to choose it would do what it is for.
-        connect(m_settingsDialog, &SettingsDialog::shortcutEditBegun, &m_shortcuts, &GlobalShortcuts::suspend);
-        connect(m_settingsDialog, &SettingsDialog::shortcutEditEnded, this, &DockApplication::applyShortcuts);
-        connect(m_settingsDialog, &SettingsDialog::folderChanged, this, [this] { delete m_recordings; });
-    }
-    bringToFront(m_settingsDialog);
+    m_windows.setActiveRecording(m_controller.directory());
+    const bool isCapturing = state == State::CountingDown || state == State::Recording;
+    KelToastsMessage::avoid(isCapturing ? m_controller.area() : QRect());
 }
 
-/// Once for each of them: who does not want to look now finds it in the list.
-void DockApplication::offerLeftovers()
+/// Each recording is offered once. After that the user finds it in the list of recordings.
+void DockApplication::offerInterruptedRecordings()
 {
-    const QStringList leftovers = RecordingsFolder(m_settings.recordingsFolder).leftovers(m_controller.directory());
-    const QString known = m_settings.offeredLeftovers;
-    m_io.saveString(DockSettings::OfferedLeftoversKey, leftovers.join(QLatin1Char('\n')));
-    for (const QString &dir : leftovers) {
-        if (known.split(QLatin1Char('\n')).contains(dir))
+    const QStringList interrupted = RecordingsFolder(m_settings.recordingsFolder).interrupted(m_controller.directory());
+    const QStringList offeredBefore = m_settings.offeredRecordings.split(QLatin1Char('\n'));
+    m_io.saveString(DockSettings::kOfferedRecordingsKey, interrupted.join(QLatin1Char('\n')));
+    for (const QString &dir : interrupted) {
+        if (offeredBefore.contains(dir))
             continue;
         const auto answer = KelMsgBox::question(
             &m_ui.toolbar(), tr("Interrupted recording"),
-            tr("The recording \"%1\" was interrupted before it was complete. What was recorded is kept. Open it now?")
+            tr("The recording \"%1\" was interrupted. Everything up to the interruption was saved. Open it now?")
                 .arg(QFileInfo(dir).fileName()));
-        if (answer == QMessageBox::Yes)
-            openRecording(dir);
+        if (answer == QMessageBox::Yes && !m_isEnding)
+            m_windows.openRecording(dir);
     }
 }
 
 void DockApplication::closeToolbar()
 {
-    if (m_controller.state() != RecordingController::State::Idle) {
+    if (m_controller.state() != State::Idle) {
         m_controller.stop();
         return;
     }
-    m_ui.hideToolbar(RecorderUi::Place::Closed);
-    windowClosed();
+    m_ui.hideToolbar(RecorderUi::ToolbarState::Closed);
+    handleLastWindowClosed();
 }
 
 void DockApplication::quit()
@@ -253,24 +164,23 @@ void DockApplication::quit()
     QApplication::quit();
 }
 
-/// Nothing else is open: brings the toolbar back, or ends the program that has none.
-void DockApplication::windowClosed()
+/// If no other window is open: brings back a toolbar that has stepped aside, or ends the program if the user has closed
+/// the toolbar.
+void DockApplication::handleLastWindowClosed()
 {
-    for (const QWidget *window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && window->testAttribute(Qt::WA_QuitOnClose))
-            return;
-    }
-    if (m_ui.place() == RecorderUi::Place::Aside)
+    if (DockWindows::isAnyOpen())
+        return;
+    if (m_ui.toolbarState() == RecorderUi::ToolbarState::SteppedAside)
         m_ui.showToolbar();
-    else if (m_ui.place() == RecorderUi::Place::Closed && m_controller.state() == RecordingController::State::Idle)
+    else if (m_ui.toolbarState() == RecorderUi::ToolbarState::Closed && m_controller.state() == State::Idle)
         quit();
 }
 
-void DockApplication::tell(RecordingController::Severity severity, const QString &text)
+void DockApplication::showProblem(Severity severity, const QString &text)
 {
     if (m_isEnding)
         return;
-    const bool isError = severity == RecordingController::Severity::Error;
+    const bool isError = severity == Severity::Error;
     KelToastsMessage::showMessage(nullptr, isError ? KelToastsMessage::Error : KelToastsMessage::Warning, text,
-                                  WarningMs, !isError, true);
+                                  kProblemMs, !isError, true);
 }

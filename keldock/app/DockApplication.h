@@ -1,55 +1,56 @@
 #pragma once
 
-#include "app/SingleInstance.h"
+#include "app/DockWindows.h"
 #include "recorder/GlobalShortcuts.h"
 #include "recorder/RecorderUi.h"
 #include "recorder/RecordingController.h"
-#include "settings/DockConfigIO.h"
-#include "settings/DockSettings.h"
 
 #include <console/StopSignal.h>
 
 #include <QObject>
-#include <QPointer>
 
-class RecordingsWindow;
-class SettingsDialog;
+class DockConfigIO;
+class SingleInstance;
+struct DockSettings;
 
-/// The desktop recorder: it owns settings, recorder and windows and joins them. GUI thread.
+/// Switches the windows to the theme of the settings.
+void applyTheme(const DockSettings &settings);
+
+/// The running recorder: connects the controller of recordings with toolbar, shortcuts and windows, and decides when
+/// the program ends. GUI thread.
 class DockApplication : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Runs the program; answers its exit status.
-    static int run(int argc, char **argv);
-
+    /// All three must outlive this object.
+    DockApplication(DockConfigIO &io, DockSettings &settings, SingleInstance &instance);
+    /// Stops and keeps a recording in progress.
     ~DockApplication() override;
 
-private:
-    DockApplication(DockConfigIO &io, DockSettings &settings, SingleInstance &instance);
-
+    /// Shows the toolbar and offers recordings that a crash has interrupted.
     void start();
+
+private:
     void connectRecorder();
+    void connectWindows();
     void connectSession();
     void applyShortcuts();
-    bool openRecording(const QString &dir, bool isNew = false);
-    void openRecordings();
-    void openSettings();
-    void offerLeftovers();
+    void record();
+    void openFinishedRecording(const QString &dir);
+    void followState(RecordingController::State state);
+    void offerInterruptedRecordings();
     void closeToolbar();
     void quit();
-    void windowClosed();
-    void tell(RecordingController::Severity severity, const QString &text);
+    void handleLastWindowClosed();
+    void showProblem(RecordingController::Severity severity, const QString &text);
 
     DockConfigIO &m_io;
     DockSettings &m_settings;
-    SingleInstance &m_instance;
     kel::StopSignal m_stopSignal;
     RecordingController m_controller;
     RecorderUi m_ui;
+    DockWindows m_windows;
     GlobalShortcuts m_shortcuts;
-    QPointer<RecordingsWindow> m_recordings;
-    QPointer<SettingsDialog> m_settingsDialog;
     bool m_isEnding = false;
 };

@@ -8,15 +8,15 @@
 namespace
 {
 
-constexpr int AnswerLimitMs = 2000;
-constexpr int TurnLimitMs = 5000;
+constexpr int kConnectTimeoutMs = 2000;
+constexpr int kLockTimeoutMs = 5000;
 
-/// The same for all programs of one person on one display. Not readable, because a display's name may hold a slash.
+/// Identical for all instances of one user on one display. Hashed because a display name may contain a slash.
 QString serverName()
 {
-    const QByteArray place = QDir::homePath().toUtf8() + '\n' + qgetenv("DISPLAY") + '\n' + qgetenv("XDG_SESSION_ID");
-    return QStringLiteral("keldock-") +
-           QString::fromLatin1(QCryptographicHash::hash(place, QCryptographicHash::Sha1).toHex().left(16));
+    const QByteArray session = QDir::homePath().toUtf8() + '\n' + qgetenv("DISPLAY") + '\n' + qgetenv("XDG_SESSION_ID");
+    return QLatin1String("keldock-") +
+           QString::fromLatin1(QCryptographicHash::hash(session, QCryptographicHash::Sha1).toHex().left(16));
 }
 
 } // namespace
@@ -35,22 +35,22 @@ SingleInstance::SingleInstance(QObject *parent)
 
 bool SingleInstance::claim()
 {
-    // One at a time: of those that start together each would find that no other listens yet. Windows lets them all.
-    QLockFile turn(QDir::temp().filePath(m_name + QStringLiteral(".lock")));
-    turn.tryLock(TurnLimitMs);
-    if (callFirst())
+    // Instances that start at the same time would not see each other's server yet, and Windows lets all of them listen.
+    QLockFile lock(QDir::temp().filePath(m_name + QLatin1String(".lock")));
+    lock.tryLock(kLockTimeoutMs);
+    if (notifyFirstInstance())
         return false;
     if (m_server.listen(m_name))
         return true;
-    QLocalServer::removeServer(m_name); // left behind by a program that crashed
+    QLocalServer::removeServer(m_name); // left behind by a crashed instance
     if (!m_server.listen(m_name))
         qWarning("[SingleInstance] %s", qUtf8Printable(m_server.errorString()));
     return true;
 }
 
-bool SingleInstance::callFirst() const
+bool SingleInstance::notifyFirstInstance() const
 {
     QLocalSocket first;
     first.connectToServer(m_name);
-    return first.waitForConnected(AnswerLimitMs);
+    return first.waitForConnected(kConnectTimeoutMs);
 }

@@ -3,7 +3,7 @@
 #include <QLocalServer>
 #include <QObject>
 
-/// Lets one program run for a person and a display: a second one asks the first to show itself, and ends. GUI thread.
+/// Allows one running instance for each user and display. A second one notifies the first and exits. GUI thread.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -11,15 +11,15 @@ class SingleInstance : public QObject
 public:
     explicit SingleInstance(QObject *parent = nullptr);
 
-    /// True for the first program. A second one has been told to the first when it gets false.
+    /// True in the first instance. In any other one it is false, and the first instance has been notified.
     bool claim();
 
 signals:
-    /// Somebody has started the program once more.
+    /// The user has started the program again.
     void startedAgain();
 
 private:
-    bool callFirst() const;
+    bool notifyFirstInstance() const;
 
     const QString m_name;
     QLocalServer m_server;

@@ -6,8 +6,8 @@
 namespace Translations
 {
 
-/// Has texts translated from now on. `language` is a locale's name such as "zh_CN"; empty means the desktop's. Texts
-/// without a translation stay English.
+/// Installs the translators of Qt, the module and the program. `language` is a locale name such as "zh_CN"; an empty
+/// string selects the desktop's language. Texts without a translation are shown in English.
 void install(const QString &language);
 
 } // namespace Translations

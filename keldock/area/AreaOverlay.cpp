@@ -4,6 +4,8 @@
 #include "dockicon/KelDockIcon.h"
 #include "style/KelStyleTheme.h"
 #include "widget/ScaleFactor.h"
+#include "widgets/DockStyle.h"
+#include "widgets/FlatButton.h"
 
 #include <QHBoxLayout>
 #include <QMouseEvent>
@@ -14,18 +16,13 @@
 namespace
 {
 
-const QColor Dim(0, 0, 0, 120);
-const QColor NoteBackground(20, 22, 26, 220);
+const QColor kDim(0, 0, 0, 120);
+const QColor kNoteBackground(20, 22, 26, 220);
 
 QPushButton *addButton(QWidget *bar, KelDockIcon::Glyph glyph, const QString &action)
 {
-    auto *const button = new QPushButton(KelDockIcon::text(glyph), bar);
-    button->setFlat(true);
-    button->setFocusPolicy(Qt::NoFocus); // the keyboard is the picker's
-    button->setToolTip(action);
-    button->setAccessibleName(action);
-    button->setCursor(Qt::PointingHandCursor);
-    KelStyleTheme::instance()->appleStyleTo(button, {QStringLiteral(":/KelMovie/GlyphButton")});
+    QPushButton *const button = createBarButton(glyph, action, bar);
+    button->setFocusPolicy(Qt::NoFocus); // the overlay handles all keys
     bar->layout()->addWidget(button);
     return button;
 }
@@ -54,12 +51,12 @@ Qt::CursorShape cursorFor(AreaSelection::Edges edges)
 
 } // namespace
 
-// Unmanaged, so that no window manager keeps it from covering panels, or brings it to another screen.
+// Bypasses the window manager, which might not let it cover panels or might move it to another screen.
 AreaOverlay::AreaOverlay(AreaPicker *picker, QScreen *screen)
     : QWidget(nullptr, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint)
     , m_picker(picker)
     , m_geometry(screen->geometry())
-    , m_picture(screen->grabWindow(0))
+    , m_screenshot(screen->grabWindow(0))
     , m_buttons(createButtons())
 {
     setWindowTitle(tr("Choose the area to record"));
@@ -79,7 +76,7 @@ QWidget *AreaOverlay::createButtons()
     auto *const layout = new QHBoxLayout(bar);
     layout->setContentsMargins(4, 4, 4, 4);
     layout->setSpacing(2);
-    KelStyleTheme::instance()->appleStyleTo(bar, {QStringLiteral(":/keldock/Bar")});
+    applyDockStyle(bar, QStringLiteral("Bar"));
     using KelDockIcon::Glyph;
     connect(addButton(bar, Glyph::Screen, tr("Whole screen (Ctrl+A)")), &QPushButton::clicked, m_picker,
             &AreaPicker::selectScreen);
@@ -123,7 +120,7 @@ void AreaOverlay::placeButtons()
     int y = area.bottom() + gap;
     if (y + m_buttons->height() > height())
         y = area.top() - gap - m_buttons->height();
-    if (y < 0) // no room above or below: inside
+    if (y < 0) // no space above or below
         y = area.bottom() - gap - m_buttons->height();
     m_buttons->move(qBound(0, right, width() - m_buttons->width()), y);
 }
@@ -131,7 +128,7 @@ void AreaOverlay::placeButtons()
 void AreaOverlay::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.drawPixmap(rect(), m_picture);
+    painter.drawPixmap(rect(), m_screenshot);
     const AreaSelection &selection = m_picker->selection();
     const QRect area = local(selection.rect());
     const QRect hovered = local(m_picker->hoveredWindow());
@@ -139,7 +136,7 @@ void AreaOverlay::paintEvent(QPaintEvent *)
     dimmed -= area;
     dimmed -= hovered;
     painter.setClipRegion(dimmed);
-    painter.fillRect(rect(), Dim);
+    painter.fillRect(rect(), kDim);
     painter.setClipping(false);
 
     const QColor main = KelStyleTheme::instance()->color(QStringLiteral("ColorMain"));
@@ -171,8 +168,8 @@ void AreaOverlay::paintHandles(QPainter &painter) const
                                  (edges & AreaSelection::Top && edges & AreaSelection::Bottom);
         if (areOpposite)
             continue;
-        const QPoint centre = selection.handle(AreaSelection::Edges(edges)) - m_geometry.topLeft();
-        painter.drawEllipse(QPointF(centre) + QPointF(0.5, 0.5), 5, 5);
+        const QPoint center = selection.handle(AreaSelection::Edges(edges)) - m_geometry.topLeft();
+        painter.drawEllipse(QPointF(center) + QPointF(0.5, 0.5), 5, 5);
     }
 }
 
@@ -181,7 +178,7 @@ void AreaOverlay::paintSize(QPainter &painter) const
     const QRect area = m_picker->selection().rect();
     if (!m_geometry.contains(area.topLeft()))
         return;
-    // What counts for the recording are pixels, not those of the layout.
+    // The size of the recorded video: physical pixels.
     const QSize pixels = area.size() * devicePixelRatioF();
     const QString text = QStringLiteral("%1 × %2").arg(pixels.width()).arg(pixels.height());
     const QSize size = fontMetrics().size(0, text) + QSize(int(16 * scaleFactor(this)), int(8 * scaleFactor(this)));
@@ -194,8 +191,9 @@ void AreaOverlay::paintSize(QPainter &painter) const
 
 void AreaOverlay::paintHint(QPainter &painter) const
 {
-    const QString text = m_picker->selection().isEmpty() ? tr("Drag to choose an area, or click a window. Esc cancels.")
-                                                         : tr("Enter or a double click uses this area. Esc cancels.");
+    const QString text = m_picker->selection().isEmpty()
+                             ? tr("Drag to select an area, or click a window. Press Esc to cancel.")
+                             : tr("Press Enter or double-click to use this area. Press Esc to cancel.");
     const QSize size = fontMetrics().size(0, text) + QSize(int(32 * scaleFactor(this)), int(16 * scaleFactor(this)));
     const QRect box(QPoint((width() - size.width()) / 2, int(48 * scaleFactor(this))), size);
     if (!box.intersects(local(m_picker->selection().rect()).adjusted(-60, -60, 60, 60)))
@@ -206,7 +204,7 @@ void AreaOverlay::paintNote(QPainter &painter, const QString &text, QRect box) c
 {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(NoteBackground);
+    painter.setBrush(kNoteBackground);
     painter.drawRoundedRect(box, 6 * scaleFactor(this), 6 * scaleFactor(this));
     painter.setPen(Qt::white);
     painter.drawText(box, Qt::AlignCenter, text);

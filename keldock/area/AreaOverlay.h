@@ -7,19 +7,20 @@
 
 class AreaPicker;
 
-/// What the area picker shows on one screen: its still picture, dim except for the area, and the buttons beside that.
-/// It passes on what the person does.
+/// The area picker on one screen: a screenshot, dimmed except for the area, and buttons beside the area. Passes the
+/// user's input to the picker.
 class AreaOverlay : public QWidget
 {
     Q_OBJECT
 
 public:
+    /// Takes the screenshot. `picker` is not owned and must outlive the overlay.
     AreaOverlay(AreaPicker *picker, QScreen *screen);
 
     void appear();
-    /// Keys come here from now on, whichever window has the focus.
+    /// Grabs the keyboard from all programs.
     void takeKeyboard();
-    /// The picker's selection has changed.
+    /// Repaints after the picker's selection has changed.
     void showSelection();
 
 protected:
@@ -42,6 +43,6 @@ private:
 
     AreaPicker *const m_picker;
     const QRect m_geometry;
-    const QPixmap m_picture;
+    const QPixmap m_screenshot;
     QWidget *const m_buttons;
 };

@@ -12,18 +12,10 @@
 namespace
 {
 
-constexpr int LongStep = 10;
+constexpr int kShiftStep = 10;
 
-QRect desktop()
-{
-    QRect all;
-    for (const QScreen *screen : QGuiApplication::screens())
-        all |= screen->geometry();
-    return all;
-}
-
-/// A recording has one scale, so an area does not cross from a screen to one of another scale.
-bool haveOneScale()
+/// A recording has a single scale, so an area cannot span screens of different scales.
+bool haveSameScale()
 {
     const QList<QScreen *> screens = QGuiApplication::screens();
     return std::all_of(screens.begin(), screens.end(), [&](const QScreen *screen) {
@@ -34,10 +26,18 @@ bool haveOneScale()
 QRect boundsAt(const QPoint &point)
 {
     const QScreen *const screen = QGuiApplication::screenAt(point);
-    return haveOneScale() || !screen ? desktop() : screen->geometry();
+    return haveSameScale() || !screen ? AreaPicker::desktop() : screen->geometry();
 }
 
 } // namespace
+
+QRect AreaPicker::desktop()
+{
+    QRect all;
+    for (const QScreen *screen : QGuiApplication::screens())
+        all |= screen->geometry();
+    return all;
+}
 
 AreaPicker::AreaPicker(QObject *parent)
     : QObject(parent)
@@ -54,7 +54,7 @@ void AreaPicker::open(const QRect &area, const QVector<QRect> &windows)
     m_selection.setRect(area);
     for (QScreen *screen : QGuiApplication::screens())
         m_overlays.push_back(std::make_unique<AreaOverlay>(this, screen));
-    // Only after the last screen was photographed, or it would show an overlay.
+    // After the last screenshot, which would otherwise contain an overlay.
     for (const auto &overlay : m_overlays)
         overlay->appear();
     const QScreen *const screen = QGuiApplication::screenAt(QCursor::pos());
@@ -98,7 +98,7 @@ void AreaPicker::release(const QPoint &point)
 
 void AreaPicker::pressKey(QKeyEvent *event)
 {
-    const int step = event->modifiers() & Qt::ShiftModifier ? LongStep : 1;
+    const int step = event->modifiers() & Qt::ShiftModifier ? kShiftStep : 1;
     QPoint delta;
     switch (event->key()) {
     case Qt::Key_Escape:
@@ -135,7 +135,7 @@ void AreaPicker::pressKey(QKeyEvent *event)
 
 void AreaPicker::accept()
 {
-    // Somebody who accepts without having drawn anything means what is highlighted.
+    // Without a selection, the highlighted window is accepted.
     if (m_selection.isEmpty())
         m_selection.setRect(m_hovered);
     if (m_selection.isEmpty() || !isOpen())
@@ -165,7 +165,7 @@ void AreaPicker::selectScreen()
 
 void AreaPicker::close()
 {
-    // An overlay's own event may have led here, so they live a moment longer, but not with the keyboard.
+    // deleteLater(), because the call may come from an overlay's event handler.
     for (auto &overlay : m_overlays) {
         overlay->releaseKeyboard();
         overlay->hide();

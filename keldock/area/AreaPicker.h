@@ -12,25 +12,29 @@ class AreaOverlay;
 class QKeyEvent;
 class QScreen;
 
-/// Lets a person choose an area of the desktop, over still pictures of all screens. Drag for a new area, drag the area
-/// or its handles to change it, click a window to take it; arrow keys nudge (Shift: by 10, Ctrl: the size), Ctrl+A
-/// takes the screen. Enter or a double click accepts, Escape cancels. GUI thread.
+/// The user chooses an area of the desktop over screenshots of all screens. Dragging selects a new area, moves it, or
+/// resizes it by its handles; clicking a window selects the window. Arrow keys move the area by 1, with Shift by 10;
+/// with Ctrl they resize it. Ctrl+A selects the screen. Enter or a double-click accepts, Escape cancels. GUI thread.
 class AreaPicker : public QObject
 {
     Q_OBJECT
 
 public:
+    /// The rectangle around all screens, in logical pixels.
+    static QRect desktop();
+
     explicit AreaPicker(QObject *parent = nullptr);
     ~AreaPicker() override;
 
-    /// Opens with an area to begin with, which may be empty. `windows` can be picked, the topmost first.
+    /// `area` is the initial selection and may be empty. `windows` can be selected by a click, topmost first.
     void open(const QRect &area, const QVector<QRect> &windows);
     bool isOpen() const { return !m_overlays.empty(); }
 
     const AreaSelection &selection() const { return m_selection; }
-    /// The window under the pointer that a click would take; empty when there is none.
+    /// The window under the pointer that a click would select; empty if there is none.
     QRect hoveredWindow() const { return m_hovered; }
 
+    // Input from the overlays; points are in logical pixels of the desktop.
     void press(const QPoint &point);
     void move(const QPoint &point, bool isPressed);
     void release(const QPoint &point);

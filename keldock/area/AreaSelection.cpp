@@ -6,7 +6,7 @@
 namespace
 {
 
-constexpr int DragThreshold = 3; // a hand trembles
+constexpr int kDragThreshold = 3; // a smaller movement still is a click
 
 QRect moved(const QRect &rect, const QPoint &delta, const QRect &bounds)
 {
@@ -15,16 +15,16 @@ QRect moved(const QRect &rect, const QPoint &delta, const QRect &bounds)
     return QRect(QPoint(x, y), rect.size());
 }
 
-/// The place of an edge that is dragged: within the bounds and never too near to the opposite one, across which it may
-/// be dragged.
-int draggedEdge(int wanted, int opposite, int low, int high)
+/// The position of a dragged edge: within the bounds and at least kMinimumSide from the opposite edge, which it may
+/// cross.
+int draggedEdge(int target, int opposite, int low, int high)
 {
-    wanted = std::clamp(wanted, low, high);
-    if (std::abs(wanted - opposite) >= AreaSelection::MinimumSide)
-        return wanted;
-    const int before = opposite - AreaSelection::MinimumSide;
-    const int after = opposite + AreaSelection::MinimumSide;
-    const bool isBefore = wanted < opposite ? before >= low : after > high;
+    target = std::clamp(target, low, high);
+    if (std::abs(target - opposite) >= AreaSelection::kMinimumSide)
+        return target;
+    const int before = opposite - AreaSelection::kMinimumSide;
+    const int after = opposite + AreaSelection::kMinimumSide;
+    const bool isBefore = target < opposite ? before >= low : after > high;
     return isBefore ? before : after;
 }
 
@@ -44,18 +44,18 @@ void AreaSelection::setBounds(const QRect &bounds)
 void AreaSelection::setRect(const QRect &rect)
 {
     m_rect = rect & m_bounds;
-    if (m_rect.width() < MinimumSide || m_rect.height() < MinimumSide)
+    if (m_rect.width() < kMinimumSide || m_rect.height() < kMinimumSide)
         m_rect = QRect();
 }
 
 AreaSelection::Edges AreaSelection::gripAt(const QPoint &point) const
 {
-    const QRect reach = m_rect.adjusted(-GripReach, -GripReach, GripReach, GripReach);
+    const QRect reach = m_rect.adjusted(-kGripReach, -kGripReach, kGripReach, kGripReach);
     if (isEmpty() || !reach.contains(point))
         return NoEdge;
-    // A small rectangle must leave room in its middle by which to move it.
-    const int inX = std::min(GripReach, m_rect.width() / 4);
-    const int inY = std::min(GripReach, m_rect.height() / 4);
+    // Leaves the middle of a small rectangle free for moving it.
+    const int inX = std::min(kGripReach, m_rect.width() / 4);
+    const int inY = std::min(kGripReach, m_rect.height() / 4);
     Edges edges;
     edges.setFlag(Left, point.x() < m_rect.left() + inX);
     edges.setFlag(Right, point.x() > m_rect.right() - inX);
@@ -66,13 +66,13 @@ AreaSelection::Edges AreaSelection::gripAt(const QPoint &point) const
 
 QPoint AreaSelection::handle(Edges edges) const
 {
-    const QPoint centre = m_rect.center();
+    const QPoint center = m_rect.center();
     return {edges & Left    ? m_rect.left()
             : edges & Right ? m_rect.right()
-                            : centre.x(),
+                            : center.x(),
             edges & Top      ? m_rect.top()
             : edges & Bottom ? m_rect.bottom()
-                             : centre.y()};
+                             : center.y()};
 }
 
 void AreaSelection::press(const QPoint &point)
@@ -87,7 +87,7 @@ void AreaSelection::press(const QPoint &point)
 void AreaSelection::drag(const QPoint &point)
 {
     const QPoint delta = point - m_pressedAt;
-    if (!m_isPressed || (!m_hasMoved && delta.manhattanLength() < DragThreshold))
+    if (!m_isPressed || (!m_hasMoved && delta.manhattanLength() < kDragThreshold))
         return;
     m_hasMoved = true;
     if (m_edges == NoEdge)
@@ -100,11 +100,11 @@ void AreaSelection::drag(const QPoint &point)
 
 bool AreaSelection::release()
 {
-    const bool isMeant = m_hasMoved && m_rect.width() >= MinimumSide && m_rect.height() >= MinimumSide;
-    if (m_isPressed && !isMeant)
+    const bool isIntended = m_hasMoved && m_rect.width() >= kMinimumSide && m_rect.height() >= kMinimumSide;
+    if (m_isPressed && !isIntended)
         m_rect = m_pressedRect;
     m_isPressed = m_hasMoved = false;
-    return isMeant;
+    return isIntended;
 }
 
 void AreaSelection::moveBy(const QPoint &delta)
@@ -117,8 +117,8 @@ void AreaSelection::growBy(const QPoint &delta)
 {
     if (isEmpty())
         return;
-    m_rect.setWidth(std::clamp(m_rect.width() + delta.x(), MinimumSide, m_bounds.right() + 1 - m_rect.left()));
-    m_rect.setHeight(std::clamp(m_rect.height() + delta.y(), MinimumSide, m_bounds.bottom() + 1 - m_rect.top()));
+    m_rect.setWidth(std::clamp(m_rect.width() + delta.x(), kMinimumSide, m_bounds.right() + 1 - m_rect.left()));
+    m_rect.setHeight(std::clamp(m_rect.height() + delta.y(), kMinimumSide, m_bounds.bottom() + 1 - m_rect.top()));
 }
 
 QRect AreaSelection::drawn(const QPoint &to) const

@@ -23,7 +23,7 @@ using namespace kel;
 namespace
 {
 
-enum ExitStatus { Done = 0, Failed = 1, WrongUsage = 2 };
+enum ExitStatus { Success = 0, Failure = 1, WrongUsage = 2 };
 
 using Commands = std::vector<std::unique_ptr<Command>>;
 
@@ -49,9 +49,9 @@ Command *find(const Commands &commands, const QString &name)
 
 QString overview(const Commands &commands)
 {
-    QString text = QStringLiteral("keldock records the screen, shows what a recording holds and exports it.\n"
+    QString text = QStringLiteral("Records the screen, and shows and exports recordings.\n"
                                   "\n"
-                                  "Usage: keldock                      opens the recorder\n"
+                                  "Usage: keldock                      open the recorder\n"
                                   "       keldock COMMAND [ARGUMENTS]\n"
                                   "\n"
                                   "Commands:\n");
@@ -59,17 +59,17 @@ QString overview(const Commands &commands)
         text += QStringLiteral("  %1 %2\n").arg(command->name(), -10).arg(command->summary());
     text += QStringLiteral("\n"
                            "Options:\n"
-                           "  --help     this text, or that of a command: keldock record --help\n"
-                           "  --version  the versions of program and engine\n"
-                           "  --verbose  for every command: show the engine's log on standard error\n"
+                           "  --help     show this help, or that of a command: keldock record --help\n"
+                           "  --version  show the versions of the program and the recording engine\n"
+                           "  --verbose  with any command: show the engine's log on standard error\n"
                            "\n"
-                           "A first recording:\n"
+                           "Getting started:\n"
                            "  keldock record --screen 0 --duration 10 --out hello\n"
                            "  keldock info hello\n"
                            "  keldock export hello hello.mp4\n"
                            "  keldock export hello hello.gif --from 2000 --to 5000\n"
                            "\n"
-                           "Exit status: 0 done, 1 it failed, 2 wrong usage.\n");
+                           "Exit status: 0 success, 1 failure, 2 wrong usage.\n");
     return text;
 }
 
@@ -78,27 +78,27 @@ QString version()
     return QStringLiteral("keldock %1 (KelMovie %2)\n").arg(QStringLiteral(KELDOCK_VERSION), KelMovieUI::version());
 }
 
-bool asksForHelp(const QStringList &arguments)
+bool isHelpRequested(const QStringList &arguments)
 {
     const QStringList options = arguments.mid(0, arguments.indexOf(QStringLiteral("--")));
     return options.contains(QStringLiteral("--help")) || options.contains(QStringLiteral("-h"));
 }
 
-/// Without a display Qt's ordinary platform ends the process; with a second choice the command can say what is wrong.
+/// Without a display, Qt's desktop platform aborts. With a fallback the command can report the error itself.
 void choosePlatform(bool needsDisplay)
 {
-    const QByteArray wanted = qgetenv("QT_QPA_PLATFORM");
-    if (!needsDisplay && wanted.isEmpty())
+    const QByteArray requested = qgetenv("QT_QPA_PLATFORM");
+    if (!needsDisplay && requested.isEmpty())
         qputenv("QT_QPA_PLATFORM", Terminal::windowlessPlatform());
-    else if (needsDisplay && !wanted.contains(';'))
+    else if (needsDisplay && !requested.contains(';'))
         qputenv("QT_QPA_PLATFORM",
-                (wanted.isEmpty() ? QByteArray(Terminal::desktopPlatform()) : wanted) + ";offscreen");
+                (requested.isEmpty() ? QByteArray(Terminal::desktopPlatform()) : requested) + ";offscreen");
 }
 
 ExitStatus failed(const QString &error)
 {
-    Console::printError(QStringLiteral("keldock: ") + error.simplified());
-    return Failed;
+    Console::printError(QLatin1String("keldock: ") + error.simplified());
+    return Failure;
 }
 
 ExitStatus wrongUsage(const QString &context, const QString &error)
@@ -110,22 +110,22 @@ ExitStatus wrongUsage(const QString &context, const QString &error)
 
 ExitStatus finished()
 {
-    return Console::flush() ? Done : failed(QStringLiteral("cannot write to standard output"));
+    return Console::flush() ? Success : failed(QStringLiteral("cannot write to standard output"));
 }
 
 ExitStatus runCommand(Command &command, const QStringList &arguments, char *programName)
 {
-    if (asksForHelp(arguments)) {
+    if (isHelpRequested(arguments)) {
         Console::print(command.help());
         return finished();
     }
     const QString usageError = command.parse(arguments);
     if (!usageError.isEmpty())
-        return wrongUsage(QStringLiteral("keldock ") + command.name(), usageError);
+        return wrongUsage(QLatin1String("keldock ") + command.name(), usageError);
 
     MessageLog::install(arguments.contains(QStringLiteral("--verbose")));
     choosePlatform(command.needsDisplay());
-    int applicationArgc = 1; // the arguments are ours, not Qt's
+    int applicationArgc = 1; // hides the arguments from Qt
     QGuiApplication application(applicationArgc, &programName);
     const QString error = command.run();
     return error.isEmpty() ? finished() : failed(error);
@@ -149,6 +149,6 @@ int CommandLine::run(int argc, char **argv)
     else if (first == QLatin1String("--help") || first == QLatin1String("-h"))
         Console::print(overview(commands));
     else
-        return wrongUsage(QStringLiteral("keldock"), QStringLiteral("there is no command '%1'").arg(first));
+        return wrongUsage(QStringLiteral("keldock"), QStringLiteral("unknown command '%1'").arg(first));
     return finished();
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-/// The program keldock as a person calls it: picks the command, answers --help and --version, and turns the outcome
-/// into words and an exit status.
+/// Runs the commands of keldock, and handles --help and --version.
 namespace CommandLine
 {
 
-/// Needs at least one argument besides the program's name. 0 done, 1 it failed, 2 wrong usage.
+/// Requires at least one argument besides the program name. Prints errors to standard error. Returns the exit status:
+/// 0 success, 1 failure, 2 wrong usage.
 int run(int argc, char **argv);
 
 } // namespace CommandLine

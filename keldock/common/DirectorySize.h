@@ -2,5 +2,5 @@
 
 #include <QString>
 
-/// Bytes of all files in a directory and below.
+/// Total size in bytes of all files in a directory and its subdirectories. Symbolic links do not count.
 qint64 directorySize(const QString &directory);

@@ -1,26 +1,33 @@
 #include "common/Units.h"
 
-#include <QLocale>
+#include "text/ClockText.h"
+
+using namespace kel;
 
 QString Units::clock(qint64 milliseconds)
 {
-    const qint64 total = (milliseconds + 500) / 1000;
-    const qint64 hours = total / 3600;
-    const qint64 minutes = total / 60 % 60;
-    const QString rest = QStringLiteral("%1").arg(total % 60, 2, 10, QLatin1Char('0'));
-    if (hours == 0)
-        return QStringLiteral("%1:%2").arg(minutes).arg(rest);
-    return QStringLiteral("%1:%2:%3").arg(hours).arg(minutes, 2, 10, QLatin1Char('0')).arg(rest);
+    return ClockText::hoursMinutesSeconds((milliseconds + 500) / 1000, 1);
+}
+
+QString Units::preciseClock(int milliseconds)
+{
+    const qint64 tenths = (qint64(milliseconds) + 50) / 100;
+    return QStringLiteral("%1.%2").arg(ClockText::hoursMinutesSeconds(tenths / 10, 1)).arg(tenths % 10);
 }
 
 QString Units::seconds(qint64 milliseconds)
 {
-    return QString::number(static_cast<double>(milliseconds) / 1000.0, 'f', 2) + QStringLiteral(" s");
+    return QString::number(static_cast<double>(milliseconds) / 1000.0, 'f', 2) + QLatin1String(" s");
 }
 
-QString Units::bytes(qint64 count)
+QString Units::bytes(qint64 count, const QLocale &locale)
 {
-    return QLocale::c().formattedDataSize(count, 1, QLocale::DataSizeSIFormat);
+    return locale.formattedDataSize(count, 1, QLocale::DataSizeSIFormat);
+}
+
+QString Units::speed(double factor)
+{
+    return QString::number(factor, 'g', 3) + QChar(0x00d7);
 }
 
 QString Units::area(const QRect &rect)

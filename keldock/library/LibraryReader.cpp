@@ -25,9 +25,9 @@ void LibraryReader::read(const QString &dir)
     emit detailsRead(dir, details);
 }
 
-void LibraryReader::takePicture(const QString &dir, const QString &pictureFile)
+void LibraryReader::makeThumbnail(const QString &dir, const QString &imageFile)
 {
-    const QImage thumbnail = ThumbnailCache::store(dir, pictureFile);
-    QFile::remove(pictureFile);
+    const QImage thumbnail = ThumbnailCache::store(dir, imageFile);
+    QFile::remove(imageFile);
     emit thumbnailMade(dir, thumbnail);
 }

@@ -4,19 +4,22 @@
 
 #include <QObject>
 
-/// Reads the disk for the list of recordings. Lives on a thread of its own: a slow disk never holds up a window.
+/// Reads recordings from disk for RecordingsModel, on a worker thread, so that a slow disk never blocks a window.
 class LibraryReader : public QObject
 {
     Q_OBJECT
 
 public slots:
+    /// Emits scanned().
     void scan(const QString &root);
+    /// Emits detailsRead().
     void read(const QString &dir);
-    /// Keeps `pictureFile`, which is deleted, as the recording's thumbnail.
-    void takePicture(const QString &dir, const QString &pictureFile);
+    /// Makes and caches the thumbnail of a recording from an image file, which is deleted. Emits thumbnailMade().
+    void makeThumbnail(const QString &dir, const QString &imageFile);
 
 signals:
     void scanned(const QVector<RecordingsFolder::Entry> &entries);
     void detailsRead(const QString &dir, const RecordingDetails &details);
+    /// `thumbnail` is null on failure.
     void thumbnailMade(const QString &dir, const QImage &thumbnail);
 };

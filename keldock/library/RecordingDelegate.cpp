@@ -5,6 +5,7 @@
 #include "library/RecordingDetails.h"
 #include "library/RecordingsModel.h"
 #include "style/KelStyleTheme.h"
+#include "widget/ScaleFactor.h"
 
 #include <QLocale>
 #include <QPainter>
@@ -13,17 +14,17 @@
 namespace
 {
 
-/// Where the parts of a row are, in logical pixels.
+/// The positions of the parts of a row, in logical pixels.
 struct RowLayout {
     RowLayout(const QStyleOptionViewItem &option, int lines)
-        : scale(KelStyleTheme::scaleOf(option.widget))
+        : scale(scaleFactor(option.widget))
         , nameFont(option.font)
     {
         nameFont.setBold(true);
         const int margin = px(8);
         frame = option.rect.adjusted(margin / 2, margin / 4, -margin / 2, -margin / 4);
-        picture = QRect(frame.left() + margin, frame.center().y() - px(36), px(128), px(72));
-        const int left = picture.right() + px(14);
+        thumbnail = QRect(frame.left() + margin, frame.center().y() - px(36), px(128), px(72));
+        const int left = thumbnail.right() + px(14);
         const int lineHeight = QFontMetrics(nameFont).height();
         const int step = lineHeight + px(4);
         name = QRect(left, frame.center().y() - (step * lines - px(4)) / 2, frame.right() - left - margin, lineHeight);
@@ -36,13 +37,13 @@ struct RowLayout {
     double scale;
     QFont nameFont;
     QRect frame;
-    QRect picture;
+    QRect thumbnail;
     QRect name;
     QRect facts;
     QRect status;
 };
 
-QColor themed(const char *name)
+QColor themeColor(const char *name)
 {
     return KelStyleTheme::instance()->color(QLatin1String(name));
 }
@@ -50,42 +51,42 @@ QColor themed(const char *name)
 void paintFrame(QPainter *painter, const RowLayout &layout, QStyle::State state)
 {
     const bool isSelected = state & QStyle::State_Selected;
-    painter->setPen(state & QStyle::State_HasFocus ? QPen(themed("ColorMain"), layout.px(2)) : QPen(Qt::NoPen));
-    painter->setBrush(isSelected                        ? themed("ColorPressed")
-                      : state & QStyle::State_MouseOver ? themed("ColorHover")
+    painter->setPen(state & QStyle::State_HasFocus ? QPen(themeColor("ColorMain"), layout.px(2)) : QPen(Qt::NoPen));
+    painter->setBrush(isSelected                        ? themeColor("ColorPressed")
+                      : state & QStyle::State_MouseOver ? themeColor("ColorHover")
                                                         : QColor(Qt::transparent));
     painter->drawRoundedRect(layout.frame, layout.px(6), layout.px(6));
 }
 
-void paintPicture(QPainter *painter, const RowLayout &layout, const QImage &thumbnail)
+void paintThumbnail(QPainter *painter, const RowLayout &layout, const QImage &thumbnail)
 {
     QPainterPath rounded;
-    rounded.addRoundedRect(layout.picture, layout.px(4), layout.px(4));
+    rounded.addRoundedRect(layout.thumbnail, layout.px(4), layout.px(4));
     painter->save();
     painter->setClipPath(rounded);
-    painter->fillRect(layout.picture, themed("ColorBg3Border"));
+    painter->fillRect(layout.thumbnail, themeColor("ColorBg3Border"));
     if (thumbnail.isNull()) {
         painter->setFont(KelDockIcon::font(layout.px(28)));
-        painter->setPen(themed("ColorTextWeak"));
-        painter->drawText(layout.picture, Qt::AlignCenter, KelDockIcon::text(KelDockIcon::Glyph::Screen));
+        painter->setPen(themeColor("ColorTextWeak"));
+        painter->drawText(layout.thumbnail, Qt::AlignCenter, KelDockIcon::text(KelDockIcon::Glyph::Screen));
     } else {
-        QRect target(QPoint(), thumbnail.size().scaled(layout.picture.size(), Qt::KeepAspectRatio));
-        target.moveCenter(layout.picture.center());
+        QRect target(QPoint(), thumbnail.size().scaled(layout.thumbnail.size(), Qt::KeepAspectRatio));
+        target.moveCenter(layout.thumbnail.center());
         painter->setRenderHint(QPainter::SmoothPixmapTransform);
-        painter->fillRect(layout.picture, Qt::black);
+        painter->fillRect(layout.thumbnail, Qt::black);
         painter->drawImage(target, thumbnail);
     }
     painter->restore();
 }
 
-QString facts(const QModelIndex &index)
+QString factsText(const QModelIndex &index)
 {
     QString text = QLocale().toString(index.data(RecordingsModel::SavedRole).toDateTime(), QLocale::ShortFormat);
-    const QVariant read = index.data(RecordingsModel::DetailsRole);
-    if (read.isValid()) {
-        const auto details = read.value<RecordingDetails>();
-        const QString gap = QStringLiteral("  ") + QChar(0x00b7) + QStringLiteral("  ");
-        text += gap + Units::clock(details.durationMs) + gap + Units::bytes(details.bytes);
+    const QVariant value = index.data(RecordingsModel::DetailsRole);
+    if (value.isValid()) {
+        const auto details = value.value<RecordingDetails>();
+        const QString separator = QStringLiteral("  \u00b7  ");
+        text += separator + Units::clock(details.durationMs) + separator + Units::bytes(details.bytes);
     }
     return text;
 }
@@ -107,16 +108,16 @@ void RecordingDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opt
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     paintFrame(painter, layout, option.state);
-    paintPicture(painter, layout, index.data(RecordingsModel::DetailsRole).value<RecordingDetails>().thumbnail);
-    paintLine(painter, layout.name, layout.nameFont, themed("ColorText"), index.data().toString());
-    paintLine(painter, layout.facts, option.font, themed("ColorTextWeak"), facts(index));
-    paintLine(painter, layout.status, option.font, themed("ColorMain"), status);
+    paintThumbnail(painter, layout, index.data(RecordingsModel::DetailsRole).value<RecordingDetails>().thumbnail);
+    paintLine(painter, layout.name, layout.nameFont, themeColor("ColorText"), index.data().toString());
+    paintLine(painter, layout.facts, option.font, themeColor("ColorTextWeak"), factsText(index));
+    paintLine(painter, layout.status, option.font, themeColor("ColorMain"), status);
     painter->restore();
 }
 
 QSize RecordingDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &) const
 {
-    const double scale = KelStyleTheme::scaleOf(option.widget);
+    const double scale = scaleFactor(option.widget);
     return QSize(qRound(360 * scale), qRound(92 * scale));
 }
 

@@ -2,7 +2,7 @@
 
 #include <QStyledItemDelegate>
 
-/// Paints a recording in a list: picture, name, and a line of facts.
+/// Paints a recording in the list: thumbnail, name, date with duration and size, and status. GUI thread.
 class RecordingDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -4,14 +4,15 @@
 
 #include <QImage>
 #include <QMetaType>
+#include <QVector>
 
-/// What a list shows of a recording besides its name.
+/// What the list shows about a recording besides name and date.
 struct RecordingDetails {
     qint64 durationMs = 0;
-    qint64 bytes = 0; ///< on disk
-    int frames = 0;   ///< logic frames, as far as the metadata tells
+    qint64 bytes = 0; ///< size on disk
+    int frames = 0;   ///< logic frames according to the metadata
     RecordingsFolder::State state = RecordingsFolder::State::Complete;
-    QImage thumbnail; ///< null: none was made yet
+    QImage thumbnail; ///< null if there is none yet
 };
 
 Q_DECLARE_METATYPE(RecordingDetails)

@@ -1,5 +1,6 @@
 #include "library/RecordingsFolder.h"
 
+#include <KelMovie/KelRecordingFiles.h>
 #include <KelMovie/KelRecordingMetadata.h>
 
 #include <QDir>
@@ -13,13 +14,8 @@
 namespace
 {
 
-// A recording under way is written to about once a second.
+// A recording in progress is written to about once a second.
 constexpr int kQuietSeconds = 10;
-
-QString videoPath(const QString &dir)
-{
-    return dir + QStringLiteral("/Screen/screen_record.mp4");
-}
 
 } // namespace
 
@@ -30,7 +26,7 @@ RecordingsFolder::RecordingsFolder(const QString &root)
 
 QString RecordingsFolder::defaultRoot()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::MoviesLocation) + QStringLiteral("/KelMovie");
+    return QStandardPaths::writableLocation(QStandardPaths::MoviesLocation) + QLatin1String("/KelMovie");
 }
 
 QString RecordingsFolder::newRecordingDir() const
@@ -57,7 +53,7 @@ QVector<RecordingsFolder::Entry> RecordingsFolder::recordings() const
     return entries;
 }
 
-QStringList RecordingsFolder::leftovers(const QString &except) const
+QStringList RecordingsFolder::interrupted(const QString &except) const
 {
     QStringList dirs;
     const QVector<Entry> entries = recordings();
@@ -70,13 +66,14 @@ QStringList RecordingsFolder::leftovers(const QString &except) const
 
 bool RecordingsFolder::holdsRecording(const QString &dir)
 {
-    return QFileInfo::exists(KelRecordingMetadata::filePath(dir)) || QFileInfo(videoPath(dir)).size() > 0;
+    return QFileInfo::exists(KelRecordingMetadata::filePath(dir)) ||
+           QFileInfo(KelRecordingFiles::videoPath(dir)).size() > 0;
 }
 
 QDateTime RecordingsFolder::lastWritten(const QString &dir)
 {
     QDateTime latest;
-    for (const QString &path : {KelRecordingMetadata::filePath(dir), videoPath(dir)}) {
+    for (const QString &path : {KelRecordingMetadata::filePath(dir), KelRecordingFiles::videoPath(dir)}) {
         const QFileInfo file(path);
         if (file.exists())
             latest = latest.isValid() ? std::max(latest, file.lastModified()) : file.lastModified();
@@ -86,26 +83,26 @@ QDateTime RecordingsFolder::lastWritten(const QString &dir)
 
 RecordingsFolder::State RecordingsFolder::state(const QString &dir)
 {
-    // Without metadata it died before its first second was over.
+    // Without metadata the recording ended within its first second.
     const bool hasMetadata = QFileInfo::exists(KelRecordingMetadata::filePath(dir));
     KelRecordingMetadata metadata;
     if (hasMetadata && (!KelRecordingMetadata::load(dir, &metadata) || metadata.complete))
         return State::Complete;
     const bool isQuiet = lastWritten(dir).secsTo(QDateTime::currentDateTime()) > kQuietSeconds;
-    return isQuiet ? State::Interrupted : State::UnderWay;
+    return isQuiet ? State::Interrupted : State::InProgress;
 }
 
 bool RecordingsFolder::moveToTrash(const QString &dir)
 {
-    QString place;
-    if (!QFile::moveToTrash(dir, &place))
+    QString trashed;
+    if (!QFile::moveToTrash(dir, &trashed))
         return false;
-    // Where there is no trash, Qt 5 takes the working directory for one, in which nobody would ever look.
-    QDir trash(QFileInfo(place).path() + QStringLiteral("/.."));
-    if (place.isEmpty() || trash.canonicalPath() != QDir::current().canonicalPath())
+    // Without a trash folder, Qt 5 makes one of the working directory, where no user would look. This is undone.
+    QDir trash(QFileInfo(trashed).path() + QLatin1String("/.."));
+    if (trashed.isEmpty() || trash.canonicalPath() != QDir::current().canonicalPath())
         return true;
-    QDir().rename(place, dir);
-    QFile::remove(trash.filePath(QStringLiteral("info/%1.trashinfo").arg(QFileInfo(place).fileName())));
+    QDir().rename(trashed, dir);
+    QFile::remove(trash.filePath(QStringLiteral("info/%1.trashinfo").arg(QFileInfo(trashed).fileName())));
     trash.rmdir(QStringLiteral("files"));
     trash.rmdir(QStringLiteral("info"));
     return false;
@@ -115,7 +112,7 @@ bool RecordingsFolder::remove(const QString &dir, QString *error)
 {
     if (QDir(dir).removeRecursively())
         return true;
-    *error = tr("Some of its files cannot be deleted.");
+    *error = tr("Some files cannot be deleted.");
     return false;
 }
 
@@ -125,10 +122,9 @@ bool RecordingsFolder::rename(const QString &dir, const QString &name, QString *
     *newDir = QFileInfo(dir).path() + QLatin1Char('/') + trimmed;
     if (trimmed.isEmpty() || trimmed.startsWith(QLatin1Char('.')) || trimmed.contains(QLatin1Char('/')) ||
         trimmed.contains(QLatin1Char('\\')))
-        *error = tr("A name is not empty, does not begin with a dot and "
-                    "contains no slash.");
+        *error = tr("A name must not be empty, start with a dot or contain a slash.");
     else if (QFileInfo::exists(*newDir))
-        *error = tr("There is something of that name already.");
+        *error = tr("That name is taken.");
     else if (!QDir().rename(dir, *newDir))
         *error = tr("The folder cannot be renamed.");
     else

@@ -6,51 +6,50 @@
 #include <QStringList>
 #include <QVector>
 
-/// The folder in which the recordings lie, a directory each. Knows what is on disk at the moment of the call and keeps
-/// nothing. Any thread.
+/// The folder that contains the recordings, one directory each. Stateless: every call examines the disk. Any thread.
 class RecordingsFolder
 {
     Q_DECLARE_TR_FUNCTIONS(RecordingsFolder)
 
 public:
-    enum class State { Complete, UnderWay, Interrupted };
+    enum class State { Complete, InProgress, Interrupted };
 
     struct Entry {
         QString dir;     ///< absolute path
         QDateTime saved; ///< when the recording was last written to
     };
 
-    /// An empty `root` means defaultRoot(). Nothing is created.
+    /// An empty `root` stands for defaultRoot(). Does not create the folder.
     explicit RecordingsFolder(const QString &root = QString());
 
-    /// "KelMovie" in the user's folder of videos.
+    /// "KelMovie" in the user's videos folder.
     static QString defaultRoot();
 
     QString root() const { return m_root; }
 
-    /// Path for a new recording, named after the present date and time; nothing of that name exists yet. The recorder
-    /// creates the directory.
+    /// A path for a new recording that does not exist yet, named after the current date and time. The recorder creates
+    /// the directory.
     QString newRecordingDir() const;
 
-    /// The recordings, the newest first.
+    /// All recordings, newest first.
     QVector<Entry> recordings() const;
 
-    /// The recordings whose process died: the interrupted ones but for `except`, which is being recorded right now.
-    QStringList leftovers(const QString &except = QString()) const;
+    /// The directories of interrupted recordings, except for `except`, a recording in progress.
+    QStringList interrupted(const QString &except = QString()) const;
 
-    /// Whether a directory holds a recording, whole or not.
+    /// Whether a directory holds a recording, complete or not.
     static bool holdsRecording(const QString &dir);
-    /// When the recording was last written to; invalid when there is none.
+    /// When the recording was last written to; invalid if there is no recording.
     static QDateTime lastWritten(const QString &dir);
-    /// By what is on disk: a recording that was not completed counts as interrupted when nothing has been written to it
-    /// for some seconds. One that is paused does, too.
+    /// An incomplete recording counts as interrupted when it has not been written to for some seconds, even if it is
+    /// merely paused.
     static State state(const QString &dir);
 
-    /// Moves a recording to the desktop's trash. False where that does not work.
+    /// Moves a recording to the desktop's trash. False if that fails.
     static bool moveToTrash(const QString &dir);
-    /// Deletes a recording for good. On failure `error` says why, and what could not be deleted is left.
+    /// Deletes a recording permanently. On failure `error` has the reason, and some files are left.
     static bool remove(const QString &dir, QString *error);
-    /// Gives a recording another name; `newDir` is where it lies then. On failure `error` says why.
+    /// Renames a recording; `newDir` is its new directory. On failure `error` has the reason.
     static bool rename(const QString &dir, const QString &name, QString *newDir, QString *error);
 
 private:

@@ -5,16 +5,16 @@
 #include "library/ThumbnailCache.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QLocale>
-#include <QSet>
 
 #include <algorithm>
 
 namespace
 {
 
-// What is asked for beyond that has been scrolled past: the first to be asked for is forgotten.
-constexpr int kMaxWanted = 64;
+// More rows than are visible at a time: older requests are for rows that were scrolled past, and are dropped.
+constexpr int kMaxRequests = 64;
 
 using State = RecordingsFolder::State;
 
@@ -23,17 +23,17 @@ using State = RecordingsFolder::State;
 RecordingsModel::RecordingsModel(const QString &root, const QString &program, QObject *parent)
     : QAbstractListModel(parent)
     , m_root(root)
-    , m_pictures(program)
+    , m_thumbnails(program)
     , m_reader(new LibraryReader)
 {
     qRegisterMetaType<RecordingDetails>();
     qRegisterMetaType<QVector<RecordingsFolder::Entry>>();
     m_reader->moveToThread(&m_thread);
     connect(&m_thread, &QThread::finished, m_reader, &QObject::deleteLater);
-    connect(m_reader, &LibraryReader::scanned, this, &RecordingsModel::takeEntries);
-    connect(m_reader, &LibraryReader::detailsRead, this, &RecordingsModel::takeDetails);
-    connect(m_reader, &LibraryReader::thumbnailMade, this, &RecordingsModel::takeThumbnail);
-    connect(&m_pictures, &PictureProcess::finished, m_reader, &LibraryReader::takePicture);
+    connect(m_reader, &LibraryReader::scanned, this, &RecordingsModel::updateRows);
+    connect(m_reader, &LibraryReader::detailsRead, this, &RecordingsModel::updateDetails);
+    connect(m_reader, &LibraryReader::thumbnailMade, this, &RecordingsModel::updateThumbnail);
+    connect(&m_thumbnails, &ThumbnailProcess::finished, m_reader, &LibraryReader::makeThumbnail);
     m_thread.start(QThread::LowPriority);
     QMetaObject::invokeMethod(m_reader, &ThumbnailCache::prune);
     refresh();
@@ -56,8 +56,8 @@ void RecordingsModel::setActiveRecording(const QString &dir)
     m_activeRecording = dir;
     for (const int row : {before, rowOf(dir)}) {
         if (row >= 0) {
-            m_rows[row].isRead = false; // it has grown since
-            tellChanged(row);
+            m_rows[row].isRead = false; // its size and duration have changed
+            emitChanged(row);
         }
     }
 }
@@ -86,7 +86,7 @@ QVariant RecordingsModel::data(const QModelIndex &index, int role) const
         return row.entry.saved;
     case DetailsRole:
         if (!row.isRead)
-            want(index.row());
+            requestDetails(index.row());
         return row.isRead ? QVariant::fromValue(row.details) : QVariant();
     case StatusRole:
         return status(row);
@@ -116,19 +116,19 @@ bool RecordingsModel::setData(const QModelIndex &index, const QVariant &value, i
         return false;
     }
     row.entry.dir = newDir;
-    tellChanged(index.row());
+    emitChanged(index.row());
     return true;
 }
 
-/// Rows stay where they are unless something happened to their recordings, so that selection and place are kept.
-void RecordingsModel::takeEntries(const QVector<RecordingsFolder::Entry> &entries)
+/// Keeps the rows of unchanged recordings, so that selection and scroll position are preserved.
+void RecordingsModel::updateRows(const QVector<RecordingsFolder::Entry> &entries)
 {
-    QHash<QString, QDateTime> saved;
+    QHash<QString, QDateTime> savedTimes;
     for (const auto &entry : entries)
-        saved.insert(entry.dir, entry.saved);
+        savedTimes.insert(entry.dir, entry.saved);
     for (int i = m_rows.size() - 1; i >= 0; --i) {
         const RecordingsFolder::Entry &entry = m_rows.at(i).entry;
-        if (saved.value(entry.dir) != entry.saved) {
+        if (savedTimes.value(entry.dir) != entry.saved) {
             beginRemoveRows(QModelIndex(), i, i);
             m_rows.remove(i);
             endRemoveRows();
@@ -147,70 +147,70 @@ void RecordingsModel::takeEntries(const QVector<RecordingsFolder::Entry> &entrie
         m_rows.insert(i, {entries.at(i), {}});
         endInsertRows();
     }
-    m_isRead = true;
     emit refreshed();
 }
 
-void RecordingsModel::takeDetails(const QString &dir, const RecordingDetails &details)
+void RecordingsModel::updateDetails(const QString &dir, const RecordingDetails &details)
 {
     m_isReading = false;
     const int row = rowOf(dir);
     if (row >= 0) {
         m_rows[row].details = details;
         m_rows[row].isRead = true;
-        m_rows[row].isWanted = false;
-        tellChanged(row);
-        const bool mayPicture = details.state != State::UnderWay && dir != m_activeRecording;
-        if (details.thumbnail.isNull() && mayPicture && !m_rows.at(row).hasTriedPicture) {
-            m_rows[row].hasTriedPicture = true;
-            m_pictureless.append(dir);
-            pictureNext();
+        m_rows[row].isRequested = false;
+        emitChanged(row);
+        const bool canHaveThumbnail = details.state != State::InProgress && dir != m_activeRecording;
+        if (details.thumbnail.isNull() && canHaveThumbnail && !m_rows.at(row).hasTriedThumbnail) {
+            m_rows[row].hasTriedThumbnail = true;
+            m_thumbnailRequests.append(dir);
+            makeNextThumbnail();
         }
     }
-    readNext();
+    readNextDetails();
 }
 
-void RecordingsModel::takeThumbnail(const QString &dir, const QImage &thumbnail)
+void RecordingsModel::updateThumbnail(const QString &dir, const QImage &thumbnail)
 {
     const int row = rowOf(dir);
     if (row >= 0 && !thumbnail.isNull()) {
         m_rows[row].details.thumbnail = thumbnail;
-        tellChanged(row);
+        emitChanged(row);
     }
-    pictureNext();
+    makeNextThumbnail();
 }
 
-void RecordingsModel::want(int row) const
+void RecordingsModel::requestDetails(int row) const
 {
-    if (m_rows.at(row).isWanted)
+    if (m_rows.at(row).isRequested)
         return;
-    m_rows[row].isWanted = true;
-    m_wanted.append(m_rows.at(row).entry.dir);
-    if (m_wanted.size() > kMaxWanted) {
-        const int forgotten = rowOf(m_wanted.takeFirst());
-        if (forgotten >= 0)
-            m_rows[forgotten].isWanted = false;
+    m_rows[row].isRequested = true;
+    m_detailRequests.append(m_rows.at(row).entry.dir);
+    if (m_detailRequests.size() > kMaxRequests) {
+        const int dropped = rowOf(m_detailRequests.takeFirst());
+        if (dropped >= 0)
+            m_rows[dropped].isRequested = false;
     }
-    QMetaObject::invokeMethod(const_cast<RecordingsModel *>(this), &RecordingsModel::readNext, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(const_cast<RecordingsModel *>(this), &RecordingsModel::readNextDetails,
+                              Qt::QueuedConnection);
 }
 
-void RecordingsModel::readNext()
+void RecordingsModel::readNextDetails()
 {
-    if (m_isReading || m_wanted.isEmpty())
+    if (m_isReading || m_detailRequests.isEmpty())
         return;
     m_isReading = true;
-    QMetaObject::invokeMethod(m_reader, [reader = m_reader, dir = m_wanted.takeFirst()] { reader->read(dir); });
+    QMetaObject::invokeMethod(m_reader, [reader = m_reader, dir = m_detailRequests.takeFirst()] { reader->read(dir); });
 }
 
-void RecordingsModel::pictureNext()
+void RecordingsModel::makeNextThumbnail()
 {
-    if (m_pictures.isBusy())
+    if (m_thumbnails.isBusy())
         return;
-    while (!m_pictureless.isEmpty()) {
-        const int row = rowOf(m_pictureless.takeLast()); // what was looked at last is what is seen now
+    while (!m_thumbnailRequests.isEmpty()) {
+        const int row = rowOf(m_thumbnailRequests.takeLast()); // the latest request is for what is visible now
         if (row >= 0) {
-            // Well within: at its beginning there is often nothing yet.
-            m_pictures.start(m_rows.at(row).entry.dir, m_rows.at(row).details.frames / 3);
+            // Not at the beginning, where often nothing has happened yet.
+            m_thumbnails.start(m_rows.at(row).entry.dir, m_rows.at(row).details.frames / 3);
             return;
         }
     }
@@ -223,7 +223,7 @@ int RecordingsModel::rowOf(const QString &dir) const
     return found == m_rows.cend() ? -1 : int(found - m_rows.cbegin());
 }
 
-void RecordingsModel::tellChanged(int row)
+void RecordingsModel::emitChanged(int row)
 {
     emit dataChanged(index(row), index(row));
 }
@@ -231,10 +231,10 @@ void RecordingsModel::tellChanged(int row)
 QString RecordingsModel::status(const Row &row) const
 {
     if (row.entry.dir == m_activeRecording)
-        return tr("Being recorded");
+        return tr("Recording in progress");
     if (!row.isRead || row.details.state == State::Complete)
         return QString();
-    return row.details.state == State::Interrupted ? tr("Recovered after a crash") : tr("Being recorded");
+    return row.details.state == State::Interrupted ? tr("Recovered after a crash") : tr("Recording in progress");
 }
 
 QString RecordingsModel::description(const Row &row) const
@@ -242,8 +242,8 @@ QString RecordingsModel::description(const Row &row) const
     QStringList parts{QFileInfo(row.entry.dir).fileName(), QLocale().toString(row.entry.saved, QLocale::ShortFormat)};
     if (row.isRead)
         parts << Units::clock(row.details.durationMs) << Units::bytes(row.details.bytes);
-    const QString particular = status(row);
-    if (!particular.isEmpty())
-        parts << particular;
-    return parts.join(QStringLiteral(", "));
+    const QString statusText = status(row);
+    if (!statusText.isEmpty())
+        parts << statusText;
+    return parts.join(QLatin1String(", "));
 }

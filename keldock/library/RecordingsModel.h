@@ -1,17 +1,17 @@
 #pragma once
 
-#include "library/PictureProcess.h"
 #include "library/RecordingDetails.h"
+#include "library/ThumbnailProcess.h"
 
 #include <QAbstractListModel>
-#include <QHash>
+#include <QStringList>
 #include <QThread>
 #include <QVector>
 
 class LibraryReader;
 
-/// The recordings in a folder, the newest first. Names are known at once; the rest is read on another thread, and
-/// pictures are made by another process, for those rows only that somebody looks at.
+/// The recordings in a folder, newest first. Only names are read for all of them. Details are read on a worker thread,
+/// and thumbnails made by another process, for rows that a view requests. GUI thread.
 class RecordingsModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -20,31 +20,30 @@ public:
     enum Role {
         DirRole = Qt::UserRole,
         SavedRole,   ///< QDateTime
-        DetailsRole, ///< RecordingDetails; invalid until they are read, which asking for them starts
-        StatusRole,  ///< what is particular about the recording, for the user; mostly empty
-        ActiveRole,  ///< bool: the recording is under way here
+        DetailsRole, ///< RecordingDetails; invalid until they are read; the first request starts that
+        StatusRole,  ///< status text for the user; empty for an ordinary recording
+        ActiveRole,  ///< bool: this program is making the recording
     };
 
-    /// `program` is the command line program, which makes the pictures.
+    /// `program` is the command line program, which composes the frames for the thumbnails.
     RecordingsModel(const QString &root, const QString &program, QObject *parent = nullptr);
     ~RecordingsModel() override;
 
-    /// Reads the folder again.
+    /// Reads the folder again and emits refreshed(). Happens on the worker thread.
     void refresh();
-    /// Whether the folder has been read once.
-    bool isRead() const { return m_isRead; }
+    /// The recording that this program is making; empty if there is none.
     void setActiveRecording(const QString &dir);
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
-    /// Qt::EditRole renames.
+    /// Renames the recording, with Qt::EditRole.
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 
 signals:
     /// The folder has been read.
     void refreshed();
-    /// A rename failed; `error` is for the user.
+    /// `error` is for the user.
     void renameFailed(const QString &error);
 
 private:
@@ -52,29 +51,28 @@ private:
         RecordingsFolder::Entry entry;
         RecordingDetails details;
         bool isRead = false;
-        bool isWanted = false;
-        bool hasTriedPicture = false;
+        bool isRequested = false;
+        bool hasTriedThumbnail = false;
     };
 
-    void takeEntries(const QVector<RecordingsFolder::Entry> &entries);
-    void takeDetails(const QString &dir, const RecordingDetails &details);
-    void takeThumbnail(const QString &dir, const QImage &thumbnail);
-    void want(int row) const;
-    void readNext();
-    void pictureNext();
+    void updateRows(const QVector<RecordingsFolder::Entry> &entries);
+    void updateDetails(const QString &dir, const RecordingDetails &details);
+    void updateThumbnail(const QString &dir, const QImage &thumbnail);
+    void requestDetails(int row) const;
+    void readNextDetails();
+    void makeNextThumbnail();
     int rowOf(const QString &dir) const;
-    void tellChanged(int row);
+    void emitChanged(int row);
     QString status(const Row &row) const;
     QString description(const Row &row) const;
 
     const QString m_root;
     QString m_activeRecording;
     mutable QVector<Row> m_rows;
-    mutable QStringList m_wanted; ///< to be read, the longest asked for first
-    QStringList m_pictureless;    ///< to be pictured, likewise
+    mutable QStringList m_detailRequests; ///< directories, oldest request first
+    QStringList m_thumbnailRequests;      ///< likewise
     bool m_isReading = false;
-    bool m_isRead = false;
-    PictureProcess m_pictures;
+    ThumbnailProcess m_thumbnails;
     LibraryReader *m_reader = nullptr;
     QThread m_thread;
 };

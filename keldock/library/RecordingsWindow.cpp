@@ -1,8 +1,6 @@
 #include "library/RecordingsWindow.h"
 
 #include "library/RecordingDelegate.h"
-#include "library/RecordingsFolder.h"
-#include "library/RecordingsModel.h"
 #include "notification/KelMsgBox.h"
 #include "widgets/DockStyle.h"
 #include "widgets/FileManager.h"
@@ -15,12 +13,10 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QFileSystemWatcher>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
 #include <QShortcut>
-#include <QSortFilterProxyModel>
 #include <QStackedWidget>
 
 #include <algorithm>
@@ -29,34 +25,9 @@ namespace
 {
 
 const QString kGeometryKey = QStringLiteral("RecordingsWindow/geometry");
-constexpr QSize kFirstSize(620, 560);
+constexpr QSize kDefaultSize(620, 560);
 
 } // namespace
-
-class RecordingsWindow::Private
-{
-public:
-    Private(const QString &root, const QString &program)
-        : folder(root)
-        , model(folder.root(), program)
-    {
-    }
-
-    const RecordingsFolder folder;
-    RecordingsModel model;
-    QSortFilterProxyModel filter;
-    QFileSystemWatcher watcher;
-    QStackedWidget *pages = nullptr;
-    QWidget *listPage = nullptr;
-    MessagePage *emptyPage = nullptr;
-    QLineEdit *search = nullptr;
-    QListView *list = nullptr;
-    NoticeBar *notice = nullptr;
-    QAction *open = nullptr;
-    QAction *rename = nullptr;
-    QAction *show = nullptr;
-    QAction *remove = nullptr;
-};
 
 RecordingsWindow::RecordingsWindow(const QString &root, QWidget *parent)
     : RecordingsWindow(root, QCoreApplication::applicationFilePath(), parent)
@@ -65,92 +36,103 @@ RecordingsWindow::RecordingsWindow(const QString &root, QWidget *parent)
 
 RecordingsWindow::RecordingsWindow(const QString &root, const QString &program, QWidget *parent)
     : QMainWindow(parent)
-    , d(std::make_unique<Private>(root, program))
+    , m_folder(root)
+    , m_model(m_folder.root(), program)
+    , m_pages(new QStackedWidget(this))
 {
     setObjectName(QStringLiteral("RecordingsWindow"));
     setWindowTitle(tr("Recordings"));
     applyDockStyle(this, QStringLiteral("Window"));
-    d->filter.setSourceModel(&d->model);
-    d->filter.setFilterCaseSensitivity(Qt::CaseInsensitive);
-    d->pages = new QStackedWidget(this);
-    setCentralWidget(d->pages);
+    m_filter.setSourceModel(&m_model);
+    m_filter.setFilterCaseSensitivity(Qt::CaseInsensitive);
+    setCentralWidget(m_pages);
     createListPage();
     createEmptyPage();
-    connect(&d->model, &RecordingsModel::refreshed, this, &RecordingsWindow::showPage);
-    connect(&d->model, &RecordingsModel::renameFailed, this,
-            [this](const QString &error) { KelMsgBox::warning(this, tr("Rename"), tr("Not renamed."), error); });
-    connect(&d->watcher, &QFileSystemWatcher::directoryChanged, this, &RecordingsWindow::refresh);
+    connect(&m_model, &RecordingsModel::refreshed, this, &RecordingsWindow::showPage);
+    connect(&m_model, &RecordingsModel::renameFailed, this, [this](const QString &error) {
+        KelMsgBox::warning(this, tr("Rename"), tr("The recording was not renamed."), error);
+    });
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &RecordingsWindow::refresh);
     connect(new QShortcut(QKeySequence::Refresh, this), &QShortcut::activated, this, &RecordingsWindow::refresh);
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
     watchFolder();
     updateActions();
     if (!restoreGeometry(windowStore().value(kGeometryKey).toByteArray()))
-        resize(kFirstSize);
+        resize(kDefaultSize);
 }
 
 RecordingsWindow::~RecordingsWindow()
 {
-    delete d->pages; // its views look at the models
+    delete m_pages; // its views use the models, members that are destroyed before the child widgets
 }
 
 void RecordingsWindow::createListPage()
 {
-    d->listPage = new QWidget(this);
-    d->listPage->setObjectName(QStringLiteral("ListPage"));
-    d->search = new QLineEdit(d->listPage);
-    d->search->setPlaceholderText(tr("Search"));
-    d->search->setClearButtonEnabled(true);
-    d->search->setAccessibleName(tr("Search by name"));
-    d->search->setToolTip(tr("Shows only recordings whose names contain this (Ctrl+F)"));
-    connect(d->search, &QLineEdit::textChanged, &d->filter, &QSortFilterProxyModel::setFilterFixedString);
-    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, d->search,
-            [this] { d->search->setFocus(Qt::ShortcutFocusReason); });
-    auto *const record = new QPushButton(tr("&New Recording"), d->listPage);
-    record->setObjectName(QStringLiteral("PrimaryButton"));
-    record->setToolTip(tr("Records the screen"));
-    connect(record, &QPushButton::clicked, this, &RecordingsWindow::recordRequested);
-    auto *const top = new QHBoxLayout;
-    top->addWidget(d->search, 1);
-    top->addWidget(record);
-
-    d->list = new QListView(d->listPage);
-    d->list->setObjectName(QStringLiteral("RecordingsList"));
-    d->list->setModel(&d->filter);
-    d->list->setItemDelegate(new RecordingDelegate(d->list));
-    d->list->setUniformItemSizes(true);
-    d->list->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    d->list->setEditTriggers(QAbstractItemView::EditKeyPressed);
-    d->list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    d->list->setMouseTracking(true);
-    d->list->setContextMenuPolicy(Qt::ActionsContextMenu);
-    d->list->setAccessibleName(tr("Recordings"));
-    connect(d->list, &QListView::activated, this, &RecordingsWindow::openSelected);
-    connect(d->list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &RecordingsWindow::updateActions);
-
-    d->notice = new NoticeBar(d->listPage);
-    auto *const layout = new QVBoxLayout(d->listPage);
-    layout->addLayout(top);
-    layout->addWidget(d->list, 1);
-    layout->addWidget(d->notice);
+    m_listPage = new QWidget(this);
+    m_listPage->setObjectName(QStringLiteral("ListPage"));
+    QBoxLayout *const searchRow = createSearchRow();
+    createList();
+    m_notice = new NoticeBar(m_listPage);
+    auto *const layout = new QVBoxLayout(m_listPage);
+    layout->addLayout(searchRow);
+    layout->addWidget(m_list, 1);
+    layout->addWidget(m_notice);
     layout->addWidget(createButtons());
-    d->listPage->setFocusProxy(d->list);
-    d->list->setFocus();
-    d->pages->addWidget(d->listPage);
+    m_listPage->setFocusProxy(m_list);
+    m_list->setFocus();
+    m_pages->addWidget(m_listPage);
 }
 
-/// One action each, for button, context menu and key.
+QBoxLayout *RecordingsWindow::createSearchRow()
+{
+    m_search = new QLineEdit(m_listPage);
+    m_search->setPlaceholderText(tr("Search"));
+    m_search->setClearButtonEnabled(true);
+    m_search->setAccessibleName(tr("Search by name"));
+    m_search->setToolTip(tr("Show only recordings whose name contains this text (Ctrl+F)"));
+    connect(m_search, &QLineEdit::textChanged, &m_filter, &QSortFilterProxyModel::setFilterFixedString);
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, m_search,
+            [this] { m_search->setFocus(Qt::ShortcutFocusReason); });
+    auto *const record = new QPushButton(tr("&New Recording"), m_listPage);
+    record->setObjectName(QStringLiteral("PrimaryButton"));
+    record->setToolTip(tr("Record the screen"));
+    connect(record, &QPushButton::clicked, this, &RecordingsWindow::recordRequested);
+    auto *const row = new QHBoxLayout;
+    row->addWidget(m_search, 1);
+    row->addWidget(record);
+    return row;
+}
+
+void RecordingsWindow::createList()
+{
+    m_list = new QListView(m_listPage);
+    m_list->setObjectName(QStringLiteral("RecordingsList"));
+    m_list->setModel(&m_filter);
+    m_list->setItemDelegate(new RecordingDelegate(m_list));
+    m_list->setUniformItemSizes(true);
+    m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_list->setEditTriggers(QAbstractItemView::EditKeyPressed);
+    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_list->setMouseTracking(true);
+    m_list->setContextMenuPolicy(Qt::ActionsContextMenu);
+    m_list->setAccessibleName(tr("Recordings"));
+    connect(m_list, &QListView::activated, this, &RecordingsWindow::openSelected);
+    connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &RecordingsWindow::updateActions);
+}
+
+/// Each action appears as a button and in the context menu.
 QWidget *RecordingsWindow::createButtons()
 {
-    auto *const row = new QWidget(d->listPage);
+    auto *const row = new QWidget(m_listPage);
     auto *const layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
     const auto add = [&](const QString &text, const QString &toolTip, const QKeySequence &key,
                          void (RecordingsWindow::*handler)()) {
-        auto *const action = new QAction(text, d->list);
+        auto *const action = new QAction(text, m_list);
         action->setShortcut(key);
         action->setShortcutContext(Qt::WidgetShortcut);
         connect(action, &QAction::triggered, this, handler);
-        d->list->addAction(action);
+        m_list->addAction(action);
         auto *const button = new QPushButton(text, row);
         button->setToolTip(toolTip);
         connect(button, &QPushButton::clicked, action, &QAction::trigger);
@@ -158,78 +140,77 @@ QWidget *RecordingsWindow::createButtons()
         layout->addWidget(button);
         return action;
     };
-    d->open = add(tr("&Open"), tr("Plays the recording (Enter)"), QKeySequence(), &RecordingsWindow::openSelected);
-    d->rename = add(tr("&Rename"), tr("Gives the recording another name (F2)"), QKeySequence(),
-                    &RecordingsWindow::renameSelected);
-    d->show = add(tr("&Show in Folder"), tr("Shows the files of the recording in the file manager"), QKeySequence(),
-                  &RecordingsWindow::showSelected);
+    m_open = add(tr("&Open"), tr("Play the recording (Enter)"), QKeySequence(), &RecordingsWindow::openSelected);
+    m_rename = add(tr("&Rename"), tr("Rename the recording (F2)"), QKeySequence(), &RecordingsWindow::renameSelected);
+    m_show = add(tr("&Show in Folder"), tr("Show the files of the recording in the file manager"), QKeySequence(),
+                 &RecordingsWindow::showSelected);
     layout->addStretch();
-    d->remove = add(tr("&Delete"), tr("Moves the recording to the trash (Del)"), QKeySequence::Delete,
-                    &RecordingsWindow::deleteSelected);
+    m_delete = add(tr("&Delete"), tr("Move the recording to the trash (Del)"), QKeySequence::Delete,
+                   &RecordingsWindow::deleteSelected);
     return row;
 }
 
 void RecordingsWindow::createEmptyPage()
 {
-    d->emptyPage = new MessagePage(KelDockIcon::Glyph::Screen, this);
-    d->emptyPage->setObjectName(QStringLiteral("MessagePage"));
-    d->emptyPage->setMessage(tr("No recordings yet"), tr("Recordings are kept in %1.").arg(d->folder.root()));
-    d->emptyPage->addAction(tr("&Record"), tr("Records the screen"), [this] { emit recordRequested(); });
-    d->pages->addWidget(d->emptyPage);
+    m_emptyPage = new MessagePage(KelDockIcon::Glyph::Screen, this);
+    m_emptyPage->setObjectName(QStringLiteral("MessagePage"));
+    m_emptyPage->setMessage(tr("No recordings yet"), tr("Recordings are saved in %1.").arg(m_folder.root()));
+    m_emptyPage->addAction(tr("&Record"), tr("Record the screen"), [this] { emit recordRequested(); });
+    m_pages->addWidget(m_emptyPage);
 }
 
 void RecordingsWindow::refresh()
 {
     watchFolder();
-    d->model.refresh();
+    m_model.refresh();
 }
 
-/// A folder that does not exist yet is noticed by its parent's change.
+/// Watches the parent as well, which reports the creation of the folder.
 void RecordingsWindow::watchFolder()
 {
-    const QString root = d->folder.root();
+    const QString root = m_folder.root();
     for (const QString &path : {root, QFileInfo(root).path()}) {
-        if (!d->watcher.directories().contains(path) && QFileInfo(path).isDir())
-            d->watcher.addPath(path);
+        if (!m_watcher.directories().contains(path) && QFileInfo(path).isDir())
+            m_watcher.addPath(path);
     }
 }
 
 void RecordingsWindow::setActiveRecording(const QString &dir)
 {
-    d->model.setActiveRecording(dir);
+    m_model.setActiveRecording(dir);
     refresh();
     updateActions();
 }
 
 void RecordingsWindow::showPage()
 {
-    QWidget *const page = d->model.rowCount() > 0 ? d->listPage : static_cast<QWidget *>(d->emptyPage);
-    if (page != d->pages->currentWidget()) {
-        d->pages->setCurrentWidget(page);
+    QWidget *const page = m_model.rowCount() > 0 ? m_listPage : static_cast<QWidget *>(m_emptyPage);
+    if (page != m_pages->currentWidget()) {
+        m_pages->setCurrentWidget(page);
         page->setFocus();
     }
-    if (!d->list->currentIndex().isValid())
-        d->list->setCurrentIndex(d->filter.index(0, 0));
+    if (!m_list->currentIndex().isValid())
+        m_list->setCurrentIndex(m_filter.index(0, 0));
     updateActions();
 }
 
 void RecordingsWindow::updateActions()
 {
-    const QModelIndexList selected = d->list->selectionModel()->selectedIndexes();
+    const QModelIndexList selected = m_list->selectionModel()->selectedIndexes();
     const bool isOne = selected.size() == 1;
     const bool hasActive = std::any_of(selected.begin(), selected.end(), [](const QModelIndex &index) {
         return index.data(RecordingsModel::ActiveRole).toBool();
     });
-    d->open->setEnabled(!selected.isEmpty() && !hasActive);
-    d->rename->setEnabled(isOne && !hasActive);
-    d->show->setEnabled(isOne);
-    d->remove->setEnabled(!selected.isEmpty() && !hasActive);
+    m_open->setEnabled(!selected.isEmpty() && !hasActive);
+    m_rename->setEnabled(isOne && !hasActive);
+    m_show->setEnabled(isOne);
+    m_delete->setEnabled(!selected.isEmpty() && !hasActive);
 }
 
 QStringList RecordingsWindow::selectedDirs() const
 {
     QStringList dirs;
-    const QModelIndexList selected = d->list->selectionModel()->selectedIndexes();
+    const QModelIndexList selected = m_list->selectionModel()->selectedIndexes();
     for (const QModelIndex &index : selected)
         dirs.append(index.data(RecordingsModel::DirRole).toString());
     return dirs;
@@ -237,7 +218,7 @@ QStringList RecordingsWindow::selectedDirs() const
 
 void RecordingsWindow::openSelected()
 {
-    if (!d->open->isEnabled())
+    if (!m_open->isEnabled())
         return;
     const QStringList dirs = selectedDirs();
     for (const QString &dir : dirs)
@@ -246,12 +227,12 @@ void RecordingsWindow::openSelected()
 
 void RecordingsWindow::renameSelected()
 {
-    d->list->edit(d->list->currentIndex());
+    m_list->edit(m_list->currentIndex());
 }
 
 void RecordingsWindow::showSelected()
 {
-    showInFileManager(selectedDirs().value(0));
+    openInFileManager(selectedDirs().value(0));
 }
 
 void RecordingsWindow::deleteSelected()
@@ -264,15 +245,16 @@ void RecordingsWindow::deleteSelected()
     }
     const int moved = dirs.size() - kept.size();
     if (moved > 0)
-        d->notice->tell(tr("%n recording(s) moved to the trash.", nullptr, moved));
+        m_notice->showNotice(tr("%n recording(s) moved to the trash.", nullptr, moved));
     if (!kept.isEmpty())
-        deleteForGood(kept);
+        deletePermanently(kept);
     refresh();
 }
 
-void RecordingsWindow::deleteForGood(const QStringList &dirs)
+void RecordingsWindow::deletePermanently(const QStringList &dirs)
 {
-    const QString question = tr("%n recording(s) cannot be moved to the trash. Delete for good?", nullptr, dirs.size());
+    const QString question =
+        tr("%n recording(s) cannot be moved to the trash. Delete permanently?", nullptr, dirs.size());
     if (KelMsgBox::question(this, tr("Delete"), question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) !=
         QMessageBox::Yes)
         return;
@@ -285,7 +267,7 @@ void RecordingsWindow::deleteForGood(const QStringList &dirs)
 
 void RecordingsWindow::changeEvent(QEvent *event)
 {
-    // What happened inside of a recording meanwhile is not seen by the watcher.
+    // The watcher does not notice changes inside of recordings.
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         refresh();
     QMainWindow::changeEvent(event);

@@ -1,25 +1,37 @@
 #pragma once
 
+#include "library/RecordingsFolder.h"
+#include "library/RecordingsModel.h"
+
+#include <QFileSystemWatcher>
+#include <QKeySequence>
 #include <QMainWindow>
-#include <QModelIndex>
+#include <QSortFilterProxyModel>
+#include <QStringList>
 
-#include <memory>
+class MessagePage;
+class NoticeBar;
+class QAction;
+class QBoxLayout;
+class QLineEdit;
+class QListView;
+class QStackedWidget;
 
-/// The list of all recordings: open, rename, show in the file manager, delete.
+/// Lists all recordings, and opens, renames, shows (in the file manager) and deletes them. GUI thread.
 class RecordingsWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    /// `root` is the folder with the recordings; it need not exist yet.
+    /// `root` is the folder of recordings; it need not exist yet.
     explicit RecordingsWindow(const QString &root, QWidget *parent = nullptr);
-    /// The same with another program that makes the pictures than this one.
+    /// With another program than this one to compose the frames for the thumbnails.
     RecordingsWindow(const QString &root, const QString &program, QWidget *parent);
     ~RecordingsWindow() override;
 
-    /// Reads the folder again. Happens by itself when recordings come or go.
+    /// Reads the folder again. Happens automatically when recordings are added or removed.
     void refresh();
-    /// The recording that is under way, possibly paused; empty for none. It cannot be opened or deleted.
+    /// The recording in progress, possibly paused; empty if there is none. It cannot be opened, renamed or deleted.
     void setActiveRecording(const QString &dir);
 
 signals:
@@ -32,6 +44,8 @@ protected:
 
 private:
     void createListPage();
+    QBoxLayout *createSearchRow();
+    void createList();
     QWidget *createButtons();
     void createEmptyPage();
     void watchFolder();
@@ -42,8 +56,20 @@ private:
     void renameSelected();
     void showSelected();
     void deleteSelected();
-    void deleteForGood(const QStringList &dirs);
+    void deletePermanently(const QStringList &dirs);
 
-    class Private;
-    std::unique_ptr<Private> d;
+    const RecordingsFolder m_folder;
+    RecordingsModel m_model;
+    QSortFilterProxyModel m_filter;
+    QFileSystemWatcher m_watcher;
+    QStackedWidget *const m_pages;
+    QWidget *m_listPage = nullptr;
+    MessagePage *m_emptyPage = nullptr;
+    QLineEdit *m_search = nullptr;
+    QListView *m_list = nullptr;
+    NoticeBar *m_notice = nullptr;
+    QAction *m_open = nullptr;
+    QAction *m_rename = nullptr;
+    QAction *m_show = nullptr;
+    QAction *m_delete = nullptr;
 };

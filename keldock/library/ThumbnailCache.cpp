@@ -16,7 +16,7 @@ constexpr int kMaxFiles = 5000;
 
 QString folder()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QStringLiteral("/thumbnails");
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QLatin1String("/thumbnails");
 }
 
 } // namespace
@@ -24,7 +24,7 @@ QString folder()
 QString ThumbnailCache::path(const QString &dir)
 {
     const QByteArray name = QCryptographicHash::hash(QDir(dir).absolutePath().toUtf8(), QCryptographicHash::Sha1);
-    return folder() + QLatin1Char('/') + QString::fromLatin1(name.toHex()) + QStringLiteral(".png");
+    return folder() + QLatin1Char('/') + QString::fromLatin1(name.toHex()) + QLatin1String(".png");
 }
 
 QImage ThumbnailCache::find(const QString &dir)
@@ -35,16 +35,16 @@ QImage ThumbnailCache::find(const QString &dir)
     return QImage(file.filePath());
 }
 
-QImage ThumbnailCache::store(const QString &dir, const QString &pictureFile)
+QImage ThumbnailCache::store(const QString &dir, const QString &imageFile)
 {
-    const QImage picture = QImageReader(pictureFile, "png").read();
-    if (picture.isNull())
+    const QImage image = QImageReader(imageFile, "png").read();
+    if (image.isNull())
         return QImage();
-    QSize size = picture.size();
-    if (size.width() > Size.width() || size.height() > Size.height())
-        size = size.scaled(Size, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
-    const QImage thumbnail = picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    // A cache that cannot be written to costs time, not the picture.
+    QSize size = image.size();
+    if (size.width() > kMaxSize.width() || size.height() > kMaxSize.height())
+        size = size.scaled(kMaxSize, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    const QImage thumbnail = image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    // If the cache is not writable, the thumbnail is still returned.
     QDir().mkpath(folder());
     QSaveFile file(path(dir));
     if (file.open(QIODevice::WriteOnly) && thumbnail.save(&file, "PNG"))
@@ -54,7 +54,7 @@ QImage ThumbnailCache::store(const QString &dir, const QString &pictureFile)
 
 void ThumbnailCache::prune()
 {
-    const QFileInfoList files = QDir(folder()).entryInfoList(QDir::Files, QDir::Time); // the newest first
+    const QFileInfoList files = QDir(folder()).entryInfoList(QDir::Files, QDir::Time); // newest first
     for (int i = kMaxFiles; i < files.size(); ++i)
         QFile::remove(files.at(i).filePath());
 }

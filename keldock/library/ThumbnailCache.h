@@ -4,19 +4,19 @@
 #include <QSize>
 #include <QString>
 
-/// Small pictures of recordings in the user's cache. One is valid as long as its recording has not been written to
+/// Thumbnails of recordings in the user's cache folder. A thumbnail is outdated when its recording has been written to
 /// since. Any thread.
 class ThumbnailCache
 {
 public:
-    /// In pixels; a thumbnail fits into it. Twice what a list shows, for screens with small pixels.
-    static constexpr QSize Size{320, 180};
+    /// The maximum size in pixels: twice the size in the list, for high-density screens.
+    static constexpr QSize kMaxSize{320, 180};
 
-    /// Null when there is none, or an outdated one.
+    /// Null if there is none or it is outdated.
     static QImage find(const QString &dir);
-    /// Makes a thumbnail of a large picture and keeps it. Null when that is no picture.
-    static QImage store(const QString &dir, const QString &pictureFile);
-    /// Deletes the oldest ones beyond a bound.
+    /// Scales an image file down to a thumbnail and caches that. Null if the file is not an image.
+    static QImage store(const QString &dir, const QString &imageFile);
+    /// Deletes the oldest thumbnails when there are too many.
     static void prune();
 
 private:

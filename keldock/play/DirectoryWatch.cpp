@@ -8,10 +8,10 @@ DirectoryWatch::DirectoryWatch(const QString &dir, QObject *parent)
     , m_exists(QFileInfo(dir).isDir())
 {
     watch();
-    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &DirectoryWatch::look);
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &DirectoryWatch::check);
 }
 
-/// The directory itself tells of its end, the one above it of its being moved.
+/// Watching the directory reports its deletion; watching its parent reports that it was moved.
 void DirectoryWatch::watch()
 {
     for (const QString &path : {m_dir, QFileInfo(m_dir).path()}) {
@@ -20,7 +20,7 @@ void DirectoryWatch::watch()
     }
 }
 
-void DirectoryWatch::look()
+void DirectoryWatch::check()
 {
     const bool exists = QFileInfo(m_dir).isDir();
     if (exists == m_exists)

@@ -4,7 +4,7 @@
 #include <QObject>
 #include <QString>
 
-/// Tells when a directory vanishes, by whatever way, and when it is back.
+/// Notices when a directory is deleted, moved or renamed, and when it is back. GUI thread.
 class DirectoryWatch : public QObject
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ signals:
 
 private:
     void watch();
-    void look();
+    void check();
 
     const QString m_dir;
     QFileSystemWatcher m_watcher;

@@ -11,22 +11,22 @@ constexpr int kRestMs = 2500;
 
 } // namespace
 
-FullScreenControls::FullScreenControls(QWidget *page, QBoxLayout *layout, QWidget *picture, QWidget *controls)
+FullScreenControls::FullScreenControls(QWidget *page, QBoxLayout *layout, QWidget *canvas, QWidget *controls)
     : QObject(page)
     , m_page(page)
     , m_layout(layout)
-    , m_picture(picture)
+    , m_canvas(canvas)
     , m_controls(controls)
 {
-    m_rest.setSingleShot(true);
-    m_rest.setInterval(kRestMs);
-    connect(&m_rest, &QTimer::timeout, this, [this] {
-        // Whoever works on the controls, by pointer or by keys, keeps them.
-        if (m_picture->underMouse() && !m_controls->isAncestorOf(m_page->window()->focusWidget()))
+    m_restTimer.setSingleShot(true);
+    m_restTimer.setInterval(kRestMs);
+    connect(&m_restTimer, &QTimer::timeout, this, [this] {
+        // The controls stay while the user operates them with the pointer or the keyboard.
+        if (m_canvas->underMouse() && !m_controls->isAncestorOf(m_page->window()->focusWidget()))
             setShown(false);
     });
-    picture->setMouseTracking(true);
-    picture->installEventFilter(this);
+    canvas->setMouseTracking(true);
+    canvas->installEventFilter(this);
     page->installEventFilter(this);
 }
 
@@ -45,7 +45,7 @@ void FullScreenControls::setActive(bool on)
 
 bool FullScreenControls::eventFilter(QObject *watched, QEvent *event)
 {
-    if (m_isActive && watched == m_picture && (event->type() == QEvent::MouseMove || event->type() == QEvent::KeyPress))
+    if (m_isActive && watched == m_canvas && (event->type() == QEvent::MouseMove || event->type() == QEvent::KeyPress))
         setShown(true);
     if (watched == m_page && event->type() == QEvent::Resize)
         place();
@@ -65,11 +65,11 @@ void FullScreenControls::setShown(bool shown)
 {
     m_controls->setVisible(shown);
     if (shown)
-        m_picture->unsetCursor();
+        m_canvas->unsetCursor();
     else
-        m_picture->setCursor(Qt::BlankCursor);
+        m_canvas->setCursor(Qt::BlankCursor);
     if (shown && m_isActive)
-        m_rest.start();
+        m_restTimer.start();
     else
-        m_rest.stop();
+        m_restTimer.stop();
 }

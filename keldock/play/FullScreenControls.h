@@ -6,15 +6,15 @@
 class QBoxLayout;
 class QWidget;
 
-/// The controls below a picture. In full screen they lie over the picture, and hide, with the pointer, while the
-/// pointer rests; the picture stays where it is.
+/// The controls below the canvas. In full screen they overlay the canvas, so that it keeps its place, and hide together
+/// with the pointer while the pointer rests.
 class FullScreenControls : public QObject
 {
     Q_OBJECT
 
 public:
-    /// `controls` are the last row of `page`, which `layout` lays out, and `picture` is another. None is owned.
-    FullScreenControls(QWidget *page, QBoxLayout *layout, QWidget *picture, QWidget *controls);
+    /// `layout` lays out `page`; `controls` is its last row. Takes no ownership. The page is the parent.
+    FullScreenControls(QWidget *page, QBoxLayout *layout, QWidget *canvas, QWidget *controls);
 
     void setActive(bool on);
 
@@ -26,8 +26,8 @@ private:
 
     QWidget *const m_page;
     QBoxLayout *const m_layout;
-    QWidget *const m_picture;
+    QWidget *const m_canvas;
     QWidget *const m_controls;
-    QTimer m_rest;
+    QTimer m_restTimer;
     bool m_isActive = false;
 };

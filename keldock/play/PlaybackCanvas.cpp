@@ -1,6 +1,6 @@
 #include "play/PlaybackCanvas.h"
 
-#include "play/ComposedPicture.h"
+#include "common/ComposedFrame.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
 
@@ -14,7 +14,7 @@
 namespace
 {
 
-// Dark in either theme, as in a cinema: nothing beside the picture shall compete with it.
+// Dark in both themes, so that nothing distracts from the recording.
 constexpr QRgb kSurround = qRgb(24, 25, 28);
 constexpr double kFocusOutline = 2;
 
@@ -26,7 +26,7 @@ PlaybackCanvas::PlaybackCanvas(KelPlaybackTrackManager *manager, QWidget *parent
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
-    setAccessibleName(tr("Picture of the recording"));
+    setAccessibleName(tr("Recording"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setMinimumSize(160, 90);
 }
@@ -37,17 +37,17 @@ void PlaybackCanvas::setEnlarging(bool on)
     update();
 }
 
-QImage PlaybackCanvas::picture()
+QImage PlaybackCanvas::frame()
 {
-    if (m_picture.isNull() || m_revision != m_manager->pictureRevision()) {
+    if (m_frame.isNull() || m_revision != m_manager->pictureRevision()) {
         m_revision = m_manager->pictureRevision();
-        m_picture = composedPicture(m_manager, std::move(m_picture));
+        m_frame = composedFrame(m_manager, std::move(m_frame));
         m_scaled = QImage();
     }
-    return m_picture;
+    return m_frame;
 }
 
-QRectF PlaybackCanvas::pictureRect() const
+QRectF PlaybackCanvas::frameRect() const
 {
     const QSizeF natural = m_manager->pictureSize();
     if (natural.isEmpty())
@@ -55,11 +55,11 @@ QRectF PlaybackCanvas::pictureRect() const
     QSizeF shown = natural.scaled(size(), Qt::KeepAspectRatio);
     if (!m_isEnlarging && shown.width() > natural.width())
         shown = natural;
-    // On whole pixels of the screen, so that a picture of its own size stays sharp.
+    // Aligned to physical pixels, so that a frame in its original size stays sharp.
     const double ratio = devicePixelRatioF();
     const QSize pixels = (shown * ratio).toSize().expandedTo(QSize(1, 1));
-    const QSize room = (QSizeF(size()) * ratio).toSize();
-    const QPoint corner((room.width() - pixels.width()) / 2, (room.height() - pixels.height()) / 2);
+    const QSize available = (QSizeF(size()) * ratio).toSize();
+    const QPoint corner((available.width() - pixels.width()) / 2, (available.height() - pixels.height()) / 2);
     return QRectF(QPointF(corner) / ratio, QSizeF(pixels) / ratio);
 }
 
@@ -74,16 +74,16 @@ void PlaybackCanvas::refresh()
         update();
 }
 
-/// The picture in that many pixels.
-const QImage &PlaybackCanvas::scaledPicture(const QSize &pixels)
+/// `pixels` is the size in physical pixels.
+const QImage &PlaybackCanvas::scaledFrame(const QSize &pixels)
 {
-    if (pixels == m_picture.size())
-        return m_picture;
+    if (pixels == m_frame.size())
+        return m_frame;
     if (pixels != m_scaled.size()) {
-        // Pixels that become whole squares stay squares.
-        const bool isMultiple = pixels.width() % m_picture.width() == 0 && pixels.height() % m_picture.height() == 0;
-        m_scaled = m_picture.scaled(pixels, Qt::IgnoreAspectRatio,
-                                    isMultiple ? Qt::FastTransformation : Qt::SmoothTransformation);
+        // Integer factors keep the edges of pixels sharp.
+        const bool isMultiple = pixels.width() % m_frame.width() == 0 && pixels.height() % m_frame.height() == 0;
+        m_scaled = m_frame.scaled(pixels, Qt::IgnoreAspectRatio,
+                                  isMultiple ? Qt::FastTransformation : Qt::SmoothTransformation);
     }
     return m_scaled;
 }
@@ -92,9 +92,9 @@ void PlaybackCanvas::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.fillRect(rect(), QColor(kSurround));
-    const QRectF target = pictureRect();
-    if (!picture().isNull() && !target.isEmpty())
-        painter.drawImage(target, scaledPicture((target.size() * devicePixelRatioF()).toSize()));
+    const QRectF target = frameRect();
+    if (!frame().isNull() && !target.isEmpty())
+        painter.drawImage(target, scaledFrame((target.size() * devicePixelRatioF()).toSize()));
     if (hasFocus() && m_showsFocus) {
         const double inset = kFocusOutline / 2;
         painter.setPen(QPen(palette().color(QPalette::Highlight), kFocusOutline));

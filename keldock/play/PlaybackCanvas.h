@@ -5,9 +5,8 @@
 
 class KelPlaybackTrackManager;
 
-/// Shows the composed picture of a recording: as large as it was on the screen where there is room, otherwise smaller,
-/// and in full screen as large as there is room. The picture is composed once for each change and scaled once for each
-/// size; uncovering the window costs neither.
+/// Shows the current frame of a recording, in its original size or scaled down to fit; when enlarging, scaled to fit in
+/// any case. Caches the composed and the scaled frame, so that repainting is cheap. GUI thread.
 class PlaybackCanvas : public QWidget
 {
     Q_OBJECT
@@ -16,18 +15,18 @@ public:
     /// `manager` is not owned and must outlive the canvas.
     explicit PlaybackCanvas(KelPlaybackTrackManager *manager, QWidget *parent = nullptr);
 
-    /// Whether the picture may become larger than it was on the screen.
+    /// Whether the frame may be shown larger than its original size.
     void setEnlarging(bool on);
 
-    /// The present picture in its own pixels.
-    QImage picture();
-    /// Where the picture is in the widget.
-    QRectF pictureRect() const;
+    /// The current frame in its original size, in physical pixels.
+    QImage frame();
+    /// Where the frame is shown in the widget.
+    QRectF frameRect() const;
 
     QSize sizeHint() const override;
 
 public slots:
-    /// The recording may show something else now.
+    /// Repaints if the recording shows something else.
     void refresh();
 
 signals:
@@ -41,12 +40,12 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
 
 private:
-    const QImage &scaledPicture(const QSize &pixels);
+    const QImage &scaledFrame(const QSize &pixels);
 
     KelPlaybackTrackManager *const m_manager;
-    QImage m_picture;
-    QImage m_scaled;        ///< of another size than the picture, or null
-    quint64 m_revision = 0; ///< of the recording's picture in m_picture
+    QImage m_frame;
+    QImage m_scaled;        ///< null when the frame is shown in its original size
+    quint64 m_revision = 0; ///< revision of m_frame, see KelPlaybackTrackManager::pictureRevision()
     bool m_isEnlarging = false;
-    bool m_showsFocus = false; ///< it came by the keyboard, and a keyboard's user has to see it
+    bool m_showsFocus = false; ///< the focus came by the keyboard
 };

@@ -1,7 +1,7 @@
 #include "play/PlaybackStrip.h"
 
 #include "play/player/Player.h"
-#include "widgets/StripButton.h"
+#include "widgets/FlatButton.h"
 
 #include <KelMovie/PlayProgressBar.h>
 #include <KelMovie/PlaySpeedLabel.h>
@@ -15,15 +15,15 @@ PlaybackStrip::PlaybackStrip(Player *player, QWidget *parent)
     : KelPlayCtrlWidget(parent)
     , m_player(player)
 {
-    setAttribute(Qt::WA_StyledBackground); // it may lie over the picture
-    joinTimeline();
+    setAttribute(Qt::WA_StyledBackground); // in full screen it overlays the canvas
+    connectTimeline();
     addSpeed();
     addTrimMenu();
-    addPictureMenu();
+    addFrameMenu();
     addButtons();
 }
 
-void PlaybackStrip::joinTimeline()
+void PlaybackStrip::connectTimeline()
 {
     PlayProgressBar *const bar = progressBar();
     setDuration(m_player->clock().durationMs());
@@ -39,7 +39,7 @@ void PlaybackStrip::joinTimeline()
     connect(this, &KelPlayCtrlWidget::sigPlayTimeChanged, m_player, &Player::seekToMs);
     connect(this, &KelPlayCtrlWidget::sigPlayRangeChanged, m_player, [this](int startMs, int endMs, int type) {
         m_player->setRange(startMs, endMs);
-        m_player->seekToMs(type == 0 ? startMs : endMs); // one sees where the cut will be
+        m_player->seekToMs(type == 0 ? startMs : endMs); // shows the frame at which the recording will be cut
     });
     connect(bar, &PlayProgressBar::sigPlayTimePress, m_player, &Player::beginScrub);
     connect(bar, &PlayProgressBar::sigPlayTimeRelease, m_player, &Player::endScrub);
@@ -57,9 +57,9 @@ void PlaybackStrip::addSpeed()
 
 void PlaybackStrip::addTrimMenu()
 {
-    QPushButton *const button = stripButton(Glyph::Trim, tr("Trim"), this);
+    QPushButton *const button = createStripButton(Glyph::Trim, tr("Trim"), this);
     auto *const menu = new QMenu(button);
-    menu->addAction(tr("&Begin Here\tI"), m_player, &Player::trimStartHere);
+    menu->addAction(tr("&Start Here\tI"), m_player, &Player::trimStartHere);
     menu->addAction(tr("&End Here\tO"), m_player, &Player::trimEndHere);
     QAction *const reset = menu->addAction(tr("&Whole Recording"), m_player, &Player::resetRange);
     connect(menu, &QMenu::aboutToShow, reset, [=] { reset->setEnabled(m_player->isTrimmed()); });
@@ -67,24 +67,24 @@ void PlaybackStrip::addTrimMenu()
     addControl(button);
 }
 
-void PlaybackStrip::addPictureMenu()
+void PlaybackStrip::addFrameMenu()
 {
-    QPushButton *const button = stripButton(Glyph::Camera, tr("Present picture"), this);
+    QPushButton *const button = createStripButton(Glyph::Camera, tr("Save or copy this frame"), this);
     auto *const menu = new QMenu(button);
-    menu->addAction(tr("&Save Picture...\tCtrl+S"), this, &PlaybackStrip::savePictureRequested);
-    menu->addAction(tr("&Copy Picture\tCtrl+C"), this, &PlaybackStrip::copyPictureRequested);
+    menu->addAction(tr("&Save Frame...\tCtrl+S"), this, &PlaybackStrip::saveFrameRequested);
+    menu->addAction(tr("&Copy Frame\tCtrl+C"), this, &PlaybackStrip::copyFrameRequested);
     button->setMenu(menu);
     addControl(button);
 }
 
 void PlaybackStrip::addButtons()
 {
-    QPushButton *const fullScreen = stripButton(Glyph::FullScreen, tr("Full screen (F)"), this);
+    QPushButton *const fullScreen = createStripButton(Glyph::FullScreen, tr("Full screen (F)"), this);
     connect(fullScreen, &QPushButton::clicked, this, &PlaybackStrip::fullScreenRequested);
-    m_settings = stripButton(Glyph::Settings, tr("Settings of picture and sound"), this);
+    m_settings = createStripButton(Glyph::Settings, tr("Playback settings"), this);
     m_settings->setCheckable(true);
     connect(m_settings, &QPushButton::clicked, this, &PlaybackStrip::settingsToggled);
-    QPushButton *const again = stripButton(Glyph::Rerecord, tr("Record again"), this);
+    QPushButton *const again = createStripButton(Glyph::Rerecord, tr("Record again"), this);
     connect(again, &QPushButton::clicked, this, &PlaybackStrip::recordAgainRequested);
     auto *const exporting = new QPushButton(tr("Export..."), this);
     exporting->setObjectName(QStringLiteral("PrimaryButton"));

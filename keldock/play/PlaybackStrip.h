@@ -5,8 +5,8 @@
 class Player;
 class QPushButton;
 
-/// The strip under the picture, joined to a player: timeline with trim range, play, time, speed, and buttons for what
-/// else can be done. The window carries it out.
+/// The strip below a recording: timeline with the trim range, play button, time and speed, which control the player,
+/// and buttons whose actions the owner carries out. GUI thread.
 class PlaybackStrip : public KelPlayCtrlWidget
 {
     Q_OBJECT
@@ -18,18 +18,18 @@ public:
     void setSettingsShown(bool shown);
 
 signals:
-    void savePictureRequested();
-    void copyPictureRequested();
+    void saveFrameRequested();
+    void copyFrameRequested();
     void fullScreenRequested();
     void settingsToggled(bool shown);
     void recordAgainRequested();
     void exportRequested();
 
 private:
-    void joinTimeline();
+    void connectTimeline();
     void addSpeed();
     void addTrimMenu();
-    void addPictureMenu();
+    void addFrameMenu();
     void addButtons();
 
     Player *const m_player;

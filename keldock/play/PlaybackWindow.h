@@ -1,31 +1,36 @@
 #pragma once
 
+#include "play/DirectoryWatch.h"
+
+#include <KelMovie/KelMultiTrackRecorder.h>
+
 #include <QMainWindow>
 
-#include <memory>
+class MessagePage;
+class PlaybackPage;
+class QStackedWidget;
 
-/// One recording: watched, trimmed, restyled and exported. Several may be open at a time.
+/// Plays, trims, restyles and exports one recording. Several of these windows may be open at the same time. GUI thread.
 ///
-/// Keys: Space plays and pauses, Left and Right step a frame, with Shift a second, Home and End go to the ends of the
-/// range, I and O put its ends here, + and - change the speed, F is full screen, Escape ends it; Ctrl+E exports, Ctrl+S
-/// saves the picture, Ctrl+C copies it.
+/// Keys: Space plays and pauses; Left and Right step by one frame, with Shift by one second; Home and End go to the
+/// ends of the trim range, I and O set them to the current frame; + and - change the speed; F toggles full screen,
+/// Escape leaves it; Ctrl+E exports, Ctrl+S saves the frame, Ctrl+C copies it.
 class PlaybackWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    /// Loads the recording; one that cannot be shown is told in the window.
+    /// Loads the recording. If it cannot be played, the window says why.
     explicit PlaybackWindow(const QString &recordingDir, QWidget *parent = nullptr);
     ~PlaybackWindow() override;
 
-    QString recordingDir() const;
+    QString recordingDir() const { return m_dir; }
 
-    /// The recording was just made: after an export the user is asked whether to be done with it, which closes the
-    /// window.
+    /// The recording was just made: after an export the user is asked whether to close it, which closes the window.
     void setFromRecording(bool on);
 
 signals:
-    /// The user wants to record anew; the window stays.
+    /// The user wants to make another recording; this window stays open.
     void recordAgainRequested();
 
 protected:
@@ -38,16 +43,19 @@ private:
     void createMessagePage();
     void createPlaybackPage();
     void addShortcuts();
-    void showLost();
-    void showAgain();
-    void showHints();
-    void exportRecording();
-    void savePicture();
-    void copyPicture();
-    void setSettingsShown(bool shown);
+    void showMessage(const QString &title, const QString &detail);
+    void handleDirectoryLost();
+    void handleDirectoryBack();
+    void showMetadataNotice();
+    bool isPlaybackShown() const;
     void toggleFullScreen();
-    void restorePlace();
+    void restoreWindowGeometry();
 
-    class Private;
-    std::unique_ptr<Private> d;
+    const QString m_dir;
+    KelMultiTrackRecorder m_recorder; // owns the loaded recording
+    DirectoryWatch m_watch;
+    bool m_isFromRecording = false;
+    QStackedWidget *const m_pages;
+    MessagePage *m_message = nullptr;
+    PlaybackPage *m_playback = nullptr; // null while there is nothing to play
 };

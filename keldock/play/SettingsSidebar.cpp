@@ -38,25 +38,22 @@ SettingsSidebar::SettingsSidebar(KelPlaybackTrackManager *manager, QWidget *pare
     setObjectName(QStringLiteral("SettingsSidebar"));
     auto *const tabs = new QTabWidget(this);
     tabs->setDocumentMode(true);
-    tabs->setAccessibleName(tr("Settings of the picture and the sound"));
+    tabs->setAccessibleName(tr("Playback settings"));
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(tabs);
 
     const KelRecordingMetadata &recorded = manager->metadata();
-    // What the next recording takes up is no matter of this one.
+    // Without the settings for future recordings.
     if (recorded.mouseTrack) {
-        addTab<CursorSettingsPanel>(tabs, tr("Pointer"), tr("The pointer and its clicks"), manager)
-            ->setRecordingShown(false);
+        addTab<CursorSettingsPanel>(tabs, tr("Pointer"), tr("Pointer and clicks"), manager)->setRecordingShown(false);
     }
     if (recorded.keyboardTrack) {
-        addTab<KeyboardSettingsPanel>(tabs, tr("Keys"), tr("The keys that were pressed"), manager)
-            ->setRecordingShown(false);
+        addTab<KeyboardSettingsPanel>(tabs, tr("Keys"), tr("Keystrokes"), manager)->setRecordingShown(false);
     }
-    addTab<ProgressSettingsPanel>(tabs, tr("Time"), tr("The time over the picture"), manager);
+    addTab<ProgressSettingsPanel>(tabs, tr("Time"), tr("Time display"), manager);
     if (manager->voiceTrack()) {
-        auto *const sound =
-            addTab<AudioSettingsPanel>(tabs, tr("Sound"), tr("What the computer played, and the microphone"), manager);
+        auto *const sound = addTab<AudioSettingsPanel>(tabs, tr("Sound"), tr("System sound and microphone"), manager);
         sound->setPlaybackManager(manager);
         sound->setRecordingShown(false);
     }

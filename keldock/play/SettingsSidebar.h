@@ -4,7 +4,8 @@
 
 class KelPlaybackTrackManager;
 
-/// The settings of what is painted over a recording and of its sound; every change is seen at once.
+/// The settings for the sound of a recording and for what is painted over it. Changes take effect immediately. GUI
+/// thread.
 class SettingsSidebar : public QFrame
 {
     Q_OBJECT

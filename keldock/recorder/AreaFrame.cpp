@@ -1,12 +1,14 @@
 #include "recorder/AreaFrame.h"
 
+#include "widgets/DockColors.h"
+
 #include <QPainter>
 
 namespace
 {
 
-constexpr int Gap = 1; // to the area, so that no rounding of a scaled screen brings the frame into the picture
-constexpr int Thickness = 3;
+constexpr int kGap = 1; // keeps the frame out of the recording when a scaled screen rounds coordinates
+constexpr int kThickness = 3;
 
 } // namespace
 
@@ -19,16 +21,16 @@ AreaFrame::AreaFrame(QWidget *parent)
     setWindowTitle(tr("Recorded area"));
 }
 
-void AreaFrame::frame(const QRect &area)
+void AreaFrame::showAround(const QRect &area)
 {
     if (area.isEmpty()) {
         hide();
         return;
     }
-    const int margin = Gap + Thickness;
+    const int margin = kGap + kThickness;
     setGeometry(area.adjusted(-margin, -margin, margin, margin));
-    const QRect hole = rect().adjusted(Thickness, Thickness, -Thickness, -Thickness);
-    // Not translucent: that takes a compositor. The middle is no part of the window at all.
+    const QRect hole = rect().adjusted(kThickness, kThickness, -kThickness, -kThickness);
+    // A mask rather than a translucent window, which needs a compositor.
     setMask(QRegion(rect()) - hole);
     show();
     raise();
@@ -43,16 +45,15 @@ void AreaFrame::setLook(Look look)
 void AreaFrame::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    const QColor color = m_look == Look::Recording ? QColor(0xe1, 0x3d, 0x30)
-                         : m_look == Look::Paused  ? QColor(0xe8, 0xa3, 0x3d)
-                                                   : QColor(0x33, 0x88, 0xff);
-    painter.fillRect(rect(), color);
+    painter.fillRect(rect(), QColor(m_look == Look::Recording ? DockColors::kRecording
+                                    : m_look == Look::Paused  ? DockColors::kPaused
+                                                              : DockColors::kReady));
     if (m_look == Look::Recording)
         return;
-    painter.setPen(QPen(Qt::white, Thickness, Qt::CustomDashLine, Qt::FlatCap));
+    painter.setPen(QPen(Qt::white, kThickness, Qt::CustomDashLine, Qt::FlatCap));
     QPen pen = painter.pen();
     pen.setDashPattern({3, 3});
     painter.setPen(pen);
-    const int half = Thickness / 2;
+    const int half = kThickness / 2;
     painter.drawRect(rect().adjusted(half, half, -half - 1, -half - 1));
 }

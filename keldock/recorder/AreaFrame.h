@@ -2,8 +2,8 @@
 
 #include <QWidget>
 
-/// A frame around the recorded area. It stands outside of it, so that it is never in the picture, and clicks go
-/// through. GUI thread.
+/// A frame around the area to record. It lies just outside the area, so it is never recorded, and mouse clicks pass
+/// through it. GUI thread.
 class AreaFrame : public QWidget
 {
     Q_OBJECT
@@ -13,7 +13,8 @@ public:
 
     explicit AreaFrame(QWidget *parent = nullptr);
 
-    void frame(const QRect &area);
+    /// Shows the frame around an area in logical pixels of the desktop. An empty area hides it.
+    void showAround(const QRect &area);
     void setLook(Look look);
 
 protected:

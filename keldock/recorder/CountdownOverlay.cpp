@@ -11,21 +11,21 @@
 namespace
 {
 
-constexpr int Width = 320;
-constexpr int Height = 220;
-constexpr int Radius = 20;
+constexpr int kWidth = 320;
+constexpr int kHeight = 220;
+constexpr int kRadius = 20;
 
 } // namespace
 
 CountdownOverlay::CountdownOverlay(QWidget *parent)
     : QWidget(parent, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::Dialog)
 {
-    setWindowTitle(tr("Recording starts"));
+    setWindowTitle(tr("Recording starts soon"));
     setAttribute(Qt::WA_QuitOnClose, false);
     setFocusPolicy(Qt::StrongFocus);
 }
 
-void CountdownOverlay::count(int secondsLeft, const QRect &area, const QString &hint)
+void CountdownOverlay::showSeconds(int secondsLeft, const QRect &area, const QString &hint)
 {
     m_secondsLeft = secondsLeft;
     m_hint = hint;
@@ -33,12 +33,12 @@ void CountdownOverlay::count(int secondsLeft, const QRect &area, const QString &
         hide();
         return;
     }
-    setAccessibleName(tr("Recording starts in %1 s").arg(secondsLeft));
+    setAccessibleName(tr("Recording starts in %n second(s)", nullptr, secondsLeft));
     const int lineWidth = fontMetrics().size(0, hint).width() + int(40 * scaleFactor(this));
-    const QSize size(std::max(int(Width * scaleFactor(this)), lineWidth), int(Height * scaleFactor(this)));
+    const QSize size(std::max(int(kWidth * scaleFactor(this)), lineWidth), int(kHeight * scaleFactor(this)));
     setGeometry(QRect(area.center() - QPoint(size.width() / 2, size.height() / 2), size));
     QPainterPath shape;
-    shape.addRoundedRect(rect(), Radius * scaleFactor(this), Radius * scaleFactor(this));
+    shape.addRoundedRect(rect(), kRadius * scaleFactor(this), kRadius * scaleFactor(this));
     setMask(QRegion(shape.toFillPolygon().toPolygon()));
     if (!isVisible()) {
         show();

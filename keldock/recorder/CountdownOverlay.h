@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-/// The seconds until a recording starts, large, in the middle of its area. GUI thread.
+/// Counts the seconds until a recording starts, in the center of its area. GUI thread.
 class CountdownOverlay : public QWidget
 {
     Q_OBJECT
@@ -10,11 +10,11 @@ class CountdownOverlay : public QWidget
 public:
     explicit CountdownOverlay(QWidget *parent = nullptr);
 
-    /// 0 makes it vanish. `hint` stands below the number.
-    void count(int secondsLeft, const QRect &area, const QString &hint);
+    /// Shows the number with `hint` below it; 0 hides the overlay.
+    void showSeconds(int secondsLeft, const QRect &area, const QString &hint);
 
 signals:
-    /// The person does not want to record after all.
+    /// The user has pressed Escape or clicked.
     void cancelled();
 
 protected:

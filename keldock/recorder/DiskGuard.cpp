@@ -9,8 +9,8 @@
 namespace
 {
 
-constexpr int IntervalMs = 2000;
-constexpr qint64 SteadyAfterMs = 5000; // before, the first full picture makes the rate look much too high
+constexpr int kIntervalMs = 2000;
+constexpr qint64 kRateSettleMs = 5000; // the first full frame makes the rate look much too high
 
 QString existingParent(QString dir)
 {
@@ -25,14 +25,14 @@ DiskGuard::DiskGuard(QObject *parent)
     : QObject(parent)
     , m_reader([this](const QString &dir) { return readDisk(dir); })
 {
-    m_timer.setInterval(IntervalMs);
+    m_timer.setInterval(kIntervalMs);
     connect(&m_timer, &QTimer::timeout, this, &DiskGuard::check);
 }
 
 bool DiskGuard::hasRoom(const QString &dir) const
 {
     const qint64 freeBytes = m_reader(dir).freeBytes;
-    return freeBytes < 0 || freeBytes >= StopBytes;
+    return freeBytes < 0 || freeBytes >= kStopBytes;
 }
 
 void DiskGuard::watch(const QString &dir)
@@ -60,16 +60,16 @@ void DiskGuard::check()
     }
     if (reading.freeBytes < 0)
         return;
-    if (reading.freeBytes < StopBytes) {
+    if (reading.freeBytes < kStopBytes) {
         m_timer.stop();
         emit full();
         return;
     }
-    const bool isRateKnown = reading.elapsedMs >= SteadyAfterMs && reading.usedBytes > 0;
-    const double secondsLeft = isRateKnown ? double(reading.freeBytes - StopBytes) * double(reading.elapsedMs) / 1000 /
+    const bool isRateKnown = reading.elapsedMs >= kRateSettleMs && reading.usedBytes > 0;
+    const double secondsLeft = isRateKnown ? double(reading.freeBytes - kStopBytes) * double(reading.elapsedMs) / 1000 /
                                                  double(reading.usedBytes)
                                            : -1;
-    if (!m_hasWarned && (reading.freeBytes < WarningBytes || (isRateKnown && secondsLeft < WarningSeconds))) {
+    if (!m_hasWarned && (reading.freeBytes < kWarningBytes || (isRateKnown && secondsLeft < kWarningSeconds))) {
         m_hasWarned = true;
         emit low(reading.freeBytes, qint64(secondsLeft));
     }

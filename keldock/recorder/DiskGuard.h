@@ -6,44 +6,46 @@
 #include <QTimer>
 
 #include <functional>
+#include <utility>
 
-/// Watches the room on the disk that a recording goes to, so that it ends before the disk is full. GUI thread.
+/// Watches the free disk space during a recording, so that it can be stopped before the disk is full. GUI thread.
 class DiskGuard : public QObject
 {
     Q_OBJECT
 
 public:
     struct Reading {
-        qint64 freeBytes = -1; ///< below 0: not known
-        qint64 usedBytes = 0;  ///< by the recording so far
-        qint64 elapsedMs = 0;  ///< since the recording began
-        bool exists = true;    ///< the recording's directory
+        qint64 freeBytes = -1; ///< negative: unknown
+        qint64 usedBytes = 0;  ///< size of the recording so far
+        qint64 elapsedMs = 0;  ///< since the recording started
+        bool exists = true;    ///< whether the directory of the recording exists
     };
 
-    static constexpr qint64 WarningBytes = 2'000'000'000;
-    static constexpr qint64 WarningSeconds = 5 * 60;
-    static constexpr qint64 StopBytes = 200'000'000;
+    static constexpr qint64 kWarningBytes = 2'000'000'000;
+    static constexpr qint64 kWarningSeconds = 5 * 60;
+    static constexpr qint64 kStopBytes = 200'000'000;
 
     explicit DiskGuard(QObject *parent = nullptr);
 
-    /// Replaces the look at the real disk.
+    /// Replaces the function that examines the disk.
     void setReader(std::function<Reading(const QString &dir)> reader) { m_reader = std::move(reader); }
 
-    /// Whether a recording can begin: for a directory that need not exist yet.
+    /// Whether there is enough space to start a recording in `dir`, which need not exist yet.
     bool hasRoom(const QString &dir) const;
 
-    /// Looks at the disk every other second from now on.
+    /// Checks the disk immediately and then every two seconds until stop().
     void watch(const QString &dir);
     void stop();
+    /// Checks the disk now.
     void check();
 
 signals:
-    /// Less room than WarningBytes, or than WarningSeconds will take at the present rate. Once for a recording.
-    /// `secondsLeft` is below 0 where the rate is not known yet.
+    /// Less than kWarningBytes are free, or the space lasts less than kWarningSeconds at the current data rate. Emitted
+    /// at most once per recording. `secondsLeft` is negative while the rate is unknown.
     void low(qint64 freeBytes, qint64 secondsLeft);
-    /// The recording has to end now.
+    /// Less than kStopBytes are free: the recording has to stop now.
     void full();
-    /// Somebody has deleted the directory, or moved it away.
+    /// The directory of the recording was deleted or moved.
     void directoryLost();
 
 private:

@@ -2,6 +2,8 @@
 
 #include "settings/DockSettings.h"
 
+#include <QStringList>
+
 using namespace kel;
 
 GlobalShortcuts::GlobalShortcuts(QObject *parent)
@@ -14,20 +16,21 @@ GlobalShortcuts::GlobalShortcuts(QObject *parent)
 
 QString GlobalShortcuts::apply(const DockSettings &settings)
 {
-    suspend(); // one may want what another one had
+    suspend(); // a key combination may have moved to another shortcut
     QStringList problems;
-    const auto take = [&](GlobalShortcut &shortcut, const QString &text) {
+    const auto assign = [&](GlobalShortcut &shortcut, const QString &text) {
         const QKeySequence keys(text, QKeySequence::PortableText);
-        const bool isTwice = !keys.isEmpty() && (keys == m_record.keys() || keys == m_pause.keys());
-        if (isTwice)
-            problems += tr("%1 is used twice.").arg(keys.toString(QKeySequence::NativeText));
+        const bool isDuplicate = !keys.isEmpty() && (keys == m_record.keys() || keys == m_pause.keys());
+        if (isDuplicate)
+            problems += tr("%1 is assigned twice.").arg(keys.toString(QKeySequence::NativeText));
         else if (!shortcut.setKeys(keys))
-            problems += tr("%1 does not work everywhere: %2", "%1 is a key combination, %2 a sentence that says why")
-                            .arg(keys.toString(QKeySequence::NativeText), shortcut.errorString());
+            problems +=
+                tr("%1 does not work in every program: %2", "%1 is a key combination, %2 a sentence with the reason")
+                    .arg(keys.toString(QKeySequence::NativeText), shortcut.errorString());
     };
-    take(m_record, settings.recordKeys);
-    take(m_pause, settings.pauseKeys);
-    take(m_stop, settings.stopKeys);
+    assign(m_record, settings.recordKeys);
+    assign(m_pause, settings.pauseKeys);
+    assign(m_stop, settings.stopKeys);
     return problems.join(QLatin1Char('\n'));
 }
 

@@ -2,12 +2,13 @@
 
 #include "keymouse/GlobalShortcut.h"
 
+#include <QKeySequence>
 #include <QObject>
 #include <QString>
 
 struct DockSettings;
 
-/// The keys that record, pause and stop whichever program has the focus. GUI thread.
+/// The shortcuts to record, pause and stop that work in every program. GUI thread.
 class GlobalShortcuts : public QObject
 {
     Q_OBJECT
@@ -15,11 +16,11 @@ class GlobalShortcuts : public QObject
 public:
     explicit GlobalShortcuts(QObject *parent = nullptr);
 
-    /// Takes the keys of the settings. Answers which of them cannot be had and why, a line each; empty when all work.
+    /// Registers the shortcuts of the settings. Returns one line for each that does not work; empty if all do.
     QString apply(const DockSettings &settings);
-    /// Empty when they do not work.
+    /// The shortcut that stops; empty if it does not work.
     QKeySequence stopKeys() const { return m_stop.keys(); }
-    /// Lets go of all.
+    /// Unregisters all shortcuts until the next apply().
     void suspend();
 
 signals:

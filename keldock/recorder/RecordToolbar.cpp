@@ -1,13 +1,14 @@
 #include "recorder/RecordToolbar.h"
 
-#include "dockicon/KelDockIcon.h"
 #include "recorder/SwitchButton.h"
 #include "recorder/ToolbarPlacement.h"
+#include "recorder/TrackSwitches.h"
 #include "style/KelStyleTheme.h"
+#include "widget/ScaleFactor.h"
+#include "widgets/DockStyle.h"
+#include "widgets/FlatButton.h"
 
-#include <KelMovie/KelConfigIO.h>
 #include <KelMovie/KelMovieConfig.h>
-#include <KelMovie/KelMovieConfigKeys.h>
 #include <KelMovie/KelRecordButton.h>
 #include <KelMovie/KelRecordFpsLabel.h>
 #include <KelMovie/KelRecordPauseButton.h>
@@ -18,6 +19,7 @@
 #include <QHBoxLayout>
 #include <QMouseEvent>
 #include <QPainterPath>
+#include <QPushButton>
 #include <QScreen>
 
 using KelDockIcon::Glyph;
@@ -26,26 +28,15 @@ using State = RecordingController::State;
 namespace
 {
 
-enum Display { Everything, Essentials }; // of recordRecordToolbarDisplayType
+constexpr int kEssentials = 1; // of recordRecordToolbarDisplayType
+constexpr int kCornerRadius = 8;
 
-QPushButton *createButton(Glyph glyph, const QString &action, QWidget *parent)
+QVector<QRect> availableGeometries()
 {
-    auto *const button = new QPushButton(KelDockIcon::text(glyph), parent);
-    button->setFlat(true);
-    button->setFocusPolicy(Qt::TabFocus);
-    button->setToolTip(action);
-    button->setAccessibleName(action);
-    button->setCursor(Qt::PointingHandCursor);
-    KelStyleTheme::instance()->appleStyleTo(button, {QStringLiteral(":/KelMovie/GlyphButton")});
-    return button;
-}
-
-QVector<QRect> usableScreens()
-{
-    QVector<QRect> screens;
+    QVector<QRect> geometries;
     for (const QScreen *screen : QGuiApplication::screens())
-        screens.append(screen->availableGeometry());
-    return screens;
+        geometries.append(screen->availableGeometry());
+    return geometries;
 }
 
 QFrame *createSeparator(QWidget *parent)
@@ -58,208 +49,136 @@ QFrame *createSeparator(QWidget *parent)
 
 } // namespace
 
-class RecordToolbar::Private
-{
-public:
-    explicit Private(RecordToolbar *q)
-        : controls(new QWidget(q))
-        , record(new KelRecordButton(controls))
-        , pause(new KelRecordPauseButton(controls))
-        , time(new KelRecordTimeLable(q))
-        , fps(new KelRecordFpsLabel(q))
-    {
-    }
-
-    SwitchButton *createSwitch(RecordToolbar *q, const QString &name, const SwitchButton::Face &on,
-                               const SwitchButton::Face &off, const QString &key, bool KelMovieConfig::*field);
-
-    struct Switch {
-        SwitchButton *button;
-        bool KelMovieConfig::*field;
-    };
-
-    QWidget *const controls; // those with the module's colours
-    KelRecordButton *const record;
-    KelRecordPauseButton *const pause;
-    KelRecordTimeLable *const time;
-    KelRecordFpsLabel *const fps;
-    QVector<Switch> switches;
-    SwitchButton *systemAudio = nullptr;
-    SwitchButton *microphone = nullptr;
-    SwitchButton *mouse = nullptr;
-    SwitchButton *keys = nullptr;
-    QPushButton *area = nullptr;
-    QVector<QWidget *> extras; // what a toolbar with the essentials lacks
-    State state = State::Idle;
-    QPoint grabbedAt;
-};
-
-SwitchButton *RecordToolbar::Private::createSwitch(RecordToolbar *q, const QString &name, const SwitchButton::Face &on,
-                                                   const SwitchButton::Face &off, const QString &key,
-                                                   bool KelMovieConfig::*field)
-{
-    auto *const button = new SwitchButton(name, on, off, q);
-    QObject::connect(button, &SwitchButton::switched, q, [this, q, button, key](bool isOn) {
-        // What is switched while recording counts for that recording alone.
-        if (state == State::Recording || state == State::Paused) {
-            if (button == keys)
-                emit q->keysSwitched(isOn);
-            else
-                emit q->mouseSwitched(isOn);
-        } else {
-            gKelMovieConfigIO->saveBool(key, isOn);
-        }
-    });
-    switches.append({button, field});
-    return button;
-}
-
 RecordToolbar::RecordToolbar(QWidget *parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
-    , d(std::make_unique<Private>(this))
+    , m_recordButtons(new QWidget(this))
+    , m_record(new KelRecordButton(m_recordButtons))
+    , m_pause(new KelRecordPauseButton(m_recordButtons))
+    , m_time(new KelRecordTimeLable(this))
+    , m_fps(new KelRecordFpsLabel(this))
+    , m_switches(new TrackSwitches(this))
 {
     setObjectName(QStringLiteral("RecordToolbar"));
     setWindowTitle(tr("Screen recorder"));
     setAttribute(Qt::WA_StyledBackground);
+    layOut();
+    applyDockStyle(this, QStringLiteral("Bar"));
+    connectRecordButtons();
+    connect(m_switches, &TrackSwitches::keysSwitched, this, &RecordToolbar::keysSwitched);
+    connect(m_switches, &TrackSwitches::mouseSwitched, this, &RecordToolbar::mouseSwitched);
+    showState(State::Idle);
+}
 
-    d->systemAudio = d->createSwitch(
-        this, tr("System sound"), {Glyph::Speaker, tr("System sound is recorded. Click to leave it out")},
-        {Glyph::SpeakerOff, tr("System sound is not recorded. Click to record it")},
-        KelMovieConfigKeys::kRecordRecordSystemAudio, &KelMovieConfig::recordRecordSystemAudio);
-    d->microphone = d->createSwitch(
-        this, tr("Microphone"), {Glyph::Microphone, tr("The microphone is recorded. Click to leave it out")},
-        {Glyph::MicrophoneOff, tr("The microphone is not recorded. Click to record it")},
-        KelMovieConfigKeys::kRecordRecordMicrophone, &KelMovieConfig::recordRecordMicrophone);
-    d->mouse = d->createSwitch(this, tr("Mouse"), {Glyph::Mouse, tr("The mouse is recorded. Click to leave it out")},
-                               {Glyph::Mouse, tr("The mouse is not recorded. Click to record it")},
-                               KelMovieConfigKeys::kRecordMouse, &KelMovieConfig::recordMouse);
-    d->keys = d->createSwitch(
-        this, tr("Keys"),
-        {Glyph::Keyboard, tr("Keys are recorded, passwords too. Click before you type what nobody shall see")},
-        {Glyph::KeyboardOff, tr("Keys are not recorded. Click to record them")}, KelMovieConfigKeys::kRecordKeyboard,
-        &KelMovieConfig::recordKeyboard);
-    d->area = createButton(Glyph::Area, tr("Choose the area to record"), this);
-    QPushButton *const recordings = createButton(Glyph::Folder, tr("Recordings"), this);
-    QPushButton *const settings = createButton(Glyph::Settings, tr("Settings"), this);
-    QPushButton *const minimize = createButton(Glyph::ChevronDown, tr("Hide the toolbar"), this);
-    QPushButton *const close = createButton(Glyph::Close, tr("Close"), this);
+void RecordToolbar::layOut()
+{
+    m_area = addButton(Glyph::Area, tr("Choose the area to record"), &RecordToolbar::areaRequested);
+    QPushButton *const recordings = addButton(Glyph::Folder, tr("Recordings"), &RecordToolbar::recordingsRequested);
+    QPushButton *const settings = addButton(Glyph::Settings, tr("Settings"), &RecordToolbar::settingsRequested);
+    QPushButton *const minimize = addButton(Glyph::ChevronDown, tr("Hide toolbar"), &RecordToolbar::minimizeRequested);
+    QPushButton *const close = addButton(Glyph::Close, tr("Close"), &RecordToolbar::closeRequested);
+    QFrame *const beforeRecordings = createSeparator(this);
 
-    auto *const controls = new QHBoxLayout(d->controls);
-    controls->setContentsMargins(0, 0, 0, 0);
-    controls->setSpacing(2);
-    controls->addWidget(d->record);
-    controls->addWidget(d->pause);
-    KelStyleTheme::instance()->appleStyleTo(d->controls, {QStringLiteral(":/KelMovie/KelPlayCtrlWidget")});
+    auto *const recordButtons = new QHBoxLayout(m_recordButtons);
+    recordButtons->setContentsMargins(0, 0, 0, 0);
+    recordButtons->setSpacing(2);
+    recordButtons->addWidget(m_record);
+    recordButtons->addWidget(m_pause);
+    KelStyleTheme::instance()->appleStyleTo(m_recordButtons, {QStringLiteral(":/KelMovie/KelPlayCtrlWidget")});
+
+    QVector<QWidget *> controls{m_recordButtons, m_time, m_fps, createSeparator(this), m_area};
+    QVector<QWidget *> tabOrder{m_record, m_pause, m_time, m_fps, m_area};
+    for (SwitchButton *button : m_switches->buttons()) {
+        controls.append(button);
+        tabOrder.append(button);
+    }
+    controls += {beforeRecordings, recordings, settings, createSeparator(this), minimize, close};
+    tabOrder += {recordings, settings, minimize, close};
 
     auto *const layout = new QHBoxLayout(this);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->setContentsMargins(8, 6, 8, 6);
     layout->setSpacing(2);
-    QFrame *const beforeFps = createSeparator(this);
-    QFrame *const beforeClose = createSeparator(this);
-    for (QWidget *widget : std::initializer_list<QWidget *>{
-             d->controls, d->time, d->fps, createSeparator(this), d->area, d->systemAudio, d->microphone, d->mouse,
-             d->keys, beforeFps, recordings, settings, beforeClose, minimize, close})
+    for (QWidget *widget : qAsConst(controls))
         layout->addWidget(widget);
-    QWidget *before = d->record;
-    for (QWidget *widget :
-         std::initializer_list<QWidget *>{d->pause, d->time, d->fps, d->area, d->systemAudio, d->microphone, d->mouse,
-                                          d->keys, recordings, settings, minimize, close}) {
-        setTabOrder(before, widget);
-        before = widget;
-    }
-    d->extras = {d->fps, beforeFps, recordings, d->mouse};
-    KelStyleTheme::instance()->appleStyleTo(this, {QStringLiteral(":/keldock/Bar")});
+    for (int i = 1; i < tabOrder.size(); ++i)
+        setTabOrder(tabOrder.at(i - 1), tabOrder.at(i));
+    m_extras = {m_fps, beforeRecordings, recordings, m_switches->mouseButton()};
+}
 
-    connect(d->record, &KelRecordButton::sigRecordStateChanged, this, [this](bool isRecording) {
-        // The look follows the controller, which may refuse.
-        d->record->setRecording(d->state != State::Idle);
+QPushButton *RecordToolbar::addButton(Glyph glyph, const QString &action, void (RecordToolbar::*request)())
+{
+    QPushButton *const button = createBarButton(glyph, action, this);
+    connect(button, &QPushButton::clicked, this, request);
+    return button;
+}
+
+/// The module's buttons change their look by themselves. Here they follow the controller, which may refuse a request.
+void RecordToolbar::connectRecordButtons()
+{
+    connect(m_record, &KelRecordButton::sigRecordStateChanged, this, [this](bool isRecording) {
+        m_record->setRecording(m_state != State::Idle);
         if (isRecording)
             emit recordRequested();
         else
             emit stopRequested();
     });
-    connect(d->pause, &KelRecordPauseButton::sigPauseStateChanged, this, [this] {
-        d->pause->setPause(d->state == State::Paused);
+    connect(m_pause, &KelRecordPauseButton::sigPauseStateChanged, this, [this] {
+        m_pause->setPause(m_state == State::Paused);
         emit pauseRequested();
     });
-    connect(d->area, &QPushButton::clicked, this, &RecordToolbar::areaRequested);
-    connect(recordings, &QPushButton::clicked, this, &RecordToolbar::recordingsRequested);
-    connect(settings, &QPushButton::clicked, this, &RecordToolbar::settingsRequested);
-    connect(minimize, &QPushButton::clicked, this, &RecordToolbar::minimizeRequested);
-    connect(close, &QPushButton::clicked, this, &RecordToolbar::closeRequested);
-    refresh();
-    showState(State::Idle);
 }
-
-RecordToolbar::~RecordToolbar() = default;
 
 void RecordToolbar::refresh()
 {
-    for (const Private::Switch &one : qAsConst(d->switches)) {
-        if (d->state == State::Idle)
-            one.button->setOn(gKelMovieConfig.*one.field);
-    }
-    d->time->updateText();
-    d->fps->updateText();
-    for (QWidget *extra : qAsConst(d->extras))
-        extra->setVisible(gKelMovieConfig.recordRecordToolbarDisplayType != Essentials);
+    m_switches->refresh();
+    m_time->updateText();
+    m_fps->updateText();
+    for (QWidget *extra : qAsConst(m_extras))
+        extra->setVisible(gKelMovieConfig.recordRecordToolbarDisplayType != kEssentials);
 }
 
 void RecordToolbar::showState(State state)
 {
-    d->state = state;
+    m_state = state;
     const bool isIdle = state == State::Idle;
     const bool isRecording = state == State::Recording || state == State::Paused;
-    d->record->setRecording(!isIdle);
-    d->pause->setEnabled(isRecording);
-    d->pause->setPause(state == State::Paused);
-    d->time->setIsRecording(isRecording);
-    d->fps->setEnabled(isIdle);
-    d->area->setEnabled(isIdle);
-    for (SwitchButton *sound : {d->systemAudio, d->microphone}) {
-        if (isIdle)
-            sound->unlock();
-        else
-            sound->lock(tr("Sound cannot be switched during a recording"));
-    }
-    for (SwitchButton *input : {d->mouse, d->keys}) {
-        // A track that was left out cannot be added to a recording that is under way.
-        if (isIdle || (isRecording && (input->isChecked() || input->isEnabled())))
-            input->unlock();
-        else
-            input->lock(tr("This can be switched on only before a recording"));
-    }
+    m_record->setRecording(!isIdle);
+    m_pause->setEnabled(isRecording);
+    m_pause->setPause(state == State::Paused);
+    m_time->setIsRecording(isRecording);
+    m_fps->setEnabled(isIdle);
+    m_area->setEnabled(isIdle);
+    m_switches->showState(state);
     if (isIdle)
         refresh();
 }
 
 void RecordToolbar::showElapsed(qint64 ms)
 {
-    d->time->setRecordTime(ms);
+    m_time->setRecordTime(ms);
 }
 
-bool RecordToolbar::makeWayFor(const QRect &area)
+bool RecordToolbar::moveAwayFrom(const QRect &area)
 {
     if (isVisible() && !geometry().intersects(area))
         return true;
-    const std::optional<QPoint> place = ToolbarPlacement::beside(area, sizeHint(), usableScreens());
+    const std::optional<QPoint> place = ToolbarPlacement::beside(area, sizeHint(), availableGeometries());
     if (place)
         move(*place);
     return place.has_value();
 }
 
-void RecordToolbar::appearBeside(const QRect &area)
+void RecordToolbar::moveToStart(const QRect &area)
 {
-    if (area.isEmpty() || !makeWayFor(area)) {
-        const QRect screen = usableScreens().constFirst();
+    if (area.isEmpty() || !moveAwayFrom(area)) {
+        const QRect screen = availableGeometries().constFirst();
         move(screen.center().x() - sizeHint().width() / 2, screen.top() + screen.height() * 4 / 5);
     }
 }
 
 void RecordToolbar::closeEvent(QCloseEvent *event)
 {
-    // What closing means depends on what goes on: whoever listens decides.
+    // The receiver decides what closing does in the current state.
     event->ignore();
     emit closeRequested();
 }
@@ -276,18 +195,18 @@ void RecordToolbar::leaveEvent(QEvent *)
 
 void RecordToolbar::mousePressEvent(QMouseEvent *event)
 {
-    d->grabbedAt = event->pos();
+    m_dragStart = event->pos();
 }
 
 void RecordToolbar::mouseMoveEvent(QMouseEvent *event)
 {
     if (event->buttons() & Qt::LeftButton)
-        move(event->globalPos() - d->grabbedAt);
+        move(event->globalPos() - m_dragStart);
 }
 
 void RecordToolbar::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && d->state == State::CountingDown)
+    if (event->key() == Qt::Key_Escape && m_state == State::CountingDown)
         emit stopRequested();
     else
         QWidget::keyPressEvent(event);
@@ -295,8 +214,9 @@ void RecordToolbar::keyPressEvent(QKeyEvent *event)
 
 void RecordToolbar::resizeEvent(QResizeEvent *)
 {
-    // The corners: without a compositor they would be black, not transparent.
+    // A mask rather than transparent corners, which are black without a compositor.
+    const double radius = kCornerRadius * scaleFactor(this);
     QPainterPath shape;
-    shape.addRoundedRect(rect(), 8 * KelStyleTheme::scaleOf(this), 8 * KelStyleTheme::scaleOf(this));
+    shape.addRoundedRect(rect(), radius, radius);
     setMask(QRegion(shape.toFillPolygon().toPolygon()));
 }

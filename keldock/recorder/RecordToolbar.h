@@ -1,33 +1,41 @@
 #pragma once
 
+#include "dockicon/Glyph.h"
 #include "recorder/RecordingController.h"
 
+#include <QPoint>
+#include <QVector>
 #include <QWidget>
 
-#include <memory>
+class KelRecordButton;
+class KelRecordFpsLabel;
+class KelRecordPauseButton;
+class KelRecordTimeLable;
+class QPushButton;
+class TrackSwitches;
 
-/// The recorder's toolbar: it shows what the controller does and what will be recorded, and tells what the user wants.
-/// Always on top, without a frame, moved by dragging it. GUI thread.
+/// The recorder's toolbar: shows the state of the recording and what will be recorded, and emits the user's requests. A
+/// frameless window on top of all others that the user moves by dragging. GUI thread.
 class RecordToolbar : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit RecordToolbar(QWidget *parent = nullptr);
-    ~RecordToolbar() override;
 
     void showState(RecordingController::State state);
+    /// Negative during a countdown.
     void showElapsed(qint64 ms);
-    /// Shows the settings as they are now.
+    /// Shows the current settings.
     void refresh();
 
-    /// Moves beside the area, if it is in the way of it. False when there is no such place.
-    bool makeWayFor(const QRect &area);
-    /// Where it is to be seen at first: beside the area, or at the bottom of the screen.
-    void appearBeside(const QRect &area);
+    /// Moves beside the area if it overlaps it or is hidden. False when there is no space outside of the area.
+    bool moveAwayFrom(const QRect &area);
+    /// Moves to its initial position: beside the area, or near the bottom of the screen.
+    void moveToStart(const QRect &area);
 
 signals:
-    /// The pointer has come over the toolbar, or left it.
+    /// The pointer has entered or left the toolbar.
     void hovered(bool isHovered);
     void recordRequested();
     void stopRequested();
@@ -37,7 +45,7 @@ signals:
     void settingsRequested();
     void minimizeRequested();
     void closeRequested();
-    /// While recording.
+    /// During a recording.
     void keysSwitched(bool on);
     void mouseSwitched(bool on);
 
@@ -51,6 +59,18 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    class Private;
-    std::unique_ptr<Private> d;
+    void layOut();
+    void connectRecordButtons();
+    QPushButton *addButton(KelDockIcon::Glyph glyph, const QString &action, void (RecordToolbar::*request)());
+
+    QWidget *const m_recordButtons; // styled by the module
+    KelRecordButton *const m_record;
+    KelRecordPauseButton *const m_pause;
+    KelRecordTimeLable *const m_time;
+    KelRecordFpsLabel *const m_fps;
+    TrackSwitches *const m_switches;
+    QPushButton *m_area = nullptr;
+    QVector<QWidget *> m_extras; // hidden when the toolbar shows only the essentials
+    RecordingController::State m_state = RecordingController::State::Idle;
+    QPoint m_dragStart;
 };

@@ -8,10 +8,8 @@
 #include <KelMovie/KelMovieConfigKeys.h>
 
 #include <QCheckBox>
-#include <QGuiApplication>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QScreen>
 #include <QTimer>
 
 #include <utility>
@@ -21,16 +19,12 @@ using State = RecordingController::State;
 namespace
 {
 
-constexpr int ScreenSettlesMs = 150; // until windows that were hidden are gone from the still pictures
-constexpr int HintSeconds = 2;       // to read how a recording is ended whose toolbar is not seen
+constexpr int kHintSeconds = 2; // time to read how to stop a recording without the toolbar
 
-/// What is left of an area on the screens that there are now.
-QRect onScreens(const QRect &area)
+/// The part of an area that is on the current screens; empty if too little is left.
+QRect visiblePart(const QRect &area)
 {
-    QRect desktop;
-    for (const QScreen *screen : QGuiApplication::screens())
-        desktop |= screen->geometry();
-    AreaSelection selection(desktop);
+    AreaSelection selection(AreaPicker::desktop());
     selection.setRect(area);
     return selection.rect();
 }
@@ -42,11 +36,11 @@ RecorderUi::RecorderUi(RecordingController &controller, const DockSettings &sett
     , m_controller(controller)
     , m_io(io)
 {
-    m_controller.setArea(onScreens(settings.lastArea()));
+    m_controller.setArea(visiblePart(settings.lastArea()));
     connectToolbar();
     connectTray();
-    // Queued: what follows may ask a question, which is not to be done from within the picker's own key event.
-    connect(&m_picker, &AreaPicker::picked, this, &RecorderUi::takeArea, Qt::QueuedConnection);
+    // Queued because a question may follow, which must not open within the picker's key event.
+    connect(&m_picker, &AreaPicker::picked, this, &RecorderUi::useArea, Qt::QueuedConnection);
     connect(&m_picker, &AreaPicker::cancelled, this, [this] {
         m_recordsAfterChoosing = false;
         endPicking();
@@ -60,13 +54,13 @@ RecorderUi::RecorderUi(RecordingController &controller, const DockSettings &sett
 
 void RecorderUi::connectToolbar()
 {
-    connect(&m_toolbar, &RecordToolbar::recordRequested, this, &RecorderUi::record);
+    connect(&m_toolbar, &RecordToolbar::recordRequested, this, &RecorderUi::startRecording);
     connect(&m_toolbar, &RecordToolbar::stopRequested, &m_controller, &RecordingController::stop);
     connect(&m_toolbar, &RecordToolbar::pauseRequested, &m_controller, &RecordingController::togglePause);
     connect(&m_toolbar, &RecordToolbar::keysSwitched, &m_controller, &RecordingController::setKeysRecorded);
     connect(&m_toolbar, &RecordToolbar::mouseSwitched, &m_controller, &RecordingController::setMouseRecorded);
     connect(&m_toolbar, &RecordToolbar::areaRequested, this, &RecorderUi::chooseArea);
-    connect(&m_toolbar, &RecordToolbar::hovered, this, &RecorderUi::showFrameWhileIdle);
+    connect(&m_toolbar, &RecordToolbar::hovered, this, &RecorderUi::previewArea);
     connect(&m_toolbar, &RecordToolbar::minimizeRequested, this, &RecorderUi::minimize);
     connect(&m_toolbar, &RecordToolbar::recordingsRequested, this, &RecorderUi::recordingsRequested);
     connect(&m_toolbar, &RecordToolbar::settingsRequested, this, &RecorderUi::settingsRequested);
@@ -75,7 +69,7 @@ void RecorderUi::connectToolbar()
 
 void RecorderUi::connectTray()
 {
-    connect(&m_tray, &TrayIcon::recordRequested, this, &RecorderUi::record);
+    connect(&m_tray, &TrayIcon::recordRequested, this, &RecorderUi::startRecording);
     connect(&m_tray, &TrayIcon::stopRequested, &m_controller, &RecordingController::stop);
     connect(&m_tray, &TrayIcon::pauseRequested, &m_controller, &RecordingController::togglePause);
     connect(&m_tray, &TrayIcon::toolbarRequested, this, &RecorderUi::showToolbar);
@@ -88,24 +82,24 @@ void RecorderUi::showToolbar()
 {
     if (m_isChoosing)
         return;
-    m_place = Place::Open;
+    m_toolbarState = ToolbarState::Open;
     if (!m_toolbar.isVisible())
-        m_toolbar.appearBeside(m_controller.area());
+        m_toolbar.moveToStart(m_controller.area());
     m_toolbar.showNormal();
     m_toolbar.raise();
     m_toolbar.activateWindow();
 }
 
-void RecorderUi::hideToolbar(Place place)
+void RecorderUi::hideToolbar(ToolbarState state)
 {
-    m_place = place;
+    m_toolbarState = state;
     m_toolbar.hide();
     m_frame.hide();
 }
 
 void RecorderUi::minimize()
 {
-    m_place = Place::Minimized;
+    m_toolbarState = ToolbarState::Minimized;
     if (m_tray.isAvailable())
         m_toolbar.hide();
     else
@@ -119,7 +113,7 @@ void RecorderUi::chooseArea()
     m_isChoosing = true;
     m_toolbar.hide();
     m_frame.hide();
-    QTimer::singleShot(ScreenSettlesMs, this, &RecorderUi::openPicker);
+    QTimer::singleShot(RecordingController::kScreenSettleMs, this, &RecorderUi::openPicker);
 }
 
 void RecorderUi::openPicker()
@@ -127,15 +121,15 @@ void RecorderUi::openPicker()
     m_picker.open(m_controller.area(), KelWindowList::windowRects());
 }
 
-void RecorderUi::takeArea(const QRect &area)
+void RecorderUi::useArea(const QRect &area)
 {
     m_controller.setArea(area);
     DockSettings::saveArea(m_io, area);
     endPicking();
     m_frame.setLook(AreaFrame::Look::Ready);
-    m_frame.frame(area);
+    m_frame.showAround(area);
     if (std::exchange(m_recordsAfterChoosing, false))
-        record();
+        startRecording();
 }
 
 void RecorderUi::endPicking()
@@ -144,42 +138,42 @@ void RecorderUi::endPicking()
     showToolbar();
 }
 
-void RecorderUi::record()
+void RecorderUi::startRecording()
 {
     if (m_controller.state() != State::Idle || m_isChoosing || m_isAsking)
         return;
-    m_controller.setArea(onScreens(m_controller.area()));
+    m_controller.setArea(visiblePart(m_controller.area()));
     if (m_controller.area().isEmpty()) {
         m_recordsAfterChoosing = true;
         chooseArea();
         return;
     }
-    if (m_place == Place::Aside || m_place == Place::Closed)
+    if (m_toolbarState == ToolbarState::SteppedAside || m_toolbarState == ToolbarState::Closed)
         showToolbar();
-    if (!mayRecordKeys())
+    if (!confirmRecordingKeys())
         return;
-    // Who could not stop the recording without the toolbar rather sees it in the picture.
-    const bool canStopWithout = m_tray.isAvailable() || !m_stopKeys.isEmpty();
-    m_hidesWhileRecording = isToolbarSeen() && !m_toolbar.makeWayFor(m_controller.area()) && canStopWithout;
+    // A toolbar in the recorded area is better than a recording that cannot be stopped.
+    const bool canStopWithoutToolbar = m_tray.isAvailable() || !m_stopKeys.isEmpty();
+    m_hidesWhileRecording = isToolbarSeen() && !m_toolbar.moveAwayFrom(m_controller.area()) && canStopWithoutToolbar;
     if (m_hidesWhileRecording)
-        hideToolbar(Place::Minimized);
-    m_controller.start(m_hidesWhileRecording ? HintSeconds : 0);
+        hideToolbar(ToolbarState::Minimized);
+    m_controller.start(m_hidesWhileRecording ? kHintSeconds : 0);
 }
 
-/// Recorded keys give passwords away, which not everybody thinks of. False when the person wants to think it over.
-bool RecorderUi::mayRecordKeys()
+/// Users may not expect that recorded keystrokes reveal passwords. False if the user cancels the recording.
+bool RecorderUi::confirmRecordingKeys()
 {
     if (!gKelMovieConfig.recordKeyboard || gKelMovieConfig.recordDontShowRecordingWarning)
         return true;
-    QMessageBox box(QMessageBox::Warning, tr("Recording keys"),
-                    tr("The keys that you type will be recorded, in whichever program: passwords, too."),
+    QMessageBox box(QMessageBox::Warning, tr("Record keystrokes?"),
+                    tr("Everything you type will be recorded in every program, including passwords."),
                     QMessageBox::NoButton, &m_toolbar);
-    box.setInformativeText(tr("The keyboard button of the toolbar switches them off, also during a recording."));
-    QPushButton *const with = box.addButton(tr("Record keys"), QMessageBox::AcceptRole);
-    QPushButton *const without = box.addButton(tr("Record without keys"), QMessageBox::DestructiveRole);
+    box.setInformativeText(tr("The keyboard button on the toolbar turns this off, even during a recording."));
+    QPushButton *const with = box.addButton(tr("Record Keystrokes"), QMessageBox::AcceptRole);
+    QPushButton *const without = box.addButton(tr("Record Without Keystrokes"), QMessageBox::DestructiveRole);
     box.addButton(QMessageBox::Cancel);
     box.setDefaultButton(with);
-    auto *const dontAsk = new QCheckBox(tr("Do not ask again"), &box);
+    auto *const dontAsk = new QCheckBox(tr("Don't ask again"), &box);
     box.setCheckBox(dontAsk);
     m_isAsking = true;
     box.exec();
@@ -203,7 +197,7 @@ void RecorderUi::showState(State state)
                     : state == State::Paused  ? AreaFrame::Look::Paused
                                               : AreaFrame::Look::Ready);
     if (state != State::Idle) {
-        m_frame.frame(m_controller.area());
+        m_frame.showAround(m_controller.area());
         return;
     }
     m_frame.hide();
@@ -214,15 +208,15 @@ void RecorderUi::showState(State state)
 
 void RecorderUi::showCountdown(int secondsLeft)
 {
-    QString hint = tr("Esc cancels");
+    QString hint = tr("Press Esc to cancel");
     if (m_hidesWhileRecording && !m_stopKeys.isEmpty())
-        hint = tr("%1 stops the recording").arg(m_stopKeys) + QLatin1Char('\n') + hint;
-    m_countdown.count(secondsLeft, m_controller.area(), hint);
+        hint = tr("Press %1 to stop the recording").arg(m_stopKeys) + QLatin1Char('\n') + hint;
+    m_countdown.showSeconds(secondsLeft, m_controller.area(), hint);
     m_toolbar.showElapsed(-secondsLeft * qint64(1000));
 }
 
-void RecorderUi::showFrameWhileIdle(bool shown)
+void RecorderUi::previewArea(bool shown)
 {
     if (m_controller.state() == State::Idle)
-        m_frame.frame(shown && !m_isChoosing ? m_controller.area() : QRect());
+        m_frame.showAround(shown && !m_isChoosing ? m_controller.area() : QRect());
 }

@@ -12,39 +12,40 @@
 struct DockSettings;
 class KelConfigIO;
 
-/// What a person sees of the recorder, and keeps it out of the picture: toolbar, area picker, countdown, frame, tray
-/// icon. GUI thread.
+/// The recorder on the screen: toolbar, area picker, countdown, frame around the area, and tray icon. Keeps all of them
+/// out of the recorded area. GUI thread.
 class RecorderUi : public QObject
 {
     Q_OBJECT
 
 public:
+    /// All three must outlive this object.
     RecorderUi(RecordingController &controller, const DockSettings &settings, KelConfigIO &io,
                QObject *parent = nullptr);
 
-    /// Where the toolbar is.
-    enum class Place {
+    enum class ToolbarState {
         Open,
-        Minimized, ///< until the person wants it back
-        Aside,     ///< until the windows that it would cover are closed
-        Closed
+        Minimized,    ///< until the user brings it back
+        SteppedAside, ///< until the windows that it would cover are closed
+        Closed        ///< by the user; the program ends with its last window
     };
 
     RecordToolbar &toolbar() { return m_toolbar; }
-    Place place() const { return m_place; }
+    ToolbarState toolbarState() const { return m_toolbarState; }
     bool isToolbarSeen() const { return m_toolbar.isVisible() && !m_toolbar.isMinimized(); }
-    /// Told at the bottom of the countdown when the toolbar has to hide; empty when there are none.
+    /// The shortcut that stops, for display; empty if there is none. The countdown shows it when the toolbar has to
+    /// hide.
     void setStopKeys(const QString &keys) { m_stopKeys = keys; }
 
 public slots:
     void showToolbar();
-    /// `place` tells until when.
-    void hideToolbar(Place place);
-    /// Into the tray, or to where the desktop keeps small windows.
+    /// Hides the toolbar for one of the reasons other than `Open`.
+    void hideToolbar(ToolbarState state);
+    /// Hides the toolbar if there is a tray icon to bring it back, otherwise minimizes it.
     void minimize();
     void chooseArea();
-    /// Starts a recording; has the area chosen first when there is none.
-    void record();
+    /// Starts a recording. If no area is chosen yet, the user chooses one first.
+    void startRecording();
 
 signals:
     void recordingsRequested();
@@ -56,12 +57,12 @@ private:
     void connectToolbar();
     void connectTray();
     void openPicker();
-    void takeArea(const QRect &area);
+    void useArea(const QRect &area);
     void endPicking();
-    bool mayRecordKeys();
+    bool confirmRecordingKeys();
     void showState(RecordingController::State state);
     void showCountdown(int secondsLeft);
-    void showFrameWhileIdle(bool shown);
+    void previewArea(bool shown);
 
     RecordingController &m_controller;
     KelConfigIO &m_io;
@@ -71,9 +72,9 @@ private:
     CountdownOverlay m_countdown;
     TrayIcon m_tray;
     QString m_stopKeys;
-    Place m_place = Place::Closed;
+    ToolbarState m_toolbarState = ToolbarState::Closed;
     bool m_isChoosing = false;
-    bool m_isAsking = false; // shortcuts and tray icon work on while a question is open
+    bool m_isAsking = false; // shortcuts and tray icon keep working while a question is open
     bool m_recordsAfterChoosing = false;
     bool m_hidesWhileRecording = false;
 };

@@ -1,5 +1,8 @@
 #include "recorder/RecordingController.h"
 
+#include "common/FrameRate.h"
+#include "common/Units.h"
+
 #include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelMultiTrackRecorder.h>
 #include <KelMovie/KelRecordingFiles.h>
@@ -12,16 +15,14 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace
 {
 
-constexpr int ClockMs = 200;
-// What was shown must be gone from the screen, windows under it painted again, before the first picture is taken.
-constexpr int ScreenSettlesMs = 150;
-constexpr int MaxDelaySeconds = 60;
-constexpr int MaxFps = 240;
+constexpr int kElapsedIntervalMs = 200;
+constexpr int kMaxDelaySeconds = 60;
 
 } // namespace
 
@@ -30,26 +31,28 @@ RecordingController::RecordingController(std::function<QString()> newDirectory, 
     , m_newDirectory(std::move(newDirectory))
     , m_recorder(m_movie.createMultiTrackRecorder())
 {
-    m_clock.setInterval(ClockMs);
+    m_clock.setInterval(kElapsedIntervalMs);
     connect(&m_clock, &QTimer::timeout, this, [this] { emit elapsed(elapsedMs()); });
     m_countdown.setSingleShot(true);
     connect(&m_countdown, &QTimer::timeout, this, &RecordingController::countDown);
-    connect(m_recorder, &KelMultiTrackRecorder::recordingStopped, this, &RecordingController::complete);
+    connect(m_recorder, &KelMultiTrackRecorder::recordingStopped, this, &RecordingController::finish);
     connect(m_recorder, &KelMultiTrackRecorder::trackFailed, this,
             [this](const QString &track) { m_failedTrack = track; });
-    connect(m_recorder, &KelMultiTrackRecorder::recordingError, this, &RecordingController::takeError);
+    connect(m_recorder, &KelMultiTrackRecorder::recordingError, this, &RecordingController::handleError);
     connect(&m_diskGuard, &DiskGuard::low, this, [this](qint64 freeBytes, qint64 secondsLeft) {
-        const QString room = QLocale().formattedDataSize(freeBytes, 1, QLocale::DataSizeSIFormat);
-        emit problem(Severity::Warning, secondsLeft < 0
-                                            ? tr("The disk is almost full: %1 left.").arg(room)
-                                            : tr("The disk is almost full: %1 left, enough for about %2 min.")
-                                                  .arg(room)
-                                                  .arg(std::max<qint64>(1, secondsLeft / 60)));
+        const QString space = Units::bytes(freeBytes, QLocale());
+        emit problem(Severity::Warning,
+                     secondsLeft < 0 ? tr("The disk is almost full: %1 left.").arg(space)
+                                     : tr("The disk is almost full: %1 left, enough for about %n minute(s).", nullptr,
+                                          int(std::clamp<qint64>(secondsLeft / 60, 1, std::numeric_limits<int>::max())))
+                                           .arg(space));
     });
-    connect(&m_diskGuard, &DiskGuard::full, this,
-            [this] { stopBecause(Severity::Warning, tr("The disk is full. The recording has ended and was saved.")); });
+    connect(&m_diskGuard, &DiskGuard::full, this, [this] {
+        stopWithProblem(Severity::Warning, tr("The disk is full. The recording was stopped and saved."));
+    });
     connect(&m_diskGuard, &DiskGuard::directoryLost, this, [this] {
-        stopBecause(Severity::Error, tr("The folder of the recording was deleted or moved. The recording has ended."));
+        stopWithProblem(Severity::Error,
+                        tr("The folder of the recording was deleted or moved. The recording was stopped."));
     });
     watchScreens();
 }
@@ -68,7 +71,7 @@ void RecordingController::start(int minimumDelay)
 {
     if (m_state != State::Idle)
         return;
-    m_secondsLeft = std::clamp(std::max(gKelMovieConfig.recordDelay, minimumDelay), 0, MaxDelaySeconds) + 1;
+    m_secondsLeft = std::clamp(std::max(gKelMovieConfig.recordDelay, minimumDelay), 0, kMaxDelaySeconds) + 1;
     setState(State::CountingDown);
     countDown();
 }
@@ -77,28 +80,28 @@ void RecordingController::countDown()
 {
     --m_secondsLeft;
     if (m_secondsLeft < 0)
-        return record();
+        return startRecorder();
     emit countdown(m_secondsLeft);
-    m_countdown.start(m_secondsLeft > 0 ? 1000 : ScreenSettlesMs);
+    m_countdown.start(m_secondsLeft > 0 ? 1000 : kScreenSettleMs);
 }
 
-void RecordingController::record()
+void RecordingController::startRecorder()
 {
     const QString directory = m_newDirectory();
     if (!m_diskGuard.hasRoom(directory)) {
         setState(State::Idle);
-        emit problem(Severity::Error, tr("There is not enough room on the disk for a recording."));
+        emit problem(Severity::Error, tr("There is not enough disk space for a recording."));
         return;
     }
     if (!QDir().mkpath(QFileInfo(directory).path())) {
         setState(State::Idle);
-        emit problem(Severity::Error, tr("The folder \"%1\" cannot be created. Choose another one in the settings.")
+        emit problem(Severity::Error, tr("The folder \"%1\" cannot be created. Choose another folder in the settings.")
                                           .arg(QDir::toNativeSeparators(QFileInfo(directory).path())));
         return;
     }
     KelMultiTrackRecorder::RecordConfig config;
     config.outputDir = directory;
-    config.fps = std::clamp(gKelMovieConfig.recordFps, 1, MaxFps);
+    config.fps = std::clamp(gKelMovieConfig.recordFps, 1, kMaxFps);
     config.enableMouse = gKelMovieConfig.recordMouse;
     config.enableKeyboard = gKelMovieConfig.recordKeyboard;
     config.enableSystemAudio = gKelMovieConfig.recordRecordSystemAudio;
@@ -137,12 +140,12 @@ void RecordingController::stop()
         setState(State::Idle);
     } else if (isRecording()) {
         m_diskGuard.stop();
-        m_recorder->stopRecording(); // complete() follows by the recorder's signal
+        m_recorder->stopRecording(); // its signal calls finish()
     }
 }
 
-/// The recorder has stopped, by wish or, at the largest number of frames, by itself.
-void RecordingController::complete()
+/// The recorder has stopped: on request, or by itself at the maximum number of frames.
+void RecordingController::finish()
 {
     m_diskGuard.stop();
     m_clock.stop();
@@ -151,7 +154,7 @@ void RecordingController::complete()
     emit finished(directory);
 }
 
-void RecordingController::stopBecause(Severity severity, const QString &text)
+void RecordingController::stopWithProblem(Severity severity, const QString &text)
 {
     if (!isRecording())
         return;
@@ -159,31 +162,31 @@ void RecordingController::stopBecause(Severity severity, const QString &text)
     emit problem(severity, text);
 }
 
-void RecordingController::takeError(const QString &error)
+void RecordingController::handleError(const QString &error)
 {
     const QString track = std::exchange(m_failedTrack, QString());
     if (track == KelTrackNames::kScreen) {
-        // Not from within the recorder's own work. By then the recording may have ended for another reason.
+        // Queued because the recorder cannot be stopped from within its own signal. Something else may stop it first.
         QMetaObject::invokeMethod(
             this,
             [this, error] {
                 if (isRecording())
                     stop();
                 emit problem(Severity::Error,
-                             tr("The screen cannot be recorded any more. The recording has ended; what "
-                                "was recorded until now is kept.\n%1")
+                             tr("The screen can no longer be recorded. The recording was stopped; everything "
+                                "up to now was saved.\n%1")
                                  .arg(error));
             },
             Qt::QueuedConnection);
     } else if (!m_recorder->isRecording()) {
         const bool isStarting = m_state == State::CountingDown;
         emit problem(Severity::Error, (isStarting ? tr("The recording could not be started.\n%1")
-                                                  : tr("The recording lacks something.\n%1"))
+                                                  : tr("The recording is incomplete.\n%1"))
                                           .arg(error));
     } else {
-        // Without one of the other tracks a recording of the screen is still worth going on with.
+        // A recording without one of the other tracks is still useful.
         emit problem(Severity::Warning,
-                     track.isEmpty() ? error : tr("%1\nThe recording goes on without it.").arg(error));
+                     track.isEmpty() ? error : tr("%1\nThe recording continues without it.").arg(error));
     }
 }
 
@@ -202,24 +205,26 @@ void RecordingController::setMouseRecorded(bool recorded)
 void RecordingController::watchScreens()
 {
     const auto watch = [this](const QScreen *screen) {
-        connect(screen, &QScreen::geometryChanged, this, &RecordingController::checkScreens);
+        connect(screen, &QScreen::geometryChanged, this, &RecordingController::stopIfAreaIsLost);
     };
     for (const QScreen *screen : QGuiApplication::screens())
         watch(screen);
     connect(qGuiApp, &QGuiApplication::screenAdded, this, watch);
-    // When it is told, the screen is still in the list.
-    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &RecordingController::checkScreens, Qt::QueuedConnection);
+    // Queued because the screen is still in the list when the signal is emitted.
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &RecordingController::stopIfAreaIsLost,
+            Qt::QueuedConnection);
 }
 
-void RecordingController::checkScreens()
+void RecordingController::stopIfAreaIsLost()
 {
-    QRegion seen;
+    QRegion screens;
     for (const QScreen *screen : QGuiApplication::screens())
-        seen += screen->geometry();
-    if (isRecording() && !QRegion(m_area).subtracted(seen).isEmpty())
-        stopBecause(Severity::Warning,
-                    tr("A screen was changed or unplugged, and the recorded area is no longer on it. The recording has "
-                       "ended and was saved."));
+        screens += screen->geometry();
+    if (isRecording() && !QRegion(m_area).subtracted(screens).isEmpty())
+        stopWithProblem(
+            Severity::Warning,
+            tr("A screen was changed or disconnected, and the recorded area is no longer visible. The recording was "
+               "stopped and saved."));
 }
 
 void RecordingController::setState(State state)

@@ -13,12 +13,13 @@
 
 class KelMultiTrackRecorder;
 
-/// One recording after the other, from the wish to record to the recording on disk. GUI thread.
+/// Starts, pauses and stops recordings, one at a time, from the countdown to the complete files. GUI thread.
 ///
 ///     Idle --start--> CountingDown --> Recording <--togglePause--> Paused
-///     any --stop--> Idle; so do a full disk, a lost directory, a screen that goes away and a picture that fails
+///     any state --stop--> Idle; also on a full disk, a deleted directory, a disconnected screen or a failed screen
+///     track
 ///
-/// What it does and for which reason is told by signals; it shows nothing itself.
+/// It has no user interface: it reports everything by signals.
 class RecordingController : public QObject
 {
     Q_OBJECT
@@ -28,51 +29,57 @@ public:
     Q_ENUM(State)
     enum class Severity { Warning, Error };
 
-    /// `newDirectory` says where the next recording goes.
+    /// The time after which hidden windows have disappeared from the screen and what they covered is painted again.
+    static constexpr int kScreenSettleMs = 150;
+
+    /// `newDirectory` returns the directory for the next recording.
     explicit RecordingController(std::function<QString()> newDirectory, QObject *parent = nullptr);
     ~RecordingController() override;
 
     State state() const { return m_state; }
-    /// Something is on disk that has to be completed.
+    /// Whether a recording is in progress, possibly paused.
     bool isRecording() const { return m_state == State::Recording || m_state == State::Paused; }
-    /// Of the recording under way; empty when there is none.
+    /// The directory of the recording in progress; empty if there is none.
     QString directory() const { return m_directory; }
+    /// The recorded time without pauses.
     qint64 elapsedMs() const;
 
-    /// What is recorded next, in logical pixels of the desktop.
+    /// The area for the next recording, in logical pixels of the desktop.
     void setArea(const QRect &area) { m_area = area; }
     QRect area() const { return m_area; }
 
     DiskGuard &diskGuard() { return m_diskGuard; }
 
 public slots:
-    /// Counts down as the settings want it, at least `minimumDelay` seconds, and records.
+    /// Counts down the delay of the settings, at least `minimumDelay` seconds, and starts to record.
     void start(int minimumDelay = 0);
     void togglePause();
-    /// Ends the recording, and keeps it; also ends a countdown.
+    /// Stops and keeps the recording, or cancels the countdown.
     void stop();
 
-    /// For as long as this recording goes on.
+    /// For the recording in progress only. Has no effect on a track that was not enabled at the start.
     void setKeysRecorded(bool recorded);
     void setMouseRecorded(bool recorded);
 
 signals:
     void stateChanged(RecordingController::State state);
-    /// During the countdown; 0 when everything has to be gone from the screen.
+    /// Emitted each second during the countdown. At 0 nothing of the recorder may be left on the screen.
     void countdown(int secondsLeft);
     void elapsed(qint64 ms);
+    /// The recording in `directory` is complete.
     void finished(const QString &directory);
+    /// `text` is for the user.
     void problem(RecordingController::Severity severity, const QString &text);
 
 private:
     void setState(State state);
     void countDown();
-    void record();
-    void complete();
-    void stopBecause(Severity severity, const QString &text);
-    void takeError(const QString &error);
+    void startRecorder();
+    void finish();
+    void stopWithProblem(Severity severity, const QString &text);
+    void handleError(const QString &error);
     void watchScreens();
-    void checkScreens();
+    void stopIfAreaIsLost();
 
     const std::function<QString()> m_newDirectory;
     KelMovieUI m_movie;
@@ -84,7 +91,7 @@ private:
     QTimer m_countdown;
     int m_secondsLeft = 0;
     QTimer m_clock;
-    QElapsedTimer m_running;    // since start or resume
-    qint64 m_elapsedBefore = 0; // of the stretches before the last pause
-    QString m_failedTrack;      // of the next error; empty for one that is no track's
+    QElapsedTimer m_running;    // since the start or the last resume
+    qint64 m_elapsedBefore = 0; // recorded time up to the last pause
+    QString m_failedTrack;      // the track of the next error; empty if the error is not about a track
 };

@@ -1,20 +1,19 @@
 #include "recorder/SwitchButton.h"
 
 #include "dockicon/KelDockIcon.h"
-#include "style/KelStyleTheme.h"
+#include "widgets/DockStyle.h"
 
 SwitchButton::SwitchButton(const QString &name, const Face &on, const Face &off, QWidget *parent)
     : QPushButton(parent)
     , m_on(on)
     , m_off(off)
 {
-    KelDockIcon::family(); // loaded before the sheet names it
     setAccessibleName(name);
     setCheckable(true);
     setFlat(true);
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::PointingHandCursor);
-    KelStyleTheme::instance()->appleStyleTo(this, {QStringLiteral(":/keldock/SwitchButton")});
+    applyDockStyle(this, QStringLiteral("SwitchButton"));
     connect(this, &QPushButton::toggled, this, &SwitchButton::showFace);
     connect(this, &QPushButton::clicked, this, &SwitchButton::switched);
     showFace();
@@ -43,6 +42,6 @@ void SwitchButton::showFace()
 {
     const Face &face = isChecked() ? m_on : m_off;
     setText(KelDockIcon::text(face.glyph));
-    setToolTip(m_lockReason.isEmpty() ? face.text : m_lockReason);
+    setToolTip(m_lockReason.isEmpty() ? face.toolTip : m_lockReason);
     setAccessibleDescription(toolTip());
 }

@@ -4,7 +4,7 @@
 
 #include <QPushButton>
 
-/// A button of the toolbar that is on or off, shown by glyph and colour and told by its tooltip. GUI thread.
+/// A toolbar button that is on or off, as its glyph, color and tooltip show. GUI thread.
 class SwitchButton : public QPushButton
 {
     Q_OBJECT
@@ -12,14 +12,14 @@ class SwitchButton : public QPushButton
 public:
     struct Face {
         KelDockIcon::Glyph glyph;
-        QString text; ///< what is the case, and what a click does
+        QString toolTip; ///< the state, and what a click does
     };
 
     SwitchButton(const QString &name, const Face &on, const Face &off, QWidget *parent);
 
-    /// No signal.
+    /// Does not emit switched().
     void setOn(bool on);
-    /// Off limits for the moment; the tooltip says why.
+    /// Disables the button; the tooltip gives the reason.
     void lock(const QString &reason);
     void unlock();
 

@@ -7,12 +7,12 @@
 
 #include <optional>
 
-/// Where a toolbar can stand without being in the picture.
+/// Where the toolbar can be without being recorded.
 namespace ToolbarPlacement
 {
 
-/// Its top-left corner: below, above, right or left of the area, or else on a screen that the area leaves free; none
-/// when the area covers everything. `screens` are the usable parts of all screens.
+/// The top-left corner of a toolbar that does not overlap the area: below, above, right or left of it, or on another
+/// screen. No value when the area covers everything. `screens` are the available geometries of all screens.
 std::optional<QPoint> beside(const QRect &area, const QSize &toolbar, const QVector<QRect> &screens);
 
 } // namespace ToolbarPlacement

@@ -1,26 +1,11 @@
 #include "recorder/TrayIcon.h"
 
+#include "common/Units.h"
 #include "dockicon/KelDockIcon.h"
+#include "widgets/DockColors.h"
 
 using KelDockIcon::Glyph;
 using State = RecordingController::State;
-
-namespace
-{
-
-// A tray is dark on one desktop and light on the next: colours that are seen on both.
-const QColor Calm(0x33, 0x88, 0xff);
-const QColor Live(0xe1, 0x3d, 0x30);
-
-QString clock(qint64 ms)
-{
-    const qint64 seconds = ms / 1000;
-    return QStringLiteral("%1:%2")
-        .arg(seconds / 60, 2, 10, QLatin1Char('0'))
-        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
-}
-
-} // namespace
 
 TrayIcon::TrayIcon(QObject *parent)
     : QObject(parent)
@@ -29,7 +14,7 @@ TrayIcon::TrayIcon(QObject *parent)
     , m_stop(m_menu.addAction(tr("Stop"), this, &TrayIcon::stopRequested))
 {
     m_menu.addSeparator();
-    m_menu.addAction(tr("Show the toolbar"), this, &TrayIcon::toolbarRequested);
+    m_menu.addAction(tr("Show toolbar"), this, &TrayIcon::toolbarRequested);
     m_menu.addAction(tr("Recordings"), this, &TrayIcon::recordingsRequested);
     m_menu.addAction(tr("Settings"), this, &TrayIcon::settingsRequested);
     m_menu.addSeparator();
@@ -57,7 +42,7 @@ void TrayIcon::showState(State state)
     m_pause->setText(state == State::Paused ? tr("Resume") : tr("Pause"));
     m_stop->setEnabled(state != State::Idle);
     const Glyph glyph = state == State::Paused ? Glyph::Pause : isRecording ? Glyph::Record : Glyph::Screen;
-    m_icon.setIcon(KelDockIcon::icon(glyph, isRecording ? Live : Calm));
+    m_icon.setIcon(KelDockIcon::icon(glyph, isRecording ? DockColors::kRecording : DockColors::kReady));
     updateToolTip();
 }
 
@@ -76,13 +61,13 @@ void TrayIcon::updateToolTip()
         m_icon.setToolTip(tr("Screen recorder"));
         break;
     case State::CountingDown:
-        m_icon.setToolTip(tr("Recording starts"));
+        m_icon.setToolTip(tr("Recording starts soon"));
         break;
     case State::Recording:
-        m_icon.setToolTip(tr("Recording, %1").arg(clock(m_elapsedMs)));
+        m_icon.setToolTip(tr("Recording, %1").arg(Units::clock(m_elapsedMs)));
         break;
     case State::Paused:
-        m_icon.setToolTip(tr("Recording paused, %1").arg(clock(m_elapsedMs)));
+        m_icon.setToolTip(tr("Recording paused, %1").arg(Units::clock(m_elapsedMs)));
         break;
     }
 }

@@ -6,7 +6,7 @@
 #include <QObject>
 #include <QSystemTrayIcon>
 
-/// The recorder in the desktop's tray, where there is one. GUI thread.
+/// The recorder's icon and menu in the system tray, if the desktop has one. GUI thread.
 class TrayIcon : public QObject
 {
     Q_OBJECT
@@ -14,7 +14,7 @@ class TrayIcon : public QObject
 public:
     explicit TrayIcon(QObject *parent = nullptr);
 
-    /// Whether somebody can see it.
+    /// Whether the desktop has a system tray.
     bool isAvailable() const;
 
     void showState(RecordingController::State state);

@@ -11,34 +11,37 @@ DockConfigIO::DockConfigIO(const QString &path)
     : m_store(path, QSettings::IniFormat)
 {
     m_store.setFallbacksEnabled(false);
-    m_store.allKeys(); // reads the whole file, which otherwise happens bit by bit
+    m_store.allKeys(); // forces the whole file to be parsed, which QSettings otherwise puts off
     if (m_store.status() == QSettings::FormatError)
-        keepUnreadableFile();
+        backUpDamagedFile();
     else if (m_store.status() == QSettings::AccessError || (QFile::exists(path) && !QFileInfo(path).isReadable()))
-        tell(tr("The settings cannot be read from \"%1\". The defaults are used.").arg(QDir::toNativeSeparators(path)));
+        report(
+            tr("The settings cannot be read from \"%1\". The defaults are used.").arg(QDir::toNativeSeparators(path)));
 }
 
 QString DockConfigIO::defaultPath()
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/KelMovie/keldock.ini");
+           QLatin1String("/KelMovie/keldock.ini");
 }
 
-/// The next save replaces the file, which somebody may have written by hand.
-void DockConfigIO::keepUnreadableFile()
+/// The next save replaces the file, which the user may have edited.
+void DockConfigIO::backUpDamagedFile()
 {
     const QString path = m_store.fileName();
-    const QString copy = path + QStringLiteral(".damaged");
+    const QString copy = path + QLatin1String(".damaged");
     QFile::remove(copy);
     const bool isKept = QFile::copy(path, copy);
-    tell(isKept ? tr("The settings file is damaged. The defaults are used where it cannot be read; it is kept as "
-                     "\"%1\".")
-                      .arg(QDir::toNativeSeparators(copy))
-                : tr("The settings file \"%1\" is damaged. The defaults are used where it cannot be read.")
-                      .arg(QDir::toNativeSeparators(path)));
+    report(
+        isKept
+            ? tr("The settings file is damaged. Defaults are used for settings that cannot be read. The damaged file "
+                 "was saved as \"%1\".")
+                  .arg(QDir::toNativeSeparators(copy))
+            : tr("The settings file \"%1\" is damaged. Defaults are used for settings that cannot be read.")
+                  .arg(QDir::toNativeSeparators(path)));
 }
 
-void DockConfigIO::tell(const QString &problem)
+void DockConfigIO::report(const QString &problem)
 {
     qWarning("[DockConfigIO] %s", qUtf8Printable(problem));
     if (!m_problem.isEmpty())
@@ -58,7 +61,7 @@ void DockConfigIO::bind(const QString &key, T *field, QHash<QString, T *> *field
     if (isValid)
         *field = value;
     else
-        tell(tr("The setting \"%1\" makes no sense. Its default is used.").arg(key));
+        report(tr("The setting \"%1\" is invalid. The default is used.").arg(key));
 }
 
 template <typename T>
@@ -69,8 +72,8 @@ void DockConfigIO::save(const QString &key, const T &value, const QString &text,
     m_store.setValue(key, text);
     m_store.sync();
     if (m_store.status() == QSettings::AccessError)
-        tell(tr("The settings cannot be saved to \"%1\". They are lost when the program ends.")
-                 .arg(QDir::toNativeSeparators(m_store.fileName())));
+        report(tr("The settings cannot be saved to \"%1\". Changes are lost when the program ends.")
+                   .arg(QDir::toNativeSeparators(m_store.fileName())));
 }
 
 void DockConfigIO::saveFonts()

@@ -6,9 +6,8 @@
 #include <QObject>
 #include <QSettings>
 
-/// Keeps the settings of module and host in one file. What the file does not have or what makes no sense there keeps
-/// its default; a file that cannot be read or written is told once, and the program goes on with what it has in memory.
-/// GUI thread.
+/// Stores the settings of module and host in one file. Missing and invalid values keep their defaults. If the file
+/// cannot be read or written, this is reported once, and the settings are kept in memory. GUI thread.
 class DockConfigIO : public QObject, public KelConfigIO
 {
     Q_OBJECT
@@ -18,10 +17,10 @@ public:
 
     static QString defaultPath();
 
-    /// What was wrong so far, for a person to read; empty when nothing was.
+    /// The first problem since the start, for the user; empty if there was none.
     QString problem() const { return m_problem; }
 
-    /// Stores the bound fonts as they are now: the module changes them in its record alone.
+    /// Saves bound fonts that have changed: the module changes them without saving.
     void saveFonts();
 
     void bindFont(const QString &key, QFont *field) override;
@@ -36,7 +35,7 @@ public:
     void saveInt(const QString &key, int value) override;
 
 signals:
-    /// The first problem since the start.
+    /// Emitted for the first problem only.
     void problemFound(const QString &problem);
 
 private:
@@ -44,8 +43,8 @@ private:
     void bind(const QString &key, T *field, QHash<QString, T *> *fields, Parse parse);
     template <typename T>
     void save(const QString &key, const T &value, const QString &text, const QHash<QString, T *> &fields);
-    void keepUnreadableFile();
-    void tell(const QString &problem);
+    void backUpDamagedFile();
+    void report(const QString &problem);
 
     QSettings m_store;
     QString m_problem;

@@ -4,25 +4,25 @@
 
 #include <QStringList>
 
-const QString DockSettings::RecordingsFolderKey = QStringLiteral("KelDock.recordingsFolder");
-const QString DockSettings::ThemeKey = QStringLiteral("KelDock.theme");
-const QString DockSettings::LanguageKey = QStringLiteral("KelDock.language");
-const QString DockSettings::RecordKeysKey = QStringLiteral("KelDock.shortcut.record");
-const QString DockSettings::PauseKeysKey = QStringLiteral("KelDock.shortcut.pause");
-const QString DockSettings::StopKeysKey = QStringLiteral("KelDock.shortcut.stop");
-const QString DockSettings::AreaKey = QStringLiteral("KelDock.area");
-const QString DockSettings::OfferedLeftoversKey = QStringLiteral("KelDock.offeredLeftovers");
+const QString DockSettings::kRecordingsFolderKey = QStringLiteral("KelDock.recordingsFolder");
+const QString DockSettings::kThemeKey = QStringLiteral("KelDock.theme");
+const QString DockSettings::kLanguageKey = QStringLiteral("KelDock.language");
+const QString DockSettings::kRecordKeysKey = QStringLiteral("KelDock.shortcut.record");
+const QString DockSettings::kPauseKeysKey = QStringLiteral("KelDock.shortcut.pause");
+const QString DockSettings::kStopKeysKey = QStringLiteral("KelDock.shortcut.stop");
+const QString DockSettings::kAreaKey = QStringLiteral("KelDock.area");
+const QString DockSettings::kOfferedRecordingsKey = QStringLiteral("KelDock.offeredLeftovers");
 
 void DockSettings::bind(KelConfigIO &io)
 {
-    io.bindString(RecordingsFolderKey, &recordingsFolder);
-    io.bindInt(ThemeKey, &theme);
-    io.bindString(LanguageKey, &language);
-    io.bindString(RecordKeysKey, &recordKeys);
-    io.bindString(PauseKeysKey, &pauseKeys);
-    io.bindString(StopKeysKey, &stopKeys);
-    io.bindString(AreaKey, &area);
-    io.bindString(OfferedLeftoversKey, &offeredLeftovers);
+    io.bindString(kRecordingsFolderKey, &recordingsFolder);
+    io.bindInt(kThemeKey, &theme);
+    io.bindString(kLanguageKey, &language);
+    io.bindString(kRecordKeysKey, &recordKeys);
+    io.bindString(kPauseKeysKey, &pauseKeys);
+    io.bindString(kStopKeysKey, &stopKeys);
+    io.bindString(kAreaKey, &area);
+    io.bindString(kOfferedRecordingsKey, &offeredRecordings);
 }
 
 QRect DockSettings::lastArea() const
@@ -35,6 +35,6 @@ QRect DockSettings::lastArea() const
 
 void DockSettings::saveArea(KelConfigIO &io, const QRect &area)
 {
-    io.saveString(AreaKey,
+    io.saveString(kAreaKey,
                   QStringLiteral("%1 %2 %3 %4").arg(area.x()).arg(area.y()).arg(area.width()).arg(area.height()));
 }

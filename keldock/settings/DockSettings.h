@@ -5,30 +5,31 @@
 
 class KelConfigIO;
 
-/// The host's own settings; those of the module are in gKelMovieConfig. Read at the moment of use, changed through the
-/// store. GUI thread.
+/// The host's own settings; those of the module are in gKelMovieConfig. Read them when they are needed and change them
+/// through KelConfigIO, which updates the fields. GUI thread.
 struct DockSettings {
-    QString recordingsFolder; ///< empty: the folder for videos
-    int theme = 0;            ///< 0 as the desktop, 1 light, 2 dark
-    QString language;         ///< as in file names of translations; empty: the desktop's
+    QString recordingsFolder; ///< empty: the default, see RecordingsFolder
+    int theme = 0;            ///< 0 same as the desktop, 1 light, 2 dark
+    QString language;         ///< locale name; empty: same as the desktop
     QString recordKeys = QStringLiteral("Ctrl+Alt+R");
     QString pauseKeys = QStringLiteral("Ctrl+Alt+P");
     QString stopKeys = QStringLiteral("Ctrl+Alt+S");
-    QString area;             ///< the last one, see lastArea()
-    QString offeredLeftovers; ///< interrupted recordings that a person was told of, a line each
+    QString area;              ///< the last recorded area, see lastArea()
+    QString offeredRecordings; ///< interrupted recordings that were offered to the user, one path per line
 
-    static const QString RecordingsFolderKey;
-    static const QString ThemeKey;
-    static const QString LanguageKey;
-    static const QString RecordKeysKey;
-    static const QString PauseKeysKey;
-    static const QString StopKeysKey;
-    static const QString AreaKey;
-    static const QString OfferedLeftoversKey;
+    static const QString kRecordingsFolderKey;
+    static const QString kThemeKey;
+    static const QString kLanguageKey;
+    static const QString kRecordKeysKey;
+    static const QString kPauseKeysKey;
+    static const QString kStopKeysKey;
+    static const QString kAreaKey;
+    static const QString kOfferedRecordingsKey;
 
+    /// Binds all fields, which then hold the stored values.
     void bind(KelConfigIO &io);
 
-    /// Empty when none is known.
+    /// Empty if none is stored.
     QRect lastArea() const;
     static void saveArea(KelConfigIO &io, const QRect &area);
 };

@@ -34,9 +34,9 @@ SettingsDialog::SettingsDialog(const DockSettings &settings, DockConfigIO &io, Q
     tabs->addTab(createRecordingPage(), tr("Recording"));
     tabs->addTab(createSoundPage(), tr("Sound"));
     tabs->addTab(createShortcutsPage(), tr("Shortcuts"));
-    tabs->addTab(createProgramPage(), tr("Program"));
+    tabs->addTab(createGeneralPage(), tr("General"));
     auto *const close = new QPushButton(tr("&Close"), this);
-    close->setToolTip(tr("Everything is saved already (Esc)"));
+    close->setToolTip(tr("Changes are saved automatically (Esc)"));
     connect(close, &QPushButton::clicked, this, &QDialog::close);
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(tabs);
@@ -47,28 +47,28 @@ QWidget *SettingsDialog::createRecordingPage()
 {
     auto *const page = new QWidget;
     QFormLayout *const form = createForm(page);
-    form->addRow(tr("Recordings are kept in"), createFolderRow());
+    form->addRow(tr("Save recordings in"), createFolderRow());
     QVector<QPair<QString, int>> rates;
     for (const int fps : {5, 16, 24, 60})
-        rates.append({tr("%1 frames a second").arg(fps), fps});
-    addNumberChoice(form, {tr("&Frame rate"), tr("More frames show motion better and need more room")},
+        rates.append({tr("%1 fps").arg(fps), fps});
+    addNumberChoice(form, {tr("&Frame rate"), tr("A higher frame rate shows motion better and takes more disk space")},
                     KelMovieConfigKeys::kRecordFps, rates, gKelMovieConfig.recordFps);
-    QVector<QPair<QString, int>> delays{{tr("At once"), 0}};
+    QVector<QPair<QString, int>> delays{{tr("Immediately"), 0}};
     for (const int seconds : {1, 2, 3, 5, 10})
-        delays.append({tr("After %1 s").arg(seconds), seconds});
-    addNumberChoice(form, {tr("&Start"), tr("Time to get ready after the record button")},
+        delays.append({tr("After %n second(s)", nullptr, seconds), seconds});
+    addNumberChoice(form, {tr("&Start"), tr("Delay after you press the record button")},
                     KelMovieConfigKeys::kRecordDelay, delays, gKelMovieConfig.recordDelay);
-    addSwitch(form, {tr("Record the &mouse"), tr("Pointer, clicks and wheel, which can be hidden again later")},
+    addSwitch(form, {tr("Record the &mouse"), tr("Pointer, clicks and wheel; you can hide them later")},
               KelMovieConfigKeys::kRecordMouse, gKelMovieConfig.recordMouse);
-    addSwitch(form, {tr("Record the &keys that are typed"), tr("In whichever program; passwords, too")},
+    addSwitch(form, {tr("Record &keystrokes"), tr("In every program, including passwords")},
               KelMovieConfigKeys::kRecordKeyboard, gKelMovieConfig.recordKeyboard);
-    addSwitch(form, {tr("&Ask before keys are recorded"), tr("At the start of each recording with keys")},
+    addSwitch(form, {tr("&Ask before recording keystrokes"), tr("At the start of each recording")},
               KelMovieConfigKeys::kRecordDontShowRecordingWarning, !gKelMovieConfig.recordDontShowRecordingWarning,
               true);
     return page;
 }
 
-/// Its meters show before a recording whether anything will be heard.
+/// The level meters show before a recording whether sound arrives.
 QWidget *SettingsDialog::createSoundPage()
 {
     auto *const page = new QWidget;
@@ -89,9 +89,9 @@ QWidget *SettingsDialog::createFolderRow()
     m_folder = new QLabel(row);
     m_folder->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto *const choose = new QPushButton(tr("C&hange..."), row);
-    choose->setToolTip(tr("Chooses another folder for recordings"));
+    choose->setToolTip(tr("Choose another folder for recordings"));
     auto *const reset = new QPushButton(tr("&Default"), row);
-    reset->setToolTip(tr("Keeps recordings among your videos"));
+    reset->setToolTip(tr("Save recordings in your videos folder"));
     layout->addWidget(m_folder, 1);
     layout->addWidget(choose);
     layout->addWidget(reset);
@@ -103,7 +103,7 @@ QWidget *SettingsDialog::createFolderRow()
 
 void SettingsDialog::chooseFolder()
 {
-    const QString folder = QFileDialog::getExistingDirectory(this, tr("Folder for recordings"),
+    const QString folder = QFileDialog::getExistingDirectory(this, tr("Choose Folder for Recordings"),
                                                              RecordingsFolder(m_settings.recordingsFolder).root());
     if (!folder.isEmpty())
         useFolder(folder);
@@ -111,7 +111,7 @@ void SettingsDialog::chooseFolder()
 
 void SettingsDialog::useFolder(const QString &folder)
 {
-    m_io.saveString(DockSettings::RecordingsFolderKey, folder);
+    m_io.saveString(DockSettings::kRecordingsFolderKey, folder);
     m_folder->setText(QDir::toNativeSeparators(RecordingsFolder(m_settings.recordingsFolder).root()));
     emit folderChanged();
 }
@@ -120,44 +120,43 @@ QWidget *SettingsDialog::createShortcutsPage()
 {
     auto *const page = new QWidget;
     QFormLayout *const form = createForm(page);
-    auto *const note = new QLabel(tr("They work whichever program is in use."), page);
+    auto *const note = new QLabel(tr("These shortcuts work in every program."), page);
     form->addRow(note);
-    addShortcut(form, tr("Record"), DockSettings::RecordKeysKey, m_settings.recordKeys);
-    addShortcut(form, tr("Pause and resume"), DockSettings::PauseKeysKey, m_settings.pauseKeys);
-    addShortcut(form, tr("Stop"), DockSettings::StopKeysKey, m_settings.stopKeys);
+    addShortcut(form, tr("Record"), DockSettings::kRecordKeysKey, m_settings.recordKeys);
+    addShortcut(form, tr("Pause and resume"), DockSettings::kPauseKeysKey, m_settings.pauseKeys);
+    addShortcut(form, tr("Stop"), DockSettings::kStopKeysKey, m_settings.stopKeys);
     m_shortcutProblems = new QLabel(page);
     m_shortcutProblems->setWordWrap(true);
     form->addRow(m_shortcutProblems);
     return page;
 }
 
-QWidget *SettingsDialog::createProgramPage()
+QWidget *SettingsDialog::createGeneralPage()
 {
     auto *const page = new QWidget;
     QFormLayout *const form = createForm(page);
-    addNumberChoice(form, {tr("&Theme"), tr("Colors of the windows")}, DockSettings::ThemeKey,
-                    {{tr("As the desktop"), 0}, {tr("Light"), 1}, {tr("Dark"), 2}}, m_settings.theme);
-    addNumberChoice(form, {tr("T&oolbar"), tr("Buttons that the toolbar shows")},
-                    KelMovieConfigKeys::kRecordRecordToolbarDisplayType,
-                    {{tr("All buttons"), 0}, {tr("The most important buttons"), 1}},
-                    gKelMovieConfig.recordRecordToolbarDisplayType);
+    addNumberChoice(form, {tr("&Theme"), tr("Colors of the windows")}, DockSettings::kThemeKey,
+                    {{tr("Same as desktop"), 0}, {tr("Light"), 1}, {tr("Dark"), 2}}, m_settings.theme);
+    addNumberChoice(
+        form, {tr("T&oolbar"), tr("Buttons on the toolbar")}, KelMovieConfigKeys::kRecordRecordToolbarDisplayType,
+        {{tr("All buttons"), 0}, {tr("Essential buttons only"), 1}}, gKelMovieConfig.recordRecordToolbarDisplayType);
     auto *const language = new ChoiceBox(page);
-    language->setToolTip(tr("Language of this program"));
-    language->addItem(tr("As the desktop"), QString());
+    language->setToolTip(tr("Language of the user interface"));
+    language->addItem(tr("Same as desktop"), QString());
     language->addItem(QStringLiteral("English"), QStringLiteral("en"));
-    language->addItem(QString::fromUtf8("简体中文"), QStringLiteral("zh_CN"));
+    language->addItem(QStringLiteral("简体中文"), QStringLiteral("zh_CN"));
     language->setCurrentIndex(qMax(0, language->findData(m_settings.language)));
     form->addRow(tr("&Language"), language);
-    auto *const restart = new QLabel(tr("Another language is used from the next start on."), page);
+    auto *const restart = new QLabel(tr("Restart the program to change the language."), page);
     restart->hide();
     form->addRow(QString(), restart);
     connect(language, QOverload<int>::of(&QComboBox::activated), this, [this, language, restart] {
-        m_io.saveString(DockSettings::LanguageKey, language->currentData().toString());
+        m_io.saveString(DockSettings::kLanguageKey, language->currentData().toString());
         restart->show();
     });
     addSwitch(
         form,
-        {tr("Play with the &graphics card"), tr("Recordings are decoded by the graphics card where it is able to")},
+        {tr("Use the &graphics card for playback"), tr("Decode recordings on the graphics card if it supports this")},
         KelMovieConfigKeys::kRecordEnableHardwareAcceleration, gKelMovieConfig.recordEnableHardwareAcceleration);
     return page;
 }
@@ -197,7 +196,7 @@ void SettingsDialog::addNumberChoice(QFormLayout *form, const Texts &texts, cons
     for (const auto &choice : choices)
         box->addItem(choice.first, choice.second);
     if (box->findData(value) < 0)
-        box->addItem(QString::number(value), value); // set by hand in the file
+        box->addItem(QString::number(value), value); // edited in the settings file
     box->setCurrentIndex(box->findData(value));
     addRow(form, texts, box);
     connect(box, QOverload<int>::of(&QComboBox::activated), this, [this, key, box] {
@@ -210,10 +209,10 @@ void SettingsDialog::addShortcut(QFormLayout *form, const QString &label, const 
 {
     auto *const edit = new QKeySequenceEdit(QKeySequence(value, QKeySequence::PortableText));
     edit->setAccessibleName(label);
-    edit->setToolTip(tr("Press the keys that shall do it"));
+    edit->setToolTip(tr("Press the new shortcut"));
     edit->installEventFilter(this);
     auto *const clear = new QPushButton(tr("None"));
-    clear->setAccessibleName(tr("%1: no shortcut").arg(label));
+    clear->setAccessibleName(tr("Remove shortcut: %1").arg(label));
     clear->setToolTip(clear->accessibleName());
     auto *const row = new QHBoxLayout;
     row->addWidget(edit, 1);

@@ -1,40 +1,45 @@
 #pragma once
 
 #include <QDialog>
+#include <QPair>
+#include <QVector>
 
 class DockConfigIO;
 class QFormLayout;
 class QLabel;
 struct DockSettings;
 
-/// The settings of the recorder. Each change is in force and saved at once. GUI thread.
+/// The settings of the recorder. Changes take effect and are saved immediately. GUI thread.
 class SettingsDialog : public QDialog
 {
     Q_OBJECT
 
 public:
+    /// Both must outlive the dialog.
     SettingsDialog(const DockSettings &settings, DockConfigIO &io, QWidget *parent = nullptr);
 
-    /// Empty when all combinations work.
+    /// Shortcuts that do not work, one per line; empty if all work.
     void showShortcutProblems(const QString &problems);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 signals:
+    /// A setting has changed, other than the folder or a shortcut.
     void changed();
     void folderChanged();
+    /// The user edits a shortcut: until the edit ends, the shortcuts must not trigger.
     void shortcutEditBegun();
     void shortcutEditEnded();
 
 private:
     struct Texts {
-        QString label; ///< with its mnemonic
+        QString label; ///< with a mnemonic
         QString toolTip;
     };
 
     QWidget *createRecordingPage();
     QWidget *createSoundPage();
-    QWidget *createProgramPage();
+    QWidget *createGeneralPage();
     QWidget *createShortcutsPage();
     QWidget *createFolderRow();
     void chooseFolder();

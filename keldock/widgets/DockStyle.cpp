@@ -3,7 +3,7 @@
 #include "dockicon/KelDockIcon.h"
 #include "style/KelStyleTheme.h"
 
-// A static library's resources are not there by themselves. Must stand outside of every namespace.
+// A static library does not register its resources by itself. Q_INIT_RESOURCE must be used outside of namespaces.
 static void initResources()
 {
     Q_INIT_RESOURCE(widgets);
@@ -12,6 +12,6 @@ static void initResources()
 void applyDockStyle(QWidget *widget, const QString &sheet)
 {
     initResources();
-    KelDockIcon::family(); // loaded before a sheet names it
-    KelStyleTheme::instance()->appleStyleTo(widget, {QStringLiteral(":/KelDock/") + sheet});
+    KelDockIcon::family(); // loads the font before a sheet refers to it
+    KelStyleTheme::instance()->appleStyleTo(widget, {QLatin1String(":/KelDock/") + sheet});
 }

@@ -3,6 +3,6 @@
 class QString;
 class QWidget;
 
-/// Styles a widget with a sheet of this folder, in the present theme and from now on: "Window" is for windows and the
-/// dialogs that belong to them, "StripButton" for flat buttons with a glyph.
+/// Styles a widget with one of the sheets next to this file and keeps it up to date with the theme: "Window" for
+/// windows and their dialogs, "Bar" for floating bars, "StripButton" and "SwitchButton" for flat buttons with a glyph.
 void applyDockStyle(QWidget *widget, const QString &sheet);

@@ -3,7 +3,7 @@
 #include <QDesktopServices>
 #include <QUrl>
 
-void showInFileManager(const QString &folder)
+void openInFileManager(const QString &folder)
 {
     QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
 }

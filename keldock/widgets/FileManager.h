@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+class QString;
 
-/// Shows a folder in the desktop's file manager.
-void showInFileManager(const QString &folder);
+/// Opens a folder in the desktop's file manager.
+void openInFileManager(const QString &folder);

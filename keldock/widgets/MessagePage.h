@@ -9,7 +9,7 @@
 class QHBoxLayout;
 class QLabel;
 
-/// A page instead of a picture: what is the matter, and what one can do about it.
+/// A page that is shown when there is no content: a message and buttons to resolve the situation.
 class MessagePage : public QWidget
 {
     Q_OBJECT
@@ -17,12 +17,12 @@ class MessagePage : public QWidget
 public:
     explicit MessagePage(KelDockIcon::Glyph glyph, QWidget *parent = nullptr);
 
-    /// `detail` may be empty. Shown as plain text.
+    /// Both are plain text; `detail` may be empty.
     void setMessage(const QString &title, const QString &detail);
     QString title() const;
     QString detail() const;
 
-    /// A button; the first one is the main one.
+    /// Adds a button. The first one is the primary one.
     void addAction(const QString &text, const QString &toolTip, const std::function<void()> &action);
 
 private:

@@ -1,6 +1,6 @@
 #include "widgets/NoticeBar.h"
 
-#include "widgets/StripButton.h"
+#include "widgets/FlatButton.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -15,7 +15,7 @@ NoticeBar::NoticeBar(QWidget *parent)
     m_label->setWordWrap(true);
     m_button = new QPushButton(this);
     connect(m_button, &QPushButton::clicked, this, [this] { m_action(); });
-    QPushButton *const close = stripButton(KelDockIcon::Glyph::Close, tr("Hide this notice"), this);
+    QPushButton *const close = createStripButton(KelDockIcon::Glyph::Close, tr("Hide this notice"), this);
     connect(close, &QPushButton::clicked, this, &QWidget::hide);
 
     auto *const layout = new QHBoxLayout(this);
@@ -25,7 +25,7 @@ NoticeBar::NoticeBar(QWidget *parent)
     hide();
 }
 
-void NoticeBar::tell(const QString &text, const QString &actionText, const std::function<void()> &action)
+void NoticeBar::showNotice(const QString &text, const QString &actionText, const std::function<void()> &action)
 {
     m_label->setText(text);
     m_action = action;

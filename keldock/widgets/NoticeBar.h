@@ -7,7 +7,7 @@
 class QLabel;
 class QPushButton;
 
-/// One line in a window that tells something and may offer to do something about it. Hidden until there is a notice.
+/// A line of text in a window with an optional button and a close button. Hidden until there is a notice.
 class NoticeBar : public QFrame
 {
     Q_OBJECT
@@ -15,8 +15,10 @@ class NoticeBar : public QFrame
 public:
     explicit NoticeBar(QWidget *parent = nullptr);
 
-    /// In place of the notice before. Without `action` there is no button for it.
-    void tell(const QString &text, const QString &actionText = QString(), const std::function<void()> &action = {});
+    /// Replaces the previous notice. `actionText` labels the button; without `action` there is none.
+    void showNotice(const QString &text, const QString &actionText = QString(),
+                    const std::function<void()> &action = {});
+    /// The notice that is shown; empty while the bar is hidden.
     QString text() const;
 
 private:

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "dockicon/KelDockIcon.h"
+#include "widgets/DockColors.h"
 
-/// The program's own picture, which its windows have; tools/program_icon makes the file for Windows of it.
+/// The icon of the program and its windows. The build tool program_icon renders the icon file for Windows from it.
 inline QIcon programIcon()
 {
-    return KelDockIcon::icon(KelDockIcon::Glyph::Record, QColor(0xe1, 0x3d, 0x30));
+    return KelDockIcon::icon(KelDockIcon::Glyph::Record, QColor(DockColors::kRecording));
 }

@@ -2,6 +2,6 @@
 
 #include <QSettings>
 
-/// What windows remember of themselves, apart from the settings that the user makes: places, folders, last choices.
-/// One that cannot be read or written costs only that.
+/// What windows remember between runs, apart from the user's settings: geometry, folders, last choices. Problems with
+/// the file are ignored.
 QSettings windowStore();

@@ -9,11 +9,11 @@
 #include <chrono>
 #include <thread>
 
-/// A screen that shows one plain colour after the other, so that a picture of it tells when it was taken.
+/// A window that shows a sequence of solid colors, so that a captured frame reveals when it was captured.
 class ColorScene
 {
 public:
-    static constexpr int Steps = 64;
+    static constexpr int kSteps = 64;
 
     explicit ColorScene(const QRect &rect, const QByteArray &display = {})
         : m_thread([this, rect, display] { run(rect, display); })
@@ -28,12 +28,12 @@ public:
         m_thread.join();
     }
 
-    static QColor color(int step) { return QColor::fromRgb(4 * (step % Steps), 255 - 4 * (step % Steps), 128); }
+    static QColor color(int step) { return QColor::fromRgb(4 * (step % kSteps), 255 - 4 * (step % kSteps), 128); }
 
-    /// The step whose colour it is, -1 for a colour that never was on the screen.
+    /// The step that has this color; -1 for any other color.
     static int step(const QColor &seen)
     {
-        for (int i = 0; i < Steps; ++i) {
+        for (int i = 0; i < kSteps; ++i) {
             const QColor known = color(i);
             if (qAbs(known.red() - seen.red()) < 2 && qAbs(known.green() - seen.green()) < 2 &&
                 qAbs(known.blue() - seen.blue()) < 2)
@@ -49,7 +49,7 @@ private:
         m_isShown = true;
         for (int i = 1; !m_isEnding; ++i) {
             window.paint(color(i).rgb());
-            std::this_thread::sleep_for(std::chrono::milliseconds(40)); // how fast the screen changes
+            std::this_thread::sleep_for(std::chrono::milliseconds(40)); // time between color changes
         }
     }
 

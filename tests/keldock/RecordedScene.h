@@ -6,17 +6,17 @@
 
 #include <QtTest>
 
-/// What is recorded, and the same for the command line.
-inline const QRect SceneRect(20, 30, 320, 240);
-inline const QString Area = QStringLiteral("20,30,320x240");
+/// The recorded area, and the same as an argument of the command line.
+inline const QRect kSceneRect(20, 30, 320, 240);
+inline const QString kArea = "20,30,320x240";
 
-/// Starts the program and returns when it records.
+/// Starts the program and returns when it is recording.
 inline void startRecording(QProcess &process, const QString &out, const QByteArray &display = {})
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     if (!display.isEmpty())
         environment.insert("DISPLAY", display);
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(KELDOCK_PROGRAM), {"record", "--area", Area, "--fps", "20", "--out", out});
-    QTRY_VERIFY_WITH_TIMEOUT(isUnderWay(out), Keldock::LimitMs);
+    process.start(KELDOCK_PROGRAM, {"record", "--area", kArea, "--fps", "20", "--out", out});
+    QTRY_VERIFY_WITH_TIMEOUT(isInProgress(out), Keldock::kLimitMs);
 }

@@ -11,16 +11,15 @@
 #include <QJsonObject>
 #include <QString>
 
-/// What `keldock info --json` tells.
+/// The output of `keldock info --json`.
 inline QJsonObject recordingInfo(const QString &recording)
 {
     return QJsonDocument::fromJson(Keldock::run({"info", recording, "--json"}).output.toUtf8()).object();
 }
 
-/// Pictures are on disk, and there is more to come.
-inline bool isUnderWay(const QString &recording)
+/// Whether frames and metadata of a recording in progress are on disk.
+inline bool isInProgress(const QString &recording)
 {
-    // The metadata of a recording under way is brought up to date now and then.
     return QFileInfo(recording + "/Screen/screen_record.mp4").size() > 0 &&
            recordingInfo(recording).value("actualRecordedFrames").toInt() > 0;
 }

@@ -9,8 +9,8 @@
 #include <QWindow>
 #include <QtTest>
 
-/// Choosing an area with mouse and keys, as the windows that a person sees get them; and where the toolbar goes then.
-/// Qt's offscreen screen has 800x600 pixels.
+/// Choosing an area by mouse and keyboard events on the overlays, and placing the toolbar. Qt's offscreen screen has
+/// 800x600 pixels.
 class AreaPickerTest : public QObject
 {
     Q_OBJECT
@@ -55,13 +55,13 @@ void AreaPickerTest::picks_data()
 
     row("draw", none, "drag 100,120 299,219", QRect(100, 120, 200, 100));
     row("draw from the lower right", none, "drag 299,219 100,120", QRect(100, 120, 200, 100));
-    row("draw anew beside the last one", area, "drag 20,20 119,69", QRect(20, 20, 100, 50));
+    row("draw a new area beside the last one", area, "drag 20,20 119,69", QRect(20, 20, 100, 50));
     row("draw to the edge of the screen", none, "drag 700,500 799,599", QRect(700, 500, 100, 100));
-    row("a slip is no area", area, "drag 20,20 25,25", area);
+    row("a tiny drag is ignored", area, "drag 20,20 25,25", area);
     row("last area", area, "", area);
     row("last area of a larger screen", QRect(700, 500, 300, 300), "", QRect(700, 500, 100, 100));
     row("move", area, "drag 350,300 360,280", QRect(210, 180, 300, 200));
-    row("move as far as it goes", area, "drag 350,300 799,0", QRect(500, 0, 300, 200));
+    row("move to the edge of the screen", area, "drag 350,300 799,0", QRect(500, 0, 300, 200));
     row("left", area, "drag 200,300 180,310", QRect(180, 200, 320, 200));
     row("right", area, "drag 499,300 519,310", QRect(200, 200, 320, 200));
     row("top", area, "drag 350,200 340,190", QRect(200, 190, 300, 210));
@@ -70,9 +70,9 @@ void AreaPickerTest::picks_data()
     row("top right", area, "drag 499,200 509,180", QRect(200, 180, 310, 220));
     row("bottom right", area, "drag 499,399 509,419", QRect(200, 200, 310, 220));
     row("bottom left", area, "drag 200,399 190,419", QRect(190, 200, 310, 220));
-    row("an edge from outside", area, "drag 195,300 175,300", QRect(180, 200, 320, 200));
-    row("an edge across the other", area, "drag 200,300 600,300", QRect(500, 200, 100, 200));
-    row("never too narrow", area, "drag 200,300 498,300", QRect(484, 200, 16, 200));
+    row("an edge, pressed outside of it", area, "drag 195,300 175,300", QRect(180, 200, 320, 200));
+    row("an edge across the opposite one", area, "drag 200,300 600,300", QRect(500, 200, 100, 200));
+    row("minimum width", area, "drag 200,300 498,300", QRect(484, 200, 16, 200));
     row("arrows", area, "Right Down Down Left Left", QRect(199, 202, 300, 200));
     row("arrows with Shift", area, "Shift+Left Shift+Up", QRect(190, 190, 300, 200));
     row("arrows with Ctrl", area, "Ctrl+Right Ctrl+Up", QRect(200, 200, 301, 199));
@@ -80,10 +80,11 @@ void AreaPickerTest::picks_data()
     row("arrows at the edge", QRect(5, 5, 100, 100), "Shift+Left Shift+Up", QRect(0, 0, 100, 100));
     row("whole screen", none, "Ctrl+A", QRect(0, 0, 800, 600));
     row("a window", none, "click 640,120", QRect(600, 100, 150, 100));
-    row("the upper of two windows", none, "click 610,110", QRect(600, 100, 40, 20));
-    row("a window that is only pointed at", none, "point 640,120", QRect(600, 100, 150, 100));
-    row("no window within the area", QRect(550, 50, 240, 240), "click 640,120", QRect(550, 50, 240, 240));
-    row("a window beyond the screen", none, "click 20,580", QRect(0, 560, 50, 40));
+    row("the topmost of two windows", none, "click 610,110", QRect(600, 100, 40, 20));
+    row("a window under the pointer", none, "point 640,120", QRect(600, 100, 150, 100));
+    row("a click within the area selects no window", QRect(550, 50, 240, 240), "click 640,120",
+        QRect(550, 50, 240, 240));
+    row("a window partly off the screen", none, "click 20,580", QRect(0, 560, 50, 40));
     row("nothing to accept", none, "point 400,550", none);
     row("double click", area, "double 300,300", area);
     row("Escape", area, "Escape", none);
@@ -127,7 +128,7 @@ void AreaPickerTest::picks()
     }
 }
 
-/// "Ctrl+Left", "click 10,20", "drag 10,20" and "dragged 30,40" for the two ends of a drag, …
+/// "Ctrl+Left", "click 10,20", "drag 10,20" for the start of a drag, "dragged 30,40" for its end, …
 void AreaPickerTest::act(const QString &step)
 {
     const QString verb = step.section(' ', 0, 0);
@@ -136,7 +137,7 @@ void AreaPickerTest::act(const QString &step)
         QTest::mouseMove(m_overlay, at);
         QTest::mousePress(m_overlay, Qt::LeftButton, {}, at);
     } else if (verb == "dragged") {
-        QTest::mouseMove(m_overlay, at + QPoint(7, 3)); // a hand goes no straight line
+        QTest::mouseMove(m_overlay, at + QPoint(7, 3)); // not on a straight line
         QTest::mouseMove(m_overlay, at);
         QTest::mouseRelease(m_overlay, Qt::LeftButton, {}, at);
     } else if (verb == "point") {
@@ -159,13 +160,13 @@ void AreaPickerTest::toolbarPlacement_data()
 {
     QTest::addColumn<QRect>("area");
     QTest::addColumn<int>("screens");
-    QTest::addColumn<QPoint>("place"); // far outside: none
+    QTest::addColumn<QPoint>("place"); // none: there is no place
     const QPoint none(-9999, -9999);
     QTest::newRow("below") << QRect(300, 200, 400, 300) << 1 << QPoint(300, 512);
     QTest::newRow("above") << QRect(300, 200, 400, 600) << 1 << QPoint(300, 148);
     QTest::newRow("right") << QRect(0, 0, 500, 800) << 1 << QPoint(512, 380);
     QTest::newRow("left") << QRect(500, 0, 500, 800) << 1 << QPoint(88, 380);
-    QTest::newRow("kept on the screen") << QRect(0, 200, 100, 100) << 1 << QPoint(0, 312);
+    QTest::newRow("clamped to the screen") << QRect(0, 200, 100, 100) << 1 << QPoint(0, 312);
     QTest::newRow("nowhere") << QRect(0, 0, 1000, 800) << 1 << none;
     QTest::newRow("on the other screen") << QRect(0, 0, 1000, 800) << 2 << QPoint(1012, 380);
 }

@@ -9,8 +9,8 @@ class CommandLineTest : public QObject
     Q_OBJECT
 
 private slots:
-    void helpTeaches_data();
-    void helpTeaches();
+    void help_data();
+    void help();
     void wrongUsage_data();
     void wrongUsage();
     void noRecording_data();
@@ -20,7 +20,7 @@ private slots:
     void lostOutput();
 };
 
-void CommandLineTest::helpTeaches_data()
+void CommandLineTest::help_data()
 {
     const TestTable<QStringList, QStringList> row("arguments", "mentions");
     row("overview", QStringList{"--help"},
@@ -35,7 +35,7 @@ void CommandLineTest::helpTeaches_data()
     row("version", QStringList{"--version"}, QStringList{"keldock 2.0.0", "2.0.0-multitrack"});
 }
 
-void CommandLineTest::helpTeaches()
+void CommandLineTest::help()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QStringList, mentions);
@@ -56,39 +56,39 @@ void CommandLineTest::wrongUsage_data()
     const auto row = [](const char *arguments, const char *hint) {
         QTest::newRow(arguments) << QString(arguments) << QString(hint);
     };
-    row("play", "no command 'play'");
+    row("play", "unknown command 'play'");
     row("record --out d", "--area X,Y,WxH or --screen N");
-    row("record --screen 0 --area 0,0,9x9 --out d", "exclude each other");
+    row("record --screen 0 --area 0,0,9x9 --out d", "cannot be combined");
     row("record --screen 0", "--out DIR is missing");
     row("record --screen 0 --out", "Missing value");
-    row("record --screen one --out d", "--screen takes a whole number");
-    row("record --area 0,0,0x10 --out d", "--area takes X,Y,WxH");
-    row("record --area 0,0,10x-1 --out d", "--area takes X,Y,WxH");
-    row("record --area 0,0,99999x99999 --out d", "--area takes X,Y,WxH");
-    row("record --area 10x10 --out d", "--area takes X,Y,WxH");
+    row("record --screen one --out d", "--screen must be an integer");
+    row("record --area 0,0,0x10 --out d", "--area must be X,Y,WxH");
+    row("record --area 0,0,10x-1 --out d", "--area must be X,Y,WxH");
+    row("record --area 0,0,99999x99999 --out d", "--area must be X,Y,WxH");
+    row("record --area 10x10 --out d", "--area must be X,Y,WxH");
     row("record --screen 0 --fps 0 --out d", "from 1 to 240");
     row("record --screen 0 --fps 241 --out d", "from 1 to 240");
-    row("record --screen 0 --duration nan --out d", "--duration takes a number");
-    row("record --screen 0 --duration -3 --out d", "--duration takes a number");
-    row("record --screen 0 --mouse --no-mouse --out d", "exclude each other");
-    row("record --screen 0 --out d extra", "'extra' is one argument too many");
-    row("record --screen 0 --out d --fast", "no option '--fast'");
+    row("record --screen 0 --duration nan --out d", "--duration must be a number");
+    row("record --screen 0 --duration -3 --out d", "--duration must be a number");
+    row("record --screen 0 --mouse --no-mouse --out d", "cannot be combined");
+    row("record --screen 0 --out d extra", "unexpected argument 'extra'");
+    row("record --screen 0 --out d --fast", "unknown option '--fast'");
     row("info", "DIR is missing");
-    row("info d e", "'e' is one argument too many");
+    row("info d e", "unexpected argument 'e'");
     row("export d", "FILE is missing");
-    row("export d f.avi", "tells no format");
-    row("export d f", "tells no format");
-    row("export d f.mp4 --format avi", "--format takes mp4, gif, apng or webp");
+    row("export d f.avi", "is not a known format");
+    row("export d f", "is not a known format");
+    row("export d f.mp4 --format avi", "--format must be mp4, gif, apng or webp");
     row("export d f.mp4 --speed 0.05", "from 0.1 to 16");
     row("export d f.mp4 --speed 17", "from 0.1 to 16");
-    row("export d f.mp4 --from -1", "--from takes a whole number");
-    row("export d f.mp4 --from 500 --to 500", "--to has to lie behind --from");
+    row("export d f.mp4 --from -1", "--from must be an integer");
+    row("export d f.mp4 --from 500 --to 500", "--to must be greater than --from");
     row("export d f.mp4 --quality 101", "from 0 to 100");
     row("export d f.mp4 --quality good", "small, balanced, best");
     row("export d f.mp4 --loops 65536", "from 0 to 65535");
-    row("export d f.mp4 --size 640x0", "--size takes WxH");
+    row("export d f.mp4 --size 640x0", "--size must be WxH");
     row("frame d 0", "FILE.png is missing");
-    row("frame d x f.png", "number of a frame");
+    row("frame d x f.png", "must be a frame number");
     row("frame d 0 f.jpg", "does not end in .png");
 }
 
@@ -108,7 +108,7 @@ void CommandLineTest::noRecording_data()
     const TestTable<QString, QString> row("directory", "reason");
     row("missing", "missing", "there is no directory");
     row("a file", "file", "is not a directory");
-    row("empty", "empty", "holds no recording");
+    row("empty", "empty", "does not contain a recording");
 }
 
 void CommandLineTest::noRecording()
@@ -121,25 +121,25 @@ void CommandLineTest::noRecording()
     QVERIFY(file.open(QIODevice::WriteOnly));
 
     const QString path = scratch.filePath(directory);
-    const QString product = scratch.filePath("product.gif");
-    const QString picture = scratch.filePath("product.png");
+    const QString animation = scratch.filePath("animation.gif");
+    const QString image = scratch.filePath("image.png");
     for (const QStringList &arguments :
-         {QStringList{"info", path}, QStringList{"info", path, "--json"}, QStringList{"export", path, product},
-          QStringList{"frame", path, "0", picture}}) {
+         {QStringList{"info", path}, QStringList{"info", path, "--json"}, QStringList{"export", path, animation},
+          QStringList{"frame", path, "0", image}}) {
         const Keldock keldock = Keldock::run(arguments);
         QVERIFY2(keldock.failedWith(reason), qPrintable(keldock.errors));
         QCOMPARE(keldock.output, QString());
     }
-    QVERIFY(!QFile::exists(product));
-    QVERIFY(!QFile::exists(picture));
+    QVERIFY(!QFile::exists(animation));
+    QVERIFY(!QFile::exists(image));
 }
 
 void CommandLineTest::noDisplay_data()
 {
     const TestTable<QString, QString, QString> row("display", "platform", "reason");
     row("none", "", "", "DISPLAY is not set");
-    row("nobody there", ":987", "", "cannot connect to display ':987'");
-    row("platform demanded", ":987", "xcb", "cannot connect to display ':987'");
+    row("no server", ":987", "", "cannot connect to display ':987'");
+    row("platform set", ":987", "xcb", "cannot connect to display ':987'");
 }
 
 void CommandLineTest::noDisplay()
@@ -159,7 +159,7 @@ void CommandLineTest::noDisplay()
     const Keldock keldock = Keldock::run({"record", "--screen", "0", "--out", out}, environment);
     QVERIFY2(keldock.failedWith(reason), qPrintable(keldock.errors));
     QVERIFY(!QFile::exists(out));
-    // The recorder's window needs one as well; what Qt writes about a platform that was demanded is not ours.
+    // The recorder needs a display as well. For a platform set by the user, the error message is Qt's.
     if (platform.isEmpty()) {
         const Keldock recorder = Keldock::run({}, environment);
         QCOMPARE(recorder.status, 1);
@@ -171,7 +171,7 @@ void CommandLineTest::lostOutput()
 {
     QProcess process;
     process.setStandardOutputFile("/dev/full");
-    process.start(QStringLiteral(KELDOCK_PROGRAM), {"--help"});
+    process.start(KELDOCK_PROGRAM, {"--help"});
     const Keldock keldock = Keldock::finish(process);
     QVERIFY2(keldock.failedWith("cannot write to standard output"), qPrintable(keldock.errors));
 }

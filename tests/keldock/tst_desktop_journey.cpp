@@ -16,17 +16,17 @@
 namespace
 {
 
-constexpr int LimitMs = 30000;
-const QRect Area(100, 80, 480, 360);
-const QPoint RecordButton(24, 22); // in the toolbar
-const QPoint PauseButton(58, 22);
+constexpr int kLimitMs = 30000;
+const QRect kArea(100, 80, 480, 360);
+const QPoint kRecordButton(24, 22); // in the toolbar
+const QPoint kPauseButton(58, 22);
 
-// Key codes of the keyboard that every X server here has.
+// The key codes of the X servers of the tests.
 enum Code { Return = 36, Ctrl = 37, Alt = 64, LetterE = 26, LetterR = 27, LetterP = 33, LetterS = 39 };
 
 } // namespace
 
-/// The recorder as a person uses it: the real program, driven by mouse and keys alone.
+/// The desktop recorder from end to end: the real program, driven only by mouse and keyboard.
 class DesktopJourneyTest : public QObject
 {
     Q_OBJECT
@@ -35,9 +35,9 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
     void recordsAnArea();
-    void showsTheRecording();
+    void playsTheRecording();
     void exportsTheRecording();
-    void secondProgramRaisesTheFirst();
+    void secondInstanceShowsTheFirst();
     void endOfSessionKeepsTheRecording();
 
 private:
@@ -46,7 +46,7 @@ private:
     void press(const QVector<int> &codes);
     void pressIn(const QByteArray &title, const QVector<int> &codes);
     QStringList recordings() const;
-    QColor frameColor() { return m_painter.grab(QRect(Area.left() - 3, Area.center().y(), 1, 1)).pixelColor(0, 0); }
+    QColor frameColor() { return m_painter.grab(QRect(kArea.left() - 3, kArea.center().y(), 1, 1)).pixelColor(0, 0); }
 
     QTemporaryDir m_home;
     QProcess m_recorder;
@@ -59,7 +59,7 @@ private:
 X11Windows::Window DesktopJourneyTest::waitFor(const QByteArray &title)
 {
     X11Windows::Window found;
-    const bool isThere = QTest::qWaitFor([&] { return bool(found = m_windows.find(title)); }, LimitMs);
+    const bool isThere = QTest::qWaitFor([&] { return bool(found = m_windows.find(title)); }, kLimitMs);
     return isThere ? found : X11Windows::Window();
 }
 
@@ -77,7 +77,7 @@ void DesktopJourneyTest::press(const QVector<int> &codes)
         m_input.key(*code, false);
 }
 
-/// There is no window manager here that gives a window the keyboard when it opens: Qt takes it some time later.
+/// Sets the focus, because there is no window manager that would give it to a new window.
 void DesktopJourneyTest::pressIn(const QByteArray &title, const QVector<int> &codes)
 {
     const X11Windows::Window window = waitFor(title);
@@ -106,9 +106,9 @@ void DesktopJourneyTest::initTestCase()
         qputenv(name, m_home.path().toUtf8());
     for (const char *name : {"XDG_CONFIG_HOME", "XDG_VIDEOS_DIR", "LANGUAGE", "LC_ALL", "LANG"})
         qunsetenv(name);
-    m_scene = std::make_unique<ColorScene>(Area);
+    m_scene = std::make_unique<ColorScene>(kArea);
     m_recorder.setProcessChannelMode(QProcess::ForwardedChannels);
-    m_recorder.start(QStringLiteral(KELDOCK_PROGRAM), QStringList());
+    m_recorder.start(KELDOCK_PROGRAM, QStringList());
     QVERIFY(waitFor("Screen recorder"));
 }
 
@@ -120,52 +120,52 @@ void DesktopJourneyTest::cleanupTestCase()
 
 void DesktopJourneyTest::recordsAnArea()
 {
-    // Nothing was chosen yet, so the wish to record leads to the choice first.
-    click(waitFor("Screen recorder").rect.topLeft() + RecordButton);
+    // Without an area, recording starts with choosing one.
+    click(waitFor("Screen recorder").rect.topLeft() + kRecordButton);
     QVERIFY(waitFor("Choose the area to record"));
-    m_input.move(Area.left(), Area.top());
+    m_input.move(kArea.left(), kArea.top());
     m_input.button(1, true);
-    m_input.move(Area.center().x(), Area.top() + 20);
-    m_input.move(Area.right(), Area.bottom());
+    m_input.move(kArea.center().x(), kArea.top() + 20);
+    m_input.move(kArea.right(), kArea.bottom());
     m_input.button(1, false);
     press({Return});
-    m_input.move(Area.right() + 100, Area.bottom() + 100);
-    pressIn("Recording keys", {Return});
-    QTRY_VERIFY_WITH_TIMEOUT(!recordings().isEmpty() && isUnderWay(recordings().first()), LimitMs);
-    QTRY_COMPARE_WITH_TIMEOUT(frameColor(), QColor(0xe1, 0x3d, 0x30), LimitMs);
+    m_input.move(kArea.right() + 100, kArea.bottom() + 100);
+    pressIn("Record keystrokes?", {Return});
+    QTRY_VERIFY_WITH_TIMEOUT(!recordings().isEmpty() && isInProgress(recordings().first()), kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(frameColor(), QColor(0xe1, 0x3d, 0x30), kLimitMs);
 
     const QRect toolbar = waitFor("Screen recorder").rect;
-    QVERIFY2(!toolbar.intersects(Area), "it stays out of the picture");
-    click(toolbar.topLeft() + PauseButton);
-    QTRY_VERIFY_WITH_TIMEOUT(frameColor() != QColor(0xe1, 0x3d, 0x30), LimitMs);
+    QVERIFY2(!toolbar.intersects(kArea), "the toolbar is outside of the recorded area");
+    click(toolbar.topLeft() + kPauseButton);
+    QTRY_VERIFY_WITH_TIMEOUT(frameColor() != QColor(0xe1, 0x3d, 0x30), kLimitMs);
     press({Ctrl, Alt, LetterP});
-    QTRY_COMPARE_WITH_TIMEOUT(frameColor(), QColor(0xe1, 0x3d, 0x30), LimitMs);
-    m_input.move(Area.center().x(), Area.center().y());
+    QTRY_COMPARE_WITH_TIMEOUT(frameColor(), QColor(0xe1, 0x3d, 0x30), kLimitMs);
+    m_input.move(kArea.center().x(), kArea.center().y());
     press({Ctrl, Alt, LetterS});
 }
 
-void DesktopJourneyTest::showsTheRecording()
+void DesktopJourneyTest::playsTheRecording()
 {
     QCOMPARE(recordings().size(), 1);
     const QString recording = recordings().first();
-    QVERIFY2(waitFor(QFileInfo(recording).fileName().toUtf8()), "the window that plays it");
-    QTRY_VERIFY2_WITH_TIMEOUT(!m_windows.find("Screen recorder"), "the toolbar steps aside", LimitMs);
-    const QJsonObject told = recordingInfo(recording);
-    QCOMPARE(told.value("complete").toBool(), true);
-    QCOMPARE(told.value("videoWidth").toInt(), Area.width());
-    QCOMPARE(told.value("videoHeight").toInt(), Area.height());
-    QCOMPARE(told.value("tracksPresent").toArray(), (QJsonArray{"screen", "mouse", "keyboard"}));
+    QVERIFY2(waitFor(QFileInfo(recording).fileName().toUtf8()), "the playback window");
+    QTRY_VERIFY2_WITH_TIMEOUT(!m_windows.find("Screen recorder"), "the toolbar steps aside", kLimitMs);
+    const QJsonObject info = recordingInfo(recording);
+    QCOMPARE(info.value("complete").toBool(), true);
+    QCOMPARE(info.value("videoWidth").toInt(), kArea.width());
+    QCOMPARE(info.value("videoHeight").toInt(), kArea.height());
+    QCOMPARE(info.value("tracksPresent").toArray(), (QJsonArray{"screen", "mouse", "keyboard"}));
 
-    const int frames = told.value("logicFrames").toInt();
+    const int frames = info.value("logicFrames").toInt();
     for (const int frame : {0, frames / 2}) {
         const QString file = m_home.filePath("frame.png");
         const Keldock keldock = Keldock::run({"frame", recording, QString::number(frame), file});
         QVERIFY2(keldock.status == 0, qPrintable(keldock.errors));
-        const QImage picture(file);
-        const QColor color = picture.pixelColor(0, 0);
-        QVERIFY2(ColorScene::step(color) >= 0, "the scene and nothing before it");
+        const QImage image(file);
+        const QColor color = image.pixelColor(0, 0);
+        QVERIFY2(ColorScene::step(color) >= 0, "shows the scene");
         for (const QPoint corner : {QPoint(479, 0), QPoint(0, 359), QPoint(479, 359)})
-            QCOMPARE(picture.pixelColor(corner), color); // neither frame nor toolbar nor countdown
+            QCOMPARE(image.pixelColor(corner), color); // no frame, toolbar or countdown
     }
 }
 
@@ -177,15 +177,15 @@ void DesktopJourneyTest::exportsTheRecording()
     const auto options = waitFor("Export Recording");
     pressIn("Export Recording", {Return});
     // The next dialog has the same title.
-    QTRY_VERIFY_WITH_TIMEOUT(m_windows.find("Export Recording").id != options.id, LimitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_windows.find("Export Recording").id != options.id, kLimitMs);
     pressIn("Export Recording", {Return});
     pressIn("Export Complete", {Return});
-    QTRY_VERIFY_WITH_TIMEOUT(!m_windows.find("Export Complete"), LimitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_windows.find("Export Complete"), kLimitMs);
     QCOMPARE(readAll(file).mid(4, 4), QByteArray("ftyp"));
     QVERIFY(m_windows.find(name.toUtf8()));
 }
 
-void DesktopJourneyTest::secondProgramRaisesTheFirst()
+void DesktopJourneyTest::secondInstanceShowsTheFirst()
 {
     const Keldock second = Keldock::run({});
     QCOMPARE(second.status, 0);
@@ -194,13 +194,13 @@ void DesktopJourneyTest::secondProgramRaisesTheFirst()
 
 void DesktopJourneyTest::endOfSessionKeepsTheRecording()
 {
-    press({Ctrl, Alt, LetterR}); // the area is known by now
-    QVERIFY(waitFor("Recording keys"));
-    press({Ctrl, Alt, LetterR}); // an impatient hand is not asked twice
-    pressIn("Recording keys", {Return});
-    QTRY_VERIFY_WITH_TIMEOUT(recordings().size() == 2 && isUnderWay(recordings().last()), LimitMs);
+    press({Ctrl, Alt, LetterR}); // the area is already chosen
+    QVERIFY(waitFor("Record keystrokes?"));
+    press({Ctrl, Alt, LetterR}); // must not ask twice
+    pressIn("Record keystrokes?", {Return});
+    QTRY_VERIFY_WITH_TIMEOUT(recordings().size() == 2 && isInProgress(recordings().last()), kLimitMs);
     ::kill(static_cast<pid_t>(m_recorder.processId()), SIGTERM);
-    QVERIFY(m_recorder.waitForFinished(LimitMs));
+    QVERIFY(m_recorder.waitForFinished(kLimitMs));
     QCOMPARE(m_recorder.exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_recorder.exitCode(), 0);
     QCOMPARE(recordingInfo(recordings().last()).value("complete").toBool(), true);

@@ -12,55 +12,55 @@ class DiskGuardTest : public QObject
 private slots:
     void warnsAndStops_data();
     void warnsAndStops();
-    void looksAtTheRealDisk();
+    void examinesTheRealDisk();
 };
 
 void DiskGuardTest::warnsAndStops_data()
 {
-    constexpr qint64 GB = 1'000'000'000;
-    constexpr qint64 MB = 1'000'000;
+    constexpr qint64 kGB = 1'000'000'000;
+    constexpr qint64 kMB = 1'000'000;
     QTest::addColumn<DiskGuard::Reading>("reading");
-    QTest::addColumn<QString>("told");
-    QTest::addColumn<bool>("mayBegin");
-    const auto row = [](const char *name, const DiskGuard::Reading &reading, const char *told, bool mayBegin) {
-        QTest::newRow(name) << reading << QString(told) << mayBegin;
+    QTest::addColumn<QString>("emitted");
+    QTest::addColumn<bool>("canStart");
+    const auto row = [](const char *name, const DiskGuard::Reading &reading, const char *emitted, bool canStart) {
+        QTest::newRow(name) << reading << QString(emitted) << canStart;
     };
-    row("plenty", {500 * GB, 10 * MB, 10'000}, "", true);
-    row("just enough", {2 * GB, 0, 0}, "", true);
-    row("below two gigabytes", {2 * GB - 1, 0, 0}, "low -1", true);
-    row("less than five minutes at this rate", {5 * GB, 200 * MB, 10'000}, "low 240", true);
-    row("just five minutes at this rate", {6200 * MB, 200 * MB, 10'000}, "", true);
-    row("a rate that is not steady yet", {5 * GB, 200 * MB, 4'000}, "", true);
-    row("full", {200 * MB - 1, 0, 0}, "full", false);
-    row("not known", {-1, 0, 0}, "", true);
-    row("deleted", {500 * GB, 0, 0, false}, "lost", true);
+    row("plenty", {500 * kGB, 10 * kMB, 10'000}, "", true);
+    row("just enough", {2 * kGB, 0, 0}, "", true);
+    row("below two gigabytes", {2 * kGB - 1, 0, 0}, "low -1", true);
+    row("less than five minutes at this rate", {5 * kGB, 200 * kMB, 10'000}, "low 240", true);
+    row("five minutes at this rate", {6200 * kMB, 200 * kMB, 10'000}, "", true);
+    row("rate not settled yet", {5 * kGB, 200 * kMB, 4'000}, "", true);
+    row("full", {200 * kMB - 1, 0, 0}, "full", false);
+    row("unknown", {-1, 0, 0}, "", true);
+    row("deleted", {500 * kGB, 0, 0, false}, "lost", true);
 }
 
 void DiskGuardTest::warnsAndStops()
 {
     QFETCH(DiskGuard::Reading, reading);
-    QFETCH(QString, told);
-    QFETCH(bool, mayBegin);
+    QFETCH(QString, emitted);
+    QFETCH(bool, canStart);
     DiskGuard guard;
     guard.setReader([&](const QString &) { return reading; });
-    QStringList heard;
+    QStringList received;
     connect(&guard, &DiskGuard::low, this,
-            [&](qint64, qint64 secondsLeft) { heard += QString("low %1").arg(secondsLeft); });
-    connect(&guard, &DiskGuard::full, this, [&] { heard += "full"; });
-    connect(&guard, &DiskGuard::directoryLost, this, [&] { heard += "lost"; });
+            [&](qint64, qint64 secondsLeft) { received += QString("low %1").arg(secondsLeft); });
+    connect(&guard, &DiskGuard::full, this, [&] { received += "full"; });
+    connect(&guard, &DiskGuard::directoryLost, this, [&] { received += "lost"; });
 
-    QCOMPARE(guard.hasRoom("dir"), mayBegin);
+    QCOMPARE(guard.hasRoom("dir"), canStart);
     guard.watch("dir");
-    QCOMPARE(heard.join(' '), told);
-    if (told.startsWith("low")) {
+    QCOMPARE(received.join(' '), emitted);
+    if (emitted.startsWith("low")) {
         guard.check();
-        QCOMPARE(heard.size(), 1); // a person was told once
+        QCOMPARE(received.size(), 1); // warns once per recording
         guard.watch("next");
-        QCOMPARE(heard.size(), 2);
+        QCOMPARE(received.size(), 2);
     }
 }
 
-void DiskGuardTest::looksAtTheRealDisk()
+void DiskGuardTest::examinesTheRealDisk()
 {
     QTemporaryDir dir;
     DiskGuard guard;

@@ -13,10 +13,10 @@ class DockConfigTest : public QObject
 
 private slots:
     void init();
-    void keepsEverything();
-    void garbledStore_data();
-    void garbledStore();
-    void storeThatCannotBeWritten();
+    void savesAndLoads();
+    void damagedFile_data();
+    void damagedFile();
+    void unwritableFile();
 
 private:
     void write(const QByteArray &content) const;
@@ -40,7 +40,7 @@ void DockConfigTest::write(const QByteArray &content) const
     QCOMPARE(file.write(content), content.size());
 }
 
-void DockConfigTest::keepsEverything()
+void DockConfigTest::savesAndLoads()
 {
     {
         DockConfigIO io(m_path);
@@ -49,12 +49,12 @@ void DockConfigTest::keepsEverything()
         settings.bind(io);
         QVERIFY(settings.lastArea().isEmpty());
         io.saveFonts();
-        QVERIFY2(!QFile::exists(m_path), "nothing was changed");
+        QVERIFY2(!QFile::exists(m_path), "nothing was changed, so nothing is saved");
 
         io.saveInt("KelMovie.record.fps", 60);
         io.saveBool("KelMovie.record.keyboard", false);
         io.saveColor("KelMovie.playback.mouse.color", QColor(1, 2, 3, 4));
-        io.saveString(DockSettings::StopKeysKey, "Ctrl+Shift+F9");
+        io.saveString(DockSettings::kStopKeysKey, "Ctrl+Shift+F9");
         DockSettings::saveArea(io, QRect(-1280, 5, 640, 480));
         gKelMovieConfig.playbackKeyboardFont = QFont("DejaVu Sans", 17);
         io.saveFonts();
@@ -79,22 +79,22 @@ void DockConfigTest::keepsEverything()
     KelMovieConfigInit(nullptr);
 }
 
-void DockConfigTest::garbledStore_data()
+void DockConfigTest::damagedFile_data()
 {
     const TestTable<QByteArray, QString, bool> row("content", "problem", "isKept");
-    row("no number", QByteArray("[General]\nKelMovie.record.delay=5\nKelMovie.record.fps=many\n"),
+    row("not a number", QByteArray("[General]\nKelMovie.record.delay=5\nKelMovie.record.fps=many\n"),
         "KelMovie.record.fps", false);
-    row("no colour",
+    row("not a color",
         QByteArray("[General]\nKelMovie.playback.mouse.color=mauvish\n"
                    "KelMovie.record.delay=5\n"),
         "KelMovie.playback.mouse.color", false);
     row("neither true nor false", QByteArray("[General]\nKelMovie.record.mouse=\nKelMovie.record.delay=5\n"),
         "KelMovie.record.mouse", false);
-    row("no settings file", QByteArray("[General]\nKelMovie.record.delay=5\n<?xml garbage\n\x01\x02"), ".damaged",
+    row("not a settings file", QByteArray("[General]\nKelMovie.record.delay=5\n<?xml garbage\n\x01\x02"), ".damaged",
         true);
 }
 
-void DockConfigTest::garbledStore()
+void DockConfigTest::damagedFile()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, problem);
@@ -106,7 +106,7 @@ void DockConfigTest::garbledStore()
     QCOMPARE(gKelMovieConfig.recordFps, defaults.recordFps);
     QCOMPARE(gKelMovieConfig.recordMouse, defaults.recordMouse);
     QCOMPARE(gKelMovieConfig.playbackMouseColor, defaults.playbackMouseColor);
-    QCOMPARE(gKelMovieConfig.recordDelay, 5); // what can be read is used
+    QCOMPARE(gKelMovieConfig.recordDelay, 5); // readable settings are used
     QVERIFY2(io.problem().contains(problem), qPrintable(io.problem()));
     QFile copy(m_path + ".damaged");
     QCOMPARE(copy.open(QIODevice::ReadOnly), isKept);
@@ -115,9 +115,9 @@ void DockConfigTest::garbledStore()
     KelMovieConfigInit(nullptr);
 }
 
-void DockConfigTest::storeThatCannotBeWritten()
+void DockConfigTest::unwritableFile()
 {
-    // A directory in the file's place: it cannot be written by anybody, not even by root.
+    // A directory instead of the file, which not even root can write to.
     QVERIFY(QDir().mkpath(m_path + "/x"));
     DockConfigIO io(m_path);
     KelMovieConfigInit(&io);
@@ -126,7 +126,7 @@ void DockConfigTest::storeThatCannotBeWritten()
     io.saveInt("KelMovie.record.delay", 3);
     QCOMPARE(gKelMovieConfig.recordFps, 16);
     QCOMPARE(gKelMovieConfig.recordDelay, 3);
-    QCOMPARE(problems.size() + (io.problem().contains("read") ? 1 : 0), 1); // told once
+    QCOMPARE(problems.size() + (io.problem().contains("read") ? 1 : 0), 1); // reported once
     KelMovieConfigInit(nullptr);
 }
 

@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-/// From a recording to files that other programs open, with the real program.
+/// Exporting from the command line, with the real program.
 class ExportJourneyTest : public QObject
 {
     Q_OBJECT
@@ -47,13 +47,13 @@ void ExportJourneyTest::exports_data()
     QTest::addColumn<int>("offset");
     QTest::addColumn<QByteArray>("signature");
     QTest::newRow("mp4") << QStringList() << "a.mp4" << 4 << QByteArray("ftyp");
-    QTest::newRow("gif, a part") << QStringList{"--from", "300", "--to", "900", "--fps", "10"} << "a.gif" << 0
-                                 << QByteArray("GIF89a");
+    QTest::newRow("gif, part") << QStringList{"--from", "300", "--to", "900", "--fps", "10"} << "a.gif" << 0
+                               << QByteArray("GIF89a");
     QTest::newRow("apng, faster") << QStringList{"--speed", "3"} << "a.png" << 1 << QByteArray("PNG");
     QTest::newRow("webp, to the end") << QStringList{"--from", "1000", "--quality", "40"} << "a.webp" << 8
                                       << QByteArray("WEBP");
     QTest::newRow("format by option") << QStringList{"--format", "gif"} << "a.bin" << 0 << QByteArray("GIF89a");
-    QTest::newRow("name beyond ASCII") << QStringList() << QString::fromUtf8("录制.mp4") << 4 << QByteArray("ftyp");
+    QTest::newRow("non-ASCII name") << QStringList() << QString::fromUtf8("录制.mp4") << 4 << QByteArray("ftyp");
 }
 
 void ExportJourneyTest::exports()
@@ -63,11 +63,11 @@ void ExportJourneyTest::exports()
     QFETCH(int, offset);
     QFETCH(QByteArray, signature);
     const QString file = path(name);
-    QVERIFY(writeAll(file, "an older file of that name"));
+    QVERIFY(writeAll(file, "an older file"));
     const Keldock keldock = Keldock::run(QStringList{"export", m_recording, file} + options);
     QVERIFY2(keldock.status == 0, qPrintable(keldock.errors));
     QCOMPARE(keldock.errors, QString());
-    QVERIFY2(!keldock.output.contains('\r'), "a pipe gets no progress bar");
+    QVERIFY2(!keldock.output.contains('\r'), "no progress bar in a pipe");
     QCOMPARE(readAll(file).mid(offset, signature.size()), signature);
 }
 
@@ -76,9 +76,9 @@ void ExportJourneyTest::refusesExport_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("reason");
     QTest::newRow("onto a directory") << QStringList{"directory", "--format", "gif"} << "is a directory";
-    QTest::newRow("into nowhere") << QStringList{"nowhere/a.gif"} << "does not exist";
-    QTest::newRow("where nobody may write") << QStringList{"/proc/a.gif"} << "Cannot write";
-    QTest::newRow("behind the end") << QStringList{"kept.gif", "--from", "60000"} << "lies behind the end";
+    QTest::newRow("into a missing directory") << QStringList{"missing/a.gif"} << "does not exist";
+    QTest::newRow("not writable") << QStringList{"/proc/a.gif"} << "Cannot write";
+    QTest::newRow("beyond the end") << QStringList{"kept.gif", "--from", "60000"} << "is beyond the end";
 }
 
 void ExportJourneyTest::refusesExport()
@@ -109,9 +109,9 @@ void ExportJourneyTest::cancelledExportLeavesNothing()
         return QDir(directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     };
     QProcess process;
-    process.start(QStringLiteral(KELDOCK_PROGRAM),
+    process.start(KELDOCK_PROGRAM,
                   {"export", m_recording, directory + "/a.webp", "--speed", "0.1", "--fps", "240", "--quality", "100"});
-    QTRY_VERIFY_WITH_TIMEOUT(entries().size() == 2, Keldock::LimitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(entries().size() == 2, Keldock::kLimitMs);
     sendSignal(process, StopSignal::Interrupt);
     const Keldock keldock = Keldock::finish(process);
     QVERIFY2(keldock.failedWith("cancelled"), qPrintable(keldock.errors));
@@ -121,32 +121,32 @@ void ExportJourneyTest::cancelledExportLeavesNothing()
 
 void ExportJourneyTest::showsProgressOnTerminal()
 {
-    // script(1) gives the program a terminal.
+    // script(1) provides a terminal.
     const Keldock keldock = Keldock::runShell("export TERM=xterm; script -qec '\"'\"$0\"'\" export " + m_recording +
                                               " " + path("t.gif") + "' /dev/null");
     QVERIFY2(keldock.status == 0, qPrintable(keldock.output));
     QVERIFY2(keldock.output.contains("\rExporting t.gif"), qPrintable(keldock.output));
     QVERIFY2(keldock.output.contains("100 %"), qPrintable(keldock.output));
-    QVERIFY2(keldock.output.endsWith('\n'), "the shell's prompt begins a line of its own");
+    QVERIFY2(keldock.output.endsWith('\n'), "the shell prompt starts on a new line");
 }
 
 void ExportJourneyTest::damagedRecording_data()
 {
     QTest::addColumn<QString>("file");
-    QTest::addColumn<QByteArray>("content"); ///< null: the file is removed; empty: cut in half
+    QTest::addColumn<QByteArray>("content"); ///< null: removes the file; empty: truncates it to half its size
     QTest::addColumn<int>("status");
     const QByteArray cut("");
     const QString meta("TrackManager.meta");
     const QString index("Screen/frame_indexes.dat");
     const QString video("Screen/screen_record.mp4");
     QTest::newRow("no metadata") << meta << QByteArray() << 0;
-    QTest::newRow("half the metadata") << meta << cut << 0;
-    QTest::newRow("hostile metadata")
+    QTest::newRow("truncated metadata") << meta << cut << 0;
+    QTest::newRow("invalid metadata")
         << meta << QByteArray(R"({"fps":-5,"duration":"x","recordArea":{"x":"a","width":-1},"tracks":7})") << 0;
-    QTest::newRow("metadata of another kind") << meta << QByteArray("[1,2,3]") << 0;
-    QTest::newRow("index of garbage") << index << QByteArray(64, '\xff') << 0;
+    QTest::newRow("metadata is an array") << meta << QByteArray("[1,2,3]") << 0;
+    QTest::newRow("garbage as index") << index << QByteArray(64, '\xff') << 0;
     QTest::newRow("no video") << video << QByteArray() << 1;
-    QTest::newRow("video of garbage") << video << QByteArray(5000, 'x') << 1;
+    QTest::newRow("garbage as video") << video << QByteArray(5000, 'x') << 1;
 }
 
 void ExportJourneyTest::damagedRecording()
@@ -157,20 +157,20 @@ void ExportJourneyTest::damagedRecording()
     const QTemporaryDir scratch;
     const QString damaged = scratch.filePath("damaged");
     QVERIFY(copyTree(m_recording, damaged));
-    const QString victim = damaged + '/' + file;
+    const QString damagedFile = damaged + '/' + file;
     if (content.isNull())
-        QVERIFY(QFile::remove(victim));
+        QVERIFY(QFile::remove(damagedFile));
     else if (content.isEmpty())
-        QVERIFY(QFile::resize(victim, QFileInfo(victim).size() / 2));
+        QVERIFY(QFile::resize(damagedFile, QFileInfo(damagedFile).size() / 2));
     else
-        QVERIFY(writeAll(victim, content));
+        QVERIFY(writeAll(damagedFile, content));
 
     for (const QStringList &arguments :
          {QStringList{"info", damaged}, QStringList{"frame", damaged, "0", scratch.filePath("a.png")},
           QStringList{"export", damaged, scratch.filePath("a.gif")}}) {
         const Keldock keldock = Keldock::run(arguments);
         QVERIFY2(keldock.status == status, qPrintable(arguments.first() + ": " + keldock.errors));
-        QVERIFY(status == 0 || keldock.failedWith("cannot be shown"));
+        QVERIFY(status == 0 || keldock.failedWith("cannot be played"));
     }
 }
 

@@ -27,17 +27,17 @@
 namespace
 {
 
-const QRect SceneRect(0, 0, 160, 120);
-constexpr int Fps = 20;
+const QRect kSceneRect(0, 0, 160, 120);
+constexpr int kFps = 20;
 
 QStringList recordArguments(const QString &out)
 {
-    return {"record", "--area", "0,0,160x120", "--fps", QString::number(Fps), "--out", out};
+    return {"record", "--area", "0,0,160x120", "--fps", QString::number(kFps), "--out", out};
 }
 
 } // namespace
 
-/// The window in which a recording is watched, as its user has it: with real keys, buttons and files.
+/// The playback window with real recordings, driven by key and button events.
 class PlaybackWindowTest : public QObject
 {
     Q_OBJECT
@@ -46,18 +46,18 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void controlsAreForEverybody();
+    void controlsAreAccessible();
     void keys_data();
     void keys();
     void playsTheRange();
-    void scrubbingSeeksOnceATurn();
-    void panelChangesThePicture();
+    void scrubbingCombinesSeeks();
+    void settingsChangeTheFrame();
     void exportsTheRangeAtItsSpeed();
-    void savesAndCopiesThePicture();
-    void tellsWhyThereIsNothing_data();
-    void tellsWhyThereIsNothing();
-    void outlivesItsDirectory();
-    void showsWhatAKilledRecorderLeft();
+    void savesAndCopiesTheFrame();
+    void saysWhyNothingCanBePlayed_data();
+    void saysWhyNothingCanBePlayed();
+    void survivesALostDirectory();
+    void playsAnInterruptedRecording();
 
 private:
     QString path(const QString &name) const { return m_home.path(name); }
@@ -66,9 +66,9 @@ private:
     MessagePage *message() const { return m_window->findChild<MessagePage *>(); }
     int stepSeen() const
     {
-        return ColorScene::step(m_window->findChild<PlaybackCanvas *>()->picture().pixelColor(80, 60));
+        return ColorScene::step(m_window->findChild<PlaybackCanvas *>()->frame().pixelColor(80, 60));
     }
-    /// Answers the dialogs of a save, in which one types `name`.
+    /// Enters `name` in the next file dialog.
     static void answerSave(const QString &name)
     {
         whenModal<QFileDialog>([=](QFileDialog *dialog) {
@@ -86,7 +86,7 @@ private:
 void PlaybackWindowTest::initTestCase()
 {
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    const ColorScene scene(SceneRect);
+    const ColorScene scene(kSceneRect);
     m_recording = path("A recording");
     const Keldock recorded = Keldock::run(recordArguments(m_recording) + QStringList{"--duration", "2.5"});
     QVERIFY2(recorded.status == 0, qPrintable(recorded.errors));
@@ -109,18 +109,19 @@ void PlaybackWindowTest::open(const QString &dir)
 {
     m_window = std::make_unique<PlaybackWindow>(dir);
     m_window->show();
-    m_window->activateWindow(); // nobody else does
+    m_window->activateWindow(); // there is no window manager
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
 }
 
-void PlaybackWindowTest::controlsAreForEverybody()
+void PlaybackWindowTest::controlsAreAccessible()
 {
     const auto tabs = m_window->findChild<QTabWidget *>();
     for (int i = 0; i < tabs->count(); ++i) {
         tabs->setCurrentIndex(i);
         QCOMPARE(controlFaults(m_window.get()).join('\n'), QString());
         for (const QWidget *control : tabs->findChildren<QWidget *>())
-            QVERIFY2(!control->isVisible() || !control->toolTip().startsWith("The next recording"), "not its matter");
+            QVERIFY2(!control->isVisible() || !control->toolTip().startsWith("The next recording"),
+                     "no settings for future recordings");
     }
     QString faults;
     whenModal<ExportOptionsDialog>([&](ExportOptionsDialog *dialog) {
@@ -133,7 +134,7 @@ void PlaybackWindowTest::controlsAreForEverybody()
 
 void PlaybackWindowTest::keys_data()
 {
-    QTest::addColumn<QString>("keys");  // one after the other, from frame 20
+    QTest::addColumn<QString>("keys");  // pressed in sequence, starting at frame 20
     QTest::addColumn<QString>("state"); // frame, first and last frame of the range, speed; -1: the last frame
     QTest::newRow("frame steps") << "Right Right Left"
                                  << "21 0 -1 1";
@@ -147,12 +148,12 @@ void PlaybackWindowTest::keys_data()
                                      << "0 0 -1 1";
     QTest::newRow("trim") << "I Right Right Right O"
                           << "23 20 23 1";
-    QTest::newRow("a trimmed range bounds") << "I Shift+Left Left"
-                                            << "20 20 -1 1";
-    QTest::newRow("ends of the trimmed range") << "I Right Right O Home Right End"
-                                               << "22 20 22 1";
-    QTest::newRow("an end before the start") << "I Home O"
-                                             << "20 20 20 1";
+    QTest::newRow("the trim range limits seeking") << "I Shift+Left Left"
+                                                   << "20 20 -1 1";
+    QTest::newRow("ends of the trim range") << "I Right Right O Home Right End"
+                                            << "22 20 22 1";
+    QTest::newRow("end before the start") << "I Home O"
+                                          << "20 20 20 1";
     QTest::newRow("faster") << "+ + -"
                             << "20 0 -1 1.2";
     QTest::newRow("slowest") << "- - - - - -"
@@ -198,12 +199,12 @@ void PlaybackWindowTest::playsTheRange()
     QVERIFY(player()->isPlaying());
     QTRY_VERIFY(!player()->isPlaying());
     QCOMPARE(first, 10);
-    QVERIFY2(last > first && last <= 20, "a busy machine leaves frames out");
+    QVERIFY2(last > first && last <= 20, "frames may be skipped on a busy machine");
     QCOMPARE(player()->frame(), 10);
     QCOMPARE(playing.count(), 2);
 }
 
-void PlaybackWindowTest::scrubbingSeeksOnceATurn()
+void PlaybackWindowTest::scrubbingCombinesSeeks()
 {
     auto *const bar = m_window->findChild<PlayProgressBar *>();
     const QSignalSpy seeks(player()->manager(), &KelPlaybackTrackManager::sigFrameChanged);
@@ -216,22 +217,22 @@ void PlaybackWindowTest::scrubbingSeeksOnceATurn()
     emit bar->sigPlayTimeRelease();
     QCOMPARE(seeks.count(), 1);
     QCOMPARE(player()->manager()->currentFrame(), player()->clock().frameAt(1990));
-    QVERIFY2(player()->isPlaying(), "as before the drag");
+    QVERIFY2(player()->isPlaying(), "resumes after the drag");
 }
 
-void PlaybackWindowTest::panelChangesThePicture()
+void PlaybackWindowTest::settingsChangeTheFrame()
 {
     auto *const canvas = m_window->findChild<PlaybackCanvas *>();
-    const QImage before = canvas->picture().copy();
+    const QImage before = canvas->frame().copy();
     auto *const panel = m_window->findChild<ProgressSettingsPanel *>();
     auto *const toggle = panel->findChild<QAbstractButton *>();
     QVERIFY(!toggle->isChecked());
     toggle->click();
-    const QImage after = canvas->picture().copy();
+    const QImage after = canvas->frame().copy();
     QVERIFY(after != before);
     QCOMPARE(after.size(), before.size());
     toggle->click();
-    QCOMPARE(canvas->picture(), before);
+    QCOMPARE(canvas->frame(), before);
 }
 
 void PlaybackWindowTest::exportsTheRangeAtItsSpeed()
@@ -250,7 +251,7 @@ void PlaybackWindowTest::exportsTheRangeAtItsSpeed()
     QVERIFY(writeAll(path("cut.gif"), "an older file"));
     whenModal<ExportOptionsDialog>(
         [](ExportOptionsDialog *dialog) { dialog->findChild<QPushButton *>("PrimaryButton")->click(); });
-    answerSave(path("cut")); // the suffix is missing
+    answerSave(path("cut")); // without suffix
     whenModal<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Yes)->click(); });
     QTest::keyClick(m_window.get(), Qt::Key_E, Qt::ControlModifier);
 
@@ -261,37 +262,37 @@ void PlaybackWindowTest::exportsTheRangeAtItsSpeed()
         steps.append(ColorScene::step(frame.pixelColor(80, 60)));
         ms += reader.nextImageDelay();
     }
-    QVERIFY2(qAbs(ms - 500) <= 1000 / Fps, qPrintable(QString::number(ms)));
+    QVERIFY2(qAbs(ms - 500) <= 1000 / kFps, qPrintable(QString::number(ms)));
     QCOMPARE(steps.first(), firstStep);
     QCOMPARE(steps.last(), lastStep);
     QCOMPARE(player()->frame(), clock.frameAt(1500));
     QVERIFY(m_window->findChild<NoticeBar *>()->text().contains("cut.gif was exported"));
 }
 
-void PlaybackWindowTest::savesAndCopiesThePicture()
+void PlaybackWindowTest::savesAndCopiesTheFrame()
 {
     player()->seekToFrame(25);
-    answerSave(path("picture.png"));
+    answerSave(path("frame.png"));
     QTest::keyClick(m_window.get(), Qt::Key_S, Qt::ControlModifier);
-    const QImage saved(path("picture.png"));
-    QCOMPARE(saved.size(), SceneRect.size());
+    const QImage saved(path("frame.png"));
+    QCOMPARE(saved.size(), kSceneRect.size());
     QCOMPARE(ColorScene::step(saved.pixelColor(80, 60)), stepSeen());
     QTest::keyClick(m_window.get(), Qt::Key_C, Qt::ControlModifier);
     QCOMPARE(QGuiApplication::clipboard()->image().convertToFormat(saved.format()), saved);
 }
 
-void PlaybackWindowTest::tellsWhyThereIsNothing_data()
+void PlaybackWindowTest::saysWhyNothingCanBePlayed_data()
 {
     QTest::addColumn<QString>("file");
-    QTest::addColumn<QByteArray>("content"); // null: there is no directory
+    QTest::addColumn<QByteArray>("content"); // null: no directory
     QTest::addColumn<QString>("reason");
     QTest::newRow("no directory") << "" << QByteArray() << "not found";
-    QTest::newRow("an empty one") << "x" << QByteArray("x") << "not found";
+    QTest::newRow("directory without a recording") << "x" << QByteArray("x") << "not found";
     QTest::newRow("no video") << "Screen/frame_indexes.dat" << QByteArray("x") << "Video file not found";
-    QTest::newRow("a video of garbage") << "Screen/screen_record.mp4" << QByteArray(5000, 'x') << "decoder";
+    QTest::newRow("garbage as video") << "Screen/screen_record.mp4" << QByteArray(5000, 'x') << "decoder";
 }
 
-void PlaybackWindowTest::tellsWhyThereIsNothing()
+void PlaybackWindowTest::saysWhyNothingCanBePlayed()
 {
     QFETCH(QString, file);
     QFETCH(QByteArray, content);
@@ -304,7 +305,7 @@ void PlaybackWindowTest::tellsWhyThereIsNothing()
     }
     open(dir);
     QVERIFY(message()->isVisible());
-    QCOMPARE(message()->title(), QString("This recording cannot be shown"));
+    QCOMPARE(message()->title(), QString("This recording cannot be played"));
     QVERIFY2(message()->detail().contains(reason), qPrintable(message()->detail()));
     for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Right, Qt::Key_E})
         QTest::keyClick(m_window.get(), key, key == Qt::Key_E ? Qt::ControlModifier : Qt::NoModifier);
@@ -319,7 +320,7 @@ void PlaybackWindowTest::tellsWhyThereIsNothing()
     QVERIFY(!message()->isVisible());
 }
 
-void PlaybackWindowTest::outlivesItsDirectory()
+void PlaybackWindowTest::survivesALostDirectory()
 {
     for (const bool isMoved : {true, false}) {
         const QTemporaryDir scratch;
@@ -329,7 +330,7 @@ void PlaybackWindowTest::outlivesItsDirectory()
         player()->setPlaying(true);
         QVERIFY(isMoved ? QDir().rename(dir, dir + "-moved") : QDir(dir).removeRecursively());
         QTRY_VERIFY(message()->isVisible());
-        QCOMPARE(message()->title(), QString("This recording is no longer there"));
+        QCOMPARE(message()->title(), QString("This recording no longer exists"));
         QVERIFY(!player()->isPlaying());
         QTest::keyClick(m_window.get(), Qt::Key_E, Qt::ControlModifier);
         if (isMoved) {
@@ -340,21 +341,21 @@ void PlaybackWindowTest::outlivesItsDirectory()
     }
 }
 
-void PlaybackWindowTest::showsWhatAKilledRecorderLeft()
+void PlaybackWindowTest::playsAnInterruptedRecording()
 {
     const QString dir = path("killed");
     {
-        const ColorScene scene(SceneRect);
+        const ColorScene scene(kSceneRect);
         QProcess process;
-        process.start(QStringLiteral(KELDOCK_PROGRAM), recordArguments(dir));
-        QTRY_VERIFY_WITH_TIMEOUT(recordingInfo(dir).value("actualRecordedFrames").toInt() > Fps, Keldock::LimitMs);
+        process.start(KELDOCK_PROGRAM, recordArguments(dir));
+        QTRY_VERIFY_WITH_TIMEOUT(recordingInfo(dir).value("actualRecordedFrames").toInt() > kFps, Keldock::kLimitMs);
         process.kill();
-        QVERIFY(process.waitForFinished(Keldock::LimitMs));
+        QVERIFY(process.waitForFinished(Keldock::kLimitMs));
     }
     open(dir);
-    QVERIFY(m_window->findChild<NoticeBar *>()->text().contains("cut short by a crash"));
+    QVERIFY(m_window->findChild<NoticeBar *>()->text().contains("interrupted by a crash"));
     QSet<int> steps;
-    for (const int frame : {0, Fps / 2, Fps}) {
+    for (const int frame : {0, kFps / 2, kFps}) {
         player()->seekToFrame(frame);
         player()->settle();
         QCOMPARE(player()->manager()->currentFrame(), frame);
@@ -363,7 +364,7 @@ void PlaybackWindowTest::showsWhatAKilledRecorderLeft()
     player()->goToEnd();
     player()->settle();
     steps += stepSeen();
-    QVERIFY2(steps.size() > 1 && !steps.contains(-1), "the screen had other colours later");
+    QVERIFY2(steps.size() > 1 && !steps.contains(-1), "later frames have other colors");
 }
 
 QTEST_MAIN(PlaybackWindowTest)

@@ -16,11 +16,11 @@ using State = RecordingController::State;
 namespace
 {
 
-const QRect Area(20, 30, 320, 240);
+const QRect kArea(20, 30, 320, 240);
 
 } // namespace
 
-/// Real recordings of a real screen, and what can happen to them.
+/// Real recordings of a real screen, and the events that end them.
 class RecordingControllerTest : public QObject
 {
     Q_OBJECT
@@ -33,12 +33,12 @@ private slots:
     void countdown();
     void endings_data();
     void endings();
-    void somebodyDeletesIt();
-    void cannotBegin();
-    void screenShrinks();
+    void deletedDirectory();
+    void cannotStart();
+    void areaLeavesTheScreen();
 
 private:
-    void begin();
+    void startRecording();
 
     std::unique_ptr<QTemporaryDir> m_root;
     std::unique_ptr<ColorScene> m_scene;
@@ -56,9 +56,9 @@ void RecordingControllerTest::init()
     m_problems.clear();
     m_finished.clear();
     m_root = std::make_unique<QTemporaryDir>();
-    m_scene = std::make_unique<ColorScene>(Area);
+    m_scene = std::make_unique<ColorScene>(kArea);
     m_controller = std::make_unique<RecordingController>([this] { return m_root->filePath("deep/recording"); });
-    m_controller->setArea(Area);
+    m_controller->setArea(kArea);
     m_controller->diskGuard().setReader([this](const QString &) { return m_disk; });
     connect(m_controller.get(), &RecordingController::problem, this,
             [this](RecordingController::Severity, const QString &text) { m_problems += text; });
@@ -72,24 +72,24 @@ void RecordingControllerTest::cleanup()
     m_scene.reset();
 }
 
-void RecordingControllerTest::begin()
+void RecordingControllerTest::startRecording()
 {
     QSignalSpy elapsed(m_controller.get(), &RecordingController::elapsed);
     m_controller->start();
     QTRY_COMPARE(m_controller->state(), State::Recording);
-    QTRY_VERIFY(elapsed.size() > 2); // some pictures are taken by then
+    QTRY_VERIFY(elapsed.size() > 2); // some frames have been captured
 }
 
 void RecordingControllerTest::recordsPausesStops()
 {
-    begin();
+    startRecording();
     QVERIFY(m_controller->isRecording());
     m_controller->togglePause();
     QCOMPARE(m_controller->state(), State::Paused);
     const qint64 atPause = m_controller->elapsedMs();
     QVERIFY(atPause > 0);
     m_controller->start();
-    QCOMPARE(m_controller->state(), State::Paused); // one at a time
+    QCOMPARE(m_controller->state(), State::Paused); // no second recording
     m_controller->togglePause();
     QCOMPARE(m_controller->state(), State::Recording);
     QTRY_VERIFY(m_controller->elapsedMs() > atPause);
@@ -100,32 +100,32 @@ void RecordingControllerTest::recordsPausesStops()
     QCOMPARE(m_finished, QStringList(directory));
     QCOMPARE(m_controller->directory(), QString());
     QVERIFY2(m_problems.isEmpty(), qPrintable(m_problems.join('\n')));
-    const QJsonObject told = recordingInfo(directory);
-    QCOMPARE(told.value("complete").toBool(), true);
-    QCOMPARE(told.value("fps").toInt(), 24);
+    const QJsonObject info = recordingInfo(directory);
+    QCOMPARE(info.value("complete").toBool(), true);
+    QCOMPARE(info.value("fps").toInt(), 24);
     m_controller->stop();
     QCOMPARE(m_finished.size(), 1);
 }
 
 void RecordingControllerTest::countdown_data()
 {
-    const TestTable<int, int, int> row("delay", "minimum", "firstTold");
+    const TestTable<int, int, int> row("delay", "minimum", "firstCountdown");
     row("none", 0, 0, 0);
     row("setting", 3, 2, 3);
     row("minimum", 1, 2, 2);
-    row("nonsense", 99999, 0, 60);
+    row("too long", 99999, 0, 60);
 }
 
 void RecordingControllerTest::countdown()
 {
     QFETCH(int, delay);
     QFETCH(int, minimum);
-    QFETCH(int, firstTold);
+    QFETCH(int, firstCountdown);
     gKelMovieConfig.recordDelay = delay;
-    QSignalSpy told(m_controller.get(), &RecordingController::countdown);
+    QSignalSpy countdowns(m_controller.get(), &RecordingController::countdown);
     m_controller->start(minimum);
     QCOMPARE(m_controller->state(), State::CountingDown);
-    QCOMPARE(told.first().first().toInt(), firstTold);
+    QCOMPARE(countdowns.first().first().toInt(), firstCountdown);
     m_controller->togglePause();
     m_controller->stop();
     QCOMPARE(m_controller->state(), State::Idle);
@@ -135,23 +135,23 @@ void RecordingControllerTest::countdown()
 
 void RecordingControllerTest::endings_data()
 {
-    const TestTable<QString, QString, bool> row("event", "told", "isWhole");
-    row("the disk fills up", "full", "The disk is full", true);
-    row("the program ends", "destroyed", "", true);
-    row("while it is paused", "paused", "", true);
-    row("nothing can be written", "unwritable", "The screen cannot be recorded", false);
-    row("its end cannot be written", "unwritable end", "The screen cannot be recorded", false);
+    const TestTable<QString, QString, bool> row("event", "problem", "isComplete");
+    row("full disk", "full", "The disk is full", true);
+    row("end of the program", "destroyed", "", true);
+    row("stopped while paused", "paused", "", true);
+    row("write error", "unwritable", "The screen can no longer be recorded", false);
+    row("write error at the end", "unwritable end", "The screen can no longer be recorded", false);
 }
 
 void RecordingControllerTest::endings()
 {
     QFETCH(QString, event);
-    QFETCH(QString, told);
-    QFETCH(bool, isWhole);
-    begin();
+    QFETCH(QString, problem);
+    QFETCH(bool, isComplete);
+    startRecording();
     const QString directory = m_controller->directory();
     if (event == "full") {
-        m_disk.freeBytes = DiskGuard::StopBytes - 1;
+        m_disk.freeBytes = DiskGuard::kStopBytes - 1;
         m_controller->diskGuard().check();
     } else if (event == "destroyed") {
         m_controller.reset();
@@ -167,14 +167,14 @@ void RecordingControllerTest::endings()
     }
     if (m_controller)
         QTRY_COMPARE(m_controller->state(), State::Idle);
-    QTRY_VERIFY2(m_problems.join('\n').contains(told), qPrintable(m_problems.join('\n')));
-    QCOMPARE(m_problems.isEmpty(), told.isEmpty());
-    QCOMPARE(recordingInfo(directory).value("complete").toBool(), isWhole);
+    QTRY_VERIFY2(m_problems.join('\n').contains(problem), qPrintable(m_problems.join('\n')));
+    QCOMPARE(m_problems.isEmpty(), problem.isEmpty());
+    QCOMPARE(recordingInfo(directory).value("complete").toBool(), isComplete);
 }
 
-void RecordingControllerTest::somebodyDeletesIt()
+void RecordingControllerTest::deletedDirectory()
 {
-    begin();
+    startRecording();
     QVERIFY(QDir(m_controller->directory()).removeRecursively());
     m_disk.exists = false;
     m_controller->diskGuard().check();
@@ -182,9 +182,9 @@ void RecordingControllerTest::somebodyDeletesIt()
     QVERIFY2(m_problems.join('\n').contains("deleted or moved"), qPrintable(m_problems.join('\n')));
 }
 
-void RecordingControllerTest::cannotBegin()
+void RecordingControllerTest::cannotStart()
 {
-    m_disk.freeBytes = DiskGuard::StopBytes - 1;
+    m_disk.freeBytes = DiskGuard::kStopBytes - 1;
     m_controller->start();
     QTRY_COMPARE(m_problems.size(), 1);
     QCOMPARE(m_controller->state(), State::Idle);
@@ -197,10 +197,10 @@ void RecordingControllerTest::cannotBegin()
     QCOMPARE(m_controller->state(), State::Idle);
 }
 
-void RecordingControllerTest::screenShrinks()
+void RecordingControllerTest::areaLeavesTheScreen()
 {
     m_controller->setArea(QRect(900, 500, 320, 240));
-    begin();
+    startRecording();
     const QString directory = m_controller->directory();
     const auto change = [](const QString &screen) {
         QProcess::execute("xrandr", QString("--output screen --mode " + screen).split(' '));

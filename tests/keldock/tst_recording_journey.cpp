@@ -9,20 +9,20 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-/// From a screen to files that other programs open, with the real program.
+/// Recording from the command line, with the real program.
 class RecordingJourneyTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void tellsWhatWasRecorded();
+    void describesTheRecording();
     void framesShowTheScreen();
     void stopSignal_data();
     void stopSignal();
     void killedRecordingIsKept();
     void fullDiskKeepsRecording();
-    void goesOnWithoutTheMouse();
+    void continuesWithoutTheMouse();
     void refusesToRecord_data();
     void refusesToRecord();
 
@@ -37,42 +37,42 @@ private:
 void RecordingJourneyTest::initTestCase()
 {
     takeSignals();
-    const ColorScene scene(SceneRect);
+    const ColorScene scene(kSceneRect);
     m_recording = path("recording");
     m_recorded = Keldock::run(
-        {"record", "--area", Area, "--fps", "20", "--duration", "1.5", "--out", m_recording, "--keyboard"});
+        {"record", "--area", kArea, "--fps", "20", "--duration", "1.5", "--out", m_recording, "--keyboard"});
     QVERIFY2(m_recorded.status == 0, qPrintable(m_recorded.errors));
 }
 
-void RecordingJourneyTest::tellsWhatWasRecorded()
+void RecordingJourneyTest::describesTheRecording()
 {
-    QVERIFY2(m_recorded.errors.startsWith("keldock: keys typed anywhere on this desktop are being recorded"),
+    QVERIFY2(m_recorded.errors.startsWith("keldock: everything typed on this desktop is recorded"),
              qPrintable(m_recorded.errors));
     QCOMPARE(m_recorded.errors.count('\n'), 1);
-    QVERIFY2(!m_recorded.output.contains('\r'), "a pipe gets no fragments of a line");
-    const QJsonObject told = recordingInfo(m_recording);
-    QCOMPARE(told.value("complete").toBool(), true);
-    QCOMPARE(told.value("version").toString(), QString("1.0"));
-    QCOMPARE(told.value("fps").toInt(), 20);
-    QCOMPARE(told.value("recordArea").toObject(), (QJsonObject{{"x", 20}, {"y", 30}, {"width", 320}, {"height", 240}}));
-    QCOMPARE(told.value("videoWidth").toInt(), 320);
-    QCOMPARE(told.value("tracksPresent").toArray(), (QJsonArray{"screen", "mouse", "keyboard"}));
-    const QJsonObject tracks = told.value("tracks").toObject();
+    QVERIFY2(!m_recorded.output.contains('\r'), "no terminal line in a pipe");
+    const QJsonObject info = recordingInfo(m_recording);
+    QCOMPARE(info.value("complete").toBool(), true);
+    QCOMPARE(info.value("version").toString(), QString("1.0"));
+    QCOMPARE(info.value("fps").toInt(), 20);
+    QCOMPARE(info.value("recordArea").toObject(), (QJsonObject{{"x", 20}, {"y", 30}, {"width", 320}, {"height", 240}}));
+    QCOMPARE(info.value("videoWidth").toInt(), 320);
+    QCOMPARE(info.value("tracksPresent").toArray(), (QJsonArray{"screen", "mouse", "keyboard"}));
+    const QJsonObject tracks = info.value("tracks").toObject();
     for (const char *track : {"screenTrack", "mouseTrack", "keyboardTrack"})
         QCOMPARE(tracks.value(track).toBool(), true);
     for (const char *track : {"systemAudio", "microphoneAudio"})
         QCOMPARE(tracks.value(track).toBool(), false);
-    QVERIFY(told.value("duration").toInt() >= 1400);
-    const int logicFrames = told.value("logicFrames").toInt();
-    const int videoFrames = told.value("videoFrames").toInt();
+    QVERIFY(info.value("duration").toInt() >= 1400);
+    const int logicFrames = info.value("logicFrames").toInt();
+    const int videoFrames = info.value("videoFrames").toInt();
     QVERIFY(logicFrames > 1 && videoFrames > 1 && videoFrames <= logicFrames);
-    QCOMPARE(told.value("actualRecordedFrames").toInt(), logicFrames);
+    QCOMPARE(info.value("actualRecordedFrames").toInt(), logicFrames);
     for (const int number : {logicFrames, videoFrames})
         QVERIFY2(m_recorded.output.contains(QString::number(number)), qPrintable(m_recorded.output));
 
     const Keldock text = Keldock::run({"info", m_recording});
     QCOMPARE(text.status, 0);
-    for (const char *part : {"complete", "320x240 at 20,30", "20 a second", "screen", "1.0"})
+    for (const char *part : {"complete", "320x240 at 20,30", "20 fps", "screen", "1.0"})
         QVERIFY2(text.output.contains(part), part);
 }
 
@@ -86,13 +86,13 @@ void RecordingJourneyTest::framesShowTheScreen()
         const Keldock keldock = Keldock::run({"frame", m_recording, QString::number(frame), file});
         QVERIFY2(keldock.status == 0, qPrintable(keldock.errors));
         const QImage image(file);
-        QCOMPARE(image.size(), SceneRect.size());
+        QCOMPARE(image.size(), kSceneRect.size());
         const int step = ColorScene::step(image.pixelColor(160, 120));
         QVERIFY(step >= 0);
         if (first < 0)
             first = step;
-        const int passed = (step - first + ColorScene::Steps) % ColorScene::Steps; // the scene begins anew
-        QVERIFY2(passed >= previous, "the screen's colours, in their order");
+        const int passed = (step - first + ColorScene::kSteps) % ColorScene::kSteps; // the colors repeat
+        QVERIFY2(passed >= previous, "the colors of the scene in order");
         QCOMPARE(image.pixelColor(0, 0), image.pixelColor(319, 239));
         previous = passed;
     }
@@ -113,7 +113,7 @@ void RecordingJourneyTest::stopSignal_data()
 void RecordingJourneyTest::stopSignal()
 {
     QFETCH(StopSignal, signal);
-    const ColorScene scene(SceneRect);
+    const ColorScene scene(kSceneRect);
     const QString out = path(QString("signal-%1").arg(int(signal)));
     QProcess process;
     startRecording(process, out);
@@ -126,16 +126,16 @@ void RecordingJourneyTest::stopSignal()
 
 void RecordingJourneyTest::killedRecordingIsKept()
 {
-    const ColorScene scene(SceneRect);
+    const ColorScene scene(kSceneRect);
     const QString out = path("killed");
     QProcess process;
     startRecording(process, out);
     process.kill();
-    QVERIFY(process.waitForFinished(Keldock::LimitMs));
+    QVERIFY(process.waitForFinished(Keldock::kLimitMs));
 
-    const QJsonObject told = recordingInfo(out);
-    QCOMPARE(told.value("complete").toBool(true), false);
-    QVERIFY(told.value("videoFrames").toInt() > 0);
+    const QJsonObject info = recordingInfo(out);
+    QCOMPARE(info.value("complete").toBool(true), false);
+    QVERIFY(info.value("videoFrames").toInt() > 0);
     QVERIFY(Keldock::run({"info", out}).output.contains("interrupted"));
     const Keldock exported = Keldock::run({"export", out, path("killed.mp4")});
     QVERIFY2(exported.status == 0, qPrintable(exported.errors));
@@ -143,22 +143,22 @@ void RecordingJourneyTest::killedRecordingIsKept()
 
 void RecordingJourneyTest::fullDiskKeepsRecording()
 {
-    const ColorScene scene(SceneRect);
+    const ColorScene scene(kSceneRect);
     const QString out = path("full");
-    // No file may grow beyond 20 kB: the same failed write as on a full disk.
+    // A file size limit of 20 kB makes writes fail as a full disk does.
     const Keldock keldock =
-        Keldock::runShell("ulimit -f 20; exec \"$0\" record --fps 30 --duration 30 --area " + Area + " --out " + out);
+        Keldock::runShell("ulimit -f 20; exec \"$0\" record --fps 30 --duration 30 --area " + kArea + " --out " + out);
     QCOMPARE(keldock.status, 1);
     QVERIFY2(keldock.errors.startsWith("keldock: "), qPrintable(keldock.errors));
     QVERIFY(recordingInfo(out).value("videoFrames").toInt() > 0);
 }
 
-void RecordingJourneyTest::goesOnWithoutTheMouse()
+void RecordingJourneyTest::continuesWithoutTheMouse()
 {
     const QString blocked = path("blocked");
     QVERIFY(QDir().mkpath(blocked + "/Mouse/mousemoves-0.json"));
     const Keldock keldock =
-        Keldock::run({"record", "--area", Area, "--duration", "0.5", "--keyboard", "--out", blocked});
+        Keldock::run({"record", "--area", kArea, "--duration", "0.5", "--keyboard", "--out", blocked});
     QCOMPARE(keldock.status, 1);
     QVERIFY2(keldock.errors.contains("Mouse track: cannot write"), qPrintable(keldock.errors));
     QVERIFY(recordingInfo(blocked).value("duration").toInt() >= 400);
@@ -168,11 +168,12 @@ void RecordingJourneyTest::goesOnWithoutTheMouse()
 void RecordingJourneyTest::refusesToRecord_data()
 {
     const TestTable<QStringList, QString> row("arguments", "reason");
-    row("over a recording", QStringList{"--screen", "0", "--out", "recording"}, "holds a recording already");
+    row("into a directory with a recording", QStringList{"--screen", "0", "--out", "recording"},
+        "already contains a recording");
     row("into a file", QStringList{"--screen", "0", "--out", "file"}, "is not a directory");
     row("below a file", QStringList{"--screen", "0", "--out", "file/below"}, "cannot be created");
-    row("a screen that is not there", QStringList{"--screen", "7", "--out", "new"}, "no screen 7");
-    row("beside all screens", QStringList{"--area", "9000,9000,64x64", "--out", "new"}, "outside of every screen");
+    row("missing screen", QStringList{"--screen", "7", "--out", "new"}, "no screen 7");
+    row("outside of all screens", QStringList{"--area", "9000,9000,64x64", "--out", "new"}, "outside of all screens");
 }
 
 void RecordingJourneyTest::refusesToRecord()

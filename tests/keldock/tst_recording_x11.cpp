@@ -5,14 +5,14 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-/// The real program on X servers that do not give it all it wants.
+/// Recording on X servers that fail or lack an extension, with the real program.
 class RecordingX11Test : public QObject
 {
     Q_OBJECT
 
 private slots:
     void lostScreenKeepsRecording();
-    void goesOnWithoutInput();
+    void continuesWithoutInput();
 
 private:
     QString path(const QString &name) const { return m_scratch.filePath(name); }
@@ -25,7 +25,7 @@ void RecordingX11Test::lostScreenKeepsRecording()
     XServer server;
     QProcess process;
     const QString out = path("lost");
-    auto scene = std::make_unique<ColorScene>(SceneRect, server.display());
+    auto scene = std::make_unique<ColorScene>(kSceneRect, server.display());
     startRecording(process, out, server.display());
     scene.reset();
     server.kill();
@@ -34,16 +34,17 @@ void RecordingX11Test::lostScreenKeepsRecording()
     QVERIFY(recordingInfo(out).value("videoFrames").toInt() > 0);
 }
 
-void RecordingX11Test::goesOnWithoutInput()
+void RecordingX11Test::continuesWithoutInput()
 {
     const XServer server({"-screen", "0", "800x600x24", "-extension", "RECORD"});
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("DISPLAY", server.display());
-    const Keldock deaf =
-        Keldock::run({"record", "--area", Area, "--duration", "0.5", "--keyboard", "--out", path("deaf")}, environment);
-    QVERIFY2(deaf.status == 0, qPrintable(deaf.errors));
-    QCOMPARE(deaf.errors.count("keyboard and mouse cannot be watched"), 1);
-    QVERIFY2(deaf.errors.contains("RECORD") && deaf.errors.contains("going on without"), qPrintable(deaf.errors));
+    const Keldock keldock = Keldock::run(
+        {"record", "--area", kArea, "--duration", "0.5", "--keyboard", "--out", path("recording")}, environment);
+    QVERIFY2(keldock.status == 0, qPrintable(keldock.errors));
+    QCOMPARE(keldock.errors.count("keyboard and mouse cannot be watched"), 1);
+    QVERIFY2(keldock.errors.contains("RECORD") && keldock.errors.contains("continuing without"),
+             qPrintable(keldock.errors));
 }
 
 QTEST_GUILESS_MAIN(RecordingX11Test)

@@ -31,7 +31,7 @@ void setAge(const QString &file, qint64 seconds)
 
 } // namespace
 
-/// The folder of recordings, as it is listed and as its window lets one work on it.
+/// The folder of recordings, its list model and its window.
 class RecordingsTest : public QObject
 {
     Q_OBJECT
@@ -39,11 +39,11 @@ class RecordingsTest : public QObject
 private slots:
     void init();
     void cleanup();
-    void tellsRecordings();
+    void findsRecordings();
     void rename_data();
     void rename();
-    void thousandsAreReadWhenSeen();
-    void makesPicturesOnce();
+    void readsDetailsOnRequest();
+    void makesThumbnailsOnce();
     void windowFollowsTheFolder();
     void deletes_data();
     void deletes();
@@ -115,7 +115,7 @@ void RecordingsTest::press(const QString &text) const
     }
 }
 
-void RecordingsTest::tellsRecordings()
+void RecordingsTest::findsRecordings()
 {
     QCOMPARE(RecordingsFolder(m_root).recordings().size(), 0);
     add("old", 3000);
@@ -126,14 +126,14 @@ void RecordingsTest::tellsRecordings()
     QVERIFY(writeAll(KelRecordingMetadata::filePath(path("damaged metadata")), "{"));
     setAge(KelRecordingMetadata::filePath(path("damaged metadata")), 500);
     add("paused", 60, false);
-    add("under way", 1, false);
+    add("in progress", 1, false);
     QVERIFY(QDir().mkpath(path("something else")));
     QVERIFY(writeAll(path("a file"), "x"));
 
     const RecordingsFolder folder(m_root);
     using State = RecordingsFolder::State;
     const QVector<QPair<QString, State>> expected{
-        {"under way", State::UnderWay},          {"paused", State::Interrupted},  {"damaged metadata", State::Complete},
+        {"in progress", State::InProgress},      {"paused", State::Interrupted},  {"damaged metadata", State::Complete},
         {"crashed at once", State::Interrupted}, {"crashed", State::Interrupted}, {"old", State::Complete},
     };
     QVector<QPair<QString, State>> found;
@@ -141,7 +141,7 @@ void RecordingsTest::tellsRecordings()
     for (const auto &entry : recordings)
         found.append({QFileInfo(entry.dir).fileName(), RecordingsFolder::state(entry.dir)});
     QCOMPARE(found, expected);
-    QCOMPARE(folder.leftovers(path("paused")), (QStringList{path("crashed at once"), path("crashed")}));
+    QCOMPARE(folder.interrupted(path("paused")), (QStringList{path("crashed at once"), path("crashed")}));
 
     const QString first = folder.newRecordingDir();
     QVERIFY(QDir().mkpath(first));
@@ -151,18 +151,18 @@ void RecordingsTest::tellsRecordings()
 void RecordingsTest::rename_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("result"); // empty: refused
+    QTest::addColumn<QString>("result"); // empty: rejected
     QTest::newRow("another name") << "Login bug"
                                   << "Login bug";
-    QTest::newRow("blanks around it") << "  Login bug "
-                                      << "Login bug";
-    QTest::newRow("beyond ASCII") << QString::fromUtf8("录制") << QString::fromUtf8("录制");
-    QTest::newRow("nothing") << " "
-                             << "";
-    QTest::newRow("one that exists") << "other"
-                                     << "";
-    QTest::newRow("out of the folder") << "../x"
-                                       << "";
+    QTest::newRow("surrounding spaces") << "  Login bug "
+                                        << "Login bug";
+    QTest::newRow("non-ASCII") << QString::fromUtf8("录制") << QString::fromUtf8("录制");
+    QTest::newRow("empty") << " "
+                           << "";
+    QTest::newRow("existing name") << "other"
+                                   << "";
+    QTest::newRow("path to another folder") << "../x"
+                                            << "";
     QTest::newRow("hidden") << ".x"
                             << "";
 }
@@ -188,10 +188,10 @@ void RecordingsTest::rename()
     const QPersistentModelIndex kept(index);
     model.refresh();
     QTRY_COMPARE(refreshed.count(), 1);
-    QVERIFY2(kept.isValid(), "the row stays where it is");
+    QVERIFY2(kept.isValid(), "the row is kept");
 }
 
-void RecordingsTest::thousandsAreReadWhenSeen()
+void RecordingsTest::readsDetailsOnRequest()
 {
     constexpr int count = 2000;
     for (int i = 0; i < count; ++i) {
@@ -210,7 +210,7 @@ void RecordingsTest::thousandsAreReadWhenSeen()
     QCOMPARE(listed(), QStringList{"1999"});
 }
 
-void RecordingsTest::makesPicturesOnce()
+void RecordingsTest::makesThumbnailsOnce()
 {
     add("a", 100);
     add("b", 200, false);
@@ -272,8 +272,8 @@ void RecordingsTest::deletes_data()
     QTest::addColumn<bool>("hasTrash");
     QTest::addColumn<bool>("agrees");
     QTest::newRow("to the trash") << true << false;
-    QTest::newRow("no trash, for good") << false << true;
-    QTest::newRow("no trash, not for good") << false << false;
+    QTest::newRow("no trash, delete permanently") << false << true;
+    QTest::newRow("no trash, keep") << false << false;
 }
 
 void RecordingsTest::deletes()
@@ -283,7 +283,7 @@ void RecordingsTest::deletes()
     const QString trash = m_home.path("Trash");
     QVERIFY(QDir(trash).removeRecursively());
     if (!hasTrash)
-        QVERIFY(writeAll(trash, "in the way"));
+        QVERIFY(writeAll(trash, "a file instead of the folder"));
     add("goes", 100);
     add("goes too", 200);
     add("stays", 300);
@@ -304,8 +304,8 @@ void RecordingsTest::deletes()
     QVERIFY(QFile::remove(trash) || hasTrash);
 }
 
-/// Does what the command line program does, and writes down that it was called.
-static int savePicture(const QString &dir, const QString &frame, const QString &path)
+/// Replaces `keldock frame`, and logs the call.
+static int saveFrame(const QString &dir, const QString &frame, const QString &path)
 {
     QFile calls(qEnvironmentVariable("KEL_TEST_CALLS"));
     const QByteArray call = (dir + ' ' + frame + '\n').toUtf8();
@@ -320,7 +320,7 @@ int main(int argc, char **argv)
     QApplication app(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == "frame")
-        return savePicture(arguments.value(2), arguments.value(3), arguments.value(4));
+        return saveFrame(arguments.value(2), arguments.value(3), arguments.value(4));
     RecordingsTest test;
     return QTest::qExec(&test, argc, argv);
 }

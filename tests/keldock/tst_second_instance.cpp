@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 
-/// However many are started at the same time: one stays.
+/// Of several instances that are started at the same time, one stays.
 class SecondInstanceTest : public QObject
 {
     Q_OBJECT
@@ -15,29 +15,29 @@ private slots:
     void oneStays();
 
 private:
-    ScratchHome m_home; // the instances of other people are none of ours
+    ScratchHome m_home; // isolates the test from other instances
 };
 
 void SecondInstanceTest::oneStays()
 {
-    // The second round meets what the killed program of the first has left behind.
+    // In the second round, the killed program of the first has left its files behind.
     for (int round = 0; round < 2; ++round) {
         std::array<QProcess, 4> programs;
         for (QProcess &program : programs)
-            program.start(QStringLiteral(KELDOCK_PROGRAM), QStringList());
+            program.start(KELDOCK_PROGRAM, QStringList());
         const auto running = [&] {
             return std::count_if(programs.begin(), programs.end(),
                                  [](const QProcess &program) { return program.state() != QProcess::NotRunning; });
         };
-        QTRY_COMPARE_WITH_TIMEOUT(running(), 1, Keldock::LimitMs);
-        QCOMPARE(Keldock::run({}).status, 0); // a later one leaves the first alone as well
+        QTRY_COMPARE_WITH_TIMEOUT(running(), 1, Keldock::kLimitMs);
+        QCOMPARE(Keldock::run({}).status, 0); // a later instance ends as well
         QCOMPARE(running(), 1);
         for (QProcess &program : programs) {
             if (program.state() == QProcess::NotRunning) {
                 QCOMPARE(program.exitCode(), 0);
             } else {
                 program.kill();
-                QVERIFY(program.waitForFinished(Keldock::LimitMs));
+                QVERIFY(program.waitForFinished(Keldock::kLimitMs));
             }
         }
     }

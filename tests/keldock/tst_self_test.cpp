@@ -1,4 +1,4 @@
-#include "Keldock.h"
+#include "keldock/Keldock.h"
 #include "support/TestTable.h"
 
 #include <QDir>
@@ -7,8 +7,8 @@
 
 using Environment = QProcessEnvironment;
 
-/// `keldock selftest` where everything is there, and where something is missing.
-class SelfTest : public QObject
+/// `keldock selftest` on a complete system and with something missing.
+class SelfTestTest : public QObject
 {
     Q_OBJECT
 
@@ -19,24 +19,24 @@ private slots:
     void reportsServers();
 };
 
-void SelfTest::reports_data()
+void SelfTestTest::reports_data()
 {
     const TestTable<QString, QString, int, QStringList> row("variable", "value", "status", "mentions");
     const QStringList codecs{"MP4, GIF, APNG, WebP", "H.264", "libavcodec ", "x264 ", "libwebp ", "libdeflate "};
     const QString formats = "Encode and decode: passed\n  MP4\n  GIF\n  APNG\n  WebP\n";
-    row("all there", "NOTHING", "", 0,
+    row("complete system", "NOTHING", "", 0,
         codecs + QStringList{"Record and play back: passed\n", formats, "Find devices: passed\n", "1280x800 at 0,0",
                              "keyboard and mouse\n"});
-    row("no room", "TMPDIR", "/dev/null", 1,
+    row("no space for temporary files", "TMPDIR", "/dev/null", 1,
         QStringList{"Record and play back: FAILED: there is no room for temporary files",
                     "Encode and decode: FAILED: there is no room for temporary files", "Find devices: passed\n"});
 }
 
-/// Where the display and the sound have servers.
-void SelfTest::reportsServers_data()
+/// Only on systems with servers for display and sound.
+void SelfTestTest::reportsServers_data()
 {
     const TestTable<QString, QString, int, QStringList> row("variable", "value", "status", "mentions");
-    row("all there", "NOTHING", "", 0,
+    row("complete system", "NOTHING", "", 0,
         QStringList{"X11\n", "system audio: speakers\n", "microphone: microphone.monitor\n"});
     row("no sound", "PULSE_SERVER", "unix:/nowhere", 0,
         QStringList{"Find devices: passed\n", "warning: no device plays sound", "warning: there is no microphone\n"});
@@ -45,12 +45,12 @@ void SelfTest::reportsServers_data()
                     "Find devices: FAILED: ", "there is no display"});
 }
 
-void SelfTest::reportsServers()
+void SelfTestTest::reportsServers()
 {
     reports();
 }
 
-void SelfTest::reports()
+void SelfTestTest::reports()
 {
     QFETCH(QString, variable);
     QFETCH(QString, value);
@@ -73,5 +73,5 @@ void SelfTest::reports()
     QCOMPARE(QDir(temporary.path()).entryList({"KelDock*", "kel*", "tst*"}), QStringList());
 }
 
-QTEST_GUILESS_MAIN(SelfTest)
+QTEST_GUILESS_MAIN(SelfTestTest)
 #include "tst_self_test.moc"

@@ -4,12 +4,12 @@ Arguments::Arguments(const QList<QCommandLineOption> &options, const QStringList
 {
     m_parser.addOptions(options);
     m_parser.addOption(QCommandLineOption(QStringLiteral("verbose")));
-    // The parser takes the first of its arguments for the name of the program.
+    // The parser expects the program name as the first argument.
     if (!m_parser.parse(QStringList(QString()) + arguments)) {
         const QStringList unknown = m_parser.unknownOptionNames();
         reject(unknown.isEmpty()
                    ? m_parser.errorText()
-                   : QStringLiteral("there is no option '%1%2'")
+                   : QStringLiteral("unknown option '%1%2'")
                          .arg(unknown.first().size() == 1 ? QLatin1String("-") : QLatin1String("--"), unknown.first()));
     }
 }
@@ -22,7 +22,7 @@ int Arguments::integer(const QString &option, int minimum, int maximum, int fall
     const int value = text(option).toInt(&isNumber);
     if (isNumber && value >= minimum && value <= maximum)
         return value;
-    reject(QStringLiteral("--%1 takes a whole number from %2 to %3, not '%4'")
+    reject(QStringLiteral("--%1 must be an integer from %2 to %3, not '%4'")
                .arg(option, QString::number(minimum), QString::number(maximum), text(option)));
     return fallback;
 }
@@ -33,10 +33,10 @@ double Arguments::number(const QString &option, double minimum, double maximum, 
         return fallback;
     bool isNumber = false;
     const double value = text(option).toDouble(&isNumber);
-    // Written so that "nan" fails as well.
+    // This form of the comparison also rejects "nan".
     if (isNumber && value >= minimum && value <= maximum)
         return value;
-    reject(QStringLiteral("--%1 takes a number from %2 to %3, not '%4'")
+    reject(QStringLiteral("--%1 must be a number from %2 to %3, not '%4'")
                .arg(option, QString::number(minimum), QString::number(maximum), text(option)));
     return fallback;
 }
@@ -45,7 +45,7 @@ QStringList Arguments::positional(const QStringList &names)
 {
     QStringList values = m_parser.positionalArguments();
     if (values.size() > names.size())
-        reject(QStringLiteral("'%1' is one argument too many").arg(values.at(names.size())));
+        reject(QStringLiteral("unexpected argument '%1'").arg(values.at(names.size())));
     else if (values.size() < names.size())
         reject(QStringLiteral("%1 is missing").arg(names.at(values.size())));
     while (values.size() < names.size())

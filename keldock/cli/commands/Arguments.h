@@ -6,25 +6,25 @@
 #include <QString>
 #include <QStringList>
 
-/// The arguments of one command, read with checks. Every reader answers something usable; the first thing that was
-/// wrong is kept in error(), so that a command can read all of its options and look once.
+/// Parses and validates the arguments of a command. Every function returns a usable value; error() has the first
+/// problem, so that a command can read all its options and check for errors once.
 class Arguments
 {
 public:
-    /// Options without the leading dashes; `--verbose` is understood besides.
+    /// `options` are named without leading dashes. `--verbose` is always accepted.
     Arguments(const QList<QCommandLineOption> &options, const QStringList &arguments);
 
     bool isSet(const QString &option) const { return m_parser.isSet(option); }
     QString text(const QString &option) const { return m_parser.value(option); }
 
-    /// The option's number, `fallback` when it is not given.
+    /// The value of an option; `fallback` if it is missing or invalid.
     int integer(const QString &option, int minimum, int maximum, int fallback);
     double number(const QString &option, double minimum, double maximum, double fallback);
 
-    /// What stands without an option: exactly one argument for each of the names.
+    /// The arguments that are not options: exactly one for each name, which error messages use.
     QStringList positional(const QStringList &names);
 
-    /// Notes what is wrong, unless something is already.
+    /// Sets error() unless there is one already.
     void reject(const QString &error);
     QString error() const { return m_error; }
 

@@ -3,28 +3,28 @@
 #include <QString>
 #include <QStringList>
 
-/// One thing that keldock does: it reads its own arguments and then runs, once.
+/// A command of keldock. It parses its arguments and then runs once.
 class Command
 {
 public:
     virtual ~Command() = default;
 
-    /// The word by which it is called.
+    /// The name on the command line.
     virtual QString name() const = 0;
 
-    /// What it does, in one short line.
+    /// A one-line description.
     virtual QString summary() const = 0;
 
-    /// The whole help page, ending in a newline.
+    /// The help page, with a newline at the end.
     virtual QString help() const = 0;
 
-    /// Whether it works on the screen itself; the others run without any display.
+    /// Whether the command accesses the screen. The others run without a display.
     virtual bool needsDisplay() const { return false; }
 
-    /// Reads what follows the name. Runs before there is an application object. Answers what is wrong, empty when
-    /// nothing is.
+    /// Parses the arguments after the name, before an application object exists. Returns an error message, or an empty
+    /// string.
     virtual QString parse(const QStringList &arguments) = 0;
 
-    /// Does the work. Answers in one line why it failed, empty when it did not.
+    /// Executes the command. Returns an error message of one line, or an empty string.
     virtual QString run() = 0;
 };

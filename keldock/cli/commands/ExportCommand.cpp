@@ -4,6 +4,7 @@
 #include "cli/commands/LoadedRecording.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressBar.h"
+#include "common/FrameRate.h"
 #include "common/Units.h"
 #include <console/StopSignal.h>
 
@@ -22,12 +23,11 @@ using namespace kel;
 namespace
 {
 
-constexpr int MaxFps = 240;
-constexpr int MaxLoops = 65535;
-constexpr double MinSpeed = 0.1;
-constexpr double MaxSpeed = 16.0;
+constexpr int kMaxLoops = 65535;
+constexpr double kMinSpeed = 0.1;
+constexpr double kMaxSpeed = 16.0;
 
-/// The number by which the engine knows a format; -1 for none.
+/// The value of KelExportRequest::format; -1 if the name is unknown.
 int formatNumber(const QString &name)
 {
     const QStringList formats{QStringLiteral("mp4"), QStringLiteral("gif"), QStringLiteral("apng"),
@@ -39,7 +39,7 @@ class TerminalMonitor : public KelExportMonitor
 {
 public:
     explicit TerminalMonitor(const QString &fileName)
-        : m_bar(QStringLiteral("Exporting ") + fileName)
+        : m_bar(QLatin1String("Exporting ") + fileName)
     {
     }
 
@@ -49,11 +49,11 @@ public:
     void finish() { m_bar.finish(); }
 
 private:
-    /// Something that moves, also while a percent takes minutes.
+    /// Changes often, even when one percent takes minutes.
     static QString note(const Status &status)
     {
         const QString time =
-            status.leftMs < 0 ? Units::clock(status.elapsedMs) : Units::clock(status.leftMs) + QStringLiteral(" left");
+            status.leftMs < 0 ? Units::clock(status.elapsedMs) : Units::clock(status.leftMs) + QLatin1String(" left");
         switch (status.stage) {
         case Status::Stage::Frames:
             return QStringLiteral("%1/%2  %3").arg(status.done).arg(status.units).arg(time);
@@ -71,24 +71,24 @@ private:
     ProgressBar m_bar;
 };
 
-/// "small", "balanced", "best" or 0 to 100; -1 for anything else.
-int qualityNumber(const QString &given)
+/// Accepts "small", "balanced", "best" or 0 to 100; returns -1 for anything else.
+int parseQuality(const QString &text)
 {
     const QStringList names{QStringLiteral("small"), QStringLiteral("balanced"), QStringLiteral("best")};
-    if (const int setting = names.indexOf(given); setting >= 0) {
+    if (const int setting = names.indexOf(text); setting >= 0) {
         gKelMovieConfig.saveQuality = setting;
         return KelMovieExportQuality();
     }
     bool isNumber = false;
-    const int number = given.toInt(&isNumber);
+    const int number = text.toInt(&isNumber);
     return isNumber && number >= 0 && number <= 100 ? number : -1;
 }
 
-/// Empty when `given` is no size of at least one pixel.
-QSize parseSize(const QString &given)
+/// Empty if `text` is not a size of at least one pixel.
+QSize parseSize(const QString &text)
 {
     static const QRegularExpression form(QStringLiteral("^(\\d{1,5})x(\\d{1,5})$"));
-    const QRegularExpressionMatch match = form.match(given);
+    const QRegularExpressionMatch match = form.match(text);
     return QSize(match.captured(1).toInt(), match.captured(2).toInt());
 }
 
@@ -97,28 +97,28 @@ QSize parseSize(const QString &given)
 QString ExportCommand::help() const
 {
     return QStringLiteral(
-        "Turns a recording into one file. The recording itself is left as it is.\n"
+        "Exports a recording to a file. The recording itself is not changed.\n"
         "\n"
         "Usage: keldock export DIR FILE [OPTIONS]\n"
         "\n"
         "  DIR            the directory of the recording\n"
-        "  FILE           the file to produce; an existing file is replaced once the new one is whole\n"
+        "  FILE           the file to write; an existing file is replaced when the export is complete\n"
         "\n"
         "Options:\n"
-        "  --format F     mp4, gif, apng or webp; without it the suffix of FILE decides\n"
-        "                 (.mp4, .gif, .apng or .png, .webp)\n"
-        "  --from MS      begin so many milliseconds into the recording (default: its start)\n"
-        "  --to MS        end there (default: its end)\n"
+        "  --format F     mp4, gif, apng or webp (default: according to the suffix of FILE,\n"
+        "                 .mp4, .gif, .apng or .png, .webp)\n"
+        "  --from MS      start at this time of the recording, in milliseconds (default: its start)\n"
+        "  --to MS        end at this time (default: its end)\n"
         "  --speed X      play X times as fast, 0.1 to 16 (default: 1)\n"
-        "  --fps N        frames a second of the file, 1 to 240 (default: those of the recording)\n"
-        "  --quality Q    small, balanced or best, or a number from 0 to 100 (default: balanced, which is 90)\n"
-        "  --loops N      play an animation N times; 0: over and over (default: 0)\n"
-        "  --size WxH     as large as fits into so many pixels, in its own proportions (default: as recorded)\n"
+        "  --fps N        frames per second, 1 to 240 (default: as recorded)\n"
+        "  --quality Q    small, balanced or best, or a number from 0 to 100 (default: balanced = 90)\n"
+        "  --loops N      play an animation N times; 0 plays it forever (default: 0)\n"
+        "  --size WxH     scale to fit into W x H pixels, keeping the aspect ratio (default: as recorded)\n"
         "  --verbose      show the engine's log on standard error\n"
-        "  --help         this text\n"
+        "  --help         show this help\n"
         "\n"
-        "A terminal shows the progress. Ctrl-C gives up and leaves nothing behind. Where an animation cannot be\n"
-        "completed, as on a full disk, its first part is kept as NAME.incomplete.SUFFIX.\n"
+        "Ctrl-C cancels the export and leaves no file. If an animation cannot be completed, for example because the\n"
+        "disk is full, its first part is kept as NAME.incomplete.SUFFIX.\n"
         "\n"
         "Examples:\n"
         "  keldock export hello hello.mp4\n"
@@ -136,40 +136,42 @@ QString ExportCommand::parse(const QStringList &arguments)
     const QStringList values = options.positional({QStringLiteral("DIR"), QStringLiteral("FILE")});
     m_directory = values.at(0);
     m_file = values.at(1);
-    const int longest = std::numeric_limits<int>::max();
-    m_fromMs = options.integer(QStringLiteral("from"), 0, longest, m_fromMs);
-    m_toMs = options.integer(QStringLiteral("to"), 0, longest, m_toMs);
-    m_speed = options.number(QStringLiteral("speed"), MinSpeed, MaxSpeed, m_speed);
-    m_fps = options.integer(QStringLiteral("fps"), 1, MaxFps, m_fps);
-    m_loops = options.integer(QStringLiteral("loops"), 0, MaxLoops, m_loops);
+    const int maxMs = std::numeric_limits<int>::max();
+    m_fromMs = options.integer(QStringLiteral("from"), 0, maxMs, m_fromMs);
+    m_toMs = options.integer(QStringLiteral("to"), 0, maxMs, m_toMs);
+    m_speed = options.number(QStringLiteral("speed"), kMinSpeed, kMaxSpeed, m_speed);
+    m_fps = options.integer(QStringLiteral("fps"), 1, kMaxFps, m_fps);
+    m_loops = options.integer(QStringLiteral("loops"), 0, kMaxLoops, m_loops);
     if (options.isSet(QStringLiteral("quality"))) {
-        m_quality = qualityNumber(options.text(QStringLiteral("quality")));
+        m_quality = parseQuality(options.text(QStringLiteral("quality")));
         if (m_quality < 0)
-            options.reject(QStringLiteral("--quality takes small, balanced, best or a number from 0 to 100, not '%1'")
+            options.reject(QStringLiteral("--quality must be small, balanced, best or a number from 0 to 100, not '%1'")
                                .arg(options.text(QStringLiteral("quality"))));
     }
     if (options.isSet(QStringLiteral("size"))) {
         m_size = parseSize(options.text(QStringLiteral("size")));
         if (m_size.isEmpty())
-            options.reject(QStringLiteral("--size takes WxH with a width and height of at least 1, e.g. 1280x720, not "
-                                          "'%1'")
-                               .arg(options.text(QStringLiteral("size"))));
+            options.reject(
+                QStringLiteral("--size must be WxH with a width and height of at least 1, e.g. 1280x720, not "
+                               "'%1'")
+                    .arg(options.text(QStringLiteral("size"))));
     }
     if (m_toMs >= 0 && m_toMs <= m_fromMs)
-        options.reject(QStringLiteral("--to has to lie behind --from"));
+        options.reject(QStringLiteral("--to must be greater than --from"));
 
     if (options.isSet(QStringLiteral("format"))) {
         m_format = formatNumber(options.text(QStringLiteral("format")));
         if (m_format < 0) {
-            options.reject(QStringLiteral("--format takes mp4, gif, apng or webp, not '%1'")
+            options.reject(QStringLiteral("--format must be mp4, gif, apng or webp, not '%1'")
                                .arg(options.text(QStringLiteral("format"))));
         }
     } else {
         m_format = formatNumber(QFileInfo(m_file).suffix().toLower());
         if (m_format < 0) {
-            options.reject(QStringLiteral("the suffix of '%1' tells no format: use .mp4, .gif, .apng or .webp, or "
-                                          "--format")
-                               .arg(m_file));
+            options.reject(
+                QStringLiteral("the suffix of '%1' is not a known format: use .mp4, .gif, .apng or .webp, or "
+                               "--format")
+                    .arg(m_file));
         }
     }
     return options.error();
@@ -181,11 +183,11 @@ QString ExportCommand::run()
     if (!recording.error().isEmpty())
         return recording.error();
     if (!recording.warning().isEmpty())
-        Console::printError(QStringLiteral("keldock: ") + recording.warning());
+        Console::printError(QLatin1String("keldock: ") + recording.warning());
 
     KelExportRequest request;
     request.format = m_format;
-    request.fps = m_fps > 0 ? m_fps : qBound(1, recording.manager()->fps(), MaxFps);
+    request.fps = m_fps > 0 ? m_fps : qBound(1, recording.manager()->fps(), kMaxFps);
     request.quality = m_quality;
     request.speed = m_speed;
     request.outputPath = m_file;
@@ -194,7 +196,7 @@ QString ExportCommand::run()
         request.size = recording.manager()->pictureSize().scaled(m_size, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     request.trackDataDir = m_directory;
     request.playbackManager = recording.manager();
-    QString rangeError = chooseRange(recording, &request);
+    QString rangeError = setRange(recording, &request);
     if (!rangeError.isEmpty())
         return rangeError;
 
@@ -203,30 +205,32 @@ QString ExportCommand::run()
     const QString fileName = QFileInfo(m_file).fileName();
     TerminalMonitor monitor(fileName);
     KelExportPipeline pipeline(request, &monitor);
-    const bool isWhole = pipeline.run();
+    const bool isComplete = pipeline.run();
     monitor.finish();
-    if (!isWhole) {
+    if (!isComplete) {
         const QString error = pipeline.errorString();
         if (error.isEmpty())
             Console::leave(QStringLiteral("keldock: export cancelled, nothing was written"));
         return QStringLiteral("'%1' cannot be exported: %2").arg(m_file, error);
     }
     if (!pipeline.warningString().isEmpty())
-        Console::printError(QStringLiteral("keldock: ") + pipeline.warningString());
+        Console::printError(QLatin1String("keldock: ") + pipeline.warningString());
     Console::print(QStringLiteral("%1  %2, exported in %3\n")
                        .arg(m_file, Units::bytes(QFileInfo(m_file).size()), Units::seconds(timer.elapsed())));
     return QString();
 }
 
-QString ExportCommand::chooseRange(const LoadedRecording &recording, KelExportRequest *request) const
+QString ExportCommand::setRange(const LoadedRecording &recording, KelExportRequest *request) const
 {
     if (m_fromMs < 0 && m_toMs < 0)
         return QString();
     const qint64 durationMs = recording.manager()->durationMs();
     if (durationMs <= 0)
-        return QStringLiteral("'%1' does not tell its duration, so no part of it can be chosen").arg(m_directory);
+        return QStringLiteral("the duration of '%1' is unknown, so --from and --to cannot be used").arg(m_directory);
     if (m_fromMs >= durationMs)
-        return QStringLiteral("--from %1 lies behind the end: the recording has %2 ms").arg(m_fromMs).arg(durationMs);
+        return QStringLiteral("--from %1 is beyond the end of the recording, which is %2 ms long")
+            .arg(m_fromMs)
+            .arg(durationMs);
     request->trimsLongRecordings = true;
     request->trimStartMs = qMax(m_fromMs, 0);
     request->trimEndMs = static_cast<int>(m_toMs < 0 ? durationMs : qMin<qint64>(m_toMs, durationMs));

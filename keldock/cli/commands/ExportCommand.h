@@ -7,25 +7,25 @@
 class LoadedRecording;
 struct KelExportRequest;
 
-/// `keldock export`: a recording as one MP4, GIF, APNG or WebP file.
+/// `keldock export`: exports a recording as MP4, GIF, APNG or WebP.
 class ExportCommand : public Command
 {
 public:
     QString name() const override { return QStringLiteral("export"); }
-    QString summary() const override { return QStringLiteral("turn a recording into MP4, GIF, APNG or WebP"); }
+    QString summary() const override { return QStringLiteral("export a recording as MP4, GIF, APNG or WebP"); }
     QString help() const override;
     QString parse(const QStringList &arguments) override;
     QString run() override;
 
 private:
-    QString chooseRange(const LoadedRecording &recording, KelExportRequest *request) const;
+    QString setRange(const LoadedRecording &recording, KelExportRequest *request) const;
 
     QString m_directory;
     QString m_file;
     int m_format = -1;
-    int m_fromMs = -1; ///< not given
-    int m_toMs = -1;   ///< not given
-    int m_fps = 0;     ///< that of the recording
+    int m_fromMs = -1; ///< -1: from the start
+    int m_toMs = -1;   ///< -1: to the end
+    int m_fps = 0;     ///< 0: as recorded
     int m_quality = 90;
     int m_loops = 0;
     QSize m_size; ///< empty: as recorded

@@ -3,45 +3,39 @@
 #include "cli/commands/Arguments.h"
 #include "cli/commands/LoadedRecording.h"
 #include "cli/commands/OutputFile.h"
+#include "common/ComposedFrame.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QImage>
 #include <QImageWriter>
-#include <QPainter>
 
 namespace
 {
 
-QImage composed(const LoadedRecording &recording, int frame)
+/// The frame as it would be seen in playback.
+QImage playedFrame(const LoadedRecording &recording, int frame)
 {
-    KelPlaybackTrackManager *manager = recording.manager();
+    KelPlaybackTrackManager *const manager = recording.manager();
     manager->setFrameAsPlayed(frame);
-    QImage image(recording.pixels(), QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull())
-        return image;
-    image.fill(Qt::black);
-    image.setDevicePixelRatio(manager->devicePixelRatio());
-    QPainter painter(&image);
-    manager->paint(&painter);
-    return image;
+    return composedFrame(manager, QImage(recording.pixels(), QImage::Format_ARGB32_Premultiplied));
 }
 
 } // namespace
 
 QString FrameCommand::help() const
 {
-    return QStringLiteral("Saves one picture of a recording, with all that is painted over the screen.\n"
+    return QStringLiteral("Saves a frame of a recording as it is played, with the pointer and all other overlays.\n"
                           "\n"
                           "Usage: keldock frame DIR N FILE.png\n"
                           "\n"
                           "  DIR        the directory of the recording\n"
-                          "  N          the logic frame, counted from 0; 'keldock info DIR' tells how many there are\n"
-                          "  FILE.png   the picture; an existing file is replaced\n"
+                          "  N          the logic frame, starting at 0; 'keldock info DIR' shows how many there are\n"
+                          "  FILE.png   the file to write; an existing file is replaced\n"
                           "\n"
                           "Options:\n"
                           "  --verbose  show the engine's log on standard error\n"
-                          "  --help     this text\n"
+                          "  --help     show this help\n"
                           "\n"
                           "Example:\n"
                           "  keldock frame hello 0 first.png\n");
@@ -57,7 +51,7 @@ QString FrameCommand::parse(const QStringList &arguments)
     bool isNumber = false;
     m_frame = values.at(1).toInt(&isNumber);
     if (!isNumber || m_frame < 0)
-        options.reject(QStringLiteral("N is the number of a frame, 0 or more, not '%1'").arg(values.at(1)));
+        options.reject(QStringLiteral("N must be a frame number, 0 or more, not '%1'").arg(values.at(1)));
     if (!m_file.endsWith(QLatin1String(".png"), Qt::CaseInsensitive))
         options.reject(QStringLiteral("'%1' does not end in .png").arg(m_file));
     return options.error();
@@ -69,18 +63,18 @@ QString FrameCommand::run()
     if (!recording.error().isEmpty())
         return recording.error();
     if (m_frame >= recording.logicFrames()) {
-        return QStringLiteral("there is no frame %1: the recording has the frames 0 to %2")
+        return QStringLiteral("there is no frame %1: the recording has frames 0 to %2")
             .arg(m_frame)
             .arg(recording.logicFrames() - 1);
     }
     OutputFile output(m_file);
     if (!output.error().isEmpty())
         return output.error();
-    const QImage image = composed(recording, m_frame);
+    const QImage image = playedFrame(recording, m_frame);
     if (image.isNull())
-        return QStringLiteral("there is no memory for the picture");
+        return QStringLiteral("there is not enough memory for the frame");
     {
-        QImageWriter writer(output.temporaryPath(), "png"); // keeps the file open
+        QImageWriter writer(output.temporaryPath(), "png"); // closes the file before it is moved
         if (!writer.write(image))
             return QStringLiteral("'%1' cannot be written: %2").arg(m_file, writer.errorString());
     }

@@ -2,12 +2,12 @@
 
 #include "cli/commands/Command.h"
 
-/// `keldock frame`: one composed picture of a recording as a PNG file.
+/// `keldock frame`: saves a composed frame of a recording as a PNG file.
 class FrameCommand : public Command
 {
 public:
     QString name() const override { return QStringLiteral("frame"); }
-    QString summary() const override { return QStringLiteral("save one picture of a recording"); }
+    QString summary() const override { return QStringLiteral("save a frame of a recording as PNG"); }
     QString help() const override;
     QString parse(const QStringList &arguments) override;
     QString run() override;

@@ -18,11 +18,11 @@ QString line(const char *label, const QString &value)
     return QStringLiteral("%1 %2\n").arg(QLatin1String(label), -18).arg(value);
 }
 
-QString configuredTracks(const KelRecordingMetadata &metadata)
+QString enabledTracks(const KelRecordingMetadata &metadata)
 {
     QStringList names;
-    const auto add = [&names](bool configured, const char *name) {
-        if (configured)
+    const auto add = [&names](bool isEnabled, const char *name) {
+        if (isEnabled)
             names.append(QLatin1String(name));
     };
     add(metadata.screenTrack, "screen");
@@ -30,15 +30,15 @@ QString configuredTracks(const KelRecordingMetadata &metadata)
     add(metadata.keyboardTrack, "keyboard");
     add(metadata.systemAudio, "system audio");
     add(metadata.microphoneAudio, "microphone");
-    return names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", "));
+    return names.isEmpty() ? QStringLiteral("none") : names.join(QLatin1String(", "));
 }
 
 QString state(const LoadedRecording &recording)
 {
     if (!recording.hasMetadata())
-        return QStringLiteral("damaged: ") + recording.warning();
+        return QLatin1String("damaged: ") + recording.warning();
     if (!recording.metadata().complete)
-        return QStringLiteral("interrupted, or still being recorded; all up to the last moment is there");
+        return QStringLiteral("interrupted, or still in progress; everything recorded so far can be played");
     return QStringLiteral("complete");
 }
 
@@ -51,20 +51,19 @@ QString sizeText(const QSize &size)
 
 QString InfoCommand::help() const
 {
-    return QStringLiteral("Tells what a recording holds.\n"
+    return QStringLiteral("Describes a recording.\n"
                           "\n"
                           "Usage: keldock info DIR [--json]\n"
                           "\n"
                           "  DIR        the directory of the recording\n"
                           "\n"
                           "Options:\n"
-                          "  --json     one JSON object, for scripts\n"
+                          "  --json     print a JSON object, for scripts\n"
                           "  --verbose  show the engine's log on standard error\n"
-                          "  --help     this text\n"
+                          "  --help     show this help\n"
                           "\n"
-                          "Logic frames are the ticks of the recording's clock, by which every track is addressed.\n"
-                          "Video frames are the pictures that were stored: one for each tick at which the screen\n"
-                          "had changed.\n"
+                          "Logic frames are the ticks of the recording's clock, which all tracks share. Video frames\n"
+                          "are the frames of the video: one for each tick at which the screen had changed.\n"
                           "\n"
                           "Examples:\n"
                           "  keldock info hello\n"
@@ -100,21 +99,21 @@ QString InfoCommand::asText(const LoadedRecording &recording)
            line("Area", QStringLiteral("%1 at %2,%3").arg(sizeText(area.size())).arg(area.x()).arg(area.y())) +
            line("Pixel ratio", QString::number(metadata.pixelRatio)) +
            line("Device pixel ratio", QString::number(metadata.devicePixelRatio)) +
-           line("Frame rate", QStringLiteral("%1 a second").arg(metadata.fps)) +
-           line("Logic frames", QStringLiteral("%1 (%2 ticked, %3 expected)")
+           line("Frame rate", QStringLiteral("%1 fps").arg(metadata.fps)) +
+           line("Logic frames", QStringLiteral("%1 (%2 recorded, %3 expected)")
                                     .arg(recording.logicFrames())
                                     .arg(metadata.actualRecordedFrames)
                                     .arg(metadata.totalFrames)) +
            line("Video frames",
                 QStringLiteral("%1 of %2 pixels").arg(recording.videoFrames()).arg(sizeText(recording.pixels()))) +
-           line("Tracks chosen", configuredTracks(metadata)) +
-           line("Tracks present", recording.tracksPresent().join(QStringLiteral(", "))) +
+           line("Tracks enabled", enabledTracks(metadata)) +
+           line("Tracks present", recording.tracksPresent().join(QLatin1String(", "))) +
            line("Size", Units::bytes(recording.bytes())) + line("Format version", metadata.version);
 }
 
 QString InfoCommand::asJson(const LoadedRecording &recording)
 {
-    // The file's own member names, and what can be told besides. Scripts rely on these names.
+    // The members of the metadata file and more. Scripts rely on these names.
     QJsonObject object = QJsonDocument::fromJson(recording.metadata().toJson()).object();
     object.insert(QStringLiteral("complete"), recording.hasMetadata() && recording.metadata().complete);
     object.insert(QStringLiteral("directory"), QDir(recording.directory()).absolutePath());

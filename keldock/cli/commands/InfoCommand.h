@@ -4,12 +4,12 @@
 
 class LoadedRecording;
 
-/// `keldock info`: what a recording holds, for a person or as JSON.
+/// `keldock info`: describes a recording, as text or JSON.
 class InfoCommand : public Command
 {
 public:
     QString name() const override { return QStringLiteral("info"); }
-    QString summary() const override { return QStringLiteral("tell what a recording holds"); }
+    QString summary() const override { return QStringLiteral("describe a recording"); }
     QString help() const override;
     QString parse(const QStringList &arguments) override;
     QString run() override;

@@ -23,20 +23,20 @@ LoadedRecording::LoadedRecording(const QString &directory)
     }
     const bool hasFile = QFileInfo::exists(KelRecordingMetadata::filePath(directory));
     if (!hasFile && tracksPresent().isEmpty()) {
-        m_error = QStringLiteral("'%1' holds no recording").arg(directory);
+        m_error = QStringLiteral("'%1' does not contain a recording").arg(directory);
         return;
     }
     m_hasMetadata = hasFile && KelRecordingMetadata::load(directory, &m_metadata);
     if (!m_recorder.loadRecording(directory))
         m_error = QStringLiteral("'%1' cannot be loaded: %2").arg(directory, MessageLog::firstCritical());
     else if (!manager()->isValidRecording())
-        m_error = QStringLiteral("'%1' cannot be shown: %2").arg(directory, manager()->errorString());
+        m_error = QStringLiteral("'%1' cannot be played: %2").arg(directory, manager()->errorString());
 }
 
 QString LoadedRecording::warning() const
 {
     if (!m_hasMetadata) {
-        return QStringLiteral("%1 is missing or damaged; assuming %2 frames a second")
+        return QStringLiteral("%1 is missing or damaged; assuming %2 fps")
             .arg(KelRecordingFiles::kMetadata, QString::number(m_metadata.fps));
     }
     return QString();

@@ -9,31 +9,32 @@
 
 class KelPlaybackTrackManager;
 
-/// A recording opened from its directory, as far as it can be read.
+/// A recording loaded from its directory, as far as it is readable.
 class LoadedRecording
 {
 public:
     explicit LoadedRecording(const QString &directory);
 
-    /// Why nothing of it can be shown, in one line; empty when it can.
+    /// Why the recording cannot be played, in one line; empty if it can.
     QString error() const { return m_error; }
 
-    /// What is wrong although it can be shown, in one line; empty when all is well.
+    /// A problem that does not prevent playback, in one line; empty if there is none.
     QString warning() const;
 
     QString directory() const { return m_directory; }
     const KelRecordingMetadata &metadata() const { return m_metadata; }
     bool hasMetadata() const { return m_hasMetadata; }
 
-    /// Null when the directory holds no recording at all.
+    /// Null if the directory does not contain a recording.
     KelPlaybackTrackManager *manager() const;
 
     int logicFrames() const;
     int videoFrames() const;
-    /// Pixels of a composed picture.
+    /// Size of a composed frame in physical pixels.
     QSize pixels() const;
-    /// The tracks that have files, in the order in which they are recorded.
+    /// The tracks that have files, in a fixed order.
     QStringList tracksPresent() const;
+    /// Size on disk.
     qint64 bytes() const;
 
 private:

@@ -4,14 +4,14 @@
 
 #include <array>
 
-/// A track besides the screen that `record` can be asked for or told to leave out.
+/// A track that `keldock record` can include or exclude.
 struct OptionalTrack {
-    const char *option; ///< `--option` asks for it, `--no-option` leaves it out
+    const char *option; ///< `--option` includes it, `--no-option` excludes it
     bool KelMultiTrackRecorder::RecordConfig::*enabled;
     bool isDefault;
 };
 
-inline constexpr std::array OptionalTracks{
+inline constexpr std::array kOptionalTracks{
     OptionalTrack{"mouse", &KelMultiTrackRecorder::RecordConfig::enableMouse, true},
     OptionalTrack{"keyboard", &KelMultiTrackRecorder::RecordConfig::enableKeyboard, false},
     OptionalTrack{"system-audio", &KelMultiTrackRecorder::RecordConfig::enableSystemAudio, false},

@@ -17,11 +17,11 @@ OutputFile::OutputFile(const QString &path)
         return;
     }
     if (given.exists() && !given.isFile()) {
-        m_error = QStringLiteral("'%1' is not an ordinary file").arg(path);
+        m_error = QStringLiteral("'%1' is not a regular file").arg(path);
         return;
     }
     if (given.exists())
-        m_path = given.canonicalFilePath(); // what a link points to is replaced, not the link
+        m_path = given.canonicalFilePath(); // replaces the target of a link rather than the link
     const QFileInfo target(m_path);
     if (!QFileInfo(target.path()).isDir()) {
         m_error = QStringLiteral("there is no directory '%1'").arg(target.path());
@@ -30,7 +30,7 @@ OutputFile::OutputFile(const QString &path)
     const QString temporaryPath =
         QStringLiteral("%1/.keldock-%2.%3")
             .arg(target.path(), QString::number(QCoreApplication::applicationPid()), target.suffix());
-    QFile::remove(temporaryPath); // of a process that had the same number and was killed
+    QFile::remove(temporaryPath); // left behind by a killed process with the same id
     QFile probe(temporaryPath);
     if (!probe.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
         m_error = QStringLiteral("'%1' cannot be written: %2").arg(path, probe.errorString());

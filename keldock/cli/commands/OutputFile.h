@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// A file that is to be produced. It is written beside its place under another name and put there only once it is
-/// whole, so that a failed or cancelled attempt leaves nothing behind and an older file of that name untouched.
+/// A file to be written. It is written under a temporary name in the same directory and renamed when it is complete, so
+/// that a failure leaves no partial file and does not damage an existing file.
 class OutputFile
 {
 public:
@@ -12,13 +12,13 @@ public:
     OutputFile(const OutputFile &) = delete;
     OutputFile &operator=(const OutputFile &) = delete;
 
-    /// Why the file cannot be produced there, in one line; empty when it can.
+    /// Why the file cannot be written, in one line; empty if it can.
     QString error() const { return m_error; }
 
-    /// The name under which to write it; no such file exists yet. It has the suffix of the final name.
+    /// The path to write to; the file does not exist yet. It has the same suffix as the final name.
     QString temporaryPath() const { return m_temporaryPath; }
 
-    /// Puts the file in place. Answers why that failed, empty when it did not.
+    /// Renames the temporary file. Returns an error message, or an empty string.
     QString commit();
 
 private:

@@ -5,6 +5,7 @@
 #include "cli/commands/OptionalTrack.h"
 #include "cli/commands/RecordingSession.h"
 #include "cli/terminal/Console.h"
+#include "common/FrameRate.h"
 #include "common/Units.h"
 
 #include <KelMovie/KelMovieConfig.h>
@@ -19,28 +20,27 @@
 namespace
 {
 
-constexpr int MaxFps = 240;
-constexpr double MinSeconds = 0.1;
-constexpr double MaxSeconds = 7 * 24 * 3600;
-constexpr int MaxCoordinate = 65535; // X11 knows no larger desktop
+constexpr double kMinSeconds = 0.1;
+constexpr double kMaxSeconds = 7 * 24 * 3600;
+constexpr int kMaxCoordinate = 65535; // the limit of X11
 
 QString screenList()
 {
     QStringList list;
     const QList<QScreen *> screens = QGuiApplication::screens();
     for (int i = 0; i < screens.size(); ++i)
-        list.append(QStringLiteral("%1 is %2").arg(i).arg(Units::area(screens.at(i)->geometry())));
-    return list.join(QStringLiteral(", "));
+        list.append(QStringLiteral("%1 (%2)").arg(i).arg(Units::area(screens.at(i)->geometry())));
+    return list.join(QLatin1String(", "));
 }
 
-/// Null when `given` is no rectangle of at least one pixel.
-QRect parseArea(const QString &given)
+/// Null if `text` is not a rectangle of at least one pixel.
+QRect parseRect(const QString &text)
 {
     static const QRegularExpression form(QStringLiteral("^(-?\\d{1,5}),(-?\\d{1,5}),(\\d{1,5})x(\\d{1,5})$"));
-    const QRegularExpressionMatch match = form.match(given);
+    const QRegularExpressionMatch match = form.match(text);
     const QRect area(match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt(),
                      match.captured(4).toInt());
-    const QRect desktop(-MaxCoordinate, -MaxCoordinate, 2 * MaxCoordinate, 2 * MaxCoordinate);
+    const QRect desktop(-kMaxCoordinate, -kMaxCoordinate, 2 * kMaxCoordinate, 2 * kMaxCoordinate);
     return desktop.contains(area) ? area : QRect();
 }
 
@@ -49,25 +49,25 @@ QRect parseArea(const QString &given)
 QString RecordCommand::help() const
 {
     return QStringLiteral(
-        "Records a screen, or a part of one, into a directory.\n"
+        "Records a screen or a part of it into a directory.\n"
         "\n"
         "Usage: keldock record (--area X,Y,WxH | --screen N) --out DIR [OPTIONS]\n"
         "\n"
         "Options:\n"
-        "  --area X,Y,WxH      the rectangle to record, in pixels of the desktop\n"
-        "  --screen N          the whole screen N; 0 is the first\n"
-        "  --out DIR           the directory to record into; it is created, and must not hold a recording yet\n"
-        "  --fps N             frames a second, 1 to 240 (default: 24)\n"
-        "  --duration SECONDS  stop after so long, e.g. 2.5 (default: when you press Ctrl-C)\n"
-        "  --[no-]mouse        the mouse (default: recorded)\n"
-        "  --[no-]keyboard     the keys that are typed, in whichever program: passwords, too (default: not recorded)\n"
-        "  --[no-]system-audio what the computer plays (default: not recorded)\n"
-        "  --[no-]microphone   the microphone (default: not recorded)\n"
+        "  --area X,Y,WxH      record this rectangle, in pixels of the desktop\n"
+        "  --screen N          record the whole screen N; 0 is the first\n"
+        "  --out DIR           the directory to record into; created if necessary, must not contain a recording\n"
+        "  --fps N             frames per second, 1 to 240 (default: 24)\n"
+        "  --duration SECONDS  stop after this time, e.g. 2.5 (default: record until Ctrl-C)\n"
+        "  --[no-]mouse        record the mouse (default: yes)\n"
+        "  --[no-]keyboard     record keystrokes in every program, including passwords (default: no)\n"
+        "  --[no-]system-audio record what the computer plays (default: no)\n"
+        "  --[no-]microphone   record the microphone (default: no)\n"
         "  --verbose           show the engine's log on standard error\n"
-        "  --help              this text\n"
+        "  --help              show this help\n"
         "\n"
-        "Ctrl-C, a closed terminal and a shutdown end the recording properly. Even a killed one keeps all\n"
-        "but its last moment.\n"
+        "Ctrl-C, a closed terminal and a shutdown stop and save the recording. Even if the process is killed, only\n"
+        "the last moment is lost.\n"
         "\n"
         "Examples:\n"
         "  keldock record --screen 0 --out hello\n"
@@ -79,35 +79,35 @@ QString RecordCommand::parse(const QStringList &arguments)
     QList<QCommandLineOption> known;
     for (const char *option : {"area", "screen", "fps", "duration", "out"})
         known.append(QCommandLineOption(QLatin1String(option), QString(), QStringLiteral("value")));
-    for (const OptionalTrack &track : OptionalTracks) {
+    for (const OptionalTrack &track : kOptionalTracks) {
         known.append(QCommandLineOption(QLatin1String(track.option)));
         known.append(QCommandLineOption(QLatin1String("no-") + QLatin1String(track.option)));
     }
     Arguments options(known, arguments);
     options.positional({});
-    parseWhat(options);
+    parseArea(options);
     parseTracks(options);
-    m_config.fps = options.integer(QStringLiteral("fps"), 1, MaxFps, gKelMovieConfig.recordFps);
-    m_durationMs = qRound64(1000.0 * options.number(QStringLiteral("duration"), MinSeconds, MaxSeconds, 0));
+    m_config.fps = options.integer(QStringLiteral("fps"), 1, kMaxFps, gKelMovieConfig.recordFps);
+    m_durationMs = qRound64(1000.0 * options.number(QStringLiteral("duration"), kMinSeconds, kMaxSeconds, 0));
     m_config.outputDir = options.text(QStringLiteral("out"));
     if (m_config.outputDir.isEmpty())
-        options.reject(QStringLiteral("--out DIR is missing: say where to record to"));
+        options.reject(QStringLiteral("--out DIR is missing"));
     return options.error();
 }
 
-void RecordCommand::parseWhat(Arguments &options)
+void RecordCommand::parseArea(Arguments &options)
 {
     const QString area = options.text(QStringLiteral("area"));
     const bool hasArea = options.isSet(QStringLiteral("area"));
     const bool hasScreen = options.isSet(QStringLiteral("screen"));
     if (hasArea == hasScreen) {
-        options.reject(hasArea ? QStringLiteral("--area and --screen exclude each other")
-                               : QStringLiteral("say what to record: --area X,Y,WxH or --screen N"));
+        options.reject(hasArea ? QStringLiteral("--area and --screen cannot be combined")
+                               : QStringLiteral("specify what to record: --area X,Y,WxH or --screen N"));
     }
     if (hasArea) {
-        m_area = parseArea(area);
+        m_area = parseRect(area);
         if (m_area.isEmpty()) {
-            options.reject(QStringLiteral("--area takes X,Y,WxH with a width and height of at least 1, e.g. "
+            options.reject(QStringLiteral("--area must be X,Y,WxH with a width and height of at least 1, e.g. "
                                           "100,80,1280x720, not '%1'")
                                .arg(area));
         }
@@ -117,13 +117,13 @@ void RecordCommand::parseWhat(Arguments &options)
 
 void RecordCommand::parseTracks(Arguments &options)
 {
-    for (const OptionalTrack &track : OptionalTracks) {
+    for (const OptionalTrack &track : kOptionalTracks) {
         const QString name = QLatin1String(track.option);
-        const bool isWanted = options.isSet(name);
-        const bool isUnwanted = options.isSet(QStringLiteral("no-") + name);
-        if (isWanted && isUnwanted)
-            options.reject(QStringLiteral("--%1 and --no-%1 exclude each other").arg(name));
-        m_config.*track.enabled = isWanted || (track.isDefault && !isUnwanted);
+        const bool isIncluded = options.isSet(name);
+        const bool isExcluded = options.isSet(QLatin1String("no-") + name);
+        if (isIncluded && isExcluded)
+            options.reject(QStringLiteral("--%1 and --no-%1 cannot be combined").arg(name));
+        m_config.*track.enabled = isIncluded || (track.isDefault && !isExcluded);
     }
 }
 
@@ -153,13 +153,13 @@ QString RecordCommand::findArea(QRect *area) const
     }
     const QList<QScreen *> screens = QGuiApplication::screens();
     if (m_screen >= screens.size())
-        return QStringLiteral("there is no screen %1: %2").arg(m_screen).arg(screenList());
+        return QStringLiteral("there is no screen %1; available: %2").arg(m_screen).arg(screenList());
     *area = m_screen >= 0 ? screens.at(m_screen)->geometry() : m_area;
     for (const QScreen *screen : screens) {
         if (screen->geometry().intersects(*area))
             return QString();
     }
-    return QStringLiteral("the area %1 lies outside of every screen: %2").arg(Units::area(*area), screenList());
+    return QStringLiteral("the area %1 is outside of all screens: %2").arg(Units::area(*area), screenList());
 }
 
 QString RecordCommand::prepareDirectory() const
@@ -170,11 +170,11 @@ QString RecordCommand::prepareDirectory() const
         return QStringLiteral("'%1' is not a directory").arg(directory);
     if (QFileInfo::exists(KelRecordingMetadata::filePath(directory)) ||
         QFileInfo::exists(KelRecordingFiles::path(directory, KelRecordingFiles::kScreenDir)))
-        return QStringLiteral("'%1' holds a recording already; choose another directory").arg(directory);
+        return QStringLiteral("'%1' already contains a recording; choose another directory").arg(directory);
     if (!QDir().mkpath(directory))
         return QStringLiteral("the directory '%1' cannot be created").arg(directory);
     if (!QFileInfo(directory).isWritable())
-        return QStringLiteral("the directory '%1' cannot be written").arg(directory);
+        return QStringLiteral("the directory '%1' is not writable").arg(directory);
     return QString();
 }
 

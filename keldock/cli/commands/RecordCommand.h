@@ -9,26 +9,26 @@
 
 class Arguments;
 
-/// `keldock record`: records a screen or a part of it until the time is up or a signal ends it.
+/// `keldock record`: records a screen or a part of it for a given time or until a stop signal.
 class RecordCommand : public Command
 {
 public:
     QString name() const override { return QStringLiteral("record"); }
-    QString summary() const override { return QStringLiteral("record a screen, or a part of one, into a directory"); }
+    QString summary() const override { return QStringLiteral("record a screen or a part of it into a directory"); }
     QString help() const override;
     bool needsDisplay() const override { return true; }
     QString parse(const QStringList &arguments) override;
     QString run() override;
 
 private:
-    void parseWhat(Arguments &options);
+    void parseArea(Arguments &options);
     void parseTracks(Arguments &options);
     QString findArea(QRect *area) const;
     QString prepareDirectory() const;
     QString summaryText() const;
 
     KelMultiTrackRecorder::RecordConfig m_config;
-    QRect m_area;      ///< empty when a whole screen was chosen
-    int m_screen = -1; ///< -1 when an area was chosen
-    qint64 m_durationMs = 0;
+    QRect m_area;            ///< empty for a whole screen
+    int m_screen = -1;       ///< -1 for an area
+    qint64 m_durationMs = 0; ///< 0: until a stop signal
 };

@@ -15,7 +15,7 @@ using namespace kel;
 
 namespace
 {
-constexpr int ShowEveryMs = 250;
+constexpr int kUpdateIntervalMs = 250;
 } // namespace
 
 RecordingSession::RecordingSession(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config,
@@ -24,9 +24,9 @@ RecordingSession::RecordingSession(const QRect &area, const KelMultiTrackRecorde
 {
     m_recorder.setRecordArea(area);
     m_recorder.setRecordConfig(config);
-    connect(&m_recorder, &KelMultiTrackRecorder::trackFailed, this, &RecordingSession::noteTrack);
-    connect(&m_recorder, &KelMultiTrackRecorder::recordingError, this, &RecordingSession::fail);
-    // It also ends by itself, at the largest number of frames that a recording can hold.
+    connect(&m_recorder, &KelMultiTrackRecorder::trackFailed, this, &RecordingSession::rememberFailedTrack);
+    connect(&m_recorder, &KelMultiTrackRecorder::recordingError, this, &RecordingSession::handleError);
+    // The recorder also stops by itself at the maximum number of frames.
     connect(&m_recorder, &KelMultiTrackRecorder::recordingStopped, &m_loop, &QEventLoop::quit);
     connect(&m_stopSignal, &StopSignal::raised, &m_loop, &QEventLoop::quit);
 }
@@ -36,13 +36,13 @@ QString RecordingSession::run()
     if (!m_recorder.startRecording())
         return m_error.isEmpty() ? QStringLiteral("the recording cannot be started") : m_error;
     m_hasRecorded = true;
-    Console::print(QStringLiteral("Recording %1 at %2 frames a second\n")
+    Console::print(QStringLiteral("Recording %1 at %2 fps\n")
                        .arg(Units::area(m_recorder.recordArea()))
                        .arg(m_recorder.recordConfig().fps));
     Console::flush();
     if (m_recorder.recordConfig().enableKeyboard) {
-        Console::printError(QStringLiteral("keldock: keys typed anywhere on this desktop are being recorded, "
-                                           "passwords too, until the recording ends"));
+        Console::printError(QStringLiteral("keldock: everything typed on this desktop is recorded, including "
+                                           "passwords, until the recording ends"));
     }
     m_elapsed.start();
 
@@ -55,31 +55,31 @@ QString RecordingSession::run()
     QTimer show;
     connect(&show, &QTimer::timeout, this, &RecordingSession::showElapsed);
     if (m_line.isShown())
-        show.start(ShowEveryMs);
+        show.start(kUpdateIntervalMs);
 
-    // A failure that was reported from within startRecording() has quit a loop that did not run yet.
-    if (!m_isLost)
+    // An error within startRecording() was reported before the loop could be quit.
+    if (!m_hasFailed)
         m_loop.exec();
     show.stop();
     m_line.clear();
     m_recorder.stopRecording();
-    // A file that could not be completed is reported by a queued signal.
+    // Errors on completing a file are reported by a queued signal.
     QCoreApplication::processEvents();
-    return m_isLost || m_error.isEmpty() ? m_error : QStringLiteral("the recording lacks a track. ") + m_error;
+    return m_hasFailed || m_error.isEmpty() ? m_error : QLatin1String("the recording is incomplete: ") + m_error;
 }
 
-void RecordingSession::fail(const QString &error)
+void RecordingSession::handleError(const QString &error)
 {
     if (m_error.isEmpty())
         m_error = error;
-    // Without one of the others a recording of the screen is still worth going on with.
+    // A recording without one of the other tracks is still useful.
     const QString track = std::exchange(m_failedTrack, QString());
     if (m_hasRecorded && !track.isEmpty() && track != KelTrackNames::kScreen) {
         m_line.clear();
-        Console::printError(QStringLiteral("keldock: %1; going on without").arg(error));
+        Console::printError(QStringLiteral("keldock: %1; continuing without it").arg(error));
         return;
     }
-    m_isLost = true;
+    m_hasFailed = true;
     m_loop.quit();
 }
 
@@ -89,7 +89,7 @@ void RecordingSession::showElapsed()
                        .arg(Console::showsUnicode() ? QChar(0x25cf) : QLatin1Char('*'))
                        .arg(Units::clock(m_elapsed.elapsed()));
     if (m_durationMs > 0)
-        text += QStringLiteral(" of ") + Units::clock(m_durationMs);
-    m_line.show(QStringLiteral("%1  %2  Ctrl-C stops")
+        text += QLatin1String(" of ") + Units::clock(m_durationMs);
+    m_line.show(QStringLiteral("%1  %2  Press Ctrl-C to stop")
                     .arg(text, Units::bytes(directorySize(m_recorder.recordConfig().outputDir))));
 }

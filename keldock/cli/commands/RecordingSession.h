@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/terminal/TerminalLine.h"
+
 #include <console/StopSignal.h>
 
 #include <KelMovie/KelMultiTrackRecorder.h>
@@ -11,23 +12,25 @@
 #include <QRect>
 #include <QString>
 
-/// One recording from start to stop, with a line on the terminal that shows that it is under way.
+/// Makes one recording from start to stop, and shows its progress on the terminal.
 class RecordingSession : public QObject
 {
     Q_OBJECT
 
 public:
-    /// A duration of 0 means until a signal ends it.
+    /// `durationMs` 0 records until a stop signal.
     RecordingSession(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config, qint64 durationMs);
 
-    /// Records. Answers in one line what failed, empty when nothing did; what was recorded until then is kept.
+    /// Returns when the recording has ended, with an error message of one line or an empty string. After an error,
+    /// everything recorded before it is kept.
     QString run();
 
+    /// Whether the recording has started.
     bool hasRecorded() const { return m_hasRecorded; }
 
 private:
-    void noteTrack(const QString &track) { m_failedTrack = track; }
-    void fail(const QString &error);
+    void rememberFailedTrack(const QString &track) { m_failedTrack = track; }
+    void handleError(const QString &error);
     void showElapsed();
 
     const qint64 m_durationMs;
@@ -36,8 +39,8 @@ private:
     TerminalLine m_line;
     QElapsedTimer m_elapsed;
     QEventLoop m_loop;
-    QString m_failedTrack; // of the next error; empty for one that is no track's
+    QString m_failedTrack; // the track of the next error; empty if the error is not about a track
     QString m_error;
     bool m_hasRecorded = false;
-    bool m_isLost = false;
+    bool m_hasFailed = false;
 };

@@ -12,11 +12,11 @@ QString text(const KelMovieSelfTest::Check &check)
 {
     QString text =
         QStringLiteral("\n%1: %2\n")
-            .arg(check.name, check.passed() ? QStringLiteral("passed") : QStringLiteral("FAILED: ") + check.error);
+            .arg(check.name, check.passed() ? QStringLiteral("passed") : QLatin1String("FAILED: ") + check.error);
     for (const QString &finding : check.findings)
-        text += QStringLiteral("  ") + finding + QLatin1Char('\n');
+        text += QLatin1String("  ") + finding + QLatin1Char('\n');
     for (const QString &warning : check.warnings)
-        text += QStringLiteral("  warning: ") + warning + QLatin1Char('\n');
+        text += QLatin1String("  warning: ") + warning + QLatin1Char('\n');
     return text;
 }
 
@@ -24,17 +24,17 @@ QString text(const KelMovieSelfTest::Check &check)
 
 QString SelfTestCommand::help() const
 {
-    return QStringLiteral("Tells what can be recorded and exported on this computer, and tries it: records the screen\n"
-                          "for half a second, encodes and decodes every format, looks for the devices. What is\n"
-                          "written meanwhile is removed again. A missing sound device is a warning.\n"
+    return QStringLiteral("Tests what can be recorded and exported on this computer: records the screen for half a\n"
+                          "second, encodes and decodes every format, and looks for devices. Temporary files are\n"
+                          "removed. A missing sound device is only a warning.\n"
                           "\n"
                           "Usage: keldock selftest\n"
                           "\n"
                           "Options:\n"
                           "  --verbose  show the engine's log on standard error\n"
-                          "  --help     this text\n"
+                          "  --help     show this help\n"
                           "\n"
-                          "Exit status: 0 all passed, 1 something failed.\n");
+                          "Exit status: 0 if all checks passed, 1 otherwise.\n");
 }
 
 QString SelfTestCommand::parse(const QStringList &arguments)
@@ -52,5 +52,5 @@ QString SelfTestCommand::run()
         Console::print(text(check));
         failures += check.passed() ? 0 : 1;
     }
-    return failures == 0 ? QString() : QStringLiteral("%1 of the checks failed").arg(failures);
+    return failures == 0 ? QString() : QStringLiteral("failed checks: %1").arg(failures);
 }

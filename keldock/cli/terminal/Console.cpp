@@ -14,7 +14,7 @@ void Console::print(const QString &text)
 
 void Console::printError(const QString &line)
 {
-    std::fflush(stdout); // the order in which things were said matters where both go to one place
+    std::fflush(stdout); // keeps the order when both streams go to the same place
     Terminal::write(stderr, line + QLatin1Char('\n'));
 }
 

@@ -2,30 +2,30 @@
 
 #include <QString>
 
-/// What the program says to the person (or script) that runs it.
+/// Output of the command line.
 namespace Console
 {
 
-/// Writes to standard output, as it is.
+/// Writes to standard output without adding a newline.
 void print(const QString &text);
 
 /// Writes one line to standard error.
 void printError(const QString &line);
 
-/// Hands everything to the system. False when something of standard output was lost (a full disk, a closed pipe).
+/// Flushes standard output. False if output was lost, for example on a full disk or a closed pipe.
 bool flush();
 
-/// Standard output is a terminal on which a line can be drawn again.
+/// Whether standard output is a terminal on which a line can be redrawn.
 bool isTerminal();
 
-/// Columns of that terminal.
+/// The number of columns of the terminal.
 int width();
 
-/// The person's locale can show more than ASCII.
+/// Whether the output can show characters beyond ASCII.
 bool showsUnicode();
 
-/// Says why the program failed and ends it on the spot, when everything on the disk is as it shall be: threads that
-/// work at what nobody wants any more, and the memory that they hold, would keep the person waiting.
+/// Prints an error and ends the process immediately, so that the user need not wait for worker threads whose results
+/// are no longer needed. All files must be in their final state.
 [[noreturn]] void leave(const QString &line);
 
 } // namespace Console

@@ -21,7 +21,7 @@ State &state()
     return instance;
 }
 
-/// "[Class] …" of those classes whose warnings are for the person, without that prefix; else empty.
+/// The warning without the prefix "[Class] ", if it is from a class whose warnings concern the user; otherwise empty.
 QString warningToShow(QtMsgType type, const QString &message)
 {
     for (const char *source : {"[KelKeyMouseHook] ", "[KelCursorPixmap] "}) {
@@ -39,7 +39,7 @@ bool isOurs(const char *category)
 
 void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    // Logged from every thread of a recording.
+    // Messages come from all threads of a recording.
     std::lock_guard lock(state().mutex);
     if (type == QtCriticalMsg && isOurs(context.category) && state().firstCritical.isEmpty())
         state().firstCritical = message;
@@ -47,7 +47,7 @@ void handle(QtMsgType type, const QMessageLogContext &context, const QString &me
     if (state().verbose || type == QtFatalMsg)
         Console::printError(message);
     else if (!warning.isEmpty())
-        Console::printError(QStringLiteral("keldock: ") + warning + QStringLiteral("; going on without"));
+        Console::printError(QLatin1String("keldock: ") + warning + QLatin1String("; continuing without it"));
 }
 
 } // namespace

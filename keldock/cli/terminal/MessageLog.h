@@ -2,16 +2,15 @@
 
 #include <QString>
 
-/// The log of the engine. A person wants to hear one line when something fails, not the engine's diary: it is shown
-/// only on demand, and kept in so far as it explains a failure. What cannot be watched is told in any case: a recording
-/// that lacks the mouse or the keys does not fail for it.
+/// The log of the recording engine. Only shown on demand, except for warnings that input cannot be recorded, because a
+/// recording without mouse or keystrokes does not fail. The first critical message explains a failure. Any thread.
 namespace MessageLog
 {
 
-/// From now on; `verbose` passes every line to standard error.
+/// Starts to handle Qt's messages. `verbose` prints all of them to standard error.
 void install(bool verbose);
 
-/// The first line of the severest kind that was logged, empty when there was none.
+/// The first critical message; empty if there was none.
 QString firstCritical();
 
 } // namespace MessageLog

@@ -7,10 +7,10 @@
 
 namespace
 {
-constexpr int DrawEveryMs = 100;
-constexpr int SmallestBar = 10;
-constexpr int WidestBar = 50;
-constexpr int NoteWidth = 24; // a bar that changes its length with the note would look as if it fell
+constexpr int kRedrawIntervalMs = 100;
+constexpr int kMinBarWidth = 10;
+constexpr int kMaxBarWidth = 50;
+constexpr int kNoteWidth = 24; // fixed, so that the length of the bar does not depend on the note
 } // namespace
 
 ProgressBar::ProgressBar(const QString &label)
@@ -35,7 +35,7 @@ void ProgressBar::draw()
 {
     if (!m_line.isShown())
         return;
-    if (m_percent < 100 && m_sinceDrawn.isValid() && m_sinceDrawn.elapsed() < DrawEveryMs)
+    if (m_percent < 100 && m_sinceDrawn.isValid() && m_sinceDrawn.elapsed() < kRedrawIntervalMs)
         return;
     m_sinceDrawn.start();
     m_line.show(line(Console::width()));
@@ -52,16 +52,16 @@ void ProgressBar::finish()
 QString ProgressBar::line(int columns) const
 {
     const QString note = m_percent == 100 ? Units::clock(m_sinceStart.elapsed()) : m_note;
-    const QString tail = QStringLiteral(" %1 %  %2").arg(m_percent, 3).arg(note, -NoteWidth);
+    const QString tail = QStringLiteral(" %1 %  %2").arg(m_percent, 3).arg(note, -kNoteWidth);
     QString head = m_label + QLatin1Char(' ');
-    const int room = columns - 1 - tail.size();
-    if (head.size() + SmallestBar > room)
+    const int available = columns - 1 - tail.size();
+    if (head.size() + kMinBarWidth > available)
         head.clear();
-    const int cells = std::min(WidestBar, room - head.size());
-    if (cells < SmallestBar)
+    const int cells = std::min(kMaxBarWidth, available - head.size());
+    if (cells < kMinBarWidth)
         return tail.trimmed();
     const int full = cells * m_percent / 100;
-    const bool unicode = Console::showsUnicode();
-    return head + QString(full, unicode ? QChar(0x2588) : QLatin1Char('#')) +
-           QString(cells - full, unicode ? QChar(0x2591) : QLatin1Char('.')) + tail;
+    const bool isUnicode = Console::showsUnicode();
+    return head + QString(full, isUnicode ? QChar(0x2588) : QLatin1Char('#')) +
+           QString(cells - full, isUnicode ? QChar(0x2591) : QLatin1Char('.')) + tail;
 }

@@ -5,20 +5,20 @@
 #include <QElapsedTimer>
 #include <QString>
 
-/// A bar on the terminal with percent and a note. Silent where there is no terminal.
+/// A progress bar on the terminal with percentage and a note. Prints nothing if standard output is not a terminal.
 class ProgressBar
 {
 public:
-    /// `label` stands before the bar.
+    /// `label` is shown before the bar.
     explicit ProgressBar(const QString &label);
 
-    /// 0 to 100. Draws at most some ten times a second.
+    /// Sets the progress, 0 to 100. Redraws at most about ten times per second.
     void show(int percent);
 
-    /// What is to stand behind the percent until it is full; the time that it took stands there then.
+    /// Sets the note after the percentage. At 100 percent the elapsed time is shown instead.
     void showNote(const QString &note);
 
-    /// Takes the bar away, or leaves it standing once it is full.
+    /// Removes the bar unless it is full.
     void finish();
 
 private:

@@ -16,12 +16,12 @@ void TerminalLine::show(const QString &text)
 {
     if (!m_isTerminal)
         return;
-    // The last column stays free: terminals differ in what they do once it is written.
+    // The last column stays empty: terminals differ in when they wrap after it.
     const QString fitting = text.left(Console::width() - 1);
     if (fitting == m_text)
         return;
     m_text = fitting;
-    // Written over and erased only behind the text: erasing first would flicker.
+    // Overwrites the line and erases the rest. Erasing first would flicker.
     Console::print(QStringLiteral("\r%1\x1b[K").arg(m_text));
     Console::flush();
 }

@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// One line of the terminal that is drawn again and again in place. Where standard output is no terminal it stays
-/// silent, so that a log file or a pipe gets no fragments.
+/// A line of the terminal that is redrawn in place. Prints nothing if standard output is not a terminal, so that files
+/// and pipes get no fragments.
 class TerminalLine
 {
 public:
@@ -12,15 +12,16 @@ public:
     TerminalLine(const TerminalLine &) = delete;
     TerminalLine &operator=(const TerminalLine &) = delete;
 
+    /// Whether standard output is a terminal.
     bool isShown() const { return m_isTerminal; }
 
-    /// Replaces the line; what does not fit into the terminal is cut off.
+    /// Replaces the line. Text beyond the width of the terminal is cut off.
     void show(const QString &text);
 
-    /// Leaves the line as it is and goes on below it.
+    /// Keeps the line and continues below it.
     void finish();
 
-    /// Takes the line away again.
+    /// Erases the line.
     void clear();
 
 private:

@@ -1,9 +1,9 @@
 #include "play/export/ExportOptionsDialog.h"
 
-#include "common/TimeText.h"
+#include "common/Units.h"
 #include "play/player/Player.h"
-#include "style/KelStyleTheme.h"
 #include "widget/ChoiceBox.h"
+#include "widget/ScaleFactor.h"
 #include "widgets/WindowStore.h"
 
 #include <KelMovie/EncodeFormatPanel.h>
@@ -14,15 +14,13 @@
 #include <QLabel>
 #include <QPushButton>
 
-using namespace kel;
-
 namespace
 {
 
 const QString kRateKey = QStringLiteral("Export/fps");
 const QString kSizeKey = QStringLiteral("Export/percent");
 constexpr int kRecordedRate = 0;
-constexpr int kMargin = 14; // that of the panels
+constexpr int kMargin = 14; // same as the module's panels
 
 void select(ChoiceBox *box, const QString &key, int fallback)
 {
@@ -68,20 +66,20 @@ ExportOptionsDialog::ExportOptionsDialog(const Player &player, QWidget *parent)
 QLayout *ExportOptionsDialog::createChoices()
 {
     const KelPlaybackTrackManager &manager = *m_player.manager();
-    m_rates = new ChoiceBox(this);
-    m_rates->addItem(tr("As recorded (%1)").arg(manager.fps()), kRecordedRate);
+    m_frameRate = new ChoiceBox(this);
+    m_frameRate->addItem(tr("As recorded (%1 fps)").arg(manager.fps()), kRecordedRate);
     for (const int rate : {60, 50, 30, 25, 24, 20, 15, 10, 5})
-        m_rates->addItem(QString::number(rate), rate);
-    select(m_rates, kRateKey, kRecordedRate);
+        m_frameRate->addItem(tr("%1 fps").arg(rate), rate);
+    select(m_frameRate, kRateKey, kRecordedRate);
 
-    m_sizes = new ChoiceBox(this);
+    m_frameSize = new ChoiceBox(this);
     for (const int percent : {100, 75, 50, 33, 25}) {
         const QSize size = manager.pictureSize() * (percent / 100.0);
-        m_sizes->addItem(tr("%1 x %2").arg(size.width()).arg(size.height()), percent);
+        m_frameSize->addItem(QStringLiteral("%1 × %2").arg(size.width()).arg(size.height()), percent);
     }
-    select(m_sizes, kSizeKey, 100);
+    select(m_frameSize, kSizeKey, 100);
 
-    for (const ChoiceBox *const box : {m_rates, m_sizes})
+    for (const ChoiceBox *const box : {m_frameRate, m_frameSize})
         connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &ExportOptionsDialog::updateEstimate);
     updateEstimate();
 
@@ -90,11 +88,11 @@ QLayout *ExportOptionsDialog::createChoices()
     text->setWordWrap(true);
 
     auto *const grid = new QGridLayout;
-    const int margin = qRound(kMargin * KelStyleTheme::scaleOf(this));
+    const int margin = qRound(kMargin * scaleFactor(this));
     grid->setContentsMargins(margin, 0, margin, margin);
     grid->setVerticalSpacing(margin / 2);
-    addRow(grid, tr("F&rames a second"), tr("More frames make smoother motion and a larger file"), m_rates);
-    addRow(grid, tr("Picture si&ze"), tr("Pixels of the file; a smaller picture makes a smaller file"), m_sizes);
+    addRow(grid, tr("F&rame rate"), tr("A higher frame rate makes motion smoother and the file larger"), m_frameRate);
+    addRow(grid, tr("Si&ze"), tr("Width and height in pixels; a smaller size makes a smaller file"), m_frameSize);
     grid->addWidget(text, grid->rowCount(), 0, 1, 2);
     return grid;
 }
@@ -102,17 +100,17 @@ QLayout *ExportOptionsDialog::createChoices()
 QLayout *ExportOptionsDialog::createButtons()
 {
     auto *const cancel = new QPushButton(tr("Cancel"), this);
-    cancel->setToolTip(tr("Goes back to the recording"));
+    cancel->setToolTip(tr("Return to the recording"));
     connect(cancel, &QPushButton::clicked, this, &ExportOptionsDialog::reject);
     auto *const proceed = new QPushButton(tr("&Choose File..."), this);
     proceed->setObjectName(QStringLiteral("PrimaryButton"));
-    proceed->setToolTip(tr("Asks where to save the file, then exports"));
+    proceed->setToolTip(tr("Choose where to save the file, then export"));
     proceed->setDefault(true);
     proceed->setFocus();
     connect(proceed, &QPushButton::clicked, this, &ExportOptionsDialog::accept);
 
     auto *const row = new QHBoxLayout;
-    const int margin = qRound(kMargin * KelStyleTheme::scaleOf(this));
+    const int margin = qRound(kMargin * scaleFactor(this));
     row->setContentsMargins(margin, 0, margin, margin);
     row->setSpacing(margin / 2);
     row->addStretch();
@@ -124,35 +122,35 @@ QLayout *ExportOptionsDialog::createButtons()
 QString ExportOptionsDialog::summary() const
 {
     const double speed = m_player.speed();
-    const QString factor = TimeText::factor(speed);
-    const QString length = TimeText::precise(qRound((m_player.rangeEndMs() - m_player.rangeStartMs()) / speed));
+    const QString factor = Units::speed(speed);
+    const QString length = Units::preciseClock(qRound((m_player.rangeEndMs() - m_player.rangeStartMs()) / speed));
     if (!m_player.isTrimmed())
-        return tr("Exports the whole recording at speed %1. The file plays for %2.").arg(factor, length);
-    return tr("Exports the part from %1 to %2 at speed %3. The file plays for %4.")
-        .arg(TimeText::precise(m_player.rangeStartMs()), TimeText::precise(m_player.rangeEndMs()), factor, length);
+        return tr("Exports the whole recording at %1 speed. The file will be %2 long.").arg(factor, length);
+    return tr("Exports the part from %1 to %2 at %3 speed. The file will be %4 long.")
+        .arg(Units::preciseClock(m_player.rangeStartMs()), Units::preciseClock(m_player.rangeEndMs()), factor, length);
 }
 
 void ExportOptionsDialog::updateEstimate()
 {
     m_quality->setFrameRate(fps());
-    m_quality->setFrameSize(pictureSize());
+    m_quality->setFrameSize(frameSize());
 }
 
 int ExportOptionsDialog::fps() const
 {
-    const int chosen = m_rates->currentData().toInt();
+    const int chosen = m_frameRate->currentData().toInt();
     return chosen == kRecordedRate ? m_player.manager()->fps() : chosen;
 }
 
-QSize ExportOptionsDialog::pictureSize() const
+QSize ExportOptionsDialog::frameSize() const
 {
-    const int percent = m_sizes->currentData().toInt();
+    const int percent = m_frameSize->currentData().toInt();
     return percent == 100 ? QSize() : m_player.manager()->pictureSize() * (percent / 100.0);
 }
 
 void ExportOptionsDialog::accept()
 {
-    windowStore().setValue(kRateKey, m_rates->currentData());
-    windowStore().setValue(kSizeKey, m_sizes->currentData());
+    windowStore().setValue(kRateKey, m_frameRate->currentData());
+    windowStore().setValue(kSizeKey, m_frameSize->currentData());
     QDialog::accept();
 }

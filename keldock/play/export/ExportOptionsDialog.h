@@ -1,24 +1,27 @@
 #pragma once
 
 #include <QDialog>
+#include <QSize>
 
 class ChoiceBox;
 class Player;
 class QLayout;
 class SaveQualityPanel;
 
-/// Asks how to export a recording: format, quality, frames a second; and tells what of it is exported.
+/// Asks for format, quality, frame rate and size of an export, and shows which part of the recording is exported. GUI
+/// thread.
 class ExportOptionsDialog : public QDialog
 {
     Q_OBJECT
 
 public:
+    /// `player` must outlive the dialog.
     explicit ExportOptionsDialog(const Player &player, QWidget *parent = nullptr);
 
-    /// Frames a second of the file.
+    /// Frame rate of the exported file.
     int fps() const;
-    /// Pixels of the file; empty for as many as were recorded.
-    QSize pictureSize() const;
+    /// Frame size of the exported file in pixels; empty for the recorded size.
+    QSize frameSize() const;
 
 public slots:
     void accept() override;
@@ -31,6 +34,6 @@ private:
 
     const Player &m_player;
     SaveQualityPanel *m_quality = nullptr;
-    ChoiceBox *m_rates = nullptr;
-    ChoiceBox *m_sizes = nullptr;
+    ChoiceBox *m_frameRate = nullptr;
+    ChoiceBox *m_frameSize = nullptr;
 };

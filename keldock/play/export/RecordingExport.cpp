@@ -64,10 +64,10 @@ void RecordingExport::run()
         return;
     KelExportRequest request = this->request(path);
     request.fps = options.fps();
-    request.size = options.pictureSize();
+    request.size = options.frameSize();
     KelPlaybackExportDialog dialog(request, m_window);
     if (dialog.exec() != QDialog::Accepted)
-        return; // the dialog has told why
+        return; // the dialog has shown the reason
     emit exported(path);
     if (dialog.exitRecord())
         emit exitRequested();

@@ -9,26 +9,26 @@
 class Player;
 class QWidget;
 
-/// Exports a recording as it is being played: its trim range, at its speed. Asks how and where to, shows the progress
-/// and tells what came of it.
+/// Exports a recording with the trim range and speed of its player. Asks for options and file, and shows progress and
+/// result. GUI thread.
 class RecordingExport : public QObject
 {
     Q_OBJECT
 
 public:
-    /// `window` is what the dialogs belong to; neither it nor `player` is owned.
+    /// `window` is the parent of the dialogs. Takes no ownership of either.
     RecordingExport(Player *player, QWidget *window);
 
-    /// The recording was just made: at the end, the user is asked whether to leave it.
+    /// The recording was just made: after the export the user is asked whether to close it.
     void setFromRecording(bool on) { m_isFromRecording = on; }
 
 public slots:
-    /// Returns when the file is there or the user has given up.
+    /// Returns when the export is complete, has failed or was cancelled.
     void run();
 
 signals:
     void exported(const QString &path);
-    /// The user wants to be done with the recording.
+    /// The user wants to close the recording.
     void exitRequested();
 
 private:

@@ -20,26 +20,26 @@ QString lastFolder()
 
 } // namespace
 
-bool SaveFileDialog::mayWrite(QWidget *parent, const QString &path)
+bool SaveFileDialog::confirmReplace(QWidget *parent, const QString &path)
 {
     return !QFileInfo::exists(path) ||
-           KelMsgBox::question(parent, tr("Replace the file?"),
-                               tr("%1 exists already. Replace it?").arg(QFileInfo(path).fileName())) ==
+           KelMsgBox::question(parent, tr("Replace File?"),
+                               tr("%1 already exists. Do you want to replace it?").arg(QFileInfo(path).fileName())) ==
                QMessageBox::Yes;
 }
 
 QString SaveFileDialog::ask(QWidget *parent, const Kind &kind, const QString &name)
 {
-    const QString patterns = QStringLiteral("*.") + kind.suffixes.join(QStringLiteral(" *."));
+    const QString patterns = QLatin1String("*.") + kind.suffixes.join(QLatin1String(" *."));
     QFileDialog dialog(parent, kind.title, lastFolder(), QStringLiteral("%1 (%2)").arg(kind.description, patterns));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite); // asked here, where the suffix is known
+    dialog.setOption(QFileDialog::DontConfirmOverwrite); // confirmReplace() asks when the suffix is known
     dialog.selectFile(name + QLatin1Char('.') + kind.suffixes.first());
     while (dialog.exec() == QDialog::Accepted) {
         QString path = dialog.selectedFiles().value(0);
         if (!kind.suffixes.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive))
             path += QLatin1Char('.') + kind.suffixes.first();
-        if (mayWrite(parent, path)) {
+        if (confirmReplace(parent, path)) {
             windowStore().setValue(kFolderKey, QFileInfo(path).path());
             return path;
         }

@@ -6,7 +6,7 @@
 
 class QWidget;
 
-/// Asks where to save a file.
+/// Asks where to save a file. GUI thread.
 class SaveFileDialog
 {
     Q_DECLARE_TR_FUNCTIONS(SaveFileDialog)
@@ -14,14 +14,14 @@ class SaveFileDialog
 public:
     struct Kind {
         QString title;
-        QString description;  ///< of such files: "MP4 video"
-        QStringList suffixes; ///< without dot; what the user types ends in one of them, or gets the first
+        QString description;  ///< of the file type: "MP4 video"
+        QStringList suffixes; ///< without dot; the first is appended to names that have none of them
     };
 
-    /// The path, in the folder that was chosen last; empty when the user gave up. What is there already is overwritten
-    /// only when the user agrees.
+    /// Proposes `name` in the folder that was last used. Returns the path, after the user has agreed to replace a file
+    /// that exists there; empty if the user cancelled.
     static QString ask(QWidget *parent, const Kind &kind, const QString &name);
 
 private:
-    static bool mayWrite(QWidget *parent, const QString &path);
+    static bool confirmReplace(QWidget *parent, const QString &path);
 };

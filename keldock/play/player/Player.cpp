@@ -8,7 +8,7 @@
 namespace
 {
 
-// Those that the speed label offers.
+// The same as in the menu of PlaySpeedLabel.
 constexpr std::array<double, 8> kSpeeds{0.2, 0.5, 0.8, 1.0, 1.2, 1.5, 1.8, 2.0};
 
 } // namespace
@@ -19,7 +19,7 @@ Player::Player(KelPlaybackTrackManager *manager, QObject *parent)
     , m_clock(manager->totalFrames(), manager->fps(), manager->durationMs())
     , m_rangeEndMs(m_clock.durationMs())
 {
-    // Without an interval, but behind the input that is already there.
+    // Due immediately, but after input events that are already queued.
     m_seekTimer.setSingleShot(true);
     connect(&m_seekTimer, &QTimer::timeout, this, &Player::applySeek);
     connect(manager, &KelPlaybackTrackManager::sigFrameChanged, this, &Player::followFrame);
@@ -35,7 +35,7 @@ Player::Player(KelPlaybackTrackManager *manager, QObject *parent)
 
 int Player::frame() const
 {
-    return m_wantedFrame >= 0 ? m_wantedFrame : m_manager->currentFrame();
+    return m_pendingFrame >= 0 ? m_pendingFrame : m_manager->currentFrame();
 }
 
 bool Player::isPlaying() const
@@ -74,7 +74,7 @@ void Player::seekToMs(int ms)
 
 void Player::seekToFrame(int frame)
 {
-    m_wantedFrame = std::clamp(frame, firstFrame(), lastFrame());
+    m_pendingFrame = std::clamp(frame, firstFrame(), lastFrame());
     m_seekTimer.start(0);
 }
 
@@ -133,7 +133,7 @@ void Player::setSpeed(double speed)
 
 void Player::faster()
 {
-    // A little more than the present one, which may have been rounded.
+    // With a tolerance, because the speed may have been rounded.
     const auto next = std::upper_bound(kSpeeds.begin(), kSpeeds.end(), speed() + 0.01);
     if (next != kSpeeds.end())
         setSpeed(*next);
@@ -153,7 +153,7 @@ void Player::followFrame(int frame)
         rewind();
         return;
     }
-    emit pictureChanged();
+    emit frameChanged();
     emit positionChanged(m_clock.msOf(frame));
 }
 
@@ -171,9 +171,9 @@ void Player::settle()
 
 void Player::applySeek()
 {
-    if (m_wantedFrame < 0)
+    if (m_pendingFrame < 0)
         return;
-    const int frame = m_wantedFrame;
-    m_wantedFrame = -1;
+    const int frame = m_pendingFrame;
+    m_pendingFrame = -1;
     m_manager->seek(frame, true);
 }

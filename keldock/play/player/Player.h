@@ -7,8 +7,8 @@
 
 class KelPlaybackTrackManager;
 
-/// Plays a loaded recording within a trim range. Whatever asks for a place on the timeline, and however often: the
-/// recording is moved once per turn of the event loop, to the latest place, so that dragging never lags behind.
+/// Plays a loaded recording within a trim range. Seek requests are combined: once per event loop iteration the
+/// recording moves to the latest requested position, so that dragging never lags behind. GUI thread.
 class Player : public QObject
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
     KelPlaybackTrackManager *manager() const { return m_manager; }
     const RecordingClock &clock() const { return m_clock; }
 
-    /// Where the recording is, or will be as soon as the event loop turns.
+    /// The current frame, or the requested one while a seek is pending.
     int frame() const;
     int positionMs() const { return m_clock.msOf(frame()); }
     bool isPlaying() const;
@@ -28,30 +28,30 @@ public:
 
     int rangeStartMs() const { return m_rangeStartMs; }
     int rangeEndMs() const { return m_rangeEndMs; }
-    /// Whether the range is less than the whole recording.
+    /// Whether the range is shorter than the recording.
     bool isTrimmed() const;
 
-    /// Moves to where the last request leads, now.
+    /// Carries out a pending seek immediately.
     void settle();
 
 public slots:
-    /// At the end of the range, playing begins anew.
+    /// Starts over if the end of the range is reached.
     void setPlaying(bool on);
     void togglePlaying() { setPlaying(!isPlaying()); }
     void seekToMs(int ms);
-    /// The frame is moved into the range.
+    /// Clamps the frame to the range.
     void seekToFrame(int frame);
     void stepFrames(int count);
-    /// By whole frames, so that back and forth leads to the same one.
+    /// Moves by a whole number of frames, so that steps forth and back lead to the same frame.
     void stepMs(int ms);
     void goToStart() { seekToMs(m_rangeStartMs); }
     void goToEnd() { seekToMs(m_rangeEndMs); }
 
-    /// Between the two, the position follows the pointer and nothing plays.
+    /// Between the two calls the recording is paused. If it was playing, it resumes afterwards.
     void beginScrub();
     void endScrub();
 
-    /// A position outside of it is moved into it.
+    /// Moves the current position into the range if necessary.
     void setRange(int startMs, int endMs);
     void trimStartHere();
     void trimEndHere();
@@ -62,8 +62,8 @@ public slots:
     void slower();
 
 signals:
-    /// The picture may be another one.
-    void pictureChanged();
+    /// What the recording shows may have changed.
+    void frameChanged();
     void positionChanged(int ms);
     void playingChanged(bool isPlaying);
     void rangeChanged(int startMs, int endMs);
@@ -79,7 +79,7 @@ private:
     KelPlaybackTrackManager *const m_manager;
     const RecordingClock m_clock;
     QTimer m_seekTimer;
-    int m_wantedFrame = -1; ///< -1: none
+    int m_pendingFrame = -1; ///< -1: none
     int m_rangeStartMs = 0;
     int m_rangeEndMs = 0;
     bool m_resumesAfterScrub = false;

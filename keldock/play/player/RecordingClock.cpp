@@ -20,6 +20,6 @@ int RecordingClock::msOf(int frame) const
 {
     if (m_lastFrame == 0)
         return 0;
-    // Rounded up: frameAt() cuts, and shall lead back to the frame.
+    // Rounded up, because frameAt() rounds down: it must return the same frame.
     return int((qint64(std::clamp(frame, 0, m_lastFrame)) * m_durationMs + m_lastFrame - 1) / m_lastFrame);
 }

@@ -2,19 +2,19 @@
 
 #include <QtGlobal>
 
-/// Frames of a recording and milliseconds on its timeline, whose end is the last frame. It maps as an export of a
-/// range does, so what is trimmed is what is exported.
+/// Converts between frames and milliseconds on the timeline of a recording, which ends at the last frame. Uses the same
+/// mapping as the export of a range, so that the trim range is what is exported.
 class RecordingClock
 {
 public:
-    /// `durationMs` may be 0, for a recording whose metadata is lost: its frames count as its clock ticks then.
+    /// A `durationMs` of 0, as in a recording without metadata, is replaced by the duration of all frames at `fps`.
     RecordingClock(int totalFrames, int fps, qint64 durationMs);
 
     int durationMs() const { return m_durationMs; }
     int lastFrame() const { return m_lastFrame; }
-    /// The frame to be seen at that time.
+    /// The frame shown at a time. Clamps the time to the timeline.
     int frameAt(int ms) const;
-    /// When the frame begins.
+    /// The time at which a frame begins. Clamps the frame to the recording.
     int msOf(int frame) const;
 
 private:

@@ -1,4 +1,4 @@
-#include "play/ComposedPicture.h"
+#include "common/ComposedFrame.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
 
@@ -6,7 +6,7 @@
 
 #include <utility>
 
-QImage composedPicture(KelPlaybackTrackManager *manager, QImage previous)
+QImage composedFrame(KelPlaybackTrackManager *manager, QImage previous)
 {
     const double ratio = manager->devicePixelRatio();
     const QSize pixels = (QSizeF(manager->pictureSize()) * ratio).toSize();
@@ -18,7 +18,7 @@ QImage composedPicture(KelPlaybackTrackManager *manager, QImage previous)
     if (image.isNull())
         return image;
     if (!manager->isPictureCovered())
-        image.fill(Qt::black); // or what moves would leave a trail
+        image.fill(Qt::black); // clears what the previous frame left
     image.setDevicePixelRatio(ratio);
     QPainter painter(&image);
     manager->paint(&painter);

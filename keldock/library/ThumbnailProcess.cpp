@@ -1,4 +1,4 @@
-#include "library/PictureProcess.h"
+#include "library/ThumbnailProcess.h"
 
 #include "console/Terminal.h"
 
@@ -9,12 +9,12 @@ using namespace kel;
 namespace
 {
 
-constexpr int kLimitMs = 30000;
-constexpr int kEndMs = 1000;
+constexpr int kTimeoutMs = 30000;
+constexpr int kKillTimeoutMs = 1000;
 
 } // namespace
 
-PictureProcess::PictureProcess(const QString &program, QObject *parent)
+ThumbnailProcess::ThumbnailProcess(const QString &program, QObject *parent)
     : QObject(parent)
     , m_program(program)
 {
@@ -23,33 +23,33 @@ PictureProcess::PictureProcess(const QString &program, QObject *parent)
     m_process.setProcessEnvironment(environment);
     m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.setStandardErrorFile(QProcess::nullDevice());
-    m_limit.setSingleShot(true);
-    m_limit.setInterval(kLimitMs);
-    connect(&m_limit, &QTimer::timeout, &m_process, &QProcess::kill);
-    connect(&m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this, &PictureProcess::finish);
+    m_timeout.setSingleShot(true);
+    m_timeout.setInterval(kTimeoutMs);
+    connect(&m_timeout, &QTimer::timeout, &m_process, &QProcess::kill);
+    connect(&m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this, &ThumbnailProcess::finish);
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart) // in any other case it still finishes
+        if (error == QProcess::FailedToStart) // after any other error, finished() follows
             finish();
     });
 }
 
-PictureProcess::~PictureProcess()
+ThumbnailProcess::~ThumbnailProcess()
 {
     disconnect(&m_process, nullptr, this, nullptr);
     m_process.kill();
-    m_process.waitForFinished(kEndMs);
+    m_process.waitForFinished(kKillTimeoutMs);
 }
 
-void PictureProcess::start(const QString &dir, int frame)
+void ThumbnailProcess::start(const QString &dir, int frame)
 {
     m_dir = dir;
     m_file = m_scratch.filePath(QStringLiteral("%1.png").arg(++m_number));
-    m_limit.start();
+    m_timeout.start();
     m_process.start(m_program, {QStringLiteral("frame"), dir, QString::number(frame), m_file});
 }
 
-void PictureProcess::finish()
+void ThumbnailProcess::finish()
 {
-    m_limit.stop();
+    m_timeout.stop();
     emit finished(m_dir, QFileInfo::exists(m_file) ? m_file : QString());
 }

@@ -15,7 +15,7 @@ class KelSystemAudioRecord;
 ///
 /// It does not follow the frame clock and needs no thread of its own: it lives on the GUI thread, whose event loop the
 /// microphone's recorder uses, and is called there directly.
-class KelRecordVoiceTrack : public KelRecordTrack
+class KelRecordVoiceTrack final : public KelRecordTrack
 {
     Q_OBJECT
 

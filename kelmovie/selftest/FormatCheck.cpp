@@ -55,6 +55,7 @@ std::vector<QImage> decode(int format, const QString &path, QString *error)
         return av::AnimationReader::read(path, kFrames + 1, error);
     h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
     std::vector<QImage> pictures;
+    pictures.reserve(kFrames);
     for (int frame = 0; frame < decoder.getFrameCount(); ++frame)
         pictures.push_back(decoder.decodeFrame(frame));
     if (pictures.empty())

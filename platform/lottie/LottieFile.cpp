@@ -72,7 +72,8 @@ QString LottieFile::check() const
         return "no usable size";
     if (root["layers"].toArray().isEmpty())
         return "no layers";
-    for (const QJsonValue &asset : root["assets"].toArray()) {
+    const QJsonArray assets = root["assets"].toArray();
+    for (const QJsonValue &asset : assets) {
         if (!asset["layers"].isArray())
             return "it wants pictures from other files";
     }

@@ -34,7 +34,7 @@ private:
     {
         static const char kLevels[] = {'D', 'W', 'C', 'F', 'I'};
         std::lock_guard lock(mutex());
-        lines() << QChar(kLevels[type]) + " " + text;
+        lines() << QString("%1 %2").arg(QChar(kLevels[type]), text);
     }
     static std::mutex &mutex()
     {

@@ -103,7 +103,8 @@ void KelAmplifiedAudioPlayer::seek(qint64 ms)
     const bool wasPlaying = m_isPlaying;
     pause();
     const qint64 target = std::clamp<qint64>(ms, 0, duration());
-    moveTo(double(m_file.format().sampleRate() * target / 1000));
+    const qint64 frame = m_file.format().sampleRate() * target / 1000;
+    moveTo(double(frame));
     emit positionChanged(target);
     if (wasPlaying)
         play();

@@ -22,7 +22,7 @@ QtAudioSink::QtAudioSink(const QAudioFormat &format)
 
 QtAudioSink::~QtAudioSink()
 {
-    stop();
+    QtAudioSink::stop();
 }
 
 bool QtAudioSink::start()

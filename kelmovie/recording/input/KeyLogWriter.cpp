@@ -43,7 +43,8 @@ bool KeyLogWriter::update(std::size_t first, const StoredKeyRecords &records)
     } else {
         const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(records.data()),
                                                    int(records.size() * sizeof(StoredKeyRecord)));
-        if (!m_file.seek(qint64(sizeof(KeyLogHeader) + first * sizeof(StoredKeyRecord))) || !writeAll(m_file, bytes)) {
+        if (!m_file.seek(qint64(sizeof(KeyLogHeader)) + qint64(first) * qint64(sizeof(StoredKeyRecord))) ||
+            !writeAll(m_file, bytes)) {
             m_error = m_file.errorString();
             return false;
         }

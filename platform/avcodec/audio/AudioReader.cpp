@@ -117,7 +117,7 @@ bool AudioReader::openResampler(QString *error)
 /// file.
 void AudioReader::seekNearRange()
 {
-    const int rate = m_decoder->sample_rate;
+    const int rate = std::max(m_decoder->sample_rate, 1); // its range was checked with the resampler
     const int common = std::gcd(rate, kSampleRate);
     const qint64 sourceUnit =
         rate / common; // samples of the file that last exactly as long as outputUnit samples of the output

@@ -273,7 +273,7 @@ void AnimationsTest::encodesAnyImageFormat_data()
     QTest::newRow("RGB32 without alpha bits") << QImage::Format_RGB32;
     QTest::newRow("premultiplied") << QImage::Format_ARGB32_Premultiplied;
     QTest::newRow("not premultiplied") << QImage::Format_ARGB32;
-    QTest::newRow("3 bytes a pixel") << QImage::Format_RGB888;
+    QTest::newRow("3 bytes per pixel") << QImage::Format_RGB888;
     QTest::newRow("gray") << QImage::Format_Grayscale8;
 }
 

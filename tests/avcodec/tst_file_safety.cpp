@@ -29,7 +29,7 @@ KelAsyncEncoder::Params params(const QString &path)
     return {kSize, QImage::Format_ARGB32_Premultiplied, path, kFps};
 }
 
-/// Records until the encoder fails or has taken `count` frames; returns how many it took.
+/// Records until the encoder fails or has accepted `count` frames. Returns how many it accepted.
 int record(KelAsyncEncoder &encoder, int count)
 {
     int taken = 0;
@@ -39,7 +39,7 @@ int record(KelAsyncEncoder &encoder, int count)
     return taken;
 }
 
-/// Encodes a video for export and returns the error, empty when there was none.
+/// Exports a video. Returns the error; empty if there was none.
 QString exportVideo(const QString &path)
 {
     h264Encoder encoder({kSize, QImage::Format_ARGB32_Premultiplied, path, kFps, 90});
@@ -92,9 +92,9 @@ void FileSafetyTest::recordingSurvivesKill()
 
 void FileSafetyTest::recordingSurvivesFullDisk_data()
 {
-    constexpr int count = 60;
+    constexpr int kCount = 60;
     KelAsyncEncoder encoder(params(path()));
-    QCOMPARE(record(encoder, count), count);
+    QCOMPARE(record(encoder, kCount), kCount);
     encoder.waitForClosed();
     // The finished file encloses the fragments in its second box, whose 64-bit size follows the type.
     QFile file(path());
@@ -106,9 +106,9 @@ void FileSafetyTest::recordingSurvivesFullDisk_data()
     QTest::addColumn<qint64>("limit");
     QTest::addColumn<int>("frames"); // at least
     QTest::newRow("in the middle") << fragmentsEnd / 2 << 15;
-    QTest::newRow("in the last fragment") << fragmentsEnd - 1 << count - 1;
-    QTest::newRow("before the index") << fragmentsEnd << count;
-    QTest::newRow("in the index") << fragmentsEnd + 100 << count;
+    QTest::newRow("in the last fragment") << fragmentsEnd - 1 << kCount - 1;
+    QTest::newRow("before the index") << fragmentsEnd << kCount;
+    QTest::newRow("in the index") << fragmentsEnd + 100 << kCount;
 }
 
 void FileSafetyTest::recordingSurvivesFullDisk()

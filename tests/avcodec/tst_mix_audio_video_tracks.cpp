@@ -330,7 +330,7 @@ void MixAudioVideoTracksTest::toleratesDamagedSources_data()
 {
     QTest::addColumn<int>("offset");
     QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("isHeard"); ///< the damaged track itself
+    QTest::addColumn<bool>("isHeard"); // the damaged track itself
 
     QTest::newRow("unfinished header") << 40 << QByteArray(4, '\0') << true;
     QTest::newRow("larger than the file") << 40 << QByteArray("\0\0\0\x70", 4) << true;
@@ -339,7 +339,7 @@ void MixAudioVideoTracksTest::toleratesDamagedSources_data()
     QTest::newRow("65535 channels") << 22 << QByteArray(2, '\xff') << false;
     QTest::newRow("no rate") << 24 << QByteArray(4, '\0') << false;
     QTest::newRow("2 GHz") << 24 << QByteArray("\0\0\0\x70", 4) << false;
-    QTest::newRow("no numbers") << 44'000 << QByteArray(4'000, '\xff') << true;
+    QTest::newRow("samples are NaN") << 44'000 << QByteArray(4'000, '\xff') << true;
     QTest::newRow("header only") << -44 << QByteArray() << false;
     QTest::newRow("garbage") << 0 << QByteArray(100'000, 'x') << false;
     QTest::newRow("empty") << -0 << QByteArray() << false;

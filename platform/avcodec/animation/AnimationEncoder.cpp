@@ -70,8 +70,8 @@ AnimationEncoder::AnimationEncoder(QSize size, const QString &path, int fps, con
         return;
     }
     m_pool.setMaxThreadCount(threadCount());
-    const std::size_t capacity =
-        std::size_t(threadCount()) + 1; // one more than can be encoded, so that no thread idles
+    // One frame more than there are threads, so that no thread idles.
+    const std::size_t capacity = std::size_t(threadCount()) + 1;
     m_writer.emplace(capacity, [this](Job &job) { return write(job); });
 }
 

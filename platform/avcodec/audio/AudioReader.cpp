@@ -119,8 +119,8 @@ void AudioReader::seekNearRange()
 {
     const int rate = std::max(m_decoder->sample_rate, 1); // its range was checked with the resampler
     const int common = std::gcd(rate, kSampleRate);
-    const qint64 sourceUnit =
-        rate / common; // samples of the file that last exactly as long as outputUnit samples of the output
+    // The shortest duration that is a whole number of samples at both rates:
+    const qint64 sourceUnit = rate / common;
     const qint64 outputUnit = kSampleRate / common;
     const qint64 units = std::max<qint64>(m_begin / outputUnit - (kPreroll / sourceUnit + 1), 0);
     m_sourceSkip = units * sourceUnit;

@@ -173,8 +173,8 @@ QByteArray GifFormat::encodeWith(const ColorPalette &palette, bool isLocal, cons
         frame.indices.push_back(quint8(index));
     }
 
-    QByteArray bytes = QByteArrayLiteral(
-        "\x21\xf9\x04\x05");    // graphic control: keep the frame for the next one; has a transparent index
+    // Graphic control extension: the frame stays for the next one and has a transparent index.
+    QByteArray bytes = QByteArrayLiteral("\x21\xf9\x04\x05");
     bytes += littleEndian16(0); // delay
     bytes += char(frame.transparent);
     bytes += '\0';

@@ -40,8 +40,8 @@ bool ApngFrameReader::next(Frame *frame)
             frame->ticks = numberAt<quint16>(data, 20);
             frame->encoded.hasTransparentPixels = data.at(25);
         } else if (type == "IDAT" || type == "fdAT") {
-            frame->encoded.data =
-                data.mid(type == "IDAT" ? 0 : int(sizeof(quint32))); // fdAT data begins with a sequence number
+            const int sequenceNumberBytes = type == "fdAT" ? int(sizeof(quint32)) : 0;
+            frame->encoded.data = data.mid(sequenceNumberBytes);
             return compose(frame->encoded);
         }
     }

@@ -39,8 +39,8 @@ public:
 
     float bits(const quint8 *row, int count) const
     {
-        std::array<std::array<quint32, 256>, 4>
-            counts{}; // four tables, so that increments for equal neighbors do not depend on each other
+        // With four tables, the increments for equal neighbors do not depend on each other.
+        std::array<std::array<quint32, 256>, 4> counts{};
         int i = 0;
         for (; i + 4 <= count; i += 4)
             for (std::size_t k = 0; k < 4; ++k)

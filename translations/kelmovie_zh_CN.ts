@@ -339,7 +339,7 @@
         <translation>已被其他程序使用。</translation>
     </message>
     <message>
-        <source>There is no X server to ask for it.</source>
+        <source>There is no connection to an X server.</source>
         <translation>没有可用的 X 服务器。</translation>
     </message>
 </context>

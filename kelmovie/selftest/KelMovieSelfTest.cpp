@@ -157,7 +157,7 @@ KelMovieSelfTest::Check KelMovieSelfTest::checkDevices()
     if (input.isEmpty())
         check.findings << QStringLiteral("keyboard and mouse");
     else if (check.passed())
-        check.error = QStringLiteral("keyboard and mouse cannot be watched: ") + input;
+        check.error = QStringLiteral("keyboard and mouse cannot be monitored: ") + input;
     if (SoundDevices::hasSystemAudio())
         check.findings << QStringLiteral("system audio: ") + outputName();
     else

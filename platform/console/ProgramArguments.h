@@ -5,8 +5,8 @@
 namespace kel
 {
 
-/// What the program was called with, its own name left out, whatever characters it holds. Works before there is an
-/// application.
+/// The program's arguments without its own name, with all Unicode characters intact. May be called before an
+/// application object exists.
 QStringList programArguments(int argc, char **argv);
 
 } // namespace kel

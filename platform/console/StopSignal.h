@@ -7,9 +7,9 @@
 namespace kel
 {
 
-/// Turns what asks a program to end (Ctrl-C, a closed terminal, a shutdown) into a wish to stop, so that what was begun
-/// can be finished properly. One at a time. A signal that was ignored when the program started (nohup) stays ignored; a
-/// broken pipe or a file size limit does not end the program while this lives.
+/// Turns termination requests (Ctrl-C, a closed terminal, a shutdown) into a signal, so that work in progress can be
+/// completed. At most one instance at a time. A signal that was already ignored at program start (nohup) stays ignored.
+/// While the object exists, a broken pipe or an exceeded file size limit does not end the program.
 class StopSignal : public QObject
 {
     Q_OBJECT
@@ -18,15 +18,15 @@ public:
     StopSignal();
     ~StopSignal() override;
 
-    /// At once, also where no event loop runs.
+    /// True as soon as a request arrived, even when no event loop runs.
     bool isRaised() const;
 
 signals:
-    /// From the event loop, once.
+    /// Emitted once, from the event loop.
     void raised();
 
 private:
-    std::unique_ptr<QObject> m_notifier; // in the event loop, of what happened outside of it
+    std::unique_ptr<QObject> m_notifier; // forwards the request to the event loop
 };
 
 } // namespace kel

@@ -4,26 +4,26 @@
 
 #include <cstdio>
 
-/// The terminal that a program was started in, if any.
+/// The terminal that the program was started in, if any.
 namespace kel::Terminal
 {
 
-/// Writes text to stdout or stderr in the encoding that is expected there.
+/// Writes text to stdout or stderr in the encoding of the terminal, pipe or file.
 void write(std::FILE *stream, const QString &text);
 
-/// Standard output is a terminal on which a line can be drawn again.
+/// True when standard output is a terminal that can overwrite a line.
 bool isTerminal();
 
-/// Columns of that terminal; 80 where nobody tells.
+/// Columns of the terminal; 80 when unknown.
 int width();
 
-/// What is written shows more than ASCII.
+/// True when standard output can show characters beyond ASCII.
 bool showsUnicode();
 
-/// The name of Qt's platform plugin for the desktop of this system.
+/// The name of Qt's platform plugin for this system's desktop.
 const char *desktopPlatform();
 
-/// The name of the one for programs without windows. It knows the fonts of the system.
+/// The name of the platform plugin for programs without windows. It provides the system fonts.
 const char *windowlessPlatform();
 
 } // namespace kel::Terminal

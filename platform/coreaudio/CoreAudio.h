@@ -1,7 +1,7 @@
 #pragma once
 
-/// The part of Core Audio that records sound: the SDK's own headers on Windows; elsewhere the same names, signatures
-/// and constants, over the sound server.
+/// The recording interfaces of Core Audio: the SDK's own headers on Windows; on other systems the same names,
+/// signatures and constants, implemented over the sound server.
 #ifdef _WIN32
 #include <windows.h>
 

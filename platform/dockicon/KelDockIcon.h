@@ -7,23 +7,23 @@
 #include <QIcon>
 #include <QString>
 
-/// The icon font: symbols as characters, which take a label's colour and any size. GUI thread.
+/// The icon font: symbols as characters, drawn in a label's color and at any size. GUI thread.
 namespace KelDockIcon
 {
 
-/// A label's text that shows the glyph, in font().
+/// The text that shows the glyph in a label with font().
 inline QString text(Glyph glyph)
 {
     return QString(QChar(char16_t(glyph)));
 }
 
-/// Name of the font's family, for style sheets. Loads the font at the first call.
+/// Name of the font's family, for style sheets. The first call loads the font.
 KELDOCKICON_EXPORT QString family();
 
-/// The font at a size in logical pixels, which is the edge of the square that a glyph stands in.
+/// The font at a size in logical pixels, the edge length of the square that each glyph fills.
 KELDOCKICON_EXPORT QFont font(int pixelSize);
 
-/// A glyph where a text does not serve: window icons, the tray, menus. Sharp at any size.
+/// A glyph as an icon, for windows, the tray and menus. Sharp at any size; drawn with reduced opacity when disabled.
 KELDOCKICON_EXPORT QIcon icon(Glyph glyph, const QColor &color);
 
 } // namespace KelDockIcon

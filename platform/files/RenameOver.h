@@ -5,10 +5,9 @@
 namespace kel
 {
 
-/// Gives a file another name on the same disk in one step, which QFile::rename() does not do over a file that is there:
-/// under the name `to` there is at every moment what was there before, or all of `from`. Nobody of this process may
-/// have either file open. Any thread.
-/// Answers a null string, or why it failed; both files are then as they were.
+/// Renames a file on the same disk in one step, replacing an existing file, which QFile::rename() does not do: at every
+/// moment `to` is either the old file or the complete new one. This process must not have either file open. Any thread.
+/// Returns a null string on success, otherwise an error text; both files are then unchanged.
 QString renameOver(const QString &from, const QString &to);
 
 } // namespace kel

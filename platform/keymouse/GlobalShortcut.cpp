@@ -10,11 +10,11 @@ namespace
 
 std::shared_ptr<GlobalShortcutGrabber> sharedGrabber()
 {
-    static std::weak_ptr<GlobalShortcutGrabber> known;
-    std::shared_ptr<GlobalShortcutGrabber> grabber = known.lock();
+    static std::weak_ptr<GlobalShortcutGrabber> shared;
+    std::shared_ptr<GlobalShortcutGrabber> grabber = shared.lock();
     if (!grabber) {
         grabber = GlobalShortcutGrabber::create();
-        known = grabber;
+        shared = grabber;
     }
     return grabber;
 }
@@ -33,12 +33,12 @@ GlobalShortcut::GlobalShortcut(QObject *parent)
 
 GlobalShortcut::~GlobalShortcut()
 {
-    drop();
+    release();
 }
 
 bool GlobalShortcut::setKeys(const QKeySequence &keys)
 {
-    drop();
+    release();
     m_error.clear();
     if (keys.isEmpty())
         return true;
@@ -48,7 +48,7 @@ bool GlobalShortcut::setKeys(const QKeySequence &keys)
     return m_error.isEmpty();
 }
 
-void GlobalShortcut::drop()
+void GlobalShortcut::release()
 {
     if (!m_keys.isEmpty())
         m_grabber->release(m_keys[0]);

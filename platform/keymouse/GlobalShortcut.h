@@ -10,7 +10,7 @@ namespace kel
 
 class GlobalShortcutGrabber;
 
-/// A key combination that works whichever program has the focus. GUI thread; needs a QGuiApplication.
+/// A key combination that works regardless of which program has the focus. GUI thread; needs a QGuiApplication.
 class GlobalShortcut : public QObject
 {
     Q_OBJECT
@@ -19,20 +19,20 @@ public:
     explicit GlobalShortcut(QObject *parent = nullptr);
     ~GlobalShortcut() override;
 
-    /// Takes the first combination of `keys` in place of the one before; none when it is empty. False, with
-    /// errorString(), when that cannot be had, because another program has it for instance: there is none then.
+    /// Replaces the combination by the first one of `keys`; an empty sequence removes it. False, with errorString(),
+    /// when the combination is not available, for example because another program uses it; no combination is set then.
     bool setKeys(const QKeySequence &keys);
     QKeySequence keys() const { return m_keys; }
     QString errorString() const { return m_error; }
 
 signals:
-    /// Pressed; once for each press, however long it is held.
+    /// The combination was pressed. Emitted once per press, however long the keys are held.
     void activated();
 
 private:
-    void drop();
+    void release();
 
-    std::shared_ptr<GlobalShortcutGrabber> m_grabber; // one for all shortcuts of the process, while there are any
+    std::shared_ptr<GlobalShortcutGrabber> m_grabber; // shared by all shortcuts of the process
     QKeySequence m_keys;
     QString m_error;
 };

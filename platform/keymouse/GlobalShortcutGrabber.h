@@ -8,17 +8,17 @@
 namespace kel
 {
 
-/// What an operating system provides: key combinations that reach this process whichever program has the focus.
-/// A combination is what QKeySequence holds: a Qt::Key and its modifiers in one number. GUI thread.
+/// Key combinations that reach this process regardless of which program has the focus; one implementation per operating
+/// system. A combination is encoded as in QKeySequence: a Qt::Key and its modifiers in one number. GUI thread.
 class GlobalShortcutGrabber : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The implementation for the operating system that this is built for. Never null.
+    /// The implementation for this operating system. Never null.
     static std::unique_ptr<GlobalShortcutGrabber> create();
 
-    /// Empty on success, else why the combination cannot be had, for a person to read.
+    /// Returns an empty string on success, otherwise a translated text that says why the combination is not available.
     virtual QString grab(int combination) = 0;
     virtual void release(int combination) = 0;
 

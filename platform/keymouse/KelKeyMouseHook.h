@@ -10,17 +10,17 @@ namespace kel
 class KeyMouseHub;
 } // namespace kel
 
-/// Watches keyboard and mouse of the whole desktop, whichever program has the focus.
+/// Monitors keyboard and mouse of the whole desktop, regardless of which program has the focus.
 ///
-/// Derive from it, override the callbacks of interest and call setHookType(). All hooks of the process are fed by one
-/// event source, which runs while at least one hook is installed and asks the system only for what some hook wants:
-/// while no hook watches the keyboard, no key that is typed reaches this process.
+/// Derive from it, override the callbacks of interest and call setHookType(). All hooks of the process share one event
+/// source, which runs while at least one hook is installed and requests only the kinds of events that some hook needs:
+/// while no hook monitors the keyboard, no keystroke reaches this process.
 ///
-/// Construct a hook on the GUI thread; the other functions may be called from any thread, callbacks included.
+/// Construct a hook on the GUI thread; all other functions may be called from any thread, callbacks included.
 class KelKeyMouseHook
 {
 public:
-    /// Bits of a hook type.
+    /// The bits of a hook type.
     enum Kind {
         NoKind = 0,
         Keyboard = 1,
@@ -32,28 +32,27 @@ public:
 
     KelKeyMouseHook();
 
-    /// Removes the hook. The callbacks of a derived class must not run once its destructor has begun, so every
-    /// derived class calls setHookType(0) in its own destructor.
+    /// Removes the hook. Callbacks must not run once the destructor of a derived class has started, so every derived
+    /// class calls setHookType(0) in its own destructor.
     virtual ~KelKeyMouseHook();
 
-    /// Installs the hook for the kinds of event in `type` (1 keyboard, 14 mouse), or removes it (0).
+    /// Installs the hook for the kinds of events in `type` (1 keyboard, 14 mouse), or removes it (0).
     ///
-    /// After installation, events that happen from the return of this call on are reported. After removal no callback
-    /// runs any more, one that was running has returned; only when called from within a callback, that callback
-    /// itself goes on to its end. Do not hold a lock here that a callback takes: the call would wait for the callback
-    /// in vain, for 5 seconds, and then say so in the log.
+    /// Installed hooks report all events that occur after this call has returned. After removal no callback is running
+    /// and none is called again; only when called from within a callback, that callback still completes. Do not hold a
+    /// lock here that a callback acquires: the call would wait 5 seconds for the callback and then log an error.
     ///
-    /// Where input cannot be watched (no display, no RECORD extension, a lost connection) one warning is logged and
-    /// the hook stays silent.
+    /// Where input cannot be monitored (no display, no RECORD extension, a lost connection), one warning is logged and
+    /// the hook reports nothing.
     void setHookType(int type);
 
-    /// Why the hooks that are installed hear nothing, in English; empty when they do.
+    /// Why installed hooks receive no events, in English; empty when they do.
     static QString errorString();
 
 protected:
-    /// The callbacks run on the event source's thread, one at a time. They shall not throw, and return soon: while one
-    /// runs, events wait in the system, which has room for a few hundred. The result says that the event should be kept
-    /// from other programs, which X11 cannot do: it is ignored there.
+    /// The callbacks run on the event source's thread, one at a time. They must not throw, and must return quickly:
+    /// while one runs, events queue up in the system, which holds a few hundred. The return value requests that the
+    /// event is withheld from other programs; it is ignored, because X11 does not support that.
     virtual bool OnKeyboardEvent(KelKeyboardEvent event);
     virtual bool OnMouseEvent(KelMouseEvent event);
     virtual bool OnMouseWheelEvent(KelWheelEvent event);

@@ -9,15 +9,15 @@
 namespace kel
 {
 
-/// Where an event source puts its events.
+/// The receiver of an event source.
 class KeyMouseEventSink
 {
 public:
-    /// The kinds of event (bits of KelKeyMouseHook::Kind) that somebody wants now. Any thread.
+    /// The kinds of events (bits of KelKeyMouseHook::Kind) that are currently needed. Any thread.
     virtual int wantedKinds() const = 0;
 
-    /// Hands an event over, in the order of happening and from one thread at a time. Positions are in the system's
-    /// own (physical) pixels here; the sink converts them.
+    /// Delivers an event: in chronological order, from one thread at a time. Positions are in the system's physical
+    /// pixels; the sink converts them.
     virtual void deliver(KelKeyboardEvent event) = 0;
     virtual void deliver(KelMouseEvent event) = 0;
     virtual void deliver(KelWheelEvent event) = 0;
@@ -26,22 +26,22 @@ protected:
     ~KeyMouseEventSink() = default;
 };
 
-/// What an operating system (or a test) provides: the input of the whole desktop.
+/// The input of the whole desktop, provided by the operating system or by a test.
 class KeyMouseEventSource
 {
 public:
-    /// Stops. The sink hears nothing any more.
+    /// Stops the source; no event is delivered afterwards.
     virtual ~KeyMouseEventSource() = default;
 
-    /// The sink's wantedKinds() may have changed: start, stop or go on accordingly. Returns when that is done, or
-    /// after a limit; at once when called from within deliver(). Any thread.
+    /// Called when wantedKinds() of the sink may have changed; starts, stops or adapts the source. Returns when that is
+    /// done or after a timeout; immediately when called from within deliver(). Any thread.
     virtual void update() = 0;
 
-    /// Why no input can be watched, in English; empty while it can, or nobody has tried. Any thread.
+    /// Why input cannot be monitored, in English; empty when it can, or when nothing was requested yet. Any thread.
     virtual QString errorString() const { return {}; }
 };
 
-/// The source of the operating system that this library is built for.
+/// The source of this operating system.
 std::unique_ptr<KeyMouseEventSource> createKeyMouseEventSource(KeyMouseEventSink &sink);
 
 } // namespace kel

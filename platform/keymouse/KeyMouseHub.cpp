@@ -14,7 +14,7 @@ namespace kel
 namespace
 {
 
-constexpr std::chrono::seconds callbackLimit{5};
+constexpr std::chrono::seconds kCallbackTimeout{5};
 
 } // namespace
 
@@ -36,21 +36,22 @@ void KeyMouseHub::setHookKinds(KelKeyMouseHook *hook, int kinds)
     kinds &= KelKeyMouseHook::Keyboard | KelKeyMouseHook::Mouse;
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        const auto known = find(hook);
-        if (known != m_hooks.end()) {
-            if (known->kinds == kinds)
+        const auto registration = find(hook);
+        if (registration != m_hooks.end()) {
+            if (registration->kinds == kinds)
                 return;
-            known->kinds = kinds;
+            registration->kinds = kinds;
             if (kinds == 0)
-                m_hooks.erase(known);
+                m_hooks.erase(registration);
         } else {
             if (kinds == 0)
                 return;
             m_hooks.push_back({hook, kinds});
         }
         if (kinds == 0 && m_dispatcher != std::this_thread::get_id() &&
-            !m_callbackReturned.wait_for(lock, callbackLimit, [&] { return m_running != hook; }))
-            qCCritical(logInput, "[KelKeyMouseHook] a callback does not return; its hook is removed while it runs");
+            !m_callbackReturned.wait_for(lock, kCallbackTimeout, [&] { return m_running != hook; }))
+            qCCritical(logInput,
+                       "[KelKeyMouseHook] a callback does not return; its hook is removed while it is running");
     }
     m_source->update();
 }
@@ -64,8 +65,8 @@ int KeyMouseHub::wantedKinds() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     int kinds = 0;
-    for (const Installed &installed : m_hooks)
-        kinds |= installed.kinds;
+    for (const Registration &registration : m_hooks)
+        kinds |= registration.kinds;
     return kinds;
 }
 
@@ -92,14 +93,14 @@ void KeyMouseHub::dispatch(int kind, Callback callback)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     m_dispatcher = std::this_thread::get_id();
-    const std::vector<Installed> hooks = m_hooks; // callbacks may install and remove hooks
-    for (const Installed &installed : hooks) {
-        const auto present = find(installed.hook);
+    const std::vector<Registration> hooks = m_hooks; // callbacks may install and remove hooks
+    for (const Registration &registration : hooks) {
+        const auto present = find(registration.hook);
         if (present == m_hooks.end() || !(present->kinds & kind))
             continue;
-        m_running = installed.hook;
+        m_running = registration.hook;
         lock.unlock();
-        callback(installed.hook);
+        callback(registration.hook);
         lock.lock();
         m_running = nullptr;
         m_callbackReturned.notify_all();
@@ -107,9 +108,9 @@ void KeyMouseHub::dispatch(int kind, Callback callback)
     m_dispatcher = {};
 }
 
-std::vector<KeyMouseHub::Installed>::iterator KeyMouseHub::find(const KelKeyMouseHook *hook)
+std::vector<KeyMouseHub::Registration>::iterator KeyMouseHub::find(const KelKeyMouseHook *hook)
 {
-    return std::find_if(m_hooks.begin(), m_hooks.end(), [hook](const Installed &one) { return one.hook == hook; });
+    return std::find_if(m_hooks.begin(), m_hooks.end(), [hook](const Registration &one) { return one.hook == hook; });
 }
 
 } // namespace kel

@@ -14,10 +14,10 @@ class KelKeyMouseHook;
 namespace kel
 {
 
-/// Passes the events of the one source to all hooks that want them.
+/// Distributes the events of the source to all hooks that monitor their kind.
 ///
-/// No callback runs under a lock. The source may ask for wantedKinds() under a lock of its own, so the source is never
-/// called under the hub's.
+/// No callback runs under a lock. The source may call wantedKinds() while it holds its own lock, so the hub never calls
+/// the source while it holds its lock.
 class KeyMouseHub final : public KeyMouseEventSink
 {
 public:
@@ -26,10 +26,10 @@ public:
     /// Installs, changes or (kinds 0) removes a hook; see KelKeyMouseHook::setHookType(). Any thread.
     void setHookKinds(KelKeyMouseHook *hook, int kinds);
 
-    /// Makes positions follow the scale of the screens. Needs an application; until then scale is taken as 1.
+    /// Converts positions by the scale of the screens. Needs a QGuiApplication; without one positions stay unconverted.
     void watchScreens() { m_screens.watch(); }
 
-    /// Replaces the operating system's source; null puts it back. Only while no hook is installed.
+    /// Replaces the operating system's source; null restores it. Only while no hook is installed.
     void setSource(std::unique_ptr<KeyMouseEventSource> source);
 
     QString errorString() const { return m_source->errorString(); }
@@ -40,7 +40,7 @@ public:
     void deliver(KelWheelEvent event) override;
 
 private:
-    struct Installed {
+    struct Registration {
         KelKeyMouseHook *hook;
         int kinds;
     };
@@ -51,17 +51,17 @@ private:
 
     template <typename Callback>
     void dispatch(int kind, Callback callback);
-    std::vector<Installed>::iterator find(const KelKeyMouseHook *hook);
+    std::vector<Registration>::iterator find(const KelKeyMouseHook *hook);
 
     ScreenLayout m_screens;
 
-    mutable std::mutex m_mutex; // guards what follows
+    mutable std::mutex m_mutex; // guards the members below
     std::condition_variable m_callbackReturned;
-    std::vector<Installed> m_hooks;
-    KelKeyMouseHook *m_running = nullptr; // the hook whose callback runs now, on the thread m_dispatcher
+    std::vector<Registration> m_hooks;
+    KelKeyMouseHook *m_running = nullptr; // the hook whose callback is running on the thread m_dispatcher
     std::thread::id m_dispatcher;
 
-    std::unique_ptr<KeyMouseEventSource> m_source; // last: its thread uses all of the above until it is gone
+    std::unique_ptr<KeyMouseEventSource> m_source; // last: its thread uses the members above until it is destroyed
 };
 
 } // namespace kel

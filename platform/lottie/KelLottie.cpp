@@ -2,7 +2,7 @@
 
 #include "logging/PlatformLog.h"
 #include "lottie/LottieFile.h"
-#include "lottie/TurnedPicture.h"
+#include "lottie/TransformedImage.h"
 
 #include <QDebug>
 #include <QPainter>
@@ -16,26 +16,28 @@ using namespace kel;
 namespace
 {
 
-constexpr int maxPixels = 4096; // of a side; what is larger on the device is scaled up
-const char *const accents = "**.accent";
+constexpr int kMaxPixels = 4096; // per side; larger frames are scaled up
+const char *const kAccentKeyPath = "**.accent";
 
-/// A picture that is turned by an odd angle is rendered this much larger, so that its edges stay smooth and sharp.
-constexpr double oversampling = 2;
+/// Frames rotated by other than right angles are rendered at this multiple of their size, so that their edges stay
+/// smooth and sharp.
+constexpr double kOversampling = 2;
 
-/// The turn alone of a transform whose axes fall on those of the device.
-QTransform turnOf(const QTransform &transform)
+/// The rotation and mirroring of a transform that maps the axes onto those of the device.
+QTransform rotationOf(const QTransform &transform)
 {
     const auto sign = [](double value) { return qFuzzyIsNull(value) ? 0.0 : value > 0 ? 1.0 : -1.0; };
     return QTransform(sign(transform.m11()), sign(transform.m12()), sign(transform.m21()), sign(transform.m22()), 0, 0);
 }
 
-bool isUpright(const QTransform &transform)
+bool isAxisAligned(const QTransform &transform)
 {
     return transform.isAffine() && ((qFuzzyIsNull(transform.m12()) && qFuzzyIsNull(transform.m21())) ||
                                     (qFuzzyIsNull(transform.m11()) && qFuzzyIsNull(transform.m22())));
 }
 
-/// Of the device, in its pixels, or a little more: pictures count their width in pixels, widgets in logical ones.
+/// The area of the device in its pixels, or slightly more: the viewport is in pixels for images but in logical pixels
+/// for widgets.
 QRectF visibleArea(const QPainter &painter)
 {
     const QTransform toPixels = painter.combinedTransform().inverted() * painter.deviceTransform();
@@ -47,13 +49,13 @@ QRectF visibleArea(const QPainter &painter)
 
 KelLottie::KelLottie(const QString &resourcePath)
 {
-    const LottieFile file(resourcePath, maxFileSize);
+    const LottieFile file(resourcePath, kMaxFileSize);
     QString error = file.errorString();
     if (error.isEmpty()) {
-        // Without the library's cache: objects that share a model would share colours.
+        // Without the library's cache: objects that share a model would share its colors.
         m_animation = rlottie::Animation::loadFromData(file.data().toStdString(), std::string(), std::string(), false);
         if (!m_animation || m_animation->totalFrame() == 0)
-            error = "not a Lottie animation";
+            error = QStringLiteral("not a Lottie animation");
     }
     if (!error.isEmpty()) {
         m_animation.reset();
@@ -74,8 +76,8 @@ void KelLottie::setColor(const QColor &color)
     m_color = color;
     m_image = QImage();
     const rlottie::Color value(float(color.redF()), float(color.greenF()), float(color.blueF()));
-    m_animation->setValue<rlottie::Property::FillColor>(accents, value);
-    m_animation->setValue<rlottie::Property::StrokeColor>(accents, value);
+    m_animation->setValue<rlottie::Property::FillColor>(kAccentKeyPath, value);
+    m_animation->setValue<rlottie::Property::StrokeColor>(kAccentKeyPath, value);
 }
 
 const QImage &KelLottie::render(quint64 frame, QSize size)
@@ -83,7 +85,7 @@ const QImage &KelLottie::render(quint64 frame, QSize size)
     if (m_image.size() == size && m_imageFrame == frame)
         return m_image;
     const auto width = std::size_t(size.width()), height = std::size_t(size.height());
-    if (m_image.isNull()) // a new colour shows only when another size or frame was rendered in between
+    if (m_image.isNull()) // rlottie applies a new color only after rendering another size or frame
         m_animation->renderTree(frame, width + 1, height);
     if (m_image.size() != size)
         m_image = QImage(size, QImage::Format_ARGB32_Premultiplied);
@@ -104,16 +106,16 @@ void KelLottie::paint(QPainter *painter, float frame, const QRectF &target, doub
     const QTransform toDevice = painter->deviceTransform();
     if (!toDevice.isInvertible())
         return;
-    // From the target about its own centre to the pixels of the device.
-    QTransform place = QTransform::fromTranslate(target.center().x(), target.center().y());
-    place = QTransform().rotate(angle) * place * toDevice;
+    // Maps the target, centered at the origin, to device pixels.
+    QTransform transform = QTransform::fromTranslate(target.center().x(), target.center().y());
+    transform = QTransform().rotate(angle) * transform * toDevice;
 
-    const bool upright = isUpright(place);
-    const double detail = upright ? 1 : oversampling;
-    const double width = target.width() * std::hypot(toDevice.m11(), toDevice.m12()) * detail;
-    const double height = target.height() * std::hypot(toDevice.m21(), toDevice.m22()) * detail;
-    const QSize size(int(qBound(1.0, std::round(width), double(maxPixels))),
-                     int(qBound(1.0, std::round(height), double(maxPixels))));
+    const bool axisAligned = isAxisAligned(transform);
+    const double oversampling = axisAligned ? 1 : kOversampling;
+    const double width = target.width() * std::hypot(toDevice.m11(), toDevice.m12()) * oversampling;
+    const double height = target.height() * std::hypot(toDevice.m21(), toDevice.m22()) * oversampling;
+    const QSize size(int(qBound(1.0, std::round(width), double(kMaxPixels))),
+                     int(qBound(1.0, std::round(height), double(kMaxPixels))));
     const auto nearest = quint64(qBound(0.0, std::round(double(frame)), double(m_totalFrame - 1)));
     const QImage &image = render(nearest, size);
 
@@ -121,19 +123,20 @@ void KelLottie::paint(QPainter *painter, float frame, const QRectF &target, doub
     if (m_color.isValid())
         painter->setOpacity(painter->opacity() * m_color.alphaF());
     const QTransform fromDevice = toDevice.inverted() * painter->worldTransform();
-    if (upright && width < maxPixels && height < maxPixels) {
-        const QTransform turn = turnOf(place);
-        const QRectF turned = turn.mapRect(QRectF(QPointF(), QSizeF(size)));
-        const QPointF corner(std::round(place.dx() - turned.width() / 2), std::round(place.dy() - turned.height() / 2));
-        painter->setWorldTransform(turn * QTransform::fromTranslate(corner.x() - turned.x(), corner.y() - turned.y()) *
-                                   fromDevice);
+    if (axisAligned && width < kMaxPixels && height < kMaxPixels) {
+        const QTransform rotation = rotationOf(transform);
+        const QRectF rotated = rotation.mapRect(QRectF(QPointF(), QSizeF(size)));
+        const QPointF corner(std::round(transform.dx() - rotated.width() / 2),
+                             std::round(transform.dy() - rotated.height() / 2));
+        painter->setWorldTransform(
+            rotation * QTransform::fromTranslate(corner.x() - rotated.x(), corner.y() - rotated.y()) * fromDevice);
         painter->drawImage(QPointF(), image);
     } else {
-        place = QTransform::fromTranslate(-size.width() / 2.0, -size.height() / 2.0) *
-                QTransform::fromScale(target.width() / size.width(), target.height() / size.height()) * place;
-        const QRect area = (place.mapRect(QRectF(image.rect())) & visibleArea(*painter)).toAlignedRect();
+        transform = QTransform::fromTranslate(-size.width() / 2.0, -size.height() / 2.0) *
+                    QTransform::fromScale(target.width() / size.width(), target.height() / size.height()) * transform;
+        const QRect area = (transform.mapRect(QRectF(image.rect())) & visibleArea(*painter)).toAlignedRect();
         painter->setWorldTransform(fromDevice);
-        painter->drawImage(area.topLeft(), turnedPicture(image, place, area));
+        painter->drawImage(area.topLeft(), transformedImage(image, transform, area));
     }
     painter->restore();
 }

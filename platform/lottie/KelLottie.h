@@ -13,35 +13,35 @@ namespace rlottie
 class Animation;
 }
 
-/// A Lottie animation that can be painted frame by frame, sharp at every size.
+/// A Lottie animation that is painted frame by frame, sharp at every size.
 ///
-/// An animation that cannot be used (missing, malformed, too large, with pictures in other files) is an object of
-/// length 0 that paints nothing; one line in the log says why. An object belongs to one thread at a time.
+/// An object whose animation cannot be used (missing, malformed, too large, with images in other files) has a length of
+/// 0 and paints nothing; one log line gives the reason. An object may be used by one thread at a time.
 class KelLottie
 {
 public:
-    /// Largest file that is read, in bytes.
-    static constexpr qint64 maxFileSize = 4 * 1024 * 1024;
+    /// Maximum file size in bytes.
+    static constexpr qint64 kMaxFileSize = 4 * 1024 * 1024;
 
     /// Reads the animation from a file or a Qt resource.
     explicit KelLottie(const QString &resourcePath);
     ~KelLottie();
 
-    /// Animation frames a second; 0 for an object of length 0.
+    /// Animation frames per second; 0 when the animation cannot be used.
     double frameRate() const { return m_frameRate; }
 
     /// Length in animation frames.
     quint64 totalFrame() const { return m_totalFrame; }
 
-    /// Gives a colour to all fills and strokes named "accent"; the rest of the animation keeps its own. Before the
-    /// first call, accents are as they were drawn; an invalid colour changes nothing. The colour's alpha makes the
-    /// whole animation translucent.
+    /// Sets the color of all fills and strokes named "accent"; the others keep theirs. Before the first call, accents
+    /// have the color of the file; an invalid color has no effect. The alpha of the color applies to the whole
+    /// animation.
     void setColor(const QColor &color);
 
-    /// Paints an animation frame (the nearest one; frames outside of the animation count as its first or last) into
-    /// `target`, in the painter's coordinates, its aspect ratio kept; `angle` turns it about the centre of `target`,
-    /// in degrees clockwise. It is rendered at the resolution of the painter's device; when it stands upright there,
-    /// or is turned by right angles only, its pixels are the device's and `target` is moved to whole ones.
+    /// Paints the nearest animation frame, clamped to the first and the last, into `target` in painter coordinates,
+    /// with its aspect ratio kept. `angle` rotates it about the center of `target`, in degrees clockwise. The frame is
+    /// rendered at the resolution of the device; when it is unrotated there or rotated by right angles only, `target`
+    /// is moved to whole pixels and the frame is not resampled.
     void paint(QPainter *painter, float frame, const QRectF &target, double angle);
 
 private:

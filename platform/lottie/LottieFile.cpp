@@ -13,21 +13,21 @@ namespace kel
 namespace
 {
 
-constexpr double maxRate = 1000;
-constexpr double maxFrames = 1e6;
-constexpr double maxSide = 16384;
-constexpr double maxNumber = 1e6;
+constexpr double kMaxRate = 1000;
+constexpr double kMaxFrames = 1e6;
+constexpr double kMaxSide = 16384;
+constexpr double kMaxNumber = 1e6;
 
 bool isWithin(const QJsonValue &value, double low, double high)
 {
     return value.isDouble() && value.toDouble() >= low && value.toDouble() <= high;
 }
 
-/// The renderer follows a curve through any number that it is given, for hours if need be.
+/// The renderer evaluates curves with any number that the file contains, which could take hours.
 bool isBounded(const QJsonValue &value)
 {
     if (value.isDouble())
-        return isWithin(value, -maxNumber, maxNumber);
+        return isWithin(value, -kMaxNumber, kMaxNumber);
     if (value.isArray()) {
         const QJsonArray array = value.toArray();
         return std::all_of(array.begin(), array.end(), [](const QJsonValue &item) { return isBounded(item); });
@@ -50,9 +50,9 @@ QString LottieFile::read(const QString &path, qint64 maxSize)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return file.errorString();
-    m_data = file.read(maxSize + 1); // a stated size may lie
+    m_data = file.read(maxSize + 1); // the reported size may be wrong
     if (m_data.size() > maxSize)
-        return QString("larger than %1 bytes").arg(maxSize);
+        return QStringLiteral("larger than %1 bytes").arg(maxSize);
     return {};
 }
 
@@ -63,22 +63,22 @@ QString LottieFile::check() const
     if (syntax.error != QJsonParseError::NoError)
         return syntax.errorString();
     const QJsonObject root = document.object();
-    if (!isWithin(root["fr"], 0.01, maxRate))
-        return "no usable frame rate";
-    if (!isWithin(root["ip"], 0, maxFrames) || !isWithin(root["op"], 0, maxFrames) ||
-        root["op"].toDouble() < root["ip"].toDouble() + 1)
-        return "no usable length";
-    if (!isWithin(root["w"], 1, maxSide) || !isWithin(root["h"], 1, maxSide))
-        return "no usable size";
-    if (root["layers"].toArray().isEmpty())
-        return "no layers";
-    const QJsonArray assets = root["assets"].toArray();
+    if (!isWithin(root[QLatin1String("fr")], 0.01, kMaxRate))
+        return QStringLiteral("the frame rate is invalid");
+    if (!isWithin(root[QLatin1String("ip")], 0, kMaxFrames) || !isWithin(root[QLatin1String("op")], 0, kMaxFrames) ||
+        root[QLatin1String("op")].toDouble() < root[QLatin1String("ip")].toDouble() + 1)
+        return QStringLiteral("the length is invalid");
+    if (!isWithin(root[QLatin1String("w")], 1, kMaxSide) || !isWithin(root[QLatin1String("h")], 1, kMaxSide))
+        return QStringLiteral("the size is invalid");
+    if (root[QLatin1String("layers")].toArray().isEmpty())
+        return QStringLiteral("it has no layers");
+    const QJsonArray assets = root[QLatin1String("assets")].toArray();
     for (const QJsonValue &asset : assets) {
-        if (!asset["layers"].isArray())
-            return "it wants pictures from other files";
+        if (!asset[QLatin1String("layers")].isArray())
+            return QStringLiteral("it needs images from other files");
     }
     if (!isBounded(root))
-        return "a number beyond all bounds";
+        return QStringLiteral("a number is out of range");
     return {};
 }
 

@@ -6,13 +6,14 @@
 namespace kel
 {
 
-/// The text of an animation, looked over before the renderer gets it: the renderer trusts what it reads.
+/// The content of an animation file, validated before it is passed to the renderer, which does no validation of its
+/// own.
 class LottieFile
 {
 public:
     LottieFile(const QString &path, qint64 maxSize);
 
-    /// Empty when the file can be used, else why not, in English.
+    /// Empty when the file can be used, otherwise the reason in English.
     QString errorString() const { return m_error; }
 
     QByteArray data() const { return m_data; }

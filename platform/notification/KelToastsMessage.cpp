@@ -39,7 +39,7 @@ QColor accentOf(KelToastsMessage::Type type)
 
 QPainterPath symbolOf(KelToastsMessage::Type type)
 {
-    QPainterPath path; // in a square of 20
+    QPainterPath path; // in a square of 20 x 20
     switch (type) {
     case KelToastsMessage::Success:
         path.moveTo(5.5, 10.5);
@@ -69,10 +69,10 @@ QPainterPath symbolOf(KelToastsMessage::Type type)
 }
 
 QPointer<KelToastsMessage> shownToast;
-QRect avoidedArea; // on the desktop
+QRect avoidedArea; // in logical pixels of the desktop
 
-/// At the top or the bottom of a screen, outside of what is to be avoided; if that leaves no place, at the top all the
-/// same. The one before the others is the screen of the mouse pointer.
+/// A place at the top or bottom of a screen, outside of the avoided area; without such a place, the top of the first
+/// screen. The screen of the mouse pointer comes first.
 QPoint placeOnDesktop(const QSize &size)
 {
     QList<QScreen *> screens = QGuiApplication::screens();
@@ -113,7 +113,7 @@ void KelToastsMessage::avoid(const QRect &area)
         delete shownToast;
 }
 
-// Not a child of the anchor: the note may outlast a dialog that closes right after it.
+// Not a child of the anchor: the toast may outlast a dialog that closes right after showing it.
 KelToastsMessage::KelToastsMessage(Type type, const QString &text, bool hasCloseButton)
     : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus)
     , m_type(type)

@@ -4,7 +4,7 @@
 #include <QTimer>
 #include <QWidget>
 
-/// A small note that appears over a window or the screen, takes no focus and fades by itself. GUI thread.
+/// A short message over a window or on the screen that does not take the focus and fades out by itself. GUI thread.
 class KelToastsMessage : public QWidget
 {
     Q_OBJECT
@@ -12,16 +12,16 @@ class KelToastsMessage : public QWidget
 public:
     enum Type { Information = 0, Success = 1, Warning = 2, Error = 3 };
 
-    /// Shows `text` over the window of `parent`, or near the top of the screen that holds the mouse pointer when there
-    /// is no parent. A toast that is already there gives way.
+    /// Shows `text` over the window of `parent`, or near the top of the screen with the mouse pointer when `parent` is
+    /// null. Replaces the toast that is currently shown.
     ///
-    /// With `fades` the toast goes after `durationMs` (later while the pointer rests on it), otherwise it stays until
-    /// it is clicked. With `hasCloseButton` it shows a cross; a click anywhere on a toast closes it anyway.
+    /// With `fades` the toast disappears after `durationMs` (later while the pointer is over it), otherwise it stays
+    /// until it is clicked. With `hasCloseButton` it shows a cross; a click anywhere on a toast closes it in any case.
     static void showMessage(QWidget *parent, int type, const QString &text, int durationMs = 3000, bool fades = true,
                             bool hasCloseButton = false);
 
-    /// From now on toasts without a parent stand outside of `area`, in logical pixels of the desktop, where there is
-    /// room; an empty one ends that. One that stands in there now closes.
+    /// Places toasts without a parent outside of `area` (logical pixels of the desktop) where there is room, and closes
+    /// a shown toast that overlaps it. An empty rectangle lifts the restriction.
     static void avoid(const QRect &area);
 
     QString text() const { return m_text; }

@@ -10,8 +10,8 @@ namespace kel
 namespace
 {
 
-// 64 bits of the digest tell the few shapes of a recording apart and keep its files short.
-constexpr int typeBytes = 8;
+// 64 bits of the digest identify the few shapes of a recording and keep file names short.
+constexpr int kTypeBytes = 8;
 
 QByteArray typeOf(const QImage &image, const QPoint &hotspot)
 {
@@ -19,7 +19,7 @@ QByteArray typeOf(const QImage &image, const QPoint &hotspot)
     QCryptographicHash hash(QCryptographicHash::Sha256);
     hash.addData(reinterpret_cast<const char *>(header), sizeof header);
     hash.addData(reinterpret_cast<const char *>(image.constBits()), int(image.sizeInBytes()));
-    return hash.result().left(typeBytes).toHex();
+    return hash.result().left(kTypeBytes).toHex();
 }
 
 } // namespace

@@ -7,8 +7,8 @@
 namespace kel
 {
 
-/// The shape that a picture (QImage::Format_ARGB32_Premultiplied) makes on a screen of that device pixel ratio, named
-/// after its content. A picture in which nothing is visible makes the empty shape.
+/// The pointer shape of an image (QImage::Format_ARGB32_Premultiplied) on a screen with that device pixel ratio. Its
+/// type is a hash of the content. The shape of a fully transparent image is empty.
 KelCursorShape cursorShape(QImage image, const QPoint &hotspot, double ratio);
 
 } // namespace kel

@@ -7,7 +7,7 @@
 namespace kel
 {
 
-/// What a backend hands out when it cannot capture: it sees nothing and says why.
+/// The streamer of a backend that cannot capture: captures nothing and reports the reason.
 class FailedScreenStreamer final : public KelScreenStreamer
 {
 public:

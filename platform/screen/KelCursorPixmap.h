@@ -9,25 +9,25 @@
 
 class KelCursorSource;
 
-/// What the pointer looks like.
+/// The shape of the pointer.
 struct KelCursorShape {
-    QString type;   ///< a name for this very picture and hotspot, the same in every run; fit for a file name
-    QPixmap pixmap; ///< the picture, with the device pixel ratio of the screen that it was taken from
-    QPoint hotspot; ///< the pixel of the picture that points
+    QString type;   ///< identifies image and hotspot, the same in every run; valid as a file name; empty for no cursor
+    QPixmap pixmap; ///< the image, with the device pixel ratio of its screen
+    QPoint hotspot; ///< in pixels of the image
 };
 
-/// The pointer at one moment. Immutable: any thread may read a snapshot.
+/// A snapshot of the pointer. Immutable: any thread may read it.
 class KelCursorPixmap
 {
 public:
-    /// The pointer now, as somebody who records `rect` (logical pixels of the desktop) sees it. Never null.
+    /// The current pointer in the scale of the screen that holds `rect` (logical pixels of the desktop). Never null.
     ///
-    /// The first question about a rectangle is for the GUI thread, which knows the scale of the screens; while
-    /// somebody keeps an answer, any thread may ask on. Keeping one also keeps the connection to the system: as long as
-    /// the shape stays the same, the next question then costs one short request.
+    /// The first call for a rectangle must be made on the GUI thread, which reads the scale of the screens; any thread
+    /// may call again while a snapshot of the rectangle exists. A snapshot also keeps the connection to the system
+    /// open: as long as the shape does not change, the next call costs one short request.
     static std::shared_ptr<const KelCursorPixmap> GetCursor(const QRect &rect);
 
-    /// No cursor: there is none, it is hidden, or the system does not tell.
+    /// No cursor: none exists, it is hidden, or the system does not report it.
     KelCursorPixmap() = default;
 
     KelCursorPixmap(const QPoint &position, const KelCursorShape &shape)
@@ -38,7 +38,7 @@ public:
 
     bool hasCursor() const { return !m_shape.type.isEmpty(); }
 
-    /// Where the hotspot is, in logical pixels of the desktop.
+    /// Position of the hotspot in logical pixels of the desktop.
     QPoint position() const { return m_position; }
 
     QString type() const { return m_shape.type; }
@@ -48,5 +48,5 @@ public:
 private:
     QPoint m_position;
     KelCursorShape m_shape;
-    std::shared_ptr<KelCursorSource> m_source; // what makes the next question cheap
+    std::shared_ptr<KelCursorSource> m_source; // kept so that the next call is cheap
 };

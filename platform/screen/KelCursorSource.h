@@ -2,11 +2,12 @@
 
 #include "screen/KelCursorPixmap.h"
 
-/// Where snapshots of the pointer come from. Created on the GUI thread, then asked by any thread.
+/// Provides snapshots of the pointer. Created on the GUI thread, then used by any thread.
 class KelCursorSource
 {
 public:
     virtual ~KelCursorSource() = default;
 
+    /// The current pointer. Thread-safe.
     virtual KelCursorPixmap read() = 0;
 };

@@ -11,26 +11,28 @@
 #include <utility>
 #include <vector>
 
-/// What an operating system (or a test) provides: pictures of rectangles of the screen, and the pointer. GUI thread.
+/// Screen frames and pointer of an operating system or of a test. GUI thread.
 class KelScreenBackend
 {
 public:
     virtual ~KelScreenBackend() = default;
 
-    /// What pictures are taken with, as "X11".
+    /// The name of the capture technology, such as "X11".
     virtual QString name() const { return {}; }
 
-    /// Empty when the screen can be captured, else why not, in English.
+    /// Empty when the screen can be captured, otherwise the reason in English.
     virtual QString errorString() const { return {}; }
 
-    /// Never null: a streamer that cannot work says why in its errorString().
+    /// A streamer for `rect` (logical pixels of the desktop). Never null: a streamer that cannot work reports the
+    /// reason in its errorString().
     virtual std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) = 0;
 
-    /// The pointer, its positions as `rect` is given. Null where the pointer is never seen.
+    /// The pointer, with positions in the same coordinates as `rect`. Null where the pointer is not available.
     virtual std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect);
 };
 
-/// The capture library's singleton. GUI thread, except where said, and for what it hands out.
+/// The entry point of screen capture, a singleton. GUI thread, unless stated otherwise; the returned objects have their
+/// own rules.
 class KelScreenManager
 {
 public:
@@ -39,18 +41,18 @@ public:
     /// A new streamer for `rect` (logical pixels of the desktop). Never null; owned by the caller.
     KelScreenStreamer *createScreenStreamer(const QRect &rect);
 
-    /// The source of snapshots of the pointer for `rect`; null where the pointer is never seen. One for all who use it
-    /// at the same time, made anew once nobody does. While somebody holds it, any thread may ask for it.
+    /// The source of pointer snapshots for `rect`; null where the pointer is not available. Shared by all users,
+    /// created anew when none is left. Any thread may call this while someone holds the source of that rectangle.
     std::shared_ptr<KelCursorSource> cursorSource(const QRect &rect);
 
-    /// What pictures are taken with, as "X11".
+    /// The name of the capture technology, such as "X11".
     QString backendName() const;
 
-    /// Empty when the screen can be captured now, else why not ("no display", "Wayland without X", …), in English.
+    /// Empty when the screen can currently be captured, otherwise the reason ("no display", "Wayland without X", …) in
+    /// English.
     QString errorString() const;
 
-    /// Replaces the operating system's backend; null puts it back. What was handed out before keeps
-    /// working.
+    /// Replaces the operating system's backend; null restores it. Objects created before keep working.
     void setBackend(std::unique_ptr<KelScreenBackend> backend);
 
 private:
@@ -59,6 +61,6 @@ private:
     Q_DISABLE_COPY(KelScreenManager)
 
     std::unique_ptr<KelScreenBackend> m_backend;
-    std::mutex m_cursorMutex; // guards what follows
+    std::mutex m_cursorMutex; // guards the members below
     std::vector<std::pair<QRect, std::weak_ptr<KelCursorSource>>> m_cursorSources;
 };

@@ -3,21 +3,21 @@
 #include <QImage>
 #include <QString>
 
-/// Captures one rectangle of the screen, again and again. Created on the GUI thread, then used by one thread at a time.
+/// Captures one rectangle of the screen repeatedly. Created on the GUI thread, then used by one thread at a time.
 class KelScreenStreamer
 {
 public:
     virtual ~KelScreenStreamer() = default;
 
-    /// True for the first question; then only when something inside the rectangle may have changed since the last
-    /// captureTo(). False for good once the screen is lost (see errorString()).
+    /// True on the first call; later, true when the content of the rectangle may have changed since the last
+    /// captureTo(). Always false once the screen is lost (see errorString()).
     virtual bool hasFrameChanged() = 0;
 
-    /// Copies the rectangle's present content, in physical pixels, into `image`. Its size and format
-    /// (QImage::Format_ARGB32_Premultiplied, opaque) are set as needed; a fitting buffer is reused. What lies outside
-    /// of the screen is black. False (and `image` unchanged) when the screen cannot be read.
+    /// Copies the current content of the rectangle, in physical pixels, into `image`. Sets its size and format
+    /// (QImage::Format_ARGB32_Premultiplied, opaque) if needed; a suitable buffer is reused. Pixels outside of the
+    /// screen are black. False, with `image` unchanged, when the screen cannot be read.
     virtual bool captureTo(QImage &image) = 0;
 
-    /// Empty while the streamer works; else what went wrong, in English. Any thread may ask.
+    /// Empty while the streamer works, otherwise the error in English. Any thread.
     virtual QString errorString() const = 0;
 };

@@ -7,7 +7,7 @@
 namespace kel
 {
 
-/// The backend of the operating system that this is built for. Each system's folder defines it.
+/// The backend of this operating system.
 std::unique_ptr<KelScreenBackend> createNativeScreenBackend();
 
 } // namespace kel

@@ -6,8 +6,8 @@
 namespace kel
 {
 
-/// Copies all of `from` (QImage::Format_RGB32) to the place `to` of `image`, where it must fit. Systems leave the
-/// highest byte of a pixel as it comes; in `image` it says that the pixel is opaque.
+/// Copies `from` (QImage::Format_RGB32) into `image` at `to`, where it must fit, and makes it opaque: systems leave the
+/// highest byte of each pixel undefined.
 void copyOpaque(const QImage &from, const QPoint &to, QImage &image);
 
 } // namespace kel

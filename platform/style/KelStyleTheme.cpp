@@ -41,7 +41,7 @@ void KelStyleTheme::setMode(Mode mode)
     switch (mode) {
     case Mode::System:
         m_system = SystemTheme::create();
-        connect(m_system.get(), &SystemTheme::wishChanged, this, &KelStyleTheme::followSystem);
+        connect(m_system.get(), &SystemTheme::colorSchemeChanged, this, &KelStyleTheme::followSystem);
         followSystem();
         break;
     case Mode::Application:
@@ -57,13 +57,13 @@ void KelStyleTheme::setMode(Mode mode)
 
 void KelStyleTheme::followSystem()
 {
-    // An empty palette is again the one that Qt takes from the system. It has the desktop's own colours, so ours step
-    // in only where it is of the other kind than what the desktop says.
+    // An empty palette restores the system's own palette. It has the desktop's colors, so it is replaced only when it
+    // contradicts the desktop's light or dark setting.
     QApplication::setPalette(QPalette());
-    const SystemTheme::Wish wish = m_system->wish();
-    const bool wishesDark = wish == SystemTheme::Wish::Dark;
-    if (wish != SystemTheme::Wish::Unknown && ThemeColors::isDark(QGuiApplication::palette()) != wishesDark)
-        QApplication::setPalette(ThemeColors::palette(wishesDark));
+    const SystemTheme::ColorScheme scheme = m_system->colorScheme();
+    const bool prefersDark = scheme == SystemTheme::ColorScheme::Dark;
+    if (scheme != SystemTheme::ColorScheme::Unknown && ThemeColors::isDark(QGuiApplication::palette()) != prefersDark)
+        QApplication::setPalette(ThemeColors::palette(prefersDark));
 }
 
 void KelStyleTheme::followPalette()
@@ -79,7 +79,7 @@ QColor KelStyleTheme::color(const QString &name) const
 {
     QColor color = ThemeColors::color(name, m_isDark);
     if (!color.isValid())
-        qCWarning(logUi, "[KelStyleTheme] No colour is named %s", qPrintable(name));
+        qCWarning(logUi, "[KelStyleTheme] No color is named %s", qPrintable(name));
     return color;
 }
 

@@ -14,33 +14,34 @@ namespace kel
 class SystemTheme;
 } // namespace kel
 
-/// What appleStyleTo() needs besides the widget.
+/// A style sheet and its scale.
 struct KelStyleParams {
     QString sheet;    ///< path of the style sheet, a file or a resource
-    double scale = 0; ///< what sca(1) is in logical pixels; 0: the scale of the screen that the widget is on
+    double scale = 0; ///< logical pixels per sca(1); 0 for the scale of the widget's screen
 };
 
-/// The light and the dark theme: their named colours, and style sheets written with them. GUI thread.
+/// The light and the dark theme: named colors, and style sheets that use them. GUI thread.
 ///
-/// A sheet may contain two macros. sca(N) is N pixels of a 96-dpi desktop in logical pixels of the widget's screen, as
-/// a whole number without unit, and never 0 unless N is. var(Name) is a colour of the theme: ColorMain, ColorMainText,
-/// ColorBg1 (window), ColorBg2 (field), ColorBg3 (floating panel), ColorBg3Border, ColorText, ColorTextWeak,
-/// ColorTextDisabled, ColorHover, ColorPressed, ColorDanger.
+/// A sheet may contain two macros. sca(N) converts N pixels of a 96-dpi desktop to logical pixels of the widget's
+/// screen; it expands to an integer without a unit, at least 1 for a positive N. var(Name) expands to a color of the
+/// theme: ColorMain, ColorMainText, ColorBg1 (window), ColorBg2 (field), ColorBg3 (floating panel), ColorBg3Border,
+/// ColorText, ColorTextWeak, ColorTextDisabled, ColorHover, ColorPressed, ColorDanger.
 ///
-/// Theme and application palette always agree on light or dark. Whichever of them leads is a matter of the mode.
+/// Theme and application palette are always both light or both dark. The mode determines which of them follows the
+/// other.
 class KELSTYLE_EXPORT KelStyleTheme : public QObject
 {
     Q_OBJECT
 
 public:
     enum class Mode {
-        Application, ///< the theme follows the application palette and changes nothing, as at first
-        System,      ///< both follow the desktop
-        Light,       ///< the palette is the theme's
-        Dark
+        Application, ///< the theme follows the application palette (default)
+        System,      ///< theme and palette follow the desktop setting
+        Light,       ///< the light theme, with a palette of its colors
+        Dark         ///< the dark theme, with a palette of its colors
     };
 
-    /// Exists as long as the QApplication.
+    /// The only instance; it lives as long as the QApplication, which must exist.
     static KelStyleTheme *instance();
     ~KelStyleTheme() override;
 
@@ -48,21 +49,21 @@ public:
     void setMode(Mode mode);
     bool isDark() const { return m_isDark; }
 
-    /// A named colour of the present theme; invalid, and told in the log, when there is none of that name.
+    /// A named color of the current theme. Logs a warning and returns an invalid color for an unknown name.
     QColor color(const QString &name) const;
 
-    /// `sheet` with its macros expanded.
+    /// `sheet` with its macros expanded; `scale` is the value of sca(1) in logical pixels.
     QString expanded(const QString &sheet, double scale) const;
 
-    /// Styles the widget from now on: again at every change of the theme or of the scale of its screen. A second call
-    /// for the same widget replaces the first. A sheet that cannot be read is told in the log and changes nothing.
+    /// Styles the widget, and again whenever the theme or the scale of its screen changes. Replaces the sheet of an
+    /// earlier call for the same widget. When the sheet cannot be read, logs a warning and leaves the widget unchanged.
     void appleStyleTo(QWidget *widget, const KelStyleParams &params);
 
-    /// What sca(1) is for a widget, in logical pixels.
+    /// The value of sca(1) for a widget, in logical pixels.
     static double scaleOf(const QWidget *widget);
 
 signals:
-    /// Other colours from now on.
+    /// The theme switched between light and dark.
     void changed();
 
 private:

@@ -27,7 +27,7 @@ StyleFollower::StyleFollower(QWidget *widget, const KelStyleParams &params, KelS
     widget->installEventFilter(this);
 }
 
-// A widget learns which screen it is on when it is shown, and may be moved to another.
+// The screen of a widget is known only once it is shown, and may change later.
 bool StyleFollower::eventFilter(QObject *watched, QEvent *event)
 {
     if ((event->type() == QEvent::Show || event->type() == QEvent::ScreenChangeInternal) &&

@@ -7,7 +7,7 @@
 namespace kel
 {
 
-/// Keeps one widget styled, as its child.
+/// Keeps one widget styled with a sheet while theme and screen change. A child of that widget.
 class StyleFollower : public QObject
 {
     Q_OBJECT

@@ -3,12 +3,12 @@
 namespace kel
 {
 
-void SystemTheme::setWish(Wish wish)
+void SystemTheme::setColorScheme(ColorScheme scheme)
 {
-    if (wish == m_wish)
+    if (scheme == m_colorScheme)
         return;
-    m_wish = wish;
-    emit wishChanged();
+    m_colorScheme = scheme;
+    emit colorSchemeChanged();
 }
 
 } // namespace kel

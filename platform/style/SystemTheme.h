@@ -7,27 +7,27 @@
 namespace kel
 {
 
-/// What the desktop says about light and dark, apart from what Qt makes of it. GUI thread.
+/// The desktop's light or dark setting, which Qt's palette does not always reflect. GUI thread.
 class SystemTheme : public QObject
 {
     Q_OBJECT
 
 public:
-    enum class Wish { Unknown, Light, Dark };
+    enum class ColorScheme { Unknown, Light, Dark };
 
-    /// The implementation for the desktop at hand.
+    /// The implementation for this system.
     static std::unique_ptr<SystemTheme> create();
 
-    Wish wish() const { return m_wish; }
+    ColorScheme colorScheme() const { return m_colorScheme; }
 
 signals:
-    void wishChanged();
+    void colorSchemeChanged();
 
 protected:
-    void setWish(Wish wish);
+    void setColorScheme(ColorScheme scheme);
 
 private:
-    Wish m_wish = Wish::Unknown;
+    ColorScheme m_colorScheme = ColorScheme::Unknown;
 };
 
 } // namespace kel

@@ -12,8 +12,8 @@ struct NamedColor {
     QColor dark;
 };
 
-// Bg1 is a window, Bg2 a field or a list in it, Bg3 what floats above. Texts keep a contrast of at least 4.5 to all
-// three.
+// Bg1 is for windows, Bg2 for fields and lists, Bg3 for floating panels. Texts have a contrast ratio of at least 4.5 on
+// all three.
 const NamedColor kColors[] = {
     {"ColorMain", {0x33, 0x88, 0xff}, {0x4c, 0x96, 0xff}},
     {"ColorMainText", {0xff, 0xff, 0xff}, {0xff, 0xff, 0xff}},
@@ -46,7 +46,7 @@ QPalette ThemeColors::palette(bool dark)
     const QColor window = named("ColorBg1");
     const QColor text = named("ColorText");
     const QColor button = dark ? named("ColorBg3") : window;
-    QPalette palette(button, window); // the shades of bevels follow from these
+    QPalette palette(button, window); // Qt derives the shades of bevels from these two
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(role, text);
     palette.setColor(QPalette::Base, named("ColorBg2"));

@@ -4,14 +4,14 @@
 #include <QPalette>
 #include <QString>
 
-/// The named colours of the light and the dark theme.
+/// The named colors of the light and the dark theme.
 namespace kel::ThemeColors
 {
 
-/// Invalid when no colour has the name.
+/// Invalid when no color has the name.
 QColor color(const QString &name, bool dark);
 
-/// The same colours for what is not styled by a sheet.
+/// The same colors for widgets that have no style sheet.
 QPalette palette(bool dark);
 
 bool isDark(const QPalette &palette);

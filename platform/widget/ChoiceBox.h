@@ -4,8 +4,8 @@
 
 #include <QComboBox>
 
-/// A drop-down list that looks like the other controls here. The wheel changes it only while it has the focus, so that
-/// a panel can be scrolled over it. Colours come from the palette. GUI thread.
+/// A drop-down list in the style of the other controls. The wheel changes it only while it has the focus, so that the
+/// wheel scrolls the panel around it. Colors come from the palette. GUI thread.
 class KELWIDGET_EXPORT ChoiceBox : public QComboBox
 {
     Q_OBJECT

@@ -1,5 +1,6 @@
 #include "widget/ColorSelectButton.h"
 
+#include "widget/ControlPainting.h"
 #include "widget/ScaleFactor.h"
 
 #include <QColorDialog>
@@ -14,7 +15,7 @@ constexpr int kHeight = 24;
 constexpr double kRadius = 5;
 constexpr double kInset = 3;
 
-// What a translucent colour is seen on.
+// The background of a translucent color.
 QBrush checkers(int edge)
 {
     QPixmap tile(2 * edge, 2 * edge);
@@ -52,16 +53,16 @@ void ColorSelectButton::choose()
 {
     auto *const dialog = new QColorDialog(this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setOption(QColorDialog::ShowAlphaChannel); // first: without it a colour loses its opacity
+    dialog->setOption(QColorDialog::ShowAlphaChannel); // before the color, which would lose its opacity
     dialog->setCurrentColor(m_color);
-    connect(dialog, &QColorDialog::currentColorChanged, this, &ColorSelectButton::take);
-    connect(dialog, &QColorDialog::rejected, this, [this, before = m_color] { take(before); });
+    connect(dialog, &QColorDialog::currentColorChanged, this, &ColorSelectButton::applyColor);
+    connect(dialog, &QColorDialog::rejected, this, [this, before = m_color] { applyColor(before); });
     dialog->open();
 }
 
-void ColorSelectButton::take(const QColor &color)
+void ColorSelectButton::applyColor(const QColor &color)
 {
-    const QColor rgb = color.toRgb(); // colours of different models are never equal
+    const QColor rgb = color.toRgb(); // colors of different models never compare equal
     if (rgb == m_color)
         return;
     setColor(rgb);
@@ -74,11 +75,7 @@ void ColorSelectButton::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     const double scale = scaleFactor(this);
     const double radius = kRadius * scale;
-    const bool isLit = isEnabled() && (hasFocus() || underMouse());
-    const double line = hasFocus() ? 1.5 : 1;
-    painter.setPen(QPen(palette().color(isLit ? QPalette::Highlight : QPalette::Mid), line));
-    painter.setBrush(palette().color(QPalette::Base));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2), radius, radius);
+    kel::ControlPainting::paintField(painter, *this, radius);
 
     const double inset = kInset * scale;
     QPainterPath swatch;

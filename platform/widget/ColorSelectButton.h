@@ -5,7 +5,7 @@
 #include <QColor>
 #include <QPushButton>
 
-/// A button that shows a colour and lets the user choose another, opacity included. GUI thread.
+/// A button that shows a color and opens a dialog to select another one, including its opacity. GUI thread.
 class KELWIDGET_EXPORT ColorSelectButton : public QPushButton
 {
     Q_OBJECT
@@ -14,13 +14,14 @@ public:
     explicit ColorSelectButton(QWidget *parent = nullptr);
 
     QColor color() const { return m_color; }
-    /// No signal.
+    /// Does not emit sigColorChanged().
     void setColor(const QColor &color);
 
     QSize sizeHint() const override;
 
 signals:
-    /// The user sees another colour: while trying colours, and again the first one when giving up.
+    /// The user selected another color. Also emitted for each color tried in the dialog, and for the original color
+    /// when the dialog is canceled.
     void sigColorChanged(const QColor &color);
 
 protected:
@@ -28,7 +29,7 @@ protected:
 
 private:
     void choose();
-    void take(const QColor &color);
+    void applyColor(const QColor &color);
 
     QColor m_color = Qt::black;
 };

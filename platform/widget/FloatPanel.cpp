@@ -58,7 +58,7 @@ void FloatPanel::popupBeside(QWidget *anchor)
     place.moveLeft(std::max(place.left(), available.left()));
     place.moveTop(std::max(place.top(), available.top()));
     move(place.topLeft());
-    anchor->setFocus(Qt::PopupFocusReason); // where the keys go again when the panel closes
+    anchor->setFocus(Qt::PopupFocusReason); // receives keys again when the panel closes
     show();
     focusNextChild();
 }
@@ -73,14 +73,14 @@ void FloatPanel::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor border = palette().color(QPalette::Mid);
-    painter.fillRect(rect(), border); // seen where the mask is coarser than the curve
+    painter.fillRect(rect(), border); // visible where the mask is coarser than the curve
     painter.setPen(border);
     painter.setBrush(palette().color(QPalette::Base));
     const double radius = kRadius * scaleFactor(this);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
 }
 
-// Not translucent: where no compositor runs, what is translucent shows up black.
+// A mask instead of translucency, which shows as black without a compositor.
 void FloatPanel::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
@@ -100,7 +100,7 @@ void FloatPanel::keyPressEvent(QKeyEvent *event)
 
 void FloatPanel::mousePressEvent(QMouseEvent *event)
 {
-    // The click that closes the panel shall not reach its control, which would open it again.
+    // The click that closes the panel must not reach its control, which would open it again.
     if (m_anchor && m_anchor->rect().contains(m_anchor->mapFromGlobal(event->globalPos())))
         setAttribute(Qt::WA_NoMouseReplay);
     QWidget::mousePressEvent(event);

@@ -5,9 +5,9 @@
 #include <QPointer>
 #include <QWidget>
 
-/// A small panel that floats beside the control it belongs to. It opens on demand and closes at a click outside, at
-/// Escape or by hideManual(). What it shows is put into it by layout; the first child that takes the focus gets it on
-/// opening. Colours come from the palette. GUI thread.
+/// A small popup beside the control it belongs to. It closes at a click outside, at Escape or by hideManual(). Its
+/// content is added with a layout; the first child that accepts the focus gets it when the panel opens. Colors come
+/// from the palette. GUI thread.
 class KELWIDGET_EXPORT FloatPanel : public QWidget
 {
     Q_OBJECT
@@ -15,15 +15,15 @@ class KELWIDGET_EXPORT FloatPanel : public QWidget
 public:
     explicit FloatPanel(QWidget *parent = nullptr);
 
-    /// A panel that is not enabled does not open, and closes at once.
+    /// A disabled panel does not open; disabling closes an open one.
     void setDisplayEnable(bool enable);
     bool isDisplayEnabled() const { return m_isDisplayEnabled; }
 
-    /// Lays the panel out for its present screen and colours. Called before each opening; to be extended by panels
-    /// whose content has sizes of its own.
+    /// Adapts the panel to its current screen and colors. Called before each opening. Panels with sizes of their own
+    /// extend it.
     virtual void updateQSS();
 
-    /// Opens below the control, above it where there is no room below, and always on its screen.
+    /// Opens below `anchor`, above it when there is no room below, within the screen of `anchor`.
     void popupBeside(QWidget *anchor);
 
 public slots:

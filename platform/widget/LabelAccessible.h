@@ -7,7 +7,7 @@ class QString;
 namespace kel
 {
 
-/// For QAccessible::installFactory(): tells assistive programs that a LabelWidthFloatPanel is pressed, not read.
+/// For QAccessible::installFactory(): presents a LabelWidthFloatPanel to assistive programs as a button with a menu.
 QAccessibleInterface *labelAccessible(const QString &className, QObject *object);
 
 } // namespace kel

@@ -1,5 +1,6 @@
 #include "widget/LabelWidthFloatPanel.h"
 
+#include "widget/ControlPainting.h"
 #include "widget/FloatPanel.h"
 #include "widget/LabelAccessible.h"
 #include "widget/ScaleFactor.h"
@@ -26,7 +27,7 @@ constexpr double kFocusWidth = 1.5;
 LabelWidthFloatPanel::LabelWidthFloatPanel(QWidget *parent)
     : QLabel(parent)
 {
-    QAccessible::installFactory(labelAccessible); // once, however often it is asked
+    QAccessible::installFactory(labelAccessible); // installed only once, however often this is called
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setCursor(Qt::PointingHandCursor);
@@ -92,9 +93,7 @@ void LabelWidthFloatPanel::paintEvent(QPaintEvent *event)
     if (canOpen()) {
         const double half = kArrowWidth * scale / 2;
         const QPointF tip(width() - kPadding * scale - half, height() / 2.0 + half / 2);
-        painter.setPen(
-            QPen(palette().color(foregroundRole()), 1.4 * scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter.drawPolyline(QVector<QPointF>{tip + QPointF(-half, -half), tip, tip + QPointF(half, -half)});
+        ControlPainting::paintArrow(painter, *this, tip, kArrowWidth * scale, palette().color(foregroundRole()));
     }
     painter.end();
     QLabel::paintEvent(event);

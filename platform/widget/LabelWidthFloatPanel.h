@@ -6,7 +6,7 @@
 
 class FloatPanel;
 
-/// A label that opens a panel of its own at a click, or at Space, Enter or the Down key. GUI thread.
+/// A label that opens a panel at a click, or at Space, Enter or the Down key. GUI thread.
 class KELWIDGET_EXPORT LabelWidthFloatPanel : public QLabel
 {
     Q_OBJECT
@@ -14,11 +14,11 @@ class KELWIDGET_EXPORT LabelWidthFloatPanel : public QLabel
 public:
     explicit LabelWidthFloatPanel(QWidget *parent = nullptr);
 
-    /// The panel becomes the label's child and replaces the one before it.
+    /// The label takes ownership of the panel and deletes the previous one.
     void setPanel(FloatPanel *panel);
     FloatPanel *panel() const { return m_panel; }
 
-    /// There is a panel, and both it and the label are enabled.
+    /// True when there is a panel and both it and the label are enabled.
     bool canOpen() const;
     /// Opens the panel, or closes it when it is open.
     void togglePanel();

@@ -49,10 +49,10 @@ QRectF MiniSlider::grooveLine() const
 int MiniSlider::valueAt(double x) const
 {
     const QRectF line = grooveLine();
-    double share = std::clamp((x - line.left()) / line.width(), 0.0, 1.0);
+    double fraction = std::clamp((x - line.left()) / line.width(), 0.0, 1.0);
     if ((layoutDirection() == Qt::RightToLeft) != invertedAppearance())
-        share = 1 - share;
-    return minimum() + qRound(share * (maximum() - minimum()));
+        fraction = 1 - fraction;
+    return minimum() + qRound(fraction * (maximum() - minimum()));
 }
 
 void MiniSlider::paintEvent(QPaintEvent *)
@@ -62,11 +62,11 @@ void MiniSlider::paintEvent(QPaintEvent *)
     painter.setPen(Qt::NoPen);
     const QRectF line = grooveLine();
     const double range = std::max(1, maximum() - minimum());
-    double share = (sliderPosition() - minimum()) / range;
+    double fraction = (sliderPosition() - minimum()) / range;
     const bool fromRight = (layoutDirection() == Qt::RightToLeft) != invertedAppearance();
     if (fromRight)
-        share = 1 - share;
-    const QPointF knob(line.left() + share * line.width(), line.center().y());
+        fraction = 1 - fraction;
+    const QPointF knob(line.left() + fraction * line.width(), line.center().y());
 
     const double half = kGroove * scaleFactor(this) / 2;
     const QRectF groove = line.adjusted(-half, -half, half, half);

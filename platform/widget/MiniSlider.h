@@ -4,8 +4,8 @@
 
 #include <QSlider>
 
-/// A slim horizontal slider. A press anywhere brings the knob there and drags it; keys and wheel work as on any slider.
-/// Colours come from the palette. GUI thread.
+/// A slim horizontal slider. A press anywhere moves the knob there and starts dragging it; keys and wheel work as on
+/// any slider. Colors come from the palette. GUI thread.
 class KELWIDGET_EXPORT MiniSlider : public QSlider
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ protected:
 
 private:
     double knobRadius() const;
-    /// The line that the knob's centre runs on.
+    /// The line along which the center of the knob moves.
     QRectF grooveLine() const;
     int valueAt(double x) const;
 };

@@ -44,7 +44,7 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
     const QColor ink = palette().color(QPalette::WindowText);
     if (!isEnabled())
         painter.setOpacity(0.5);
-    // Off, it must be told from what it lies on in either theme.
+    // Contrasts with the background in both themes.
     QColor off = ink;
     off.setAlpha(underMouse() ? 120 : 95);
     painter.setPen(hasFocus() ? QPen(ink, line) : QPen(Qt::NoPen));

@@ -4,7 +4,7 @@
 
 #include <QCheckBox>
 
-/// A check box that looks like a switch, without a text. Colours come from the palette. GUI thread.
+/// A check box in the form of a switch, without text. Colors come from the palette. GUI thread.
 class KELWIDGET_EXPORT ToggleSwitch : public QCheckBox
 {
     Q_OBJECT

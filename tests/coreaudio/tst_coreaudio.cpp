@@ -11,9 +11,9 @@
 
 namespace
 {
-constexpr double ToneHz = 1000;
+constexpr double kToneHz = 1000;
 
-/// Counts down what it holds when it goes.
+/// Holds a reference and releases it in the destructor.
 template <typename Interface>
 class Ref
 {
@@ -40,7 +40,7 @@ HRESULT createEnumerator(Ref<IMMDeviceEnumerator> &enumerator)
                             enumerator.untyped());
 }
 
-/// A recording of a default device, as its callers make it.
+/// A recording of a default device.
 struct Recording {
     HRESULT open(EDataFlow flow = eRender, DWORD flags = AUDCLNT_STREAMFLAGS_LOOPBACK)
     {
@@ -61,7 +61,7 @@ struct Recording {
     }
     ~Recording() { CoTaskMemFree(format); }
 
-    /// The next answer; the first channel of a packet is added to `sound`.
+    /// Reads a packet and appends its first channel to `sound`.
     HRESULT read()
     {
         BYTE *data = nullptr;
@@ -85,34 +85,34 @@ struct Recording {
     QVector<float> sound;
 };
 
-bool hearsTone(Recording &recording)
+bool receivesTone(Recording &recording)
 {
-    const auto isHeard = [&] {
+    const auto isReceived = [&] {
         while (recording.read() == S_OK)
             continue;
-        return Tone::level(recording.sound.mid(recording.sound.size() - Tone::kRate / 10), ToneHz, Tone::kRate) > 0.4;
+        return Tone::level(recording.sound.mid(recording.sound.size() - Tone::kRate / 10), kToneHz, Tone::kRate) > 0.4;
     };
-    return QTest::qWaitFor(isHeard, 20000);
+    return QTest::qWaitFor(isReceived, 20000);
 }
 } // namespace
 
-class tst_coreaudio : public QObject
+class CoreaudioTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void hears();
-    void packetsFollowEachOtherInTime();
-    void refuses_data();
-    void refuses();
-    void monitorOfTheOutputIsNoMicrophone();
-    void suspendedOutputDeliversNothing();
-    void vanishedOutputIsGone();
+    void records();
+    void timestampsAreContinuous();
+    void initializes_data();
+    void initializes();
+    void monitorIsNoMicrophone();
+    void suspendedOutput();
+    void vanishedOutput();
     void withoutServer();
     void deadServer();
 };
 
-void tst_coreaudio::hears()
+void CoreaudioTest::records()
 {
     for (const bool isMicrophone : {false, true}) {
         Recording recording;
@@ -121,12 +121,12 @@ void tst_coreaudio::hears()
         QCOMPARE(recording.format->wFormatTag, WAVE_FORMAT_EXTENSIBLE);
         QCOMPARE(recording.format->nSamplesPerSec, 48000u);
         QCOMPARE(recording.format->nBlockAlign, WORD(8));
-        const Tone::Player player(isMicrophone ? "microphone" : "speakers", ToneHz, 20000);
-        QVERIFY2(hearsTone(recording), isMicrophone ? "the microphone" : "what is played");
+        const Tone::Player player(isMicrophone ? "microphone" : "speakers", kToneHz, 20000);
+        QVERIFY2(receivesTone(recording), isMicrophone ? "the microphone" : "the output");
     }
 }
 
-void tst_coreaudio::packetsFollowEachOtherInTime()
+void CoreaudioTest::timestampsAreContinuous()
 {
     Recording recording;
     QCOMPARE(recording.open(), S_OK);
@@ -148,9 +148,9 @@ void tst_coreaudio::packetsFollowEachOtherInTime()
     QVERIFY(qint64(recording.recordedAt) / 10'000 <= now.msecsSinceReference());
 }
 
-void tst_coreaudio::refuses_data()
+void CoreaudioTest::initializes_data()
 {
-    const TestTable<DWORD, int, int, int, HRESULT> row("flags", "tag", "bits", "rate", "answer");
+    const TestTable<DWORD, int, int, int, HRESULT> row("flags", "tag", "bits", "rate", "result");
     const DWORD loopback = AUDCLNT_STREAMFLAGS_LOOPBACK;
     row("16-bit integers", loopback, 1, 16, 44100, S_OK);
     row("24-bit integers", loopback, 1, 24, 48000, S_OK);
@@ -162,13 +162,13 @@ void tst_coreaudio::refuses_data()
     row("events", (loopback | AUDCLNT_STREAMFLAGS_EVENTCALLBACK), 1, 16, 48000, E_INVALIDARG);
 }
 
-void tst_coreaudio::refuses()
+void CoreaudioTest::initializes()
 {
     QFETCH(DWORD, flags);
     QFETCH(int, tag);
     QFETCH(int, bits);
     QFETCH(int, rate);
-    QFETCH(HRESULT, answer);
+    QFETCH(HRESULT, result);
     Ref<IMMDeviceEnumerator> enumerator;
     Ref<IMMDevice> device;
     Ref<IAudioClient> client;
@@ -189,14 +189,14 @@ void tst_coreaudio::refuses()
     const auto initialize = [&] {
         return client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, 10'000'000, 0, &format, nullptr);
     };
-    QCOMPARE(initialize(), answer);
-    if (answer == S_OK) {
+    QCOMPARE(initialize(), result);
+    if (result == S_OK) {
         QCOMPARE(initialize(), AUDCLNT_E_ALREADY_INITIALIZED);
         QCOMPARE(client->SetEventHandle(nullptr), AUDCLNT_E_EVENTHANDLE_NOT_EXPECTED);
     }
 }
 
-void tst_coreaudio::monitorOfTheOutputIsNoMicrophone()
+void CoreaudioTest::monitorIsNoMicrophone()
 {
     QVERIFY(Tone::control({"set-default-source", "speakers.monitor"}));
     Recording recording;
@@ -204,47 +204,47 @@ void tst_coreaudio::monitorOfTheOutputIsNoMicrophone()
     QVERIFY(Tone::control({"set-default-source", "microphone.monitor"}));
 }
 
-void tst_coreaudio::suspendedOutputDeliversNothing()
+void CoreaudioTest::suspendedOutput()
 {
     Recording recording;
     QCOMPARE(recording.open(), S_OK);
     QVERIFY(Tone::control({"suspend-sink", "speakers", "1"}));
-    while (recording.read() == S_OK) // what was recorded before
+    while (recording.read() == S_OK) // packets recorded before
         continue;
     QCOMPARE(recording.read(), AUDCLNT_S_BUFFER_EMPTY);
     QVERIFY(Tone::control({"suspend-sink", "speakers", "0"}));
-    const Tone::Player player("speakers", ToneHz, 20000);
-    QVERIFY(hearsTone(recording));
+    const Tone::Player player("speakers", kToneHz, 20000);
+    QVERIFY(receivesTone(recording));
 }
 
-void tst_coreaudio::vanishedOutputIsGone()
+void CoreaudioTest::vanishedOutput()
 {
     const QString module = Tone::addSink("headphones");
     QVERIFY(Tone::control({"set-default-sink", "headphones"}));
     Recording recording;
     QCOMPARE(recording.open(), S_OK);
-    const Tone::Player player("microphone", ToneHz, 20000);
+    const Tone::Player player("microphone", kToneHz, 20000);
     QVERIFY(Tone::control({"unload-module", module}));
     QTRY_COMPARE_WITH_TIMEOUT(([&] {
-                                  HRESULT answer = S_OK;
-                                  while (answer == S_OK)
-                                      answer = recording.read();
-                                  return answer;
+                                  HRESULT result = S_OK;
+                                  while (result == S_OK)
+                                      result = recording.read();
+                                  return result;
                               }()),
                               AUDCLNT_E_DEVICE_INVALIDATED, 20000);
-    QVERIFY2(Tone::level(recording.sound, ToneHz, 48000) < 0.01, "the microphone was recorded");
+    QVERIFY2(Tone::level(recording.sound, kToneHz, 48000) < 0.01, "the microphone was recorded");
     Recording next;
     QCOMPARE(next.open(), S_OK);
 }
 
-void tst_coreaudio::withoutServer()
+void CoreaudioTest::withoutServer()
 {
     const EnvironmentChange noServer("PULSE_SERVER", "unix:/nonexistent/socket");
     Recording recording;
     QCOMPARE(recording.open(), AUDCLNT_E_SERVICE_NOT_RUNNING);
 }
 
-void tst_coreaudio::deadServer()
+void CoreaudioTest::deadServer()
 {
     Recording recording;
     QCOMPARE(recording.open(), S_OK);
@@ -255,5 +255,5 @@ void tst_coreaudio::deadServer()
     QVERIFY(FAILED(recording.enumerator->GetDefaultAudioEndpoint(eRender, eConsole, device.out())));
 }
 
-QTEST_GUILESS_MAIN(tst_coreaudio)
+QTEST_GUILESS_MAIN(CoreaudioTest)
 #include "tst_coreaudio.moc"

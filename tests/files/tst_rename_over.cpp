@@ -18,9 +18,9 @@ class RenameOverTest : public QObject
 private slots:
     void renames_data() { addFileNames(); }
     void renames();
-    void keepsBothWhenItFails_data();
-    void keepsBothWhenItFails();
-    void waitsForAReader();
+    void keepsBothFilesOnFailure_data();
+    void keepsBothFilesOnFailure();
+    void waitsForReader();
 
 private:
     QTemporaryDir m_dir;
@@ -38,7 +38,7 @@ void RenameOverTest::renames()
     QCOMPARE(QDir(QFileInfo(target).path()).entryList(QDir::Files).size(), 1);
 }
 
-void RenameOverTest::keepsBothWhenItFails_data()
+void RenameOverTest::keepsBothFilesOnFailure_data()
 {
     QTest::addColumn<QString>("from");
     QTest::addColumn<QString>("to");
@@ -50,7 +50,7 @@ void RenameOverTest::keepsBothWhenItFails_data()
                                               << "missing/file";
 }
 
-void RenameOverTest::keepsBothWhenItFails()
+void RenameOverTest::keepsBothFilesOnFailure()
 {
     QFETCH(QString, from);
     QFETCH(QString, to);
@@ -61,26 +61,26 @@ void RenameOverTest::keepsBothWhenItFails()
     QCOMPARE(readFile(m_dir.filePath("directory/file")), QByteArray("inside"));
 }
 
-/// Where a file that somebody has open cannot be replaced, it is once he is done.
-void RenameOverTest::waitsForAReader()
+/// Where an open file cannot be replaced, the rename waits until it is closed.
+void RenameOverTest::waitsForReader()
 {
     const QString target = m_dir.filePath("read");
     writeFile(target, "old");
     writeFile(target + ".tmp", "new");
     QFile reader(target);
     QVERIFY(reader.open(QIODevice::ReadOnly));
-    std::atomic<bool> begins{false};
-    QString problem("not tried");
+    std::atomic<bool> hasStarted{false};
+    QString error("not tried");
     const std::unique_ptr<QThread> thread(QThread::create([&] {
-        begins = true;
-        problem = renameOver(target + ".tmp", target);
+        hasStarted = true;
+        error = renameOver(target + ".tmp", target);
     }));
     thread->start();
-    while (!begins)
+    while (!hasStarted)
         QThread::yieldCurrentThread();
     reader.close();
     QVERIFY(thread->wait());
-    QCOMPARE(problem, QString());
+    QCOMPARE(error, QString());
     QCOMPARE(readFile(target), QByteArray("new"));
 }
 

@@ -42,7 +42,7 @@ void RecordingX11Test::continuesWithoutInput()
     const Keldock keldock = Keldock::run(
         {"record", "--area", kArea, "--duration", "0.5", "--keyboard", "--out", path("recording")}, environment);
     QVERIFY2(keldock.status == 0, qPrintable(keldock.errors));
-    QCOMPARE(keldock.errors.count("keyboard and mouse cannot be watched"), 1);
+    QCOMPARE(keldock.errors.count("keyboard and mouse cannot be monitored"), 1);
     QVERIFY2(keldock.errors.contains("RECORD") && keldock.errors.contains("continuing without"),
              qPrintable(keldock.errors));
 }

@@ -11,7 +11,7 @@
 #include <mutex>
 #include <utility>
 
-/// Writes down what it is told, one line an event.
+/// Records each event as one line of text.
 class RecordingHook : public KelKeyMouseHook
 {
 public:
@@ -22,7 +22,7 @@ public:
         const std::lock_guard<std::mutex> lock(m_mutex);
         return m_lines;
     }
-    /// Waits until there are `count` lines, or for too long, and takes those that there are.
+    /// Waits for `count` lines or a timeout, and returns and clears all lines.
     QStringList take(int count)
     {
         std::unique_lock<std::mutex> lock(m_mutex);
@@ -35,7 +35,7 @@ public:
         return std::exchange(m_lines, {});
     }
 
-    std::function<void()> onEvent; ///< called within every callback, before the line is written
+    std::function<void()> onEvent; ///< called in every callback, before the line is recorded
 
 protected:
     bool OnKeyboardEvent(KelKeyboardEvent event) override

@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-/// Real input on the X display, made by the XTEST extension. Every call has reached the server when it returns.
+/// Generates input on the X display with the XTEST extension. When a call returns, the server has processed it.
 class XTestInput
 {
 public:
@@ -27,14 +27,14 @@ public:
         key(code, true);
         key(code, false);
     }
-    /// As key(), but does not let the server answer: nothing goes out of it but what the key causes.
+    /// As key(), but without a round trip: the server sends nothing but the events of the key.
     void keyWithoutAnswer(int code, bool pressed)
     {
         xcb_test_fake_input(m_connection, pressed ? XCB_KEY_PRESS : XCB_KEY_RELEASE, std::uint8_t(code),
                             XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
         xcb_flush(m_connection);
     }
-    void setMeaning(int code, std::uint32_t keysym)
+    void setKeysym(int code, std::uint32_t keysym)
     {
         xcb_change_keyboard_mapping(m_connection, 1, std::uint8_t(code), 1, &keysym);
         sync();
@@ -62,7 +62,7 @@ public:
         xcb_set_input_focus(m_connection, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
         sync();
     }
-    /// Lets the first and the third button change places, as left-handed people do, or puts them back.
+    /// Swaps the first and the third button, as for left-handed use, or swaps them back.
     void swapButtons()
     {
         std::uint8_t map[256];

@@ -10,14 +10,14 @@ class ToastsTest : public QObject
 
 private slots:
     void cleanup() { KelToastsMessage::avoid(QRect()); }
-    void avoidsTheArea_data();
-    void avoidsTheArea();
+    void avoidsArea_data();
+    void avoidsArea();
 
 private:
     static QRect shown();
 };
 
-/// Where there is a toast; empty when there is none.
+/// The geometry of the shown toast; empty when there is none.
 QRect ToastsTest::shown()
 {
     for (const QWidget *window : QApplication::topLevelWidgets()) {
@@ -27,18 +27,18 @@ QRect ToastsTest::shown()
     return QRect();
 }
 
-void ToastsTest::avoidsTheArea_data()
+void ToastsTest::avoidsArea_data()
 {
-    QTest::addColumn<QRectF>("area"); // shares of the screen
+    QTest::addColumn<QRectF>("area"); // as fractions of the screen
     QTest::addColumn<bool>("hasRoom");
     QTest::newRow("none") << QRectF() << true;
     QTest::newRow("upper half") << QRectF(0, 0, 1, 0.5) << true;
     QTest::newRow("lower half") << QRectF(0, 0.5, 1, 0.5) << true;
-    QTest::newRow("all but the middle's edge") << QRectF(0.1, 0.01, 0.9, 0.98) << false;
+    QTest::newRow("all but the edges") << QRectF(0.1, 0.01, 0.9, 0.98) << false;
     QTest::newRow("all") << QRectF(0, 0, 1, 1) << false;
 }
 
-void ToastsTest::avoidsTheArea()
+void ToastsTest::avoidsArea()
 {
     QFETCH(QRectF, area);
     QFETCH(bool, hasRoom);
@@ -46,12 +46,14 @@ void ToastsTest::avoidsTheArea()
     const QRect avoided = QRectF(area.x() * screen.width(), area.y() * screen.height(), area.width() * screen.width(),
                                  area.height() * screen.height())
                               .toRect();
-    const auto tell = [] { KelToastsMessage::showMessage(nullptr, KelToastsMessage::Warning, "The disk is full."); };
-    // One that is there already goes; one that comes stands beside, or is seen at any rate.
-    tell();
+    const auto showToast = [] {
+        KelToastsMessage::showMessage(nullptr, KelToastsMessage::Warning, "The disk is full.");
+    };
+    // A shown toast closes; a new one is placed outside of the area, or inside when there is no room.
+    showToast();
     KelToastsMessage::avoid(avoided);
     QVERIFY(!shown().intersects(avoided));
-    tell();
+    showToast();
     QVERIFY(!shown().isEmpty());
     QVERIFY(screen.contains(shown()));
     QCOMPARE(!shown().intersects(avoided), hasRoom);

@@ -15,25 +15,25 @@
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 #endif
 
-/// One answer of a screen to the question for its next frame.
+/// The result of acquiring the next frame of a screen.
 struct ScriptedFrame {
     HRESULT result = S_OK;
-    bool isPresented = true; ///< else only the pointer moved
-    QImage surface;          ///< what is on it now; null: as before
+    bool isPresented = true; ///< false: only the pointer moved
+    QImage surface;          ///< its new content; null: unchanged
     std::vector<RECT> drawn;
     std::vector<DXGI_OUTDUPL_MOVE_RECT> moved;
-    bool isDescribed = true; ///< Windows tells what was drawn
+    bool isDescribed = true; ///< true: Windows reports what was drawn
 };
 
 struct ScriptedScreen {
     QRect place;
     DXGI_MODE_ROTATION rotation = DXGI_MODE_ROTATION_IDENTITY;
-    std::deque<ScriptedFrame> frames; ///< DXGI_ERROR_WAIT_TIMEOUT when there is none left
-    HRESULT access = S_OK;            ///< to its pictures
-    int questions = 0;                ///< how often it was asked for access
+    std::deque<ScriptedFrame> frames; ///< DXGI_ERROR_WAIT_TIMEOUT when empty
+    HRESULT access = S_OK;            ///< the result of access requests
+    int accessRequests = 0;           ///< number of access requests
 };
 
-/// The objects of the graphics system that the reader talks to, as a script has them. Textures are real.
+/// The graphics system that the reader uses, controlled by a script. Textures are real.
 class ScriptedDesktop
 {
     template <typename Interface>
@@ -41,7 +41,7 @@ class ScriptedDesktop
 
 public:
     std::deque<ScriptedScreen> screens;
-    bool isCurrent = true; ///< false: screens have come or gone
+    bool isCurrent = true; ///< false: screens were added or removed
 
     kel::DuplicationSystem system()
     {
@@ -60,7 +60,7 @@ public:
     }
 
 private:
-    /// To create one takes long.
+    /// Shared, because its creation takes long.
     static const ComPtr<ID3D11Device> &sharedDevice()
     {
         static const ComPtr<ID3D11Device> device = [] {
@@ -199,7 +199,7 @@ private:
         }
         HRESULT STDMETHODCALLTYPE DuplicateOutput(IUnknown *device, IDXGIOutputDuplication **duplication) override
         {
-            ++m_screen.questions;
+            ++m_screen.accessRequests;
             if (SUCCEEDED(m_screen.access))
                 *duplication = new Duplication(m_screen, static_cast<ID3D11Device *>(device));
             return m_screen.access;

@@ -1,4 +1,4 @@
-// What the streamer captures from a living screen, compared with what another client reads from it.
+// Captures of an X screen, compared with what another client reads from it.
 #include "screen/KelScreenManager.h"
 #include "support/x11/X11Painter.h"
 
@@ -13,17 +13,17 @@
 namespace
 {
 
-constexpr QImage::Format frameFormat = QImage::Format_ARGB32_Premultiplied;
+constexpr QImage::Format kFrameFormat = QImage::Format_ARGB32_Premultiplied;
 
 std::unique_ptr<KelScreenStreamer> streamerFor(const QRect &rect)
 {
     return std::unique_ptr<KelScreenStreamer>(KelScreenManager::instance()->createScreenStreamer(rect));
 }
 
-/// A picture in which every pixel tells its position.
+/// An image whose pixels encode their positions.
 QImage positions(const QSize &size)
 {
-    QImage image(size, frameFormat);
+    QImage image(size, kFrameFormat);
     for (int y = 0; y < size.height(); ++y) {
         for (int x = 0; x < size.width(); ++x)
             image.setPixel(x, y, qRgb(x & 0xff, y & 0xff, (x >> 8) << 4 | y >> 8));
@@ -31,10 +31,10 @@ QImage positions(const QSize &size)
     return image;
 }
 
-/// What a capture of `rect` must look like, read by the painter.
+/// The expected capture of `rect`, read by the painter.
 QImage expected(X11Painter &painter, const QRect &rect)
 {
-    QImage image(rect.size(), frameFormat);
+    QImage image(rect.size(), kFrameFormat);
     image.fill(Qt::black);
     const QRect visible = rect & QRect({0, 0}, painter.screenSize());
     if (!visible.isEmpty()) {
@@ -44,7 +44,7 @@ QImage expected(X11Painter &painter, const QRect &rect)
     return image;
 }
 
-/// Draws the kinds of things that happen on a desktop, at random places, partly outside of the screen.
+/// Draws at random positions, partly outside of the screen, as programs on a desktop do.
 class Scribbler
 {
 public:
@@ -77,14 +77,14 @@ private:
     const xcb_window_t m_window;
 };
 
-/// What a caller does to its image between two captures.
+/// A modification of the image between two captures.
 using Replace = void (*)(QImage &);
 
 } // namespace
 
 Q_DECLARE_METATYPE(Replace)
 
-class tst_screen_capture : public QObject
+class ScreenCaptureTest : public QObject
 {
     Q_OBJECT
 
@@ -96,7 +96,7 @@ private slots:
         m_painter.sync();
     }
 
-    void capturesTheRectangle_data()
+    void capturesRectangle_data()
     {
         QTest::addColumn<QRect>("rect");
         QTest::newRow("whole screen") << QRect(0, 0, 1280, 800);
@@ -109,7 +109,7 @@ private slots:
         QTest::newRow("far outside") << QRect(-40000, 70000, 64, 48);
     }
 
-    void capturesTheRectangle()
+    void capturesRectangle()
     {
         QFETCH(QRect, rect);
         const auto streamer = streamerFor(rect);
@@ -118,12 +118,12 @@ private slots:
 
         QImage image;
         QVERIFY(streamer->captureTo(image));
-        QCOMPARE(image.format(), frameFormat);
+        QCOMPARE(image.format(), kFrameFormat);
         QCOMPARE(image, expected(m_painter, rect));
         QCOMPARE(streamer->errorString(), QString());
         QVERIFY(!streamer->hasFrameChanged());
 
-        // Later captures, which fetch only parts, must hit the right places, too.
+        // Later captures read only the changed parts.
         m_painter.fill(m_painter.root(), {0, 0, 40, 30}, 0xff112233);
         m_painter.fill(m_painter.root(), {1230, 760, 50, 40}, 0xff332211);
         m_painter.sync();
@@ -131,17 +131,18 @@ private slots:
         QCOMPARE(image, expected(m_painter, rect));
     }
 
-    void partsAddUpToTheWhole()
+    void incrementalCapturesAreComplete()
     {
         const QRect rect(60, 40, 1000, 700);
         const auto streamer = streamerFor(rect);
         QImage image;
         QVERIFY(streamer->captureTo(image));
         Scribbler scribbler(m_painter, 7);
-        // Few changes at a time, and more small rectangles than are worth fetching one by one.
+        // Few changes at a time, and more rectangles than are read one by one.
         for (const auto &[captures, drawsPerCapture] : {std::pair(120, 4), {4, 400}}) {
             for (int capture = 0; capture < captures; ++capture) {
-                for (int question = 0; question < 2; ++question) { // the first as while an encoder is busy
+                for (int query = 0; query < 2;
+                     ++query) { // the first one without a capture, as while an encoder is busy
                     for (int i = 0; i < drawsPerCapture / 2; ++i)
                         scribbler.draw();
                     m_painter.sync();
@@ -154,7 +155,7 @@ private slots:
         }
     }
 
-    void onlyChangesInsideCount()
+    void reportsChangesInsideOnly()
     {
         const QRect rect(200, 100, 300, 200);
         const auto streamer = streamerFor(rect);
@@ -172,14 +173,14 @@ private slots:
             m_painter.fill(m_painter.root(), {corner, QSize(1, 1)}, 0xff00ff00);
             m_painter.sync();
             QVERIFY(streamer->hasFrameChanged());
-            QVERIFY(streamer->hasFrameChanged()); // until it is captured
+            QVERIFY(streamer->hasFrameChanged()); // true until the capture
             QVERIFY(streamer->captureTo(image));
             QVERIFY(!streamer->hasFrameChanged());
             QCOMPARE(image.pixel(corner - rect.topLeft()), 0xff00ff00);
         }
     }
 
-    void nothingIsMissedWhileOthersDraw()
+    void missesNothingWhileOthersDraw()
     {
         const QRect rect(100, 100, 800, 500);
         const auto streamer = streamerFor(rect);
@@ -199,7 +200,7 @@ private slots:
         bool captured = true;
         for (int i = 0; !done || streamer->hasFrameChanged(); ++i) {
             if (i % 3 == 0)
-                image = {}; // whole captures must not forget anything, either
+                image = {}; // a full capture must not lose changes either
             captured = captured && (!streamer->hasFrameChanged() || streamer->captureTo(image));
         }
         drawer.join();
@@ -210,20 +211,20 @@ private slots:
         QCOMPARE(image, expected(m_painter, rect));
     }
 
-    void anyImageMayBePassed_data()
+    void acceptsAnyImage_data()
     {
         QTest::addColumn<Replace>("replace");
         const auto row = [](const char *name, Replace replace) { QTest::newRow(name) << replace; };
         row("the same", [](QImage &) {});
         row("none", [](QImage &image) { image = {}; });
-        row("another of that size", [](QImage &image) { image = QImage(image.size(), frameFormat); });
+        row("another of the same size", [](QImage &image) { image = QImage(image.size(), kFrameFormat); });
         row("another size", [](QImage &image) { image = image.scaled(17, 23); });
         row("another format", [](QImage &image) { image = image.convertToFormat(QImage::Format_RGB888); });
         row("drawn into", [](QImage &image) { image.fill(Qt::red); });
         row("one pixel changed", [](QImage &image) { image.setPixel(3, 3, 0xffff0000); });
     }
 
-    void anyImageMayBePassed()
+    void acceptsAnyImage()
     {
         QFETCH(Replace, replace);
         const QRect rect(20, 30, 400, 300);
@@ -234,7 +235,7 @@ private slots:
         m_painter.fill(m_painter.root(), {100, 100, 33, 44}, 0xff0055aa);
         m_painter.sync();
         QVERIFY(streamer->captureTo(image));
-        QCOMPARE(image.format(), frameFormat);
+        QCOMPARE(image.format(), kFrameFormat);
         QCOMPARE(image, expected(m_painter, rect));
     }
 
@@ -244,7 +245,7 @@ private slots:
         const auto streamer = streamerFor(rect);
         QImage image;
         QVERIFY(streamer->captureTo(image));
-        const QImage first = image; // as an encoder holds on to it
+        const QImage first = image; // as held by an encoder
         const QImage firstState = expected(m_painter, rect);
 
         m_painter.fill(m_painter.root(), {100, 100, 33, 44}, 0xff0055aa);
@@ -253,16 +254,16 @@ private slots:
         QCOMPARE(first, firstState);
         QCOMPARE(image, expected(m_painter, rect));
 
-        image = first; // content of an older capture
+        image = first; // the content of an older capture
         QVERIFY(streamer->captureTo(image));
         QCOMPARE(first, firstState);
         QCOMPARE(image, expected(m_painter, rect));
     }
 
-    void aFittingBufferIsReused()
+    void reusesSuitableBuffer()
     {
         const auto streamer = streamerFor({0, 0, 320, 200});
-        QImage image(320, 200, frameFormat);
+        QImage image(320, 200, kFrameFormat);
         const uchar *buffer = image.constBits();
         for (int i = 0; i < 3; ++i) {
             QVERIFY(streamer->captureTo(image));
@@ -276,5 +277,5 @@ private:
     X11Painter m_painter;
 };
 
-QTEST_MAIN(tst_screen_capture)
+QTEST_MAIN(ScreenCaptureTest)
 #include "tst_screen_capture.moc"

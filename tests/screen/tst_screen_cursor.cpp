@@ -1,4 +1,4 @@
-// Snapshots of the pointer, against shapes that the test makes.
+// Snapshots of the pointer, compared with the shapes that the test sets.
 #include "screen/KelCursorPixmap.h"
 #include "screen/x11/X11CursorSource.h"
 #include "support/LogCapture.h"
@@ -14,11 +14,11 @@ using namespace kel;
 namespace
 {
 
-const QRect Area(100, 80, 300, 200);
-const QPoint Inside(150, 120);
+const QRect kArea(100, 80, 300, 200);
+const QPoint kInside(150, 120);
 
-/// A red disc whose edge fades out, with one more pixel of the given colour in its middle.
-QImage disc(QColor middle)
+/// A red disc that fades out at its edge, with one pixel of the given color at its center.
+QImage disc(QColor center)
 {
     QImage image(24, 20, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < image.height(); ++y) {
@@ -27,25 +27,25 @@ QImage disc(QColor middle)
             image.setPixelColor(x, y, QColor(200, 40, 10, qBound(0, 3 * (90 - distance), 255)));
         }
     }
-    image.setPixelColor(12, 10, middle);
+    image.setPixelColor(12, 10, center);
     return image;
 }
 
-QCursor cursor(QColor middle, int hotX, int hotY)
+QCursor cursor(QColor center, int hotX, int hotY)
 {
-    return QCursor(QPixmap::fromImage(disc(middle)), hotX, hotY);
+    return QCursor(QPixmap::fromImage(disc(center)), hotX, hotY);
 }
 
 } // namespace
 
-class tst_screen_cursor : public QObject
+class ScreenCursorTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
     void pixelsAndHotspot();
-    void typesFollowTheContent();
+    void typeIdentifiesContent();
     void hiddenCursor();
     void scaledScreen();
     void lostServer();
@@ -57,28 +57,28 @@ private:
     std::shared_ptr<const KelCursorPixmap> m_kept;
 };
 
-void tst_screen_cursor::initTestCase()
+void ScreenCursorTest::initTestCase()
 {
     m_window.setFlags(Qt::Window | Qt::X11BypassWindowManagerHint);
-    m_window.setGeometry(Area);
+    m_window.setGeometry(kArea);
     m_window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&m_window));
-    QCursor::setPos(Inside);
+    QCursor::setPos(kInside);
 }
 
-/// Lets the window have that cursor and takes a snapshot once the server has another shape than before.
-std::shared_ptr<const KelCursorPixmap> tst_screen_cursor::show(const QCursor &cursor)
+/// Sets the cursor of the window and takes a snapshot.
+std::shared_ptr<const KelCursorPixmap> ScreenCursorTest::show(const QCursor &cursor)
 {
     m_window.setCursor(cursor);
     QGuiApplication::sync();
-    return m_kept = KelCursorPixmap::GetCursor(Area);
+    return m_kept = KelCursorPixmap::GetCursor(kArea);
 }
 
-void tst_screen_cursor::pixelsAndHotspot()
+void ScreenCursorTest::pixelsAndHotspot()
 {
     const auto snapshot = show(cursor(Qt::blue, 3, 17));
     QVERIFY(snapshot->hasCursor());
-    QCOMPARE(snapshot->position(), Inside);
+    QCOMPARE(snapshot->position(), kInside);
     QCOMPARE(snapshot->hotspot(), QPoint(3, 17));
     QCOMPARE(snapshot->pixmap().devicePixelRatio(), 1.0);
     QCOMPARE(snapshot->pixmap().toImage(), disc(Qt::blue));
@@ -86,32 +86,32 @@ void tst_screen_cursor::pixelsAndHotspot()
     for (const QPoint &elsewhere : {QPoint(0, 0), QPoint(399, 279), QPoint(700, 500)}) {
         QCursor::setPos(elsewhere);
         QGuiApplication::sync();
-        QCOMPARE(KelCursorPixmap::GetCursor(Area)->position(), elsewhere);
+        QCOMPARE(KelCursorPixmap::GetCursor(kArea)->position(), elsewhere);
     }
-    QCursor::setPos(Inside);
+    QCursor::setPos(kInside);
 }
 
-void tst_screen_cursor::typesFollowTheContent()
+void ScreenCursorTest::typeIdentifiesContent()
 {
     const QString blue = show(cursor(Qt::blue, 3, 17))->type();
     const QString green = show(cursor(Qt::green, 3, 17))->type();
     const QString blueElsewhere = show(cursor(Qt::blue, 4, 17))->type();
-    QCOMPARE(show(cursor(Qt::blue, 3, 17))->type(), blue); // to the server it is a new cursor
+    QCOMPARE(show(cursor(Qt::blue, 3, 17))->type(), blue); // a new cursor for the server
     QCOMPARE((QSet<QString>{blue, green, blueElsewhere}.size()), 3);
-    QCOMPARE(blue, QString("73622058999e7a5b")); // in every run
+    QCOMPARE(blue, QString("73622058999e7a5b")); // the same in every run
 }
 
-void tst_screen_cursor::hiddenCursor()
+void ScreenCursorTest::hiddenCursor()
 {
     QVERIFY(show(cursor(Qt::blue, 3, 17))->hasCursor());
     QVERIFY(!show(Qt::BlankCursor)->hasCursor());
     QVERIFY(show(cursor(Qt::blue, 3, 17))->hasCursor());
 }
 
-void tst_screen_cursor::scaledScreen()
+void ScreenCursorTest::scaledScreen()
 {
     show(cursor(Qt::blue, 3, 17));
-    X11CursorSource source({QPoint(50, 20), 2.0});
+    X11CursorSource source({QRect(50, 20, 640, 400), 2.0});
     const KelCursorPixmap snapshot = source.read();
     QCOMPARE(snapshot.position(), QPoint(100, 70));
     QCOMPARE(snapshot.hotspot(), QPoint(3, 17));
@@ -119,24 +119,24 @@ void tst_screen_cursor::scaledScreen()
     QCOMPARE(snapshot.type(), m_kept->type());
 }
 
-void tst_screen_cursor::lostServer()
+void ScreenCursorTest::lostServer()
 {
     XServer server;
     const QByteArray display = qgetenv("DISPLAY");
     qputenv("DISPLAY", server.display());
-    X11CursorSource source(ScreenScale{});
+    X11CursorSource source(ScreenGeometry{});
     qputenv("DISPLAY", "nothing:1234");
     LogCapture log;
-    QVERIFY(!X11CursorSource(ScreenScale{}).read().hasCursor());
+    QVERIFY(!X11CursorSource(ScreenGeometry{}).read().hasCursor());
     QCOMPARE(log.take(),
-             QStringList{"W [KelCursorPixmap] the pointer cannot be seen: there is no connection to an X server"});
+             QStringList{"W [KelCursorPixmap] the pointer cannot be captured: there is no connection to an X server"});
     qputenv("DISPLAY", display);
 
     const KelCursorPixmap before = source.read();
     QVERIFY(before.hasCursor());
     server.freeze();
     for (int i = 0; i < 3; ++i)
-        QCOMPARE(source.read().type(), before.type()); // only the first question waits for the answer
+        QCOMPARE(source.read().type(), before.type()); // only the first call waits for the reply
     server.thaw();
     QTRY_VERIFY(source.read().hasCursor());
     QCOMPARE(log.take(), QStringList());
@@ -144,9 +144,10 @@ void tst_screen_cursor::lostServer()
     server.kill();
     for (int i = 0; i < 3; ++i)
         QVERIFY(!source.read().hasCursor());
-    QCOMPARE(log.take(), QStringList{"W [KelCursorPixmap] the pointer cannot be seen any more: the connection to the X "
-                                     "server is lost"});
+    QCOMPARE(log.take(),
+             QStringList{"W [KelCursorPixmap] the pointer can no longer be captured: the connection to the X "
+                         "server is lost"});
 }
 
-QTEST_MAIN(tst_screen_cursor)
+QTEST_MAIN(ScreenCursorTest)
 #include "tst_screen_cursor.moc"

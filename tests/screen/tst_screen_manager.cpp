@@ -1,4 +1,4 @@
-// Logical against physical pixels.
+// Logical and physical pixels.
 #include "geometry/ScreenGeometry.h"
 #include "screen/KelScreenManager.h"
 #include "style/PixelRatio.h"
@@ -12,7 +12,7 @@
 
 using namespace kel;
 
-class tst_screen_manager : public QObject
+class ScreenManagerTest : public QObject
 {
     Q_OBJECT
 
@@ -61,7 +61,7 @@ private slots:
         }
     }
 
-    void withoutAnApplicationPixelsArePhysical()
+    void ratioIsOneWithoutApplication()
     {
         QCOMPARE(getPixelRatio({0, 0, 10, 10}), 1.0);
         QCOMPARE(getDevicePixelRatio({0, 0, 10, 10}), 1.0);
@@ -69,5 +69,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(tst_screen_manager)
+QTEST_APPLESS_MAIN(ScreenManagerTest)
 #include "tst_screen_manager.moc"

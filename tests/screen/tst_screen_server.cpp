@@ -1,4 +1,4 @@
-// What becomes of a streamer when the X server is another than expected: missing, poorer, resized, silent or dead.
+// Streamers on X servers that are missing, lack extensions, are resized, do not respond or die.
 #include "screen/KelScreenManager.h"
 #include "support/EnvironmentChange.h"
 #include "support/TestTable.h"
@@ -14,7 +14,7 @@
 namespace
 {
 
-const QRect wholeScreen(0, 0, 800, 600);
+const QRect kWholeScreen(0, 0, 800, 600);
 
 std::unique_ptr<KelScreenStreamer> streamerFor(const QRect &rect)
 {
@@ -23,12 +23,12 @@ std::unique_ptr<KelScreenStreamer> streamerFor(const QRect &rect)
 
 } // namespace
 
-class tst_screen_server : public QObject
+class ScreenServerTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void saysWhyThereIsNoScreen()
+    void reportsWhyThereIsNoScreen()
     {
         struct Case {
             QByteArray display;
@@ -45,7 +45,7 @@ private slots:
             const QString reason = "The screen cannot be captured: " + c.reason;
             QCOMPARE(KelScreenManager::instance()->errorString(), reason);
 
-            const auto streamer = streamerFor(wholeScreen);
+            const auto streamer = streamerFor(kWholeScreen);
             QCOMPARE(streamer->errorString(), reason);
             QVERIFY(!streamer->hasFrameChanged());
             QImage image(3, 2, QImage::Format_RGB32);
@@ -56,7 +56,7 @@ private slots:
         }
     }
 
-    void refusesWhatCannotBeCaptured()
+    void refusesInvalidRectangles()
     {
         const XServer server;
         const EnvironmentChange change("DISPLAY", server.display());
@@ -66,25 +66,25 @@ private slots:
                  "The screen cannot be captured: the rectangle (10 x 32768) is larger than any screen.");
     }
 
-    void worksOnPoorerServers_data()
+    void worksWithoutExtensions_data()
     {
-        const TestTable<QStringList, bool> row("arguments", "knowsWhatChanged");
+        const TestTable<QStringList, bool> row("arguments", "detectsChanges");
         const QStringList usual{"-screen", "0", "800x600x24"};
         row("usual", usual, true);
         row("without shared memory", usual + QStringList{"-extension", "MIT-SHM"}, true);
         row("without damage", usual + QStringList{"-extension", "DAMAGE"}, false);
     }
 
-    void worksOnPoorerServers()
+    void worksWithoutExtensions()
     {
         QFETCH(QStringList, arguments);
-        QFETCH(bool, knowsWhatChanged);
+        QFETCH(bool, detectsChanges);
         const XServer server(arguments);
         const EnvironmentChange change("DISPLAY", server.display());
         X11Painter painter;
         QVERIFY(painter.isConnected());
         QCOMPARE(KelScreenManager::instance()->errorString(), QString());
-        const auto streamer = streamerFor(wholeScreen);
+        const auto streamer = streamerFor(kWholeScreen);
         QImage image;
         for (int i = 0; i < 5; ++i) {
             painter.fill(painter.root(), {i * 30, i * 20, 100, 50}, 0xff000000u | quint32(i) * 0x102030);
@@ -92,19 +92,19 @@ private slots:
             painter.sync();
             QVERIFY(streamer->hasFrameChanged());
             QVERIFY(streamer->captureTo(image));
-            QCOMPARE(image, painter.grab(wholeScreen));
+            QCOMPARE(image, painter.grab(kWholeScreen));
         }
-        QCOMPARE(streamer->hasFrameChanged(), !knowsWhatChanged);
+        QCOMPARE(streamer->hasFrameChanged(), !detectsChanges);
     }
 
-    void convertsOtherPixels()
+    void convertsPixelFormats()
     {
         for (const auto &[screen, tolerance] : {std::pair("800x600x15", 8), {"800x600x16", 8}, {"800x600x30", 1}}) {
             const XServer server({"-screen", "0", screen});
             const EnvironmentChange change("DISPLAY", server.display());
             X11Painter painter;
             QVERIFY(painter.isConnected());
-            const QRect rect(31, 20, 201, 100); // an odd width, for the padding of lines
+            const QRect rect(31, 20, 201, 100); // an odd width, so that lines are padded
             const auto streamer = streamerFor(rect);
             QImage image;
             QVERIFY(streamer->captureTo(image));
@@ -120,26 +120,26 @@ private slots:
         }
     }
 
-    void namesPixelsThatItCannotRead()
+    void reportsUnsupportedPixelFormat()
     {
         const XServer server({"-screen", "0", "800x600x8"});
         const EnvironmentChange change("DISPLAY", server.display());
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("depth 8"));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("depth 8"));
         QVERIFY(KelScreenManager::instance()->errorString().contains("depth 8"));
-        const auto streamer = streamerFor(wholeScreen);
+        const auto streamer = streamerFor(kWholeScreen);
         QVERIFY(streamer->errorString().contains("depth 8"));
         QVERIFY(!streamer->hasFrameChanged());
         QImage image;
         QVERIFY(!streamer->captureTo(image));
     }
 
-    void followsAScreenThatIsResized()
+    void followsResizedScreen()
     {
         const XServer server;
         const EnvironmentChange change("DISPLAY", server.display());
         X11Painter painter;
-        painter.fill(painter.root(), wholeScreen, 0xff008800);
+        painter.fill(painter.root(), kWholeScreen, 0xff008800);
         painter.sync();
         const QRect rect(100, 100, 700, 500);
         const auto streamer = streamerFor(rect);
@@ -150,7 +150,7 @@ private slots:
         QCOMPARE(QProcess::execute("xrandr", {"--output", "screen", "--off", "--fb", "640x480"}), 0);
         painter.sync();
         QVERIFY(streamer->hasFrameChanged());
-        painter.fill(painter.root(), wholeScreen, 0xff000088);
+        painter.fill(painter.root(), kWholeScreen, 0xff000088);
         painter.sync();
         QVERIFY(streamer->captureTo(image));
         QCOMPARE(image.size(), rect.size());
@@ -159,7 +159,7 @@ private slots:
         QCOMPARE(image.pixel(539, 380), 0xff000000);
 
         QCOMPARE(QProcess::execute("xrandr", {"--fb", "800x600"}), 0);
-        painter.fill(painter.root(), wholeScreen, 0xff880000);
+        painter.fill(painter.root(), kWholeScreen, 0xff880000);
         painter.sync();
         QVERIFY(streamer->hasFrameChanged());
         QVERIFY(streamer->captureTo(image));
@@ -167,11 +167,11 @@ private slots:
         QCOMPARE(image.pixel(699, 499), 0xff880000);
     }
 
-    void capturesWhileTheScreenIsBeingResized()
+    void capturesDuringResize()
     {
         const XServer server;
         const EnvironmentChange change("DISPLAY", server.display());
-        const auto streamer = streamerFor(wholeScreen);
+        const auto streamer = streamerFor(kWholeScreen);
         std::atomic_bool done{false};
         std::thread resizer([&done] {
             for (int i = 0; i < 20; ++i)
@@ -182,25 +182,25 @@ private slots:
         QImage image;
         while (!done) {
             image = {};
-            captured = captured && streamer->captureTo(image) && image.size() == wholeScreen.size();
+            captured = captured && streamer->captureTo(image) && image.size() == kWholeScreen.size();
         }
         resizer.join();
         QVERIFY2(captured, qPrintable(streamer->errorString()));
     }
 
-    void endsWithItsServer()
+    void failsWhenServerDies()
     {
         XServer server;
         const EnvironmentChange change("DISPLAY", server.display());
-        const auto streamer = streamerFor(wholeScreen);
-        const auto other = streamerFor(wholeScreen);
+        const auto streamer = streamerFor(kWholeScreen);
+        const auto other = streamerFor(kWholeScreen);
         QImage image;
         QVERIFY(streamer->captureTo(image));
         const QImage before = image;
         server.kill();
 
         const QString lost = "The connection to the X server is lost.";
-        QTest::ignoreMessage(QtWarningMsg, qPrintable("[X11ScreenStreamer] " + lost)); // once for each streamer
+        QTest::ignoreMessage(QtWarningMsg, qPrintable("[X11ScreenStreamer] " + lost)); // once per streamer
         QTest::ignoreMessage(QtWarningMsg, qPrintable("[X11ScreenStreamer] " + lost));
         QVERIFY(!streamer->hasFrameChanged());
         QVERIFY(!other->captureTo(image));
@@ -212,33 +212,33 @@ private slots:
         QCOMPARE(image, before);
     }
 
-    void waitsForASilentServerOnlyOnce()
+    void waitsOnceForUnresponsiveServer()
     {
         XServer server;
         const EnvironmentChange change("DISPLAY", server.display());
         X11Painter painter;
-        const auto streamer = streamerFor(wholeScreen);
+        const auto streamer = streamerFor(kWholeScreen);
         QImage image;
         QVERIFY(streamer->captureTo(image));
         painter.fill(painter.root(), {100, 100, 10, 10}, 0xffabcdef);
         painter.sync();
         server.freeze();
 
-        QTest::ignoreMessage(QtWarningMsg, "[X11ScreenStreamer] The X server does not answer.");
+        QTest::ignoreMessage(QtWarningMsg, "[X11ScreenStreamer] The X server does not respond.");
         QVERIFY(!streamer->captureTo(image));
-        for (int tick = 0; tick < 10000; ++tick) { // would take hours if each waited
+        for (int tick = 0; tick < 10000; ++tick) { // would take hours if each call waited
             QVERIFY(!streamer->hasFrameChanged());
             QVERIFY(!streamer->captureTo(image));
         }
-        QCOMPARE(streamer->errorString(), "The X server does not answer.");
+        QCOMPARE(streamer->errorString(), "The X server does not respond.");
 
         server.thaw();
         QTRY_VERIFY(streamer->hasFrameChanged());
         QVERIFY(streamer->captureTo(image));
         QCOMPARE(streamer->errorString(), QString());
-        QCOMPARE(image, painter.grab(wholeScreen));
+        QCOMPARE(image, painter.grab(kWholeScreen));
     }
 };
 
-QTEST_GUILESS_MAIN(tst_screen_server)
+QTEST_GUILESS_MAIN(ScreenServerTest)
 #include "tst_screen_server.moc"

@@ -1,7 +1,7 @@
 #include "screen/KelScreenManager.h"
 #include "screen/KelWindowList.h"
-#include "screen/windows/CursorPicture.h"
-#include "screen/windows/PictureChanges.h"
+#include "screen/windows/CursorImage.h"
+#include "screen/windows/ImageChanges.h"
 #include "screen/windows/SurfaceRotation.h"
 #include "screen/windows/WindowsScreenStreamer.h"
 
@@ -18,23 +18,23 @@ using namespace kel;
 namespace
 {
 
-constexpr QRgb Black = 0xff000000;
-constexpr QRgb White = 0xffffffff;
+constexpr QRgb kBlack = 0xff000000;
+constexpr QRgb kWhite = 0xffffffff;
 
-QImage pictureOf(const QSize &size, QRgb color)
+QImage filledImage(const QSize &size, QRgb color)
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(color);
     return image;
 }
 
-/// Does what a script says, one word an update: "same", "new" (the picture's colour changes), "not now", "never".
+/// Follows a script with one word per update: "same", "new" (the color of the image changes), "not now", "never".
 class ScriptedReader final : public DesktopReader
 {
 public:
     explicit ScriptedReader(const QStringList &script, QRgb color)
         : m_script(script)
-        , m_picture(pictureOf({4, 3}, color))
+        , m_image(filledImage({4, 3}, color))
     {
     }
 
@@ -45,21 +45,21 @@ public:
             return {State::NotNow, {}};
         if (word == "never")
             return {State::Unusable, {}};
-        const QRect changed = m_isFirst ? m_picture.rect() : QRect(1, 1, 2, 1);
+        const QRect changed = m_isFirst ? m_image.rect() : QRect(1, 1, 2, 1);
         const bool isNew = std::exchange(m_isFirst, false) || word == "new";
         if (word == "new")
-            m_picture.fill(m_picture.pixel(0, 0) + 1);
+            m_image.fill(m_image.pixel(0, 0) + 1);
         return {State::Ready, isNew ? QRegion(changed) : QRegion()};
     }
-    const QImage &picture() const override { return m_picture; }
+    const QImage &image() const override { return m_image; }
 
 private:
     QStringList m_script;
-    QImage m_picture;
+    QImage m_image;
     bool m_isFirst = true;
 };
 
-/// A window of one colour in the desktop's corner, shown when this returns.
+/// A window of one color in the corner of the desktop.
 class ColorWindow : public QRasterWindow
 {
 public:
@@ -93,10 +93,10 @@ private slots:
     void findsChanges();
     void streams_data();
     void streams();
-    void keepsForeignPixels();
-    void drawsPointers();
+    void copiesChangesOnly();
+    void convertsPointers();
     void captures();
-    void seesThePointer();
+    void capturesPointer();
 };
 
 void ScreenWindowsTest::rotates_data()
@@ -112,12 +112,12 @@ void ScreenWindowsTest::rotates()
     QImage surface(7, 5, QImage::Format_RGB32);
     for (QRgb i = 0; i < 35; ++i)
         surface.setPixel(int(i) % 7, int(i) / 7, i);
-    const QTransform turn = QTransform().rotate(degrees);
-    const QImage screen = surface.transformed(turn);
+    const QTransform transform = QTransform().rotate(degrees);
+    const QImage screen = surface.transformed(transform);
     const SurfaceRotation rotation(degrees, surface.size());
     for (const QRect &part : {QRect(0, 0, 7, 5), QRect(1, 2, 4, 1), QRect(6, 0, 1, 5), QRect(3, 4, 1, 1)}) {
         const QRect there = rotation.toScreen(part);
-        QCOMPARE(screen.copy(there), surface.copy(part).transformed(turn));
+        QCOMPARE(screen.copy(there), surface.copy(part).transformed(transform));
         QCOMPARE(rotation.toSurface(there), part);
     }
 }
@@ -125,14 +125,14 @@ void ScreenWindowsTest::rotates()
 void ScreenWindowsTest::findsChanges()
 {
     QRandomGenerator random(1);
-    const QImage before = pictureOf({150, 100}, Black);
+    const QImage before = filledImage({150, 100}, kBlack);
     QCOMPARE(changedRegion(before, before.copy()), QRegion());
     for (int round = 0; round < 50; ++round) {
         QImage after = before.copy();
         QRegion drawn;
         for (int count = random.bounded(1, 4); count > 0; --count) {
             const QPoint pixel(random.bounded(150), random.bounded(100));
-            after.setPixel(pixel, White);
+            after.setPixel(pixel, kWhite);
             drawn += QRect(pixel, QSize(1, 1));
         }
         const QRegion changed = changedRegion(before, after);
@@ -146,13 +146,14 @@ void ScreenWindowsTest::streams_data()
 {
     QTest::addColumn<QStringList>("first");
     QTest::addColumn<QStringList>("second");
-    QTest::addColumn<QString>("expected"); // an update a letter: changed, unchanged; the second reader's in capitals
+    QTest::addColumn<QString>(
+        "expected"); // one letter per update: changed, unchanged; upper case for the second reader
     QTest::addColumn<bool>("fails");
 
-    QTest::newRow("a still desktop") << QStringList{"new", "same", "same"} << QStringList() << "c--" << false;
-    QTest::newRow("a moving one") << QStringList{"new", "new", "same", "new"} << QStringList() << "cc-c" << false;
-    QTest::newRow("locked in between") << QStringList{"new", "not now", "not now", "same", "new"} << QStringList()
-                                       << "c---c" << false;
+    QTest::newRow("static desktop") << QStringList{"new", "same", "same"} << QStringList() << "c--" << false;
+    QTest::newRow("changing desktop") << QStringList{"new", "new", "same", "new"} << QStringList() << "cc-c" << false;
+    QTest::newRow("locked for a while") << QStringList{"new", "not now", "not now", "same", "new"} << QStringList()
+                                        << "c---c" << false;
     QTest::newRow("nothing at first") << QStringList{"not now", "same"} << QStringList() << "-c" << false;
     QTest::newRow("refused") << QStringList{"never"} << QStringList{"new", "same", "new"} << "C-C" << false;
     QTest::newRow("lost for good") << QStringList{"new", "same", "never"} << QStringList{"same", "new"} << "c-CC"
@@ -168,10 +169,10 @@ void ScreenWindowsTest::streams()
     QFETCH(bool, fails);
 
     if (fails)
-        QTest::ignoreMessage(QtWarningMsg, "[WindowsScreenStreamer] Windows refuses to hand out the pixels of the "
+        QTest::ignoreMessage(QtWarningMsg, "[WindowsScreenStreamer] Windows refuses access to the pixels of the "
                                            "desktop.");
     WindowsScreenStreamer::Readers readers;
-    readers.push_back(std::make_unique<ScriptedReader>(first, Black));
+    readers.push_back(std::make_unique<ScriptedReader>(first, kBlack));
     readers.push_back(std::make_unique<ScriptedReader>(second, 0xff800000));
     WindowsScreenStreamer streamer(std::move(readers));
     QImage image;
@@ -187,8 +188,8 @@ void ScreenWindowsTest::streams()
     QCOMPARE(streamer.captureTo(image), !fails);
 }
 
-/// Only what changed is copied into the image of the last capture, everything into any other.
-void ScreenWindowsTest::keepsForeignPixels()
+/// Only changes are copied into the image of the last capture, everything into any other image.
+void ScreenWindowsTest::copiesChangesOnly()
 {
     WindowsScreenStreamer::Readers readers;
     readers.push_back(std::make_unique<ScriptedReader>(QStringList{"same", "new", "new", "new"}, 0x00111111));
@@ -199,7 +200,7 @@ void ScreenWindowsTest::keepsForeignPixels()
     QCOMPARE(image.pixel(0, 0), 0xff111111);
     QVERIFY(streamer.captureTo(image));
     QCOMPARE(image.pixel(1, 1), 0xff111112);
-    QCOMPARE(image.pixel(0, 0), 0xff111111); // the reader said that nothing changed there
+    QCOMPARE(image.pixel(0, 0), 0xff111111); // outside of the reported change
     const QImage kept = image;
     image.setPixel(0, 0, 0);
     QVERIFY(streamer.captureTo(image));
@@ -207,33 +208,33 @@ void ScreenWindowsTest::keepsForeignPixels()
     QCOMPARE(kept.pixel(1, 1), 0xff111112);
 }
 
-void ScreenWindowsTest::drawsPointers()
+void ScreenWindowsTest::convertsPointers()
 {
-    // Black and white: all four meanings in a row, each with a neighbour that lets the edge of the last be seen.
+    // Monochrome: the four combinations in a row, and one more pixel for the outline of the inverting one.
     QImage masks(5, 2, QImage::Format_RGB32);
     const bool transparent[] = {false, false, true, true, true};
     const bool white[] = {false, true, false, true, false};
     for (int x = 0; x < 5; ++x) {
-        masks.setPixel(x, 0, transparent[x] ? White : Black);
-        masks.setPixel(x, 1, white[x] ? White : Black);
+        masks.setPixel(x, 0, transparent[x] ? kWhite : kBlack);
+        masks.setPixel(x, 1, white[x] ? kWhite : kBlack);
     }
-    const QImage mono = CursorPicture::fromMasks(masks);
-    const QRgb expected[] = {Black, White, White, Black, White};
+    const QImage mono = CursorImage::fromMasks(masks);
+    const QRgb expected[] = {kBlack, kWhite, kWhite, kBlack, kWhite};
     for (int x = 0; x < 5; ++x)
         QCOMPARE(mono.pixel(x, 0), expected[x]);
 
-    // Colours with opacity, and such that know none and have a mask.
+    // Colors with an alpha channel, and colors with a mask.
     QImage colors(2, 1, QImage::Format_ARGB32);
     colors.setPixel(0, 0, 0x80ff0000);
     colors.setPixel(1, 0, 0x00ffffff);
-    const QImage alpha = CursorPicture::fromColors(colors, pictureOf({2, 1}, White));
+    const QImage alpha = CursorImage::fromColors(colors, filledImage({2, 1}, kWhite));
     QCOMPARE(reinterpret_cast<const QRgb *>(alpha.constBits())[0], qPremultiply(0x80ff0000));
     QCOMPARE(reinterpret_cast<const QRgb *>(alpha.constBits())[1], 0u);
     colors.setPixel(0, 0, 0x0000ff00);
     colors.setPixel(1, 0, 0x00000000);
-    QImage mask = pictureOf({2, 1}, Black);
-    mask.setPixel(1, 0, White);
-    const QImage masked = CursorPicture::fromColors(colors, mask);
+    QImage mask = filledImage({2, 1}, kBlack);
+    mask.setPixel(1, 0, kWhite);
+    const QImage masked = CursorImage::fromColors(colors, mask);
     QCOMPARE(masked.pixel(0, 0), 0xff00ff00);
     QCOMPARE(masked.pixel(1, 0), 0u);
 }
@@ -254,14 +255,14 @@ void ScreenWindowsTest::captures()
     };
     QTRY_VERIFY(shows(Qt::red));
     QCOMPARE(image.size(), QSize(100, 60));
-    QCOMPARE(image.pixel(5, 5), Black); // beside the screen
+    QCOMPARE(image.pixel(5, 5), kBlack); // outside of the screen
     QTRY_VERIFY(!streamer->hasFrameChanged());
     window.paint(Qt::blue);
     QTRY_VERIFY(shows(Qt::blue));
     QTRY_VERIFY(KelWindowList::windowRects().contains(window.geometry()));
 }
 
-void ScreenWindowsTest::seesThePointer()
+void ScreenWindowsTest::capturesPointer()
 {
     ColorWindow window;
     window.setCursor(Qt::ArrowCursor);

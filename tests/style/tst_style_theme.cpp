@@ -16,10 +16,10 @@ private slots:
     void cleanup() { KelStyleTheme::instance()->setMode(KelStyleTheme::Mode::Application); }
     void macros();
     void textIsReadable();
-    void styledWidgetFollowsTheTheme();
-    void followsThePalette();
-    void missingSheetIsTold();
-    void everyGlyphStandsInItsSquare();
+    void styledWidgetFollowsTheme();
+    void followsPalette();
+    void missingSheetIsLogged();
+    void glyphsFitIntoTheirSquares();
 };
 
 void StyleThemeTest::macros()
@@ -30,7 +30,7 @@ void StyleThemeTest::macros()
     };
     QCOMPARE(expanded("a: sca(12)px;"), "a: 12px;");
     QCOMPARE(expanded("sca(6) sca( 10 )", 1.25), "8 13"); // rounded
-    QCOMPARE(expanded("sca(1) sca(0)", 0.4), "1 0");      // a hairline stays
+    QCOMPARE(expanded("sca(1) sca(0)", 0.4), "1 0");      // at least 1 for positive sizes
     QCOMPARE(expanded("margin: sca(-3)px", 2.0), "margin: -6px");
     QCOMPARE(expanded("color:var(ColorMain);"), "color:rgba(51, 136, 255, 255);");
     QCOMPARE(expanded("var(ColorHover)"), "rgba(31, 35, 41, 20)");
@@ -40,7 +40,7 @@ void StyleThemeTest::macros()
 
 void StyleThemeTest::textIsReadable()
 {
-    // Contrast as the accessibility guidelines count it.
+    // The contrast ratio of the accessibility guidelines.
     const auto luminance = [](const QColor &color) {
         const auto linear = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
         return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
@@ -49,17 +49,17 @@ void StyleThemeTest::textIsReadable()
     for (const auto mode : {KelStyleTheme::Mode::Light, KelStyleTheme::Mode::Dark}) {
         theme->setMode(mode);
         for (const char *const text : {"ColorText", "ColorTextWeak"}) {
-            for (const char *const ground : {"ColorBg1", "ColorBg2", "ColorBg3"}) {
+            for (const char *const background : {"ColorBg1", "ColorBg2", "ColorBg3"}) {
                 const double a = luminance(theme->color(text)) + 0.05;
-                const double b = luminance(theme->color(ground)) + 0.05;
-                QVERIFY2(std::max(a, b) / std::min(a, b) >= 4.5, qPrintable(QString("%1 on %2").arg(text, ground)));
+                const double b = luminance(theme->color(background)) + 0.05;
+                QVERIFY2(std::max(a, b) / std::min(a, b) >= 4.5, qPrintable(QString("%1 on %2").arg(text, background)));
             }
         }
         QCOMPARE(QGuiApplication::palette().color(QPalette::Window), theme->color("ColorBg1"));
     }
 }
 
-void StyleThemeTest::styledWidgetFollowsTheTheme()
+void StyleThemeTest::styledWidgetFollowsTheme()
 {
     KelStyleTheme *const theme = KelStyleTheme::instance();
     theme->setMode(KelStyleTheme::Mode::Light);
@@ -70,20 +70,20 @@ void StyleThemeTest::styledWidgetFollowsTheTheme()
     QLabel label;
     theme->appleStyleTo(&label, {"/no/such/sheet", 1});
     theme->appleStyleTo(&label, {sheet.fileName(), 3});
-    const auto ground = [&label] { return label.grab().toImage().pixelColor(2, 2); };
-    QCOMPARE(ground(), theme->color("ColorBg2"));
+    const auto background = [&label] { return label.grab().toImage().pixelColor(2, 2); };
+    QCOMPARE(background(), theme->color("ColorBg2"));
     QVERIFY(label.minimumSizeHint().width() >= 30);
 
     QSignalSpy changed(theme, &KelStyleTheme::changed);
     theme->setMode(KelStyleTheme::Mode::Dark);
     QCOMPARE(changed.size(), 1);
     QVERIFY(theme->isDark());
-    QCOMPARE(ground(), theme->color("ColorBg2"));
+    QCOMPARE(background(), theme->color("ColorBg2"));
     theme->setMode(KelStyleTheme::Mode::Dark);
     QCOMPARE(changed.size(), 1);
 }
 
-void StyleThemeTest::followsThePalette()
+void StyleThemeTest::followsPalette()
 {
     KelStyleTheme *const theme = KelStyleTheme::instance();
     const QPalette before = QGuiApplication::palette();
@@ -93,25 +93,25 @@ void StyleThemeTest::followsThePalette()
     QVERIFY(!theme->isDark());
     QCOMPARE(QGuiApplication::palette().color(QPalette::Window), before.color(QPalette::Window));
 
-    QApplication::setPalette(QPalette(Qt::darkGray, Qt::black)); // as a desktop does that goes dark
+    QApplication::setPalette(QPalette(Qt::darkGray, Qt::black)); // as when a desktop switches to dark
     QVERIFY(theme->isDark());
     QApplication::setPalette(before);
     QVERIFY(!theme->isDark());
 }
 
-void StyleThemeTest::missingSheetIsTold()
+void StyleThemeTest::missingSheetIsLogged()
 {
     QLabel label;
     label.setStyleSheet("QLabel { color: red }");
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^\\[KelStyleTheme\\] No style sheet :/no/such"));
     KelStyleTheme::instance()->appleStyleTo(&label, {":/no/such"});
     QCOMPARE(label.styleSheet(), QString("QLabel { color: red }"));
-    QTest::ignoreMessage(QtWarningMsg, "[KelStyleTheme] No colour is named ColorNobody");
+    QTest::ignoreMessage(QtWarningMsg, "[KelStyleTheme] No color is named ColorNobody");
     QVERIFY(!KelStyleTheme::instance()->color("ColorNobody").isValid());
 }
 
-// A missing glyph would come from another font, and a glyph out of its square would be clipped by its button.
-void StyleThemeTest::everyGlyphStandsInItsSquare()
+// A missing glyph would be taken from another font, and a glyph outside of its square would be clipped by its button.
+void StyleThemeTest::glyphsFitIntoTheirSquares()
 {
     using KelDockIcon::Glyph;
     const QFontMetricsF metrics(KelDockIcon::font(240));

@@ -11,15 +11,15 @@
 namespace
 {
 
-const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString kGroup = QStringLiteral("org.freedesktop.appearance");
-const QString kKey = QStringLiteral("color-scheme");
+const QString kPath = "/org/freedesktop/portal/desktop";
+const QString kGroup = "org.freedesktop.appearance";
+const QString kKey = "color-scheme";
 
 enum Scheme : uint { NoPreference, PreferDark, PreferLight };
 
 } // namespace
 
-/// The part of a desktop's portal that is asked for the colour scheme.
+/// The settings interface of a desktop portal with a color scheme.
 class FakePortal : public QObject
 {
     Q_OBJECT
@@ -53,8 +53,8 @@ class SystemThemeTest : public QObject
 private slots:
     void initTestCase();
     void cleanupTestCase();
-    void followsThePortal();
-    void withoutAPortal();
+    void followsPortal();
+    void withoutPortal();
 
 private:
     static bool isPaletteDark() { return QGuiApplication::palette().color(QPalette::Window).lightness() < 128; }
@@ -76,7 +76,7 @@ void SystemThemeTest::cleanupTestCase()
     m_bus.waitForFinished();
 }
 
-void SystemThemeTest::followsThePortal()
+void SystemThemeTest::followsPortal()
 {
     FakePortal portal;
     QDBusConnection desktop = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "portal");
@@ -108,7 +108,7 @@ void SystemThemeTest::followsThePortal()
     desktop.unregisterService("org.freedesktop.portal.Desktop");
 }
 
-void SystemThemeTest::withoutAPortal()
+void SystemThemeTest::withoutPortal()
 {
     KelStyleTheme *const theme = KelStyleTheme::instance();
     theme->setMode(KelStyleTheme::Mode::System);

@@ -23,9 +23,9 @@ private slots:
     void opensAndCloses_data();
     void opensAndCloses();
     void disabledPanelStaysClosed();
-    void staysOnTheScreen_data();
-    void staysOnTheScreen();
-    void newPanelReplacesTheOld();
+    void staysOnScreen_data();
+    void staysOnScreen();
+    void newPanelReplacesOldOne();
 
 private:
     std::unique_ptr<QWidget> m_window;
@@ -62,7 +62,7 @@ void FloatPanelTest::opensAndCloses_data()
     const Action outside = [](FloatPanelTest *t) {
         QTest::mouseClick(t->m_panel, Qt::LeftButton, {}, QPoint(-150, -40));
     };
-    // As the window system delivers it: to the open panel, whatever lies below.
+    // The window system delivers clicks to the open popup, whatever is below it.
     const Action label = [](FloatPanelTest *t) {
         QTest::mouseClick(t->m_panel->windowHandle(), Qt::LeftButton, {},
                           t->m_panel->mapFromGlobal(t->m_label->mapToGlobal(t->m_label->rect().center())));
@@ -107,7 +107,7 @@ void FloatPanelTest::disabledPanelStaysClosed()
     QVERIFY(m_panel->isVisible());
 }
 
-void FloatPanelTest::staysOnTheScreen_data()
+void FloatPanelTest::staysOnScreen_data()
 {
     const TestTable<Qt::Alignment> row("corner");
     row("top left", Qt::Alignment(Qt::AlignTop | Qt::AlignLeft));
@@ -116,7 +116,7 @@ void FloatPanelTest::staysOnTheScreen_data()
     row("bottom right", Qt::Alignment(Qt::AlignBottom | Qt::AlignRight));
 }
 
-void FloatPanelTest::staysOnTheScreen()
+void FloatPanelTest::staysOnScreen()
 {
     QFETCH(Qt::Alignment, corner);
     const QRect screen = m_window->screen()->availableGeometry();
@@ -130,7 +130,7 @@ void FloatPanelTest::staysOnTheScreen()
     QCOMPARE(m_panel->size(), m_panel->sizeHint());
 }
 
-void FloatPanelTest::newPanelReplacesTheOld()
+void FloatPanelTest::newPanelReplacesOldOne()
 {
     const QPointer<FloatPanel> old = m_panel;
     auto *const panel = new FloatPanel;

@@ -13,19 +13,19 @@ class SettingWidgetsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void sliderGoesWhereItIsPressed_data();
-    void sliderGoesWhereItIsPressed();
+    void sliderMovesToPressedPosition_data();
+    void sliderMovesToPressedPosition();
     void sliderDrags();
     void switchShowsItsState();
-    void choiceScrollsWithTheFocusOnly();
-    void colorIsTriedAndTaken_data();
-    void colorIsTriedAndTaken();
+    void choiceScrollsOnlyWithFocus();
+    void colorDialog_data();
+    void colorDialog();
 };
 
-void SettingWidgetsTest::sliderGoesWhereItIsPressed_data()
+void SettingWidgetsTest::sliderMovesToPressedPosition_data()
 {
     const TestTable<Qt::LayoutDirection, int, int> row("direction", "x", "value");
-    // 200 pixels wide, 9 of them margin on either side.
+    // 200 pixels wide, with a margin of 9 pixels on either side.
     row("before the start", Qt::LeftToRight, 1, 50);
     row("middle", Qt::LeftToRight, 100, 100);
     row("quarter", Qt::LeftToRight, 55, 75);
@@ -33,7 +33,7 @@ void SettingWidgetsTest::sliderGoesWhereItIsPressed_data()
     row("mirrored", Qt::RightToLeft, 55, 125);
 }
 
-void SettingWidgetsTest::sliderGoesWhereItIsPressed()
+void SettingWidgetsTest::sliderMovesToPressedPosition()
 {
     QFETCH(Qt::LayoutDirection, direction);
     QFETCH(int, x);
@@ -83,7 +83,7 @@ void SettingWidgetsTest::switchShowsItsState()
     QVERIFY(!toggle.isChecked());
 }
 
-void SettingWidgetsTest::choiceScrollsWithTheFocusOnly()
+void SettingWidgetsTest::choiceScrollsOnlyWithFocus()
 {
     QWidget window;
     ChoiceBox box(&window);
@@ -105,16 +105,16 @@ void SettingWidgetsTest::choiceScrollsWithTheFocusOnly()
     QCOMPARE(box.currentIndex(), 1);
 }
 
-void SettingWidgetsTest::colorIsTriedAndTaken_data()
+void SettingWidgetsTest::colorDialog_data()
 {
-    const TestTable<bool> row("isTaken");
-    row("taken", true);
-    row("given up", false);
+    const TestTable<bool> row("isAccepted");
+    row("accepted", true);
+    row("canceled", false);
 }
 
-void SettingWidgetsTest::colorIsTriedAndTaken()
+void SettingWidgetsTest::colorDialog()
 {
-    QFETCH(bool, isTaken);
+    QFETCH(bool, isAccepted);
     const QColor before(10, 20, 30, 40);
     const QColor tried(200, 100, 50, 128);
     ColorSelectButton button;
@@ -127,8 +127,8 @@ void SettingWidgetsTest::colorIsTriedAndTaken()
     QCOMPARE(dialog->currentColor(), before);
     dialog->setCurrentColor(tried);
     QCOMPARE(button.color(), tried);
-    isTaken ? dialog->accept() : dialog->reject();
-    QCOMPARE(button.color(), isTaken ? tried : before);
+    isAccepted ? dialog->accept() : dialog->reject();
+    QCOMPARE(button.color(), isAccepted ? tried : before);
     QVERIFY(!changed.isEmpty());
     QCOMPARE(changed.last().first().value<QColor>(), button.color());
 }

@@ -12,7 +12,7 @@ namespace kel
 namespace
 {
 
-/// The plain C locale knows nothing above ASCII and would turn the name of a file into question marks.
+/// The plain C locale is limited to ASCII and would turn other characters of file names into question marks.
 void useUtf8InPlainLocale()
 {
     std::setlocale(LC_ALL, "");

@@ -17,21 +17,21 @@ namespace kel
 namespace
 {
 
-constexpr std::array StopSignals{SIGINT, SIGTERM, SIGHUP};
-// Their causes are reported as failed writes, which can be answered better than by dying.
-constexpr std::array IgnoredSignals{SIGPIPE, SIGXFSZ};
+constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP};
+// Both are also reported as failed writes, which are handled as errors instead of ending the process.
+constexpr std::array kIgnoredSignals{SIGPIPE, SIGXFSZ};
 
-// All that a signal handler may touch.
+// The only state that the signal handler uses.
 std::atomic<bool> g_raised{false};
 std::array<int, 2> g_pipe{-1, -1};
-std::array<struct sigaction, StopSignals.size()> g_previous;
-std::array<struct sigaction, IgnoredSignals.size()> g_previousIgnored;
+std::array<struct sigaction, kStopSignals.size()> g_previous;
+std::array<struct sigaction, kIgnoredSignals.size()> g_previousIgnored;
 
 extern "C" void handleStopSignal(int)
 {
     const int savedErrno = errno;
     if (!g_raised.exchange(true)) {
-        // A full pipe is impossible with one byte; a failed one leaves the flag.
+        // A single byte never fills the pipe; if the write fails, the flag is still set.
         [[maybe_unused]] const ssize_t written = write(g_pipe[1], "", 1);
     }
     errno = savedErrno;
@@ -55,22 +55,22 @@ StopSignal::StopSignal()
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
     action.sa_handler = handleStopSignal;
-    for (std::size_t i = 0; i < StopSignals.size(); ++i) {
-        sigaction(StopSignals[i], nullptr, &g_previous[i]);
+    for (std::size_t i = 0; i < kStopSignals.size(); ++i) {
+        sigaction(kStopSignals[i], nullptr, &g_previous[i]);
         if (g_previous[i].sa_handler != SIG_IGN)
-            sigaction(StopSignals[i], &action, nullptr);
+            sigaction(kStopSignals[i], &action, nullptr);
     }
     action.sa_handler = SIG_IGN;
-    for (std::size_t i = 0; i < IgnoredSignals.size(); ++i)
-        sigaction(IgnoredSignals[i], &action, &g_previousIgnored[i]);
+    for (std::size_t i = 0; i < kIgnoredSignals.size(); ++i)
+        sigaction(kIgnoredSignals[i], &action, &g_previousIgnored[i]);
 }
 
 StopSignal::~StopSignal()
 {
-    for (std::size_t i = 0; i < StopSignals.size(); ++i)
-        sigaction(StopSignals[i], &g_previous[i], nullptr);
-    for (std::size_t i = 0; i < IgnoredSignals.size(); ++i)
-        sigaction(IgnoredSignals[i], &g_previousIgnored[i], nullptr);
+    for (std::size_t i = 0; i < kStopSignals.size(); ++i)
+        sigaction(kStopSignals[i], &g_previous[i], nullptr);
+    for (std::size_t i = 0; i < kIgnoredSignals.size(); ++i)
+        sigaction(kIgnoredSignals[i], &g_previousIgnored[i], nullptr);
     m_notifier.reset();
     for (int &descriptor : g_pipe) {
         if (descriptor >= 0)

@@ -7,7 +7,7 @@
 namespace kel
 {
 
-// argv is in the system's code page, which has room for few characters: the command line itself is read again.
+// argv is in the system's code page, which lacks most characters: the Unicode command line is parsed instead.
 QStringList programArguments(int, char **)
 {
     QStringList arguments;

@@ -12,21 +12,21 @@ namespace kel
 namespace
 {
 
-// Windows ends the process after five seconds, whatever a handler does.
-constexpr DWORD closeLimitMs = 10'000;
+// Longer than the five seconds after which Windows ends the process in any case.
+constexpr DWORD kCloseTimeoutMs = 10'000;
 
-// All that the handler, which runs on a thread of the system's, touches.
+// The only state that the handler uses. It runs on a thread of the system.
 std::atomic<bool> g_raised{false};
-HANDLE g_stop = nullptr;     // set once it is raised
-HANDLE g_finished = nullptr; // set once what was begun is finished
+HANDLE g_stop = nullptr;     // set when a request arrives
+HANDLE g_finished = nullptr; // set when the StopSignal is destroyed, its work completed
 
 BOOL WINAPI handleConsoleEvent(DWORD event)
 {
     g_raised = true;
     SetEvent(g_stop);
-    // A closed console and the end of a session end the process as soon as the handler returns.
+    // When the console is closed or the session ends, Windows ends the process as soon as the handler returns.
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT)
-        WaitForSingleObject(g_finished, closeLimitMs);
+        WaitForSingleObject(g_finished, kCloseTimeoutMs);
     return TRUE;
 }
 
@@ -35,7 +35,7 @@ BOOL WINAPI handleConsoleEvent(DWORD event)
 StopSignal::StopSignal()
 {
     g_raised = false;
-    // They are never closed: a handler may be waiting for them to the end.
+    // Never closed: a handler may still wait for them while the process ends.
     if (!g_stop) {
         g_stop = CreateEventW(nullptr, TRUE, FALSE, nullptr);
         g_finished = CreateEventW(nullptr, TRUE, FALSE, nullptr);

@@ -18,7 +18,7 @@ HANDLE consoleOf(std::FILE *stream)
     return GetConsoleMode(handle, &mode) ? handle : nullptr;
 }
 
-/// A line can be drawn again: the console understands the sequences for it, which it has to be asked for.
+/// Overwriting a line needs escape sequences, which the console supports only on request.
 bool enableSequences(HANDLE console)
 {
     DWORD mode = 0;
@@ -27,7 +27,7 @@ bool enableSequences(HANDLE console)
 
 } // namespace
 
-// A console is given characters as they are. Files and pipes get UTF-8, which holds them all.
+// A console takes UTF-16 as it is. Files and pipes get UTF-8.
 void Terminal::write(std::FILE *stream, const QString &text)
 {
     if (HANDLE console = consoleOf(stream)) {
@@ -64,7 +64,7 @@ const char *Terminal::desktopPlatform()
     return "windows";
 }
 
-// The one that is named so, "offscreen", knows no fonts here, and texts in pictures would be missing.
+// The "offscreen" plugin has no fonts on Windows, so texts in images would be missing.
 const char *Terminal::windowlessPlatform()
 {
     return "windows";

@@ -10,7 +10,7 @@ namespace kel
 
 namespace
 {
-/// Invalid for what the server cannot deliver.
+/// PA_SAMPLE_INVALID for formats that the server does not support.
 pa_sample_format_t sampleFormat(const WAVEFORMATEX &format)
 {
     bool isFloat = format.wFormatTag == WAVE_FORMAT_IEEE_FLOAT;

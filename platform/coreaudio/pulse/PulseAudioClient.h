@@ -8,26 +8,26 @@
 namespace kel
 {
 
-/// Records in shared mode what an input hears or, with the loopback flag, what an output plays. The server converts:
-/// every format of integers or floats that a WAV file can have is supported, at every rate.
+/// Records in shared mode what an input captures or, with the loopback flag, what an output plays. The server converts:
+/// all integer and float formats of WAV files are supported, at every sample rate.
 class PulseAudioClient : public ComObject<IAudioClient, IID_IAudioClient>
 {
 public:
     PulseAudioClient(std::shared_ptr<PulseConnection> connection, PulseConnection::Source source, EDataFlow flow);
 
-    /// The buffer is as long as the server allows, whatever was asked for.
+    /// The buffer has the maximum size of the server; `bufferDuration` is ignored.
     HRESULT STDMETHODCALLTYPE Initialize(AUDCLNT_SHAREMODE mode, DWORD flags, REFERENCE_TIME bufferDuration,
                                          REFERENCE_TIME periodicity, const WAVEFORMATEX *format,
                                          LPCGUID session) override;
     HRESULT STDMETHODCALLTYPE GetBufferSize(UINT32 *frames) override;
 
-    /// Floats in the device's own rate and channels.
+    /// Float samples at the device's sample rate and channel count.
     HRESULT STDMETHODCALLTYPE GetMixFormat(WAVEFORMATEX **format) override;
     HRESULT STDMETHODCALLTYPE Start() override;
     HRESULT STDMETHODCALLTYPE Stop() override;
     HRESULT STDMETHODCALLTYPE GetService(REFIID interfaceId, void **object) override;
 
-    /// Streams are polled.
+    /// Not supported: callers poll the stream.
     HRESULT STDMETHODCALLTYPE SetEventHandle(HANDLE) override { return AUDCLNT_E_EVENTHANDLE_NOT_EXPECTED; }
 
     HRESULT STDMETHODCALLTYPE GetStreamLatency(REFERENCE_TIME *) override { return E_NOTIMPL; }

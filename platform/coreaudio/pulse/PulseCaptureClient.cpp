@@ -36,7 +36,7 @@ HRESULT PulseCaptureClient::GetBuffer(BYTE **data, UINT32 *frames, DWORD *flags,
 
 HRESULT PulseCaptureClient::ReleaseBuffer(UINT32 frames)
 {
-    if (frames == 0) { // not consumed: it comes again
+    if (frames == 0) { // not consumed: the next GetBuffer returns it again
         m_heldFrames = 0;
         return S_OK;
     }

@@ -7,13 +7,13 @@
 namespace kel
 {
 
-/// Hands out a stream's packets, one at a time.
+/// Provides a stream's packets, one at a time.
 class PulseCaptureClient : public ComObject<IAudioCaptureClient, IID_IAudioCaptureClient>
 {
 public:
     explicit PulseCaptureClient(std::shared_ptr<PulseRecordStream> stream);
 
-    /// AUDCLNT_E_DEVICE_INVALIDATED once the device or the server is gone.
+    /// Returns AUDCLNT_E_DEVICE_INVALIDATED once the device or the server is gone.
     HRESULT STDMETHODCALLTYPE GetBuffer(BYTE **data, UINT32 *frames, DWORD *flags, UINT64 *devicePosition,
                                         UINT64 *counterPosition) override;
     HRESULT STDMETHODCALLTYPE ReleaseBuffer(UINT32 frames) override;
@@ -21,7 +21,7 @@ public:
 
 private:
     const std::shared_ptr<PulseRecordStream> m_stream;
-    UINT32 m_heldFrames = 0; // of the packet that was handed out
+    UINT32 m_heldFrames = 0; // size of the packet between GetBuffer and ReleaseBuffer
 };
 
 } // namespace kel

@@ -5,32 +5,32 @@ namespace kel
 
 namespace
 {
-constexpr pa_usec_t AnswerLimitUs = 3 * PA_USEC_PER_SEC;
+constexpr pa_usec_t kReplyTimeoutUs = 3 * PA_USEC_PER_SEC;
 
 std::string text(const char *given)
 {
     return given ? given : std::string();
 }
 
-struct SourceAnswer {
+struct SourceReply {
     std::optional<PulseConnection::Source> source;
     std::string monitorOf;
 };
 
-void takeSource(pa_context *, const pa_source_info *info, int, void *answer)
+void onSourceInfo(pa_context *, const pa_source_info *info, int, void *reply)
 {
     if (!info)
         return;
-    auto &taken = *static_cast<SourceAnswer *>(answer);
+    auto &taken = *static_cast<SourceReply *>(reply);
     taken.source = {text(info->name), info->sample_spec, info->channel_map};
     taken.monitorOf = text(info->monitor_of_sink_name);
 }
 
-void takeMonitor(pa_context *, const pa_sink_info *info, int, void *answer)
+void onSinkInfo(pa_context *, const pa_sink_info *info, int, void *reply)
 {
     if (info && info->monitor_source_name)
-        *static_cast<std::optional<PulseConnection::Source> *>(answer) = {info->monitor_source_name, info->sample_spec,
-                                                                          info->channel_map};
+        *static_cast<std::optional<PulseConnection::Source> *>(reply) = {info->monitor_source_name, info->sample_spec,
+                                                                         info->channel_map};
 }
 } // namespace
 
@@ -84,7 +84,7 @@ bool PulseConnection::wait(const std::function<bool()> &isDone) const
         bool isReached = false;
     } limit{this};
     pa_time_event *timer = pa_context_rttime_new(
-        m_context, pa_rtclock_now() + AnswerLimitUs,
+        m_context, pa_rtclock_now() + kReplyTimeoutUs,
         [](pa_mainloop_api *, pa_time_event *, const timeval *, void *data) {
             auto &reached = *static_cast<Limit *>(data);
             reached.isReached = true;
@@ -99,7 +99,7 @@ bool PulseConnection::wait(const std::function<bool()> &isDone) const
     return isDone();
 }
 
-/// Waits for the last answer of `operation`, which is none when it is null.
+/// Waits for the operation's last reply. False for a null `operation`, which means that it could not be sent.
 bool PulseConnection::finish(pa_operation *operation) const
 {
     if (!operation)
@@ -110,7 +110,7 @@ bool PulseConnection::finish(pa_operation *operation) const
     const bool isDone = wait([operation] { return pa_operation_get_state(operation) != PA_OPERATION_RUNNING; });
     pa_operation_set_state_callback(operation, nullptr, nullptr);
     if (!isDone)
-        pa_operation_cancel(operation); // its answer would go to a caller who has left
+        pa_operation_cancel(operation); // a late reply would write to variables that no longer exist
     pa_operation_unref(operation);
     return isDone;
 }
@@ -120,9 +120,9 @@ PulseConnection::Defaults PulseConnection::defaults() const
     Defaults defaults;
     finish(pa_context_get_server_info(
         m_context,
-        [](pa_context *, const pa_server_info *info, void *answer) {
+        [](pa_context *, const pa_server_info *info, void *reply) {
             if (info)
-                *static_cast<Defaults *>(answer) = {text(info->default_sink_name), text(info->default_source_name)};
+                *static_cast<Defaults *>(reply) = {text(info->default_sink_name), text(info->default_source_name)};
         },
         &defaults));
     return defaults;
@@ -134,7 +134,7 @@ std::optional<PulseConnection::Source> PulseConnection::defaultMonitor() const
     std::optional<Source> monitor;
     const std::string sink = defaults().sink;
     if (!sink.empty())
-        finish(pa_context_get_sink_info_by_name(m_context, sink.c_str(), takeMonitor, &monitor));
+        finish(pa_context_get_sink_info_by_name(m_context, sink.c_str(), onSinkInfo, &monitor));
     return monitor;
 }
 
@@ -142,12 +142,12 @@ std::optional<PulseConnection::Source> PulseConnection::defaultMicrophone() cons
 {
     const Lock lock(*this);
     const Defaults names = defaults();
-    SourceAnswer answer;
+    SourceReply reply;
     if (!names.source.empty())
-        finish(pa_context_get_source_info_by_name(m_context, names.source.c_str(), takeSource, &answer));
-    if (!answer.monitorOf.empty() && answer.monitorOf == names.sink)
+        finish(pa_context_get_source_info_by_name(m_context, names.source.c_str(), onSourceInfo, &reply));
+    if (!reply.monitorOf.empty() && reply.monitorOf == names.sink)
         return std::nullopt;
-    return answer.source;
+    return reply.source;
 }
 
 } // namespace kel

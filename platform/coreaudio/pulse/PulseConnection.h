@@ -11,11 +11,11 @@
 namespace kel
 {
 
-/// A connection to the sound server with a thread of its own, on which all callbacks run. Any thread.
+/// A connection to the sound server with its own thread, on which all callbacks run. Any thread.
 class PulseConnection
 {
 public:
-    /// Holds the connection's lock: whoever calls the server's library does so under it.
+    /// Holds the connection's lock, which every call of the server's client library requires.
     class Lock
     {
     public:
@@ -32,32 +32,32 @@ public:
         pa_threaded_mainloop *const m_loop;
     };
 
-    /// Where sound can be recorded.
+    /// A source that can be recorded.
     struct Source {
         std::string name;
         pa_sample_spec format;
         pa_channel_map channels;
     };
 
-    /// Null when no server answers within seconds.
+    /// Null when no server responds within a few seconds.
     static std::shared_ptr<PulseConnection> open();
 
     ~PulseConnection();
     PulseConnection(const PulseConnection &) = delete;
     PulseConnection &operator=(const PulseConnection &) = delete;
 
-    /// What the default output plays. It is named by way of the output: the server's own alias for it means, on some
-    /// servers, something else.
+    /// The monitor of the default output. It is looked up by the name of the output, because the server's alias for it
+    /// means something else on some servers.
     std::optional<Source> defaultMonitor() const;
 
-    /// The default input; none when that only hears the default output, which is what the server falls back to on a
+    /// The default input. None when it is the monitor of the default output, which is the fallback of the server on a
     /// machine without a microphone.
     std::optional<Source> defaultMicrophone() const;
 
     pa_context *context() const { return m_context; }
 
-    /// Lets callbacks run until `isDone`, which they make true and tell by signal(). Under a Lock; false when it took
-    /// too long or the connection broke.
+    /// Runs callbacks until `isDone` returns true; callbacks that change its result call signal(). Requires a Lock.
+    /// False after a timeout or when the connection is lost.
     bool wait(const std::function<bool()> &isDone) const;
     void signal() const { pa_threaded_mainloop_signal(m_loop, 0); }
 

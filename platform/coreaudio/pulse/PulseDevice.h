@@ -7,11 +7,11 @@
 namespace kel
 {
 
-/// An output, or an input, of the sound server.
+/// An output or an input of the sound server.
 class PulseDevice : public ComObject<IMMDevice, IID_IMMDevice>
 {
 public:
-    /// `source` is where the device's sound is recorded: for an output, its monitor.
+    /// `source` is the source to record: the monitor of an output, or the input itself.
     PulseDevice(std::shared_ptr<PulseConnection> connection, PulseConnection::Source source, EDataFlow flow);
 
     HRESULT STDMETHODCALLTYPE Activate(REFIID interfaceId, DWORD context, PROPVARIANT *parameters,

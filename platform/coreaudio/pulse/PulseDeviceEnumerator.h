@@ -7,16 +7,16 @@
 namespace kel
 {
 
-/// The default devices of the sound server. The server offers no roles: every role has the same device.
+/// The default devices of the sound server. The server has no roles: every role has the same device.
 class PulseDeviceEnumerator : public ComObject<IMMDeviceEnumerator, IID_IMMDeviceEnumerator>
 {
 public:
-    /// AUDCLNT_E_SERVICE_NOT_RUNNING when no sound server answers.
+    /// Returns AUDCLNT_E_SERVICE_NOT_RUNNING when no sound server responds.
     static HRESULT create(REFIID interfaceId, void **object);
 
     HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow flow, ERole role, IMMDevice **device) override;
 
-    // Only default devices are offered.
+    // Only the default devices are available.
     HRESULT STDMETHODCALLTYPE EnumAudioEndpoints(EDataFlow, DWORD, IMMDeviceCollection **) override
     {
         return E_NOTIMPL;

@@ -9,12 +9,12 @@ namespace kel
 
 namespace
 {
-// Often enough that a silence of a tenth of a second is noticed as one, seldom enough to cost next to nothing.
-constexpr pa_usec_t PacketUs = 40 * PA_USEC_PER_MSEC;
+// Short enough to detect a silence of a tenth of a second, long enough to keep the CPU load low.
+constexpr pa_usec_t kPacketUs = 40 * PA_USEC_PER_MSEC;
 
-/// A device's clock may be slower than ours by so much of the time.
-constexpr double ClockTolerance = 0.0003;
-constexpr double BreakUs = PA_USEC_PER_SEC;
+/// How much slower than the system clock a device's clock may run.
+constexpr double kClockTolerance = 0.0003;
+constexpr double kGapUs = PA_USEC_PER_SEC;
 } // namespace
 
 std::shared_ptr<PulseRecordStream> PulseRecordStream::open(std::shared_ptr<PulseConnection> connection,
@@ -59,10 +59,10 @@ bool PulseRecordStream::connect(const PulseConnection::Source &source)
         m_stream, [](pa_stream *, void *stream) { static_cast<PulseRecordStream *>(stream)->m_firstFrameUs = 0; },
         this);
     pa_buffer_attr buffer;
-    buffer.maxlength = std::uint32_t(-1); // as much as the server allows: a slow disk shall not cost sound
+    buffer.maxlength = std::uint32_t(-1); // the maximum of the server, so that a slow disk loses no sound
     buffer.tlength = buffer.prebuf = buffer.minreq = std::uint32_t(-1);
-    buffer.fragsize = std::uint32_t(pa_usec_to_bytes(PacketUs, &m_format));
-    // A stream that may be moved would go on with the microphone when the output vanishes.
+    buffer.fragsize = std::uint32_t(pa_usec_to_bytes(kPacketUs, &m_format));
+    // Without DONT_MOVE the server would continue with the microphone when the output vanishes.
     const auto flags = pa_stream_flags_t(PA_STREAM_START_CORKED | PA_STREAM_DONT_MOVE | PA_STREAM_ADJUST_LATENCY);
     if (pa_stream_connect_record(m_stream, source.name.c_str(), &buffer, flags) < 0)
         return false;
@@ -76,7 +76,7 @@ bool PulseRecordStream::isAlive() const
     return pa_stream_get_state(m_stream) == PA_STREAM_READY;
 }
 
-/// The request is on its way when this returns; the server answers a stream that died in the meantime by its state.
+/// Does not wait for the reply: if the stream has died in the meantime, its state shows it.
 bool PulseRecordStream::setCorked(bool isCorked)
 {
     const PulseConnection::Lock lock(*m_connection);
@@ -109,32 +109,32 @@ PulseRecordStream::Packet PulseRecordStream::peek()
         data = m_silence.data();
     }
     packet.data = static_cast<const std::uint8_t *>(data);
-    packet.firstFrame = m_framesTaken;
+    packet.firstFrame = m_framesRead;
     packet.recordedAtNs100 = recordedAtUs() * 10;
     return packet;
 }
 
-/// All that waits to be taken was recorded up to now, or earlier where it came late. The device itself records
-/// steadily, so the packets that came soonest tell the time of all others.
+/// The data in the buffer was recorded up to now, or earlier when its delivery was delayed. The device records at a
+/// constant rate, so the packets with the shortest delay determine the time of all others.
 std::uint64_t PulseRecordStream::recordedAtUs()
 {
     const double now = double(pa_rtclock_now());
     const double waiting = double(pa_bytes_to_usec(pa_stream_readable_size(m_stream), &m_format));
-    const double taken = double(m_framesTaken) * PA_USEC_PER_SEC / m_format.rate;
-    const double latest = now - waiting - taken;
-    const double drift = double(PacketUs) * ClockTolerance;
-    if (m_firstFrameUs == 0 || std::abs(latest - m_firstFrameUs) > BreakUs)
+    const double read = double(m_framesRead) * PA_USEC_PER_SEC / m_format.rate;
+    const double latest = now - waiting - read;
+    const double drift = double(kPacketUs) * kClockTolerance;
+    if (m_firstFrameUs == 0 || std::abs(latest - m_firstFrameUs) > kGapUs)
         m_firstFrameUs = latest;
     else
         m_firstFrameUs = std::min(m_firstFrameUs + drift, latest);
-    return std::uint64_t(m_firstFrameUs + taken);
+    return std::uint64_t(m_firstFrameUs + read);
 }
 
 void PulseRecordStream::drop(std::uint32_t frames)
 {
     const PulseConnection::Lock lock(*m_connection);
     pa_stream_drop(m_stream);
-    m_framesTaken += frames;
+    m_framesRead += frames;
 }
 
 } // namespace kel

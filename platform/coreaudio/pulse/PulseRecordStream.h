@@ -9,12 +9,12 @@
 namespace kel
 {
 
-/// A stream of one source's sound, stopped at first. It never moves to another source: when its own goes away, it dies.
-/// One thread uses it.
+/// A record stream of one source, initially stopped. It never moves to another source: it ends when its own vanishes.
+/// Used by one thread at a time.
 class PulseRecordStream
 {
 public:
-    /// Null when the server does not provide such a stream.
+    /// Null when the server cannot provide such a stream.
     static std::shared_ptr<PulseRecordStream> open(std::shared_ptr<PulseConnection> connection,
                                                    const PulseConnection::Source &source, const pa_sample_spec &format);
 
@@ -26,20 +26,18 @@ public:
     bool start() { return setCorked(false); }
     bool stop() { return setCorked(true); }
 
-    std::uint32_t frameSize() const { return m_frameSize; }
-
-    /// How many frames the server keeps for us.
+    /// The size of the server's buffer, in frames.
     std::uint32_t bufferFrames() const;
 
     struct Packet {
         const std::uint8_t *data = nullptr; ///< valid until the packet is dropped
         std::uint32_t frames = 0;
         bool isSilent = false;
-        std::uint64_t firstFrame = 0;      ///< counted from the start of the stream
+        std::uint64_t firstFrame = 0;      ///< its position since the start of the stream
         std::uint64_t recordedAtNs100 = 0; ///< time of its first frame on the steady clock, in units of 100 ns
     };
 
-    /// The oldest packet that was not dropped yet; without frames when there is none.
+    /// The oldest packet that was not dropped yet; with 0 frames when there is none.
     Packet peek();
     void drop(std::uint32_t frames);
 
@@ -53,9 +51,9 @@ private:
     const pa_sample_spec m_format;
     const std::uint32_t m_frameSize;
     pa_stream *m_stream = nullptr;
-    std::uint64_t m_framesTaken = 0;
-    double m_firstFrameUs = 0; // when the first frame was recorded, had the device run without a break; 0: unknown
-    std::vector<std::uint8_t> m_silence; // stands for a hole in the stream
+    std::uint64_t m_framesRead = 0;
+    double m_firstFrameUs = 0;           // estimated time of the first frame, assuming no gaps; 0: unknown
+    std::vector<std::uint8_t> m_silence; // the data of a gap in the stream
 };
 
 } // namespace kel

@@ -88,8 +88,8 @@ protected:
 };
 
 struct IAudioCaptureClient : IUnknown {
-    /// The times are those of the packet's first frame: in frames since the start, and of the performance counter in
-    /// units of 100 ns.
+    /// Both positions are those of the packet's first frame: `devicePosition` in frames since the start of the stream,
+    /// `counterPosition` on the performance counter in units of 100 ns.
     virtual HRESULT STDMETHODCALLTYPE GetBuffer(BYTE **data, UINT32 *frames, DWORD *flags, UINT64 *devicePosition,
                                                 UINT64 *counterPosition) = 0;
     virtual HRESULT STDMETHODCALLTYPE ReleaseBuffer(UINT32 frames) = 0;

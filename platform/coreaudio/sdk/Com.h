@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-/// As much of COM and of kernel events as Core Audio's callers need, with the SDK's names and meanings.
+/// The parts of COM and of kernel events that Core Audio needs, with the names and semantics of the SDK.
 
 #define STDMETHODCALLTYPE
 
@@ -73,7 +73,7 @@ struct IUnknown {
     virtual ULONG STDMETHODCALLTYPE Release() = 0;
 
 protected:
-    ~IUnknown() = default; // an object ends with its last Release
+    ~IUnknown() = default; // objects are deleted by their last Release
 };
 
 inline constexpr IID IID_IUnknown{0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
@@ -82,7 +82,7 @@ constexpr DWORD CLSCTX_ALL = 0x17;
 
 HRESULT CoInitialize(LPVOID reserved);
 void CoUninitialize();
-/// Creates the device enumerator, the only class there is. Fails within seconds when no sound server answers.
+/// Creates the device enumerator, the only supported class. Fails after a few seconds when no sound server responds.
 HRESULT CoCreateInstance(REFCLSID classId, IUnknown *outer, DWORD context, REFIID interfaceId, LPVOID *object);
 LPVOID CoTaskMemAlloc(std::size_t size);
 void CoTaskMemFree(LPVOID memory);
@@ -90,7 +90,7 @@ void CoTaskMemFree(LPVOID memory);
 constexpr DWORD WAIT_OBJECT_0 = 0;
 constexpr DWORD WAIT_TIMEOUT = 258;
 
-/// An event without name and security attributes.
+/// An event. `attributes` and `name` are ignored.
 HANDLE CreateEventA(void *attributes, BOOL manualReset, BOOL initialState, LPCSTR name);
 BOOL SetEvent(HANDLE event);
 DWORD WaitForSingleObject(HANDLE event, DWORD timeoutMs);

@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-/// Counts the references of an object with one interface; made with a count of one, deleted with the last.
+/// Reference counting for an object with one interface. The count starts at one; the last Release deletes the object.
 template <typename Interface, const IID &InterfaceId>
 class ComObject : public Interface
 {

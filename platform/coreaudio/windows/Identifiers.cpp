@@ -1,5 +1,5 @@
-// The interfaces and classes of Core Audio are known by identifiers that the SDK's headers declare everywhere and
-// define only here, where this comes first.
+// The SDK's headers declare the identifiers of Core Audio everywhere but define them only where initguid.h is included
+// first: here.
 #include <initguid.h>
 
 #include "coreaudio/CoreAudio.h"

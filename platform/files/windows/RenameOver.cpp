@@ -13,18 +13,18 @@ namespace kel
 namespace
 {
 
-// A virus scanner or an indexer opens what was just written, a reader looks at the old file: they are done soon.
-constexpr int limitMs = 500;
-constexpr DWORD restMs = 10;
+// A virus scanner, an indexer or a reader may have the file open for a short time.
+constexpr int kTimeoutMs = 500;
+constexpr DWORD kRetryIntervalMs = 10;
 
-/// The path as Qt hands it to Windows: absolute, and behind the prefix with which it may be longer than 260 characters.
+/// The path as Qt passes it to Windows: absolute, with the prefix that allows more than 260 characters.
 std::wstring extendedPath(const QString &path)
 {
     const std::wstring given = QDir::toNativeSeparators(path).toStdWString();
     std::wstring full(GetFullPathNameW(given.c_str(), 0, nullptr, nullptr), L'\0');
     full.resize(GetFullPathNameW(given.c_str(), DWORD(full.size()), full.data(), nullptr));
     if (!given.empty() && given.back() == L' ')
-        full += L' '; // which Windows drops and Qt keeps
+        full += L' '; // dropped by GetFullPathName, kept by Qt
     if (full.compare(0, 2, L"\\\\") == 0)
         return L"\\\\?\\UNC\\" + full.substr(2);
     return L"\\\\?\\" + full;
@@ -41,12 +41,12 @@ QString renameOver(const QString &from, const QString &to)
 {
     const std::wstring source = extendedPath(from);
     const std::wstring target = extendedPath(to);
-    const QDeadlineTimer limit(limitMs);
+    const QDeadlineTimer limit(kTimeoutMs);
     while (!MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) {
         const DWORD error = GetLastError();
         if (!isInUse(error) || limit.hasExpired())
             return qt_error_string(int(error));
-        Sleep(restMs);
+        Sleep(kRetryIntervalMs);
     }
     return QString();
 }

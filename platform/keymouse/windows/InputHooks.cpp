@@ -15,10 +15,10 @@ namespace kel
 namespace
 {
 
-constexpr std::chrono::seconds requestLimit{2};
-constexpr DWORD lookAfterMs = 1000;
+constexpr std::chrono::seconds kRequestTimeout{2};
+constexpr DWORD kCheckIntervalMs = 1000;
 
-// Of the thread that the hooks are installed by, which Windows calls them on.
+// Belong to the thread that installs the hooks, on which Windows calls them.
 thread_local InputQueue *t_queue = nullptr;
 thread_local DWORD t_lastKeyTime = 0;
 thread_local DWORD t_lastMouseTime = 0;
@@ -62,7 +62,7 @@ LRESULT CALLBACK onMouse(int code, WPARAM message, LPARAM data)
 
 } // namespace
 
-/// One hook; belongs to the hooks' thread.
+/// One hook. Belongs to the hook thread.
 class InputHooks::Hook
 {
 public:
@@ -89,14 +89,14 @@ public:
         return isSet() == wanted;
     }
 
-    /// Installs it anew when there was input long after it last heard any, which may be that of the other kind. No
-    /// event can come twice, nor between the two hooks: Windows delivers it when the thread looks for messages.
-    void renewIfDeaf(DWORD *lastHeard)
+    /// Reinstalls the hook when there was input well after its last event, which may have been input of the other kind.
+    /// No event is delivered twice or lost in between: Windows calls hooks only while the thread retrieves messages.
+    void reinstallIfDropped(DWORD *lastEventTime)
     {
         LASTINPUTINFO input{sizeof input, 0};
-        if (!isSet() || !GetLastInputInfo(&input) || int(input.dwTime - *lastHeard) <= int(lookAfterMs))
+        if (!isSet() || !GetLastInputInfo(&input) || int(input.dwTime - *lastEventTime) <= int(kCheckIntervalMs))
             return;
-        *lastHeard = input.dwTime;
+        *lastEventTime = input.dwTime;
         const HHOOK old = m_hook;
         m_hook = SetWindowsHookExW(m_kind, m_procedure, GetModuleHandleW(nullptr), 0);
         UnhookWindowsHookEx(old);
@@ -133,7 +133,7 @@ bool InputHooks::setHooked(bool keys, bool mouse)
     m_wantsMouse = mouse;
     const unsigned request = ++m_requested;
     SetEvent(m_wake);
-    m_changed.wait_for(lock, requestLimit, [&] { return int(m_served - request) >= 0; });
+    m_changed.wait_for(lock, kRequestTimeout, [&] { return int(m_served - request) >= 0; });
     return m_error.isEmpty();
 }
 
@@ -148,15 +148,15 @@ void InputHooks::run()
     t_queue = &m_queue;
     Hook keys(WH_KEYBOARD_LL, onKey);
     Hook mouse(WH_MOUSE_LL, onMouse);
-    DWORD lastLook = GetTickCount();
+    DWORD lastCheck = GetTickCount();
     for (;;) {
         const bool hooked = keys.isSet() || mouse.isSet();
-        const DWORD woken =
-            MsgWaitForMultipleObjectsEx(1, &m_wake, hooked ? lookAfterMs : INFINITE, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+        const DWORD wakeReason = MsgWaitForMultipleObjectsEx(1, &m_wake, hooked ? kCheckIntervalMs : INFINITE,
+                                                             QS_ALLINPUT, MWMO_INPUTAVAILABLE);
         MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) // calls the hooks, too
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) // also calls the hooks
             DispatchMessageW(&message);
-        if (woken == WAIT_OBJECT_0) {
+        if (wakeReason == WAIT_OBJECT_0) {
             {
                 const std::lock_guard<std::mutex> lock(m_mutex);
                 if (m_quit)
@@ -164,10 +164,10 @@ void InputHooks::run()
             }
             apply(keys, mouse);
         }
-        if (GetTickCount() - lastLook >= lookAfterMs) {
-            lastLook = GetTickCount();
-            keys.renewIfDeaf(&t_lastKeyTime);
-            mouse.renewIfDeaf(&t_lastMouseTime);
+        if (GetTickCount() - lastCheck >= kCheckIntervalMs) {
+            lastCheck = GetTickCount();
+            keys.reinstallIfDropped(&t_lastKeyTime);
+            mouse.reinstallIfDropped(&t_lastMouseTime);
         }
     }
 }
@@ -178,7 +178,7 @@ void InputHooks::apply(Hook &keys, Hook &mouse)
     t_lastKeyTime = t_lastMouseTime = GetTickCount();
     m_error.clear();
     if (!keys.set(m_wantsKeys) || !mouse.set(m_wantsMouse))
-        m_error = QStringLiteral("Windows installs no hook (error %1)").arg(GetLastError());
+        m_error = QStringLiteral("Windows refuses to install a hook (error %1)").arg(GetLastError());
     m_served = m_requested;
     m_changed.notify_all();
 }

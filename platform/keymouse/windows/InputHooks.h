@@ -13,21 +13,21 @@ namespace kel
 
 class InputQueue;
 
-/// Windows' low-level hooks, on a thread of their own whose message loop they are called from: input of the whole
-/// desktop passes through it before anybody else sees it, so it does nothing but copy events into a queue.
+/// Low-level hooks of Windows on their own thread, whose message loop calls them. All input of the desktop passes
+/// through it before any program receives it, so it only copies events into a queue.
 ///
-/// Windows drops a hook that once did not answer in time, and tells nobody. A hook that hears nothing although there is
-/// input is installed anew.
+/// Windows silently removes a hook that once exceeded its time limit. A hook that receives no events although there is
+/// input is reinstalled.
 class InputHooks
 {
 public:
-    /// Nothing is hooked yet. The queue must outlive this.
+    /// No hook is installed yet. The queue must outlive the object.
     explicit InputHooks(InputQueue &queue);
     ~InputHooks();
     InputHooks(const InputHooks &) = delete;
     InputHooks &operator=(const InputHooks &) = delete;
 
-    /// Hooks keys, the mouse, both or neither from now on. Returns when that is done, or after a limit. False, with
+    /// Hooks keys, the mouse, both or neither from now on. Returns when that is done or after a timeout. False, with
     /// errorString(), when Windows refuses.
     bool setHooked(bool keys, bool mouse);
 
@@ -42,16 +42,16 @@ private:
     InputQueue &m_queue;
     const HANDLE m_wake;
 
-    mutable std::mutex m_mutex; // guards what follows
+    mutable std::mutex m_mutex; // guards the members below
     std::condition_variable m_changed;
     bool m_wantsKeys = false;
     bool m_wantsMouse = false;
     bool m_quit = false;
     unsigned m_requested = 0; // number of the last request
-    unsigned m_served = 0;    // number of the last one that was carried out
+    unsigned m_served = 0;    // number of the last completed request
     QString m_error;
 
-    std::thread m_thread; // last: it uses all of the above
+    std::thread m_thread; // last: it uses the members above
 };
 
 } // namespace kel

@@ -6,8 +6,8 @@ namespace kel
 namespace
 {
 
-// Minutes of what a person does, seconds of what a program makes up.
-constexpr std::size_t maxEvents = 10'000;
+// Minutes of human input, seconds of generated input.
+constexpr std::size_t kMaxEvents = 10'000;
 
 } // namespace
 
@@ -15,7 +15,7 @@ bool InputQueue::push(const WindowsInputEvent &event)
 {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_events.size() >= maxEvents)
+        if (m_events.size() >= kMaxEvents)
             return false;
         m_events.push_back(event);
     }

@@ -10,7 +10,7 @@
 namespace kel
 {
 
-/// What a hook was told, as it was told.
+/// An event as the hook received it.
 struct WindowsInputEvent {
     bool isKey = false;
     UINT message = 0; ///< WM_KEYDOWN, WM_LBUTTONDOWN, …
@@ -18,24 +18,25 @@ struct WindowsInputEvent {
         KBDLLHOOKSTRUCT key;
         MSLLHOOKSTRUCT mouse;
     };
-    HKL layout = nullptr; ///< of the program that gets the key
+    HKL layout = nullptr; ///< of the program that receives the key
 };
 
-/// Events on their way from the hooks, which must not wait, to the callbacks, which may take their time. Two threads.
+/// Events between the hooks, which must not wait, and the callbacks, which may take their time. One producer and one
+/// consumer thread.
 class InputQueue
 {
 public:
-    /// Never waits. False when the queue is full: the event is lost.
+    /// Never waits. False when the queue is full; the event is lost.
     bool push(const WindowsInputEvent &event);
 
     /// Waits for an event. False once the queue is closed.
     bool pop(WindowsInputEvent *event);
 
-    /// Nobody wants to know any more, nor what is still in the queue.
+    /// Discards all events, and ends pop().
     void close();
 
 private:
-    std::mutex m_mutex; // guards what follows
+    std::mutex m_mutex; // guards the members below
     std::condition_variable m_changed;
     std::deque<WindowsInputEvent> m_events;
     bool m_isClosed = false;

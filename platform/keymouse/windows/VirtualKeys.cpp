@@ -16,7 +16,7 @@ struct Named {
     int key;
 };
 
-// Keys that are no characters.
+// Keys that type no character.
 constexpr Named kNamedKeys[] = {
     {VK_CANCEL, Qt::Key_Cancel},
     {VK_BACK, Qt::Key_Backspace},

@@ -5,10 +5,10 @@
 namespace kel
 {
 
-/// The Qt::Key of a virtual key that is the same in every layout, because it types no character; 0 for others.
+/// The Qt::Key of a virtual key that types no character and so is the same in every layout; 0 for others.
 int qtKeyOf(DWORD virtualKey);
 
-/// The other way round; 0 for a Qt::Key that is a character or on no keyboard.
+/// The virtual key of a Qt::Key; 0 for characters and for keys without a virtual key.
 DWORD virtualKeyOf(int key);
 
 } // namespace kel

@@ -11,7 +11,7 @@
 namespace kel
 {
 
-/// From the first hook that somebody wants to the last.
+/// Exists from the first installed hook to the last.
 struct WindowsEventSource::Session {
     InputQueue queue;
     InputHooks hooks{queue};
@@ -50,13 +50,13 @@ void WindowsEventSource::update()
         m_session = std::make_shared<Session>();
     if (!m_isDelivering) {
         if (m_delivery.joinable())
-            m_delivery.join(); // at once: to have decided is its last act
+            m_delivery.join(); // returns at once: clearing the flag is its last action
         m_isDelivering = true;
         m_delivery = std::thread(&WindowsEventSource::deliverEvents, this);
     }
     if (!m_session->hooks.setHooked(kinds & KelKeyMouseHook::Keyboard, kinds & KelKeyMouseHook::Mouse) && !m_warned) {
         m_warned = true;
-        qCWarning(logInput, "[KelKeyMouseHook] keyboard and mouse cannot be watched: %s",
+        qCWarning(logInput, "[KelKeyMouseHook] keyboard and mouse cannot be monitored: %s",
                   qUtf8Printable(m_session->hooks.errorString()));
     }
 }

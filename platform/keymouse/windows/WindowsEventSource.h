@@ -9,7 +9,7 @@
 namespace kel
 {
 
-/// Input of the Windows desktop. While somebody wants events there are two threads: one for the hooks and one for the
+/// Input of the Windows desktop. While a hook is installed there are two threads: one for the hooks and one for the
 /// callbacks.
 class WindowsEventSource final : public KeyMouseEventSource
 {
@@ -26,10 +26,10 @@ private:
     void deliverEvents();
 
     KeyMouseEventSink &m_sink;
-    std::mutex m_mutex;                 // guards what follows; taken before the sink's
-    std::shared_ptr<Session> m_session; // null while nobody wants events
+    std::mutex m_mutex;                 // guards the members below; acquired before the sink's
+    std::shared_ptr<Session> m_session; // null while no hook is installed
     std::thread m_delivery;
-    bool m_isDelivering = false; // false once that thread has decided to end
+    bool m_isDelivering = false; // false once that thread is about to end
     bool m_warned = false;
 };
 

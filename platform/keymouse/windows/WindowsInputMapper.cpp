@@ -62,15 +62,15 @@ void WindowsInputMapper::deliverKey(const WindowsInputEvent &event)
         m_sink.deliver(KelKeyboardEvent{key, isPressed ? 1 : 0});
 }
 
-/// A fine wheel, or a touchpad, turns by parts of a notch.
+/// A high-resolution wheel or a touchpad reports fractions of a notch.
 void WindowsInputMapper::deliverWheel(const MSLLHOOKSTRUCT &mouse)
 {
     const int delta = short(HIWORD(mouse.mouseData));
-    if ((delta > 0) != (m_turned > 0))
-        m_turned = 0;
-    m_turned += delta;
-    const int notches = m_turned / WHEEL_DELTA;
-    m_turned %= WHEEL_DELTA;
+    if ((delta > 0) != (m_wheelDelta > 0))
+        m_wheelDelta = 0;
+    m_wheelDelta += delta;
+    const int notches = m_wheelDelta / WHEEL_DELTA;
+    m_wheelDelta %= WHEEL_DELTA;
     if (notches != 0)
         m_sink.deliver(KelWheelEvent{notches * WHEEL_DELTA, {mouse.pt.x, mouse.pt.y}});
 }

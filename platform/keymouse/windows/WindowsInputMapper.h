@@ -8,13 +8,13 @@ namespace kel
 struct WindowsInputEvent;
 class KeyMouseEventSink;
 
-/// Says what the hooks were told in terms of Qt. Belongs to one thread.
+/// Translates hook events into events of Qt. Belongs to one thread.
 class WindowsInputMapper
 {
 public:
     explicit WindowsInputMapper(KeyMouseEventSink &sink);
 
-    /// Hands the event over; events without meaning are dropped.
+    /// Translates the event and delivers it; events without a meaning in Qt are dropped.
     void deliver(const WindowsInputEvent &event);
 
 private:
@@ -23,7 +23,7 @@ private:
 
     KeyMouseEventSink &m_sink;
     WindowsKeymap m_keymap;
-    int m_turned = 0; // of a fine wheel, since its last whole notch
+    int m_wheelDelta = 0; // accumulated since the last whole notch
 };
 
 } // namespace kel

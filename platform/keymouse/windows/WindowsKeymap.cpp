@@ -14,13 +14,13 @@ namespace kel
 namespace
 {
 
-// A layout with AltGr announces it by a left Ctrl key that nobody pressed.
-constexpr DWORD inventedScanCode = 0x21d;
+// In layouts with AltGr, Windows generates a left Ctrl press with this scan code before it.
+constexpr DWORD kSyntheticCtrlScanCode = 0x21d;
 
-// The state of the layout, in which a dead key may wait, stays as it is (since Windows 10).
-constexpr UINT keepState = 1u << 2;
+// Does not change the state of the layout, which may hold a dead key (since Windows 10).
+constexpr UINT kKeepState = 1u << 2;
 
-/// The keys of letters are named by the upper-case one.
+/// Letter keys have the code of the upper-case letter.
 int keyOfCharacter(wchar_t character)
 {
     return QChar::isPrint(uint(character)) ? int(QChar::toUpper(uint(character))) : 0;
@@ -39,23 +39,23 @@ WindowsKeymap::WindowsKeymap()
 int WindowsKeymap::qtKey(const KBDLLHOOKSTRUCT &event, bool isPressed, HKL layout)
 {
     const DWORD virtualKey = event.vkCode;
-    if (virtualKey >= keyCount)
+    if (virtualKey >= kKeyCount)
         return 0;
-    if (virtualKey == VK_LCONTROL && (event.scanCode & 0xffff) == inventedScanCode) {
+    if (virtualKey == VK_LCONTROL && (event.scanCode & 0xffff) == kSyntheticCtrlScanCode) {
         m_altGr = m_altGr || isPressed;
         return 0;
     }
-    // What went down goes up under the same name, even if a modifier has changed meanwhile.
+    // A release reports the same key as its press, even if a modifier has changed in between.
     int key = 0;
     if (isPressed)
-        m_pressedAs[virtualKey] = key = keyNow(event, layout);
+        m_pressedAs[virtualKey] = key = translate(event, layout);
     else
-        key = m_pressedAs[virtualKey] ? std::exchange(m_pressedAs[virtualKey], 0) : keyNow(event, layout);
-    follow(virtualKey, isPressed);
+        key = m_pressedAs[virtualKey] ? std::exchange(m_pressedAs[virtualKey], 0) : translate(event, layout);
+    trackModifiers(virtualKey, isPressed);
     return key;
 }
 
-void WindowsKeymap::follow(DWORD virtualKey, bool isPressed)
+void WindowsKeymap::trackModifiers(DWORD virtualKey, bool isPressed)
 {
     const bool isRepeated = isPressed && isDown(virtualKey);
     m_down.set(virtualKey, isPressed);
@@ -67,10 +67,10 @@ void WindowsKeymap::follow(DWORD virtualKey, bool isPressed)
         m_altGr = false;
 }
 
-int WindowsKeymap::keyNow(const KBDLLHOOKSTRUCT &event, HKL layout) const
+int WindowsKeymap::translate(const KBDLLHOOKSTRUCT &event, HKL layout) const
 {
     const DWORD virtualKey = event.vkCode;
-    if (virtualKey == VK_PACKET) // a program types a character that may be on no key
+    if (virtualKey == VK_PACKET) // a program sends a character that may be on no key
         return keyOfCharacter(wchar_t(event.scanCode));
     if (virtualKey == VK_RETURN && (event.flags & LLKHF_EXTENDED))
         return Qt::Key_Enter;
@@ -83,10 +83,10 @@ int WindowsKeymap::keyNow(const KBDLLHOOKSTRUCT &event, HKL layout) const
     return character(virtualKey, event.scanCode, layout);
 }
 
-/// The character that the key types, or would type if Ctrl and Alt did not make it a shortcut.
+/// The character that the key types, or would type without Ctrl and Alt.
 int WindowsKeymap::character(DWORD virtualKey, DWORD scanCode, HKL layout) const
 {
-    std::array<BYTE, keyCount> state{};
+    std::array<BYTE, kKeyCount> state{};
     const auto hold = [&state](int key, bool held) { state[std::size_t(key)] = held ? 0x80 : 0; };
     hold(VK_SHIFT, isDown(VK_LSHIFT) || isDown(VK_RSHIFT));
     hold(VK_CONTROL, m_altGr);
@@ -94,8 +94,8 @@ int WindowsKeymap::character(DWORD virtualKey, DWORD scanCode, HKL layout) const
     state[VK_CAPITAL] = m_capsLock ? 1 : 0;
     state[VK_NUMLOCK] = m_numLock ? 1 : 0;
     wchar_t typed[8] = {};
-    // Negative for a dead key, whose own accent it then is.
-    if (ToUnicodeEx(virtualKey, scanCode, state.data(), typed, int(std::size(typed)), keepState, layout) != 0) {
+    // The result is negative for a dead key; the buffer then holds its accent.
+    if (ToUnicodeEx(virtualKey, scanCode, state.data(), typed, int(std::size(typed)), kKeepState, layout) != 0) {
         if (const int key = keyOfCharacter(typed[0]))
             return key;
     }

@@ -10,9 +10,9 @@ namespace kel
 namespace
 {
 
-constexpr int largestNumber = 0xbfff; // beyond it the numbers are those of libraries
+constexpr int kMaxId = 0xbfff; // higher identifiers are reserved for libraries
 
-/// The key of a character in the layout that is used now; of Latin letters and digits in every layout.
+/// The virtual key of a character in the current layout; Latin letters and digits are the same in every layout.
 DWORD keyOfCharacter(int character)
 {
     if ((character >= 'A' && character <= 'Z') || (character >= '0' && character <= '9'))
@@ -63,19 +63,19 @@ QString WindowsShortcutGrabber::grab(int combination)
         virtualKey = keyOfCharacter(key);
     if (virtualKey == 0)
         return QCoreApplication::translate("GlobalShortcut", "The keyboard has no such key.");
-    const int number = m_lastNumber % largestNumber + 1;
-    if (!RegisterHotKey(nullptr, number, modifiersOf(combination), virtualKey))
+    const int id = m_lastId % kMaxId + 1;
+    if (!RegisterHotKey(nullptr, id, modifiersOf(combination), virtualKey))
         return QCoreApplication::translate("GlobalShortcut", "Another program uses it.");
-    m_lastNumber = number;
-    m_combinations.insert(number, combination);
+    m_lastId = id;
+    m_combinations.insert(id, combination);
     return QString();
 }
 
 void WindowsShortcutGrabber::release(int combination)
 {
-    const int number = m_combinations.key(combination);
-    if (m_combinations.remove(number) != 0)
-        UnregisterHotKey(nullptr, number);
+    const int id = m_combinations.key(combination);
+    if (m_combinations.remove(id) != 0)
+        UnregisterHotKey(nullptr, id);
 }
 
 bool WindowsShortcutGrabber::nativeEventFilter(const QByteArray &, void *message, long *)

@@ -8,7 +8,7 @@
 namespace kel
 {
 
-/// Registers hot keys, whose messages come to the GUI thread.
+/// Registers hot keys, whose messages are posted to the GUI thread.
 class WindowsShortcutGrabber final : public GlobalShortcutGrabber, public QAbstractNativeEventFilter
 {
     Q_OBJECT
@@ -23,8 +23,8 @@ public:
     bool nativeEventFilter(const QByteArray &type, void *message, long *result) override;
 
 private:
-    QHash<int, int> m_combinations; // by the number of the hot key
-    int m_lastNumber = 0;
+    QHash<int, int> m_combinations; // by hot key identifier
+    int m_lastId = 0;
 };
 
 } // namespace kel

@@ -18,7 +18,7 @@ void X11ButtonMap::load(xcb_connection_t *connection)
     std::free(reply);
 }
 
-int X11ButtonMap::logical(std::uint8_t button) const
+int X11ButtonMap::logicalButton(std::uint8_t button) const
 {
     return button >= 1 && button <= m_map.size() ? m_map[button - 1u] : button;
 }

@@ -22,7 +22,8 @@ namespace kel
 namespace
 {
 
-constexpr std::chrono::seconds requestLimit{2};
+constexpr std::chrono::seconds kRequestTimeout{2};
+
 } // namespace
 
 std::unique_ptr<KeyMouseEventSource> createKeyMouseEventSource(KeyMouseEventSink &sink)
@@ -43,7 +44,7 @@ X11EventSource::~X11EventSource()
         m_quit = true;
         eventfd_write(m_wake, 1);
         if (m_recorder)
-            m_recorder->interrupt(); // a server that hangs must not hang us
+            m_recorder->interrupt(); // otherwise an unresponsive server would block the join
     }
     if (m_thread.joinable())
         m_thread.join();
@@ -59,7 +60,7 @@ void X11EventSource::update()
             return;
         }
         if (m_thread.joinable())
-            m_thread.join(); // at once: see setEnded()
+            m_thread.join(); // returns at once, see markEnded()
         m_running = true;
         m_errorString.clear();
         m_thread = std::thread(&X11EventSource::run, this);
@@ -67,7 +68,7 @@ void X11EventSource::update()
     const unsigned request = ++m_requested;
     eventfd_write(m_wake, 1);
     if (m_thread.get_id() != std::this_thread::get_id())
-        m_changed.wait_for(lock, requestLimit, [&] { return !m_running || int(m_served - request) >= 0; });
+        m_changed.wait_for(lock, kRequestTimeout, [&] { return !m_running || int(m_served - request) >= 0; });
 }
 
 QString X11EventSource::errorString() const
@@ -87,15 +88,15 @@ void X11EventSource::run()
         return;
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_warned && !m_quit)
-        qCWarning(logInput, "[KelKeyMouseHook] keyboard and mouse cannot be watched: %s",
+        qCWarning(logInput, "[KelKeyMouseHook] keyboard and mouse cannot be monitored: %s",
                   qUtf8Printable(recorder.errorString()));
     m_warned = true;
     m_errorString = recorder.errorString();
-    setEnded();
+    markEnded();
 }
 
-/// The thread's last act under the lock: who holds it from now on may join the thread.
-void X11EventSource::setEnded()
+/// The thread's last action under the lock: whoever holds the lock afterwards may join the thread.
+void X11EventSource::markEnded()
 {
     m_recorder = nullptr;
     m_running = false;
@@ -124,9 +125,9 @@ int X11EventSource::beginRequest(unsigned &number)
     number = m_requested;
     const int kinds = m_quit ? 0 : m_sink.wantedKinds();
     if (kinds == 0) {
-        // Decided under the lock: an update() that comes later starts a new thread.
+        // Decided under the lock: a later update() starts a new thread.
         m_warned = false;
-        setEnded();
+        markEnded();
     }
     return kinds;
 }
@@ -141,18 +142,18 @@ void X11EventSource::endRequest(unsigned number)
 bool X11EventSource::deliverUntilRequest(X11InputRecorder &recorder, X11InputMapper &mapper)
 {
     std::vector<X11InputEvent> events;
-    bool announced = false;
+    bool hasNotifications = false;
     for (;;) {
         do {
             events.clear();
             if (!recorder.read(events))
                 return false;
-            if (announced || !events.empty())
+            if (hasNotifications || !events.empty())
                 mapper.update();
             for (const X11InputEvent &event : events)
                 mapper.deliver(event, m_sink);
-            announced = mapper.takeAnnouncements(); // what came in while the mapper asked the server
-        } while (announced);
+            hasNotifications = mapper.processNotifications(); // received while the mapper was waiting for the server
+        } while (hasNotifications);
 
         pollfd waits[] = {{recorder.dataDescriptor(), POLLIN, 0},
                           {xcb_get_file_descriptor(recorder.control()), POLLIN, 0},
@@ -160,7 +161,7 @@ bool X11EventSource::deliverUntilRequest(X11InputRecorder &recorder, X11InputMap
         poll(waits, std::size(waits), -1);
         if (waits[2].revents)
             return true;
-        announced = waits[1].revents != 0;
+        hasNotifications = waits[1].revents != 0;
     }
 }
 

@@ -12,7 +12,7 @@ namespace kel
 class X11InputMapper;
 class X11InputRecorder;
 
-/// Input of the X display, on a thread that lives while somebody wants events.
+/// Input of the X display, read on a thread that exists while some hook is installed.
 class X11EventSource final : public KeyMouseEventSource
 {
 public:
@@ -24,22 +24,22 @@ public:
 
 private:
     void run();
-    void setEnded();
+    void markEnded();
     bool serveRequests(X11InputRecorder &recorder);
     bool deliverUntilRequest(X11InputRecorder &recorder, X11InputMapper &mapper);
     int beginRequest(unsigned &number);
     void endRequest(unsigned number);
 
     KeyMouseEventSink &m_sink;
-    const int m_wake; // eventfd: readable when there is a request
+    const int m_wake; // eventfd, readable when there is a request
 
-    mutable std::mutex m_mutex; // guards what follows; taken before the sink's
+    mutable std::mutex m_mutex; // guards the members below; acquired before the sink's
     std::condition_variable m_changed;
     std::thread m_thread;
-    X11InputRecorder *m_recorder = nullptr; // while the thread works with it
-    unsigned m_requested = 0;               // number of the last request to look at the wanted kinds
-    unsigned m_served = 0;                  // number of the last one that was carried out
-    bool m_running = false;                 // false once the thread has decided to end
+    X11InputRecorder *m_recorder = nullptr; // set while the thread uses it
+    unsigned m_requested = 0;               // number of the last request
+    unsigned m_served = 0;                  // number of the last completed request
+    bool m_running = false;                 // false once the thread is about to end
     bool m_quit = false;
     bool m_warned = false;
     QString m_errorString;

@@ -13,11 +13,11 @@ namespace kel
 namespace
 {
 
-constexpr int wheelNotch = 120;
+constexpr int kWheelNotch = 120;
 
 enum XButton { XLeft = 1, XMiddle, XRight, XWheelUp, XWheelDown, XWheelLeft, XWheelRight, XBack };
 
-/// The Qt::MouseButton for a button of X that is not the wheel, as Qt itself numbers them; 0 when Qt has none.
+/// The Qt::MouseButton of an X button other than the wheel, with the numbers that Qt assigns; 0 when Qt has none.
 int qtButton(int button)
 {
     switch (button) {
@@ -43,21 +43,21 @@ X11InputMapper::X11InputMapper(xcb_connection_t *connection)
 
 void X11InputMapper::update()
 {
-    takeAnnouncements();
+    processNotifications();
     do
         std::free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
-    while (takeAnnouncements());
+    while (processNotifications());
 }
 
-bool X11InputMapper::takeAnnouncements()
+bool X11InputMapper::processNotifications()
 {
     bool any = false;
     bool buttonsChanged = false;
     while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection)) {
         any = true;
         const int type = event->response_type & 0x7f;
-        if (m_keymap.announces(type))
-            m_keymap.reload();
+        if (m_keymap.isKeymapEvent(type))
+            m_keymap.invalidate();
         else if (type == XCB_MAPPING_NOTIFY)
             buttonsChanged |= reinterpret_cast<xcb_mapping_notify_event_t *>(event)->request == XCB_MAPPING_POINTER;
         std::free(event);
@@ -75,12 +75,12 @@ void X11InputMapper::deliver(const X11InputEvent &event, KeyMouseEventSink &sink
             sink.deliver(KelKeyboardEvent{key, pressed});
         return;
     }
-    const int button = m_buttons.logical(event.detail);
+    const int button = m_buttons.logicalButton(event.detail);
     if (button == XWheelUp || button == XWheelDown) {
         if (pressed)
-            sink.deliver(KelWheelEvent{button == XWheelUp ? wheelNotch : -wheelNotch, event.position});
-    } else if (const int named = qtButton(button)) {
-        sink.deliver(KelMouseEvent{named, event.position, pressed});
+            sink.deliver(KelWheelEvent{button == XWheelUp ? kWheelNotch : -kWheelNotch, event.position});
+    } else if (const int qtValue = qtButton(button)) {
+        sink.deliver(KelMouseEvent{qtValue, event.position, pressed});
     }
 }
 

@@ -11,22 +11,22 @@ namespace kel
 struct X11InputEvent;
 class KeyMouseEventSink;
 
-/// Says what recorded events mean: with the display's keymap and the order of the mouse buttons, as they are now.
+/// Translates recorded events with the current keymap and button map of the display.
 class X11InputMapper
 {
 public:
-    /// Listens for changes on `connection`, which belongs to the caller.
+    /// Receives change notifications on `connection`, which belongs to the caller.
     explicit X11InputMapper(xcb_connection_t *connection);
 
-    /// Takes notice of every change that happened before this call. Changes are announced on another connection than
-    /// the recorded events and may come later than they: so this asks the server for a sign of life (0.1 ms), and again
-    /// while there is news.
+    /// Applies every change that happened before this call. Notifications arrive on another connection than the
+    /// recorded events and may be delayed; this makes a round trip to the server (0.1 ms), and repeats it while there
+    /// are notifications.
     void update();
 
-    /// Takes notice of the changes that have been announced so far. False when the connection had nothing to say.
-    bool takeAnnouncements();
+    /// Applies the changes of all notifications received so far. False when there were none.
+    bool processNotifications();
 
-    /// Hands the event over in terms of Qt; events without meaning are dropped.
+    /// Translates the event and delivers it; events without a meaning in Qt are dropped.
     void deliver(const X11InputEvent &event, KeyMouseEventSink &sink);
 
 private:

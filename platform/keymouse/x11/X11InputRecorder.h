@@ -13,7 +13,7 @@ struct xcb_connection_t;
 namespace kel
 {
 
-/// A key or button event as the X server recorded it.
+/// A key or button event recorded by the X server.
 struct X11InputEvent {
     std::uint8_t type;   ///< XCB_KEY_PRESS, XCB_KEY_RELEASE, XCB_BUTTON_PRESS or XCB_BUTTON_RELEASE
     std::uint8_t detail; ///< key code or button number
@@ -21,17 +21,17 @@ struct X11InputEvent {
     QPoint position;     ///< of the pointer, in pixels of the root window
 };
 
-/// Input of the whole X display through the RECORD extension. It sees events whoever holds a grab, auto-repeat as
-/// repeated presses, and the pointer's position and the modifiers in each event.
+/// Records the input of the whole X display through the RECORD extension: events are seen regardless of grabs,
+/// auto-repeat as repeated presses, each with pointer position and modifiers.
 ///
-/// Only keys and buttons are recorded, never the motion of the pointer: it would wake the process a thousand times a
-/// second, and a server forgets recorded events when more than some 270 of them are left unread (its output buffer is
-/// written to while it is being flushed).
+/// Only keys and buttons are recorded, not pointer motion: it would wake the process a thousand times per second, and
+/// the server loses recorded events when more than about 270 of them are unread (its output buffer is written to while
+/// it is being flushed).
 ///
-/// RECORD wants two connections: one is given over to the recorded data, the other controls what is recorded. The
-/// latter also receives raw input events, for their effect alone: the server keeps what it has recorded until it next
-/// writes to any client, and for a key that no program gets that could be never. The raw event goes out just before the
-/// recorded one is stored; whoever sees it, asks the server something, and the answer brings out the recorded event.
+/// RECORD needs two connections: one for the recorded data, one to control the recording. The latter also receives raw
+/// input events, for their side effect: the server buffers recorded events until it next writes to any client, which
+/// may never happen for a key that no program receives. The raw event is sent just before the recorded one is buffered;
+/// a request in response to it makes the server flush the recorded event.
 ///
 /// Belongs to one thread, except for interrupt().
 class X11InputRecorder
@@ -40,22 +40,22 @@ public:
     X11InputRecorder() = default;
     ~X11InputRecorder();
 
-    /// Connects to $DISPLAY, recording nothing yet. False, with errorString(), when that is impossible.
+    /// Connects to $DISPLAY without recording yet. False, with errorString(), on failure.
     bool open();
 
-    /// Records keys, buttons (the wheel is among them), both or neither from now on. False when the server is lost.
+    /// Records keys, buttons (including the wheel), both or neither from now on. False when the server is lost.
     bool setRecorded(bool keys, bool buttons);
 
-    /// Takes what has arrived, without waiting. False when the server is lost.
+    /// Reads the events received so far, without waiting. False when the server is lost.
     bool read(std::vector<X11InputEvent> &events);
 
     int dataDescriptor() const;
 
-    /// The connection beside the data; for requests of any kind. An event there says that there may be something to
-    /// read(), if the server is asked something first.
+    /// The control connection, which callers may use for any requests. An event on it means that read() may return data
+    /// after a round trip to the server.
     xcb_connection_t *control() const { return m_control.get(); }
 
-    /// Lets every call return that waits for the server, now and in future. Any thread, while the object lives.
+    /// Makes every call that waits for the server return, now and in future. Any thread, while the object exists.
     void interrupt();
 
     QString errorString() const { return m_error; }

@@ -8,7 +8,7 @@
 #include <xcb/xcb.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
-#define explicit explicit_ // a field of xcb_xkb_set_explicit_t has this name
+#define explicit explicit_ // <xcb/xkb.h> uses the keyword as a field name
 #include <xcb/xkb.h>
 #undef explicit
 
@@ -20,7 +20,7 @@ namespace kel
 namespace
 {
 
-constexpr std::uint16_t modifierMask = 0xff;
+constexpr std::uint16_t kModifierMask = 0xff;
 
 int groupOf(std::uint16_t state)
 {
@@ -53,7 +53,7 @@ X11Keymap::X11Keymap(xcb_connection_t *connection)
                                      XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent, nullptr) ||
         !selectEvents()) {
         m_firstEvent = 0;
-        qCWarning(logInput, "[KelKeyMouseHook] the X server has no usable XKB extension: keys cannot be told apart");
+        qCWarning(logInput, "[KelKeyMouseHook] the X server has no usable XKB extension: keys cannot be identified");
     }
 }
 
@@ -74,25 +74,25 @@ bool X11Keymap::selectEvents()
 
 void X11Keymap::load()
 {
-    m_stale = false;
+    m_isStale = false;
     const std::int32_t device = xkb_x11_get_core_keyboard_device_id(m_connection);
     std::unique_ptr<xkb_keymap, Unref> keymap(
         device < 0
             ? nullptr
             : xkb_x11_keymap_new_from_device(m_context.get(), m_connection, device, XKB_KEYMAP_COMPILE_NO_FLAGS));
     if (!keymap)
-        return; // in the middle of a change: the last keymap serves until the next announcement
+        return; // fails during a change: the previous keymap is used until the next notification
     m_state.reset(xkb_state_new(keymap.get()));
     m_keymap = std::move(keymap);
 }
 
 int X11Keymap::qtKey(std::uint8_t keycode, std::uint16_t state)
 {
-    if (m_stale && m_firstEvent != 0)
+    if (m_isStale && m_firstEvent != 0)
         load();
     if (!m_state)
         return 0;
-    xkb_state_update_mask(m_state.get(), state & modifierMask, 0, 0, 0, 0, xkb_layout_index_t(groupOf(state)));
+    xkb_state_update_mask(m_state.get(), state & kModifierMask, 0, 0, 0, 0, xkb_layout_index_t(groupOf(state)));
     const xkb_keysym_t symbol = xkb_state_key_get_one_sym(m_state.get(), keycode);
     Qt::KeyboardModifiers modifiers = QXkbCommon::modifiers(m_state.get());
     if (QXkbCommon::isKeypad(symbol))

@@ -1,17 +1,18 @@
 #include "keymouse/x11/X11ShortcutGrabber.h"
 
+#include "keymouse/x11/XcbPtr.h"
+
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
 #include <xcb/xcb.h>
-#define explicit explicit_ // a field of xcb_xkb_set_explicit_t has this name
+#define explicit explicit_ // <xcb/xkb.h> uses the keyword as a field name
 #include <xcb/xkb.h>
 #undef explicit
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 
 namespace kel
 {
@@ -19,19 +20,13 @@ namespace kel
 namespace
 {
 
-struct Free {
-    void operator()(void *pointer) const { std::free(pointer); }
-};
-template <typename T>
-using XcbPtr = std::unique_ptr<T, Free>;
-
-constexpr std::uint16_t ChordModifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
+constexpr std::uint16_t kChordModifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
 
 struct NamedKey {
     int key;
     std::uint32_t keysym;
 };
-constexpr std::array NamedKeys{
+constexpr std::array kNamedKeys{
     NamedKey{Qt::Key_Space, XKB_KEY_space},
     NamedKey{Qt::Key_Tab, XKB_KEY_Tab},
     NamedKey{Qt::Key_Return, XKB_KEY_Return},
@@ -51,18 +46,19 @@ constexpr std::array NamedKeys{
     NamedKey{Qt::Key_ScrollLock, XKB_KEY_Scroll_Lock},
 };
 
-/// The symbol of the key without modifiers, 0 for keys that make no shortcut.
+/// The keysym of the key without modifiers; 0 for keys that are not supported in shortcuts.
 std::uint32_t keysymOf(int key)
 {
     if (key >= Qt::Key_A && key <= Qt::Key_Z)
         return XKB_KEY_a + std::uint32_t(key - Qt::Key_A);
     if (key >= Qt::Key_F1 && key <= Qt::Key_F35)
         return XKB_KEY_F1 + std::uint32_t(key - Qt::Key_F1);
-    for (const NamedKey &named : NamedKeys) {
+    for (const NamedKey &named : kNamedKeys) {
         if (named.key == key)
             return named.keysym;
     }
-    return key > Qt::Key_Space && key <= Qt::Key_AsciiTilde ? std::uint32_t(key) : 0; // Latin-1 has one number in both
+    return key > Qt::Key_Space && key <= Qt::Key_AsciiTilde ? std::uint32_t(key)
+                                                            : 0; // Latin-1 has the same codes in both
 }
 
 } // namespace
@@ -82,7 +78,7 @@ X11ShortcutGrabber::X11ShortcutGrabber()
     for (; screen.rem > 1 && number > 0; --number)
         xcb_screen_next(&screen);
     m_root = screen.data->root;
-    followKeyboard();
+    subscribeToKeyboard();
     readKeyboard();
     m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &X11ShortcutGrabber::readEvents);
@@ -102,14 +98,14 @@ bool X11ShortcutGrabber::isConnected() const
 QString X11ShortcutGrabber::grab(int combination)
 {
     if (!isConnected())
-        return QCoreApplication::translate("GlobalShortcut", "There is no X server to ask for it.");
+        return QCoreApplication::translate("GlobalShortcut", "There is no connection to an X server.");
     const Chord chord = chordOf(combination);
     if (chord.keycodes.empty())
         return QCoreApplication::translate("GlobalShortcut", "The keyboard has no such key.");
     if (!grabChord(chord))
         return QCoreApplication::translate("GlobalShortcut", "Another program uses it.");
     m_grabbed.insert(combination, chord);
-    readEvents(); // what came in while waiting for answers wakes no notifier any more
+    readEvents(); // events received while waiting for replies do not trigger the notifier
     return QString();
 }
 
@@ -118,9 +114,9 @@ void X11ShortcutGrabber::release(int combination)
     releaseChord(m_grabbed.take(combination));
 }
 
-/// Has a held key repeat as presses only, without releases in between, and changes of the keyboard told. Without XKB
-/// the server tells them as MappingNotify, and held keys repeat as if somebody pressed them again and again.
-void X11ShortcutGrabber::followKeyboard()
+/// Makes a held key repeat as presses only, without releases in between, and subscribes to keyboard changes. Without
+/// XKB the server reports changes as MappingNotify, and a held key repeats as if it were pressed again and again.
+void X11ShortcutGrabber::subscribeToKeyboard()
 {
     const xcb_query_extension_reply_t *const extension = xcb_get_extension_data(m_connection, &xcb_xkb_id);
     const XcbPtr<xcb_xkb_use_extension_reply_t> use(
@@ -130,12 +126,13 @@ void X11ShortcutGrabber::followKeyboard()
     if (!use || !use->supported)
         return;
     m_xkbEvent = extension->first_event;
-    constexpr std::uint32_t Repeat = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
-    const auto flags = xcb_xkb_per_client_flags(m_connection, XCB_XKB_ID_USE_CORE_KBD, Repeat, Repeat, 0, 0, 0);
+    constexpr std::uint32_t kDetectableRepeat = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
+    const auto flags =
+        xcb_xkb_per_client_flags(m_connection, XCB_XKB_ID_USE_CORE_KBD, kDetectableRepeat, kDetectableRepeat, 0, 0, 0);
     xcb_discard_reply(m_connection, flags.sequence);
-    constexpr std::uint16_t Events = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
-    constexpr std::uint16_t Parts = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
-    xcb_xkb_select_events(m_connection, XCB_XKB_ID_USE_CORE_KBD, Events, 0, Events, Parts, Parts, nullptr);
+    constexpr std::uint16_t kEvents = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+    constexpr std::uint16_t kMapParts = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+    xcb_xkb_select_events(m_connection, XCB_XKB_ID_USE_CORE_KBD, kEvents, 0, kEvents, kMapParts, kMapParts, nullptr);
 }
 
 void X11ShortcutGrabber::readKeyboard()
@@ -150,7 +147,7 @@ void X11ShortcutGrabber::readKeyboard()
     const XcbPtr<xcb_get_modifier_mapping_reply_t> modifiers(
         xcb_get_modifier_mapping_reply(m_connection, modifierCookie, nullptr));
     if (!keyboard || !modifiers)
-        return; // the last known one serves on
+        return; // the previous mapping stays in use
     m_columns = keyboard->keysyms_per_keycode;
     const xcb_keysym_t *const keysyms = xcb_get_keyboard_mapping_keysyms(keyboard.get());
     m_keysyms.assign(keysyms, keysyms + xcb_get_keyboard_mapping_keysyms_length(keyboard.get()));
@@ -171,7 +168,7 @@ X11ShortcutGrabber::Chord X11ShortcutGrabber::chordOf(int combination) const
         chord.modifiers |= XCB_MOD_MASK_1;
     if (combination & Qt::MetaModifier)
         chord.modifiers |= XCB_MOD_MASK_4;
-    // In whichever layout: a person who types Cyrillic at the moment presses the same key as ever.
+    // In any layout: while a Cyrillic layout is active, the shortcut still is on the same key.
     for (std::size_t i = 0; keysym != 0 && i < m_keysyms.size(); ++i) {
         const auto keycode = std::uint8_t(m_firstKeycode + int(i) / m_columns);
         if (m_keysyms[i] == keysym && (chord.keycodes.empty() || chord.keycodes.back() != keycode))
@@ -180,7 +177,7 @@ X11ShortcutGrabber::Chord X11ShortcutGrabber::chordOf(int combination) const
     return chord;
 }
 
-/// The modifier that a key of this symbol is, 0 when there is none.
+/// The modifier mask of the key with this keysym; 0 when it is not a modifier.
 std::uint16_t X11ShortcutGrabber::maskOf(std::uint32_t keysym) const
 {
     for (std::size_t i = 0; i < m_modifierKeys.size(); ++i) {
@@ -196,7 +193,7 @@ std::uint16_t X11ShortcutGrabber::maskOf(std::uint32_t keysym) const
 
 bool X11ShortcutGrabber::grabChord(const Chord &chord)
 {
-    // A grab is for exactly these modifiers, and locks count as some.
+    // A grab matches exactly these modifiers, and the locks count as modifiers.
     const std::uint16_t numLock = maskOf(XKB_KEY_Num_Lock);
     std::vector<xcb_void_cookie_t> cookies;
     for (const std::uint8_t keycode : chord.keycodes) {
@@ -228,10 +225,11 @@ void X11ShortcutGrabber::releaseChord(const Chord &chord)
 
 void X11ShortcutGrabber::readEvents()
 {
-    bool isKeyboardNew = false;
+    bool hasKeyboardChanged = false;
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         const int type = event->response_type & 0x7f;
-        isKeyboardNew = isKeyboardNew || type == XCB_MAPPING_NOTIFY || (m_xkbEvent != 0 && type == m_xkbEvent);
+        hasKeyboardChanged =
+            hasKeyboardChanged || type == XCB_MAPPING_NOTIFY || (m_xkbEvent != 0 && type == m_xkbEvent);
         switch (type) {
         case XCB_KEY_PRESS:
             keyPressed(*reinterpret_cast<const xcb_key_press_event_t *>(event.get()));
@@ -245,7 +243,7 @@ void X11ShortcutGrabber::readEvents()
     }
     if (!isConnected()) {
         m_notifier->setEnabled(false);
-    } else if (isKeyboardNew) {
+    } else if (hasKeyboardChanged) {
         for (const Chord &chord : qAsConst(m_grabbed))
             releaseChord(chord);
         readKeyboard();
@@ -263,10 +261,10 @@ void X11ShortcutGrabber::keyPressed(const xcb_key_press_event_t &event)
     m_heldKey = event.detail;
     for (auto known = m_grabbed.cbegin(); known != m_grabbed.cend(); ++known) {
         const std::vector<std::uint8_t> &keycodes = known->keycodes;
-        if ((event.state & ChordModifiers) == known->modifiers &&
+        if ((event.state & kChordModifiers) == known->modifiers &&
             std::find(keycodes.begin(), keycodes.end(), event.detail) != keycodes.end()) {
             emit pressed(known.key());
-            return; // whoever was told may have changed the shortcuts
+            return; // a receiver may have changed the shortcuts
         }
     }
 }

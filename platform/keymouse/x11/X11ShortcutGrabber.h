@@ -14,7 +14,7 @@ struct xcb_key_press_event_t;
 namespace kel
 {
 
-/// Grabs keys on the root window of the X screen that $DISPLAY names, on a connection of its own.
+/// Grabs keys on the root window of the X screen that $DISPLAY names, through its own connection.
 class X11ShortcutGrabber final : public GlobalShortcutGrabber
 {
     Q_OBJECT
@@ -27,14 +27,14 @@ public:
     void release(int combination) override;
 
 private:
-    /// How a combination is typed on the present keyboard.
+    /// A combination on the current keyboard.
     struct Chord {
         std::uint16_t modifiers = 0;
         std::vector<std::uint8_t> keycodes;
     };
 
     bool isConnected() const;
-    void followKeyboard();
+    void subscribeToKeyboard();
     void readKeyboard();
     Chord chordOf(int combination) const;
     std::uint16_t maskOf(std::uint32_t keysym) const;
@@ -48,14 +48,14 @@ private:
     std::unique_ptr<QSocketNotifier> m_notifier;
     QHash<int, Chord> m_grabbed;
 
-    std::vector<std::uint32_t> m_keysyms; // of all keycodes, m_columns for each
+    std::vector<std::uint32_t> m_keysyms; // m_columns per keycode
     int m_columns = 0;
     int m_firstKeycode = 0;
-    std::vector<std::uint8_t> m_modifierKeys; // m_keysPerModifier for each of the eight modifiers
+    std::vector<std::uint8_t> m_modifierKeys; // m_keysPerModifier per modifier
     int m_keysPerModifier = 0;
 
-    std::uint8_t m_xkbEvent = 0; // the type of events about the keyboard; 0: no XKB
-    std::uint8_t m_heldKey = 0;  // the key that is down; it repeats
+    std::uint8_t m_xkbEvent = 0; // the type of XKB events; 0: no XKB
+    std::uint8_t m_heldKey = 0;  // the pressed key, to ignore its auto-repeat
 };
 
 } // namespace kel

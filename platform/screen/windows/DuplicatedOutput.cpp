@@ -13,10 +13,10 @@ namespace kel
 namespace
 {
 
-constexpr UINT firstPictureLimitMs = 40;
+constexpr UINT kFirstFrameTimeoutMs = 40;
 
-// Beyond this many rectangles one bigger transfer is cheaper than many small ones.
-constexpr int maxRects = 128;
+// With more rectangles than this, one large transfer is cheaper than many small ones.
+constexpr int kMaxRects = 128;
 
 int degreesOf(DXGI_MODE_ROTATION rotation)
 {
@@ -72,32 +72,32 @@ HRESULT DuplicatedOutput::createTarget()
     target.Height = UINT(m_part.height());
     target.MipLevels = 1;
     target.ArraySize = 1;
-    target.Format = DXGI_FORMAT_B8G8R8A8_UNORM; // what is handed out, whatever the screen shows
+    target.Format = DXGI_FORMAT_B8G8R8A8_UNORM; // the format of duplicated surfaces, independent of the display mode
     target.SampleDesc.Count = 1;
     target.Usage = D3D11_USAGE_STAGING;
     target.CPUAccessFlags = D3D11_CPU_ACCESS_READ;
     return m_device->CreateTexture2D(&target, nullptr, &m_target);
 }
 
-HRESULT DuplicatedOutput::update(QImage &picture, QRegion *changed)
+HRESULT DuplicatedOutput::update(QImage &image, QRegion *changed)
 {
     DXGI_OUTDUPL_FRAME_INFO info{};
     ComPtr<IDXGIResource> frame;
-    HRESULT result = m_duplication->AcquireNextFrame(m_hasPicture ? 0 : firstPictureLimitMs, &info, &frame);
+    HRESULT result = m_duplication->AcquireNextFrame(m_hasImage ? 0 : kFirstFrameTimeoutMs, &info, &frame);
     if (result == DXGI_ERROR_WAIT_TIMEOUT)
-        return m_hasPicture ? S_OK : result;
+        return m_hasImage ? S_OK : result;
     if (FAILED(result))
         return result;
-    // A frame that was never presented tells of the pointer alone; what it shows is not the desktop.
+    // A frame without a present time reports only the pointer; its surface is not the desktop.
     if (info.LastPresentTime.QuadPart != 0)
-        result = read(frame.Get(), m_hasPicture ? changedOnSurface(info) : QRegion(m_part), picture, changed);
-    else if (!m_hasPicture)
+        result = read(frame.Get(), m_hasImage ? changedOnSurface(info) : QRegion(m_part), image, changed);
+    else if (!m_hasImage)
         result = DXGI_ERROR_WAIT_TIMEOUT;
     m_duplication->ReleaseFrame();
     return result;
 }
 
-/// All of it when Windows does not tell.
+/// The whole part when Windows does not report the changes.
 QRegion DuplicatedOutput::changedOnSurface(const DXGI_OUTDUPL_FRAME_INFO &info)
 {
     QRegion region;
@@ -116,10 +116,10 @@ QRegion DuplicatedOutput::changedOnSurface(const DXGI_OUTDUPL_FRAME_INFO &info)
     for (const RECT &rect : drawn)
         region += fromNative(rect);
     region &= m_part;
-    return region.rectCount() > maxRects ? QRegion(region.boundingRect()) : region;
+    return region.rectCount() > kMaxRects ? QRegion(region.boundingRect()) : region;
 }
 
-HRESULT DuplicatedOutput::read(IDXGIResource *frame, const QRegion &onSurface, QImage &picture, QRegion *changed)
+HRESULT DuplicatedOutput::read(IDXGIResource *frame, const QRegion &onSurface, QImage &image, QRegion *changed)
 {
     ComPtr<ID3D11Texture2D> texture;
     HRESULT result = frame->QueryInterface(IID_PPV_ARGS(&texture));
@@ -144,11 +144,11 @@ HRESULT DuplicatedOutput::read(IDXGIResource *frame, const QRegion &onSurface, Q
                             rect.width(), rect.height(), int(mapped.RowPitch), QImage::Format_RGB32);
         const QRect target = m_rotation.toScreen(rect).translated(m_placement);
         copyPixels(m_rotation.degrees() == 0 ? pixels : pixels.transformed(QTransform().rotate(m_rotation.degrees())),
-                   target.topLeft(), picture);
+                   target.topLeft(), image);
         *changed += target;
     }
     m_context->Unmap(m_target.Get(), 0);
-    m_hasPicture = true;
+    m_hasImage = true;
     return S_OK;
 }
 

@@ -12,17 +12,17 @@
 namespace kel
 {
 
-/// One screen, whose pictures and changes the Desktop Duplication API hands out.
+/// One screen, duplicated by the Desktop Duplication API.
 class DuplicatedOutput
 {
 public:
-    /// Begins to duplicate the part of the screen that lies in `rect` (physical pixels of the desktop). The device is
-    /// of the screen's adapter.
+    /// Starts to duplicate the part of the screen inside of `rect` (physical pixels of the desktop). `device` must
+    /// belong to the adapter of the screen.
     HRESULT open(ID3D11Device *device, IDXGIOutput *output, const QRect &rect);
 
-    /// Brings the screen's part of `picture`, a picture of that rectangle, up to date and adds to `changed` where that
-    /// was necessary. DXGI_ERROR_WAIT_TIMEOUT when there has not been a picture yet.
-    HRESULT update(QImage &picture, QRegion *changed);
+    /// Updates the screen's part of `image`, the image of that rectangle, and adds the updated area to `changed`.
+    /// DXGI_ERROR_WAIT_TIMEOUT when no frame was received yet.
+    HRESULT update(QImage &image, QRegion *changed);
 
 private:
     template <typename Interface>
@@ -30,16 +30,16 @@ private:
 
     HRESULT createTarget();
     QRegion changedOnSurface(const DXGI_OUTDUPL_FRAME_INFO &info);
-    HRESULT read(IDXGIResource *frame, const QRegion &onSurface, QImage &picture, QRegion *changed);
+    HRESULT read(IDXGIResource *frame, const QRegion &onSurface, QImage &image, QRegion *changed);
 
     ComPtr<ID3D11Device> m_device;
     ComPtr<ID3D11DeviceContext> m_context;
     ComPtr<IDXGIOutputDuplication> m_duplication;
-    ComPtr<ID3D11Texture2D> m_target; // the wanted part of the surface, in memory that can be read
+    ComPtr<ID3D11Texture2D> m_target; // a CPU-readable copy of the part of the surface
     SurfaceRotation m_rotation;
-    QRect m_part;       // what is wanted of the surface
-    QPoint m_placement; // of the screen's top-left corner in the picture
-    bool m_hasPicture = false;
+    QRect m_part;       // of the surface that is read
+    QPoint m_placement; // of the screen's top-left corner in the image
+    bool m_hasImage = false;
 };
 
 } // namespace kel

@@ -14,20 +14,20 @@ using Microsoft::WRL::ComPtr;
 namespace
 {
 
-// What is to pass in a moment and has not so many updates later never will.
-constexpr int maxVainUpdates = 50;
+// A transient error that lasts for more updates than this is permanent.
+constexpr int kMaxFailedUpdates = 50;
 
-// Of a desktop that is somebody else's: asking makes work, and may go on for hours.
-constexpr int updatesBetweenQuestions = 10;
+// While another desktop has the screen: retrying is expensive, and the state can last for hours.
+constexpr int kUpdatesBetweenRetries = 10;
 
-/// The desktop is somebody else's: of whoever logs on or confirms a question of rights. That can take hours.
-bool isElsewhere(HRESULT result)
+/// Another desktop has the screen, such as the log-on screen or a consent prompt. That can last for hours.
+bool isAccessLost(HRESULT result)
 {
     return result == DXGI_ERROR_ACCESS_LOST || result == E_ACCESSDENIED || result == DXGI_ERROR_SESSION_DISCONNECTED;
 }
 
-/// Screens are being switched, or have nothing to show yet.
-bool passes(HRESULT result)
+/// The display mode is changing, or there is no frame yet.
+bool isTransient(HRESULT result)
 {
     return result == DXGI_ERROR_MODE_CHANGE_IN_PROGRESS || result == DXGI_ERROR_DEVICE_REMOVED ||
            result == DXGI_ERROR_DEVICE_RESET || result == DXGI_ERROR_WAIT_TIMEOUT;
@@ -53,23 +53,23 @@ DuplicationDesktopReader::DuplicationDesktopReader(const QRect &rect, const Dupl
 
 DesktopReader::Update DuplicationDesktopReader::update()
 {
-    Update news;
-    if (m_restingUpdates > 0) {
-        --m_restingUpdates;
-        return news;
+    Update update;
+    if (m_updatesToSkip > 0) {
+        --m_updatesToSkip;
+        return update;
     }
     HRESULT result = S_OK;
     if (m_factory && !m_factory->IsCurrent())
-        m_factory.Reset(); // a screen has come or gone
+        m_factory.Reset(); // a screen was added or removed
     if (!m_factory) {
         result = open();
         if (SUCCEEDED(result))
-            news.changed = QRect(QPoint(), m_rect.size());
+            update.changed = QRect(QPoint(), m_rect.size());
     }
     if (SUCCEEDED(result))
-        result = read(&news.changed);
-    news.state = stateAfter(result);
-    return news;
+        result = read(&update.changed);
+    update.state = stateAfter(result);
+    return update;
 }
 
 HRESULT DuplicationDesktopReader::open()
@@ -98,15 +98,15 @@ HRESULT DuplicationDesktopReader::open()
                 return result;
         }
     }
-    if (!missing.isEmpty()) // screens of a driver that has no part in this, or screens in a hurry
-        return m_hasPicture ? DXGI_ERROR_MODE_CHANGE_IN_PROGRESS : DXGI_ERROR_UNSUPPORTED;
-    if (m_outputs.empty() && m_hasPicture) // the last screen went, as it does when somebody leaves a remote desktop
+    if (!missing.isEmpty()) // screens whose driver does not support duplication, or that are changing
+        return m_hasImage ? DXGI_ERROR_MODE_CHANGE_IN_PROGRESS : DXGI_ERROR_UNSUPPORTED;
+    if (m_outputs.empty() && m_hasImage) // the last screen was removed, as when a remote desktop is disconnected
         return DXGI_ERROR_SESSION_DISCONNECTED;
-    QImage picture(m_rect.size(), QImage::Format_RGB32);
-    if (picture.isNull())
+    QImage image(m_rect.size(), QImage::Format_RGB32);
+    if (image.isNull())
         return E_OUTOFMEMORY;
-    picture.fill(Qt::black);
-    m_picture = picture;
+    image.fill(Qt::black);
+    m_image = image;
     m_factory = factory;
     return S_OK;
 }
@@ -114,7 +114,7 @@ HRESULT DuplicationDesktopReader::open()
 HRESULT DuplicationDesktopReader::read(QRegion *changed)
 {
     for (DuplicatedOutput &output : m_outputs) {
-        const HRESULT result = output.update(m_picture, changed);
+        const HRESULT result = output.update(m_image, changed);
         if (FAILED(result))
             return result;
     }
@@ -124,19 +124,19 @@ HRESULT DuplicationDesktopReader::read(QRegion *changed)
 DesktopReader::State DuplicationDesktopReader::stateAfter(HRESULT result)
 {
     if (SUCCEEDED(result)) {
-        m_hasPicture = true;
-        m_vainUpdates = 0;
+        m_hasImage = true;
+        m_failedUpdates = 0;
         return State::Ready;
     }
     if (result != DXGI_ERROR_WAIT_TIMEOUT)
         m_factory.Reset();
-    if (isElsewhere(result) && m_hasPicture) {
-        m_restingUpdates = updatesBetweenQuestions;
+    if (isAccessLost(result) && m_hasImage) {
+        m_updatesToSkip = kUpdatesBetweenRetries;
         return State::NotNow;
     }
-    if ((isElsewhere(result) || passes(result)) && ++m_vainUpdates < maxVainUpdates)
+    if ((isAccessLost(result) || isTransient(result)) && ++m_failedUpdates < kMaxFailedUpdates)
         return State::NotNow;
-    qCInfo(logScreen, "[DuplicationDesktopReader] Windows does not hand out pictures of this desktop (error %08lx)",
+    qCInfo(logScreen, "[DuplicationDesktopReader] Windows does not provide frames of this desktop (error %08lx)",
            static_cast<unsigned long>(result));
     return State::Unusable;
 }

@@ -11,19 +11,19 @@
 namespace kel
 {
 
-/// What hands out screens and what reads them.
+/// The system functions that the reader uses; tests replace them.
 struct DuplicationSystem {
     std::function<HRESULT(IDXGIFactory1 **)> createFactory;
     std::function<HRESULT(IDXGIAdapter1 *, ID3D11Device **)> createDevice;
-    std::function<QRegion()> monitors; ///< where the desktop is shown, in physical pixels
+    std::function<QRegion()> monitors; ///< the area of all monitors, in physical pixels
 
     static DuplicationSystem real();
 };
 
-/// Reads the desktop with the Desktop Duplication API: Windows tells what was drawn, and only that is copied.
+/// Reads the desktop with the Desktop Duplication API: Windows reports the changed areas, and only those are copied.
 ///
-/// Windows takes the access away whenever screens are switched, somebody logs on or a program takes over a screen; it
-/// is asked for anew now and then until it is granted, and the last picture stays meanwhile.
+/// Windows revokes the access when display modes change, a log-on screen appears or a program enters exclusive full
+/// screen; the reader retries now and then until access is granted again, and keeps the last image meanwhile.
 class DuplicationDesktopReader final : public DesktopReader
 {
 public:
@@ -31,7 +31,7 @@ public:
     explicit DuplicationDesktopReader(const QRect &rect, const DuplicationSystem &system = DuplicationSystem::real());
 
     Update update() override;
-    const QImage &picture() const override { return m_picture; }
+    const QImage &image() const override { return m_image; }
 
 private:
     HRESULT open();
@@ -40,12 +40,12 @@ private:
 
     const QRect m_rect;
     const DuplicationSystem m_system;
-    QImage m_picture;
+    QImage m_image;
     Microsoft::WRL::ComPtr<IDXGIFactory1> m_factory; // null while the screens are not open
     std::list<DuplicatedOutput> m_outputs;
-    int m_vainUpdates = 0;    // since the last picture
-    int m_restingUpdates = 0; // until the desktop is asked for again
-    bool m_hasPicture = false;
+    int m_failedUpdates = 0; // since the last image
+    int m_updatesToSkip = 0; // before the next retry
+    bool m_hasImage = false;
 };
 
 } // namespace kel

@@ -1,7 +1,7 @@
 #include "screen/windows/GdiDesktopReader.h"
 
+#include "screen/windows/ImageChanges.h"
 #include "screen/windows/Monitors.h"
-#include "screen/windows/PictureChanges.h"
 
 #include <windows.h>
 
@@ -10,7 +10,7 @@
 namespace kel
 {
 
-/// Pixels that both GDI and we can reach.
+/// Pixels that both GDI and QImage access.
 class GdiDesktopReader::Bitmap
 {
 public:
@@ -20,7 +20,7 @@ public:
         BITMAPINFO info{};
         info.bmiHeader.biSize = sizeof info.bmiHeader;
         info.bmiHeader.biWidth = size.width();
-        info.bmiHeader.biHeight = -size.height(); // the first line is the top one
+        info.bmiHeader.biHeight = -size.height(); // top-down
         info.bmiHeader.biPlanes = 1;
         info.bmiHeader.biBitCount = 32;
         info.bmiHeader.biCompression = BI_RGB;
@@ -44,14 +44,14 @@ public:
     const QImage &image() const { return m_image; }
     void clear() { m_image.fill(Qt::black); }
 
-    /// Reads `source` of the desktop to the place `to`. False when Windows refuses.
+    /// Copies `source` of the desktop to the position `to`. False when Windows refuses.
     bool read(const QRect &source, const QPoint &to)
     {
-        // The desktop's context belongs to the thread that asks for it, so each reading asks anew.
+        // The device context of the desktop belongs to the thread that gets it, so each read gets a new one.
         HDC desktop = GetDC(nullptr);
         const bool done = desktop && BitBlt(m_context, to.x(), to.y(), source.width(), source.height(), desktop,
                                             source.x(), source.y(), SRCCOPY);
-        GdiFlush(); // GDI may draw later than it says
+        GdiFlush(); // GDI may defer drawing
         ReleaseDC(nullptr, desktop);
         return done;
     }
@@ -65,8 +65,8 @@ private:
 
 GdiDesktopReader::GdiDesktopReader(const QRect &rect)
     : m_rect(rect)
-    , m_now(std::make_unique<Bitmap>(rect.size()))
-    , m_before(std::make_unique<Bitmap>(rect.size()))
+    , m_current(std::make_unique<Bitmap>(rect.size()))
+    , m_previous(std::make_unique<Bitmap>(rect.size()))
 {
 }
 
@@ -74,31 +74,31 @@ GdiDesktopReader::~GdiDesktopReader() = default;
 
 DesktopReader::Update GdiDesktopReader::update()
 {
-    if (m_now->image().isNull() || m_before->image().isNull())
+    if (m_current->image().isNull() || m_previous->image().isNull())
         return {State::Unusable, {}};
     const QRegion visible = monitorRegion() & m_rect;
     if (visible != m_visible) {
         m_visible = visible;
-        m_hasPicture = false;
-        m_now->clear();
-        m_before->clear();
+        m_hasImage = false;
+        m_current->clear();
+        m_previous->clear();
     }
-    std::swap(m_now, m_before);
+    std::swap(m_current, m_previous);
     for (const QRect &part : visible) {
-        if (!m_now->read(part, part.topLeft() - m_rect.topLeft())) {
-            std::swap(m_now, m_before);
+        if (!m_current->read(part, part.topLeft() - m_rect.topLeft())) {
+            std::swap(m_current, m_previous);
             return {State::NotNow, {}};
         }
     }
-    if (!std::exchange(m_hasPicture, true))
+    if (!std::exchange(m_hasImage, true))
         return {State::Ready, QRect(QPoint(), m_rect.size())};
-    return {State::Ready, changedRegion(m_before->image(), m_now->image())};
+    return {State::Ready, changedRegion(m_previous->image(), m_current->image())};
 }
 
-const QImage &GdiDesktopReader::picture() const
+const QImage &GdiDesktopReader::image() const
 {
     static const QImage none;
-    return m_hasPicture ? m_now->image() : none;
+    return m_hasImage ? m_current->image() : none;
 }
 
 } // namespace kel

@@ -9,7 +9,7 @@
 namespace kel
 {
 
-/// Reads the desktop with GDI, which works everywhere, and finds out by comparison what has changed.
+/// Reads the desktop with GDI, which works on every system, and finds changes by comparing images.
 class GdiDesktopReader final : public DesktopReader
 {
 public:
@@ -18,16 +18,16 @@ public:
     ~GdiDesktopReader() override;
 
     Update update() override;
-    const QImage &picture() const override;
+    const QImage &image() const override;
 
 private:
     class Bitmap;
 
     const QRect m_rect;
-    QRegion m_visible; // the part of it that lies on screens
-    std::unique_ptr<Bitmap> m_now;
-    std::unique_ptr<Bitmap> m_before;
-    bool m_hasPicture = false;
+    QRegion m_visible; // the part of it on screens
+    std::unique_ptr<Bitmap> m_current;
+    std::unique_ptr<Bitmap> m_previous;
+    bool m_hasImage = false;
 };
 
 } // namespace kel

@@ -5,7 +5,7 @@
 namespace kel
 {
 
-/// Where there are screens, in physical pixels of the desktop.
+/// The area of all monitors in physical pixels of the desktop.
 QRegion monitorRegion();
 
 } // namespace kel

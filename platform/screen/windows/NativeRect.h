@@ -7,7 +7,7 @@
 namespace kel
 {
 
-/// Right and bottom of Windows' rectangles lie behind their last pixel.
+/// Converts a RECT, whose right and bottom edges are exclusive.
 inline QRect fromNative(const RECT &rect)
 {
     return {QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1)};

@@ -6,7 +6,7 @@ namespace kel
 namespace
 {
 
-QRect turned(const QRect &rect, int degrees, const QSize &within)
+QRect rotated(const QRect &rect, int degrees, const QSize &within)
 {
     const int fromRight = within.width() - rect.x() - rect.width();
     const int fromBottom = within.height() - rect.y() - rect.height();
@@ -26,13 +26,13 @@ QRect turned(const QRect &rect, int degrees, const QSize &within)
 
 QRect SurfaceRotation::toScreen(const QRect &onSurface) const
 {
-    return turned(onSurface, m_degrees, m_surface);
+    return rotated(onSurface, m_degrees, m_surface);
 }
 
 QRect SurfaceRotation::toSurface(const QRect &onScreen) const
 {
     const bool isUpright = m_degrees % 180 == 0;
-    return turned(onScreen, (360 - m_degrees) % 360, isUpright ? m_surface : m_surface.transposed());
+    return rotated(onScreen, (360 - m_degrees) % 360, isUpright ? m_surface : m_surface.transposed());
 }
 
 } // namespace kel

@@ -6,13 +6,13 @@
 namespace kel
 {
 
-/// How the surface that a graphics adapter scans out lies on a screen that somebody has turned.
+/// Converts between the surface that a graphics adapter scans out and a rotated screen.
 class SurfaceRotation
 {
 public:
     SurfaceRotation() = default;
 
-    /// The surface appears turned clockwise by 0, 90, 180 or 270 degrees.
+    /// The screen shows the surface rotated clockwise by 0, 90, 180 or 270 degrees.
     SurfaceRotation(int degrees, const QSize &surface)
         : m_degrees(degrees)
         , m_surface(surface)
@@ -21,7 +21,7 @@ public:
 
     int degrees() const { return m_degrees; }
 
-    /// Rectangles of the surface on the screen, and the other way round.
+    /// Converts a rectangle of the surface to the screen and back.
     QRect toScreen(const QRect &onSurface) const;
     QRect toSurface(const QRect &onScreen) const;
 

@@ -1,7 +1,7 @@
 #include "screen/windows/WindowsCursorSource.h"
 
 #include "screen/CursorShape.h"
-#include "screen/windows/CursorPicture.h"
+#include "screen/windows/CursorImage.h"
 
 #include <QImage>
 
@@ -13,10 +13,10 @@ namespace kel
 namespace
 {
 
-constexpr qint64 jiffiesPerSecond = 60; // the unit of an animation's rates
-constexpr UINT maxFrames = 64;
+constexpr qint64 kJiffiesPerSecond = 60; // the unit of frame durations
+constexpr UINT kMaxFrames = 64;
 
-/// Frees what a system call has handed out.
+/// Owns the bitmaps of a pointer.
 class IconBitmaps
 {
 public:
@@ -43,7 +43,7 @@ private:
     const bool m_isValid;
 };
 
-/// The pixels of a bitmap, whatever its depth, in 32 bits; null when they cannot be read.
+/// The pixels of a bitmap of any depth in 32 bits; null when they cannot be read.
 QImage pixelsOf(HBITMAP bitmap)
 {
     BITMAP described{};
@@ -53,7 +53,7 @@ QImage pixelsOf(HBITMAP bitmap)
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = described.bmWidth;
-    info.bmiHeader.biHeight = -described.bmHeight; // the first line is the top one
+    info.bmiHeader.biHeight = -described.bmHeight; // top-down
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     info.bmiHeader.biCompression = BI_RGB;
@@ -74,12 +74,12 @@ KelCursorShape shapeOf(HCURSOR cursor, double ratio)
     const QImage colors = info.hbmColor ? pixelsOf(info.hbmColor) : QImage();
     if (mask.isNull() || (info.hbmColor && colors.isNull()))
         return {};
-    const QImage picture = info.hbmColor ? CursorPicture::fromColors(colors, mask) : CursorPicture::fromMasks(mask);
-    return cursorShape(picture, {int(info.xHotspot), int(info.yHotspot)}, ratio);
+    const QImage image = info.hbmColor ? CursorImage::fromColors(colors, mask) : CursorImage::fromMasks(mask);
+    return cursorShape(image, {int(info.xHotspot), int(info.yHotspot)}, ratio);
 }
 
-/// One picture of an animated pointer, for how long it is shown and how many there are. Windows has the function
-/// without describing it; where it is missing, a pointer shows its first picture.
+/// One frame of an animated pointer, its duration and the number of frames. The function is undocumented; where it is
+/// missing, an animated pointer shows its first frame.
 HCURSOR frameOf(HCURSOR cursor, UINT number, DWORD *jiffies, UINT *count)
 {
     using GetCursorFrameInfo = HCURSOR(WINAPI *)(HCURSOR, DWORD, DWORD, DWORD *, UINT *);
@@ -107,19 +107,19 @@ KelCursorPixmap WindowsCursorSource::read()
     return {m_screen.toLogical({info.ptScreenPos.x, info.ptScreenPos.y}), currentShape()};
 }
 
-/// Other programs make and destroy pointers, and handles are used again: only as long as a pointer stays is its handle
-/// trusted to mean the same picture.
+/// Other programs create and destroy pointers, and Windows reuses handles: a handle identifies an image only while the
+/// pointer does not change.
 void WindowsCursorSource::load(HCURSOR cursor)
 {
     m_cursor = cursor;
-    m_sinceSeen.start();
+    m_sinceLoaded.start();
     m_frames.clear();
     DWORD jiffies = 0;
     UINT count = 0;
     qint64 endMs = 0;
     HCURSOR frame = frameOf(cursor, 0, &jiffies, &count);
-    for (UINT number = 1; frame && count > 1 && number <= std::min(count, maxFrames); ++number) {
-        endMs += std::max<qint64>(jiffies, 1) * 1000 / jiffiesPerSecond;
+    for (UINT number = 1; frame && count > 1 && number <= std::min(count, kMaxFrames); ++number) {
+        endMs += std::max<qint64>(jiffies, 1) * 1000 / kJiffiesPerSecond;
         m_frames.append({shapeOf(frame, m_screen.ratio), endMs});
         frame = frameOf(cursor, number, &jiffies, &count);
     }
@@ -129,7 +129,7 @@ void WindowsCursorSource::load(HCURSOR cursor)
 
 const KelCursorShape &WindowsCursorSource::currentShape() const
 {
-    const qint64 now = m_sinceSeen.elapsed() % m_frames.last().endMs;
+    const qint64 now = m_sinceLoaded.elapsed() % m_frames.last().endMs;
     return std::find_if(m_frames.begin(), m_frames.end(), [now](const Frame &frame) { return now < frame.endMs; })
         ->shape;
 }

@@ -24,17 +24,17 @@ public:
 private:
     struct Frame {
         KelCursorShape shape;
-        qint64 endMs; // since the pointer was first seen
+        qint64 endMs; // relative to m_sinceLoaded
     };
 
     void load(HCURSOR cursor);
     const KelCursorShape &currentShape() const;
 
     const ScreenGeometry m_screen;
-    std::mutex m_mutex; // guards what follows
+    std::mutex m_mutex; // guards the members below
     HCURSOR m_cursor = nullptr;
-    QVector<Frame> m_frames; // of that cursor; one unless it is animated
-    QElapsedTimer m_sinceSeen;
+    QVector<Frame> m_frames; // of m_cursor; one unless it is animated
+    QElapsedTimer m_sinceLoaded;
 };
 
 } // namespace kel

@@ -1,6 +1,7 @@
 #include "screen/windows/WindowsScreenBackend.h"
 
 #include "geometry/ScreenGeometry.h"
+#include "screen/CaptureRect.h"
 #include "screen/FailedScreenStreamer.h"
 #include "screen/NativeScreenBackend.h"
 #include "screen/windows/DuplicationDesktopReader.h"
@@ -15,8 +16,8 @@ namespace kel
 namespace
 {
 
-// Pictures that a graphics adapter can hold.
-constexpr int largestLength = 16384;
+// The maximum texture size of graphics adapters.
+constexpr int kMaxSide = 16384;
 
 } // namespace
 
@@ -34,13 +35,9 @@ QString WindowsScreenBackend::errorString() const
 std::unique_ptr<KelScreenStreamer> WindowsScreenBackend::createStreamer(const QRect &rect)
 {
     const QRect physical = physicalRect(rect);
-    QString error = errorString();
-    if (physical.isEmpty())
-        error = QStringLiteral("The screen cannot be captured: the rectangle is empty.");
-    else if (physical.width() > largestLength || physical.height() > largestLength)
-        error = QStringLiteral("The screen cannot be captured: the rectangle (%1 x %2) is larger than any screen.")
-                    .arg(physical.width())
-                    .arg(physical.height());
+    QString error = captureRectError(physical, kMaxSide);
+    if (error.isEmpty())
+        error = errorString();
     if (!error.isEmpty())
         return std::make_unique<FailedScreenStreamer>(error);
     WindowsScreenStreamer::Readers readers;

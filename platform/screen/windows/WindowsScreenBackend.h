@@ -5,7 +5,7 @@
 namespace kel
 {
 
-/// Captures the desktop that the user sees and its pointer.
+/// Captures the visible desktop and its pointer.
 class WindowsScreenBackend final : public KelScreenBackend
 {
 public:

@@ -13,7 +13,7 @@ namespace kel
 namespace
 {
 
-constexpr QImage::Format frameFormat = QImage::Format_ARGB32_Premultiplied;
+constexpr QImage::Format kFrameFormat = QImage::Format_ARGB32_Premultiplied;
 
 } // namespace
 
@@ -26,30 +26,30 @@ bool WindowsScreenStreamer::hasFrameChanged()
 {
     if (!update())
         return false;
-    m_asked = true;
+    m_isReaderFresh = true;
     return !m_changed.isEmpty();
 }
 
 bool WindowsScreenStreamer::captureTo(QImage &image)
 {
-    if (!std::exchange(m_asked, false) && !update())
+    if (!std::exchange(m_isReaderFresh, false) && !update())
         return false;
-    const QImage &picture = m_readers.front()->picture();
+    const QImage &source = m_readers.front()->image();
     if (image.isNull() || image.cacheKey() != m_filledKey) {
-        m_changed = picture.rect();
-        // All of it is written: a buffer that others share need not be copied first.
-        if (image.size() != picture.size() || image.format() != frameFormat || !image.isDetached()) {
-            QImage fresh(picture.size(), frameFormat);
+        m_changed = source.rect();
+        // All pixels are overwritten, so a shared buffer need not be copied first.
+        if (image.size() != source.size() || image.format() != kFrameFormat || !image.isDetached()) {
+            QImage fresh(source.size(), kFrameFormat);
             if (fresh.isNull()) {
-                setError(QStringLiteral("There is no memory for a picture of the screen."));
+                setError(QStringLiteral("There is not enough memory for a frame of the screen."));
                 return false;
             }
             image = std::move(fresh);
         }
     }
     for (const QRect &rect : m_changed) {
-        const QImage part(picture.constScanLine(rect.y()) + rect.x() * int(sizeof(QRgb)), rect.width(), rect.height(),
-                          picture.bytesPerLine(), picture.format());
+        const QImage part(source.constScanLine(rect.y()) + rect.x() * int(sizeof(QRgb)), rect.width(), rect.height(),
+                          source.bytesPerLine(), source.format());
         copyOpaque(part, rect.topLeft(), image);
     }
     m_filledKey = image.cacheKey();
@@ -63,18 +63,18 @@ QString WindowsScreenStreamer::errorString() const
     return m_error;
 }
 
-/// Has the reader look at the desktop. False when it cannot be read now.
+/// Updates the image of the reader. False when the desktop cannot currently be read.
 bool WindowsScreenStreamer::update()
 {
     while (!m_readers.empty()) {
-        const DesktopReader::Update news = m_readers.front()->update();
-        if (news.state != DesktopReader::State::Unusable) {
-            m_changed += news.changed;
-            return news.state == DesktopReader::State::Ready;
+        const DesktopReader::Update update = m_readers.front()->update();
+        if (update.state != DesktopReader::State::Unusable) {
+            m_changed += update.changed;
+            return update.state == DesktopReader::State::Ready;
         }
         m_readers.erase(m_readers.begin());
     }
-    setError(QStringLiteral("Windows refuses to hand out the pixels of the desktop."));
+    setError(QStringLiteral("Windows refuses access to the pixels of the desktop."));
     return false;
 }
 

@@ -12,17 +12,17 @@
 namespace kel
 {
 
-/// Captures a rectangle of the desktop with the first reader that works, and with the next one once that fails for
-/// good.
+/// Captures a rectangle of the desktop with the first reader that works, and switches to the next one when a reader
+/// fails permanently.
 ///
-/// Only what changed since the last capture is copied, as long as the caller hands in the image of that capture; any
-/// other image is filled anew. While the desktop cannot be read nothing changes: the last picture stays.
+/// When the caller passes the image of the previous capture, only the changes since then are copied; any other image is
+/// filled completely. While the desktop cannot be read, nothing changes.
 class WindowsScreenStreamer final : public KelScreenStreamer
 {
 public:
     using Readers = std::vector<std::unique_ptr<DesktopReader>>;
 
-    /// All read the same rectangle; the best one comes first.
+    /// All readers read the same rectangle; the preferred one comes first.
     explicit WindowsScreenStreamer(Readers readers);
 
     bool hasFrameChanged() override;
@@ -34,9 +34,9 @@ private:
     void setError(const QString &error);
 
     Readers m_readers;
-    QRegion m_changed;      // since the last capture
-    bool m_asked = false;   // there was a question since the last capture, and so the reader's picture is fresh
-    qint64 m_filledKey = 0; // tells the image that the last capture filled, and that nobody has changed it since
+    QRegion m_changed;            // since the last capture
+    bool m_isReaderFresh = false; // the reader was updated since the last capture
+    qint64 m_filledKey = 0;       // identifies the image of the last capture in its unmodified state
 
     mutable std::mutex m_errorMutex;
     QString m_error;

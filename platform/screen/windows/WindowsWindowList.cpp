@@ -10,9 +10,7 @@ using namespace kel;
 namespace
 {
 
-constexpr int smallestSide = 24; // what is smaller nobody wants to record
-
-/// Programs that sleep, and windows of other virtual desktops, are visible to all but the eye.
+/// Suspended programs and windows of other virtual desktops are formally visible but cloaked.
 bool isSeen(HWND window)
 {
     DWORD cloaked = 0;
@@ -20,7 +18,7 @@ bool isSeen(HWND window)
            (FAILED(DwmGetWindowAttribute(window, DWMWA_CLOAKED, &cloaked, sizeof cloaked)) || cloaked == 0);
 }
 
-/// Without the shadow, which counts as a part of the window elsewhere.
+/// Without the shadow, which GetWindowRect() includes.
 QRect frameOf(HWND window)
 {
     RECT frame{};
@@ -32,8 +30,9 @@ QRect frameOf(HWND window)
 BOOL CALLBACK addWindow(HWND window, LPARAM rects)
 {
     const QRect frame = isSeen(window) ? frameOf(window) : QRect();
-    const QRect logical =
-        frame.width() >= smallestSide && frame.height() >= smallestSide ? logicalRect(frame) : QRect();
+    const QRect logical = frame.width() >= KelWindowList::kMinimumSide && frame.height() >= KelWindowList::kMinimumSide
+                              ? logicalRect(frame)
+                              : QRect();
     if (!logical.isEmpty())
         reinterpret_cast<QVector<QRect> *>(rects)->append(logical);
     return TRUE;

@@ -5,7 +5,7 @@
 namespace kel
 {
 
-/// Anonymous memory that another process maps through a file descriptor; it is gone with its last user.
+/// Anonymous memory that another process can map through a file descriptor. It is freed when no process uses it.
 class SharedMemory
 {
 public:
@@ -14,10 +14,10 @@ public:
     SharedMemory(const SharedMemory &) = delete;
     SharedMemory &operator=(const SharedMemory &) = delete;
 
-    /// Null when the system has none.
+    /// Null when it could not be allocated.
     unsigned char *data() const { return m_data; }
 
-    /// A new descriptor for it, which the caller closes; -1 when there is none.
+    /// A new descriptor of the memory, which the caller closes; -1 on error.
     int descriptor() const;
 
 private:

@@ -14,10 +14,10 @@ namespace kel
 namespace
 {
 
-// An animated pointer has a shape for each of its pictures; more than this many are a program that makes ever new ones.
-constexpr int maxShapes = 64;
+// An animated pointer has one shape per frame; more shapes than this come from a program that keeps creating new ones.
+constexpr int kMaxShapes = 64;
 
-/// A client may have sent colours that are stronger than their opacity, which premultiplied pixels cannot be.
+/// A client may have sent colors greater than their alpha, which is invalid for premultiplied pixels.
 QRgb premultiplied(uint32_t pixel)
 {
     const int alpha = qAlpha(pixel);
@@ -40,25 +40,25 @@ KelCursorShape shapeOf(const xcb_xfixes_get_cursor_image_reply_t *reply, double 
 X11CursorSource::X11CursorSource(const ScreenGeometry &screen)
     : m_screen(screen)
 {
-    if (!watchShapes()) {
-        m_shapeNotice = 0;
-        qCWarning(logScreen, "[KelCursorPixmap] the pointer cannot be seen: %s",
+    if (!subscribeToShapes()) {
+        m_cursorNotifyEvent = 0;
+        qCWarning(logScreen, "[KelCursorPixmap] the pointer cannot be captured: %s",
                   m_connection.isOpen() ? "the X server has no XFIXES extension"
                                         : "there is no connection to an X server");
     }
 }
 
-bool X11CursorSource::watchShapes()
+bool X11CursorSource::subscribeToShapes()
 {
     if (!m_connection.isOpen() || !m_connection.screen())
         return false;
     const auto *extension = xcb_get_extension_data(m_connection, &xcb_xfixes_id);
     if (!extension || !extension->present)
         return false;
-    // A server answers to no other request of the extension before it was told the version.
+    // The server accepts other requests of an extension only after the version request.
     if (!m_connection.await<xcb_xfixes_query_version_reply_t>(xcb_xfixes_query_version(m_connection, 2, 0)))
         return false;
-    m_shapeNotice = extension->first_event + XCB_XFIXES_CURSOR_NOTIFY;
+    m_cursorNotifyEvent = extension->first_event + XCB_XFIXES_CURSOR_NOTIFY;
     return m_connection.check(xcb_xfixes_select_cursor_input_checked(m_connection, m_connection.screen()->root,
                                                                      XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR));
 }
@@ -66,33 +66,33 @@ bool X11CursorSource::watchShapes()
 KelCursorPixmap X11CursorSource::read()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_shapeNotice == 0)
+    if (m_cursorNotifyEvent == 0)
         return {};
     if (m_connection.isStalled())
-        return withoutAnswer();
+        return snapshotWithoutReply();
     const auto pointer =
         m_connection.await<xcb_query_pointer_reply_t>(xcb_query_pointer(m_connection, m_connection.screen()->root));
     if (!pointer)
-        return withoutAnswer();
-    takeNotices(); // those that came before the answer
+        return snapshotWithoutReply();
+    processNotifications(); // those received before the reply
     const KelCursorShape *shape = currentShape();
     if (!shape)
-        return withoutAnswer();
+        return snapshotWithoutReply();
     const bool isVisible = pointer->same_screen && !shape->type.isEmpty();
     m_last =
         isVisible ? KelCursorPixmap(m_screen.toLogical({pointer->root_x, pointer->root_y}), *shape) : KelCursorPixmap();
     return m_last;
 }
 
-void X11CursorSource::takeNotices()
+void X11CursorSource::processNotifications()
 {
     while (const auto event = m_connection.nextEvent()) {
-        if ((event->response_type & 0x7f) == m_shapeNotice)
+        if ((event->response_type & 0x7f) == m_cursorNotifyEvent)
             m_serial = reinterpret_cast<const xcb_xfixes_cursor_notify_event_t *>(event.get())->cursor_serial;
     }
 }
 
-/// Null when the server does not answer.
+/// Null when the server does not respond.
 const KelCursorShape *X11CursorSource::currentShape()
 {
     const auto known = m_shapes.constFind(m_serial);
@@ -102,22 +102,22 @@ const KelCursorShape *X11CursorSource::currentShape()
         m_connection.await<xcb_xfixes_get_cursor_image_reply_t>(xcb_xfixes_get_cursor_image(m_connection));
     if (!reply && (m_connection.isStalled() || !m_connection.isOpen()))
         return nullptr;
-    if (m_shapes.size() >= maxShapes)
+    if (m_shapes.size() >= kMaxShapes)
         m_shapes.clear();
     if (reply)
         m_serial = reply->cursor_serial;
-    // The server refuses where there is no pointer at all, until it says otherwise.
+    // The server returns an error when there is no pointer, until a notification with another serial.
     return &*m_shapes.insert(m_serial, reply ? shapeOf(reply.get(), m_screen.ratio) : KelCursorShape());
 }
 
-/// A server that hangs shows what it showed; one that is gone shows nothing.
-KelCursorPixmap X11CursorSource::withoutAnswer()
+/// The last snapshot while the server does not respond; no cursor once it is gone.
+KelCursorPixmap X11CursorSource::snapshotWithoutReply()
 {
     if (m_connection.isOpen())
         return m_last;
     qCWarning(logScreen,
-              "[KelCursorPixmap] the pointer cannot be seen any more: the connection to the X server is lost");
-    m_shapeNotice = 0;
+              "[KelCursorPixmap] the pointer can no longer be captured: the connection to the X server is lost");
+    m_cursorNotifyEvent = 0;
     return {};
 }
 

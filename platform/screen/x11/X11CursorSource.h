@@ -15,29 +15,29 @@ namespace kel
 
 /// The pointer of the X screen that $DISPLAY names.
 ///
-/// Where it is has to be asked each time. When its shape changes the server says so, with a number for the new shape:
-/// pixels are fetched once a shape.
+/// Its position is requested each time. The server announces changes of its shape with a serial, so pixels are
+/// requested only once per shape.
 class X11CursorSource final : public KelCursorSource
 {
 public:
-    /// `scale`: of the screen to whose logical pixels positions are converted.
+    /// Positions are converted to the logical pixels of `screen`.
     explicit X11CursorSource(const ScreenGeometry &screen);
 
     KelCursorPixmap read() override;
 
 private:
-    bool watchShapes();
-    void takeNotices();
+    bool subscribeToShapes();
+    void processNotifications();
     const KelCursorShape *currentShape();
-    KelCursorPixmap withoutAnswer();
+    KelCursorPixmap snapshotWithoutReply();
 
     const ScreenGeometry m_screen;
 
-    std::mutex m_mutex; // guards what follows
+    std::mutex m_mutex; // guards the members below
     XcbConnection m_connection;
-    QHash<quint32, KelCursorShape> m_shapes; // by the server's number; without type where there is nothing to see
-    quint32 m_serial = 0;                    // the present shape's number; 0 before it is known
-    int m_shapeNotice = 0;                   // the event's code; 0 when the pointer cannot be watched
+    QHash<quint32, KelCursorShape> m_shapes; // by serial; without a type where nothing is visible
+    quint32 m_serial = 0;                    // of the current shape; 0 before it is known
+    int m_cursorNotifyEvent = 0;             // event code; 0 when the pointer cannot be captured
     KelCursorPixmap m_last;
 };
 

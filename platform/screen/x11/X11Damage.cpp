@@ -13,7 +13,7 @@ X11Damage::X11Damage(XcbConnection &connection)
     if (!damage || !damage->present || !xfixes || !xfixes->present)
         return;
 
-    // A server answers to no other request of these extensions before it was told the version.
+    // The server accepts other requests of an extension only after the version request.
     const auto damageVersion = xcb_damage_query_version(connection, 1, 1);
     const auto xfixesVersion = xcb_xfixes_query_version(connection, 2, 0);
     const bool known = bool(connection.await<xcb_damage_query_version_reply_t>(damageVersion)) &
@@ -50,7 +50,7 @@ std::optional<QRegion> X11Damage::take()
         ++from;
     }
     QRegion region;
-    region.setRects(rects.constData(), rects.size()); // both sides keep their rectangles in the same bands
+    region.setRects(rects.constData(), rects.size()); // both use the same order of rectangles
     return region;
 }
 

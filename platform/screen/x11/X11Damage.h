@@ -12,26 +12,25 @@
 namespace kel
 {
 
-/// Watches which parts of the root window, with all windows on it, are drawn to.
+/// Tracks which parts of the root window, including all windows on it, are drawn to.
 ///
-/// The server sends one event when its record of damage stops being empty, and goes on recording in silence until that
-/// record is taken. Nothing is lost between taking and reading pixels: what is drawn in between is recorded anew.
+/// The server sends one event when its damage record becomes non-empty, and silently continues recording until the
+/// record is taken. Nothing is lost between taking the record and reading pixels: drawing in between is recorded again.
 class X11Damage
 {
 public:
     explicit X11Damage(XcbConnection &connection);
 
-    /// False on a server that cannot tell what was drawn.
+    /// False when the server does not support damage tracking.
     bool isAvailable() const { return m_damage != XCB_NONE; }
 
-    /// The event says that there is something to take.
+    /// True for the event that announces damage.
     bool isNotify(const xcb_generic_event_t &event) const;
 
-    /// Takes the record, in pixels of the root window. Nothing when the server does not answer: the record is lost
-    /// then.
+    /// Takes the record, in pixels of the root window. Empty when the server does not respond; the record is then lost.
     std::optional<QRegion> take();
 
-    /// Empties the record unseen. Does not wait for the server.
+    /// Discards the record without waiting for the server.
     void clear();
 
 private:

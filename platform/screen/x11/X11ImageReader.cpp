@@ -26,13 +26,13 @@ QImage::Format imageFormat(int bitsPerPixel, const xcb_visualtype_t &visual)
         unsigned red, green, blue;
         QImage::Format format;
     };
-    static constexpr Known knownFormats[] = {
+    static constexpr Known kKnownFormats[] = {
         {32, 0xff0000, 0xff00, 0xff, QImage::Format_RGB32},
         {32, 0x3ff00000, 0xffc00, 0x3ff, QImage::Format_RGB30},
         {16, 0xf800, 0x7e0, 0x1f, QImage::Format_RGB16},
         {16, 0x7c00, 0x3e0, 0x1f, QImage::Format_RGB555},
     };
-    for (const Known &known : knownFormats) {
+    for (const Known &known : kKnownFormats) {
         if (known.bitsPerPixel == bitsPerPixel && known.red == visual.red_mask && known.green == visual.green_mask &&
             known.blue == visual.blue_mask)
             return known.format;
@@ -81,7 +81,7 @@ void X11ImageReader::attach(std::size_t bytes)
         if (m_connection.check(xcb_shm_attach_fd_checked(m_connection, m_segment, descriptor, false)))
             return;
     }
-    m_memory.reset(); // a server on another machine, which cannot share memory
+    m_memory.reset(); // the server runs on another machine and cannot share memory
 }
 
 std::optional<std::vector<X11ImageReader::Block>> X11ImageReader::read(const QVector<QRect> &rects)

@@ -15,7 +15,7 @@
 namespace kel
 {
 
-/// Reads pixels of the root window: through shared memory, or over the connection when the server is far away.
+/// Reads pixels of the root window: through shared memory, or over the connection when the server cannot share memory.
 class X11ImageReader
 {
 public:
@@ -24,17 +24,17 @@ public:
         QRect rect;
         const unsigned char *bits = nullptr;
         int bytesPerLine = 0;
-        XcbPtr<xcb_get_image_reply_t> owner; ///< holds the bits when they came over the connection
+        XcbPtr<xcb_get_image_reply_t> owner; ///< owns the bits when they were read over the connection
     };
 
-    /// All that is asked for at once fits into `maxSize`.
+    /// The rectangles of one read() fit into `maxSize` pixels.
     X11ImageReader(XcbConnection &connection, const QSize &maxSize);
 
-    /// How the pixels lie in memory (unused bits have any value); Format_Invalid when Qt has no name for it.
+    /// The format of the pixels (unused bits are undefined); Format_Invalid when QImage does not support it.
     QImage::Format format() const { return m_format; }
 
-    /// Reads disjoint rectangles, which must lie inside of the root window, in one go.
-    /// Nothing when the server refused one of them, did not answer in time or is gone.
+    /// Reads disjoint rectangles inside of the root window with one round trip. Empty when the server rejected one of
+    /// them, did not respond in time or is gone.
     std::optional<std::vector<Block>> read(const QVector<QRect> &rects);
 
 private:
@@ -46,7 +46,7 @@ private:
     QImage::Format m_format = QImage::Format_Invalid;
     int m_bitsPerPixel = 0;
     int m_linePadBits = 0;
-    std::optional<SharedMemory> m_memory; ///< only when the server has attached it, too
+    std::optional<SharedMemory> m_memory; // set only when the server has attached it
     xcb_shm_seg_t m_segment = XCB_NONE;
 };
 

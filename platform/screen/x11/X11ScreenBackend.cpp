@@ -1,6 +1,7 @@
 #include "screen/x11/X11ScreenBackend.h"
 
 #include "geometry/ScreenGeometry.h"
+#include "screen/CaptureRect.h"
 #include "screen/FailedScreenStreamer.h"
 #include "screen/NativeScreenBackend.h"
 #include "screen/x11/X11CursorSource.h"
@@ -13,8 +14,8 @@ namespace kel
 namespace
 {
 
-// The server's coordinates are signed and 16 bit wide.
-constexpr int largestLength = 32767;
+// X11 coordinates are signed 16-bit numbers.
+constexpr int kMaxSide = 32767;
 
 /// Empty for a working connection.
 QString connectionError(const XcbConnection &connection)
@@ -36,16 +37,11 @@ QString connectionError(const XcbConnection &connection)
 
 std::unique_ptr<KelScreenStreamer> streamerFor(const QRect &physical)
 {
-    if (physical.isEmpty())
-        return std::make_unique<FailedScreenStreamer>(
-            QStringLiteral("The screen cannot be captured: the rectangle is empty."));
-    if (physical.width() > largestLength || physical.height() > largestLength)
-        return std::make_unique<FailedScreenStreamer>(
-            QStringLiteral("The screen cannot be captured: the rectangle (%1 x %2) is larger than any screen.")
-                .arg(physical.width())
-                .arg(physical.height()));
+    QString error = captureRectError(physical, kMaxSide);
+    if (!error.isEmpty())
+        return std::make_unique<FailedScreenStreamer>(error);
     auto connection = std::make_unique<XcbConnection>();
-    const QString error = connectionError(*connection);
+    error = connectionError(*connection);
     if (!error.isEmpty())
         return std::make_unique<FailedScreenStreamer>(error);
     return std::make_unique<X11ScreenStreamer>(std::move(connection), physical);

@@ -13,10 +13,10 @@ namespace kel
 namespace
 {
 
-// Beyond this many rectangles one bigger transfer is cheaper than many small ones.
-constexpr int maxRects = 128;
+// With more rectangles than this, one large transfer is cheaper than many small ones.
+constexpr int kMaxRects = 128;
 
-constexpr QImage::Format frameFormat = QImage::Format_ARGB32_Premultiplied;
+constexpr QImage::Format kFrameFormat = QImage::Format_ARGB32_Premultiplied;
 
 } // namespace
 
@@ -27,40 +27,40 @@ X11ScreenStreamer::X11ScreenStreamer(std::unique_ptr<XcbConnection> connection, 
     , m_reader(*m_connection, rect.size())
 {
     if (m_reader.format() == QImage::Format_Invalid) {
-        setError(QStringLiteral("The pixels of this X screen (depth %1) have an unknown format.")
+        setError(QStringLiteral("The pixel format of this X screen (depth %1) is not supported.")
                      .arg(m_connection->screen()->root_depth));
         return;
     }
     const uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(*m_connection, m_connection->screen()->root, XCB_CW_EVENT_MASK, &events);
     if (!queryRootSize())
-        explainFailure();
+        reportFailure();
 }
 
 bool X11ScreenStreamer::hasFrameChanged()
 {
     if (!update())
         return false;
-    m_asked = true;
-    return m_everything || !m_changed.isEmpty();
+    m_isDamageFresh = true;
+    return m_needsFullRead || !m_changed.isEmpty();
 }
 
 bool X11ScreenStreamer::captureTo(QImage &image)
 {
     if (!update())
         return false;
-    if (!m_everything && !m_asked)
+    if (!m_needsFullRead && !m_isDamageFresh)
         takeDamage();
-    m_asked = false;
+    m_isDamageFresh = false;
 
-    const bool whole = m_everything || image.cacheKey() != m_filledKey;
+    const bool whole = m_needsFullRead || image.cacheKey() != m_filledKey;
     if (whole)
         m_damage.clear();
     if (!capture(whole, image))
         return false;
-    // What was drawn between the question what changed and the reading shows only where something had changed before:
-    // the picture would be of two moments. Who draws without a pause is left to the next capture.
-    for (int rounds = 2; rounds > 0 && update() && !m_everything && !m_changed.isEmpty(); --rounds) {
+    // Drawing between the damage request and the read is captured only inside of the damaged area, so the frame could
+    // mix two states. It is completed here, but not endlessly when a program draws without a pause.
+    for (int rounds = 2; rounds > 0 && update() && !m_needsFullRead && !m_changed.isEmpty(); --rounds) {
         if (!capture(false, image))
             return false;
     }
@@ -72,21 +72,21 @@ bool X11ScreenStreamer::capture(bool whole, QImage &image)
     for (int attempts = 3; attempts > 0; --attempts) {
         if (const auto blocks = m_reader.read(rectsToRead(whole))) {
             if (!paint(*blocks, whole, image)) {
-                setError(QStringLiteral("There is no memory for a picture of the screen."));
+                setError(QStringLiteral("There is not enough memory for a frame of the screen."));
                 return false;
             }
             m_filledKey = image.cacheKey();
             m_changed = {};
-            m_everything = !m_damage.isAvailable();
+            m_needsFullRead = !m_damage.isAvailable();
             setError({});
             return true;
         }
-        // The screen may have shrunk before its event could tell.
-        whole = m_everything = true;
+        // The screen may have shrunk before its event was received.
+        whole = m_needsFullRead = true;
         if (!queryRootSize())
             break;
     }
-    explainFailure();
+    reportFailure();
     return false;
 }
 
@@ -96,8 +96,8 @@ QString X11ScreenStreamer::errorString() const
     return m_error;
 }
 
-/// Learns what happened to the screen without waiting for the server, unless something was drawn. False when the screen
-/// cannot be read now.
+/// Processes events without waiting for the server, unless something was drawn. False when the screen cannot currently
+/// be read.
 bool X11ScreenStreamer::update()
 {
     if (m_reader.format() == QImage::Format_Invalid || m_connection->isStalled())
@@ -111,11 +111,11 @@ bool X11ScreenStreamer::update()
             setRootSize({root.width, root.height});
         }
     }
-    if (damaged && !m_everything)
+    if (damaged && !m_needsFullRead)
         takeDamage();
     if (m_connection->isOpen() && !m_connection->isStalled())
         return true;
-    explainFailure();
+    reportFailure();
     return false;
 }
 
@@ -134,7 +134,7 @@ void X11ScreenStreamer::setRootSize(const QSize &size)
         return;
     m_rootSize = size;
     m_visible = m_rect & QRect({0, 0}, size);
-    m_everything = true;
+    m_needsFullRead = true;
 }
 
 void X11ScreenStreamer::takeDamage()
@@ -142,7 +142,7 @@ void X11ScreenStreamer::takeDamage()
     if (const auto region = m_damage.take())
         m_changed += *region & m_visible;
     else
-        m_everything = true;
+        m_needsFullRead = true;
 }
 
 QVector<QRect> X11ScreenStreamer::rectsToRead(bool whole) const
@@ -151,7 +151,7 @@ QVector<QRect> X11ScreenStreamer::rectsToRead(bool whole) const
         return {};
     if (whole)
         return {m_visible};
-    if (m_changed.rectCount() > maxRects)
+    if (m_changed.rectCount() > kMaxRects)
         return {m_changed.boundingRect()};
     return {m_changed.begin(), m_changed.end()};
 }
@@ -159,9 +159,9 @@ QVector<QRect> X11ScreenStreamer::rectsToRead(bool whole) const
 bool X11ScreenStreamer::paint(const Blocks &blocks, bool whole, QImage &image) const
 {
     if (whole) {
-        // All of it is written: a buffer that others share need not be copied first.
-        if (image.size() != m_rect.size() || image.format() != frameFormat || !image.isDetached()) {
-            QImage fresh(m_rect.size(), frameFormat);
+        // All pixels are overwritten, so a shared buffer need not be copied first.
+        if (image.size() != m_rect.size() || image.format() != kFrameFormat || !image.isDetached()) {
+            QImage fresh(m_rect.size(), kFrameFormat);
             if (fresh.isNull())
                 return false;
             image = std::move(fresh);
@@ -176,14 +176,14 @@ bool X11ScreenStreamer::paint(const Blocks &blocks, bool whole, QImage &image) c
     return true;
 }
 
-void X11ScreenStreamer::explainFailure()
+void X11ScreenStreamer::reportFailure()
 {
     if (!m_connection->isOpen())
         setError(QStringLiteral("The connection to the X server is lost."));
     else if (m_connection->isStalled())
-        setError(QStringLiteral("The X server does not answer."));
+        setError(QStringLiteral("The X server does not respond."));
     else
-        setError(QStringLiteral("The X server refuses to hand out the pixels of the screen."));
+        setError(QStringLiteral("The X server refuses access to the pixels of the screen."));
 }
 
 void X11ScreenStreamer::setError(const QString &error)

@@ -14,10 +14,10 @@
 namespace kel
 {
 
-/// Captures a rectangle of the root window over a connection of its own.
+/// Captures a rectangle of the root window through its own connection.
 ///
-/// Only what was drawn to since the last capture is read, as long as the caller hands in the image of that capture;
-/// any other image is filled anew. The rectangle keeps its place and size when the screen is resized.
+/// When the caller passes the image of the previous capture, only the damage since then is read; any other image is
+/// filled completely. The rectangle keeps its position and size when the screen is resized.
 class X11ScreenStreamer final : public KelScreenStreamer
 {
 public:
@@ -38,7 +38,7 @@ private:
     void takeDamage();
     QVector<QRect> rectsToRead(bool whole) const;
     bool paint(const Blocks &blocks, bool whole, QImage &image) const;
-    void explainFailure();
+    void reportFailure();
     void setError(const QString &error);
 
     const std::unique_ptr<XcbConnection> m_connection;
@@ -47,11 +47,11 @@ private:
     X11ImageReader m_reader;
 
     QSize m_rootSize;
-    QRect m_visible;          // the part of the rectangle that lies on the screen
-    QRegion m_changed;        // the parts of it that were drawn to since the last capture, as far as known
-    bool m_everything = true; // all of it has to be read anew
-    bool m_asked = false;     // there was a question since the last capture, and so m_changed is fresh
-    qint64 m_filledKey = 0;   // tells the image that the last capture filled, and that nobody has changed it since
+    QRect m_visible;              // the part of the rectangle on the screen
+    QRegion m_changed;            // its known damage since the last capture
+    bool m_needsFullRead = true;  // all of it has to be read
+    bool m_isDamageFresh = false; // m_changed was updated since the last capture
+    qint64 m_filledKey = 0;       // identifies the image of the last capture in its unmodified state
 
     mutable std::mutex m_errorMutex;
     QString m_error;

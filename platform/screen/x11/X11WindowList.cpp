@@ -11,8 +11,6 @@ using namespace kel;
 namespace
 {
 
-constexpr int SmallestSide = 24; // what is smaller helps a window manager, and nobody wants to record it
-
 xcb_atom_t atom(XcbConnection &connection, std::string_view name)
 {
     const auto reply = connection.await<xcb_intern_atom_reply_t>(
@@ -20,7 +18,7 @@ xcb_atom_t atom(XcbConnection &connection, std::string_view name)
     return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
 }
 
-/// What a program that draws its own frame adds around it: a shadow, which is no part of the window to the eye.
+/// The margins of the shadow of a client-side window frame, which is not visually part of the window.
 QMargins shadow(XcbConnection &connection, xcb_window_t window, xcb_atom_t property)
 {
     if (property == XCB_ATOM_NONE)
@@ -63,14 +61,14 @@ QVector<QRect> KelWindowList::windowRects()
             continue;
         const int border = 2 * geometry->border_width;
         QRect rect(geometry->x, geometry->y, geometry->width + border, geometry->height + border);
-        // The shadow's size stands on the program's own window, which may lie within one of the window manager's.
+        // The property is on the program's own window, which may be a child of the window manager's frame.
         QMargins margins = shadow(connection, *window, frameExtents);
         if (margins.isNull() && frameExtents != XCB_ATOM_NONE) {
             for (const xcb_window_t child : children(connection, *window))
                 margins += shadow(connection, child, frameExtents);
         }
         rect = rect.marginsRemoved(margins);
-        if (rect.width() >= SmallestSide && rect.height() >= SmallestSide) {
+        if (rect.width() >= kMinimumSide && rect.height() >= kMinimumSide) {
             const QRect logical = logicalRect(rect);
             if (!logical.isEmpty())
                 rects.append(logical);

@@ -47,7 +47,7 @@ bool XcbConnection::isStalled()
 
 bool XcbConnection::check(xcb_void_cookie_t cookie)
 {
-    // The error of a request without reply is known once a later request is answered.
+    // A request without a reply has succeeded when a later request is answered and no error was received.
     if (!await<xcb_get_input_focus_reply_t>(xcb_get_input_focus(m_connection))) {
         xcb_discard_reply(m_connection, cookie.sequence);
         return false;
@@ -59,7 +59,7 @@ bool XcbConnection::check(xcb_void_cookie_t cookie)
 void *XcbConnection::awaitReply(unsigned sequence)
 {
     using Clock = std::chrono::steady_clock;
-    const Clock::time_point deadline = Clock::now() + answerLimit;
+    const Clock::time_point deadline = Clock::now() + kReplyTimeout;
     xcb_flush(m_connection);
     for (;;) {
         void *reply = nullptr;

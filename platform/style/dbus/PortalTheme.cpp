@@ -44,22 +44,24 @@ void PortalTheme::onRead(QDBusPendingCallWatcher *watcher)
     const QDBusPendingReply<QDBusVariant> reply = *watcher;
     watcher->deleteLater();
     if (reply.isValid())
-        take(reply.value().variant());
+        setFromPortal(reply.value().variant());
 }
 
 void PortalTheme::onSettingChanged(const QString &group, const QString &key, const QDBusVariant &value)
 {
     if (group == kGroup && key == kKey)
-        take(value.variant());
+        setFromPortal(value.variant());
 }
 
-void PortalTheme::take(QVariant value)
+void PortalTheme::setFromPortal(QVariant value)
 {
-    // Read wraps its answer once more than the signal does.
+    // The reply of Read is wrapped in one more variant than the signal.
     if (value.canConvert<QDBusVariant>())
         value = value.value<QDBusVariant>().variant();
     const uint scheme = value.toUInt();
-    setWish(scheme == kPrefersDark ? Wish::Dark : scheme == kPrefersLight ? Wish::Light : Wish::Unknown);
+    setColorScheme(scheme == kPrefersDark    ? ColorScheme::Dark
+                   : scheme == kPrefersLight ? ColorScheme::Light
+                                             : ColorScheme::Unknown);
 }
 
 } // namespace kel

@@ -8,8 +8,8 @@ class QDBusVariant;
 namespace kel
 {
 
-/// The colour scheme of the desktop portal, which the common desktops speak. Unknown until it answers, and where there
-/// is none.
+/// The color scheme of the desktop portal, which the common desktops provide. Unknown until the portal replies, and
+/// without a portal.
 class PortalTheme final : public SystemTheme
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ private slots:
 
 private:
     void onRead(QDBusPendingCallWatcher *watcher);
-    void take(QVariant value);
+    void setFromPortal(QVariant value);
 };
 
 } // namespace kel

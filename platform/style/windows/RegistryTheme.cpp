@@ -8,7 +8,7 @@ using namespace kel;
 namespace
 {
 
-/// The choice of the settings for applications. Windows tells of a change together with its other colours.
+/// The setting for applications in the registry. Windows announces a change together with a change of its other colors.
 class RegistryTheme final : public SystemTheme
 {
 public:
@@ -25,7 +25,9 @@ private:
             QStringLiteral("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize"),
             QSettings::NativeFormat);
         const QVariant light = personalize.value(QStringLiteral("AppsUseLightTheme"));
-        setWish(!light.isValid() ? Wish::Unknown : light.toBool() ? Wish::Light : Wish::Dark);
+        setColorScheme(!light.isValid() ? ColorScheme::Unknown
+                       : light.toBool() ? ColorScheme::Light
+                                        : ColorScheme::Dark);
     }
 };
 

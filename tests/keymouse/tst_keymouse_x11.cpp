@@ -24,9 +24,9 @@ namespace
 
 enum Code { LetterA = 38, LetterB = 56 };
 
-constexpr int scale = 2; // of the screen, see main()
+constexpr int kScale = 2; // of the screen, set in main()
 
-/// Counts what really comes from the server, before any hook is asked.
+/// Counts the events that the server delivers.
 class CountingSink final : public KeyMouseEventSink
 {
 public:
@@ -56,8 +56,8 @@ protected:
 
 } // namespace
 
-/// The event source of X11 with real input on a private X server whose screen is scaled.
-class keymouse_x11_test : public QObject
+/// The X11 event source with XTEST input on a private X server with a scaled screen.
+class KeymouseX11Test : public QObject
 {
     Q_OBJECT
 
@@ -66,7 +66,7 @@ class keymouse_x11_test : public QObject
 private slots:
     void initTestCase()
     {
-        QCOMPARE(QGuiApplication::primaryScreen()->devicePixelRatio(), double(scale));
+        QCOMPARE(QGuiApplication::primaryScreen()->devicePixelRatio(), double(kScale));
         m_input = std::make_unique<XTestInput>();
     }
 
@@ -76,7 +76,7 @@ private slots:
         hook.setHookType(KelKeyMouseHook::Mouse);
         m_input->move(100, 60);
         m_input->click(1);
-        m_input->warp(300, 200); // by a program: nothing moves, the next event tells
+        m_input->warp(300, 200); // by a program, which generates no event
         m_input->click(3);
         m_input->button(2, true); // dragged
         m_input->move(310, 210);
@@ -84,7 +84,7 @@ private slots:
         m_input->button(2, false);
         m_input->click(4);
         m_input->click(5);
-        m_input->click(6); // sideways
+        m_input->click(6); // horizontal scrolling
         m_input->click(7);
         m_input->click(8);
         m_input->click(9);
@@ -98,7 +98,7 @@ private slots:
         QCOMPARE(hook.take(expected.size()), expected);
     }
 
-    void buttonsAreThoseOfLeftHandedPeople()
+    void respectsSwappedButtons()
     {
         ClickWindow window;
         window.setGeometry(0, 0, 200, 200);
@@ -135,7 +135,7 @@ private slots:
         QCOMPARE(lines.count("key 41 1"), lines.size()); // presses only
     }
 
-    void grabOfAnotherProgramHidesNothing()
+    void seesKeysGrabbedByOtherProgram()
     {
         xcb_connection_t *other = xcb_connect(nullptr, nullptr);
         const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(other)).data->root;
@@ -151,8 +151,8 @@ private slots:
         xcb_disconnect(other);
     }
 
-    /// The server hands out what it has recorded only together with something else, which may never come.
-    void keysThatNoProgramGetsAreReportedAtOnce()
+    /// The server sends recorded events only along with other data, which may never come.
+    void reportsKeysThatNoProgramReceivesAtOnce()
     {
         RecordingHook hook;
         hook.setHookType(KelKeyMouseHook::Keyboard);
@@ -162,8 +162,8 @@ private slots:
         }
     }
 
-    /// What nobody wants is not recorded at all, and a change of the kinds loses nothing of the others.
-    void onlyWantedKindsLeaveTheServer()
+    /// The server records only needed kinds, and a change of the kinds loses no event of the others.
+    void recordsNeededKindsOnly()
     {
         CountingSink sink;
         const auto source = createKeyMouseEventSource(sink);
@@ -192,7 +192,7 @@ private slots:
         QCOMPARE(sink.keys.load(), 4);
     }
 
-    void threadLivesFromFirstToLastHook()
+    void threadExistsWhileHooksAreInstalled()
     {
         const int before = threadsOfThisProcess();
         for (int round = 0; round < 100; ++round) {
@@ -208,7 +208,7 @@ private slots:
         QTRY_COMPARE(threadsOfThisProcess(), before);
     }
 
-    void lastHookRemovedByItsOwnCallback()
+    void lastHookRemovedInItsCallback()
     {
         const int before = threadsOfThisProcess();
         RecordingHook hook;
@@ -223,7 +223,7 @@ private slots:
 
     void noServer()
     {
-        // Not set, no such server, nonsense.
+        // Not set, no such server, invalid.
         for (const QByteArray &display : {QByteArray(), QByteArray(":9999"), QByteArray("nonsense")}) {
             const EnvironmentChange change("DISPLAY", display);
             LogCapture log;
@@ -234,9 +234,9 @@ private slots:
             }
             RecordingHook next;
             next.setHookType(KelKeyMouseHook::Mouse);
-            // One warning for each time that somebody begins to watch, not one for each hook.
+            // One warning each time the source starts, not one per hook.
             const QString text =
-                "W [KelKeyMouseHook] keyboard and mouse cannot be watched: no X display can be reached";
+                "W [KelKeyMouseHook] keyboard and mouse cannot be monitored: no X display can be reached";
             QCOMPARE(log.take(), (QStringList{text, text}));
         }
     }
@@ -261,9 +261,9 @@ private slots:
         QCOMPARE(
             log.take(),
             QStringList{
-                "W [KelKeyMouseHook] keyboard and mouse cannot be watched: the connection to the X server is lost"});
+                "W [KelKeyMouseHook] keyboard and mouse cannot be monitored: the connection to the X server is lost"});
 
-        hook.setHookType(KelKeyMouseHook::Keyboard); // on the server that lives
+        hook.setHookType(KelKeyMouseHook::Keyboard); // on the running server
         m_input->tap(LetterA);
         QCOMPARE(hook.take(2).size(), 2);
     }
@@ -271,10 +271,10 @@ private slots:
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(kScale));
     QGuiApplication app(argc, argv);
-    keymouse_x11_test test;
+    KeymouseX11Test test;
     return QTest::qExec(&test, argc, argv);
 }
 
-#include "keymouse_x11_test.moc"
+#include "tst_keymouse_x11.moc"

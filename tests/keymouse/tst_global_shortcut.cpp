@@ -11,7 +11,7 @@ using namespace kel;
 namespace
 {
 
-// Key codes of the keyboard that every X server here has.
+// Keycodes of the evdev keymap, which all current X servers use.
 enum Code { Ctrl = 37, Shift = 50, Alt = 64, CapsLock = 66, NumLock = 77, LetterR = 27, F9 = 75 };
 
 } // namespace
@@ -26,7 +26,7 @@ private slots:
     void pressed();
     void heldKeyCountsOnce();
     void conflict();
-    void otherKeyboard();
+    void keymapChanges();
 
 private:
     void type(const QVector<int> &codes);
@@ -52,10 +52,10 @@ void GlobalShortcutTest::cleanup()
 
 void GlobalShortcutTest::pressed_data()
 {
-    const TestTable<QString, QVector<int>, QVector<int>, bool> row("keys", "locks", "typed", "isMeant");
+    const TestTable<QString, QVector<int>, QVector<int>, bool> row("keys", "locks", "typed", "matches");
     const QVector<int> none;
     row("letter", "Ctrl+Alt+R", none, QVector<int>{Ctrl, Alt, LetterR}, true);
-    row("modifiers in another order", "Ctrl+Alt+R", none, QVector<int>{Alt, Ctrl, LetterR}, true);
+    row("modifiers in other order", "Ctrl+Alt+R", none, QVector<int>{Alt, Ctrl, LetterR}, true);
     row("function key alone", "F9", none, QVector<int>{F9}, true);
     row("Caps Lock", "Ctrl+Alt+R", QVector<int>{CapsLock}, QVector<int>{Ctrl, Alt, LetterR}, true);
     row("Num Lock", "Ctrl+Alt+R", QVector<int>{NumLock}, QVector<int>{Ctrl, Alt, LetterR}, true);
@@ -69,9 +69,9 @@ void GlobalShortcutTest::pressed()
     QFETCH(QString, keys);
     QFETCH(QVector<int>, locks);
     QFETCH(QVector<int>, typed);
-    QFETCH(bool, isMeant);
+    QFETCH(bool, matches);
     GlobalShortcut shortcut;
-    GlobalShortcut witness; // heard after whatever was typed before
+    GlobalShortcut witness; // activated after all keys typed before it
     QVERIFY2(shortcut.setKeys(keys), qPrintable(shortcut.errorString()));
     QVERIFY(witness.setKeys(QKeySequence("Shift+F9")));
     QSignalSpy activated(&shortcut, &GlobalShortcut::activated);
@@ -82,13 +82,13 @@ void GlobalShortcutTest::pressed()
     type(typed);
     type({Shift, F9});
     QTRY_COMPARE(witnessed.size(), 1);
-    QCOMPARE(activated.size(), isMeant ? 1 : 0);
+    QCOMPARE(activated.size(), matches ? 1 : 0);
 
     QVERIFY(shortcut.setKeys(QKeySequence()));
     type(typed);
     type({Shift, F9});
     QTRY_COMPARE(witnessed.size(), 2);
-    QCOMPARE(activated.size(), isMeant ? 1 : 0);
+    QCOMPARE(activated.size(), matches ? 1 : 0);
 }
 
 void GlobalShortcutTest::heldKeyCountsOnce()
@@ -96,7 +96,7 @@ void GlobalShortcutTest::heldKeyCountsOnce()
     GlobalShortcut shortcut;
     QVERIFY(shortcut.setKeys(QKeySequence("F9")));
     QSignalSpy activated(&shortcut, &GlobalShortcut::activated);
-    // The server repeats a key of its own accord only for a real keyboard; to clients a press more looks the same.
+    // The server generates auto-repeat only for real keyboards; to clients a second press looks the same.
     m_input.key(F9, true);
     m_input.key(F9, true);
     m_input.key(F9, false);
@@ -106,7 +106,7 @@ void GlobalShortcutTest::heldKeyCountsOnce()
 
 void GlobalShortcutTest::conflict()
 {
-    // Another client has the combination already.
+    // Another client has grabbed the combination.
     xcb_connection_t *const other = xcb_connect(nullptr, nullptr);
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(other)).data->root;
     const auto grab = xcb_grab_key_checked(other, 1, root, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1, LetterR,
@@ -117,22 +117,22 @@ void GlobalShortcutTest::conflict()
     QVERIFY(!shortcut.setKeys(QKeySequence("Ctrl+Alt+R")));
     QVERIFY(shortcut.errorString().contains("Another program"));
     QVERIFY(shortcut.keys().isEmpty());
-    QVERIFY2(shortcut.setKeys(QKeySequence("F9")), "another one can be had");
+    QVERIFY2(shortcut.setKeys(QKeySequence("F9")), "another combination is available");
     QVERIFY2(!shortcut.setKeys(QKeySequence("F35")), "no such key");
     xcb_disconnect(other);
 }
 
-void GlobalShortcutTest::otherKeyboard()
+void GlobalShortcutTest::keymapChanges()
 {
-    constexpr int SpareKey = 248; // without meaning
+    constexpr int kSpareKey = 248; // without a keysym
     GlobalShortcut shortcut;
     QVERIFY(shortcut.setKeys(QKeySequence("F9")));
     QSignalSpy activated(&shortcut, &GlobalShortcut::activated);
-    m_input.setMeaning(SpareKey, 0xffc6); // F9
-    // The news of the keyboard takes its way; a press before it has arrived is not ours.
-    QTRY_VERIFY((type({SpareKey}), QCoreApplication::processEvents(), activated.size() > 0));
-    m_input.setMeaning(SpareKey, 0);
+    m_input.setKeysym(kSpareKey, 0xffc6); // F9
+    // The change notification arrives asynchronously; presses before it do not match.
+    QTRY_VERIFY((type({kSpareKey}), QCoreApplication::processEvents(), activated.size() > 0));
+    m_input.setKeysym(kSpareKey, 0);
 }
 
 QTEST_MAIN(GlobalShortcutTest)
-#include "global_shortcut_test.moc"
+#include "tst_global_shortcut.moc"

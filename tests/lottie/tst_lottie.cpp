@@ -1,5 +1,5 @@
 #include "lottie/KelLottie.h"
-#include "lottie/TurnedPicture.h"
+#include "lottie/TransformedImage.h"
 #include "support/Files.h"
 #include "support/LogCapture.h"
 #include "support/PaintedPart.h"
@@ -17,11 +17,11 @@ using namespace kel;
 namespace
 {
 
-const char placed[] = R"({"ty":"tr","p":{"a":0,"k":[0,0]},"a":{"a":0,"k":[0,0]},"s":{"a":0,"k":[100,100]},)"
-                      R"("r":{"a":0,"k":0},"o":{"a":0,"k":100}})";
+const char kTransform[] = R"({"ty":"tr","p":{"a":0,"k":[0,0]},"a":{"a":0,"k":[0,0]},"s":{"a":0,"k":[100,100]},)"
+                          R"("r":{"a":0,"k":0},"o":{"a":0,"k":100}})";
 
-/// On a canvas of 100 units for 10 frames: an accent square in red, 10 to 50 both ways; an accent bar in red, 70 to 90
-/// across and 10 to 30 down, which is a stroke; a square in green, 70 to 90 both ways, that is no accent.
+/// 10 frames of 100 x 100 units: a filled red accent square at 10 to 50; a red accent bar, drawn as a stroke, at x 70
+/// to 90 and y 10 to 30; a green square that is not an accent at 70 to 90.
 QByteArray sample()
 {
     return QByteArray(R"({"v":"5.5.7","fr":25,"ip":0,"op":10,"w":100,"h":100,"layers":[{"ty":4,"ip":0,"op":10,"st":0,
@@ -32,7 +32,7 @@ QByteArray sample()
             {"ty":"st","nm":"accent","c":{"a":0,"k":[1,0,0,1]},"o":{"a":0,"k":100},"w":{"a":0,"k":20},"lc":1,"lj":1},PLACED]},
         {"ty":"gr","it":[{"ty":"rc","p":{"a":0,"k":[80,80]},"s":{"a":0,"k":[20,20]},"r":{"a":0,"k":0}},
             {"ty":"fl","nm":"own","c":{"a":0,"k":[0,1,0,1]},"o":{"a":0,"k":100},"r":1},PLACED]}]}]})")
-        .replace("PLACED", placed);
+        .replace("PLACED", kTransform);
 }
 
 QImage canvas(int width, int height, double devicePixelRatio = 1)
@@ -55,7 +55,7 @@ double coverage(const QImage &image)
 
 } // namespace
 
-class lottie_test : public QObject
+class LottieTest : public QObject
 {
     Q_OBJECT
 
@@ -68,7 +68,7 @@ class lottie_test : public QObject
     }
 
 private slots:
-    /// A click shows at once, the hold frame is in full bloom, and the end leaves nothing that would vanish abruptly.
+    /// An effect is visible from its first frame, large at its hold frame, and has faded out by its last frame.
     void effects()
     {
         for (const auto &[name, holdFrame] : {std::pair("click_ray", 8),
@@ -95,19 +95,19 @@ private slots:
         }
     }
 
-    void placeAndAngle()
+    void positionAndAngle()
     {
         const QRectF target(20, 10, 120, 120);
-        // Each angle with the middle of the red square, as a part of the target.
-        const QPair<double, QPointF> turns[] = {{0, {0.3, 0.3}},
-                                                {90, {0.7, 0.3}},
-                                                {180, {0.7, 0.7}},
-                                                {-90, {0.3, 0.7}},
-                                                {45, {0.5, 0.5 - 0.2 * std::sqrt(2.0)}}};
+        // Each angle with the center of the red square, as a fraction of the target.
+        const QPair<double, QPointF> angles[] = {{0, {0.3, 0.3}},
+                                                 {90, {0.7, 0.3}},
+                                                 {180, {0.7, 0.7}},
+                                                 {-90, {0.3, 0.7}},
+                                                 {45, {0.5, 0.5 - 0.2 * std::sqrt(2.0)}}};
         KelLottie lottie(write(sample()));
         for (double ratio : {1.0, 1.5, 2.0}) {
             for (double zoom : {1.0, 0.5}) {
-                for (const auto &[angle, red] : turns) {
+                for (const auto &[angle, red] : angles) {
                     QImage image = canvas(200, 160, ratio);
                     QPainter painter(&image);
                     painter.translate(10, 4);
@@ -117,7 +117,7 @@ private slots:
                     const auto pixel = [&](const QPointF &place) { return (place * zoom + QPointF(10, 4)) * ratio; };
                     const QPoint middle = pixel(target.topLeft() + red * target.width()).toPoint();
                     QCOMPARE(image.pixelColor(middle), QColor(Qt::red));
-                    // Nothing outside of the target; when turned by an odd angle, of the circle that it turns in.
+                    // Nothing is painted outside of the target, or of its bounding square at 45 degrees.
                     const double half = target.width() / 2 * zoom * ratio * (angle == 45 ? M_SQRT2 : 1) + 1;
                     const QRectF around(pixel(target.center()) - QPointF(half, half), QSizeF(2 * half, 2 * half));
                     QVERIFY(around.contains(paintedPart(image)));
@@ -126,8 +126,8 @@ private slots:
         }
     }
 
-    /// Upright pictures are the renderer's own pixels, whatever the scale and the fraction of a pixel in the target.
-    void uprightPicturesAreSharp()
+    /// Axis-aligned frames are painted without resampling, at any scale and fractional position.
+    void axisAlignedFramesAreSharp()
     {
         struct Case {
             double ratio;
@@ -145,11 +145,11 @@ private slots:
             QPainter painter(&image);
             lottie.paint(&painter, 0, QRectF(c.place, QSizeF(50, 50)), c.angle);
             painter.end();
-            // All edges of the sample fall on whole pixels here, so a pixel is covered or not.
+            // All edges of the sample are on pixel boundaries here, so every pixel is covered or not.
             int covered = 0;
             for (int y = 0; y < image.height(); ++y) {
                 for (int x = 0; x < image.width(); ++x) {
-                    const int alpha = qAlpha(image.pixel(x, y)); // the renderer's strokes are off by a few 255ths
+                    const int alpha = qAlpha(image.pixel(x, y)); // strokes are off by a few 255ths
                     QVERIFY2(alpha <= 5 || alpha >= 250, qPrintable(QString("%1 at %2,%3").arg(alpha).arg(x).arg(y)));
                     covered += alpha >= 250;
                 }
@@ -158,29 +158,30 @@ private slots:
         }
     }
 
-    /// Turned pictures are what the arithmetic says, to the bit and on every machine: exports are compared by their
-    /// bytes.
-    void turnsPictures()
+    /// Transformed images are the same to the bit on every machine: exports are compared by their bytes.
+    void transformsImages()
     {
-        QImage picture(41, 30, QImage::Format_ARGB32_Premultiplied);
-        for (int y = 0; y < picture.height(); ++y) {
-            for (int x = 0; x < picture.width(); ++x)
-                picture.setPixel(x, y, qRgba(x * 6, y * 8, (x * y) % 256, (x * 37 + y * 91) % 256));
+        QImage source(41, 30, QImage::Format_ARGB32_Premultiplied);
+        for (int y = 0; y < source.height(); ++y) {
+            for (int x = 0; x < source.width(); ++x)
+                source.setPixel(x, y, qRgba(x * 6, y * 8, (x * y) % 256, (x * 37 + y * 91) % 256));
         }
-        QCOMPARE(turnedPicture(picture, QTransform(), {3, 2, 20, 9}), picture.copy(3, 2, 20, 9));
-        QCOMPARE(turnedPicture(picture, QTransform().rotate(90), {-30, 0, 30, 41}),
-                 picture.transformed(QTransform().rotate(90)));
-        QCOMPARE(coverage(turnedPicture(picture, QTransform(), {100, 0, 5, 5})), 0.0);
-        QVERIFY(turnedPicture(picture, QTransform(), {}).isNull());
+        QCOMPARE(transformedImage(source, QTransform(), {3, 2, 20, 9}), source.copy(3, 2, 20, 9));
+        QCOMPARE(transformedImage(source, QTransform().rotate(90), {-30, 0, 30, 41}),
+                 source.transformed(QTransform().rotate(90)));
+        QCOMPARE(coverage(transformedImage(source, QTransform(), {100, 0, 5, 5})), 0.0);
+        QVERIFY(transformedImage(source, QTransform(), {}).isNull());
 
-        const QTransform place = QTransform().translate(40, 10).rotate(-50).scale(0.6, 0.6);
-        const QImage turned = turnedPicture(picture, place, place.mapRect(QRectF(picture.rect())).toAlignedRect());
-        const QByteArray pixels(reinterpret_cast<const char *>(turned.constBits()), int(turned.sizeInBytes()));
+        const QTransform transform = QTransform().translate(40, 10).rotate(-50).scale(0.6, 0.6);
+        const QImage transformed =
+            transformedImage(source, transform, transform.mapRect(QRectF(source.rect())).toAlignedRect());
+        const QByteArray pixels(reinterpret_cast<const char *>(transformed.constBits()),
+                                int(transformed.sizeInBytes()));
         QCOMPARE(QCryptographicHash::hash(pixels, QCryptographicHash::Md5).toHex(),
                  QByteArray("8c5d6fe254bf6a87b85bfe84cfaba90d"));
     }
 
-    void colour()
+    void accentColor()
     {
         KelLottie lottie(write(sample()));
         KelLottie other(write(sample()));
@@ -200,13 +201,13 @@ private slots:
             QCOMPARE(image.pixelColor(own), QColor(Qt::green));
         }
         QCOMPARE(shot(other).pixelColor(filled), QColor(Qt::red));
-        lottie.setColor(QColor()); // changes nothing
+        lottie.setColor(QColor()); // has no effect
         QCOMPARE(shot(lottie).pixelColor(stroked), QColor(Qt::black));
         lottie.setColor(QColor(255, 255, 255, 128));
         QVERIFY(std::abs(qAlpha(shot(lottie).pixel(filled)) - 128) <= 1);
     }
 
-    void oddCallsPaintNothingOrTheNearestFrame()
+    void unusualArguments()
     {
         KelLottie lottie(write(sample()));
         QImage image = canvas(100, 100);
@@ -248,11 +249,11 @@ private slots:
         QTest::newRow("no size") << with("\"w\":100", "\"w\":0");
         QTest::newRow("huge size") << with("\"h\":100", "\"h\":1e9");
         QTest::newRow("no layers") << with("\"layers\":[", "\"layers\":[],\"others\":[");
-        QTest::newRow("pictures elsewhere")
-            << with("\"layers\"", R"("assets":[{"id":"a","u":"/etc/","p":"passwd","w":1,"h":1}],"layers")");
+        QTest::newRow("external images") << with(
+            "\"layers\"", R"("assets":[{"id":"a","u":"/etc/","p":"passwd","w":1,"h":1}],"layers")");
         QTest::newRow("endless curve") << with("[[70,20],", "[[70,1e30],");
         QTest::newRow("deeply nested") << QByteArray(100000, '[');
-        QTest::newRow("too large") << sample() + QByteArray(KelLottie::maxFileSize, ' ');
+        QTest::newRow("too large") << sample() + QByteArray(KelLottie::kMaxFileSize, ' ');
     }
     void unusableFiles()
     {
@@ -270,6 +271,6 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(lottie_test)
+QTEST_GUILESS_MAIN(LottieTest)
 
-#include "lottie_test.moc"
+#include "tst_lottie.moc"

@@ -11,7 +11,7 @@
 namespace
 {
 
-// Key codes of the evdev rules, which all X servers of today use.
+// Keycodes of the evdev keymap, which all current X servers use.
 enum Code {
     SpareKey = 8,
     EscapeKey = 9,
@@ -25,7 +25,7 @@ enum Code {
     LastCode = 255
 };
 
-/// What Qt makes of the keys.
+/// Records the key events that Qt delivers.
 class KeyWindow : public QWindow
 {
 public:
@@ -45,8 +45,8 @@ private:
 
 } // namespace
 
-/// Compares what a hook says with the key events of a focused Qt window.
-class keymouse_keys_test : public QObject
+/// Compares the events of a hook with the key events of a focused Qt window.
+class KeymouseKeysTest : public QObject
 {
     Q_OBJECT
 
@@ -64,7 +64,7 @@ private:
         QCOMPARE(process.exitCode(), 0);
     }
 
-    /// Waits until both have heard of all keys so far.
+    /// Waits until both have received all keys so far.
     void catchUp()
     {
         const QString mark = QString("key %1 0").arg(int(Qt::Key_Escape), 0, 16);
@@ -77,7 +77,7 @@ private:
         QTRY_COMPARE(m_hook.lines().count(mark), m_marks);
     }
 
-    /// Hands over what the hook and Qt said.
+    /// Returns the lines of the hook and of Qt.
     void finish(QStringList &hook, QStringList &qt)
     {
         catchUp();
@@ -100,7 +100,7 @@ private slots:
 
     void cleanupTestCase() { run("setxkbmap", {"us"}); }
 
-    void everyKeyIsWhatQtSays_data()
+    void keysEqualThoseOfQt_data()
     {
         QTest::addColumn<QString>("layout");
         QTest::addColumn<QVector<int>>("held");
@@ -116,7 +116,7 @@ private slots:
             row("control, shift", {RightControl, LeftShift});
         }
     }
-    void everyKeyIsWhatQtSays()
+    void keysEqualThoseOfQt()
     {
         QFETCH(QString, layout);
         QFETCH(QVector<int>, held);
@@ -129,7 +129,7 @@ private slots:
             for (int code = Digit1; code <= LastCode; ++code) {
                 if (!held.contains(code) && code != CapsLock && code != NumLock)
                     m_input.tap(code);
-                if (code % 64 == 0) // no hand is that fast: the server loses what fits into no buffer
+                if (code % 64 == 0) // faster than any typist: the server would drop events that exceed its buffer
                     catchUp();
             }
             for (int code : held)
@@ -148,13 +148,13 @@ private slots:
         QCOMPARE(hook.size(), qt.size());
     }
 
-    /// A tool that types any text borrows a spare key, gives it a new meaning and presses it at once.
-    void meaningChangedOnTheFly()
+    /// Tools that type arbitrary text assign a keysym to a spare key and press it at once.
+    void keysymChangedBeforePress()
     {
         run("setxkbmap", {"us"});
         m_hook.take();
         for (int key : {0xc4, 0x416, 0x2192, 0x39e, 0xc4}) {
-            m_input.setMeaning(SpareKey, 0x01000000u | std::uint32_t(key)); // the key symbol of a Unicode character
+            m_input.setKeysym(SpareKey, 0x01000000u | std::uint32_t(key)); // the keysym of a Unicode character
             m_input.tap(SpareKey);
             QCOMPARE(m_hook.take(2),
                      (QStringList{QString("key %1 1").arg(key, 0, 16), QString("key %1 0").arg(key, 0, 16)}));
@@ -164,10 +164,10 @@ private slots:
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_IM_MODULE", "none"); // an input method would keep dead keys for itself
+    qputenv("QT_IM_MODULE", "none"); // an input method would consume dead keys
     QGuiApplication app(argc, argv);
-    keymouse_keys_test test;
+    KeymouseKeysTest test;
     return QTest::qExec(&test, argc, argv);
 }
 
-#include "keymouse_keys_test.moc"
+#include "tst_keymouse_keys.moc"

@@ -15,7 +15,7 @@ using namespace kel;
 namespace
 {
 
-/// Delivers what the test says, and remembers which kinds it was asked for.
+/// Records the requested kinds; the test delivers the events.
 class ScriptedSource : public KeyMouseEventSource
 {
 public:
@@ -48,7 +48,7 @@ void sendAll()
 
 } // namespace
 
-class keymouse_hook_test : public QObject
+class KeymouseHookTest : public QObject
 {
     Q_OBJECT
 
@@ -63,7 +63,7 @@ private slots:
     }
     void cleanup() { KeyMouseHub::instance().setSource(nullptr); }
 
-    void hooksGetTheKindsTheyAskFor_data()
+    void hooksReceiveRequestedKinds_data()
     {
         const TestTable<int, QStringList> row("type", "lines");
         const QString key = "key 41 1", press = "button 1 1 at 3,4", release = "button 1 0 at 5,6",
@@ -75,7 +75,7 @@ private slots:
         row("wheel", 8, {wheel});
         row("unknown bits", 0x7fffff00, {});
     }
-    void hooksGetTheKindsTheyAskFor()
+    void hooksReceiveRequestedKinds()
     {
         QFETCH(int, type);
         QFETCH(QStringList, lines);
@@ -88,13 +88,13 @@ private slots:
         QCOMPARE(hook.take(), QStringList());
     }
 
-    /// No keyboard hook, no keys in this process.
-    void sourceIsAskedForWhatSomeHookWants()
+    /// Without a keyboard hook, no keystroke must reach this process.
+    void sourceIsAskedForNeededKindsOnly()
     {
         {
             RecordingHook mouse, keyboard;
             mouse.setHookType(14);
-            mouse.setHookType(14); // nothing new
+            mouse.setHookType(14); // no change
             keyboard.setHookType(1);
             keyboard.setHookType(0);
             keyboard.setHookType(1);
@@ -103,7 +103,7 @@ private slots:
         QCOMPARE(m_source->kinds, (QVector<int>{14, 15, 14, 15, 1, 0}));
     }
 
-    void hookRemovedWithinACallback()
+    void hookRemovedInCallback()
     {
         RecordingHook first, second, third;
         for (RecordingHook *hook : {&first, &second, &third})
@@ -111,14 +111,14 @@ private slots:
         first.onEvent = [&] { first.setHookType(0); };
         second.onEvent = [&] { third.setHookType(0); };
         sendKey(Qt::Key_A);
-        QCOMPARE(first.take().size(), 1); // the callback that removes its own hook runs to its end
-        QCOMPARE(third.take().size(), 0); // removed by another before its turn
+        QCOMPARE(first.take().size(), 1); // a callback that removes its own hook completes
+        QCOMPARE(third.take().size(), 0); // removed by another callback before its turn
         sendKey(Qt::Key_B);
         QCOMPARE(first.take().size(), 0);
         QCOMPARE(second.take().size(), 2);
     }
 
-    void hookInstalledWithinACallback()
+    void hookInstalledInCallback()
     {
         RecordingHook first, second;
         first.onEvent = [&] { second.setHookType(1); };
@@ -128,23 +128,23 @@ private slots:
         QCOMPARE(second.take(), QStringList{"key 42 1"});
     }
 
-    void hookDeletedWithinItsCallback()
+    void hookDeletedInItsCallback()
     {
-        struct Suicidal : KelKeyMouseHook {
-            ~Suicidal() override { setHookType(0); }
+        struct SelfDeletingHook : KelKeyMouseHook {
+            ~SelfDeletingHook() override { setHookType(0); }
             bool OnKeyboardEvent(KelKeyboardEvent) override
             {
                 delete this;
                 return false;
             }
         };
-        (new Suicidal)->setHookType(1);
+        (new SelfDeletingHook)->setHookType(1);
         sendKey(Qt::Key_A);
         QCOMPARE(KeyMouseHub::instance().wantedKinds(), 0);
         sendKey(Qt::Key_B);
     }
 
-    void removalWaitsForARunningCallback()
+    void removalWaitsForRunningCallback()
     {
         std::promise<void> entered, mayReturn;
         std::atomic<bool> returned{false};
@@ -161,14 +161,14 @@ private slots:
             hook.setHookType(0);
             return returned.load();
         });
-        // The removal is under way when the kinds no longer include the keyboard.
+        // The removal has started when the kinds no longer include the keyboard.
         QTRY_COMPARE(KeyMouseHub::instance().wantedKinds(), 0);
         mayReturn.set_value();
         QVERIFY(removal.get());
         delivery.get();
     }
 
-    void manyThreadsInstallAndRemove()
+    void threadsInstallAndRemoveConcurrently()
     {
         std::atomic<bool> stop{false};
         auto delivery = std::async(std::launch::async, [&] {
@@ -192,9 +192,10 @@ private slots:
         QCOMPARE(KeyMouseHub::instance().wantedKinds(), 0);
     }
 
-    void positionsAreLogical()
+    void convertsPositions()
     {
-        // A screen of 1920x1080 pixels, scaled 1; right of it one of 3840x2160 pixels, scaled 2, below it one at 1.5.
+        // A screen of 1920x1080 pixels with ratio 1, one of 3840x2160 with ratio 2 on its right, and one with 1.5
+        // below.
         const std::vector<ScreenGeometry> screens{
             {QRect(0, 0, 1920, 1080), 1.0}, {QRect(1920, 0, 1920, 1080), 2.0}, {QRect(0, 2000, 800, 600), 1.5}};
         const auto logical = [&](int x, int y) { return screenAt(screens, {x, y})->toLogical({x, y}); };
@@ -208,5 +209,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(keymouse_hook_test)
-#include "keymouse_hook_test.moc"
+QTEST_GUILESS_MAIN(KeymouseHookTest)
+#include "tst_keymouse_hook.moc"

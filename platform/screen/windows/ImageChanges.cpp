@@ -1,4 +1,4 @@
-#include "screen/windows/PictureChanges.h"
+#include "screen/windows/ImageChanges.h"
 
 #include <QVector>
 
@@ -11,8 +11,9 @@ namespace kel
 namespace
 {
 
-// High enough that a scrolled page is a few dozen rectangles, low enough that a blinking caret is a small one.
-constexpr int bandHeight = 32;
+// Large enough that a scrolled page yields a few dozen rectangles, small enough that a blinking caret yields a small
+// one.
+constexpr int kBandHeight = 32;
 
 struct Columns {
     int first;
@@ -26,7 +27,7 @@ const QRgb *line(const QImage &image, int y)
     return reinterpret_cast<const QRgb *>(image.constScanLine(y));
 }
 
-/// Where the lines [top, bottom) differ.
+/// The range of columns in which the lines [top, bottom) differ.
 Columns changedColumns(const QImage &before, const QImage &after, int top, int bottom)
 {
     const int width = after.width();
@@ -53,8 +54,8 @@ Columns changedColumns(const QImage &before, const QImage &after, int top, int b
 QRegion changedRegion(const QImage &before, const QImage &after)
 {
     QVector<QRect> rects;
-    for (int top = 0; top < after.height(); top += bandHeight) {
-        const int bottom = std::min(top + bandHeight, after.height());
+    for (int top = 0; top < after.height(); top += kBandHeight) {
+        const int bottom = std::min(top + kBandHeight, after.height());
         const Columns columns = changedColumns(before, after, top, bottom);
         if (!columns.isEmpty())
             rects.append(QRect(QPoint(columns.first, top), QPoint(columns.last, bottom - 1)));

@@ -38,10 +38,10 @@ double cpuSeconds(int who)
 bool writeSound(const QString &path, int seconds)
 {
     WavHeader header = WavHeader::pcm(kRate, 2, 32);
-    header.formatTag = WavHeader::IeeeFloat;
+    header.formatTag = WavHeader::kIeeeFloat;
     header.setDataSize(qint64(seconds) * kRate * 8);
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(header.toBytes()) != WavHeader::Size)
+    if (!file.open(QIODevice::WriteOnly) || file.write(header.toBytes()) != WavHeader::kSize)
         return false;
     std::minstd_rand random(1);
     std::normal_distribution<float> noise(0.0F, 0.1F);

@@ -30,8 +30,8 @@ QString makeSound(const QTemporaryDir &dir)
     const qint64 bytes = kMs / 1000 * header.byteRate;
     header.setDataSize(bytes);
     QFile file(dir.filePath("sound.wav"));
-    if (!file.open(QIODevice::WriteOnly) || file.write(header.toBytes()) != WavHeader::Size ||
-        !file.resize(WavHeader::Size + bytes))
+    if (!file.open(QIODevice::WriteOnly) || file.write(header.toBytes()) != WavHeader::kSize ||
+        !file.resize(WavHeader::kSize + bytes))
         qFatal("%s", qPrintable(file.errorString()));
     return file.fileName();
 }

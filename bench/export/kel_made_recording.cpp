@@ -131,7 +131,7 @@ QString writeSound(const QString &directory, qint64 durationMs)
     const qint64 samples = kSoundRate * durationMs / 1000;
     WavHeader header = WavHeader::pcm(kSoundRate, 1, 16);
     header.setDataSize(samples * 2);
-    if (!file.open(QIODevice::WriteOnly) || file.write(header.toBytes()) != WavHeader::Size)
+    if (!file.open(QIODevice::WriteOnly) || file.write(header.toBytes()) != WavHeader::kSize)
         return file.errorString();
     double phase = 0;
     std::vector<qint16> second(kSoundRate);

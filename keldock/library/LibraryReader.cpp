@@ -20,7 +20,7 @@ void LibraryReader::read(const QString &dir)
     details.durationMs = metadata.durationMs;
     details.frames = metadata.actualRecordedFrames;
     details.bytes = directorySize(dir);
-    details.state = RecordingsFolder::state(dir);
+    details.state = KelRecordingState::stateOf(dir);
     details.thumbnail = ThumbnailCache::find(dir);
     emit detailsRead(dir, details);
 }

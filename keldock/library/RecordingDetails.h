@@ -2,6 +2,8 @@
 
 #include "library/RecordingsFolder.h"
 
+#include <KelMovie/KelRecordingState.h>
+
 #include <QImage>
 #include <QMetaType>
 #include <QVector>
@@ -11,7 +13,7 @@ struct RecordingDetails {
     qint64 durationMs = 0;
     qint64 bytes = 0; ///< size on disk
     int frames = 0;   ///< logic frames according to the metadata
-    RecordingsFolder::State state = RecordingsFolder::State::Complete;
+    KelRecordingState::State state = KelRecordingState::State::Complete;
     QImage thumbnail; ///< null if there is none yet
 };
 

@@ -1,7 +1,6 @@
 #include "library/RecordingsFolder.h"
 
-#include <KelMovie/KelRecordingFiles.h>
-#include <KelMovie/KelRecordingMetadata.h>
+#include <KelMovie/KelRecordingState.h>
 
 #include <QDir>
 #include <QDirIterator>
@@ -10,14 +9,6 @@
 #include <QStandardPaths>
 
 #include <algorithm>
-
-namespace
-{
-
-// A recording in progress is written to about once a second.
-constexpr int kQuietSeconds = 10;
-
-} // namespace
 
 RecordingsFolder::RecordingsFolder(const QString &root)
     : m_root(QDir(root.isEmpty() ? defaultRoot() : root).absolutePath())
@@ -45,8 +36,8 @@ QVector<RecordingsFolder::Entry> RecordingsFolder::recordings() const
     QDirIterator dirs(m_root, QDir::Dirs | QDir::NoDotAndDotDot);
     while (dirs.hasNext()) {
         const QString dir = dirs.next();
-        if (holdsRecording(dir))
-            entries.append({dir, lastWritten(dir)});
+        if (KelRecordingState::holdsRecording(dir))
+            entries.append({dir, KelRecordingState::lastWritten(dir)});
     }
     std::sort(entries.begin(), entries.end(),
               [](const Entry &a, const Entry &b) { return a.saved != b.saved ? a.saved > b.saved : a.dir > b.dir; });
@@ -58,38 +49,11 @@ QStringList RecordingsFolder::interrupted(const QString &except) const
     QStringList dirs;
     const QVector<Entry> entries = recordings();
     for (const Entry &entry : entries) {
-        if (QDir(entry.dir) != QDir(except) && state(entry.dir) == State::Interrupted)
+        if (QDir(entry.dir) != QDir(except) &&
+            KelRecordingState::stateOf(entry.dir) == KelRecordingState::State::Interrupted)
             dirs.append(entry.dir);
     }
     return dirs;
-}
-
-bool RecordingsFolder::holdsRecording(const QString &dir)
-{
-    return QFileInfo::exists(KelRecordingMetadata::filePath(dir)) ||
-           QFileInfo(KelRecordingFiles::videoPath(dir)).size() > 0;
-}
-
-QDateTime RecordingsFolder::lastWritten(const QString &dir)
-{
-    QDateTime latest;
-    for (const QString &path : {KelRecordingMetadata::filePath(dir), KelRecordingFiles::videoPath(dir)}) {
-        const QFileInfo file(path);
-        if (file.exists())
-            latest = latest.isValid() ? std::max(latest, file.lastModified()) : file.lastModified();
-    }
-    return latest;
-}
-
-RecordingsFolder::State RecordingsFolder::state(const QString &dir)
-{
-    // Without metadata the recording ended within its first second.
-    const bool hasMetadata = QFileInfo::exists(KelRecordingMetadata::filePath(dir));
-    KelRecordingMetadata metadata;
-    if (hasMetadata && (!KelRecordingMetadata::load(dir, &metadata) || metadata.complete))
-        return State::Complete;
-    const bool isQuiet = lastWritten(dir).secsTo(QDateTime::currentDateTime()) > kQuietSeconds;
-    return isQuiet ? State::Interrupted : State::InProgress;
 }
 
 bool RecordingsFolder::moveToTrash(const QString &dir)

@@ -12,8 +12,6 @@ class RecordingsFolder
     Q_DECLARE_TR_FUNCTIONS(RecordingsFolder)
 
 public:
-    enum class State { Complete, InProgress, Interrupted };
-
     struct Entry {
         QString dir;     ///< absolute path
         QDateTime saved; ///< when the recording was last written to
@@ -36,14 +34,6 @@ public:
 
     /// The directories of interrupted recordings, except for `except`, a recording in progress.
     QStringList interrupted(const QString &except = QString()) const;
-
-    /// Whether a directory holds a recording, complete or not.
-    static bool holdsRecording(const QString &dir);
-    /// When the recording was last written to; invalid if there is no recording.
-    static QDateTime lastWritten(const QString &dir);
-    /// An incomplete recording counts as interrupted when it has not been written to for some seconds, even if it is
-    /// merely paused.
-    static State state(const QString &dir);
 
     /// Moves a recording to the desktop's trash. False if that fails.
     static bool moveToTrash(const QString &dir);

@@ -16,7 +16,7 @@ namespace
 // More rows than are visible at a time: older requests are for rows that were scrolled past, and are dropped.
 constexpr int kMaxRequests = 64;
 
-using State = RecordingsFolder::State;
+using State = KelRecordingState::State;
 
 } // namespace
 

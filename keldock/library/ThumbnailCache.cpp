@@ -1,6 +1,6 @@
 #include "library/ThumbnailCache.h"
 
-#include "library/RecordingsFolder.h"
+#include <KelMovie/KelRecordingState.h>
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -30,7 +30,7 @@ QString ThumbnailCache::path(const QString &dir)
 QImage ThumbnailCache::find(const QString &dir)
 {
     const QFileInfo file(path(dir));
-    if (!file.exists() || file.lastModified() < RecordingsFolder::lastWritten(dir))
+    if (!file.exists() || file.lastModified() < KelRecordingState::lastWritten(dir))
         return QImage();
     return QImage(file.filePath());
 }

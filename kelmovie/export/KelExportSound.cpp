@@ -29,7 +29,7 @@ KelExportSound::KelExportSound(const KelPlaybackVoiceTrack *voice, const QString
     const auto add = [&](bool isHeard, double gain, QLatin1String source) {
         const QString file = isHeard && gain > 0.0 ? findSoundFile(voiceDir, source) : QString();
         if (!file.isEmpty())
-            m_sources.append({file, std::min(gain, AudioGain::Max)});
+            m_sources.append({file, std::min(gain, AudioGain::kMax)});
     };
     if (!voice)
         return;

@@ -59,10 +59,10 @@ public:
 QString KelMultiTrackRecorder::Private::createManager(KelMultiTrackRecorder *recorder)
 {
     recordManager.reset(); // first: it may still be completing files of the same directory
-    if (config.fps < 1 || config.fps > KelRecordingMetadata::MaxFps) {
+    if (config.fps < 1 || config.fps > KelRecordingMetadata::kMaxFps) {
         return QStringLiteral("The frame rate %1 is not between 1 and %2")
             .arg(config.fps)
-            .arg(KelRecordingMetadata::MaxFps);
+            .arg(KelRecordingMetadata::kMaxFps);
     }
     if (config.enableScreen) {
         const QString problem = KelScreenManager::instance()->errorString();

@@ -191,7 +191,7 @@ void KelRecordVoiceTrack::endMicrophonePart(qint64 atMs)
         m_microphone->stop();
     const qint64 lateMs = qMax(m_microphoneBeginMs, m_microphoneStartMs) - m_microphoneStartMs;
     m_microphoneTimes.append({atMs - m_microphoneStartMs, lateMs, steadyMs() - atMs});
-    MicrophoneBackend::waitForWholeFile(*m_microphone, m_currentMicrophonePart);
+    MicrophoneBackend::waitForCompleteFile(*m_microphone, m_currentMicrophonePart);
     m_microphoneParts.append(std::exchange(m_currentMicrophonePart, QString()));
     ++m_microphonePartIndex;
 }

@@ -12,7 +12,7 @@ namespace kel
 
 namespace
 {
-/// A new file beside `path`, open and without a buffer, or not open.
+/// Creates a new file beside `path`, unbuffered. It is not open if that failed.
 std::unique_ptr<QFile> createBeside(const QString &path, FileAccess access)
 {
     std::unique_ptr<QFile> file;
@@ -23,7 +23,7 @@ std::unique_ptr<QFile> createBeside(const QString &path, FileAccess access)
         file->open(QIODevice::ReadWrite | QIODevice::Unbuffered);
     } else {
         file = std::make_unique<QFile>(path + QStringLiteral(".tmp"));
-        file->remove(); // left behind by a crash; NewOnly then follows no link
+        file->remove(); // left by a crash; removed so that NewOnly succeeds, which follows no link
         file->open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
     }
     return file;
@@ -47,7 +47,7 @@ bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access
     std::unique_ptr<QFile> file = createBeside(path, access);
     QString problem = file->isOpen() && writeAll(*file, bytes) ? QString() : file->errorString();
     const QString written = file->fileName();
-    // Not every system renames or replaces a file that is open, and a QTemporaryFile stays open when it is closed.
+    // Some systems cannot rename or replace an open file, and close() leaves a QTemporaryFile open.
     file.reset();
     if (problem.isEmpty()) {
         if (replaced)

@@ -9,19 +9,20 @@ class QIODevice;
 namespace kel
 {
 
-/// Writes all of `bytes` to a device without a buffer. False when that fails, and the device then knows why: a disk
-/// that fills up in the middle of them says nothing at first.
+/// Writes all of `bytes` to an unbuffered device. False when that fails; the device then has the error. Writes the rest
+/// after a partial write, because a disk that fills up reports its error only with the next write.
 bool writeAll(QIODevice &device, const QByteArray &bytes);
 
 enum class FileAccess {
-    Ordinary, ///< what the process gives to new files
-    OwnerOnly ///< nobody else reads it, from the moment at which it comes into being
+    Ordinary, ///< the process's default permissions
+    OwnerOnly ///< readable by nobody else, from the moment it is created
 };
 
-/// Puts `bytes` into the file at `path`, in one step: whoever opens it finds the earlier content or the new one, whole.
-/// An earlier file's access does not matter, and a link is replaced, not followed. No copy of `bytes` stays in memory.
-/// False, and `error` says why in English, when that fails; an earlier file is then as it was. Who has that file open
-/// passes it as `replaced`: it is closed in the last moment.
+/// Replaces the content of the file at `path` by `bytes` in one step: readers find the earlier content or the new one,
+/// each complete. The permissions of an earlier file are not kept, and a link is replaced, not followed. No copy of
+/// `bytes` stays in memory. False when that fails; `error`, unless null, then says why in English, and an earlier file
+/// is unchanged. If the caller has that file open, it passes it as `replaced`, which is closed just before it is
+/// replaced.
 bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access, QString *error,
                  QFile *replaced = nullptr);
 

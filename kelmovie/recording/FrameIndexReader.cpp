@@ -1,6 +1,7 @@
 #include "recording/FrameIndexReader.h"
 
 #include "logging/Log.h"
+#include "recording/FrameIndexFormat.h"
 #include "recording/KelRecordingFiles.h"
 
 #include <QDebug>
@@ -11,17 +12,16 @@
 namespace kel
 {
 
+using namespace FrameIndexFormat;
+
 namespace
 {
 
-constexpr int kVersion = 1;
 constexpr int kMaxCount = 1'000'000;
-constexpr int kEntrySize = sizeof(qint32);
 
-/// Entry `i` of big-endian data; 0 past its end, as a data stream answers there.
-qint32 entryAt(const QByteArray &data, int i)
+/// The integer at `offset`; 0 beyond the end, which is no valid version or count.
+qint32 integerAt(const QByteArray &data, qint64 offset)
 {
-    const int offset = i * kEntrySize;
     return offset + kEntrySize <= data.size() ? qFromBigEndian<qint32>(data.constData() + offset) : 0;
 }
 
@@ -37,25 +37,25 @@ bool readFrameIndex(const QString &trackDir, std::vector<int> &frameIndexes)
         return false;
     }
     QFile file(path);
-    // Opening a pipe would wait for its writer.
+    // Opening a pipe would block until its writer opens it.
     if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
         qCCritical(logRecording) << "Failed to open frame indexes file:" << path;
         return false;
     }
-    const QByteArray header = file.read(2 * kEntrySize);
-    const qint32 version = entryAt(header, 0);
+    const QByteArray header = file.read(kEntriesOffset);
+    const qint32 version = integerAt(header, 0);
     if (version != kVersion) {
         qCCritical(logRecording) << "Unsupported frame index file version:" << version;
         return false;
     }
-    const qint32 count = entryAt(header, 1);
+    const qint32 count = integerAt(header, kCountOffset);
     if (count < 1 || count > kMaxCount) {
         qCCritical(logRecording) << "Invalid frame count in file:" << count;
         return false;
     }
-    const QByteArray entries = file.read(qint64(count) * kEntrySize);
-    frameIndexes.resize(count);
-    qFromBigEndian<qint32>(entries.constData(), entries.size() / kEntrySize, frameIndexes.data());
+    const QByteArray entries = file.read(count * kEntrySize);
+    frameIndexes.resize(std::size_t(count));
+    qFromBigEndian<qint32>(entries.constData(), entries.size() / int(kEntrySize), frameIndexes.data());
     return true;
 }
 

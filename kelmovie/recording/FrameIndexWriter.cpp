@@ -1,18 +1,14 @@
 #include "recording/FrameIndexWriter.h"
 
 #include "recording/FileWriting.h"
+#include "recording/FrameIndexFormat.h"
 
 #include <QDataStream>
 
 namespace kel
 {
 
-namespace
-{
-constexpr qint64 CountOffset = 4;
-constexpr qint64 EntriesOffset = 8;
-constexpr qint64 EntrySize = 4;
-} // namespace
+using namespace FrameIndexFormat;
 
 FrameIndexWriter::FrameIndexWriter(const QString &path)
     : m_file(path)
@@ -21,7 +17,7 @@ FrameIndexWriter::FrameIndexWriter(const QString &path)
 
 bool FrameIndexWriter::open()
 {
-    // Unbuffered: entries must reach the file before the count that vouches for them.
+    // Unbuffered: entries must reach the file before the count that includes them.
     return m_file.isOpen() || m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
 }
 
@@ -30,15 +26,15 @@ bool FrameIndexWriter::update(const std::vector<qint64> &entries)
     if (!open())
         return false;
     if (m_count < 0) {
-        if (!writeAt(0, {1, 0}))
+        if (!writeAt(0, {kVersion, 0}))
             return false;
         m_count = 0;
     }
     const auto count = qint64(entries.size());
     if (count == m_count)
         return true;
-    if (!writeAt(EntriesOffset + EntrySize * m_count, {entries.begin() + m_count, entries.end()}) ||
-        !writeAt(CountOffset, {count}))
+    if (!writeAt(kEntriesOffset + kEntrySize * m_count, {entries.begin() + m_count, entries.end()}) ||
+        !writeAt(kCountOffset, {count}))
         return false;
     m_count = count;
     return true;

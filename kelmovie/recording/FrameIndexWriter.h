@@ -8,18 +8,18 @@
 namespace kel
 {
 
-/// Writes "frame_indexes.dat" and keeps it valid at every moment: entries are appended first, then the count in the
-/// header is raised, so a process that dies leaves all entries up to its last update. One thread at a time.
+/// Writes "frame_indexes.dat" and keeps it valid at every moment: entries are appended before the count in the header
+/// is raised, so a killed process leaves all entries up to its last update. One thread at a time.
 class FrameIndexWriter
 {
 public:
     explicit FrameIndexWriter(const QString &path);
 
-    /// Opens the file, replacing an earlier one, unless that has been done. False when it cannot be opened.
+    /// Opens the file, replacing an earlier one, unless it is open. False when it cannot be opened.
     bool open();
 
-    /// Appends what `entries` has more than at the last call. False when it could not be written; the file then holds
-    /// what it held, and a later call tries again.
+    /// Appends the entries added since the last call; `entries` holds all of them. False when they cannot be written;
+    /// the file is then unchanged, and a later call tries again.
     bool update(const std::vector<qint64> &entries);
 
     /// A later update() writes the file anew.

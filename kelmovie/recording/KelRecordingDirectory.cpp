@@ -1,5 +1,8 @@
 #include "recording/KelRecordingDirectory.h"
 
+#include "recording/KelRecordingFiles.h"
+#include "recording/KelRecordingState.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -7,11 +10,13 @@
 
 namespace
 {
-// What a recording consists of; metadata last, because it is what makes a directory a recording.
-const char *const Entries[] = {"Screen", "Mouse", "Keyboard", "Voice", "TrackManager.meta"};
+// Metadata last, because a directory with metadata counts as a recording.
+constexpr QLatin1String kEntries[] = {KelRecordingFiles::kScreenDir, KelRecordingFiles::kMouseDir,
+                                      KelRecordingFiles::kKeyboardDir, KelRecordingFiles::kVoiceDir,
+                                      KelRecordingFiles::kMetadata};
 
-// Enough to show that the disk is not full.
-constexpr int ProbeBytes = 4096;
+constexpr int kProbeBytes = 4096; // enough to notice a full disk
+constexpr int kMaxPrevious = 10'000;
 } // namespace
 
 KelRecordingDirectory::KelRecordingDirectory(const QString &path)
@@ -30,16 +35,15 @@ bool KelRecordingDirectory::prepare()
         m_error = QStringLiteral("Cannot create the directory %1").arg(m_path);
         return false;
     }
-    return isWritable() && (!holdsRecording() || setAsideRecording());
+    return isWritable() && (!KelRecordingState::holdsRecording(m_path) || setAsideRecording());
 }
 
 void KelRecordingDirectory::discard()
 {
-    const QString screenDir = m_path + QStringLiteral("/Screen");
-    QFile::remove(screenDir + QStringLiteral("/screen_record.mp4"));
-    QFile::remove(screenDir + QStringLiteral("/frame_indexes.dat"));
-    for (const char *entry : Entries)
-        QDir(m_path).rmdir(QLatin1String(entry)); // when it is empty now
+    QFile::remove(KelRecordingFiles::videoPath(m_path));
+    QFile::remove(KelRecordingFiles::frameIndexPath(m_path));
+    for (const QLatin1String entry : kEntries)
+        QDir(m_path).rmdir(entry); // removes empty directories only
     if (m_isNew)
         QDir().rmdir(m_path);
 }
@@ -47,28 +51,21 @@ void KelRecordingDirectory::discard()
 bool KelRecordingDirectory::isWritable()
 {
     QTemporaryFile probe(m_path + QStringLiteral("/.kelmovie-XXXXXX"));
-    if (probe.open() && probe.write(QByteArray(ProbeBytes, '\0')) == ProbeBytes && probe.flush())
+    if (probe.open() && probe.write(QByteArray(kProbeBytes, '\0')) == kProbeBytes && probe.flush())
         return true;
     m_error = QStringLiteral("Cannot write to the directory %1: %2").arg(m_path, probe.errorString());
     return false;
-}
-
-bool KelRecordingDirectory::holdsRecording() const
-{
-    return QFileInfo::exists(m_path + QStringLiteral("/TrackManager.meta")) ||
-           QFileInfo(m_path + QStringLiteral("/Screen/screen_record.mp4")).size() > 0;
 }
 
 bool KelRecordingDirectory::setAsideRecording()
 {
     QDir dir(m_path);
     int number = 1;
-    while (!dir.mkdir(QStringLiteral("Previous-%1").arg(number)) && number < 10000)
+    while (!dir.mkdir(KelRecordingFiles::previousDir(number)) && number < kMaxPrevious)
         ++number;
-    const QString aside = QStringLiteral("Previous-%1/").arg(number);
-    for (const char *entry : Entries) {
-        const QString name = QLatin1String(entry);
-        if (dir.exists(name) && !dir.rename(name, aside + name)) {
+    const QString aside = KelRecordingFiles::previousDir(number) + QLatin1Char('/');
+    for (const QLatin1String entry : kEntries) {
+        if (dir.exists(entry) && !dir.rename(entry, aside + entry)) {
             m_error = QStringLiteral("Cannot move the earlier recording in %1 to %2").arg(m_path, aside);
             dir.rmdir(aside);
             return false;

@@ -2,24 +2,23 @@
 
 #include <QString>
 
-/// The place on disk of a recording that is about to start.
+/// The directory of a recording that is about to start.
 class KelRecordingDirectory
 {
 public:
     explicit KelRecordingDirectory(const QString &path);
 
-    /// Makes the directory exist, proves that it can be written to, and moves an earlier recording in it out of the
-    /// way, into a sub-directory. False when that fails; errorString() says why.
+    /// Creates the directory if necessary, checks that it is writable, and moves a recording that is already in it to a
+    /// subdirectory. False when that fails; errorString() says why.
     bool prepare();
 
-    /// Removes what a recording that could not start has left in the prepared directory.
+    /// Removes the files that a recording has created in the prepared directory before it failed to start.
     void discard();
 
     QString errorString() const { return m_error; }
 
 private:
     bool isWritable();
-    bool holdsRecording() const;
     bool setAsideRecording();
 
     const QString m_path;

@@ -25,8 +25,15 @@ constexpr QLatin1String kKeyboardDir = detail::latin1("Keyboard");
 constexpr QLatin1String kVoiceDir = detail::latin1("Voice");
 constexpr QLatin1String kTrackDirs[] = {kScreenDir, kMouseDir, kKeyboardDir, kVoiceDir};
 
+/// The subdirectory to which an earlier recording in the same directory is moved, numbered from 1.
+inline QString previousDir(int number)
+{
+    return QStringLiteral("Previous-%1").arg(number);
+}
+
 // In kScreenDir.
 constexpr QLatin1String kVideo = detail::latin1("screen_record.mp4");
+constexpr QLatin1String kMkvVideo = detail::latin1("screen_record.mkv"); // never written, but played if it exists
 constexpr QLatin1String kFrameIndex = detail::latin1("frame_indexes.dat");
 
 // In kMouseDir.

@@ -13,22 +13,22 @@ using namespace kel;
 
 namespace
 {
-constexpr qint64 MaxFileBytes = 1 << 20;
+constexpr qint64 kMaxFileBytes = 1 << 20;
 
 // About thirty years: products with a frame rate or a frame count stay within 64 bits.
-constexpr qint64 MaxDurationMs = 1'000'000'000'000;
+constexpr qint64 kMaxDurationMs = 1'000'000'000'000;
 
-// What a desktop and a frame in memory can be. A picture of this size is allocated from what the file says.
-constexpr int MaxCoordinate = 1 << 20;
-constexpr int MaxSide = 1 << 15;
-constexpr qint64 MaxPixels = 1 << 28;
+// Limits of desktops and frames. The file is not trusted, but frames of its size are allocated.
+constexpr int kMaxCoordinate = 1 << 20;
+constexpr int kMaxSide = 1 << 15;
+constexpr qint64 kMaxPixels = 1 << 28;
 
-constexpr double MinRatio = 0.1;
-constexpr double MaxRatio = 16.0;
+constexpr double kMinRatio = 0.1;
+constexpr double kMaxRatio = 16.0;
 
 qint64 readInteger(const QJsonValue &value, qint64 maximum)
 {
-    // The conversion of a variant is undefined for a number beyond 64 bits.
+    // Converting a variant to an integer is undefined for numbers beyond 64 bits.
     if (value.isDouble() && !(value.toDouble() < double(maximum)))
         return maximum;
     if (value.isDouble() && !(value.toDouble() > 0.0))
@@ -40,7 +40,7 @@ qint64 readDuration(const QJsonObject &root)
 {
     for (const QString &key : {QStringLiteral("duration"), QStringLiteral("recordingDuration")}) {
         if (root.contains(key))
-            return readInteger(root.value(key), MaxDurationMs);
+            return readInteger(root.value(key), kMaxDurationMs);
     }
     qCWarning(logRecording) << "No recording duration found in metadata";
     return 0;
@@ -48,28 +48,28 @@ qint64 readDuration(const QJsonObject &root)
 
 QRect readArea(const QJsonObject &area)
 {
-    // Checked before it is a rectangle: that computes its far corner.
+    // Checked before a QRect is made, whose far corner could overflow.
     const int x = area.value(QLatin1String("x")).toInt();
     const int y = area.value(QLatin1String("y")).toInt();
     const int width = area.value(QLatin1String("width")).toInt();
     const int height = area.value(QLatin1String("height")).toInt();
-    const auto isPlace = [](int v) { return v >= -MaxCoordinate && v <= MaxCoordinate; };
-    const auto isSide = [](int v) { return v >= 0 && v <= MaxSide; };
-    const bool sane =
-        isPlace(x) && isPlace(y) && isSide(width) && isSide(height) && qint64(width) * height <= MaxPixels;
-    return sane ? QRect(x, y, width, height) : QRect(0, 0, 0, 0);
+    const auto isCoordinate = [](int v) { return v >= -kMaxCoordinate && v <= kMaxCoordinate; };
+    const auto isSide = [](int v) { return v >= 0 && v <= kMaxSide; };
+    const bool isValid =
+        isCoordinate(x) && isCoordinate(y) && isSide(width) && isSide(height) && qint64(width) * height <= kMaxPixels;
+    return isValid ? QRect(x, y, width, height) : QRect(0, 0, 0, 0);
 }
 
 int readFps(const QJsonValue &value)
 {
-    const int fps = value.toInt(KelRecordingMetadata::DefaultFps);
-    return fps >= 1 && fps <= KelRecordingMetadata::MaxFps ? fps : KelRecordingMetadata::DefaultFps;
+    const int fps = value.toInt(KelRecordingMetadata::kDefaultFps);
+    return fps >= 1 && fps <= KelRecordingMetadata::kMaxFps ? fps : KelRecordingMetadata::kDefaultFps;
 }
 
 double readRatio(const QJsonValue &value)
 {
     const double ratio = value.toDouble(1.0);
-    return ratio >= MinRatio && ratio <= MaxRatio ? ratio : 1.0;
+    return ratio >= kMinRatio && ratio <= kMaxRatio ? ratio : 1.0;
 }
 } // namespace
 
@@ -117,7 +117,7 @@ bool KelRecordingMetadata::fromJson(const QByteArray &json, KelRecordingMetadata
     read.version = root.value(QLatin1String("version")).toString(read.version);
     read.recordArea = readArea(root.value(QLatin1String("recordArea")).toObject());
     read.fps = readFps(root.value(QLatin1String("fps")));
-    read.totalFrames = readInteger(root.value(QLatin1String("totalFrames")), MaxDurationMs);
+    read.totalFrames = readInteger(root.value(QLatin1String("totalFrames")), kMaxDurationMs);
     read.actualRecordedFrames = qMax(0, root.value(QLatin1String("actualRecordedFrames")).toInt());
     read.durationMs = readDuration(root);
     read.timestamp = root.value(QLatin1String("timestamp")).toString();
@@ -140,8 +140,8 @@ bool KelRecordingMetadata::load(const QString &recordingDir, KelRecordingMetadat
         qCWarning(logRecording) << "Cannot open manager metadata:" << file.fileName();
         return false;
     }
-    const QByteArray json = file.read(MaxFileBytes + 1);
-    return fromJson(json.size() > MaxFileBytes ? QByteArray() : json, out);
+    const QByteArray json = file.read(kMaxFileBytes + 1);
+    return fromJson(json.size() > kMaxFileBytes ? QByteArray() : json, out);
 }
 
 bool KelRecordingMetadata::save(const QString &recordingDir, QString *error) const

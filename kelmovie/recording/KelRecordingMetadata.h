@@ -6,18 +6,18 @@
 #include <QRect>
 #include <QString>
 
-/// What the file "TrackManager.meta" tells about a recording. A plain value; any thread.
+/// The content of "TrackManager.meta", which describes a recording. A plain value; any thread.
 struct KELMOVIE_EXPORT KelRecordingMetadata {
-    static constexpr int MaxFps = 1000;
-    static constexpr int DefaultFps = 25;
+    static constexpr int kMaxFps = 1000;
+    static constexpr int kDefaultFps = 25;
 
     QString version = QStringLiteral("1.0");
     QRect recordArea;             ///< logical pixels of the desktop
-    int fps = DefaultFps;         ///< nominal logic frames a second, 1 to MaxFps
-    qint64 totalFrames = 0;       ///< logic frames that the duration amounts to at the nominal rate
-    int actualRecordedFrames = 0; ///< logic frames that the clock ticked
+    int fps = kDefaultFps;        ///< nominal logic frames a second, 1 to kMaxFps
+    qint64 totalFrames = 0;       ///< logic frames in the duration at the nominal rate
+    int actualRecordedFrames = 0; ///< logic frames counted by the recording clock
     qint64 durationMs = 0;        ///< recorded time without pauses
-    QString timestamp;            ///< local time of writing, ISO 8601
+    QString timestamp;            ///< local time at which the file was written, ISO 8601
     double pixelRatio = 1.0;
     double devicePixelRatio = 1.0; ///< physical per logical pixel
     bool screenTrack = true;
@@ -25,20 +25,21 @@ struct KELMOVIE_EXPORT KelRecordingMetadata {
     bool keyboardTrack = false;
     bool systemAudio = false;
     bool microphoneAudio = false;
-    bool complete = true; ///< false: the recording is under way, or its process died before the stop
+    bool complete = true; ///< false: the recording is running, or its process died before the stop
 
+    /// The path of the file in the directory of a recording.
     static QString filePath(const QString &recordingDir);
 
     QByteArray toJson() const;
 
-    /// Reads what `json` says; what is missing, of the wrong type or absurd becomes the default above. Logs a warning
-    /// and returns false, `out` being untouched, when it is not a JSON object.
+    /// Reads `json`; a value that is missing, of the wrong type or out of range becomes the default above. If it is not
+    /// a JSON object, logs a warning and returns false without changing `out`.
     static bool fromJson(const QByteArray &json, KelRecordingMetadata *out);
 
-    /// fromJson() of the directory's file. Logs a warning and returns false also when the file cannot be read.
+    /// fromJson() of the file in `recordingDir`. Logs a warning and returns false also if the file cannot be read.
     static bool load(const QString &recordingDir, KelRecordingMetadata *out);
 
-    /// Replaces the directory's file in one step: a reader, or a crash, finds the old one or the new one, whole.
-    /// On failure the old one stays and `error`, unless null, says why.
+    /// Replaces the file in `recordingDir` in one step: a reader, even after a crash, finds the old content or the new
+    /// one, each complete. On failure the old file is kept, and `error`, unless null, says why in English.
     bool save(const QString &recordingDir, QString *error = nullptr) const;
 };

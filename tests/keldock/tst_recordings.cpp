@@ -9,6 +9,7 @@
 #include "widgets/NoticeBar.h"
 
 #include <KelMovie/KelRecordingMetadata.h>
+#include <KelMovie/KelRecordingState.h>
 
 #include <QAbstractItemModelTester>
 #include <QLineEdit>
@@ -131,7 +132,7 @@ void RecordingsTest::findsRecordings()
     QVERIFY(writeAll(path("a file"), "x"));
 
     const RecordingsFolder folder(m_root);
-    using State = RecordingsFolder::State;
+    using State = KelRecordingState::State;
     const QVector<QPair<QString, State>> expected{
         {"in progress", State::InProgress},      {"paused", State::Interrupted},  {"damaged metadata", State::Complete},
         {"crashed at once", State::Interrupted}, {"crashed", State::Interrupted}, {"old", State::Complete},
@@ -139,7 +140,7 @@ void RecordingsTest::findsRecordings()
     QVector<QPair<QString, State>> found;
     const auto recordings = folder.recordings();
     for (const auto &entry : recordings)
-        found.append({QFileInfo(entry.dir).fileName(), RecordingsFolder::state(entry.dir)});
+        found.append({QFileInfo(entry.dir).fileName(), KelRecordingState::stateOf(entry.dir)});
     QCOMPARE(found, expected);
     QCOMPARE(folder.interrupted(path("paused")), (QStringList{path("crashed at once"), path("crashed")}));
 
@@ -182,7 +183,7 @@ void RecordingsTest::rename()
     QCOMPARE(failed.count(), result.isEmpty() ? 1 : 0);
     const QString expected = result.isEmpty() ? QString("recording") : result;
     QCOMPARE(index.data().toString(), expected);
-    QVERIFY(RecordingsFolder::holdsRecording(path(expected)));
+    QVERIFY(KelRecordingState::holdsRecording(path(expected)));
 
     const QSignalSpy refreshed(&model, &RecordingsModel::refreshed);
     const QPersistentModelIndex kept(index);
@@ -299,7 +300,7 @@ void RecordingsTest::deletes()
     const bool isGone = hasTrash || agrees;
     QTRY_COMPARE(listed(), isGone ? QStringList{"stays"} : (QStringList{"goes", "goes too", "stays"}));
     QCOMPARE(QFileInfo::exists(path("goes")), !isGone);
-    QCOMPARE(RecordingsFolder::holdsRecording(trash + "/files/goes too"), hasTrash);
+    QCOMPARE(KelRecordingState::holdsRecording(trash + "/files/goes too"), hasTrash);
     QCOMPARE(m_window->findChild<NoticeBar *>()->text().contains("moved to the trash"), hasTrash);
     QVERIFY(QFile::remove(trash) || hasTrash);
 }

@@ -8,8 +8,8 @@ namespace kel
 
 namespace
 {
-/// Short against a device's buffer, and long enough that looking for packets costs next to nothing.
-constexpr unsigned long RestMs = 20;
+/// Short compared to the buffer of a device, and long enough that polling costs almost no CPU time.
+constexpr unsigned long kRestMs = 20;
 } // namespace
 
 CaptureDependencies::CaptureDependencies()
@@ -22,7 +22,7 @@ CaptureDependencies::CaptureDependencies()
         timer.start();
         return timer.msecsSinceReference();
     })
-    , rest([] { QThread::msleep(RestMs); })
+    , rest([] { QThread::msleep(kRestMs); })
 {
 }
 

@@ -9,21 +9,20 @@
 namespace kel
 {
 
-/// What the capture of system audio takes from its surroundings; a test puts a scripted device and clock in their
-/// place.
+/// The system services that capturing sound depends on. Tests replace them by a scripted device and clock.
 struct CaptureDependencies {
-    /// That of the system.
+    /// The services of the operating system.
     CaptureDependencies();
 
     std::function<HRESULT(IMMDeviceEnumerator **)> createEnumerator;
 
-    /// Whose sound: what the default output plays, or what the default input hears.
+    /// What to record: eRender for what the default output plays, eCapture for what the default input hears.
     EDataFlow flow = eRender;
 
-    /// Milliseconds of the steady clock that the times of packets refer to.
+    /// Milliseconds of the steady clock that packet times refer to.
     std::function<qint64()> nowMs;
 
-    /// Lets a moment pass in which more sound can arrive.
+    /// Waits a moment, so that more sound can arrive.
     std::function<void()> rest;
 };
 

@@ -10,9 +10,9 @@ namespace kel
 
 namespace
 {
-constexpr REFERENCE_TIME BufferDuration = 10'000'000; // one second
-constexpr qint64 CounterUnitsPerMs = 10'000;
-constexpr qint64 OldestPacketMs = 30'000; // no buffer is longer
+constexpr REFERENCE_TIME kBufferDuration = 10'000'000; // one second
+constexpr qint64 kCounterUnitsPerMs = 10'000;
+constexpr qint64 kMaxPacketAgeMs = 30'000; // longer than any buffer
 
 template <typename Interface>
 void releaseObject(Interface *&object)
@@ -23,8 +23,8 @@ void releaseObject(Interface *&object)
 }
 } // namespace
 
-CaptureDevice::CaptureDevice(const CaptureDependencies &seams, EDataFlow flow)
-    : m_seams(seams)
+CaptureDevice::CaptureDevice(const CaptureDependencies &dependencies, EDataFlow flow)
+    : m_dependencies(dependencies)
     , m_flow(flow)
 {
 }
@@ -36,7 +36,7 @@ CaptureDevice::~CaptureDevice()
 
 bool CaptureDevice::open(const CaptureFormat &format)
 {
-    if (FAILED(m_seams.createEnumerator(&m_enumerator)) ||
+    if (FAILED(m_dependencies.createEnumerator(&m_enumerator)) ||
         FAILED(m_enumerator->GetDefaultAudioEndpoint(m_flow, eConsole, &m_device)) ||
         FAILED(m_device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, reinterpret_cast<void **>(&m_client))) ||
         !initialize(format)) {
@@ -69,11 +69,11 @@ bool CaptureDevice::initialize(const CaptureFormat &format)
         if (m_deviceFormat.isNull())
             return false;
     }
-    const auto accepts = [this](const CaptureFormat &asked) {
-        m_streamFormat = asked;
+    const auto accepts = [this](const CaptureFormat &requested) {
+        m_streamFormat = requested;
         const DWORD flags = m_flow == eRender ? AUDCLNT_STREAMFLAGS_LOOPBACK : 0;
         return SUCCEEDED(
-            m_client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, BufferDuration, 0, asked.get(), nullptr));
+            m_client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, kBufferDuration, 0, requested.get(), nullptr));
     };
     return (m_deviceFormat.isPlainFloat() && accepts(m_deviceFormat.asInt16())) || accepts(m_deviceFormat);
 }
@@ -86,29 +86,29 @@ void CaptureDevice::close()
     releaseObject(m_enumerator);
 }
 
-CaptureDevice::Answer CaptureDevice::acquire(Packet *packet)
+CaptureDevice::Result CaptureDevice::acquire(Packet *packet)
 {
     BYTE *data = nullptr;
     UINT32 frames = 0;
     DWORD flags = 0;
     UINT64 counterPosition = 0;
     if (!m_capture || FAILED(m_capture->GetBuffer(&data, &frames, &flags, nullptr, &counterPosition)))
-        return Answer::Gone;
+        return Result::Gone;
     if (frames == 0)
-        return Answer::Nothing;
+        return Result::Empty;
     m_heldFrames = frames;
     packet->data = flags & AUDCLNT_BUFFERFLAGS_SILENT ? nullptr : reinterpret_cast<const char *>(data);
     packet->size = qint64(frames) * m_streamFormat.get()->nBlockAlign;
     packet->recordedAtMs = plausibleTime(flags, counterPosition, frames);
-    return Answer::Packet;
+    return Result::Packet;
 }
 
-/// A packet whose time cannot be right was recorded just now.
+/// The stated time of a packet or, if that is impossible, the present time.
 qint64 CaptureDevice::plausibleTime(DWORD flags, UINT64 counterPosition, UINT32 frames) const
 {
-    const qint64 nowMs = m_seams.nowMs();
-    const qint64 statedMs = qint64(counterPosition / CounterUnitsPerMs);
-    if ((flags & AUDCLNT_BUFFERFLAGS_TIMESTAMP_ERROR) != 0 || statedMs > nowMs || statedMs < nowMs - OldestPacketMs)
+    const qint64 nowMs = m_dependencies.nowMs();
+    const qint64 statedMs = qint64(counterPosition / kCounterUnitsPerMs);
+    if ((flags & AUDCLNT_BUFFERFLAGS_TIMESTAMP_ERROR) != 0 || statedMs > nowMs || statedMs < nowMs - kMaxPacketAgeMs)
         return nowMs - qint64(frames) * 1000 / m_streamFormat.get()->nSamplesPerSec;
     return statedMs;
 }

@@ -11,23 +11,23 @@ namespace kel
 
 struct CaptureDependencies;
 
-/// A default device whose sound is recorded: what the output plays or, with eCapture, what the microphone hears.
-/// Belongs to one thread, which has initialised COM.
+/// Captures sound from a default device: what the output plays or, with eCapture, what the microphone hears. Used by
+/// one thread, which has initialized COM.
 class CaptureDevice
 {
 public:
-    explicit CaptureDevice(const CaptureDependencies &seams, EDataFlow flow = eRender);
+    explicit CaptureDevice(const CaptureDependencies &dependencies, EDataFlow flow = eRender);
     ~CaptureDevice();
     CaptureDevice(const CaptureDevice &) = delete;
     CaptureDevice &operator=(const CaptureDevice &) = delete;
 
-    /// Everything up to a stream that can be started. A null format asks the device for its own. False, with
-    /// everything closed again, when there is no such device or it refuses the format.
+    /// Opens the device and a stream that is ready to start. A null format means the device's own. False when there is
+    /// no such device or it refuses the format; everything is closed again then.
     bool open(const CaptureFormat &format = CaptureFormat());
     void close();
 
-    /// What the device was asked for or said itself; and what the stream is in, which is 16-bit integers where the
-    /// former is plain floats and the device converts.
+    /// The requested format or the device's own, and the format of the stream: 16-bit integers if the device format is
+    /// plain floats and the device can convert.
     const CaptureFormat &deviceFormat() const { return m_deviceFormat; }
     const CaptureFormat &streamFormat() const { return m_streamFormat; }
 
@@ -40,17 +40,21 @@ public:
         qint64 size = 0;            ///< bytes
         qint64 recordedAtMs = 0;    ///< of the first frame
     };
-    enum class Answer { Packet, Nothing, Gone };
+    enum class Result {
+        Packet, ///< a packet was acquired
+        Empty,  ///< no packet is available at present
+        Gone    ///< the device was removed or is not open
+    };
 
-    /// Asks for the oldest packet. It is held until release().
-    Answer acquire(Packet *packet);
+    /// Acquires the oldest packet and holds it until release().
+    Result acquire(Packet *packet);
     void release();
 
 private:
     bool initialize(const CaptureFormat &format);
     qint64 plausibleTime(DWORD flags, UINT64 counterPosition, UINT32 frames) const;
 
-    const CaptureDependencies &m_seams;
+    const CaptureDependencies &m_dependencies;
     const EDataFlow m_flow;
     CaptureFormat m_deviceFormat;
     CaptureFormat m_streamFormat;

@@ -26,7 +26,7 @@ CaptureFormat CaptureFormat::asInt16() const
 {
     WAVEFORMATEX format;
     std::memcpy(&format, m_bytes.constData(), sizeof format);
-    format.wFormatTag = WavHeader::Pcm;
+    format.wFormatTag = WavHeader::kPcm;
     format.wBitsPerSample = 16;
     format.nBlockAlign = WORD(format.nChannels * 2);
     format.nAvgBytesPerSec = format.nBlockAlign * format.nSamplesPerSec;
@@ -38,12 +38,12 @@ CaptureFormat CaptureFormat::asInt16() const
 
 bool CaptureFormat::isPlainFloat() const
 {
-    return get()->wFormatTag == WavHeader::IeeeFloat;
+    return get()->wFormatTag == WavHeader::kIeeeFloat;
 }
 
 bool CaptureFormat::isIntegerPcm() const
 {
-    return resolvedTag() == WavHeader::Pcm;
+    return resolvedTag() == WavHeader::kPcm;
 }
 
 WavHeader CaptureFormat::wavHeader() const
@@ -60,14 +60,14 @@ WavHeader CaptureFormat::wavHeader() const
 
 quint16 CaptureFormat::resolvedTag() const
 {
-    constexpr int SubFormatOffset = offsetof(WAVEFORMATEXTENSIBLE, SubFormat);
-    if (get()->wFormatTag == WavHeader::Extensible && m_bytes.size() >= SubFormatOffset + int(sizeof(GUID))) {
+    constexpr int kSubFormatOffset = offsetof(WAVEFORMATEXTENSIBLE, SubFormat);
+    if (get()->wFormatTag == WavHeader::kExtensible && m_bytes.size() >= kSubFormatOffset + int(sizeof(GUID))) {
         GUID subFormat;
-        std::memcpy(&subFormat, m_bytes.constData() + SubFormatOffset, sizeof subFormat);
+        std::memcpy(&subFormat, m_bytes.constData() + kSubFormatOffset, sizeof subFormat);
         if (IsEqualGUID(subFormat, KSDATAFORMAT_SUBTYPE_PCM))
-            return WavHeader::Pcm;
+            return WavHeader::kPcm;
         if (IsEqualGUID(subFormat, KSDATAFORMAT_SUBTYPE_IEEE_FLOAT))
-            return WavHeader::IeeeFloat;
+            return WavHeader::kIeeeFloat;
     }
     return get()->wFormatTag;
 }

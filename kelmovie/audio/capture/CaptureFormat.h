@@ -9,7 +9,7 @@
 namespace kel
 {
 
-/// The format of captured sound: a WAVEFORMATEX with the bytes that extend it.
+/// The format of captured sound: a WAVEFORMATEX with its extension.
 class CaptureFormat
 {
 public:
@@ -17,20 +17,20 @@ public:
     explicit CaptureFormat(const QByteArray &bytes);
     explicit CaptureFormat(const WAVEFORMATEX &format);
 
-    /// Too short, or of no rate or size: nothing can be captured in it.
+    /// Unusable for capture: too short, or with a rate or size of 0.
     bool isNull() const;
 
-    /// Valid while this object is.
+    /// Valid as long as this object.
     const WAVEFORMATEX *get() const { return reinterpret_cast<const WAVEFORMATEX *>(m_bytes.constData()); }
     const QByteArray &bytes() const { return m_bytes; }
 
-    /// The same sound in 16-bit integers.
+    /// The same format with 16-bit integer samples.
     CaptureFormat asInt16() const;
 
     bool isPlainFloat() const;
     bool isIntegerPcm() const;
 
-    /// Of a WAV file in this format, which knows no extensible form: its tag says what the samples are.
+    /// The header of a WAV file in this format. It has no extensible form; its tag is that of the samples.
     WavHeader wavHeader() const;
 
 private:

@@ -14,15 +14,15 @@ using namespace kel;
 
 namespace
 {
-constexpr unsigned long StopWaitMs = 3000;
+constexpr unsigned long kStopWaitMs = 3000;
 } // namespace
 
 KelSystemAudioRecord::KelSystemAudioRecord(const QString &outputPath, WasapiCaptureThread::FailureHandler failed,
-                                           QObject *parent, const CaptureDependencies &seams)
+                                           QObject *parent, const CaptureDependencies &dependencies)
     : QObject(parent)
     , m_outputPath(outputPath)
     , m_failed(std::move(failed))
-    , m_seams(seams)
+    , m_dependencies(dependencies)
 {
     QDir().mkpath(QFileInfo(outputPath).absolutePath());
 }
@@ -48,7 +48,7 @@ bool KelSystemAudioRecord::start(qint64 atMs)
     m_partIndex = 0;
     m_unrecordedMs = 0;
     m_currentPart = partPath();
-    startThread(momentOf(atMs));
+    startThread(timeOf(atMs));
     m_isRecording = true;
     return true;
 }
@@ -59,7 +59,7 @@ void KelSystemAudioRecord::pause(qint64 atMs)
         qCWarning(logAudio) << "系统音频录制未在运行";
         return;
     }
-    const qint64 endMs = momentOf(atMs);
+    const qint64 endMs = timeOf(atMs);
     if (m_thread)
         m_thread->pauseAt(endMs);
     if (!m_thread || !m_thread->isRunning())
@@ -79,7 +79,7 @@ void KelSystemAudioRecord::resume(qint64 atMs)
         return;
     }
     m_currentPart = partPath();
-    m_partStartMs = momentOf(atMs);
+    m_partStartMs = timeOf(atMs);
     if (m_thread && m_thread->isRunning())
         m_thread->resumeAt(m_partStartMs, m_currentPart);
     else
@@ -106,9 +106,9 @@ void KelSystemAudioRecord::stopRecording()
     m_isPaused = false;
 }
 
-qint64 KelSystemAudioRecord::momentOf(qint64 atMs) const
+qint64 KelSystemAudioRecord::timeOf(qint64 atMs) const
 {
-    return atMs == Now ? m_seams.nowMs() : atMs;
+    return atMs == kNow ? m_dependencies.nowMs() : atMs;
 }
 
 QString KelSystemAudioRecord::partPath() const
@@ -116,14 +116,14 @@ QString KelSystemAudioRecord::partPath() const
     return soundPartPath(m_outputPath, m_partIndex);
 }
 
-/// What a capture that died before left unrecorded becomes silence at the head of the part: the sound that follows
-/// keeps its place.
+/// Time that an earlier, failed capture did not record becomes silence at the start of the part, so that the following
+/// sound keeps its time.
 void KelSystemAudioRecord::startThread(qint64 startMs)
 {
     endThread();
     m_partStartMs = startMs;
-    m_thread = new WasapiCaptureThread(m_currentPart, startMs - std::exchange(m_unrecordedMs, 0), m_format, m_seams,
-                                       m_failed, this);
+    m_thread = new WasapiCaptureThread(m_currentPart, startMs - std::exchange(m_unrecordedMs, 0), m_format,
+                                       m_dependencies, m_failed, this);
     m_thread->start(QThread::InheritPriority);
 }
 
@@ -132,7 +132,7 @@ void KelSystemAudioRecord::endThread()
     if (!m_thread)
         return;
     m_thread->requestStop();
-    m_thread->wait(StopWaitMs);
+    m_thread->wait(kStopWaitMs);
     m_format = m_thread->format();
     m_thread->deleteLater();
     m_thread = nullptr;

@@ -14,22 +14,22 @@ namespace kel
 
 namespace
 {
-constexpr int WholeFileLimitMs = 2000;
-constexpr unsigned long LookAgainMs = 2;
+constexpr int kCompleteFileLimitMs = 2000;
+constexpr unsigned long kPollIntervalMs = 2;
 
-struct Words {
+struct FormatNames {
     const char *codec;
     const char *container;
 };
 
-bool isWhole(const QString &path)
+bool isComplete(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    const QByteArray header = file.read(WavHeader::Size);
-    return header.size() == WavHeader::Size &&
-           WavHeader::fromBytes(header.constData()).dataSize == file.size() - WavHeader::Size;
+    const QByteArray header = file.read(WavHeader::kSize);
+    return header.size() == WavHeader::kSize &&
+           WavHeader::fromBytes(header.constData()).dataSize == file.size() - WavHeader::kSize;
 }
 } // namespace
 
@@ -39,10 +39,11 @@ void MicrophoneBackend::setWavSettings(QAudioRecorder &recorder, QAudioEncoderSe
     const QStringList codecs = recorder.supportedAudioCodecs();
     const QStringList containers = recorder.supportedContainers();
     if (!codecs.contains(settings.codec())) {
-        for (const Words &words : {Words{"audio/x-raw", "audio/x-wav"}, Words{"audio/pcm", "audio/x-wav"}}) {
-            if (codecs.contains(QLatin1String(words.codec)) && containers.contains(QLatin1String(words.container))) {
-                settings.setCodec(QLatin1String(words.codec));
-                container = QLatin1String(words.container);
+        for (const FormatNames &names :
+             {FormatNames{"audio/x-raw", "audio/x-wav"}, FormatNames{"audio/pcm", "audio/x-wav"}}) {
+            if (codecs.contains(QLatin1String(names.codec)) && containers.contains(QLatin1String(names.container))) {
+                settings.setCodec(QLatin1String(names.codec));
+                container = QLatin1String(names.container);
                 break;
             }
         }
@@ -50,13 +51,13 @@ void MicrophoneBackend::setWavSettings(QAudioRecorder &recorder, QAudioEncoderSe
     recorder.setEncodingSettings(settings, QVideoEncoderSettings(), container);
 }
 
-void MicrophoneBackend::waitForWholeFile(const QAudioRecorder &recorder, const QString &path)
+void MicrophoneBackend::waitForCompleteFile(const QAudioRecorder &recorder, const QString &path)
 {
-    // The backend's own threads complete the file; its status would change only with the event loop, in which anything
-    // else might happen, too.
-    const QDeadlineTimer limit(WholeFileLimitMs);
-    while (recorder.status() == QMediaRecorder::FinalizingStatus && !isWhole(path) && !limit.hasExpired())
-        QThread::msleep(LookAgainMs);
+    // The backend's threads complete the file. Its status would change only in an event loop, which could also run
+    // unrelated code.
+    const QDeadlineTimer limit(kCompleteFileLimitMs);
+    while (recorder.status() == QMediaRecorder::FinalizingStatus && !isComplete(path) && !limit.hasExpired())
+        QThread::msleep(kPollIntervalMs);
 }
 
 MicrophoneBackend::Presence MicrophoneBackend::presence()
@@ -80,12 +81,12 @@ MicrophoneBackend::Presence MicrophoneBackend::presence()
 
 bool MicrophoneBackend::isSilent(const QString &path)
 {
-    constexpr qint64 block = 1 << 20;
+    constexpr qint64 blockSize = 1 << 20;
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || !file.seek(WavHeader::Size) || file.atEnd())
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(WavHeader::kSize) || file.atEnd())
         return false;
     while (!file.atEnd()) {
-        const QByteArray bytes = file.read(block);
+        const QByteArray bytes = file.read(blockSize);
         if (bytes.count('\0') != bytes.size())
             return false;
     }

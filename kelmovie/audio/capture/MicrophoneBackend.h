@@ -5,24 +5,25 @@
 
 class QAudioRecorder;
 
-/// What a recorder of the microphone needs to be told, and asked, beyond its own interface. GUI thread.
+/// Works around differences between the multimedia backends that record the microphone. GUI thread.
 namespace kel::MicrophoneBackend
 {
-/// Asks for a WAV file of `settings`, whose codec is "audio/wav", in the words that the recorder's backend knows.
+/// Configures the recorder for a WAV file with `settings`, whose codec is "audio/wav", using the codec and container
+/// names that its backend supports.
 void setWavSettings(QAudioRecorder &recorder, QAudioEncoderSettings settings);
 
-/// After a stop: waits, bounded, until the backend has completed the file, which it does after stop() has returned.
-/// Runs no event loop.
-void waitForWholeFile(const QAudioRecorder &recorder, const QString &path);
+/// To be called after a stop: waits, for a limited time, until the backend has completed the file, which happens after
+/// stop() has returned. Runs no event loop.
+void waitForCompleteFile(const QAudioRecorder &recorder, const QString &path);
 
-/// Without a microphone a backend records what the computer plays, or silence, and says nothing.
+/// Whether there is a microphone. Without one, a backend records what the computer plays, or silence, and reports no
+/// error.
 enum class Presence { Present, Missing, Unknown };
 Presence presence();
 
-/// Whether the WAV file holds nothing but zeros, which no microphone that is switched on delivers. Found out by the
-/// first samples of one that is not.
+/// Whether the WAV file holds only zeros, which no active microphone delivers. Reads up to the first other sample.
 bool isSilent(const QString &path);
 
-/// Loads what the first recorder of a process takes half a second to load.
+/// Loads the backend, which otherwise delays the first recorder of a process by half a second.
 void preload();
 } // namespace kel::MicrophoneBackend

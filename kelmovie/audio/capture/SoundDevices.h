@@ -1,13 +1,13 @@
 #pragma once
 
-/// Which sound there is to record at present. Each call asks the system: at most a few seconds where it does not
-/// answer.
+/// Which sound can be recorded at present. Each call queries the system, and takes up to a few seconds if that does not
+/// respond.
 namespace kel::SoundDevices
 {
 
 bool hasMicrophone();
 
-/// An output whose sound can be recorded.
+/// Whether there is an output whose sound can be recorded.
 bool hasSystemAudio();
 
 } // namespace kel::SoundDevices

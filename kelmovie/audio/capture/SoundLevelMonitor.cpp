@@ -15,7 +15,7 @@ namespace kel
 namespace
 {
 
-constexpr std::chrono::seconds kSearchEvery(1);
+constexpr std::chrono::seconds kSearchInterval(1);
 
 template <typename Sample>
 float peakOfSamples(const char *data, qint64 size)
@@ -24,14 +24,14 @@ float peakOfSamples(const char *data, qint64 size)
     for (qint64 at = 0; at + qint64(sizeof(Sample)) <= size; at += qint64(sizeof(Sample))) {
         Sample sample;
         std::memcpy(&sample, data + at, sizeof sample);
-        peak = std::max(peak, std::fabs(double(sample))); // what is not a number is no peak
+        peak = std::max(peak, std::fabs(double(sample))); // ignores NaN
     }
     if constexpr (std::numeric_limits<Sample>::is_integer)
         peak /= -double(std::numeric_limits<Sample>::min());
     return float(peak);
 }
 
-/// Of samples of 24 bits; the lowest byte tells nothing that a meter shows.
+/// For 24-bit samples; ignores their lowest byte, which no meter shows.
 float peakOf24Bits(const char *data, qint64 size)
 {
     float peak = 0;
@@ -42,10 +42,10 @@ float peakOf24Bits(const char *data, qint64 size)
 
 } // namespace
 
-SoundLevelMonitor::SoundLevelMonitor(EDataFlow flow, const CaptureDependencies &seams, QObject *parent)
+SoundLevelMonitor::SoundLevelMonitor(EDataFlow flow, const CaptureDependencies &dependencies, QObject *parent)
     : QThread(parent)
     , m_flow(flow)
-    , m_seams(seams)
+    , m_dependencies(dependencies)
 {
 }
 
@@ -73,7 +73,7 @@ void SoundLevelMonitor::setListening(bool on)
 float SoundLevelMonitor::peakOf(const CaptureFormat &format, const char *data, qint64 size)
 {
     const WavHeader header = format.wavHeader();
-    if (header.formatTag == WavHeader::IeeeFloat)
+    if (header.formatTag == WavHeader::kIeeeFloat)
         return header.bitsPerSample == 64 ? peakOfSamples<double>(data, size) : peakOfSamples<float>(data, size);
     switch (header.bitsPerSample) {
     case 16:
@@ -96,7 +96,7 @@ void SoundLevelMonitor::run()
         CoUninitialize();
 }
 
-/// False when the thread is to end.
+/// False when the thread has to end.
 bool SoundLevelMonitor::waitUntilWanted()
 {
     std::unique_lock lock(m_mutex);
@@ -112,19 +112,19 @@ bool SoundLevelMonitor::isWanted() const
 
 void SoundLevelMonitor::listen()
 {
-    CaptureDevice device(m_seams, m_flow);
+    CaptureDevice device(m_dependencies, m_flow);
     if (!device.open() || !device.start()) {
         m_state = State::NoDevice;
         std::unique_lock lock(m_mutex);
-        m_changed.wait_for(lock, kSearchEvery, [this] { return !m_isWanted || m_isEnding; });
+        m_changed.wait_for(lock, kSearchInterval, [this] { return !m_isWanted || m_isEnding; });
         return;
     }
     m_state = State::Listening;
-    CaptureDevice::Answer answer = CaptureDevice::Answer::Nothing;
-    while (isWanted() && answer != CaptureDevice::Answer::Gone) {
+    CaptureDevice::Result result = CaptureDevice::Result::Empty;
+    while (isWanted() && result != CaptureDevice::Result::Gone) {
         CaptureDevice::Packet packet;
-        answer = device.acquire(&packet);
-        if (answer == CaptureDevice::Answer::Packet) {
+        result = device.acquire(&packet);
+        if (result == CaptureDevice::Result::Packet) {
             if (packet.data) {
                 const float peak = peakOf(device.streamFormat(), packet.data, packet.size);
                 float known = m_peak;
@@ -132,8 +132,8 @@ void SoundLevelMonitor::listen()
                 }
             }
             device.release();
-        } else if (answer == CaptureDevice::Answer::Nothing) {
-            m_seams.rest();
+        } else if (result == CaptureDevice::Result::Empty) {
+            m_dependencies.rest();
         }
     }
     device.stop();

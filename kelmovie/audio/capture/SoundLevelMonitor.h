@@ -13,8 +13,8 @@ namespace kel
 
 class CaptureFormat;
 
-/// Listens how loud a default device is, without recording it, on a thread of its own. A device that is not there, or
-/// goes away, is looked for once a second.
+/// Measures the level of a default device without recording it, on its own thread. Looks for a missing device once a
+/// second.
 class SoundLevelMonitor : public QThread
 {
     Q_OBJECT
@@ -23,20 +23,20 @@ public:
     enum class State { Waiting, Listening, NoDevice };
 
     /// `flow`: eRender for what the computer plays, eCapture for the microphone.
-    explicit SoundLevelMonitor(EDataFlow flow, const CaptureDependencies &seams = CaptureDependencies(),
+    explicit SoundLevelMonitor(EDataFlow flow, const CaptureDependencies &dependencies = CaptureDependencies(),
                                QObject *parent = nullptr);
-    /// Waits for the thread, which the system may hold up for seconds.
+    /// Waits for the thread, which may take seconds if the system does not respond.
     ~SoundLevelMonitor() override;
 
-    /// From the owner's thread. While off, no device is open.
+    /// Called from the owner's thread. While off, no device is open.
     void setListening(bool on);
 
     // From any thread.
     State state() const { return m_state; }
-    /// The largest magnitude since the last call; 1.0 is full scale.
+    /// The peak since the last call; 1.0 is full scale.
     float takePeak() { return m_peak.exchange(0); }
 
-    /// The largest magnitude of some sound.
+    /// The peak of `size` bytes of sound.
     static float peakOf(const CaptureFormat &format, const char *data, qint64 size);
 
 protected:
@@ -48,7 +48,7 @@ private:
     bool isWanted() const;
 
     const EDataFlow m_flow;
-    const CaptureDependencies m_seams;
+    const CaptureDependencies m_dependencies;
     std::atomic<State> m_state{State::Waiting};
     std::atomic<float> m_peak{0};
 

@@ -15,18 +15,19 @@ namespace kel
 
 namespace
 {
-constexpr qint64 SilenceAfterMs = 100;
-constexpr qint64 SizesIntervalMs = 1000;
-constexpr qint64 SearchIntervalMs = 1000;
-constexpr DWORD EventWaitMs = 200;
+constexpr qint64 kSilenceAfterMs = 100;
+constexpr qint64 kSizesIntervalMs = 1000;
+constexpr qint64 kSearchIntervalMs = 1000;
+constexpr DWORD kEventWaitMs = 200;
 } // namespace
 
 WasapiCaptureThread::WasapiCaptureThread(const QString &filePath, qint64 startMs, const QByteArray &format,
-                                         const CaptureDependencies &seams, FailureHandler failed, QObject *parent)
+                                         const CaptureDependencies &dependencies, FailureHandler failed,
+                                         QObject *parent)
     : QThread(parent)
     , m_firstPath(filePath)
     , m_startMs(startMs)
-    , m_seams(seams)
+    , m_dependencies(dependencies)
     , m_failed(std::move(failed))
     , m_format(format)
 {
@@ -64,9 +65,9 @@ QByteArray WasapiCaptureThread::format() const
 void WasapiCaptureThread::run()
 {
     CoInitialize(nullptr);
-    m_device = std::make_unique<CaptureDevice>(m_seams, m_seams.flow);
+    m_device = std::make_unique<CaptureDevice>(m_dependencies, m_dependencies.flow);
     if (!m_device->open(CaptureFormat(format())))
-        reportOnce(QStringLiteral("there is no output whose sound could be recorded"));
+        reportOnce(QStringLiteral("there is no output whose sound can be recorded"));
     else
         capture();
     m_part.reset();
@@ -91,8 +92,8 @@ void WasapiCaptureThread::capture()
     if (!m_device->start()) {
         qCWarning(logAudio) << "启动音频客户端失败";
         m_part->close();
-        QFile::remove(m_firstPath); // its silence would put what a later part brings off its time
-        reportOnce(QStringLiteral("the output does not let its sound be recorded"));
+        QFile::remove(m_firstPath); // its silence would shift the sound of later parts
+        reportOnce(QStringLiteral("the sound of the output cannot be recorded"));
         return;
     }
     if (!m_device->streamFormat().isIntegerPcm() || !captureByEvents())
@@ -100,27 +101,27 @@ void WasapiCaptureThread::capture()
     drain();
 }
 
-/// Integer formats wait for the device's event. False when there is none: the stream was opened for polling, so a
-/// device may well refuse it, and the recording must not go without sound for that.
+/// Waits for the device's event instead of polling, for integer formats. False when the device refuses events, which it
+/// may, because the stream was opened for polling; the caller then has to poll.
 bool WasapiCaptureThread::captureByEvents()
 {
     const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
     if (!event || !m_device->setEventHandle(event)) {
         qCWarning(logAudio) << "设置WASAPI事件句柄失败，格式标签:" << m_device->streamFormat().get()->wFormatTag
-                            << "，实际标签:" << int(WavHeader::Pcm);
+                            << "，实际标签:" << int(WavHeader::kPcm);
         if (event)
             CloseHandle(event);
         return false;
     }
     while (!m_stopRequested) {
-        obeyRequests();
-        if (WaitForSingleObject(event, EventWaitMs) == WAIT_OBJECT_0) {
+        handleRequests();
+        if (WaitForSingleObject(event, kEventWaitMs) == WAIT_OBJECT_0) {
             while (readPacket())
                 continue;
         } else {
             padWithSilence();
         }
-        keepSizes();
+        updateSizesRegularly();
     }
     CloseHandle(event);
     return true;
@@ -128,26 +129,26 @@ bool WasapiCaptureThread::captureByEvents()
 
 void WasapiCaptureThread::captureByPolling()
 {
-    m_lastPacketMs = m_seams.nowMs();
+    m_lastPacketMs = m_dependencies.nowMs();
     while (!m_stopRequested) {
-        obeyRequests();
+        handleRequests();
         if (!readPacket()) {
-            if (m_seams.nowMs() - m_lastPacketMs >= SilenceAfterMs) {
+            if (m_dependencies.nowMs() - m_lastPacketMs >= kSilenceAfterMs) {
                 padWithSilence();
-                m_lastPacketMs = m_seams.nowMs();
+                m_lastPacketMs = m_dependencies.nowMs();
             }
-            m_seams.rest();
+            m_dependencies.rest();
         }
-        keepSizes();
+        updateSizesRegularly();
         if (m_isDeviceGone)
             replaceDevice();
     }
 }
 
-/// What the device still has belongs to the recording as far as it comes from before its end.
+/// Records what the device still has buffered from before the end.
 void WasapiCaptureThread::drain()
 {
-    obeyRequests();
+    handleRequests();
     while (readPacket())
         continue;
     m_device->stop();
@@ -155,74 +156,74 @@ void WasapiCaptureThread::drain()
     checkPart();
 }
 
-void WasapiCaptureThread::obeyRequests()
+void WasapiCaptureThread::handleRequests()
 {
-    Requests asked;
+    Requests requests;
     {
         const QMutexLocker lock(&m_mutex);
-        asked = m_requests;
+        requests = m_requests;
         m_requests.pendingPath.clear();
     }
-    if (!asked.pendingPath.isEmpty()) {
-        m_part->setEnd(asked.currentEndMs);
+    if (!requests.pendingPath.isEmpty()) {
+        m_part->setEnd(requests.currentEndMs);
         m_part->close();
-        m_part->open(asked.pendingPath, asked.pendingStartMs);
+        m_part->open(requests.pendingPath, requests.pendingStartMs);
         checkPart();
     }
-    if (asked.isPaused)
-        m_part->setEnd(asked.pausedAtMs);
+    if (requests.isPaused)
+        m_part->setEnd(requests.pausedAtMs);
 }
 
-/// While paused the part takes only what was recorded before and comes late.
+/// While paused, the part accepts only late packets from before the pause.
 bool WasapiCaptureThread::readPacket()
 {
     CaptureDevice::Packet packet;
-    const CaptureDevice::Answer answer = m_device->acquire(&packet);
-    m_isDeviceGone = answer == CaptureDevice::Answer::Gone;
-    if (answer != CaptureDevice::Answer::Packet)
+    const CaptureDevice::Result result = m_device->acquire(&packet);
+    m_isDeviceGone = result == CaptureDevice::Result::Gone;
+    if (result != CaptureDevice::Result::Packet)
         return false;
-    obeyRequests();
+    handleRequests();
     m_part->writePacket(packet.data, packet.size, packet.recordedAtMs);
     m_device->release();
-    m_lastPacketMs = m_seams.nowMs();
+    m_lastPacketMs = m_dependencies.nowMs();
     checkPart();
     return true;
 }
 
-/// Also while paused: the part is cut back to where the pause began when it is closed, and should the pause never end,
-/// its file is as long as the time.
+/// Called also while paused: closing the part cuts it back to the start of the pause, and if the process dies before
+/// that, the duration of the file is the time that passed.
 void WasapiCaptureThread::padWithSilence()
 {
     m_part->writeSilence();
     checkPart();
 }
 
-/// A process that dies leaves a file that says how much sound is in it.
-void WasapiCaptureThread::keepSizes()
+/// If the process is killed, the header states about how much sound the file has.
+void WasapiCaptureThread::updateSizesRegularly()
 {
-    const qint64 nowMs = m_seams.nowMs();
-    if (nowMs - m_lastSizesMs < SizesIntervalMs)
+    const qint64 nowMs = m_dependencies.nowMs();
+    if (nowMs - m_lastSizesMs < kSizesIntervalMs)
         return;
     m_lastSizesMs = nowMs;
     m_part->updateSizes();
 }
 
-/// The sound goes on in the same format, so that one file holds it.
+/// The new device has to deliver the same format, so that one file can hold the sound.
 void WasapiCaptureThread::replaceDevice()
 {
-    const qint64 nowMs = m_seams.nowMs();
-    if (nowMs - m_lastSearchMs < SearchIntervalMs)
+    const qint64 nowMs = m_dependencies.nowMs();
+    if (nowMs - m_lastSearchMs < kSearchIntervalMs)
         return;
     m_lastSearchMs = nowMs;
     const CaptureFormat format = m_device->streamFormat();
-    auto device = std::make_unique<CaptureDevice>(m_seams, m_seams.flow);
+    auto device = std::make_unique<CaptureDevice>(m_dependencies, m_dependencies.flow);
     if (device->open(format) && device->streamFormat().bytes() == format.bytes() && device->start()) {
-        qCWarning(logAudio) << "[WasapiCaptureThread] The output went away; going on with the new default output";
+        qCWarning(logAudio) << "[WasapiCaptureThread] The output was removed; continuing with the new default output";
         m_device = std::move(device);
         m_isDeviceGone = false;
         return;
     }
-    reportOnce(QStringLiteral("the output went away; silence is recorded until there is one again"));
+    reportOnce(QStringLiteral("the output was removed; silence is recorded until there is one again"));
 }
 
 void WasapiCaptureThread::checkPart()

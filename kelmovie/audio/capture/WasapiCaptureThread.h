@@ -17,31 +17,31 @@ namespace kel
 class CaptureDevice;
 class WavPartWriter;
 
-/// Records what the computer plays into part files, one after the other, on a thread of its own that owns the device.
+/// Records what the computer plays into part files, one after the other. The thread owns the device.
 ///
-/// Where the device delivers nothing the file gets silence, so that it is as long as the time that passed. A device
-/// that goes away while recording is replaced by the new default as soon as there is one.
+/// While the device delivers nothing, silence is written, so that the duration of the file is the time that passed. A
+/// device that is removed while recording is replaced by the new default device as soon as there is one.
 class WasapiCaptureThread : public QThread
 {
     Q_OBJECT
 
 public:
-    /// Told in English, on the capture thread, why sound is missing.
+    /// Called on the capture thread with the reason, in English, why sound is missing.
     using FailureHandler = std::function<void(const QString &)>;
 
-    /// The first part begins at `startMs` of the steady clock. `format`: as an earlier thread's format(), or empty to
-    /// ask the device.
+    /// The first part begins at `startMs` of the steady clock. `format`: the format() of an earlier thread, or empty
+    /// for the device's own.
     WasapiCaptureThread(const QString &filePath, qint64 startMs, const QByteArray &format,
-                        const CaptureDependencies &seams, FailureHandler failed, QObject *parent);
+                        const CaptureDependencies &dependencies, FailureHandler failed, QObject *parent);
     ~WasapiCaptureThread() override;
 
     // From any thread.
-    /// The part ends at `atMs`; sound from later is dropped.
+    /// Ends the part at `atMs`; later sound is dropped.
     void pauseAt(qint64 atMs);
-    /// Goes on with a new part that begins at `atMs`.
+    /// Continues with a new part that begins at `atMs`.
     void resumeAt(qint64 atMs, const QString &filePath);
     void requestStop() { m_stopRequested = true; }
-    /// The device's format as soon as it is known, else empty.
+    /// The device's format; empty until it is known.
     QByteArray format() const;
 
 protected:
@@ -53,10 +53,10 @@ private:
     void captureByPolling();
     void drain();
 
-    void obeyRequests();
+    void handleRequests();
     bool readPacket();
     void padWithSilence();
-    void keepSizes();
+    void updateSizesRegularly();
     void replaceDevice();
     void checkPart();
     void reportOnce(const QString &problem);
@@ -64,14 +64,14 @@ private:
     struct Requests {
         bool isPaused = false;
         qint64 pausedAtMs = 0;
-        QString pendingPath; ///< empty without a part to switch to
+        QString pendingPath; ///< empty unless there is a part to switch to
         qint64 pendingStartMs = 0;
         qint64 currentEndMs = 0; ///< of the part before the pending one
     };
 
     const QString m_firstPath;
     const qint64 m_startMs;
-    const CaptureDependencies m_seams;
+    const CaptureDependencies m_dependencies;
     const FailureHandler m_failed;
 
     std::atomic<bool> m_stopRequested{false};
@@ -79,7 +79,7 @@ private:
     Requests m_requests;
     QByteArray m_format;
 
-    // The rest belongs to the capture thread.
+    // Used by the capture thread only.
     std::unique_ptr<CaptureDevice> m_device;
     std::unique_ptr<WavPartWriter> m_part;
     bool m_isDeviceGone = false;

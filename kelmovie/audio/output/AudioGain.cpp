@@ -59,7 +59,7 @@ float amplifyFloat(char *samples, int count, double gain, bool isChanged)
 void AudioGain::setTarget(double gain)
 {
     if (!std::isnan(gain))
-        m_target = std::clamp(gain, 0.0, Max);
+        m_target = std::clamp(gain, 0.0, kMax);
 }
 
 float AudioGain::softClip(float x, float threshold)

@@ -9,19 +9,19 @@ namespace kel
 namespace
 {
 
-// While the lead is measured, and before it: the buffer is being filled.
+// The lead is measured from kSettleMs, when the buffer has been filled, to kMeasureMs.
 constexpr qint64 kSettleMs = 200;
 constexpr qint64 kMeasureMs = 1000;
-// A device takes sound in blocks, which seem to be taken late.
+// A device takes sound in blocks, which makes the lead appear negative.
 constexpr double kMinLeadMs = -25;
 constexpr double kMaxLeadMs = 500;
 
 constexpr double kSmoothingMs = 400;
-constexpr double kMaxWeight = 0.25; // after a pause of this thread, one look at the device says little
+constexpr double kMaxWeight = 0.25; // limits the effect of one sample after this thread was blocked
 constexpr double kToleratedLagMs = 40;
-constexpr double kWornOffLagMs = 5;
+constexpr double kCorrectedLagMs = 5;
 constexpr double kLostLagMs = 150;
-constexpr double kCorrectionMs = 4000; // in which a deviation would be worn off
+constexpr double kCorrectionMs = 4000; // time in which a deviation is corrected
 constexpr double kMaxCorrection = 0.02;
 
 } // namespace
@@ -56,7 +56,7 @@ void AudioSync::update(qint64 nowMs, double positionMs, double expectedMs)
     m_lastMs = nowMs;
 
     const bool isCorrecting = m_correction != 1.0;
-    if (std::abs(m_lagMs) > (isCorrecting ? kWornOffLagMs : kToleratedLagMs))
+    if (std::abs(m_lagMs) > (isCorrecting ? kCorrectedLagMs : kToleratedLagMs))
         m_correction = 1.0 + std::clamp(m_lagMs / kCorrectionMs, -kMaxCorrection, kMaxCorrection);
     else
         m_correction = 1.0;

@@ -5,22 +5,22 @@
 namespace kel
 {
 
-/// Tells how a sound that is being played has to change its rate to stay with the picture, whose clock is not the sound
-/// device's. Small deviations are worn off by a change of pitch that nobody hears, large ones need a new start.
+/// Keeps sound in sync with the video, which follows the wall clock while sound follows the clock of its device. Small
+/// deviations are corrected by an inaudible change of the rate; large ones require a restart.
 ///
-/// The device takes sound some time before it is heard. How long, it does not tell; but what it took in the first
-/// second beyond what a second holds is what it keeps.
+/// The device takes sound some time before it is heard, and does not report how long. This lead is measured in the
+/// first second: it is what the device takes in excess of the elapsed time.
 class AudioSync
 {
 public:
-    /// The sound begins at `positionMs`, which is right, and goes on with `rate` ms of the file in each ms.
+    /// Playback starts at `positionMs`, which is in sync, at `rate` ms of the file per ms.
     void begin(qint64 nowMs, double positionMs, double rate);
-    /// `positionMs` is what the device has taken, `expectedMs` what should be heard now.
+    /// `positionMs` is the position up to which the device has taken sound; `expectedMs` should be heard now.
     void update(qint64 nowMs, double positionMs, double expectedMs);
 
     /// The rate to play at from now on.
     double rate() const { return m_rate * m_correction; }
-    /// Too far off to be worn off: begin anew.
+    /// Too far out of sync to be corrected; playback has to be restarted.
     bool isLost() const { return m_isLost; }
 
 private:
@@ -33,7 +33,7 @@ private:
     double m_correction = 1.0;
     double m_leadSumMs = 0;
     int m_leadCount = 0;
-    double m_lagMs = 0; ///< smoothed; wall-clock ms that the sound is behind the picture
+    double m_lagMs = 0; ///< smoothed; wall-clock ms that the sound is behind the video
     bool m_isLost = false;
 };
 

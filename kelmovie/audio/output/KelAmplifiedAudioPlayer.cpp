@@ -19,6 +19,20 @@ namespace
 constexpr int kFeedMs = 20;
 constexpr int kPieceBytes = 8192; // short, so that a new gain is heard soon
 
+QAudioFormat audioFormat(const WavFrameReader::Format &wav)
+{
+    QAudioFormat format;
+    format.setCodec(QStringLiteral("audio/pcm"));
+    format.setByteOrder(QAudioFormat::LittleEndian);
+    format.setChannelCount(wav.channelCount);
+    format.setSampleRate(wav.sampleRate);
+    format.setSampleSize(wav.bitsPerSample);
+    format.setSampleType(wav.isFloat              ? QAudioFormat::Float
+                         : wav.bitsPerSample == 8 ? QAudioFormat::UnSignedInt
+                                                  : QAudioFormat::SignedInt);
+    return format;
+}
+
 } // namespace
 
 KelAmplifiedAudioPlayer::KelAmplifiedAudioPlayer(QObject *parent)
@@ -44,9 +58,9 @@ KelAmplifiedAudioPlayer::~KelAmplifiedAudioPlayer()
 bool KelAmplifiedAudioPlayer::setSource(const QString &path)
 {
     if (path.isEmpty())
-        return fail("File path is empty");
+        return fail(QStringLiteral("File path is empty"));
     if (!QFileInfo::exists(path))
-        return fail("File does not exist: " + path);
+        return fail(QStringLiteral("File does not exist: ") + path);
     stop();
     moveTo(0);
     closeDevice();
@@ -60,6 +74,7 @@ bool KelAmplifiedAudioPlayer::loadWavFile(const QString &path)
 {
     if (!m_file.open(path))
         return fail(m_file.errorString());
+    m_format = audioFormat(m_file.format());
     emit durationChanged(duration());
     return true;
 }
@@ -67,7 +82,7 @@ bool KelAmplifiedAudioPlayer::loadWavFile(const QString &path)
 void KelAmplifiedAudioPlayer::play()
 {
     if (!m_file.isOpen()) {
-        fail("No audio source set");
+        fail(QStringLiteral("No audio source set"));
         return;
     }
     if (m_isPlaying || !openDevice())
@@ -103,7 +118,7 @@ void KelAmplifiedAudioPlayer::seek(qint64 ms)
     const bool wasPlaying = m_isPlaying;
     pause();
     const qint64 target = std::clamp<qint64>(ms, 0, duration());
-    const qint64 frame = m_file.format().sampleRate() * target / 1000;
+    const qint64 frame = m_file.format().sampleRate * target / 1000;
     moveTo(double(frame));
     emit positionChanged(target);
     if (wasPlaying)
@@ -135,10 +150,11 @@ double KelAmplifiedAudioPlayer::exactPosition() const
 {
     if (!m_file.isOpen())
         return 0;
-    return std::clamp(heardFrame(), 0.0, double(m_file.frameCount())) * 1000.0 / m_file.format().sampleRate();
+    return std::clamp(heardFrame(), 0.0, double(m_file.frameCount())) * 1000.0 / m_file.format().sampleRate;
 }
 
-/// The frame of the file that leaves the device's buffer; past the end of the file when silence follows it.
+/// The frame of the file that the device is taking from its buffer; beyond the end of the file during the silence that
+/// follows.
 double KelAmplifiedAudioPlayer::heardFrame() const
 {
     const int buffered = m_sink ? m_sink->bytesBuffered() : 0;
@@ -156,7 +172,7 @@ void KelAmplifiedAudioPlayer::onAudioOutputStateChanged(QAudio::State state)
         const QAudio::Error error = m_sink->error();
         setPlaying(false);
         moveTo(std::max(heardFrame(), 0.0));
-        fail(QString("Audio output error: %1").arg(int(error)));
+        fail(QStringLiteral("Audio output error: %1").arg(int(error)));
         emit stateChanged(false);
     }
 }
@@ -165,7 +181,7 @@ void KelAmplifiedAudioPlayer::processAudioData()
 {
     if (!m_isPlaying || !m_sink)
         return;
-    // Never more than there is room for: writing to a device that just went away does harm.
+    // Never write more than fits: writing to a device that has just gone away is unsafe.
     int budget = m_sink->bytesFree();
     while (budget > 0) {
         if (m_pending.isEmpty())
@@ -180,14 +196,13 @@ void KelAmplifiedAudioPlayer::processAudioData()
     }
 }
 
-/// The file's frames at the present rate, amplified. Silence follows the file, because a device may begin only when
-/// its buffer is full, and would never play a short rest.
+/// The next frames of the file at the current rate, amplified. Silence follows the end of the file: a device may start
+/// only once its buffer is full, and would never play a short remainder.
 QByteArray KelAmplifiedAudioPlayer::nextPiece()
 {
-    const QAudioFormat &format = m_file.format();
     const int frameBytes = m_file.frameBytes();
     const int frames = std::max(kPieceBytes / frameBytes, 1);
-    const bool isOffset = format.sampleType() == QAudioFormat::UnSignedInt;
+    const bool isOffset = m_format.sampleType() == QAudioFormat::UnSignedInt;
     QByteArray piece(frames * frameBytes, isOffset ? char(0x80) : char(0));
     for (int i = 0; i < frames; ++i, ++m_made) {
         const auto source = qint64(nextFrame());
@@ -200,7 +215,7 @@ QByteArray KelAmplifiedAudioPlayer::nextPiece()
             qCWarning(logAudio) << "KelAmplifiedAudioPlayer: Failed to seek in file";
         }
     }
-    m_gain.apply(format, &piece);
+    m_gain.apply(m_format, &piece);
     return piece;
 }
 
@@ -217,14 +232,14 @@ void KelAmplifiedAudioPlayer::tick()
 bool KelAmplifiedAudioPlayer::openDevice()
 {
     if (!m_sink) {
-        m_sink = m_createSink(m_file.format());
+        m_sink = m_createSink(m_format);
         connect(m_sink.get(), &AudioSink::stateChanged, this, &KelAmplifiedAudioPlayer::onAudioOutputStateChanged);
         connect(m_sink.get(), &AudioSink::notify, this, &KelAmplifiedAudioPlayer::processAudioData);
     }
     m_sink->setVolume(m_gain.isMuted() ? 0.0 : 1.0);
     const bool wasMissing = std::exchange(m_isDeviceMissing, !m_sink->start());
     if (m_isDeviceMissing && !wasMissing)
-        fail("Failed to start audio output device");
+        fail(QStringLiteral("Failed to start audio output device"));
     return !m_isDeviceMissing;
 }
 
@@ -234,7 +249,7 @@ void KelAmplifiedAudioPlayer::closeDevice()
         return;
     m_sink->disconnect(this);
     m_sink->stop();
-    m_sink.release()->deleteLater(); // perhaps this is called out of one of its signals
+    m_sink.release()->deleteLater(); // the call may come from one of its signals
 }
 
 void KelAmplifiedAudioPlayer::setPlaying(bool on)
@@ -246,7 +261,7 @@ void KelAmplifiedAudioPlayer::setPlaying(bool on)
         m_feedTimer.stop();
 }
 
-/// What the device still holds belongs to another place and is dropped.
+/// Drops what the device has buffered.
 void KelAmplifiedAudioPlayer::moveTo(double frame)
 {
     if (m_sink)

@@ -4,6 +4,7 @@
 #include "audio/output/AudioSink.h"
 #include "recording/wav/WavFrameReader.h"
 
+#include <QAudioFormat>
 #include <QByteArray>
 #include <QObject>
 #include <QString>
@@ -11,23 +12,23 @@
 
 #include <memory>
 
-/// Plays one WAV file, amplified if asked to, at any rate. Reads the file while it plays. The sound device is opened
-/// by the first play(), so that a recording that is only looked at needs none.
+/// Plays one WAV file, with optional amplification, at any rate. Reads the file while playing. The sound device is
+/// opened by the first play(), so that loading a recording needs none.
 ///
 ///     no source ──setSource──▶ stopped ──play──▶ playing ──pause──▶ paused
 ///                                 ▲                │  ▲               │
 ///                                 └──stop, end─────┤  └─────play──────┤
 ///                                                  └◀─────stop────────┘
 ///
-/// A failure is kept in errorString(), logged, and emitted. Positions are ms of the file. One thread with an event
-/// loop.
+/// A failure is kept in errorString(), logged, and emitted. Positions are in ms of the file. Used from one thread,
+/// which has an event loop.
 class KelAmplifiedAudioPlayer : public QObject
 {
     Q_OBJECT
 
 public:
     explicit KelAmplifiedAudioPlayer(QObject *parent = nullptr);
-    /// With other sound devices.
+    /// Plays on the devices that `createSink` creates.
     explicit KelAmplifiedAudioPlayer(kel::AudioSink::Factory createSink, QObject *parent = nullptr);
     ~KelAmplifiedAudioPlayer() override;
 
@@ -35,17 +36,18 @@ public:
     void play();
     void pause();
     void stop();
-    /// Goes on playing there if it plays. Bounded to the file.
+    /// Moves to `ms`, clamped to the file, and continues playing if it was.
     void seek(qint64 ms);
 
-    /// A factor from 0 to 5.
+    /// A factor, clamped to 0 to 5.
     void setGain(double gain);
     void setMuted(bool on);
-    /// Ms of the file played in one ms, above 0. Changes the pitch: frames are left out or repeated.
+    /// Sets how many ms of the file are played per ms, above 0; other values are ignored. Frames are dropped or
+    /// repeated, which changes the pitch.
     void setRate(double rate);
 
     bool isPlaying() const { return m_isPlaying; }
-    /// What is being heard, as far as the device tells.
+    /// What is being heard, as far as the device reports it.
     qint64 position() const { return qRound64(exactPosition()); }
     double exactPosition() const;
     qint64 duration() const { return m_file.durationMs(); }
@@ -80,14 +82,15 @@ private:
     const kel::AudioSink::Factory m_createSink;
     std::unique_ptr<kel::AudioSink> m_sink;
     kel::WavFrameReader m_file;
+    QAudioFormat m_format; ///< of the file
     QString m_errorString;
     kel::AudioGain m_gain;
     QTimer m_feedTimer;
-    QByteArray m_pending; ///< made and not yet taken by the device
-    double m_first = 0;   ///< frame of the file with which the present rate began
-    qint64 m_made = 0;    ///< frames made since
+    QByteArray m_pending; ///< prepared but not yet taken by the device
+    double m_first = 0;   ///< frame of the file at which the current rate was set
+    qint64 m_made = 0;    ///< frames prepared since
     double m_rate = 1.0;
     bool m_isPlaying = false;
-    bool m_isDeviceMissing = false; ///< and it was said
-    bool m_isUnreadable = false;    ///< and it was said
+    bool m_isDeviceMissing = false; ///< and this was reported
+    bool m_isUnreadable = false;    ///< and this was logged
 };

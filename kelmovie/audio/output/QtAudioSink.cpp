@@ -47,7 +47,7 @@ void QtAudioSink::stop()
     if (!m_output)
         return;
     m_device = nullptr;
-    // Perhaps this is called out of one of its signals.
+    // Deleted later, because this may be called from one of its signals.
     m_output->disconnect(this);
     m_output->stop();
     m_output->deleteLater();
@@ -61,7 +61,7 @@ QAudio::Error QtAudioSink::error() const
 
 int QtAudioSink::bytesFree() const
 {
-    // Negative when the server is gone and the output does not know yet.
+    // Negative when the server is gone and the output has not noticed yet.
     return m_device ? std::max(m_output->bytesFree(), 0) : 0;
 }
 

@@ -10,7 +10,7 @@ class QIODevice;
 namespace kel
 {
 
-/// Plays on the device that is the default one at each start.
+/// Plays on the default device at the time of each start.
 class QtAudioSink : public AudioSink
 {
     Q_OBJECT
@@ -31,7 +31,7 @@ private:
     const QAudioFormat m_format;
     double m_volume = 1.0;
     QAudioOutput *m_output = nullptr; ///< null when stopped; a child
-    QIODevice *m_device = nullptr;    ///< belongs to the output, which deletes it when the sound server goes away
+    QIODevice *m_device = nullptr;    ///< owned by the output, which deletes it when the sound server goes away
 };
 
 } // namespace kel

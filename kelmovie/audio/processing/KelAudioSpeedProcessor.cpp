@@ -1,6 +1,7 @@
 #include "audio/processing/KelAudioSpeedProcessor.h"
 
 #include "audio/processing/SpeedFrameMap.h"
+#include "recording/wav/WavChunks.h"
 #include "recording/wav/WavHeader.h"
 
 #include <QFile>
@@ -20,7 +21,6 @@ namespace
 {
 
 constexpr qint64 kBlockBytes = 1 << 20;
-constexpr int kMostChunks = 10'000; // in front of the samples; a hostile file has millions
 constexpr int kFloatBits = 32;
 constexpr int kPcmBits = 16;
 
@@ -34,7 +34,7 @@ void gatherFixed(const char *frames, const std::vector<int> &sources, int count,
 /// Copies the frames named by `sources` from a block that begins with the first of them.
 void gather(const char *frames, qint64 frameBytes, const std::vector<int> &sources, int count, char *out)
 {
-    switch (frameBytes) { // those with which recordings are made are worth a loop of their own
+    switch (frameBytes) { // the usual sizes, whose loops the compiler can vectorize
     case 2:
         return gatherFixed<2>(frames, sources, count, out);
     case 4:
@@ -55,7 +55,8 @@ float convertFloatToInt16(const char *floats, qint64 count, float gain, float pe
     std::memcpy(&peakBits, &peak, sizeof peak);
     for (qint64 i = 0; i < count; ++i) {
         const quint32 bits = qFromLittleEndian<quint32>(floats + i * 4);
-        const auto magnitude = qint32(bits & 0x7fffffff); // positive floats sort as their bits do
+        const auto magnitude =
+            qint32(bits & 0x7fffffff); // the bits of positive floats are in the same order as their values
         const bool isFinite = magnitude < infinity;
         peakBits = std::max(peakBits, isFinite ? magnitude : 0);
         const quint32 finiteBits = isFinite ? bits : 0;
@@ -73,7 +74,7 @@ float convertFloatToInt16(const char *floats, qint64 count, float gain, float pe
 struct KelAudioSpeedProcessor::WavFile {
     QFile file;
     qint64 dataBegin = 0;
-    qint64 dataBytes = 0; ///< that are there, whatever the header says
+    qint64 dataBytes = 0; ///< present in the file, whatever the header says
     quint32 sampleRate = 0;
     int channelCount = 0;
     int bitsPerSample = 0;
@@ -93,9 +94,9 @@ bool KelAudioSpeedProcessor::processAudio(const QString &inputPath, double speed
 {
     m_errorMessage.clear();
     if (inputPath.isEmpty() || outputPath.isEmpty())
-        return fail("Input or output path is empty");
+        return fail(QStringLiteral("Input or output path is empty"));
     if (!(speed > 0.0) || std::isinf(speed))
-        return fail("Invalid speed factor");
+        return fail(QStringLiteral("Invalid speed factor"));
     if (qFuzzyCompare(speed, 1.0)) {
         const bool isCopied = copy(inputPath, outputPath);
         emit processingFinished(isCopied);
@@ -107,11 +108,11 @@ bool KelAudioSpeedProcessor::processAudio(const QString &inputPath, double speed
     const qint64 frames = wav.frameBytes() > 0 ? wav.dataBytes / wav.frameBytes() : 0;
     const SpeedFrameMap map(int(std::min<qint64>(frames, std::numeric_limits<int>::max())), speed);
     if (frames > std::numeric_limits<int>::max() || map.isTooLong())
-        return fail("Too many audio frames");
+        return fail(QStringLiteral("Too many audio frames"));
     if (speed < 1.0 && map.outFrames() < 1)
-        return fail("Invalid input parameters for frame repetition");
+        return fail(QStringLiteral("Invalid input parameters for frame repetition"));
     if (wav.frameBytes() < 1 || wav.sampleRate < 1)
-        return fail(QString("Invalid WAV format: %1 channels of %2 bits at %3 Hz")
+        return fail(QStringLiteral("Invalid WAV format: %1 channels of %2 bits at %3 Hz")
                         .arg(wav.channelCount)
                         .arg(wav.bitsPerSample)
                         .arg(wav.sampleRate));
@@ -123,49 +124,42 @@ bool KelAudioSpeedProcessor::processAudio(const QString &inputPath, double speed
 
 bool KelAudioSpeedProcessor::copy(const QString &inputPath, const QString &outputPath)
 {
-    // A file that is asked to become itself must not be removed first.
+    // Input and output may be the same file, which must not be removed.
     if (QFileInfo(inputPath) == QFileInfo(outputPath) && QFileInfo::exists(inputPath))
         return true;
     QFile::remove(outputPath);
-    return QFile::copy(inputPath, outputPath) || fail("Failed to copy input file");
+    return QFile::copy(inputPath, outputPath) || fail(QStringLiteral("Failed to copy input file"));
 }
 
-/// Finds the samples and leaves them in the file. The format is taken from its place in the header that every writer of
-/// ours makes.
+/// Finds the samples without reading them. The format is read at its fixed offset in the header that the module writes.
 bool KelAudioSpeedProcessor::readWavFile(const QString &path, WavFile *wav)
 {
     QFile &file = wav->file;
     file.setFileName(path);
     if (!file.open(QIODevice::ReadOnly))
-        return fail("Cannot open WAV file: " + path);
-    const QByteArray head = file.read(WavHeader::Size);
-    if (head.size() < WavHeader::Size)
-        return fail("Invalid WAV file: header too short");
+        return fail(QStringLiteral("Cannot open WAV file: ") + path);
+    const QByteArray head = file.read(WavHeader::kSize);
+    if (head.size() < WavHeader::kSize)
+        return fail(QStringLiteral("Invalid WAV file: header too short"));
     if (!WavHeader::isRiffWave(head.constData()))
-        return fail("Not a valid WAV file");
+        return fail(QStringLiteral("Not a valid WAV file"));
     const WavHeader header = WavHeader::fromBytes(head.constData());
     wav->sampleRate = header.sampleRate;
     wav->channelCount = header.channelCount;
     wav->bitsPerSample = header.bitsPerSample;
 
-    const qint64 fileSize = file.size();
-    qint64 position = WavHeader::FmtChunkOffset;
-    for (int i = 0; i < kMostChunks && file.seek(position); ++i) {
-        const QByteArray chunk = file.read(8);
-        if (chunk.size() < 8)
-            break;
-        const quint32 size = qFromLittleEndian<quint32>(chunk.constData() + 4);
-        position += chunk.size();
-        if (chunk.startsWith("data")) {
-            // A longer file than the field can tell states the largest number.
-            const bool isToEnd = size == std::numeric_limits<quint32>::max();
-            wav->dataBegin = position;
-            wav->dataBytes = isToEnd ? fileSize - position : std::min<qint64>(size, fileSize - position);
+    WavChunks chunks(file, WavChunks::Padding::None);
+    while (chunks.next()) {
+        if (chunks.isData()) {
+            const qint64 present = file.size() - chunks.offset();
+            // A file of 4 GiB and more states the largest number.
+            const bool isToEnd = chunks.size() == std::numeric_limits<quint32>::max();
+            wav->dataBegin = chunks.offset();
+            wav->dataBytes = isToEnd ? present : std::min<qint64>(chunks.size(), present);
             break;
         }
-        position += size;
     }
-    return wav->dataBytes > 0 || fail("No audio data found in WAV file");
+    return wav->dataBytes > 0 || fail(QStringLiteral("No audio data found in WAV file"));
 }
 
 bool KelAudioSpeedProcessor::writeWavFile(const QString &path, WavFile &wav, const SpeedFrameMap &map)
@@ -175,24 +169,25 @@ bool KelAudioSpeedProcessor::writeWavFile(const QString &path, WavFile &wav, con
     header.setDataSize(qint64(map.outFrames()) * wav.channelCount * (bits / 8));
     QSaveFile output(path);
     if (!output.open(QIODevice::WriteOnly))
-        return fail("Cannot create output WAV file: " + path);
-    if (output.write(header.toBytes()) != WavHeader::Size)
-        return fail("Failed to write complete WAV file");
-    // Few sounds exceed full scale, and only the end tells: those are done again.
+        return fail(QStringLiteral("Cannot create output WAV file: ") + path);
+    if (output.write(header.toBytes()) != WavHeader::kSize)
+        return fail(QStringLiteral("Failed to write complete WAV file"));
+    // The gain is known only after a full pass; the few sounds that exceed full scale need a second one.
     float gain = 1.0F;
     if (!changeSpeed(wav, map, &gain, output))
         return false;
-    if (gain < 1.0F && (!output.seek(WavHeader::Size) || !changeSpeed(wav, map, &gain, output)))
+    if (gain < 1.0F && (!output.seek(WavHeader::kSize) || !changeSpeed(wav, map, &gain, output)))
         return false;
-    wav.file.close(); // may be what is replaced, which some systems refuse while it is open
-    return output.commit() || fail("Failed to write complete WAV file");
+    wav.file.close(); // it may be the output, which some systems cannot replace while it is open
+    return output.commit() || fail(QStringLiteral("Failed to write complete WAV file"));
 }
 
-/// Writes the frames of the map. Floats are scaled by `gain`, which then becomes what would have been the right one.
+/// Writes the frames of the map. Floats are scaled by `gain`, which is then set to the gain that keeps them within full
+/// scale.
 bool KelAudioSpeedProcessor::changeSpeed(WavFile &wav, const SpeedFrameMap &map, float *gain, QSaveFile &output)
 {
     const qint64 frameBytes = wav.frameBytes();
-    const bool isFirstRun = *gain == 1.0F;
+    const bool isFirstPass = *gain == 1.0F;
     const int outFrames = map.outFrames();
     const int progressStep = std::max(outFrames / 100, 1);
     const double framesOfBlock = double(kBlockBytes) / double(frameBytes);
@@ -205,15 +200,15 @@ bool KelAudioSpeedProcessor::changeSpeed(WavFile &wav, const SpeedFrameMap &map,
     int count = 0;
     for (int first = 0; first < outFrames; first += count) {
         if (m_isCancelled)
-            return fail("Cancelled");
-        if (isFirstRun && first % progressStep == 0)
+            return fail(QStringLiteral("Cancelled"));
+        if (isFirstPass && first % progressStep == 0)
             emit progressChanged(int(qint64(first) * 100 / outFrames));
         count = std::min({blockFrames, outFrames - first, progressStep - first % progressStep});
         map.sourceFrames(first, count, sources.data());
         const int span = sources[size_t(count) - 1] - sources[0] + 1;
         in.resize(int(span * frameBytes));
         if (!wav.file.seek(wav.dataBegin + sources[0] * frameBytes) || wav.file.read(in.data(), in.size()) != in.size())
-            return fail("Cannot read WAV file: " + wav.file.fileName());
+            return fail(QStringLiteral("Cannot read WAV file: ") + wav.file.fileName());
         gather(in.constData(), frameBytes, sources, count, out.data());
         const char *bytes = out.constData();
         qint64 size = count * frameBytes;
@@ -223,9 +218,9 @@ bool KelAudioSpeedProcessor::changeSpeed(WavFile &wav, const SpeedFrameMap &map,
             size /= 2;
         }
         if (output.write(bytes, size) != size)
-            return fail("Failed to write complete WAV file");
+            return fail(QStringLiteral("Failed to write complete WAV file"));
     }
-    if (isFirstRun)
+    if (isFirstPass)
         emit progressChanged(100);
     *gain = 1.0F / peak;
     return true;

@@ -11,11 +11,11 @@ namespace kel
 class SpeedFrameMap;
 } // namespace kel
 
-/// Turns a WAV file into one that plays at another speed, so that an exported video keeps its sound in step.
+/// Converts a WAV file to another speed, so that sound stays in sync in a video that is exported at that speed.
 ///
-/// Whole sample frames are dropped or repeated and the pitch changes with the speed; nothing is blended. Input of 32
-/// bits is taken for float, whatever its header says, and becomes 16-bit PCM, scaled down as a whole when it exceeds
-/// full scale. Files of any length are handled in blocks of about a megabyte.
+/// Whole sample frames are dropped or repeated without interpolation, so the pitch changes with the speed. 32-bit
+/// samples are treated as floats, whatever the header says, and become 16-bit PCM, scaled down as a whole if they
+/// exceed full scale. Files of any length are processed in blocks of about a megabyte.
 class KelAudioSpeedProcessor : public QObject
 {
     Q_OBJECT
@@ -24,20 +24,20 @@ public:
     explicit KelAudioSpeedProcessor(QObject *parent = nullptr);
     ~KelAudioSpeedProcessor() override;
 
-    /// Runs on the caller's thread and emits from it. At speed 1 the file is copied as it is. An existing output is
-    /// replaced when the new one is whole. False on failure, errorMessage() tells why.
+    /// Runs on the caller's thread, and emits the signals there. At speed 1 the file is copied unchanged. An existing
+    /// output is replaced only once the new one is complete. False on failure; errorMessage() says why.
     bool processAudio(const QString &inputPath, double speed, const QString &outputPath);
 
     /// Empty unless the last run failed.
     QString errorMessage() const { return m_errorMessage; }
 
-    /// Any thread: this processor's runs, a present one included, fail within milliseconds.
+    /// Makes the current run and all later ones fail within milliseconds. Any thread.
     void cancel() { m_isCancelled = true; }
 
 signals:
-    /// 0 to 100, about a hundred times a run.
+    /// 0 to 100, about a hundred times per run.
     void progressChanged(int percentage);
-    /// With true after every success, with false when a copy at speed 1 failed.
+    /// Emitted with true after every success, and with false only when a copy at speed 1 failed.
     void processingFinished(bool success);
 
 private:

@@ -5,20 +5,20 @@
 namespace kel
 {
 
-/// Which sample frame of a sound each frame of the same sound at another speed is: always the earlier neighbour, never
-/// a blend. The two directions round in ways of their own.
+/// Maps each sample frame of a sound at another speed to a frame of the original: the preceding one, without
+/// interpolation. Slower and faster speeds round differently.
 class SpeedFrameMap
 {
 public:
     /// `speed` is above 0.
     SpeedFrameMap(int inFrames, double speed);
 
-    /// The output would have more frames than can be counted; nothing else may be asked then.
+    /// The number of output frames exceeds an int; no other function may be called then.
     bool isTooLong() const { return m_outFrames < 0; }
     int outFrames() const { return m_outFrames; }
     double speed() const { return m_speed; }
 
-    /// The input frames of `count` output frames from `first` on; they never fall.
+    /// Stores the input frames of `count` output frames from `first` on, in ascending order.
     void sourceFrames(int first, int count, int *sources) const;
 
 private:

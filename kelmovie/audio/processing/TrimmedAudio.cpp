@@ -16,7 +16,7 @@ namespace kel
 namespace
 {
 
-/// A video of one black dot, because a mix needs a video. Empty on failure.
+/// Creates a video of one black pixel, because mixing requires a video. Returns its path, empty on failure.
 QString createMinimalVideo(const QString &path)
 {
     constexpr int fps = 1;
@@ -36,10 +36,11 @@ QString createMinimalVideo(const QString &path)
 
 QString createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath)
 {
-    // A directory of our own: nobody can have put a link or another file in the place of the video.
-    const QTemporaryDir temporary(QDir::tempPath() + "/kel_minimal_video_XXXXXX");
+    // A private directory, in which no other user can place a link or file under the name of the video.
+    const QTemporaryDir temporary(QDir::tempPath() + QStringLiteral("/kel_minimal_video_XXXXXX"));
     const QString video =
-        temporary.isValid() ? createMinimalVideo(temporary.filePath("kel_minimal_video_for_audio.mp4")) : QString();
+        temporary.isValid() ? createMinimalVideo(temporary.filePath(QStringLiteral("kel_minimal_video_for_audio.mp4")))
+                            : QString();
     if (video.isEmpty()) {
         qCWarning(logAudio) << "Failed to create minimal video file for audio trimming";
         return QString();

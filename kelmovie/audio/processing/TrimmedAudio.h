@@ -5,9 +5,9 @@
 namespace kel
 {
 
-/// Writes the part from `startMs` to `endMs` of a sound file to `outputPath`, whose suffix chooses the format; below 0
-/// stands for the beginning and the end. Returns `outputPath`, or an empty string after a warning in the log; an
-/// existing file is replaced only when the new one is whole.
+/// Writes the range from `startMs` to `endMs` of a sound file to `outputPath`, whose suffix selects the format. A
+/// negative value means the beginning or the end of the file. Returns `outputPath`, or on failure an empty string after
+/// logging a warning. An existing file is replaced only once the new one is complete.
 QString createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath);
 
 } // namespace kel

@@ -40,7 +40,7 @@ struct ShownEffect {
 
 /// What is drawn of the whole layer.
 struct ShownPointer {
-    const CursorImages::Cursor *cursor = nullptr; // null: nothing at all
+    const CursorImage *cursor = nullptr; // null: nothing at all
     QPoint position;
     double scale = 1.0;
     std::vector<ShownEffect> effects;
@@ -70,7 +70,7 @@ public:
     double effectScale = 1.0;
     int currentFrame = 0;
     QPoint position;
-    const CursorImages::Cursor *cursor = nullptr; // null when there is none to draw
+    const CursorImage *cursor = nullptr; // null when there is none to draw
 };
 
 bool KelPlaybackMouseTrack::Private::load(const QString &dir)
@@ -80,7 +80,7 @@ bool KelPlaybackMouseTrack::Private::load(const QString &dir)
     if (!QFileInfo::exists(movesPath) ||
         !QFileInfo::exists(KelRecordingFiles::path(dir, KelRecordingFiles::kCursorList)))
         return false;
-    if (!cursors.load(dir)) {
+    if (!readCursorList(dir, cursors)) {
         qCWarning(logPlayback) << "Failed to load cursor types";
         return false;
     }
@@ -103,7 +103,8 @@ void KelPlaybackMouseTrack::Private::movePointer(int frame)
     if (sample->cursor == PointerList::hidden)
         return;
     const QString &id = moves.cursorIds().at(sample->cursor);
-    cursor = cursors.find(id);
+    const auto found = cursors.constFind(id);
+    cursor = found != cursors.constEnd() ? &*found : nullptr;
     if (!cursor)
         qCWarning(logPlayback) << "Cursor type not found:" << id;
 }

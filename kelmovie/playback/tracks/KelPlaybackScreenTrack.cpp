@@ -55,7 +55,7 @@ KelPlaybackScreenTrack::~KelPlaybackScreenTrack()
 
 bool KelPlaybackScreenTrack::chooseVideo()
 {
-    const QString mkvPath = directory() + "/screen_record.mkv";
+    const QString mkvPath = KelRecordingFiles::path(directory(), KelRecordingFiles::kMkvVideo);
     const QString mp4Path = KelRecordingFiles::path(directory(), KelRecordingFiles::kVideo);
     for (const QString &path : {mkvPath, mp4Path}) {
         if (QFileInfo::exists(path)) {

@@ -1,8 +1,7 @@
 #include "recording/input/CursorListReader.h"
 
-#include "recording/KelRecordingFiles.h"
-
 #include "logging/Log.h"
+#include "recording/KelRecordingFiles.h"
 
 #include <QDebug>
 #include <QFile>
@@ -25,20 +24,20 @@ constexpr qint64 kMaxPixels = 32 * 1024 * 1024; // of all images together
 constexpr double kMaxRatio = 16;
 constexpr double kMinRatio = 1 / kMaxRatio;
 
-/// An open file of a bounded size. Not a pipe: opening one would wait for its writer.
+/// Opens a regular file of a bounded size; opening a pipe would block until its writer opens it.
 bool openBounded(QFile &file, qint64 maxSize)
 {
     return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly) && file.size() <= maxSize;
 }
 
-/// Whether `path` leads into the folder `dir`, links followed.
+/// Whether `path`, links resolved, is inside the directory `dir`.
 bool isInside(const QString &path, const QString &dir)
 {
     const QString root = QFileInfo(dir).canonicalFilePath();
-    return !root.isEmpty() && QFileInfo(path).canonicalFilePath().startsWith(root + '/');
+    return !root.isEmpty() && QFileInfo(path).canonicalFilePath().startsWith(root + QLatin1Char('/'));
 }
 
-/// Null when it is not a PNG, too large, or has more than `maxPixels`, which is found out before it is decoded.
+/// Null unless it is a PNG of acceptable size with at most `maxPixels`; the size is checked before decoding.
 QImage readImage(const QString &path, qint64 maxPixels)
 {
     QFile file(path);
@@ -54,9 +53,9 @@ QImage readImage(const QString &path, qint64 maxPixels)
 
 } // namespace
 
-bool CursorImages::load(const QString &trackDir)
+bool readCursorList(const QString &trackDir, CursorImages &cursors)
 {
-    m_cursors.clear();
+    cursors.clear();
     QFile list(KelRecordingFiles::path(trackDir, KelRecordingFiles::kCursorList));
     if (!openBounded(list, kMaxListSize))
         return false;
@@ -68,7 +67,7 @@ bool CursorImages::load(const QString &trackDir)
     const QJsonArray entries = document.object().value(QLatin1String("cursors")).toArray();
     for (const QJsonValue &entry : entries) {
         const QJsonObject object = entry.toObject();
-        const QString path = dir + '/' + object.value(QLatin1String("image")).toString();
+        const QString path = dir + QLatin1Char('/') + object.value(QLatin1String("image")).toString();
         QImage image = isInside(path, dir) ? readImage(path, pixelsLeft) : QImage();
         if (image.isNull()) {
             qCWarning(logRecording) << "Failed to load cursor image:" << path;
@@ -80,18 +79,11 @@ bool CursorImages::load(const QString &trackDir)
             image.setDevicePixelRatio(ratio);
         const QPointF hotspot(object.value(QLatin1String("hotspot_x")).toInt(),
                               object.value(QLatin1String("hotspot_y")).toInt());
-        // The hotspot is a place in the image's own pixels.
-        const double scale = image.devicePixelRatioF();
-        m_cursors.insert(object.value(QLatin1String("id")).toString(),
-                         {QPixmap::fromImage(std::move(image)), hotspot / scale});
+        const double scale = image.devicePixelRatioF(); // the file has the hotspot in the image's own pixels
+        cursors.insert(object.value(QLatin1String("id")).toString(),
+                       {QPixmap::fromImage(std::move(image)), hotspot / scale});
     }
     return true;
-}
-
-const CursorImages::Cursor *CursorImages::find(const QString &id) const
-{
-    const auto found = m_cursors.constFind(id);
-    return found == m_cursors.constEnd() ? nullptr : &*found;
 }
 
 } // namespace kel

@@ -10,10 +10,11 @@ namespace kel
 
 namespace
 {
-const QByteArray Opening = QByteArrayLiteral("[");
-const QByteArray Closing = QByteArrayLiteral("\n]\n");
+const QByteArray kOpening = QByteArrayLiteral("[");
+const QByteArray kClosing = QByteArrayLiteral("\n]\n");
 
-/// An object's text inside an array; line breaks within strings are escaped.
+/// The text of an object, indented as an array element. Line breaks inside strings are escaped, so all others can be
+/// indented.
 QByteArray asElement(const QJsonObject &object)
 {
     QByteArray text = QJsonDocument(object).toJson();
@@ -61,24 +62,24 @@ bool JsonArrayFile::open()
     }
     m_end = 0;
     m_isEmpty = true;
-    if (writeAtEnd(Opening))
+    if (writeAtEnd(kOpening))
         return true;
     m_file.close();
     return false;
 }
 
-/// Writes over the closing bracket, and that anew.
+/// Overwrites the closing bracket and appends a new one.
 bool JsonArrayFile::writeAtEnd(const QByteArray &text)
 {
-    const QByteArray bytes = text + Closing;
+    const QByteArray bytes = text + kClosing;
     if (m_file.seek(m_end) && writeAll(m_file, bytes)) {
         m_end += text.size();
         return true;
     }
     m_error = m_file.errorString();
-    // There was room for this before.
-    if (m_end > 0 && m_file.seek(m_end) && writeAll(m_file, Closing))
-        m_file.resize(m_end + Closing.size());
+    // Restore the closing bracket, for which the disk has room.
+    if (m_end > 0 && m_file.seek(m_end) && writeAll(m_file, kClosing))
+        m_file.resize(m_end + kClosing.size());
     return false;
 }
 

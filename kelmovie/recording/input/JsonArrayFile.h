@@ -11,15 +11,15 @@ class QJsonObject;
 namespace kel
 {
 
-/// A file that holds one JSON array of objects, laid out as QJsonDocument does it, and grows at its end: it is valid
-/// after every call, and a call costs what it appends. One thread at a time.
+/// A file that holds one JSON array of objects, in the layout of QJsonDocument, and grows at its end. It is valid JSON
+/// after every call, and a call costs only what it appends. One thread at a time.
 class JsonArrayFile
 {
 public:
     explicit JsonArrayFile(const QString &path);
 
-    /// The first call replaces an earlier file. False when that cannot be written; the file then holds what it held,
-    /// and the objects may be appended later.
+    /// The first call replaces an earlier file. False when the file cannot be written; it is then unchanged, and the
+    /// objects may be appended later.
     bool append(const std::vector<QJsonObject> &objects);
 
     /// A later append() writes the file anew.

@@ -22,7 +22,7 @@ constexpr qint64 kMaxRecords = 10'000'000; // more than anybody can type; bounds
 
 int usableFps(quint32 fps, const QString &path)
 {
-    if (fps >= 1 && fps <= quint32(KelRecordingMetadata::MaxFps))
+    if (fps >= 1 && fps <= quint32(KelRecordingMetadata::kMaxFps))
         return int(fps);
     qCWarning(logRecording) << "KelPlaybackKeyboardTrack meta file frame rate error:" << path << qint32(fps)
                             << "frames a second, using" << KeyLogHeader::kFrameRate;

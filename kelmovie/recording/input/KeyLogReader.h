@@ -20,7 +20,7 @@ struct KeyRecord {
 
 /// The content of "keyboard.keymeta".
 struct KeyLog {
-    int fps = KeyLogHeader::kFrameRate; ///< logic frames a second, 1 to KelRecordingMetadata::MaxFps
+    int fps = KeyLogHeader::kFrameRate; ///< logic frames a second, 1 to KelRecordingMetadata::kMaxFps
     QSize canvas;                       ///< size of the recorded rectangle in logical pixels; not checked
     std::vector<KeyRecord> records;
 };

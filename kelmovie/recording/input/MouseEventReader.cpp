@@ -18,14 +18,14 @@ namespace kel
 namespace
 {
 
-// An hour of moves takes some 40 MB. Nobody records four million frames.
+// An hour of moves takes about 40 MB. Four million frames are 18 hours.
 constexpr qint64 kMaxFileSize = 512 * 1024 * 1024;
 constexpr int kMaxRecords = 4'000'000;
 constexpr int kMaxFrame = 1'000'000'000;
 constexpr int kMaxCoordinate = 1'000'000;
 constexpr qint64 kMaxTimestamp = qint64(1) << 53;
 
-/// A file as the parser wants to see it: character by character, 0 at the end.
+/// The stream that the parser reads from: character by character, 0 at the end.
 class FileStream
 {
 public:
@@ -45,9 +45,9 @@ public:
             fill();
         return taken;
     }
-    std::size_t Tell() const { return 0; } // nobody is told where an error is
+    std::size_t Tell() const { return 0; } // positions of errors are not reported
 
-    // For writing in place, which this stream is not made for.
+    // The parser's stream concept includes in-place writing, which is not used here.
     Ch *PutBegin() { return nullptr; }
     void Put(Ch) {}
     std::size_t PutEnd(Ch *) { return 0; }
@@ -67,7 +67,7 @@ private:
     const char *m_end = nullptr;
 };
 
-/// Where the value of a key goes: exactly one of the members is set.
+/// The member that holds the value of a JSON key: exactly one of the pointers is set.
 struct Field {
     std::string_view name;
     std::string MouseRecord::*text = nullptr;
@@ -93,7 +93,7 @@ Integer bounded(double value, Integer limit)
     return Integer(qBound(-double(limit), value, double(limit)));
 }
 
-/// Takes what the parser finds; false ends the parsing.
+/// Receives the parser's events; returning false stops it.
 class RecordHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, RecordHandler>
 {
 public:
@@ -102,7 +102,7 @@ public:
     {
     }
 
-    // Any value that has no function of its own.
+    // Called for values of all other types.
     bool Default() { return isInArray(); }
     bool Int(int value) { return number(value); }
     bool Uint(unsigned value) { return number(value); }
@@ -111,7 +111,7 @@ public:
     bool Double(double value) { return number(value); }
     bool String(const char *text, rapidjson::SizeType length, bool)
     {
-        if (m_depth == kInRecord && m_field && m_field->text)
+        if (m_depth == InRecord && m_field && m_field->text)
             (m_record.*m_field->text).assign(text, length);
         return isInArray();
     }
@@ -120,13 +120,13 @@ public:
     bool EndArray(rapidjson::SizeType) { return leave(); }
     bool StartObject()
     {
-        if (m_depth == kInArray)
+        if (m_depth == InArray)
             m_record = MouseRecord();
         return isInArray() && enter();
     }
     bool Key(const char *text, rapidjson::SizeType length, bool)
     {
-        if (m_depth == kInRecord) {
+        if (m_depth == InRecord) {
             const std::string_view name(text, length);
             const auto found =
                 std::find_if(kFields.begin(), kFields.end(), [&](const Field &field) { return field.name == name; });
@@ -136,7 +136,7 @@ public:
     }
     bool EndObject(rapidjson::SizeType)
     {
-        if (leave() && m_depth == kInArray) {
+        if (leave() && m_depth == InArray) {
             if (++m_count > kMaxRecords)
                 return false;
             m_take(m_record);
@@ -145,10 +145,10 @@ public:
     }
 
 private:
-    enum Depth { kOutside = 0, kInArray = 1, kInRecord = 2, kMaxDepth = 64 };
+    enum Depth { Outside = 0, InArray = 1, InRecord = 2, MaxDepth = 64 };
 
-    bool isInArray() const { return m_depth >= kInArray; }
-    bool enter() { return ++m_depth <= kMaxDepth; }
+    bool isInArray() const { return m_depth >= InArray; }
+    bool enter() { return ++m_depth <= MaxDepth; }
     bool leave()
     {
         --m_depth;
@@ -157,7 +157,7 @@ private:
 
     bool number(double value)
     {
-        if (m_depth == kInRecord && m_field) {
+        if (m_depth == InRecord && m_field) {
             if (m_field->time)
                 m_record.*m_field->time = bounded(value, kMaxTimestamp);
             else if (m_field->number && value == std::trunc(value) && std::abs(value) <= kMaxInt)
@@ -171,7 +171,7 @@ private:
     const std::function<void(const MouseRecord &)> &m_take;
     MouseRecord m_record;
     const Field *m_field = nullptr; // of the last key
-    int m_depth = kOutside;
+    int m_depth = Outside;
     int m_count = 0;
 };
 
@@ -180,7 +180,7 @@ private:
 bool readMouseEvents(const QString &path, const std::function<void(const MouseRecord &)> &take)
 {
     QFile file(path);
-    // Opening a pipe would wait for its writer.
+    // Opening a pipe would block until its writer opens it.
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
         file.size() > kMaxFileSize)
         return false;

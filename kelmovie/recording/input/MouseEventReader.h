@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QtGlobal>
 
 #include <functional>
 #include <string>
@@ -8,7 +9,7 @@
 namespace kel
 {
 
-/// One record of a file of moves or clicks, as it stands there. What is missing or of another type is 0 or empty.
+/// One event as stored in the file. A member that is missing or has the wrong type keeps its default.
 struct MouseRecord {
     int frame = 0;
     int x = 0;
@@ -20,9 +21,10 @@ struct MouseRecord {
     std::string cursor;
 };
 
-/// Reads the array of records in the file `path`, and hands over one after the other, which lasts for the call only.
-/// False when it is not a file, too large, or not an array from start to end; records before the damage were handed
-/// over then. Frames and coordinates stay within ±1e9 and ±1e6, so that one may calculate with them.
+/// Reads the events in "mousemoves-0.json" or "mouseclicks-0.json" at `path` and passes them to `take` one by one; the
+/// record is valid during the call only. False when the file is missing, too large or not a complete array; events
+/// before the damage have been passed on then. Frames and coordinates are clamped to ±1e9 and ±1e6, so that arithmetic
+/// with them cannot overflow.
 bool readMouseEvents(const QString &path, const std::function<void(const MouseRecord &)> &take);
 
 } // namespace kel

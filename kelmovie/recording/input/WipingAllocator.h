@@ -6,7 +6,7 @@
 namespace kel
 {
 
-/// Overwrites memory before it gives it back, so that what was secret in it cannot turn up elsewhere.
+/// Overwrites memory before it is freed, so that secrets cannot be found in it later.
 template <typename T>
 struct WipingAllocator {
     using value_type = T;
@@ -21,7 +21,8 @@ struct WipingAllocator {
 
     void deallocate(T *memory, std::size_t count)
     {
-        auto *bytes = reinterpret_cast<volatile char *>(memory); // volatile: or the compiler sees no use in it
+        // volatile, or the compiler drops stores to memory that is about to be freed.
+        auto *bytes = reinterpret_cast<volatile char *>(memory);
         for (std::size_t i = 0; i < count * sizeof(T); ++i)
             bytes[i] = 0;
         std::allocator<T>().deallocate(memory, count);

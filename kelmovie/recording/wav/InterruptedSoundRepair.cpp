@@ -25,8 +25,8 @@ constexpr qint64 kRunningSeconds = 10;
 void completeSizes(const QString &path)
 {
     QFile file(path);
-    if (file.open(QIODevice::ReadWrite) && file.read(WavHeader::Size).indexOf("data") == WavHeader::Size - 8)
-        WavHeader::writeSizes(file, file.size() - WavHeader::Size);
+    if (file.open(QIODevice::ReadWrite) && file.read(WavHeader::kSize).indexOf("data") == WavHeader::kSize - 8)
+        WavHeader::writeSizes(file, file.size() - WavHeader::kSize);
 }
 } // namespace
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QAudioFormat>
 #include <QByteArray>
 #include <QFile>
 #include <QString>
@@ -8,35 +7,44 @@
 namespace kel
 {
 
-/// A WAV file that is being played: finds the samples behind any chunks, and reads them as they are needed, so that a
-/// recording of hours takes no more memory than one of seconds. The file is treated as hostile.
+/// Reads a WAV file by sample frames as they are needed, so that a recording of hours takes no more memory than one of
+/// seconds. Does not trust the file's sizes and counts.
 class WavFrameReader
 {
 public:
-    /// False when the file cannot be played; errorString() tells why.
+    struct Format {
+        int channelCount = 0;
+        int sampleRate = 0; ///< Hz
+        int bitsPerSample = 0;
+        bool isFloat = false; ///< otherwise integers, unsigned if they have 8 bits
+
+        int frameBytes() const { return channelCount * (bitsPerSample / 8); }
+    };
+
+    /// False when the file cannot be played; errorString() says why.
     bool open(const QString &path);
     void close();
 
     bool isOpen() const { return m_file.isOpen(); }
     QString errorString() const { return m_errorString; }
-    const QAudioFormat &format() const { return m_format; }
-    int frameBytes() const { return m_format.bytesPerFrame(); }
-    /// Whole sample frames that the file states, or that are there when it states too many or was never completed.
+    const Format &format() const { return m_format; }
+    int frameBytes() const { return m_format.frameBytes(); }
+    /// Whole sample frames: as stated, or as present in a file that states too many or was never completed.
     qint64 frameCount() const { return m_frameCount; }
     qint64 durationMs() const;
 
-    /// The bytes of one sample frame, valid until the next call; null when there is none or it cannot be read.
+    /// The bytes of one sample frame, valid until the next call; null when it does not exist or cannot be read.
     const char *frame(qint64 index);
 
 private:
-    bool walkChunks();
+    bool findSamples();
     bool readFormat(quint32 size);
     bool setFormat(int tag, quint32 channels, quint32 rate, int bits);
     bool fail(const QString &text);
 
     QFile m_file;
     QString m_errorString;
-    QAudioFormat m_format;
+    Format m_format;
     qint64 m_dataStart = 0;
     qint64 m_dataSize = 0;
     qint64 m_frameCount = 0;

@@ -11,10 +11,10 @@ namespace kel
 
 namespace
 {
-constexpr quint32 FmtBodySize = 16;
-constexpr int RiffSizeOffset = 4;
-constexpr int DataSizeOffset = 40;
-constexpr qint64 BytesBeforeData = WavHeader::Size - 8; // that the RIFF size counts
+constexpr quint32 kFmtBodySize = 16;
+constexpr int kRiffSizeOffset = 4;
+constexpr int kDataSizeOffset = 40;
+constexpr qint64 kBytesBeforeData = WavHeader::kSize - 8; // included in the RIFF size
 
 template <typename T>
 void append(QByteArray &bytes, T value)
@@ -50,14 +50,14 @@ WavHeader WavHeader::pcm(quint32 sampleRate, quint16 channelCount, quint16 bitsP
 WavHeader WavHeader::fromBytes(const char *bytes)
 {
     WavHeader header;
-    header.riffSize = qFromLittleEndian<quint32>(bytes + RiffSizeOffset);
+    header.riffSize = qFromLittleEndian<quint32>(bytes + kRiffSizeOffset);
     header.formatTag = qFromLittleEndian<quint16>(bytes + 20);
     header.channelCount = qFromLittleEndian<quint16>(bytes + 22);
     header.sampleRate = qFromLittleEndian<quint32>(bytes + 24);
     header.byteRate = qFromLittleEndian<quint32>(bytes + 28);
     header.blockAlign = qFromLittleEndian<quint16>(bytes + 32);
     header.bitsPerSample = qFromLittleEndian<quint16>(bytes + 34);
-    header.dataSize = qFromLittleEndian<quint32>(bytes + DataSizeOffset);
+    header.dataSize = qFromLittleEndian<quint32>(bytes + kDataSizeOffset);
     return header;
 }
 
@@ -69,11 +69,11 @@ bool WavHeader::isRiffWave(const char *bytes)
 QByteArray WavHeader::toBytes() const
 {
     QByteArray bytes;
-    bytes.reserve(Size);
+    bytes.reserve(kSize);
     bytes.append("RIFF");
     append(bytes, riffSize);
     bytes.append("WAVEfmt ");
-    append(bytes, FmtBodySize);
+    append(bytes, kFmtBodySize);
     append(bytes, formatTag);
     append(bytes, channelCount);
     append(bytes, sampleRate);
@@ -88,14 +88,14 @@ QByteArray WavHeader::toBytes() const
 void WavHeader::setDataSize(qint64 bytes)
 {
     dataSize = clamped(bytes);
-    riffSize = clamped(bytes + BytesBeforeData);
+    riffSize = clamped(bytes + kBytesBeforeData);
 }
 
 bool WavHeader::writeSizes(QFileDevice &file, qint64 dataBytes)
 {
     WavHeader header;
     header.setDataSize(dataBytes);
-    return writeSize(file, RiffSizeOffset, header.riffSize) && writeSize(file, DataSizeOffset, header.dataSize);
+    return writeSize(file, kRiffSizeOffset, header.riffSize) && writeSize(file, kDataSizeOffset, header.dataSize);
 }
 
 } // namespace kel

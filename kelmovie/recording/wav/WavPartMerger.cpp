@@ -14,8 +14,8 @@ namespace kel
 
 namespace
 {
-constexpr qint64 ChunkSize = 1 << 20;
-constexpr qint64 AudibleMs = 20;
+constexpr qint64 kBlockSize = 1 << 20;
+constexpr qint64 kAudibleMs = 20;
 
 struct Messages {
     const char *cannotRename;
@@ -27,10 +27,11 @@ struct Messages {
     const char *outputInvalid;
 };
 
-constexpr Messages SystemAudio{"重命名分段文件失败:",      "无法打开输出文件进行合并:",        "无法打开分段文件:",
-                               "分段文件数据不足:",        "WAV分段格式不匹配，播放可能失败!", "删除分段文件失败:",
-                               "合并后的文件无效或不存在:"};
-constexpr Messages Microphone{
+constexpr Messages kSystemAudioMessages{
+    "重命名分段文件失败:",      "无法打开输出文件进行合并:",        "无法打开分段文件:",
+    "分段文件数据不足:",        "WAV分段格式不匹配，播放可能失败!", "删除分段文件失败:",
+    "合并后的文件无效或不存在:"};
+constexpr Messages kMicrophoneMessages{
     "重命名麦克风分段文件失败:",      "无法打开麦克风输出文件进行合并:",        "无法打开麦克风分段文件:",
     "麦克风分段文件数据不足:",        "麦克风WAV分段格式不匹配，播放可能失败!", "删除麦克风分段文件失败:",
     "合并后的麦克风文件无效或不存在:"};
@@ -56,7 +57,7 @@ private:
     bool join(const QString &path, const WavPartTime &time);
     bool add(WavPartReader &part, const WavPartTime &time);
     bool copyData(WavPartReader &part, qint64 size);
-    bool standIn(const WavPartTime &time);
+    bool addSilenceFor(const WavPartTime &time);
     bool addSilence(qint64 size);
     qint64 wholeFrames(qint64 size) const;
     qint64 bytesOf(qint64 ms) const;
@@ -85,13 +86,13 @@ void Merger::merge(const QStringList &parts)
     checkOutput();
 }
 
-/// Whether so much of the time is missing in the part that it would be heard.
+/// Whether the part is noticeably shorter than its recorded time.
 bool Merger::isLate(const QString &path) const
 {
     const WavPartTime time = m_times.value(0);
     WavPartReader part(path);
     return time.durationMs > 0 && part.open() && part.header().byteRate > 0 &&
-           part.dataSize() * 1000 / part.header().byteRate < time.durationMs + time.surplusMs - AudibleMs;
+           part.dataSize() * 1000 / part.header().byteRate < time.durationMs + time.surplusMs - kAudibleMs;
 }
 
 void Merger::rename(const QString &part)
@@ -124,7 +125,7 @@ void Merger::join(const QStringList &parts)
     m_output.close();
 }
 
-/// The first part that states a format states it for all.
+/// Takes the format of the output from the first part that has one.
 bool Merger::begin(const QStringList &parts)
 {
     for (const QString &path : parts) {
@@ -133,7 +134,7 @@ bool Merger::begin(const QStringList &parts)
             continue;
         m_header = part.header();
         m_fmtChunk = part.fmtChunk();
-        if (m_output.write(m_header.toBytes()) == WavHeader::Size)
+        if (m_output.write(m_header.toBytes()) == WavHeader::kSize)
             return true;
         keepProblem(QStringLiteral("the sound stays in its parts, cannot write %1: %2")
                         .arg(m_output.fileName(), m_output.errorString()));
@@ -142,11 +143,11 @@ bool Merger::begin(const QStringList &parts)
     for (const QString &path : parts)
         qCWarning(logRecording) << (QFileInfo(path).exists() ? "首分段头部读取失败:" : m_messages.cannotOpenPart)
                                 << path;
-    keepProblem(QStringLiteral("no part of %1 says what its sound is").arg(m_output.fileName()));
+    keepProblem(QStringLiteral("no part of %1 states the format of its sound").arg(m_output.fileName()));
     return false;
 }
 
-/// False when the output takes no more.
+/// False when the output cannot be written.
 bool Merger::join(const QString &path, const WavPartTime &time)
 {
     WavPartReader part(path);
@@ -154,22 +155,22 @@ bool Merger::join(const QString &path, const WavPartTime &time)
         qCWarning(logRecording) << m_messages.cannotOpenPart << path;
         if (QFileInfo::exists(path))
             keepProblem(QStringLiteral("cannot read %1: %2").arg(path, part.errorString()));
-        return standIn(time);
+        return addSilenceFor(time);
     }
     if (part.isTooShort()) {
         qCWarning(logRecording) << m_messages.partTooShort << path;
-        return standIn(time);
+        return addSilenceFor(time);
     }
     if (part.hasHeader() && part.fmtChunk() != m_fmtChunk)
         qCWarning(logRecording) << m_messages.formatDiffers;
 
     const qint64 before = m_total;
-    // The sizes count the part before it is deleted: after a crash its sound is in one place at least.
+    // The sizes include the part before it is deleted, so that a crash cannot lose its sound.
     if (!add(part, time) || !WavHeader::writeSizes(m_output, m_total) || !m_output.flush()) {
         keepProblem(QStringLiteral("the sound from %1 on stays in its parts, cannot write %2: %3")
                         .arg(path, m_output.fileName(), m_output.errorString()));
         m_total = before;
-        m_output.resize(WavHeader::Size + m_total);
+        m_output.resize(WavHeader::kSize + m_total);
         return false;
     }
     if (part.hasReadError()) {
@@ -182,10 +183,10 @@ bool Merger::join(const QString &path, const WavPartTime &time)
     return true;
 }
 
-/// Silence stands for the time before the sound began, and for what was not delivered at the end.
+/// Adds silence for the time before the sound began and for what is missing at its end.
 bool Merger::add(WavPartReader &part, const WavPartTime &time)
 {
-    if (!m_output.seek(WavHeader::Size + m_total))
+    if (!m_output.seek(WavHeader::kSize + m_total))
         return false;
     const qint64 size = qMax(qint64(0), wholeFrames(part.dataSize()) - bytesOf(time.surplusMs));
     const qint64 missing = qMax(qint64(0), bytesOf(time.durationMs) - size);
@@ -193,16 +194,16 @@ bool Merger::add(WavPartReader &part, const WavPartTime &time)
     return addSilence(late) && copyData(part, size) && addSilence(missing - late);
 }
 
-/// A frame that a crash tore apart would exchange the channels of all that follows.
+/// Leaves out an incomplete frame, which a crash may have left: it would swap the channels of all that follows.
 qint64 Merger::wholeFrames(qint64 size) const
 {
     return size - size % qMax<qint64>(1, m_header.blockAlign);
 }
 
-/// Silence for a part that cannot be used.
-bool Merger::standIn(const WavPartTime &time)
+/// Replaces an unusable part by silence.
+bool Merger::addSilenceFor(const WavPartTime &time)
 {
-    if (m_output.seek(WavHeader::Size + m_total) && addSilence(bytesOf(time.durationMs)))
+    if (m_output.seek(WavHeader::kSize + m_total) && addSilence(bytesOf(time.durationMs)))
         return true;
     keepProblem(QStringLiteral("cannot write %1: %2").arg(m_output.fileName(), m_output.errorString()));
     return false;
@@ -215,9 +216,9 @@ qint64 Merger::bytesOf(qint64 ms) const
 
 bool Merger::addSilence(qint64 size)
 {
-    const QByteArray zeros(int(qMin(size, ChunkSize)), '\0');
+    const QByteArray zeros(int(qMin(size, kBlockSize)), '\0');
     while (size > 0) {
-        const qint64 written = m_output.write(zeros.constData(), qMin(size, ChunkSize));
+        const qint64 written = m_output.write(zeros.constData(), qMin(size, kBlockSize));
         if (written <= 0)
             return false;
         size -= written;
@@ -226,11 +227,11 @@ bool Merger::addSilence(qint64 size)
     return true;
 }
 
-/// Ends early when the part cannot be read to its end; false when the output takes no more.
+/// Stops early when the part cannot be read to its end; false when the output cannot be written.
 bool Merger::copyData(WavPartReader &part, qint64 size)
 {
     for (qint64 copied = 0; copied < size;) {
-        const QByteArray bytes = part.read(qMin(ChunkSize, size - copied));
+        const QByteArray bytes = part.read(qMin(kBlockSize, size - copied));
         if (bytes.isEmpty())
             return true;
         if (m_output.write(bytes) != bytes.size())
@@ -244,14 +245,14 @@ bool Merger::copyData(WavPartReader &part, qint64 size)
 void Merger::checkOutput()
 {
     const QString path = m_output.fileName();
-    if (QFileInfo(path).size() <= WavHeader::Size) {
+    if (QFileInfo(path).size() <= WavHeader::kSize) {
         qCWarning(logRecording) << m_messages.outputInvalid << path;
         return;
     }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         qCWarning(logRecording) << "无法打开合并后WAV文件计算时长:" << path;
-    else if (file.read(WavHeader::Size).size() < WavHeader::Size)
+    else if (file.read(WavHeader::kSize).size() < WavHeader::kSize)
         qCWarning(logRecording) << "无法读取WAV头部，无法计算时长:" << path;
 }
 
@@ -271,7 +272,7 @@ void reportLeftovers(const QString &output)
 
 QString mergePartFiles(const QStringList &parts, const QString &output)
 {
-    Merger merger(output, SystemAudio);
+    Merger merger(output, kSystemAudioMessages);
     merger.merge(parts);
     if (!parts.isEmpty())
         reportLeftovers(output);
@@ -280,7 +281,7 @@ QString mergePartFiles(const QStringList &parts, const QString &output)
 
 QString mergeMicrophoneParts(const QStringList &parts, const QString &output, const QList<WavPartTime> &times)
 {
-    Merger merger(output, Microphone, times);
+    Merger merger(output, kMicrophoneMessages, times);
     merger.merge(parts);
     return merger.problem();
 }

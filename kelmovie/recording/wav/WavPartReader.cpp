@@ -1,5 +1,7 @@
 #include "recording/wav/WavPartReader.h"
 
+#include "recording/wav/WavChunks.h"
+
 #include <QtEndian>
 
 namespace kel
@@ -7,11 +9,10 @@ namespace kel
 
 namespace
 {
-constexpr int RiffSize = 12;
-constexpr int ChunkHeaderSize = 8;
-constexpr int FmtSize = 16;
-constexpr int SubFormatOffset = 24; // in the extensible form; its first two bytes are a format tag
-constexpr quint32 MaxFmtSize = 1024;
+constexpr int kFmtHeaderSize = 8;
+constexpr int kFmtSize = 16;
+constexpr int kSubFormatOffset = 24; // in the extensible form; its first two bytes are a format tag
+constexpr quint32 kMaxFmtSize = 1024;
 } // namespace
 
 WavPartReader::WavPartReader(const QString &path)
@@ -30,42 +31,34 @@ bool WavPartReader::open()
 
 void WavPartReader::findSound()
 {
-    const QByteArray start = m_file.read(WavHeader::Size);
-    if (start.size() < WavHeader::Size || !WavHeader::isRiffWave(start.constData()))
+    const QByteArray start = m_file.read(WavHeader::kSize);
+    if (start.size() < WavHeader::kSize || !WavHeader::isRiffWave(start.constData()))
         return;
-    qint64 position = RiffSize;
-    while (m_file.seek(position)) {
-        const QByteArray chunk = m_file.read(ChunkHeaderSize);
-        if (chunk.size() < ChunkHeaderSize)
-            break;
-        const auto size = qFromLittleEndian<quint32>(chunk.constData() + 4);
-        position += ChunkHeaderSize;
-        if (chunk.startsWith("data")) {
-            m_dataOffset = position;
-            break;
-        }
-        if (chunk.startsWith("fmt ") && size >= FmtSize && size <= MaxFmtSize)
-            takeFormat(m_file.read(size));
-        position += size + size % 2;
+    WavChunks chunks(m_file, WavChunks::Padding::ToEvenSize);
+    while (m_dataOffset == 0 && chunks.next()) {
+        if (chunks.isData())
+            m_dataOffset = chunks.offset();
+        else if (chunks.isFormat() && chunks.size() >= kFmtSize && chunks.size() <= kMaxFmtSize)
+            takeFormat(m_file.read(chunks.size()));
     }
     if (m_dataOffset > 0 && hasHeader())
         return;
-    // A header that is damaged is at least of the usual length.
-    m_dataOffset = WavHeader::Size;
+    // Assume that a damaged header has at least the usual length.
+    m_dataOffset = WavHeader::kSize;
     m_header = WavHeader::fromBytes(start.constData());
-    m_fmtChunk = start.mid(WavHeader::FmtChunkOffset, WavHeader::FmtChunkSize);
+    m_fmtChunk = start.mid(WavHeader::kFmtChunkOffset, WavHeader::kFmtChunkSize);
 }
 
 void WavPartReader::takeFormat(const QByteArray &chunk)
 {
-    if (chunk.size() < FmtSize)
+    if (chunk.size() < kFmtSize)
         return;
     QByteArray canonical = WavHeader().toBytes();
-    canonical.replace(WavHeader::FmtChunkOffset + ChunkHeaderSize, FmtSize, chunk.constData(), FmtSize);
+    canonical.replace(WavHeader::kFmtChunkOffset + kFmtHeaderSize, kFmtSize, chunk.constData(), kFmtSize);
     m_header = WavHeader::fromBytes(canonical.constData());
-    if (m_header.formatTag == WavHeader::Extensible && chunk.size() >= SubFormatOffset + 2)
-        m_header.formatTag = qFromLittleEndian<quint16>(chunk.constData() + SubFormatOffset);
-    m_fmtChunk = m_header.toBytes().mid(WavHeader::FmtChunkOffset, WavHeader::FmtChunkSize);
+    if (m_header.formatTag == WavHeader::kExtensible && chunk.size() >= kSubFormatOffset + 2)
+        m_header.formatTag = qFromLittleEndian<quint16>(chunk.constData() + kSubFormatOffset);
+    m_fmtChunk = m_header.toBytes().mid(WavHeader::kFmtChunkOffset, WavHeader::kFmtChunkSize);
 }
 
 } // namespace kel

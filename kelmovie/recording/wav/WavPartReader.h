@@ -9,8 +9,8 @@
 namespace kel
 {
 
-/// A part file opened for joining: where its sound begins, whatever stands before it. No size that the file states
-/// about its sound is trusted; a part that was never completed has all the sound that is in the file.
+/// Reads a part file that is to be joined: finds its sound behind any other chunks. The stated size of the sound is
+/// ignored, because a part that was never completed still has all the sound in the file.
 class WavPartReader
 {
 public:
@@ -21,13 +21,13 @@ public:
     bool hasReadError() const { return m_file.error() == QFileDevice::ReadError; }
     QString errorString() const { return m_file.errorString(); }
 
-    /// Shorter than a header: there is no sound in it.
-    bool isTooShort() const { return m_file.size() < WavHeader::Size; }
+    /// Shorter than a header, so without sound.
+    bool isTooShort() const { return m_file.size() < WavHeader::kSize; }
 
     /// False for bare samples, which are all sound.
     bool hasHeader() const { return !m_fmtChunk.isEmpty(); }
 
-    /// In the 44-byte form, and the bytes of the format in it.
+    /// The header in its 44-byte form, and the "fmt " chunk of that form.
     WavHeader header() const { return m_header; }
     QByteArray fmtChunk() const { return m_fmtChunk; }
 

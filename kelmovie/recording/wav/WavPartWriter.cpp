@@ -5,9 +5,9 @@ namespace kel
 
 namespace
 {
-/// How far sound without a break may run from the clock before it is put right: the times of packets jitter.
-constexpr qint64 ToleranceMs = 50;
-constexpr int ZerosSize = 1 << 16;
+/// How far continuous sound may deviate from the clock before it is corrected: packet times jitter.
+constexpr qint64 kToleranceMs = 50;
+constexpr int kZerosSize = 1 << 16;
 } // namespace
 
 WavPartWriter::WavPartWriter(const WavHeader &format)
@@ -26,9 +26,9 @@ bool WavPartWriter::open(const QString &path, qint64 startMs)
     m_startMs = startMs;
     m_size = 0;
     m_soundEnd = 0;
-    m_end = NoEnd;
+    m_end = kNoEnd;
     m_file.setFileName(path);
-    // Unbuffered: what was captured is the system's to keep, whatever becomes of this process.
+    // Unbuffered: written sound survives if this process is killed.
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
         fail();
         return false;
@@ -52,7 +52,7 @@ void WavPartWriter::writePacket(const char *data, qint64 size, qint64 recordedAt
     if (!isOpen())
         return;
     qint64 position = bytesAt(recordedAtMs);
-    if (m_end != NoEnd)
+    if (m_end != kNoEnd)
         size = qMin(size, m_end - position);
     const qint64 early = qMax(qint64(0), -position);
     position += early;
@@ -60,7 +60,7 @@ void WavPartWriter::writePacket(const char *data, qint64 size, qint64 recordedAt
     if (size <= 0)
         return;
 
-    const qint64 tolerance = m_size > m_soundEnd ? 0 : bytesAt(m_startMs + ToleranceMs);
+    const qint64 tolerance = m_size > m_soundEnd ? 0 : bytesAt(m_startMs + kToleranceMs);
     if (position < m_size)
         resizeTo(qMax(position, m_soundEnd));
     else if (position > m_size + tolerance)
@@ -81,7 +81,7 @@ void WavPartWriter::updateSizes()
 {
     if (!isOpen())
         return;
-    if (!WavHeader::writeSizes(m_file, m_size) || !m_file.seek(WavHeader::Size + m_size))
+    if (!WavHeader::writeSizes(m_file, m_size) || !m_file.seek(WavHeader::kSize + m_size))
         fail();
 }
 
@@ -89,7 +89,7 @@ void WavPartWriter::close()
 {
     if (!isOpen())
         return;
-    if (m_end != NoEnd)
+    if (m_end != kNoEnd)
         resizeTo(qMax(m_end, m_soundEnd));
     updateSizes();
     m_file.close();
@@ -105,7 +105,7 @@ void WavPartWriter::resizeTo(qint64 size)
     if (size > m_size) {
         appendZeros(size - m_size);
     } else if (size < m_size) {
-        if (!m_file.resize(WavHeader::Size + size) || !m_file.seek(WavHeader::Size + size))
+        if (!m_file.resize(WavHeader::kSize + size) || !m_file.seek(WavHeader::kSize + size))
             fail();
         else
             m_size = size;
@@ -114,12 +114,12 @@ void WavPartWriter::resizeTo(qint64 size)
 
 void WavPartWriter::appendZeros(qint64 size)
 {
-    static const QByteArray zeros(ZerosSize, '\0');
-    while (size > 0 && append(zeros.constData(), qMin(size, qint64(ZerosSize))))
-        size -= ZerosSize;
+    static const QByteArray zeros(kZerosSize, '\0');
+    while (size > 0 && append(zeros.constData(), qMin(size, qint64(kZerosSize))))
+        size -= kZerosSize;
 }
 
-/// Keeps whole frames only: a torn one would exchange the channels of all that follows.
+/// Keeps whole frames only: an incomplete frame would swap the channels of all that follows.
 bool WavPartWriter::append(const char *data, qint64 size)
 {
     const qint64 written = m_file.isOpen() ? m_file.write(data, size) : 0;
@@ -132,8 +132,8 @@ bool WavPartWriter::append(const char *data, qint64 size)
     fail();
     m_size += qMax(qint64(0), written);
     m_size -= m_size % m_format.blockAlign;
-    m_file.resize(WavHeader::Size + m_size);
-    m_file.seek(WavHeader::Size + m_size);
+    m_file.resize(WavHeader::kSize + m_size);
+    m_file.seek(WavHeader::kSize + m_size);
     return false;
 }
 

@@ -8,40 +8,44 @@
 namespace kel
 {
 
-/// One stretch of recorded sound as a WAV file whose timeline follows the clock: what was recorded so many milliseconds
-/// after the part's start stands that far from its beginning, whatever the device left out or brought late.
+/// Writes a part of recorded sound as a WAV file whose timeline follows the clock: sound recorded a number of
+/// milliseconds after the start of the part is that far from its beginning, even if the device dropped or delayed
+/// packets.
 ///
-/// Silence only stands in for sound that has not come. Where sound comes after all, it takes the place of the silence;
-/// sound itself is never overwritten. A write that fails is kept in errorString(); later ones are tried all the same.
+/// Gaps are filled with silence. Sound that arrives late replaces the silence; sound is never overwritten. The first
+/// failed write is kept in errorString(); later writes are attempted all the same.
 class WavPartWriter
 {
 public:
     explicit WavPartWriter(const WavHeader &format);
     ~WavPartWriter();
+    WavPartWriter(const WavPartWriter &) = delete;
+    WavPartWriter &operator=(const WavPartWriter &) = delete;
 
     /// Begins a part at `startMs` of the steady clock, with a header and no sound. An existing file is replaced.
     bool open(const QString &path, qint64 startMs);
     bool isOpen() const { return m_file.isOpen(); }
 
-    /// A tenth of a second.
+    /// Writes a tenth of a second of silence.
     void writeSilence();
 
-    /// Null `data` means zeros. Sound from before the start, or after the end, does not belong to the part.
+    /// Writes `size` bytes of sound whose first frame was recorded at `recordedAtMs`; null `data` means zeros. Sound
+    /// from before the start or after the end of the part is dropped.
     void writePacket(const char *data, qint64 size, qint64 recordedAtMs);
 
-    /// From now on the part is to end at `endMs`: what is written beyond that is cut off when it is closed.
+    /// Sets the end of the part: anything written beyond `endMs` is cut off when the part is closed.
     void setEnd(qint64 endMs);
 
-    /// Makes the header's sizes those of the sound written so far.
+    /// Writes the size of the sound so far to the header.
     void updateSizes();
 
-    /// Completes the part: its end where it was set, its sizes right.
+    /// Completes the part: cuts or extends it to its end, if that was set, and writes its final size.
     void close();
 
     QString errorString() const { return m_error; }
 
 private:
-    static constexpr qint64 NoEnd = -1;
+    static constexpr qint64 kNoEnd = -1;
 
     qint64 bytesAt(qint64 ms) const;
     void resizeTo(qint64 size);
@@ -53,8 +57,8 @@ private:
     QFile m_file;
     qint64 m_startMs = 0;
     qint64 m_size = 0;     // bytes of sound and silence
-    qint64 m_soundEnd = 0; // from here on it is silence that was never recorded
-    qint64 m_end = NoEnd;  // in bytes
+    qint64 m_soundEnd = 0; // only filled-in silence follows, which sound may still replace
+    qint64 m_end = kNoEnd; // in bytes
     QString m_error;
 };
 

@@ -5,6 +5,7 @@
 
 #include "audio/output/AudioGain.h"
 #include "audio/output/KelAmplifiedAudioPlayer.h"
+#include "recording/wav/WavChunks.h"
 #include "recording/wav/WavHeader.h"
 
 #include <QFile>
@@ -102,7 +103,7 @@ void AmplifiedPlayerTest::loads_data()
     row("plain", good, "", 1000);
     row("chunks around", riff + chunk("LIST", 3, "abc") + data + chunk("junk", 0) + fmt, "", 1000);
     row("long fmt", riff + chunk("fmt ", 40, format(65534, 1, 4000, 16) + QByteArray(24, 'g')) + data, "", 1000);
-    row("float whatever its bits", formatted(3, 1, 1000, 64), "", 2000);
+    row("float with a wrong number of bits", formatted(3, 1, 1000, 64), "", 2000);
     row("8 bits, 2 channels", formatted(1, 2, 1000, 8), "", 4000);
     row("no samples", SoundFile::wav(4000, 16, {}), "", 0);
     row("never completed", withSizes(good, 0, 0), "", 1000);
@@ -115,14 +116,14 @@ void AmplifiedPlayerTest::loads_data()
     row("odd sizes are not padded", riff + chunk("LIST", 3, "abcd") + fmt + data, noChunk, 0);
     row("chunk past the end", riff + chunk("LIST", most) + fmt + data, noChunk, 0);
     row("fmt past the end", riff + chunk("fmt ", most, format(1, 1, 4000, 16)) + data, noChunk, 0);
-    row("only empty chunks", riff + QByteArray(4'000'000, '\0'), noChunk, 0);
+    row("more chunks than are read", riff + chunk("junk", 0).repeated(WavChunks::kMaxChunks) + fmt + data, noChunk, 0);
     row("small fmt", riff + chunk("fmt ", 15, format(1, 1, 4000, 16)) + data, "Invalid WAV file: fmt chunk too small",
         0);
     row("24 bits", formatted(1, 1, 4000, 24), "Unsupported bits per sample: 24", 0);
     row("compressed", formatted(85, 1, 4000, 16), "Unsupported audio format: 85", 0);
     row("no channels", formatted(1, 0, 4000, 16), "Invalid WAV file: 0 channels at 4000 Hz", 0);
     row("no rate", formatted(1, 1, 0, 16), "Invalid WAV file: 1 channels at 0 Hz", 0);
-    row("mad rate", formatted(3, 1, most, 16), "Invalid WAV file: 1 channels at 4294967295 Hz", 0);
+    row("invalid rate", formatted(3, 1, most, 16), "Invalid WAV file: 1 channels at 4294967295 Hz", 0);
 }
 
 void AmplifiedPlayerTest::loads()
@@ -146,26 +147,26 @@ void AmplifiedPlayerTest::loads()
     QCOMPARE(player.isPlaying(), error.isEmpty());
     QVERIFY(!player.setSource(""));
     QVERIFY(!player.setSource("/no/such.wav"));
-    const QString who = "W [KelAmplifiedAudioPlayer] ";
-    QStringList told{who + "File path is empty", who + "File does not exist: /no/such.wav"};
+    const QString prefix = "W [KelAmplifiedAudioPlayer] ";
+    QStringList expected{prefix + "File path is empty", prefix + "File does not exist: /no/such.wav"};
     if (!error.isEmpty())
-        told.prepend(who + "No audio source set");
-    QCOMPARE(log.take(), told);
+        expected.prepend(prefix + "No audio source set");
+    QCOMPARE(log.take(), expected);
 }
 
 void AmplifiedPlayerTest::seeksInHours()
 {
     const qint64 hours = 3;
     const quint32 rate = 48'000;
-    const qint64 bytes = hours * 3600 * rate * 4; // 2 GiB, nearly all of it a hole
+    const qint64 bytes = hours * 3600 * rate * 4; // 2 GiB, almost entirely sparse
     WavHeader header = WavHeader::pcm(rate, 1, 32);
     header.setDataSize(bytes);
     QFile file(write(header.toBytes()));
-    QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(WavHeader::Size + bytes));
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(WavHeader::kSize + bytes));
     for (const qint64 ms : {10'799'000, 5'400'000, 1}) {
         const qint64 frame = ms * rate / 1000;
         const QByteArray sample = littleEndian({quint32(frame)});
-        QVERIFY(file.seek(WavHeader::Size + frame * 4) && file.write(sample) == sample.size());
+        QVERIFY(file.seek(WavHeader::kSize + frame * 4) && file.write(sample) == sample.size());
     }
     QVERIFY(file.flush());
 
@@ -186,19 +187,19 @@ void AmplifiedPlayerTest::amplifies_data()
 {
     const TestTable<double, bool, QByteArray, QByteArray> row("gain", "isFloat", "in", "out");
 
-    const float bent = 0.95F + 0.05F * std::tanh((1.6F - 0.95F) / 0.05F);
+    const float clipped = 0.95F + 0.05F * std::tanh((1.6F - 0.95F) / 0.05F);
     const float barely = 0.95F + 0.05F * std::tanh((0.96F - 0.95F) / 0.05F);
     const float nan = std::numeric_limits<float>::quiet_NaN();
     row("unchanged", 1.0, false, littleEndian<qint16>({-32768, -1, 32767}), littleEndian<qint16>({-32768, -1, 32767}));
     row("softer", 0.5, false, littleEndian<qint16>({-32768, -3, 3, 32767}),
         littleEndian<qint16>({-16384, -1, 1, 16383}));
     row("louder", 2.0, false, littleEndian<qint16>({-1000, 15'000}), littleEndian<qint16>({-2000, 30'000}));
-    row("most", 5.0, false, littleEndian<qint16>({-32768, 32767, 0}), littleEndian<qint16>({-32768, 32767, 0}));
-    row("more than most", 1e9, false, littleEndian<qint16>({1000}), littleEndian<qint16>({5000}));
+    row("maximum", 5.0, false, littleEndian<qint16>({-32768, 32767, 0}), littleEndian<qint16>({-32768, 32767, 0}));
+    row("above the maximum", 1e9, false, littleEndian<qint16>({1000}), littleEndian<qint16>({5000}));
     row("negative", -1.0, false, littleEndian<qint16>({1000}), littleEndian<qint16>({0}));
     row("float", 2.0, true, littleEndian<float>({0.25F, -0.475F, 0.8F, -0.8F, 0.48F}),
-        littleEndian<float>({0.5F, -0.95F, bent, -bent, barely}));
-    row("float beyond its scale", 0.5, true, littleEndian<float>({3.0F, -3.0F, nan}),
+        littleEndian<float>({0.5F, -0.95F, clipped, -clipped, barely}));
+    row("float beyond full scale", 0.5, true, littleEndian<float>({3.0F, -3.0F, nan}),
         littleEndian<float>({1.0F, -1.0F, 0.0F}));
 }
 
@@ -235,7 +236,7 @@ void AmplifiedPlayerTest::amplifies()
     amplifier.apply(format, &in);
     QCOMPARE(amplifier.level(), peak * 0.999F);
 
-    // From there 95 % of the way to the next gain.
+    // A new gain is approached by 95 % with each piece.
     in = isFloat ? littleEndian<float>({0.1F}) : littleEndian<qint16>({3277});
     amplifier.setTarget(0);
     amplifier.apply(format, &in);
@@ -247,16 +248,16 @@ void AmplifiedPlayerTest::amplifies()
 void AmplifiedPlayerTest::changesState()
 {
     const auto player = load(SoundFile::numbered(kRate, kRate * 10));
-    QStringList told;
+    QStringList events;
     connect(player.get(), &KelAmplifiedAudioPlayer::stateChanged, this,
-            [&](bool playing) { told << (playing ? "playing" : "not playing"); });
+            [&](bool playing) { events << (playing ? "playing" : "not playing"); });
     connect(player.get(), &KelAmplifiedAudioPlayer::positionChanged, this,
-            [&](qint64 position) { told << QString::number(position); });
-    const auto take = [&told] { return std::exchange(told, {}); };
+            [&](qint64 position) { events << QString::number(position); });
+    const auto take = [&events] { return std::exchange(events, {}); };
 
     player->pause();
     player->stop();
-    QCOMPARE(script->starts, 0); // nobody wanted to hear anything
+    QCOMPARE(script->starts, 0); // nothing has been played yet
     player->play();
     player->play();
     QCOMPARE(take(), QStringList{"playing"});
@@ -269,7 +270,7 @@ void AmplifiedPlayerTest::changesState()
     player->play();
     nowMs += 30;
     QCOMPARE(player->position(), qint64(180));
-    QCOMPARE(SoundFile::numberAt(script->last->written(), 0), kRate * 150 / 1000); // nothing was lost on the way
+    QCOMPARE(SoundFile::numberAt(script->last->written(), 0), kRate * 150 / 1000); // no sound was skipped
     take();
     player->seek(3333);
     QCOMPARE(take(), (QStringList{"not playing", "3333", "playing"}));
@@ -278,7 +279,7 @@ void AmplifiedPlayerTest::changesState()
     QCOMPARE(player->position(), qint64(3383));
     player->stop();
     QCOMPARE(take(), (QStringList{"not playing", "0"}));
-    player->seek(20'000); // bounded
+    player->seek(20'000); // clamped to the file
     QCOMPARE(take(), QStringList{"10000"});
     player->stop();
     QCOMPARE(player->position(), qint64(0));
@@ -311,7 +312,7 @@ void AmplifiedPlayerTest::playsShortEndings()
     const QByteArray &written = script->last->written();
     QCOMPARE(SoundFile::numberAt(written, 49 * kRate / 1000 * 4), 9999 * kRate / 1000);
     QCOMPARE(SoundFile::numberAt(written, 51 * kRate / 1000 * 4), 0);
-    QCOMPARE(script->last->bytesFree(), 0); // a device may begin only then
+    QCOMPARE(script->last->bytesFree(), 0); // a device may start only once its buffer is full
     const QSignalSpy states(player.get(), &KelAmplifiedAudioPlayer::stateChanged);
     nowMs += 49;
     QVERIFY(player->isPlaying());
@@ -332,7 +333,7 @@ void AmplifiedPlayerTest::mutes()
     player->setMuted(false);
     QCOMPARE(script->volume, 1.0);
     player->seek(0);
-    QCOMPARE(script->last->written(), QByteArray(kRate / 5, char(0xff))); // 8 bits know no gain
+    QCOMPARE(script->last->written(), QByteArray(kRate / 5, char(0xff))); // 8-bit samples are not amplified
 }
 
 QTEST_GUILESS_MAIN(AmplifiedPlayerTest)

@@ -1,5 +1,6 @@
 #include "audio/processing/KelAudioSpeedProcessor.h"
 #include "kelmovie/support/SoundFile.h"
+#include "recording/wav/WavChunks.h"
 #include "support/FileSizeLimit.h"
 #include "support/TestTable.h"
 
@@ -20,7 +21,7 @@ QByteArray wav(int channels, int bits, const QByteArray &samples)
     return SoundFile::wav(48'000, quint16(bits), samples, quint16(channels));
 }
 
-/// Frames that tell their number, as often as a sound of several blocks needs it.
+/// Frames that contain their number, for sounds of several blocks.
 QByteArray numberedFrames(int count, int frameBytes)
 {
     QByteArray frames;
@@ -38,7 +39,7 @@ class AudioSpeedTest : public QObject
 private slots:
     void changesSpeed_data();
     void changesSpeed();
-    void followsFormulas();
+    void followsTheFormulas();
     void malformed_data();
     void malformed();
     void copiesAtSpeedOne();
@@ -69,7 +70,7 @@ void AudioSpeedTest::changesSpeed_data()
     row("three quarters", 1, 16, "aabbccdd", 0.75, "aaaabbccdd");
     row("24 bits", 1, 24, "aaabbbcccdddeeefff", 3.0, "aaaddd");
     row("64 bits", 1, 64, "aaaaaaaabbbbbbbb", 0.5, "aaaaaaaaaaaaaaaabbbbbbbbbbbbbbbb");
-    row("rest of a frame", 1, 16, "aabbccd", 2.0, "aa");
+    row("incomplete frame", 1, 16, "aabbccd", 2.0, "aa");
     row("less than a frame", 2, 16, "abc", 2.0, "");
     row("faster than it is long", 1, 16, "aabb", 3.0, "");
     const float nan = std::numeric_limits<float>::quiet_NaN();
@@ -78,9 +79,9 @@ void AudioSpeedTest::changesSpeed_data()
         SoundFile::littleEndian<qint16>({16383, 0, -32767, 32767}));
     row("loud floats", 1, 32, SoundFile::littleEndian<float>({2.0F, -2.0F, 1.0F, 0.5F}), 0.9,
         SoundFile::littleEndian<qint16>({32767, -32767, 16383, 8191}));
-    row("loud in what is dropped", 2, 32, SoundFile::littleEndian<float>({0.5F, 0.25F, 9.0F, 9.0F}), 2.0,
+    row("loud frames are dropped", 2, 32, SoundFile::littleEndian<float>({0.5F, 0.25F, 9.0F, 9.0F}), 2.0,
         SoundFile::littleEndian<qint16>({16383, 8191}));
-    row("what is no number", 1, 32, SoundFile::littleEndian<float>({nan, infinity, -infinity, -nan, 1.0F}), 0.9,
+    row("not finite", 1, 32, SoundFile::littleEndian<float>({nan, infinity, -infinity, -nan, 1.0F}), 0.9,
         SoundFile::littleEndian<qint16>({0, 0, 0, 0, 32767}));
 
     const QByteArray plain = wav(1, 16, "aabbccdd");
@@ -105,12 +106,12 @@ void AudioSpeedTest::changesSpeed()
     QCOMPARE(finished, QList<QVariantList>{{true}});
 }
 
-void AudioSpeedTest::followsFormulas()
+void AudioSpeedTest::followsTheFormulas()
 {
     const int frames = 400'003; // several blocks
     for (const int frameBytes : {4, 8, 6}) {
         const QByteArray samples = numberedFrames(frames, frameBytes);
-        // Stereo; frames of 8 bytes would be taken for floats then.
+        // Mono for 8 bytes: stereo frames of that size would be floats.
         write(frameBytes == 8 ? wav(1, 64, samples) : wav(2, frameBytes * 4, samples));
         for (const double speed : {0.1, 0.3, 0.9, 1.1, 1.7, 16.0, 70'000.0}) {
             KelAudioSpeedProcessor processor;
@@ -127,7 +128,7 @@ void AudioSpeedTest::followsFormulas()
                 if (i % std::max(outFrames / 100, 1) == 0)
                     percents << int(qint64(i) * 100 / outFrames);
             }
-            QVERIFY2(readFile(m_output).mid(WavHeader::Size) == expected, qPrintable(QString::number(speed)));
+            QVERIFY2(readFile(m_output).mid(WavHeader::kSize) == expected, qPrintable(QString::number(speed)));
             QCOMPARE(progress, percents << 100);
         }
     }
@@ -145,9 +146,9 @@ void AudioSpeedTest::malformed_data()
     const double nan = std::numeric_limits<double>::quiet_NaN();
     row("speed 0", good, 0.0, "Invalid speed factor");
     row("speed below 0", good, -1.0, "Invalid speed factor");
-    row("no speed", good, nan, "Invalid speed factor");
-    row("endless speed", good, std::numeric_limits<double>::infinity(), "Invalid speed factor");
-    row("too slow to count", good, 1e-10, "Too many audio frames");
+    row("speed NaN", good, nan, "Invalid speed factor");
+    row("infinite speed", good, std::numeric_limits<double>::infinity(), "Invalid speed factor");
+    row("too many frames", good, 1e-10, "Too many audio frames");
     row("empty file", {}, 2.0, "Invalid WAV file: header too short");
     row("43 bytes", good.left(43), 2.0, "Invalid WAV file: header too short");
     row("not RIFF", with(0, "RIFX"), 2.0, "Not a valid WAV file");
@@ -155,7 +156,9 @@ void AudioSpeedTest::malformed_data()
     row("no samples", good.left(44), 2.0, "No audio data found in WAV file");
     row("data of size 0", with(40, none), 2.0, "No audio data found in WAV file");
     row("no data chunk", with(36, "dada"), 2.0, "No audio data found in WAV file");
-    row("nothing but zeros", with(12, QByteArray(100'000, '\0')), 2.0, "No audio data found in WAV file");
+    row("more chunks than are read",
+        good.left(12) + QByteArray("fmt \0\0\0\0", 8).repeated(WavChunks::kMaxChunks) + good.mid(12), 2.0,
+        "No audio data found in WAV file");
     row("no channels", with(22, none.left(2)), 2.0, "Invalid WAV format: 0 channels of 16 bits");
     row("no channels, slower", with(22, none.left(2)), 0.5, "Invalid input parameters for frame repetition");
     row("7 bits", with(34, "\7"), 2.0, "Invalid WAV format: 1 channels of 7 bits");

@@ -12,32 +12,32 @@ using namespace kel;
 
 namespace
 {
-constexpr int Rate = 48000;
-constexpr double ToneHz = 1000;
-constexpr double ToneSeconds = 2;
-constexpr double WindowSeconds = 0.1;
+constexpr int kRate = 48000;
+constexpr double kToneHz = 1000;
+constexpr double kToneSeconds = 2;
+constexpr double kWindowSeconds = 0.1;
 } // namespace
 
-/// The capture of system audio with the Core Audio of the system itself, real devices and real time.
+/// Captures sound through the Core Audio interfaces of the system, from real devices in real time.
 class CaptureEndpointTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void hearsTheOutput() { hears(eRender, "speakers"); }
-    void hearsAnInput() { hears(eCapture, "microphone"); }
+    void recordsTheOutput() { records(eRender, "speakers"); }
+    void recordsAnInput() { records(eCapture, "microphone"); }
 
 private:
-    static void hears(EDataFlow flow, const QString &sink);
+    static void records(EDataFlow flow, const QString &sink);
 };
 
-/// A tone that is played into the sink is recorded, as long as it was.
-void CaptureEndpointTest::hears(EDataFlow flow, const QString &sink)
+/// A tone played into the sink is recorded with its full duration.
+void CaptureEndpointTest::records(EDataFlow flow, const QString &sink)
 {
     const QTemporaryDir directory;
     const QString path = directory.filePath("system_audio.wav");
-    CaptureDependencies seams;
-    seams.flow = flow;
+    CaptureDependencies dependencies;
+    dependencies.flow = flow;
     std::mutex mutex;
     QStringList failures;
     KelSystemAudioRecord record(
@@ -46,10 +46,10 @@ void CaptureEndpointTest::hears(EDataFlow flow, const QString &sink)
             const std::lock_guard lock(mutex);
             failures << problem;
         },
-        nullptr, seams);
+        nullptr, dependencies);
     QVERIFY(record.start());
-    const QByteArray tone = Sound::make(ToneSeconds, Sound::tone(ToneHz, 0.5), Rate).pcm16();
-    const QStringList arguments{"--device=" + sink, "--format=s16le", QString("--rate=%1").arg(Rate), "--channels=2"};
+    const QByteArray tone = Sound::make(kToneSeconds, Sound::tone(kToneHz, 0.5), kRate).pcm16();
+    const QStringList arguments{"--device=" + sink, "--format=s16le", QString("--rate=%1").arg(kRate), "--channels=2"};
     QVERIFY(HostProgram::run("pacat", arguments, tone).succeeded);
     record.stopRecording();
     QVERIFY2(failures.isEmpty(), qPrintable(failures.join("; ")));
@@ -58,11 +58,11 @@ void CaptureEndpointTest::hears(EDataFlow flow, const QString &sink)
     const QVector<float> samples = SoundFile::exactSamples(path, &header);
     const Sound sound{int(header.sampleRate), 1, {samples.begin(), samples.end()}};
     double heard = 0;
-    for (double from = 0; from + WindowSeconds < samples.size() / double(header.sampleRate); from += WindowSeconds) {
-        if (sound.level(ToneHz, from, from + WindowSeconds) > 0.4)
-            heard += WindowSeconds;
+    for (double from = 0; from + kWindowSeconds < samples.size() / double(header.sampleRate); from += kWindowSeconds) {
+        if (sound.level(kToneHz, from, from + kWindowSeconds) > 0.4)
+            heard += kWindowSeconds;
     }
-    QVERIFY2(std::abs(heard - ToneSeconds) < 0.4, qPrintable(QString("%1 s").arg(heard)));
+    QVERIFY2(std::abs(heard - kToneSeconds) < 0.4, qPrintable(QString("%1 s").arg(heard)));
 }
 
 QTEST_GUILESS_MAIN(CaptureEndpointTest)

@@ -35,7 +35,7 @@ QByteArray bytesOf(std::initializer_list<Sample> samples)
 
 } // namespace
 
-/// How loud the devices are, listened to while somebody looks.
+/// The level of devices, measured only while it is shown.
 class SoundLevelTest : public QObject
 {
     Q_OBJECT
@@ -43,7 +43,7 @@ class SoundLevelTest : public QObject
 private slots:
     void peaks_data();
     void peaks();
-    void listensOnlyWhileWanted();
+    void listensOnlyOnRequest();
     void lostDevice();
     void view();
     void viewWithoutDevice();
@@ -73,12 +73,12 @@ void SoundLevelTest::peaks()
     QVERIFY(std::fabs(SoundLevelMonitor::peakOf(formatOf(tag, bits), bytes.constData(), bytes.size()) - peak) < 0.001F);
 }
 
-void SoundLevelTest::listensOnlyWhileWanted()
+void SoundLevelTest::listensOnlyOnRequest()
 {
     ScriptedAudioDevice device;
     device.refusesInt16 = true;
     device.setMode(ScriptedAudioDevice::Mode::Playing);
-    SoundLevelMonitor monitor(eCapture, device.seams());
+    SoundLevelMonitor monitor(eCapture, device.dependencies());
     QCOMPARE(device.calls(), QStringList());
     monitor.setListening(true);
     device.advance(50);
@@ -98,13 +98,13 @@ void SoundLevelTest::lostDevice()
 {
     ScriptedAudioDevice device;
     device.failing = "Start";
-    SoundLevelMonitor monitor(eRender, device.seams());
+    SoundLevelMonitor monitor(eRender, device.dependencies());
     monitor.setListening(true);
     QTRY_VERIFY_WITH_TIMEOUT(monitor.state() == SoundLevelMonitor::State::NoDevice, kWaitMs);
     monitor.setListening(false);
 
     ScriptedAudioDevice other;
-    SoundLevelMonitor second(eRender, other.seams());
+    SoundLevelMonitor second(eRender, other.dependencies());
     second.setListening(true);
     QTRY_VERIFY_WITH_TIMEOUT(second.state() == SoundLevelMonitor::State::Listening, kWaitMs);
     other.setMode(ScriptedAudioDevice::Mode::Gone);
@@ -131,7 +131,7 @@ void SoundLevelTest::view()
     QTRY_COMPARE_WITH_TIMEOUT(speakers.note(), QString("silent"), kWaitMs);
 
     std::optional<float> played = 1.0F;
-    speakers.setPlayedLevel([&] { return played; });
+    speakers.setPlaybackLevel([&] { return played; });
     QTRY_COMPARE_WITH_TIMEOUT(meter->value(), 0, kWaitMs);
     QCOMPARE(speakers.note(), QString());
     played.reset();

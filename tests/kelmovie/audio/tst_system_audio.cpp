@@ -14,15 +14,15 @@ using namespace kel;
 
 namespace
 {
-constexpr float Anything = -1;
+constexpr float kAnySample = -1;
 
-/// A recording of the scripted device into a directory of its own.
+/// Records the scripted device into a temporary directory.
 class Session
 {
 public:
     explicit Session(ScriptedAudioDevice &device)
         : record(std::make_unique<KelSystemAudioRecord>(
-              path(), [this](const QString &problem) { fail(problem); }, nullptr, device.seams()))
+              path(), [this](const QString &problem) { fail(problem); }, nullptr, device.dependencies()))
     {
     }
     QString path() const { return m_directory.filePath("Voice/system_audio.wav"); }
@@ -36,14 +36,14 @@ public:
         return m_failures;
     }
 
-    /// The file's sound; empty unless its header describes just that.
+    /// The samples of the file; empty unless its header describes exactly these.
     QVector<float> sound() const
     {
         WavHeader header;
         const QVector<float> samples = SoundFile::exactSamples(path(), &header);
-        const bool isAsPlayed = header.formatTag == WavHeader::IeeeFloat && header.blockAlign == sizeof(float) &&
-                                header.sampleRate == ScriptedAudioDevice::Rate;
-        return isAsPlayed ? samples : QVector<float>();
+        const bool isExpectedFormat = header.formatTag == WavHeader::kIeeeFloat && header.blockAlign == sizeof(float) &&
+                                      header.sampleRate == ScriptedAudioDevice::Rate;
+        return isExpectedFormat ? samples : QVector<float>();
     }
 
 private:
@@ -62,7 +62,7 @@ public:
 };
 } // namespace
 
-class tst_system_audio : public QObject
+class SystemAudioTest : public QObject
 {
     Q_OBJECT
 
@@ -74,26 +74,26 @@ private slots:
     void formats_data();
     void formats();
     void waitsForEvents();
-    void refusesWhatItIsDoing();
-    void fullDiskKeepsWhatWasRecorded();
-    void sizesAreRightWhileRecording();
+    void refusesRepeatedCalls();
+    void fullDiskKeepsRecordedSound();
+    void headerIsCurrentWhileRecording();
 };
 
-/// Each step lasts so many ms; a sample is to be found at the recorded time at which it was played.
-void tst_system_audio::soundKeepsItsTime_data()
+/// Steps with their durations in ms. Each sample has to be in the file at the recorded time at which it was played.
+void SystemAudioTest::soundKeepsItsTime_data()
 {
     QTest::addColumn<QStringList>("steps");
-    QTest::addColumn<int>("said");
-    const auto row = [](const char *name, const char *steps, int said = 0) {
-        QTest::newRow(name) << QString(steps).split(", ") << said;
+    QTest::addColumn<int>("failures");
+    const auto row = [](const char *name, const char *steps, int failures = 0) {
+        QTest::newRow(name) << QString(steps).split(", ") << failures;
     };
     row("played all along", "play 500");
     row("nothing played", "idle 1230");
     row("played for a while", "idle 730, play 250, idle 340, play 60, idle 200");
     row("many short sounds", "play 30, idle 150, play 30, idle 160, play 30, idle 170, play 30, idle 180, play 50");
-    row("silence that is told", "play 100, silence 300, play 100");
+    row("packets flagged as silent", "play 100, silence 300, play 100");
     row("packets come late", "play 200, stall 380, play 100");
-    row("late from the first", "stall 250, play 100");
+    row("late from the start", "stall 250, play 100");
     row("pause while playing", "play 300, pause, play 400, resume, play 200");
     row("pause while idle", "play 200, idle 150, pause, idle 2000, resume, play 100");
     row("three pauses",
@@ -105,10 +105,10 @@ void tst_system_audio::soundKeepsItsTime_data()
     row("device gone, then a pause", "play 100, gone 1200, pause, gone 300, resume, gone 200, play 1500", 1);
 }
 
-void tst_system_audio::soundKeepsItsTime()
+void SystemAudioTest::soundKeepsItsTime()
 {
     QFETCH(QStringList, steps);
-    QFETCH(int, said);
+    QFETCH(int, failures);
     ScriptedAudioDevice device;
     Session session(device);
     QVERIFY(session.record->start());
@@ -122,25 +122,25 @@ void tst_system_audio::soundKeepsItsTime()
     QVector<float> expected;
     bool isPaused = false;
     bool wasGone = false;
-    qint64 now = device.seams().nowMs();
+    qint64 now = device.dependencies().nowMs();
     for (const QString &step : steps) {
-        const QString what = step.section(' ', 0, 0);
+        const QString action = step.section(' ', 0, 0);
         const int ms = step.section(' ', 1).toInt();
-        if (what == "pause") {
+        if (action == "pause") {
             isPaused = true;
             session.record->pause();
-        } else if (what == "resume") {
+        } else if (action == "resume") {
             isPaused = false;
             session.record->resume();
         } else {
-            device.setMode(modes[what]);
+            device.setMode(modes[action]);
             device.advance(ms);
-            const bool isHeard = what == "play" || what == "stall";
-            // A new device is looked for once a second.
-            const int unheard = wasGone && what == "play" ? 1000 : 0;
-            wasGone = what == "gone";
+            const bool isHeard = action == "play" || action == "stall";
+            // The capture looks for a new device once a second.
+            const int unheard = wasGone && action == "play" ? 1000 : 0;
+            wasGone = action == "gone";
             for (int i = 0; i < ms && !isPaused; ++i)
-                expected.append(!isHeard ? 0 : i < unheard ? Anything : float(now + i));
+                expected.append(!isHeard ? 0 : i < unheard ? kAnySample : float(now + i));
             now += ms;
         }
     }
@@ -149,14 +149,14 @@ void tst_system_audio::soundKeepsItsTime()
     const QVector<float> sound = session.sound();
     QCOMPARE(sound.size(), expected.size());
     for (int i = 0; i < sound.size(); ++i) {
-        if (expected[i] != Anything && sound[i] != expected[i])
+        if (expected[i] != kAnySample && sound[i] != expected[i])
             QFAIL(qPrintable(QString("at %1 ms: %2 instead of %3").arg(i).arg(sound[i]).arg(expected[i])));
     }
-    QCOMPARE(session.failures().size(), said);
+    QCOMPARE(session.failures().size(), failures);
     QVERIFY(QDir(QFileInfo(session.path()).path()).entryList(QDir::Files).size() == 1);
 }
 
-void tst_system_audio::failsAt_data()
+void SystemAudioTest::failsAt_data()
 {
     const TestTable<QString, int> row("log", "released");
     row("CoCreateInstance", "", 1);
@@ -169,9 +169,9 @@ void tst_system_audio::failsAt_data()
     row("Start", "W 启动音频客户端失败", 4);
 }
 
-/// The recording goes on, what was opened is released, and it is said once; the next stretch tries anew, and its sound
-/// keeps its time.
-void tst_system_audio::failsAt()
+/// The recording goes on, everything opened is released, and the failure is reported once. The next part tries again,
+/// and its sound keeps its time.
+void SystemAudioTest::failsAt()
 {
     QFETCH(QString, log);
     QFETCH(int, released);
@@ -190,7 +190,7 @@ void tst_system_audio::failsAt()
     device.failing.clear();
     device.setMode(ScriptedAudioDevice::Mode::Playing);
     session.record->resume();
-    const qint64 resumedAt = device.seams().nowMs();
+    const qint64 resumedAt = device.dependencies().nowMs();
     device.advance(200);
     session.record->stopRecording();
     const QVector<float> sound = session.sound();
@@ -200,7 +200,7 @@ void tst_system_audio::failsAt()
     QCOMPARE(session.failures().size(), 1);
 }
 
-void tst_system_audio::formats_data()
+void SystemAudioTest::formats_data()
 {
     const TestTable<int, int, bool, int, int, bool> row("tag", "bits", "refusesInt16", "fileTag", "fileBits",
                                                         "asksForEvents");
@@ -210,8 +210,8 @@ void tst_system_audio::formats_data()
     row("extensible floats", 65534, 32, false, 3, 32, false);
 }
 
-/// A device that delivers integers and refuses events is polled.
-void tst_system_audio::formats()
+/// A device with integer samples that refuses events is polled.
+void SystemAudioTest::formats()
 {
     QFETCH(int, tag);
     QFETCH(int, bits);
@@ -239,14 +239,14 @@ void tst_system_audio::formats()
     expected.formatTag = quint16(fileTag);
     expected.setDataSize(500 * expected.blockAlign);
     const QByteArray file = readFile(session.path());
-    QCOMPARE(file.left(WavHeader::Size), expected.toBytes());
-    QCOMPARE(file.size(), WavHeader::Size + 500 * expected.blockAlign);
+    QCOMPARE(file.left(WavHeader::kSize), expected.toBytes());
+    QCOMPARE(file.size(), WavHeader::kSize + 500 * expected.blockAlign);
     QCOMPARE(device.calls().contains("SetEventHandle"), asksForEvents);
     QCOMPARE(logged.take().filter("设置WASAPI事件句柄失败").size(), asksForEvents ? 1 : 0);
     QVERIFY(session.failures().isEmpty());
 }
 
-void tst_system_audio::waitsForEvents()
+void SystemAudioTest::waitsForEvents()
 {
     ScriptedAudioDevice device;
     device.mix.Format.wFormatTag = WAVE_FORMAT_PCM;
@@ -254,8 +254,8 @@ void tst_system_audio::waitsForEvents()
     device.acceptsEvents = true;
     Session session(device);
     QVERIFY(session.record->start());
-    // Without an event there is silence, a tenth of a second at a time.
-    QTRY_VERIFY(QFileInfo(session.partPath(0)).size() > WavHeader::Size + 3 * 400);
+    // Silence is written in steps of a tenth of a second while no event arrives.
+    QTRY_VERIFY(QFileInfo(session.partPath(0)).size() > WavHeader::kSize + 3 * 400);
     session.record->resume();
     session.record->pause();
     session.record->stopRecording();
@@ -263,7 +263,7 @@ void tst_system_audio::waitsForEvents()
     QVERIFY(device.calls().contains("Stop"));
 }
 
-void tst_system_audio::refusesWhatItIsDoing()
+void SystemAudioTest::refusesRepeatedCalls()
 {
     LogCapture logged;
     ScriptedAudioDevice device;
@@ -274,7 +274,7 @@ void tst_system_audio::refusesWhatItIsDoing()
     QVERIFY(!session.record->start());
     session.record->pause();
     QVERIFY(!session.record->isRecording());
-    QVERIFY2(session.record->start(), "a start resumes");
+    QVERIFY2(session.record->start(), "start() resumes");
     device.advance(100);
     session.record->stopRecording();
     session.record->stopRecording();
@@ -283,13 +283,13 @@ void tst_system_audio::refusesWhatItIsDoing()
     QCOMPARE(session.sound().size(), 100);
 }
 
-void tst_system_audio::fullDiskKeepsWhatWasRecorded()
+void SystemAudioTest::fullDiskKeepsRecordedSound()
 {
     ScriptedAudioDevice device;
     device.setMode(ScriptedAudioDevice::Mode::Playing);
     Session session(device);
     {
-        const FileSizeLimit limit(WavHeader::Size + 250 * sizeof(float) + 3);
+        const FileSizeLimit limit(WavHeader::kSize + 250 * sizeof(float) + 3);
         QVERIFY(session.record->start());
         device.advance(2500);
         session.record->stopRecording();
@@ -301,8 +301,8 @@ void tst_system_audio::fullDiskKeepsWhatWasRecorded()
     QCOMPARE(sound.last(), sound.first() + 249);
 }
 
-/// What a process leaves that dies while it records.
-void tst_system_audio::sizesAreRightWhileRecording()
+/// A process killed while recording leaves a playable part.
+void SystemAudioTest::headerIsCurrentWhileRecording()
 {
     ScriptedAudioDevice device;
     device.setMode(ScriptedAudioDevice::Mode::Playing);
@@ -311,7 +311,7 @@ void tst_system_audio::sizesAreRightWhileRecording()
     device.advance(3000);
     const QByteArray part = readFile(session.partPath(0));
     const WavHeader header = WavHeader::fromBytes(part.constData());
-    QVERIFY2(header.dataSize >= 1900 * sizeof(float) && header.dataSize <= quint32(part.size() - WavHeader::Size),
+    QVERIFY2(header.dataSize >= 1900 * sizeof(float) && header.dataSize <= quint32(part.size() - WavHeader::kSize),
              qPrintable(QString::number(header.dataSize)));
     session.record.reset();
     QCOMPARE(session.sound().size(), 3000);
@@ -321,5 +321,5 @@ void tst_system_audio::sizesAreRightWhileRecording()
              "Release capture; Release client; Release device; Release enumerator");
 }
 
-QTEST_GUILESS_MAIN(tst_system_audio)
+QTEST_GUILESS_MAIN(SystemAudioTest)
 #include "tst_system_audio.moc"

@@ -14,7 +14,7 @@
 #include <QImageReader>
 #include <QtTest>
 
-/// Recordings and exports under every name that people give them: each library has its own way to open a file.
+/// Records and exports under unusual names: each library opens files in its own way.
 class FileNamesTest : public QObject
 {
     Q_OBJECT
@@ -47,7 +47,7 @@ void FileNamesTest::recordsAndExports()
     config.enableKeyboard = true;
     recorder.setRecordConfig(config);
     recorder.setRecordArea(QRect(0, 0, 64, 48));
-    for (int round = 0; round < 2; ++round) { // the second sets the first aside
+    for (int round = 0; round < 2; ++round) { // the second recording moves the first to Previous-1
         script.captures = 0;
         QVERIFY2(recorder.startRecording(), qPrintable(recorder.lastError()));
         QTRY_VERIFY(script.captures > 3);
@@ -64,7 +64,7 @@ void FileNamesTest::recordsAndExports()
     for (int format = 0; format < suffixes.size(); ++format) {
         KelExportRequest request;
         request.format = format;
-        request.speed = 2; // adjusted sound is a file, too
+        request.speed = 2; // creates a file for the adjusted sound, too
         request.trackDataDir = dir;
         request.playbackManager = &playback;
         request.outputPath = dir + "/" + name.section('/', -1) + '.' + suffixes[format];
@@ -81,7 +81,7 @@ void FileNamesTest::recordsAndExports()
             QVERIFY(QFileInfo(request.outputPath).size() > 0);
     }
 
-    // All of it is where it belongs, and nothing under a name that is nearly the same.
+    // Every file is in its place, and none has a slightly different name.
     const auto entries = [](const QString &path) {
         return QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     };

@@ -17,13 +17,13 @@ KelRecordingMetadata sample()
     metadata.totalFrames = 240;
     metadata.actualRecordedFrames = 239;
     metadata.durationMs = 10000;
-    metadata.timestamp = QStringLiteral("2026-01-31T12:34:56");
+    metadata.timestamp = "2026-01-31T12:34:56";
     metadata.devicePixelRatio = 1.5;
     metadata.mouseTrack = false;
     return metadata;
 }
 
-const QByteArray SampleJson = R"({
+const QByteArray kSampleJson = R"({
     "actualRecordedFrames": 239,
     "devicePixelRatio": 1.5,
     "duration": 10000,
@@ -59,10 +59,10 @@ private slots:
     void readsHostileValues_data();
     void readsHostileValues();
     void missingMembersBecomeDefaults();
-    void refusesWhatIsNoMetadata_data();
-    void refusesWhatIsNoMetadata();
+    void rejectsInvalidFiles_data();
+    void rejectsInvalidFiles();
     void failedSaveKeepsTheOldFile();
-    void savesThroughNoLink();
+    void saveFollowsNoLink();
 };
 
 void RecordingMetadataTest::writesTheFormat()
@@ -72,8 +72,8 @@ void RecordingMetadataTest::writesTheFormat()
     for (const bool isComplete : {false, true}) {
         KelRecordingMetadata metadata = sample();
         metadata.complete = isComplete;
-        QByteArray expected = SampleJson;
-        if (!isComplete) // what says that it is provisional
+        QByteArray expected = kSampleJson;
+        if (!isComplete)
             expected.replace("    \"devicePixelRatio\"", "    \"complete\": false,\n    \"devicePixelRatio\"");
         QString error;
         QVERIFY2(metadata.save(dir.path(), &error), qPrintable(error));
@@ -102,7 +102,7 @@ void RecordingMetadataTest::readsHostileValues_data()
         25, 0, 1);
     row("fps 0", R"({"duration": 0, "fps": 0})", none, 25, 0, 1);
     row("fps negative", R"({"duration": 0, "fps": -30})", none, 25, 0, 1);
-    row("fps absurd", R"({"duration": 0, "fps": 100000})", none, 25, 0, 1);
+    row("fps too high", R"({"duration": 0, "fps": 100000})", none, 25, 0, 1);
     row("fps out of range", R"({"duration": 0, "fps": 1e20})", none, 25, 0, 1);
     row("fps highest", R"({"duration": 0, "fps": 1000})", none, 1000, 0, 1);
     row("ratio 0", R"({"duration": 0, "devicePixelRatio": 0})", none, 25, 0, 1);
@@ -141,17 +141,17 @@ void RecordingMetadataTest::missingMembersBecomeDefaults()
     QCOMPARE(metadata.toJson(), expected.toJson());
 }
 
-void RecordingMetadataTest::refusesWhatIsNoMetadata_data()
+void RecordingMetadataTest::rejectsInvalidFiles_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("empty") << QByteArray();
-    QTest::newRow("truncated") << SampleJson.left(100);
+    QTest::newRow("truncated") << kSampleJson.left(100);
     QTest::newRow("array") << QByteArray("[1, 2]");
     QTest::newRow("deep") << QByteArray(100000, '[');
     QTest::newRow("endless") << QByteArray("{\"version\": \"") + QByteArray(2 << 20, 'x') + "\"}";
 }
 
-void RecordingMetadataTest::refusesWhatIsNoMetadata()
+void RecordingMetadataTest::rejectsInvalidFiles()
 {
     QFETCH(QByteArray, bytes);
     const QTemporaryDir dir;
@@ -163,33 +163,33 @@ void RecordingMetadataTest::refusesWhatIsNoMetadata()
     writeFile(dir.filePath("TrackManager.meta"), bytes);
     QVERIFY(!KelRecordingMetadata::load(dir.path(), &metadata));
     QCOMPARE(log.take(), QStringList{"W Invalid manager metadata format"});
-    QCOMPARE(metadata.toJson(), SampleJson);
+    QCOMPARE(metadata.toJson(), kSampleJson);
 }
 
 void RecordingMetadataTest::failedSaveKeepsTheOldFile()
 {
     const QTemporaryDir dir;
     QVERIFY(sample().save(dir.path()));
-    // A directory that cannot be removed stands where the new file would be written.
+    // A directory that is not empty takes the place of the temporary file.
     QVERIFY(QDir(dir.path()).mkpath("TrackManager.meta.tmp/occupied"));
     QString error;
     QVERIFY(!KelRecordingMetadata().save(dir.path(), &error));
     QVERIFY(!error.isEmpty());
-    QCOMPARE(readFile(dir.filePath("TrackManager.meta")), SampleJson);
+    QCOMPARE(readFile(dir.filePath("TrackManager.meta")), kSampleJson);
 
     error.clear();
     QVERIFY(!sample().save(dir.filePath("missing"), &error));
     QVERIFY(!error.isEmpty());
 }
 
-void RecordingMetadataTest::savesThroughNoLink()
+void RecordingMetadataTest::saveFollowsNoLink()
 {
     const QTemporaryDir dir;
     writeFile(dir.filePath("bystander"), "untouched");
     QVERIFY(QFile::link(dir.filePath("bystander"), dir.filePath("TrackManager.meta.tmp")));
     QVERIFY(sample().save(dir.path()));
     QCOMPARE(readFile(dir.filePath("bystander")), QByteArray("untouched"));
-    QCOMPARE(readFile(dir.filePath("TrackManager.meta")), SampleJson);
+    QCOMPARE(readFile(dir.filePath("TrackManager.meta")), kSampleJson);
 }
 
 QTEST_GUILESS_MAIN(RecordingMetadataTest)

@@ -15,21 +15,21 @@
 
 namespace
 {
-constexpr QRect Area(40, 30, 320, 240);
-constexpr int Fps = 25;
-constexpr int WaitMs = 60000;
+constexpr QRect kArea(40, 30, 320, 240);
+constexpr int kFps = 25;
+constexpr int kWaitMs = 60000;
 
 void configure(KelMultiTrackRecorder &recorder, const QString &dir)
 {
     KelMultiTrackRecorder::RecordConfig config;
     config.outputDir = dir;
-    config.fps = Fps;
+    config.fps = kFps;
     config.enableMouse = false;
     recorder.setRecordConfig(config);
-    recorder.setRecordArea(Area);
+    recorder.setRecordArea(kArea);
 }
 
-/// Records until it is killed.
+/// Records until the process is killed.
 int recordForever(int argc, char **argv, const QString &dir)
 {
     QGuiApplication app(argc, argv);
@@ -38,7 +38,7 @@ int recordForever(int argc, char **argv, const QString &dir)
     return recorder.startRecording() ? QGuiApplication::exec() : 1;
 }
 
-/// Ticks that the directory's metadata knows of; -1 before there is any.
+/// Logic frames according to the metadata on disk; -1 before there is any.
 int framesOnDisk(const QString &dir)
 {
     KelRecordingMetadata metadata;
@@ -50,7 +50,7 @@ int framesOnDisk(const QString &dir)
 QColor colorAt(KelPlaybackTrackManager &playback, int frame)
 {
     playback.seek(frame);
-    QImage picture(Area.size(), QImage::Format_ARGB32_Premultiplied);
+    QImage picture(kArea.size(), QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&picture);
     playback.paint(&painter);
     painter.end();
@@ -64,14 +64,14 @@ bool isClose(const QColor &a, const QColor &b)
 
 QImage noise()
 {
-    QImage image(Area.size(), QImage::Format_ARGB32_Premultiplied);
+    QImage image(kArea.size(), QImage::Format_ARGB32_Premultiplied);
     QRandomGenerator::global()->fillRange(reinterpret_cast<quint32 *>(image.bits()),
                                           image.sizeInBytes() / int(sizeof(quint32)));
     return image;
 }
 } // namespace
 
-/// Whole recordings of a real screen that end in other ways than by a stop in peace.
+/// Recordings of a real screen that end abnormally.
 class RecordingSurvivesTest : public QObject
 {
     Q_OBJECT
@@ -104,19 +104,19 @@ void RecordingSurvivesTest::killedProcess_data()
 void RecordingSurvivesTest::killedProcess()
 {
     QFETCH(bool, screenChanges);
-    PaintedWindow window(Area, qRgb(200, 0, 0));
+    PaintedWindow window(kArea, qRgb(200, 0, 0));
 
     QProcess recorder;
     recorder.setProcessChannelMode(QProcess::ForwardedChannels);
     recorder.start(QCoreApplication::applicationFilePath(), {"--record", outputDir()});
-    QTRY_VERIFY_WITH_TIMEOUT(framesOnDisk(outputDir()) >= Fps, WaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(framesOnDisk(outputDir()) >= kFps, kWaitMs);
     if (screenChanges)
         window.paint(qRgb(0, 0, 200));
     const int framesBefore = framesOnDisk(outputDir());
-    // Two checkpoints on, whatever was painted has been through the encoder.
-    QTRY_VERIFY_WITH_TIMEOUT(framesOnDisk(outputDir()) >= framesBefore + 2 * Fps, WaitMs);
+    // Two checkpoints later, everything painted has been encoded.
+    QTRY_VERIFY_WITH_TIMEOUT(framesOnDisk(outputDir()) >= framesBefore + 2 * kFps, kWaitMs);
     recorder.kill();
-    QVERIFY(recorder.waitForFinished(WaitMs));
+    QVERIFY(recorder.waitForFinished(kWaitMs));
 
     KelRecordingMetadata metadata;
     QVERIFY(KelRecordingMetadata::load(outputDir(), &metadata));
@@ -124,8 +124,8 @@ void RecordingSurvivesTest::killedProcess()
     QVERIFY(metadata.durationMs >= 2000);
     KelPlaybackTrackManager playback(outputDir(), false);
     QVERIFY2(playback.isValidRecording(), qPrintable(playback.errorString()));
-    // Metadata and index are written at the same tick; the kill may have come between the two.
-    QVERIFY(qAbs(playback.totalFrames() - metadata.actualRecordedFrames) <= 2 * Fps);
+    // Metadata and index are written at the same tick, but the kill may have come between the two.
+    QVERIFY(qAbs(playback.totalFrames() - metadata.actualRecordedFrames) <= 2 * kFps);
     QVERIFY(isClose(colorAt(playback, 0), qRgb(200, 0, 0)));
     const QRgb last = screenChanges ? qRgb(0, 0, 200) : qRgb(200, 0, 0);
     QVERIFY(isClose(colorAt(playback, playback.totalFrames() - 1), last));
@@ -133,7 +133,7 @@ void RecordingSurvivesTest::killedProcess()
 
 void RecordingSurvivesTest::fullDisk()
 {
-    PaintedWindow window(Area, qRgb(0, 200, 0));
+    PaintedWindow window(kArea, qRgb(0, 200, 0));
     KelMultiTrackRecorder recorder;
     QStringList errors;
     connect(&recorder, &KelMultiTrackRecorder::recordingError, this, [&](const QString &error) { errors << error; });
@@ -141,12 +141,12 @@ void RecordingSurvivesTest::fullDisk()
     {
         const FileSizeLimit limit(1 << 20);
         QVERIFY(recorder.startRecording());
-        // Until a screen is opened, which takes a second with wine, frames are counted that wait for its first picture.
-        QTRY_VERIFY_WITH_TIMEOUT(framesOnDisk(outputDir()) > 2 * Fps, WaitMs);
-        QTRY_VERIFY_WITH_TIMEOUT((window.paint(noise()), !errors.isEmpty()), WaitMs);
+        // Opening the screen takes a second with wine; frames are counted before its first image arrives.
+        QTRY_VERIFY_WITH_TIMEOUT(framesOnDisk(outputDir()) > 2 * kFps, kWaitMs);
+        QTRY_VERIFY_WITH_TIMEOUT((window.paint(noise()), !errors.isEmpty()), kWaitMs);
         QVERIFY(recorder.isRecording());
         const int framesAtFailure = framesOnDisk(outputDir());
-        QTRY_VERIFY_WITH_TIMEOUT(framesOnDisk(outputDir()) > framesAtFailure, WaitMs); // the rest goes on
+        QTRY_VERIFY_WITH_TIMEOUT(framesOnDisk(outputDir()) > framesAtFailure, kWaitMs); // the other tracks go on
         recorder.stopRecording();
     }
     QCOMPARE(errors.size(), 1);

@@ -1,5 +1,6 @@
 #include "kelmovie/support/SoundFile.h"
 #include "recording/wav/InterruptedSoundRepair.h"
+#include "recording/wav/WavChunks.h"
 #include "recording/wav/WavPartMerger.h"
 #include "support/FileSizeLimit.h"
 #include "support/LogCapture.h"
@@ -12,7 +13,7 @@ using namespace kel;
 
 namespace
 {
-/// Stereo, 16 bits. `sizes` is what the header says of `sound`: 0 as one that was never completed.
+/// Stereo, 16 bits. `sizes`: the size that the header states, 0 for a file that was never completed.
 QByteArray wav(const QByteArray &sound, quint32 rate = 44100, qint64 sizes = 0)
 {
     WavHeader header = WavHeader::pcm(rate, 2, 16);
@@ -20,7 +21,7 @@ QByteArray wav(const QByteArray &sound, quint32 rate = 44100, qint64 sizes = 0)
     return header.toBytes() + sound;
 }
 
-/// With an extensible format of 16-bit integers, and chunks around the format, one of them of odd size.
+/// With an extensible format of 16-bit integers, between other chunks, one of them of odd size.
 QByteArray longWav(const QByteArray &sound)
 {
     const QByteArray fmt = WavHeader::pcm(44100, 2, 16).toBytes().mid(20, 16).replace(0, 2, QByteArray("\xfe\xff", 2)) +
@@ -30,6 +31,13 @@ QByteArray longWav(const QByteArray &sound)
            QByteArray("abc\0", 4) + "fmt " + SoundFile::littleEndian<quint32>({40}) + fmt + "LIST" +
            SoundFile::littleEndian<quint32>({4}) + "info" + "data" + SoundFile::littleEndian<quint32>({0x7fff0000}) +
            sound;
+}
+
+/// With more empty chunks in front of the format than are read.
+QByteArray hostileWav(const QByteArray &sound)
+{
+    const QByteArray good = wav(sound);
+    return good.left(12) + QByteArray("junk\0\0\0\0", 8).repeated(WavChunks::kMaxChunks) + good.mid(12);
 }
 
 const QByteArray A(4000, 'a'), B((1 << 20) + 4004, 'b'), C(800, 'c');
@@ -44,16 +52,16 @@ private slots:
     void sizesAreClamped();
     void join_data();
     void join();
-    void fullDiskLosesNothing();
-    void microphoneKeepsItsTime();
-    void joinsWhatADeadProcessLeft_data();
-    void joinsWhatADeadProcessLeft();
+    void fullDiskLosesNoSound();
+    void microphoneSoundKeepsItsTime();
+    void repairsInterruptedSound_data();
+    void repairsInterruptedSound();
 };
 
 void WavPartsTest::headerBytes()
 {
     WavHeader header = WavHeader::pcm(48000, 2, 16);
-    header.formatTag = WavHeader::IeeeFloat;
+    header.formatTag = WavHeader::kIeeeFloat;
     header.setDataSize(0x01020304);
     const QByteArray bytes = header.toBytes();
     QCOMPARE(bytes, QByteArray::fromHex("52494646 28030201 57415645 666d7420 10000000 0300 0200 80bb0000 00ee0200 0400 "
@@ -75,7 +83,7 @@ void WavPartsTest::sizesAreClamped()
 
 void WavPartsTest::join_data()
 {
-    // Where a part is empty there is no such file. The log is that of the system audio, see join().
+    // An empty part stands for a missing file. The log is that of system audio, see join().
     const TestTable<QList<QByteArray>, QByteArray, QStringList, QList<int>> row("parts", "output", "log", "kept");
     const QByteArray nothing("(no file)");
     const QString unopened("无法打开分段文件:"), tooShort("分段文件数据不足:"), remains("目录下仍有残留分段文件:"),
@@ -83,19 +91,21 @@ void WavPartsTest::join_data()
     const auto whole = [](const QByteArray &sound) { return wav(sound, 44100, sound.size()); };
 
     row("none", {}, nothing, {"没有分段文件需要合并"}, {});
-    row("one is renamed as it is", {wav(A, 44100, 17)}, wav(A, 44100, 17), {}, {});
-    row("one that is missing", {""}, nothing, {"重命名分段文件失败:", noResult}, {});
+    row("one is renamed unchanged", {wav(A, 44100, 17)}, wav(A, 44100, 17), {}, {});
+    row("a missing one", {""}, nothing, {"重命名分段文件失败:", noResult}, {});
     row("several", {wav(A), wav(B, 44100, 5), wav(C)}, whole(A + B + C), {}, {});
     row("without sound", {wav(""), wav("")}, whole(""), {noResult}, {});
     row("another format", {wav(A), wav(C, 48000)}, whole(A + C), {"WAV分段格式不匹配，播放可能失败!"}, {});
-    row("missing and short ones", {wav(A), "", "RIFFshort", wav(C)}, whole(A + C), {unopened, tooShort, remains}, {2});
+    row("missing and short parts", {wav(A), "", "RIFFshort", wav(C)}, whole(A + C), {unopened, tooShort, remains}, {2});
     row("the first is missing", {"", wav(B), wav(C)}, whole(B + C), {unopened}, {});
     row("the first is short", {"RIFF", wav(B), wav(C)}, whole(B + C), {tooShort, remains}, {0});
     row("bare samples after the first", {wav(A), B, C}, whole(A + B + C), {}, {});
     row("bare samples first", {A, wav(C)}, whole(A + C), {}, {});
     row("bare samples only", {A, B}, nothing, {noHeader, noHeader, noResult, remains}, {0, 1});
     row("longer headers", {longWav(A), wav(B), longWav(C)}, whole(A + B + C), {}, {});
-    row("a frame torn apart", {wav(A + "xyz"), wav(C)}, whole(A + C), {}, {});
+    row("more chunks than are read", {wav(A), hostileWav(C)}, whole(A + hostileWav(C).mid(WavHeader::kSize)),
+        {"WAV分段格式不匹配，播放可能失败!"}, {});
+    row("an incomplete frame", {wav(A + "xyz"), wav(C)}, whole(A + C), {}, {});
 }
 
 void WavPartsTest::join()
@@ -145,8 +155,8 @@ void WavPartsTest::join()
     }
 }
 
-/// Every sound is in the output, which can be played, or in a part that is still there.
-void WavPartsTest::fullDiskLosesNothing()
+/// All sound is in the output, which is playable, or in a part that still exists.
+void WavPartsTest::fullDiskLosesNoSound()
 {
     const QTemporaryDir directory;
     const QStringList paths{directory.filePath("s_part0.wav"), directory.filePath("s_part1.wav"),
@@ -156,7 +166,7 @@ void WavPartsTest::fullDiskLosesNothing()
     writeFile(paths[2], wav(C));
     QString problem;
     {
-        const FileSizeLimit limit(WavHeader::Size + A.size() + B.size() / 2);
+        const FileSizeLimit limit(WavHeader::kSize + A.size() + B.size() / 2);
         problem = mergePartFiles(paths, directory.filePath("s.wav"));
     }
     QVERIFY2(problem.contains("s_part1.wav"), qPrintable(problem));
@@ -166,16 +176,16 @@ void WavPartsTest::fullDiskLosesNothing()
     QVERIFY(readFile(paths[2]) == wav(C));
 }
 
-/// 1000 frames of 4 bytes a second: a millisecond each.
-void WavPartsTest::microphoneKeepsItsTime()
+/// 1000 frames of 4 bytes a second: one per millisecond.
+void WavPartsTest::microphoneSoundKeepsItsTime()
 {
     const QTemporaryDir directory;
     QStringList paths;
     for (int i = 0; i < 4; ++i)
         paths << directory.filePath(QString("m_part%1.wav").arg(i));
-    writeFile(paths[0], wav(QByteArray(400 * 4, 'a'), 1000)); // began late, and ended 10 ms after its end
-    writeFile(paths[1], wav(QByteArray(90 * 4, 'b'), 1000));  // fell silent
-    writeFile(paths[3], wav(QByteArray(50 * 4, 'd'), 1000));  // after one that was never written
+    writeFile(paths[0], wav(QByteArray(400 * 4, 'a'), 1000)); // started late, and was recorded 10 ms too long
+    writeFile(paths[1], wav(QByteArray(90 * 4, 'b'), 1000));  // delivered too little
+    writeFile(paths[3], wav(QByteArray(50 * 4, 'd'), 1000));  // follows a part that was never written
     QCOMPARE(mergeMicrophoneParts(paths, directory.filePath("m.wav"),
                                   {{500, 110, 10}, {200, 20, 0}, {30, 0, 0}, {50, 0, 0}}),
              QString());
@@ -189,25 +199,26 @@ void WavPartsTest::microphoneKeepsItsTime()
     QVERIFY(readFile(directory.filePath("late.wav")) == wav(frames(100, 0) + frames(400, 'a'), 1000, 500 * 4));
 }
 
-void WavPartsTest::joinsWhatADeadProcessLeft_data()
+void WavPartsTest::repairsInterruptedSound_data()
 {
     const TestTable<int, QStringList> row("ageSeconds", "files");
-    row("dead", 3600, {"microphone_2.wav", "system_audio_1.wav", "system_audio_9.wav", "system_audio_9_part0.wav"});
-    row("under way", 0,
+    row("interrupted", 3600,
+        {"microphone_2.wav", "system_audio_1.wav", "system_audio_9.wav", "system_audio_9_part0.wav"});
+    row("still running", 0,
         {"microphone_2_part0.wav", "system_audio_1_part0.wav", "system_audio_1_part10.wav", "system_audio_1_part2.wav",
          "system_audio_9.wav", "system_audio_9_part0.wav"});
 }
 
-void WavPartsTest::joinsWhatADeadProcessLeft()
+void WavPartsTest::repairsInterruptedSound()
 {
     QFETCH(int, ageSeconds);
     QFETCH(QStringList, files);
     const QTemporaryDir directory;
-    const QList<QPair<QString, QByteArray>> left{
+    const QList<QPair<QString, QByteArray>> found{
         {"system_audio_1_part0.wav", wav(A)},  {"system_audio_1_part2.wav", wav(B)},
         {"system_audio_1_part10.wav", wav(C)}, {"microphone_2_part0.wav", wav(A)},
         {"system_audio_9.wav", wav(A)},        {"system_audio_9_part0.wav", wav(C)}};
-    for (const auto &[name, bytes] : left) {
+    for (const auto &[name, bytes] : found) {
         writeFile(directory.filePath(name), bytes);
         QFile file(directory.filePath(name));
         QVERIFY(file.open(QIODevice::ReadWrite));

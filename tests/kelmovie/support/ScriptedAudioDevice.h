@@ -12,10 +12,10 @@
 #include <mutex>
 #include <vector>
 
-/// An output with its enumerator and clients, a clock that a test moves, and the seams that put them in place.
+/// A device with its enumerator and clients, and a clock that the test advances.
 ///
-/// The device makes a packet of every 10 ms that the clock moves on. With 1000 mono float samples a second, the value
-/// of a sample is the clock's time in ms at which it was "played".
+/// The device makes a packet for every 10 ms of the clock. With 1000 mono float samples a second, the value of a sample
+/// is the clock's time in ms at which it was "played".
 class ScriptedAudioDevice
 {
 public:
@@ -23,10 +23,10 @@ public:
     static constexpr int Rate = 1000;
 
     enum class Mode {
-        Idle,     ///< nothing is played: no packets
-        Playing,  ///< a packet each 10 ms
-        Silenced, ///< the same, but the packets carry the flag that says silence
-        Stalled,  ///< packets are made, but come only when this mode ends
+        Idle,     ///< nothing is played, so there are no packets
+        Playing,  ///< a packet every 10 ms
+        Silenced, ///< the same, but the packets are flagged as silent
+        Stalled,  ///< packets are made, but delivered only when this mode ends
         Gone      ///< unplugged: every call fails
     };
 
@@ -48,19 +48,19 @@ public:
     bool refusesInt16 = false;  ///< does not convert floats
     bool acceptsEvents = false; ///< and never sets the event
 
-    kel::CaptureDependencies seams()
+    kel::CaptureDependencies dependencies()
     {
-        kel::CaptureDependencies seams;
-        seams.createEnumerator = [this](IMMDeviceEnumerator **enumerator) {
+        kel::CaptureDependencies dependencies;
+        dependencies.createEnumerator = [this](IMMDeviceEnumerator **enumerator) {
             *enumerator = &m_enumerator;
-            return answer(QStringLiteral("CoCreateInstance"));
+            return answer("CoCreateInstance");
         };
-        seams.nowMs = [this] {
+        dependencies.nowMs = [this] {
             const std::lock_guard lock(m_mutex);
             return m_nowMs;
         };
-        seams.rest = [this] { rest(); };
-        return seams;
+        dependencies.rest = [this] { rest(); };
+        return dependencies;
     }
 
     void setMode(Mode mode)
@@ -69,7 +69,7 @@ public:
         m_mode = mode;
     }
 
-    /// Moves the clock on and waits until the capture has taken what came. Without a capture it just moves on.
+    /// Advances the clock and waits until the capture has taken all packets; without a capture, only advances it.
     void advance(qint64 ms, bool isCaptured = true)
     {
         std::unique_lock lock(m_mutex);
@@ -80,10 +80,10 @@ public:
             m_nowMs = m_grantedMs;
         else if (!m_changed.wait_for(lock, std::chrono::seconds(20),
                                      [this] { return m_nowMs == m_grantedMs && m_isResting; }))
-            m_calls << QStringLiteral("(not captured)");
+            m_calls << "(not captured)";
     }
 
-    /// What was called, but for the packets.
+    /// The calls so far, except those for packets.
     QStringList calls() const
     {
         const std::lock_guard lock(m_mutex);
@@ -97,9 +97,7 @@ private:
     {
         const Lock lock(m_mutex);
         m_calls << call;
-        return m_mode == Mode::Gone || call.startsWith(QStringLiteral("(")) || (!failing.isEmpty() && call == failing)
-                   ? E_FAIL
-                   : S_OK;
+        return m_mode == Mode::Gone || call.startsWith("(") || (!failing.isEmpty() && call == failing) ? E_FAIL : S_OK;
     }
 
     void rest()
@@ -108,7 +106,7 @@ private:
         if (m_nowMs == m_grantedMs) {
             m_isResting = true;
             m_changed.notify_all();
-            // The capture may have been told to stop meanwhile.
+            // The capture may have been asked to stop meanwhile.
             m_changed.wait_for(lock, std::chrono::milliseconds(5), [this] { return m_nowMs < m_grantedMs; });
             return;
         }
@@ -140,7 +138,7 @@ private:
         ULONG STDMETHODCALLTYPE Release() override
         {
             const Lock lock(device.m_mutex);
-            device.m_calls << QStringLiteral("Release %1").arg(QLatin1String(name));
+            device.m_calls << QString("Release %1").arg(QLatin1String(name));
             return 0;
         }
         ScriptedAudioDevice &device;
@@ -152,7 +150,7 @@ private:
         HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow flow, ERole role, IMMDevice **endpoint) override
         {
             *endpoint = &device.m_device;
-            return device.answer(QStringLiteral("GetDefaultAudioEndpoint %1 %2").arg(flow).arg(role));
+            return device.answer(QString("GetDefaultAudioEndpoint %1 %2").arg(flow).arg(role));
         }
         HRESULT STDMETHODCALLTYPE EnumAudioEndpoints(EDataFlow, DWORD, IMMDeviceCollection **) override
         {
@@ -174,7 +172,7 @@ private:
         HRESULT STDMETHODCALLTYPE Activate(REFIID interfaceId, DWORD, PROPVARIANT *, void **object) override
         {
             *object = static_cast<IAudioClient *>(&device.m_client);
-            return interfaceId == IID_IAudioClient ? device.answer(QStringLiteral("Activate")) : E_NOINTERFACE;
+            return interfaceId == IID_IAudioClient ? device.answer("Activate") : E_NOINTERFACE;
         }
         HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD, IPropertyStore **) override { return E_NOTIMPL; }
         HRESULT STDMETHODCALLTYPE GetId(LPWSTR *) override { return E_NOTIMPL; }
@@ -186,7 +184,7 @@ private:
         HRESULT STDMETHODCALLTYPE Initialize(AUDCLNT_SHAREMODE mode, DWORD flags, REFERENCE_TIME duration,
                                              REFERENCE_TIME periodicity, const WAVEFORMATEX *format, LPCGUID) override
         {
-            const HRESULT result = device.answer(QStringLiteral("Initialize %1 %2 %3 %4, tag %5, %6 bits")
+            const HRESULT result = device.answer(QString("Initialize %1 %2 %3 %4, tag %5, %6 bits")
                                                      .arg(mode)
                                                      .arg(flags, 0, 16)
                                                      .arg(duration)
@@ -195,29 +193,26 @@ private:
                                                      .arg(format->wBitsPerSample));
             return device.refusesInt16 && format->wBitsPerSample == 16 ? AUDCLNT_E_UNSUPPORTED_FORMAT : result;
         }
-        HRESULT STDMETHODCALLTYPE GetBufferSize(UINT32 *) override
-        {
-            return device.answer(QStringLiteral("GetBufferSize"));
-        }
+        HRESULT STDMETHODCALLTYPE GetBufferSize(UINT32 *) override { return device.answer("GetBufferSize"); }
         HRESULT STDMETHODCALLTYPE GetMixFormat(WAVEFORMATEX **format) override
         {
             *format = static_cast<WAVEFORMATEX *>(CoTaskMemAlloc(sizeof device.mix));
             std::memcpy(*format, &device.mix, sizeof device.mix);
-            return device.answer(QStringLiteral("GetMixFormat"));
+            return device.answer("GetMixFormat");
         }
-        HRESULT STDMETHODCALLTYPE Start() override { return device.answer(QStringLiteral("Start")); }
-        HRESULT STDMETHODCALLTYPE Stop() override { return device.answer(QStringLiteral("Stop")); }
+        HRESULT STDMETHODCALLTYPE Start() override { return device.answer("Start"); }
+        HRESULT STDMETHODCALLTYPE Stop() override { return device.answer("Stop"); }
         HRESULT STDMETHODCALLTYPE GetService(REFIID, void **object) override
         {
             *object = static_cast<IAudioCaptureClient *>(&device.m_capture);
-            const HRESULT result = device.answer(QStringLiteral("GetService"));
+            const HRESULT result = device.answer("GetService");
             if (FAILED(result))
                 *object = nullptr;
             return result;
         }
         HRESULT STDMETHODCALLTYPE SetEventHandle(HANDLE) override
         {
-            device.answer(QStringLiteral("SetEventHandle"));
+            device.answer("SetEventHandle");
             return device.acceptsEvents ? S_OK : E_FAIL;
         }
         HRESULT STDMETHODCALLTYPE GetStreamLatency(REFERENCE_TIME *) override { return E_NOTIMPL; }

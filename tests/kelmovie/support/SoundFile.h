@@ -45,15 +45,15 @@ inline qint32 numberAt(const QByteArray &samples, int offset)
 inline QVector<float> exactSamples(const QString &path, kel::WavHeader *header)
 {
     const QByteArray bytes = readFile(path);
-    if (bytes.size() < kel::WavHeader::Size || !kel::WavHeader::isRiffWave(bytes.constData()))
+    if (bytes.size() < kel::WavHeader::kSize || !kel::WavHeader::isRiffWave(bytes.constData()))
         return {};
     *header = kel::WavHeader::fromBytes(bytes.constData());
-    if (header->dataSize != quint32(bytes.size() - kel::WavHeader::Size) || header->riffSize != header->dataSize + 36)
+    if (header->dataSize != quint32(bytes.size() - kel::WavHeader::kSize) || header->riffSize != header->dataSize + 36)
         return {};
     QVector<float> samples;
-    for (const char *at = bytes.cbegin() + kel::WavHeader::Size; at < bytes.cend(); at += header->blockAlign)
-        samples << (header->formatTag == kel::WavHeader::IeeeFloat ? qFromLittleEndian<float>(at)
-                                                                   : float(qFromLittleEndian<qint16>(at)) / 32768);
+    for (const char *at = bytes.cbegin() + kel::WavHeader::kSize; at < bytes.cend(); at += header->blockAlign)
+        samples << (header->formatTag == kel::WavHeader::kIeeeFloat ? qFromLittleEndian<float>(at)
+                                                                    : float(qFromLittleEndian<qint16>(at)) / 32768);
     return samples;
 }
 

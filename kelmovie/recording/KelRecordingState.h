@@ -1,0 +1,26 @@
+#pragma once
+
+#include <KelMovie/KelMovieGlobal.h>
+
+#include <QDateTime>
+#include <QString>
+
+/// The progress of a recording, judged by its files. Every call reads the disk. Any thread.
+class KELMOVIE_EXPORT KelRecordingState
+{
+public:
+    enum class State {
+        Complete,   ///< recorded to the end
+        InProgress, ///< incomplete, and written to within the last seconds
+        Interrupted ///< incomplete, and not written to for some seconds: its process died, or the recording is paused
+    };
+
+    /// Whether the directory `dir` holds a recording, complete or not.
+    static bool holdsRecording(const QString &dir);
+
+    /// When the recording in `dir` was last written to; invalid when there is none.
+    static QDateTime lastWritten(const QString &dir);
+
+    /// The state of the recording in `dir`, which has to hold one.
+    static State stateOf(const QString &dir);
+};

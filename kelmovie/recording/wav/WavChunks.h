@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QByteArray>
+#include <QtGlobal>
+
+class QIODevice;
+
+namespace kel
+{
+
+/// Walks the chunks of a WAV file, one after the other. Stops after a fixed number of chunks, because a hostile file
+/// can hold millions of empty ones.
+///
+///     WavChunks chunks(file, WavChunks::Padding::None);
+///     while (chunks.next()) {
+///         if (chunks.isFormat())
+///             ...
+class WavChunks
+{
+public:
+    static constexpr int kMaxChunks = 10'000;
+
+    /// Whether a chunk of odd size is followed by a padding byte: RIFF demands it, but not every writer adds one.
+    enum class Padding { None, ToEvenSize };
+
+    /// The first chunk is the one behind the RIFF header. `file` outlives this object.
+    WavChunks(QIODevice &file, Padding padding);
+
+    /// Moves to the next chunk and the file to its content. False after the last chunk and after kMaxChunks.
+    bool next();
+
+    bool isFormat() const { return m_header.startsWith("fmt "); }
+    bool isData() const { return m_header.startsWith("data"); }
+
+    /// Where the content begins in the file.
+    qint64 offset() const { return m_offset; }
+
+    /// Bytes of content as stated, which may be more than the file holds.
+    quint32 size() const;
+
+private:
+    QIODevice &m_file;
+    const Padding m_padding;
+    QByteArray m_header;
+    qint64 m_offset = 0;
+    qint64 m_next;
+    int m_count = 0;
+};
+
+} // namespace kel

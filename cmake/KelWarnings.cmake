@@ -1,7 +1,7 @@
 # One set of warnings for every target of the tree.
 option(KELMOVIE_WERROR "Treat compiler warnings as errors" OFF)
 if(MSVC)
-  # The compiler reads sources in the system's code page and keeps an old __cplusplus unless told otherwise.
+  # The compiler reads sources in the system's code page and keeps an old __cplusplus by default.
   add_compile_options(/W4 /utf-8 /permissive- /Zc:__cplusplus)
   if(KELMOVIE_WERROR)
     add_compile_options(/WX)

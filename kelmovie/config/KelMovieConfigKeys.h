@@ -7,6 +7,8 @@
 namespace KelMovieConfigKeys
 {
 
+/// The key of the field of the same name.
+/// @{
 const QLatin1String kPlaybackProgressEnable{"KelMovie.playback.progress.enable"};
 const QLatin1String kPlaybackProgressDisplayMode{"KelMovie.playback.progress.displayMode"};
 const QLatin1String kPlaybackProgressFgColor{"KelMovie.playback.progress.fgColor"};
@@ -49,5 +51,6 @@ const QLatin1String kRecordEnableHardwareAcceleration{"KelMovie.record.enableHar
 const QLatin1String kPlaybackEncodeFormat{"KelMovie.playback.encodeFormat"};
 const QLatin1String kEncodeGifPlayLoop{"KelMovie.encode.gif.playLoop"};
 const QLatin1String kEncodeExitRecordAfterEncode{"KelMovie.encode.exitRecordAfterEncode"};
+/// @}
 
 } // namespace KelMovieConfigKeys

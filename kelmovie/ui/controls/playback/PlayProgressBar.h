@@ -16,7 +16,9 @@
 class KELMOVIE_EXPORT PlayProgressBar : public QWidget
 {
     Q_OBJECT
+    /// The height of the bar in logical pixels.
     Q_PROPERTY(int barHeight READ barHeight WRITE setBarHeight)
+    /// The accent color.
     Q_PROPERTY(QColor playedColor READ playedColor WRITE setPlayedColor)
 
 public:
@@ -33,16 +35,16 @@ public:
 
     /// In logical pixels, initially 20. The widget is 1.5 times as high, rounded up.
     void setBarHeight(int height);
-    int barHeight() const;
+    int barHeight() const; ///< The height of the bar
     /// The accent color, initially Qt::red: of the knob, the handles and, lightened, the played part.
     void setPlayedColor(const QColor &color);
-    QColor playedColor() const;
+    QColor playedColor() const; ///< The accent color
 
     /// Whether the user is dragging the position or a handle.
     bool isDragging() const;
-    int playTimeMs() const;
-    int rangeStartMs() const;
-    int rangeEndMs() const;
+    int playTimeMs() const;   ///< The position
+    int rangeStartMs() const; ///< The start of the range
+    int rangeEndMs() const;   ///< The end of the range
 
     /// Moves the position like a click there, signals included, but within the range.
     void seekTo(int ms);
@@ -52,12 +54,12 @@ public:
 signals:
     /// The user starts, continues and ends moving the position.
     void sigPlayTimePress();
-    void sigPlayTimeChanged(int playTimeMs);
-    void sigPlayTimeRelease();
+    void sigPlayTimeChanged(int playTimeMs); ///< The position moved
+    void sigPlayTimeRelease();               ///< The user released the position
     /// The user starts, continues and ends moving an end of the range. `type` is 0 for the start, 1 for the end.
     void sigRangeAdjustStart(int type);
-    void sigPlayRangeChanged(int start, int end, int type);
-    void sigRangeAdjustEnd(int type);
+    void sigPlayRangeChanged(int start, int end, int type); ///< The range changed
+    void sigRangeAdjustEnd(int type);                       ///< The user released an end of the range
 
 protected:
     void paintEvent(QPaintEvent *event) override;

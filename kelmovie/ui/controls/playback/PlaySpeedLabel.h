@@ -17,7 +17,7 @@ public:
 
     /// 1.0 is the recorded speed, and the initial value. Emits no signal.
     void setSpeed(double speed);
-    double getSpeed() const;
+    double getSpeed() const; ///< The speed shown
 
     /// The speed as the label shows it: "1.5X".
     static QString speedText(double speed);

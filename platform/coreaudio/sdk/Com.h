@@ -36,7 +36,6 @@ constexpr bool FAILED(HRESULT result)
 }
 
 constexpr HRESULT S_OK = 0;
-constexpr HRESULT S_FALSE = 1;
 constexpr HRESULT E_NOTIMPL = HRESULT(0x80004001);
 constexpr HRESULT E_NOINTERFACE = HRESULT(0x80004002);
 constexpr HRESULT E_POINTER = HRESULT(0x80004003);

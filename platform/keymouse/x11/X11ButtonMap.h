@@ -8,7 +8,7 @@ struct xcb_connection_t;
 namespace kel
 {
 
-/// Maps physical to logicalButton buttons: the X server records physical button numbers, but users may swap buttons
+/// Maps physical to logical buttons: the X server records physical button numbers, but users may swap buttons
 /// (for left-handed use) or reverse the wheel.
 class X11ButtonMap
 {
@@ -16,7 +16,7 @@ public:
     /// Reads the map through a connection that belongs to the caller.
     void load(xcb_connection_t *connection);
 
-    /// The logicalButton number of a physical button; 0 when it is disabled.
+    /// The logical number of a physical button; 0 when it is disabled.
     int logicalButton(std::uint8_t button) const;
 
 private:

@@ -21,7 +21,7 @@ public:
 
     int degrees() const { return m_degrees; }
 
-    /// Converts a rectangle of the surface to the screen and back.
+    /// Converts a rectangle of the surface to the screen, and back.
     QRect toScreen(const QRect &onSurface) const;
     QRect toSurface(const QRect &onScreen) const;
 

@@ -2,13 +2,14 @@
 
 #include "cli/commands/Arguments.h"
 #include "cli/commands/LoadedRecording.h"
-#include "cli/commands/OutputFile.h"
 #include "common/ComposedFrame.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
 
+#include <QFileInfo>
 #include <QImage>
 #include <QImageWriter>
+#include <QSaveFile>
 
 namespace
 {
@@ -67,16 +68,20 @@ QString FrameCommand::run()
             .arg(m_frame)
             .arg(recording.logicFrames() - 1);
     }
-    OutputFile output(m_file);
-    if (!output.error().isEmpty())
-        return output.error();
+    const QFileInfo existing(m_file);
+    if (existing.exists() && !existing.isFile())
+        return QStringLiteral("'%1' is not a regular file").arg(m_file);
+    const QString cannotWrite = QStringLiteral("'%1' cannot be written: %2");
+    QSaveFile file(m_file);
+    if (!file.open(QIODevice::WriteOnly))
+        return cannotWrite.arg(m_file, file.errorString());
     const QImage image = playedFrame(recording, m_frame);
     if (image.isNull())
         return QStringLiteral("there is not enough memory for the frame");
-    {
-        QImageWriter writer(output.temporaryPath(), "png"); // closes the file before it is moved
-        if (!writer.write(image))
-            return QStringLiteral("'%1' cannot be written: %2").arg(m_file, writer.errorString());
-    }
-    return output.commit();
+    QImageWriter writer(&file, "png");
+    if (!writer.write(image))
+        return cannotWrite.arg(m_file, writer.errorString());
+    if (!file.commit())
+        return cannotWrite.arg(m_file, file.errorString());
+    return QString();
 }

@@ -3,7 +3,7 @@
 #include "Figure.h"
 #include "avcodec/KelAVCodecEncoder.h"
 #include "avcodec/mp4/KelAsyncEncoder.h"
-#include "export/KelExportSeams.h"
+#include "export/KelExportDependencies.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
 
@@ -91,14 +91,15 @@ void measureExport(const QString &dir, const QString &name, int format)
     QElapsedTimer timer;
     timer.start();
     for (int i = 0; i < kVideoFrames; ++i) {
-        manager.setFrameSilently(i);
+        manager.seek(i);
         QPainter painter(&frames[i]);
         manager.paint(&painter);
     }
     printFigure("export_" + name + "_decode_and_paint", kVideoFrames * 1e9 / double(timer.nsecsElapsed()), "frames/s");
 
     timer.restart();
-    const auto encoder = KelExportSeams::real().createEncoder(format, kSize, dir + "/alone", kFps, 90, QString());
+    const auto encoder =
+        KelExportDependencies::real().createEncoder(format, kSize, dir + "/alone", kFps, 90, QString());
     for (int i = 0; i < kVideoFrames; ++i)
         encoder->addFrame(quint64(i), frames[i]);
     if (!encoder->close())

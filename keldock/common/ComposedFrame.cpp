@@ -9,7 +9,7 @@
 QImage composedFrame(KelPlaybackTrackManager *manager, QImage previous)
 {
     const double ratio = manager->devicePixelRatio();
-    const QSize pixels = (QSizeF(manager->pictureSize()) * ratio).toSize();
+    const QSize pixels = (QSizeF(manager->frameSize()) * ratio).toSize();
     if (pixels.isEmpty() || !manager->isValidRecording())
         return QImage();
     QImage image = std::move(previous);
@@ -17,7 +17,7 @@ QImage composedFrame(KelPlaybackTrackManager *manager, QImage previous)
         image = QImage(pixels, QImage::Format_RGB32);
     if (image.isNull())
         return image;
-    if (!manager->isPictureCovered())
+    if (!manager->isFrameCovered())
         image.fill(Qt::black); // clears what the previous frame left
     image.setDevicePixelRatio(ratio);
     QPainter painter(&image);

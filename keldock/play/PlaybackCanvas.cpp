@@ -39,8 +39,8 @@ void PlaybackCanvas::setEnlarging(bool on)
 
 QImage PlaybackCanvas::frame()
 {
-    if (m_frame.isNull() || m_revision != m_manager->pictureRevision()) {
-        m_revision = m_manager->pictureRevision();
+    if (m_frame.isNull() || m_revision != m_manager->frameRevision()) {
+        m_revision = m_manager->frameRevision();
         m_frame = composedFrame(m_manager, std::move(m_frame));
         m_scaled = QImage();
     }
@@ -49,7 +49,7 @@ QImage PlaybackCanvas::frame()
 
 QRectF PlaybackCanvas::frameRect() const
 {
-    const QSizeF natural = m_manager->pictureSize();
+    const QSizeF natural = m_manager->frameSize();
     if (natural.isEmpty())
         return QRectF();
     QSizeF shown = natural.scaled(size(), Qt::KeepAspectRatio);
@@ -65,12 +65,12 @@ QRectF PlaybackCanvas::frameRect() const
 
 QSize PlaybackCanvas::sizeHint() const
 {
-    return m_manager->pictureSize().expandedTo(QSize(480, 270));
+    return m_manager->frameSize().expandedTo(QSize(480, 270));
 }
 
 void PlaybackCanvas::refresh()
 {
-    if (m_revision != m_manager->pictureRevision())
+    if (m_revision != m_manager->frameRevision())
         update();
 }
 

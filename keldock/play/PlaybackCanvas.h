@@ -45,7 +45,7 @@ private:
     KelPlaybackTrackManager *const m_manager;
     QImage m_frame;
     QImage m_scaled;        ///< null when the frame is shown in its original size
-    quint64 m_revision = 0; ///< revision of m_frame, see KelPlaybackTrackManager::pictureRevision()
+    quint64 m_revision = 0; ///< revision of m_frame, see KelPlaybackTrackManager::frameRevision()
     bool m_isEnlarging = false;
     bool m_showsFocus = false; ///< the focus came by the keyboard
 };

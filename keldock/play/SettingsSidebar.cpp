@@ -52,7 +52,7 @@ SettingsSidebar::SettingsSidebar(KelPlaybackTrackManager *manager, QWidget *pare
         addTab<KeyboardSettingsPanel>(tabs, tr("Keys"), tr("Keystrokes"), manager)->setRecordingShown(false);
     }
     addTab<ProgressSettingsPanel>(tabs, tr("Time"), tr("Time display"), manager);
-    if (manager->voiceTrack()) {
+    if (manager->hasSound()) {
         auto *const sound = addTab<AudioSettingsPanel>(tabs, tr("Sound"), tr("System sound and microphone"), manager);
         sound->setPlaybackManager(manager);
         sound->setRecordingShown(false);

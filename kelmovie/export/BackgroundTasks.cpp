@@ -29,7 +29,7 @@ void BackgroundTasks::run(std::function<void()> task)
                        before.wait();
                    before = {};
                    task();
-                   task = nullptr; // what it holds goes now
+                   task = nullptr; // destroys what it captured
                }).share();
 }
 

@@ -6,14 +6,14 @@
 namespace kel
 {
 
-/// Work that nobody waits for, such as letting go of what takes its time. Tasks run one after the other, the last ones
-/// before the application object is gone. To be used from the GUI thread.
+/// Runs work that nobody waits for, such as destroying what takes long to shut down. Tasks run one after the other on
+/// another thread, and all finish before the application object is destroyed. Call it on the GUI thread.
 class BackgroundTasks
 {
 public:
     static void run(std::function<void()> task);
 
-    /// Until all are over, or `limit` has passed.
+    /// Blocks until all tasks are finished, or `limit` has passed.
     static void wait(std::chrono::milliseconds limit);
 };
 

@@ -1,5 +1,6 @@
 #include "export/ExportCanvas.h"
 
+#include <KelMovie/KelExportRequest.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QPainter>
@@ -10,40 +11,45 @@ namespace kel
 namespace
 {
 
-/// A painter that scales looks at four pixels for each of its own. Where more of them fall together, letters would
-/// lose strokes, so the whole picture is painted and its pixels are averaged.
-bool isReducedMuch(const QSize &picture, const QSize &output)
+/// A scaling painter interpolates between four source pixels. Below half the size that would skip pixels, and thin
+/// lines of text with them, so the frame is painted in full size and its pixels are averaged.
+bool needsAveraging(const QSize &frame, const QSize &output)
 {
-    return output.width() * 2 < picture.width() || output.height() * 2 < picture.height();
+    return output.width() * 2 < frame.width() || output.height() * 2 < frame.height();
 }
 
-QSize composedSize(const QSize &picture, const QSize &output)
+QSize composedSize(const QSize &frame, const QSize &output)
 {
-    return isReducedMuch(picture, output) ? picture : output;
+    return needsAveraging(frame, output) ? frame : output;
 }
 
 } // namespace
 
-ExportCanvas::ExportCanvas(const QSize &picture, const QSize &output)
+ExportCanvas::ExportCanvas(const QSize &frame, const QSize &output)
     : m_output(output)
-    , m_scaleX(double(composedSize(picture, output).width()) / picture.width())
-    , m_scaleY(double(composedSize(picture, output).height()) / picture.height())
-    , m_composed(composedSize(picture, output), QImage::Format_ARGB32_Premultiplied)
+    , m_scaleX(double(composedSize(frame, output).width()) / frame.width())
+    , m_scaleY(double(composedSize(frame, output).height()) / frame.height())
+    , m_composed(composedSize(frame, output), QImage::Format_ARGB32_Premultiplied)
 {
-    m_composed.fill(Qt::black); // in case the video does not cover it
+    m_composed.fill(Qt::black); // visible where the video does not cover the frame
+}
+
+QSize ExportCanvas::outputSize(const KelPlaybackTrackManager &manager, const KelExportRequest &request)
+{
+    return request.size.isEmpty() ? manager.frameSize() : request.size;
 }
 
 bool ExportCanvas::isStale(const KelPlaybackTrackManager &manager) const
 {
-    return !m_isPainted || m_revision != manager.pictureRevision();
+    return !m_isPainted || m_revision != manager.frameRevision();
 }
 
 const QImage &ExportCanvas::paint(KelPlaybackTrackManager &manager)
 {
     m_isPainted = true;
-    m_revision = manager.pictureRevision();
-    if (!manager.isPictureCovered())
-        m_composed.fill(Qt::black); // or what moves would leave a trail
+    m_revision = manager.frameRevision();
+    if (!manager.isFrameCovered())
+        m_composed.fill(Qt::black); // else moving overlays would leave a trail
     QPainter painter(&m_composed);
     if (m_scaleX != 1.0 || m_scaleY != 1.0) {
         painter.setRenderHint(QPainter::SmoothPixmapTransform);

@@ -4,22 +4,27 @@
 #include <QSize>
 
 class KelPlaybackTrackManager;
+struct KelExportRequest;
 
 namespace kel
 {
 
-/// The picture of an export: what the manager paints, in the size of the output.
+/// Composes the frames of an export: what the manager paints, scaled to the size of the output.
 class ExportCanvas
 {
 public:
-    /// `picture` is the size that the manager paints.
-    ExportCanvas(const QSize &picture, const QSize &output);
+    /// `frame` is the size that the manager paints, `output` that of the result.
+    ExportCanvas(const QSize &frame, const QSize &output);
 
-    /// There was memory for it.
+    /// Size in pixels of the output that `request` asks for.
+    static QSize outputSize(const KelPlaybackTrackManager &manager, const KelExportRequest &request);
+
+    /// False if there was not enough memory.
     bool isValid() const { return !m_composed.isNull(); }
 
-    /// Whether the manager's picture is another one than at the last paint().
+    /// Whether paint() would give another result than the last time.
     bool isStale(const KelPlaybackTrackManager &manager) const;
+    /// The manager's current frame. Valid until the next call.
     const QImage &paint(KelPlaybackTrackManager &manager);
 
 private:
@@ -29,7 +34,7 @@ private:
     QImage m_composed;
     QImage m_reduced;
     bool m_isPainted = false;
-    quint64 m_revision = 0; // of the manager's picture in m_composed
+    quint64 m_revision = 0; // of the manager's frame in m_composed
 };
 
 } // namespace kel

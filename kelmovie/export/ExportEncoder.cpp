@@ -2,7 +2,7 @@
 
 #include "avcodec/KelAVCodecEncoder.h"
 #include "export/BackgroundTasks.h"
-#include "export/ExportWatch.h"
+#include "export/ExportProgress.h"
 
 #include <QScopeGuard>
 #include <QTemporaryDir>
@@ -15,16 +15,16 @@ namespace kel
 namespace
 {
 
-/// From so many pixels on, it takes an encoder long to take over a picture.
-constexpr qint64 kLargePicture = 4'000'000;
+/// From this number of pixels on, addFrame() takes so long that it must not block the GUI thread.
+constexpr qint64 kLargeImage = 4'000'000;
 
 } // namespace
 
 ExportEncoder::ExportEncoder(std::unique_ptr<KelAVCodecEncoder> encoder, std::shared_ptr<QTemporaryDir> directory,
-                             ExportWatch &watch)
+                             ExportProgress &progress)
     : m_encoder(std::move(encoder))
     , m_directory(std::move(directory))
-    , m_watch(watch)
+    , m_progress(progress)
 {
 }
 
@@ -33,7 +33,7 @@ ExportEncoder::~ExportEncoder()
     if (!m_encoder || m_isComplete)
         return;
     m_encoder->abort();
-    // Whoever lets go last has to wait for the threads of the encoder.
+    // The destructor of the encoder waits for its threads.
     BackgroundTasks::run([encoder = m_encoder, directory = m_directory]() mutable {
         encoder.reset();
         directory.reset();
@@ -52,7 +52,7 @@ QString ExportEncoder::errorString() const
 
 bool ExportEncoder::waitForRoom()
 {
-    return m_watch.wait([this](auto limit) { return m_encoder->waitForRoom(limit); });
+    return m_progress.wait([this](auto limit) { return m_encoder->waitForRoom(limit); });
 }
 
 bool ExportEncoder::addFrame(qint64 index, const QImage &image)
@@ -60,8 +60,8 @@ bool ExportEncoder::addFrame(qint64 index, const QImage &image)
     if (!waitForRoom())
         return false;
     const auto add = [index, image](KelAVCodecEncoder &encoder) { return encoder.addFrame(quint64(index), image); };
-    const bool isLarge = qint64(image.width()) * image.height() >= kLargePicture;
-    return isLarge ? runBeside(add, [] {}) : add(*m_encoder);
+    const bool isLarge = qint64(image.width()) * image.height() >= kLargeImage;
+    return isLarge ? runInBackground(add, [] {}) : add(*m_encoder);
 }
 
 bool ExportEncoder::repeatLastFrameUntil(qint64 end)
@@ -84,22 +84,22 @@ qint64 ExportEncoder::salvage()
 
 bool ExportEncoder::close(const std::function<void()> &meanwhile)
 {
-    m_isComplete = runBeside([](KelAVCodecEncoder &encoder) { return encoder.close(); }, meanwhile);
+    m_isComplete = runInBackground([](KelAVCodecEncoder &encoder) { return encoder.close(); }, meanwhile);
     return m_isComplete;
 }
 
-/// On a thread of its own, which is left alone when the export is cancelled.
-bool ExportEncoder::runBeside(Work work, const std::function<void()> &meanwhile)
+/// Runs `work` on another thread. If the export is cancelled, that thread is left to BackgroundTasks.
+bool ExportEncoder::runInBackground(Work work, const std::function<void()> &meanwhile)
 {
     std::future<bool> result =
         std::async(std::launch::async, [encoder = m_encoder, work = std::move(work)] { return work(*encoder); });
-    const auto leave = qScopeGuard([&] {
+    const auto release = qScopeGuard([&] {
         if (!result.valid())
             return;
         m_encoder->abort();
-        BackgroundTasks::run([left = result.share()]() mutable { left = {}; });
+        BackgroundTasks::run([rest = result.share()]() mutable { rest = {}; });
     });
-    const bool isOver = m_watch.wait([&](auto limit) {
+    const bool isOver = m_progress.wait([&](auto limit) {
         meanwhile();
         return result.wait_for(limit) == std::future_status::ready;
     });

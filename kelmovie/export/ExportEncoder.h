@@ -12,17 +12,17 @@ class QTemporaryDir;
 namespace kel
 {
 
-class ExportWatch;
+class ExportProgress;
 
-/// The encoder of one export, which never keeps a user waiting who has given up: what the encoder is working on then,
-/// it ends unobserved, and the directory of its file goes with it.
+/// The encoder of one export. After a cancel it returns at once: the encoder finishes its current work in the
+/// background and is destroyed there, together with the directory of its file.
 class ExportEncoder
 {
 public:
-    /// `encoder` may be null. `directory` holds its file; `watch` must outlive this.
+    /// `encoder` may be null. `directory` contains its file; `progress` must outlive this.
     ExportEncoder(std::unique_ptr<KelAVCodecEncoder> encoder, std::shared_ptr<QTemporaryDir> directory,
-                  ExportWatch &watch);
-    /// Gives up a file that was not closed.
+                  ExportProgress &progress);
+    /// Aborts the encoder if close() has not succeeded.
     ~ExportEncoder();
     ExportEncoder(const ExportEncoder &) = delete;
     ExportEncoder &operator=(const ExportEncoder &) = delete;
@@ -30,28 +30,30 @@ public:
     bool isValid() const;
     QString errorString() const;
 
-    // False when the encoder has failed, and when the export was cancelled, which the watch tells.
+    // The following return false when the encoder has failed, and when the export has been cancelled.
+
     bool addFrame(qint64 index, const QImage &image);
-    /// Shows the latest picture until frame `end`.
+    /// Repeats the last image up to, but not including, frame `end`.
     bool repeatLastFrameUntil(qint64 end);
-    /// Finishes the file; `meanwhile` is called now and then.
+    /// Completes the file; `meanwhile` is called repeatedly.
     bool close(const std::function<void()> &meanwhile);
 
-    /// After a failure: lets go of the file, which the encoder may have completed before what failed. How many frames
-    /// it has.
+    /// After a failure: closes the file, which the encoder may have completed up to the failure, and destroys the
+    /// encoder. Returns the number of frames in the file.
     qint64 salvage();
 
+    /// Frames that are in the file so far.
     qint64 framesWritten() const;
 
 private:
     using Work = std::function<bool(KelAVCodecEncoder &encoder)>;
 
     bool waitForRoom();
-    bool runBeside(Work work, const std::function<void()> &meanwhile);
+    bool runInBackground(Work work, const std::function<void()> &meanwhile);
 
     std::shared_ptr<KelAVCodecEncoder> m_encoder;
     const std::shared_ptr<QTemporaryDir> m_directory;
-    ExportWatch &m_watch;
+    ExportProgress &m_progress;
     bool m_isComplete = false;
 };
 

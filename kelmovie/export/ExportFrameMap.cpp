@@ -1,5 +1,8 @@
 #include "export/ExportFrameMap.h"
 
+#include <KelMovie/KelExportRequest.h>
+#include <KelMovie/KelPlaybackTrackManager.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -11,8 +14,8 @@ namespace
 
 constexpr double kMaxOutputFrames = 1e15;
 
-/// The logic frame at `ms` of a recording. Unless asked otherwise, the product has 32 bits and wraps for long
-/// recordings with many frames: kept on purpose, so that a range gives the same frames that it always gave.
+/// The logic frame at `ms` of a recording. By default the product wraps at 32 bits for long recordings: kept for
+/// compatibility, so that a range always selects the same frames.
 int frameAtMs(int ms, const ExportFrameMap::Recording &recording, bool isExact)
 {
     const int lastFrame = recording.totalFrames - 1;
@@ -26,7 +29,7 @@ int frameAtMs(int ms, const ExportFrameMap::Recording &recording, bool isExact)
 ExportFrameMap::ExportFrameMap(const Recording &recording, const Output &output)
 {
     Recording known = recording;
-    // A recording whose metadata is lost still has its frames. The recording clock ticks in whole milliseconds.
+    // Without metadata, the duration follows from the frames; the recording clock ticks at whole milliseconds.
     if (known.durationMs < 1 && known.totalFrames > 1)
         known.durationMs = qint64(known.totalFrames) * std::max(1000 / known.fps, 1);
 
@@ -41,6 +44,13 @@ ExportFrameMap::ExportFrameMap(const Recording &recording, const Output &output)
     m_frameSpan = endFrame - m_startFrame;
     const double frames = double(spanMs) / output.speed * output.fps / 1000.0;
     m_outputFrames = qint64(std::clamp(frames, 1.0, kMaxOutputFrames));
+}
+
+ExportFrameMap ExportFrameMap::forExport(const KelPlaybackTrackManager &manager, const KelExportRequest &request)
+{
+    return ExportFrameMap(
+        {manager.totalFrames(), manager.fps(), manager.durationMs()},
+        {request.fps, request.speed, request.trimStartMs, request.trimEndMs, request.trimsLongRecordings});
 }
 
 int ExportFrameMap::logicFrame(qint64 i) const

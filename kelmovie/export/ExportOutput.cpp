@@ -23,13 +23,13 @@ bool belongsToRecording(const QFileInfo &file, const QString &recordDir)
     const QString recording = QFileInfo(recordDir).canonicalFilePath();
     if (recording.isEmpty())
         return false;
-    // Links are resolved where the file exists, and in the path to it where it does not yet.
+    // Resolves links: of the file if it exists, else of its directory.
     const QString target =
-        file.exists() ? file.canonicalFilePath() : file.dir().canonicalPath() + '/' + file.fileName();
+        file.exists() ? file.canonicalFilePath() : file.dir().canonicalPath() + QLatin1Char('/') + file.fileName();
     if (target == KelRecordingMetadata::filePath(recording))
         return true;
     for (const QLatin1String track : KelRecordingFiles::kTrackDirs) {
-        if (target.startsWith(KelRecordingFiles::path(recording, track) + '/'))
+        if (target.startsWith(KelRecordingFiles::path(recording, track) + QLatin1Char('/')))
             return true;
     }
     return false;
@@ -40,34 +40,34 @@ bool belongsToRecording(const QFileInfo &file, const QString &recordDir)
 QString exportOutputProblem(const QString &path, const QString &recordDir)
 {
     if (path.isEmpty())
-        return "No output file given";
+        return QStringLiteral("No output file given");
     const QFileInfo info(path);
     if (info.isDir())
-        return "Output path is a directory: " + path;
+        return QLatin1String("Output path is a directory: ") + path;
     if (info.exists() && !info.isFile())
-        return "Output path is not a regular file: " + path;
+        return QLatin1String("Output path is not a regular file: ") + path;
     if (!info.dir().exists())
-        return "Output directory does not exist: " + info.path();
+        return QLatin1String("Output directory does not exist: ") + info.path();
     if (belongsToRecording(info, recordDir))
-        return "Output file would overwrite a part of the recording: " + path;
-    QSaveFile probe(path); // creates a file beside it, which goes away again
+        return QLatin1String("Output file would overwrite a part of the recording: ") + path;
+    QSaveFile probe(path); // only creates a temporary file beside it
     if (!probe.open(QIODevice::WriteOnly))
-        return "Cannot write output file " + path + ": " + probe.errorString();
+        return QLatin1String("Cannot write output file ") + path + QLatin1String(": ") + probe.errorString();
     return QString();
 }
 
-QString moveOverFile(const QString &from, const QString &to, const std::function<bool(qint64 copied)> &goOn)
+QString moveOverFile(const QString &from, const QString &to, const std::function<bool(qint64 copied)> &shouldContinue)
 {
     const QFileInfo old(to);
-    if (!goOn(0))
-        return "cancelled";
+    if (!shouldContinue(0))
+        return QStringLiteral("cancelled");
     if (old.exists())
         QFile::setPermissions(from, old.permissions());
-    // What a link points to is replaced, not the link.
-    const QString place = old.exists() ? old.canonicalFilePath() : to;
-    if (renameOver(from, place).isEmpty())
+    // The target of a link is replaced, not the link.
+    const QString destination = old.exists() ? old.canonicalFilePath() : to;
+    if (renameOver(from, destination).isEmpty())
         return QString();
-    QFile source(from); // on another disk
+    QFile source(from); // renaming fails between different disks
     if (!source.open(QIODevice::ReadOnly))
         return source.errorString();
     QSaveFile target(to);
@@ -84,8 +84,8 @@ QString moveOverFile(const QString &from, const QString &to, const std::function
         if (target.write(block.constData(), size) != size)
             return target.errorString();
         copied += size;
-        if (!goOn(copied))
-            return "cancelled";
+        if (!shouldContinue(copied))
+            return QStringLiteral("cancelled");
     }
     if (!target.commit())
         return target.errorString();

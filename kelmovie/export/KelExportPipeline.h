@@ -7,69 +7,80 @@
 
 #include <memory>
 
-struct KelExportSeams;
+struct KelExportDependencies;
 
-/// Whoever watches an export: a dialog, a command line, a test. Called on the thread that runs the export.
+namespace kel
+{
+class ExportInternals;
+}
+
+/// Observes an export and can cancel it. All functions are called on the thread that runs the export. They may process
+/// events, and may throw: run() then fails.
 class KELMOVIE_EXPORT KelExportMonitor
 {
 public:
-    /// What the export is doing just now.
+    /// What the export is doing.
     struct Status {
         enum class Stage {
             Frames,    ///< composing and encoding; units are frames of the output
-            Finishing, ///< the encoder works off what it has been given; frames
-            Sound,     ///< the sound is being added; thousandths
-            Placing,   ///< the file is being put in its place; bytes
+            Finishing, ///< the encoder completes the file; units are frames of the output
+            Sound,     ///< the sound is being added; units are thousandths
+            Saving,    ///< the file is being moved to its destination; units are bytes
         };
         Stage stage = Stage::Frames;
-        qint64 done = 0;
-        qint64 units = 0;
-        qint64 elapsedMs = 0; ///< in this stage
-        qint64 leftMs = -1;   ///< in this stage, an estimate; -1: none yet
+        qint64 done = 0;         ///< units done, 0 to `units`
+        qint64 units = 0;        ///< size of the stage
+        qint64 elapsedMs = 0;    ///< in this stage
+        qint64 remainingMs = -1; ///< in this stage, estimated; -1 while unknown
     };
 
     virtual ~KelExportMonitor();
 
-    /// 0 to 100, never falling; 100 only once the file is complete. Up to 90 while frames are composed.
+    /// 0 to 100, never decreasing: up to 90 while frames are composed, 100 only once the file is complete.
     virtual void exportProgress(int percent) = 0;
 
-    /// Several times a second, whatever takes long: of a long export, a percent may last for minutes.
+    /// Several times per second, for feedback during a long export, in which a percent may take minutes.
     virtual void exportStatus(const Status &) {}
 
-    /// Asked at least between any two frames and several times a second otherwise; true ends the export at once.
+    /// Called at least once per frame and several times per second otherwise. Returning true cancels the export at
+    /// once.
     virtual bool isExportCancelled() = 0;
 };
 
-/// Turns a loaded recording into one output file. Runs on the GUI thread and returns when the file is complete or given
-/// up. The playback manager is paused and is back at its frame afterwards.
+/// Exports a loaded recording into one file. Runs on the GUI thread and blocks until the file is complete, or the
+/// export has failed or been cancelled. The playback manager is paused, and is back at its frame afterwards.
 ///
-/// The output appears when it is whole; an existing file is replaced in one step. Where an animation cannot be
-/// completed, such as on a full disk, its first part is kept beside it as "NAME.incomplete.SUFFIX".
+/// The output file appears when it is complete; an existing file is replaced atomically. If an animation cannot be
+/// completed, for example on a full disk, its first part is kept beside it as "NAME.incomplete.SUFFIX".
 class KELMOVIE_EXPORT KelExportPipeline
 {
 public:
-    /// `monitor` may be null; it is not owned.
+    /// `monitor` may be null; it is not owned and must outlive this.
     explicit KelExportPipeline(const KelExportRequest &request, KelExportMonitor *monitor = nullptr);
-    /// The same with other encoders.
-    KelExportPipeline(const KelExportRequest &request, KelExportMonitor *monitor, const KelExportSeams &seams);
     ~KelExportPipeline();
     KelExportPipeline(const KelExportPipeline &) = delete;
     KelExportPipeline &operator=(const KelExportPipeline &) = delete;
 
-    /// Once. False on failure (errorString() tells) and on cancel (errorString() is empty).
+    /// Runs the export; may be called once. False on failure (errorString() is set) and when cancelled (errorString()
+    /// is empty). Throws nothing.
     bool run();
 
-    /// What went wrong, in English, with all that is known.
+    /// Why run() failed, in English, with all known details.
     QString errorString() const;
 
-    /// What a complete file lacks, in English; empty when it lacks nothing.
+    /// Defects of a complete file, in English; empty when there are none.
     QString warningString() const;
 
-    /// Where the export came to an end before its time.
+    /// The step at which the export failed; None on success and when cancelled.
     enum class Failure { None, Video, Sound, Exception };
     Failure failure() const;
 
 private:
+    friend class kel::ExportInternals;
+
+    KelExportPipeline(const KelExportRequest &request, KelExportMonitor *monitor,
+                      const KelExportDependencies &dependencies);
+
     class Private;
     std::unique_ptr<Private> d;
 };

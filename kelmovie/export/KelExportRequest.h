@@ -7,23 +7,29 @@
 
 class KelPlaybackTrackManager;
 
-/// What to export, and how. A plain record, copied.
+/// What to export, and how. A plain record, copied by the classes that take it.
 struct KelExportRequest {
-    int format = 0;       ///< 0 MP4, 1 GIF, 2 APNG, 3 WebP, as the setting playbackEncodeFormat has it
-    int fps = 25;         ///< frames a second of the output
-    int quality = 90;     ///< 0 to 100, see KelMovieExportQuality(); each encoder documents what it makes of it
-    double speed = 1.0;   ///< above 0; 2.0 plays twice as fast
-    QString outputPath;   ///< the file to produce
-    QString trackDataDir; ///< recording directory in which the sound is looked for; may be empty
-    KelPlaybackTrackManager *playbackManager = nullptr; ///< not owned; must outlive the export
-    int trimStartMs = -1;                               ///< range in recording time, used when both ends are 0 or more
-    int trimEndMs = -1;
-    /// Whether the range is found in recordings of any length. Without it, it is found as it always was: in 32 bits,
-    /// which is another part of a recording once ms times frames exceeds them (4 minutes at 30 frames a second).
+    enum Format { Mp4 = 0, Gif = 1, Apng = 2, WebP = 3 };
+
+    int format = Mp4;     ///< a Format, as in the setting playbackEncodeFormat
+    int fps = 25;         ///< frames per second of the output, at least 1
+    int quality = 90;     ///< 0 (smallest file) to 100 (best), see KelMovieExportQuality()
+    double speed = 1.0;   ///< playback speed as a factor above 0; 2.0 plays twice as fast
+    QString outputPath;   ///< the file to produce; its directory must exist
+    QString trackDataDir; ///< recording directory that contains the sound; if empty, that of the playback manager
+    KelPlaybackTrackManager *playbackManager = nullptr; ///< the recording; not owned, must outlive the export
+    int trimStartMs = -1;                               ///< start of the exported range in ms of recording time
+    int trimEndMs = -1;               ///< end of the range in ms; it is used if both values are 0 or more
+    bool fromRecording = false;       ///< the export follows a recording: the dialog then offers "Exit Record"
+    bool autoExitAfterEncode = false; ///< the setting encodeExitRecordAfterEncode
+    /// Called on the GUI thread when the user changes that setting in the dialog; may be empty.
+    std::function<void(bool)> onExitRecord;
+
+    // Fields that were added later:
+
+    /// Computes the frames of the range in 64 bits. By default the product of ms and frames wraps at 32 bits, which
+    /// selects another range in long recordings (from 4 minutes on at 30 frames per second).
     bool trimsLongRecordings = false;
-    bool fromRecording = false;             ///< started right after a recording
-    bool autoExitAfterEncode = false;       ///< the setting encodeExitRecordAfterEncode
-    std::function<void(bool)> onExitRecord; ///< told when the user changes that setting; may be empty
-    int loops = 0;                          ///< how often GIF, APNG and WebP play, up to 65535; 0: endlessly
-    QSize size;                             ///< pixels of the output; empty: the recorded area in logical pixels
+    int loops = 0; ///< how many times GIF, APNG and WebP play, up to 65535; 0: endlessly
+    QSize size;    ///< of the output in pixels; empty: the frame size of the playback manager
 };

@@ -7,7 +7,6 @@
 #include "recording/KelRecordingFiles.h"
 #include "recording/wav/SoundFiles.h"
 
-#include <QDebug>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -17,7 +16,7 @@ using namespace kel;
 namespace
 {
 
-constexpr double kAdjustingShare = 0.1; // of the work; encoding takes the most
+constexpr double kAdjustingShare = 0.1; // of the whole work, most of which is encoding
 
 } // namespace
 
@@ -26,17 +25,15 @@ KelExportSound::KelExportSound(const KelPlaybackVoiceTrack *voice, const QString
     : m_range(range)
     , m_temporaryDir(temporaryDir)
 {
-    const auto add = [&](bool isHeard, double gain, QLatin1String source) {
-        const QString file = isHeard && gain > 0.0 ? findSoundFile(voiceDir, source) : QString();
+    const auto add = [&](double gain, QLatin1String source) {
+        const QString file = gain > 0.0 ? findSoundFile(voiceDir, source) : QString();
         if (!file.isEmpty())
             m_sources.append({file, std::min(gain, AudioGain::kMax)});
     };
     if (!voice)
         return;
-    add(voice->hasSystemAudio() && voice->isSystemAudioEnabled() && !voice->isSystemAudioMuted(),
-        voice->systemAudioVolume() * voice->systemAudioGain(), KelRecordingFiles::kSystemAudio);
-    add(voice->hasMicrophone() && voice->isMicrophoneEnabled() && !voice->isMicrophoneMuted(),
-        voice->microphoneVolume() * voice->microphoneGain(), KelRecordingFiles::kMicrophone);
+    add(voice->audibleSystemAudioGain(), KelRecordingFiles::kSystemAudio);
+    add(voice->audibleMicrophoneGain(), KelRecordingFiles::kMicrophone);
 }
 
 bool KelExportSound::addTo(const QString &video, const QString &output)
@@ -44,12 +41,12 @@ bool KelExportSound::addTo(const QString &video, const QString &output)
     QList<AudioTrack> tracks;
     for (const Source &source : qAsConst(m_sources))
         tracks.append(trackOf(source));
-    const double done = m_share;
-    const auto progress = [&](double share) {
-        m_share = done + (1.0 - done) * share;
+    const double before = m_progress;
+    const auto onProgress = [&](double share) {
+        m_progress = before + (1.0 - before) * share;
         return !m_isCancelled;
     };
-    return MixAudioVideoTracks(video, tracks, output, progress, &m_errorString);
+    return MixAudioVideoTracks(video, tracks, output, onProgress, &m_errorString);
 }
 
 void KelExportSound::cancel()
@@ -66,26 +63,28 @@ AudioTrack KelExportSound::trackOf(const Source &source)
     track.startMs = m_range.startMs;
     track.endMs = m_range.endMs;
     if (track.path != source.file)
-        track.speed = m_range.speed; // the range is in recording time, wherever the file has it
+        track.speed = m_range.speed; // the range is in recording time, which the file has scaled
     return track;
 }
 
-/// The file at another speed, or the same file where that is impossible.
+/// A file with the sound at another speed, or `path` if that fails.
 QString KelExportSound::speedAdjustedAudio(const QString &path, double speed)
 {
     if (qFuzzyCompare(speed, 1.0))
         return path;
-    const QString adjusted = QString("%1/speed_adjusted_%2_%3.wav")
+    const QString adjusted = QStringLiteral("%1/speed_adjusted_%2_%3.wav")
                                  .arg(m_temporaryDir, QString::number(speed, 'f', 1), QFileInfo(path).baseName());
-    const double before = m_share;
-    const auto note = [&](int percent) { m_share = before + kAdjustingShare / m_sources.size() * percent / 100; };
-    const auto connection = QObject::connect(&m_processor, &KelAudioSpeedProcessor::progressChanged, note);
+    const double before = m_progress;
+    const auto onProgress = [&](int percent) {
+        m_progress = before + kAdjustingShare / m_sources.size() * percent / 100;
+    };
+    const auto connection = QObject::connect(&m_processor, &KelAudioSpeedProcessor::progressChanged, onProgress);
     const bool isAdjusted = m_processor.processAudio(path, speed, adjusted);
     QObject::disconnect(connection);
     if (isAdjusted)
         return adjusted;
     if (!m_isCancelled)
-        qCWarning(logExport).noquote() << "[KelExportSound] Sound stays at its own speed:"
+        qCWarning(logExport).noquote() << "[KelExportSound] The speed of the sound stays unchanged:"
                                        << m_processor.errorMessage();
     return path;
 }

@@ -10,32 +10,32 @@
 
 class KelPlaybackVoiceTrack;
 
-/// Adds a recording's sound to its exported video: what is heard when the recording is played, as loud as it is then,
-/// in the exported range and at the exported speed.
+/// Adds the sound of a recording to its exported video: the audible sources with their volume and gain, trimmed to the
+/// exported range and adjusted to the export speed, so that sound and video stay in sync.
 class KelExportSound
 {
 public:
     struct Range {
-        double startMs = -1.0; ///< in recording time; below 0: from the beginning
-        double endMs = -1.0;
+        double startMs = -1.0; ///< in ms of recording time; below 0: from the beginning
+        double endMs = -1.0;   ///< below 0: to the end
         double speed = 1.0;
     };
 
-    /// Looks up now what of `voice`, which may be null, is to be heard, and which files in `voiceDir` hold it. Files at
-    /// another speed are put into `temporaryDir`, which belongs to the caller.
+    /// Determines the audible sources of `voice`, which may be null and is not used later, and their files in
+    /// `voiceDir`. Files at another speed are written to `temporaryDir`, which the caller owns.
     KelExportSound(const KelPlaybackVoiceTrack *voice, const QString &voiceDir, const Range &range,
                    const QString &temporaryDir);
 
-    /// There is nothing to be heard.
+    /// Whether there is no audible source.
     bool isEmpty() const { return m_sources.isEmpty(); }
 
-    /// Once, on any thread: makes `output` of `video` and the sound. False on failure, and then `output` is as it was.
+    /// Writes `output` from `video` and the sound; once, on any thread. False on failure; `output` is then unchanged.
     bool addTo(const QString &video, const QString &output);
 
-    // Any thread, while addTo() runs:
+    // On any thread, while addTo() runs:
     void cancel();
-    /// How much is done, 0 to 1.
-    double share() const { return m_share; }
+    /// Progress, 0 to 1.
+    double progress() const { return m_progress; }
 
     /// Why addTo() failed, in English.
     QString errorString() const { return m_errorString; }
@@ -53,7 +53,7 @@ private:
     const QString m_temporaryDir;
     QList<Source> m_sources;
     KelAudioSpeedProcessor m_processor;
-    std::atomic<double> m_share{0.0};
+    std::atomic<double> m_progress{0.0};
     std::atomic<bool> m_isCancelled{false};
     QString m_errorString;
 };

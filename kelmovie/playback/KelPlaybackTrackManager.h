@@ -8,18 +8,22 @@
 #include <QString>
 #include <QStringList>
 
-#include <chrono>
 #include <memory>
 
-class KelPlaybackVoiceTrack;
 class QPainter;
-struct KelPlaybackSeams;
+struct KelPlaybackDependencies;
 struct KelRecordingMetadata;
 
-/// One loaded recording: it creates the tracks that were recorded, keeps the current frame, turns wall-clock time into
-/// frames while playing, and composes one picture from the layers of all tracks.
+namespace kel
+{
+class PlaybackInternals;
+}
+
+/// One loaded recording: creates the tracks that were recorded, keeps the current frame, converts wall-clock time into
+/// frames while playing, and composes frames from the layers of all tracks.
 ///
-/// Every track is addressed in logic frames, the recording's own frame counter at fps(). GUI thread only.
+/// Every track is addressed in logic frames, the recording's own frame counter at fps(). GUI thread only. Functions
+/// report problems through errorString() and the log and throw nothing.
 class KELMOVIE_EXPORT KelPlaybackTrackManager : public QObject
 {
     Q_OBJECT
@@ -28,109 +32,99 @@ public:
     enum State { Playing = 0, Paused = 1, Stopped = 2 };
     Q_ENUM(State)
 
-    /// Loads the recording in `recordDir` at once. What cannot be loaded is logged and left out; isValidRecording()
-    /// tells whether anything is left to be seen. Needs a QGuiApplication.
+    /// Loads the recording in `recordDir`, synchronously. Tracks that cannot be loaded are logged and left out;
+    /// isValidRecording() reports whether anything can be shown. `preferHardwareDecode` asks for a hardware H.264
+    /// decoder, with a fallback to software. Needs a QGuiApplication.
     KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode, QObject *parent = nullptr);
-    /// The same with another clock or other decoders.
-    KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode, const KelPlaybackSeams &seams,
-                            QObject *parent);
     ~KelPlaybackTrackManager() override;
 
-    /// There is a screen video that can be shown. When false, the recording counts as one frame that paints nothing.
+    /// Whether there is a screen video that can be shown. If not, the recording counts as one frame that paints
+    /// nothing.
     bool isValidRecording() const;
     /// Why isValidRecording() is false, as one English line; empty when it is true.
     QString errorString() const;
 
+    /// The directory that was passed to the constructor.
     QString recordDir() const;
-    /// The metadata as it was read, or its defaults where it could not be read.
+    /// The metadata as read, with defaults for what could not be read. Valid as long as the manager.
     const KelRecordingMetadata &metadata() const;
 
     State state() const;
+    /// 0 to totalFrames() - 1.
     int currentFrame() const;
-    /// Logic frames of the recording, at least 1. Valid frames are 0 to totalFrames() - 1.
+    /// Number of logic frames of the recording, at least 1.
     int totalFrames() const;
-    /// Logic frames a second, at least 1.
+    /// Logic frames per second, at least 1.
     int fps() const;
-    /// Recorded time without pauses in ms; 0 when the metadata does not tell.
+    /// Recorded time without pauses in ms; 0 when the metadata does not contain it.
     qint64 durationMs() const;
-    /// Playback speed, a factor; 1.0 is the recorded speed.
+    /// Playback speed as a factor; 1.0 is the recorded speed.
     double speed() const;
-    /// Wall-clock ms that the last play-through to the end took; 0 before the first.
+    /// Wall-clock ms of the last playback up to the end; 0 before the first.
     qint64 lastPlayDurationMs() const;
-    /// The recorded rectangle in logical pixels of the desktop, as the metadata has it; may be empty.
+    /// The recorded rectangle in logical pixels of the desktop, from the metadata; may be empty.
     QRect recordArea() const;
     /// Physical pixels of the video per logical pixel of the record area.
     double devicePixelRatio() const;
-    /// Size of a composed picture in logical pixels: the record area's, or the video's where the metadata has none.
-    /// Empty when there is no video either.
-    QSize pictureSize() const;
-    /// Frames in the screen video; it has fewer than the recording has logic frames where the screen stood still.
+    /// Size of a composed frame in logical pixels: the record area's, or the video's if the metadata has none. Empty
+    /// when there is no video either.
+    QSize frameSize() const;
+    /// Number of frames in the screen video. Frames are only encoded when the screen changes, so that there are often
+    /// fewer than logic frames. 0 without a video.
     int videoFrameCount() const;
     /// Names of the recorded tracks that were loaded, in painting order.
     QStringList trackNames() const;
-    /// The sound; null when none was recorded. Owned by the manager.
-    KelPlaybackVoiceTrack *voiceTrack() const;
+    /// Whether the recording has a track for sound.
+    bool hasSound() const;
 
-    /// Starts, or resumes after a pause, at the current frame. Does nothing while playing.
+    /// Starts at the current frame, or resumes. Does nothing while playing.
     void play();
     /// Does nothing unless playing.
     void pause();
-    /// Ends playing or pausing and goes back to frame 0. Does nothing when stopped.
+    /// Ends playback and returns to frame 0. Does nothing when stopped.
     void stop();
-    /// Bounded to 0.1 … 16; a factor that is not a number is ignored.
+    /// Sets the playback speed, clamped to 0.1–16. A value that is not finite is ignored.
     void setSpeed(double speed);
 
-    /// Moves all tracks. A frame outside of the recording is ignored.
+    /// Moves all tracks to logic frame `frame`. A frame outside of the recording is ignored.
     void seek(int frame);
-    /// With `force` the clock and the sound are set anew even for a small step.
+    /// With `force`, clock and sound are set to `frame` even for a step so small that they could continue.
     void seek(int frame, bool force);
-    /// Moves all tracks but the sound and emits nothing: for export.
-    void setFrameSilently(int frame);
-    /// setFrameSilently(), with the mouse effects under way that began before `frame`, as if it had been played up to
-    /// there.
+    /// Moves all tracks but the sound to `frame` and starts the mouse effects that would still be running there if the
+    /// recording had been played up to it. Emits nothing. A frame outside of the recording is ignored.
     void setFrameAsPlayed(int frame);
-    /// Begins to decode what `frame` shows in the background: once waitForPrefetch() is true, a setFrameSilently() to
-    /// it takes next to no time.
-    void prefetch(int frame);
-    /// Whether nothing is being decoded in the background, once at most `limit` has passed.
-    bool waitForPrefetch(std::chrono::milliseconds limit) const;
-    /// Paints the current frame, pictureSize() large, at the painter's origin. A null painter does nothing.
-    void paint(QPainter *painter);
-    /// Grows whenever paint() may draw something else than before. As long as it does not, paint() draws exactly the
-    /// same, however many frames have passed.
-    quint64 pictureRevision() const;
-    /// Whether the video fills the picture; where it does not, paint() leaves what was there.
-    bool isPictureCovered() const;
-    /// Seeks so far whose video frame could not be decoded; the picture before stayed.
-    int lostPictures() const;
 
-    /// Set by an export around its work; a cancelled export leaves it set.
-    void setExporting(bool on);
-    bool isExporting() const;
-    /// From now on the time over the picture is that of an export at `speed`: the time within logic frames `first` to
-    /// `last`, or that of the whole recording when `first` is -1. No mouse effect is under way.
-    void beginExport(double speed, int first, int last);
-    /// As before again, at `frame`. That takes no time when it is the frame at which the export began.
-    void endExport(int frame);
+    /// Paints the current frame, frameSize() large, at the painter's origin. A null painter does nothing.
+    void paint(QPainter *painter);
+    /// Increases whenever paint() may draw something else than before. Equal values mean identical output of paint().
+    quint64 frameRevision() const;
+    /// Whether the video covers the whole frame. If not, paint() leaves some pixels untouched.
+    bool isFrameCovered() const;
 
 public slots:
-    /// Hands the settings in gKelMovieConfig to the tracks, as loading and play() do, and has the picture painted
-    /// again. To be connected to the sigConfigUpdated of settings panels.
+    /// Applies the settings in gKelMovieConfig to the tracks, as loading and play() do, and emits sigFrameChanged().
+    /// Connect it to sigConfigUpdated of the settings panels.
     void updateSettings();
 
 signals:
-    /// Paint again. While playing, emitted when a frame is due and once more when the tracks have moved to it (at high
-    /// speed they leave some out).
+    /// Paint again. While playing, emitted when a frame is due and again after the tracks have moved to it; at high
+    /// speed the tracks skip some frames.
     void sigFrameChanged(int frame);
     /// Playback reached the end or was stopped.
     void sigPlaybackStopped();
     void sigPlaybackStarted();
     void sigPlaybackPaused();
     void sigPlaybackSpeedChanged(double speed);
-    /// The sound cannot be heard, for want of a device; the picture goes on. Once, until there has been a device again.
+    /// The sound cannot be played because there is no device; the video continues. Emitted once until a device has
+    /// been available again.
     void sigSoundDeviceFailed();
 
 private:
+    friend class kel::PlaybackInternals;
+
+    KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode,
+                            const KelPlaybackDependencies &dependencies, QObject *parent);
+
     class Private;
     std::unique_ptr<Private> d;
 };

@@ -19,10 +19,10 @@ namespace
 
 constexpr int kMaxFontSizePx = 400;
 constexpr int kMinHistoryFontSizePx = 8;
-constexpr int kMaxContinueChar = 200; // every further character keeps the whole text once more
+constexpr int kMaxContinueChar = 200; // each further character stores another copy of the text
 constexpr int kMaxSeconds = 24 * 60 * 60;
 constexpr int kMaxPercent = 1000;
-constexpr double kPlainMouseSize = 15.0; // the size at which effects are as large as they were drawn
+constexpr double kUnscaledMouseSize = 15.0; // the setting at which effects have their natural size
 
 double factor(int percent)
 {
@@ -38,10 +38,10 @@ KeyOverlayStyle keyOverlayStyle(const KelMovieConfig &config)
 {
     KeyOverlayStyle style;
     style.font = config.playbackKeyboardFont;
-    if (style.font.family().isEmpty()) // the default, made before the application knew its font
+    if (style.font.family().isEmpty()) // the default, created before the application had a font
         style.font.setFamily(QGuiApplication::font().family());
     style.fontSizePx = std::clamp(config.playbackKeyboardFontSizePx, 1, kMaxFontSizePx);
-    // The setting says how much smaller the history is, never so much that it cannot be read.
+    // The setting is the difference to the font size; the result stays readable.
     style.historyFontSizePx =
         std::clamp(style.fontSizePx - std::clamp(config.playbackKeyboardHistoryFontSize, 0, kMaxFontSizePx),
                    std::min(kMinHistoryFontSizePx, style.fontSizePx), style.fontSizePx);
@@ -61,7 +61,7 @@ void applyTo(KelPlaybackMouseTrack &track, const KelMovieConfig &config, double 
     track.setShownButtons(config.playbackMouseShowActionButton);
     track.setShowWheel(config.playbackMouseShowWheel);
     track.setReplaceSameButton(config.playbackMouseReplaceEffects);
-    track.setEffectScale(pixelRatio * config.playbackMouseSize / kPlainMouseSize);
+    track.setEffectScale(pixelRatio * config.playbackMouseSize / kUnscaledMouseSize);
     track.setClickType(config.playbackMouseClickEffect);
     track.setWheelType(config.playbackMouseWheelEffect);
     track.setEffectColor(config.playbackMouseColor);
@@ -84,12 +84,12 @@ void applyTo(KelPlaybackCountdownTrack &track, const KelMovieConfig &config)
     track.setEnabled(config.playbackProgressEnable);
     track.setDisplayMode(config.playbackProgressDisplayMode);
     track.setBarColors(config.playbackProgressFgColor, config.playbackProgressBgColor);
-    // One size for both looks: the bar is thin beside the letters of the box.
+    // One setting for both display modes: the bar is thinner than the text of the box is high.
     const int size = std::clamp(config.playbackProgressSize, 1, kMaxFontSizePx);
     track.setFontSize(size);
     track.setBarHeight(std::max(1, size * 3 / 8));
     track.setCornerRadius(std::clamp(config.playbackProgressRound, 0, kMaxFontSizePx));
-    track.setBarStep(std::clamp(config.playbackProgressGapTime, 0, kMaxSeconds * 1000));
+    track.setBarInterval(std::clamp(config.playbackProgressGapTime, 0, kMaxSeconds * 1000));
 }
 
 } // namespace

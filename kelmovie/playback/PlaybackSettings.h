@@ -6,9 +6,9 @@ struct KelMovieConfig;
 namespace kel
 {
 
-/// Gives a track the settings that are meant for its kind; the only place where settings and playback meet. Values out
-/// of range, as a damaged store may hold them, are brought into it.
-/// `pixelRatio`: picture pixels per pixel of a 96-dpi desktop.
+/// Applies the settings for its kind to a track; the only place where playback reads settings. Values that are out of
+/// range, which a damaged store may contain, are clamped.
+/// `pixelRatio`: logical pixels of the frame per pixel of a 96-dpi desktop.
 void applyPlaybackSettings(const KelMovieConfig &config, double pixelRatio, KelPlaybackTrack &track);
 
 } // namespace kel

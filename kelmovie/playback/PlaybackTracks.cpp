@@ -5,15 +5,14 @@
 #include "playback/keys/KelPlaybackKeyboardTrack.h"
 #include "playback/mouse/KelPlaybackMouseTrack.h"
 #include "playback/tracks/KelPlaybackCountdownTrack.h"
+#include "playback/tracks/KelPlaybackDependencies.h"
 #include "playback/tracks/KelPlaybackScreenTrack.h"
-#include "playback/tracks/KelPlaybackSeams.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
 
 #include <KelMovie/KelMovieConfig.h>
 
-#include <QDebug>
 #include <QFileInfo>
 
 #include <utility>
@@ -21,30 +20,30 @@
 namespace kel
 {
 
-/// The order is the painting order: what comes later lies above.
+/// The order of creation is the painting order, from bottom to top.
 PlaybackTracks::PlaybackTracks(const QString &recordDir, const KelRecordingMetadata &metadata,
-                               bool preferHardwareDecode, const KelPlaybackSeams &seams,
+                               bool preferHardwareDecode, const KelPlaybackDependencies &dependencies,
                                KelPlaybackTrackManager *manager)
     : m_manager(manager)
     , m_recordDir(recordDir)
     , m_pixelRatio(metadata.pixelRatio)
-    , m_pictureSize(metadata.recordArea.size())
+    , m_frameSize(metadata.recordArea.size())
 {
     if (metadata.screenTrack)
-        createScreen(metadata, preferHardwareDecode, seams);
-    if (m_pictureSize.isEmpty() && m_screen)
-        m_pictureSize = m_screen->frameSize();
+        createScreen(metadata, preferHardwareDecode, dependencies);
+    if (m_frameSize.isEmpty() && m_screen)
+        m_frameSize = m_screen->videoSize();
     if (metadata.mouseTrack)
         createMouse();
     if (metadata.systemAudio || metadata.microphoneAudio)
-        createVoice(metadata, seams);
+        createVoice(metadata, dependencies);
     createCountdown(metadata);
     decideFrameCount(metadata.screenTrack);
     if (metadata.keyboardTrack)
         createKeyboard();
     applySettings();
     if (!QFileInfo(recordDir).isDir())
-        m_errorString = "Recording directory not found: " + recordDir;
+        m_errorString = QLatin1String("Recording directory not found: ") + recordDir;
 }
 
 PlaybackTracks::~PlaybackTracks() = default;
@@ -58,16 +57,16 @@ Track *PlaybackTracks::add(std::unique_ptr<Track> track)
 }
 
 void PlaybackTracks::createScreen(const KelRecordingMetadata &metadata, bool preferHardwareDecode,
-                                  const KelPlaybackSeams &seams)
+                                  const KelPlaybackDependencies &dependencies)
 {
     const QString dir = KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kScreenDir);
     if (!QFileInfo(dir).isDir()) {
-        m_errorString = "Screen directory not found: " + dir;
+        m_errorString = QLatin1String("Screen directory not found: ") + dir;
         qCWarning(logPlayback) << "Screen track enabled but directory not found:" << dir;
         return;
     }
     auto track = std::make_unique<KelPlaybackScreenTrack>(metadata.devicePixelRatio, dir, preferHardwareDecode,
-                                                          seams.decoders, m_manager);
+                                                          dependencies.decoders, m_manager);
     if (!track->errorString().isEmpty()) {
         m_errorString = track->errorString();
         qCCritical(logPlayback) << "Screen track creation failed:" << m_errorString;
@@ -86,15 +85,15 @@ void PlaybackTracks::createMouse()
     m_mouse = add(std::make_unique<KelPlaybackMouseTrack>(dir, m_manager));
 }
 
-void PlaybackTracks::createVoice(const KelRecordingMetadata &metadata, const KelPlaybackSeams &seams)
+void PlaybackTracks::createVoice(const KelRecordingMetadata &metadata, const KelPlaybackDependencies &dependencies)
 {
     const QString dir = KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kVoiceDir);
     if (!QFileInfo(dir).isDir()) {
         qCWarning(logPlayback) << "Voice track enabled but directory not found:" << dir;
         return;
     }
-    m_voice = add(
-        std::make_unique<KelPlaybackVoiceTrack>(dir, metadata.systemAudio, metadata.microphoneAudio, seams, m_manager));
+    m_voice = add(std::make_unique<KelPlaybackVoiceTrack>(dir, metadata.systemAudio, metadata.microphoneAudio,
+                                                          dependencies, m_manager));
 }
 
 void PlaybackTracks::createCountdown(const KelRecordingMetadata &metadata)
@@ -102,14 +101,14 @@ void PlaybackTracks::createCountdown(const KelRecordingMetadata &metadata)
     m_countdown = add(std::make_unique<KelPlaybackCountdownTrack>(m_recordDir, m_manager));
     m_countdown->setScale(m_pixelRatio);
     m_countdown->setFps(metadata.fps);
-    m_countdown->setArea(QRect(QPoint(), m_pictureSize));
+    m_countdown->setArea(QRect(QPoint(), m_frameSize));
 }
 
 void PlaybackTracks::createKeyboard()
 {
     auto track = std::make_unique<KelPlaybackKeyboardTrack>(
-        KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kKeyboardDir), m_totalFrames, m_pixelRatio,
-        m_pictureSize, m_manager);
+        KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kKeyboardDir), m_totalFrames, m_pixelRatio, m_frameSize,
+        m_manager);
     if (!track->errorString().isEmpty()) {
         qCCritical(logPlayback) << "Keyboard track creation failed:" << track->errorString();
         return;
@@ -120,7 +119,7 @@ void PlaybackTracks::createKeyboard()
 void PlaybackTracks::decideFrameCount(bool isScreenRecorded)
 {
     if (!isScreenRecorded) {
-        m_errorString = "The recording has no screen track";
+        m_errorString = QStringLiteral("The recording has no screen track");
         qCWarning(logPlayback) << "Screen track disabled, cannot determine frame count";
     } else if (!m_screen) {
         qCCritical(logPlayback) << "No screen track found in tracks list";

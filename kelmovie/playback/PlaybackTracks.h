@@ -15,32 +15,32 @@ class KelPlaybackTrack;
 class KelPlaybackTrackManager;
 class KelPlaybackVoiceTrack;
 class QPainter;
-struct KelPlaybackSeams;
+struct KelPlaybackDependencies;
 struct KelRecordingMetadata;
 
 namespace kel
 {
 
-/// The tracks of one loaded recording: creates them, brings them to a frame and paints them over each other.
+/// The tracks of one loaded recording: creates them, moves them to a frame and paints them in order.
 class PlaybackTracks
 {
 public:
-    /// Creates what `metadata` says was recorded in `recordDir`; what cannot be created is logged and left out. Nothing
-    /// asks the manager yet, who is being constructed.
+    /// Creates the tracks that `metadata` lists for `recordDir`; those that cannot be created are logged and left out.
+    /// `manager` is only passed on: it may still be under construction.
     PlaybackTracks(const QString &recordDir, const KelRecordingMetadata &metadata, bool preferHardwareDecode,
-                   const KelPlaybackSeams &seams, KelPlaybackTrackManager *manager);
+                   const KelPlaybackDependencies &dependencies, KelPlaybackTrackManager *manager);
     ~PlaybackTracks();
 
-    /// Why there is no screen track; empty when there is one.
+    /// Why the recording cannot be shown, as one English line; empty when it can.
     QString errorString() const { return m_errorString; }
     /// Logic frames of the recording, at least 1.
     int totalFrames() const { return m_totalFrames; }
-    /// Of the whole picture, in logical pixels; may be empty.
-    QSize pictureSize() const { return m_pictureSize; }
-    /// Of the recorded tracks that work, in painting order.
+    /// Size of a composed frame in logical pixels; may be empty.
+    QSize frameSize() const { return m_frameSize; }
+    /// Names of the recorded tracks that work, in painting order.
     QStringList names() const;
 
-    // Null where there is none; the countdown always is.
+    // Null when there is none. The countdown track always exists. Owned by this.
     KelPlaybackScreenTrack *screen() const { return m_screen; }
     KelPlaybackMouseTrack *mouse() const { return m_mouse; }
     KelPlaybackVoiceTrack *voice() const { return m_voice; }
@@ -48,22 +48,23 @@ public:
     KelPlaybackKeyboardTrack *keyboard() const { return m_keyboard; }
 
     void applySettings();
-    /// All but the sound, which follows the clock.
+    /// Moves all tracks but the sound, which follows the clock.
     void moveTo(int frame);
     void resetEffects();
     void paint(QPainter *painter);
 
-    /// Grows whenever paint() may draw something else than before.
+    /// Increases whenever paint() may draw something else than before.
     quint64 revision() const { return m_revision; }
-    /// A track was changed from outside.
+    /// To be called after a track has been changed directly.
     void noteChange() { ++m_revision; }
 
 private:
     template <typename Track>
     Track *add(std::unique_ptr<Track> track);
-    void createScreen(const KelRecordingMetadata &metadata, bool preferHardwareDecode, const KelPlaybackSeams &seams);
+    void createScreen(const KelRecordingMetadata &metadata, bool preferHardwareDecode,
+                      const KelPlaybackDependencies &dependencies);
     void createMouse();
-    void createVoice(const KelRecordingMetadata &metadata, const KelPlaybackSeams &seams);
+    void createVoice(const KelRecordingMetadata &metadata, const KelPlaybackDependencies &dependencies);
     void createCountdown(const KelRecordingMetadata &metadata);
     void createKeyboard();
     void decideFrameCount(bool isScreenRecorded);
@@ -72,13 +73,13 @@ private:
     const QString m_recordDir;
     const double m_pixelRatio;
     std::vector<std::unique_ptr<KelPlaybackTrack>> m_tracks; // in painting order
-    KelPlaybackScreenTrack *m_screen = nullptr;              // the one in m_tracks, as are the others
+    KelPlaybackScreenTrack *m_screen = nullptr;              // points into m_tracks, like those below
     KelPlaybackMouseTrack *m_mouse = nullptr;
     KelPlaybackVoiceTrack *m_voice = nullptr;
     KelPlaybackCountdownTrack *m_countdown = nullptr;
     KelPlaybackKeyboardTrack *m_keyboard = nullptr;
     QString m_errorString;
-    QSize m_pictureSize;
+    QSize m_frameSize;
     int m_totalFrames = 1;
     quint64 m_revision = 0;
 };

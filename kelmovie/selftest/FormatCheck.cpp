@@ -3,7 +3,7 @@
 #include "avcodec/KelAVCodecEncoder.h"
 #include "avcodec/animation/AnimationReader.h"
 #include "avcodec/decode/h264Decoder.h"
-#include "export/KelExportSeams.h"
+#include "export/KelExportDependencies.h"
 
 #include <QColor>
 #include <QImage>
@@ -39,7 +39,7 @@ QImage picture(int frame)
 
 QString encode(int format, const QString &path)
 {
-    const auto encoder = KelExportSeams::real().createEncoder(format, kSize, path, kFps, kQuality, QString());
+    const auto encoder = KelExportDependencies::real().createEncoder(format, kSize, path, kFps, kQuality, QString());
     if (!encoder)
         return QStringLiteral("there is no encoder");
     for (int frame = 0; frame < kFrames; ++frame) {

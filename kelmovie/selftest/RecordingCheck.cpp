@@ -65,9 +65,9 @@ QString RecordingCheck::playBack()
         return QStringLiteral("only %1 frames were recorded").arg(playback.totalFrames());
     if (!playback.trackNames().contains(QStringLiteral("MouseTrack")))
         return QStringLiteral("the mouse was not recorded");
-    QImage picture(playback.pictureSize(), QImage::Format_ARGB32_Premultiplied);
+    QImage picture(playback.frameSize(), QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
-    playback.setFrameSilently(playback.totalFrames() - 1);
+    playback.setFrameAsPlayed(playback.totalFrames() - 1);
     QPainter painter(&picture);
     playback.paint(&painter);
     painter.end();

@@ -52,8 +52,8 @@ private:
     /// Changes often, even when one percent takes minutes.
     static QString note(const Status &status)
     {
-        const QString time =
-            status.leftMs < 0 ? Units::clock(status.elapsedMs) : Units::clock(status.leftMs) + QLatin1String(" left");
+        const QString time = status.remainingMs < 0 ? Units::clock(status.elapsedMs)
+                                                    : Units::clock(status.remainingMs) + QLatin1String(" left");
         switch (status.stage) {
         case Status::Stage::Frames:
             return QStringLiteral("%1/%2  %3").arg(status.done).arg(status.units).arg(time);
@@ -61,7 +61,7 @@ private:
             return QStringLiteral("finishing  %1").arg(time);
         case Status::Stage::Sound:
             return QStringLiteral("adding sound  %1").arg(time);
-        case Status::Stage::Placing:
+        case Status::Stage::Saving:
             return QStringLiteral("saving  %1").arg(time);
         }
         return QString();
@@ -193,7 +193,7 @@ QString ExportCommand::run()
     request.outputPath = m_file;
     request.loops = m_loops;
     if (!m_size.isEmpty())
-        request.size = recording.manager()->pictureSize().scaled(m_size, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+        request.size = recording.manager()->frameSize().scaled(m_size, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     request.trackDataDir = m_directory;
     request.playbackManager = recording.manager();
     QString rangeError = setRange(recording, &request);

@@ -61,7 +61,7 @@ QSize LoadedRecording::pixels() const
 {
     if (!m_error.isEmpty())
         return QSize();
-    return (QSizeF(manager()->pictureSize()) * manager()->devicePixelRatio()).toSize();
+    return (QSizeF(manager()->frameSize()) * manager()->devicePixelRatio()).toSize();
 }
 
 QStringList LoadedRecording::tracksPresent() const

@@ -74,7 +74,7 @@ QLayout *ExportOptionsDialog::createChoices()
 
     m_frameSize = new ChoiceBox(this);
     for (const int percent : {100, 75, 50, 33, 25}) {
-        const QSize size = manager.pictureSize() * (percent / 100.0);
+        const QSize size = manager.frameSize() * (percent / 100.0);
         m_frameSize->addItem(QStringLiteral("%1 × %2").arg(size.width()).arg(size.height()), percent);
     }
     select(m_frameSize, kSizeKey, 100);
@@ -145,7 +145,7 @@ int ExportOptionsDialog::fps() const
 QSize ExportOptionsDialog::frameSize() const
 {
     const int percent = m_frameSize->currentData().toInt();
-    return percent == 100 ? QSize() : m_player.manager()->pictureSize() * (percent / 100.0);
+    return percent == 100 ? QSize() : m_player.manager()->frameSize() * (percent / 100.0);
 }
 
 void ExportOptionsDialog::accept()

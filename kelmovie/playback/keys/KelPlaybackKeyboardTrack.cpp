@@ -3,7 +3,6 @@
 #include "logging/Log.h"
 #include "playback/keys/KeyBoxPainter.h"
 
-#include <QDebug>
 #include <QPainter>
 
 #include <algorithm>
@@ -19,21 +18,21 @@ constexpr double kMaxScale = 16.0;
 } // namespace
 
 KelPlaybackKeyboardTrack::KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio,
-                                                   const QSize &picture, KelPlaybackTrackManager *manager)
+                                                   const QSize &frameSize, KelPlaybackTrackManager *manager)
     : KelPlaybackTrack(directory, manager)
     , m_totalFrames(totalFrames)
     , m_scale(qBound(kMinScale, pixelRatio, kMaxScale))
 {
-    setName("Keyboard");
+    setName(QStringLiteral("Keyboard"));
     if (!readKeyLog(directory, m_recording)) {
-        setErrorString("KelPlaybackKeyboardTrack open meta file failed: " + directory);
+        setErrorString(QLatin1String("KelPlaybackKeyboardTrack open meta file failed: ") + directory);
         qCCritical(logPlayback).noquote() << errorString();
         return;
     }
-    // The file may lie; boxes belong into the picture.
+    // The file may be damaged; boxes must stay inside the frame.
     m_canvas = m_recording.canvas;
-    if (!picture.isEmpty())
-        m_canvas = m_canvas.isEmpty() ? picture : m_canvas.boundedTo(picture);
+    if (!frameSize.isEmpty())
+        m_canvas = m_canvas.isEmpty() ? frameSize : m_canvas.boundedTo(frameSize);
     build();
 }
 
@@ -95,9 +94,9 @@ void KelPlaybackKeyboardTrack::paint(QPainter *painter)
 {
     if (!painter)
         return;
-    const KeyBoxLayout::Frame canvas{m_canvas, m_scale};
+    const KeyBoxLayout::Canvas canvas{m_canvas, m_scale};
     double offset = 0.0;
-    // False when there is no room for it and what lies above.
+    // Returns false if there is no room for this box, and so for none above it.
     const auto paintItem = [&](const KeyDisplayItem &item, bool isCurrent) {
         const KeyBoxLayout layout(item, m_style, canvas, offset, isCurrent);
         paintKeyBox(*painter, layout, m_style);

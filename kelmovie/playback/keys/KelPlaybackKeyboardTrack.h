@@ -9,20 +9,20 @@
 
 #include <vector>
 
-/// Shows typed keys over the picture: what is being typed and a short history of it, as boxes stacked upwards from the
-/// bottom edge.
+/// The layer that shows typed keys: the current input and a short history, as boxes stacked upwards from the bottom
+/// edge.
 class KelPlaybackKeyboardTrack : public KelPlaybackTrack
 {
     Q_OBJECT
 
 public:
-    /// Loads the keys in `directory`; on failure errorString() says why. `pixelRatio`: picture pixels per pixel of a
-    /// 96-dpi desktop; no box leaves the `picture`, where its size is known. With its own style the track shows
-    /// nothing: see setStyle().
-    KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio, const QSize &picture,
+    /// Loads the keys in `directory`; errorString() is set when that fails. `pixelRatio`: logical pixels of the frame
+    /// per pixel of a 96-dpi desktop. Boxes stay inside `frameSize`, unless it is empty. The default style shows no
+    /// keys, see setStyle().
+    KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio, const QSize &frameSize,
                              KelPlaybackTrackManager *manager);
 
-    /// The frame shown stays, in the new style.
+    /// Applies to the current frame, too.
     void setStyle(const kel::KeyOverlayStyle &style);
     const kel::KeyOverlayStyle &style() const { return m_style; }
     /// What is displayed at every frame.
@@ -32,7 +32,7 @@ public:
     void seekToFrame(int frame) override;
     bool moveToFrame(int frame) override;
     void paint(QPainter *painter) override;
-    /// The next frame at which something is displayed, -1 also when nothing is shown now.
+    /// The next frame at which something is displayed; -1 if there is none, or if nothing is displayed now.
     int nextKeyFrame() override;
     bool isVisible() override;
     /// Shows nothing until the next seek.
@@ -57,5 +57,5 @@ private:
     kel::KeyOverlayStyle m_style;
     kel::KeyDisplayList m_list;
     int m_frame = 0;
-    int m_entry = -1; // the one shown, -1 for none
+    int m_entry = -1; // index of the entry that is shown, -1 for none
 };

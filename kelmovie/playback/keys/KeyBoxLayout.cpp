@@ -13,11 +13,11 @@ namespace
 {
 
 constexpr double kMargin = 8.0;
-constexpr double kGap = 4.0; // between boxes, to the canvas' edges and around what is set apart
+constexpr double kGap = 4.0; // between boxes, to the canvas edges, and around chip and label
 constexpr double kLabelScale = 0.8;
 constexpr double kLegiblePixelSize = 9.0;
 
-/// The text with numbers in place of characters that no font here can draw.
+/// Replaces characters that no installed font can draw by their code points.
 QString drawable(const QString &text, const QFont &font)
 {
     const QFontMetricsF metrics(font);
@@ -42,14 +42,14 @@ QSizeF sizeOf(const QString &text, const QFont &font)
 
 } // namespace
 
-KeyBoxLayout::KeyBoxLayout(const KeyDisplayItem &item, const KeyOverlayStyle &style, const Frame &frame, double offset,
-                           bool isNewest)
+KeyBoxLayout::KeyBoxLayout(const KeyDisplayItem &item, const KeyOverlayStyle &style, const Canvas &canvas,
+                           double offset, bool isNewest)
     : font(style.font)
     , labelFont(style.font)
-    , m_scale(frame.scale)
+    , m_scale(canvas.scale)
     , m_offset(offset)
 {
-    const QSizeF room = frame.canvas - QSizeF(2.0 * kGap, 2.0 * kGap) * m_scale - QSizeF(0.0, offset);
+    const QSizeF room = canvas.size - QSizeF(2.0 * kGap, 2.0 * kGap) * m_scale - QSizeF(0.0, offset);
     const bool isTyping = item.type == KeyDisplayItem::Character;
     double pixelSize = std::round((isNewest ? style.fontSizePx : style.historyFontSizePx) * m_scale);
     const double smallest = std::min(pixelSize, std::round(kLegiblePixelSize * m_scale));
@@ -69,10 +69,10 @@ KeyBoxLayout::KeyBoxLayout(const KeyDisplayItem &item, const KeyOverlayStyle &st
         size = measure();
     }
     if (size.width() <= room.width() && size.height() <= room.height())
-        place(style.displayPos, frame.canvas);
+        place(style.displayPos, canvas.size);
 }
 
-/// "Ctrl+C" is a chip "Ctrl" and " + C" beside it. The last character may itself be a plus.
+/// "Ctrl+C" becomes a chip "Ctrl" and the text " + C" beside it. The key itself may be a plus.
 void KeyBoxLayout::setTexts(const KeyDisplayItem &item)
 {
     const int split = item.text.size() < 3 ? -1 : item.text.lastIndexOf(QLatin1Char('+'), -2);
@@ -92,7 +92,7 @@ void KeyBoxLayout::setFontSize(double pixelSize)
     labelFont.setPixelSize(std::max(1, int(std::lround(pixelSize * kLabelScale))));
 }
 
-/// The size of box and label together.
+/// Returns the size of box and label together.
 QSizeF KeyBoxLayout::measure()
 {
     m_textSize = sizeOf(text, font);
@@ -106,8 +106,8 @@ QSizeF KeyBoxLayout::measure()
     return {m_boxWidth + labelWidth, m_boxHeight};
 }
 
-/// Takes `width` from the text. Modifiers give way before the key that they belong to; of what is being typed, the
-/// beginning goes.
+/// Shortens the text by `width`: the modifiers, if there are any, else the key. With `keepsEnd`, which is for typed
+/// text, at its beginning.
 void KeyBoxLayout::shorten(double width, bool keepsEnd)
 {
     const QFontMetricsF metrics(font);
@@ -134,7 +134,7 @@ void KeyBoxLayout::place(int displayPos, const QSizeF &canvas)
         box.moveLeft((canvas.width() - m_boxWidth) / 2.0);
         break;
     }
-    // The label stands to the right of the box, and has to stay inside too.
+    // The label is to the right of the box, and must stay inside the canvas, too.
     const double labelSpace = labelText.isEmpty() ? 0.0 : m_labelSize.width() + 2.0 * gap;
     box.moveLeft(std::min(box.left(), canvas.width() - gap - m_boxWidth - labelSpace));
     background = box.adjusted(0.0, 0.0, labelSpace, 0.0);

@@ -9,19 +9,19 @@
 namespace kel
 {
 
-/// Where everything of one box lies, in pixels of the canvas. The box is whole inside the canvas: a text too wide is
-/// set smaller, then shortened; a box for which there is no room at all is not there.
+/// The layout of one box, in pixels of the canvas. The box is always inside the canvas: text that is too wide gets a
+/// smaller font, and is then shortened; without room even for that, the box is empty.
 class KeyBoxLayout
 {
 public:
-    struct Frame {
-        QSizeF canvas;
+    struct Canvas {
+        QSizeF size;
         double scale = 1.0; ///< canvas pixels per pixel of the style
     };
 
-    /// A box whose bottom lies `offset` and a gap above the canvas' bottom. The newest box is rather set smaller than
-    /// left out where the canvas is low.
-    KeyBoxLayout(const KeyDisplayItem &item, const KeyOverlayStyle &style, const Frame &frame, double offset,
+    /// A box whose bottom is `offset` and a gap above the bottom of the canvas. Only the newest box gets a smaller font
+    /// if the canvas is too low for it.
+    KeyBoxLayout(const KeyDisplayItem &item, const KeyOverlayStyle &style, const Canvas &canvas, double offset,
                  bool isNewest);
 
     bool isEmpty() const { return background.isEmpty(); }
@@ -33,7 +33,7 @@ public:
     QFont labelFont;
     QString chipText; ///< modifiers before a key; may be empty
     QString text;
-    QString labelText; ///< how often it was typed; empty for once
+    QString labelText; ///< number of repetitions, such as "x2"; empty for one
     QRectF background;
     QRectF chip;
     QRectF textRect;

@@ -21,7 +21,7 @@ double pixelRatio(const QPainter &painter)
     return std::clamp(std::sqrt(std::abs(painter.combinedTransform().determinant())), kMinRatio, kMaxRatio);
 }
 
-/// The point moved to where a device pixel begins.
+/// The point, aligned to the device pixels.
 QPointF snapped(const QPainter &painter, const QPointF &point)
 {
     const QTransform toDevice = painter.combinedTransform();
@@ -29,7 +29,7 @@ QPointF snapped(const QPainter &painter, const QPointF &point)
     return toDevice.inverted().map(QPointF(std::round(device.x()), std::round(device.y())));
 }
 
-/// A translucent text would vanish on its chip.
+/// On its chip, translucent text could not be read.
 QColor opaque(QColor color)
 {
     color.setAlpha(255);
@@ -39,7 +39,7 @@ QColor opaque(QColor color)
 void paintParts(QPainter &painter, const KeyBoxLayout &layout, const KeyOverlayStyle &style)
 {
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-    // What is painted replaces what lies below, so that translucent colours do not add up.
+    // Source mode replaces the pixels below, so that translucent colors do not add up.
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.setPen(Qt::NoPen);
     painter.setBrush(style.bgColor);

@@ -11,20 +11,20 @@ namespace kel
 namespace
 {
 
-/// Whether a key is in truth the other one of Alt and Meta. With Shift held, X11's layouts make the Alt key a Meta key:
-/// it may go down as one and come up as the other. (The Windows key is a Super key there.)
+/// Whether a recorded Alt key is the Meta key, or the reverse. With Shift held, X11 layouts map the Alt key to Meta, so
+/// it may be pressed as one and released as the other. (The Windows key is a Super key there.)
 bool isSwapped(const KeyRecord &record, quint32 held)
 {
     if (record.key != Qt::Key_Alt && record.key != Qt::Key_Meta)
         return false;
-    const quint32 itself = modifierOfKey(record.key);
-    const quint32 other = itself ^ (Qt::AltModifier | Qt::MetaModifier);
+    const quint32 own = modifierOfKey(record.key);
+    const quint32 other = own ^ (Qt::AltModifier | Qt::MetaModifier);
     if (record.pressed)
         return record.key == Qt::Key_Meta && (held & Qt::ShiftModifier) && !(held & other);
-    return (held & other) && !(held & itself);
+    return (held & other) && !(held & own);
 }
 
-/// The records with the keys that a viewer would name.
+/// The records with the keys as they are shown, see shownKey().
 std::vector<KeyRecord> shownRecords(const std::vector<KeyRecord> &records)
 {
     std::vector<KeyRecord> shown;
@@ -66,7 +66,7 @@ KeyDisplayListBuilder::KeyDisplayListBuilder(const KeyLog &recording, const Limi
 void KeyDisplayListBuilder::run(int totalFrames)
 {
     applyModifier();
-    // Only frames at which something happens are visited.
+    // Visits only frames at which something changes.
     for (int frame = 0; frame < totalFrames;) {
         catchUp(frame);
         m_nowMs = std::min<qint64>(frame * 1000LL / m_fps, INT_MAX);
@@ -95,7 +95,7 @@ void KeyDisplayListBuilder::run(int totalFrames)
     }
 }
 
-/// Releases, for one, change only when something expires.
+/// Extends the last entry if this one looks the same: a release, for example, only changes when the entry expires.
 void KeyDisplayListBuilder::append(const KeyDisplayEntry &entry)
 {
     std::vector<KeyDisplayEntry> &entries = m_list.entries;
@@ -105,7 +105,7 @@ void KeyDisplayListBuilder::append(const KeyDisplayEntry &entry)
         entries.push_back(entry);
 }
 
-/// Passes the records before `frame`. Modifiers count one record ahead: they include the one to be handled next.
+/// Skips the records before `frame`. m_modifiers is one record ahead: it includes the record that is handled next.
 void KeyDisplayListBuilder::catchUp(int frame)
 {
     while (hasRecord() && m_records[m_next].frame < frame) {
@@ -124,8 +124,7 @@ void KeyDisplayListBuilder::applyModifier()
     m_modifiers = m_records[m_next].pressed ? m_modifiers | modifier : m_modifiers & ~modifier;
 }
 
-/// What goes on being displayed, before the frame's own record. With the current item expires all that it brought
-/// along.
+/// What is still displayed from the frame before. When the current item expires, its history goes with it.
 KeyDisplayEntry KeyDisplayListBuilder::startEntry(int frame) const
 {
     KeyDisplayEntry entry = m_last;
@@ -201,7 +200,7 @@ void KeyDisplayListBuilder::moveToHistory(KeyDisplayEntry &entry)
     entry.historyEnd = int(m_list.past.size());
 }
 
-/// Items become history in the order of their time, so that the expired ones are the oldest.
+/// Items are moved to the history in order of time, so that the oldest ones expire first.
 void KeyDisplayListBuilder::trim(KeyDisplayEntry &entry) const
 {
     entry.historyBegin = std::max(entry.historyBegin, entry.historyEnd - m_maxPast);
@@ -211,7 +210,7 @@ void KeyDisplayListBuilder::trim(KeyDisplayEntry &entry) const
         entry.current = KeyDisplayItem();
 }
 
-/// The first frame at which something of the entry is expired.
+/// The first frame at which a part of the entry is expired.
 int KeyDisplayListBuilder::firstFrameOfChange(const KeyDisplayEntry &entry) const
 {
     qint64 timeMs = entry.hasCurrent() ? entry.current.timeMs : INT_MAX;

@@ -8,16 +8,16 @@
 namespace kel
 {
 
-/// Turns recorded keys into what is displayed at every logic frame.
+/// Converts recorded keys into the list of what is displayed at every logic frame.
 ///
-/// At most one record is handled a frame; of further ones of the same frame only the modifiers count.
+/// At most one record per frame is displayed; of the others, only the modifiers are tracked.
 class KeyDisplayListBuilder
 {
 public:
     struct Limits {
         int keepTimeSeconds = 3;
-        int maxHistoryCount = 5; ///< boxes at a time, the current one included
-        int maxContinueChar = 20;
+        int maxHistoryCount = 5;  ///< displayed boxes, including the current one
+        int maxContinueChar = 20; ///< characters in one box of continuous text
 
         bool operator==(const Limits &other) const
         {
@@ -54,9 +54,9 @@ private:
     const int m_maxPast;
     const int m_maxContinueChar;
     KeyDisplayList m_list;
-    KeyDisplayEntry m_last; // of the last frame visited, also when it displays nothing
+    KeyDisplayEntry m_last; // of the last visited frame, even if it displays nothing
     QHash<int, QString> m_texts;
-    size_t m_next = 0; // the record to be handled
+    size_t m_next = 0; // index of the next record
     quint32 m_modifiers = 0;
     bool m_captureOn = true;
     qint64 m_nowMs = 0;

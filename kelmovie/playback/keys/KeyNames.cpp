@@ -12,10 +12,10 @@ namespace kel
 namespace
 {
 
-/// From here on a Qt::Key names a key, below it is the character that the key types.
+/// Values of Qt::Key from here on are named keys; lower values are the characters that the keys type.
 constexpr int kFirstNamedKey = Qt::Key_Escape;
 
-bool isLegibleCharacter(int key)
+bool isPrintable(int key)
 {
     const uint character = uint(key);
     if (character > QChar::LastValidCodePoint || QChar::isSurrogate(character) || QChar::isNonCharacter(character))
@@ -36,7 +36,7 @@ bool isLegibleCharacter(int key)
     }
 }
 
-/// For keys it does not know, QKeySequence makes up characters.
+/// For unknown keys, QKeySequence returns arbitrary characters.
 bool isName(const QString &text)
 {
     return text.size() > 1 && std::all_of(text.begin(), text.end(), [](QChar character) {
@@ -96,7 +96,7 @@ QString keyText(int key)
     if (key > 0 && key < kFirstNamedKey) {
         if (QChar::category(uint(key)) == QChar::Separator_Space)
             key = Qt::Key_Space;
-        return isLegibleCharacter(key) ? QKeySequence(key).toString() : enumeratorName(key);
+        return isPrintable(key) ? QKeySequence(key).toString() : enumeratorName(key);
     }
     const QString text = QKeySequence(key).toString();
     return isName(text) ? text : enumeratorName(key);

@@ -6,20 +6,20 @@
 namespace kel
 {
 
-/// The key that is shown for a recorded one: left, right and shifted forms of a key are one key to a viewer. 0 for keys
-/// that only choose what another key types, such as AltGr: the viewer sees what was typed.
+/// The key that is shown for a recorded one: left, right and shifted variants are shown as one key. 0 for keys that
+/// only modify what another key types, such as AltGr: the typed character is shown instead.
 int shownKey(int key);
 
 /// The Qt::KeyboardModifier of a shown key, Qt::NoModifier for any other key.
 quint32 modifierOfKey(int key);
 
-/// A letter or a digit, which typed in a row make one text.
+/// Whether the key is a letter or a digit. Consecutive ones are joined into one text.
 bool isCharacterKey(int key);
 
-/// What a box calls a key: what it types, or its name. Never empty, and legible for every number.
+/// The text for a key: the character that it types, or its name. Never empty, and printable for any value.
 QString keyText(int key);
 
-/// "Shift+Ctrl+" and so on for a set of Qt::KeyboardModifier; empty for none.
+/// "Shift+Ctrl+" etc. for a set of Qt::KeyboardModifier; empty for none.
 QString modifierPrefix(quint32 modifiers);
 
 } // namespace kel

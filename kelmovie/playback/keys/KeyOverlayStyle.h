@@ -8,9 +8,9 @@
 namespace kel
 {
 
-/// How typed keys are shown. Pixels are those of a 96-dpi desktop.
+/// How typed keys are shown. Sizes are in pixels of a 96-dpi desktop.
 struct KeyOverlayStyle {
-    /// Where the boxes are stacked; any other number is BottomCenter.
+    /// Where the boxes are stacked; any other value counts as BottomCenter.
     enum Position { BottomCenter = 1, BottomLeft = 2, BottomRight = 3 };
 
     QFont font;

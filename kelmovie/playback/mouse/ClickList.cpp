@@ -42,10 +42,10 @@ void append(std::vector<TimedClick> &clicks, const MouseRecord &record)
     clicks.push_back({click, record.timestamp});
 }
 
-/// Gives each click the first release of its button that comes later, both in the file and in time. Walked from the
-/// end, so that the releases that are still to come are known; of those only the ones count that no nearer release
-/// with the same or a later frame stands in front of. Their frames fall, the nearest release comes last. Where none is
-/// later in time, a quick tap has had its release within its own frame.
+/// Assigns to each click the first release of its button that is later both in the file and in time. The list is walked
+/// from its end with a stack of the releases seen so far. A release is dropped once another one before it in the file
+/// has the same or a later frame, so the frames on the stack decrease and the nearest release is on top. If none is
+/// later in time, the release is in the frame of the click: a quick tap.
 void pair(std::vector<TimedClick> &clicks)
 {
     std::array<std::vector<const TimedClick *>, 4> releases;

@@ -11,7 +11,7 @@
 namespace kel
 {
 
-/// All that was clicked and turned, by logic frame.
+/// All clicks and turns of the wheel of a recording, by logic frame.
 class ClickList
 {
 public:
@@ -23,18 +23,18 @@ public:
         Iterator end() const { return last; }
     };
 
-    /// Reads the file; false, and the list is empty, when it cannot be used.
+    /// Reads the file. On failure returns false and leaves the list empty.
     bool load(const QString &path);
 
-    /// What happened after frame `after` up to and including frame `last`; within a frame in the order of the file.
+    /// The events after frame `after`, up to and including frame `last`; within a frame in the order of the file.
     Range between(int after, int last) const;
-    /// Whether `button` was pressed at all before `frame`.
+    /// Whether there is any press of `button` before `frame`.
     bool isPressedBefore(MouseButton button, int frame) const { return m_firstPress[int(button)] < frame; }
 
 private:
     static constexpr int kNever = std::numeric_limits<int>::max();
 
-    std::vector<MouseClick> m_clicks; // frames rising or equal
+    std::vector<MouseClick> m_clicks; // sorted by frame
     std::array<int, 4> m_firstPress{kNever, kNever, kNever, kNever};
 };
 

@@ -9,12 +9,12 @@ namespace kel
 namespace
 {
 
-constexpr int kEffectRate = 30;  // frames a second for which effects are made; one is played a step
+constexpr int kEffectRate = 30;  // playback frames per second of effects
 constexpr int kPressScaling = 6; // the click type
 
-// Playing at high speed or exporting few frames a second leaves frames out. What was clicked in them is due as well,
-// but after a jump it is not.
-constexpr int kMaxStep = 32;
+// Playing at high speed and exporting at a low frame rate skip logic frames, whose clicks must still start their
+// effects. A longer distance is a jump, after which they must not.
+constexpr int kMaxSkippedFrames = 32;
 
 } // namespace
 
@@ -69,11 +69,12 @@ void ClickPlayer::seekToFrame(int frame)
 {
     if (frame == 0)
         reset();
-    m_effects.step(frame);
-    m_pressScaling.step(frame);
-    // A frame that is asked for again has had its clicks.
-    const bool isStep = m_playedFrame >= 0 && m_playedFrame <= frame && frame - m_playedFrame <= kMaxStep;
-    for (const MouseClick &click : m_clicks.between(isStep ? m_playedFrame : frame - 1, frame))
+    m_effects.advance(frame);
+    m_pressScaling.advance(frame);
+    // If the same frame is shown again, its clicks have already been played.
+    const bool isContinuous =
+        m_playedFrame >= 0 && m_playedFrame <= frame && frame - m_playedFrame <= kMaxSkippedFrames;
+    for (const MouseClick &click : m_clicks.between(isContinuous ? m_playedFrame : frame - 1, frame))
         play(click);
     m_playedFrame = frame;
 }

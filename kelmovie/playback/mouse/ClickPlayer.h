@@ -14,27 +14,27 @@ class KelMouseWheelLottie;
 namespace kel
 {
 
-/// Plays what was clicked and turned: brings effects and the pressed pointer from one logic frame to the next.
+/// Plays the recorded clicks: advances the effects and the scaling of the pointer from one logic frame to the next.
 class ClickPlayer
 {
 public:
     ClickPlayer();
     ~ClickPlayer();
 
-    /// Reads the file of clicks; false, and nothing was ever clicked, when it cannot be used.
+    /// Reads the file of clicks. On failure returns false; there are then no clicks.
     bool load(const QString &path) { return m_clicks.load(path); }
 
-    /// One step: effects are played one frame further, however far `frame` is; those of its clicks begin. Frame 0
-    /// starts afresh.
+    /// Advances running effects by one playback frame, whatever the distance to `frame`, and starts those of the clicks
+    /// at `frame`. Frame 0 drops all effects.
     void seekToFrame(int frame);
-    /// Drops all that is being played.
+    /// Drops all effects.
     void reset();
 
     const std::vector<ActiveMouseEffect> &effects() const { return m_effects.effects(); }
-    /// What to enlarge the pointer by, about its position.
+    /// The factor by which to scale the pointer about its position.
     double pointerScale() const { return double(m_pressScaling.scale()); }
 
-    // What the setters of the track of the same names do.
+    // See the setters of KelPlaybackMouseTrack.
     void setClickType(int type);
     void setWheelType(int type);
     void setEffectColor(const QColor &color);
@@ -42,7 +42,7 @@ public:
     void setShowWheel(bool on) { m_effects.setShowWheel(on); }
     void setReplaceSameButton(bool on) { m_effects.setReplaceSameButton(on); }
 
-    /// The animation to paint; null for none.
+    /// The animation to paint; null for none. Owned by this.
     KelMouseButtonLottie *clickEffect() const { return m_clickEffect.get(); }
     KelMouseWheelLottie *wheelEffect() const { return m_wheelEffect.get(); }
 
@@ -52,7 +52,7 @@ private:
     ClickList m_clicks;
     MouseEffectList m_effects;
     PressScaling m_pressScaling;
-    int m_playedFrame = -1; // up to here clicks were played; -1 for none
+    int m_playedFrame = -1; // the last frame whose clicks were played; -1 for none
     QColor m_color;
     int m_clickType = 6;
     int m_wheelType = 0;

@@ -10,7 +10,7 @@ namespace kel
 namespace
 {
 
-/// An animation that could not be loaded has no rate; nothing sensible lasts longer than this.
+/// Handles the rate 0 of an animation that could not be loaded, and keeps the result in the range of int.
 int toFrames(double frames)
 {
     constexpr double maxFrames = 1e9;

@@ -3,13 +3,13 @@
 namespace kel
 {
 
-/// Between the frames of an animation, which has a rate of its own, and those of playback.
+/// Converts between frames of an animation, which has its own frame rate, and playback frames.
 class EffectTiming
 {
 public:
-    /// Length in playback frames of `count` animation frames, to the nearest, halves up. 0 where there is no telling.
+    /// Length in playback frames of `count` animation frames, rounded to the nearest, halves up. 0 if it is undefined.
     static int playbackFrames(double count, double animationRate, int playbackRate);
-    /// The playback frame in which animation frame `frame` is reached. 0 where there is no telling.
+    /// The playback frame at which animation frame `frame` is reached. 0 if it is undefined.
     static int playbackFrame(int frame, double animationRate, int playbackRate);
     /// The animation frame to show at playback frame `frame`.
     static float animationFrame(int frame, double animationRate, int playbackRate);

@@ -5,12 +5,11 @@
 #include "playback/mouse/EffectTiming.h"
 
 #include <QColor>
-#include <QDebug>
 #include <QRectF>
 
 using namespace kel;
 
-// Not inside of a function of a namespace: it declares what the resource compiler defines.
+// Must be in the global namespace, as Q_INIT_RESOURCE declares a global function.
 static void registerResources()
 {
     Q_INIT_RESOURCE(kelmovie);
@@ -66,7 +65,7 @@ void KelMouseButtonLottie::paintFrame(QPainter *painter, int frame, const QRectF
 namespace
 {
 
-/// Petals and sparks fly farther than the square: the animation gets 1.3 times the room, about the same centre.
+/// Its petals or sparks extend beyond the target: painted at 1.3 times its size, with the same center.
 class LargeAnimation : public KelMouseButtonLottie
 {
 public:

@@ -7,7 +7,7 @@
 
 using namespace kel;
 
-// Not inside of a function of a namespace: it declares what the resource compiler defines.
+// Must be in the global namespace, as Q_INIT_RESOURCE declares a global function.
 static void registerResources()
 {
     Q_INIT_RESOURCE(kelmovie);

@@ -8,7 +8,6 @@
 #include "recording/KelRecordingFiles.h"
 #include "recording/input/CursorListReader.h"
 
-#include <QDebug>
 #include <QFileInfo>
 #include <QPainter>
 
@@ -21,11 +20,11 @@ using namespace kel;
 namespace
 {
 
-constexpr int kShortSteps = 24; // of an effect that nobody holds
+constexpr int kShortEffectFrames = 24; // length of the effect of a short click
 constexpr double kEffectSide = 64.0;
 constexpr double kMaxEffectScale = 64.0;
 
-/// What is drawn of an effect.
+/// How an effect is painted.
 struct ShownEffect {
     bool isWheel = false;
     int frame = 0; // of the animation
@@ -38,9 +37,9 @@ struct ShownEffect {
     }
 };
 
-/// What is drawn of the whole layer.
+/// How the whole layer is painted.
 struct ShownPointer {
-    const CursorImage *cursor = nullptr; // null: nothing at all
+    const CursorImage *cursor = nullptr; // null: nothing is painted
     QPoint position;
     double scale = 1.0;
     std::vector<ShownEffect> effects;
@@ -100,7 +99,7 @@ void KelPlaybackMouseTrack::Private::movePointer(int frame)
     if (!sample)
         return;
     position = sample->position;
-    if (sample->cursor == PointerList::hidden)
+    if (sample->cursor == PointerList::kHidden)
         return;
     const QString &id = moves.cursorIds().at(sample->cursor);
     const auto found = cursors.constFind(id);
@@ -126,7 +125,7 @@ ShownPointer KelPlaybackMouseTrack::Private::shown() const
 ShownEffect KelPlaybackMouseTrack::Private::shown(const ActiveMouseEffect &effect) const
 {
     const int frame = effect.isLong ? std::min(effect.total - 1, effect.current)
-                                    : std::min(kShortSteps - effect.remaining, kShortSteps - 1);
+                                    : std::min(kShortEffectFrames - effect.remaining, kShortEffectFrames - 1);
     const int side = int(effectScale * kEffectSide);
     QRectF target(0, 0, side, side);
     target.moveCenter(effect.isLong ? position : effect.position);
@@ -166,9 +165,9 @@ KelPlaybackMouseTrack::KelPlaybackMouseTrack(const QString &directory, KelPlayba
     : KelPlaybackTrack(directory, manager)
     , d(std::make_unique<Private>())
 {
-    setName("MouseTrack");
+    setName(QStringLiteral("MouseTrack"));
     if (!d->load(directory)) {
-        setErrorString("Failed to load mouse track JSON data");
+        setErrorString(QStringLiteral("Failed to load mouse track JSON data"));
         qCCritical(logPlayback).noquote() << errorString();
     }
 }

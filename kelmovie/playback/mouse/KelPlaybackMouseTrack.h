@@ -8,8 +8,8 @@ class QColor;
 
 /// The layer with the recorded pointer, and an effect at each click and turn of the wheel.
 ///
-/// Effects are played one frame further by each seekToFrame(), however far the seek goes; frame 0 starts afresh.
-/// The setters take effect with the next paint(); values out of range are brought into it.
+/// Each seekToFrame() advances the effects by one playback frame, whatever its distance; frame 0 drops them all. The
+/// setters take effect with the next paint(); values that are out of range are clamped.
 class KelPlaybackMouseTrack : public KelPlaybackTrack
 {
     Q_OBJECT
@@ -25,27 +25,27 @@ public:
     int nextKeyFrame() override;
     bool isVisible() override;
 
-    /// Drops all running effects, as if nothing had been clicked so far.
+    /// Drops all running effects.
     void resetEffects();
-    /// Plays the effects from the start of the recording up to the frame before `frame`, so that those are under way
-    /// which a seek to `frame` has to go on with.
+    /// Plays the effects from the start of the recording to the frame before `frame`. A following seek to `frame`
+    /// continues them.
     void playEffectsBefore(int frame);
 
-    /// Whether pointer and effects are painted at all; they are at first.
+    /// Whether pointer and effects are painted; true by default.
     void setEnabled(bool on);
-    /// Whose clicks get an effect, a bit set: 1 left, 2 right, 4 middle; 7 at first.
+    /// The buttons whose clicks have an effect, as bits: 1 left, 2 right, 4 middle; 7 by default.
     void setShownButtons(int buttons);
-    /// Whether turns of the wheel get an effect; they do at first, once there is a wheel type.
+    /// Whether turns of the wheel have the effect of setWheelType(); true by default.
     void setShowWheel(bool on);
-    /// Whether a new click ends the running effects of the same button; it does not at first.
+    /// Whether a new click ends the running effects of the same button; false by default.
     void setReplaceSameButton(bool on);
-    /// Side of the effects' square, in units of 64 logical pixels; 1.0 at first.
+    /// Size of the effects, as a factor of 64 logical pixels; 1.0 by default.
     void setEffectScale(double scale);
-    /// The type of createMouseButtonLottie(); 6 at first: the pointer shrinks while a button is down.
+    /// A type of createMouseButtonLottie(); 6 by default: the pointer shrinks while a button is down.
     void setClickType(int type);
-    /// The type of createMouseWheelLottie(); 0 at first: none.
+    /// A type of createMouseWheelLottie(); 0 by default: none.
     void setWheelType(int type);
-    /// Recolours all effects. Until the first call, and for an invalid colour, they are as they were drawn.
+    /// Sets the color of all effects. By default they have their original colors; an invalid color is ignored.
     void setEffectColor(const QColor &color);
 
 private:

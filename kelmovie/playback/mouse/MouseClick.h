@@ -7,19 +7,19 @@ namespace kel
 
 enum class MouseButton { Left, Right, Middle, Other };
 
-/// A button that went down or up, or a turn of the wheel.
+/// A press or release of a button, or a turn of the wheel.
 struct MouseClick {
     enum class Action { Click, Release, Wheel };
 
     Action action = Action::Click;
-    MouseButton button = MouseButton::Other; // not for the wheel
+    MouseButton button = MouseButton::Other; // unused for the wheel
     int frame = 0;                           // logic frame
     QPoint position;                         // from the record area's top-left corner, in logical pixels
-    int delta = 0;                           // of the wheel
-    // Of a click whose release is known:
+    int delta = 0;                           // of the wheel, above 0 for upwards
+    // For clicks with a known release:
     bool isPaired = false;
-    bool isLong = false; // held for half a second or more
-    int releaseFrame = 0;
+    bool isLong = false;  // held for half a second or more
+    int releaseFrame = 0; // logic frame
 };
 
 } // namespace kel

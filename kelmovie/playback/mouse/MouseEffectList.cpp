@@ -11,34 +11,36 @@ namespace kel
 namespace
 {
 
-constexpr int kShortSteps = 24;
-constexpr int kUsualClickFrames = 24;
-constexpr int kUsualHoldFrame = 12;
-constexpr int kUsualWheelFrames = 23;
-constexpr double kWheelPlayed = 0.8; // from here on another turn starts another effect
-constexpr int kWheelMemorySteps = 15;
+// In playback frames:
+constexpr int kShortEffectFrames = 24;
+constexpr int kDefaultClickFrames = 24;
+constexpr int kDefaultHoldFrame = 12;
+constexpr int kDefaultWheelFrames = 23;
+constexpr int kWheelMemoryFrames = 15;
 
-// Clicks during a pause all fall into one frame; more than these cannot be told apart, but have to be painted.
+constexpr double kWheelRestartProgress = 0.8; // from here on, another turn starts another effect
+
+// All clicks during a pause are in one frame. Each effect costs time to paint, but so many cannot be distinguished.
 constexpr std::size_t kMaxEffects = 128;
 
-/// The rest of the animation is played.
-void letGo(ActiveMouseEffect &effect)
+/// Continues the animation of a held button to its end.
+void endHold(ActiveMouseEffect &effect)
 {
     effect.isHolding = false;
     effect.isHoldReached = false;
     effect.remaining = effect.total - effect.current;
 }
 
-/// Plays the effect one frame further; false when it is over.
-bool advance(ActiveMouseEffect &effect, int frame)
+/// Advances the effect by one playback frame; false when it is over.
+bool advanceEffect(ActiveMouseEffect &effect, int frame)
 {
-    // A step over the release's frame must not leave the effect held for good.
+    // The release may be in a skipped frame: the effect must not stay held forever.
     if (effect.isHolding && frame > effect.releaseFrame)
-        letGo(effect);
+        endHold(effect);
     if (effect.isLong && effect.isHolding && effect.current >= effect.holdFrame)
         effect.isHoldReached = true;
-    const bool standsStill = effect.isHoldReached && effect.isHolding;
-    if (!standsStill && effect.current < effect.total - 1)
+    const bool isPaused = effect.isHoldReached && effect.isHolding;
+    if (!isPaused && effect.current < effect.total - 1)
         ++effect.current;
     if (!effect.isLong || effect.isHolding || effect.isHoldReached)
         --effect.remaining;
@@ -65,14 +67,14 @@ void MouseEffectList::forgetWheel()
 {
     m_hasWheelEffect = false;
     m_wheelDirection = 0;
-    m_stepsSinceWheel = 0;
+    m_framesSinceWheel = 0;
 }
 
-void MouseEffectList::step(int frame)
+void MouseEffectList::advance(int frame)
 {
-    if (m_hasWheelEffect && ++m_stepsSinceWheel >= kWheelMemorySteps)
+    if (m_hasWheelEffect && ++m_framesSinceWheel >= kWheelMemoryFrames)
         forgetWheel();
-    eraseIf(m_effects, [frame](ActiveMouseEffect &effect) { return !advance(effect, frame); });
+    eraseIf(m_effects, [frame](ActiveMouseEffect &effect) { return !advanceEffect(effect, frame); });
 }
 
 bool MouseEffectList::isShown(MouseButton button) const
@@ -103,13 +105,14 @@ void MouseEffectList::click(const MouseClick &click)
     ActiveMouseEffect effect;
     effect.button = click.button;
     effect.position = click.position;
-    effect.remaining = kShortSteps;
+    effect.remaining = kShortEffectFrames;
     if (click.isPaired) {
         effect.isLong = click.isLong;
         effect.isHolding = click.isLong;
         effect.releaseFrame = click.releaseFrame;
-        effect.total = m_clickEffect ? m_clickEffect->frameCount(click.releaseFrame, click.isLong) : kUsualClickFrames;
-        effect.holdFrame = m_clickEffect ? m_clickEffect->holdFrame() : kUsualHoldFrame;
+        effect.total =
+            m_clickEffect ? m_clickEffect->frameCount(click.releaseFrame, click.isLong) : kDefaultClickFrames;
+        effect.holdFrame = m_clickEffect ? m_clickEffect->holdFrame() : kDefaultHoldFrame;
         if (click.isLong)
             effect.remaining = click.releaseFrame - click.frame;
     }
@@ -123,7 +126,7 @@ void MouseEffectList::click(const MouseClick &click)
 void MouseEffectList::release(const MouseClick &release, bool isPressedBefore)
 {
     if (ActiveMouseEffect *held = findLong(release.button)) {
-        letGo(*held);
+        endHold(*held);
         return;
     }
     if (isPressedBefore || !isShown(release.button))
@@ -131,7 +134,7 @@ void MouseEffectList::release(const MouseClick &release, bool isPressedBefore)
     ActiveMouseEffect effect;
     effect.button = release.button;
     effect.position = release.position;
-    effect.remaining = kShortSteps;
+    effect.remaining = kShortEffectFrames;
     append(effect);
 }
 
@@ -143,20 +146,20 @@ void MouseEffectList::wheel(const MouseClick &turn)
         m_hasWheelEffect = false;
     }
     m_wheelDirection = direction;
-    m_stepsSinceWheel = 0;
+    m_framesSinceWheel = 0;
 
     const auto running = std::find_if(m_effects.begin(), m_effects.end(), [](const ActiveMouseEffect &effect) {
         return effect.isWheel && effect.current < effect.total;
     });
-    if (running != m_effects.end() && double(running->current) / running->total < kWheelPlayed)
+    if (running != m_effects.end() && double(running->current) / running->total < kWheelRestartProgress)
         return;
     ActiveMouseEffect effect;
     effect.isWheel = true;
     effect.position = turn.position;
     effect.delta = turn.delta;
     effect.isLong = true;
-    effect.remaining = kShortSteps;
-    effect.total = m_wheelEffect ? m_wheelEffect->frameCount() : kUsualWheelFrames;
+    effect.remaining = kShortEffectFrames;
+    effect.total = m_wheelEffect ? m_wheelEffect->frameCount() : kDefaultWheelFrames;
     if (m_showWheel && append(effect))
         m_hasWheelEffect = true;
 }

@@ -10,26 +10,26 @@ class KelMouseWheelLottie;
 namespace kel
 {
 
-/// The effects that are being played, oldest first: which click or turn of the wheel starts one, how each goes on from
-/// step to step, and when it ends.
+/// The running effects, oldest first: decides which clicks and turns of the wheel start one, advances them and removes
+/// them when they are over.
 class MouseEffectList
 {
 public:
     const std::vector<ActiveMouseEffect> &effects() const { return m_effects; }
 
-    /// The animations to be played, which tell how long effects last. Null: of a usual length.
+    /// The animations, which define the length of the effects; not owned. Null: effects have a default length.
     void setClickEffect(const KelMouseButtonLottie *effect) { m_clickEffect = effect; }
     void setWheelEffect(const KelMouseWheelLottie *effect) { m_wheelEffect = effect; }
     void setShownButtons(int buttons) { m_shownButtons = buttons; }
     void setShowWheel(bool on) { m_showWheel = on; }
     void setReplaceSameButton(bool on) { m_replaceSameButton = on; }
 
-    /// Ends all effects, and forgets which way the wheel was turned.
+    /// Ends all effects, and forgets the direction of the wheel.
     void clear();
-    /// Plays all effects one frame further; `frame` is the logic frame reached.
-    void step(int frame);
+    /// Advances all effects by one playback frame; `frame` is the current logic frame.
+    void advance(int frame);
     void click(const MouseClick &click);
-    /// `isPressedBefore`: the button was pressed at all in an earlier frame.
+    /// `isPressedBefore`: whether the button was pressed in any earlier frame.
     void release(const MouseClick &release, bool isPressedBefore);
     void wheel(const MouseClick &turn);
 
@@ -45,10 +45,10 @@ private:
     int m_shownButtons = 7; // bits in the order of MouseButton
     bool m_showWheel = true;
     bool m_replaceSameButton = false;
-    // What is remembered of the last turn of the wheel.
+    // The last turn of the wheel, for a limited number of frames:
     bool m_hasWheelEffect = false;
     int m_wheelDirection = 0; // -1 down, 1 up, 0 forgotten
-    int m_stepsSinceWheel = 0;
+    int m_framesSinceWheel = 0;
 };
 
 } // namespace kel

@@ -24,25 +24,25 @@ bool isHidden(const MouseRecord &record)
 bool PointerList::load(const QString &path)
 {
     *this = PointerList();
-    const bool isWhole = readMouseEvents(path, [this](const MouseRecord &record) { append(record); });
-    if (!isWhole)
+    const bool isLoaded = readMouseEvents(path, [this](const MouseRecord &record) { append(record); });
+    if (!isLoaded)
         *this = PointerList();
     m_samples.shrink_to_fit();
-    std::sort(m_coveredFrames.begin(), m_coveredFrames.end());
+    std::sort(m_removedFrames.begin(), m_removedFrames.end());
     m_cursorNumbers.clear();
-    return isWhole;
+    return isLoaded;
 }
 
-/// A record covers all before it that are not earlier in time: whatever frame is asked for, none of them is the last
-/// that fits. Only their frames still count, as frames in which something changed.
+/// Removes all earlier records with the same or a later frame: at() returns the last matching record in the file, which
+/// cannot be one of those. Their frames are kept for nextFrame().
 void PointerList::append(const MouseRecord &record)
 {
     while (!m_samples.empty() && m_samples.back().frame >= record.frame) {
         if (m_samples.back().frame > record.frame)
-            m_coveredFrames.push_back(m_samples.back().frame);
+            m_removedFrames.push_back(m_samples.back().frame);
         m_samples.pop_back();
     }
-    const int cursor = isHidden(record) ? hidden : cursorNumber(record.cursor);
+    const int cursor = isHidden(record) ? kHidden : cursorNumber(record.cursor);
     m_samples.push_back({record.frame, QPoint(record.x, record.y), cursor});
 }
 
@@ -69,10 +69,10 @@ const PointerList::Sample *PointerList::at(int frame) const
 int PointerList::nextFrame(int frame) const
 {
     const auto sample = after(frame);
-    const auto covered = std::upper_bound(m_coveredFrames.begin(), m_coveredFrames.end(), frame);
-    if (covered == m_coveredFrames.end())
+    const auto removed = std::upper_bound(m_removedFrames.begin(), m_removedFrames.end(), frame);
+    if (removed == m_removedFrames.end())
         return sample == m_samples.end() ? -1 : sample->frame;
-    return sample == m_samples.end() ? *covered : std::min(sample->frame, *covered);
+    return sample == m_samples.end() ? *removed : std::min(sample->frame, *removed);
 }
 
 } // namespace kel

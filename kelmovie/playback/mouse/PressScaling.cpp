@@ -11,20 +11,20 @@ namespace
 {
 
 constexpr float kPressedScale = 0.8F;
-constexpr int kSteps = 6;
+constexpr int kFrames = 6;
 constexpr float kPi = 3.14159265F;
 
 } // namespace
 
-void PressScaling::step(int frame)
+void PressScaling::advance(int frame)
 {
-    // A step over the release's frame must not leave the pointer small for good.
+    // The release may be in a skipped frame: the pointer must not stay small forever.
     if (m_isActive && !m_isReleasing && !m_isReleaseDue && frame > m_releaseFrame)
         startReleasing();
     if (!m_isPressing && !m_isReleasing)
         return;
-    ++m_steps;
-    const float progress = std::min(1.0F, float(m_steps) / kSteps);
+    ++m_frames;
+    const float progress = std::min(1.0F, float(m_frames) / kFrames);
     const float eased = (1.0F - std::cos(kPi * progress)) / 2.0F;
     const float from = m_isPressing ? 1.0F : m_scale;
     m_scale = from + (m_target - from) * eased;
@@ -54,8 +54,8 @@ void PressScaling::release(MouseButton button)
 {
     if (!m_isActive || button != m_button)
         return;
-    // Nothing of the press was to be seen yet: a quick tap is shown, too.
-    if (m_isPressing && m_steps == 0)
+    // A quick tap, of which nothing has been visible yet, is shown completely.
+    if (m_isPressing && m_frames == 0)
         m_isReleaseDue = true;
     else
         startReleasing();
@@ -67,7 +67,7 @@ void PressScaling::startReleasing()
     m_isReleasing = true;
     m_isReleaseDue = false;
     m_target = 1.0F;
-    m_steps = 0;
+    m_frames = 0;
 }
 
 } // namespace kel

@@ -5,17 +5,18 @@
 namespace kel
 {
 
-/// The pointer shrinks while a button is down, and grows back when it goes up, a few steps each way.
+/// Scales the pointer: it shrinks while a button is down and grows back after the release, over a few playback frames
+/// each.
 class PressScaling
 {
 public:
-    /// The size of the pointer, 1.0 when nothing is pressed.
+    /// The factor for the size of the pointer, 1.0 when nothing is pressed.
     float scale() const { return m_scale; }
 
     void reset() { *this = PressScaling(); }
-    /// One step further; `frame` is the logic frame reached.
-    void step(int frame);
-    /// Ignored while another button's press is being shown.
+    /// Advances by one playback frame; `frame` is the current logic frame.
+    void advance(int frame);
+    /// Ignored while the press of another button is shown.
     void press(const MouseClick &click);
     void release(MouseButton button);
 
@@ -25,12 +26,12 @@ private:
     bool m_isActive = false;
     bool m_isPressing = false;
     bool m_isReleasing = false;
-    bool m_isReleaseDue = false; // once the pointer is small
+    bool m_isReleaseDue = false; // starts when the pointer has shrunk
     MouseButton m_button = MouseButton::Other;
-    int m_releaseFrame = 0; // the logic frame after which the button cannot be down any more
+    int m_releaseFrame = 0; // the logic frame after which the button is released
     float m_scale = 1.0F;
     float m_target = 1.0F;
-    int m_steps = 0;
+    int m_frames = 0; // of the current animation
 };
 
 } // namespace kel

@@ -22,7 +22,7 @@ constexpr int kBoxPaddingY = 4;
 KelPlaybackCountdownTrack::KelPlaybackCountdownTrack(const QString &directory, KelPlaybackTrackManager *manager)
     : KelPlaybackTrack(directory, manager)
 {
-    setName("CountdownTrack");
+    setName(QStringLiteral("CountdownTrack"));
 }
 
 void KelPlaybackCountdownTrack::seekToFrame(int frame)
@@ -32,13 +32,13 @@ void KelPlaybackCountdownTrack::seekToFrame(int frame)
 
 bool KelPlaybackCountdownTrack::moveToFrame(int frame)
 {
-    const QString before = look();
+    const QString before = visibleState();
     seekToFrame(frame);
-    return look() != before;
+    return visibleState() != before;
 }
 
-/// All that the frame decides of the picture.
-QString KelPlaybackCountdownTrack::look() const
+/// The part of the layer that depends on the frame.
+QString KelPlaybackCountdownTrack::visibleState() const
 {
     if (!m_isEnabled || m_totalFrames == 0)
         return {};
@@ -82,11 +82,11 @@ void KelPlaybackCountdownTrack::paint(QPainter *painter)
     painter->restore();
 }
 
-/// Of the bar, in pixels.
+/// Width of the played part of the bar, in logical pixels.
 int KelPlaybackCountdownTrack::playedWidth() const
 {
     qint64 frame = m_currentFrame;
-    const qint64 step = std::max<qint64>(1, qint64(m_barStepMs) * m_fps / 1000);
+    const qint64 step = std::max<qint64>(1, qint64(m_barIntervalMs) * m_fps / 1000);
     if (frame < m_totalFrames - 1)
         frame -= frame % step;
     return int(m_area.width() * std::clamp(double(frame) / m_totalFrames, 0.0, 1.0));
@@ -104,7 +104,7 @@ void KelPlaybackCountdownTrack::paintBar(QPainter &painter) const
     painter.drawRoundedRect(bar, m_cornerRadius, m_cornerRadius);
     if (played.isEmpty())
         return;
-    // Clipped, so that the played part has the bar's left corners and a straight right edge.
+    // Clipping gives the played part the bar's left corners and a straight right edge.
     painter.setClipRect(played, Qt::IntersectClip);
     painter.setBrush(m_barColor);
     painter.drawRoundedRect(bar, m_cornerRadius, m_cornerRadius);
@@ -119,15 +119,15 @@ QString KelPlaybackCountdownTrack::timeText() const
         total = m_rangeEnd - m_rangeStart;
     }
     const double rate = m_fps * m_speed;
-    const qint64 elapsedSeconds = qint64(double(elapsed) / rate);
-    const qint64 totalSeconds = qint64(double(total) / rate);
+    const auto elapsedSeconds = qint64(double(elapsed) / rate);
+    const auto totalSeconds = qint64(double(total) / rate);
     return ClockText::hoursMinutesSeconds(elapsedSeconds) + QLatin1Char('/') +
            ClockText::hoursMinutesSeconds(totalSeconds);
 }
 
 void KelPlaybackCountdownTrack::paintTimeBox(QPainter &painter) const
 {
-    QFont font("Arial");
+    QFont font(QStringLiteral("Arial"));
     font.setWeight(QFont::Bold);
     font.setPixelSize(std::max(1, qRound(m_fontSize * kPixelsPerFontUnit * m_scale)));
     const QString text = timeText();
@@ -137,8 +137,8 @@ void KelPlaybackCountdownTrack::paintTimeBox(QPainter &painter) const
     const QRect box(m_area.width() - margin - textSize.width() - kBoxPaddingX,
                     m_area.height() - margin - textSize.height() - kBoxPaddingY, textSize.width() + 2 * kBoxPaddingX,
                     textSize.height() + 2 * kBoxPaddingY);
-    const double ownRadius = (m_isRangeMode ? 4 : 6) * m_scale;
-    const double radius = m_cornerRadius > 0 ? m_cornerRadius : ownRadius;
+    const double defaultRadius = (m_isRangeMode ? 4 : 6) * m_scale;
+    const double radius = m_cornerRadius > 0 ? m_cornerRadius : defaultRadius;
 
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);

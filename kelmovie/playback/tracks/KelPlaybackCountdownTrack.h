@@ -5,8 +5,8 @@
 #include <QColor>
 #include <QRect>
 
-/// The layer that tells where in the recording the picture is: a box with elapsed and total time in the bottom-right
-/// corner, or a bar along the bottom edge. It has no files of its own.
+/// The layer that shows the position in the recording: a box with elapsed and total time in the bottom-right corner, or
+/// a bar along the bottom edge. It has no files.
 class KelPlaybackCountdownTrack : public KelPlaybackTrack
 {
     Q_OBJECT
@@ -23,20 +23,20 @@ public:
     bool isVisible() override;
 
     void setEnabled(bool on) { m_isEnabled = on; }
-    /// Whether playback runs; it does not change the picture.
+    /// Whether playback is running; it does not affect painting.
     void setPlaying(bool on) { m_isPlaying = on; }
     bool isPlaying() const { return m_isPlaying; }
     /// Logic frames a second.
     void setFps(int fps) { m_fps = fps; }
-    /// Enlarges the time box's text and corners, for a desktop with larger text.
+    /// Scale factor of the time box's text and corners, for desktops with larger text.
     void setScale(double scale) { m_scale = scale; }
-    /// The picture, in logical pixels; only its size counts.
+    /// The frame, in logical pixels; only its size is used.
     void setArea(const QRect &area) { m_area = area; }
     void setTotalFrames(int frames) { m_totalFrames = frames; }
-    /// The playback speed: the time box tells wall-clock time.
+    /// The playback speed: the time box shows wall-clock time.
     void setSpeed(double speed) { m_speed = speed; }
 
-    /// The time box tells the position within logic frames `start` to `end`.
+    /// The time box shows the position within logic frames `start` to `end`.
     void setRange(int start, int end);
     void clearRange() { m_isRangeMode = false; }
 
@@ -46,17 +46,17 @@ public:
     /// Logical pixels.
     void setBarHeight(int height) { m_barHeight = height; }
     void setFontSize(int size) { m_fontSize = size; }
-    /// Corners of bar and box in logical pixels; 0 leaves the bar square and gives the box its own.
+    /// Corner radius of bar and box in logical pixels; with 0 the bar is square and the box has its default radius.
     void setCornerRadius(int radius) { m_cornerRadius = radius; }
-    /// The bar moves on at most once in so many ms of the recording; 0 with every frame.
-    void setBarStep(int ms) { m_barStepMs = ms; }
+    /// Minimum interval between two movements of the bar, in ms of the recording; 0: every frame.
+    void setBarInterval(int ms) { m_barIntervalMs = ms; }
 
 private:
     void paintBar(QPainter &painter) const;
     void paintTimeBox(QPainter &painter) const;
     int playedWidth() const;
     QString timeText() const;
-    QString look() const;
+    QString visibleState() const;
 
     bool m_isEnabled = true;
     bool m_isPlaying = false;
@@ -74,6 +74,6 @@ private:
     int m_barHeight = 6;
     int m_fontSize = 16;
     int m_cornerRadius = 0;
-    int m_barStepMs = 0;
+    int m_barIntervalMs = 0;
     double m_scale = 1.0;
 };

@@ -6,7 +6,6 @@
 #include "recording/FrameIndexReader.h"
 #include "recording/KelRecordingFiles.h"
 
-#include <QDebug>
 #include <QFileInfo>
 #include <QImage>
 #include <QPaintDevice>
@@ -25,7 +24,7 @@ KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QS
     , m_devicePixelRatio(devicePixelRatio)
     , m_preferHardwareDecode(preferHardwareDecode)
 {
-    setName("ScreenTrack");
+    setName(QStringLiteral("ScreenTrack"));
     if (!readFrameIndex(directory, m_frameIndexes))
         qCWarning(logPlayback) << "Failed to load frame indexes, will try to create default mapping";
     if (!chooseVideo())
@@ -33,10 +32,10 @@ KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QS
     m_decoder = openDecoder();
     if (!m_decoder)
         return;
-    m_videoSize = m_decoder->getFrameSize();
+    m_videoSizePx = m_decoder->getFrameSize();
     m_videoFrameCount = m_decoder->getFrameCount();
     if (m_videoFrameCount <= 0) {
-        setErrorString(QString("Invalid frame count from decoder: %1").arg(m_videoFrameCount));
+        setErrorString(QStringLiteral("Invalid frame count from decoder: %1").arg(m_videoFrameCount));
         qCCritical(logPlayback).noquote() << errorString();
         m_decoder.reset();
         return;
@@ -63,17 +62,17 @@ bool KelPlaybackScreenTrack::chooseVideo()
             return true;
         }
     }
-    setErrorString("Video file not found. Searched for: " + mkvPath + " and " + mp4Path);
+    setErrorString(QLatin1String("Video file not found. Searched for: ") + mkvPath + QLatin1String(" and ") + mp4Path);
     qCCritical(logPlayback).noquote() << errorString();
     return false;
 }
 
 bool KelPlaybackScreenTrack::isMatroska() const
 {
-    return m_videoPath.endsWith(".mkv", Qt::CaseInsensitive);
+    return m_videoPath.endsWith(QLatin1String(".mkv"), Qt::CaseInsensitive);
 }
 
-/// Null unless FFV1 is supported and the video could be opened with it.
+/// Null if FFV1 is not supported or the video could not be opened with it.
 KelPlaybackScreenTrack::DecoderPointer KelPlaybackScreenTrack::openFfv1() const
 {
     DecoderPointer decoder;
@@ -92,14 +91,14 @@ KelPlaybackScreenTrack::DecoderPointer KelPlaybackScreenTrack::openDecoder()
         qCWarning(logPlayback) << "FFV1 decoder failed, falling back to H264";
     }
     if (!m_decoders.isH264Supported()) {
-        setErrorString("H264 decoder not supported on this system");
+        setErrorString(QStringLiteral("H264 decoder not supported on this system"));
         qCCritical(logPlayback).noquote() << errorString();
         return nullptr;
     }
     DecoderPointer decoder =
         m_decoders.createH264(m_videoPath, h264Decoder::PreferH264DecodeParams(m_preferHardwareDecode));
     if (!decoder || !decoder->isValid()) {
-        setErrorString("Failed to create H264 decoder or decoder is invalid");
+        setErrorString(QStringLiteral("Failed to create H264 decoder or decoder is invalid"));
         qCCritical(logPlayback).noquote() << errorString();
         return nullptr;
     }
@@ -118,11 +117,11 @@ bool KelPlaybackScreenTrack::recreateDecoder()
         qCWarning(logPlayback) << "FFV1 decoder reinitialization failed, falling back to H264";
     }
     if (!m_decoders.isH264Supported()) {
-        setErrorString("H264 decoder not supported on this system");
+        setErrorString(QStringLiteral("H264 decoder not supported on this system"));
         qCCritical(logPlayback).noquote() << errorString();
         return false;
     }
-    const H264DecodeParams software{"h264", QString()};
+    const H264DecodeParams software{QStringLiteral("h264"), QString()};
     for (const H264DecodeParams &params : {h264Decoder::PreferH264DecodeParams(m_preferHardwareDecode), software}) {
         m_decoder = m_decoders.createH264(m_videoPath, params);
         if (m_decoder && m_decoder->isValid()) {
@@ -131,7 +130,7 @@ bool KelPlaybackScreenTrack::recreateDecoder()
         }
     }
     m_decoder.reset();
-    setErrorString("Failed to reinitialize H264 decoder with both hardware and software options");
+    setErrorString(QStringLiteral("Failed to reinitialize H264 decoder with both hardware and software options"));
     qCCritical(logPlayback).noquote() << errorString();
     return false;
 }
@@ -145,7 +144,7 @@ void KelPlaybackScreenTrack::resetState()
 
 void KelPlaybackScreenTrack::closeDecoder()
 {
-    m_ahead = {}; // waits
+    m_prefetched = {}; // waits for the thread
     if (m_decoder)
         m_decoder->close();
     m_decoder.reset();
@@ -159,39 +158,39 @@ int KelPlaybackScreenTrack::videoFrameAt(int frame) const
 
 void KelPlaybackScreenTrack::prefetch(int frame)
 {
-    if (!m_decoder || !m_decoder->isValid() || m_ahead.valid())
+    if (!m_decoder || !m_decoder->isValid() || m_prefetched.valid())
         return;
     const int videoFrame = videoFrameAt(frame);
     if (videoFrame == m_keptVideoFrame || (m_hasFrame && videoFrame == m_lastVideoFrame))
         return;
-    m_aheadVideoFrame = videoFrame;
-    m_ahead = std::async(std::launch::async,
-                         [decoder = m_decoder.get(), videoFrame] { return decoder->decodeFrame(videoFrame); });
+    m_prefetchedVideoFrame = videoFrame;
+    m_prefetched = std::async(std::launch::async,
+                              [decoder = m_decoder.get(), videoFrame] { return decoder->decodeFrame(videoFrame); });
 }
 
 bool KelPlaybackScreenTrack::waitForPrefetch(std::chrono::milliseconds limit) const
 {
-    return !m_ahead.valid() || m_ahead.wait_for(limit) == std::future_status::ready;
+    return !m_prefetched.valid() || m_prefetched.wait_for(limit) == std::future_status::ready;
 }
 
-/// The decoder works for one at a time: what was begun is awaited, whether it is wanted or not.
+/// The decoder handles one frame at a time: a running prefetch has to finish first, even of another frame.
 QImage KelPlaybackScreenTrack::decode(int videoFrame)
 {
-    if (m_ahead.valid()) {
-        QImage image = m_ahead.get();
-        if (videoFrame == m_aheadVideoFrame)
+    if (m_prefetched.valid()) {
+        QImage image = m_prefetched.get();
+        if (videoFrame == m_prefetchedVideoFrame)
             return image;
     }
     return m_decoder->decodeFrame(videoFrame);
 }
 
-void KelPlaybackScreenTrack::keepPicture()
+void KelPlaybackScreenTrack::keepFrame()
 {
     m_keptPixmap = m_currentPixmap;
     m_keptVideoFrame = m_hasFrame ? m_lastVideoFrame : -1;
 }
 
-void KelPlaybackScreenTrack::dropKeptPicture()
+void KelPlaybackScreenTrack::dropKeptFrame()
 {
     m_keptPixmap = QPixmap();
     m_keptVideoFrame = -1;
@@ -230,9 +229,9 @@ void KelPlaybackScreenTrack::seekToFrame(int frame)
         qCWarning(logPlayback) << "Failed to decode frame" << videoFrame << "for logic frame" << logicFrame
                                << ", attempting decoder reinit";
         const bool shown = recreateDecoder() && showFrame(videoFrame);
-        m_currentLogicFrame = logicFrame; // a new decoder forgets it
+        m_currentLogicFrame = logicFrame; // recreateDecoder() has reset it
         if (!shown) {
-            ++m_lostPictures;
+            ++m_failedFrames;
             qCCritical(logPlayback) << "Complete failure to decode frame" << videoFrame
                                     << "- decoder status:" << (m_decoder ? "valid" : "invalid")
                                     << "- keeping previous frame";
@@ -272,21 +271,21 @@ int KelPlaybackScreenTrack::logicFrameCount() const
     return int(m_frameIndexes.size());
 }
 
-QSize KelPlaybackScreenTrack::frameSize() const
+QSize KelPlaybackScreenTrack::videoSize() const
 {
-    return m_decoder ? (QSizeF(m_videoSize) / m_devicePixelRatio).toSize() : QSize();
+    return m_decoder ? (QSizeF(m_videoSizePx) / m_devicePixelRatio).toSize() : QSize();
 }
 
 bool KelPlaybackScreenTrack::covers(const QSize &size) const
 {
     const QSizeF wanted = QSizeF(size) * m_devicePixelRatio;
-    return m_decoder && m_videoSize.width() >= wanted.width() && m_videoSize.height() >= wanted.height();
+    return m_decoder && m_videoSizePx.width() >= wanted.width() && m_videoSizePx.height() >= wanted.height();
 }
 
 void KelPlaybackScreenTrack::releaseDecoder()
 {
     m_currentPixmap = QPixmap();
-    dropKeptPicture();
+    dropKeptFrame();
     m_frameIndexes = std::vector<int>();
     closeDecoder();
     resetState();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "playback/tracks/KelPlaybackSeams.h"
+#include "playback/tracks/KelPlaybackDependencies.h"
 #include "playback/tracks/KelPlaybackTrack.h"
 
 #include <QImage>
@@ -12,15 +12,14 @@
 #include <memory>
 #include <vector>
 
-/// The bottom layer of every picture: the recorded screen video. Maps logic frames to video frames through the frame
-/// index table and keeps the one decoded frame that is shown. A frame that cannot be decoded leaves the picture as it
-/// is.
+/// The bottom layer: the recorded screen video. Maps logic frames to video frames through the frame index table and
+/// keeps the decoded frame that is shown. If a frame cannot be decoded, the previous one stays.
 class KelPlaybackScreenTrack : public KelPlaybackTrack
 {
     Q_OBJECT
 
 public:
-    /// Opens the video; errorString() is set when that fails. `devicePixelRatio` is that of the recording.
+    /// Opens the video; errorString() is set when that fails. `devicePixelRatio`: of the recorded screen.
     KelPlaybackScreenTrack(double devicePixelRatio, const QString &directory, bool preferHardwareDecode,
                            const KelDecoderFactory &decoders, KelPlaybackTrackManager *manager);
     ~KelPlaybackScreenTrack() override;
@@ -33,23 +32,23 @@ public:
     /// Entries of the frame index table: the recording's number of logic frames.
     int logicFrameCount() const;
     int videoFrameCount() const { return m_videoFrameCount; }
-    /// Seeks so far that left the picture as it was because theirs could not be decoded.
-    int lostPictures() const { return m_lostPictures; }
+    /// Number of seeks so far whose video frame could not be decoded.
+    int failedFrames() const { return m_failedFrames; }
     /// The video's size in logical pixels, empty without a video.
-    QSize frameSize() const;
-    /// Whether the video has a pixel for every one of a picture of `size` logical pixels.
+    QSize videoSize() const;
+    /// Whether the video covers a frame of `size` logical pixels.
     bool covers(const QSize &size) const;
-    /// Drops the picture and the table and closes the video.
+    /// Drops the decoded frame and the index table and closes the video.
     void releaseDecoder();
 
-    /// Begins to decode what `frame` shows on a thread of its own; the next seek need not wait for it then. Does
-    /// nothing while that thread is busy, or when there is nothing to decode.
+    /// Starts to decode the video frame of logic frame `frame` on another thread, for the next seek. Does nothing while
+    /// that thread is busy, or when the frame need not be decoded.
     void prefetch(int frame);
-    /// Whether that thread is not busy, once at most `limit` has passed.
+    /// Whether that thread is idle, after waiting for up to `limit`.
     bool waitForPrefetch(std::chrono::milliseconds limit) const;
-    /// Keeps the present picture, so that a later seek back to it need not decode.
-    void keepPicture();
-    void dropKeptPicture();
+    /// Keeps the current video frame, so that seeking back to it need not decode it again.
+    void keepFrame();
+    void dropKeptFrame();
 
 private:
     using DecoderPointer = std::unique_ptr<KelAVCodecDecoder>;
@@ -69,17 +68,17 @@ private:
     DecoderPointer m_decoder;
     QString m_videoPath;
     QPixmap m_currentPixmap;
-    int m_currentLogicFrame = -1; // the last one asked for
+    int m_currentLogicFrame = -1; // the last one requested
     int m_lastVideoFrame = -1;    // the one in m_currentPixmap
     int m_videoFrameCount = 0;
-    QSize m_videoSize; // in its own pixels; asked for once, as the decoder may be at work on another thread
-    int m_lostPictures = 0;
+    QSize m_videoSizePx; // stored, as the decoder may be in use by another thread
+    int m_failedFrames = 0;
     const double m_devicePixelRatio;
     bool m_hasFrame = false;
     QPixmap m_keptPixmap;
     int m_keptVideoFrame = -1;
-    int m_aheadVideoFrame = -1; // the one in m_ahead
+    int m_prefetchedVideoFrame = -1; // the one in m_prefetched
     const bool m_preferHardwareDecode;
-    std::vector<int> m_frameIndexes; // logic frame -> video frame
-    std::future<QImage> m_ahead;     // last: its thread uses the decoder
+    std::vector<int> m_frameIndexes;  // logic frame -> video frame
+    std::future<QImage> m_prefetched; // declared last: its thread uses the decoder
 };

@@ -2,13 +2,10 @@
 
 #include "audio/output/KelAmplifiedAudioPlayer.h"
 #include "logging/Log.h"
-#include "playback/tracks/KelPlaybackSeams.h"
+#include "playback/tracks/KelPlaybackDependencies.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/wav/InterruptedSoundRepair.h"
 #include "recording/wav/SoundFiles.h"
-
-#include <QDebug>
-#include <QDir>
 
 #include <algorithm>
 #include <cmath>
@@ -20,35 +17,36 @@ namespace
 {
 
 constexpr qint64 kIgnoredMoveMs = 50;
-constexpr double kMaxApartMs = 100;
-constexpr double kNotWorthStartingMs = 250; // of the end of a file
+constexpr double kMaxDriftMs = 100;     // between the two sources
+constexpr double kMinRemainingMs = 250; // no less than this of a file is started
 constexpr int kFramesPerSecond = 25;
 constexpr int kKeyFramesPerSecond = 30;
 
 } // namespace
 
 KelPlaybackVoiceTrack::KelPlaybackVoiceTrack(const QString &directory, KelPlaybackTrackManager *manager)
-    : KelPlaybackVoiceTrack(directory, true, true, KelPlaybackSeams::real(), manager)
+    : KelPlaybackVoiceTrack(directory, true, true, KelPlaybackDependencies::real(), manager)
 {
 }
 
 KelPlaybackVoiceTrack::KelPlaybackVoiceTrack(const QString &directory, bool systemAudio, bool microphone,
-                                             const KelPlaybackSeams &seams, KelPlaybackTrackManager *manager)
+                                             const KelPlaybackDependencies &dependencies,
+                                             KelPlaybackTrackManager *manager)
     : KelPlaybackTrack(directory, manager)
-    , m_nowMs(seams.nowMs)
+    , m_nowMs(dependencies.nowMs)
 {
-    setName("VoiceTrack");
+    setName(QStringLiteral("VoiceTrack"));
     repairInterruptedSound(directory);
     if (systemAudio)
         m_system.path = findSoundFile(directory, KelRecordingFiles::kSystemAudio);
     if (microphone)
         m_microphone.path = findSoundFile(directory, KelRecordingFiles::kMicrophone);
     if (m_system.path.isEmpty() && m_microphone.path.isEmpty()) {
-        setErrorString("No audio WAV files found in: " + directory);
+        setErrorString(QLatin1String("No audio WAV files found in: ") + directory);
         qCWarning(logPlayback).noquote() << "[KelPlaybackVoiceTrack]" << errorString();
     }
-    load(m_system, "Failed to load system audio:", seams);
-    load(m_microphone, "Failed to load microphone audio:", seams);
+    load(m_system, QStringLiteral("Failed to load system audio:"), dependencies);
+    load(m_microphone, QStringLiteral("Failed to load microphone audio:"), dependencies);
     if (m_system.player)
         connect(m_system.player, &KelAmplifiedAudioPlayer::positionChanged, this,
                 &KelPlaybackVoiceTrack::onSystemAudioPositionChanged);
@@ -62,11 +60,11 @@ KelPlaybackVoiceTrack::~KelPlaybackVoiceTrack()
     release();
 }
 
-void KelPlaybackVoiceTrack::load(Source &source, const QString &failure, const KelPlaybackSeams &seams)
+void KelPlaybackVoiceTrack::load(Source &source, const QString &failure, const KelPlaybackDependencies &dependencies)
 {
     if (source.path.isEmpty())
         return;
-    auto *player = new KelAmplifiedAudioPlayer(seams.createAudioSink, this);
+    auto *player = new KelAmplifiedAudioPlayer(dependencies.createAudioSink, this);
     if (!player->setSource(source.path)) {
         qCWarning(logPlayback).noquote() << failure << player->errorString();
         delete player;
@@ -118,7 +116,7 @@ void KelPlaybackVoiceTrack::play(double ms, double rate)
         start(*source, ms);
 }
 
-/// Past the end of a shorter file there is nothing to be heard.
+/// Starts nothing at or beyond the end of the file: one source may be shorter than the other.
 void KelPlaybackVoiceTrack::start(Source &source, double ms)
 {
     if (!source.isActive() || m_isDeviceMissing)
@@ -126,7 +124,7 @@ void KelPlaybackVoiceTrack::start(Source &source, double ms)
     KelAmplifiedAudioPlayer &player = *source.player;
     player.pause();
     player.setRate(m_rate);
-    if (ms > double(player.duration()) - kNotWorthStartingMs * m_rate)
+    if (ms > double(player.duration()) - kMinRemainingMs * m_rate)
         return;
     player.seek(qRound64(ms));
     player.play();
@@ -178,7 +176,7 @@ void KelPlaybackVoiceTrack::release()
     }
 }
 
-/// One silent source says it for both.
+/// Both sources use the same device, so both are paused and the failure is reported once.
 void KelPlaybackVoiceTrack::onDeviceFailed()
 {
     m_isDeviceMissing = true;
@@ -189,15 +187,15 @@ void KelPlaybackVoiceTrack::onDeviceFailed()
     emit deviceFailed();
 }
 
-/// The system's sound is the master clock of both.
+/// The system audio is the master: the microphone follows its position.
 void KelPlaybackVoiceTrack::onSystemAudioPositionChanged(qint64 position)
 {
-    // A player that reached its end tells position 0, where nothing else has to go.
+    // A player that has reached its end reports position 0, which the other source must not follow.
     if (!m_system.isActive() || !m_system.player->isPlaying())
         return;
     m_lastSeekMs = position;
     if (m_microphone.isActive() && m_microphone.player->isPlaying() &&
-        std::abs(m_microphone.player->position() - position) > kMaxApartMs * std::max(m_rate, 1.0))
+        std::abs(m_microphone.player->position() - position) > kMaxDriftMs * std::max(m_rate, 1.0))
         start(m_microphone, double(position));
 }
 
@@ -208,12 +206,17 @@ void KelPlaybackVoiceTrack::onMicrophonePositionChanged(qint64 position)
         m_lastSeekMs = position;
 }
 
-/// The next synchronize() starts what is to be heard again.
 float KelPlaybackVoiceTrack::levelOf(const Source &source)
 {
     return source.isActive() && source.player->isPlaying() ? source.player->level() : 0;
 }
 
+double KelPlaybackVoiceTrack::audibleGain(const Source &source)
+{
+    return source.isActive() && !source.isMuted ? source.volume * source.gain : 0;
+}
+
+/// A source that is enabled while playing is started by the next synchronize().
 void KelPlaybackVoiceTrack::setEnabled(Source &source, bool on)
 {
     source.isEnabled = on;

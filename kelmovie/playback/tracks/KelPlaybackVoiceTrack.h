@@ -9,11 +9,11 @@
 #include <functional>
 
 class KelAmplifiedAudioPlayer;
-struct KelPlaybackSeams;
+struct KelPlaybackDependencies;
 
-/// The sound of a recording: one player for what the computer played, one for the microphone. It paints nothing, and is
-/// told the time: positions are ms of recorded time. A source that cannot be loaded is left out; without a sound device
-/// the track stays silent and says so once.
+/// The sound of a recording: one player for the system audio, one for the microphone. It paints nothing. Callers pass
+/// the position in ms of recorded time, and synchronize() keeps the sound in sync with the video. A source that cannot
+/// be loaded is left out; without a sound device the track stays silent and emits deviceFailed().
 class KelPlaybackVoiceTrack : public KelPlaybackTrack
 {
     Q_OBJECT
@@ -21,29 +21,29 @@ class KelPlaybackVoiceTrack : public KelPlaybackTrack
 public:
     /// Loads the newest file of each source in `directory`.
     KelPlaybackVoiceTrack(const QString &directory, KelPlaybackTrackManager *manager);
-    /// Only of the sources that were recorded, with other sound devices and another clock.
-    KelPlaybackVoiceTrack(const QString &directory, bool systemAudio, bool microphone, const KelPlaybackSeams &seams,
-                          KelPlaybackTrackManager *manager);
+    /// Loads only the given sources, with another sound device and clock.
+    KelPlaybackVoiceTrack(const QString &directory, bool systemAudio, bool microphone,
+                          const KelPlaybackDependencies &dependencies, KelPlaybackTrackManager *manager);
     ~KelPlaybackVoiceTrack() override;
 
     void seekToFrame(int frame) override;
     void paint(QPainter *painter) override;
     int nextKeyFrame() override;
 
-    /// Moves the sound, unless it is less than 50 ms away from where it is.
+    /// Moves the sound to `ms`. Moves of less than 50 ms are ignored.
     void seekToMs(qint64 ms);
-    /// Starts or resumes at `ms`, with `rate` ms of recorded time in each ms.
+    /// Starts or resumes at `ms`, playing `rate` ms of recorded time per ms.
     void play(double ms, double rate);
-    /// While playing: what should be heard now. Keeps the sound there.
+    /// While playing: `ms` is the position that should be heard now. Adjusts the rate, or restarts the sound there.
     void synchronize(double ms);
     void pause();
-    /// Ends playing and goes back to the beginning.
+    /// Ends playback and returns to the beginning.
     void stop();
-    /// Lets go of the sound device and the files; nothing is heard any more.
+    /// Releases the sound device and the files; the track is silent from then on.
     void release();
 
-    // Of each source: whether there is a file that can be played, and the settings. Volume and gain are factors, which
-    // multiply; what a setter changes is heard at once.
+    // Per source: whether there is a file that can be played, and the settings. Volume and gain are factors that are
+    // multiplied; setters take effect at once.
     bool hasSystemAudio() const { return m_system.player != nullptr; }
     bool isSystemAudioEnabled() const { return m_system.isEnabled; }
     bool isSystemAudioMuted() const { return m_system.isMuted; }
@@ -64,12 +64,16 @@ public:
     void setMicrophoneVolume(double volume) { setLevel(m_microphone, volume, m_microphone.gain); }
     void setMicrophoneGain(double gain) { setLevel(m_microphone, m_microphone.volume, gain); }
 
-    /// How loud each source is being played, its settings applied; 1.0 is full scale.
+    /// The factor at which each source is heard: volume times gain, or 0 if it is missing, disabled or muted.
+    double audibleSystemAudioGain() const { return audibleGain(m_system); }
+    double audibleMicrophoneGain() const { return audibleGain(m_microphone); }
+
+    /// The level at which each source is being played, with its settings applied; 1.0 is full scale.
     float systemAudioLevel() const { return levelOf(m_system); }
     float microphoneLevel() const { return levelOf(m_microphone); }
 
 signals:
-    /// There is no sound device, or there is none any more: once, until there has been one again.
+    /// There is no sound device, or it has been lost. Emitted once until a device has been available again.
     void deviceFailed();
 
 public slots:
@@ -79,7 +83,7 @@ public slots:
 private:
     struct Source {
         QString path;
-        KelAmplifiedAudioPlayer *player = nullptr; ///< a child; null when there is no file that can be played
+        KelAmplifiedAudioPlayer *player = nullptr; ///< a QObject child; null when there is no file that can be played
         kel::AudioSync sync;
         bool isEnabled = true;
         bool isMuted = false;
@@ -91,7 +95,8 @@ private:
 
     std::array<Source *, 2> sources() { return {&m_system, &m_microphone}; }
     static float levelOf(const Source &source);
-    void load(Source &source, const QString &failure, const KelPlaybackSeams &seams);
+    static double audibleGain(const Source &source);
+    void load(Source &source, const QString &failure, const KelPlaybackDependencies &dependencies);
     void start(Source &source, double ms);
     void onDeviceFailed();
     void setEnabled(Source &source, bool on);
@@ -104,5 +109,5 @@ private:
     qint64 m_lastSeekMs = 0;
     double m_rate = 1.0;
     bool m_isPlaying = false;
-    bool m_isDeviceMissing = false; ///< until somebody asks to play again
+    bool m_isDeviceMissing = false; ///< until the next play()
 };

@@ -1,6 +1,7 @@
 #include "ui/export/KelPlaybackExportDialog.h"
 
-#include "export/KelExportSeams.h"
+#include "export/ExportInternals.h"
+#include "export/KelExportDependencies.h"
 #include "notification/KelMsgBox.h"
 #include "notification/KelToastsMessage.h"
 #include "text/ClockText.h"
@@ -22,16 +23,16 @@ constexpr int kToastMs = 3000;
 } // namespace
 
 KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request, QWidget *parent)
-    : KelPlaybackExportDialog(request, KelExportSeams::real(), parent)
+    : KelPlaybackExportDialog(request, KelExportDependencies::real(), parent)
 {
 }
 
-KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request, const KelExportSeams &seams,
-                                                 QWidget *parent)
+KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request,
+                                                 const KelExportDependencies &dependencies, QWidget *parent)
     : QDialog(parent)
     , m_ui(std::make_unique<Ui::KelPlaybackExportDialog>())
     , m_request(request)
-    , m_pipeline(m_request, this, seams)
+    , m_pipeline(ExportInternals::createPipeline(m_request, this, dependencies))
 {
     m_ui->setupUi(this);
     setWindowTitle(tr("Exporting..."));
@@ -91,8 +92,9 @@ void KelPlaybackExportDialog::exportStatus(const Status &status)
 
 QString KelPlaybackExportDialog::statusText(const Status &status)
 {
-    const bool isKnown = status.leftMs >= 0;
-    const QString time = ClockText::minutesSeconds(isKnown ? (status.leftMs + 999) / 1000 : status.elapsedMs / 1000, 1);
+    const bool isKnown = status.remainingMs >= 0;
+    const QString time =
+        ClockText::minutesSeconds(isKnown ? (status.remainingMs + 999) / 1000 : status.elapsedMs / 1000, 1);
     switch (status.stage) {
     case Status::Stage::Frames: {
         const QLocale locale;
@@ -103,7 +105,7 @@ QString KelPlaybackExportDialog::statusText(const Status &status)
         return (isKnown ? tr("Finishing the file, about %1 left") : tr("Finishing the file, %1 so far")).arg(time);
     case Status::Stage::Sound:
         return (isKnown ? tr("Adding the sound, about %1 left") : tr("Adding the sound, %1 so far")).arg(time);
-    case Status::Stage::Placing:
+    case Status::Stage::Saving:
         return (isKnown ? tr("Saving the file, about %1 left") : tr("Saving the file, %1 so far")).arg(time);
     }
     return QString();
@@ -120,7 +122,7 @@ bool KelPlaybackExportDialog::isExportCancelled()
 
 void KelPlaybackExportDialog::runExport()
 {
-    const bool isComplete = m_pipeline.run();
+    const bool isComplete = m_pipeline->run();
     restoreApplication();
     if (!isComplete) {
         if (!m_cancelled)
@@ -149,9 +151,9 @@ void KelPlaybackExportDialog::runExport()
 
 void KelPlaybackExportDialog::tellFailure()
 {
-    const QString problem = m_pipeline.errorString();
+    const QString problem = m_pipeline->errorString();
     const QString title = tr("Export Error");
-    switch (m_pipeline.failure()) {
+    switch (m_pipeline->failure()) {
     case KelExportPipeline::Failure::Exception:
         KelMsgBox::critical(this, title, problem);
         break;
@@ -167,7 +169,7 @@ void KelPlaybackExportDialog::tellFailure()
 
 void KelPlaybackExportDialog::tellWarning()
 {
-    const QString warning = m_pipeline.warningString();
+    const QString warning = m_pipeline->warningString();
     if (!warning.isEmpty())
         KelMsgBox::warning(this, tr("Export Complete"), tr("The exported file lacks something"), warning);
 }

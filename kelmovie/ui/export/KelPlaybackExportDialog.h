@@ -10,7 +10,7 @@
 
 #include <memory>
 
-struct KelExportSeams;
+struct KelExportDependencies;
 
 namespace Ui
 {
@@ -25,8 +25,6 @@ class KELMOVIE_EXPORT KelPlaybackExportDialog : public QDialog, private KelExpor
 
 public:
     explicit KelPlaybackExportDialog(const KelExportRequest &request, QWidget *parent = nullptr);
-    /// The same with other encoders.
-    KelPlaybackExportDialog(const KelExportRequest &request, const KelExportSeams &seams, QWidget *parent);
     ~KelPlaybackExportDialog() override;
 
     /// Exports in a dialog of its own. True when the file is complete; what went wrong has been told to the user then.
@@ -42,6 +40,11 @@ public slots:
 
     /// While exporting: cancels. Afterwards the file is there, and closing the dialog takes nothing back.
     void reject() override;
+
+protected:
+    /// With other encoders, for tests of the module.
+    KelPlaybackExportDialog(const KelExportRequest &request, const KelExportDependencies &dependencies,
+                            QWidget *parent);
 
 private:
     void exportProgress(int percent) override;
@@ -59,7 +62,7 @@ private:
 
     const std::unique_ptr<Ui::KelPlaybackExportDialog> m_ui;
     const KelExportRequest m_request;
-    KelExportPipeline m_pipeline;
+    const std::unique_ptr<KelExportPipeline> m_pipeline;
     QElapsedTimer m_sinceEvents;
     QPointer<QWidget> m_minimized;
     bool m_cancelled = false;

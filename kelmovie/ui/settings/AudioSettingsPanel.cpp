@@ -1,6 +1,8 @@
 #include "ui/settings/AudioSettingsPanel.h"
 
 #include "config/KelMovieConfigKeys.h"
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 #include "ui/settings/SettingTexts.h"
 #include "ui/settings/SettingsForm.h"
@@ -142,7 +144,7 @@ void AudioSettingsPanel::setPlaybackManager(KelPlaybackTrackManager *manager)
         return;
     }
     const auto voice = [manager = QPointer<KelPlaybackTrackManager>(manager)] {
-        return manager ? manager->voiceTrack() : nullptr;
+        return manager ? PlaybackInternals::engine(*manager).voiceTrack() : nullptr;
     };
     d->systemLevel->setPlaybackLevel([voice]() -> std::optional<float> {
         const KelPlaybackVoiceTrack *const track = voice();

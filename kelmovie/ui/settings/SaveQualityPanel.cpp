@@ -1,6 +1,6 @@
 #include "ui/settings/SaveQualityPanel.h"
 
-#include "export/ExportSizeEstimator.h"
+#include "export/estimate/ExportSizeEstimator.h"
 #include "ui/settings/SettingsForm.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>

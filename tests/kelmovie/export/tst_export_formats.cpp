@@ -2,6 +2,8 @@
 #include "avcodec/DecodedVideo.h"
 #include "kelmovie/support/ExportScene.h"
 #include "kelmovie/support/ScriptedDecoder.h"
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "support/FileSizeLimit.h"
 
 #include <KelMovie/KelExportPipeline.h>
@@ -11,6 +13,8 @@
 
 #include <cmath>
 
+using namespace kel;
+
 namespace
 {
 
@@ -18,9 +22,9 @@ const QStringList kSuffixes{"mp4", "gif", "apng", "webp"};
 constexpr int kMp4 = 0;
 constexpr int kGif = 1;
 constexpr int kApng = 2;
-constexpr double kLossless = 99; // as psnr() has it
+constexpr double kLossless = 99; // as psnr() returns it
 
-/// The brightness of a picture, as a video in the colours of HDTV has it.
+/// The PSNR of the luma of a video frame, with the coefficients of HDTV.
 double lumaPsnr(const DecodedVideo &video, int frame, const QImage &wanted)
 {
     double squares = 0;
@@ -38,24 +42,24 @@ double lumaPsnr(const DecodedVideo &video, int frame, const QImage &wanted)
 
 } // namespace
 
-/// Exports with the real encoders, read back by the libraries that others read such files with.
+/// Exports with the real encoders, and reads the files with other libraries.
 class ExportFormatsTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void showsWhatWasRecorded();
-    void recordingOfADeadProcess();
-    void looksAsComposed_data();
-    void looksAsComposed();
+    void showsRecordedFrames();
+    void recordingOfKilledProcess();
+    void matchesComposedFrames_data();
+    void matchesComposedFrames();
     void frameAsPlayed();
-    void lastsAsLongAsTheRange_data();
-    void lastsAsLongAsTheRange();
+    void hasDurationOfRange_data();
+    void hasDurationOfRange();
     void sizes_data();
     void sizes();
-    void qualityHasItsPrice_data();
-    void qualityHasItsPrice();
-    void firstPartOfAnAnimationIsKept();
+    void higherQualityIsLarger_data();
+    void higherQualityIsLarger();
+    void keepsFirstPartOfAnimation();
 
 private:
     bool runExport(KelExportRequest request)
@@ -81,7 +85,7 @@ private:
     QString error;
 };
 
-void ExportFormatsTest::showsWhatWasRecorded()
+void ExportFormatsTest::showsRecordedFrames()
 {
     KelPlaybackTrackManager manager(scene.path(), true);
     QVERIFY2(manager.isValidRecording(), qPrintable(manager.errorString()));
@@ -90,14 +94,14 @@ void ExportFormatsTest::showsWhatWasRecorded()
     for (int frame : {0, 39, 2, 20, 21, 3, 0}) {
         manager.seek(frame);
         const QColor seen = composed(manager).pixel(90, 5);
-        const QColor wanted = ExportScene::picture(ExportScene::videoFrameAt(frame)).pixel(90, 5);
+        const QColor wanted = ExportScene::image(ExportScene::videoFrameAt(frame)).pixel(90, 5);
         QVERIFY2(std::abs(seen.hue() - wanted.hue()) < 10, qPrintable(seen.name() + ' ' + wanted.name()));
     }
 }
 
-void ExportFormatsTest::recordingOfADeadProcess()
+void ExportFormatsTest::recordingOfKilledProcess()
 {
-    // The last video frames never got into the table, and the metadata was never written.
+    // The last video frames are missing in the index table, and the metadata was never written.
     RecordingFixture dead;
     dead.remove("TrackManager.meta");
     dead.remove("Screen/screen_record.mp4");
@@ -115,10 +119,10 @@ void ExportFormatsTest::recordingOfADeadProcess()
     const DecodedVideo video(path(kMp4));
     QCOMPARE(video.errorString, QString());
     QCOMPARE(int(video.frames.size()), int(ExportScene::Fps));
-    QVERIFY(lumaPsnr(video, ExportScene::Fps - 1, ExportScene::picture(8)) > 35);
+    QVERIFY(lumaPsnr(video, ExportScene::Fps - 1, ExportScene::image(8)) > 35);
 }
 
-void ExportFormatsTest::looksAsComposed_data()
+void ExportFormatsTest::matchesComposedFrames_data()
 {
     QTest::addColumn<int>("format");
     QTest::addColumn<double>("psnrDb");
@@ -129,14 +133,14 @@ void ExportFormatsTest::looksAsComposed_data()
     QTest::newRow("WebP") << 3 << 99.0;
 }
 
-/// What was neither painted nor encoded again because nothing had changed, was not missed.
-void ExportFormatsTest::looksAsComposed()
+/// Frames that were neither painted nor encoded again had really not changed.
+void ExportFormatsTest::matchesComposedFrames()
 {
     QFETCH(int, format);
     QFETCH(double, psnrDb);
 
     KelPlaybackTrackManager manager(scene.path(), false);
-    manager.seek(30); // where keys are shown and effects begin
+    manager.seek(30); // where keys are visible and effects start
     KelExportRequest request;
     request.format = format;
     request.fps = ExportScene::Fps;
@@ -149,23 +153,22 @@ void ExportFormatsTest::looksAsComposed()
     const DecodedVideo video(format == kMp4 ? path(format) : QString());
     QCOMPARE(format == kMp4 ? video.errorString : animation.errorString, QString());
     KelPlaybackTrackManager reference(scene.path(), false);
-    QSet<QByteArray> pictures;
+    QSet<QByteArray> images;
     for (int frame = 0; frame < ExportScene::LogicFrames; ++frame) {
-        reference.setFrameSilently(frame);
+        PlaybackInternals::engine(reference).setFrameSilently(frame);
         const QImage wanted = composed(reference);
-        pictures.insert(QByteArray(reinterpret_cast<const char *>(wanted.constBits()), int(wanted.sizeInBytes())));
-        const QByteArray place = "frame " + QByteArray::number(frame);
+        images.insert(QByteArray(reinterpret_cast<const char *>(wanted.constBits()), int(wanted.sizeInBytes())));
+        const QByteArray position = "frame " + QByteArray::number(frame);
         if (format == kMp4)
-            QVERIFY2(lumaPsnr(video, frame, wanted) >= psnrDb, place);
+            QVERIFY2(lumaPsnr(video, frame, wanted) >= psnrDb, position);
         else if (format == kGif)
-            QVERIFY2(psnr(animation.at((frame + 0.5) * 1000 / ExportScene::Fps), wanted) >= psnrDb, place);
+            QVERIFY2(psnr(animation.at((frame + 0.5) * 1000 / ExportScene::Fps), wanted) >= psnrDb, position);
         else
             QVERIFY2(animation.at((frame + 0.5) * 1000 / ExportScene::Fps).convertToFormat(wanted.format()) == wanted,
-                     place);
+                     position);
     }
-    // The scene stands still at times, and otherwise does not.
-    QVERIFY2(pictures.size() > 20 && pictures.size() < ExportScene::LogicFrames - 5,
-             QByteArray::number(pictures.size()));
+    // Some frames of the scene are equal, most are not.
+    QVERIFY2(images.size() > 20 && images.size() < ExportScene::LogicFrames - 5, QByteArray::number(images.size()));
     if (format != kMp4)
         QVERIFY(int(animation.frames.size()) < ExportScene::LogicFrames);
 }
@@ -174,16 +177,16 @@ void ExportFormatsTest::frameAsPlayed()
 {
     KelPlaybackTrackManager played(scene.path(), false);
     for (int frame = 0; frame <= 15; ++frame)
-        played.setFrameSilently(frame);
+        PlaybackInternals::engine(played).setFrameSilently(frame);
     KelPlaybackTrackManager jumped(scene.path(), false);
-    jumped.setFrameSilently(15);
+    PlaybackInternals::engine(jumped).setFrameSilently(15);
     const QImage withoutEffect = composed(jumped);
     jumped.setFrameAsPlayed(15);
     QCOMPARE(composed(jumped), composed(played));
     QVERIFY(composed(jumped) != withoutEffect);
 }
 
-void ExportFormatsTest::lastsAsLongAsTheRange_data()
+void ExportFormatsTest::hasDurationOfRange_data()
 {
     QTest::addColumn<int>("format");
     QTest::addColumn<int>("from");
@@ -197,7 +200,7 @@ void ExportFormatsTest::lastsAsLongAsTheRange_data()
             for (double speed : {0.1, 1.0, 16.0}) {
                 for (int fps : {7, 25, 60}) {
                     const int loops = fps == 25 ? 3 : 0;
-                    QTest::addRow("%s %d-%d at %g, %d a second", qPrintable(kSuffixes[format]), from, to, speed, fps)
+                    QTest::addRow("%s %d-%d at %g, %d fps", qPrintable(kSuffixes[format]), from, to, speed, fps)
                         << format << from << to << speed << fps << loops;
                 }
             }
@@ -205,7 +208,7 @@ void ExportFormatsTest::lastsAsLongAsTheRange_data()
     }
 }
 
-void ExportFormatsTest::lastsAsLongAsTheRange()
+void ExportFormatsTest::hasDurationOfRange()
 {
     QFETCH(int, format);
     QFETCH(int, from);
@@ -215,12 +218,12 @@ void ExportFormatsTest::lastsAsLongAsTheRange()
     QFETCH(int, loops);
 
     RecordingFixture recording(50, 25);
-    KelPlaybackSeams seams;
-    seams.nowMs = [] { return 0; };
+    KelPlaybackDependencies dependencies;
+    dependencies.nowMs = [] { return 0; };
     const auto script = std::make_shared<DecoderScript>();
     script->frameCount = 50;
-    seams.decoders = scriptedDecoders(script);
-    KelPlaybackTrackManager manager(recording.path(), false, seams, nullptr);
+    dependencies.decoders = scriptedDecoders(script);
+    const auto manager = PlaybackInternals::load(recording.path(), dependencies);
     KelExportRequest request;
     request.format = format;
     request.fps = fps;
@@ -228,7 +231,7 @@ void ExportFormatsTest::lastsAsLongAsTheRange()
     request.trimStartMs = from;
     request.trimEndMs = to;
     request.loops = loops;
-    request.playbackManager = &manager;
+    request.playbackManager = manager.get();
     QVERIFY2(runExport(request), qPrintable(error));
 
     const double spanMs = from < 0 ? 2000 : to - from;
@@ -245,7 +248,7 @@ void ExportFormatsTest::lastsAsLongAsTheRange()
     const DecodedAnimation animation(path(format));
     QCOMPARE(animation.errorString, QString());
     QVERIFY(int(animation.frames.size()) <= frames);
-    // To the unit of the format; a picture of a GIF lasts 20 ms at least.
+    // Rounded to the unit of the format; a frame of a GIF lasts at least 20 ms.
     const double shortestMs = format == kGif ? 20 : 0;
     QVERIFY2(std::fabs(animation.totalMs() - std::max(lengthMs, shortestMs)) <= 10.0,
              qPrintable(QString::number(animation.totalMs())));
@@ -294,7 +297,7 @@ void ExportFormatsTest::sizes()
     const DecodedAnimation animation(path(format));
     QCOMPARE(animation.errorString, QString());
     QCOMPARE(animation.frames.at(0).size(), coded);
-    // Every size shows the same picture: its mean colour stays.
+    // Every size shows the same image, with the same mean color.
     const QColor mean =
         animation.frames.at(0).scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0);
     manager.seek(17);
@@ -303,15 +306,15 @@ void ExportFormatsTest::sizes()
              qPrintable(mean.name() + ' ' + wanted.name()));
 }
 
-void ExportFormatsTest::qualityHasItsPrice_data()
+void ExportFormatsTest::higherQualityIsLarger_data()
 {
     QTest::addColumn<int>("format");
     for (int format = 0; format < kSuffixes.size(); ++format)
         QTest::newRow(qPrintable(kSuffixes[format])) << format;
 }
 
-/// Each step of the setting makes a file truer, and larger; a lossless one stays as it is and takes less effort.
-void ExportFormatsTest::qualityHasItsPrice()
+/// Each higher setting increases the quality and the size of a lossy file. A lossless file keeps its content.
+void ExportFormatsTest::higherQualityIsLarger()
 {
     QFETCH(int, format);
 
@@ -344,7 +347,7 @@ void ExportFormatsTest::qualityHasItsPrice()
         const DecodedVideo video(format == kMp4 ? path(format) : QString());
         double worst = kLossless;
         for (int frame = 0; frame < frames; ++frame) {
-            manager.setFrameSilently(frame);
+            PlaybackInternals::engine(manager).setFrameSilently(frame);
             QImage wanted(160, 120, QImage::Format_ARGB32_Premultiplied);
             QPainter painter(&wanted);
             manager.paint(&painter);
@@ -364,7 +367,7 @@ void ExportFormatsTest::qualityHasItsPrice()
     }
 }
 
-void ExportFormatsTest::firstPartOfAnAnimationIsKept()
+void ExportFormatsTest::keepsFirstPartOfAnimation()
 {
     KelPlaybackTrackManager manager(scene.path(), false);
     manager.seek(7);

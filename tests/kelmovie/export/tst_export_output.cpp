@@ -111,16 +111,16 @@ void ExportOutputTest::moves_data()
 {
     QTest::addColumn<bool>("isCopied");
     QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("place");
+    QTest::addColumn<QString>("destination");
 
     for (bool isCopied : {false, true}) {
-        const QByteArray how = isCopied ? " from another disk" : "";
-        QTest::newRow("new" + how) << isCopied << "new.mp4"
-                                   << "new.mp4";
-        QTest::newRow("over a file" + how) << isCopied << "old.mp4"
-                                           << "old.mp4";
-        QTest::newRow("over what a link points to" + how) << isCopied << "link.mp4"
-                                                          << "recording/Screen/screen_record.mp4";
+        const QByteArray origin = isCopied ? " from another disk" : "";
+        QTest::newRow("new" + origin) << isCopied << "new.mp4"
+                                      << "new.mp4";
+        QTest::newRow("over a file" + origin) << isCopied << "old.mp4"
+                                              << "old.mp4";
+        QTest::newRow("over the target of a link" + origin) << isCopied << "link.mp4"
+                                                            << "recording/Screen/screen_record.mp4";
     }
 }
 
@@ -128,7 +128,7 @@ void ExportOutputTest::moves()
 {
     QFETCH(bool, isCopied);
     QFETCH(QString, name);
-    QFETCH(QString, place);
+    QFETCH(QString, destination);
 
     const QByteArray large(5'000'000, 'x');
     const QString from = isCopied ? otherDisk.filePath("video.mp4") : path("video.mp4");
@@ -136,31 +136,31 @@ void ExportOutputTest::moves()
     QVERIFY(video.open(QIODevice::WriteOnly) && video.write(large) == large.size());
     video.close();
     QVERIFY(QFile::link(path("recording/Screen/screen_record.mp4"), path("link.mp4")));
-    const bool isNew = !QFile::exists(path(place));
-    const QByteArray before = content(place);
+    const bool isNew = !QFile::exists(path(destination));
+    const QByteArray before = content(destination);
     if (!isNew)
-        QVERIFY(QFile::setPermissions(path(place), QFile::ReadOwner | QFile::WriteOwner));
+        QVERIFY(QFile::setPermissions(path(destination), QFile::ReadOwner | QFile::WriteOwner));
     qint64 last = -1;
-    const auto goOn = [&](qint64 copied) {
-        const bool rises = copied > last && content(place) == before;
+    const auto shouldContinue = [&](qint64 copied) {
+        const bool rises = copied > last && content(destination) == before;
         last = copied;
         return rises;
     };
-    QCOMPARE(moveOverFile(from, path(name), goOn), QString());
+    QCOMPARE(moveOverFile(from, path(name), shouldContinue), QString());
     QCOMPARE(last, isCopied ? qint64(large.size()) : 0);
-    QVERIFY(content(place) == large);
+    QVERIFY(content(destination) == large);
     QVERIFY(!QFile::exists(from));
-    QVERIFY(isNew || !(QFile::permissions(path(place)) & QFile::ReadOther));
+    QVERIFY(isNew || !(QFile::permissions(path(destination)) & QFile::ReadOther));
     QCOMPARE(QFileInfo(path("link.mp4")).isSymLink(), true);
 }
 
 void ExportOutputTest::keepsOldFile_data()
 {
     QTest::addColumn<bool>("isSourceThere");
-    QTest::addColumn<bool>("goesOn");
+    QTest::addColumn<bool>("continues");
     QTest::addColumn<qint64>("room");
 
-    QTest::newRow("stopped") << true << false << qint64(-1);
+    QTest::newRow("cancelled") << true << false << qint64(-1);
     QTest::newRow("nothing to move") << false << true << qint64(-1);
     QTest::newRow("full disk") << true << true << qint64(3'000'000);
 }
@@ -168,7 +168,7 @@ void ExportOutputTest::keepsOldFile_data()
 void ExportOutputTest::keepsOldFile()
 {
     QFETCH(bool, isSourceThere);
-    QFETCH(bool, goesOn);
+    QFETCH(bool, continues);
     QFETCH(qint64, room);
 
     const QString from = otherDisk.filePath("video.mp4");
@@ -178,7 +178,7 @@ void ExportOutputTest::keepsOldFile()
         QVERIFY(video.open(QIODevice::WriteOnly) && video.resize(5'000'000));
     video.close();
     QString problem;
-    const auto move = [&] { problem = moveOverFile(from, path("old.mp4"), [&](qint64) { return goesOn; }); };
+    const auto move = [&] { problem = moveOverFile(from, path("old.mp4"), [&](qint64) { return continues; }); };
     if (room < 0) {
         move();
     } else {

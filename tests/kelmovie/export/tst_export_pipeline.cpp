@@ -2,6 +2,9 @@
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "kelmovie/support/ScriptedEncoder.h"
 
+#include "export/ExportInternals.h"
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "playback/tracks/KelPlaybackCountdownTrack.h"
 #include "support/EnvironmentChange.h"
 
@@ -16,6 +19,8 @@
 
 #include <limits>
 #include <stdexcept>
+
+using namespace kel;
 
 using SetUp = std::function<void()>;
 Q_DECLARE_METATYPE(SetUp)
@@ -32,7 +37,7 @@ public:
         if (percent == cancelAtPercent)
             cancelled = true;
         if (percent == throwAtPercent)
-            throw std::runtime_error("no more paper");
+            throw std::runtime_error("out of paper");
     }
     bool isExportCancelled() override
     {
@@ -58,38 +63,38 @@ class ExportPipelineTest : public QObject
 private slots:
     void initTestCase();
     void init();
-    void showsEachFrame();
-    void placesTheFile_data();
-    void placesTheFile();
-    void fillsWhatTheVideoDoesNotCover();
+    void exportsEachFrame();
+    void placesFile_data();
+    void placesFile();
+    void fillsUncoveredPixels();
     void exportsWithoutMetadata();
-    void tellsTheTimeWithinTheRange();
+    void showsTimeWithinRange();
     void failures_data();
     void failures();
     void unsupportedFormat();
     void cancel_data();
     void cancel();
-    void paintsWhatStaysOnce();
-    void tellsWhatCouldNotBeRead();
-    void recordingClosedMeanwhile();
+    void paintsUnchangedFramesOnce();
+    void warnsAboutFailedFrames();
+    void recordingClosedDuringExport();
     void monitorThrows();
 
 private:
-    bool runExport(const KelExportSeams &seams)
+    bool runExport(const KelExportDependencies &dependencies)
     {
-        KelExportPipeline pipeline(request, &monitor, seams);
-        const bool done = pipeline.run();
-        error = pipeline.errorString();
+        const auto pipeline = ExportInternals::createPipeline(request, &monitor, dependencies);
+        const bool done = pipeline->run();
+        error = pipeline->errorString();
         return done;
     }
     bool runExport() { return runExport(scriptedEncoders(encoder)); }
 
     void loadManager()
     {
-        KelPlaybackSeams seams;
-        seams.nowMs = [] { return 0; };
-        seams.decoders = scriptedDecoders(decoder);
-        manager = std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
+        KelPlaybackDependencies dependencies;
+        dependencies.nowMs = [] { return 0; };
+        dependencies.decoders = scriptedDecoders(decoder);
+        manager = PlaybackInternals::load(recording->path(), dependencies);
         request.playbackManager = manager.get();
     }
     void writeOutput(const QByteArray &bytes)
@@ -102,13 +107,13 @@ private:
         QFile file(request.outputPath);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
     }
-    /// Nothing of an export is left behind but its output.
+    /// Nothing of an export is left but its output.
     bool isTidy() const
     {
         return QDir(temporary.path()).isEmpty() && QDir(outputDir->path()).entryList(QDir::Files).size() <= 1;
     }
 
-    const QString usual = QDir::tempPath();
+    const QString defaultTemporaryPath = QDir::tempPath();
     QTemporaryDir temporary;
     std::unique_ptr<QTemporaryDir> outputDir;
     std::unique_ptr<RecordingFixture> recording;
@@ -127,7 +132,7 @@ void ExportPipelineTest::initTestCase()
 
 void ExportPipelineTest::init()
 {
-    setTemporaryPath(usual);
+    setTemporaryPath(defaultTemporaryPath);
     outputDir = std::make_unique<QTemporaryDir>();
     recording = std::make_unique<RecordingFixture>(250);
     setTemporaryPath(temporary.path());
@@ -141,13 +146,13 @@ void ExportPipelineTest::init()
     manager->seek(33);
 }
 
-void ExportPipelineTest::showsEachFrame()
+void ExportPipelineTest::exportsEachFrame()
 {
     request.speed = 2.0;
     request.quality = 77;
     manager->play();
     int exportingFrames = 0;
-    encoder->onFrame = [&](int) { exportingFrames += manager->isExporting(); };
+    encoder->onFrame = [&](int) { exportingFrames += PlaybackInternals::engine(*manager).isExporting(); };
     QVERIFY2(runExport(), qPrintable(error));
     QVector<int> expected;
     for (int i = 0; i < 125; ++i)
@@ -158,7 +163,7 @@ void ExportPipelineTest::showsEachFrame()
     QCOMPARE(encoder->quality, 77);
 
     QCOMPARE(exportingFrames, 125);
-    QVERIFY(!manager->isExporting());
+    QVERIFY(!PlaybackInternals::engine(*manager).isExporting());
     QCOMPARE(manager->state(), KelPlaybackTrackManager::Paused);
     QCOMPARE(manager->currentFrame(), 33);
 
@@ -169,7 +174,7 @@ void ExportPipelineTest::showsEachFrame()
     QVERIFY(monitor.questions >= 125);
 }
 
-void ExportPipelineTest::placesTheFile_data()
+void ExportPipelineTest::placesFile_data()
 {
     QTest::addColumn<int>("format");
     QTest::addColumn<bool>("exists");
@@ -180,7 +185,7 @@ void ExportPipelineTest::placesTheFile_data()
     QTest::newRow("GIF over a file") << 1 << true;
 }
 
-void ExportPipelineTest::placesTheFile()
+void ExportPipelineTest::placesFile()
 {
     QFETCH(int, format);
     QFETCH(bool, exists);
@@ -196,7 +201,7 @@ void ExportPipelineTest::placesTheFile()
     QVERIFY(error.isEmpty());
 }
 
-void ExportPipelineTest::fillsWhatTheVideoDoesNotCover()
+void ExportPipelineTest::fillsUncoveredPixels()
 {
     decoder->frameSize = QSize(32, 48);
     loadManager();
@@ -206,14 +211,14 @@ void ExportPipelineTest::fillsWhatTheVideoDoesNotCover()
     QCOMPARE(encoder->corners, QVector<QRgb>{QColor(Qt::black).rgba()});
 }
 
-void ExportPipelineTest::tellsTheTimeWithinTheRange()
+void ExportPipelineTest::showsTimeWithinRange()
 {
     recording->metadata.recordArea = QRect(0, 0, 320, 120);
     recording->save();
     gKelMovieConfig.playbackProgressEnable = true;
     const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
     loadManager();
-    const auto picture = [&] {
+    const auto composed = [&] {
         QImage image(320, 120, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::black);
         QPainter painter(&image);
@@ -221,7 +226,7 @@ void ExportPipelineTest::tellsTheTimeWithinTheRange()
         return image;
     };
     manager->seek(50);
-    const QImage before = picture();
+    const QImage before = composed();
 
     KelPlaybackCountdownTrack reference(QString(), nullptr);
     reference.setTotalFrames(manager->totalFrames());
@@ -235,21 +240,21 @@ void ExportPipelineTest::tellsTheTimeWithinTheRange()
     request.trimEndMs = 3040;
     bool differs = false;
     encoder->onFrame = [&](int) {
-        manager->setFrameSilently(60);
-        const QImage told = picture();
-        QImage expected(told.size(), told.format());
+        PlaybackInternals::engine(*manager).setFrameSilently(60);
+        const QImage shown = composed();
+        QImage expected(shown.size(), shown.format());
         expected.fill(Qt::black);
         QPainter painter(&expected);
         reference.seekToFrame(60);
         reference.paint(&painter);
         painter.end();
         const QRect besideVideo(64, 0, 256, 120);
-        differs = differs || told.copy(besideVideo) != expected.copy(besideVideo);
+        differs = differs || shown.copy(besideVideo) != expected.copy(besideVideo);
     };
     QVERIFY(runExport());
     QVERIFY(!differs);
     manager->seek(50);
-    QCOMPARE(picture(), before);
+    QCOMPARE(composed(), before);
 }
 
 void ExportPipelineTest::exportsWithoutMetadata()
@@ -297,7 +302,7 @@ void ExportPipelineTest::failures_data()
         encoder->output = "";
         request.format = 1;
     });
-    row("output goes away", "Failed to copy video file to output path",
+    row("output directory is removed", "Failed to copy video file to output path",
         [this] { encoder->onFrame = [this](int) { outputDir->remove(); }; });
 }
 
@@ -314,7 +319,7 @@ void ExportPipelineTest::failures()
     QVERIFY(!runExport());
     QVERIFY2(error.startsWith(text), qPrintable(error));
     QCOMPARE(manager->currentFrame(), manager->isValidRecording() ? 33 : 0);
-    QVERIFY(!manager->isExporting());
+    QVERIFY(!PlaybackInternals::engine(*manager).isExporting());
     QVERIFY(!monitor.reports.contains(100));
     QVERIFY(isTidy());
     request.outputPath = outputPath;
@@ -327,7 +332,7 @@ void ExportPipelineTest::unsupportedFormat()
     request.format = 4;
     QTest::ignoreMessage(QtWarningMsg, "Unsupported export format 4");
     QTest::ignoreMessage(QtWarningMsg, "Failed to create encoder");
-    QVERIFY(!runExport(KelExportSeams::real()));
+    QVERIFY(!runExport(KelExportDependencies::real()));
     QCOMPARE(error, QString("Failed to create encoder"));
     QVERIFY(!QFile::exists(request.outputPath));
 }
@@ -335,7 +340,7 @@ void ExportPipelineTest::unsupportedFormat()
 void ExportPipelineTest::cancel_data()
 {
     QTest::addColumn<int>("format");
-    QTest::addColumn<int>("frames"); ///< that the encoder was given until then
+    QTest::addColumn<int>("frames"); ///< passed to the encoder until then
     QTest::addColumn<SetUp>("setUp");
 
     const auto row = [](const QByteArray &name, int frames, const SetUp &setUp) {
@@ -345,11 +350,11 @@ void ExportPipelineTest::cancel_data()
     row("before the start", 0, [this] { monitor.cancelAtQuestion = 1; });
     row("before the first frame", 0, [this] { monitor.cancelAtQuestion = 2; });
     row("in the middle", 126, [this] { monitor.cancelAtPercent = 45; });
-    row("while a picture is decoded", 100, [this] {
+    row("while a frame is decoded", 100, [this] {
         decoder->hangsAtFrame = 100;
         monitor.cancelWhen = [this] { return decoder->isHanging && encoder->frames.size() == 100; };
     });
-    row("of a recording that nobody has looked at", 100, [this] {
+    row("of a newly loaded recording", 100, [this] {
         loadManager();
         decoder->hangsAtFrame = 100;
         monitor.cancelWhen = [this] { return decoder->isHanging && encoder->frames.size() == 100; };
@@ -363,8 +368,7 @@ void ExportPipelineTest::cancel_data()
         encoder->hangsInClose = true;
         monitor.cancelWhen = [this] { return encoder->isClosing.load(); };
     });
-    QTest::newRow("MP4, when all but the file's move is done")
-        << 0 << 250 << SetUp([this] { monitor.cancelAtPercent = 95; });
+    QTest::newRow("MP4, before the file is moved") << 0 << 250 << SetUp([this] { monitor.cancelAtPercent = 95; });
 }
 
 void ExportPipelineTest::cancel()
@@ -388,33 +392,33 @@ void ExportPipelineTest::cancel()
     decoder->release();
 }
 
-void ExportPipelineTest::paintsWhatStaysOnce()
+void ExportPipelineTest::paintsUnchangedFramesOnce()
 {
     recording->writeIndexes(250, [](int i) { return i / 10; });
     loadManager();
     decoder->decoded.clear();
     manager->seek(33);
     QVERIFY2(runExport(), qPrintable(error));
-    QCOMPARE(encoder->pictures, 25);
+    QCOMPARE(encoder->images, 25);
     QCOMPARE(encoder->frames.size(), 250);
     for (int i = 0; i < 250; ++i)
         QCOMPARE(encoder->frames[i], i / 10);
-    QCOMPARE(decoder->decoded.size(), 25); // also the way back to frame 33
+    QCOMPARE(decoder->decoded.size(), 25); // including the return to frame 33
 }
 
-void ExportPipelineTest::tellsWhatCouldNotBeRead()
+void ExportPipelineTest::warnsAboutFailedFrames()
 {
     for (int frame = 120; frame < 250; ++frame)
         decoder->failures[frame] = 100;
-    KelExportPipeline pipeline(request, &monitor, scriptedEncoders(encoder));
-    QVERIFY2(pipeline.run(), qPrintable(pipeline.errorString()));
+    const auto pipeline = ExportInternals::createPipeline(request, &monitor, scriptedEncoders(encoder));
+    QVERIFY2(pipeline->run(), qPrintable(pipeline->errorString()));
     QCOMPARE(encoder->frames.size(), 250);
     QCOMPARE(encoder->frames.last(), 119);
-    QVERIFY2(pipeline.warningString().contains("130 frames"), qPrintable(pipeline.warningString()));
+    QVERIFY2(pipeline->warningString().contains("130 frames"), qPrintable(pipeline->warningString()));
     QCOMPARE(output(), QByteArray("encoded"));
 }
 
-void ExportPipelineTest::recordingClosedMeanwhile()
+void ExportPipelineTest::recordingClosedDuringExport()
 {
     encoder->onFrame = [this](int frame) {
         if (frame == 20)
@@ -430,9 +434,9 @@ void ExportPipelineTest::recordingClosedMeanwhile()
 void ExportPipelineTest::monitorThrows()
 {
     monitor.throwAtPercent = 50;
-    QTest::ignoreMessage(QtWarningMsg, "An error occurred during export: no more paper");
+    QTest::ignoreMessage(QtWarningMsg, "An error occurred during export: out of paper");
     QVERIFY(!runExport());
-    QCOMPARE(error, QString("An error occurred during export: no more paper"));
+    QCOMPARE(error, QString("An error occurred during export: out of paper"));
     QCOMPARE(manager->currentFrame(), 33);
     QVERIFY(isTidy());
 }

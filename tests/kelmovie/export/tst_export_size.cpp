@@ -1,8 +1,8 @@
 #include "kelmovie/support/RecordedVideo.h"
 #include "kelmovie/support/SavingConfigIO.h"
 
-#include "export/ExportSizeEstimator.h"
 #include "export/KelExportPipeline.h"
+#include "export/estimate/ExportSizeEstimator.h"
 #include "playback/KelPlaybackTrackManager.h"
 
 #include <KelMovie/SaveQualityPanel.h>
@@ -25,31 +25,31 @@ constexpr int kFps = 25;
 constexpr int kWaitMs = 120'000;
 constexpr QSize kSize(96, 72);
 
-/// Something that is different everywhere, wandering over a noisy background.
-QImage picture(int frame)
+/// A square that moves over a noisy background and changes its color.
+QImage image(int frame)
 {
-    QImage image(kSize, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::darkGray);
-    QPainter painter(&image);
+    QImage result(kSize, QImage::Format_ARGB32_Premultiplied);
+    result.fill(Qt::darkGray);
+    QPainter painter(&result);
     QRandomGenerator random(7);
     for (int i = 0; i < 150; ++i)
         painter.fillRect(random.bounded(96), random.bounded(72), 5, 5, QColor::fromRgb(random.generate()));
     painter.fillRect(frame * 3 % 96, frame % 72, 20, 20, QColor::fromHsv(frame % 360, 200, 200));
-    return image;
+    return result;
 }
 
 } // namespace
 
-/// What is said before an export against the file that is made.
+/// Compares estimates with the size of exported files.
 class ExportSizeTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void agreesWithTheFile_data();
-    void agreesWithTheFile();
-    void startsAnewAndGivesUp();
+    void matchesExportedFile_data();
+    void matchesExportedFile();
+    void restartsAndStops();
     void unusableRecording();
     void panel();
 
@@ -74,12 +74,12 @@ void ExportSizeTest::initTestCase()
 {
     recording.metadata.recordArea = QRect(QPoint(), kSize);
     recording.save();
-    writeVideo(recording, kFrames, picture);
+    writeVideo(recording, kFrames, image);
     manager = std::make_unique<KelPlaybackTrackManager>(recording.path(), false);
     QVERIFY2(manager->isValidRecording(), qPrintable(manager->errorString()));
 }
 
-void ExportSizeTest::agreesWithTheFile_data()
+void ExportSizeTest::matchesExportedFile_data()
 {
     QTest::addColumn<int>("format");
     QTest::addColumn<int>("endMs");
@@ -89,7 +89,7 @@ void ExportSizeTest::agreesWithTheFile_data()
     }
 }
 
-void ExportSizeTest::agreesWithTheFile()
+void ExportSizeTest::matchesExportedFile()
 {
     QFETCH(int, format);
     QFETCH(int, endMs);
@@ -106,7 +106,7 @@ void ExportSizeTest::agreesWithTheFile()
 
     QVERIFY(KelExportPipeline(wanted).run());
     const double ratio = double(estimates.last().bytes) / double(QFileInfo(wanted.outputPath).size());
-    if (endMs >= 0) { // short enough to be encoded wholly
+    if (endMs >= 0) { // short enough to be encoded completely
         QCOMPARE(estimates.size(), 1);
         QVERIFY2(ratio > 0.99 && ratio < 1.01, qPrintable(QString::number(ratio)));
     } else {
@@ -117,7 +117,7 @@ void ExportSizeTest::agreesWithTheFile()
     }
 }
 
-void ExportSizeTest::startsAnewAndGivesUp()
+void ExportSizeTest::restartsAndStops()
 {
     ExportSizeEstimator estimator;
     QVector<Estimate> estimates;
@@ -132,11 +132,11 @@ void ExportSizeTest::startsAnewAndGivesUp()
     estimator.stop();
     QVERIFY(!estimator.isRunning());
     estimator.start(request(1));
-} // and is destroyed while it works
+} // destroyed while it works
 
 void ExportSizeTest::unusableRecording()
 {
-    const RecordingFixture broken; // whose video nobody can decode
+    const RecordingFixture broken; // its video cannot be decoded
     KelPlaybackTrackManager loaded(broken.path(), false);
     KelExportRequest wanted = request();
     wanted.playbackManager = &loaded;
@@ -164,7 +164,7 @@ void ExportSizeTest::panel()
     const QRegularExpression about("^About [0-9.]+ (MB|kB|bytes)$");
     QTRY_VERIFY_WITH_TIMEOUT(about.match(size->text()).hasMatch(), kWaitMs);
     const QString asVideo = size->text();
-    gKelMovieConfig.playbackEncodeFormat = 2; // chosen elsewhere
+    gKelMovieConfig.playbackEncodeFormat = 2; // changed elsewhere
     QTRY_VERIFY_WITH_TIMEOUT(about.match(size->text()).hasMatch() && size->text() != asVideo, kWaitMs);
     panel.setRange(-1, -1);
     QTRY_VERIFY_WITH_TIMEOUT(size->text().contains(" to "), kWaitMs);

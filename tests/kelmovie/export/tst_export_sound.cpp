@@ -1,6 +1,9 @@
+#include "export/ExportInternals.h"
 #include "kelmovie/support/RecordingFixture.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "kelmovie/support/ScriptedEncoder.h"
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 #include "support/EnvironmentChange.h"
 #include "support/Sound.h"
@@ -10,6 +13,8 @@
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QtTest>
+
+using namespace kel;
 
 using SetUp = std::function<void()>;
 Q_DECLARE_METATYPE(SetUp)
@@ -29,20 +34,20 @@ public:
 
 } // namespace
 
-/// Exports of recordings with sound, as MP4 files that the ffmpeg program then decodes.
+/// Exports recordings with sound as MP4 files, which the ffmpeg program decodes.
 class ExportSoundTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void init();
-    void carriesSound_data();
-    void carriesSound();
-    void soundsAsPlayed_data();
-    void soundsAsPlayed();
-    void placesTheFile_data();
-    void placesTheFile();
-    void showsPicturesWithoutSound();
+    void hasSound_data();
+    void hasSound();
+    void matchesPlayback_data();
+    void matchesPlayback();
+    void placesFile_data();
+    void placesFile();
+    void exportsVideoWithoutSound();
     void cancelWhileMixing();
     void trimsAudioFile();
 
@@ -52,27 +57,27 @@ private:
 
     void loadManager()
     {
-        KelPlaybackSeams seams = KelPlaybackSeams::real();
-        seams.decoders = scriptedDecoders(decoder);
-        manager = std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
+        KelPlaybackDependencies dependencies = KelPlaybackDependencies::real();
+        dependencies.decoders = scriptedDecoders(decoder);
+        manager = PlaybackInternals::load(recording->path(), dependencies);
         request.playbackManager = manager.get();
     }
-    bool runExport(const KelExportSeams &seams = KelExportSeams::real())
+    bool runExport(const KelExportDependencies &dependencies = KelExportDependencies::real())
     {
-        KelExportPipeline pipeline(request, &monitor, seams);
-        const bool isComplete = pipeline.run();
-        error = pipeline.errorString();
-        warning = pipeline.warningString();
+        const auto pipeline = ExportInternals::createPipeline(request, &monitor, dependencies);
+        const bool isComplete = pipeline->run();
+        error = pipeline->errorString();
+        warning = pipeline->warningString();
         return isComplete;
     }
-    /// Nothing of an export is left behind but its output.
+    /// Nothing of an export is left but its output.
     bool isTidy() const
     {
         return QDir(temporary->path()).isEmpty() &&
                QDir(outputDir->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size() <= 1;
     }
 
-    const QString usual = QDir::tempPath();
+    const QString defaultTemporaryPath = QDir::tempPath();
     std::unique_ptr<QTemporaryDir> temporary;
     std::unique_ptr<QTemporaryDir> outputDir;
     std::unique_ptr<RecordingFixture> recording;
@@ -86,10 +91,10 @@ private:
 
 void ExportSoundTest::init()
 {
-    setTemporaryPath(usual);
+    setTemporaryPath(defaultTemporaryPath);
     temporary = std::make_unique<QTemporaryDir>();
     outputDir = std::make_unique<QTemporaryDir>();
-    // The clock of a recording at 30 a second ticks every 33 ms: 4 s have 121 frames.
+    // The recording clock ticks every 33 ms at 30 fps: 4 s have 121 frames.
     recording = std::make_unique<RecordingFixture>(121, 30);
     recording->metadata.durationMs = 4'000;
     recording->metadata.systemAudio = recording->metadata.microphoneAudio = true;
@@ -109,7 +114,7 @@ void ExportSoundTest::init()
     loadManager();
 }
 
-void ExportSoundTest::carriesSound_data()
+void ExportSoundTest::hasSound_data()
 {
     QTest::addColumn<double>("speed");
     QTest::addColumn<int>("from");
@@ -121,7 +126,7 @@ void ExportSoundTest::carriesSound_data()
     }
 }
 
-void ExportSoundTest::carriesSound()
+void ExportSoundTest::hasSound()
 {
     QFETCH(double, speed);
     QFETCH(int, from);
@@ -150,7 +155,7 @@ void ExportSoundTest::carriesSound()
     QVERIFY(isTidy());
 }
 
-void ExportSoundTest::soundsAsPlayed_data()
+void ExportSoundTest::matchesPlayback_data()
 {
     QTest::addColumn<SetUp>("setUp");
     QTest::addColumn<double>("system");
@@ -159,33 +164,36 @@ void ExportSoundTest::soundsAsPlayed_data()
     const auto row = [](const char *name, double system, double microphone, const SetUp &setUp) {
         QTest::newRow(name) << setUp << system << microphone;
     };
-    row("system audio muted", 0.0, 0.3, [this] { manager->voiceTrack()->setSystemAudioMuted(true); });
-    row("system audio off", 0.0, 0.3, [this] { manager->voiceTrack()->setSystemAudioEnabled(false); });
-    row("microphone without volume", 0.4, 0.0, [this] { manager->voiceTrack()->setMicrophoneVolume(0.0); });
-    row("as loud as it is played", 0.2, 0.6, [this] {
-        manager->voiceTrack()->setSystemAudioVolume(0.5);
-        manager->voiceTrack()->setMicrophoneVolume(0.8);
-        manager->voiceTrack()->setMicrophoneGain(2.5);
+    row("system audio muted", 0.0, 0.3,
+        [this] { PlaybackInternals::engine(*manager).voiceTrack()->setSystemAudioMuted(true); });
+    row("system audio off", 0.0, 0.3,
+        [this] { PlaybackInternals::engine(*manager).voiceTrack()->setSystemAudioEnabled(false); });
+    row("microphone without volume", 0.4, 0.0,
+        [this] { PlaybackInternals::engine(*manager).voiceTrack()->setMicrophoneVolume(0.0); });
+    row("volume and gain", 0.2, 0.6, [this] {
+        PlaybackInternals::engine(*manager).voiceTrack()->setSystemAudioVolume(0.5);
+        PlaybackInternals::engine(*manager).voiceTrack()->setMicrophoneVolume(0.8);
+        PlaybackInternals::engine(*manager).voiceTrack()->setMicrophoneGain(2.5);
     });
-    row("no gain", 0.0, 0.3, [this] { manager->voiceTrack()->setSystemAudioGain(0.0); });
+    row("no gain", 0.0, 0.3, [this] { PlaybackInternals::engine(*manager).voiceTrack()->setSystemAudioGain(0.0); });
     row("microphone not recorded", 0.4, 0.0, [this] {
         recording->metadata.microphoneAudio = false;
         recording->save();
         loadManager();
     });
     row("both muted", 0.0, 0.0, [this] {
-        manager->voiceTrack()->setSystemAudioMuted(true);
-        manager->voiceTrack()->setMicrophoneMuted(true);
+        PlaybackInternals::engine(*manager).voiceTrack()->setSystemAudioMuted(true);
+        PlaybackInternals::engine(*manager).voiceTrack()->setMicrophoneMuted(true);
     });
     row("directory without sound", 0.0, 0.0, [this] { request.trackDataDir = outputDir->path(); });
     row("no voice directory", 0.0, 0.0, [this] {
-        manager.reset(); // which has the sound open
+        manager.reset(); // it has the sound file open
         QDir(recording->path() + "/Voice").removeRecursively();
         loadManager();
     });
 }
 
-void ExportSoundTest::soundsAsPlayed()
+void ExportSoundTest::matchesPlayback()
 {
     QFETCH(SetUp, setUp);
     QFETCH(double, system);
@@ -200,7 +208,7 @@ void ExportSoundTest::soundsAsPlayed()
     QVERIFY(isTidy());
 }
 
-void ExportSoundTest::placesTheFile_data()
+void ExportSoundTest::placesFile_data()
 {
     QTest::addColumn<QString>("name");
 
@@ -208,7 +216,7 @@ void ExportSoundTest::placesTheFile_data()
     QTest::newRow("name of another type") << "out.bin";
 }
 
-void ExportSoundTest::placesTheFile()
+void ExportSoundTest::placesFile()
 {
     QFETCH(QString, name);
 
@@ -223,7 +231,7 @@ void ExportSoundTest::placesTheFile()
     QVERIFY(isTidy());
 }
 
-void ExportSoundTest::showsPicturesWithoutSound()
+void ExportSoundTest::exportsVideoWithoutSound()
 {
     const auto encoder = std::make_shared<EncoderScript>(); // what it writes cannot be mixed
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("The sound could not be added: Cannot read video"));
@@ -237,7 +245,7 @@ void ExportSoundTest::showsPicturesWithoutSound()
 
 void ExportSoundTest::cancelWhileMixing()
 {
-    request.speed = 0.1; // long enough to be caught
+    request.speed = 0.1; // takes long enough to be cancelled
     monitor.cancelFromPercent = 96;
     QVERIFY(!runExport());
     QCOMPARE(error, QString());
@@ -260,7 +268,7 @@ void ExportSoundTest::trimsAudioFile()
     QCOMPARE(KelMovieUI::createTrimmedAudioFile(source + "x", 0, 100, trimmed), QString());
     QCOMPARE(Sound::decode(trimmed).seconds(), sound.seconds());
     QVERIFY(isTidy());
-    setTemporaryPath("/proc"); // where nobody creates anything
+    setTemporaryPath("/proc"); // where no file can be created
     QTest::ignoreMessage(QtWarningMsg, "Failed to create minimal video file for audio trimming");
     QCOMPARE(KelMovieUI::createTrimmedAudioFile(source, 0, 100, trimmed), QString());
 }

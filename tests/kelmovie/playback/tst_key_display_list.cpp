@@ -13,7 +13,7 @@ using namespace kel;
 namespace
 {
 
-/// The boxes at `frame`, from the oldest: "type:text" or "type:text*count", the current one after a bar.
+/// The boxes at `frame`, oldest first: "type:text" or "type:text*count", the current one after a bar.
 QString boxesAt(const KeyDisplayList &list, int frame)
 {
     const int index = list.indexAt(frame);
@@ -36,8 +36,8 @@ class KeyDisplayListTest : public QObject
 private slots:
     void showsBoxes_data();
     void showsBoxes();
-    void equalsTheFrameByFrameWay();
-    void everyKeyHasALegibleText();
+    void matchesNaiveImplementation();
+    void everyKeyHasPrintableText();
 };
 
 void KeyDisplayListTest::showsBoxes_data()
@@ -47,39 +47,39 @@ void KeyDisplayListTest::showsBoxes_data()
     const QString abc = "10:+A 12:+B 14:+C";
     row("before the first", abc, 9, "none");
     row("typing", abc, 11, "| 1:A");
-    row("typed in a row", abc, 14, "| 1:ABC");
+    row("continuous typing", abc, 14, "| 1:ABC");
     row("kept for two seconds", abc, 74, "| 1:ABC");
     row("expired", abc, 75, "none");
-    row("a release keeps it longer", abc + " 20:-C", 80, "| 1:ABC");
+    row("a release extends it", abc + " 20:-C", 80, "| 1:ABC");
     row("five in a box", "1:+A 2:+B 3:+C 4:+D 5:+E 6:+F", 6, "1:ABCDE | 1:F");
     row("modifier alone", "1:+Control", 1, "| 4:Ctrl");
     row("modifier released", "1:+Control 5:-Control", 5, "none");
-    row("and gone for good", "1:+Control 5:-Control", 6, "none");
+    row("modifier stays removed", "1:+Control 5:-Control", 6, "none");
     row("combination", "1:+Control 3:+C", 3, "| 8:Ctrl+C");
     row("combination stays", "1:+Control 3:+C 5:-C 6:-Control", 66, "| 8:Ctrl+C");
-    row("combination again", "1:+Control 3:+C 5:-C 6:+C", 6, "| 8:Ctrl+C*2");
+    row("combination repeated", "1:+Control 3:+C 5:-C 6:+C", 6, "| 8:Ctrl+C*2");
     row("next combination", "1:+Control 3:+C 5:-C 6:-Control 8:+Control 9:+V", 9, "8:Ctrl+C | 8:Ctrl+V");
     row("all modifiers", "1:+Meta 2:+Alt 3:+Control 4:+Shift 5:+A", 5, "| 8:Shift+Ctrl+Alt+Meta+A");
     row("typing, then a shortcut", "1:+A 2:+B 4:+Control 6:+C", 6, "1:AB | 8:Ctrl+C");
     row("repeated", "1:+Return 2:-Return 3:+Return", 3, "| 2:Return*2");
     row("different keys", "1:+Return 3:+F5 5:+Left", 5, "2:Return 2:F5 | 2:Left");
-    row("history is short", "1:+F1 2:+F2 3:+F3 4:+F4 5:+F5", 5, "2:F3 2:F4 | 2:F5");
+    row("history is limited", "1:+F1 2:+F2 3:+F3 4:+F4 5:+F5", 5, "2:F3 2:F4 | 2:F5");
     row("history expires first", "1:+F1 30:+F2", 62, "| 2:F2");
-    row("one key a frame", "1:+A 1:+B 1:+C", 2, "| 1:A");
+    row("one key per frame", "1:+A 1:+B 1:+C", 2, "| 1:A");
     row("modifiers of the same frame count", "1:+A 1:+Control 3:+C", 3, "1:A | 8:Ctrl+C");
     row("capture off", "1:+A 3:off 5:+B", 5, "| 1:A");
     row("capture on again", "1:+A 3:off 5:+B 7:on 9:+C", 9, "| 1:AC");
     row("record before the start", "-7:+Control 3:+C", 3, "| 8:Ctrl+C");
     row("record after the end", "3:+C 2000000000:+D", 4, "| 1:C");
 
-    // As this system's hook names them.
+    // As the hook on X11 names them.
     row("Windows key", "1:+Super_L 3:+E", 3, "| 8:Meta+E");
     row("right Windows key alone", "1:+Super_R", 1, "| 4:Meta");
     row("AltGr types", "1:+AltGr 3:+At 4:-At 5:-AltGr", 5, "| 2:@");
     row("Shift and Tab", "1:+Shift 3:+Backtab", 3, "| 8:Shift+Tab");
     row("Alt pressed after Shift", "1:+Shift 2:+Meta 3:+T", 3, "| 8:Shift+Alt+T");
-    row("Alt let go before Shift", "1:+Shift 2:+Alt 3:-Meta 4:-Shift 5:+F1", 5, "| 2:F1");
-    row("Alt let go after Shift", "1:+Shift 2:+Meta 3:-Shift 4:-Alt 5:+F1", 5, "| 2:F1");
+    row("Alt released before Shift", "1:+Shift 2:+Alt 3:-Meta 4:-Shift 5:+F1", 5, "| 2:F1");
+    row("Alt released after Shift", "1:+Shift 2:+Meta 3:-Shift 4:-Alt 5:+F1", 5, "| 2:F1");
 }
 
 void KeyDisplayListTest::showsBoxes()
@@ -93,7 +93,7 @@ void KeyDisplayListTest::showsBoxes()
     QCOMPARE(boxesAt(list, frame), boxes);
 }
 
-void KeyDisplayListTest::equalsTheFrameByFrameWay()
+void KeyDisplayListTest::matchesNaiveImplementation()
 {
     QRandomGenerator random(20);
     const std::vector<int> keys{Qt::Key_A,     Qt::Key_B,       Qt::Key_7,   Qt::Key_Return, Qt::Key_Left,
@@ -128,7 +128,7 @@ void KeyDisplayListTest::equalsTheFrameByFrameWay()
     }
 }
 
-void KeyDisplayListTest::everyKeyHasALegibleText()
+void KeyDisplayListTest::everyKeyHasPrintableText()
 {
     std::vector<int> keys{-1, 0, 1, 0x1b, 0x7f, 0xa0, 0xad, 0x300, 0x2028, 0xd800, 0xe000, 0xfffe, 0x1fffff};
     const QMetaEnum named = QMetaEnum::fromType<Qt::Key>();

@@ -17,7 +17,7 @@ using namespace kel;
 namespace
 {
 
-/// Whether anything is painted, and what its weight on the left is as a share of all.
+/// Whether anything is painted, and the fraction of the total opacity that is in the left half.
 template <typename Effect>
 std::pair<bool, double> paintOf(Effect &effect, int frame, int argument)
 {
@@ -36,7 +36,8 @@ std::pair<bool, double> paintOf(Effect &effect, int frame, int argument)
     return {all > 0, all > 0 ? left / all : 0};
 }
 
-/// "L12h!" is a left click's effect at frame 12, the button held, its hold frame reached; "W3-" a turn down.
+/// "L12h!": the effect of a left click at frame 12, with the button held and the hold frame reached. "W3-": a turn
+/// down.
 QString describe(const std::vector<ActiveMouseEffect> &effects)
 {
     QStringList all;
@@ -60,7 +61,7 @@ private slots:
     void timing();
     void effects_data();
     void effects();
-    void pairsLikeAWalk();
+    void pairsLikeNaiveSearch();
 
 private:
     MouseFixture files;
@@ -90,7 +91,7 @@ void MouseEffectsTest::clickEffects()
         ++type;
     }
     QVERIFY(!createMouseButtonLottie(30, -1) && !createMouseButtonLottie(30, type));
-    const auto ray = createMouseButtonLottie(30, 1); // leans towards the button
+    const auto ray = createMouseButtonLottie(30, 1); // points towards the side of the button
     QVERIFY(paintOf(*ray, 4, 0).second > 0.8);
     QVERIFY(paintOf(*ray, 4, 1).second < 0.2);
 }
@@ -107,22 +108,22 @@ void MouseEffectsTest::wheelEffects()
 
 void MouseEffectsTest::timing()
 {
-    // 60 frames at 60 a second, played at 30 a second.
+    // 60 frames at 60 fps, played at 30 fps.
     QCOMPARE(EffectTiming::playbackFrames(60, 60, 30), 30);
     QCOMPARE(EffectTiming::playbackFrame(9, 60, 30), 4);
     QCOMPARE(EffectTiming::animationFrame(10, 60, 30), 20.0F);
     QCOMPARE(EffectTiming::playbackFrames(5, 60, 30), 3); // halves up
     QCOMPARE(EffectTiming::playbackFrames(-5, 60, 30), -2);
     for (double rate : {0.0, double(NAN), 1e-300}) {
-        EffectTiming::playbackFrame(9, rate, 30); // anything but undefined
+        EffectTiming::playbackFrame(9, rate, 30); // must not be undefined behavior
         QVERIFY(std::abs(EffectTiming::playbackFrames(0, rate, 30)) == 0);
     }
 }
 
 void MouseEffectsTest::effects_data()
 {
-    // Click type 1 and wheel type 1: 24 frames, hold frame 4. What is to be seen after a seek to a frame: "30=L4" or
-    // "30=80%" for the pointer; "20-29" are seeks without a look.
+    // Click type 1 and wheel type 1: 24 frames, hold frame 4. "30=L4" seeks to frame 30 and expects this effect,
+    // "30=80%" this scale of the pointer; "20-29" only seeks to each of these frames.
     QTest::addColumn<int>("clickType");
     QTest::addColumn<QString>("clicks");
     QTest::addColumn<QString>("seeks");
@@ -140,31 +141,31 @@ void MouseEffectsTest::effects_data()
     row("released in the same frame", "2 left down, 3 left up, 50 left down, 50 left up",
         "0-49;50=L0;51=L1;52-72;73=L23");
     row("never pressed", "5 right up", "0-4;5=R0;6=");
-    row("released once more", "1 left down, 3 left up, 40 left up", "0-39;40=");
+    row("released twice", "1 left down, 3 left up, 40 left up", "0-39;40=");
     row("another click while held", "5 left down, 8 left down, 40 left up, 9 right down, 12 right up",
         "0-8;9=L4h R0;10=L4h! R1");
     row("unknown button", "5 side down, 9 side up", "0-4;5=;6=");
     row("wheel", "5 wheel -120", "0-4;5=W0-;6=W1-;7-26;27=W22-;28=");
-    row("wheel turned on", "5 wheel -120, 10 wheel -120", "0-9;10=W5-");
-    row("wheel turned on near the end", "5 wheel -120, 25 wheel -120", "0-24;25=W20- W0-");
+    row("wheel turned again", "5 wheel -120, 10 wheel -120", "0-9;10=W5-");
+    row("wheel turned again near the end", "5 wheel -120, 25 wheel -120", "0-24;25=W20- W0-");
     row("wheel turned back", "5 wheel -120, 8 wheel 120", "0-7;8=W0+");
-    row("wheel turned back after 14 steps", "5 wheel -120, 19 wheel 120", "0-18;19=W0+");
-    row("wheel turned back after 15 steps", "5 wheel -120, 20 wheel 120", "0-19;20=W15-");
+    row("wheel turned back after 14 frames", "5 wheel -120, 19 wheel 120", "0-18;19=W0+");
+    row("wheel turned back after 15 frames", "5 wheel -120, 20 wheel 120", "0-19;20=W15-");
     row("back to the start", "3 left down, 5 left up", "0-4;0=;1-2;3=L0");
     row("back, but not to the start", "3 left down, 5 left up", "0-4;1=L2");
-    row("frames left out", "5 left down, 6 left up, 7 wheel 120", "0;8=L0 W0+;16=L1 W1+");
+    row("skipped frames", "5 left down, 6 left up, 7 wheel 120", "0;8=L0 W0+;16=L1 W1+");
     row("a jump", "5 left down, 6 left up", "0;100=");
     row("a jump over the release", "5 left down, 40 left up", "0-10;100=L5");
     row("the same frame again", "5 left down, 8 left up", "4;5=L0;5=L1;6=L2");
 
     row("pointer, held", "10 left down, 30 left up",
         "0-9;10=100%;11=99%;12=95%;13=90%;14;15=81%;16=80%;17-29;30=80%;31=81%;32;33=93%;34-35;36=100%", 6);
-    row("pointer, let go early", "10 left down, 13 left up", "0-12;13=90%;14=91%;15-18;19=100%", 6);
+    row("pointer, released early", "10 left down, 13 left up", "0-12;13=90%;14=91%;15-18;19=100%", 6);
     row("pointer, tapped", "10 left down, 10 left up", "0-9;10=100%;11-15;16=80%;17-21;22=100%", 6);
     row("pointer, another button", "10 left down, 12 right up, 40 left up", "0-15;16=80%;17-20;21=80%", 6);
     row("pointer, a jump over the release", "10 left down, 40 left up", "0-20;100=81%", 6);
     row("pointer, back to the start", "10 left down, 40 left up", "0-20;0=100%", 6);
-    row("pointer, other effect", "10 left down, 40 left up", "0-20;21=100%", 5);
+    row("pointer, another effect", "10 left down, 40 left up", "0-20;21=100%", 5);
 }
 
 void MouseEffectsTest::effects()
@@ -190,9 +191,9 @@ void MouseEffectsTest::effects()
     }
 }
 
-/// The naive way: for each click the first record after it that is a later release of the same button, or the next
-/// release when that is in the same frame.
-void MouseEffectsTest::pairsLikeAWalk()
+/// Naive search: for each click, the first later release of the same button, or the next release if it is in the same
+/// frame.
+void MouseEffectsTest::pairsLikeNaiveSearch()
 {
     struct Event {
         int frame;
@@ -208,7 +209,7 @@ void MouseEffectsTest::pairsLikeAWalk()
             const Event event{random.bounded(-3, 30), random.bounded(1500), random.bounded(2) > 0,
                               random.bounded(2) > 0};
             records.append(QJsonObject{{"frame", event.frame},
-                                       {"x", events.size()}, // tells the number of the record
+                                       {"x", events.size()}, // the index of the record
                                        {"timestamp", event.ms},
                                        {"action", event.isRelease ? "release" : "click"},
                                        {"button", event.isLeft ? "left" : "right"}});

@@ -18,7 +18,7 @@ QImage painted(KelPlaybackCountdownTrack &track)
     return image;
 }
 
-/// The pixels that differ from the empty picture.
+/// The bounding rectangle of the painted pixels.
 QRect touched(const QImage &image)
 {
     QRect rect;
@@ -29,7 +29,7 @@ QRect touched(const QImage &image)
     return rect;
 }
 
-/// What a time box with this text looks like, margins and corners included.
+/// The expected time box, with margins and corners.
 QImage referenceBox(const QString &text, double scale, int margin, double radius)
 {
     QImage image(kSize, QImage::Format_ARGB32_Premultiplied);
@@ -82,7 +82,7 @@ void PlaybackCountdownTrackTest::timeBox_data()
     QTest::addColumn<int>("fps");
     QTest::addColumn<double>("speed");
     QTest::addColumn<int>("frame");
-    QTest::addColumn<QPoint>("range"); // start and end, or two times 0
+    QTest::addColumn<QPoint>("range"); // start and end, or null
     QTest::addColumn<QString>("text");
 
     QTest::newRow("truncated seconds") << 65 * 25 << 25 << 1.0 << 49 << QPoint() << "00:01/01:05";
@@ -115,28 +115,28 @@ void PlaybackCountdownTrackTest::timeBox()
 void PlaybackCountdownTrackTest::bar_data()
 {
     QTest::addColumn<int>("frame");
-    QTest::addColumn<int>("stepMs");
+    QTest::addColumn<int>("intervalMs");
     QTest::addColumn<int>("played"); // pixels
 
     QTest::newRow("begin") << 0 << 0 << 0;
     QTest::newRow("half") << 50 << 0 << 200;
     QTest::newRow("truncated") << 33 << 0 << 132;
     QTest::newRow("beyond the end") << 500 << 0 << 400;
-    QTest::newRow("in steps") << 59 << 1000 << 200;
-    QTest::newRow("a last step that is not whole") << 99 << 1000 << 396;
+    QTest::newRow("with an interval") << 59 << 1000 << 200;
+    QTest::newRow("last interval incomplete") << 99 << 1000 << 396;
 }
 
 void PlaybackCountdownTrackTest::bar()
 {
     QFETCH(int, frame);
-    QFETCH(int, stepMs);
+    QFETCH(int, intervalMs);
     QFETCH(int, played);
 
     const auto track = makeTrack(100, 25);
     track->setDisplayMode(KelPlaybackCountdownTrack::ProgressBar);
     track->setBarColors(Qt::red, Qt::blue);
     track->setBarHeight(7);
-    track->setBarStep(stepMs);
+    track->setBarInterval(intervalMs);
     track->seekToFrame(frame);
     const QImage image = painted(*track);
     QCOMPARE(touched(image), QRect(0, kSize.height() - 7, kSize.width(), 7));

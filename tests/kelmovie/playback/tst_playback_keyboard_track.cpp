@@ -35,7 +35,7 @@ QImage painted(KelPlaybackKeyboardTrack &track, const QSize &size, double scale 
     return image;
 }
 
-/// How bright the brightest pixel is: text is white, its box black.
+/// The gray value of the brightest pixel: text is white, its box black.
 int brightest(const QImage &image)
 {
     int gray = 0;
@@ -54,15 +54,15 @@ class PlaybackKeyboardTrackTest : public QObject
 private slots:
     void init() { m_dir = std::make_unique<QTemporaryDir>(); }
 
-    void readsHostileFiles_data();
-    void readsHostileFiles();
+    void readsInvalidFiles_data();
+    void readsInvalidFiles();
     void seeks();
     void shownTypes();
-    void boxesStandWhereAsked();
+    void positionsBoxes();
     void boxesStayInsideTheCanvas();
     void everyKeyIsDrawnInside();
     void splitsModifiersFromKeys();
-    void isSharpOnScaledPictures();
+    void isSharpWhenScaled();
 
 private:
     std::unique_ptr<KelPlaybackKeyboardTrack> load(const QString &script, const QSize &canvas = kCanvas,
@@ -77,9 +77,9 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
 };
 
-void PlaybackKeyboardTrackTest::readsHostileFiles_data()
+void PlaybackKeyboardTrackTest::readsInvalidFiles_data()
 {
-    // The log is how its only line begins.
+    // log: the start of its only line.
     const TestTable<QByteArray, QString, int> row("content", "log", "entries");
     const QByteArray whole = keyMetaFile(keyScript("1:+Control 3:+C"), kCanvas);
     const auto patched = [&](int offset, qint32 value) {
@@ -110,7 +110,7 @@ void PlaybackKeyboardTrackTest::readsHostileFiles_data()
     row("no such key", patched(44, INT_MIN), "", 2);
 }
 
-void PlaybackKeyboardTrackTest::readsHostileFiles()
+void PlaybackKeyboardTrackTest::readsInvalidFiles()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, log);
@@ -190,11 +190,11 @@ void PlaybackKeyboardTrackTest::shownTypes()
     }
 }
 
-void PlaybackKeyboardTrackTest::boxesStandWhereAsked()
+void PlaybackKeyboardTrackTest::positionsBoxes()
 {
-    enum Position { Centre = 1, Left, Right };
+    enum Position { Center = 1, Left, Right };
     for (const double scale : {1.0, 1.5, 2.0}) {
-        for (const int position : {Centre, Left, Right}) {
+        for (const int position : {Center, Left, Right}) {
             const auto track = load("1:+Control 2:+C 3:-C 4:+Alt 5:+F4", kCanvas, scale);
             KeyOverlayStyle style = everything();
             style.displayPos = position;
@@ -205,7 +205,7 @@ void PlaybackKeyboardTrackTest::boxesStandWhereAsked()
             QCOMPARE(kCanvas.height() - one.bottom() - 1, gap);
             const int left = one.left();
             const int right = kCanvas.width() - one.right() - 1;
-            QVERIFY(position == Centre ? qAbs(left - right) <= 1 : (position == Left ? left : right) == gap);
+            QVERIFY(position == Center ? qAbs(left - right) <= 1 : (position == Left ? left : right) == gap);
 
             track->seekToFrame(5); // a second box above the first
             const QRect two = paintedPart(painted(*track, kCanvas));
@@ -232,7 +232,7 @@ void PlaybackKeyboardTrackTest::boxesStayInsideTheCanvas()
                 style.fontSizePx = style.historyFontSizePx = 22;
                 track->setStyle(style);
                 track->seekToFrame(20);
-                // Painted on more than the canvas, to see what leaves it.
+                // On a larger image, to detect painting outside of the canvas.
                 const QRect ink = paintedPart(painted(*track, canvas * 2));
                 QVERIFY2(QRect(QPoint(), canvas).contains(ink) || ink.isEmpty(), qPrintable(script));
                 QVERIFY(!ink.isEmpty() || canvas.width() < 200);
@@ -249,7 +249,7 @@ void PlaybackKeyboardTrackTest::everyKeyIsDrawnInside()
         records.push_back({keys.value(i), true, 100 * (int(records.size()) + 1)});
     for (const int key : {0x424, 0x5d0, 0x4e2d, 0x3042, 0x1f600, 1, -1})
         records.push_back({key, true, 100 * (int(records.size()) + 1)});
-    // Their names are not what is looked at here, and modifiers would stay held.
+    // Modifiers would stay held; replaces them by another key.
     for (KeyRecord &record : records)
         record.key = modifierOfKey(shownKey(record.key)) || shownKey(record.key) == 0 ? Qt::Key_Up : record.key;
     const QSize canvas(300, 60);
@@ -282,7 +282,7 @@ void PlaybackKeyboardTrackTest::splitsModifiersFromKeys()
     QCOMPARE(parts("Return", 1), (QStringList{"", "Return", ""}));
 }
 
-void PlaybackKeyboardTrackTest::isSharpOnScaledPictures()
+void PlaybackKeyboardTrackTest::isSharpWhenScaled()
 {
     const auto track = load("1:+Control 2:+C");
     track->seekToFrame(5);
@@ -290,7 +290,7 @@ void PlaybackKeyboardTrackTest::isSharpOnScaledPictures()
     const QImage doubled = painted(*track, kCanvas, 2.0);
     const QRect ink = paintedPart(doubled);
     QCOMPARE(ink, QRect(plain.topLeft() * 2, plain.size() * 2));
-    // A picture that was enlarged has no lines of one pixel.
+    // An enlarged image would have no lines of one pixel.
     int thinLines = 0;
     for (int y = ink.top(); y <= ink.bottom(); ++y) {
         for (int x = ink.left() + 1; x < ink.right(); ++x) {

@@ -1,6 +1,8 @@
 #include "kelmovie/support/RecordingFixture.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "support/TestTable.h"
 #include <KelMovie/KelPlaybackTrackManager.h>
 
@@ -13,6 +15,8 @@
 #include <QtTest>
 
 #include <limits>
+
+using namespace kel;
 
 class PlaybackManagerTest : public QObject
 {
@@ -31,23 +35,23 @@ private slots:
     void loads();
     void survivesDamagedRecordings();
     void seeks();
-    void seekWhilePlayingMovesTheClock();
+    void seekWhilePlayingRestartsClock();
     void tick_data();
     void tick();
     void decodesEveryNthChange();
     void endOfPlay();
     void lateTimerDoesNotDrift();
     void playPauseStop();
-    void speedIsBounded();
+    void speedIsClamped();
     void releasesDecoders();
 
 private:
     std::unique_ptr<KelPlaybackTrackManager> load()
     {
-        KelPlaybackSeams seams;
-        seams.nowMs = [this] { return nowMs; };
-        seams.decoders = scriptedDecoders(script);
-        auto manager = std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
+        KelPlaybackDependencies dependencies;
+        dependencies.nowMs = [this] { return nowMs; };
+        dependencies.decoders = scriptedDecoders(script);
+        auto manager = PlaybackInternals::load(recording->path(), dependencies);
         const auto *m = manager.get();
         connect(m, &KelPlaybackTrackManager::sigFrameChanged, this,
                 [this](int frame) { signalLog.append(QString::number(frame)); });
@@ -60,7 +64,7 @@ private:
         return manager;
     }
 
-    /// Lets the manager's timer expire `afterMs` later, without the time passing.
+    /// Advances the clock by `afterMs` and lets the timer of the manager expire, without waiting.
     void tickAfter(KelPlaybackTrackManager &manager, qint64 afterMs)
     {
         nowMs += afterMs;
@@ -94,7 +98,7 @@ void PlaybackManagerTest::loads_data()
     const QString noDirectory = "Screen track enabled but directory not found: \"";
     const QString noScreen = "No screen track found in tracks list";
     const QString noDecoder = "Failed to create H264 decoder or decoder is invalid";
-    row("whole", {}, {}, 100, "");
+    row("complete", {}, {}, 100, "");
     row("no metadata", {noMetadata}, {}, 100, "");
     row("metadata is no object", {"Invalid manager metadata format"}, {}, 100, "");
     row("no duration", {"No recording duration found in metadata"}, {}, 100, "");
@@ -143,9 +147,9 @@ void PlaybackManagerTest::loads()
     QVERIFY(error.isEmpty() ? manager->errorString().isEmpty() : manager->errorString().startsWith(error));
     QCOMPARE(manager->trackNames(), error.isEmpty() ? QStringList{"ScreenTrack"} : QStringList{});
     if (error.isEmpty())
-        QCOMPARE(manager->pictureSize(), QSize(64, 48)); // the video tells where the metadata cannot
+        QCOMPARE(manager->frameSize(), QSize(64, 48)); // from the video where the metadata has none
     else if (setup == "no directory")
-        QVERIFY(manager->pictureSize().isEmpty());
+        QVERIFY(manager->frameSize().isEmpty());
 
     signalLog.clear();
     manager->seek(totalFrames);
@@ -157,8 +161,8 @@ void PlaybackManagerTest::loads()
 
 void PlaybackManagerTest::survivesDamagedRecordings()
 {
-    const QByteArray wholeMetadata = readFile(recording->path() + "/TrackManager.meta");
-    const QByteArray wholeIndex = readFile(recording->screenDir() + "/frame_indexes.dat");
+    const QByteArray validMetadata = readFile(recording->path() + "/TrackManager.meta");
+    const QByteArray validIndex = readFile(recording->screenDir() + "/frame_indexes.dat");
     QRandomGenerator random(4711);
     const auto damaged = [&](QByteArray bytes) {
         for (int i = random.bounded(1, 6); i > 0; --i)
@@ -167,8 +171,8 @@ void PlaybackManagerTest::survivesDamagedRecordings()
     };
     const QtMessageHandler loud = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     for (int round = 0; round < 400; ++round) {
-        recording->write("TrackManager.meta", damaged(wholeMetadata));
-        recording->write("Screen/frame_indexes.dat", damaged(wholeIndex));
+        recording->write("TrackManager.meta", damaged(validMetadata));
+        recording->write("Screen/frame_indexes.dat", damaged(validIndex));
         script->frameCount = random.bounded(-1, 200);
         script->failures = {{random.bounded(200), random.bounded(4)}};
         const auto manager = load();
@@ -196,18 +200,18 @@ void PlaybackManagerTest::seeks()
     manager->paint(nullptr);
     signalLog.clear();
     for (const int frame : {7, 100, -1})
-        manager->setFrameSilently(frame);
+        PlaybackInternals::engine(*manager).setFrameSilently(frame);
     QCOMPARE(manager->currentFrame(), 7);
     QCOMPARE(shownFrame(*manager), 7);
     QVERIFY(signalLog.isEmpty());
 }
 
-void PlaybackManagerTest::seekWhilePlayingMovesTheClock()
+void PlaybackManagerTest::seekWhilePlayingRestartsClock()
 {
     struct Case {
         int frame;
         bool force;
-        int frameAfter100Ms; // at 25 frames a second, 2.5 frames later
+        int frameAfter100Ms; // at 25 fps, 2.5 frames later
     };
     for (const Case &c :
          {Case{11, false, 12}, {12, false, 12}, {8, false, 12}, {13, false, 15}, {7, false, 9}, {11, true, 13}}) {
@@ -262,7 +266,7 @@ void PlaybackManagerTest::decodesEveryNthChange()
         for (int i = 0; i < changes; ++i)
             tickAfter(*manager, 60);
         QCOMPARE(script->decoded.size(), changes / step);
-        QCOMPARE(signalLog.size(), changes + changes / step); // every change is told, every move once more
+        QCOMPARE(signalLog.size(), changes + changes / step); // once per change, and again per move
     }
 }
 
@@ -281,7 +285,7 @@ void PlaybackManagerTest::endOfPlay()
     QCOMPARE(manager->lastPlayDurationMs(), qint64(4000));
     QVERIFY(!manager->findChild<QTimer *>()->isActive());
 
-    manager->play(); // from the beginning, with its first picture at once
+    manager->play(); // from the beginning, showing the first frame at once
     QCOMPARE(shownFrame(*manager), 0);
     tickAfter(*manager, 40);
     QCOMPARE(manager->currentFrame(), 1);
@@ -318,7 +322,7 @@ void PlaybackManagerTest::playPauseStop()
     QCOMPARE(manager->state(), KelPlaybackTrackManager::Paused);
     QVERIFY(!timer->isActive());
     nowMs += 100'000;
-    manager->play(); // goes on where it was
+    manager->play(); // continues where it was
     tickAfter(*manager, 40);
     QCOMPARE(manager->currentFrame(), 11);
     manager->pause();
@@ -328,7 +332,7 @@ void PlaybackManagerTest::playPauseStop()
              (QStringList{"started", "10", "10", "paused", "started", "11", "11", "paused", "0", "stopped at 0"}));
 }
 
-void PlaybackManagerTest::speedIsBounded()
+void PlaybackManagerTest::speedIsClamped()
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();

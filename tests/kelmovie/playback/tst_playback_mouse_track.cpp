@@ -2,6 +2,8 @@
 #include "kelmovie/support/RecordingFixture.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "playback/mouse/KelPlaybackMouseTrack.h"
 #include "playback/mouse/PointerList.h"
 #include "recording/input/CursorListReader.h"
@@ -39,7 +41,7 @@ QRect partOf(const QImage &image)
     return paintedPart(image, kPaper);
 }
 
-/// A PNG whose header promises more pixels than anybody has memory for.
+/// A PNG whose header declares more pixels than fit into memory.
 QByteArray hugePng()
 {
     return QByteArray::fromHex(
@@ -54,16 +56,16 @@ class PlaybackMouseTrackTest : public QObject
 
 private slots:
     void init();
-    void pointerToThePixel();
+    void paintsPointerAtItsPixel();
     void hiddenPointer();
     void pressedPointer();
     void effectsAroundThePointer();
     void badFiles_data();
     void badFiles();
     void badCursors();
-    void oddValuesPaintSafely();
-    void findsLikeAWalk();
-    void partOfARecording();
+    void paintsExtremeValues();
+    void findsLikeNaiveSearch();
+    void worksInRecording();
 
 private:
     std::unique_ptr<MouseFixture> files;
@@ -76,10 +78,10 @@ void PlaybackMouseTrackTest::init()
     files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(1, 100, 50)});
 }
 
-/// The hotspot's pixel is where the pointer was, and nothing is blurred.
-void PlaybackMouseTrackTest::pointerToThePixel()
+/// The hotspot is at the recorded position, and nothing is blurred.
+void PlaybackMouseTrackTest::paintsPointerAtItsPixel()
 {
-    // Of a picture and the screen that it is shown on: plain, sharp, a sharp picture on a plain screen.
+    // Device pixel ratios of image and target: normal, high resolution, a high-resolution image on a normal target.
     for (const auto &[imageRatio, deviceRatio] : {std::pair(1, 1), {2, 2}, {2, 1}}) {
         files->writeSquareCursor(16, imageRatio);
         KelPlaybackMouseTrack track(files->path(), nullptr);
@@ -110,13 +112,13 @@ void PlaybackMouseTrackTest::hiddenPointer()
         QString action;
         bool isShown;
     };
-    for (const Case &c : {Case{"in a corner", {2000, 1500}, "move", true},
-                          {"right of all", {2001, 10}, "move", false},
-                          {"below all", {10, 1501}, "move", false},
-                          {"left of the picture", {-5, 10}, "move", true},
-                          {"nowhere", {-1, -1}, "move", false},
+    for (const Case &c : {Case{"at the limit", {2000, 1500}, "move", true},
+                          {"beyond the right limit", {2001, 10}, "move", false},
+                          {"beyond the lower limit", {10, 1501}, "move", false},
+                          {"left of the frame", {-5, 10}, "move", true},
+                          {"no position", {-1, -1}, "move", false},
                           {"hidden", {10, 10}, "hide", false},
-                          {"unheard of", {10, 10}, "jump", true}}) {
+                          {"unknown action", {10, 10}, "jump", true}}) {
         files->write("mousemoves-0.json",
                      QJsonArray{MouseFixture::move(0, c.place.x(), c.place.y(), "square", c.action)});
         KelPlaybackMouseTrack track(files->path(), nullptr);
@@ -125,7 +127,7 @@ void PlaybackMouseTrackTest::hiddenPointer()
     }
 }
 
-/// With the settings that a track starts with, a click is to be seen.
+/// With the default settings of a track, a click is visible.
 void PlaybackMouseTrackTest::pressedPointer()
 {
     files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
@@ -142,7 +144,7 @@ void PlaybackMouseTrackTest::pressedPointer()
 
 void PlaybackMouseTrackTest::effectsAroundThePointer()
 {
-    // Far away from the pointer, at (100, 50), which long effects follow.
+    // Away from the clicks at (100, 50). Long effects follow the pointer.
     files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, 220, 150)});
     const QRect pointer(218, 147, 16, 16);
     const auto partWith = [&](const QString &clicks, auto set) {
@@ -186,7 +188,7 @@ void PlaybackMouseTrackTest::effectsAroundThePointer()
 
 void PlaybackMouseTrackTest::badFiles_data()
 {
-    // Where the content is null there is no such file.
+    // Null content: there is no such file.
     const TestTable<QString, QByteArray, QStringList> row("name", "content", "log");
 
     const char moves[] = "mousemoves-0.json", list[] = "cursor.json", clicks[] = "mouseclicks-0.json";
@@ -262,7 +264,7 @@ void PlaybackMouseTrackTest::badCursors()
     }
 }
 
-void PlaybackMouseTrackTest::oddValuesPaintSafely()
+void PlaybackMouseTrackTest::paintsExtremeValues()
 {
     constexpr int kMost = std::numeric_limits<int>::max();
     QJsonArray moves, clicks;
@@ -296,8 +298,8 @@ void PlaybackMouseTrackTest::oddValuesPaintSafely()
     }
 }
 
-/// The naive way: from the last record back to the first that is not later; of all later frames the smallest.
-void PlaybackMouseTrackTest::findsLikeAWalk()
+/// Naive search: the last record that is not later, and the smallest of all later frames.
+void PlaybackMouseTrackTest::findsLikeNaiveSearch()
 {
     QRandomGenerator random(815);
     for (int round = 0; round < 200; ++round) {
@@ -326,56 +328,56 @@ void PlaybackMouseTrackTest::findsLikeAWalk()
     }
 }
 
-void PlaybackMouseTrackTest::partOfARecording()
+void PlaybackMouseTrackTest::worksInRecording()
 {
     RecordingFixture recording;
     recording.metadata.mouseTrack = true;
     recording.metadata.recordArea = QRect(0, 0, 300, 200);
     recording.save();
     const QString dir = recording.path() + "/Mouse";
-    KelPlaybackSeams seams;
-    seams.nowMs = [] { return 0; };
+    KelPlaybackDependencies dependencies;
+    dependencies.nowMs = [] { return 0; };
     auto script = std::make_shared<DecoderScript>();
     script->frameSize = QSize(300, 200);
-    seams.decoders = scriptedDecoders(script);
+    dependencies.decoders = scriptedDecoders(script);
     LogCapture log;
-    QCOMPARE(KelPlaybackTrackManager(recording.path(), false, seams, nullptr).trackNames(), {"ScreenTrack"});
+    QCOMPARE(PlaybackInternals::load(recording.path(), dependencies)->trackNames(), {"ScreenTrack"});
     QCOMPARE(log.take(), QStringList("W Mouse track enabled but directory not found: \"" + dir + '"'));
 
     files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
     QVERIFY(QDir().rename(files->path(), dir));
-    gKelMovieConfig.playbackMouseClickEffect = 6; // its effect is seen in the pointer's size
-    KelPlaybackTrackManager manager(recording.path(), false, seams, nullptr);
-    QCOMPARE(manager.trackNames(), QStringList({"ScreenTrack", "MouseTrack"}));
+    gKelMovieConfig.playbackMouseClickEffect = 6; // its effect is the size of the pointer
+    const auto manager = PlaybackInternals::load(recording.path(), dependencies);
+    QCOMPARE(manager->trackNames(), QStringList({"ScreenTrack", "MouseTrack"}));
     const auto pointerWidth = [&] {
         QImage image(300, 200, QImage::Format_RGB32);
         QPainter painter(&image);
-        manager.paint(&painter);
+        manager->paint(&painter);
         int width = 0;
         for (int x = 0; x < 300; ++x)
-            width += image.pixel(x, 50) != frameColor(manager.currentFrame());
+            width += image.pixel(x, 50) != frameColor(manager->currentFrame());
         return width;
     };
     const auto press = [&] {
         for (int frame = 0; frame <= 10; ++frame)
-            manager.seek(frame);
+            manager->seek(frame);
     };
-    manager.play();
+    manager->play();
     press();
     QVERIFY(pointerWidth() <= 14);
-    manager.pause();
+    manager->pause();
     QCOMPARE(pointerWidth(), 16);
     press();
     QVERIFY(pointerWidth() <= 14);
-    manager.stop();
-    QCOMPARE(manager.currentFrame(), 0);
-    manager.seek(5);
+    manager->stop();
+    QCOMPARE(manager->currentFrame(), 0);
+    manager->seek(5);
     QCOMPARE(pointerWidth(), 16);
 
     writeFile(dir + "/mousemoves-0.json", "[");
-    KelPlaybackTrackManager damaged(recording.path(), false, seams, nullptr);
-    QCOMPARE(damaged.trackNames(), QStringList("ScreenTrack"));
-    QCOMPARE(damaged.totalFrames(), 100);
+    const auto damaged = PlaybackInternals::load(recording.path(), dependencies);
+    QCOMPARE(damaged->trackNames(), QStringList("ScreenTrack"));
+    QCOMPARE(damaged->totalFrames(), 100);
 }
 
 QTEST_MAIN(PlaybackMouseTrackTest)

@@ -29,12 +29,12 @@ private slots:
     void construction_data();
     void construction();
     void mapsLogicFrames();
-    void decodesAVideoFrameOnce();
+    void decodesVideoFrameOnce();
     void recoversFromFailingFrame_data();
     void recoversFromFailingFrame();
-    void goesOnAfterFailure();
+    void continuesAfterFailure();
     void paintsInLogicalPixels();
-    void releasesItsVideo();
+    void releasesVideo();
 
 private:
     std::unique_ptr<KelPlaybackScreenTrack> makeTrack(double ratio = 1.0, bool preferHardware = false)
@@ -103,10 +103,10 @@ void PlaybackScreenTrackTest::construction_data()
     const QString h264 = h264Kind(h264Decoder::PreferH264DecodeParams(false));
     const QString fallback = "FFV1 decoder failed, falling back to H264";
     row("mp4", "", {h264}, {}, "", 10);
-    row("mkv goes before mp4", "mkv ffv1", {"ffv1"}, {}, "", 10);
+    row("mkv is preferred to mp4", "mkv ffv1", {"ffv1"}, {}, "", 10);
     row("FFV1 cannot open it", "mkv ffv1 invalid", {"ffv1", h264}, {fallback}, "", 10);
     row("FFV1 is not supported", "mkv", {h264}, {fallback}, "", 10);
-    row("no table", "noindex", {h264},
+    row("no index table", "noindex", {h264},
         {"Frame indexes file not found:", "Failed to load frame indexes, will try to create default mapping",
          "Creating default 1:1 frame mapping for 100 frames"},
         "", 100);
@@ -162,7 +162,7 @@ void PlaybackScreenTrackTest::mapsLogicFrames()
         int shown;
         int next;
     };
-    // Before the first, a negative entry, one beyond the video, one that goes back, past the last.
+    // A plain entry, before the first, a negative entry, one beyond the video, one that goes back, past the last.
     for (const Case &c : {Case{2, 7, 3}, {-5, 0, 1}, {0, 0, 1}, {4, 99, 5}, {5, 3, 6}, {25, 42, 10}}) {
         const auto track = makeTrack();
         QCOMPARE(track->nextKeyFrame(), 0);
@@ -172,7 +172,7 @@ void PlaybackScreenTrackTest::mapsLogicFrames()
     }
 }
 
-void PlaybackScreenTrackTest::decodesAVideoFrameOnce()
+void PlaybackScreenTrackTest::decodesVideoFrameOnce()
 {
     recording->writeIndexes(10, [](int i) { return i / 4; });
     const auto track = makeTrack();
@@ -194,14 +194,14 @@ void PlaybackScreenTrackTest::recoversFromFailingFrame_data()
     const QString noDecoder = "Failed to reinitialize H264 decoder with both hardware and software options";
     row("a new decoder helps", "", {}, 1, {h264, h264}, {}, 5);
     row("the software decoder helps", "", {true, false}, 1, {h264, h264, software}, {}, 5);
-    row("the frame stays broken", "", {}, 2, {h264, h264}, {failed.arg("valid")}, 2);
-    row("no decoder opens any more", "", {true, false, false}, 1, {h264, h264, software},
+    row("the frame remains broken", "", {}, 2, {h264, h264}, {failed.arg("valid")}, 2);
+    row("no decoder can be opened", "", {true, false, false}, 1, {h264, h264, software},
         {noDecoder, failed.arg("invalid")}, 2);
-    row("H.264 is gone", "noh264", {}, 1, {h264}, {"H264 decoder not supported on this system", failed.arg("invalid")},
-        2);
-    row("FFV1 again", "ffv1", {}, 1, {"ffv1", "ffv1"}, {}, 5);
+    row("H.264 is no longer supported", "noh264", {}, 1, {h264},
+        {"H264 decoder not supported on this system", failed.arg("invalid")}, 2);
+    row("a new FFV1 decoder helps", "ffv1", {}, 1, {"ffv1", "ffv1"}, {}, 5);
     row("FFV1 falls back", "ffv1", {true, false}, 1, {"ffv1", "ffv1", h264}, {}, 5);
-    row("FFV1 is gone", "ffv1 noffv1", {}, 1, {"ffv1", h264}, {}, 5);
+    row("FFV1 is no longer supported", "ffv1 noffv1", {}, 1, {"ffv1", h264}, {}, 5);
 }
 
 void PlaybackScreenTrackTest::recoversFromFailingFrame()
@@ -237,7 +237,7 @@ void PlaybackScreenTrackTest::recoversFromFailingFrame()
     QCOMPARE(script->deletedUnclosed, 0);
 }
 
-void PlaybackScreenTrackTest::goesOnAfterFailure()
+void PlaybackScreenTrackTest::continuesAfterFailure()
 {
     const auto track = makeTrack();
     track->seekToFrame(2);
@@ -258,7 +258,7 @@ void PlaybackScreenTrackTest::paintsInLogicalPixels()
 {
     script->frameSize = QSize(96, 72);
     const auto track = makeTrack(1.5);
-    QCOMPARE(track->frameSize(), QSize(64, 48));
+    QCOMPARE(track->videoSize(), QSize(64, 48));
     track->seekToFrame(3);
     const QImage image = painted(*track, QSize(66, 48));
     QCOMPARE(frameOfColor(image.pixel(63, 47)), 3);
@@ -266,7 +266,7 @@ void PlaybackScreenTrackTest::paintsInLogicalPixels()
     track->paint(nullptr);
 }
 
-void PlaybackScreenTrackTest::releasesItsVideo()
+void PlaybackScreenTrackTest::releasesVideo()
 {
     const auto track = makeTrack();
     track->seekToFrame(3);

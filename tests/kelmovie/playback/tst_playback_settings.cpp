@@ -13,7 +13,7 @@ using R = OverlayRecording;
 using Change = std::function<void(KelMovieConfig &)>;
 Q_DECLARE_METATYPE(Change)
 
-/// Composed pictures, before and after a setting has changed.
+/// Compares composed frames before and after changes of the settings.
 class PlaybackSettingsTest : public QObject
 {
     Q_OBJECT
@@ -21,14 +21,14 @@ class PlaybackSettingsTest : public QObject
 private slots:
     void init();
     void defaultsShowClicksAndShortcutsOnly();
-    void settingsReachThePicture_data();
-    void settingsReachThePicture();
-    void senselessSettingsAreBroughtIntoRange();
+    void settingsTakeEffect_data();
+    void settingsTakeEffect();
+    void invalidSettingsAreClamped();
 
 private:
     std::unique_ptr<KelPlaybackTrackManager> load() { return recording->load(); }
-    QImage picture(KelPlaybackTrackManager &manager) const { return recording->picture(manager); }
-    QImage pictureAt(KelPlaybackTrackManager &manager, int frame) const { return recording->pictureAt(manager, frame); }
+    QImage image(KelPlaybackTrackManager &manager) const { return recording->image(manager); }
+    QImage imageAt(KelPlaybackTrackManager &manager, int frame) const { return recording->imageAt(manager, frame); }
 
     std::unique_ptr<OverlayRecording> recording;
 };
@@ -43,14 +43,14 @@ void PlaybackSettingsTest::defaultsShowClicksAndShortcutsOnly()
 {
     const auto manager = load();
     QCOMPARE(manager->trackNames().last(), QString("Keyboard"));
-    const QImage plain = pictureAt(*manager, R::PlainFrame);
-    QVERIFY(pictureAt(*manager, R::ClickFrame) != plain);
-    QVERIFY(pictureAt(*manager, R::ShortcutFrame) != plain);
-    QVERIFY(pictureAt(*manager, R::LetterFrame) == plain);
-    QVERIFY(pictureAt(*manager, R::WheelFrame) != plain);
+    const QImage plain = imageAt(*manager, R::PlainFrame);
+    QVERIFY(imageAt(*manager, R::ClickFrame) != plain);
+    QVERIFY(imageAt(*manager, R::ShortcutFrame) != plain);
+    QVERIFY(imageAt(*manager, R::LetterFrame) == plain);
+    QVERIFY(imageAt(*manager, R::WheelFrame) != plain);
 }
 
-void PlaybackSettingsTest::settingsReachThePicture_data()
+void PlaybackSettingsTest::settingsTakeEffect_data()
 {
     QTest::addColumn<int>("frame");
     QTest::addColumn<Change>("change");
@@ -60,7 +60,7 @@ void PlaybackSettingsTest::settingsReachThePicture_data()
     row("mouse on", R::ClickFrame, [](C &c) { c.playbackMouseEnable = false; });
     row("mouse buttons", R::ClickFrame, [](C &c) { c.playbackMouseShowActionButton = 6; });
     row("mouse wheel", R::WheelFrame, [](C &c) { c.playbackMouseShowWheel = false; });
-    row("mouse colour", R::ClickFrame, [](C &c) { c.playbackMouseColor = Qt::red; });
+    row("mouse color", R::ClickFrame, [](C &c) { c.playbackMouseColor = Qt::red; });
     row("mouse size", R::ClickFrame, [](C &c) { c.playbackMouseSize = 30; });
     row("click effect", R::ClickFrame, [](C &c) { c.playbackMouseClickEffect = 2; });
     row("wheel effect", R::WheelFrame, [](C &c) { c.playbackMouseWheelEffect = 0; });
@@ -69,7 +69,7 @@ void PlaybackSettingsTest::settingsReachThePicture_data()
     row("keep time", R::ShortcutFrame + 20, [](C &c) { c.playbackKeyboardKeepTime = 0; });
     row("position", R::ShortcutFrame, [](C &c) { c.playbackKeyboardDisplayPos = 3; });
     row("font size", R::ShortcutFrame, [](C &c) { c.playbackKeyboardFontSizePx = 30; });
-    row("font colour", R::ShortcutFrame, [](C &c) { c.playbackKeyboardFontColor = Qt::green; });
+    row("font color", R::ShortcutFrame, [](C &c) { c.playbackKeyboardFontColor = Qt::green; });
     row("background", R::ShortcutFrame, [](C &c) { c.playbackKeyboardBgColor = Qt::blue; });
     row("history font", R::ShortcutFrame, [](C &c) { c.playbackKeyboardHistoryFontSize = 10; });
     row("history count", R::ShortcutFrame, [](C &c) { c.playbackKeyboardMaxHistoryCount = 1; });
@@ -79,42 +79,42 @@ void PlaybackSettingsTest::settingsReachThePicture_data()
         c.playbackProgressEnable = true;
         c.playbackProgressDisplayMode = 1;
     });
-    row("letters of a box", R::LetterFrame, [](C &c) {
+    row("letters per box", R::LetterFrame, [](C &c) {
         c.playbackKeyboardShowKeyType = 15;
         c.playbackKeyboardMaxContinueChar = 3;
     });
 }
 
-void PlaybackSettingsTest::settingsReachThePicture()
+void PlaybackSettingsTest::settingsTakeEffect()
 {
     QFETCH(int, frame);
     QFETCH(Change, change);
 
     const auto early = load();
-    const QImage before = pictureAt(*early, frame);
+    const QImage before = imageAt(*early, frame);
     change(gKelMovieConfig);
     const auto late = load();
-    const QImage after = pictureAt(*late, frame);
+    const QImage after = imageAt(*late, frame);
     QVERIFY(after != before);
 
     // When playback starts.
-    QVERIFY(picture(*early) == before);
+    QVERIFY(image(*early) == before);
     early->play();
     early->pause();
     early->seek(0);
-    QVERIFY(pictureAt(*early, frame) == after);
+    QVERIFY(imageAt(*early, frame) == after);
 
-    // When a panel says so. What is painted by other settings is seen at once, running effects with the next click.
+    // When a panel reports a change: at once, except that running effects only change with the next click.
     gKelMovieConfig = KelMovieConfig();
     QSignalSpy repaints(late.get(), &KelPlaybackTrackManager::sigFrameChanged);
     late->updateSettings();
     QCOMPARE(repaints, (QList<QVariantList>{{frame}}));
     if (frame != R::ClickFrame && frame != R::WheelFrame)
-        QVERIFY(picture(*late) == before);
-    QVERIFY(pictureAt(*late, frame) == before);
+        QVERIFY(image(*late) == before);
+    QVERIFY(imageAt(*late, frame) == before);
 }
 
-void PlaybackSettingsTest::senselessSettingsAreBroughtIntoRange()
+void PlaybackSettingsTest::invalidSettingsAreClamped()
 {
     for (const int value : {INT_MIN, -1, 0, INT_MAX}) {
         KelMovieConfig &config = gKelMovieConfig;
@@ -127,7 +127,7 @@ void PlaybackSettingsTest::senselessSettingsAreBroughtIntoRange()
         config.playbackMouseColor = config.playbackKeyboardFontColor = config.playbackKeyboardBgColor = QColor();
         const auto manager = load();
         for (const int frame : {R::ClickFrame, R::ShortcutFrame, R::LetterFrame, R::WheelFrame})
-            QVERIFY(!pictureAt(*manager, frame).isNull());
+            QVERIFY(!imageAt(*manager, frame).isNull());
     }
 }
 

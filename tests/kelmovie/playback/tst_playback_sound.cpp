@@ -1,10 +1,12 @@
-// What a sound server plays of a recording.
+// Records what a sound server plays during playback.
 
 #include "kelmovie/support/RecordingFixture.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "support/LogCapture.h"
 #include "support/Sound.h"
 
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
@@ -12,6 +14,8 @@
 #include <QProcess>
 #include <QtMath>
 #include <QtTest>
+
+using namespace kel;
 
 namespace
 {
@@ -49,7 +53,7 @@ public:
     }
 
 private:
-    /// The last 200 ms; empty until there are as many.
+    /// The last 200 ms; empty until that much has been recorded.
     QByteArray last()
     {
         m_sound = (m_sound + m_recorder.readAllStandardOutput()).right(kBytes);
@@ -73,7 +77,7 @@ class PlaybackSoundTest : public QObject
 
 private slots:
     void plays();
-    void serverGoesAway();
+    void serverEnds();
 
 private:
     std::unique_ptr<KelPlaybackTrackManager> load()
@@ -87,9 +91,9 @@ private:
             1); // the device has another rate
         if (!sound.save(recording->path() + "/Voice/system_audio_1.wav", false))
             qFatal("cannot write the sound");
-        KelPlaybackSeams seams = KelPlaybackSeams::real();
-        seams.decoders = scriptedDecoders(std::make_shared<DecoderScript>());
-        return std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
+        KelPlaybackDependencies dependencies = KelPlaybackDependencies::real();
+        dependencies.decoders = scriptedDecoders(std::make_shared<DecoderScript>());
+        return PlaybackInternals::load(recording->path(), dependencies);
     }
 
     std::unique_ptr<RecordingFixture> recording;
@@ -114,16 +118,16 @@ void PlaybackSoundTest::plays()
     manager->seek(10 * 25);
     manager->play();
     QTRY_VERIFY(listener.hears(400));
-    manager->voiceTrack()->setSystemAudioMuted(true);
+    PlaybackInternals::engine(*manager).voiceTrack()->setSystemAudioMuted(true);
     QTRY_VERIFY(listener.isSilent());
-    manager->voiceTrack()->setSystemAudioMuted(false);
+    PlaybackInternals::engine(*manager).voiceTrack()->setSystemAudioMuted(false);
     QTRY_VERIFY(listener.hears(400));
     manager->stop();
     QTRY_VERIFY(listener.isSilent());
 }
 
-/// Last, as there is no other server.
-void PlaybackSoundTest::serverGoesAway()
+/// Must be the last test, as it ends the server.
+void PlaybackSoundTest::serverEnds()
 {
     const auto manager = load();
     manager->play();
@@ -131,17 +135,17 @@ void PlaybackSoundTest::serverGoesAway()
     QTRY_VERIFY(listener.hears(400));
     LogCapture log;
     QCOMPARE(QProcess::execute("pactl", {"exit"}), 0);
-    QStringList told;
-    const auto said = [&] { return told += log.take().filter("[KelAmplifiedAudioPlayer]"); };
-    QTRY_COMPARE(said(), QStringList{"W [KelAmplifiedAudioPlayer] Audio output error: 4"});
+    QStringList warnings;
+    const auto logged = [&] { return warnings += log.take().filter("[KelAmplifiedAudioPlayer]"); };
+    QTRY_COMPARE(logged(), QStringList{"W [KelAmplifiedAudioPlayer] Audio output error: 4"});
     const int frame = manager->currentFrame();
     QTRY_VERIFY(manager->currentFrame() > frame + 5);
     manager->pause();
     manager->play();
     manager->seek(700);
     QTRY_VERIFY(manager->currentFrame() > 705);
-    QCOMPARE(said().size(), 2);
-    QCOMPARE(told.last(), QString("W [KelAmplifiedAudioPlayer] Failed to start audio output device"));
+    QCOMPARE(logged().size(), 2);
+    QCOMPARE(warnings.last(), QString("W [KelAmplifiedAudioPlayer] Failed to start audio output device"));
 }
 
 QTEST_MAIN(PlaybackSoundTest)

@@ -6,6 +6,8 @@
 #include "support/TestTable.h"
 
 #include "audio/output/KelAmplifiedAudioPlayer.h"
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 
 #include <KelMovie/KelMovieConfig.h>
@@ -15,6 +17,8 @@
 #include <QTimer>
 #include <QTimerEvent>
 #include <QtTest>
+
+using namespace kel;
 
 namespace
 {
@@ -30,11 +34,11 @@ class PlaybackVoiceTest : public QObject
 
 private slots:
     void init();
-    void staysInStep_data();
-    void staysInStep();
+    void staysInSync_data();
+    void staysInSync();
     void seeks();
     void twoSources();
-    void takesSettingsAtOnce();
+    void appliesSettingsAtOnce();
     void withoutDevice();
     void endsWhilePlaying();
     void findsFiles_data();
@@ -55,15 +59,15 @@ private:
     }
     std::unique_ptr<KelPlaybackTrackManager> load()
     {
-        KelPlaybackSeams seams;
-        seams.nowMs = sound->nowMs;
-        seams.decoders = scriptedDecoders(decoders);
-        seams.createAudioSink = scriptedSinks(sound);
-        return std::make_unique<KelPlaybackTrackManager>(recording->path(), false, seams, nullptr);
+        KelPlaybackDependencies dependencies;
+        dependencies.nowMs = sound->nowMs;
+        dependencies.decoders = scriptedDecoders(decoders);
+        dependencies.createAudioSink = scriptedSinks(sound);
+        return PlaybackInternals::load(recording->path(), dependencies);
     }
     static QList<KelAmplifiedAudioPlayer *> players(const KelPlaybackTrackManager &manager)
     {
-        return manager.voiceTrack()->findChildren<KelAmplifiedAudioPlayer *>();
+        return PlaybackInternals::engine(manager).voiceTrack()->findChildren<KelAmplifiedAudioPlayer *>();
     }
     /// Lets time pass for the device, the players and the manager.
     void tick(KelPlaybackTrackManager &manager)
@@ -100,11 +104,11 @@ void PlaybackVoiceTest::init()
     decoders = std::make_shared<DecoderScript>();
 }
 
-void PlaybackVoiceTest::staysInStep_data()
+void PlaybackVoiceTest::staysInSync_data()
 {
-    // A tick is one of the recording's clock; sound is lost in the middle.
+    // tickMs: of the recording clock. lostMs: of sound, in the middle.
     const TestTable<int, int, double, double, int, int, int> row("fps", "tickMs", "speed", "pace", "leadMs", "lostMs",
-                                                                 "mostStarts");
+                                                                 "maxStarts");
 
     row("same clocks", 25, 40, 1.0, 1.0, 0, 0, 1);
     row("recorded with faster ticks", 60, 16, 1.0, 1.0, 0, 0, 1);
@@ -118,7 +122,7 @@ void PlaybackVoiceTest::staysInStep_data()
     row("half speed", 24, 41, 0.5, 0.999, 50, 0, 1);
 }
 
-void PlaybackVoiceTest::staysInStep()
+void PlaybackVoiceTest::staysInSync()
 {
     QFETCH(int, fps);
     QFETCH(int, tickMs);
@@ -126,10 +130,10 @@ void PlaybackVoiceTest::staysInStep()
     QFETCH(double, pace);
     QFETCH(int, leadMs);
     QFETCH(int, lostMs);
-    QFETCH(int, mostStarts);
+    QFETCH(int, maxStarts);
 
     constexpr int soundMs = 600'000;
-    constexpr int toWearOffMs = 8000;
+    constexpr int settlingMs = 8000;
     const int frames = soundMs / tickMs;
     record(frames, fps, soundMs);
     addSound("system_audio_1.wav", soundMs);
@@ -149,11 +153,11 @@ void PlaybackVoiceTest::staysInStep()
             lostAt = nowMs;
         }
         const double expectedMs = double(nowMs - begin) / 1000 * fps * speed / frames * soundMs;
-        if (nowMs - lostAt > toWearOffMs)
+        if (nowMs - lostAt > settlingMs)
             worst = std::max(worst, std::abs(heardMs() - expectedMs) / speed);
     }
     QVERIFY2(worst < 80, qPrintable(QString("%1 ms apart").arg(worst)));
-    QVERIFY2(sound->starts <= mostStarts, qPrintable(QString::number(sound->starts)));
+    QVERIFY2(sound->starts <= maxStarts, qPrintable(QString::number(sound->starts)));
     pass(*manager, 1100);
     QCOMPARE(manager->state(), KelPlaybackTrackManager::Stopped);
     QVERIFY(!players(*manager).first()->isPlaying());
@@ -164,19 +168,19 @@ void PlaybackVoiceTest::seeks()
     record(2500, 50, 40'000); // a clock that ticked at 62.5
     addSound("system_audio_1.wav", 40'000);
     const auto manager = load();
-    KelPlaybackVoiceTrack *track = manager->voiceTrack();
+    KelPlaybackVoiceTrack *track = PlaybackInternals::engine(*manager).voiceTrack();
     const KelAmplifiedAudioPlayer *player = players(*manager).first();
     QCOMPARE(manager->trackNames(), (QStringList{"ScreenTrack", "VoiceTrack"}));
     manager->seek(625);
     QCOMPARE(player->position(), qint64(10'000));
-    QCOMPARE(sound->alive, 0); // a recording that is only looked at opens no device
-    manager->setFrameSilently(1250);
+    QCOMPARE(sound->alive, 0); // seeking alone opens no device
+    PlaybackInternals::engine(*manager).setFrameSilently(1250);
     QCOMPARE(player->position(), qint64(10'000));
 
     manager->play();
     QCOMPARE(heardMs(), 20'000.0);
     pass(*manager, 1000);
-    manager->seek(manager->currentFrame() + 2); // goes on undisturbed
+    manager->seek(manager->currentFrame() + 2); // continues undisturbed
     QCOMPARE(sound->starts, 1);
     manager->seek(625);
     QCOMPARE(sound->starts, 2);
@@ -187,7 +191,7 @@ void PlaybackVoiceTest::seeks()
     QVERIFY(!player->isPlaying());
     manager->play();
     QCOMPARE(heardMs(), 30'000.0);
-    manager->setSpeed(2.0); // what was buffered at the old speed is not heard any more
+    manager->setSpeed(2.0); // drops what was buffered at the old speed
     pass(*manager, 100);
     QVERIFY(std::abs(heardMs() - 30'160) < 5);
     manager->stop();
@@ -216,9 +220,9 @@ void PlaybackVoiceTest::twoSources()
     QCOMPARE(both.size(), 2);
     manager->play();
     QVERIFY(both[0]->isPlaying() && both[1]->isPlaying());
-    QCOMPARE(manager->voiceTrack()->nextKeyFrame(), 1);
+    QCOMPARE(PlaybackInternals::engine(*manager).voiceTrack()->nextKeyFrame(), 1);
     both[1]->seek(3000);
-    manager->voiceTrack()->onSystemAudioPositionChanged(0); // the master
+    PlaybackInternals::engine(*manager).voiceTrack()->onSystemAudioPositionChanged(0); // the master
     QCOMPARE(both[1]->position(), qint64(0));
     manager->seek(125);
     QVERIFY(!both[0]->isPlaying() && both[1]->isPlaying());
@@ -231,14 +235,15 @@ void PlaybackVoiceTest::twoSources()
     QVERIFY(!both[0]->isPlaying() && !both[1]->isPlaying());
 }
 
-void PlaybackVoiceTest::takesSettingsAtOnce()
+void PlaybackVoiceTest::appliesSettingsAtOnce()
 {
     record(500, 25, 20'000);
     recording->write("Voice/system_audio_1.wav",
                      SoundFile::wav(kRate, 16, QByteArray("\0\x10", 2).repeated(kRate * 20)));
     const auto manager = load();
     const KelAmplifiedAudioPlayer *player = players(*manager).first();
-    QVERIFY(manager->voiceTrack()->hasSystemAudio() && !manager->voiceTrack()->hasMicrophone());
+    QVERIFY(PlaybackInternals::engine(*manager).voiceTrack()->hasSystemAudio() &&
+            !PlaybackInternals::engine(*manager).voiceTrack()->hasMicrophone());
     const auto written = [&] {
         manager->seek(manager->currentFrame(), true);
         manager->seek(manager->currentFrame() < 250 ? 300 : 100);
@@ -275,7 +280,7 @@ void PlaybackVoiceTest::withoutDevice()
     sound->isMissing = true;
     LogCapture log;
     const auto manager = load();
-    QSignalSpy told(manager.get(), &KelPlaybackTrackManager::sigSoundDeviceFailed);
+    QSignalSpy failures(manager.get(), &KelPlaybackTrackManager::sigSoundDeviceFailed);
     manager->play();
     pass(*manager, 2000);
     manager->seek(200);
@@ -284,7 +289,7 @@ void PlaybackVoiceTest::withoutDevice()
     pass(*manager, 1000);
     QCOMPARE(manager->currentFrame(), 225);
     QCOMPARE(log.take(), QStringList{"W [KelAmplifiedAudioPlayer] Failed to start audio output device"});
-    QCOMPARE(told.size(), 1);
+    QCOMPARE(failures.size(), 1);
 
     manager->pause();
     sound->isMissing = false;
@@ -296,10 +301,10 @@ void PlaybackVoiceTest::withoutDevice()
     pass(*manager, 1000);
     QCOMPARE(manager->state(), KelPlaybackTrackManager::Playing);
     QCOMPARE(log.take(), QStringList{"W [KelAmplifiedAudioPlayer] Audio output error: 4"});
-    QCOMPARE(told.size(), 2);
+    QCOMPARE(failures.size(), 2);
 }
 
-/// A device may handle events while it closes.
+/// A device may process events while it closes.
 void PlaybackVoiceTest::endsWhilePlaying()
 {
     record(100, 25, 4000);
@@ -317,7 +322,7 @@ void PlaybackVoiceTest::endsWhilePlaying()
 
 void PlaybackVoiceTest::findsFiles_data()
 {
-    // The oldest comes first, each is a second longer than the one before; without a player it is 0 ms long.
+    // Oldest first, each one second longer than the one before. The duration is 0 ms without a player.
     const TestTable<QStringList, qint64, QStringList> row("names", "durationMs", "messages");
 
     row("newest", {"system_audio_2.wav", "system_audio_1.wav"}, 2000, {});
@@ -351,10 +356,10 @@ void PlaybackVoiceTest::findsFiles()
     QCOMPARE(lines.size(), messages.size());
     for (int i = 0; i < lines.size(); ++i)
         QVERIFY2(lines[i].startsWith(messages[i]), qPrintable(lines[i]));
-    QCOMPARE(manager->voiceTrack()->hasSystemAudio(), durationMs > 0);
+    QCOMPARE(PlaybackInternals::engine(*manager).voiceTrack()->hasSystemAudio(), durationMs > 0);
     if (durationMs > 0)
         QCOMPARE(players(*manager).first()->duration(), durationMs);
-    manager->play(); // silent if it must be
+    manager->play(); // possibly without sound
     pass(*manager, 200);
     QCOMPARE(manager->currentFrame(), 5);
 }

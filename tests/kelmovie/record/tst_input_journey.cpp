@@ -244,8 +244,8 @@ void TestInputJourney::paintsThePointerWhereItWas()
     const auto compose = [&](bool withPointer) {
         gKelMovieConfig.playbackMouseEnable = withPointer;
         manager->updateSettings();
-        manager->setFrameSilently(moves[0].section(' ', 0, 0).toInt());
-        QImage image(manager->pictureSize(), QImage::Format_ARGB32_Premultiplied);
+        manager->seek(moves[0].section(' ', 0, 0).toInt());
+        QImage image(manager->frameSize(), QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::black);
         QPainter painter(&image);
         manager->paint(&painter);

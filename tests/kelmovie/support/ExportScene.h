@@ -9,8 +9,8 @@
 #include <QImage>
 #include <QPainter>
 
-/// A short recording with everything in it that an export paints: a video that stands still at times, the pointer with
-/// a click's effect, and keys. The settings show all of it, and the time as a bar, as long as this lives.
+/// A short recording with all layers: a video that does not always change, the pointer with the effect of a click, and
+/// keys. While it exists, the settings show all of them and the progress bar.
 class ExportScene
 {
 public:
@@ -25,7 +25,7 @@ public:
         m_recording.metadata.mouseTrack = m_recording.metadata.keyboardTrack = true;
         m_recording.save();
         m_recording.writeIndexes(LogicFrames, [](int i) { return i < 3 ? -1 : videoFrameAt(i); });
-        writeVideo(m_recording, VideoFrames, picture);
+        writeVideo(m_recording, VideoFrames, image);
         m_mouse.writeSquareCursor();
         m_mouse.write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, 20, 30), MouseFixture::move(4, 30, 40),
                                                       MouseFixture::move(5, 50, 60)});
@@ -41,8 +41,8 @@ public:
     QString path() const { return m_recording.path(); }
     QString videoPath() const { return m_recording.screenDir() + "/screen_record.mp4"; }
 
-    /// The picture of a video frame: its own colour with a black square at its own place.
-    static QImage picture(int videoFrame)
+    /// A video frame: its own color, with a black square at its own position.
+    static QImage image(int videoFrame)
     {
         QImage image(Side, Side, QImage::Format_ARGB32_Premultiplied);
         image.fill(QColor::fromHsv(videoFrame * 30, 120, 220));

@@ -2,7 +2,7 @@
 
 #include <QColor>
 
-/// The colour of the scripted video's frame `index`: the number can be read back from any pixel.
+/// The color of frame `index` of the scripted video: the index can be read back from any pixel.
 inline QRgb frameColor(int index)
 {
     return qRgb(index & 0xff, (index >> 8) & 0xff, 0x55);

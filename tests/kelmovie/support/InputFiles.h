@@ -9,9 +9,9 @@
 #include <QStringList>
 #include <QtEndian>
 
-// The files of the mouse and keyboard tracks, read without anything of the product.
+// Reads the files of the mouse and keyboard tracks independently of the product's code.
 
-/// "FRAME ACTION X,Y CURSOR", with " [BUTTON]" and " DELTA" where the event has them.
+/// "FRAME ACTION X,Y CURSOR", with " [BUTTON]" and " DELTA" if the event has them.
 inline QStringList mouseEvents(const QString &path)
 {
     QStringList lines;
@@ -32,7 +32,7 @@ inline QStringList mouseEvents(const QString &path)
     return lines;
 }
 
-/// "KEY(hex) PRESSED FRAME" for each record, or that this is no valid file.
+/// "KEY(hex) PRESSED FRAME" for each record, or "invalid".
 inline QStringList keyRecords(const QByteArray &file)
 {
     const auto number = [&file](int offset) { return qFromLittleEndian<qint32>(file.constData() + offset); };

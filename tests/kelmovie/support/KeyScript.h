@@ -9,7 +9,7 @@
 #include <QStringList>
 #include <QtEndian>
 
-/// Records from a text such as "10:+Control 12:+C 14:-C 20:off 30:on": frame, pressed or released, Qt::Key.
+/// Records from a text such as "10:+Control 12:+C 14:-C 20:off 30:on": frame, + pressed or - released, Qt::Key.
 inline std::vector<kel::KeyRecord> keyScript(const QString &script)
 {
     std::vector<kel::KeyRecord> records;

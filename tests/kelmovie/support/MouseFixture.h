@@ -11,7 +11,7 @@
 
 #include <memory>
 
-/// The files of a recorded pointer, made by hand.
+/// Handmade files of a mouse track.
 class MouseFixture
 {
 public:
@@ -21,7 +21,7 @@ public:
     {
         QDir(m_path).mkdir("cursors");
     }
-    /// In a directory of the test, which is created.
+    /// Creates them in `path`.
     explicit MouseFixture(const QString &path)
         : m_path(path)
     {
@@ -38,8 +38,8 @@ public:
         return {{"frame", frame}, {"x", x}, {"y", y}, {"timestamp", frame}, {"cursor", cursor}, {"action", action}};
     }
 
-    /// From words such as "10 left down, 14 left up @3, 20 wheel -120": frame, and what happened there. Time passes at
-    /// 40 ms a frame unless it is told after an @.
+    /// From a text such as "10 left down, 14 left up @3, 20 wheel -120": frame and event, with its timestamp in ms
+    /// after an @; the default is 40 ms per frame.
     static QJsonArray clicks(const QString &text)
     {
         static const QMap<QString, QString> actions{{"down", "click"}, {"up", "release"}};

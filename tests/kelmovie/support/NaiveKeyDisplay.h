@@ -31,7 +31,7 @@ struct NaiveKeyEntry {
     }
 };
 
-/// The display list made frame by frame, in the obvious way: what the builder's result is compared with.
+/// A naive implementation of KeyDisplayListBuilder, frame by frame, to compare its result with.
 inline std::vector<NaiveKeyEntry> naiveKeyDisplay(const kel::KeyLog &recording, int totalFrames,
                                                   const kel::KeyDisplayListBuilder::Limits &limits)
 {

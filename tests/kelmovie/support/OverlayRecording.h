@@ -4,14 +4,15 @@
 #include "kelmovie/support/RecordingFixture.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 
-#include "playback/KelPlaybackTrackManager.h"
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 
 #include <QImage>
 #include <QPainter>
 
 #include <memory>
 
-/// A recording at whose frames each of the overlays is to be seen.
+/// A recording in which each kind of overlay is visible at a known frame.
 class OverlayRecording
 {
 public:
@@ -41,13 +42,13 @@ public:
 
     std::unique_ptr<KelPlaybackTrackManager> load() const
     {
-        KelPlaybackSeams seams = KelPlaybackSeams::real();
-        seams.decoders = scriptedDecoders(m_script);
-        return std::make_unique<KelPlaybackTrackManager>(m_files.path(), false, seams, nullptr);
+        KelPlaybackDependencies dependencies = KelPlaybackDependencies::real();
+        dependencies.decoders = scriptedDecoders(m_script);
+        return kel::PlaybackInternals::load(m_files.path(), dependencies);
     }
 
-    /// The composed picture of the present frame, but for the scripted video's corner, which tells the frame.
-    QImage picture(KelPlaybackTrackManager &manager) const
+    /// The composed current frame, without the corner of the scripted video, whose color encodes the frame number.
+    QImage image(KelPlaybackTrackManager &manager) const
     {
         QImage image(m_files.metadata.recordArea.size(), QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::gray);
@@ -56,12 +57,12 @@ public:
         painter.fillRect(QRect(QPoint(), m_script->frameSize), Qt::black);
         return image;
     }
-    /// Stepped through, because effects are played by steps.
-    QImage pictureAt(KelPlaybackTrackManager &manager, int frame) const
+    /// The same at `frame`, played up to it, because effects advance with each frame.
+    QImage imageAt(KelPlaybackTrackManager &manager, int frame) const
     {
         for (int step = 0; step <= frame; ++step)
-            manager.setFrameSilently(step);
-        return picture(manager);
+            kel::PlaybackInternals::engine(manager).setFrameSilently(step);
+        return image(manager);
     }
 
 private:

@@ -9,8 +9,8 @@
 
 #include <functional>
 
-/// Gives the recording a real video, in the size of its area.
-inline void writeVideo(const RecordingFixture &recording, int frames, const std::function<QImage(int)> &picture)
+/// Writes a real video of the size of its area into the recording.
+inline void writeVideo(const RecordingFixture &recording, int frames, const std::function<QImage(int)> &image)
 {
     KelAsyncEncoder::Params params;
     params.frameSize = recording.metadata.recordArea.size();
@@ -19,7 +19,7 @@ inline void writeVideo(const RecordingFixture &recording, int frames, const std:
     for (int i = 0; i < frames; ++i) {
         while (encoder.isBusy() && encoder.errorString().isEmpty())
             QThread::yieldCurrentThread();
-        if (encoder.addFrame(i, picture(i)) != i)
+        if (encoder.addFrame(i, image(i)) != i)
             qFatal("cannot write the video");
     }
     encoder.waitForClosed();

@@ -10,7 +10,7 @@
 #include <functional>
 #include <vector>
 
-/// A recording directory made by hand, with a video that only a scripted decoder can read.
+/// A recording directory with handmade files and a video that only a scripted decoder can read.
 class RecordingFixture
 {
 public:

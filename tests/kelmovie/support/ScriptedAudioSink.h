@@ -9,16 +9,16 @@
 #include <functional>
 #include <memory>
 
-/// A sound device on a clock that the test moves, and what it does wrong.
+/// A sound device that runs on the clock of the test, and its faults.
 struct SoundScript {
     std::function<qint64()> nowMs;
-    double pace = 1.0;      ///< ms of sound that the device plays in each ms
-    int leadMs = 0;         ///< taken before it is heard
+    double pace = 1.0;      ///< ms of sound that the device plays per ms
+    int leadMs = 0;         ///< of sound that the device buffers before playing it
     bool isMissing = false; ///< no sink starts
-    double volume = -1.0;   ///< that was set last
+    double volume = -1.0;   ///< set last
     int starts = 0;
     int alive = 0;
-    std::function<void()> closing;           ///< a sink is about to go
+    std::function<void()> closing;           ///< called when a sink is about to be destroyed
     class ScriptedAudioSink *last = nullptr; ///< the sink that was created last
 };
 
@@ -67,14 +67,14 @@ public:
     }
     void setVolume(double volume) override { m_script->volume = volume; }
 
-    /// All that was written since the last start.
+    /// Everything written since the last start.
     const QByteArray &written() const { return m_written; }
-    /// Bytes of it that were heard.
+    /// Number of these bytes that were heard.
     int heard() const
     {
         return m_written.isEmpty() ? 0 : bytesIn(double(m_script->nowMs() - m_startedMs) * m_script->pace);
     }
-    /// The device does not play for a while, as when nobody filled its buffer.
+    /// The device plays nothing for `ms`, as in a buffer underrun.
     void lose(qint64 ms) { m_startedMs += ms; }
     void fail(QAudio::Error error)
     {

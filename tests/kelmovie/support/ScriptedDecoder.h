@@ -4,7 +4,7 @@
 
 #include "avcodec/KelAVCodecDecoder.h"
 #include "avcodec/decode/h264Decoder.h"
-#include "playback/tracks/KelPlaybackSeams.h"
+#include "playback/tracks/KelPlaybackDependencies.h"
 
 #include <QImage>
 #include <QMap>
@@ -18,14 +18,14 @@
 #include <memory>
 #include <mutex>
 
-/// What the decoders of a test do, and what was asked of them.
+/// What the scripted decoders do, and what was requested from them.
 struct DecoderScript {
     int frameCount = 100;
     QSize frameSize{64, 48};
     bool ffv1Supported = false;
     bool h264Supported = true;
-    QVector<bool> validity;  ///< of the decoders, in the order in which they are opened; valid past its end
-    QMap<int, int> failures; ///< frame -> how many more times it cannot be decoded
+    QVector<bool> validity;  ///< of the decoders, in the order in which they are opened; later ones are valid
+    QMap<int, int> failures; ///< frame -> number of times that decoding it still fails
     QStringList opened;      ///< "ffv1" or "h264 FIRST SECOND" with the parameters, in order
     QVector<int> decoded;    ///< frames, in order
     int hangsAtFrame = -1;   ///< decoding it waits for release()

@@ -3,7 +3,7 @@
 #include "kelmovie/support/FrameColor.h"
 
 #include "avcodec/KelAVCodecEncoder.h"
-#include "export/KelExportSeams.h"
+#include "export/KelExportDependencies.h"
 
 #include <QFile>
 #include <QImage>
@@ -17,14 +17,14 @@
 #include <memory>
 #include <mutex>
 
-/// What the encoder of a test does, and what it was given.
+/// What the scripted encoder does, and what was passed to it.
 struct EncoderScript {
     bool isValid = true;
     int failAtFrame = -1;   ///< addFrame() refuses this one
-    int fullFromFrame = -1; ///< the queue is full for good once it has so many
+    int fullFromFrame = -1; ///< the queue stays full from this frame on
     bool closeFails = false;
     bool hangsInClose = false;     ///< close() waits for abort()
-    QByteArray output = "encoded"; ///< what close() writes into the file; a null array: no file at all
+    QByteArray output = "encoded"; ///< what close() writes into the file; null: it creates no file
     std::function<void(int)> onFrame;
 
     QString path;
@@ -32,9 +32,9 @@ struct EncoderScript {
     int fps = 0;
     int quality = 0;
     QString extra;
-    QVector<int> frames;   ///< of the scripted video, read back from the pictures
-    int pictures = 0;      ///< that were handed over; others were repeated
-    QVector<QRgb> corners; ///< the last pixel of each picture
+    QVector<int> frames;   ///< of the scripted video, read back from the images
+    int images = 0;        ///< passed to addFrame(); other frames were repeated
+    QVector<QRgb> corners; ///< the last pixel of each image
     std::atomic<bool> aborted{false};
     std::atomic<bool> isClosing{false};
     std::mutex mutex;
@@ -62,7 +62,7 @@ public:
             return false;
         if (!m_script->frames.isEmpty())
             repeatLastFrameUntil(index);
-        ++m_script->pictures;
+        ++m_script->images;
         m_script->frames.append(frameOfColor(image.pixel(0, 0)));
         m_script->corners.append(image.pixel(image.width() - 1, image.height() - 1));
         return true;
@@ -99,11 +99,11 @@ private:
     const std::shared_ptr<EncoderScript> m_script;
 };
 
-inline KelExportSeams scriptedEncoders(const std::shared_ptr<EncoderScript> &script)
+inline KelExportDependencies scriptedEncoders(const std::shared_ptr<EncoderScript> &script)
 {
-    KelExportSeams seams;
-    seams.createEncoder = [script](int, const QSize &size, const QString &path, int fps, int quality,
-                                   const QString &extra) {
+    KelExportDependencies dependencies;
+    dependencies.createEncoder = [script](int, const QSize &size, const QString &path, int fps, int quality,
+                                          const QString &extra) {
         script->size = size;
         script->path = path;
         script->fps = fps;
@@ -111,5 +111,5 @@ inline KelExportSeams scriptedEncoders(const std::shared_ptr<EncoderScript> &scr
         script->extra = extra;
         return std::make_unique<ScriptedEncoder>(script);
     };
-    return seams;
+    return dependencies;
 }

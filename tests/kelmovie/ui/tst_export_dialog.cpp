@@ -3,6 +3,8 @@
 #include "kelmovie/support/ScriptedEncoder.h"
 
 #include "notification/KelToastsMessage.h"
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "ui/export/KelPlaybackExportDialog.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
@@ -16,6 +18,22 @@
 #include <QTextDocument>
 #include <QTimer>
 #include <QtTest>
+
+using namespace kel;
+
+namespace
+{
+
+class ScriptedExportDialog : public KelPlaybackExportDialog
+{
+public:
+    ScriptedExportDialog(const KelExportRequest &request, const KelExportDependencies &dependencies, QWidget *parent)
+        : KelPlaybackExportDialog(request, dependencies, parent)
+    {
+    }
+};
+
+} // namespace
 
 class ExportDialogTest : public QObject
 {
@@ -37,7 +55,7 @@ private slots:
 private:
     std::unique_ptr<KelPlaybackExportDialog> makeDialog()
     {
-        return std::make_unique<KelPlaybackExportDialog>(m_request, scriptedEncoders(m_encoder), nullptr);
+        return std::make_unique<ScriptedExportDialog>(m_request, scriptedEncoders(m_encoder), nullptr);
     }
 
     /// Runs `action` in the dialog's event loop once `isDue`.
@@ -66,11 +84,11 @@ private:
 void ExportDialogTest::init()
 {
     m_encoder = std::make_shared<EncoderScript>();
-    KelPlaybackSeams seams;
-    seams.nowMs = [] { return 0; };
+    KelPlaybackDependencies dependencies;
+    dependencies.nowMs = [] { return 0; };
     m_decoder = std::make_shared<DecoderScript>();
-    seams.decoders = scriptedDecoders(m_decoder);
-    m_manager = std::make_unique<KelPlaybackTrackManager>(m_recording.path(), false, seams, nullptr);
+    dependencies.decoders = scriptedDecoders(m_decoder);
+    m_manager = PlaybackInternals::load(m_recording.path(), dependencies);
     m_manager->seek(7);
     m_told.clear();
     m_request = {};
@@ -194,7 +212,7 @@ void ExportDialogTest::comesBackWhenItIsOver()
 {
     QWidget application;
     application.show();
-    KelPlaybackExportDialog dialog(m_request, scriptedEncoders(m_encoder), &application);
+    ScriptedExportDialog dialog(m_request, scriptedEncoders(m_encoder), &application);
     bool wasMinimized = false;
     m_encoder->onFrame = [&](int frame) {
         if (frame == 10)

@@ -233,7 +233,7 @@ void SettingsPanelsTest::changes()
     before(gKelMovieConfig);
     const OverlayRecording recording;
     const auto manager = recording.load();
-    const QImage earlier = frame == kNoFrame ? QImage() : recording.pictureAt(*manager, frame);
+    const QImage earlier = frame == kNoFrame ? QImage() : recording.imageAt(*manager, frame);
 
     const std::unique_ptr<QWidget> panel(factory());
     QSignalSpy updates(panel.get(), SIGNAL(sigConfigUpdated()));
@@ -248,7 +248,7 @@ void SettingsPanelsTest::changes()
     QCOMPARE(io.saved, key.isEmpty() ? (QMap<QString, QVariant>{}) : (QMap<QString, QVariant>{{key, value}}));
     QCOMPARE(updates.size(), 1);
     if (frame != kNoFrame)
-        QVERIFY(recording.pictureAt(*manager, frame) != earlier);
+        QVERIFY(recording.imageAt(*manager, frame) != earlier);
 }
 
 void SettingsPanelsTest::panels_data()

@@ -11,7 +11,8 @@
 class KelAVCodecDecoder;
 struct H264DecodeParams;
 
-/// Where the screen track gets its decoders from.
+/// Creates the decoders of the screen track. isFfv1Supported() and isH264Supported() report whether the library has
+/// them; the create functions return a decoder that may be invalid, or null.
 struct KelDecoderFactory {
     std::function<bool()> isFfv1Supported;
     std::function<bool()> isH264Supported;
@@ -19,12 +20,12 @@ struct KelDecoderFactory {
     std::function<std::unique_ptr<KelAVCodecDecoder>(const QString &path, const H264DecodeParams &params)> createH264;
 };
 
-/// What playback takes from the outside world; a test brings its own.
-struct KelPlaybackSeams {
+/// What playback needs from its environment; tests replace it.
+struct KelPlaybackDependencies {
     std::function<qint64()> nowMs; ///< wall clock, ms since the epoch
     KelDecoderFactory decoders;
     kel::AudioSink::Factory createAudioSink;
 
-    /// The system's clock and default sound device, and the codec library's decoders.
-    static KelPlaybackSeams real();
+    /// The system clock, the default sound device and the decoders of the codec library.
+    static KelPlaybackDependencies real();
 };

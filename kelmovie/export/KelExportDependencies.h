@@ -8,13 +8,13 @@
 
 class KelAVCodecEncoder;
 
-/// What an export takes from the outside world; a test brings its own.
-struct KelExportSeams {
-    /// Null for a format that there is no encoder for. `extra`: see AnimationEncoder.
+/// What an export needs from its environment; tests replace it.
+struct KelExportDependencies {
+    /// Creates the encoder for a format of KelExportRequest; null if there is none. `extra`: see AnimationEncoder.
     std::function<std::unique_ptr<KelAVCodecEncoder>(int format, const QSize &size, const QString &path, int fps,
                                                      int quality, const QString &extra)>
         createEncoder;
 
-    /// The codec library's encoders.
-    static KelExportSeams real();
+    /// The encoders of the codec library.
+    static KelExportDependencies real();
 };

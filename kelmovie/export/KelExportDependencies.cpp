@@ -1,4 +1,4 @@
-#include "export/KelExportSeams.h"
+#include "export/KelExportDependencies.h"
 
 #include "avcodec/animation/gif/kelGifEncoder.h"
 #include "avcodec/animation/png/pngEncoder.h"
@@ -6,7 +6,8 @@
 #include "avcodec/mp4/h264Encoder.h"
 #include "logging/Log.h"
 
-#include <QDebug>
+#include <KelMovie/KelExportRequest.h>
+
 #include <QImage>
 
 namespace
@@ -16,14 +17,14 @@ std::unique_ptr<KelAVCodecEncoder> createEncoder(int format, const QSize &size, 
                                                  int quality, const QString &extra)
 {
     switch (format) {
-    case 0:
+    case KelExportRequest::Mp4:
         return std::make_unique<h264Encoder>(
             h264Encoder::Params{size, QImage::Format_ARGB32_Premultiplied, path, fps, quality});
-    case 1:
+    case KelExportRequest::Gif:
         return std::make_unique<kelGifEncoder>(size, path, fps, quality, extra);
-    case 2:
+    case KelExportRequest::Apng:
         return std::make_unique<pngEncoder>(size, path, fps, quality, extra);
-    case 3:
+    case KelExportRequest::WebP:
         return std::make_unique<webpEncoder>(size, path, fps, quality, extra);
     default:
         qCWarning(kel::logExport) << "Unsupported export format" << format;
@@ -33,7 +34,7 @@ std::unique_ptr<KelAVCodecEncoder> createEncoder(int format, const QSize &size, 
 
 } // namespace
 
-KelExportSeams KelExportSeams::real()
+KelExportDependencies KelExportDependencies::real()
 {
     return {::createEncoder};
 }

@@ -1,7 +1,7 @@
-#include "export/SampleFile.h"
+#include "export/estimate/TrialEncode.h"
 
 #include "avcodec/KelAVCodecEncoder.h"
-#include "export/KelExportSeams.h"
+#include "export/KelExportDependencies.h"
 
 #include <QFileInfo>
 #include <QImage>
@@ -11,24 +11,25 @@
 namespace kel
 {
 
-SampleFile::SampleFile(const KelExportRequest &request, const QSize &size)
-    : m_encoder(KelExportSeams::real().createEncoder(request.format, size, path(), request.fps, request.quality, {}))
+TrialEncode::TrialEncode(const KelExportRequest &request, const QSize &size)
+    : m_encoder(
+          KelExportDependencies::real().createEncoder(request.format, size, path(), request.fps, request.quality, {}))
     , m_hasFailed(!m_directory.isValid() || !m_encoder || !m_encoder->isValid())
 {
 }
 
-SampleFile::~SampleFile()
+TrialEncode::~TrialEncode()
 {
     if (m_work.valid())
         m_encoder->abort();
 }
 
-QString SampleFile::path() const
+QString TrialEncode::path() const
 {
-    return m_directory.filePath(QStringLiteral("sample"));
+    return m_directory.filePath(QStringLiteral("trial"));
 }
 
-bool SampleFile::isBusy()
+bool TrialEncode::isBusy()
 {
     if (!m_work.valid())
         return false;
@@ -38,7 +39,7 @@ bool SampleFile::isBusy()
     return false;
 }
 
-QString SampleFile::errorString() const
+QString TrialEncode::errorString() const
 {
     if (!m_hasFailed)
         return {};
@@ -46,14 +47,13 @@ QString SampleFile::errorString() const
     return error.isEmpty() ? QStringLiteral("there is no encoder") : error;
 }
 
-void SampleFile::add(int frame, const QImage &picture)
+void TrialEncode::add(int frame, const QImage &image)
 {
-    m_work = std::async(std::launch::async, [encoder = m_encoder.get(), frame, picture] {
-        return encoder->addFrame(quint64(frame), picture);
-    });
+    m_work = std::async(std::launch::async,
+                        [encoder = m_encoder.get(), frame, image] { return encoder->addFrame(quint64(frame), image); });
 }
 
-void SampleFile::close(int end)
+void TrialEncode::close(int end)
 {
     m_isClosed = true;
     m_work = std::async(std::launch::async, [encoder = m_encoder.get(), end] {
@@ -61,7 +61,7 @@ void SampleFile::close(int end)
     });
 }
 
-qint64 SampleFile::bytes() const
+qint64 TrialEncode::bytes() const
 {
     return QFileInfo(path()).size();
 }

@@ -1,4 +1,4 @@
-#include "export/ExportWatch.h"
+#include "export/ExportProgress.h"
 
 namespace kel
 {
@@ -7,18 +7,18 @@ namespace
 {
 
 constexpr std::chrono::milliseconds kPoll(20);
-constexpr int kTellEveryMs = 200;
-constexpr int kEstimateAfterMs = 1000; // before that an estimate jumps about
+constexpr int kNotifyIntervalMs = 200;
+constexpr int kEstimateAfterMs = 1000; // earlier estimates are unstable
 
 } // namespace
 
-ExportWatch::ExportWatch(KelExportMonitor *monitor)
+ExportProgress::ExportProgress(KelExportMonitor *monitor)
     : m_monitor(monitor)
 {
     begin(Stage::Frames, 0);
 }
 
-void ExportWatch::report(qint64 percent)
+void ExportProgress::report(qint64 percent)
 {
     if (percent <= m_percent)
         return;
@@ -27,44 +27,44 @@ void ExportWatch::report(qint64 percent)
         m_monitor->exportProgress(m_percent);
 }
 
-void ExportWatch::begin(Stage stage, qint64 units)
+void ExportProgress::begin(Stage stage, qint64 units)
 {
     m_status = {};
     m_status.stage = stage;
     m_status.units = units;
     m_sinceBegin.start();
-    m_sinceTold.invalidate();
+    m_sinceNotified.invalidate();
 }
 
-void ExportWatch::update(qint64 done)
+void ExportProgress::update(qint64 done)
 {
     m_status.done = done;
-    tell();
+    notify();
 }
 
-void ExportWatch::tell()
+void ExportProgress::notify()
 {
-    if (!m_monitor || (m_sinceTold.isValid() && !m_sinceTold.hasExpired(kTellEveryMs)))
+    if (!m_monitor || (m_sinceNotified.isValid() && !m_sinceNotified.hasExpired(kNotifyIntervalMs)))
         return;
-    m_sinceTold.start();
+    m_sinceNotified.start();
     m_status.elapsedMs = m_sinceBegin.elapsed();
     if (m_status.done > 0 && m_status.elapsedMs >= kEstimateAfterMs) {
         const double rest = double(m_status.units - m_status.done) / double(m_status.done);
-        m_status.leftMs = qint64(double(m_status.elapsedMs) * rest);
+        m_status.remainingMs = qint64(double(m_status.elapsedMs) * rest);
     }
     m_monitor->exportStatus(m_status);
 }
 
-bool ExportWatch::isCancelled()
+bool ExportProgress::isCancelled()
 {
     m_isCancelled = m_isCancelled || (m_monitor && m_monitor->isExportCancelled());
     return m_isCancelled;
 }
 
-bool ExportWatch::wait(const std::function<bool(std::chrono::milliseconds limit)> &isDone)
+bool ExportProgress::wait(const std::function<bool(std::chrono::milliseconds limit)> &isDone)
 {
     while (!isDone(kPoll)) {
-        tell();
+        notify();
         if (isCancelled())
             return false;
     }

@@ -18,12 +18,12 @@ constexpr QLatin1String latin1(const char (&literal)[Size])
 } // namespace detail
 
 // In the directory of the recording.
-constexpr QLatin1String kMetadata = detail::latin1("TrackManager.meta");
-constexpr QLatin1String kScreenDir = detail::latin1("Screen");
-constexpr QLatin1String kMouseDir = detail::latin1("Mouse");
-constexpr QLatin1String kKeyboardDir = detail::latin1("Keyboard");
-constexpr QLatin1String kVoiceDir = detail::latin1("Voice");
-constexpr QLatin1String kTrackDirs[] = {kScreenDir, kMouseDir, kKeyboardDir, kVoiceDir};
+constexpr QLatin1String kMetadata = detail::latin1("TrackManager.meta");                 ///< metadata file
+constexpr QLatin1String kScreenDir = detail::latin1("Screen");                           ///< screen track
+constexpr QLatin1String kMouseDir = detail::latin1("Mouse");                             ///< mouse track
+constexpr QLatin1String kKeyboardDir = detail::latin1("Keyboard");                       ///< keyboard track
+constexpr QLatin1String kVoiceDir = detail::latin1("Voice");                             ///< sound tracks
+constexpr QLatin1String kTrackDirs[] = {kScreenDir, kMouseDir, kKeyboardDir, kVoiceDir}; ///< all of them
 
 /// The subdirectory to which an earlier recording in the same directory is moved, numbered from 1.
 inline QString previousDir(int number)
@@ -32,22 +32,22 @@ inline QString previousDir(int number)
 }
 
 // In kScreenDir.
-constexpr QLatin1String kVideo = detail::latin1("screen_record.mp4");
-constexpr QLatin1String kMkvVideo = detail::latin1("screen_record.mkv"); // never written, but played if it exists
-constexpr QLatin1String kFrameIndex = detail::latin1("frame_indexes.dat");
+constexpr QLatin1String kVideo = detail::latin1("screen_record.mp4");      ///< the video
+constexpr QLatin1String kMkvVideo = detail::latin1("screen_record.mkv");   ///< never written, but played if it exists
+constexpr QLatin1String kFrameIndex = detail::latin1("frame_indexes.dat"); ///< frame index
 
 // In kMouseDir.
-constexpr QLatin1String kMouseMoves = detail::latin1("mousemoves-0.json");
-constexpr QLatin1String kMouseClicks = detail::latin1("mouseclicks-0.json");
-constexpr QLatin1String kCursorList = detail::latin1("cursor.json");
-constexpr QLatin1String kCursorImageDir = detail::latin1("cursors");
+constexpr QLatin1String kMouseMoves = detail::latin1("mousemoves-0.json");   ///< pointer positions
+constexpr QLatin1String kMouseClicks = detail::latin1("mouseclicks-0.json"); ///< buttons and wheel
+constexpr QLatin1String kCursorList = detail::latin1("cursor.json");         ///< pointer shapes
+constexpr QLatin1String kCursorImageDir = detail::latin1("cursors");         ///< their images
 
 // In kKeyboardDir.
-constexpr QLatin1String kKeyLog = detail::latin1("keyboard.keymeta");
+constexpr QLatin1String kKeyLog = detail::latin1("keyboard.keymeta"); ///< keys
 
 // In kVoiceDir: what the names of sound files begin with.
-constexpr QLatin1String kSystemAudio = detail::latin1("system_audio");
-constexpr QLatin1String kMicrophone = detail::latin1("microphone");
+constexpr QLatin1String kSystemAudio = detail::latin1("system_audio"); ///< system audio
+constexpr QLatin1String kMicrophone = detail::latin1("microphone");    ///< microphone
 
 /// `name` in the directory `dir`.
 inline QString path(const QString &dir, QLatin1String name)
@@ -73,10 +73,13 @@ inline QString frameIndexPath(const QString &recordingDir)
 namespace KelTrackNames
 {
 
+/// The name of a track.
+/// @{
 constexpr QLatin1String kScreen = KelRecordingFiles::detail::latin1("Screen track");
 constexpr QLatin1String kMouse = KelRecordingFiles::detail::latin1("Mouse track");
 constexpr QLatin1String kKeyboard = KelRecordingFiles::detail::latin1("Keyboard track");
 constexpr QLatin1String kSystemAudio = KelRecordingFiles::detail::latin1("System audio track");
 constexpr QLatin1String kMicrophone = KelRecordingFiles::detail::latin1("Microphone track");
+/// @}
 
 } // namespace KelTrackNames

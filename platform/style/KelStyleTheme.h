@@ -34,6 +34,7 @@ class KELSTYLE_EXPORT KelStyleTheme : public QObject
     Q_OBJECT
 
 public:
+    /// Where the theme comes from.
     enum class Mode {
         Application, ///< the theme follows the application palette (default)
         System,      ///< theme and palette follow the desktop setting
@@ -45,9 +46,9 @@ public:
     static KelStyleTheme *instance();
     ~KelStyleTheme() override;
 
-    Mode mode() const { return m_mode; }
-    void setMode(Mode mode);
-    bool isDark() const { return m_isDark; }
+    Mode mode() const { return m_mode; }     ///< the mode set last
+    void setMode(Mode mode);                 ///< applies at once
+    bool isDark() const { return m_isDark; } ///< whether the dark theme is active
 
     /// A named color of the current theme. Logs a warning and returns an invalid color for an unknown name.
     QColor color(const QString &name) const;

@@ -13,7 +13,7 @@ class KELWIDGET_EXPORT ColorSelectButton : public QPushButton
 public:
     explicit ColorSelectButton(QWidget *parent = nullptr);
 
-    QColor color() const { return m_color; }
+    QColor color() const { return m_color; } ///< the chosen color
     /// Does not emit sigColorChanged().
     void setColor(const QColor &color);
 

@@ -17,7 +17,7 @@ public:
 
     /// A disabled panel does not open; disabling closes an open one.
     void setDisplayEnable(bool enable);
-    bool isDisplayEnabled() const { return m_isDisplayEnabled; }
+    bool isDisplayEnabled() const { return m_isDisplayEnabled; } ///< whether the panel may open
 
     /// Adapts the panel to its current screen and colors. Called before each opening. Panels with sizes of their own
     /// extend it.
@@ -27,10 +27,10 @@ public:
     void popupBeside(QWidget *anchor);
 
 public slots:
-    void hideManual();
+    void hideManual(); ///< closes the panel
 
 signals:
-    void sigVisibleChanged(bool visible);
+    void sigVisibleChanged(bool visible); ///< the panel opened or closed
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -16,7 +16,7 @@ public:
 
     /// The label takes ownership of the panel and deletes the previous one.
     void setPanel(FloatPanel *panel);
-    FloatPanel *panel() const { return m_panel; }
+    FloatPanel *panel() const { return m_panel; } ///< null without a panel
 
     /// True when there is a panel and both it and the label are enabled.
     bool canOpen() const;

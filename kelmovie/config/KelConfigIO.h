@@ -4,10 +4,13 @@ class QColor;
 class QFont;
 class QString;
 
-/// The host's settings store. The module binds its fields once and saves through it; GUI thread only.
+/// The host's settings store, which the host implements. The module binds its fields once and saves through it; GUI
+/// thread only.
 ///
-/// A bind operation loads the stored value into the field when the store has the key, leaves the field alone
-/// otherwise, and remembers the field. A save operation stores the value and writes it into the bound field as well.
+/// A bind function loads the stored value into the field if the store has the key, leaves the field unchanged
+/// otherwise, and remembers the field, which lives as long as the program. A save function stores the value and also
+/// writes it into the bound field. A value that cannot be stored must not reach the field: the module recognizes the
+/// failure by that.
 class KelConfigIO
 {
 public:

@@ -75,7 +75,7 @@ void KelMovieConfigInit(KelConfigIO *io)
     gKelMovieConfigIO = io;
     if (!io)
         return;
-    // Hosts rely on this order.
+    // The order is part of the interface: hosts rely on it.
     bindProgress(io, gKelMovieConfig);
     bindMouse(io, gKelMovieConfig);
     bindKeyboard(io, gKelMovieConfig);

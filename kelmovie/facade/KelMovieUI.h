@@ -7,7 +7,7 @@
 
 class KelMultiTrackRecorder;
 
-/// The module's entry: makes recorders. GUI thread only.
+/// The entry point of the module: creates recorders. GUI thread only.
 class KELMOVIE_EXPORT KelMovieUI : public QObject
 {
     Q_OBJECT
@@ -19,10 +19,12 @@ public:
     /// A new recorder, owned by this object.
     KelMultiTrackRecorder *createMultiTrackRecorder();
 
-    /// Writes the part from `startMs` to `endMs` of a sound file to `outputPath`, whose suffix chooses the format (m4a,
-    /// mp3, wav, flac, ogg, opus, …); below 0 stands for the beginning and the end. Returns `outputPath`, or an empty
-    /// string after a warning in the log; an existing file is replaced only when the new one is whole.
+    /// Writes the range from `startMs` to `endMs` of a sound file to `outputPath`, whose suffix selects the format
+    /// (m4a, mp3, wav, flac, ogg, opus, …). Negative values stand for the start and the end of the sound. Returns
+    /// `outputPath`; on failure, logs a warning and returns an empty string. An existing file is only replaced by a
+    /// complete new one.
     static QString createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath);
 
+    /// Version of the module, for display.
     static QString version();
 };

@@ -1,113 +1,80 @@
 #include "facade/KelMultiTrackRecorder.h"
 
 #include "config/KelMovieConfig.h"
-#include "export/KelExportPipeline.h"
+#include "facade/RecordingControl.h"
+#include "facade/RecordingExporter.h"
 #include "logging/Log.h"
 #include "playback/KelPlaybackTrackManager.h"
-#include "record/KelRecordKeyboardTrack.h"
-#include "record/KelRecordMouseTrack.h"
 #include "record/KelRecordTrackManager.h"
-#include "recording/KelRecordingDirectory.h"
-#include "recording/KelRecordingMetadata.h"
-#include "screen/KelScreenManager.h"
-#include "ui/export/KelPlaybackExportDialog.h"
 
-#include <QApplication>
 #include <QDebug>
-#include <QVariant>
 
 #include <exception>
 
-namespace
-{
-
-enum class ExportResult { Complete, Cancelled, Failed };
-
-/// In a dialog where the program has windows, else without a word until it is done.
-ExportResult exportAsRequested(const KelExportRequest &request)
-{
-    if (qobject_cast<QApplication *>(QCoreApplication::instance())) {
-        bool cancelled = false;
-        if (KelPlaybackExportDialog::run(request, QApplication::activeWindow(), &cancelled))
-            return ExportResult::Complete;
-        return cancelled ? ExportResult::Cancelled : ExportResult::Failed;
-    }
-    KelExportPipeline pipeline(request);
-    if (pipeline.run())
-        return ExportResult::Complete;
-    qCWarning(kel::logRecord).noquote() << "[KelMultiTrackRecorder] Export failed:" << pipeline.errorString();
-    return ExportResult::Failed;
-}
-
-} // namespace
+using namespace kel;
 
 class Q_DECL_HIDDEN KelMultiTrackRecorder::Private
 {
 public:
-    QString createManager(KelMultiTrackRecorder *recorder);
+    explicit Private(KelMultiTrackRecorder *recorder);
 
+    bool isLoaded();
+    bool isComplete(RecordingExporter::Result result, const QString &failure);
+    void reportError(const QString &error);
+
+    KelMultiTrackRecorder *const q;
     QRect recordArea;
     RecordConfig config;
-    std::unique_ptr<KelRecordTrackManager> recordManager;
     std::unique_ptr<KelPlaybackTrackManager> playbackManager;
-    bool isRecording = false;
-    bool isPaused = false;
+    RecordingControl recording;
     QString lastError;
 };
 
-/// Empty when a recording can start; else why it cannot, and nothing is left of it.
-QString KelMultiTrackRecorder::Private::createManager(KelMultiTrackRecorder *recorder)
+KelMultiTrackRecorder::Private::Private(KelMultiTrackRecorder *recorder)
+    : q(recorder)
+    , recording(recorder)
 {
-    recordManager.reset(); // first: it may still be completing files of the same directory
-    if (config.fps < 1 || config.fps > KelRecordingMetadata::kMaxFps) {
-        return QStringLiteral("The frame rate %1 is not between 1 and %2")
-            .arg(config.fps)
-            .arg(KelRecordingMetadata::kMaxFps);
-    }
-    if (config.enableScreen) {
-        const QString problem = KelScreenManager::instance()->errorString();
-        if (!problem.isEmpty())
-            return problem;
-    }
-    KelRecordingDirectory directory(config.outputDir);
-    if (!directory.prepare())
-        return directory.errorString();
+    connect(&recording, &RecordingControl::started, q, &KelMultiTrackRecorder::recordingStarted);
+    connect(&recording, &RecordingControl::stopped, q, &KelMultiTrackRecorder::recordingStopped);
+    connect(&recording, &RecordingControl::paused, q, &KelMultiTrackRecorder::recordingPaused);
+    connect(&recording, &RecordingControl::resumed, q, &KelMultiTrackRecorder::recordingResumed);
+    connect(&recording, &RecordingControl::trackFailed, q, &KelMultiTrackRecorder::trackFailed);
+    connect(&recording, &RecordingControl::failed, q, [this](const QString &error) { reportError(error); });
+    connect(&recording, &RecordingControl::frameLimitReached, q, [this] {
+        reportError(QStringLiteral("The recording was stopped: it has reached the limit of %1 frames")
+                        .arg(KelRecordTrackManager::kMaxFrames));
+        q->stopRecording();
+    });
+}
 
-    KelRecordTrackManager::Config managerConfig;
-    managerConfig.directory = config.outputDir;
-    managerConfig.fps = config.fps;
-    managerConfig.screen = config.enableScreen;
-    managerConfig.mouse = config.enableMouse;
-    managerConfig.keyboard = config.enableKeyboard;
-    managerConfig.systemAudio = config.enableSystemAudio;
-    managerConfig.microphone = config.enableMicrophone;
-    recordManager = std::make_unique<KelRecordTrackManager>(recordArea, managerConfig, recorder);
+bool KelMultiTrackRecorder::Private::isLoaded()
+{
+    if (!playbackManager)
+        reportError(QStringLiteral("No recording loaded for export"));
+    return bool(playbackManager);
+}
 
-    // Queued: a host that reacts by starting anew deletes the manager that is just emitting.
-    connect(recordManager.get(), &KelRecordTrackManager::trackFailed, recorder,
-            &KelMultiTrackRecorder::reportTrackFailures, Qt::QueuedConnection);
-    connect(recordManager.get(), &KelRecordTrackManager::frameLimitReached, recorder,
-            &KelMultiTrackRecorder::stopAtFrameLimit, Qt::QueuedConnection);
+/// Reports `failure` if the export failed; a cancelled one is not an error.
+bool KelMultiTrackRecorder::Private::isComplete(RecordingExporter::Result result, const QString &failure)
+{
+    if (result == RecordingExporter::Result::Failed)
+        reportError(failure);
+    return result == RecordingExporter::Result::Complete;
+}
 
-    const auto failures = recordManager->takeFailures();
-    if (failures.isEmpty())
-        return {};
-    recordManager.reset();
-    directory.discard();
-    return failures.first().text();
+void KelMultiTrackRecorder::Private::reportError(const QString &error)
+{
+    lastError = error;
+    emit q->recordingError(error);
 }
 
 KelMultiTrackRecorder::KelMultiTrackRecorder(QObject *parent)
     : QObject(parent)
-    , d(std::make_unique<Private>())
+    , d(std::make_unique<Private>(this))
 {
 }
 
-KelMultiTrackRecorder::~KelMultiTrackRecorder()
-{
-    d->recordManager.reset();
-    d->playbackManager.reset();
-}
+KelMultiTrackRecorder::~KelMultiTrackRecorder() = default;
 
 void KelMultiTrackRecorder::setRecordArea(const QRect &area)
 {
@@ -131,103 +98,58 @@ KelMultiTrackRecorder::RecordConfig KelMultiTrackRecorder::recordConfig() const
 
 bool KelMultiTrackRecorder::isRecording() const
 {
-    return d->isRecording;
+    return d->recording.isRecording();
 }
 
 bool KelMultiTrackRecorder::isPaused() const
 {
-    return d->isPaused;
+    return d->recording.isPaused();
 }
 
 bool KelMultiTrackRecorder::startRecording()
 {
-    if (d->isRecording) {
-        if (!d->isPaused)
+    if (isRecording()) {
+        if (!isPaused())
             return false;
-        d->recordManager->startRecording();
-        d->isPaused = false;
-        emit recordingResumed();
+        d->recording.resume();
         return true;
     }
     if (d->recordArea.isEmpty()) {
-        reportError(QStringLiteral("Record area not set"));
+        d->reportError(QStringLiteral("Record area not set"));
         return false;
     }
-
-    QString problem;
-    try {
-        problem = d->createManager(this);
-        if (problem.isEmpty()) {
-            if (KelRecordMouseTrack *track = d->recordManager->mouseTrack())
-                track->setCaptureEnabled(d->config.mouseCaptureEnabled);
-            d->recordManager->startRecording();
-        }
-    } catch (const std::exception &exception) {
-        problem = QString::fromLocal8Bit(exception.what());
-    }
+    const QString problem = d->recording.start(d->recordArea, d->config);
     if (!problem.isEmpty()) {
-        reportError(QStringLiteral("Failed to start recording: %1").arg(problem));
+        d->reportError(QStringLiteral("Failed to start recording: %1").arg(problem));
         return false;
     }
-    d->isRecording = true;
-    d->isPaused = false;
-    emit recordingStarted();
     return true;
 }
 
 void KelMultiTrackRecorder::pauseRecording()
 {
-    if (!d->isRecording || d->isPaused || !d->recordManager)
-        return;
-    d->recordManager->pauseRecording();
-    d->isPaused = true;
-    emit recordingPaused();
+    d->recording.pause();
 }
 
 void KelMultiTrackRecorder::stopRecording()
 {
-    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder::stopRecording] Starting to stop recording";
-    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder] this pointer:" << static_cast<void *>(this);
-    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder] d->isRecording:" << d->isRecording;
-    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder] d->recordManager pointer:"
-                           << static_cast<void *>(d->recordManager.get());
-    if (!d->isRecording || !d->recordManager) {
-        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] 跳过停止录制 (未在录制或 recordManager 为空)";
-    } else {
-        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] 调用 recordManager->stopRecording()";
-        d->recordManager->stopRecording();
-        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] recordManager->stopRecording() 返回";
-        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] 调用 recordManager->releaseResources()";
-        d->recordManager->releaseResources();
-        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] recordManager->releaseResources() 返回";
-        d->isRecording = false;
-        d->isPaused = false;
-        reportTrackFailures(); // a host may quit when it hears that the recording has stopped
-        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] 发送 recordingStopped 信号";
-        emit recordingStopped();
-        qCWarning(kel::logRecord) << "[KelMultiTrackRecorder] recordingStopped 信号已发送";
-    }
-    qCInfo(kel::logRecord) << "[KelMultiTrackRecorder::stopRecording] Completed";
+    qCInfo(logRecord) << "[KelMultiTrackRecorder::stopRecording] Starting to stop recording";
+    qCInfo(logRecord) << "[KelMultiTrackRecorder] this pointer:" << static_cast<void *>(this);
+    qCInfo(logRecord) << "[KelMultiTrackRecorder] d->isRecording:" << isRecording();
+    qCInfo(logRecord) << "[KelMultiTrackRecorder] d->recordManager pointer:"
+                      << static_cast<const void *>(d->recording.manager());
+    d->recording.stop();
+    qCInfo(logRecord) << "[KelMultiTrackRecorder::stopRecording] Completed";
 }
 
 void KelMultiTrackRecorder::setMouseRecordingEnabled(bool enabled)
 {
-    if (!d->isRecording)
-        qCWarning(kel::logRecord) << "KelMultiTrackRecorder: Cannot control mouse recording - not recording";
-    else if (KelRecordMouseTrack *track = d->recordManager->mouseTrack())
-        track->setCaptureEnabled(enabled);
-    else
-        qCWarning(kel::logRecord) << "KelMultiTrackRecorder: Mouse track not found";
+    d->recording.setMouseEnabled(enabled);
 }
 
 void KelMultiTrackRecorder::setKeyboardRecordingEnabled(bool enabled)
 {
-    if (!d->isRecording)
-        qCWarning(kel::logRecord) << "KelMultiTrackRecorder: Cannot control keyboard recording - not recording";
-    else if (KelRecordKeyboardTrack *track = d->recordManager->keyboardTrack())
-        enabled ? track->enableCapture() : track->disableCapture();
-    else
-        qCWarning(kel::logRecord) << "KelMultiTrackRecorder: Keyboard track not found";
+    d->recording.setKeyboardEnabled(enabled);
 }
 
 bool KelMultiTrackRecorder::loadRecording(const QString &dir)
@@ -237,7 +159,7 @@ bool KelMultiTrackRecorder::loadRecording(const QString &dir)
         d->playbackManager =
             std::make_unique<KelPlaybackTrackManager>(dir, gKelMovieConfig.recordEnableHardwareAcceleration, this);
     } catch (const std::exception &exception) {
-        reportError(QStringLiteral("Failed to load recording: %1").arg(QString::fromLocal8Bit(exception.what())));
+        d->reportError(QStringLiteral("Failed to load recording: %1").arg(QString::fromLocal8Bit(exception.what())));
         return false;
     }
     return true;
@@ -250,12 +172,8 @@ KelPlaybackTrackManager *KelMultiTrackRecorder::playbackManager() const
 
 bool KelMultiTrackRecorder::exportToVideo(const QString &path, int format)
 {
-    KelExportRequest request;
-    request.format = format;
-    request.fps = 25;
-    request.quality = KelMovieExportQuality();
-    request.outputPath = path;
-    return runExport(request, QStringLiteral("Failed to start export"));
+    return d->isLoaded() && d->isComplete(RecordingExporter(*d->playbackManager).exportAll(path, format),
+                                          QStringLiteral("Failed to start export"));
 }
 
 bool KelMultiTrackRecorder::exportToGif(const QString &path, int)
@@ -266,66 +184,12 @@ bool KelMultiTrackRecorder::exportToGif(const QString &path, int)
 bool KelMultiTrackRecorder::exportToVideoWithTrim(const QString &path, int format, int trimStart, int trimEnd, int,
                                                   int fps)
 {
-    KelExportRequest request;
-    request.format = format;
-    request.fps = fps;
-    request.quality = KelMovieExportQuality(100);
-    request.outputPath = path;
-    if (trimStart >= 0 && trimEnd >= 0) {
-        request.trimStartMs = trimStart;
-        request.trimEndMs = trimEnd;
-    }
-    if (d->playbackManager)
-        request.trackDataDir = d->playbackManager->property("trackDataDir").toString();
-    return runExport(request, QStringLiteral("Failed to start export with audio trim"));
-}
-
-bool KelMultiTrackRecorder::runExport(KelExportRequest request, const QString &failure)
-{
-    if (!d->playbackManager) {
-        reportError(QStringLiteral("No recording loaded for export"));
-        return false;
-    }
-    request.playbackManager = d->playbackManager.get();
-    request.speed = d->playbackManager->speed();
-    request.loops = gKelMovieConfig.encodeGifPlayLoop;
-    request.autoExitAfterEncode = gKelMovieConfig.encodeExitRecordAfterEncode;
-    request.onExitRecord = KelMovieSaveExitRecordAfterEncode;
-    const ExportResult result = exportAsRequested(request);
-    if (result == ExportResult::Failed)
-        reportError(failure);
-    return result == ExportResult::Complete;
+    return d->isLoaded() &&
+           d->isComplete(RecordingExporter(*d->playbackManager).exportRange(path, format, trimStart, trimEnd, fps),
+                         QStringLiteral("Failed to start export with audio trim"));
 }
 
 QString KelMultiTrackRecorder::lastError() const
 {
     return d->lastError;
-}
-
-void KelMultiTrackRecorder::reportError(const QString &error)
-{
-    d->lastError = error;
-    emit recordingError(error);
-}
-
-void KelMultiTrackRecorder::reportTrackFailures()
-{
-    if (!d->recordManager)
-        return;
-    const auto failures = d->recordManager->takeFailures();
-    for (const auto &failure : failures) {
-        if (!failure.track.isEmpty())
-            emit trackFailed(failure.track, failure.problem);
-        reportError(failure.text());
-    }
-}
-
-void KelMultiTrackRecorder::stopAtFrameLimit()
-{
-    // The host may have stopped, and even started anew, in the meantime.
-    if (!d->isRecording || !d->recordManager || !d->recordManager->isAtFrameLimit())
-        return;
-    reportError(QStringLiteral("The recording was stopped: it has reached the limit of %1 frames")
-                    .arg(KelRecordTrackManager::MaxFrames));
-    stopRecording();
 }

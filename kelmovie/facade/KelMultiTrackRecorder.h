@@ -9,10 +9,10 @@
 #include <memory>
 
 class KelPlaybackTrackManager;
-struct KelExportRequest;
 
 /// Records a rectangle of the screen as separate tracks into one directory, and loads such a directory for playback and
-/// export. GUI thread only; needs a running event loop, whose timer is the recording's clock.
+/// export. GUI thread only, which also emits all signals; needs a running event loop, whose timer is the recording's
+/// clock.
 ///
 ///     idle --startRecording--> recording --pauseRecording--> paused --startRecording--> recording
 ///     recording or paused --stopRecording--> idle
@@ -24,97 +24,98 @@ class KELMOVIE_EXPORT KelMultiTrackRecorder : public QObject
 
 public:
     struct RecordConfig {
-        QString outputDir = QStringLiteral("./KelRecordData"); ///< recording directory, created as needed
-        int fps = 25;                                          ///< logic frames a second, 1 to 1000
+        QString outputDir = QStringLiteral("./KelRecordData"); ///< recording directory, created if missing
+        int fps = 25;                                          ///< logic frames per second, 1 to 1000
         bool enableScreen = true;
         bool enableMouse = true;
-        bool mouseCaptureEnabled = true; ///< whether the mouse track captures from the start
+        bool mouseCaptureEnabled = true; ///< whether the mouse track records buttons and wheel from the start
         bool enableKeyboard = false;
         bool enableSystemAudio = false;
         bool enableMicrophone = false;
     };
 
     explicit KelMultiTrackRecorder(QObject *parent = nullptr);
-    /// Stops a running recording.
+    /// Stops a running recording as stopRecording() does, but without signals. Deletes playbackManager().
     ~KelMultiTrackRecorder() override;
 
-    /// The rectangle to record, in logical pixels of the desktop; empty at first. Used by the next start, where odd
-    /// sides are made even by one pixel.
+    /// The rectangle to record, in logical pixels of the desktop; initially empty. Takes effect at the next start,
+    /// which extends odd sides by one pixel.
     void setRecordArea(const QRect &area);
     QRect recordArea() const;
 
-    /// Used by the next start.
+    /// Takes effect at the next start.
     void setRecordConfig(const RecordConfig &config);
     RecordConfig recordConfig() const;
 
     bool isRecording() const; ///< also while paused
     bool isPaused() const;
 
-    /// Starts a recording, or resumes a paused one. False while recording, and on failure (recordingError() tells),
-    /// which leaves nothing behind.
+    /// Starts a recording, or resumes a paused one. False while recording, and on failure, which is reported by
+    /// recordingError() and leaves no files behind.
     ///
-    /// An earlier recording in the output directory is never overwritten: it is moved, whole and loadable, into the
-    /// sub-directory "Previous-1" (or -2, -3, …) first.
+    /// An earlier recording in the output directory is never overwritten: it is first moved, complete and loadable,
+    /// into the subdirectory "Previous-1" (or -2, -3, …).
     bool startRecording();
 
+    /// Does nothing unless a recording is running.
     void pauseRecording();
 
-    /// Completes the recording's files; waits for them, but not beyond some seconds. Failures are signalled before
-    /// recordingStopped().
+    /// Completes the recording's files, and waits some seconds at most until they are complete. Failures are signaled
+    /// before recordingStopped(). Does nothing while idle.
     void stopRecording();
 
-    /// Whether buttons and wheel of the mouse are recorded; the pointer is in any case. While recording.
+    /// Switches the recording of mouse buttons and wheel; the pointer is always recorded. Ignored, with a warning in
+    /// the log, while idle and in a recording without mouse.
     void setMouseRecordingEnabled(bool enabled);
 
-    /// Whether keys are recorded, while recording. What is typed while they are off is known to nobody afterwards; what
-    /// was typed before a pause is forgotten when the recording is resumed. Off stays off over a pause.
+    /// Switches the recording of keys. Keys typed while it is off do not reach this process. Resuming after a pause
+    /// discards the keys recorded before it. Recording of keys that is off stays off across a pause. Ignored, with a
+    /// warning in the log, while idle and in a recording without keys.
     void setKeyboardRecordingEnabled(bool enabled);
 
-    /// Loads the recording in `dir` in place of the one loaded before. What the directory lacks is left out:
-    /// playbackManager()->isValidRecording() tells whether there is anything to see.
+    /// Loads the recording in `dir` and deletes the one loaded before. Missing tracks are left out:
+    /// playbackManager()->isValidRecording() returns whether anything can be played. False on
+    /// failure, after recordingError().
     bool loadRecording(const QString &dir);
 
-    /// The loaded recording, null before loadRecording(). Owned by the recorder, until the next load.
+    /// The loaded recording, null before loadRecording(). Owned by the recorder and valid until the next load.
     KelPlaybackTrackManager *playbackManager() const;
 
-    /// Exports the loaded recording at its playback speed with 25 frames a second. Formats: 0 MP4, 1 GIF, 2 APNG,
-    /// 3 WebP. Runs in a modal dialog where the program has a QApplication. Returns when the file is complete; false on
-    /// failure and when the user cancelled. The quality is 90 unless the setting saveQuality says otherwise.
+    /// Exports the loaded recording at its playback speed with 25 frames per second. Formats: 0 MP4, 1 GIF, 2 APNG,
+    /// 3 WebP. Shows a modal dialog if the program has a QApplication. Returns when the file is complete: true on
+    /// success, false on failure, after recordingError(), and when the user cancels. The quality is
+    /// KelMovieExportQuality().
     bool exportToVideo(const QString &path, int format);
 
     /// exportToVideo() as GIF. The second argument is ignored.
     bool exportToGif(const QString &path, int);
 
-    /// Exports a range of the recording, in ms of recording time, with quality 100, unless saveQuality asks for small
-    /// files, and `fps` frames a second. The whole recording unless both ends are 0 or more. The fifth argument is
-    /// ignored.
+    /// Exports the range from `trimStart` to `trimEnd`, in ms of recording time, with `fps` frames per second and the
+    /// quality KelMovieExportQuality(100); otherwise like exportToVideo(). Exports the whole recording unless both ends
+    /// are 0 or more. The fifth argument is ignored.
     bool exportToVideoWithTrim(const QString &path, int format, int trimStart, int trimEnd, int, int fps);
 
-    /// The text of the last recordingError().
+    /// The text of the last recordingError(); empty before the first.
     QString lastError() const;
 
 signals:
     void recordingStarted();
+    /// The recording has ended, by stopRecording() or at its frame limit. A slot may start the next one.
     void recordingStopped();
     void recordingPaused();
     void recordingResumed();
 
-    /// An operation failed, or a track of the running recording did; the other tracks go on then. English; a track's
-    /// failure begins with its name and a colon.
+    /// An operation failed, or a track of the running recording, whose other tracks continue. The text is English; that
+    /// of a track begins with the track's name and a colon.
     void recordingError(const QString &error);
 
-    /// A track of the running recording failed, for the first time; the other tracks go on. recordingError() with both
-    /// texts follows at once. Tracks: "Screen track", "Mouse track", "Keyboard track", "System audio track",
+    /// A track of the running recording failed, for the first time; the other tracks continue. recordingError() with
+    /// both texts follows immediately. Tracks: "Screen track", "Mouse track", "Keyboard track", "System audio track",
     /// "Microphone track".
     void trackFailed(const QString &track, const QString &problem);
 
 private:
     class Private;
-
-    bool runExport(KelExportRequest request, const QString &failure);
-    void reportError(const QString &error);
-    void reportTrackFailures();
-    void stopAtFrameLimit();
 
     std::unique_ptr<Private> d;
 };

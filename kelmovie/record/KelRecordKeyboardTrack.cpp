@@ -2,8 +2,8 @@
 
 #include "keymouse/KelKeyMouseHook.h"
 #include "logging/Log.h"
+#include "record/EventFrameStamp.h"
 #include "recording/KelRecordingFiles.h"
-#include "recording/input/KeyLogWriter.h"
 
 #include <QDebug>
 #include <QDir>
@@ -13,20 +13,16 @@
 
 using namespace kel;
 
-/// What the hook's thread, the track's and the GUI thread share.
+/// Receives keys on the hook's thread and keeps them for the track's thread. Thread-safe.
 ///
-/// Removing a hook waits for its callback, which takes the records' lock: the hook is installed and removed under
-/// another one, that keeps these switches in order.
+/// Removing a hook waits for its callback, which locks m_mutex. The hook is therefore installed and removed under
+/// another mutex, m_switchMutex, which also keeps switches in order.
 class KelRecordKeyboardTrackPrivate : public KelKeyMouseHook
 {
 public:
-    KelRecordKeyboardTrackPrivate(const QString &path, const QSize &area)
-        : file(path, area)
-    {
-    }
     ~KelRecordKeyboardTrackPrivate() override { setHookType(NoKind); }
 
-    void setFrame(int frameIndex);
+    void setCurrentFrame(int frameIndex) { m_frameStamp.setCurrentFrame(frameIndex); }
     void begin();
     void end();
     void switchOn();
@@ -34,34 +30,26 @@ public:
     std::pair<std::size_t, StoredKeyRecords> recordsFor(const KeyLogWriter &target);
     StoredKeyRecords takeRecords();
 
-    KeyLogWriter file; // of the track's thread
-
 protected:
     bool OnKeyboardEvent(KelKeyboardEvent event) override;
 
 private:
     void add(int key, bool isPressed);
 
-    std::mutex m_switchMutex; // taken before the other
+    EventFrameStamp m_frameStamp;
+    std::mutex m_switchMutex; // locked before m_mutex
     bool m_isSwitchedOff = false;
     std::mutex m_mutex; // guards what follows; the two flags change only with both held
     StoredKeyRecords m_records;
-    int m_currentFrame = 0;
     bool m_isRecording = false;
-    bool m_isHookInstalled = false; // and its keys count
+    bool m_isHookInstalled = false; // its keys are recorded
 };
-
-void KelRecordKeyboardTrackPrivate::setFrame(int frameIndex)
-{
-    std::lock_guard lock(m_mutex);
-    m_currentFrame = frameIndex;
-}
 
 void KelRecordKeyboardTrackPrivate::begin()
 {
     std::lock_guard switches(m_switchMutex);
     takeRecords();
-    // Who has switched the keys off may be typing a password: no pause, and no start that comes late, switches them on.
+    // A user who switched capture off may be typing a password: neither a resume nor a late start switches it on.
     if (!m_isSwitchedOff)
         setHookType(Keyboard);
     std::lock_guard lock(m_mutex);
@@ -106,13 +94,13 @@ void KelRecordKeyboardTrackPrivate::switchOff()
         std::lock_guard lock(m_mutex);
         if (!m_isHookInstalled)
             return;
-        m_isHookInstalled = false; // at once: keys that come before the hook is gone do not count
+        m_isHookInstalled = false; // first: keys that arrive before the hook is removed are not recorded
         add(0, false);
     }
     setHookType(NoKind);
 }
 
-/// Those that an update of `target` needs, after the number of the first.
+/// The records that an update of `target` needs, preceded by the number of the first.
 std::pair<std::size_t, StoredKeyRecords> KelRecordKeyboardTrackPrivate::recordsFor(const KeyLogWriter &target)
 {
     std::lock_guard lock(m_mutex);
@@ -134,16 +122,16 @@ bool KelRecordKeyboardTrackPrivate::OnKeyboardEvent(KelKeyboardEvent event)
     return false;
 }
 
-/// With the records' lock held.
+/// Called with m_mutex locked.
 void KelRecordKeyboardTrackPrivate::add(int key, bool isPressed)
 {
-    m_records.push_back({qint32_le(key), quint32_le(isPressed), qint32_le(m_currentFrame)});
+    m_records.push_back({qint32_le(key), quint32_le(isPressed), qint32_le(m_frameStamp.frameOfEvent())});
 }
 
 KelRecordKeyboardTrack::KelRecordKeyboardTrack(const QRect &recordArea, const QString &trackDir)
     : KelRecordTrack(recordArea, trackDir)
-    , d(std::make_unique<KelRecordKeyboardTrackPrivate>(KelRecordingFiles::path(trackDir, KelRecordingFiles::kKeyLog),
-                                                        recordArea.size()))
+    , d(std::make_unique<KelRecordKeyboardTrackPrivate>())
+    , m_file(KelRecordingFiles::path(trackDir, KelRecordingFiles::kKeyLog), recordArea.size())
 {
     setObjectName(KelTrackNames::kKeyboard);
     QDir().mkpath(trackDir);
@@ -153,13 +141,13 @@ KelRecordKeyboardTrack::~KelRecordKeyboardTrack() = default;
 
 void KelRecordKeyboardTrack::recordFrame(int frameIndex)
 {
-    d->setFrame(frameIndex);
+    d->setCurrentFrame(frameIndex);
 }
 
 void KelRecordKeyboardTrack::startRecording()
 {
     d->begin();
-    d->file.restart();
+    m_file.restart();
 }
 
 void KelRecordKeyboardTrack::pauseRecording()
@@ -170,16 +158,16 @@ void KelRecordKeyboardTrack::pauseRecording()
 void KelRecordKeyboardTrack::stopRecording(qint64, qint64)
 {
     d->end();
-    if (d->file.finish(d->takeRecords()))
+    if (m_file.finish(d->takeRecords()))
         return;
-    qCWarning(logRecord) << "KelRecordKeyboardTrack: 无法写入文件:" << d->file.path();
+    qCWarning(logRecord) << "KelRecordKeyboardTrack: 无法写入文件:" << m_file.path();
     fail();
 }
 
 void KelRecordKeyboardTrack::checkpoint(qint64)
 {
-    const auto [first, records] = d->recordsFor(d->file);
-    if (!d->file.update(first, records))
+    const auto [first, records] = d->recordsFor(m_file);
+    if (!m_file.update(first, records))
         fail();
 }
 
@@ -195,5 +183,5 @@ void KelRecordKeyboardTrack::disableCapture()
 
 void KelRecordKeyboardTrack::fail()
 {
-    reportFailure(objectName(), QStringLiteral("cannot write %1: %2").arg(d->file.path(), d->file.errorString()));
+    reportFailure(objectName(), QStringLiteral("cannot write %1: %2").arg(m_file.path(), m_file.errorString()));
 }

@@ -1,15 +1,16 @@
 #pragma once
 
 #include "record/KelRecordTrack.h"
+#include "recording/input/KeyLogWriter.h"
 
 #include <memory>
 
 class KelRecordKeyboardTrackPrivate;
 
-/// Records every key that goes down or up anywhere on the desktop, with its logic frame, in "keyboard.keymeta".
+/// Records every key press and release on the desktop, with its logic frame, in "keyboard.keymeta".
 ///
-/// What people type is secret: the file is for its owner alone, and while keys are not captured none reaches this
-/// process. Going on after a pause begins the log anew: the keys from before the pause are forgotten.
+/// Typed text is secret: only its owner can read the file, and while capture is off, no key reaches this process.
+/// Resuming after a pause starts an empty log: the keys from before the pause are discarded.
 class KelRecordKeyboardTrack : public KelRecordTrack
 {
     Q_OBJECT
@@ -25,8 +26,8 @@ public:
     void stopRecording(qint64 frameCount, qint64 durationMs) override;
     void checkpoint(qint64 frameCount) override;
 
-    /// Switch the keys on and off in the middle of a recording. Any thread. Each switch leaves a marker in the log; no
-    /// key that is typed after disableCapture() is called gets into it. Off stays off over a pause.
+    /// Switch capture on and off during a recording. Any thread. Each switch adds a marker to the log; keys typed after
+    /// the call of disableCapture() are not recorded. Capture that is off stays off across a pause.
     void enableCapture();
     void disableCapture();
 
@@ -34,4 +35,5 @@ private:
     void fail();
 
     const std::unique_ptr<KelRecordKeyboardTrackPrivate> d;
+    kel::KeyLogWriter m_file;
 };

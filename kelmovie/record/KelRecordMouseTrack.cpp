@@ -3,23 +3,19 @@
 #include "keymouse/KelKeyMouseHook.h"
 #include "logging/Log.h"
 #include "recording/KelRecordingFiles.h"
-#include "recording/input/CursorListWriter.h"
-#include "recording/input/MouseEventWriter.h"
 #include "screen/KelCursorPixmap.h"
 
-#include <QDateTime>
 #include <QDebug>
 
 #include <atomic>
-#include <deque>
-#include <mutex>
+#include <utility>
 
 using namespace kel;
 
 namespace
 {
-// What the last frame saw, of whichever recording it was: a pointer that is away when a recording starts, and was away
-// at the end of the one before, does not disappear anew.
+// What the last frame of any recording in this process found: a pointer that was hidden when one recording ended and
+// still is when the next one starts has not disappeared again.
 std::atomic<bool> isCursorPresent{true};
 std::atomic<bool> isCursorInside{true};
 
@@ -38,141 +34,70 @@ QString buttonName(int button)
 }
 } // namespace
 
-/// What the hook's thread and the track's share, and what only the latter uses.
+/// Receives buttons and wheel on the hook's thread and appends them to the track's events.
 class KelRecordMouseTrackPrivate : public KelKeyMouseHook
 {
 public:
-    KelRecordMouseTrackPrivate(const QRect &area, const QString &dir)
-        : recordArea(area)
-        , events(dir)
-        , cursors(dir)
-        , snapshot(KelCursorPixmap::GetCursor(area))
+    KelRecordMouseTrackPrivate(const QRect &recordArea, MouseEventList &events)
+        : m_recordArea(recordArea)
+        , m_events(events)
     {
     }
     ~KelRecordMouseTrackPrivate() override { setHookType(NoKind); }
 
-    void begin();
-    void setFrame(int frameIndex);
-    void setCursor(const QString &type);
-    void setPosition(const QPoint &position);
-    void append(const QString &action, const QPoint &position, const QString &cursor);
-    std::vector<MouseTrackEvent> eventsFrom(std::size_t first);
-
-    const QRect recordArea;
-    std::atomic<bool> isCaptureEnabled{true};
-
-    // Of the track's thread; the first three are written under the lock.
-    QString currentCursor;
-    QPoint lastPosition{0, 0};
-    int currentFrame = 0;
-    bool isHookInstalled = false;
-    bool hasFailed = false;
-    MouseEventWriter events;
-    CursorListWriter cursors;
-    std::shared_ptr<const KelCursorPixmap> snapshot; // the last; kept, it makes the next one cheap
+    void install();
+    void remove();
+    void setCaptureEnabled(bool enabled) { m_isCaptureEnabled = enabled; }
 
 protected:
     bool OnMouseEvent(KelMouseEvent event) override;
     bool OnMouseWheelEvent(KelWheelEvent event) override;
 
 private:
-    void add(MouseTrackEvent event);
-
-    std::mutex m_mutex; // guards what follows, and the above against the hook
-    std::deque<MouseTrackEvent> m_events;
-    qint64 m_startTimeMs = 0;
+    const QRect m_recordArea;
+    MouseEventList &m_events;
+    std::atomic<bool> m_isCaptureEnabled{true};
+    bool m_isInstalled = false; // of the track's thread
 };
 
-void KelRecordMouseTrackPrivate::begin()
+void KelRecordMouseTrackPrivate::install()
 {
-    {
-        std::lock_guard lock(m_mutex); // before the first event asks for it
-        m_startTimeMs = QDateTime::currentMSecsSinceEpoch();
-    }
+    if (std::exchange(m_isInstalled, true))
+        return;
+    m_events.startTimestamps();
     setHookType(Mouse);
-    isHookInstalled = true;
 }
 
-void KelRecordMouseTrackPrivate::setFrame(int frameIndex)
+void KelRecordMouseTrackPrivate::remove()
 {
-    std::lock_guard lock(m_mutex);
-    currentFrame = frameIndex;
-}
-
-void KelRecordMouseTrackPrivate::setCursor(const QString &type)
-{
-    std::lock_guard lock(m_mutex);
-    currentCursor = type;
-}
-
-void KelRecordMouseTrackPrivate::setPosition(const QPoint &position)
-{
-    std::lock_guard lock(m_mutex);
-    lastPosition = position;
-}
-
-void KelRecordMouseTrackPrivate::append(const QString &action, const QPoint &position, const QString &cursor)
-{
-    MouseTrackEvent event;
-    event.x = position.x();
-    event.y = position.y();
-    event.action = action;
-    event.cursor = cursor;
-    std::lock_guard lock(m_mutex);
-    add(std::move(event));
-}
-
-std::vector<MouseTrackEvent> KelRecordMouseTrackPrivate::eventsFrom(std::size_t first)
-{
-    std::lock_guard lock(m_mutex);
-    return {m_events.begin() + std::ptrdiff_t(first), m_events.end()};
+    if (std::exchange(m_isInstalled, false))
+        setHookType(NoKind);
 }
 
 bool KelRecordMouseTrackPrivate::OnMouseEvent(KelMouseEvent event)
 {
-    if (!isCaptureEnabled || event.button == 0)
+    if (!m_isCaptureEnabled || event.button == 0)
         return false;
     const bool isPress = event.state == 1;
     // A button that was pressed inside may be released outside.
-    if (isPress && !recordArea.contains(event.globalPosition))
-        return false;
-    const QPoint position = event.globalPosition - recordArea.topLeft();
-    MouseTrackEvent record;
-    record.x = position.x();
-    record.y = position.y();
-    record.action = isPress ? QStringLiteral("click") : QStringLiteral("release");
-    record.button = buttonName(event.button);
-    std::lock_guard lock(m_mutex);
-    record.cursor = currentCursor;
-    add(std::move(record));
+    if (!isPress || m_recordArea.contains(event.globalPosition))
+        m_events.addButton(isPress, buttonName(event.button), event.globalPosition - m_recordArea.topLeft());
     return false;
 }
 
 bool KelRecordMouseTrackPrivate::OnMouseWheelEvent(KelWheelEvent event)
 {
-    if (!isCaptureEnabled)
-        return false;
-    MouseTrackEvent record;
-    record.action = QStringLiteral("wheel");
-    record.delta = event.delta;
-    std::lock_guard lock(m_mutex);
-    record.x = lastPosition.x();
-    record.y = lastPosition.y();
-    add(std::move(record));
+    if (m_isCaptureEnabled)
+        m_events.addWheel(event.delta);
     return false;
-}
-
-/// With the lock held.
-void KelRecordMouseTrackPrivate::add(MouseTrackEvent event)
-{
-    event.frame = currentFrame;
-    event.timestamp = QDateTime::currentMSecsSinceEpoch() - m_startTimeMs;
-    m_events.push_back(std::move(event));
 }
 
 KelRecordMouseTrack::KelRecordMouseTrack(const QRect &recordArea, const QString &trackDir)
     : KelRecordTrack(recordArea, trackDir)
-    , d(std::make_unique<KelRecordMouseTrackPrivate>(recordArea, trackDir))
+    , m_eventWriter(trackDir)
+    , m_cursorWriter(trackDir)
+    , m_snapshot(KelCursorPixmap::GetCursor(recordArea))
+    , d(std::make_unique<KelRecordMouseTrackPrivate>(recordArea, m_events))
 {
     setObjectName(KelTrackNames::kMouse);
 }
@@ -181,86 +106,79 @@ KelRecordMouseTrack::~KelRecordMouseTrack() = default;
 
 void KelRecordMouseTrack::startRecording()
 {
-    if (!d->isHookInstalled)
-        d->begin();
+    d->install();
 }
 
 void KelRecordMouseTrack::recordFrame(int frameIndex)
 {
-    d->setFrame(frameIndex);
-    d->snapshot = KelCursorPixmap::GetCursor(d->recordArea);
-    const KelCursorPixmap &pointer = *d->snapshot;
-    const auto hide = [this] { d->append(QStringLiteral("hide"), QPoint(-1, -1), QString()); };
+    m_events.setCurrentFrame(frameIndex);
+    m_snapshot = KelCursorPixmap::GetCursor(recordArea());
+    const KelCursorPixmap &pointer = *m_snapshot;
     if (!pointer.hasCursor()) {
         if (isCursorPresent.exchange(false))
-            hide();
+            m_events.hide();
         return;
     }
     isCursorPresent = true;
-    if (!d->recordArea.contains(pointer.position())) {
+    if (!recordArea().contains(pointer.position())) {
         if (isCursorInside.exchange(false))
-            hide();
+            m_events.hide();
         return;
     }
     isCursorInside = true;
 
-    const QPoint position = pointer.position() - d->recordArea.topLeft();
-    const bool hasMoved = position != d->lastPosition;
-    if (!hasMoved && !d->currentCursor.isEmpty())
-        return; // a shape that changes at rest is noticed when the pointer moves
+    const QPoint position = pointer.position() - recordArea().topLeft();
+    const bool hasMoved = position != m_events.position();
+    const QString cursor = m_events.cursor();
+    if (!hasMoved && !cursor.isEmpty())
+        return; // a shape that changes while the pointer rests is recorded when it moves
     const QString type = pointer.type();
-    if (type != d->currentCursor) {
-        if (!d->cursors.contains(type) && !d->cursors.add(type, pointer.pixmap(), pointer.hotspot()))
-            fail(d->cursors.failedPath(), d->cursors.errorString());
-        if (!d->currentCursor.isEmpty())
-            d->append(QStringLiteral("cursor_change"), position, type);
-        d->setCursor(type);
+    if (type != cursor) {
+        if (!m_cursorWriter.contains(type) && !m_cursorWriter.add(type, pointer.pixmap(), pointer.hotspot()))
+            fail(m_cursorWriter.failedPath(), m_cursorWriter.errorString());
+        m_events.changeCursor(type, position);
     }
-    if (hasMoved) {
-        d->append(QStringLiteral("move"), position, type);
-        d->setPosition(position);
-    }
+    if (hasMoved)
+        m_events.move(position);
 }
 
 void KelRecordMouseTrack::checkpoint(qint64)
 {
-    if (!d->cursors.isListCurrent())
+    if (!m_cursorWriter.isListCurrent())
         writeCursorList();
     writeEvents();
 }
 
 void KelRecordMouseTrack::stopRecording(qint64, qint64)
 {
-    if (d->isHookInstalled)
-        d->setHookType(KelKeyMouseHook::NoKind);
-    d->isHookInstalled = false;
+    d->remove();
     writeCursorList();
     writeEvents();
-    d->events.close(); // a second stop writes everything again
+    m_eventWriter.close(); // a second stop writes everything again
 }
 
 void KelRecordMouseTrack::setCaptureEnabled(bool enabled)
 {
-    d->isCaptureEnabled = enabled;
+    d->setCaptureEnabled(enabled);
 }
 
 void KelRecordMouseTrack::writeEvents()
 {
-    const std::size_t first = d->events.firstNeeded();
-    if (!d->events.update(first, d->eventsFrom(first)))
-        fail(d->events.failedPath(), d->events.errorString());
+    const std::size_t first = m_eventWriter.firstNeeded();
+    if (!m_eventWriter.update(first, m_events.eventsFrom(first)))
+        fail(m_eventWriter.failedPath(), m_eventWriter.errorString());
 }
 
 void KelRecordMouseTrack::writeCursorList()
 {
-    if (!d->cursors.writeList())
-        fail(d->cursors.failedPath(), d->cursors.errorString());
+    if (!m_cursorWriter.writeList())
+        fail(m_cursorWriter.failedPath(), m_cursorWriter.errorString());
 }
 
-/// The first failure is told; the other files are written all the same.
+/// Reports the first failure only; the other files are still written.
 void KelRecordMouseTrack::fail(const QString &path, const QString &error)
 {
-    if (std::exchange(d->hasFailed, true))
+    if (std::exchange(m_hasFailed, true))
         return;
     qCWarning(logRecord) << "[KelRecordMouseTrack] cannot write" << path << error;
     reportFailure(objectName(), QStringLiteral("cannot write %1: %2").arg(path, error));

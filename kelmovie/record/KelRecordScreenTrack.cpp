@@ -14,7 +14,7 @@
 
 namespace
 {
-constexpr int StreamFps = 30;
+constexpr int kStreamFps = 30;
 
 QString videoPath(const QString &trackDir)
 {
@@ -27,7 +27,7 @@ std::unique_ptr<KelAsyncEncoder> createEncoder(const QRect &area, const QString 
     params.frameSize = kel::physicalRect(area).size();
     params.inputFormat = QImage::Format_ARGB32_Premultiplied;
     params.path = videoPath(trackDir);
-    params.fps = StreamFps;
+    params.fps = kStreamFps;
     params.quality = quality;
     params.threads = 0;
     params.keyframeInterval = 10;
@@ -36,7 +36,7 @@ std::unique_ptr<KelAsyncEncoder> createEncoder(const QRect &area, const QString 
     return std::make_unique<KelAsyncEncoder>(params);
 }
 
-/// Gives access to a thread's own switch.
+/// Makes a protected function of QThread accessible.
 struct TerminationSwitch : QThread {
     using QThread::setTerminationEnabled;
 };
@@ -106,9 +106,9 @@ void KelRecordScreenTrack::recordFrame(int frameIndex)
 
 void KelRecordScreenTrack::stopRecording(qint64 frameCount, qint64)
 {
-    if (!m_streamer) // released: its files are complete
+    if (!m_streamer) // released, so the files are complete
         return;
-    // A slow disk must not cost the files that are being completed.
+    // Keeps the thread from being terminated while a slow disk delays completing the files.
     TerminationSwitch::setTerminationEnabled(false);
     finishFiles(frameCount);
     TerminationSwitch::setTerminationEnabled(true);
@@ -157,7 +157,7 @@ void KelRecordScreenTrack::releaseResources()
     m_encoder.reset();
 }
 
-/// Logic frames without a picture of their own show the one before.
+/// Logic frames without a new video frame show the previous one.
 void KelRecordScreenTrack::padTo(qint64 frameCount)
 {
     if (frameCount > qint64(m_frameIndexes.size()))

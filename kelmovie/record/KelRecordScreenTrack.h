@@ -13,18 +13,18 @@
 class KelAsyncEncoder;
 class KelScreenStreamer;
 
-/// Records the screen rectangle as "screen_record.mp4" and, in "frame_indexes.dat", which of its frames to show at each
-/// logic frame. Only pictures that differ from the last are encoded, so a still screen costs next to nothing.
+/// Records the screen rectangle as "screen_record.mp4" and, in "frame_indexes.dat", the video frame to show at each
+/// logic frame. Only frames that differ from the previous one are encoded, so a still screen costs almost nothing.
 class KelRecordScreenTrack : public KelRecordTrack
 {
     Q_OBJECT
 
 public:
-    /// `quality`: 0 to 100. The third argument means nothing to this track.
+    /// `quality`: 0 to 100. The third argument is ignored.
     KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int, int quality);
 
-    /// With a given streamer and encoder (which may be null: pictures are then captured and not encoded) in place of
-    /// those of the screen and the codec library.
+    /// Uses the given streamer and encoder instead of the real ones. Without an encoder, frames are captured but not
+    /// encoded.
     KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, std::unique_ptr<KelScreenStreamer> streamer,
                          std::unique_ptr<KelAsyncEncoder> encoder);
 
@@ -34,11 +34,11 @@ public:
     void stopRecording(qint64 frameCount, qint64 durationMs) override;
     void checkpoint(qint64 frameCount) override;
 
-    /// Pictures handed to the encoder so far. Any thread.
+    /// Frames passed to the encoder so far. Any thread.
     int frameCount() const { return m_encodedCount; }
 
-    /// Gives back memory, the streamer and the encoder, whose file is completed first. Only while the track's thread
-    /// has nothing to do: after its stop, or after it ended.
+    /// Completes the video file and frees memory, streamer and encoder. Call it only while the track's thread is idle:
+    /// after the track has stopped, or after the thread has ended.
     void releaseResources();
 
 private:
@@ -50,7 +50,7 @@ private:
     const QSize m_frameSize; // physical pixels of the video
     const QString m_videoPath;
     kel::FrameIndexWriter m_indexFile;
-    std::vector<qint64> m_frameIndexes; // for each logic frame the number of its picture, -1 before the first
+    std::vector<qint64> m_frameIndexes; // the video frame of each logic frame, -1 before the first
     QImage m_frame;                     // reused for every capture
     std::atomic<int> m_encodedCount{0};
     std::unique_ptr<KelScreenStreamer> m_streamer;

@@ -8,7 +8,7 @@
 #include <functional>
 #include <mutex>
 
-/// One kind of recorded data, in a directory of its own, tied to the other tracks by the logic frame.
+/// Records one kind of data into its own directory, synchronized with the other tracks by logic frames.
 ///
 /// A frame-driven track is created on the GUI thread without a parent and then lives on the thread of its
 /// KelRecordTrackThreadWrap, which owns it and calls the operations below there, one at a time.
@@ -20,31 +20,33 @@ public:
     KelRecordTrack(const QRect &recordArea, const QString &trackDir, QObject *parent = nullptr);
     ~KelRecordTrack() override;
 
-    /// Records logic frame `frameIndex`. Indexes grow, with gaps where the track was busy.
+    /// Records logic frame `frameIndex`. Indexes increase, with gaps where the track was busy.
     virtual void recordFrame(int frameIndex);
 
-    /// Begins, or goes on after a pause.
+    /// Starts recording, or resumes after a pause.
     virtual void startRecording();
 
     virtual void pauseRecording();
 
-    /// Finishes, flushes and closes every file of the track. `frameCount` logic frames were ticked in `durationMs`.
+    /// Completes and closes every file of the track. The recording has `frameCount` logic frames and lasts
+    /// `durationMs`.
     virtual void stopRecording(qint64 frameCount, qint64 durationMs) = 0;
 
-    /// Puts on disk what the first `frameCount` logic frames brought, so that it outlives the process. Asked for about
-    /// once a second while recording, and when a pause begins.
+    /// Writes what was recorded in the first `frameCount` logic frames to disk, so that it survives a crash of the
+    /// process. Called about once a second while recording, and when a pause begins.
     virtual void checkpoint(qint64 frameCount);
 
     const QRect &recordArea() const { return m_recordArea; }
     const QString &trackDir() const { return m_trackDir; }
 
-    /// Who is told, in English, when the track cannot do its work: once each track, on the thread on which that is
-    /// found out. Failures from before this call are told at once. Set before the track moves to its thread.
+    /// Called with an English description when the track cannot do its work: once per track name, on the thread that
+    /// detects the failure. Earlier failures are reported during setFailureHandler(), which must be called before the
+    /// track moves to its thread.
     using FailureHandler = std::function<void(const QString &track, const QString &problem)>;
     void setFailureHandler(const FailureHandler &handler);
 
-    /// Keeps and tells the first failure of each `track`, which is this one's objectName(), for people ("Screen
-    /// track"), unless it consists of several. The track goes on as well as it can. Any thread.
+    /// Keeps and reports the first failure of each `track`: a display name, which is objectName() ("Screen track")
+    /// unless this track consists of several. The track continues as far as it can. Any thread.
     void reportFailure(const QString &track, const QString &problem);
 
 private:

@@ -19,11 +19,11 @@
 
 namespace
 {
-constexpr std::chrono::milliseconds ReleaseWait{10000};
-constexpr qint64 CheckpointIntervalMs = 1000;
-constexpr int ScreenQuality = 100;
+constexpr std::chrono::milliseconds kReleaseWait{10000};
+constexpr qint64 kCheckpointIntervalMs = 1000;
+constexpr int kScreenQuality = 100;
 
-/// Starts at the wall clock's time and then runs steadily, whatever happens to the wall clock.
+/// Starts at the wall clock's time and is monotonic from then on.
 KelRecordTrackManager::Clock steadyClock()
 {
     QElapsedTimer timer;
@@ -31,7 +31,7 @@ KelRecordTrackManager::Clock steadyClock()
     return [epochMs = QDateTime::currentMSecsSinceEpoch(), timer] { return epochMs + timer.elapsed(); };
 }
 
-/// Video formats want even sides.
+/// Video formats need even sides.
 QRect withEvenSides(const QRect &area)
 {
     return {area.x(), area.y(), area.width() + area.width() % 2, area.height() + area.height() % 2};
@@ -48,7 +48,7 @@ KelRecordTrackManager::KelRecordTrackManager(const QRect &recordArea, const Conf
     , m_frameTimer(this)
     , m_recordArea(withEvenSides(recordArea))
     , m_config(config)
-    , m_now(std::move(now))
+    , m_clock(std::move(now))
 {
     QDir().mkpath(m_config.directory);
     m_frameTimer.setTimerType(Qt::PreciseTimer);
@@ -69,7 +69,7 @@ void KelRecordTrackManager::createTracks()
 {
     if (m_config.screen)
         addTrack(
-            new KelRecordScreenTrack(m_recordArea, createTrackDir(KelRecordingFiles::kScreenDir), 0, ScreenQuality));
+            new KelRecordScreenTrack(m_recordArea, createTrackDir(KelRecordingFiles::kScreenDir), 0, kScreenQuality));
     if (m_config.mouse)
         addTrack(new KelRecordMouseTrack(m_recordArea, createTrackDir(KelRecordingFiles::kMouseDir)));
     if (m_config.keyboard)
@@ -86,7 +86,7 @@ void KelRecordTrackManager::createTracks()
 QString KelRecordTrackManager::createTrackDir(QLatin1String name) const
 {
     const QString path = KelRecordingFiles::path(m_config.directory, name);
-    QDir().mkpath(path); // a track that cannot write there says so itself
+    QDir().mkpath(path); // a track that cannot write there reports it
     return path;
 }
 
@@ -98,15 +98,13 @@ void KelRecordTrackManager::addTrack(KelRecordTrack *track)
 
 void KelRecordTrackManager::startRecording()
 {
-    if (m_isRecording && !m_isPaused)
+    if (m_isRecording && !m_clock.isPaused())
         return;
-    if (m_isPaused) {
-        m_isPaused = false;
-        m_pausedTotalMs += m_now() - m_pauseStartMs;
+    if (m_isRecording) {
+        m_clock.resume();
     } else {
         m_frameIndex = 0;
-        m_startTimeMs = m_now();
-        m_pausedTotalMs = 0;
+        m_clock.start();
         m_tickCostMs.clear();
         m_instantFps.clear();
     }
@@ -124,13 +122,13 @@ void KelRecordTrackManager::startRecording()
 
 void KelRecordTrackManager::onFrameTimeout()
 {
-    if (!m_isRecording || m_isPaused || isAtFrameLimit())
+    if (!m_isRecording || m_clock.isPaused() || isAtFrameLimit())
         return;
-    const qint64 tickStartMs = m_now();
+    const qint64 tickStartMs = m_clock.now();
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
         thread->triggerFrame(m_frameIndex);
-    m_tickCostMs.append(m_now() - tickStartMs);
-    const qint64 elapsedMs = recordedMs();
+    m_tickCostMs.append(m_clock.now() - tickStartMs);
+    const qint64 elapsedMs = m_clock.recordedMs();
     if (elapsedMs > 0)
         m_instantFps.append(m_frameIndex * 1000.0 / elapsedMs);
     ++m_frameIndex;
@@ -138,20 +136,19 @@ void KelRecordTrackManager::onFrameTimeout()
     if (isAtFrameLimit()) {
         m_frameTimer.stop();
         emit frameLimitReached();
-    } else if (tickStartMs - m_lastCheckpointMs >= CheckpointIntervalMs) {
+    } else if (tickStartMs - m_lastCheckpointMs >= kCheckpointIntervalMs) {
         saveCheckpoint();
     }
 }
 
 void KelRecordTrackManager::pauseRecording()
 {
-    if (!m_isRecording || m_isPaused)
+    if (!m_isRecording || m_clock.isPaused())
         return;
     m_frameTimer.stop();
-    m_pauseStartMs = m_now();
+    m_clock.pause();
     if (m_voiceTrack)
         m_voiceTrack->noteClockChange();
-    m_isPaused = true;
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
         thread->pauseRecording();
     if (m_voiceTrack)
@@ -166,10 +163,10 @@ void KelRecordTrackManager::stopRecording()
     if (!m_isRecording)
         return;
     m_frameTimer.stop();
-    const qint64 durationMs = recordedMs();
+    const qint64 durationMs = m_clock.recordedMs();
     if (m_voiceTrack)
         m_voiceTrack->noteClockChange();
-    if (m_isPaused)
+    if (m_clock.isPaused())
         qCWarning(kel::logRecord) << "[KelRecordTrackManager]";
 
     qCWarning(kel::logRecord) << "[KelRecordTrackManager] 开始停止所有轨道 (共" << m_threads.size() << "个)";
@@ -191,15 +188,14 @@ void KelRecordTrackManager::stopRecording()
     logStatistics(durationMs);
     saveMetadata(durationMs);
     m_isRecording = false;
-    m_isPaused = false;
 }
 
 void KelRecordTrackManager::releaseResources()
 {
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads)) {
         auto *track = qobject_cast<KelRecordScreenTrack *>(thread->track());
-        // The stop may still be queued: resources taken from under it would cost the end of the recording.
-        if (track && thread->drain(ReleaseWait))
+        // The stop may still be queued. Releasing before it has run would lose the end of the recording.
+        if (track && thread->drain(kReleaseWait))
             track->releaseResources();
     }
     m_tickCostMs.clear();
@@ -241,12 +237,6 @@ void KelRecordTrackManager::addFailure(const QString &track, const QString &prob
     emit trackFailed();
 }
 
-/// Without pauses, the present one included.
-qint64 KelRecordTrackManager::recordedMs() const
-{
-    return (m_isPaused ? m_pauseStartMs : m_now()) - m_startTimeMs - m_pausedTotalMs;
-}
-
 KelRecordingMetadata KelRecordTrackManager::metadata(qint64 durationMs) const
 {
     KelRecordingMetadata metadata;
@@ -276,14 +266,14 @@ void KelRecordTrackManager::saveMetadata(qint64 durationMs)
     }
 }
 
-/// What the recording consists of so far outlives a crash of the process: the metadata and, at the same logic frame,
-/// the tracks' files.
+/// Brings metadata and track files to the same logic frame, so that a crash of the process leaves a recording that
+/// plays up to there.
 void KelRecordTrackManager::saveCheckpoint()
 {
-    m_lastCheckpointMs = m_now();
+    m_lastCheckpointMs = m_clock.now();
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
         thread->checkpoint(m_frameIndex);
-    KelRecordingMetadata soFar = metadata(recordedMs());
+    KelRecordingMetadata soFar = metadata(m_clock.recordedMs());
     soFar.complete = false;
     QString error;
     if (!soFar.save(m_config.directory, &error))

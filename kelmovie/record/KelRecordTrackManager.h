@@ -1,12 +1,13 @@
 #pragma once
 
+#include "record/RecordingClock.h"
+
 #include <QList>
 #include <QObject>
 #include <QRect>
 #include <QString>
 #include <QTimer>
 
-#include <functional>
 #include <mutex>
 
 class KelRecordKeyboardTrack;
@@ -18,19 +19,19 @@ struct KelRecordingMetadata;
 
 /// One recording: its tracks, the logic-frame clock that ties them together, and its metadata file. GUI thread.
 ///
-/// The clock counts ticks, not pictures: it never waits for a slow track, stands still while paused, and does not make
-/// up for ticks that the event loop delivers late.
+/// The clock counts ticks, not captured frames: it never waits for a slow track, stops during a pause, and does not
+/// catch up when the event loop delivers a tick late.
 class KelRecordTrackManager : public QObject
 {
     Q_OBJECT
 
 public:
-    /// As many logic frames as a reader of "frame_indexes.dat" accepts.
-    static constexpr int MaxFrames = 1'000'000;
+    /// The most logic frames that a reader of "frame_indexes.dat" accepts.
+    static constexpr int kMaxFrames = 1'000'000;
 
     struct Config {
         QString directory;
-        int fps = 25;
+        int fps = 25; ///< logic frames per second
         bool screen = true;
         bool mouse = false;
         bool keyboard = false;
@@ -38,54 +39,53 @@ public:
         bool microphone = false;
     };
 
-    /// Milliseconds since the epoch.
-    using Clock = std::function<qint64()>;
+    using Clock = kel::RecordingClock::TimeSource;
 
-    /// Creates the directory and the tracks. The recorded time follows a clock that no adjustment of the system's time
-    /// disturbs.
+    /// Creates the directory and the tracks. The recorded time follows a monotonic clock, which adjustments of the
+    /// system time do not affect.
     KelRecordTrackManager(const QRect &recordArea, const Config &config, QObject *parent = nullptr);
     KelRecordTrackManager(const QRect &recordArea, const Config &config, Clock now, QObject *parent);
 
-    /// Stops a running recording and waits, bounded, for the tracks' files.
+    /// Stops a running recording and waits, up to a limit, for the tracks' files.
     ~KelRecordTrackManager() override;
 
-    /// Starts, or resumes when paused.
+    /// Starts a recording, or resumes a paused one.
     void startRecording();
     void pauseRecording();
 
     /// Asks every track to finish and writes the metadata. The tracks complete their files on their own threads.
     void stopRecording();
 
-    /// Frees what the screen track holds, once its thread has completed its files. What takes too long is left to the
-    /// destructor.
+    /// Frees the resources of the screen track once its thread has completed its files. If that takes too long, the
+    /// destructor does it.
     void releaseResources();
 
-    /// Null when the recording has no such track. They live on threads of their own: only their capture switches may be
-    /// used from here.
+    /// Null when the recording has no such track. The tracks live on their own threads: callers may only use their
+    /// capture switches.
     KelRecordMouseTrack *mouseTrack() const;
     KelRecordKeyboardTrack *keyboardTrack() const;
 
-    /// The frames that fit into a recording have been ticked; the clock stands still.
-    bool isAtFrameLimit() const { return m_frameIndex >= MaxFrames; }
+    /// The recording has kMaxFrames logic frames, and the clock has stopped.
+    bool isAtFrameLimit() const { return m_frameIndex >= kMaxFrames; }
 
     struct Failure {
-        QString track; ///< such as "Screen track"; empty: the recording as a whole
+        QString track; ///< such as "Screen track"; empty for the recording as a whole
         QString problem;
 
         QString text() const { return track.isEmpty() ? problem : track + QStringLiteral(": ") + problem; }
     };
 
-    /// What went wrong since the last call: the first failure of each track, in English. Any thread.
+    /// Failures since the last call: the first of each track, in English. Any thread.
     QList<Failure> takeFailures();
 
 signals:
-    /// takeFailures() has something to tell. Emitted on any thread.
+    /// takeFailures() has new failures. Emitted on any thread.
     void trackFailed();
 
     void frameLimitReached();
 
 protected:
-    /// Takes ownership and gives the track a thread of its own.
+    /// Takes ownership of `track` and gives it its own thread.
     void addTrack(KelRecordTrack *track);
 
 private slots:
@@ -98,7 +98,6 @@ private:
     QString createTrackDir(QLatin1String name) const;
     void addFailure(const QString &track, const QString &problem);
 
-    qint64 recordedMs() const;
     KelRecordingMetadata metadata(qint64 durationMs) const;
     void saveMetadata(qint64 durationMs);
     void saveCheckpoint();
@@ -109,17 +108,13 @@ private:
     KelRecordVoiceTrack *m_voiceTrack = nullptr; // child of this; null without sound
     const QRect m_recordArea;                    // with even sides
     const Config m_config;
-    const Clock m_now;
 
-    bool m_isRecording = false;
-    bool m_isPaused = false;
+    bool m_isRecording = false; // also while paused
+    kel::RecordingClock m_clock;
     int m_frameIndex = 0; // of the next logic frame
-    qint64 m_startTimeMs = 0;
-    qint64 m_pausedTotalMs = 0;
-    qint64 m_pauseStartMs = 0;
     qint64 m_lastCheckpointMs = 0;
 
-    // Of each tick of this recording, for whoever examines a slow clock; bounded by MaxFrames.
+    // Per tick of this recording, to be inspected when the clock is slow; bounded by kMaxFrames.
     QList<qint64> m_tickCostMs;
     QList<double> m_instantFps;
 

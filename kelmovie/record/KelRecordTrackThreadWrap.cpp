@@ -10,10 +10,10 @@ using std::chrono::milliseconds;
 
 namespace
 {
-constexpr milliseconds StartWait{3000};
-constexpr milliseconds PauseWait{100};
-constexpr milliseconds StopWait{1000};
-constexpr milliseconds DestructorWait{3000};
+constexpr milliseconds kStartWait{3000};
+constexpr milliseconds kPauseWait{100};
+constexpr milliseconds kStopWait{1000};
+constexpr milliseconds kDestructorWait{3000};
 } // namespace
 
 KelRecordTrackThreadWrap::KelRecordTrackThreadWrap(KelRecordTrack *track, QObject *parent)
@@ -40,8 +40,9 @@ KelRecordTrackThreadWrap::KelRecordTrackThreadWrap(KelRecordTrack *track, QObjec
     connect(this, &KelRecordTrackThreadWrap::doCheckpoint, m_worker, &KelRecordTrackWorker::onCheckpoint,
             Qt::QueuedConnection);
 
-    // The GUI thread cannot receive a queued completion while it waits for one: the worker's own thread counts what it
-    // has finished and wakes the waiter. Connected first, so that the count is right when the completion arrives.
+    // While the GUI thread waits for a completion it cannot receive a queued one, so the worker's thread counts
+    // finished requests and wakes the waiter. Connected first, so that the count is up to date when the queued
+    // completion arrives.
     connect(
         m_worker, &KelRecordTrackWorker::frameCompleted, this, [this] { requestFinished(); }, Qt::DirectConnection);
     connect(
@@ -56,11 +57,11 @@ KelRecordTrackThreadWrap::~KelRecordTrackThreadWrap()
 {
     {
         std::unique_lock lock(m_mutex);
-        if (!waitForIdle(lock, DestructorWait))
+        if (!waitForIdle(lock, kDestructorWait))
             qCWarning(kel::logRecord) << "[Thread Warning] KelRecordTrackThreadWrap destructor timeout, forcing quit";
     }
-    quit(); // behind what is queued: a stop still completes
-    if (!wait(DestructorWait.count())) {
+    quit(); // queued behind the requests, so that a stop still completes
+    if (!wait(kDestructorWait.count())) {
         qCWarning(kel::logRecord) << "KelRecordTrackThreadWrap thread did not quit gracefully, terminating";
         terminate();
         wait();
@@ -83,7 +84,7 @@ bool KelRecordTrackThreadWrap::triggerFrame(int frameIndex)
 void KelRecordTrackThreadWrap::startRecording()
 {
     std::unique_lock lock(m_mutex);
-    if (!waitForIdle(lock, StartWait))
+    if (!waitForIdle(lock, kStartWait))
         qCWarning(kel::logRecord) << "[Thread Warning] KelRecordTrackThreadWrap::startRecording timeout, forcing start";
     m_busy = true;
     ++m_posted;
@@ -93,7 +94,7 @@ void KelRecordTrackThreadWrap::startRecording()
 void KelRecordTrackThreadWrap::pauseRecording()
 {
     std::unique_lock lock(m_mutex);
-    if (!waitForIdle(lock, PauseWait))
+    if (!waitForIdle(lock, kPauseWait))
         qCWarning(kel::logRecord) << "[Thread Warning] KelRecordTrackThreadWrap::pauseRecording timeout, forcing pause";
     m_busy = true;
     ++m_posted;
@@ -104,9 +105,9 @@ void KelRecordTrackThreadWrap::stopRecording(qint64 frameCount, qint64 duration)
 {
     qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap::stopRecording] ========== 开始 ==========";
     std::unique_lock lock(m_mutex);
-    qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap] 等待线程空闲 (超时" << StopWait.count() << "ms)";
+    qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap] 等待线程空闲 (超时" << kStopWait.count() << "ms)";
     while (!isIdle()) {
-        if (!waitForProgress(lock, StopWait)) {
+        if (!waitForProgress(lock, kStopWait)) {
             qCWarning(kel::logRecord) << "[KelRecordTrackThreadWrap] 等待超时，强制停止";
             break;
         }
@@ -122,7 +123,7 @@ void KelRecordTrackThreadWrap::stopRecording(qint64 frameCount, qint64 duration)
 void KelRecordTrackThreadWrap::checkpoint(qint64 frameCount)
 {
     std::lock_guard lock(m_mutex);
-    if (m_posted - m_finished > 2) // a frame and a pause may be ahead, but checkpoints do not pile up behind them
+    if (m_posted - m_finished > 2) // a frame and a pause may be pending; further checkpoints must not pile up
         return;
     ++m_posted;
     emit doCheckpoint(frameCount);
@@ -160,14 +161,14 @@ bool KelRecordTrackThreadWrap::isIdle() const
     return !m_busy || m_finished == m_posted;
 }
 
-/// Waits for the end of one request; false when `limit` was reached before.
+/// Waits until one more request has finished; false when `limit` is reached first.
 bool KelRecordTrackThreadWrap::waitForProgress(std::unique_lock<std::mutex> &lock, milliseconds limit)
 {
     const quint64 before = m_finished;
     return m_changed.wait_for(lock, limit, [&] { return m_finished != before; });
 }
 
-/// Waits as long as each request in flight ends within `limit`.
+/// Waits for all requests in flight; false as soon as one takes longer than `limit`.
 bool KelRecordTrackThreadWrap::waitForIdle(std::unique_lock<std::mutex> &lock, milliseconds limit)
 {
     while (!isIdle()) {
@@ -187,7 +188,7 @@ void KelRecordTrackThreadWrap::requestFinished()
 void KelRecordTrackThreadWrap::clearBusy()
 {
     std::lock_guard lock(m_mutex);
-    // A completion that was delivered late may belong to an earlier request than the one in work.
+    // A completion delivered late may belong to an earlier request than the current one.
     if (m_finished == m_posted)
         m_busy = false;
 }

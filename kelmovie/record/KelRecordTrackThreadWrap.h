@@ -12,8 +12,8 @@ class KelRecordTrackWorker;
 /// The thread of one frame-driven track. Owned and called by the GUI thread; requests go to the worker as queued
 /// signals and are handled there in order.
 ///
-/// At most one frame is in flight: a tick that finds the track busy is refused, so the clock never waits for a slow
-/// track. The other requests wait, bounded, for the track to become idle, and are queued behind its work otherwise.
+/// At most one frame is in flight: a tick is refused while the track is busy, so the clock never waits for a slow
+/// track. Other requests wait, up to a limit, for the track to become idle, and are then queued even if it is not.
 class KelRecordTrackThreadWrap : public QThread
 {
     Q_OBJECT
@@ -22,27 +22,27 @@ public:
     /// Takes ownership of `track`, which must have no parent.
     explicit KelRecordTrackThreadWrap(KelRecordTrack *track, QObject *parent = nullptr);
 
-    /// Waits, bounded, until the track has handled everything; then ends the thread and deletes the track.
+    /// Waits, up to a limit, until the track has handled all requests; then ends the thread and deletes the track.
     ~KelRecordTrackThreadWrap() override;
 
     KelRecordTrack *track() const { return m_track; }
 
-    /// False, and nothing happens, while the track is busy. Never waits.
+    /// Asks the track to record a frame. While the track is busy, returns false and does nothing. Never waits.
     bool triggerFrame(int frameIndex);
 
     void startRecording();
     void pauseRecording();
 
-    /// Returns when the stop is queued; drain() tells when the track is done.
+    /// Returns when the stop is queued. Call drain() to wait until the track has handled it.
     void stopRecording(qint64 frameCount, qint64 duration);
 
-    /// Lets the track put on disk what it has, behind what it is doing. Skipped when it lags. Never waits.
+    /// Queues writing to disk what the track has recorded so far. Skipped when the track lags. Never waits.
     void checkpoint(qint64 frameCount);
 
-    /// Waits until the track has handled everything that was asked of it. False when `limit` was reached before.
+    /// Waits until the track has handled all requests. False when `limit` is reached first.
     bool drain(std::chrono::milliseconds limit);
 
-    /// Pictures taken by a screen track, 0 for other tracks.
+    /// Frames encoded by a screen track; 0 for other tracks.
     int trackFrameCount() const;
 
 signals:
@@ -71,7 +71,7 @@ private:
 
     std::mutex m_mutex; // guards what follows; held while a request is posted
     std::condition_variable m_changed;
-    bool m_busy = false;    // cleared on the GUI thread, by the queued completion
+    bool m_busy = false;    // cleared on the GUI thread by the queued completion
     quint64 m_posted = 0;   // requests sent to the worker
     quint64 m_finished = 0; // requests handled, counted on the worker's thread
 };

@@ -4,13 +4,13 @@
 
 class KelRecordTrack;
 
-/// Receives the requests of a KelRecordTrackThreadWrap on the track's thread and hands them to the track.
+/// Receives the requests of a KelRecordTrackThreadWrap on the track's thread and passes them to the track.
 class KelRecordTrackWorker : public QObject
 {
     Q_OBJECT
 
 public:
-    /// `track` is not owned; null is skipped, and its requests complete all the same.
+    /// `track` is not owned. If it is null, requests complete without doing anything.
     explicit KelRecordTrackWorker(KelRecordTrack *track);
 
 public slots:

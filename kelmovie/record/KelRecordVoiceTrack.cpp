@@ -21,9 +21,9 @@ using namespace kel;
 
 namespace
 {
-constexpr unsigned long WindDownMs = 50;
+constexpr unsigned long kWindDownMs = 50;
 
-qint64 steadyMs()
+qint64 monotonicMs()
 {
     QElapsedTimer timer;
     timer.start();
@@ -73,19 +73,19 @@ void KelRecordVoiceTrack::setMicrophoneEnabled(bool enabled)
 {
     m_microphoneEnabled = enabled;
     if (enabled)
-        MicrophoneBackend::preload(); // now: at the start the recording's clock would wait for it
+        MicrophoneBackend::preload(); // now, because it would delay the recording's clock at the start
 }
 
 void KelRecordVoiceTrack::noteClockChange()
 {
-    m_clockChangeMs = steadyMs();
+    m_clockChangeMs = monotonicMs();
 }
 
-/// The moment that was noted for what happens now, else now.
+/// The time noted for the current start, pause or stop; the current time if none was noted.
 qint64 KelRecordVoiceTrack::takeClockChange()
 {
     const qint64 noted = std::exchange(m_clockChangeMs, 0);
-    return noted > 0 ? noted : steadyMs();
+    return noted > 0 ? noted : monotonicMs();
 }
 
 void KelRecordVoiceTrack::setUpRecorders()
@@ -97,7 +97,7 @@ void KelRecordVoiceTrack::setUpRecorders()
     }
     if (m_microphoneEnabled && !m_microphone) {
         const auto presence = MicrophoneBackend::presence();
-        m_isMicrophoneDoubtful = presence == MicrophoneBackend::Presence::Unknown;
+        m_isMicrophonePresenceUnknown = presence == MicrophoneBackend::Presence::Unknown;
         if (presence == MicrophoneBackend::Presence::Missing) {
             m_microphoneEnabled = false;
             reportFailure(KelTrackNames::kMicrophone, QStringLiteral("there is no microphone"));
@@ -156,7 +156,7 @@ void KelRecordVoiceTrack::resumeRecording(qint64 atMs)
                              << "recorder:" << (m_systemAudio != nullptr);
     }
     if (m_microphone && isBusy(*m_microphone)) {
-        // It has not heard yet that its last file is complete, and would take the news for the end of the next one.
+        // It has yet to process the completion of its last file, and would mistake it for the end of the next one.
         delete m_microphone;
         setUpMicrophone();
     }
@@ -190,7 +190,7 @@ void KelRecordVoiceTrack::endMicrophonePart(qint64 atMs)
     if (m_microphone->state() == QMediaRecorder::RecordingState)
         m_microphone->stop();
     const qint64 lateMs = qMax(m_microphoneBeginMs, m_microphoneStartMs) - m_microphoneStartMs;
-    m_microphoneTimes.append({atMs - m_microphoneStartMs, lateMs, steadyMs() - atMs});
+    m_microphoneTimes.append({atMs - m_microphoneStartMs, lateMs, monotonicMs() - atMs});
     MicrophoneBackend::waitForCompleteFile(*m_microphone, m_currentMicrophonePart);
     m_microphoneParts.append(std::exchange(m_currentMicrophonePart, QString()));
     ++m_microphonePartIndex;
@@ -224,7 +224,7 @@ void KelRecordVoiceTrack::joinMicrophoneParts()
     const QString problem = mergeMicrophoneParts(m_microphoneParts, m_microphonePath, m_microphoneTimes);
     if (!problem.isEmpty())
         reportFailure(KelTrackNames::kMicrophone, problem);
-    else if (m_isMicrophoneDoubtful && MicrophoneBackend::isSilent(m_microphonePath))
+    else if (m_isMicrophonePresenceUnknown && MicrophoneBackend::isSilent(m_microphonePath))
         reportFailure(KelTrackNames::kMicrophone,
                       QStringLiteral("nothing but silence was recorded, as there is no sound server"));
     m_microphoneParts.clear();
@@ -248,7 +248,7 @@ void KelRecordVoiceTrack::cleanupAudioRecorders()
         qCWarning(logRecord) << "[cleanupAudioRecorders] 断开信号连接";
         m_systemAudio->disconnect(this);
         qCWarning(logRecord) << "[cleanupAudioRecorders] 等待 50ms 让音频线程完全停止";
-        QThread::msleep(WindDownMs);
+        QThread::msleep(kWindDownMs);
         qCWarning(logRecord) << "[cleanupAudioRecorders] 删除系统音频录制器";
         delete std::exchange(m_systemAudio, nullptr);
         qCWarning(logRecord) << "[cleanupAudioRecorders] 系统音频录制器已删除";
@@ -266,7 +266,7 @@ void KelRecordVoiceTrack::cleanupAudioRecorders()
         qCWarning(logRecord) << "[cleanupAudioRecorders] 断开信号连接";
         m_microphone->disconnect(this);
         qCWarning(logRecord) << "[cleanupAudioRecorders] 等待 50ms 让麦克风录制器完全停止";
-        QThread::msleep(WindDownMs);
+        QThread::msleep(kWindDownMs);
         qCWarning(logRecord) << "[cleanupAudioRecorders] 删除麦克风录制器";
         delete std::exchange(m_microphone, nullptr);
         qCWarning(logRecord) << "[cleanupAudioRecorders] 麦克风录制器已删除";
@@ -283,7 +283,7 @@ void KelRecordVoiceTrack::onMicrophoneStateChanged(QAudioRecorder::State) {}
 void KelRecordVoiceTrack::onMicrophoneStatusChanged(QMediaRecorder::Status status)
 {
     if (status == QMediaRecorder::RecordingStatus)
-        m_microphoneBeginMs = steadyMs();
+        m_microphoneBeginMs = monotonicMs();
 }
 
 void KelRecordVoiceTrack::onSystemAudioError(QAudioRecorder::Error error)

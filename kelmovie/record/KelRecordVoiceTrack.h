@@ -10,11 +10,11 @@
 
 class KelSystemAudioRecord;
 
-/// Records what the computer plays and what the microphone hears, each into one WAV file. Every stretch between a start
-/// or resume and the next pause has a part file of its own; stopping joins them.
+/// Records system audio and the microphone, each into one WAV file. Each section between a start or resume and the next
+/// pause gets its own part file; stopping joins the parts.
 ///
-/// It does not follow the frame clock and needs no thread of its own: it lives on the GUI thread, whose event loop the
-/// microphone's recorder uses, and is called there directly.
+/// It is not driven by frames and has no thread: it lives on the GUI thread, whose event loop the microphone's recorder
+/// needs, and is called there directly.
 class KelRecordVoiceTrack final : public KelRecordTrack
 {
     Q_OBJECT
@@ -23,12 +23,12 @@ public:
     KelRecordVoiceTrack(const QRect &recordArea, const QString &trackDir, QObject *parent = nullptr);
     ~KelRecordVoiceTrack() override;
 
-    // Before the start.
+    // To be called before the start.
     void setSystemAudioEnabled(bool enabled);
     void setMicrophoneEnabled(bool enabled);
 
-    /// The recording's clock starts or stands still from now: the start or pause that follows refers to this moment,
-    /// however much later it comes.
+    /// The recording's clock starts or stops now. The start, pause or stop that follows refers to this time, even if it
+    /// is called later.
     void noteClockChange();
 
     void startRecording() override;
@@ -56,18 +56,18 @@ private:
     const QString m_microphonePath;
     QAudioEncoderSettings m_microphoneSettings;
     bool m_systemAudioEnabled = false;
-    bool m_microphoneEnabled = false;    // cleared when the microphone cannot be recorded
-    bool m_isMicrophoneDoubtful = false; // nobody knows whether there is one
-    bool m_isRecording = false;          // stays set while paused
+    bool m_microphoneEnabled = false;           // cleared when the microphone cannot be recorded
+    bool m_isMicrophonePresenceUnknown = false; // without a sound server
+    bool m_isRecording = false;                 // also while paused
     bool m_isPaused = false;
 
     KelSystemAudioRecord *m_systemAudio = nullptr; // child of this
     QAudioRecorder *m_microphone = nullptr;        // child of this
     QString m_currentMicrophonePart;               // empty between parts
     qint64 m_microphoneStartMs = 0;
-    qint64 m_microphoneBeginMs = 0;            // when its sound began after that; 0: not yet
+    qint64 m_microphoneBeginMs = 0;            // when its first sound was recorded; 0: not yet
     QStringList m_microphoneParts;             // finished, in order
-    QList<kel::WavPartTime> m_microphoneTimes; // of each
+    QList<kel::WavPartTime> m_microphoneTimes; // of each part
     int m_microphonePartIndex = 0;
-    qint64 m_clockChangeMs = 0; // of the steady clock; 0 when it was not noted
+    qint64 m_clockChangeMs = 0; // of the monotonic clock; 0 when not noted
 };

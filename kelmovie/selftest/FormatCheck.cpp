@@ -22,10 +22,10 @@ constexpr int kFrames = 12;
 constexpr int kFps = 25;
 constexpr int kQuality = 90;
 constexpr QSize kSize(96, 64);
-constexpr double kTolerance = 12; // of 255, on average; lossy formats stay far below
+constexpr double kTolerance = 12; // mean difference, of 255; lossy formats stay far below
 
-/// A block that wanders over a ramp of colours.
-QImage picture(int frame)
+/// A block that moves over a color gradient.
+QImage sourceFrame(int frame)
 {
     QImage image(kSize, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
@@ -43,7 +43,7 @@ QString encode(int format, const QString &path)
     if (!encoder)
         return QStringLiteral("there is no encoder");
     for (int frame = 0; frame < kFrames; ++frame) {
-        if (!encoder->addFrame(quint64(frame), picture(frame)))
+        if (!encoder->addFrame(quint64(frame), sourceFrame(frame)))
             return QStringLiteral("frame %1 was not encoded: %2").arg(frame).arg(encoder->errorString());
     }
     return encoder->close() ? QString() : QStringLiteral("the file was not completed: ") + encoder->errorString();
@@ -54,16 +54,16 @@ std::vector<QImage> decode(int format, const QString &path, QString *error)
     if (format != 0)
         return av::AnimationReader::read(path, kFrames + 1, error);
     h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
-    std::vector<QImage> pictures;
-    pictures.reserve(kFrames);
+    std::vector<QImage> frames;
+    frames.reserve(kFrames);
     for (int frame = 0; frame < decoder.getFrameCount(); ++frame)
-        pictures.push_back(decoder.decodeFrame(frame));
-    if (pictures.empty())
+        frames.push_back(decoder.decodeFrame(frame));
+    if (frames.empty())
         *error = QStringLiteral("H.264 cannot be decoded");
-    return pictures;
+    return frames;
 }
 
-/// Mean difference of a colour channel.
+/// Mean difference per color channel.
 double difference(const QImage &a, const QImage &b)
 {
     qint64 sum = 0;
@@ -81,8 +81,8 @@ double difference(const QImage &a, const QImage &b)
 
 QString FormatCheck::name(int format)
 {
-    static const char *const names[] = {"MP4", "GIF", "APNG", "WebP"};
-    return QLatin1String(names[format]);
+    static const char *const kNames[] = {"MP4", "GIF", "APNG", "WebP"};
+    return QLatin1String(kNames[format]);
 }
 
 QString FormatCheck::run(int format, const QString &path)
@@ -90,15 +90,15 @@ QString FormatCheck::run(int format, const QString &path)
     QString error = encode(format, path);
     if (!error.isEmpty())
         return error;
-    const std::vector<QImage> pictures = decode(format, path, &error);
+    const std::vector<QImage> frames = decode(format, path, &error);
     if (!error.isEmpty())
         return error;
-    if (int(pictures.size()) != kFrames)
-        return QStringLiteral("it holds %1 pictures instead of %2").arg(pictures.size()).arg(kFrames);
+    if (int(frames.size()) != kFrames)
+        return QStringLiteral("it has %1 frames instead of %2").arg(frames.size()).arg(kFrames);
     for (int frame = 0; frame < kFrames; ++frame) {
-        const QImage &decoded = pictures[std::size_t(frame)];
-        if (decoded.size() != kSize || difference(decoded, picture(frame)) > kTolerance)
-            return QStringLiteral("picture %1 is not what was encoded").arg(frame);
+        const QImage &decoded = frames[std::size_t(frame)];
+        if (decoded.size() != kSize || difference(decoded, sourceFrame(frame)) > kTolerance)
+            return QStringLiteral("frame %1 differs from what was encoded").arg(frame);
     }
     return {};
 }

@@ -2,16 +2,16 @@
 
 #include <QString>
 
-/// Encodes a little video in an export format and looks whether it decodes to the same pictures.
+/// Encodes a small video in an export format and checks that it decodes to the same frames.
 namespace kel::FormatCheck
 {
 
 /// 0 MP4, 1 GIF, 2 APNG, 3 WebP.
-constexpr int FormatCount = 4;
+constexpr int kFormatCount = 4;
 
 QString name(int format);
 
-/// What is wrong, in one line; empty when nothing is. `path` is the file that is written.
+/// Runs the check, which writes the file `path`. Returns the problem in one line, or an empty string.
 QString run(int format, const QString &path);
 
 } // namespace kel::FormatCheck

@@ -22,7 +22,7 @@ using namespace kel;
 namespace
 {
 
-/// Hears everything and keeps nothing.
+/// Watches all input and discards it.
 class ProbingHook final : public KelKeyMouseHook
 {
 public:
@@ -90,7 +90,7 @@ QString KelMovieSelfTest::featureReport()
 {
     const QString none = QStringLiteral("none");
     QStringList formats;
-    for (int format = 0; format < FormatCheck::FormatCount; ++format)
+    for (int format = 0; format < FormatCheck::kFormatCount; ++format)
         formats << FormatCheck::name(format);
     return line("Version", KelMovieUI::version()) +
            line("System", QStringLiteral("%1, %2, Qt %3")
@@ -112,7 +112,7 @@ KelMovieSelfTest::Check KelMovieSelfTest::checkRecording()
     check.name = QStringLiteral("Record and play back");
     const QTemporaryDir directory;
     if (!directory.isValid()) {
-        check.error = QStringLiteral("there is no room for temporary files: ") + directory.errorString();
+        check.error = QStringLiteral("cannot create a temporary directory: ") + directory.errorString();
         return check;
     }
     RecordingCheck recording(directory.filePath(QStringLiteral("recording")));
@@ -128,11 +128,11 @@ KelMovieSelfTest::Check KelMovieSelfTest::checkFormats()
     check.name = QStringLiteral("Encode and decode");
     const QTemporaryDir directory;
     if (!directory.isValid()) {
-        check.error = QStringLiteral("there is no room for temporary files: ") + directory.errorString();
+        check.error = QStringLiteral("cannot create a temporary directory: ") + directory.errorString();
         return check;
     }
     QStringList problems;
-    for (int format = 0; format < FormatCheck::FormatCount; ++format) {
+    for (int format = 0; format < FormatCheck::kFormatCount; ++format) {
         const QString name = FormatCheck::name(format);
         const QString problem = FormatCheck::run(format, directory.filePath(name));
         if (problem.isEmpty())

@@ -6,34 +6,34 @@
 #include <QStringList>
 #include <QVector>
 
-/// Tells what the module can do on this computer, and tries whether it does. GUI thread; needs a QGuiApplication.
-/// Everything is written into a temporary directory that is gone afterwards. All texts are English.
+/// Reports what the module supports on this computer, and checks that it works. GUI thread; needs a QGuiApplication.
+/// All files are written to a temporary directory, which is removed afterwards. All texts are English.
 class KELMOVIE_EXPORT KelMovieSelfTest
 {
 public:
     struct Check {
         QString name;
-        QStringList findings; ///< what was found or done, a line each
-        QStringList warnings; ///< what is missing without anything being broken, a line each
-        QString error;        ///< why the check failed, in one line; empty when it passed
+        QStringList findings; ///< what was found or done, one line each
+        QStringList warnings; ///< what is missing although nothing is broken, one line each
+        QString error;        ///< why the check failed, in one line; empty if it passed
 
         bool passed() const { return error.isEmpty(); }
     };
 
     KelMovieSelfTest() = delete;
 
-    /// Formats, codecs with the versions of their libraries, hardware decoding, the way the screen is captured, input
-    /// and sound: a line each.
+    /// Formats, codecs with the versions of their libraries, hardware decoding, screen capture, input and sound: one
+    /// line each.
     static QString featureReport();
 
-    /// Records a piece of the screen for half a second, in a nested event loop, and plays it back.
+    /// Records a part of the screen for half a second, in a nested event loop, and plays it back.
     static Check checkRecording();
-    /// Encodes a little video in each of the export formats and decodes it again.
+    /// Encodes a small video in each of the export formats and decodes it again.
     static Check checkFormats();
-    /// Looks for the screen, the input of keyboard and mouse, the output whose sound is recorded, and the microphone.
-    /// Missing sound is a warning.
+    /// Looks for the screen, keyboard and mouse input, the output whose sound is recorded, and the microphone. Missing
+    /// sound is a warning.
     static Check checkDevices();
 
-    /// All three.
+    /// Runs all three checks.
     static QVector<Check> runChecks();
 };

@@ -37,7 +37,7 @@ QString RecordingCheck::record()
     const QSize size = screen->geometry().size().boundedTo({kMaxWidth, kMaxHeight});
     m_area = QRect(screen->geometry().topLeft(), size);
     KelMultiTrackRecorder recorder;
-    KelMultiTrackRecorder::RecordConfig config; // screen and mouse; never what somebody types
+    KelMultiTrackRecorder::RecordConfig config; // screen and mouse, never keys
     config.outputDir = m_directory;
     config.fps = kFps;
     recorder.setRecordConfig(config);
@@ -65,18 +65,18 @@ QString RecordingCheck::playBack()
         return QStringLiteral("only %1 frames were recorded").arg(playback.totalFrames());
     if (!playback.trackNames().contains(QStringLiteral("MouseTrack")))
         return QStringLiteral("the mouse was not recorded");
-    QImage picture(playback.frameSize(), QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
+    QImage frame(playback.frameSize(), QImage::Format_ARGB32_Premultiplied);
+    frame.fill(Qt::transparent);
     playback.setFrameAsPlayed(playback.totalFrames() - 1);
-    QPainter painter(&picture);
+    QPainter painter(&frame);
     playback.paint(&painter);
     painter.end();
-    if (qAlpha(picture.pixel(picture.rect().center())) != 255)
-        return QStringLiteral("the recorded picture cannot be decoded");
+    if (qAlpha(frame.pixel(frame.rect().center())) != 255)
+        return QStringLiteral("the recorded video cannot be decoded");
     m_finding = QStringLiteral("%1 frames of %2x%3 pixels, with the mouse, in %4 ms")
                     .arg(playback.totalFrames())
-                    .arg(picture.width())
-                    .arg(picture.height())
+                    .arg(frame.width())
+                    .arg(frame.height())
                     .arg(playback.durationMs());
     return {};
 }

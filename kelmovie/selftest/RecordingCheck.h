@@ -6,7 +6,7 @@
 namespace kel
 {
 
-/// Records a piece of the screen and plays it back.
+/// Records a part of the screen and plays it back.
 class RecordingCheck
 {
 public:
@@ -16,10 +16,10 @@ public:
     {
     }
 
-    /// What is wrong, in one line; empty when nothing is. Runs an event loop.
+    /// Runs the check in a nested event loop. Returns the problem in one line, or an empty string.
     QString run();
 
-    /// What was recorded, in one line. Valid after run().
+    /// What was recorded, in one line. Valid after a successful run().
     QString finding() const { return m_finding; }
 
 private:

@@ -10,7 +10,7 @@
 
 namespace
 {
-/// Remembers what is bound, and fills in what it has stored.
+/// Records the bindings, and loads stored values.
 class RecordingConfigIO : public KelConfigIO
 {
 public:
@@ -45,8 +45,8 @@ private:
 
 KelMovieConfig &c = gKelMovieConfig;
 
-/// What is bound, in that order: the field's place in the record, the key below "KelMovie." and the default.
-const char Bindings[] = R"(
+/// The bindings in order: the position of the field in the struct, the key without "KelMovie.", and the default.
+const char kBindings[] = R"(
 19 playback.progress.enable false
 20 playback.progress.displayMode 0
 21 playback.progress.fgColor #c83388ff
@@ -92,7 +92,7 @@ const char Bindings[] = R"(
 )";
 } // namespace
 
-class TestMovieConfig : public QObject
+class MovieConfigTest : public QObject
 {
     Q_OBJECT
 
@@ -100,19 +100,19 @@ private slots:
     void init();
     void bindsEveryKeyToItsField();
     void storedValuesReplaceDefaults();
-    void choicesBeyondTheKnown();
+    void choicesOutOfRange();
 };
 
-void TestMovieConfig::init()
+void MovieConfigTest::init()
 {
-    // In place: the static initialisation already proved itself in the first test, and hosts hold field addresses.
+    // In place, because the store holds addresses of fields.
     gKelMovieConfig.~KelMovieConfig();
     new (&gKelMovieConfig) KelMovieConfig;
     KelMovieConfigInit(nullptr);
 }
 
 /// Hosts rely on the order of the fields as well as on that of the keys.
-void TestMovieConfig::bindsEveryKeyToItsField()
+void MovieConfigTest::bindsEveryKeyToItsField()
 {
     RecordingConfigIO io;
     KelMovieConfigInit(&io);
@@ -133,7 +133,7 @@ void TestMovieConfig::bindsEveryKeyToItsField()
         QVERIFY2(key.startsWith("KelMovie."), qPrintable(key));
         bound += QString("%1 %2 %3\n").arg(fields.indexOf(field) + 1).arg(key.mid(9), value);
     }
-    QCOMPARE(bound.split('\n'), QString(Bindings).split('\n'));
+    QCOMPARE(bound.split('\n'), QString(kBindings).split('\n'));
     QVERIFY(c.playbackMouseReplaceEffects);
     QCOMPARE((QVector<int>{c.playbackMouseClickEffect, c.playbackMouseWheelEffect, c.saveQuality, c.hostReserved1,
                            c.hostReserved2, c.hostReserved3}),
@@ -142,7 +142,7 @@ void TestMovieConfig::bindsEveryKeyToItsField()
     QVERIFY(!gKelMovieConfigIO);
 }
 
-void TestMovieConfig::storedValuesReplaceDefaults()
+void MovieConfigTest::storedValuesReplaceDefaults()
 {
     RecordingConfigIO io;
     io.stored = {{"KelMovie.record.fps", 60},
@@ -156,7 +156,7 @@ void TestMovieConfig::storedValuesReplaceDefaults()
     QCOMPARE(c.playbackKeyboardFont.family(), QString("Mono"));
 }
 
-void TestMovieConfig::choicesBeyondTheKnown()
+void MovieConfigTest::choicesOutOfRange()
 {
     const QMap<int, QString> suffixes{{-1, "gif"}, {0, "mp4"}, {1, "gif"}, {2, "apng"}, {3, "webp"}, {4, "gif"}};
     for (auto it = suffixes.begin(); it != suffixes.end(); ++it) {
@@ -170,5 +170,5 @@ void TestMovieConfig::choicesBeyondTheKnown()
     }
 }
 
-QTEST_MAIN(TestMovieConfig)
+QTEST_MAIN(MovieConfigTest)
 #include "tst_movie_config.moc"

@@ -8,8 +8,10 @@
 #include "support/LogCapture.h"
 
 #include <QApplication>
+#include <QLoggingCategory>
 #include <QMessageBox>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
@@ -26,7 +28,7 @@ QStringList entries(const QString &path)
 }
 } // namespace
 
-class TestRecorder : public QObject
+class RecorderTest : public QObject
 {
     Q_OBJECT
 
@@ -39,10 +41,11 @@ private slots:
     void refusesToStart();
     void failedStartLeavesNothing();
     void recordsAgainAndKeepsTheEarlierRecording();
-    void trackFailureIsSignalledOnce();
+    void trackFailureIsSignaledOnce();
     void failureAtStopComesBeforeStopped();
     void stopsAtTheFrameLimit();
-    void hostMayStartAnewWhenItHearsOfTheStop();
+    void logsNothingWhenFiltered();
+    void hostMayStartAgainInTheStoppedSignal();
     void refusesToExport();
 
 private:
@@ -52,10 +55,10 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
     std::optional<ScreenScript> m_script;
     std::unique_ptr<KelMovieUI> m_ui;
-    QStringList m_signals; // in the order of their emission
+    QStringList m_signals; // in order of emission
 };
 
-void TestRecorder::init()
+void RecorderTest::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
     m_script.emplace();
@@ -65,13 +68,13 @@ void TestRecorder::init()
     m_signals.clear();
 }
 
-void TestRecorder::cleanup()
+void RecorderTest::cleanup()
 {
     m_ui.reset();
     KelScreenManager::instance()->setBackend(nullptr);
 }
 
-KelMultiTrackRecorder *TestRecorder::createRecorder()
+KelMultiTrackRecorder *RecorderTest::createRecorder()
 {
     KelMultiTrackRecorder *recorder = m_ui->createMultiTrackRecorder();
     using R = KelMultiTrackRecorder;
@@ -88,7 +91,7 @@ KelMultiTrackRecorder *TestRecorder::createRecorder()
     return recorder;
 }
 
-void TestRecorder::goesThroughItsStates()
+void RecorderTest::goesThroughItsStates()
 {
     KelMultiTrackRecorder *recorder = createRecorder();
     LogCapture log;
@@ -121,7 +124,7 @@ void TestRecorder::goesThroughItsStates()
     QCOMPARE(entries(outputDir() + "/Screen"), (QStringList{"frame_indexes.dat", "screen_record.mp4"}));
 }
 
-void TestRecorder::refusesToStart_data()
+void RecorderTest::refusesToStart_data()
 {
     QTest::addColumn<QRect>("area");
     QTest::addColumn<int>("fps");
@@ -143,7 +146,7 @@ void TestRecorder::refusesToStart_data()
     row("no display", area, 25, "%1/new", "no display", "no display");
 }
 
-void TestRecorder::refusesToStart()
+void RecorderTest::refusesToStart()
 {
     QFETCH(QRect, area);
     QFETCH(int, fps);
@@ -167,7 +170,7 @@ void TestRecorder::refusesToStart()
     QCOMPARE(entries(m_dir->path()), QStringList{"file"});
 }
 
-void TestRecorder::failedStartLeavesNothing()
+void RecorderTest::failedStartLeavesNothing()
 {
     m_script->streamerError = "the rectangle cannot be read";
     KelMultiTrackRecorder *recorder = createRecorder();
@@ -179,13 +182,13 @@ void TestRecorder::failedStartLeavesNothing()
     QCOMPARE(m_signals, QStringList{"error: Failed to start recording: Screen track: the rectangle cannot be read"});
     QVERIFY(!QFileInfo::exists(outputDir()));
 
-    QVERIFY(QDir().mkpath(outputDir())); // the user's own
+    QVERIFY(QDir().mkpath(outputDir())); // created by the user
     QVERIFY(!recorder->startRecording());
     QVERIFY(QFileInfo::exists(outputDir()));
     QCOMPARE(entries(outputDir()), QStringList());
 }
 
-void TestRecorder::recordsAgainAndKeepsTheEarlierRecording()
+void RecorderTest::recordsAgainAndKeepsTheEarlierRecording()
 {
     writeFile(outputDir() + "/notes.txt", "the user's");
     KelMultiTrackRecorder *recorder = createRecorder();
@@ -207,7 +210,7 @@ void TestRecorder::recordsAgainAndKeepsTheEarlierRecording()
     }
 }
 
-void TestRecorder::trackFailureIsSignalledOnce()
+void RecorderTest::trackFailureIsSignaledOnce()
 {
     KelMultiTrackRecorder *recorder = createRecorder();
     QSignalSpy tracks(recorder, &KelMultiTrackRecorder::trackFailed);
@@ -228,7 +231,7 @@ void TestRecorder::trackFailureIsSignalledOnce()
     QCOMPARE(m_signals, (QStringList{"started", error, "stopped"}));
 }
 
-void TestRecorder::failureAtStopComesBeforeStopped()
+void RecorderTest::failureAtStopComesBeforeStopped()
 {
     KelMultiTrackRecorder *recorder = createRecorder();
     QVERIFY(recorder->startRecording());
@@ -240,18 +243,18 @@ void TestRecorder::failureAtStopComesBeforeStopped()
     QCOMPARE(m_signals[2], QString("stopped"));
 }
 
-void TestRecorder::stopsAtTheFrameLimit()
+void RecorderTest::stopsAtTheFrameLimit()
 {
     KelMultiTrackRecorder *recorder = createRecorder();
     m_script->changed = false;
     QVERIFY(recorder->startRecording());
     auto *manager = recorder->findChild<KelRecordTrackManager *>();
-    for (int i = 0; i < KelRecordTrackManager::MaxFrames + 3; ++i)
+    for (int i = 0; i < KelRecordTrackManager::kMaxFrames + 3; ++i)
         QVERIFY(QMetaObject::invokeMethod(manager, "onFrameTimeout"));
     QVERIFY(manager->isAtFrameLimit());
     QVERIFY(recorder->isRecording());
     QTRY_VERIFY(!recorder->isRecording());
-    // The video is empty: nothing was to be seen.
+    // The empty video is reported, too.
     QCOMPARE(m_signals.first(), QString("started"));
     QCOMPARE(m_signals[1], QString("error: The recording was stopped: it has reached the limit of 1000000 frames"));
     QCOMPARE(m_signals.filter("limit").size(), 1);
@@ -259,7 +262,26 @@ void TestRecorder::stopsAtTheFrameLimit()
     QCOMPARE(QFileInfo(outputDir() + "/Screen/frame_indexes.dat").size(), qint64(8 + 4 * 1000000));
 }
 
-void TestRecorder::hostMayStartAnewWhenItHearsOfTheStop()
+void RecorderTest::logsNothingWhenFiltered()
+{
+    const auto restore = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
+    QLoggingCategory::setFilterRules("kelmovie.*=false");
+    KelMultiTrackRecorder *recorder = createRecorder();
+    auto config = recorder->recordConfig();
+    config.enableMouse = true;
+    config.enableKeyboard = true;
+    recorder->setRecordConfig(config);
+    LogCapture log;
+    m_script->pictureSize = QSize(10, 10); // warns of each frame
+    recorder->stopRecording();
+    QVERIFY(recorder->startRecording());
+    QTRY_VERIFY(m_script->captures > 2);
+    recorder->stopRecording();
+    QVERIFY(recorder->loadRecording(outputDir()));
+    QCOMPARE(log.take(), QStringList());
+}
+
+void RecorderTest::hostMayStartAgainInTheStoppedSignal()
 {
     KelMultiTrackRecorder *recorder = createRecorder();
     QVERIFY(recorder->startRecording());
@@ -273,7 +295,7 @@ void TestRecorder::hostMayStartAnewWhenItHearsOfTheStop()
     QCOMPARE(m_signals, (QStringList{"started", "stopped", "started"}));
 }
 
-void TestRecorder::refusesToExport()
+void RecorderTest::refusesToExport()
 {
     KelMultiTrackRecorder *recorder = createRecorder();
     const auto errors = [&] {
@@ -296,5 +318,5 @@ void TestRecorder::refusesToExport()
                                     "error: Failed to start export with audio trim"}));
 }
 
-QTEST_MAIN(TestRecorder)
+QTEST_MAIN(RecorderTest)
 #include "tst_recorder.moc"

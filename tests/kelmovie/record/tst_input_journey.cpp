@@ -21,16 +21,16 @@ using namespace kel;
 
 namespace
 {
-const QRect Area(100, 80, 400, 300);
+const QRect kArea(100, 80, 400, 300);
 
 // Key codes of the evdev rules.
 enum { Control = 37, LetterA = 38, LetterB = 56, LetterC = 54 };
 
-/// The real pointer, and how often it was looked at.
+/// The native backend, which counts how often the pointer was read.
 class CountingBackend : public KelScreenBackend
 {
 public:
-    static inline std::atomic<int> looks{0};
+    static inline std::atomic<int> reads{0};
 
     std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override
     {
@@ -42,9 +42,9 @@ public:
             std::unique_ptr<KelCursorSource> native;
             KelCursorPixmap read() override
             {
-                const KelCursorPixmap seen = native->read();
-                ++looks;
-                return seen;
+                const KelCursorPixmap cursor = native->read();
+                ++reads;
+                return cursor;
             }
         };
         auto source = std::make_unique<Source>();
@@ -56,7 +56,7 @@ private:
     const std::unique_ptr<KelScreenBackend> m_native = createNativeScreenBackend();
 };
 
-/// Without the frame, whose number depends on how fast the machine is.
+/// Without the frame number, which depends on the speed of the machine.
 QStringList withoutFrame(const QStringList &lines)
 {
     QStringList cut;
@@ -66,19 +66,19 @@ QStringList withoutFrame(const QStringList &lines)
 }
 } // namespace
 
-class TestInputJourney : public QObject
+class InputJourneyTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void recordsWhatWasDone();
-    void paintsThePointerWhereItWas();
+    void recordsRealInput();
+    void paintsThePointerAtItsPosition();
     void cleanupTestCase();
 
 private:
     void letFramesPass();
-    void hearLast(RecordingHook &witness);
+    void installLast(RecordingHook &witness);
     void moveTo(int x, int y);
 
     XTestInput m_input;
@@ -87,7 +87,7 @@ private:
     KelMultiTrackRecorder m_recorder;
 };
 
-void TestInputJourney::initTestCase()
+void InputJourneyTest::initTestCase()
 {
     KelScreenManager::instance()->setBackend(std::make_unique<CountingBackend>());
     QPixmap cross(15, 15);
@@ -100,32 +100,32 @@ void TestInputJourney::initTestCase()
     m_input.warp(0, 0);
 }
 
-void TestInputJourney::cleanupTestCase()
+void InputJourneyTest::cleanupTestCase()
 {
     KelScreenManager::instance()->setBackend(nullptr);
 }
 
-/// The second look from now has begun after now.
-void TestInputJourney::letFramesPass()
+/// Waits for two reads of the pointer: the second one began after the call.
+void InputJourneyTest::letFramesPass()
 {
-    const int before = CountingBackend::looks;
-    QTRY_VERIFY(CountingBackend::looks >= before + 2);
+    const int before = CountingBackend::reads;
+    QTRY_VERIFY(CountingBackend::reads >= before + 2);
 }
 
-/// Hooks hear in the order of their installation: what this one has heard, those of the tracks have.
-void TestInputJourney::hearLast(RecordingHook &witness)
+/// Moves `witness` behind the hooks of the tracks: hooks receive events in the order of their installation.
+void InputJourneyTest::installLast(RecordingHook &witness)
 {
     witness.setHookType(0);
     witness.setHookType(KelKeyMouseHook::Keyboard | KelKeyMouseHook::Mouse);
 }
 
-void TestInputJourney::moveTo(int x, int y)
+void InputJourneyTest::moveTo(int x, int y)
 {
     m_input.move(x, y);
     letFramesPass();
 }
 
-void TestInputJourney::recordsWhatWasDone()
+void InputJourneyTest::recordsRealInput()
 {
     RecordingHook witness;
     QStringList errors;
@@ -135,16 +135,16 @@ void TestInputJourney::recordsWhatWasDone()
     config.fps = 100;
     config.enableKeyboard = true;
     m_recorder.setRecordConfig(config);
-    m_recorder.setRecordArea(Area);
+    m_recorder.setRecordArea(kArea);
     QVERIFY(m_recorder.startRecording());
     letFramesPass();
-    m_input.tap(LetterB); // forgotten by the resume
+    m_input.tap(LetterB); // discarded by the resume
     m_recorder.pauseRecording();
     m_input.tap(LetterB);
     QVERIFY(m_recorder.startRecording());
     letFramesPass();
 
-    hearLast(witness);
+    installLast(witness);
     moveTo(150, 120);
     m_input.warp(499, 379);
     letFramesPass();
@@ -167,7 +167,7 @@ void TestInputJourney::recordsWhatWasDone()
     witness.take(2);
     m_recorder.setMouseRecordingEnabled(true);
 
-    hearLast(witness);
+    installLast(witness);
     m_input.key(Control, true);
     m_input.tap(LetterC);
     m_input.key(Control, false);
@@ -178,9 +178,9 @@ void TestInputJourney::recordsWhatWasDone()
     witness.take(2);
     letFramesPass();
     m_recorder.setKeyboardRecordingEnabled(true);
-    hearLast(witness);
+    installLast(witness);
     m_input.key(LetterA, true);
-    QCOMPARE(witness.take(3), (QStringList{"key 41 1", "key 41 1", "key 41 1"})); // the last two by themselves
+    QCOMPARE(witness.take(3), (QStringList{"key 41 1", "key 41 1", "key 41 1"})); // the last two are repeats
     m_input.key(LetterA, false);
     QTRY_VERIFY(witness.lines().contains("key 41 0"));
     m_recorder.stopRecording();
@@ -232,8 +232,8 @@ void TestInputJourney::recordsWhatWasDone()
     QVERIFY(keys.last().section(' ', 2).toInt() > keys.first().section(' ', 2).toInt());
 }
 
-/// The recording that was just made, with the pointer and without.
-void TestInputJourney::paintsThePointerWhereItWas()
+/// Compares the last recording with and without its pointer.
+void InputJourneyTest::paintsThePointerAtItsPosition()
 {
     const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
     gKelMovieConfig.playbackKeyboardShowKeyType = 0;
@@ -258,5 +258,5 @@ void TestInputJourney::paintsThePointerWhereItWas()
     QCOMPARE(composed, expected);
 }
 
-QTEST_MAIN(TestInputJourney)
+QTEST_MAIN(InputJourneyTest)
 #include "tst_input_journey.moc"

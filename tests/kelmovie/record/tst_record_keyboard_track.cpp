@@ -13,11 +13,11 @@
 
 namespace
 {
-const QRect Area(100, 50, 642, 480);
-constexpr QFile::Permissions OwnerOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
+const QRect kArea(100, 50, 642, 480);
+constexpr QFile::Permissions kOwnerOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
 
-/// The same without the room that a file under way has at its end.
-QStringList recordsUnderWay(const QByteArray &file)
+/// The records of an unfinished file, without the spare ones at its end.
+QStringList recordsOfUnfinished(const QByteArray &file)
 {
     QStringList lines = keyRecords(file);
     while (!lines.isEmpty() && lines.last() == "0 1 2147483647")
@@ -25,23 +25,24 @@ QStringList recordsUnderWay(const QByteArray &file)
     return lines;
 }
 
-/// Whether the bytes are there that `disguised` stands for; they themselves would be found where they are looked for.
-bool holds(const QByteArray &region, const QByteArray &disguised)
+/// Whether `region` contains the bytes that `disguised` encodes. They are encoded so that the search does not find its
+/// own argument.
+bool contains(const QByteArray &region, const QByteArray &disguised)
 {
     return std::search(region.begin(), region.end(), disguised.begin(), disguised.end(),
                        [](char byte, char secret) { return char(byte ^ '\x5a') == secret; }) != region.end();
 }
 
-/// Whether these bytes are anywhere in what this process can write to.
+/// Whether the bytes are anywhere in the writable memory of this process.
 bool isInMemory(const QByteArray &disguised)
 {
     bool isFound = false;
-    OwnMemory::read([&](const QByteArray &region) { isFound = isFound || holds(region, disguised); });
+    OwnMemory::read([&](const QByteArray &region) { isFound = isFound || contains(region, disguised); });
     return isFound;
 }
 } // namespace
 
-class TestRecordKeyboardTrack : public QObject
+class RecordKeyboardTrackTest : public QObject
 {
     Q_OBJECT
 
@@ -50,7 +51,7 @@ private slots:
     void fileByteForByte();
     void recordsByTheRules_data();
     void recordsByTheRules();
-    void fileIsForItsOwnerAlone();
+    void onlyTheOwnerCanReadTheFile();
     void validAfterEveryCheckpoint();
     void discardedKeysLeaveTheMemory();
     void unwritableFile();
@@ -66,18 +67,18 @@ private:
     QStringList m_failures;
 };
 
-void TestRecordKeyboardTrack::init()
+void RecordKeyboardTrackTest::init()
 {
     m_failures.clear();
     m_track.reset();
     m_dir = std::make_unique<QTemporaryDir>();
-    m_track = std::make_unique<KelRecordKeyboardTrack>(Area, m_dir->filePath("deep/Keyboard"));
+    m_track = std::make_unique<KelRecordKeyboardTrack>(kArea, m_dir->filePath("deep/Keyboard"));
     m_track->setFailureHandler(
         [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
 }
 
 /// "frame N", "KEY(hex) STATE", "start", "pause", "on", "off", "checkpoint", "stop"
-void TestRecordKeyboardTrack::play(const QStringList &steps)
+void RecordKeyboardTrackTest::play(const QStringList &steps)
 {
     for (const QString &step : steps) {
         const QStringList words = step.split(' ');
@@ -100,7 +101,7 @@ void TestRecordKeyboardTrack::play(const QStringList &steps)
     }
 }
 
-void TestRecordKeyboardTrack::fileByteForByte()
+void RecordKeyboardTrackTest::fileByteForByte()
 {
     play({"start", "frame 3", "1000021 1", "frame 260", "off", "on", "43 0", "stop"});
     QCOMPARE(file().toHex(' '), QByteArray("4b 45 4c 4b 04 00 00 00 1e 00 00 00 00 00 00 00 "
@@ -111,9 +112,9 @@ void TestRecordKeyboardTrack::fileByteForByte()
                                            "43 00 00 00 00 00 00 00 04 01 00 00"));
 }
 
-void TestRecordKeyboardTrack::recordsByTheRules_data()
+void RecordKeyboardTrackTest::recordsByTheRules_data()
 {
-    // What is watched before the stop; what is kept; whether switching on is refused.
+    // Whether keys are watched before the stop, the records kept, and whether switching on is refused.
     const TestTable<QString, bool, QString, bool> row("steps", "isWatched", "kept", "isRefused");
     row("no key", "start", true, "", false);
     row("as they come", "start; 41 1; frame 2; 41 1; 41 7; 43 0", true, "41 1 0; 41 1 2; 41 0 2; 43 0 2", false);
@@ -129,7 +130,7 @@ void TestRecordKeyboardTrack::recordsByTheRules_data()
         false);
 }
 
-void TestRecordKeyboardTrack::recordsByTheRules()
+void RecordKeyboardTrackTest::recordsByTheRules()
 {
     QFETCH(QString, steps);
     QFETCH(bool, isRefused);
@@ -143,22 +144,22 @@ void TestRecordKeyboardTrack::recordsByTheRules()
     QCOMPARE(m_failures, QStringList());
 }
 
-void TestRecordKeyboardTrack::fileIsForItsOwnerAlone()
+void RecordKeyboardTrackTest::onlyTheOwnerCanReadTheFile()
 {
     writeFile(path(), {});
-    QVERIFY(QFile::setPermissions(path(), OwnerOnly | QFile::ReadGroup | QFile::ReadOther));
+    QVERIFY(QFile::setPermissions(path(), kOwnerOnly | QFile::ReadGroup | QFile::ReadOther));
     for (const char *step : {"checkpoint", "checkpoint", "stop"}) {
         play({"start", "41 1", step});
-        QCOMPARE(QFile::permissions(path()), OwnerOnly);
+        QCOMPARE(QFile::permissions(path()), kOwnerOnly);
     }
     QCOMPARE(QDir(m_dir->filePath("deep/Keyboard")).entryList(QDir::Files | QDir::Hidden),
              QStringList{"keyboard.keymeta"});
 }
 
-void TestRecordKeyboardTrack::validAfterEveryCheckpoint()
+void RecordKeyboardTrackTest::validAfterEveryCheckpoint()
 {
     play({"start", "checkpoint"});
-    QCOMPARE(recordsUnderWay(file()), QStringList());
+    QCOMPARE(recordsOfUnfinished(file()), QStringList());
     QStringList typed;
     for (const int count : {1, 0, 254, 1, 1, 700, 300}) {
         for (int i = 0; i < count; ++i) {
@@ -167,30 +168,30 @@ void TestRecordKeyboardTrack::validAfterEveryCheckpoint()
             typed << "41 1 " + frame;
         }
         play({"checkpoint"});
-        QCOMPARE(recordsUnderWay(file()), typed);
+        QCOMPARE(recordsOfUnfinished(file()), typed);
     }
     play({"pause", "checkpoint"});
-    QCOMPARE(recordsUnderWay(file()), typed);
+    QCOMPARE(recordsOfUnfinished(file()), typed);
     play({"start", "checkpoint"});
-    QCOMPARE(recordsUnderWay(file()), QStringList());
+    QCOMPARE(recordsOfUnfinished(file()), QStringList());
 
-    // A directory that takes no new file, as on a full disk, does not cost what still fits into the old one.
+    // Records that fit into the existing file are written even where no new file can be created, as on a full disk.
     play({"42 1"});
     QVERIFY(QFile::rename(m_dir->filePath("deep"), m_dir->filePath("elsewhere")));
     play({"stop"});
-    QCOMPARE(recordsUnderWay(readFile(m_dir->filePath("elsewhere/Keyboard/keyboard.keymeta"))).mid(0, 1),
+    QCOMPARE(recordsOfUnfinished(readFile(m_dir->filePath("elsewhere/Keyboard/keyboard.keymeta"))).mid(0, 1),
              QStringList{"42 1 1256"});
     QCOMPARE(m_failures, QStringList());
 }
 
-void TestRecordKeyboardTrack::discardedKeysLeaveTheMemory()
+void RecordKeyboardTrackTest::discardedKeysLeaveTheMemory()
 {
-    // Two records in a row, disguised so as not to be found here.
+    // Two consecutive records, encoded so that the search does not find this variable.
     QByteArray records = QByteArray::fromHex("34 12 5e 4c 01 00 00 00 39 30 00 00 35 12 5e 4c 01 00 00 00 39 30 00 00");
     for (char &byte : records)
         byte = char(byte ^ '\x5a');
 
-    // So many that what is left of them in freed memory is not all used again before it is looked for.
+    // Enough of them that some would remain in freed memory until the search.
     QStringList type{"frame 12345"};
     for (int i = 0; i < 300; ++i)
         type << "4c5e1234 1"
@@ -198,13 +199,13 @@ void TestRecordKeyboardTrack::discardedKeysLeaveTheMemory()
     type << "checkpoint";
     for (const QStringList &end : {QStringList{"pause", "start"}, QStringList{"stop"}}) {
         play(QStringList{"start"} + type);
-        QVERIFY2(isInMemory(records), "the search finds what is there");
+        QVERIFY2(isInMemory(records), "the search must find them while they are kept");
         play(end);
         QVERIFY(!isInMemory(records));
     }
 }
 
-void TestRecordKeyboardTrack::unwritableFile()
+void RecordKeyboardTrackTest::unwritableFile()
 {
     QVERIFY(QDir().mkpath(path() + "/occupied"));
     LogCapture log;
@@ -215,5 +216,5 @@ void TestRecordKeyboardTrack::unwritableFile()
     QCOMPARE(QDir(m_dir->filePath("deep/Keyboard")).entryList(QDir::Files), QStringList());
 }
 
-QTEST_MAIN(TestRecordKeyboardTrack)
+QTEST_MAIN(RecordKeyboardTrackTest)
 #include "tst_record_keyboard_track.moc"

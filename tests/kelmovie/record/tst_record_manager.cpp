@@ -17,7 +17,7 @@
 
 namespace
 {
-/// A manager with tracks of the test's, whose clock moves only when told to.
+/// A manager with tracks and a clock that the test controls.
 class TestedManager : public KelRecordTrackManager
 {
 public:
@@ -29,7 +29,7 @@ public:
     }
     using KelRecordTrackManager::addTrack;
 
-    /// One expiry of the timer, after `ms`.
+    /// One timeout of the frame timer, after `ms`.
     void tick(qint64 ms)
     {
         m_nowMs += ms;
@@ -41,7 +41,7 @@ private:
 };
 } // namespace
 
-class TestRecordManager : public QObject
+class RecordManagerTest : public QObject
 {
     Q_OBJECT
 
@@ -76,17 +76,17 @@ private:
     std::unique_ptr<TestedManager> m_manager;
 };
 
-void TestRecordManager::init()
+void RecordManagerTest::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
 }
 
-void TestRecordManager::cleanup()
+void RecordManagerTest::cleanup()
 {
     m_manager.reset();
 }
 
-void TestRecordManager::createManager(int fps, const QRect &area)
+void RecordManagerTest::createManager(int fps, const QRect &area)
 {
     KelRecordTrackManager::Config config;
     config.directory = m_dir->filePath("recording");
@@ -95,14 +95,14 @@ void TestRecordManager::createManager(int fps, const QRect &area)
     m_manager = std::make_unique<TestedManager>(area, config, m_nowMs);
 }
 
-GatedTrack *TestRecordManager::addTrack()
+GatedTrack *RecordManagerTest::addTrack()
 {
     auto *track = new GatedTrack;
     m_manager->addTrack(track);
     return track;
 }
 
-KelRecordingMetadata TestRecordManager::metadata() const
+KelRecordingMetadata RecordManagerTest::metadata() const
 {
     KelRecordingMetadata metadata;
     metadata.durationMs = -1;
@@ -110,19 +110,19 @@ KelRecordingMetadata TestRecordManager::metadata() const
     return metadata;
 }
 
-void TestRecordManager::durationExcludesPauses()
+void RecordManagerTest::durationExcludesPauses()
 {
     createManager();
-    m_manager->stopRecording(); // of nothing
+    m_manager->stopRecording(); // nothing is recorded yet
     QVERIFY(!QFileInfo::exists(m_dir->filePath("recording/TrackManager.meta")));
     m_manager->startRecording();
     m_manager->tick(40);
     m_nowMs += 103;
     m_manager->pauseRecording();
     m_nowMs += 5000;
-    m_manager->pauseRecording(); // no second pause begins
+    m_manager->pauseRecording(); // already paused
     m_manager->startRecording();
-    m_manager->startRecording(); // nor a second resume
+    m_manager->startRecording(); // already resumed
     m_nowMs += 60;
     m_manager->tick(7);
     m_manager->pauseRecording();
@@ -134,14 +134,14 @@ void TestRecordManager::durationExcludesPauses()
     QCOMPARE(metadata().actualRecordedFrames, 2);
 }
 
-void TestRecordManager::totalFramesFollowTheDuration()
+void RecordManagerTest::totalFramesFollowTheDuration()
 {
     struct Case {
         int fps;
         qint64 durationMs;
         qint64 totalFrames;
     };
-    // Whole, truncated, beyond 32 bits; where nothing was recorded they are the ticks.
+    // Exact, truncated, beyond 32 bits; without a duration, the number of ticks.
     for (const Case &c : {Case{24, 10000, 240}, {30, 999, 29}, {60, 100000000, 6000000}, {25, 0, 3}}) {
         createManager(c.fps);
         m_manager->startRecording();
@@ -156,7 +156,7 @@ void TestRecordManager::totalFramesFollowTheDuration()
     }
 }
 
-void TestRecordManager::ticksReachTheTrackOnlyWhileRecording()
+void RecordManagerTest::ticksReachTheTrackOnlyWhileRecording()
 {
     createManager();
     GatedTrack *track = addTrack();
@@ -170,13 +170,13 @@ void TestRecordManager::ticksReachTheTrackOnlyWhileRecording()
     m_manager->stopRecording();
     m_manager->tick(40);
     QTRY_VERIFY(track->calls(0).contains("stop 1 40"));
-    // A worker that is behind gets no frame and no checkpoint, but all of these.
+    // A worker that lags skips frames and checkpoints, but never these.
     const QStringList calls = track->calls(0).filter(QRegularExpression("^(start|pause|stop)"));
     QCOMPARE(calls, (QStringList{"start", "pause", "start", "pause", "stop 1 40"}));
     QVERIFY(!track->calls(0).contains("frame 1"));
 }
 
-void TestRecordManager::metadataIsKeptUpToDate()
+void RecordManagerTest::metadataIsKeptUpToDate()
 {
     createManager();
     m_manager->startRecording();
@@ -200,7 +200,7 @@ void TestRecordManager::metadataIsKeptUpToDate()
              QStringList{"TrackManager.meta"});
 }
 
-void TestRecordManager::unwritableMetadataIsReportedAtTheStop()
+void RecordManagerTest::unwritableMetadataIsReportedAtTheStop()
 {
     createManager();
     QVERIFY(QDir(m_dir->path()).mkpath("recording/TrackManager.meta.tmp/occupied"));
@@ -210,25 +210,25 @@ void TestRecordManager::unwritableMetadataIsReportedAtTheStop()
     QCOMPARE(takenFailures().size(), 1);
 }
 
-void TestRecordManager::failuresOfTracksAreCollected()
+void RecordManagerTest::failuresOfTracksAreCollected()
 {
     createManager();
     auto *early = new GatedTrack;
-    early->reportFailure("Early track", "before anybody listened");
+    early->reportFailure("Early track", "before the handler was set");
     m_manager->addTrack(early);
-    QCOMPARE(takenFailures(), QStringList{"Early track: before anybody listened"});
+    QCOMPARE(takenFailures(), QStringList{"Early track: before the handler was set"});
 
     GatedTrack *track = addTrack();
-    QSignalSpy signalled(m_manager.get(), &KelRecordTrackManager::trackFailed);
+    QSignalSpy failures(m_manager.get(), &KelRecordTrackManager::trackFailed);
     track->reportFailure("Left ear", "first");
     track->reportFailure("Left ear", "second");
     track->reportFailure("Right ear", "first");
-    QCOMPARE(signalled.count(), 2);
+    QCOMPARE(failures.count(), 2);
     QCOMPARE(takenFailures(), (QStringList{"Left ear: first", "Right ear: first"}));
     QCOMPARE(takenFailures(), QStringList());
 }
 
-void TestRecordManager::releaseWaitsForTheQueuedStop()
+void RecordManagerTest::releaseWaitsForTheQueuedStop()
 {
     createManager();
     std::mutex mutex;
@@ -254,7 +254,7 @@ void TestRecordManager::releaseWaitsForTheQueuedStop()
                                                  std::make_unique<ScriptedEncoder>(script)));
     m_manager->startRecording();
     QTRY_VERIFY((m_manager->tick(40), std::lock_guard(mutex), frameEntered));
-    m_manager->stopRecording(); // gives up waiting for the frame and queues the stop behind it
+    m_manager->stopRecording(); // stops waiting for the frame and queues the stop behind it
 
     bool overtaken = false;
     std::thread opener([&] {
@@ -271,7 +271,7 @@ void TestRecordManager::releaseWaitsForTheQueuedStop()
     QVERIFY(QFileInfo(m_dir->filePath("recording/Screen/frame_indexes.dat")).size() > 8);
 }
 
-void TestRecordManager::destructionStopsTheRecording()
+void RecordManagerTest::destructionStopsTheRecording()
 {
     createManager();
     GatedTrack *track = addTrack();
@@ -284,7 +284,7 @@ void TestRecordManager::destructionStopsTheRecording()
     QCOMPARE(metadata().durationMs, qint64(80));
 }
 
-void TestRecordManager::timerTicksTruncatedMilliseconds()
+void RecordManagerTest::timerTicksTruncatedMilliseconds()
 {
     const QMap<int, int> intervals{{1, 1000}, {24, 41}, {25, 40}, {30, 33}, {60, 16}, {1000, 1}};
     for (auto it = intervals.begin(); it != intervals.end(); ++it) {
@@ -295,5 +295,5 @@ void TestRecordManager::timerTicksTruncatedMilliseconds()
     }
 }
 
-QTEST_MAIN(TestRecordManager)
+QTEST_MAIN(RecordManagerTest)
 #include "tst_record_manager.moc"

@@ -15,7 +15,7 @@
 
 namespace
 {
-const QRect Area(100, 50, 200, 100);
+const QRect kArea(100, 50, 200, 100);
 
 KelCursorShape shape(const QString &type)
 {
@@ -31,7 +31,7 @@ QPoint point(const QString &text)
 }
 } // namespace
 
-class TestRecordMouseTrack : public QObject
+class RecordMouseTrackTest : public QObject
 {
     Q_OBJECT
 
@@ -41,7 +41,7 @@ private slots:
     void recordsByTheRules();
     void filesByteForByte();
     void cursorsAreSavedOncePerShape();
-    void fullDiskLosesNothing();
+    void eventsSurviveAFullDisk();
     void unwritableFileLeavesTheOthers();
 
 private:
@@ -56,24 +56,24 @@ private:
     QStringList m_failures;
 };
 
-void TestRecordMouseTrack::init()
+void RecordMouseTrackTest::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
     m_failures.clear();
-    // Whether the pointer was there is remembered from one recording to the next.
+    // The state of the pointer is kept from one recording to the next; start each test with a visible one.
     play(*createTrack(), {"at 150,70 arrow", "frame 0"});
 }
 
-std::unique_ptr<KelRecordMouseTrack> TestRecordMouseTrack::createTrack()
+std::unique_ptr<KelRecordMouseTrack> RecordMouseTrackTest::createTrack()
 {
-    auto track = std::make_unique<KelRecordMouseTrack>(Area, m_dir->path());
+    auto track = std::make_unique<KelRecordMouseTrack>(kArea, m_dir->path());
     track->setFailureHandler(
         [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
     return track;
 }
 
 /// "at X,Y SHAPE", "gone", "frame N", "button CODE STATE X,Y", "wheel DELTA", "capture 0|1", "checkpoint"
-void TestRecordMouseTrack::play(KelRecordMouseTrack &track, const QStringList &steps)
+void RecordMouseTrackTest::play(KelRecordMouseTrack &track, const QStringList &steps)
 {
     for (const QString &step : steps) {
         const QStringList words = step.split(' ');
@@ -96,13 +96,13 @@ void TestRecordMouseTrack::play(KelRecordMouseTrack &track, const QStringList &s
     }
 }
 
-void TestRecordMouseTrack::recordsByTheRules_data()
+void RecordMouseTrackTest::recordsByTheRules_data()
 {
     const TestTable<QString, QString, QString> row("steps", "moves", "clicks");
     row("only movement is recorded", "at 110,60 arrow; frame 0; frame 1; at 120,60 arrow; frame 3",
         "0 move 10,10 arrow; 3 move 20,10 arrow", "");
     row("starts in the corner", "at 100,50 arrow; frame 0; at 101,50 arrow; frame 1", "1 move 1,0 arrow", "");
-    row("hides once, and returns unannounced",
+    row("hides once, and is not recorded when it reappears",
         "at 110,60 arrow; frame 0; gone; frame 1; frame 2; at 110,60 arrow; frame 3; frame 4; at 111,60 arrow; frame 5",
         "0 move 10,10 arrow; 1 hide -1,-1 ; 5 move 11,10 arrow", "");
     row("leaves over the edge",
@@ -132,7 +132,7 @@ void TestRecordMouseTrack::recordsByTheRules_data()
         "1 move 50,20 arrow; 2 move 11,10 arrow", "2 wheel 11,10  [] 120");
 }
 
-void TestRecordMouseTrack::recordsByTheRules()
+void RecordMouseTrackTest::recordsByTheRules()
 {
     QFETCH(QString, steps);
     const auto track = createTrack();
@@ -149,38 +149,38 @@ void TestRecordMouseTrack::recordsByTheRules()
     QCOMPARE(m_failures, QStringList());
 }
 
-void TestRecordMouseTrack::filesByteForByte()
+void RecordMouseTrackTest::filesByteForByte()
 {
     const qint64 before = QDateTime::currentMSecsSinceEpoch();
     const auto track = createTrack();
     track->startRecording();
     track->checkpoint(0);
     QCOMPARE(readFile(path("mousemoves-0.json")), QByteArray("[\n]\n"));
-    // However it is cut into checkpoints.
+    // Checkpoints in between do not change the result.
     play(*track, {"at 110,60 arrow", "frame 3", "wheel -120", "checkpoint", "checkpoint", "gone", "frame 4",
                   "button 1 1 110,60", "checkpoint"});
     track->stopRecording(5, 1000);
     const qint64 elapsed = QDateTime::currentMSecsSinceEpoch() - before;
 
-    // The file without its timestamps, once they are found to be times since the start.
-    const auto timeless = [&](const QString &name) {
+    // The file without its timestamps, after checking that they count from the start.
+    const auto withoutTimestamps = [&](const QString &name) {
         const QByteArray text = readFile(path(name));
         const QJsonDocument events = QJsonDocument::fromJson(text);
         qint64 last = 0;
         for (const QJsonValue &event : events.array()) {
             const auto timestamp = qint64(event["timestamp"].toDouble(-1));
             if (timestamp < last || timestamp > elapsed)
-                return "wrong time in " + QString(text);
+                return "wrong timestamp in " + QString(text);
             last = timestamp;
         }
         const QRegularExpression time(R"(\s*"timestamp": \d+,)");
-        return text == events.toJson() ? QString(text).remove(time).simplified() : "not as indented: " + text;
+        return text == events.toJson() ? QString(text).remove(time).simplified() : "not indented: " + text;
     };
-    QCOMPARE(timeless("mousemoves-0.json"),
+    QCOMPARE(withoutTimestamps("mousemoves-0.json"),
              QString(R"([ { "action": "move", "cursor": "arrow", "frame": 3, "x": 10, "y": 10 }, )"
                      R"({ "action": "hide", "cursor": "", "frame": 4, "x": -1, "y": -1 } ])"));
     QCOMPARE(
-        timeless("mouseclicks-0.json"),
+        withoutTimestamps("mouseclicks-0.json"),
         QString(R"([ { "action": "wheel", "button": "", "cursor": "", "delta": -120, "frame": 3, "x": 10, "y": 10 }, )"
                 R"({ "action": "click", "button": "left", "cursor": "arrow", "frame": 4, "x": 10, "y": 10 } ])"));
 
@@ -189,7 +189,7 @@ void TestRecordMouseTrack::filesByteForByte()
     QCOMPARE(readFile(path("mouseclicks-0.json")), first);
 }
 
-void TestRecordMouseTrack::cursorsAreSavedOncePerShape()
+void RecordMouseTrackTest::cursorsAreSavedOncePerShape()
 {
     const auto track = createTrack();
     track->startRecording();
@@ -224,7 +224,7 @@ void TestRecordMouseTrack::cursorsAreSavedOncePerShape()
 )"));
 }
 
-void TestRecordMouseTrack::fullDiskLosesNothing()
+void RecordMouseTrackTest::eventsSurviveAFullDisk()
 {
     const auto track = createTrack();
     track->startRecording();
@@ -247,7 +247,7 @@ void TestRecordMouseTrack::fullDiskLosesNothing()
     QCOMPARE(m_failures.size(), 1);
 }
 
-void TestRecordMouseTrack::unwritableFileLeavesTheOthers()
+void RecordMouseTrackTest::unwritableFileLeavesTheOthers()
 {
     const QStringList all{"cursor.json", "cursors/arrow.png", "mouseclicks-0.json", "mousemoves-0.json"};
     for (const QString &obstacle : all) {
@@ -267,5 +267,5 @@ void TestRecordMouseTrack::unwritableFileLeavesTheOthers()
     }
 }
 
-QTEST_MAIN(TestRecordMouseTrack)
+QTEST_MAIN(RecordMouseTrackTest)
 #include "tst_record_mouse_track.moc"

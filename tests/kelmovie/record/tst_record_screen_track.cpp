@@ -25,7 +25,7 @@ QByteArray indexBytes(const QVector<int> &entries)
 }
 } // namespace
 
-class TestRecordScreenTrack : public QObject
+class RecordScreenTrackTest : public QObject
 {
     Q_OBJECT
 
@@ -34,7 +34,7 @@ private slots:
 
     void indexesChangedFrames_data();
     void indexesChangedFrames();
-    void foreignPictureSizeIsRescaled();
+    void framesOfAnotherSizeAreScaled();
     void unexpectedFrameNumberIsLogged();
     void checkpointsLeaveAValidFile();
     void worksWithoutAnEncoder();
@@ -43,7 +43,7 @@ private slots:
     void fullDiskKeepsTheEntriesWritten();
     void lostScreenIsReportedOnce();
     void encoderFailureIsReportedOnce();
-    void releasedTrackLeavesItsFilesAlone();
+    void releasedTrackDoesNotChangeItsFiles();
 
 private:
     std::unique_ptr<KelRecordScreenTrack> createTrack(bool withEncoder = true);
@@ -55,7 +55,7 @@ private:
     QStringList m_failures;
 };
 
-void TestRecordScreenTrack::init()
+void RecordScreenTrackTest::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
     m_script.emplace();
@@ -63,7 +63,7 @@ void TestRecordScreenTrack::init()
     m_failures.clear();
 }
 
-std::unique_ptr<KelRecordScreenTrack> TestRecordScreenTrack::createTrack(bool withEncoder)
+std::unique_ptr<KelRecordScreenTrack> RecordScreenTrackTest::createTrack(bool withEncoder)
 {
     auto track = std::make_unique<KelRecordScreenTrack>(
         QRect(0, 0, 10, 10), m_dir->path(), std::make_unique<ScriptedStreamer>(*m_script),
@@ -73,9 +73,9 @@ std::unique_ptr<KelRecordScreenTrack> TestRecordScreenTrack::createTrack(bool wi
     return track;
 }
 
-void TestRecordScreenTrack::indexesChangedFrames_data()
+void RecordScreenTrackTest::indexesChangedFrames_data()
 {
-    // Logic frames that reach the track, "1-" when nothing has changed, "1b" when the encoder is busy, "1x" when the
+    // The logic frames that reach the track: "1-" if nothing has changed, "1b" if the encoder is busy, "1x" if the
     // screen cannot be read.
     const TestTable<QString, int, QVector<int>> row("ticked", "frameCount", "entries");
 
@@ -91,7 +91,7 @@ void TestRecordScreenTrack::indexesChangedFrames_data()
     row("unreadable screen", "0x 1", 2, Entries{-1, 0});
 }
 
-void TestRecordScreenTrack::indexesChangedFrames()
+void RecordScreenTrackTest::indexesChangedFrames()
 {
     QFETCH(QString, ticked);
     QFETCH(int, frameCount);
@@ -111,7 +111,7 @@ void TestRecordScreenTrack::indexesChangedFrames()
     QCOMPARE(m_failures, QStringList());
 }
 
-void TestRecordScreenTrack::foreignPictureSizeIsRescaled()
+void RecordScreenTrackTest::framesOfAnotherSizeAreScaled()
 {
     const auto track = createTrack();
     LogCapture log;
@@ -126,7 +126,7 @@ void TestRecordScreenTrack::foreignPictureSizeIsRescaled()
     QCOMPARE(log.take(), (QStringList{line, line}));
 }
 
-void TestRecordScreenTrack::unexpectedFrameNumberIsLogged()
+void RecordScreenTrackTest::unexpectedFrameNumberIsLogged()
 {
     const auto track = createTrack();
     LogCapture log;
@@ -140,7 +140,7 @@ void TestRecordScreenTrack::unexpectedFrameNumberIsLogged()
     QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 2}));
 }
 
-void TestRecordScreenTrack::checkpointsLeaveAValidFile()
+void RecordScreenTrackTest::checkpointsLeaveAValidFile()
 {
     const auto track = createTrack();
     track->checkpoint(0);
@@ -148,7 +148,7 @@ void TestRecordScreenTrack::checkpointsLeaveAValidFile()
     track->recordFrame(0);
     track->recordFrame(1);
     m_script->changed = false;
-    track->recordFrame(2); // a still screen advances all the same
+    track->recordFrame(2); // a still screen advances, too
     track->checkpoint(3);
     QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1}));
     m_script->changed = true;
@@ -161,7 +161,7 @@ void TestRecordScreenTrack::checkpointsLeaveAValidFile()
     QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 1, 2, 2, 3, 3}));
 }
 
-void TestRecordScreenTrack::worksWithoutAnEncoder()
+void RecordScreenTrackTest::worksWithoutAnEncoder()
 {
     const auto track = createTrack(false);
     LogCapture log;
@@ -172,7 +172,7 @@ void TestRecordScreenTrack::worksWithoutAnEncoder()
     QCOMPARE(log.take(), QStringList());
 }
 
-void TestRecordScreenTrack::missingVideoIsReported()
+void RecordScreenTrackTest::missingVideoIsReported()
 {
     for (const bool exists : {false, true}) {
         m_script->closes = 0;
@@ -189,7 +189,7 @@ void TestRecordScreenTrack::missingVideoIsReported()
     }
 }
 
-void TestRecordScreenTrack::unwritableIndexIsReported()
+void RecordScreenTrackTest::unwritableIndexIsReported()
 {
     QVERIFY(QDir().mkpath(indexPath() + "/occupied"));
     const auto track = createTrack();
@@ -200,10 +200,10 @@ void TestRecordScreenTrack::unwritableIndexIsReported()
     QCOMPARE(log.take(),
              QStringList{QString("C Failed to open frame index file for writing: \"%1\"").arg(indexPath())});
     QCOMPARE(m_failures.size(), 1);
-    QCOMPARE(m_script->closes, 1); // the video is completed all the same
+    QCOMPARE(m_script->closes, 1); // the video is still completed
 }
 
-void TestRecordScreenTrack::fullDiskKeepsTheEntriesWritten()
+void RecordScreenTrackTest::fullDiskKeepsTheEntriesWritten()
 {
     const auto track = createTrack();
     track->recordFrame(0);
@@ -218,13 +218,13 @@ void TestRecordScreenTrack::fullDiskKeepsTheEntriesWritten()
         QVERIFY2(m_failures[0].contains(FileSizeLimit::errorText()), qPrintable(m_failures[0]));
         QCOMPARE(readFile(indexPath()), indexBytes({0}));
     }
-    // There is room again.
+    // Now there is room again.
     track->stopRecording(4, 100);
     QCOMPARE(readFile(indexPath()), indexBytes({0, 1, 2, 2}));
     QCOMPARE(m_failures.size(), 1);
 }
 
-void TestRecordScreenTrack::lostScreenIsReportedOnce()
+void RecordScreenTrackTest::lostScreenIsReportedOnce()
 {
     const auto track = createTrack();
     track->recordFrame(0);
@@ -239,7 +239,7 @@ void TestRecordScreenTrack::lostScreenIsReportedOnce()
     QCOMPARE(readFile(indexPath()), indexBytes({0, 0, 0, 0}));
 }
 
-void TestRecordScreenTrack::encoderFailureIsReportedOnce()
+void RecordScreenTrackTest::encoderFailureIsReportedOnce()
 {
     const auto track = createTrack();
     m_script->encoderFailed("No space left on device");
@@ -249,7 +249,7 @@ void TestRecordScreenTrack::encoderFailureIsReportedOnce()
     QCOMPARE(m_failures, QStringList{"Screen track: No space left on device"});
 }
 
-void TestRecordScreenTrack::releasedTrackLeavesItsFilesAlone()
+void RecordScreenTrackTest::releasedTrackDoesNotChangeItsFiles()
 {
     const auto track = createTrack();
     track->recordFrame(0);
@@ -262,5 +262,5 @@ void TestRecordScreenTrack::releasedTrackLeavesItsFilesAlone()
     QCOMPARE(m_script->closes, 1);
 }
 
-QTEST_MAIN(TestRecordScreenTrack)
+QTEST_MAIN(RecordScreenTrackTest)
 #include "tst_record_screen_track.moc"

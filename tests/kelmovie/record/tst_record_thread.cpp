@@ -7,9 +7,9 @@
 
 using std::chrono::milliseconds;
 
-/// The track's thread runs freely; the GUI thread's event loop runs only where a test lets it. That is what the cases
-/// are about: completions are delivered late.
-class TestRecordThread : public QObject
+/// The track's thread runs freely, but the GUI thread's event loop only where a test runs it, so that completions are
+/// delivered late.
+class RecordThreadTest : public QObject
 {
     Q_OBJECT
 
@@ -19,16 +19,16 @@ private slots:
 
     void callsTheTrackInOrderOnItsThread();
     void busyTrackRefusesFrames();
-    void pauseAndStopAreForcedBehindALongFrame();
+    void pauseAndStopAreQueuedBehindALongFrame();
     void stopWaitsForAShortFrame();
-    void finishedButUnheardRequestsDoNotBlock();
+    void undeliveredCompletionsDoNotBlock();
     void lateCompletionDoesNotFreeABusyTrack();
-    void checkpointsDoNotPileUp();
+    void checkpointsDoNotAccumulate();
     void drainIsBounded();
     void destructorCompletesTheStop();
 
 private:
-    /// What a stop logs, with the end of its waiting.
+    /// The log of a stop; `ended` is how its wait ends.
     static QStringList stopLog(const QString &ended)
     {
         return {"W [KelRecordTrackThreadWrap::stopRecording] ========== 开始 ==========",
@@ -42,21 +42,21 @@ private:
     std::unique_ptr<KelRecordTrackThreadWrap> m_thread;
 };
 
-void TestRecordThread::init()
+void RecordThreadTest::init()
 {
     m_track = new GatedTrack;
     m_thread = std::make_unique<KelRecordTrackThreadWrap>(m_track);
     QVERIFY(m_thread->isRunning());
 }
 
-void TestRecordThread::cleanup()
+void RecordThreadTest::cleanup()
 {
     if (m_thread)
         m_track->open();
     m_thread.reset();
 }
 
-void TestRecordThread::callsTheTrackInOrderOnItsThread()
+void RecordThreadTest::callsTheTrackInOrderOnItsThread()
 {
     QCOMPARE(m_track->thread(), m_thread.get());
     m_thread->startRecording();
@@ -69,7 +69,7 @@ void TestRecordThread::callsTheTrackInOrderOnItsThread()
     QCOMPARE(m_thread->trackFrameCount(), 0);
 }
 
-void TestRecordThread::busyTrackRefusesFrames()
+void RecordThreadTest::busyTrackRefusesFrames()
 {
     m_track->close();
     QVERIFY(m_thread->triggerFrame(0));
@@ -80,12 +80,12 @@ void TestRecordThread::busyTrackRefusesFrames()
     }
     m_track->open();
     QVERIFY(m_thread->drain(milliseconds(20000)));
-    QVERIFY(!m_thread->triggerFrame(10)); // the GUI thread has not heard of the end yet
+    QVERIFY(!m_thread->triggerFrame(10)); // the completion has not been delivered yet
     QVERIFY(QTest::qWaitFor([this] { return m_thread->triggerFrame(11); }));
     QCOMPARE(m_track->calls(2), (QStringList{"frame 0", "frame 11"}));
 }
 
-void TestRecordThread::pauseAndStopAreForcedBehindALongFrame()
+void RecordThreadTest::pauseAndStopAreQueuedBehindALongFrame()
 {
     LogCapture log;
     m_track->close();
@@ -101,13 +101,13 @@ void TestRecordThread::pauseAndStopAreForcedBehindALongFrame()
     QCOMPARE(m_track->calls(3), (QStringList{"frame 0", "pause", "stop 1 20"}));
 }
 
-void TestRecordThread::stopWaitsForAShortFrame()
+void RecordThreadTest::stopWaitsForAShortFrame()
 {
     LogCapture log;
     m_track->close();
     m_thread->triggerFrame(0);
     m_track->calls(1);
-    // Opened by the stop itself, which logs before it waits.
+    // The stop logs before it waits; that line opens the track.
     const auto previous = qInstallMessageHandler(nullptr);
     static GatedTrack *track;
     static QtMessageHandler next;
@@ -115,7 +115,7 @@ void TestRecordThread::stopWaitsForAShortFrame()
     next = previous;
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &text) {
         next(type, context, text);
-        if (text.contains(QStringLiteral("超时 1000 ms")))
+        if (text.contains("超时 1000 ms"))
             track->open();
     });
     m_thread->stopRecording(1, 20);
@@ -123,12 +123,12 @@ void TestRecordThread::stopWaitsForAShortFrame()
     QCOMPARE(log.take(), stopLog("线程已空闲"));
 }
 
-void TestRecordThread::finishedButUnheardRequestsDoNotBlock()
+void RecordThreadTest::undeliveredCompletionsDoNotBlock()
 {
     LogCapture log;
     m_thread->startRecording();
     m_track->calls(1);
-    // No completion is delivered in between: all happens in one event handler.
+    // As in one event handler: no completion is delivered in between.
     m_thread->pauseRecording();
     m_thread->startRecording();
     m_thread->pauseRecording();
@@ -137,12 +137,12 @@ void TestRecordThread::finishedButUnheardRequestsDoNotBlock()
     QCOMPARE(log.take(), QStringList());
 }
 
-void TestRecordThread::lateCompletionDoesNotFreeABusyTrack()
+void RecordThreadTest::lateCompletionDoesNotFreeABusyTrack()
 {
     m_thread->triggerFrame(0);
     QVERIFY(m_thread->drain(milliseconds(20000)));
     m_track->close();
-    m_thread->pauseRecording(); // without delay: the worker is done with the frame
+    m_thread->pauseRecording(); // does not wait: the worker has finished the frame
     m_track->calls(2);
     deliverCompletions(); // of the frame
     QVERIFY(!m_thread->triggerFrame(1));
@@ -150,7 +150,7 @@ void TestRecordThread::lateCompletionDoesNotFreeABusyTrack()
     QVERIFY(QTest::qWaitFor([this] { return m_thread->triggerFrame(2); }));
 }
 
-void TestRecordThread::checkpointsDoNotPileUp()
+void RecordThreadTest::checkpointsDoNotAccumulate()
 {
     m_track->close();
     m_thread->triggerFrame(0);
@@ -166,7 +166,7 @@ void TestRecordThread::checkpointsDoNotPileUp()
     QCOMPARE(m_track->calls(0).last(), QString("checkpoint 500"));
 }
 
-void TestRecordThread::drainIsBounded()
+void RecordThreadTest::drainIsBounded()
 {
     m_track->close();
     m_thread->stopRecording(5, 200);
@@ -176,7 +176,7 @@ void TestRecordThread::drainIsBounded()
     QCOMPARE(m_track->calls(0), QStringList{"stop 5 200"});
 }
 
-void TestRecordThread::destructorCompletesTheStop()
+void RecordThreadTest::destructorCompletesTheStop()
 {
     LogCapture log;
     QStringList calls;
@@ -191,5 +191,5 @@ void TestRecordThread::destructorCompletesTheStop()
     QVERIFY(log.take().filter("destructor timeout").isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestRecordThread)
+QTEST_GUILESS_MAIN(RecordThreadTest)
 #include "tst_record_thread.moc"

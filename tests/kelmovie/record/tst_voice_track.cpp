@@ -16,10 +16,10 @@ using namespace kel;
 
 namespace
 {
-constexpr double SpeakersHz = 1000;
-constexpr double MicrophoneHz = 440;
+constexpr double kSpeakersHz = 1000;
+constexpr double kMicrophoneHz = 440;
 
-/// The one file that is not a part.
+/// The only file that is not a part.
 QString wholeFile(const QString &directory, const QString &pattern)
 {
     QStringList files = QDir(directory).entryList({pattern}, QDir::Files);
@@ -31,23 +31,23 @@ QString wholeFile(const QString &directory, const QString &pattern)
 
 } // namespace
 
-class tst_voice_track : public QObject
+class VoiceTrackTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void recordsBothAcrossPauses();
-    void startsAndStopsAgainAndAgain();
-    void knowsSilence();
-    void goesOnWithoutSound();
+    void startsAndStopsRepeatedly();
+    void detectsSilence();
+    void continuesWithoutSound();
 };
 
-/// The tones play all the time: of each source there is one file, with its tone only, as long as the recording.
-void tst_voice_track::recordsBothAcrossPauses()
+/// While tones play, each source has one file that is as long as the recording and contains only its own tone.
+void VoiceTrackTest::recordsBothAcrossPauses()
 {
     const QTemporaryDir directory;
-    const Tone::Player speakers("speakers", SpeakersHz, 60000);
-    const Tone::Player microphone("microphone", MicrophoneHz, 60000);
+    const Tone::Player speakers("speakers", kSpeakersHz, 60000);
+    const Tone::Player microphone("microphone", kMicrophoneHz, 60000);
     KelMultiTrackRecorder recorder;
     QSignalSpy errors(&recorder, &KelMultiTrackRecorder::recordingError);
     KelMultiTrackRecorder::RecordConfig config;
@@ -74,8 +74,8 @@ void tst_voice_track::recordsBothAcrossPauses()
     QVERIFY(durationMs >= 2300);
     const QString voice = config.outputDir + "/Voice";
     QCOMPARE(QDir(voice).entryList(QDir::Files).size(), 2);
-    for (const auto &[pattern, hz, otherHz] : {std::tuple{"system_audio_*.wav", SpeakersHz, MicrophoneHz},
-                                               std::tuple{"microphone_*.wav", MicrophoneHz, SpeakersHz}}) {
+    for (const auto &[pattern, hz, otherHz] : {std::tuple{"system_audio_*.wav", kSpeakersHz, kMicrophoneHz},
+                                               std::tuple{"microphone_*.wav", kMicrophoneHz, kSpeakersHz}}) {
         WavHeader header;
         const QVector<float> samples = SoundFile::exactSamples(wholeFile(voice, pattern), &header);
         const int rate = int(header.sampleRate);
@@ -90,13 +90,13 @@ void tst_voice_track::recordsBothAcrossPauses()
             heard += Tone::level(part, hz, rate) > 0.4 ? 1 : 0;
             QVERIFY2(Tone::level(part, otherHz, rate) < 0.1, "sound of the other source");
         }
-        // Each stretch may miss its tone for a moment: a device takes a while to begin, and a busy machine plays late.
+        // Some of the tone may be missing in each section: devices start with a delay, and a busy machine plays late.
         QVERIFY2(heard * 50 > durationMs / 3,
                  qPrintable(QString("%1: %2 of %3 ms of tone").arg(pattern).arg(heard * 50).arg(durationMs)));
     }
 }
 
-void tst_voice_track::startsAndStopsAgainAndAgain()
+void VoiceTrackTest::startsAndStopsRepeatedly()
 {
     const QTemporaryDir directory;
     for (int i = 0; i < 5; ++i) {
@@ -108,7 +108,7 @@ void tst_voice_track::startsAndStopsAgainAndAgain()
         track.setSystemAudioEnabled(true);
         track.setMicrophoneEnabled(true);
         track.startRecording();
-        if (i % 2 == 0) // once in the same moment, once with events in between
+        if (i % 2 == 0) // alternately at once and with events in between
             QTest::qWait(150);
         track.pauseRecording();
         track.startRecording();
@@ -124,7 +124,7 @@ void tst_voice_track::startsAndStopsAgainAndAgain()
     }
 }
 
-void tst_voice_track::knowsSilence()
+void VoiceTrackTest::detectsSilence()
 {
     const QTemporaryDir directory;
     const QString path = directory.filePath("sound.wav");
@@ -134,7 +134,7 @@ void tst_voice_track::knowsSilence()
     QVERIFY(Sound::make(3.0, Sound::tone(440, 0.1, 2.9)).save(path, false) && !MicrophoneBackend::isSilent(path));
 }
 
-void tst_voice_track::goesOnWithoutSound()
+void VoiceTrackTest::continuesWithoutSound()
 {
     std::mutex mutex;
     const auto failuresOf = [&](bool isMicrophone) {
@@ -166,5 +166,5 @@ void tst_voice_track::goesOnWithoutSound()
     QCOMPARE(failures, QStringList{"Microphone track: there is no microphone"});
 }
 
-QTEST_MAIN(tst_voice_track)
+QTEST_MAIN(VoiceTrackTest)
 #include "tst_voice_track.moc"

@@ -24,9 +24,8 @@ void Translations::install(const QString &language)
     const QLocale locale = language.isEmpty() ? QLocale::system() : QLocale(language);
     QLocale::setDefault(locale);
     const QString ownFolder = QStringLiteral(":/i18n");
-    // The English catalogs hold the plural forms. They come first because the latest translator has precedence.
-    for (const char *part : {"kelmovie", "keldock"})
-        ::install(QLocale(QLocale::English), QLatin1String(part), ownFolder);
+    // The English plural forms. They come first because the latest translator has precedence.
+    ::install(QLocale(QLocale::English), QStringLiteral("keldock"), ownFolder);
     // Qt's own texts come with the system, or with the program where it is installed without a system-wide Qt.
     ::install(locale, QStringLiteral("qtbase"), QLibraryInfo::location(QLibraryInfo::TranslationsPath));
     for (const char *part : {"qtbase", "kelmovie", "keldock"})

@@ -8,6 +8,7 @@
 #include "play/PlaybackStrip.h"
 #include "play/SettingsSidebar.h"
 #include "play/export/RecordingExport.h"
+#include "play/export/SaveFileDialog.h"
 #include "play/player/Player.h"
 #include "widgets/FileManager.h"
 #include "widgets/NoticeBar.h"

@@ -24,6 +24,7 @@ namespace
 struct Message {
     QString source;
     QStringList translations;
+    bool isPlural = false;
     bool isFinished = true;
 };
 
@@ -38,7 +39,8 @@ QList<Message> currentMessages(const QString &catalog, const QStringList &folder
     lupdate.setWorkingDirectory(KEL_SOURCE_DIR);
     lupdate.start(KEL_LUPDATE,
                   QStringList{"-silent", "-I", "platform", "-I", "kelmovie", "-no-obsolete", "-locations", "none"} +
-                      folders + QStringList{"-ts", copy});
+                      (catalog.endsWith("_en.ts") ? QStringList{"-pluralonly"} : QStringList()) + folders +
+                      QStringList{"-ts", copy});
     if (!lupdate.waitForFinished(60000) || lupdate.exitCode() != 0)
         return {};
 
@@ -52,12 +54,14 @@ QList<Message> currentMessages(const QString &catalog, const QStringList &folder
             continue;
         if (xml.name() == QLatin1String("message")) {
             messages.append(Message{});
+            messages.last().isPlural = xml.attributes().hasAttribute("numerus");
         } else if (xml.name() == QLatin1String("source")) {
             messages.last().source = xml.readElementText();
         } else if (xml.name() == QLatin1String("translation")) {
             messages.last().isFinished = !xml.attributes().hasAttribute("type");
             const QString text = xml.readElementText(QXmlStreamReader::IncludeChildElements).trimmed();
-            messages.last().translations.append(text);
+            messages.last().translations =
+                messages.last().isPlural ? text.split(QRegularExpression("\\s*\n\\s*")) : QStringList{text};
         }
     }
     return xml.hasError() ? QList<Message>{} : messages;
@@ -89,6 +93,7 @@ void TranslationsTest::catalogIsComplete_data()
     QTest::addColumn<QString>("catalog");
     QTest::addColumn<QStringList>("folders");
     QTest::newRow("module") << "kelmovie_zh_CN.ts" << QStringList{"platform", "kelmovie"};
+    QTest::newRow("English plurals of the host") << "keldock_en.ts" << QStringList{"keldock"};
     QTest::newRow("host") << "keldock_zh_CN.ts" << QStringList{"keldock"};
 }
 

@@ -17,7 +17,7 @@ constexpr double kMinLeadMs = -25;
 constexpr double kMaxLeadMs = 500;
 
 constexpr double kSmoothingMs = 400;
-constexpr double kMaxWeight = 0.25; // limits the effect of one sample after this thread was blocked
+constexpr double kMaxWeight = 0.25; // limits the effect of one measurement after this thread was blocked
 constexpr double kToleratedLagMs = 40;
 constexpr double kCorrectedLagMs = 5;
 constexpr double kLostLagMs = 150;

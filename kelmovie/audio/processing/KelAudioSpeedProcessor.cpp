@@ -31,7 +31,7 @@ void gatherFixed(const char *frames, const std::vector<int> &sources, int count,
         std::memcpy(out + qint64(i) * FrameBytes, frames + qint64(sources[i] - sources[0]) * FrameBytes, FrameBytes);
 }
 
-/// Copies the frames named by `sources` from a block that begins with the first of them.
+/// Copies the frames with the numbers in `sources` from `frames`, a block that begins with the first of them.
 void gather(const char *frames, qint64 frameBytes, const std::vector<int> &sources, int count, char *out)
 {
     switch (frameBytes) { // the usual sizes, whose loops the compiler can vectorize
@@ -47,7 +47,7 @@ void gather(const char *frames, qint64 frameBytes, const std::vector<int> &sourc
     }
 }
 
-/// Returns the largest magnitude among the finite samples or `peak`. Samples that are not finite become 0.
+/// Returns the peak of the finite samples, at least `peak`. Samples that are not finite become 0.
 float convertFloatToInt16(const char *floats, qint64 count, float gain, float peak, char *out)
 {
     constexpr qint32 infinity = 0x7f800000;

@@ -18,7 +18,7 @@ public:
     int outFrames() const { return m_outFrames; }
     double speed() const { return m_speed; }
 
-    /// Stores the input frames of `count` output frames from `first` on, in ascending order.
+    /// Stores the input frames of `count` output frames from `first` on, in non-decreasing order.
     void sourceFrames(int first, int count, int *sources) const;
 
 private:

@@ -42,7 +42,7 @@ public:
         WavHeader header;
         const QVector<float> samples = SoundFile::exactSamples(path(), &header);
         const bool isExpectedFormat = header.formatTag == WavHeader::kIeeeFloat && header.blockAlign == sizeof(float) &&
-                                      header.sampleRate == ScriptedAudioDevice::Rate;
+                                      header.sampleRate == ScriptedAudioDevice::kRate;
         return isExpectedFormat ? samples : QVector<float>();
     }
 
@@ -225,7 +225,7 @@ void SystemAudioTest::formats()
     device.mix.Format.wFormatTag = WORD(tag);
     device.mix.Format.wBitsPerSample = WORD(bits);
     device.mix.Format.nBlockAlign = WORD(bits / 8);
-    device.mix.Format.nAvgBytesPerSec = DWORD(bits / 8 * ScriptedAudioDevice::Rate);
+    device.mix.Format.nAvgBytesPerSec = DWORD(bits / 8 * ScriptedAudioDevice::kRate);
     Session session(device);
     device.setMode(ScriptedAudioDevice::Mode::Silenced);
     QVERIFY(session.record->start());
@@ -235,7 +235,7 @@ void SystemAudioTest::formats()
     device.advance(200);
     session.record->stopRecording();
 
-    WavHeader expected = WavHeader::pcm(ScriptedAudioDevice::Rate, 1, quint16(fileBits));
+    WavHeader expected = WavHeader::pcm(ScriptedAudioDevice::kRate, 1, quint16(fileBits));
     expected.formatTag = quint16(fileTag);
     expected.setDataSize(500 * expected.blockAlign);
     const QByteArray file = readFile(session.path());

@@ -19,8 +19,8 @@
 class ScriptedAudioDevice
 {
 public:
-    static constexpr int StepMs = 10;
-    static constexpr int Rate = 1000;
+    static constexpr int kStepMs = 10;
+    static constexpr int kRate = 1000;
 
     enum class Mode {
         Idle,     ///< nothing is played, so there are no packets
@@ -34,9 +34,9 @@ public:
     {
         mix.Format.wFormatTag = WAVE_FORMAT_EXTENSIBLE;
         mix.Format.nChannels = 1;
-        mix.Format.nSamplesPerSec = Rate;
+        mix.Format.nSamplesPerSec = kRate;
         mix.Format.nBlockAlign = sizeof(float);
-        mix.Format.nAvgBytesPerSec = Rate * sizeof(float);
+        mix.Format.nAvgBytesPerSec = kRate * sizeof(float);
         mix.Format.wBitsPerSample = 32;
         mix.Format.cbSize = sizeof(WAVEFORMATEXTENSIBLE) - sizeof(WAVEFORMATEX);
         mix.SubFormat = KSDATAFORMAT_SUBTYPE_IEEE_FLOAT;
@@ -112,7 +112,7 @@ private:
         }
         if (m_mode == Mode::Playing || m_mode == Mode::Silenced || m_mode == Mode::Stalled)
             makePacket();
-        m_nowMs += StepMs;
+        m_nowMs += kStepMs;
     }
 
     void makePacket()
@@ -120,7 +120,7 @@ private:
         Packet packet;
         packet.recordedAtMs = m_nowMs;
         packet.flags = m_mode == Mode::Silenced ? AUDCLNT_BUFFERFLAGS_SILENT : 0;
-        for (int i = 0; i < StepMs; ++i)
+        for (int i = 0; i < kStepMs; ++i)
             packet.samples.push_back(float(m_nowMs + i));
         m_packets.push_back(packet);
     }

@@ -8,7 +8,7 @@
 
 #include <initializer_list>
 
-/// WAV files made by hand, and read.
+/// Makes and reads WAV files.
 namespace SoundFile
 {
 
@@ -27,7 +27,7 @@ inline QByteArray wav(quint32 rate, quint16 bits, const QByteArray &samples, qui
     return header.toBytes() + samples;
 }
 
-/// Each sample is the number of its frame, so that what is heard tells its place. No gain touches 32-bit integers.
+/// Each sample is the number of its frame, which identifies its position. 32-bit integers are never amplified.
 inline QByteArray numbered(quint32 rate, int frames)
 {
     QByteArray samples(frames * 4, Qt::Uninitialized);
@@ -41,7 +41,7 @@ inline qint32 numberAt(const QByteArray &samples, int offset)
     return qFromLittleEndian<qint32>(samples.constData() + offset / 4 * 4);
 }
 
-/// The first channel of a file whose header describes it exactly, floats or 16-bit integers; empty for any other.
+/// The first channel of a file of floats or 16-bit integers; empty unless the header describes the file exactly.
 inline QVector<float> exactSamples(const QString &path, kel::WavHeader *header)
 {
     const QByteArray bytes = readFile(path);

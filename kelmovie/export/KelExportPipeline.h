@@ -21,17 +21,18 @@ class KELMOVIE_EXPORT KelExportMonitor
 public:
     /// What the export is doing.
     struct Status {
+        /// The steps of an export, in their order.
         enum class Stage {
             Frames,    ///< composing and encoding; units are frames of the output
             Finishing, ///< the encoder completes the file; units are frames of the output
             Sound,     ///< the sound is being added; units are thousandths
             Saving,    ///< the file is being moved to its destination; units are bytes
         };
-        Stage stage = Stage::Frames;
-        qint64 done = 0;         ///< units done, 0 to `units`
-        qint64 units = 0;        ///< size of the stage
-        qint64 elapsedMs = 0;    ///< in this stage
-        qint64 remainingMs = -1; ///< in this stage, estimated; -1 while unknown
+        Stage stage = Stage::Frames; ///< the current step
+        qint64 done = 0;             ///< units done, 0 to `units`
+        qint64 units = 0;            ///< size of the stage
+        qint64 elapsedMs = 0;        ///< in this stage
+        qint64 remainingMs = -1;     ///< in this stage, estimated; -1 while unknown
     };
 
     virtual ~KelExportMonitor();
@@ -73,7 +74,7 @@ public:
 
     /// The step at which the export failed; None on success and when cancelled.
     enum class Failure { None, Video, Sound, Exception };
-    Failure failure() const;
+    Failure failure() const; ///< Failure::None after success and cancellation
 
 private:
     friend class kel::ExportInternals;

@@ -9,6 +9,7 @@ class KelPlaybackTrackManager;
 
 /// What to export, and how. A plain record, copied by the classes that take it.
 struct KelExportRequest {
+    /// Output formats.
     enum Format { Mp4 = 0, Gif = 1, Apng = 2, WebP = 3 };
 
     int format = Mp4;     ///< a Format, as in the setting playbackEncodeFormat

@@ -29,6 +29,7 @@ class KELMOVIE_EXPORT KelPlaybackTrackManager : public QObject
     Q_OBJECT
 
 public:
+    /// The states of playback.
     enum State { Playing = 0, Paused = 1, Stopped = 2 };
     Q_ENUM(State)
 
@@ -49,7 +50,7 @@ public:
     /// The metadata as read, with defaults for what could not be read. Valid as long as the manager.
     const KelRecordingMetadata &metadata() const;
 
-    State state() const;
+    State state() const; ///< the playback state
     /// 0 to totalFrames() - 1.
     int currentFrame() const;
     /// Number of logic frames of the recording, at least 1.
@@ -112,9 +113,9 @@ signals:
     void sigFrameChanged(int frame);
     /// Playback reached the end or was stopped.
     void sigPlaybackStopped();
-    void sigPlaybackStarted();
-    void sigPlaybackPaused();
-    void sigPlaybackSpeedChanged(double speed);
+    void sigPlaybackStarted();                  ///< playback started or resumed
+    void sigPlaybackPaused();                   ///< playback paused
+    void sigPlaybackSpeedChanged(double speed); ///< speed() changed
     /// The sound cannot be played because there is no device; the video continues. Emitted once until a device has
     /// been available again.
     void sigSoundDeviceFailed();

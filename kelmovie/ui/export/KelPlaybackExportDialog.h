@@ -24,6 +24,7 @@ class KELMOVIE_EXPORT KelPlaybackExportDialog : public QDialog, private KelExpor
     Q_OBJECT
 
 public:
+    /// exec() starts the export.
     explicit KelPlaybackExportDialog(const KelExportRequest &request, QWidget *parent = nullptr);
     ~KelPlaybackExportDialog() override;
 

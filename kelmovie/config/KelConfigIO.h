@@ -16,14 +16,14 @@ class KelConfigIO
 public:
     virtual ~KelConfigIO() = default;
 
-    virtual void bindFont(const QString &key, QFont *field) = 0;
-    virtual void bindString(const QString &key, QString *field) = 0; ///< never called by the module
-    virtual void bindColor(const QString &key, QColor *field) = 0;
-    virtual void bindBool(const QString &key, bool *field) = 0;
-    virtual void bindInt(const QString &key, int *field) = 0;
+    virtual void bindFont(const QString &key, QFont *field) = 0;           ///< binds a font
+    virtual void bindString(const QString &key, QString *field) = 0;       ///< never called by the module
+    virtual void bindColor(const QString &key, QColor *field) = 0;         ///< binds a color
+    virtual void bindBool(const QString &key, bool *field) = 0;            ///< binds a switch
+    virtual void bindInt(const QString &key, int *field) = 0;              ///< binds a number
     virtual void saveFont(const QString &key, const QFont &value) = 0;     ///< never called by the module
     virtual void saveString(const QString &key, const QString &value) = 0; ///< never called by the module
-    virtual void saveColor(const QString &key, const QColor &value) = 0;
-    virtual void saveBool(const QString &key, bool value) = 0;
-    virtual void saveInt(const QString &key, int value) = 0;
+    virtual void saveColor(const QString &key, const QColor &value) = 0;   ///< saves a color
+    virtual void saveBool(const QString &key, bool value) = 0;             ///< saves a switch
+    virtual void saveInt(const QString &key, int value) = 0;               ///< saves a number
 };

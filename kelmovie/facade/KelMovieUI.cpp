@@ -3,6 +3,8 @@
 #include "audio/processing/TrimmedAudio.h"
 #include "facade/KelMultiTrackRecorder.h"
 
+#include <KelMovie/KelMovieVersion.h>
+
 KelMovieUI::KelMovieUI(QObject *parent)
     : QObject(parent)
 {
@@ -22,5 +24,5 @@ QString KelMovieUI::createTrimmedAudioFile(const QString &audioPath, int startMs
 
 QString KelMovieUI::version()
 {
-    return QStringLiteral("2.0.0-multitrack");
+    return QStringLiteral(KELMOVIE_VERSION_STRING "-multitrack");
 }

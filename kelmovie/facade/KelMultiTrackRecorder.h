@@ -23,15 +23,16 @@ class KELMOVIE_EXPORT KelMultiTrackRecorder : public QObject
     Q_OBJECT
 
 public:
+    /// What the next recording records, and where.
     struct RecordConfig {
         QString outputDir = QStringLiteral("./KelRecordData"); ///< recording directory, created if missing
         int fps = 25;                                          ///< logic frames per second, 1 to 1000
-        bool enableScreen = true;
-        bool enableMouse = true;
+        bool enableScreen = true;                              ///< record the screen
+        bool enableMouse = true;                               ///< record pointer, buttons and wheel
         bool mouseCaptureEnabled = true; ///< whether the mouse track records buttons and wheel from the start
-        bool enableKeyboard = false;
-        bool enableSystemAudio = false;
-        bool enableMicrophone = false;
+        bool enableKeyboard = false;     ///< record keys, everything typed included
+        bool enableSystemAudio = false;  ///< record the sound that the computer plays
+        bool enableMicrophone = false;   ///< record the microphone
     };
 
     explicit KelMultiTrackRecorder(QObject *parent = nullptr);
@@ -41,14 +42,14 @@ public:
     /// The rectangle to record, in logical pixels of the desktop; initially empty. Takes effect at the next start,
     /// which extends odd sides by one pixel.
     void setRecordArea(const QRect &area);
-    QRect recordArea() const;
+    QRect recordArea() const; ///< the area set last
 
     /// Takes effect at the next start.
     void setRecordConfig(const RecordConfig &config);
-    RecordConfig recordConfig() const;
+    RecordConfig recordConfig() const; ///< the configuration set last
 
     bool isRecording() const; ///< also while paused
-    bool isPaused() const;
+    bool isPaused() const;    ///< a recording is paused
 
     /// Starts a recording, or resumes a paused one. False while recording, and on failure, which is reported by
     /// recordingError() and leaves no files behind.
@@ -99,11 +100,11 @@ public:
     QString lastError() const;
 
 signals:
-    void recordingStarted();
+    void recordingStarted(); ///< a recording has started
     /// The recording has ended, by stopRecording() or at its frame limit. A slot may start the next one.
     void recordingStopped();
-    void recordingPaused();
-    void recordingResumed();
+    void recordingPaused();  ///< the recording is paused
+    void recordingResumed(); ///< the recording goes on after a pause
 
     /// An operation failed, or a track of the running recording, whose other tracks continue. The text is English; that
     /// of a track begins with the track's name and a colon.

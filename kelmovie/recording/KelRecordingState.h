@@ -9,6 +9,7 @@
 class KELMOVIE_EXPORT KelRecordingState
 {
 public:
+    /// Whether, and how, the recording has ended.
     enum class State {
         Complete,   ///< recorded to the end
         InProgress, ///< incomplete, and written to within the last seconds

@@ -11,13 +11,14 @@
 class KELMOVIE_EXPORT KelMovieSelfTest
 {
 public:
+    /// The result of one check.
     struct Check {
-        QString name;
+        QString name;         ///< what is checked, for headings
         QStringList findings; ///< what was found or done, one line each
         QStringList warnings; ///< what is missing although nothing is broken, one line each
         QString error;        ///< why the check failed, in one line; empty if it passed
 
-        bool passed() const { return error.isEmpty(); }
+        bool passed() const { return error.isEmpty(); } ///< true when there is no error
     };
 
     KelMovieSelfTest() = delete;

@@ -416,15 +416,11 @@
         <translation>完成</translation>
     </message>
     <message>
-        <source>Exporting...</source>
-        <translation>正在导出...</translation>
-    </message>
-    <message>
         <source>Frame %1 of %2, about %3 left</source>
         <translation>第 %1 帧，共 %2 帧，约剩 %3</translation>
     </message>
     <message>
-        <source>Frame %1 of %2, %3 so far</source>
+        <source>Frame %1 of %2, %3 elapsed</source>
         <translation>第 %1 帧，共 %2 帧，已用 %3</translation>
     </message>
     <message>
@@ -432,15 +428,15 @@
         <translation>正在完成文件，约剩 %1</translation>
     </message>
     <message>
-        <source>Finishing the file, %1 so far</source>
+        <source>Finishing the file, %1 elapsed</source>
         <translation>正在完成文件，已用 %1</translation>
     </message>
     <message>
-        <source>Adding the sound, about %1 left</source>
+        <source>Adding sound, about %1 left</source>
         <translation>正在加入声音，约剩 %1</translation>
     </message>
     <message>
-        <source>Adding the sound, %1 so far</source>
+        <source>Adding sound, %1 elapsed</source>
         <translation>正在加入声音，已用 %1</translation>
     </message>
     <message>
@@ -448,7 +444,7 @@
         <translation>正在保存文件，约剩 %1</translation>
     </message>
     <message>
-        <source>Saving the file, %1 so far</source>
+        <source>Saving the file, %1 elapsed</source>
         <translation>正在保存文件，已用 %1</translation>
     </message>
     <message>
@@ -472,8 +468,12 @@
         <translation>导出完成</translation>
     </message>
     <message>
-        <source>The exported file lacks something</source>
-        <translation>导出的文件不完整</translation>
+        <source>Exported with problems</source>
+        <translation>导出的文件有问题</translation>
+    </message>
+    <message>
+        <source>Exporting...</source>
+        <translation>正在导出...</translation>
     </message>
 </context>
 <context>

@@ -5,10 +5,15 @@
 #include "notification/KelMsgBox.h"
 #include "notification/KelToastsMessage.h"
 #include "text/ClockText.h"
+#include "ui/export/ExportDialogInternals.h"
 #include "ui_KelPlaybackExportDialog.h"
 
+#include <KelMovie/KelExportPipeline.h>
+
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QLocale>
+#include <QPointer>
 #include <QTimer>
 
 using namespace kel;
@@ -16,11 +21,192 @@ using namespace kel;
 namespace
 {
 
-// Between two looks at the mouse: short enough for a button to feel alive, long enough to cost nothing.
+// How often events are processed: often enough for responsive buttons, too rarely to slow down the export.
 constexpr int kEventIntervalMs = 20;
 constexpr int kToastMs = 3000;
 
 } // namespace
+
+class Q_DECL_HIDDEN KelPlaybackExportDialog::Private : public KelExportMonitor
+{
+public:
+    Private(KelPlaybackExportDialog *dialog, const KelExportRequest &wanted, const KelExportDependencies &dependencies);
+
+    void exportProgress(int percent) override;
+    void exportStatus(const Status &status) override;
+    bool isExportCancelled() override;
+
+    void runExport();
+    void showFailure();
+    void showWarning();
+    static QString statusText(const Status &status);
+    void showCompletePage();
+    void minimizeApplication();
+    void restoreApplication();
+    void notifyAutoExit(bool on) const;
+
+    KelPlaybackExportDialog *const q;
+    Ui::KelPlaybackExportDialog ui;
+    const KelExportRequest request;
+    const std::unique_ptr<KelExportPipeline> pipeline;
+    QElapsedTimer sinceEvents;
+    QPointer<QWidget> minimized;
+    bool isCancelled = false;
+    bool isComplete = false;
+    bool exitRecord = false;
+};
+
+KelPlaybackExportDialog::Private::Private(KelPlaybackExportDialog *dialog, const KelExportRequest &wanted,
+                                          const KelExportDependencies &dependencies)
+    : q(dialog)
+    , request(wanted)
+    , pipeline(ExportInternals::createPipeline(request, this, dependencies))
+{
+    ui.setupUi(q);
+    ui.stackedWidget->setCurrentWidget(ui.pageExporting);
+    ui.progressBar->setValue(0);
+    ui.progressBarComplete->setValue(100);
+    connect(ui.btnMinimize, &QPushButton::clicked, q, [this] { minimizeApplication(); });
+    connect(ui.btnCancel, &QPushButton::clicked, q, &KelPlaybackExportDialog::reject);
+    connect(ui.btnExitRecord, &QPushButton::clicked, q, [this] {
+        exitRecord = true;
+        q->accept();
+    });
+    connect(ui.btnComplete, &QPushButton::clicked, q, [this] {
+        exitRecord = ui.cboxAutoExit->isChecked();
+        notifyAutoExit(exitRecord);
+        q->accept();
+    });
+}
+
+void KelPlaybackExportDialog::Private::exportProgress(int percent)
+{
+    ui.progressBar->setValue(percent);
+}
+
+void KelPlaybackExportDialog::Private::exportStatus(const Status &status)
+{
+    ui.labelStatus->setText(statusText(status));
+}
+
+QString KelPlaybackExportDialog::Private::statusText(const Status &status)
+{
+    const bool isKnown = status.remainingMs >= 0;
+    const QString time =
+        ClockText::minutesSeconds(isKnown ? (status.remainingMs + 999) / 1000 : status.elapsedMs / 1000, 1);
+    switch (status.stage) {
+    case Status::Stage::Frames: {
+        const QLocale locale;
+        const QString text = isKnown ? tr("Frame %1 of %2, about %3 left") : tr("Frame %1 of %2, %3 elapsed");
+        return text.arg(locale.toString(status.done), locale.toString(status.units), time);
+    }
+    case Status::Stage::Finishing:
+        return (isKnown ? tr("Finishing the file, about %1 left") : tr("Finishing the file, %1 elapsed")).arg(time);
+    case Status::Stage::Sound:
+        return (isKnown ? tr("Adding sound, about %1 left") : tr("Adding sound, %1 elapsed")).arg(time);
+    case Status::Stage::Saving:
+        return (isKnown ? tr("Saving the file, about %1 left") : tr("Saving the file, %1 elapsed")).arg(time);
+    }
+    return QString();
+}
+
+bool KelPlaybackExportDialog::Private::isExportCancelled()
+{
+    if (!sinceEvents.isValid() || sinceEvents.hasExpired(kEventIntervalMs)) {
+        QCoreApplication::processEvents();
+        sinceEvents.start();
+    }
+    return isCancelled;
+}
+
+void KelPlaybackExportDialog::Private::runExport()
+{
+    const bool hasFile = pipeline->run();
+    restoreApplication();
+    if (!hasFile) {
+        if (!isCancelled)
+            showFailure();
+        q->QDialog::reject();
+        return;
+    }
+    isComplete = true;
+    showWarning();
+    if (isCancelled) { // too late
+        q->accept();
+        return;
+    }
+    const bool autoExits = request.fromRecording && request.autoExitAfterEncode;
+    if (autoExits) {
+        exitRecord = true;
+        KelToastsMessage::showMessage(nullptr, KelToastsMessage::Success, tr("Encoding completed."), kToastMs, true,
+                                      false);
+    } else {
+        showCompletePage();
+    }
+    // Only after a recording does the complete page offer a choice.
+    if (!request.fromRecording || autoExits)
+        q->accept();
+}
+
+void KelPlaybackExportDialog::Private::showFailure()
+{
+    const QString problem = pipeline->errorString();
+    const QString title = tr("Export Error");
+    switch (pipeline->failure()) {
+    case KelExportPipeline::Failure::Exception:
+        KelMsgBox::critical(q, title, problem);
+        break;
+    case KelExportPipeline::Failure::Sound:
+        KelMsgBox::critical(q, title, tr("Failed to mix audio and video tracks"), problem);
+        break;
+    case KelExportPipeline::Failure::Video:
+    case KelExportPipeline::Failure::None:
+        KelMsgBox::critical(q, title, tr("Failed to generate video track"), problem);
+        break;
+    }
+}
+
+void KelPlaybackExportDialog::Private::showWarning()
+{
+    const QString warning = pipeline->warningString();
+    if (!warning.isEmpty())
+        KelMsgBox::warning(q, tr("Export Complete"), tr("Exported with problems"), warning);
+}
+
+void KelPlaybackExportDialog::Private::showCompletePage()
+{
+    q->setWindowTitle(tr("Export Complete"));
+    ui.cboxAutoExit->setChecked(request.autoExitAfterEncode);
+    ui.cboxAutoExit->setVisible(request.fromRecording);
+    ui.btnExitRecord->setVisible(request.fromRecording);
+    connect(ui.cboxAutoExit, &QCheckBox::toggled, q, [this](bool on) { notifyAutoExit(on); });
+    ui.stackedWidget->setCurrentWidget(ui.pageComplete);
+    ui.btnComplete->setFocus();
+}
+
+void KelPlaybackExportDialog::Private::minimizeApplication()
+{
+    QWidget *window = QApplication::activeWindow() ? QApplication::activeWindow() : q;
+    while (window->parentWidget())
+        window = window->parentWidget();
+    window->showMinimized();
+    minimized = window;
+}
+
+/// Without a taskbar, the user could not restore the window.
+void KelPlaybackExportDialog::Private::restoreApplication()
+{
+    if (!minimized || !minimized->isMinimized())
+        return;
+    minimized->setWindowState(minimized->windowState() & ~Qt::WindowMinimized);
+    q->activateWindow();
+}
+
+void KelPlaybackExportDialog::Private::notifyAutoExit(bool on) const
+{
+    if (request.onExitRecord)
+        request.onExitRecord(on);
+}
 
 KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request, QWidget *parent)
     : KelPlaybackExportDialog(request, KelExportDependencies::real(), parent)
@@ -30,27 +216,10 @@ KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request
 KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request,
                                                  const KelExportDependencies &dependencies, QWidget *parent)
     : QDialog(parent)
-    , m_ui(std::make_unique<Ui::KelPlaybackExportDialog>())
-    , m_request(request)
-    , m_pipeline(ExportInternals::createPipeline(m_request, this, dependencies))
+    , d(std::make_unique<Private>(this, request, dependencies))
 {
-    m_ui->setupUi(this);
     setWindowTitle(tr("Exporting..."));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    m_ui->stackedWidget->setCurrentWidget(m_ui->pageExporting);
-    m_ui->progressBar->setValue(0);
-    m_ui->progressBarComplete->setValue(100);
-    connect(m_ui->btnMinimize, &QPushButton::clicked, this, &KelPlaybackExportDialog::minimizeApplication);
-    connect(m_ui->btnCancel, &QPushButton::clicked, this, &KelPlaybackExportDialog::reject);
-    connect(m_ui->btnExitRecord, &QPushButton::clicked, this, [this] {
-        m_exitRecord = true;
-        accept();
-    });
-    connect(m_ui->btnComplete, &QPushButton::clicked, this, [this] {
-        m_exitRecord = m_ui->cboxAutoExit->isChecked();
-        tellAutoExit(m_exitRecord);
-        accept();
-    });
 }
 
 KelPlaybackExportDialog::~KelPlaybackExportDialog() = default;
@@ -60,151 +229,34 @@ bool KelPlaybackExportDialog::run(const KelExportRequest &request, QWidget *pare
     KelPlaybackExportDialog dialog(request, parent);
     const bool isAccepted = dialog.exec() == Accepted;
     if (cancelled)
-        *cancelled = dialog.m_cancelled;
+        *cancelled = dialog.d->isCancelled;
     return isAccepted;
+}
+
+bool KelPlaybackExportDialog::exitRecord() const
+{
+    return d->exitRecord;
 }
 
 int KelPlaybackExportDialog::exec()
 {
-    QTimer::singleShot(0, this, &KelPlaybackExportDialog::runExport);
+    QTimer::singleShot(0, this, [this] { d->runExport(); });
     return QDialog::exec();
 }
 
 void KelPlaybackExportDialog::reject()
 {
-    if (m_isComplete) {
+    if (d->isComplete) {
         accept();
         return;
     }
-    m_cancelled = true;
+    d->isCancelled = true;
     QDialog::reject();
 }
 
-void KelPlaybackExportDialog::exportProgress(int percent)
+std::unique_ptr<KelPlaybackExportDialog> ExportDialogInternals::createDialog(const KelExportRequest &request,
+                                                                             const KelExportDependencies &dependencies,
+                                                                             QWidget *parent)
 {
-    m_ui->progressBar->setValue(percent);
-}
-
-void KelPlaybackExportDialog::exportStatus(const Status &status)
-{
-    m_ui->labelStatus->setText(statusText(status));
-}
-
-QString KelPlaybackExportDialog::statusText(const Status &status)
-{
-    const bool isKnown = status.remainingMs >= 0;
-    const QString time =
-        ClockText::minutesSeconds(isKnown ? (status.remainingMs + 999) / 1000 : status.elapsedMs / 1000, 1);
-    switch (status.stage) {
-    case Status::Stage::Frames: {
-        const QLocale locale;
-        const QString text = isKnown ? tr("Frame %1 of %2, about %3 left") : tr("Frame %1 of %2, %3 so far");
-        return text.arg(locale.toString(status.done), locale.toString(status.units), time);
-    }
-    case Status::Stage::Finishing:
-        return (isKnown ? tr("Finishing the file, about %1 left") : tr("Finishing the file, %1 so far")).arg(time);
-    case Status::Stage::Sound:
-        return (isKnown ? tr("Adding the sound, about %1 left") : tr("Adding the sound, %1 so far")).arg(time);
-    case Status::Stage::Saving:
-        return (isKnown ? tr("Saving the file, about %1 left") : tr("Saving the file, %1 so far")).arg(time);
-    }
-    return QString();
-}
-
-bool KelPlaybackExportDialog::isExportCancelled()
-{
-    if (!m_sinceEvents.isValid() || m_sinceEvents.hasExpired(kEventIntervalMs)) {
-        QCoreApplication::processEvents();
-        m_sinceEvents.start();
-    }
-    return m_cancelled;
-}
-
-void KelPlaybackExportDialog::runExport()
-{
-    const bool isComplete = m_pipeline->run();
-    restoreApplication();
-    if (!isComplete) {
-        if (!m_cancelled)
-            tellFailure();
-        QDialog::reject();
-        return;
-    }
-    m_isComplete = true;
-    tellWarning();
-    if (m_cancelled) { // too late
-        accept();
-        return;
-    }
-    const bool exitsByItself = m_request.fromRecording && m_request.autoExitAfterEncode;
-    if (exitsByItself) {
-        m_exitRecord = true;
-        KelToastsMessage::showMessage(nullptr, KelToastsMessage::Success, tr("Encoding completed."), kToastMs, true,
-                                      false);
-    } else {
-        showCompletePage();
-    }
-    // Only after a recording is there something to decide.
-    if (!m_request.fromRecording || exitsByItself)
-        accept();
-}
-
-void KelPlaybackExportDialog::tellFailure()
-{
-    const QString problem = m_pipeline->errorString();
-    const QString title = tr("Export Error");
-    switch (m_pipeline->failure()) {
-    case KelExportPipeline::Failure::Exception:
-        KelMsgBox::critical(this, title, problem);
-        break;
-    case KelExportPipeline::Failure::Sound:
-        KelMsgBox::critical(this, title, tr("Failed to mix audio and video tracks"), problem);
-        break;
-    case KelExportPipeline::Failure::Video:
-    case KelExportPipeline::Failure::None:
-        KelMsgBox::critical(this, title, tr("Failed to generate video track"), problem);
-        break;
-    }
-}
-
-void KelPlaybackExportDialog::tellWarning()
-{
-    const QString warning = m_pipeline->warningString();
-    if (!warning.isEmpty())
-        KelMsgBox::warning(this, tr("Export Complete"), tr("The exported file lacks something"), warning);
-}
-
-void KelPlaybackExportDialog::showCompletePage()
-{
-    setWindowTitle(tr("Export Complete"));
-    m_ui->cboxAutoExit->setChecked(m_request.autoExitAfterEncode);
-    m_ui->cboxAutoExit->setVisible(m_request.fromRecording);
-    m_ui->btnExitRecord->setVisible(m_request.fromRecording);
-    connect(m_ui->cboxAutoExit, &QCheckBox::toggled, this, &KelPlaybackExportDialog::tellAutoExit);
-    m_ui->stackedWidget->setCurrentWidget(m_ui->pageComplete);
-    m_ui->btnComplete->setFocus();
-}
-
-void KelPlaybackExportDialog::minimizeApplication()
-{
-    QWidget *window = QApplication::activeWindow() ? QApplication::activeWindow() : this;
-    while (window->parentWidget())
-        window = window->parentWidget();
-    window->showMinimized();
-    m_minimized = window;
-}
-
-/// Where there is no taskbar, the user has no other way back to it.
-void KelPlaybackExportDialog::restoreApplication()
-{
-    if (!m_minimized || !m_minimized->isMinimized())
-        return;
-    m_minimized->setWindowState(m_minimized->windowState() & ~Qt::WindowMinimized);
-    activateWindow();
-}
-
-void KelPlaybackExportDialog::tellAutoExit(bool on) const
-{
-    if (m_request.onExitRecord)
-        m_request.onExitRecord(on);
+    return std::unique_ptr<KelPlaybackExportDialog>(new KelPlaybackExportDialog(request, dependencies, parent));
 }

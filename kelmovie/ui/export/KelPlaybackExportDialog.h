@@ -1,72 +1,52 @@
 #pragma once
 
-#include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelExportRequest.h>
 #include <KelMovie/KelMovieGlobal.h>
 
 #include <QDialog>
-#include <QElapsedTimer>
-#include <QPointer>
 
 #include <memory>
 
 struct KelExportDependencies;
 
-namespace Ui
+namespace kel
 {
-class KelPlaybackExportDialog;
-}
+class ExportDialogInternals;
+} // namespace kel
 
-/// The modal dialog in which an export runs: progress, cancel, and after a recording the question whether to leave the
-/// recording mode. A window that was minimised from it comes back when the export is over. Needs a QApplication.
-class KELMOVIE_EXPORT KelPlaybackExportDialog : public QDialog, private KelExportMonitor
+/// The modal dialog in which an export runs. It shows the progress, can be canceled and reports failures in a message
+/// box; after a recording it then asks whether to exit recording mode. A window that was minimized from it is restored
+/// at the end. Needs a QApplication. GUI thread.
+class KELMOVIE_EXPORT KelPlaybackExportDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// exec() starts the export.
+    /// Copies the request. Its playback manager must outlive the export.
     explicit KelPlaybackExportDialog(const KelExportRequest &request, QWidget *parent = nullptr);
     ~KelPlaybackExportDialog() override;
 
-    /// Exports in a dialog of its own. True when the file is complete; what went wrong has been told to the user then.
-    /// `cancelled`, when given, tells whether the user gave up.
+    /// Exports in a new dialog. True if the file is complete; a failure has been reported to the user. If `cancelled` is
+    /// not null, it is set to whether the user canceled.
     static bool run(const KelExportRequest &request, QWidget *parent = nullptr, bool *cancelled = nullptr);
 
-    /// The user wants to leave the recording mode, or has said so once for all. Valid after exec().
-    bool exitRecord() const { return m_exitRecord; }
+    /// Whether to exit recording mode, by the user's choice or the setting encodeExitRecordAfterEncode. Valid after
+    /// exec().
+    bool exitRecord() const;
 
 public slots:
-    /// Starts the export and returns when the dialog has closed.
+    /// Runs the export; returns when the dialog is closed. Accepted if the file is complete.
     int exec() override;
 
-    /// While exporting: cancels. Afterwards the file is there, and closing the dialog takes nothing back.
+    /// Cancels a running export. Once the file is complete, closes the dialog as accepted.
     void reject() override;
 
-protected:
-    /// With other encoders, for tests of the module.
+private:
+    friend class kel::ExportDialogInternals;
+
     KelPlaybackExportDialog(const KelExportRequest &request, const KelExportDependencies &dependencies,
                             QWidget *parent);
 
-private:
-    void exportProgress(int percent) override;
-    void exportStatus(const Status &status) override;
-    bool isExportCancelled() override;
-
-    void runExport();
-    void tellFailure();
-    void tellWarning();
-    static QString statusText(const Status &status);
-    void showCompletePage();
-    void minimizeApplication();
-    void restoreApplication();
-    void tellAutoExit(bool on) const;
-
-    const std::unique_ptr<Ui::KelPlaybackExportDialog> m_ui;
-    const KelExportRequest m_request;
-    const std::unique_ptr<KelExportPipeline> m_pipeline;
-    QElapsedTimer m_sinceEvents;
-    QPointer<QWidget> m_minimized;
-    bool m_cancelled = false;
-    bool m_isComplete = false;
-    bool m_exitRecord = false;
+    class Private;
+    std::unique_ptr<Private> d;
 };

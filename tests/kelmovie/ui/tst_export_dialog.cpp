@@ -5,8 +5,9 @@
 #include "notification/KelToastsMessage.h"
 #include "playback/PlaybackEngine.h"
 #include "playback/PlaybackInternals.h"
-#include "ui/export/KelPlaybackExportDialog.h"
+#include "ui/export/ExportDialogInternals.h"
 
+#include <KelMovie/KelPlaybackExportDialog.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QApplication>
@@ -21,20 +22,6 @@
 
 using namespace kel;
 
-namespace
-{
-
-class ScriptedExportDialog : public KelPlaybackExportDialog
-{
-public:
-    ScriptedExportDialog(const KelExportRequest &request, const KelExportDependencies &dependencies, QWidget *parent)
-        : KelPlaybackExportDialog(request, dependencies, parent)
-    {
-    }
-};
-
-} // namespace
-
 class ExportDialogTest : public QObject
 {
     Q_OBJECT
@@ -44,21 +31,21 @@ private slots:
     void closesByItselfAfterPlayback();
     void asksAfterARecording_data();
     void asksAfterARecording();
-    void exitsByItselfAfterARecording();
+    void autoExitsAfterARecording();
     void cancel_data();
     void cancel();
-    void comesBackWhenItIsOver();
-    void tellsWhatTheFileLacks();
-    void tellsWhatFailed_data();
-    void tellsWhatFailed();
+    void restoresMinimizedWindow();
+    void warnsAboutMissingFrames();
+    void reportsFailure_data();
+    void reportsFailure();
 
 private:
-    std::unique_ptr<KelPlaybackExportDialog> makeDialog()
+    std::unique_ptr<KelPlaybackExportDialog> makeDialog(QWidget *parent = nullptr)
     {
-        return std::make_unique<ScriptedExportDialog>(m_request, scriptedEncoders(m_encoder), nullptr);
+        return ExportDialogInternals::createDialog(m_request, scriptedEncoders(m_encoder), parent);
     }
 
-    /// Runs `action` in the dialog's event loop once `isDue`.
+    /// Runs `action` in the event loop of the dialog as soon as `isDue` returns true.
     static void when(const std::function<bool()> &isDue, const std::function<void()> &action)
     {
         auto *const timer = new QTimer(qApp);
@@ -78,7 +65,7 @@ private:
     std::unique_ptr<KelPlaybackTrackManager> m_manager;
     QTemporaryDir m_dir;
     KelExportRequest m_request;
-    QVector<bool> m_told;
+    QVector<bool> m_exitChoices;
 };
 
 void ExportDialogTest::init()
@@ -90,12 +77,12 @@ void ExportDialogTest::init()
     dependencies.decoders = scriptedDecoders(m_decoder);
     m_manager = PlaybackInternals::load(m_recording.path(), dependencies);
     m_manager->seek(7);
-    m_told.clear();
+    m_exitChoices.clear();
     m_request = {};
     m_request.format = 1;
     m_request.outputPath = m_dir.filePath("out.gif");
     m_request.playbackManager = m_manager.get();
-    m_request.onExitRecord = [this](bool on) { m_told.append(on); };
+    m_request.onExitRecord = [this](bool on) { m_exitChoices.append(on); };
 }
 
 void ExportDialogTest::closesByItselfAfterPlayback()
@@ -116,7 +103,7 @@ void ExportDialogTest::closesByItselfAfterPlayback()
     QCOMPARE(m_encoder->frames.size(), 50);
     QCOMPARE(dialog->findChild<QProgressBar *>("progressBar")->value(), 100);
     QVERIFY(!dialog->exitRecord());
-    QVERIFY(m_told.isEmpty());
+    QVERIFY(m_exitChoices.isEmpty());
 }
 
 void ExportDialogTest::asksAfterARecording_data()
@@ -124,12 +111,12 @@ void ExportDialogTest::asksAfterARecording_data()
     QTest::addColumn<bool>("tick");
     QTest::addColumn<QString>("button"); // empty: Escape
     QTest::addColumn<bool>("exits");
-    QTest::addColumn<QVector<bool>>("told");
+    QTest::addColumn<QVector<bool>>("choices");
 
     QTest::newRow("stay") << false << "btnComplete" << false << QVector<bool>{false};
     QTest::newRow("exit from now on") << true << "btnComplete" << true << QVector<bool>{true, true};
     QTest::newRow("exit this time") << false << "btnExitRecord" << true << QVector<bool>{};
-    QTest::newRow("escape takes nothing back") << false << "" << false << QVector<bool>{};
+    QTest::newRow("escape keeps the file") << false << "" << false << QVector<bool>{};
 }
 
 void ExportDialogTest::asksAfterARecording()
@@ -137,7 +124,7 @@ void ExportDialogTest::asksAfterARecording()
     QFETCH(bool, tick);
     QFETCH(QString, button);
     QFETCH(bool, exits);
-    QFETCH(QVector<bool>, told);
+    QFETCH(QVector<bool>, choices);
 
     m_request.fromRecording = true;
     const auto dialog = makeDialog();
@@ -154,10 +141,10 @@ void ExportDialogTest::asksAfterARecording()
          });
     QCOMPARE(dialog->exec(), int(QDialog::Accepted));
     QCOMPARE(dialog->exitRecord(), exits);
-    QCOMPARE(m_told, told);
+    QCOMPARE(m_exitChoices, choices);
 }
 
-void ExportDialogTest::exitsByItselfAfterARecording()
+void ExportDialogTest::autoExitsAfterARecording()
 {
     m_request.fromRecording = true;
     m_request.autoExitAfterEncode = true;
@@ -208,41 +195,41 @@ void ExportDialogTest::cancel()
     QCOMPARE(m_manager->currentFrame(), 7);
 }
 
-void ExportDialogTest::comesBackWhenItIsOver()
+void ExportDialogTest::restoresMinimizedWindow()
 {
     QWidget application;
     application.show();
-    ScriptedExportDialog dialog(m_request, scriptedEncoders(m_encoder), &application);
+    const auto dialog = makeDialog(&application);
     bool wasMinimized = false;
     m_encoder->onFrame = [&](int frame) {
         if (frame == 10)
-            QTest::mouseClick(dialog.findChild<QPushButton *>("btnMinimize"), Qt::LeftButton);
+            QTest::mouseClick(dialog->findChild<QPushButton *>("btnMinimize"), Qt::LeftButton);
         wasMinimized = wasMinimized || application.isMinimized();
     };
-    QCOMPARE(dialog.exec(), int(QDialog::Accepted));
+    QCOMPARE(dialog->exec(), int(QDialog::Accepted));
     QVERIFY(wasMinimized);
     QVERIFY(!application.isMinimized());
 }
 
-void ExportDialogTest::tellsWhatTheFileLacks()
+void ExportDialogTest::warnsAboutMissingFrames()
 {
     for (int frame = 20; frame < 50; ++frame)
         m_decoder->failures[frame] = 100;
     const auto dialog = makeDialog();
-    QString told;
+    QString message;
     const auto box = [] { return qobject_cast<QMessageBox *>(QApplication::activeModalWidget()); };
     when([&] { return box() != nullptr; },
          [&] {
              QTextDocument detail;
              detail.setHtml(box()->informativeText());
-             told = box()->text() + detail.toPlainText();
+             message = box()->text() + detail.toPlainText();
              box()->button(QMessageBox::Ok)->click();
          });
     QCOMPARE(dialog->exec(), int(QDialog::Accepted));
-    QVERIFY2(told.contains("lacks") && told.contains("30 frames"), qPrintable(told));
+    QVERIFY2(message.contains("problems") && message.contains("30 frames"), qPrintable(message));
 }
 
-void ExportDialogTest::tellsWhatFailed_data()
+void ExportDialogTest::reportsFailure_data()
 {
     QTest::addColumn<int>("failAtFrame");
     QTest::addColumn<bool>("throws");
@@ -255,7 +242,7 @@ void ExportDialogTest::tellsWhatFailed_data()
                                << "";
 }
 
-void ExportDialogTest::tellsWhatFailed()
+void ExportDialogTest::reportsFailure()
 {
     QFETCH(int, failAtFrame);
     QFETCH(bool, throws);
@@ -269,20 +256,20 @@ void ExportDialogTest::tellsWhatFailed()
     };
     const auto dialog = makeDialog();
     QString title;
-    QString told;
-    QTextDocument toldDetail;
+    QString message;
+    QTextDocument detailMessage;
     const auto box = [] { return qobject_cast<QMessageBox *>(QApplication::activeModalWidget()); };
     when([&] { return box() != nullptr; },
          [&] {
              title = box()->windowTitle();
-             told = box()->text();
-             toldDetail.setHtml(box()->informativeText());
+             message = box()->text();
+             detailMessage.setHtml(box()->informativeText());
              box()->button(QMessageBox::Ok)->click();
          });
     QCOMPARE(dialog->exec(), int(QDialog::Rejected));
     QCOMPARE(title, QString("Export Error"));
-    QCOMPARE(told, text);
-    QCOMPARE(toldDetail.toPlainText(), detail);
+    QCOMPARE(message, text);
+    QCOMPARE(detailMessage.toPlainText(), detail);
     QCOMPARE(m_manager->currentFrame(), 7);
 }
 

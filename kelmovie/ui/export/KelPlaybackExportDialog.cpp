@@ -131,7 +131,7 @@ void KelPlaybackExportDialog::Private::runExport()
     }
     isComplete = true;
     showWarning();
-    if (isCancelled) { // too late
+    if (isCancelled) { // too late to cancel
         q->accept();
         return;
     }

@@ -26,8 +26,8 @@ public:
     explicit KelPlaybackExportDialog(const KelExportRequest &request, QWidget *parent = nullptr);
     ~KelPlaybackExportDialog() override;
 
-    /// Exports in a new dialog. True if the file is complete; a failure has been reported to the user. If `cancelled` is
-    /// not null, it is set to whether the user canceled.
+    /// Exports in a new dialog. True if the file is complete; a failure has been reported to the user. If `cancelled`
+    /// is not null, it is set to whether the user canceled.
     static bool run(const KelExportRequest &request, QWidget *parent = nullptr, bool *cancelled = nullptr);
 
     /// Whether to exit recording mode, by the user's choice or the setting encodeExitRecordAfterEncode. Valid after

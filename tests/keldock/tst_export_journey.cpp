@@ -109,8 +109,9 @@ void ExportJourneyTest::cancelledExportLeavesNothing()
         return QDir(directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     };
     QProcess process;
+    // Large enough to take many times as long as a look at the directory.
     process.start(KELDOCK_PROGRAM,
-                  {"export", m_recording, directory + "/a.webp", "--speed", "0.1", "--fps", "240", "--quality", "100"});
+                  {"export", m_recording, directory + "/a.webp", "--size", "7680x5760", "--quality", "100"});
     QTRY_VERIFY_WITH_TIMEOUT(entries().size() == 2, Keldock::kLimitMs);
     sendSignal(process, StopSignal::Interrupt);
     const Keldock keldock = Keldock::finish(process);

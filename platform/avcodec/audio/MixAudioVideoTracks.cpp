@@ -57,7 +57,7 @@ bool MixAudioVideoTracks(const QString &videoPath, const QList<AudioTrack> &trac
     // Replaces the target of a symbolic link, not the link.
     const QFileInfo target(output.exists() ? output.canonicalFilePath() : outputPath);
     const QString problem = mixInto(target, videoPath, tracks, progress);
-    if (!problem.isEmpty() && problem != MixJob::kCancelled)
+    if (!problem.isEmpty() && problem != QLatin1String(MixJob::kCancelled))
         qCWarning(kel::logCodec).noquote() << "[MixAudioVideoTracks]" << problem;
     if (error)
         *error = problem;

@@ -223,7 +223,7 @@ int MixJob::result(int code) const
 QString MixJob::errorFor(int code) const
 {
     if (m_isCancelled)
-        return kCancelled;
+        return QLatin1String(kCancelled);
     return code < 0 ? QStringLiteral("Cannot write the mix: %1").arg(errorText(code)) : QString();
 }
 

@@ -20,7 +20,7 @@ class MixJob
 {
 public:
     /// The error of a cancelled job.
-    static constexpr QLatin1String kCancelled{"Cancelled"};
+    static constexpr char kCancelled[] = "Cancelled";
 
     /// Container and progress function must outlive the job.
     MixJob(const MixContainer &container, const QString &path, const MixProgress &progress);

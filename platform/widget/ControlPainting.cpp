@@ -10,7 +10,7 @@ namespace kel
 
 void ControlPainting::paintField(QPainter &painter, const QWidget &widget, double radius)
 {
-    const QPalette palette = widget.palette();
+    const QPalette &palette = widget.palette();
     const bool isLit = widget.isEnabled() && (widget.hasFocus() || widget.underMouse());
     const double line = widget.hasFocus() ? 1.5 : 1;
     painter.setPen(QPen(palette.color(isLit ? QPalette::Highlight : QPalette::Mid), line));

@@ -194,8 +194,9 @@ void KelRecordTrackManager::releaseResources()
 {
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads)) {
         auto *track = qobject_cast<KelRecordScreenTrack *>(thread->track());
-        // The stop may still be queued. Releasing before it has run would lose the end of the recording.
-        if (track && thread->drain(kReleaseWait))
+        // The stop may still be queued. Releasing before it has run would lose the end of the recording, and callers
+        // read the files of all tracks afterwards.
+        if (thread->drain(kReleaseWait) && track)
             track->releaseResources();
     }
     m_tickCostMs.clear();

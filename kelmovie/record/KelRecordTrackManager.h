@@ -56,8 +56,8 @@ public:
     /// Asks every track to finish and writes the metadata. The tracks complete their files on their own threads.
     void stopRecording();
 
-    /// Frees the resources of the screen track once its thread has completed its files. If that takes too long, the
-    /// destructor does it.
+    /// Waits, for a limited time, until all tracks have completed their files, and frees the resources of the screen
+    /// track. If that takes too long, the destructor does it.
     void releaseResources();
 
     /// Null when the recording has no such track. The tracks live on their own threads: callers may only use their

@@ -58,7 +58,7 @@ void PlaybackWindow::load()
 {
     delete m_playback;
     m_playback = nullptr;
-    m_recorder.loadRecording(m_dir);
+    m_recorder.loadRecording(m_dir, KelPlaybackRules::recommended());
     const KelPlaybackTrackManager *const manager = m_recorder.playbackManager();
     if (manager && manager->isValidRecording()) {
         createPlaybackPage();

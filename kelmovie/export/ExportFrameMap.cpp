@@ -50,7 +50,7 @@ ExportFrameMap ExportFrameMap::forExport(const KelPlaybackTrackManager &manager,
 {
     return ExportFrameMap(
         {manager.totalFrames(), manager.fps(), manager.durationMs()},
-        {request.fps, request.speed, request.trimStartMs, request.trimEndMs, request.trimsLongRecordings});
+        {request.fps, request.speed, request.trimStartMs, request.trimEndMs, manager.rules().trimsLongRecordings});
 }
 
 int ExportFrameMap::logicFrame(qint64 i) const

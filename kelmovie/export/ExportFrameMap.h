@@ -24,7 +24,7 @@ public:
         double speed = 1.0; ///< above 0
         int trimStartMs = -1;
         int trimEndMs = -1;               ///< the range is used if both values are 0 or more
-        bool trimsLongRecordings = false; ///< see KelExportRequest
+        bool trimsLongRecordings = false; ///< see KelPlaybackRules
     };
 
     ExportFrameMap(const Recording &recording, const Output &output);

@@ -28,9 +28,6 @@ struct KelExportRequest {
 
     // Fields that were added later:
 
-    /// Computes the frames of the range in 64 bits. By default the product of ms and frames wraps at 32 bits, which
-    /// selects another range in long recordings (from 4 minutes on at 30 frames per second).
-    bool trimsLongRecordings = false;
     int loops = 0; ///< how many times GIF, APNG and WebP play, up to 65535; 0: endlessly
     QSize size;    ///< of the output in pixels; empty: the frame size of the playback manager
 };

@@ -154,10 +154,15 @@ void KelMultiTrackRecorder::setKeyboardRecordingEnabled(bool enabled)
 
 bool KelMultiTrackRecorder::loadRecording(const QString &dir)
 {
+    return loadRecording(dir, KelPlaybackRules());
+}
+
+bool KelMultiTrackRecorder::loadRecording(const QString &dir, const KelPlaybackRules &rules)
+{
     d->playbackManager.reset();
     try {
-        d->playbackManager =
-            std::make_unique<KelPlaybackTrackManager>(dir, gKelMovieConfig.recordEnableHardwareAcceleration, this);
+        d->playbackManager = std::make_unique<KelPlaybackTrackManager>(
+            dir, gKelMovieConfig.recordEnableHardwareAcceleration, rules, this);
     } catch (const std::exception &exception) {
         d->reportError(QStringLiteral("Failed to load recording: %1").arg(QString::fromLocal8Bit(exception.what())));
         return false;

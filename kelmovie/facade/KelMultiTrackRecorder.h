@@ -1,6 +1,7 @@
 #pragma once
 
 #include <KelMovie/KelMovieGlobal.h>
+#include <KelMovie/KelPlaybackRules.h>
 
 #include <QObject>
 #include <QRect>
@@ -78,6 +79,8 @@ public:
     /// playbackManager()->isValidRecording() returns whether anything can be played. False on
     /// failure, after recordingError().
     bool loadRecording(const QString &dir);
+    /// The same with other rules than the default ones.
+    bool loadRecording(const QString &dir, const KelPlaybackRules &rules);
 
     /// The loaded recording, null before loadRecording(). Owned by the recorder and valid until the next load.
     KelPlaybackTrackManager *playbackManager() const;

@@ -23,21 +23,29 @@ const PlaybackEngine &PlaybackInternals::engine(const KelPlaybackTrackManager &m
 }
 
 std::unique_ptr<KelPlaybackTrackManager> PlaybackInternals::load(const QString &recordDir,
-                                                                 const KelPlaybackDependencies &dependencies)
+                                                                 const KelPlaybackDependencies &dependencies,
+                                                                 const KelPlaybackRules &rules)
 {
     return std::unique_ptr<KelPlaybackTrackManager>(
-        new KelPlaybackTrackManager(recordDir, false, dependencies, nullptr));
+        new KelPlaybackTrackManager(recordDir, false, rules, dependencies, nullptr));
 }
 
 KelPlaybackTrackManager::KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode, QObject *parent)
-    : KelPlaybackTrackManager(recordDir, preferHardwareDecode, KelPlaybackDependencies::real(), parent)
+    : KelPlaybackTrackManager(recordDir, preferHardwareDecode, KelPlaybackRules(), parent)
 {
 }
 
 KelPlaybackTrackManager::KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode,
+                                                 const KelPlaybackRules &rules, QObject *parent)
+    : KelPlaybackTrackManager(recordDir, preferHardwareDecode, rules, KelPlaybackDependencies::real(), parent)
+{
+}
+
+KelPlaybackTrackManager::KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode,
+                                                 const KelPlaybackRules &rules,
                                                  const KelPlaybackDependencies &dependencies, QObject *parent)
     : QObject(parent)
-    , d(std::make_unique<Private>(recordDir, preferHardwareDecode, dependencies, this))
+    , d(std::make_unique<Private>(recordDir, preferHardwareDecode, rules, dependencies, this))
 {
 }
 
@@ -61,6 +69,11 @@ QString KelPlaybackTrackManager::recordDir() const
 const KelRecordingMetadata &KelPlaybackTrackManager::metadata() const
 {
     return d->metadata();
+}
+
+const KelPlaybackRules &KelPlaybackTrackManager::rules() const
+{
+    return d->rules();
 }
 
 KelPlaybackTrackManager::State KelPlaybackTrackManager::state() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <KelMovie/KelMovieGlobal.h>
+#include <KelMovie/KelPlaybackRules.h>
 
 #include <QObject>
 #include <QRect>
@@ -37,6 +38,9 @@ public:
     /// isValidRecording() reports whether anything can be shown. `preferHardwareDecode` asks for a hardware H.264
     /// decoder, with a fallback to software. Needs a QGuiApplication.
     KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode, QObject *parent = nullptr);
+    /// The same with other rules than the default ones.
+    KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode, const KelPlaybackRules &rules,
+                            QObject *parent = nullptr);
     ~KelPlaybackTrackManager() override;
 
     /// Whether there is a screen video that can be shown. If not, the recording counts as one frame that paints
@@ -49,6 +53,9 @@ public:
     QString recordDir() const;
     /// The metadata as read, with defaults for what could not be read. Valid as long as the manager.
     const KelRecordingMetadata &metadata() const;
+
+    /// The rules that were passed to the constructor.
+    const KelPlaybackRules &rules() const;
 
     State state() const; ///< the playback state
     /// 0 to totalFrames() - 1.
@@ -123,7 +130,7 @@ signals:
 private:
     friend class kel::PlaybackInternals;
 
-    KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode,
+    KelPlaybackTrackManager(const QString &recordDir, bool preferHardwareDecode, const KelPlaybackRules &rules,
                             const KelPlaybackDependencies &dependencies, QObject *parent);
 
     class Private;

@@ -37,14 +37,15 @@ KelRecordingMetadata loadMetadata(const QString &dir)
 
 } // namespace
 
-PlaybackEngine::PlaybackEngine(const QString &recordDir, bool preferHardwareDecode,
+PlaybackEngine::PlaybackEngine(const QString &recordDir, bool preferHardwareDecode, const KelPlaybackRules &rules,
                                const KelPlaybackDependencies &dependencies, KelPlaybackTrackManager *manager)
     : m_manager(manager)
     , m_dependencies(dependencies)
     , m_timer(manager)
     , m_recordDir(recordDir)
     , m_metadata(loadMetadata(recordDir))
-    , m_tracks(recordDir, m_metadata, preferHardwareDecode, m_dependencies, manager)
+    , m_rules(rules)
+    , m_tracks(recordDir, m_metadata, preferHardwareDecode, m_rules, m_dependencies, manager)
 {
     m_clock.fps = m_metadata.fps;
     m_timer.setTimerType(Qt::PreciseTimer);

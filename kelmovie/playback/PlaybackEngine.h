@@ -26,12 +26,13 @@ public:
     using State = KelPlaybackTrackManager::State;
 
     /// `manager` emits the signals; it is not owned and must outlive this.
-    PlaybackEngine(const QString &recordDir, bool preferHardwareDecode, const KelPlaybackDependencies &dependencies,
-                   KelPlaybackTrackManager *manager);
+    PlaybackEngine(const QString &recordDir, bool preferHardwareDecode, const KelPlaybackRules &rules,
+                   const KelPlaybackDependencies &dependencies, KelPlaybackTrackManager *manager);
     ~PlaybackEngine();
 
     QString recordDir() const { return m_recordDir; }
     const KelRecordingMetadata &metadata() const { return m_metadata; }
+    const KelPlaybackRules &rules() const { return m_rules; }
     const PlaybackTracks &tracks() const { return m_tracks; }
     /// Null when no sound was recorded.
     KelPlaybackVoiceTrack *voiceTrack() const { return m_tracks.voice(); }
@@ -86,6 +87,7 @@ private:
     State m_state = State::Stopped;
     const QString m_recordDir;
     const KelRecordingMetadata m_metadata;
+    const KelPlaybackRules m_rules;
     PlaybackTracks m_tracks;
     PlaybackClock m_clock;
     int m_currentFrame = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <KelMovie/KelPlaybackRules.h>
+
 #include <QString>
 
 #include <memory>
@@ -21,8 +23,8 @@ public:
     static const PlaybackEngine &engine(const KelPlaybackTrackManager &manager);
 
     /// Loads a recording with another clock, other decoders or another sound device.
-    static std::unique_ptr<KelPlaybackTrackManager> load(const QString &recordDir,
-                                                         const KelPlaybackDependencies &dependencies);
+    static std::unique_ptr<KelPlaybackTrackManager>
+    load(const QString &recordDir, const KelPlaybackDependencies &dependencies, const KelPlaybackRules &rules = {});
 };
 
 } // namespace kel

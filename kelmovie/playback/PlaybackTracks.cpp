@@ -22,23 +22,24 @@ namespace kel
 
 /// The order of creation is the painting order, from bottom to top.
 PlaybackTracks::PlaybackTracks(const QString &recordDir, const KelRecordingMetadata &metadata,
-                               bool preferHardwareDecode, const KelPlaybackDependencies &dependencies,
-                               KelPlaybackTrackManager *manager)
+                               bool preferHardwareDecode, const KelPlaybackRules &rules,
+                               const KelPlaybackDependencies &dependencies, KelPlaybackTrackManager *manager)
     : m_manager(manager)
     , m_recordDir(recordDir)
     , m_pixelRatio(metadata.pixelRatio)
+    , m_rules(rules)
     , m_frameSize(metadata.recordArea.size())
 {
     if (metadata.screenTrack)
         createScreen(metadata, preferHardwareDecode, dependencies);
     if (m_frameSize.isEmpty() && m_screen)
         m_frameSize = m_screen->videoSize();
+    createTimeline(metadata);
     if (metadata.mouseTrack)
         createMouse();
     if (metadata.systemAudio || metadata.microphoneAudio)
         createVoice(metadata, dependencies);
     createCountdown(metadata);
-    decideFrameCount(metadata.screenTrack);
     if (metadata.keyboardTrack)
         createKeyboard();
     applySettings();
@@ -52,6 +53,7 @@ template <typename Track>
 Track *PlaybackTracks::add(std::unique_ptr<Track> track)
 {
     Track *const added = track.get();
+    added->setContext(m_timeline, m_rules);
     m_tracks.push_back(std::move(track));
     return added;
 }
@@ -102,12 +104,13 @@ void PlaybackTracks::createCountdown(const KelRecordingMetadata &metadata)
     m_countdown->setScale(m_pixelRatio);
     m_countdown->setFps(metadata.fps);
     m_countdown->setArea(QRect(QPoint(), m_frameSize));
+    m_countdown->setTotalFrames(totalFrames());
 }
 
 void PlaybackTracks::createKeyboard()
 {
     auto track = std::make_unique<KelPlaybackKeyboardTrack>(
-        KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kKeyboardDir), m_totalFrames, m_pixelRatio, m_frameSize,
+        KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kKeyboardDir), totalFrames(), m_pixelRatio, m_frameSize,
         m_manager);
     if (!track->errorString().isEmpty()) {
         qCCritical(logPlayback) << "Keyboard track creation failed:" << track->errorString();
@@ -116,9 +119,10 @@ void PlaybackTracks::createKeyboard()
     m_keyboard = add(std::move(track));
 }
 
-void PlaybackTracks::decideFrameCount(bool isScreenRecorded)
+void PlaybackTracks::createTimeline(const KelRecordingMetadata &metadata)
 {
-    if (!isScreenRecorded) {
+    int frames = 1;
+    if (!metadata.screenTrack) {
         m_errorString = QStringLiteral("The recording has no screen track");
         qCWarning(logPlayback) << "Screen track disabled, cannot determine frame count";
     } else if (!m_screen) {
@@ -126,9 +130,9 @@ void PlaybackTracks::decideFrameCount(bool isScreenRecorded)
     } else if (m_screen->logicFrameCount() <= 0) {
         qCWarning(logPlayback) << "Screen track has no logic frames, using fallback";
     } else {
-        m_totalFrames = m_screen->logicFrameCount();
+        frames = m_screen->logicFrameCount();
     }
-    m_countdown->setTotalFrames(m_totalFrames);
+    m_timeline = RecordingTimeline(frames, metadata.fps, metadata.durationMs);
 }
 
 QStringList PlaybackTracks::names() const

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "recording/RecordingTimeline.h"
+
+#include <KelMovie/KelPlaybackRules.h>
+
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -28,13 +32,16 @@ public:
     /// Creates the tracks that `metadata` lists for `recordDir`; those that cannot be created are logged and left out.
     /// `manager` is only passed on: it may still be under construction.
     PlaybackTracks(const QString &recordDir, const KelRecordingMetadata &metadata, bool preferHardwareDecode,
-                   const KelPlaybackDependencies &dependencies, KelPlaybackTrackManager *manager);
+                   const KelPlaybackRules &rules, const KelPlaybackDependencies &dependencies,
+                   KelPlaybackTrackManager *manager);
     ~PlaybackTracks();
 
     /// Why the recording cannot be shown, as one English line; empty when it can.
     QString errorString() const { return m_errorString; }
+    /// Times and number of the recording's logic frames.
+    const RecordingTimeline &timeline() const { return m_timeline; }
     /// Logic frames of the recording, at least 1.
-    int totalFrames() const { return m_totalFrames; }
+    int totalFrames() const { return m_timeline.totalFrames(); }
     /// Size of a composed frame in logical pixels; may be empty.
     QSize frameSize() const { return m_frameSize; }
     /// Names of the recorded tracks that work, in painting order.
@@ -67,11 +74,13 @@ private:
     void createVoice(const KelRecordingMetadata &metadata, const KelPlaybackDependencies &dependencies);
     void createCountdown(const KelRecordingMetadata &metadata);
     void createKeyboard();
-    void decideFrameCount(bool isScreenRecorded);
+    void createTimeline(const KelRecordingMetadata &metadata);
 
     KelPlaybackTrackManager *const m_manager;
     const QString m_recordDir;
     const double m_pixelRatio;
+    const KelPlaybackRules m_rules;
+    RecordingTimeline m_timeline;
     std::vector<std::unique_ptr<KelPlaybackTrack>> m_tracks; // in painting order
     KelPlaybackScreenTrack *m_screen = nullptr;              // points into m_tracks, like those below
     KelPlaybackMouseTrack *m_mouse = nullptr;
@@ -80,7 +89,6 @@ private:
     KelPlaybackKeyboardTrack *m_keyboard = nullptr;
     QString m_errorString;
     QSize m_frameSize;
-    int m_totalFrames = 1;
     quint64 m_revision = 0;
 };
 

@@ -231,7 +231,6 @@ QString ExportCommand::setRange(const LoadedRecording &recording, KelExportReque
         return QStringLiteral("--from %1 is beyond the end of the recording, which is %2 ms long")
             .arg(m_fromMs)
             .arg(durationMs);
-    request->trimsLongRecordings = true;
     request->trimStartMs = qMax(m_fromMs, 0);
     request->trimEndMs = static_cast<int>(m_toMs < 0 ? durationMs : qMin<qint64>(m_toMs, durationMs));
     return QString();

@@ -27,7 +27,7 @@ LoadedRecording::LoadedRecording(const QString &directory)
         return;
     }
     m_hasMetadata = hasFile && KelRecordingMetadata::load(directory, &m_metadata);
-    if (!m_recorder.loadRecording(directory))
+    if (!m_recorder.loadRecording(directory, KelPlaybackRules::recommended()))
         m_error = QStringLiteral("'%1' cannot be loaded: %2").arg(directory, MessageLog::firstCritical());
     else if (!manager()->isValidRecording())
         m_error = QStringLiteral("'%1' cannot be played: %2").arg(directory, manager()->errorString());

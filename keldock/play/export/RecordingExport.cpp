@@ -42,7 +42,6 @@ KelExportRequest RecordingExport::request(const QString &path) const
     if (m_player->isTrimmed()) {
         request.trimStartMs = m_player->rangeStartMs();
         request.trimEndMs = m_player->rangeEndMs();
-        request.trimsLongRecordings = true;
     }
     request.loops = gKelMovieConfig.encodeGifPlayLoop;
     request.fromRecording = m_isFromRecording;

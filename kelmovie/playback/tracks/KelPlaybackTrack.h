@@ -1,10 +1,17 @@
 #pragma once
 
+#include <KelMovie/KelPlaybackRules.h>
+
 #include <QObject>
 #include <QString>
 
 class KelPlaybackTrackManager;
 class QPainter;
+
+namespace kel
+{
+class RecordingTimeline;
+}
 
 /// One layer of a loaded recording: moves to a logic frame and paints what is visible there.
 /// Owned by the manager, without a QObject parent. GUI thread only.
@@ -15,6 +22,10 @@ class KelPlaybackTrack : public QObject
 public:
     KelPlaybackTrack(const QString &directory, KelPlaybackTrackManager *manager);
     ~KelPlaybackTrack() override;
+
+    /// The times of the logic frames and the rules for showing them, to be set before the first seek. `timeline` must
+    /// outlive the track. Without it, the track has an empty timeline and the default rules.
+    void setContext(const kel::RecordingTimeline &timeline, const KelPlaybackRules &rules);
 
     /// Moves the track to logic frame `frame`.
     virtual void seekToFrame(int frame) = 0;
@@ -36,9 +47,13 @@ public:
 protected:
     void setErrorString(const QString &text) { m_errorString = text; }
     void setName(const QString &name) { m_name = name; }
+    const kel::RecordingTimeline &timeline() const { return *m_timeline; }
+    const KelPlaybackRules &rules() const { return m_rules; }
 
 private:
     QString m_errorString;
     QString m_name;
     QString m_directory;
+    const kel::RecordingTimeline *m_timeline; // never null
+    KelPlaybackRules m_rules;
 };

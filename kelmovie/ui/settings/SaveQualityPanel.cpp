@@ -80,7 +80,6 @@ KelExportRequest SaveQualityPanel::Private::request() const
     request.speed = manager ? manager->speed() : 1;
     request.trimStartMs = startMs;
     request.trimEndMs = endMs;
-    request.trimsLongRecordings = true;
     request.size = frameSize;
     request.playbackManager = manager;
     return request;

@@ -11,6 +11,7 @@
 #include "style/PixelRatio.h"
 
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QDebug>
 #include <QDir>
 #include <QElapsedTimer>
@@ -192,12 +193,16 @@ void KelRecordTrackManager::stopRecording()
 
 void KelRecordTrackManager::releaseResources()
 {
+    const QDeadlineTimer deadline(kReleaseWait); // for all tracks together
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads)) {
-        auto *track = qobject_cast<KelRecordScreenTrack *>(thread->track());
         // The stop may still be queued. Releasing before it has run would lose the end of the recording, and callers
         // read the files of all tracks afterwards.
-        if (thread->drain(kReleaseWait) && track)
-            track->releaseResources();
+        if (!thread->drain(std::chrono::milliseconds(deadline.remainingTime()))) {
+            thread->track()->reportFailure(thread->track()->objectName(),
+                                           QStringLiteral("its files are not complete yet"));
+        } else if (auto *screen = qobject_cast<KelRecordScreenTrack *>(thread->track())) {
+            screen->releaseResources();
+        }
     }
     m_tickCostMs.clear();
     m_instantFps.clear();

@@ -60,7 +60,9 @@ KelRecordTrackThreadWrap::~KelRecordTrackThreadWrap()
         if (!waitForIdle(lock, kDestructorWait))
             qCWarning(kel::logRecord) << "[Thread Warning] KelRecordTrackThreadWrap destructor timeout, forcing quit";
     }
-    quit(); // queued behind the requests, so that a stop still completes
+    // Queued behind the requests. A direct quit() would drop those that still wait, the stop among them.
+    QMetaObject::invokeMethod(
+        m_worker, [this] { quit(); }, Qt::QueuedConnection);
     if (!wait(kDestructorWait.count())) {
         qCWarning(kel::logRecord) << "KelRecordTrackThreadWrap thread did not quit gracefully, terminating";
         terminate();

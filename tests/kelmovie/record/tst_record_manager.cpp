@@ -55,7 +55,7 @@ private slots:
     void metadataIsKeptUpToDate();
     void unwritableMetadataIsReportedAtTheStop();
     void failuresOfTracksAreCollected();
-    void releaseWaitsForTheQueuedStop();
+    void releaseWaitsForTheQueuedStops();
     void destructionStopsTheRecording();
     void timerTicksTruncatedMilliseconds();
 
@@ -228,9 +228,10 @@ void RecordManagerTest::failuresOfTracksAreCollected()
     QCOMPARE(takenFailures(), QStringList());
 }
 
-void RecordManagerTest::releaseWaitsForTheQueuedStop()
+void RecordManagerTest::releaseWaitsForTheQueuedStops()
 {
     createManager();
+    GatedTrack *other = nullptr;
     std::mutex mutex;
     std::condition_variable changed;
     bool frameEntered = false;
@@ -244,6 +245,7 @@ void RecordManagerTest::releaseWaitsForTheQueuedStop()
         changed.wait(lock, [&] { return frameMayEnd; });
     };
     script.atStreamerEnd = [&] {
+        other->open();
         std::lock_guard lock(mutex);
         streamerGone = true;
         changed.notify_all();
@@ -252,7 +254,10 @@ void RecordManagerTest::releaseWaitsForTheQueuedStop()
     m_manager->addTrack(new KelRecordScreenTrack(QRect(0, 0, 10, 10), m_dir->filePath("recording/Screen"),
                                                  std::make_unique<ScriptedStreamer>(script),
                                                  std::make_unique<ScriptedEncoder>(script)));
+    other = addTrack();
     m_manager->startRecording();
+    other->calls(1);
+    other->close(); // until the screen track is released
     QTRY_VERIFY((m_manager->tick(40), std::lock_guard(mutex), frameEntered));
     m_manager->stopRecording(); // stops waiting for the frame and queues the stop behind it
 
@@ -267,6 +272,7 @@ void RecordManagerTest::releaseWaitsForTheQueuedStop()
     opener.join();
     QVERIFY(!overtaken);
     QVERIFY(streamerGone);
+    QVERIFY(other->calls(0).last().startsWith("stop"));
     QCOMPARE(script.added, QVector<int>{0});
     QVERIFY(QFileInfo(m_dir->filePath("recording/Screen/frame_indexes.dat")).size() > 8);
 }

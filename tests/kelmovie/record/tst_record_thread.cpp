@@ -5,7 +5,37 @@
 
 #include <QtTest>
 
+#include <functional>
+#include <thread>
+
 using std::chrono::milliseconds;
+
+namespace
+{
+/// Calls back as soon as a line with a given text is logged.
+class AtLogLine
+{
+public:
+    AtLogLine(const QString &text, std::function<void()> action)
+    {
+        s_text = text;
+        s_action = std::move(action);
+        s_next = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &line) {
+            s_next(type, context, line);
+            if (line.contains(s_text))
+                s_action();
+        });
+    }
+    ~AtLogLine() { qInstallMessageHandler(s_next); }
+    AtLogLine(const AtLogLine &) = delete;
+    AtLogLine &operator=(const AtLogLine &) = delete;
+
+private:
+    static inline QString s_text;
+    static inline std::function<void()> s_action;
+    static inline QtMessageHandler s_next;
+};
+} // namespace
 
 /// The track's thread runs freely, but the GUI thread's event loop only where a test runs it, so that completions are
 /// delivered late.
@@ -25,7 +55,7 @@ private slots:
     void lateCompletionDoesNotFreeABusyTrack();
     void checkpointsDoNotAccumulate();
     void drainIsBounded();
-    void destructorCompletesTheStop();
+    void destructorCompletesAStopBehindASlowFrame();
 
 private:
     /// The log of a stop; `ended` is how its wait ends.
@@ -107,19 +137,8 @@ void RecordThreadTest::stopWaitsForAShortFrame()
     m_track->close();
     m_thread->triggerFrame(0);
     m_track->calls(1);
-    // The stop logs before it waits; that line opens the track.
-    const auto previous = qInstallMessageHandler(nullptr);
-    static GatedTrack *track;
-    static QtMessageHandler next;
-    track = m_track;
-    next = previous;
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &text) {
-        next(type, context, text);
-        if (text.contains("超时 1000 ms"))
-            track->open();
-    });
+    const AtLogLine waiting("超时 1000 ms", [this] { m_track->open(); });
     m_thread->stopRecording(1, 20);
-    qInstallMessageHandler(previous);
     QCOMPARE(log.take(), stopLog("线程已空闲"));
 }
 
@@ -176,19 +195,25 @@ void RecordThreadTest::drainIsBounded()
     QCOMPARE(m_track->calls(0), QStringList{"stop 5 200"});
 }
 
-void RecordThreadTest::destructorCompletesTheStop()
+void RecordThreadTest::destructorCompletesAStopBehindASlowFrame()
 {
-    LogCapture log;
     QStringList calls;
     m_track->close();
     m_thread->triggerFrame(0);
     m_track->calls(1);
     m_track->atEnd = [&](const QStringList &all) { calls = all; };
     m_thread->stopRecording(1, 20);
-    m_track->open();
+    std::thread opener;
+    const AtLogLine quitting("destructor timeout, forcing quit", [&, thread = m_thread.get()] {
+        opener = std::thread([this, thread] {
+            thread->wait(200); // lets the destructor go on to end the thread
+            m_track->open();
+        });
+    });
     m_thread.reset();
+    QVERIFY(opener.joinable());
+    opener.join();
     QCOMPARE(calls, (QStringList{"frame 0", "stop 1 20"}));
-    QVERIFY(log.take().filter("destructor timeout").isEmpty());
 }
 
 QTEST_GUILESS_MAIN(RecordThreadTest)

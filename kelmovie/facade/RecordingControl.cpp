@@ -11,6 +11,7 @@
 #include <QDebug>
 
 #include <exception>
+#include <utility>
 
 namespace kel
 {
@@ -61,6 +62,7 @@ QString RecordingControl::start(const QRect &area, const KelMultiTrackRecorder::
 QString RecordingControl::createManager(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config)
 {
     m_manager.reset(); // first: it may still be completing files in the same directory
+    m_directory.reset();
     if (config.fps < 1 || config.fps > KelRecordingMetadata::kMaxFps) {
         return QStringLiteral("The frame rate %1 is not between 1 and %2")
             .arg(config.fps)
@@ -71,9 +73,9 @@ QString RecordingControl::createManager(const QRect &area, const KelMultiTrackRe
         if (!problem.isEmpty())
             return problem;
     }
-    KelRecordingDirectory directory(config.outputDir);
-    if (!directory.prepare())
-        return directory.errorString();
+    auto directory = std::make_unique<KelRecordingDirectory>(config.outputDir);
+    if (!directory->prepare())
+        return directory->errorString();
 
     m_manager = std::make_unique<KelRecordTrackManager>(area, managerConfig(config), m_recorder);
     // Queued: a host that reacts by starting a new recording deletes the manager, which must not be emitting then.
@@ -83,10 +85,12 @@ QString RecordingControl::createManager(const QRect &area, const KelMultiTrackRe
             Qt::QueuedConnection);
 
     const auto failures = m_manager->takeFailures();
-    if (failures.isEmpty())
+    if (failures.isEmpty()) {
+        m_directory = std::move(directory);
         return {};
+    }
     m_manager.reset();
-    directory.discard();
+    directory->discard();
     return failures.first().text();
 }
 
@@ -116,7 +120,8 @@ void RecordingControl::stop()
     m_manager->stopRecording();
     qCWarning(logRecord) << "[KelMultiTrackRecorder] recordManager->stopRecording() 返回";
     qCWarning(logRecord) << "[KelMultiTrackRecorder] 调用 recordManager->releaseResources()";
-    m_manager->releaseResources();
+    if (m_manager->releaseResources())
+        m_directory->release();
     qCWarning(logRecord) << "[KelMultiTrackRecorder] recordManager->releaseResources() 返回";
     m_isRecording = false;
     m_isPaused = false;

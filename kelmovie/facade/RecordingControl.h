@@ -7,6 +7,7 @@
 #include <memory>
 
 class KelRecordTrackManager;
+class KelRecordingDirectory;
 
 namespace kel
 {
@@ -56,6 +57,7 @@ private:
     void onFrameLimitReached();
 
     KelMultiTrackRecorder *const m_recorder;
+    std::unique_ptr<KelRecordingDirectory> m_directory; // locked until the manager has completed the files
     std::unique_ptr<KelRecordTrackManager> m_manager;
     bool m_isRecording = false;
     bool m_isPaused = false;

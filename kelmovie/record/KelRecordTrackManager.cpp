@@ -191,21 +191,24 @@ void KelRecordTrackManager::stopRecording()
     m_isRecording = false;
 }
 
-void KelRecordTrackManager::releaseResources()
+bool KelRecordTrackManager::releaseResources()
 {
     const QDeadlineTimer deadline(kReleaseWait); // for all tracks together
+    bool isComplete = true;
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads)) {
         // The stop may still be queued. Releasing before it has run would lose the end of the recording, and callers
         // read the files of all tracks afterwards.
         if (!thread->drain(std::chrono::milliseconds(deadline.remainingTime()))) {
             thread->track()->reportFailure(thread->track()->objectName(),
                                            QStringLiteral("its files are not complete yet"));
+            isComplete = false;
         } else if (auto *screen = qobject_cast<KelRecordScreenTrack *>(thread->track())) {
             screen->releaseResources();
         }
     }
     m_tickCostMs.clear();
     m_instantFps.clear();
+    return isComplete;
 }
 
 template <typename Track>

@@ -57,8 +57,8 @@ public:
     void stopRecording();
 
     /// Waits, for a limited time, until all tracks have completed their files, and frees the resources of the screen
-    /// track. If that takes too long, the destructor does it.
-    void releaseResources();
+    /// track. If that takes too long, returns false, and the destructor does it.
+    bool releaseResources();
 
     /// Null when the recording has no such track. The tracks live on their own threads: callers may only use their
     /// capture switches.

@@ -35,7 +35,7 @@ bool KelRecordingDirectory::prepare()
         m_error = QStringLiteral("Cannot create the directory %1").arg(m_path);
         return false;
     }
-    return isWritable() && (!KelRecordingState::holdsRecording(m_path) || setAsideRecording());
+    return isWritable() && lock() && (!KelRecordingState::holdsRecording(m_path) || setAsideRecording());
 }
 
 void KelRecordingDirectory::discard()
@@ -44,6 +44,7 @@ void KelRecordingDirectory::discard()
     QFile::remove(KelRecordingFiles::frameIndexPath(m_path));
     for (const QLatin1String entry : kEntries)
         QDir(m_path).rmdir(entry); // removes empty directories only
+    release();
     if (m_isNew)
         QDir().rmdir(m_path);
 }
@@ -54,6 +55,14 @@ bool KelRecordingDirectory::isWritable()
     if (probe.open() && probe.write(QByteArray(kProbeBytes, '\0')) == kProbeBytes && probe.flush())
         return true;
     m_error = QStringLiteral("Cannot write to the directory %1: %2").arg(m_path, probe.errorString());
+    return false;
+}
+
+bool KelRecordingDirectory::lock()
+{
+    if (m_lock.acquire(m_path))
+        return true;
+    m_error = m_lock.errorString();
     return false;
 }
 

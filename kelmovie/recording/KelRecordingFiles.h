@@ -19,6 +19,7 @@ constexpr QLatin1String latin1(const char (&literal)[Size])
 
 // In the directory of the recording.
 constexpr QLatin1String kMetadata = detail::latin1("TrackManager.meta");                 ///< metadata file
+constexpr QLatin1String kLock = detail::latin1("recording.lock");                        ///< held while recording
 constexpr QLatin1String kScreenDir = detail::latin1("Screen");                           ///< screen track
 constexpr QLatin1String kMouseDir = detail::latin1("Mouse");                             ///< mouse track
 constexpr QLatin1String kKeyboardDir = detail::latin1("Keyboard");                       ///< keyboard track

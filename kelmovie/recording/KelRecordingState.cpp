@@ -2,6 +2,7 @@
 
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
+#include "recording/RecordingLock.h"
 
 #include <QFileInfo>
 
@@ -9,8 +10,13 @@
 
 namespace
 {
-// A recording in progress is written to about once a second.
+// A recording in progress without a lock is written to about once a second, unless it is paused.
 constexpr int kQuietSeconds = 10;
+
+bool isQuiet(const QString &dir)
+{
+    return KelRecordingState::lastWritten(dir).secsTo(QDateTime::currentDateTime()) > kQuietSeconds;
+}
 } // namespace
 
 bool KelRecordingState::holdsRecording(const QString &dir)
@@ -32,11 +38,13 @@ QDateTime KelRecordingState::lastWritten(const QString &dir)
 
 KelRecordingState::State KelRecordingState::stateOf(const QString &dir)
 {
-    // Metadata is first written a second after the start; a recording without it died before that.
+    const kel::FileLock::State lock = kel::RecordingLock::stateOf(dir);
+    if (lock == kel::FileLock::State::Held)
+        return State::InProgress;
+    // Metadata is first written at the start; a recording without it died before that.
     const bool hasMetadata = QFileInfo::exists(KelRecordingMetadata::filePath(dir));
     KelRecordingMetadata metadata;
     if (hasMetadata && (!KelRecordingMetadata::load(dir, &metadata) || metadata.complete))
         return State::Complete;
-    const bool isQuiet = lastWritten(dir).secsTo(QDateTime::currentDateTime()) > kQuietSeconds;
-    return isQuiet ? State::Interrupted : State::InProgress;
+    return lock == kel::FileLock::State::Abandoned || isQuiet(dir) ? State::Interrupted : State::InProgress;
 }

@@ -12,8 +12,8 @@ public:
     /// Whether, and how, the recording has ended.
     enum class State {
         Complete,   ///< recorded to the end
-        InProgress, ///< incomplete, and written to within the last seconds
-        Interrupted ///< incomplete, and not written to for some seconds: its process died, or the recording is paused
+        InProgress, ///< a process is recording into it, or pauses
+        Interrupted ///< incomplete: its process died
     };
 
     /// Whether the directory `dir` holds a recording, complete or not.
@@ -22,6 +22,8 @@ public:
     /// When the recording in `dir` was last written to; invalid when there is none.
     static QDateTime lastWritten(const QString &dir);
 
-    /// The state of the recording in `dir`, which has to hold one.
+    /// The state of the recording in `dir`, which has to hold one. A recording without a lock (made by an earlier
+    /// version, or on a file system that has none) is in progress if it is incomplete and was written to within the
+    /// last seconds.
     static State stateOf(const QString &dir);
 };

@@ -127,6 +127,8 @@ void RecordingsTest::findsRecordings()
     QVERIFY(writeAll(KelRecordingMetadata::filePath(path("damaged metadata")), "{"));
     setAge(KelRecordingMetadata::filePath(path("damaged metadata")), 500);
     add("paused", 60, false);
+    add("killed just now", 2, false);
+    QVERIFY(writeAll(path("killed just now") + "/recording.lock", {}));
     add("in progress", 1, false);
     QVERIFY(QDir().mkpath(path("something else")));
     QVERIFY(writeAll(path("a file"), "x"));
@@ -134,15 +136,21 @@ void RecordingsTest::findsRecordings()
     const RecordingsFolder folder(m_root);
     using State = KelRecordingState::State;
     const QVector<QPair<QString, State>> expected{
-        {"in progress", State::InProgress},      {"paused", State::Interrupted},  {"damaged metadata", State::Complete},
-        {"crashed at once", State::Interrupted}, {"crashed", State::Interrupted}, {"old", State::Complete},
+        {"in progress", State::InProgress},
+        {"killed just now", State::Interrupted},
+        {"paused", State::Interrupted},
+        {"damaged metadata", State::Complete},
+        {"crashed at once", State::Interrupted},
+        {"crashed", State::Interrupted},
+        {"old", State::Complete},
     };
     QVector<QPair<QString, State>> found;
     const auto recordings = folder.recordings();
     for (const auto &entry : recordings)
         found.append({QFileInfo(entry.dir).fileName(), KelRecordingState::stateOf(entry.dir)});
     QCOMPARE(found, expected);
-    QCOMPARE(folder.interrupted(path("paused")), (QStringList{path("crashed at once"), path("crashed")}));
+    QCOMPARE(folder.interrupted(path("paused")),
+             (QStringList{path("killed just now"), path("crashed at once"), path("crashed")}));
 
     const QString first = folder.newRecordingDir();
     QVERIFY(QDir().mkpath(first));

@@ -1,6 +1,7 @@
 #include "facade/KelMultiTrackRecorder.h"
 #include "playback/KelPlaybackTrackManager.h"
 #include "recording/KelRecordingMetadata.h"
+#include "recording/KelRecordingState.h"
 
 #include "support/FileSizeLimit.h"
 #include "support/PaintedWindow.h"
@@ -115,8 +116,14 @@ void RecordingSurvivesTest::killedProcess()
     const int framesBefore = framesOnDisk(outputDir());
     // Two checkpoints later, everything painted has been encoded.
     QTRY_VERIFY_WITH_TIMEOUT(framesOnDisk(outputDir()) >= framesBefore + 2 * kFps, kWaitMs);
+    QCOMPARE(KelRecordingState::stateOf(outputDir()), KelRecordingState::State::InProgress);
+    KelMultiTrackRecorder second;
+    configure(second, outputDir());
+    QVERIFY(!second.startRecording());
+    QVERIFY2(second.lastError().contains("Another recording is running"), qPrintable(second.lastError()));
     recorder.kill();
     QVERIFY(recorder.waitForFinished(kWaitMs));
+    QCOMPARE(KelRecordingState::stateOf(outputDir()), KelRecordingState::State::Interrupted);
 
     KelRecordingMetadata metadata;
     QVERIFY(KelRecordingMetadata::load(outputDir(), &metadata));
@@ -152,6 +159,7 @@ void RecordingSurvivesTest::fullDisk()
     QCOMPARE(errors.size(), 1);
     QVERIFY2(errors[0].startsWith("Screen track: Cannot write " + outputDir()), qPrintable(errors[0]));
 
+    QVERIFY(!QFileInfo::exists(outputDir() + "/recording.lock"));
     QVERIFY(recorder.loadRecording(outputDir()));
     QVERIFY2(recorder.playbackManager()->isValidRecording(), qPrintable(recorder.playbackManager()->errorString()));
     QCOMPARE(recorder.playbackManager()->totalFrames(), framesOnDisk(outputDir()));

@@ -3,6 +3,7 @@
 #include "logging/Log.h"
 #include "recording/FrameIndexFormat.h"
 #include "recording/KelRecordingFiles.h"
+#include "recording/RecordingFile.h"
 
 #include <QDebug>
 #include <QFile>
@@ -31,14 +32,12 @@ bool readFrameIndex(const QString &trackDir, std::vector<int> &frameIndexes)
 {
     frameIndexes.clear();
     const QString path = KelRecordingFiles::path(trackDir, KelRecordingFiles::kFrameIndex);
-    const QFileInfo info(path);
-    if (!info.exists()) {
+    if (!QFileInfo::exists(path)) {
         qCWarning(logRecording) << "Frame indexes file not found:" << path;
         return false;
     }
-    QFile file(path);
-    // Opening a pipe would block until its writer opens it.
-    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (!openTrackFile(&file, trackDir, KelRecordingFiles::kFrameIndex).isEmpty()) {
         qCCritical(logRecording) << "Failed to open frame indexes file:" << path;
         return false;
     }

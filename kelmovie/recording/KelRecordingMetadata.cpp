@@ -1,5 +1,6 @@
 #include "recording/KelRecordingMetadata.h"
 
+#include "files/OpenInside.h"
 #include "logging/Log.h"
 #include "recording/FileWriting.h"
 #include "recording/KelRecordingFiles.h"
@@ -135,9 +136,9 @@ bool KelRecordingMetadata::fromJson(const QByteArray &json, KelRecordingMetadata
 
 bool KelRecordingMetadata::load(const QString &recordingDir, KelRecordingMetadata *out)
 {
-    QFile file(filePath(recordingDir));
-    if (!file.open(QIODevice::ReadOnly)) {
-        qCWarning(logRecording) << "Cannot open manager metadata:" << file.fileName();
+    QFile file;
+    if (!openInside(&file, recordingDir, KelRecordingFiles::kMetadata).isEmpty()) {
+        qCWarning(logRecording) << "Cannot open manager metadata:" << filePath(recordingDir);
         return false;
     }
     const QByteArray json = file.read(kMaxFileBytes + 1);

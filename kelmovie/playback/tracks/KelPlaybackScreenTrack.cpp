@@ -5,7 +5,9 @@
 #include "logging/Log.h"
 #include "recording/FrameIndexReader.h"
 #include "recording/KelRecordingFiles.h"
+#include "recording/RecordingFile.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QPaintDevice>
@@ -54,15 +56,24 @@ KelPlaybackScreenTrack::~KelPlaybackScreenTrack()
 
 bool KelPlaybackScreenTrack::chooseVideo()
 {
-    const QString mkvPath = KelRecordingFiles::path(directory(), KelRecordingFiles::kMkvVideo);
-    const QString mp4Path = KelRecordingFiles::path(directory(), KelRecordingFiles::kVideo);
-    for (const QString &path : {mkvPath, mp4Path}) {
-        if (QFileInfo::exists(path)) {
+    QString problem;
+    for (const QLatin1String name : {KelRecordingFiles::kMkvVideo, KelRecordingFiles::kVideo}) {
+        const QString path = KelRecordingFiles::path(directory(), name);
+        if (!QFileInfo::exists(path))
+            continue;
+        QFile file;
+        problem = openTrackFile(&file, directory(), name);
+        if (problem.isEmpty()) {
             m_videoPath = path;
             return true;
         }
     }
-    setErrorString(QLatin1String("Video file not found. Searched for: ") + mkvPath + QLatin1String(" and ") + mp4Path);
+    if (problem.isEmpty())
+        setErrorString(QLatin1String("Video file not found. Searched for: ") +
+                       KelRecordingFiles::path(directory(), KelRecordingFiles::kMkvVideo) + QLatin1String(" and ") +
+                       KelRecordingFiles::path(directory(), KelRecordingFiles::kVideo));
+    else
+        setErrorString(QLatin1String("Cannot open the video: ") + problem);
     qCCritical(logPlayback).noquote() << errorString();
     return false;
 }

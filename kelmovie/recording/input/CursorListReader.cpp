@@ -2,10 +2,10 @@
 
 #include "logging/Log.h"
 #include "recording/KelRecordingFiles.h"
+#include "recording/RecordingFile.h"
 
 #include <QDebug>
 #include <QFile>
-#include <QFileInfo>
 #include <QImageReader>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -24,24 +24,17 @@ constexpr qint64 kMaxPixels = 32 * 1024 * 1024; // of all images together
 constexpr double kMaxRatio = 16;
 constexpr double kMinRatio = 1 / kMaxRatio;
 
-/// Opens a regular file of a bounded size; opening a pipe would block until its writer opens it.
-bool openBounded(QFile &file, qint64 maxSize)
+/// Opens a file of a bounded size.
+bool openBounded(QFile *file, const QString &trackDir, const QString &name, qint64 maxSize)
 {
-    return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly) && file.size() <= maxSize;
-}
-
-/// Whether `path`, links resolved, is inside the directory `dir`.
-bool isInside(const QString &path, const QString &dir)
-{
-    const QString root = QFileInfo(dir).canonicalFilePath();
-    return !root.isEmpty() && QFileInfo(path).canonicalFilePath().startsWith(root + QLatin1Char('/'));
+    return openTrackFile(file, trackDir, name).isEmpty() && file->size() <= maxSize;
 }
 
 /// Null unless it is a PNG of acceptable size with at most `maxPixels`; the size is checked before decoding.
-QImage readImage(const QString &path, qint64 maxPixels)
+QImage readImage(const QString &trackDir, const QString &name, qint64 maxPixels)
 {
-    QFile file(path);
-    if (!openBounded(file, kMaxImageSize))
+    QFile file;
+    if (!openBounded(&file, trackDir, name, kMaxImageSize))
         return {};
     QImageReader reader(&file, "png");
     const QSize size = reader.size();
@@ -56,21 +49,21 @@ QImage readImage(const QString &path, qint64 maxPixels)
 bool readCursorList(const QString &trackDir, CursorImages &cursors)
 {
     cursors.clear();
-    QFile list(KelRecordingFiles::path(trackDir, KelRecordingFiles::kCursorList));
-    if (!openBounded(list, kMaxListSize))
+    QFile list;
+    if (!openBounded(&list, trackDir, KelRecordingFiles::kCursorList, kMaxListSize))
         return false;
     const QJsonDocument document = QJsonDocument::fromJson(list.read(kMaxListSize));
     if (!document.isObject())
         return false;
-    const QString dir = KelRecordingFiles::path(trackDir, KelRecordingFiles::kCursorImageDir);
     qint64 pixelsLeft = kMaxPixels;
     const QJsonArray entries = document.object().value(QLatin1String("cursors")).toArray();
     for (const QJsonValue &entry : entries) {
         const QJsonObject object = entry.toObject();
-        const QString path = dir + QLatin1Char('/') + object.value(QLatin1String("image")).toString();
-        QImage image = isInside(path, dir) ? readImage(path, pixelsLeft) : QImage();
+        const QString name =
+            KelRecordingFiles::kCursorImageDir + QLatin1Char('/') + object.value(QLatin1String("image")).toString();
+        QImage image = readImage(trackDir, name, pixelsLeft);
         if (image.isNull()) {
-            qCWarning(logRecording) << "Failed to load cursor image:" << path;
+            qCWarning(logRecording) << "Failed to load cursor image:" << trackDir + QLatin1Char('/') + name;
             continue;
         }
         pixelsLeft -= qint64(image.width()) * image.height();

@@ -3,10 +3,10 @@
 #include "logging/Log.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
+#include "recording/RecordingFile.h"
 
 #include <QDebug>
 #include <QFile>
-#include <QFileInfo>
 
 #include <cstring>
 
@@ -35,9 +35,8 @@ bool readKeyLog(const QString &trackDir, KeyLog &out)
 {
     out = {};
     const QString path = KelRecordingFiles::path(trackDir, KelRecordingFiles::kKeyLog);
-    QFile file(path);
-    // Opening a pipe would block until its writer opens it.
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    QFile file;
+    if (!openTrackFile(&file, trackDir, KelRecordingFiles::kKeyLog).isEmpty())
         return false;
     const qint64 fileSize = file.size();
     KeyLogHeader header;

@@ -1,5 +1,7 @@
 #include "recording/input/MouseEventReader.h"
 
+#include "recording/RecordingFile.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -23,6 +25,7 @@ constexpr qint64 kMaxFileSize = 512 * 1024 * 1024;
 constexpr int kMaxRecords = 4'000'000;
 constexpr int kMaxFrame = 1'000'000'000;
 constexpr int kMaxCoordinate = 1'000'000;
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf"; // written by editors
 constexpr qint64 kMaxTimestamp = qint64(1) << 53;
 
 /// The stream that the parser reads from: character by character, 0 at the end.
@@ -35,6 +38,8 @@ public:
         : m_file(file)
     {
         fill();
+        if (std::string_view(m_next, std::size_t(m_end - m_next)).substr(0, kByteOrderMark.size()) == kByteOrderMark)
+            m_next += kByteOrderMark.size();
     }
 
     Ch Peek() const { return *m_next; }
@@ -179,10 +184,9 @@ private:
 
 bool readMouseEvents(const QString &path, const std::function<void(const MouseRecord &)> &take)
 {
-    QFile file(path);
-    // Opening a pipe would block until its writer opens it.
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
-        file.size() > kMaxFileSize)
+    const QFileInfo info(path);
+    QFile file;
+    if (!openTrackFile(&file, info.path(), info.fileName()).isEmpty() || file.size() > kMaxFileSize)
         return false;
     const auto stream = std::make_unique<FileStream>(file);
     RecordHandler handler(take);

@@ -206,12 +206,15 @@ void PlaybackMouseTrackTest::badFiles_data()
     row("moves a word", moves, "true", noMoves);
     row("moves nested without end", moves, QByteArray(200'000, '['), noMoves);
     row("moves none", moves, "[]", {});
+    row("moves behind a byte order mark", moves, "\xef\xbb\xbf" + whole, {});
+    row("moves of nothing but a byte order mark", moves, "\xef\xbb\xbf", noMoves);
     row("moves of odd types", moves,
         R"([1,"a",null,[{"frame":1}],{"frame":"7","x":[1],"y":{"y":3},"cursor":4,"action":5},)"
         R"({"frame":1e99,"x":1.5,"y":-9e18,"timestamp":1e300,"cursor":null,"frame":true}])",
         {});
     row("cursors missing", list, {}, {failed});
     row("cursors an array", list, "[]", noCursors);
+    row("cursors behind a byte order mark", list, "\xef\xbb\xbf{\"cursors\": []}", {});
     row("cursors cut off", list, "{\"cursors\": [", noCursors);
     row("cursors without a list", list, "{\"cursors\": 5}", {});
     row("cursors too large", list, QByteArray(5'000'000, ' ') + "{}", noCursors);

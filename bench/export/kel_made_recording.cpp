@@ -2,7 +2,7 @@
 
 #include "SceneRenderer.h"
 #include "avcodec/mp4/KelAsyncEncoder.h"
-#include "recording/FrameIndexWriter.h"
+#include "recording/FrameTableWriter.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
 #include "recording/wav/WavHeader.h"
@@ -117,7 +117,7 @@ QString writeScreen(const Request &request)
         return encoder.errorString();
     std::vector<qint64> entries(std::size_t(request.frames));
     std::iota(entries.begin(), entries.end(), 0);
-    FrameIndexWriter index(KelRecordingFiles::frameIndexPath(request.directory));
+    FrameTableWriter index(KelRecordingFiles::frameIndexPath(request.directory));
     return index.update(entries) ? QString() : "cannot write the frame index";
 }
 

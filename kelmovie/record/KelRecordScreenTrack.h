@@ -1,7 +1,7 @@
 #pragma once
 
 #include "record/KelRecordTrack.h"
-#include "recording/FrameIndexWriter.h"
+#include "recording/FrameTableWriter.h"
 
 #include <QImage>
 #include <QSize>
@@ -49,7 +49,7 @@ private:
 
     const QSize m_frameSize; // physical pixels of the video
     const QString m_videoPath;
-    kel::FrameIndexWriter m_indexFile;
+    kel::FrameTableWriter m_indexFile;
     std::vector<qint64> m_frameIndexes; // the video frame of each logic frame, -1 before the first
     QImage m_frame;                     // reused for every capture
     std::atomic<int> m_encodedCount{0};

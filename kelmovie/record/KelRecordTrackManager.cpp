@@ -50,6 +50,7 @@ KelRecordTrackManager::KelRecordTrackManager(const QRect &recordArea, const Conf
     , m_recordArea(withEvenSides(recordArea))
     , m_config(config)
     , m_clock(std::move(now))
+    , m_frameTimes(KelRecordingFiles::frameTimesPath(config.directory))
 {
     QDir().mkpath(m_config.directory);
     m_frameTimer.setTimerType(Qt::PreciseTimer);
@@ -106,6 +107,7 @@ void KelRecordTrackManager::startRecording()
     } else {
         m_frameIndex = 0;
         m_clock.start();
+        m_frameTimes.restart();
         m_tickCostMs.clear();
         m_instantFps.clear();
     }
@@ -126,6 +128,7 @@ void KelRecordTrackManager::onFrameTimeout()
     if (!m_isRecording || m_clock.isPaused() || isAtFrameLimit())
         return;
     const qint64 tickStartMs = m_clock.now();
+    m_frameTimes.add(m_clock.recordedMs());
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
         thread->triggerFrame(m_frameIndex);
     m_tickCostMs.append(m_clock.now() - tickStartMs);
@@ -187,6 +190,7 @@ void KelRecordTrackManager::stopRecording()
     }
 
     logStatistics(durationMs);
+    saveFrameTimes();
     saveMetadata(durationMs);
     m_isRecording = false;
 }
@@ -282,11 +286,21 @@ void KelRecordTrackManager::saveCheckpoint()
     m_lastCheckpointMs = m_clock.now();
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
         thread->checkpoint(m_frameIndex);
+    saveFrameTimes();
     KelRecordingMetadata soFar = metadata(m_clock.recordedMs());
     soFar.complete = false;
     QString error;
     if (!soFar.save(m_config.directory, &error))
         qCDebug(kel::logRecord) << "[KelRecordTrackManager] No provisional metadata:" << error;
+}
+
+/// Without this file, playback spreads the frames evenly over the duration.
+void KelRecordTrackManager::saveFrameTimes()
+{
+    if (!m_config.screen || m_frameTimes.save() || std::exchange(m_hasReportedFrameTimes, true))
+        return;
+    addFailure(KelTrackNames::kScreen,
+               QStringLiteral("cannot write %1: %2").arg(m_frameTimes.path(), m_frameTimes.errorString()));
 }
 
 void KelRecordTrackManager::logStatistics(qint64 durationMs) const

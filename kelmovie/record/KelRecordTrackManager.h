@@ -1,6 +1,7 @@
 #pragma once
 
 #include "record/RecordingClock.h"
+#include "recording/FrameTimesWriter.h"
 
 #include <QList>
 #include <QObject>
@@ -101,6 +102,7 @@ private:
     KelRecordingMetadata metadata(qint64 durationMs) const;
     void saveMetadata(qint64 durationMs);
     void saveCheckpoint();
+    void saveFrameTimes();
     void logStatistics(qint64 durationMs) const;
 
     QTimer m_frameTimer;
@@ -112,6 +114,8 @@ private:
     bool m_isRecording = false; // also while paused
     kel::RecordingClock m_clock;
     int m_frameIndex = 0; // of the next logic frame
+    kel::FrameTimesWriter m_frameTimes;
+    bool m_hasReportedFrameTimes = false; // that they cannot be written
     qint64 m_lastCheckpointMs = 0;
 
     // Per tick of this recording, to be inspected when the clock is slow; bounded by kMaxFrames.

@@ -42,6 +42,7 @@ void KelRecordingDirectory::discard()
 {
     QFile::remove(KelRecordingFiles::videoPath(m_path));
     QFile::remove(KelRecordingFiles::frameIndexPath(m_path));
+    QFile::remove(KelRecordingFiles::frameTimesPath(m_path));
     for (const QLatin1String entry : kEntries)
         QDir(m_path).rmdir(entry); // removes empty directories only
     release();

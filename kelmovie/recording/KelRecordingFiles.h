@@ -36,6 +36,7 @@ inline QString previousDir(int number)
 constexpr QLatin1String kVideo = detail::latin1("screen_record.mp4");      ///< the video
 constexpr QLatin1String kMkvVideo = detail::latin1("screen_record.mkv");   ///< never written, but played if it exists
 constexpr QLatin1String kFrameIndex = detail::latin1("frame_indexes.dat"); ///< frame index
+constexpr QLatin1String kFrameTimes = detail::latin1("frame_times.dat");   ///< times of the logic frames
 
 // In kMouseDir.
 constexpr QLatin1String kMouseMoves = detail::latin1("mousemoves-0.json");   ///< pointer positions
@@ -66,6 +67,12 @@ inline QString videoPath(const QString &recordingDir)
 inline QString frameIndexPath(const QString &recordingDir)
 {
     return path(path(recordingDir, kScreenDir), kFrameIndex);
+}
+
+/// For every logic frame the time at which it was recorded.
+inline QString frameTimesPath(const QString &recordingDir)
+{
+    return path(path(recordingDir, kScreenDir), kFrameTimes);
 }
 
 } // namespace KelRecordingFiles

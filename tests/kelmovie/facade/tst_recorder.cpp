@@ -121,7 +121,8 @@ void RecorderTest::goesThroughItsStates()
     QVERIFY(!recorder->isRecording() && !recorder->isPaused());
     QCOMPARE(m_signals, (QStringList{"started", "paused", "resumed", "paused", "stopped"}));
     QCOMPARE(entries(outputDir()), (QStringList{"Screen", "TrackManager.meta"}));
-    QCOMPARE(entries(outputDir() + "/Screen"), (QStringList{"frame_indexes.dat", "screen_record.mp4"}));
+    QCOMPARE(entries(outputDir() + "/Screen"),
+             (QStringList{"frame_indexes.dat", "frame_times.dat", "screen_record.mp4"}));
 }
 
 void RecorderTest::refusesToStart_data()

@@ -1,6 +1,7 @@
 #include "kelmovie/support/RecordFakes.h"
 #include "record/KelRecordScreenTrack.h"
 #include "record/KelRecordTrackManager.h"
+#include "recording/FrameTimesReader.h"
 #include "recording/KelRecordingMetadata.h"
 
 #include "support/LogCapture.h"
@@ -49,7 +50,7 @@ private slots:
     void init();
     void cleanup();
 
-    void durationExcludesPauses();
+    void timesExcludePauses();
     void totalFramesFollowTheDuration();
     void ticksReachTheTrackOnlyWhileRecording();
     void metadataIsKeptUpToDate();
@@ -73,12 +74,14 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_dir;
     qint64 m_nowMs = 1'000'000;
+    bool m_hasScreen = false;
     std::unique_ptr<TestedManager> m_manager;
 };
 
 void RecordManagerTest::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
+    m_hasScreen = false;
 }
 
 void RecordManagerTest::cleanup()
@@ -91,7 +94,7 @@ void RecordManagerTest::createManager(int fps, const QRect &area)
     KelRecordTrackManager::Config config;
     config.directory = m_dir->filePath("recording");
     config.fps = fps;
-    config.screen = false;
+    config.screen = m_hasScreen;
     m_manager = std::make_unique<TestedManager>(area, config, m_nowMs);
 }
 
@@ -110,8 +113,9 @@ KelRecordingMetadata RecordManagerTest::metadata() const
     return metadata;
 }
 
-void RecordManagerTest::durationExcludesPauses()
+void RecordManagerTest::timesExcludePauses()
 {
+    m_hasScreen = true;
     createManager();
     m_manager->stopRecording(); // nothing is recorded yet
     QVERIFY(!QFileInfo::exists(m_dir->filePath("recording/TrackManager.meta")));
@@ -122,7 +126,8 @@ void RecordManagerTest::durationExcludesPauses()
     m_nowMs += 5000;
     m_manager->pauseRecording(); // already paused
     m_manager->startRecording();
-    m_manager->startRecording(); // already resumed
+    m_manager->startRecording();                                                              // already resumed
+    QCOMPARE(kel::readFrameTimes(m_dir->filePath("recording/Screen")), std::vector<int>{40}); // survives a crash
     m_nowMs += 60;
     m_manager->tick(7);
     m_manager->pauseRecording();
@@ -131,6 +136,7 @@ void RecordManagerTest::durationExcludesPauses()
     m_manager->stopRecording();
     QVERIFY(log.take().contains("W [KelRecordTrackManager] 实际录制时长: 210 ms (0.21 秒)"));
     QCOMPARE(metadata().durationMs, qint64(40 + 103 + 60 + 7));
+    QCOMPARE(kel::readFrameTimes(m_dir->filePath("recording/Screen")), (std::vector<int>{40, 40 + 103 + 60 + 7}));
     QCOMPARE(metadata().actualRecordedFrames, 2);
 }
 

@@ -1,27 +1,27 @@
-#include "recording/FrameIndexWriter.h"
+#include "recording/FrameTableWriter.h"
 
 #include "recording/FileWriting.h"
-#include "recording/FrameIndexFormat.h"
+#include "recording/FrameTableFormat.h"
 
 #include <QDataStream>
 
 namespace kel
 {
 
-using namespace FrameIndexFormat;
+using namespace FrameTableFormat;
 
-FrameIndexWriter::FrameIndexWriter(const QString &path)
+FrameTableWriter::FrameTableWriter(const QString &path)
     : m_file(path)
 {
 }
 
-bool FrameIndexWriter::open()
+bool FrameTableWriter::open()
 {
     // Unbuffered: entries must reach the file before the count that includes them.
     return m_file.isOpen() || m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
 }
 
-bool FrameIndexWriter::update(const std::vector<qint64> &entries)
+bool FrameTableWriter::update(const std::vector<qint64> &entries)
 {
     if (!open())
         return false;
@@ -40,13 +40,13 @@ bool FrameIndexWriter::update(const std::vector<qint64> &entries)
     return true;
 }
 
-void FrameIndexWriter::close()
+void FrameTableWriter::close()
 {
     m_file.close();
     m_count = -1;
 }
 
-bool FrameIndexWriter::writeAt(qint64 offset, const std::vector<qint64> &numbers)
+bool FrameTableWriter::writeAt(qint64 offset, const std::vector<qint64> &numbers)
 {
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);

@@ -8,12 +8,13 @@
 namespace kel
 {
 
-/// Writes "frame_indexes.dat" and keeps it valid at every moment: entries are appended before the count in the header
-/// is raised, so a killed process leaves all entries up to its last update. One thread at a time.
-class FrameIndexWriter
+/// Writes a file with a number for every logic frame, "frame_indexes.dat" or "frame_times.dat", and keeps it valid at
+/// every moment: entries are appended before the count in the header is raised, so a killed process leaves all entries
+/// up to its last update. One thread at a time.
+class FrameTableWriter
 {
 public:
-    explicit FrameIndexWriter(const QString &path);
+    explicit FrameTableWriter(const QString &path);
 
     /// Opens the file, replacing an earlier one, unless it is open. False when it cannot be opened.
     bool open();

@@ -6,10 +6,14 @@
 
 #include <utility>
 
+QSize recordedPixels(const KelPlaybackTrackManager &manager)
+{
+    return (QSizeF(manager.frameSize()) * manager.devicePixelRatio()).toSize();
+}
+
 QImage composedFrame(KelPlaybackTrackManager *manager, QImage previous)
 {
-    const double ratio = manager->devicePixelRatio();
-    const QSize pixels = (QSizeF(manager->frameSize()) * ratio).toSize();
+    const QSize pixels = recordedPixels(*manager);
     if (pixels.isEmpty() || !manager->isValidRecording())
         return QImage();
     QImage image = std::move(previous);
@@ -19,7 +23,7 @@ QImage composedFrame(KelPlaybackTrackManager *manager, QImage previous)
         return image;
     if (!manager->isFrameCovered())
         image.fill(Qt::black); // clears what the previous frame left
-    image.setDevicePixelRatio(ratio);
+    image.setDevicePixelRatio(manager->devicePixelRatio());
     QPainter painter(&image);
     manager->paint(&painter);
     return image;

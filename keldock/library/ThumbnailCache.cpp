@@ -1,12 +1,13 @@
 #include "library/ThumbnailCache.h"
 
+#include "common/PngFile.h"
+
 #include <KelMovie/KelRecordingState.h>
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace
@@ -46,9 +47,7 @@ QImage ThumbnailCache::store(const QString &dir, const QString &imageFile)
     const QImage thumbnail = image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     // If the cache is not writable, the thumbnail is still returned.
     QDir().mkpath(folder());
-    QSaveFile file(path(dir));
-    if (file.open(QIODevice::WriteOnly) && thumbnail.save(&file, "PNG"))
-        file.commit();
+    savePng(thumbnail, path(dir));
     return thumbnail;
 }
 

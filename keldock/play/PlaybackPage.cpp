@@ -1,5 +1,6 @@
 #include "play/PlaybackPage.h"
 
+#include "common/PngFile.h"
 #include "common/Units.h"
 #include "notification/KelMsgBox.h"
 #include "notification/KelToastsMessage.h"
@@ -21,7 +22,6 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QSaveFile>
 
 namespace
 {
@@ -146,12 +146,12 @@ void PlaybackPage::saveFrame()
     const QString path = SaveFileDialog::ask(this, {tr("Save Frame"), tr("PNG image"), {QStringLiteral("png")}}, name);
     if (path.isEmpty())
         return;
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && frame.save(&file, "PNG") && file.commit()) {
+    const QString problem = savePng(frame, path);
+    if (problem.isEmpty()) {
         m_notice->showNotice(tr("%1 was saved.").arg(QFileInfo(path).fileName()), tr("Open &Folder"),
                              [folder = QFileInfo(path).path()] { openInFileManager(folder); });
     } else {
-        KelMsgBox::critical(this, tr("Save Frame"), tr("The frame cannot be saved."), file.errorString());
+        KelMsgBox::critical(this, tr("Save Frame"), tr("The frame cannot be saved."), problem);
     }
 }
 

@@ -2,10 +2,10 @@
 
 #include "avcodec/KelAVCodecEncoder.h"
 #include "export/BackgroundTasks.h"
+#include "export/ExportDirectory.h"
 #include "export/ExportProgress.h"
 
 #include <QScopeGuard>
-#include <QTemporaryDir>
 
 #include <future>
 
@@ -20,7 +20,7 @@ constexpr qint64 kLargeImage = 4'000'000;
 
 } // namespace
 
-ExportEncoder::ExportEncoder(std::unique_ptr<KelAVCodecEncoder> encoder, std::shared_ptr<QTemporaryDir> directory,
+ExportEncoder::ExportEncoder(std::unique_ptr<KelAVCodecEncoder> encoder, std::shared_ptr<ExportDirectory> directory,
                              ExportProgress &progress)
     : m_encoder(std::move(encoder))
     , m_directory(std::move(directory))

@@ -7,11 +7,11 @@
 #include <memory>
 
 class KelAVCodecEncoder;
-class QTemporaryDir;
 
 namespace kel
 {
 
+class ExportDirectory;
 class ExportProgress;
 
 /// The encoder of one export. After a cancel it returns at once: the encoder finishes its current work in the
@@ -20,7 +20,7 @@ class ExportEncoder
 {
 public:
     /// `encoder` may be null. `directory` contains its file; `progress` must outlive this.
-    ExportEncoder(std::unique_ptr<KelAVCodecEncoder> encoder, std::shared_ptr<QTemporaryDir> directory,
+    ExportEncoder(std::unique_ptr<KelAVCodecEncoder> encoder, std::shared_ptr<ExportDirectory> directory,
                   ExportProgress &progress);
     /// Aborts the encoder if close() has not succeeded.
     ~ExportEncoder();
@@ -52,7 +52,7 @@ private:
     bool runInBackground(Work work, const std::function<void()> &meanwhile);
 
     std::shared_ptr<KelAVCodecEncoder> m_encoder;
-    const std::shared_ptr<QTemporaryDir> m_directory;
+    const std::shared_ptr<ExportDirectory> m_directory;
     ExportProgress &m_progress;
     bool m_isComplete = false;
 };

@@ -1,14 +1,18 @@
 #include "export/ExportOutput.h"
 
 #include "files/RenameOver.h"
+#include "recording/FileWriting.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
+
+#include <KelMovie/KelExportRequest.h>
 
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QStringList>
 
 namespace kel
 {
@@ -17,6 +21,29 @@ namespace
 {
 
 constexpr qint64 kCopyBlock = 1 << 20;
+
+/// Media files that are not in any format of an export.
+const QStringList kOtherMedia =
+    QStringLiteral("wav mp3 m4a mka aac flac ogg oga opus wma aif aiff avi webm wmv mpg mpeg "
+                   "ts flv jpg jpeg bmp tif tiff svg ico")
+        .split(QLatin1Char(' '));
+
+/// The suffixes for a KelExportRequest::Format; empty for an unknown format.
+QStringList suffixesOf(int format)
+{
+    switch (format) {
+    case KelExportRequest::Mp4:
+        return {QStringLiteral("mp4"), QStringLiteral("m4v"), QStringLiteral("mov"), QStringLiteral("mkv")};
+    case KelExportRequest::Gif:
+        return {QStringLiteral("gif")};
+    case KelExportRequest::Apng:
+        return {QStringLiteral("apng"), QStringLiteral("png")};
+    case KelExportRequest::WebP:
+        return {QStringLiteral("webp")};
+    default:
+        return {};
+    }
+}
 
 bool belongsToRecording(const QFileInfo &file, const QString &recordDir)
 {
@@ -36,6 +63,20 @@ bool belongsToRecording(const QFileInfo &file, const QString &recordDir)
 }
 
 } // namespace
+
+QString exportFormatProblem(const QString &path, int format)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    const QStringList allowed = suffixesOf(format);
+    bool isOther = kOtherMedia.contains(suffix);
+    for (const int other :
+         {KelExportRequest::Mp4, KelExportRequest::Gif, KelExportRequest::Apng, KelExportRequest::WebP})
+        isOther = isOther || suffixesOf(other).contains(suffix);
+    if (!isOther || allowed.isEmpty() || allowed.contains(suffix))
+        return {};
+    return QStringLiteral("The suffix of %1 stands for another format; use .%2")
+        .arg(path, allowed.join(QLatin1String(", .")));
+}
 
 QString exportOutputProblem(const QString &path, const QString &recordDir)
 {
@@ -71,7 +112,7 @@ QString moveOverFile(const QString &from, const QString &to, const std::function
     if (!source.open(QIODevice::ReadOnly))
         return source.errorString();
     QSaveFile target(to);
-    if (!target.open(QIODevice::WriteOnly))
+    if (!target.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return target.errorString();
     QByteArray block(int(kCopyBlock), Qt::Uninitialized);
     qint64 copied = 0;
@@ -81,7 +122,7 @@ QString moveOverFile(const QString &from, const QString &to, const std::function
             return source.errorString();
         if (size == 0)
             break;
-        if (target.write(block.constData(), size) != size)
+        if (!writeAll(target, QByteArray::fromRawData(block.constData(), int(size))))
             return target.errorString();
         copied += size;
         if (!shouldContinue(copied))

@@ -7,6 +7,10 @@
 namespace kel
 {
 
+/// Why a file in a KelExportRequest::Format cannot have the name `path`: its suffix stands for another kind of file. An
+/// English line; empty when the name fits, which one without a suffix or with an unknown one does.
+QString exportFormatProblem(const QString &path, int format);
+
 /// Why an export cannot write to `path`, as one English line; empty when it can. Does not touch existing files.
 /// `recordDir` is the exported recording, whose files must not be overwritten.
 QString exportOutputProblem(const QString &path, const QString &recordDir);

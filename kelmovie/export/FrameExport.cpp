@@ -41,7 +41,7 @@ QString loopsOption(int loops)
 
 } // namespace
 
-FrameExport::FrameExport(const KelExportRequest &request, std::shared_ptr<QTemporaryDir> directory,
+FrameExport::FrameExport(const KelExportRequest &request, std::shared_ptr<ExportDirectory> directory,
                          ExportProgress &progress, ExportLog &log)
     : m_request(request)
     , m_directory(std::move(directory))
@@ -56,7 +56,8 @@ PlaybackEngine &FrameExport::playback() const
     return PlaybackInternals::engine(*m_manager);
 }
 
-bool FrameExport::run(const QString &path, const KelExportDependencies &dependencies)
+bool FrameExport::run(const QString &path, const KelExportDependencies &dependencies,
+                      const std::function<void()> &started)
 {
     playback().pause();
     const int savedFrame = playback().currentFrame();
@@ -70,14 +71,15 @@ bool FrameExport::run(const QString &path, const KelExportDependencies &dependen
             playback().setExporting(false);
         playback().endExport(savedFrame);
     });
-    if (!encodeRange(path, dependencies) || m_progress.isCancelled() || !checkWritten(path))
+    if (!encodeRange(path, dependencies, started) || m_progress.isCancelled() || !checkWritten(path))
         return false;
     if (const int failed = m_manager ? playback().failedFrames() - failedBefore : 0; failed > 0)
         m_log.warn(QStringLiteral("%1 frames of the video could not be decoded and repeat the one before").arg(failed));
     return true;
 }
 
-bool FrameExport::encodeRange(const QString &path, const KelExportDependencies &dependencies)
+bool FrameExport::encodeRange(const QString &path, const KelExportDependencies &dependencies,
+                              const std::function<void()> &started)
 {
     const QSize frameSize = m_manager->frameSize();
     if (frameSize.isEmpty())
@@ -94,6 +96,7 @@ bool FrameExport::encodeRange(const QString &path, const KelExportDependencies &
                           m_directory, m_progress);
     if (!encoder.isValid())
         return m_log.fail(QStringLiteral("Failed to create encoder"), encoder.errorString());
+    started();
     playback().setExporting(true);
     playback().beginExport(m_request.speed, map.isRange() ? map.firstFrame() : -1, map.lastFrame());
     if (encodeFrames(encoder, map, canvas) && closeEncoder(encoder, map.outputFrames()))

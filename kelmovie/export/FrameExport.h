@@ -5,16 +5,17 @@
 #include <QPointer>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class KelPlaybackTrackManager;
-class QTemporaryDir;
 struct KelExportDependencies;
 
 namespace kel
 {
 
 class ExportCanvas;
+class ExportDirectory;
 class ExportEncoder;
 class ExportFrameMap;
 class ExportLog;
@@ -27,16 +28,17 @@ class FrameExport
 {
 public:
     /// `request`, `progress` and `log` must outlive this; `directory` holds the file that is written.
-    FrameExport(const KelExportRequest &request, std::shared_ptr<QTemporaryDir> directory, ExportProgress &progress,
+    FrameExport(const KelExportRequest &request, std::shared_ptr<ExportDirectory> directory, ExportProgress &progress,
                 ExportLog &log);
 
-    /// Writes the file `path`. Pauses the playback manager, and returns it to its frame. False on failure and when
-    /// cancelled.
-    bool run(const QString &path, const KelExportDependencies &dependencies);
+    /// Writes the file `path`; calls `started` before the first frame. Pauses the playback manager, and returns it to
+    /// its frame. False on failure and when cancelled.
+    bool run(const QString &path, const KelExportDependencies &dependencies, const std::function<void()> &started);
 
 private:
     PlaybackEngine &playback() const;
-    bool encodeRange(const QString &path, const KelExportDependencies &dependencies);
+    bool encodeRange(const QString &path, const KelExportDependencies &dependencies,
+                     const std::function<void()> &started);
     bool encodeFrames(ExportEncoder &encoder, const ExportFrameMap &map, ExportCanvas &canvas);
     bool showFrame(int frame);
     bool closeEncoder(ExportEncoder &encoder, qint64 frames);
@@ -44,7 +46,7 @@ private:
     bool checkWritten(const QString &path);
 
     const KelExportRequest &m_request;
-    const std::shared_ptr<QTemporaryDir> m_directory;
+    const std::shared_ptr<ExportDirectory> m_directory;
     ExportProgress &m_progress;
     ExportLog &m_log;
     QPointer<KelPlaybackTrackManager> m_manager; // a monitor that processes events may close the recording

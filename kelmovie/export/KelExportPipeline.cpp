@@ -2,6 +2,7 @@
 
 #include "avcodec/audio/MixAudioVideoTracks.h"
 #include "export/BackgroundTasks.h"
+#include "export/ExportDirectory.h"
 #include "export/ExportFrameMap.h"
 #include "export/ExportInternals.h"
 #include "export/ExportLog.h"
@@ -16,11 +17,9 @@
 
 #include <KelMovie/KelPlaybackTrackManager.h>
 
-#include <QDir>
 #include <QFileInfo>
 #include <QPointer>
 #include <QScopeGuard>
-#include <QTemporaryDir>
 #include <QVariant>
 
 #include <algorithm>
@@ -70,27 +69,25 @@ public:
     ExportProgress progress;
     ExportLog log;
     const KelExportDependencies dependencies;
-    QPointer<KelPlaybackTrackManager> manager; // a monitor that processes events may close the recording
-    std::shared_ptr<QTemporaryDir> directory;  // of the file until it is complete
+    QPointer<KelPlaybackTrackManager> manager;  // a monitor that processes events may close the recording
+    std::shared_ptr<ExportDirectory> directory; // of the file until it is complete
     Failure failure = Failure::None;
 };
 
 bool KelExportPipeline::Private::runExport()
 {
     progress.report(0);
-    failure = Failure::Video; // until that step is done
+    failure = Failure::Start; // until that step is done
     if (progress.isCancelled())
         return false;
     const QString problem = requestProblem();
     if (!problem.isEmpty())
         return log.fail(problem);
-    // In a new private directory, nobody can have placed a link or a file in advance. Animations only have to be moved
-    // when they are complete, so they are written next to their destination, where moving is a rename.
     const QFileInfo output(request.outputPath);
-    directory = std::make_shared<QTemporaryDir>(isMp4() ? QDir::tempPath() + QLatin1String("/kel_temp_export_XXXXXX")
-                                                        : output.path() + QLatin1String("/.kel_export_XXXXXX"));
+    directory = std::make_shared<ExportDirectory>(output.path());
     if (!directory->isValid())
-        return log.fail(QStringLiteral("Cannot create a temporary directory"), directory->errorString());
+        return log.fail(QStringLiteral("Cannot create a temporary directory in ") + output.path(),
+                        directory->errorString());
     const auto cleanUp = qScopeGuard([this] {
         if (!directory->remove()) // on systems where a file cannot be removed while an encoder has it open
             BackgroundTasks::wait(kMaxWaitForRelease);
@@ -119,29 +116,34 @@ QString KelExportPipeline::Private::requestProblem() const
         return QStringLiteral("Invalid export speed");
     if (request.fps < 1)
         return QStringLiteral("Invalid export frame rate");
-    return exportOutputProblem(request.outputPath, manager->recordDir());
+    const QString problem = exportFormatProblem(request.outputPath, request.format);
+    return problem.isEmpty() ? exportOutputProblem(request.outputPath, manager->recordDir()) : problem;
 }
 
 bool KelExportPipeline::Private::exportFrames(const QString &path)
 {
-    return FrameExport(request, directory, progress, log).run(path, dependencies);
+    return FrameExport(request, directory, progress, log).run(path, dependencies, [this] { failure = Failure::Video; });
 }
 
-/// If the sound cannot be added, the export continues without it.
+/// If the sound cannot be read, the export continues without it.
 bool KelExportPipeline::Private::mixAudio(KelExportSound &sound, const QString &video)
 {
-    if (sound.isEmpty())
+    const QString container = // selected by the suffix
+        canMixInto(request.outputPath) ? QFileInfo(request.outputPath).suffix() : QStringLiteral("mp4");
+    if (sound.isEmpty() && container == QLatin1String("mp4"))
         return placeFile(video);
-    if (canMixInto(request.outputPath)) {
-        if (waitForMix(sound, video, request.outputPath))
-            return true;
-    } else if (const QString mixed = directory->filePath(QStringLiteral("kel_temp_export_mixed.mp4"));
-               waitForMix(sound, video, mixed)) {
+    const QString mixed = directory->filePath(QLatin1String("kel_temp_export_mixed.") + container);
+    if (waitForMix(sound, video, mixed)) {
+        for (const QString &warning : sound.warnings())
+            log.warn(warning);
         return placeFile(mixed);
     }
     if (progress.isCancelled())
         return false;
-    log.warn(QLatin1String("The sound could not be added: ") + sound.errorString());
+    // Not without sound: the video would not fit either, or replace a file that has its sound.
+    if (sound.error().isOutput)
+        return log.fail(QStringLiteral("Failed to mix audio and video tracks"), sound.error().text);
+    log.warn(QLatin1String("The sound could not be added: ") + sound.error().text);
     return placeFile(video);
 }
 
@@ -214,7 +216,7 @@ bool KelExportPipeline::Private::placeFile(const QString &path)
     if (!problem.isEmpty())
         return log.fail(isMp4() ? QStringLiteral("Failed to copy video file to output path")
                                 : QStringLiteral("Failed to move the file to its destination"),
-                        problem);
+                        QStringLiteral("Cannot write %1: %2").arg(request.outputPath, problem));
     return true;
 }
 

@@ -51,8 +51,10 @@ public:
 /// Exports a loaded recording into one file. Runs on the GUI thread and blocks until the file is complete, or the
 /// export has failed or been cancelled. The playback manager is paused, and is back at its frame afterwards.
 ///
-/// The output file appears when it is complete; an existing file is replaced atomically. If an animation cannot be
-/// completed, for example on a full disk, its first part is kept beside it as "NAME.incomplete.SUFFIX".
+/// The output file appears when it is complete; an existing file is replaced atomically. Until then it is made in a
+/// hidden directory beside it, ".kel_export_…", of which the next export deletes what a killed one left. If an
+/// animation cannot be completed, for example on a full disk, its first part is kept beside it as
+/// "NAME.incomplete.SUFFIX".
 class KELMOVIE_EXPORT KelExportPipeline
 {
 public:
@@ -72,9 +74,15 @@ public:
     /// Defects of a complete file, in English; empty when there are none.
     QString warningString() const;
 
-    /// The step at which the export failed; None on success and when cancelled.
-    enum class Failure { None, Video, Sound, Exception };
-    Failure failure() const; ///< Failure::None after success and cancellation
+    /// The step at which the export failed.
+    enum class Failure {
+        None,      ///< it did not: it is complete or was cancelled
+        Start,     ///< before the first frame was encoded
+        Video,     ///< while the frames were encoded
+        Sound,     ///< while the sound was added or the file was moved to its destination
+        Exception, ///< the monitor threw
+    };
+    Failure failure() const;
 
 private:
     friend class kel::ExportInternals;

@@ -1,8 +1,6 @@
 #include "export/KelExportSound.h"
 
 #include "audio/output/AudioGain.h"
-#include "avcodec/audio/MixAudioVideoTracks.h"
-#include "logging/Log.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/wav/SoundFiles.h"
@@ -39,14 +37,17 @@ KelExportSound::KelExportSound(const KelPlaybackVoiceTrack *voice, const QString
 bool KelExportSound::addTo(const QString &video, const QString &output)
 {
     QList<AudioTrack> tracks;
-    for (const Source &source : qAsConst(m_sources))
+    for (const Source &source : qAsConst(m_sources)) {
         tracks.append(trackOf(source));
+        if (m_error.isOutput)
+            return false;
+    }
     const double before = m_progress;
     const auto onProgress = [&](double share) {
         m_progress = before + (1.0 - before) * share;
         return !m_isCancelled;
     };
-    return MixAudioVideoTracks(video, tracks, output, onProgress, &m_errorString);
+    return MixAudioVideoTracks(video, tracks, output, onProgress, &m_error);
 }
 
 void KelExportSound::cancel()
@@ -83,8 +84,9 @@ QString KelExportSound::speedAdjustedAudio(const QString &path, double speed)
     QObject::disconnect(connection);
     if (isAdjusted)
         return adjusted;
-    if (!m_isCancelled)
-        qCWarning(logExport).noquote() << "[KelExportSound] The speed of the sound stays unchanged:"
-                                       << m_processor.errorMessage();
+    if (!m_processor.writeError().isEmpty())
+        m_error = {m_processor.writeError(), true};
+    else if (!m_isCancelled)
+        m_warnings.append(QStringLiteral("The speed of %1 stays unchanged: %2").arg(path, m_processor.errorMessage()));
     return path;
 }

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "audio/processing/KelAudioSpeedProcessor.h"
-#include "avcodec/AudioTrack.h"
+#include "avcodec/audio/MixAudioVideoTracks.h"
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <atomic>
 
@@ -37,8 +38,11 @@ public:
     /// Progress, 0 to 1.
     double progress() const { return m_progress; }
 
-    /// Why addTo() failed, in English.
-    QString errorString() const { return m_errorString; }
+    /// Why addTo() failed. Sound that cannot be read is no output error: the video is complete without it.
+    const MixError &error() const { return m_error; }
+
+    /// Defects of what addTo() has written, in English.
+    QStringList warnings() const { return m_warnings; }
 
 private:
     struct Source {
@@ -55,5 +59,6 @@ private:
     KelAudioSpeedProcessor m_processor;
     std::atomic<double> m_progress{0.0};
     std::atomic<bool> m_isCancelled{false};
-    QString m_errorString;
+    MixError m_error;
+    QStringList m_warnings;
 };

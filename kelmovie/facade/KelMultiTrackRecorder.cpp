@@ -19,7 +19,7 @@ public:
     explicit Private(KelMultiTrackRecorder *recorder);
 
     bool isLoaded();
-    bool isComplete(RecordingExporter::Result result, const QString &failure);
+    bool isComplete(const RecordingExporter::Outcome &outcome, const QString &startFailure);
     void reportError(const QString &error);
 
     KelMultiTrackRecorder *const q;
@@ -54,12 +54,15 @@ bool KelMultiTrackRecorder::Private::isLoaded()
     return bool(playbackManager);
 }
 
-/// Reports `failure` if the export failed; a cancelled one is not an error.
-bool KelMultiTrackRecorder::Private::isComplete(RecordingExporter::Result result, const QString &failure)
+/// Reports why the export failed, or `startFailure` if it could not even start; a cancelled one is not an error.
+bool KelMultiTrackRecorder::Private::isComplete(const RecordingExporter::Outcome &outcome, const QString &startFailure)
 {
-    if (result == RecordingExporter::Result::Failed)
-        reportError(failure);
-    return result == RecordingExporter::Result::Complete;
+    using Result = RecordingExporter::Result;
+    if (outcome.result == Result::NotStarted)
+        reportError(startFailure);
+    else if (outcome.result == Result::Failed)
+        reportError(QStringLiteral("Export failed: %1").arg(outcome.error));
+    return outcome.result == Result::Complete;
 }
 
 void KelMultiTrackRecorder::Private::reportError(const QString &error)

@@ -2,18 +2,36 @@
 
 #include "config/KelMovieConfig.h"
 #include "export/KelExportPipeline.h"
-#include "logging/Log.h"
 #include "playback/KelPlaybackTrackManager.h"
 #include "ui/export/KelPlaybackExportDialog.h"
 
 #include <QApplication>
-#include <QDebug>
 #include <QVariant>
 
 namespace kel
 {
 
-RecordingExporter::Result RecordingExporter::exportAll(const QString &path, int format)
+namespace
+{
+
+RecordingExporter::Outcome outcomeOf(const KelExportPipeline &pipeline, bool isComplete)
+{
+    using Result = RecordingExporter::Result;
+    if (isComplete)
+        return {Result::Complete, QString()};
+    switch (pipeline.failure()) {
+    case KelExportPipeline::Failure::None:
+        return {Result::Cancelled, QString()};
+    case KelExportPipeline::Failure::Start:
+        return {Result::NotStarted, pipeline.errorString()};
+    default:
+        return {Result::Failed, pipeline.errorString()};
+    }
+}
+
+} // namespace
+
+RecordingExporter::Outcome RecordingExporter::exportAll(const QString &path, int format)
 {
     KelExportRequest request;
     request.format = format;
@@ -23,8 +41,8 @@ RecordingExporter::Result RecordingExporter::exportAll(const QString &path, int 
     return run(request);
 }
 
-RecordingExporter::Result RecordingExporter::exportRange(const QString &path, int format, int startMs, int endMs,
-                                                         int fps)
+RecordingExporter::Outcome RecordingExporter::exportRange(const QString &path, int format, int startMs, int endMs,
+                                                          int fps)
 {
     KelExportRequest request;
     request.format = format;
@@ -39,7 +57,7 @@ RecordingExporter::Result RecordingExporter::exportRange(const QString &path, in
     return run(request);
 }
 
-RecordingExporter::Result RecordingExporter::run(KelExportRequest request)
+RecordingExporter::Outcome RecordingExporter::run(KelExportRequest request)
 {
     request.playbackManager = &m_recording;
     request.speed = m_recording.speed();
@@ -47,16 +65,13 @@ RecordingExporter::Result RecordingExporter::run(KelExportRequest request)
     request.autoExitAfterEncode = gKelMovieConfig.encodeExitRecordAfterEncode;
     request.onExitRecord = KelMovieSaveExitRecordAfterEncode;
     if (qobject_cast<QApplication *>(QCoreApplication::instance())) {
-        bool cancelled = false;
-        if (KelPlaybackExportDialog::run(request, QApplication::activeWindow(), &cancelled))
-            return Result::Complete;
-        return cancelled ? Result::Cancelled : Result::Failed;
+        KelPlaybackExportDialog dialog(request, QApplication::activeWindow());
+        const bool isComplete = dialog.exec() == QDialog::Accepted;
+        return outcomeOf(dialog.pipeline(), isComplete);
     }
     KelExportPipeline pipeline(request);
-    if (pipeline.run())
-        return Result::Complete;
-    qCWarning(logExport).noquote() << "[KelMultiTrackRecorder] Export failed:" << pipeline.errorString();
-    return Result::Failed;
+    const bool isComplete = pipeline.run();
+    return outcomeOf(pipeline, isComplete);
 }
 
 } // namespace kel

@@ -13,7 +13,17 @@ namespace kel
 class RecordingExporter
 {
 public:
-    enum class Result { Complete, Cancelled, Failed };
+    enum class Result {
+        Complete,
+        Cancelled,
+        NotStarted, ///< failed before the first frame was encoded
+        Failed      ///< failed later
+    };
+
+    struct Outcome {
+        Result result;
+        QString error; ///< in English; empty unless the export failed
+    };
 
     explicit RecordingExporter(KelPlaybackTrackManager &recording)
         : m_recording(recording)
@@ -21,13 +31,13 @@ public:
     }
 
     /// The whole recording at 25 frames per second.
-    Result exportAll(const QString &path, int format);
+    Outcome exportAll(const QString &path, int format);
 
     /// From `startMs` to `endMs` of recording time; the whole recording unless both are 0 or more.
-    Result exportRange(const QString &path, int format, int startMs, int endMs, int fps);
+    Outcome exportRange(const QString &path, int format, int startMs, int endMs, int fps);
 
 private:
-    Result run(KelExportRequest request);
+    Outcome run(KelExportRequest request);
 
     KelPlaybackTrackManager &m_recording;
 };

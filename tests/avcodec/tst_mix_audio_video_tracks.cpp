@@ -94,7 +94,7 @@ private:
 
     QTemporaryDir m_shared;
     std::unique_ptr<QTemporaryDir> m_dir;
-    QString m_error;
+    MixError m_error;
 };
 
 void MixAudioVideoTracksTest::initTestCase()
@@ -117,7 +117,7 @@ void MixAudioVideoTracksTest::mixesTones()
         shares.append(share);
         return true;
     };
-    QVERIFY2(mix({system, microphone}, "out.mp4", note), qPrintable(m_error));
+    QVERIFY2(mix({system, microphone}, "out.mp4", note), qPrintable(m_error.text));
     QCOMPARE(videoHashOf(path("out.mp4")), videoHashOf(videoOf(50)));
     QVERIFY(mp4Boxes(path("out.mp4")).indexOf("moov") < mp4Boxes(path("out.mp4")).indexOf("mdat"));
 
@@ -173,7 +173,7 @@ void MixAudioVideoTracksTest::staysInSync()
     part.endMs = end;
     part.offsetMs = offset;
     part.speed = speed;
-    QVERIFY2(mix({part}, "out." + suffix), qPrintable(m_error));
+    QVERIFY2(mix({part}, "out." + suffix), qPrintable(m_error.text));
 
     const Sound sound = Sound::decode(path("out." + suffix));
     // In containers without negative timestamps, the video starts later by the priming of the audio encoder.
@@ -209,12 +209,12 @@ void MixAudioVideoTracksTest::containers()
     QFETCH(QString, codecs);
 
     const AudioTrack a = track("a.wav", Sound::make(2.0, Sound::tone(440, 0.4)));
-    QVERIFY2(mix({a}, name), qPrintable(m_error));
+    QVERIFY2(mix({a}, name), qPrintable(m_error.text));
     QCOMPARE(streams(path(name), "codec_name"), codecs);
     const double level = Sound::decode(path(name)).level(440, 0.3, 1.7);
     QVERIFY2(std::fabs(level - 0.4) < 0.02, qPrintable(QString::number(level)));
     if (codecs.startsWith("h264")) {
-        QVERIFY2(mix({}, name), qPrintable(m_error)); // a silent video
+        QVERIFY2(mix({}, name), qPrintable(m_error.text)); // a silent video
         QCOMPARE(streams(path(name), "codec_name"), QString("h264"));
         QCOMPARE(videoHashOf(path(name)), videoHashOf(videoOf(50)));
     }
@@ -238,7 +238,7 @@ void MixAudioVideoTracksTest::keepsLevelOfSingleSource()
 {
     for (int channels : {1, 2}) {
         const Sound loud = Sound::make(2.0, Sound::tone(440, 1.0), 48'000, channels);
-        QVERIFY2(mix({track("a.wav", loud, false)}, "out.wav"), qPrintable(m_error));
+        QVERIFY2(mix({track("a.wav", loud, false)}, "out.wav"), qPrintable(m_error.text));
         const Sound mixed = Sound::decode(path("out.wav"));
         for (size_t frame = 0; frame < 96'000; ++frame) {
             const float expected = float(std::lround(double(loud.samples[frame * size_t(channels)]) * 32767)) / 32768;
@@ -252,7 +252,7 @@ void MixAudioVideoTracksTest::limitsLoudSourcesWithoutDistortion()
 {
     const AudioTrack a = track("a.wav", Sound::make(2.0, Sound::tone(440, 1.0)));
     const AudioTrack b = track("b.wav", Sound::make(2.0, Sound::tone(1'500, 1.0, 0.5, 1.5)));
-    QVERIFY2(mix({a, b}, "out.wav"), qPrintable(m_error));
+    QVERIFY2(mix({a, b}, "out.wav"), qPrintable(m_error.text));
     const Sound sound = Sound::decode(path("out.wav"));
     QVERIFY(sound.peak() <= 1.0);
     QVERIFY(std::fabs(sound.level(440, 0.1, 0.49) - 1.0) < 0.001); // alone
@@ -273,15 +273,15 @@ void MixAudioVideoTracksTest::stillLastsAsLongAsAudio()
     part.startMs = 1'000;
     part.endMs = 3'500;
     for (const char *name : {"out.wav", "out.m4a", "out.mp4"}) {
-        QVERIFY2(MixAudioVideoTracks(videoOf(1), {part}, path(name), {}, &m_error), qPrintable(m_error));
+        QVERIFY2(MixAudioVideoTracks(videoOf(1), {part}, path(name), {}, &m_error), qPrintable(m_error.text));
         const double seconds = Sound::decode(path(name)).seconds();
         QVERIFY2(std::fabs(seconds - 2.5) < 0.022, qPrintable(QString::number(seconds)));
     }
     part.startMs = 3'500;
-    QVERIFY2(MixAudioVideoTracks(videoOf(1), {part}, path("out.mp4"), {}, &m_error), qPrintable(m_error));
+    QVERIFY2(MixAudioVideoTracks(videoOf(1), {part}, path("out.mp4"), {}, &m_error), qPrintable(m_error.text));
     QCOMPARE(streams(path("out.mp4"), "codec_name"), QString("h264 aac"));
     QVERIFY(!MixAudioVideoTracks(videoOf(1), {part}, path("out.wav"), {}, &m_error));
-    QCOMPARE(m_error, QString("There is no sound in the chosen range"));
+    QCOMPARE(m_error.text, QString("There is no sound in the chosen range"));
 }
 
 void MixAudioVideoTracksTest::failures_data()
@@ -321,7 +321,8 @@ void MixAudioVideoTracksTest::failures()
     part.path = path(sound);
     part.speed = speed;
     QVERIFY(!MixAudioVideoTracks(path(video.isEmpty() ? "video.mp4" : video), {part}, path(output), {}, &m_error));
-    QVERIFY2(m_error.startsWith(error), qPrintable(m_error));
+    QVERIFY2(m_error.text.startsWith(error), qPrintable(m_error.text));
+    QCOMPARE(m_error.isOutput, error == "Cannot write" || error == "Not a regular file");
     QCOMPARE(files(), before);
     QCOMPARE(QFileInfo(path("old.mp4")).size(), 27);
 }
@@ -360,7 +361,7 @@ void MixAudioVideoTracksTest::toleratesDamagedSources()
     else
         QVERIFY(file.seek(offset) && file.write(bytes) == bytes.size());
     file.close();
-    QVERIFY2(mix({bad, good}, "out.mp4"), qPrintable(m_error));
+    QVERIFY2(mix({bad, good}, "out.mp4"), qPrintable(m_error.text));
     const Sound sound = Sound::decode(path("out.mp4"));
     QVERIFY(std::fabs(sound.level(440, 0.5, 1.9) - 0.4) < 0.02);
     const double level = sound.level(1'000, 0.5, 1.9);
@@ -382,7 +383,7 @@ void MixAudioVideoTracksTest::cancel()
     const AudioTrack a = track("a.wav", Sound::make(2.0, Sound::tone(440, 0.4)));
     int callsAfter = 0;
     QVERIFY(!mix({a}, "out.mp4", [&](double done) { return done < share || callsAfter++ < (share >= 1.0); }));
-    QCOMPARE(m_error, QString("Cancelled"));
+    QCOMPARE(m_error.text, QString("Cancelled"));
     QVERIFY(callsAfter < 20);
     QCOMPARE(files(), QStringList{"a.wav"});
 }
@@ -394,7 +395,8 @@ void MixAudioVideoTracksTest::fullDisk()
     for (const char *name : {"out.mp4", "out.mkv", "out.wav"}) {
         const FileSizeLimit limit(20'000);
         QVERIFY(!mix({a}, name));
-        QVERIFY2(m_error.startsWith("Cannot write the mix: "), qPrintable(m_error));
+        QVERIFY(m_error.isOutput);
+        QCOMPARE(m_error.text, QString("Cannot write %1: %2").arg(path(name), FileSizeLimit::errorText()));
     }
     QCOMPARE(files(), QStringList{"a.wav"});
 }

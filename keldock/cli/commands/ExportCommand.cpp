@@ -192,8 +192,9 @@ QString ExportCommand::run()
     request.speed = m_speed;
     request.outputPath = m_file;
     request.loops = m_loops;
+    request.size = recording.pixels();
     if (!m_size.isEmpty())
-        request.size = recording.manager()->frameSize().scaled(m_size, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+        request.size = request.size.scaled(m_size, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     request.trackDataDir = m_directory;
     request.playbackManager = recording.manager();
     QString rangeError = setRange(recording, &request);

@@ -3,13 +3,12 @@
 #include "cli/commands/Arguments.h"
 #include "cli/commands/LoadedRecording.h"
 #include "common/ComposedFrame.h"
+#include "common/PngFile.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
 
 #include <QFileInfo>
 #include <QImage>
-#include <QImageWriter>
-#include <QSaveFile>
 
 namespace
 {
@@ -71,17 +70,9 @@ QString FrameCommand::run()
     const QFileInfo existing(m_file);
     if (existing.exists() && !existing.isFile())
         return QStringLiteral("'%1' is not a regular file").arg(m_file);
-    const QString cannotWrite = QStringLiteral("'%1' cannot be written: %2");
-    QSaveFile file(m_file);
-    if (!file.open(QIODevice::WriteOnly))
-        return cannotWrite.arg(m_file, file.errorString());
     const QImage image = playedFrame(recording, m_frame);
     if (image.isNull())
         return QStringLiteral("there is not enough memory for the frame");
-    QImageWriter writer(&file, "png");
-    if (!writer.write(image))
-        return cannotWrite.arg(m_file, writer.errorString());
-    if (!file.commit())
-        return cannotWrite.arg(m_file, file.errorString());
-    return QString();
+    const QString problem = savePng(image, m_file);
+    return problem.isEmpty() ? QString() : QStringLiteral("'%1' cannot be written: %2").arg(m_file, problem);
 }

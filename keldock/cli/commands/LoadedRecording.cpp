@@ -1,6 +1,7 @@
 #include "cli/commands/LoadedRecording.h"
 
 #include "cli/terminal/MessageLog.h"
+#include "common/ComposedFrame.h"
 #include "common/DirectorySize.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
@@ -59,9 +60,7 @@ int LoadedRecording::videoFrames() const
 
 QSize LoadedRecording::pixels() const
 {
-    if (!m_error.isEmpty())
-        return QSize();
-    return (QSizeF(manager()->frameSize()) * manager()->devicePixelRatio()).toSize();
+    return m_error.isEmpty() ? recordedPixels(*manager()) : QSize();
 }
 
 QStringList LoadedRecording::tracksPresent() const

@@ -1,5 +1,6 @@
 #include "play/export/ExportOptionsDialog.h"
 
+#include "common/ComposedFrame.h"
 #include "common/Units.h"
 #include "play/player/Player.h"
 #include "widget/ChoiceBox.h"
@@ -13,6 +14,9 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
+
+#include <algorithm>
+#include <functional>
 
 namespace
 {
@@ -73,8 +77,8 @@ QLayout *ExportOptionsDialog::createChoices()
     select(m_frameRate, kRateKey, kRecordedRate);
 
     m_frameSize = new ChoiceBox(this);
-    for (const int percent : {100, 75, 50, 33, 25}) {
-        const QSize size = manager.frameSize() * (percent / 100.0);
+    for (const int percent : sizePercents()) {
+        const QSize size = frameSize(percent);
         m_frameSize->addItem(QStringLiteral("%1 × %2").arg(size.width()).arg(size.height()), percent);
     }
     select(m_frameSize, kSizeKey, 100);
@@ -144,8 +148,28 @@ int ExportOptionsDialog::fps() const
 
 QSize ExportOptionsDialog::frameSize() const
 {
-    const int percent = m_frameSize->currentData().toInt();
-    return percent == 100 ? QSize() : m_player.manager()->frameSize() * (percent / 100.0);
+    return frameSize(m_frameSize->currentData().toInt());
+}
+
+/// Of the recorded pixels; the logical size of a scaled screen, in which it looks as large as it was, is among them.
+QVector<int> ExportOptionsDialog::sizePercents() const
+{
+    QVector<int> percents{100, 75, 50, 33, 25};
+    if (!percents.contains(logicalPercent()))
+        percents.append(logicalPercent());
+    std::sort(percents.begin(), percents.end(), std::greater<>());
+    return percents;
+}
+
+int ExportOptionsDialog::logicalPercent() const
+{
+    return qRound(100.0 / m_player.manager()->devicePixelRatio());
+}
+
+QSize ExportOptionsDialog::frameSize(int percent) const
+{
+    const KelPlaybackTrackManager &manager = *m_player.manager();
+    return percent == logicalPercent() ? manager.frameSize() : recordedPixels(manager) * (percent / 100.0);
 }
 
 void ExportOptionsDialog::accept()

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QSize>
+#include <QVector>
 
 class ChoiceBox;
 class Player;
@@ -20,7 +21,7 @@ public:
 
     /// Frame rate of the exported file.
     int fps() const;
-    /// Frame size of the exported file in pixels; empty for the recorded size.
+    /// Frame size of the exported file in pixels.
     QSize frameSize() const;
 
 public slots:
@@ -31,6 +32,9 @@ private:
     QLayout *createButtons();
     QString summary() const;
     void updateEstimate();
+    QVector<int> sizePercents() const;
+    int logicalPercent() const;
+    QSize frameSize(int percent) const;
 
     const Player &m_player;
     SaveQualityPanel *m_quality = nullptr;

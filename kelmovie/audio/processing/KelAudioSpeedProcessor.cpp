@@ -1,6 +1,7 @@
 #include "audio/processing/KelAudioSpeedProcessor.h"
 
 #include "audio/processing/SpeedFrameMap.h"
+#include "recording/FileWriting.h"
 #include "recording/wav/WavChunks.h"
 #include "recording/wav/WavHeader.h"
 
@@ -93,6 +94,7 @@ KelAudioSpeedProcessor::~KelAudioSpeedProcessor() = default;
 bool KelAudioSpeedProcessor::processAudio(const QString &inputPath, double speed, const QString &outputPath)
 {
     m_errorMessage.clear();
+    m_writeError.clear();
     if (inputPath.isEmpty() || outputPath.isEmpty())
         return fail(QStringLiteral("Input or output path is empty"));
     if (!(speed > 0.0) || std::isinf(speed))
@@ -168,10 +170,12 @@ bool KelAudioSpeedProcessor::writeWavFile(const QString &path, WavFile &wav, con
     WavHeader header = WavHeader::pcm(wav.sampleRate, quint16(wav.channelCount), quint16(bits));
     header.setDataSize(qint64(map.outFrames()) * wav.channelCount * (bits / 8));
     QSaveFile output(path);
-    if (!output.open(QIODevice::WriteOnly))
+    if (!output.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        failToWrite(output);
         return fail(QStringLiteral("Cannot create output WAV file: ") + path);
-    if (output.write(header.toBytes()) != WavHeader::kSize)
-        return fail(QStringLiteral("Failed to write complete WAV file"));
+    }
+    if (!writeAll(output, header.toBytes()))
+        return failToWrite(output);
     // The gain is known only after a full pass; the few sounds that exceed full scale need a second one.
     float gain = 1.0F;
     if (!changeSpeed(wav, map, &gain, output))
@@ -179,7 +183,7 @@ bool KelAudioSpeedProcessor::writeWavFile(const QString &path, WavFile &wav, con
     if (gain < 1.0F && (!output.seek(WavHeader::kSize) || !changeSpeed(wav, map, &gain, output)))
         return false;
     wav.file.close(); // it may be the output, which some systems cannot replace while it is open
-    return output.commit() || fail(QStringLiteral("Failed to write complete WAV file"));
+    return output.commit() || failToWrite(output);
 }
 
 /// Writes the frames of the map. Floats are scaled by `gain`, which is then set to the gain that keeps them within full
@@ -217,8 +221,8 @@ bool KelAudioSpeedProcessor::changeSpeed(WavFile &wav, const SpeedFrameMap &map,
             bytes = pcm.constData();
             size /= 2;
         }
-        if (output.write(bytes, size) != size)
-            return fail(QStringLiteral("Failed to write complete WAV file"));
+        if (!writeAll(output, QByteArray::fromRawData(bytes, int(size))))
+            return failToWrite(output);
     }
     if (isFirstPass)
         emit progressChanged(100);
@@ -230,4 +234,10 @@ bool KelAudioSpeedProcessor::fail(const QString &message)
 {
     m_errorMessage = message;
     return false;
+}
+
+bool KelAudioSpeedProcessor::failToWrite(const QSaveFile &output)
+{
+    m_writeError = QStringLiteral("Cannot write %1: %2").arg(output.fileName(), output.errorString());
+    return fail(QStringLiteral("Failed to write complete WAV file"));
 }

@@ -31,6 +31,10 @@ public:
     /// Empty unless the last run failed.
     QString errorMessage() const { return m_errorMessage; }
 
+    /// The output file and why it cannot be written, for example because the disk is full. Empty unless that is why the
+    /// last run failed.
+    QString writeError() const { return m_writeError; }
+
     /// Makes the current run and all later ones fail within milliseconds. Any thread.
     void cancel() { m_isCancelled = true; }
 
@@ -48,7 +52,9 @@ private:
     bool writeWavFile(const QString &path, WavFile &wav, const kel::SpeedFrameMap &map);
     bool changeSpeed(WavFile &wav, const kel::SpeedFrameMap &map, float *gain, QSaveFile &output);
     bool fail(const QString &message);
+    bool failToWrite(const QSaveFile &output);
 
     QString m_errorMessage;
+    QString m_writeError;
     std::atomic<bool> m_isCancelled{false};
 };

@@ -159,6 +159,7 @@ void KelPlaybackExportDialog::Private::showFailure()
     case KelExportPipeline::Failure::Sound:
         KelMsgBox::critical(q, title, tr("Failed to mix audio and video tracks"), problem);
         break;
+    case KelExportPipeline::Failure::Start:
     case KelExportPipeline::Failure::Video:
     case KelExportPipeline::Failure::None:
         KelMsgBox::critical(q, title, tr("Failed to generate video track"), problem);
@@ -224,13 +225,15 @@ KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request
 
 KelPlaybackExportDialog::~KelPlaybackExportDialog() = default;
 
-bool KelPlaybackExportDialog::run(const KelExportRequest &request, QWidget *parent, bool *cancelled)
+bool KelPlaybackExportDialog::run(const KelExportRequest &request, QWidget *parent)
 {
     KelPlaybackExportDialog dialog(request, parent);
-    const bool isAccepted = dialog.exec() == Accepted;
-    if (cancelled)
-        *cancelled = dialog.d->isCancelled;
-    return isAccepted;
+    return dialog.exec() == Accepted;
+}
+
+const KelExportPipeline &KelPlaybackExportDialog::pipeline() const
+{
+    return *d->pipeline;
 }
 
 bool KelPlaybackExportDialog::exitRecord() const

@@ -11,6 +11,12 @@
 /// the mix within milliseconds; its error is then "Cancelled".
 using MixProgress = std::function<bool(double share)>;
 
+/// Why a mix failed.
+struct MixError {
+    QString text;          ///< in English, with the file and the system's reason
+    bool isOutput = false; ///< the output cannot be written, for example because the disk is full
+};
+
 /// Whether the file name suffix stands for a container that MixAudioVideoTracks() can write.
 bool canMixInto(const QString &path);
 
@@ -25,6 +31,6 @@ bool canMixInto(const QString &path);
 /// container allows it; m4a, mka, aac, mp3, wav, flac, ogg, oga, opus without video.
 ///
 /// The output appears only when it is complete; an existing file is replaced in one step. Memory use does not depend on
-/// the duration. Blocks until the mix is done. False, with the reason in English in `error`, on failure. Any thread.
+/// the duration. Blocks until the mix is done. False, with the reason in `error`, on failure. Any thread.
 bool MixAudioVideoTracks(const QString &videoPath, const QList<AudioTrack> &tracks, const QString &outputPath,
-                         const MixProgress &progress = {}, QString *error = nullptr);
+                         const MixProgress &progress = {}, MixError *error = nullptr);

@@ -220,11 +220,13 @@ int MixJob::result(int code) const
     return code < 0 ? code : std::min(m_output->pb ? m_output->pb->error : 0, 0);
 }
 
-QString MixJob::errorFor(int code) const
+QString MixJob::errorFor(int code)
 {
     if (m_isCancelled)
         return QLatin1String(kCancelled);
-    return code < 0 ? QStringLiteral("Cannot write the mix: %1").arg(errorText(code)) : QString();
+    if (code < 0)
+        m_outputError = errorText(code);
+    return m_outputError;
 }
 
 bool MixJob::reportProgress(qint64 sample)

@@ -31,6 +31,9 @@ public:
     /// Writes the output. Call once, after open() has succeeded. Returns an error in English; empty on success.
     QString run();
 
+    /// Why the output cannot be written, in English, if that is what open() or run() failed at.
+    QString outputError() const { return m_outputError; }
+
 private:
     QString openVideo(const QString &path);
     QString openAudio(const QList<AudioTrack> &tracks);
@@ -43,7 +46,7 @@ private:
     int encodeAll();
     int encodeBlock(int count, int *encoded = nullptr);
     int result(int code) const;
-    QString errorFor(int code) const;
+    QString errorFor(int code);
     bool reportProgress(qint64 sample);
     static int isInterrupted(void *job);
 
@@ -52,6 +55,7 @@ private:
     const MixProgress &m_progress;
     const AVIOInterruptCB m_interrupt{&MixJob::isInterrupted, this};
     bool m_isCancelled = false;
+    QString m_outputError;
 
     FormatContext m_video;
     AVStream *m_videoInput = nullptr; // owned by m_video

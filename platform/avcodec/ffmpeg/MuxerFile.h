@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 
+#include <algorithm>
+
 namespace av
 {
 
@@ -21,7 +23,17 @@ public:
     {
         return avio_open2(&m_io, url.constData(), AVIO_FLAG_WRITE, interrupt, nullptr);
     }
-    int close() { return avio_closep(&m_io); }
+
+    /// Writes what is buffered. An AVERROR code if that or an earlier write has failed, or 0.
+    int close()
+    {
+        if (!m_io)
+            return 0;
+        avio_flush(m_io);
+        const int error = m_io->error; // lost by avio_close() in some versions
+        const int code = avio_closep(&m_io);
+        return code < 0 ? code : std::min(error, 0);
+    }
     AVIOContext *io() const { return m_io; }
 
 private:

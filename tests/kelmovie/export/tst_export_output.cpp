@@ -1,3 +1,4 @@
+#include "export/ExportDirectory.h"
 #include "export/ExportOutput.h"
 #include "support/FileSizeLimit.h"
 
@@ -28,6 +29,8 @@ private slots:
     void findsLinksAndDevices();
     void moves_data();
     void moves();
+    void fitsNameAndFormat();
+    void removesWhatKilledExportsLeft();
     void keepsOldFile_data();
     void keepsOldFile();
 
@@ -154,28 +157,65 @@ void ExportOutputTest::moves()
     QCOMPARE(QFileInfo(path("link.mp4")).isSymLink(), true);
 }
 
+void ExportOutputTest::fitsNameAndFormat()
+{
+    const QStringList fitting{"out.mp4 out.MOV out.mkv out.m4v", "out.gif", "out.apng out.PNG", "out.webp"};
+    const QString others = "out out.part rec.2026-01-02 .mp4x";
+    for (int format = 0; format < 4; ++format) {
+        for (int of = 0; of < 4; ++of) {
+            for (const QString &name : fitting[of].split(' '))
+                QCOMPARE(exportFormatProblem(name, format).isEmpty(), of == format);
+        }
+        for (const QString &name : others.split(' '))
+            QCOMPARE(exportFormatProblem(name, format), QString());
+        QVERIFY(!exportFormatProblem("out.wav", format).isEmpty());
+    }
+    QCOMPARE(exportFormatProblem("/a/out.wav", 2),
+             QString("The suffix of /a/out.wav stands for another format; use .apng, .png"));
+}
+
+void ExportOutputTest::removesWhatKilledExportsLeft()
+{
+    for (const char *name : {".kel_export_killed", ".kel_export_unknown", ".kel_exported", "elsewhere"})
+        QVERIFY(QDir(path(name)).mkpath("sub"));
+    write(".kel_export_killed/lock", "");
+    write(".kel_export_killed/sub/half.mp4", "half");
+    write("elsewhere/lock", "");
+    QVERIFY(QFile::link(path("elsewhere"), path(".kel_export_link")));
+    const ExportDirectory running(dir->path());
+    const ExportDirectory next(dir->path());
+    QVERIFY(!QFile::exists(path(".kel_export_killed")));
+    for (const QString &kept :
+         {running.path(), next.path(), path(".kel_export_link"), path(".kel_export_unknown"), path(".kel_exported")})
+        QVERIFY2(QFileInfo(kept).isDir(), qPrintable(kept));
+    QVERIFY(QFile::exists(path("elsewhere/lock")));
+}
+
 void ExportOutputTest::keepsOldFile_data()
 {
     QTest::addColumn<bool>("isSourceThere");
     QTest::addColumn<bool>("continues");
+    QTest::addColumn<qint64>("size");
     QTest::addColumn<qint64>("room");
 
-    QTest::newRow("cancelled") << true << false << qint64(-1);
-    QTest::newRow("nothing to move") << false << true << qint64(-1);
-    QTest::newRow("full disk") << true << true << qint64(3'000'000);
+    QTest::newRow("cancelled") << true << false << qint64(5'000'000) << qint64(-1);
+    QTest::newRow("nothing to move") << false << true << qint64(0) << qint64(-1);
+    QTest::newRow("full disk") << true << true << qint64(5'000'000) << qint64(3'000'000);
+    QTest::newRow("full at the end") << true << true << qint64(14'000) << qint64(12'288); // less than a buffer
 }
 
 void ExportOutputTest::keepsOldFile()
 {
     QFETCH(bool, isSourceThere);
     QFETCH(bool, continues);
+    QFETCH(qint64, size);
     QFETCH(qint64, room);
 
     const QString from = otherDisk.filePath("video.mp4");
     QFile::remove(from);
     QFile video(from);
     if (isSourceThere)
-        QVERIFY(video.open(QIODevice::WriteOnly) && video.resize(5'000'000));
+        QVERIFY(video.open(QIODevice::WriteOnly) && video.resize(size));
     video.close();
     QString problem;
     const auto move = [&] { problem = moveOverFile(from, path("old.mp4"), [&](qint64) { return continues; }); };
@@ -184,6 +224,7 @@ void ExportOutputTest::keepsOldFile()
     } else {
         const FileSizeLimit limit(room);
         move();
+        QCOMPARE(problem, FileSizeLimit::errorText());
     }
     QVERIFY(!problem.isEmpty());
     QCOMPARE(content("old.mp4"), QByteArray("old"));

@@ -85,6 +85,7 @@ private:
         const auto pipeline = ExportInternals::createPipeline(request, &monitor, dependencies);
         const bool done = pipeline->run();
         error = pipeline->errorString();
+        failure = pipeline->failure();
         return done;
     }
     bool runExport() { return runExport(scriptedEncoders(encoder)); }
@@ -96,6 +97,11 @@ private:
         dependencies.decoders = scriptedDecoders(decoder);
         manager = PlaybackInternals::load(recording->path(), dependencies);
         request.playbackManager = manager.get();
+    }
+    void setFormat(int format)
+    {
+        request.format = format;
+        request.outputPath = outputDir->filePath(format == 0 ? "out.mp4" : "out.gif");
     }
     void writeOutput(const QByteArray &bytes)
     {
@@ -110,7 +116,8 @@ private:
     /// Nothing of an export is left but its output.
     bool isTidy() const
     {
-        return QDir(temporary.path()).isEmpty() && QDir(outputDir->path()).entryList(QDir::Files).size() <= 1;
+        return QDir(temporary.path()).isEmpty() &&
+               QDir(outputDir->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size() <= 1;
     }
 
     const QString defaultTemporaryPath = QDir::tempPath();
@@ -123,6 +130,7 @@ private:
     ScriptedMonitor monitor;
     KelExportRequest request;
     QString error;
+    KelExportPipeline::Failure failure = KelExportPipeline::Failure::None;
 };
 
 void ExportPipelineTest::initTestCase()
@@ -190,13 +198,12 @@ void ExportPipelineTest::placesFile()
     QFETCH(int, format);
     QFETCH(bool, exists);
 
+    setFormat(format);
     if (exists)
         writeOutput("old");
-    request.format = format;
     QVERIFY2(runExport(), qPrintable(error));
     QCOMPARE(output(), QByteArray("encoded"));
-    // The sound is added to an MP4 afterwards.
-    QCOMPARE(encoder->path.startsWith(format == 0 ? temporary.path() : outputDir->path()), true);
+    QVERIFY(encoder->path.startsWith(outputDir->path())); // on the disk that must have room for the file anyway
     QVERIFY(isTidy());
     QVERIFY(error.isEmpty());
 }
@@ -300,10 +307,17 @@ void ExportPipelineTest::failures_data()
     row("empty file", "Output file is empty:", [this] { encoder->output = ""; });
     row("empty GIF", "Output file is empty:", [this] {
         encoder->output = "";
-        request.format = 1;
+        setFormat(1);
     });
-    row("output directory is removed", "Failed to copy video file to output path",
+    row("name of another format", "The suffix of", [this] { request.outputPath = outputDir->filePath("out.wav"); });
+    row("output directory is removed", "Failed to finish the output file",
         [this] { encoder->onFrame = [this](int) { outputDir->remove(); }; });
+    row("a directory takes the place of the output", "Failed to copy video file to output path", [this] {
+        encoder->onFrame = [this](int) {
+            QFile::remove(request.outputPath);
+            QDir().mkdir(request.outputPath);
+        };
+    });
 }
 
 void ExportPipelineTest::failures()
@@ -318,12 +332,15 @@ void ExportPipelineTest::failures()
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^" + text));
     QVERIFY(!runExport());
     QVERIFY2(error.startsWith(text), qPrintable(error));
+    const bool hasStarted =
+        QRegularExpression("^(Failed to (encode|finish|copy)|Output file (does|is))").match(text).hasMatch();
+    QCOMPARE(failure == KelExportPipeline::Failure::Start, !hasStarted);
     QCOMPARE(manager->currentFrame(), manager->isValidRecording() ? 33 : 0);
     QVERIFY(!PlaybackInternals::engine(*manager).isExporting());
     QVERIFY(!monitor.reports.contains(100));
     QVERIFY(isTidy());
     request.outputPath = outputPath;
-    if (QFile::exists(outputPath))
+    if (QFileInfo(outputPath).isFile())
         QCOMPARE(output(), QByteArray("old"));
 }
 
@@ -377,8 +394,8 @@ void ExportPipelineTest::cancel()
     QFETCH(int, frames);
     QFETCH(SetUp, setUp);
 
+    setFormat(format);
     writeOutput("old");
-    request.format = format;
     setUp();
     const int frame = manager->currentFrame();
     QVERIFY(!runExport());

@@ -6,6 +6,7 @@
 #include "playback/PlaybackInternals.h"
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 #include "support/EnvironmentChange.h"
+#include "support/FileSizeLimit.h"
 #include "support/Sound.h"
 
 #include <KelMovie/KelExportPipeline.h>
@@ -48,6 +49,8 @@ private slots:
     void placesFile_data();
     void placesFile();
     void exportsVideoWithoutSound();
+    void fullDisk_data();
+    void fullDisk();
     void cancelWhileMixing();
     void trimsAudioFile();
 
@@ -240,6 +243,30 @@ void ExportSoundTest::exportsVideoWithoutSound()
     QFile output(request.outputPath);
     QVERIFY(output.open(QIODevice::ReadOnly));
     QCOMPARE(output.readAll(), QByteArray("encoded"));
+    QVERIFY(isTidy());
+}
+
+void ExportSoundTest::fullDisk_data()
+{
+    QTest::addColumn<double>("speed");
+
+    QTest::newRow("while mixing") << 1.0;
+    QTest::newRow("while the speed is changed") << 2.0;
+}
+
+void ExportSoundTest::fullDisk()
+{
+    QFETCH(double, speed);
+
+    request.speed = speed;
+    QFile old(request.outputPath);
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("with sound") == 10);
+    old.close();
+    const FileSizeLimit limit(30'000);
+    QVERIFY(!runExport());
+    QVERIFY2(error.contains(QRegularExpression("Cannot write /.*: " + FileSizeLimit::errorText())), qPrintable(error));
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QCOMPARE(old.readAll(), QByteArray("with sound"));
     QVERIFY(isTidy());
 }
 

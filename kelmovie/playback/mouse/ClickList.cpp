@@ -3,6 +3,7 @@
 #include "recording/input/MouseEventReader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kel
 {
@@ -11,11 +12,6 @@ namespace
 {
 
 constexpr qint64 kLongPressMs = 500;
-
-struct TimedClick {
-    MouseClick click;
-    qint64 timestamp;
-};
 
 MouseButton buttonOf(const std::string &name)
 {
@@ -26,7 +22,7 @@ MouseButton buttonOf(const std::string &name)
     return name == "middle" ? MouseButton::Middle : MouseButton::Other;
 }
 
-void append(std::vector<TimedClick> &clicks, const MouseRecord &record)
+void append(std::vector<MouseClick> &clicks, const MouseRecord &record)
 {
     MouseClick click;
     if (record.action == "release")
@@ -39,37 +35,39 @@ void append(std::vector<TimedClick> &clicks, const MouseRecord &record)
     click.frame = record.frame;
     click.position = QPoint(record.x, record.y);
     click.delta = record.delta;
-    clicks.push_back({click, record.timestamp});
+    click.timestamp = record.timestamp;
+    clicks.push_back(click);
+}
+
+/// `release` may be null.
+void assignRelease(MouseClick &click, const MouseClick *release)
+{
+    click.isPaired = release && release->timestamp >= 1;
+    click.releaseFrame = click.isPaired ? release->frame : 0;
+    click.isLong =
+        click.isPaired && click.releaseFrame > click.frame && release->timestamp - click.timestamp >= kLongPressMs;
 }
 
 /// Assigns to each click the first release of its button that is later both in the file and in time. The list is walked
 /// from its end with a stack of the releases seen so far. A release is dropped once another one before it in the file
 /// has the same or a later frame, so the frames on the stack decrease and the nearest release is on top. If none is
 /// later in time, the release is in the frame of the click: a quick tap.
-void pair(std::vector<TimedClick> &clicks)
+void pair(std::vector<MouseClick> &clicks)
 {
-    std::array<std::vector<const TimedClick *>, 4> releases;
-    for (auto entry = clicks.rbegin(); entry != clicks.rend(); ++entry) {
-        MouseClick &click = entry->click;
-        auto &later = releases[std::size_t(click.button)];
-        if (click.action == MouseClick::Action::Release) {
-            while (!later.empty() && later.back()->click.frame <= click.frame)
+    std::array<std::vector<const MouseClick *>, 4> releases;
+    for (auto click = clicks.rbegin(); click != clicks.rend(); ++click) {
+        auto &later = releases[std::size_t(click->button)];
+        if (click->action == MouseClick::Action::Release) {
+            while (!later.empty() && later.back()->frame <= click->frame)
                 later.pop_back();
-            later.push_back(&*entry);
-        } else if (click.action == MouseClick::Action::Click) {
-            const auto end = std::partition_point(later.begin(), later.end(), [&](const TimedClick *release) {
-                return release->click.frame > click.frame;
-            });
-            const TimedClick *release = nullptr;
+            later.push_back(&*click);
+        } else if (click->action == MouseClick::Action::Click) {
+            const auto end = std::partition_point(
+                later.begin(), later.end(), [&](const MouseClick *release) { return release->frame > click->frame; });
             if (end != later.begin())
-                release = *std::prev(end);
-            else if (!later.empty() && later.back()->click.frame == click.frame)
-                release = later.back();
-            if (!release || release->timestamp < 1)
-                continue;
-            click.isPaired = true;
-            click.releaseFrame = release->click.frame;
-            click.isLong = click.releaseFrame > click.frame && release->timestamp - entry->timestamp >= kLongPressMs;
+                assignRelease(*click, *std::prev(end));
+            else if (!later.empty() && later.back()->frame == click->frame)
+                assignRelease(*click, later.back());
         }
     }
 }
@@ -79,20 +77,32 @@ void pair(std::vector<TimedClick> &clicks)
 bool ClickList::load(const QString &path)
 {
     *this = ClickList();
-    std::vector<TimedClick> clicks;
+    std::vector<MouseClick> clicks;
     if (!readMouseEvents(path, [&](const MouseRecord &record) { append(clicks, record); }))
         return false;
     pair(clicks);
-    m_clicks.reserve(clicks.size());
-    for (const TimedClick &entry : clicks) {
-        m_clicks.push_back(entry.click);
-        int &first = m_firstPress[std::size_t(entry.click.button)];
-        if (entry.click.action == MouseClick::Action::Click)
-            first = std::min(first, entry.click.frame);
+    for (const MouseClick &click : clicks) {
+        int &first = m_firstPress[std::size_t(click.button)];
+        if (click.action == MouseClick::Action::Click)
+            first = std::min(first, click.frame);
     }
+    m_clicks = std::move(clicks);
     std::stable_sort(m_clicks.begin(), m_clicks.end(),
                      [](const MouseClick &a, const MouseClick &b) { return a.frame < b.frame; });
     return true;
+}
+
+void ClickList::pairNearestReleases()
+{
+    std::array<const MouseClick *, 4> following{}; // press or release of each button
+    for (auto click = m_clicks.rbegin(); click != m_clicks.rend(); ++click) {
+        if (click->action == MouseClick::Action::Wheel)
+            continue;
+        const MouseClick *&next = following[std::size_t(click->button)];
+        if (click->action == MouseClick::Action::Click)
+            assignRelease(*click, next && next->action == MouseClick::Action::Release ? next : nullptr);
+        next = &*click;
+    }
 }
 
 ClickList::Range ClickList::between(int after, int last) const

@@ -20,29 +20,24 @@ using namespace kel;
 namespace
 {
 
-constexpr int kShortEffectFrames = 24; // length of the effect of a short click
 constexpr double kEffectSide = 64.0;
 constexpr double kMaxEffectScale = 64.0;
 
-/// How an effect is painted.
-struct ShownEffect {
-    bool isWheel = false;
-    int frame = 0; // of the animation
-    QRectF target;
-    int variant = 0; // the button, or the direction of the wheel
+// By default nothing is shown beyond:
+constexpr int kMaxX = 2000;
+constexpr int kMaxY = 1500;
 
-    bool operator==(const ShownEffect &other) const
-    {
-        return isWheel == other.isWheel && frame == other.frame && target == other.target && variant == other.variant;
-    }
-};
+bool isBeyondDefaultLimit(const QPoint &position)
+{
+    return position.x() >= 0 && position.y() >= 0 && (position.x() > kMaxX || position.y() > kMaxY);
+}
 
 /// How the whole layer is painted.
 struct ShownPointer {
     const CursorImage *cursor = nullptr; // null: nothing is painted
     QPoint position;
     double scale = 1.0;
-    std::vector<ShownEffect> effects;
+    std::vector<ShownMouseEffect> effects;
 
     bool operator==(const ShownPointer &other) const
     {
@@ -58,7 +53,6 @@ public:
     bool load(const QString &dir);
     void movePointer(int frame);
     ShownPointer shown() const;
-    ShownEffect shown(const ActiveMouseEffect &effect) const;
     void paintCursor(QPainter &painter, const ShownPointer &pointer) const;
     void paintEffects(QPainter &painter, const ShownPointer &pointer, bool ofWheel) const;
 
@@ -66,6 +60,7 @@ public:
     CursorImages cursors;
     ClickPlayer clicks;
     bool isEnabled = true;
+    bool showsEverywhere = false;
     double effectScale = 1.0;
     int currentFrame = 0;
     QPoint position;
@@ -99,7 +94,7 @@ void KelPlaybackMouseTrack::Private::movePointer(int frame)
     if (!sample)
         return;
     position = sample->position;
-    if (sample->cursor == PointerList::kHidden)
+    if (sample->cursor == PointerList::kHidden || (!showsEverywhere && isBeyondDefaultLimit(position)))
         return;
     const QString &id = moves.cursorIds().at(sample->cursor);
     const auto found = cursors.constFind(id);
@@ -112,25 +107,7 @@ ShownPointer KelPlaybackMouseTrack::Private::shown() const
 {
     if (!isEnabled || !cursor)
         return {};
-    ShownPointer pointer{cursor, position, clicks.pointerScale(), {}};
-    for (const ActiveMouseEffect &effect : clicks.effects()) {
-        const bool isDrawn =
-            effect.isWheel ? clicks.wheelEffect() != nullptr : clicks.clickEffect() && clicks.clickEffect()->isDrawn();
-        if (isDrawn && effect.remaining > 0)
-            pointer.effects.push_back(shown(effect));
-    }
-    return pointer;
-}
-
-ShownEffect KelPlaybackMouseTrack::Private::shown(const ActiveMouseEffect &effect) const
-{
-    const int frame = effect.isLong ? std::min(effect.total - 1, effect.current)
-                                    : std::min(kShortEffectFrames - effect.remaining, kShortEffectFrames - 1);
-    const int side = int(effectScale * kEffectSide);
-    QRectF target(0, 0, side, side);
-    target.moveCenter(effect.isLong ? position : effect.position);
-    const int variant = effect.isWheel ? int(effect.delta < 1) : int(effect.button);
-    return {effect.isWheel, std::max(0, frame), target, variant};
+    return {cursor, position, clicks.pointerScale(), clicks.shown(position)};
 }
 
 void KelPlaybackMouseTrack::Private::paintCursor(QPainter &painter, const ShownPointer &pointer) const
@@ -150,13 +127,16 @@ void KelPlaybackMouseTrack::Private::paintEffects(QPainter &painter, const Shown
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    for (const ShownEffect &effect : pointer.effects) {
+    const int side = int(effectScale * kEffectSide);
+    QRectF target(0, 0, side, side);
+    for (const ShownMouseEffect &effect : pointer.effects) {
         if (effect.isWheel != ofWheel)
             continue;
+        target.moveCenter(effect.position);
         if (ofWheel)
-            clicks.wheelEffect()->paint(&painter, effect.frame, effect.target, effect.variant);
+            clicks.wheelEffect()->paint(&painter, effect.frame, target, effect.variant);
         else
-            clicks.clickEffect()->paint(&painter, effect.frame, effect.target, effect.variant);
+            clicks.clickEffect()->paint(&painter, effect.frame, target, effect.variant);
     }
     painter.restore();
 }
@@ -174,6 +154,16 @@ KelPlaybackMouseTrack::KelPlaybackMouseTrack(const QString &directory, KelPlayba
 
 KelPlaybackMouseTrack::~KelPlaybackMouseTrack() = default;
 
+void KelPlaybackMouseTrack::setContext(const RecordingTimeline &timeline, const KelPlaybackRules &rules)
+{
+    KelPlaybackTrack::setContext(timeline, rules);
+    d->showsEverywhere = rules.showsPointerEverywhere;
+    if (rules.pairsNearestRelease)
+        d->clicks.pairNearestReleases();
+    if (rules.effectsFollowRecordingTime)
+        d->clicks.followTime(timeline);
+}
+
 void KelPlaybackMouseTrack::seekToFrame(int frame)
 {
     d->currentFrame = frame;
@@ -190,6 +180,8 @@ bool KelPlaybackMouseTrack::moveToFrame(int frame)
 
 void KelPlaybackMouseTrack::playEffectsBefore(int frame)
 {
+    if (d->clicks.followsTime())
+        return;
     resetEffects();
     for (int earlier = 0; earlier < frame; ++earlier)
         d->clicks.seekToFrame(earlier);

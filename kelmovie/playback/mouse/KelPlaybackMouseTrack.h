@@ -8,8 +8,9 @@ class QColor;
 
 /// The layer with the recorded pointer, and an effect at each click and turn of the wheel.
 ///
-/// Each seekToFrame() advances the effects by one playback frame, whatever its distance; frame 0 drops them all. The
-/// setters take effect with the next paint(); values that are out of range are clamped.
+/// By default each seekToFrame() advances the effects by one playback frame, whatever its distance; frame 0 drops them
+/// all. With KelPlaybackRules::effectsFollowRecordingTime, a frame always shows the same. The setters take effect with
+/// the next paint(); values that are out of range are clamped.
 class KelPlaybackMouseTrack : public KelPlaybackTrack
 {
     Q_OBJECT
@@ -19,16 +20,17 @@ public:
     KelPlaybackMouseTrack(const QString &directory, KelPlaybackTrackManager *manager);
     ~KelPlaybackMouseTrack() override;
 
+    void setContext(const kel::RecordingTimeline &timeline, const KelPlaybackRules &rules) override;
     void seekToFrame(int frame) override;
     bool moveToFrame(int frame) override;
     void paint(QPainter *painter) override;
     int nextKeyFrame() override;
     bool isVisible() override;
 
-    /// Drops all running effects.
+    /// Drops all running effects, unless they follow recording time.
     void resetEffects();
     /// Plays the effects from the start of the recording to the frame before `frame`. A following seek to `frame`
-    /// continues them.
+    /// continues them. Not needed by effects that follow recording time.
     void playEffectsBefore(int frame);
 
     /// Whether pointer and effects are painted; true by default.

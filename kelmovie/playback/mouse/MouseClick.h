@@ -16,6 +16,7 @@ struct MouseClick {
     int frame = 0;                           // logic frame
     QPoint position;                         // from the record area's top-left corner, in logical pixels
     int delta = 0;                           // of the wheel, above 0 for upwards
+    qint64 timestamp = 0;                    // in ms by the wall clock, pauses included
     // For clicks with a known release:
     bool isPaired = false;
     bool isLong = false;  // held for half a second or more

@@ -77,9 +77,18 @@ void MouseEffectList::advance(int frame)
     eraseIf(m_effects, [frame](ActiveMouseEffect &effect) { return !advanceEffect(effect, frame); });
 }
 
-bool MouseEffectList::isShown(MouseButton button) const
+std::vector<ShownMouseEffect> MouseEffectList::shown(const QPoint &pointer) const
 {
-    return button != MouseButton::Other && (m_shownButtons >> int(button) & 1) != 0;
+    std::vector<ShownMouseEffect> shown;
+    for (const ActiveMouseEffect &effect : m_effects) {
+        if (effect.remaining < 1)
+            continue;
+        const int frame = effect.isLong ? std::min(effect.total - 1, effect.current)
+                                        : std::min(kShortEffectFrames - effect.remaining, kShortEffectFrames - 1);
+        shown.push_back({effect.isWheel, std::max(0, frame), effect.isLong ? pointer : effect.position,
+                         effect.isWheel ? int(effect.delta < 1) : int(effect.button)});
+    }
+    return shown;
 }
 
 bool MouseEffectList::append(const ActiveMouseEffect &effect)
@@ -100,7 +109,7 @@ ActiveMouseEffect *MouseEffectList::findLong(MouseButton button)
 
 void MouseEffectList::click(const MouseClick &click)
 {
-    if (!isShown(click.button) || findLong(click.button))
+    if (!m_settings.isShown(click.button) || findLong(click.button))
         return;
     ActiveMouseEffect effect;
     effect.button = click.button;
@@ -116,7 +125,7 @@ void MouseEffectList::click(const MouseClick &click)
         if (click.isLong)
             effect.remaining = click.releaseFrame - click.frame;
     }
-    if (m_replaceSameButton) {
+    if (m_settings.replaceSameButton) {
         eraseIf(m_effects,
                 [&](const ActiveMouseEffect &running) { return !running.isWheel && running.button == click.button; });
     }
@@ -129,7 +138,7 @@ void MouseEffectList::release(const MouseClick &release, bool isPressedBefore)
         endHold(*held);
         return;
     }
-    if (isPressedBefore || !isShown(release.button))
+    if (isPressedBefore || !m_settings.isShown(release.button))
         return;
     ActiveMouseEffect effect;
     effect.button = release.button;
@@ -160,7 +169,7 @@ void MouseEffectList::wheel(const MouseClick &turn)
     effect.isLong = true;
     effect.remaining = kShortEffectFrames;
     effect.total = m_wheelEffect ? m_wheelEffect->frameCount() : kDefaultWheelFrames;
-    if (m_showWheel && append(effect))
+    if (m_settings.showWheel && append(effect))
         m_hasWheelEffect = true;
 }
 

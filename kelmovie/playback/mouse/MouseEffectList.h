@@ -1,6 +1,8 @@
 #pragma once
 
 #include "playback/mouse/ActiveMouseEffect.h"
+#include "playback/mouse/MouseEffectSettings.h"
+#include "playback/mouse/ShownMouseEffect.h"
 
 #include <vector>
 
@@ -16,13 +18,13 @@ class MouseEffectList
 {
 public:
     const std::vector<ActiveMouseEffect> &effects() const { return m_effects; }
+    /// How they are painted. Those of long presses and of the wheel are at the `pointer`.
+    std::vector<ShownMouseEffect> shown(const QPoint &pointer) const;
 
     /// The animations, which define the length of the effects; not owned. Null: effects have a default length.
     void setClickEffect(const KelMouseButtonLottie *effect) { m_clickEffect = effect; }
     void setWheelEffect(const KelMouseWheelLottie *effect) { m_wheelEffect = effect; }
-    void setShownButtons(int buttons) { m_shownButtons = buttons; }
-    void setShowWheel(bool on) { m_showWheel = on; }
-    void setReplaceSameButton(bool on) { m_replaceSameButton = on; }
+    void setSettings(const MouseEffectSettings &settings) { m_settings = settings; }
 
     /// Ends all effects, and forgets the direction of the wheel.
     void clear();
@@ -34,7 +36,6 @@ public:
     void wheel(const MouseClick &turn);
 
 private:
-    bool isShown(MouseButton button) const;
     bool append(const ActiveMouseEffect &effect);
     ActiveMouseEffect *findLong(MouseButton button);
     void forgetWheel();
@@ -42,9 +43,7 @@ private:
     std::vector<ActiveMouseEffect> m_effects;
     const KelMouseButtonLottie *m_clickEffect = nullptr;
     const KelMouseWheelLottie *m_wheelEffect = nullptr;
-    int m_shownButtons = 7; // bits in the order of MouseButton
-    bool m_showWheel = true;
-    bool m_replaceSameButton = false;
+    MouseEffectSettings m_settings;
     // The last turn of the wheel, for a limited number of frames:
     bool m_hasWheelEffect = false;
     int m_wheelDirection = 0; // -1 down, 1 up, 0 forgotten

@@ -10,13 +10,9 @@ namespace kel
 namespace
 {
 
-constexpr int kMaxX = 2000;
-constexpr int kMaxY = 1500;
-
 bool isHidden(const MouseRecord &record)
 {
-    return record.action == "hide" || (record.x == -1 && record.y == -1) ||
-           (record.x >= 0 && record.y >= 0 && (record.x > kMaxX || record.y > kMaxY));
+    return record.action == "hide" || (record.x == -1 && record.y == -1);
 }
 
 } // namespace

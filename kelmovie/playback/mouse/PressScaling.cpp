@@ -16,6 +16,11 @@ constexpr float kPi = 3.14159265F;
 
 } // namespace
 
+double PressScaling::scaleAt(double progress)
+{
+    return 1.0 - (1.0 - double(kPressedScale)) * (1.0 - std::cos(2.0 * double(kPi) * progress)) / 2.0;
+}
+
 void PressScaling::advance(int frame)
 {
     // The release may be in a skipped frame: the pointer must not stay small forever.

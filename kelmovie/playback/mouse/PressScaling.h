@@ -10,6 +10,9 @@ namespace kel
 class PressScaling
 {
 public:
+    /// The factor after `progress`, 0 to 1, of shrinking and growing back without a pause.
+    static double scaleAt(double progress);
+
     /// The factor for the size of the pointer, 1.0 when nothing is pressed.
     float scale() const { return m_scale; }
 

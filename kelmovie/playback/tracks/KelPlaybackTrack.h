@@ -25,7 +25,7 @@ public:
 
     /// The times of the logic frames and the rules for showing them, to be set before the first seek. `timeline` must
     /// outlive the track. Without it, the track has an empty timeline and the default rules.
-    void setContext(const kel::RecordingTimeline &timeline, const KelPlaybackRules &rules);
+    virtual void setContext(const kel::RecordingTimeline &timeline, const KelPlaybackRules &rules);
 
     /// Moves the track to logic frame `frame`.
     virtual void seekToFrame(int frame) = 0;

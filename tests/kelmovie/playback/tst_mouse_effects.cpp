@@ -5,6 +5,7 @@
 #include "playback/mouse/EffectTiming.h"
 #include "playback/mouse/KelMouseButtonLottie.h"
 #include "playback/mouse/KelMouseWheelLottie.h"
+#include "recording/RecordingTimeline.h"
 
 #include <QPainter>
 #include <QRandomGenerator>
@@ -16,6 +17,8 @@ using namespace kel;
 
 namespace
 {
+
+constexpr QPoint kPointer(7, 7);
 
 /// Whether anything is painted, and the fraction of the total opacity that is in the left half.
 template <typename Effect>
@@ -49,6 +52,18 @@ QString describe(const std::vector<ActiveMouseEffect> &effects)
     return all.join(' ');
 }
 
+/// "L250": the effect of a left click after 250 ms; "W0-": a turn down. With an @ if it is at the pointer.
+QString describe(const std::vector<ShownMouseEffect> &effects)
+{
+    QStringList all;
+    for (const ShownMouseEffect &effect : effects) {
+        const QString name = effect.isWheel ? "W" : QStringList{"L", "R", "M"}.value(effect.variant);
+        all << name + QString::number(effect.frame) + (effect.isWheel ? effect.variant ? "-" : "+" : "") +
+                   (effect.position == kPointer ? "@" : "");
+    }
+    return all.join(' ');
+}
+
 } // namespace
 
 class MouseEffectsTest : public QObject
@@ -61,6 +76,8 @@ private slots:
     void timing();
     void effects_data();
     void effects();
+    void effectsInTime_data();
+    void effectsInTime();
     void pairsLikeNaiveSearch();
 
 private:
@@ -127,9 +144,11 @@ void MouseEffectsTest::effects_data()
     QTest::addColumn<int>("clickType");
     QTest::addColumn<QString>("clicks");
     QTest::addColumn<QString>("seeks");
+    QTest::addColumn<bool>("pairsNearest");
 
-    const auto row = [](const char *name, const char *clicks, const char *seeks, int clickType = 1) {
-        QTest::newRow(name) << clickType << clicks << seeks;
+    const auto row = [](const char *name, const char *clicks, const char *seeks, int clickType = 1,
+                        bool pairsNearest = false) {
+        QTest::newRow(name) << clickType << clicks << seeks << pairsNearest;
     };
     row("short", "1 left down, 4 left up", "0=;1=L0;2=L1;3-4;5=L4;6-23;24=L23;25=");
     row("held", "10 left down, 30 left up",
@@ -140,6 +159,8 @@ void MouseEffectsTest::effects_data()
     row("released without a time", "5 left down, 9 left up @0", "0-4;5=L0;6=");
     row("released in the same frame", "2 left down, 3 left up, 50 left down, 50 left up",
         "0-49;50=L0;51=L1;52-72;73=L23");
+    row("tapped twice", "2 left down, 2 left up, 19 left down, 20 left up", "0-18;19=L17");
+    row("tapped twice, nearest release", "2 left down, 2 left up, 19 left down, 20 left up", "0-18;19=L17 L0", 1, true);
     row("never pressed", "5 right up", "0-4;5=R0;6=");
     row("released twice", "1 left down, 3 left up, 40 left up", "0-39;40=");
     row("another click while held", "5 left down, 8 left down, 40 left up, 9 right down, 12 right up",
@@ -173,11 +194,14 @@ void MouseEffectsTest::effects()
     QFETCH(QString, clicks);
     QFETCH(QString, seeks);
     QFETCH(int, clickType);
+    QFETCH(bool, pairsNearest);
     files.write("clicks", MouseFixture::clicks(clicks));
     ClickPlayer player;
     player.setClickType(clickType);
     player.setWheelType(1);
     QVERIFY(player.load(files.filePath("clicks")));
+    if (pairsNearest)
+        player.pairNearestReleases();
     for (const QString &seek : seeks.split(';')) {
         if (!seek.contains('=')) {
             for (int frame = seek.section('-', 0, 0).toInt(); frame <= seek.section('-', -1).toInt(); ++frame)
@@ -188,6 +212,80 @@ void MouseEffectsTest::effects()
         const QString seen = seek.endsWith('%') ? QString("%1%").arg(std::lround(player.pointerScale() * 100))
                                                 : describe(player.effects());
         QCOMPARE(seek.section('=', 0, 0) + '=' + seen, seek);
+    }
+}
+
+void MouseEffectsTest::effectsInTime_data()
+{
+    // Clicks and expectations are at ms of the recording. Click type 1 and wheel type 1 last 800 ms, hold at 150 ms;
+    // type 6 shrinks the pointer for 200 ms and grows it for 200 ms.
+    QTest::addColumn<int>("clickType");
+    QTest::addColumn<QString>("clicks");
+    QTest::addColumn<QString>("seeks");
+    const auto row = [](const char *name, const char *clicks, const char *seeks, int clickType = 1) {
+        QTest::newRow(name) << clickType << clicks << seeks;
+    };
+    row("tap", "500 left down, 500 left up", "250=;500=L0;750=L250;1250=L750;1500=");
+    row("short", "500 left down, 750 left up", "500=L0;750=L250;1250=L750;1500=");
+    row("held", "500 left down, 3000 left up", "500=L0@;750=L150@;2750=L150@;3000=L150@;3250=L400@;3500=L650@;3750=");
+    row("never released", "500 left down", "500=L0;1250=L750;1500=");
+    row("never pressed", "500 left up", "500=;750=");
+    row("release not recorded", "500 left down, 2000 left down, 2250 left up", "500=L0;1250=L750;1500=;2000=L0");
+    row("taps", "500 left down, 500 left up, 1000 left down, 1000 left up", "750=L250;1000=L500 L0;1250=L750 L250");
+    row("two buttons", "500 left down, 750 right down, 1000 right up, 2000 left up",
+        "750=L150@ R0;1250=L150@ R500;1750=L150@");
+    row("click after a long press", "500 left down, 1500 left up, 1750 left down, 1750 left up", "1750=L400@ L0");
+    row("unknown button", "500 side down, 750 side up", "500=");
+    row("wheel", "500 wheel -120", "500=W0-@;1250=W750-@;1500=");
+    row("wheel turned again", "500 wheel 120, 1000 wheel 120", "1000=W500+@;1250=W750+@;1500=");
+    row("wheel turned again near the end", "500 wheel 120, 1250 wheel 120", "1250=W0+@;2000=W750+@");
+    row("wheel turned back", "500 wheel 120, 1000 wheel -120", "750=W250+@;1000=W0-@;1250=W250-@");
+
+    row("pointer, tapped", "500 left down, 500 left up", "500=100%;750=83%;1000=100%", 6);
+    row("pointer, held", "500 left down, 2000 left up", "750=80%;2000=80%;2250=100%", 6);
+    row("pointer, not long", "500 left down, 750 left up", "750=80%;1000=100%", 6);
+    row("pointer, another button", "500 left down, 750 right down, 750 right up, 2000 left up", "1250=80%", 6);
+    row("pointer, another effect", "500 left down, 2000 left up", "1000=100%", 5);
+}
+
+/// A moment shows the same at any frame rate and in any order.
+void MouseEffectsTest::effectsInTime()
+{
+    QFETCH(QString, clicks);
+    QFETCH(QString, seeks);
+    QFETCH(int, clickType);
+    for (const int fps : {20, 24, 60}) {
+        QJsonArray records;
+        for (const QJsonValue &value : MouseFixture::clicks(clicks)) {
+            QJsonObject record = value.toObject();
+            record["timestamp"] = record["frame"].toInt() + 1;
+            record["frame"] = record["frame"].toInt() * fps / 1000;
+            records.append(record);
+        }
+        files.write("clicks", records);
+        const RecordingTimeline timeline(10 * fps, fps, 10'000);
+        ClickPlayer player;
+        player.setWheelType(1);
+        QVERIFY(player.load(files.filePath("clicks")));
+        player.followTime(timeline);
+        player.pairNearestReleases();
+        const auto check = [&](const QString &seek) {
+            const int ms = seek.section('=', 0, 0).toInt();
+            player.seekToFrame(ms * fps / 1000);
+            const QString seen = seek.endsWith('%') ? QString("%1%").arg(std::lround(player.pointerScale() * 100))
+                                                    : describe(player.shown(kPointer));
+            QCOMPARE(QString::number(ms) + '=' + seen, seek);
+        };
+        QStringList moments = seeks.split(';');
+        for (int type : {4, clickType}) { // changing a setting on the way
+            player.setClickType(type);
+            player.reset();
+        }
+        for (const QString &moment : qAsConst(moments))
+            check(moment);
+        std::reverse(moments.begin(), moments.end());
+        for (const QString &moment : qAsConst(moments))
+            check(moment);
     }
 }
 

@@ -111,19 +111,25 @@ void PlaybackMouseTrackTest::hiddenPointer()
         QPoint place;
         QString action;
         bool isShown;
+        bool isShownByRule;
     };
-    for (const Case &c : {Case{"at the limit", {2000, 1500}, "move", true},
-                          {"beyond the right limit", {2001, 10}, "move", false},
-                          {"beyond the lower limit", {10, 1501}, "move", false},
-                          {"left of the frame", {-5, 10}, "move", true},
-                          {"no position", {-1, -1}, "move", false},
-                          {"hidden", {10, 10}, "hide", false},
-                          {"unknown action", {10, 10}, "jump", true}}) {
+    for (const Case &c : {Case{"at the limit", {2000, 1500}, "move", true, true},
+                          {"beyond the right limit", {2001, 10}, "move", false, true},
+                          {"beyond the lower limit", {10, 1501}, "move", false, true},
+                          {"left of the frame", {-5, 10}, "move", true, true},
+                          {"no position", {-1, -1}, "move", false, false},
+                          {"hidden", {10, 10}, "hide", false, false},
+                          {"unknown action", {10, 10}, "jump", true, true}}) {
         files->write("mousemoves-0.json",
                      QJsonArray{MouseFixture::move(0, c.place.x(), c.place.y(), "square", c.action)});
         KelPlaybackMouseTrack track(files->path(), nullptr);
         track.seekToFrame(0);
         QVERIFY2(partOf(paint(track, {2100, 1600})).isEmpty() != c.isShown, c.name);
+        KelPlaybackRules rules;
+        rules.showsPointerEverywhere = true;
+        track.setContext({}, rules);
+        track.seekToFrame(0);
+        QVERIFY2(partOf(paint(track, {2100, 1600})).isEmpty() != c.isShownByRule, c.name);
     }
 }
 
@@ -350,7 +356,7 @@ void PlaybackMouseTrackTest::worksInRecording()
     files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
     QVERIFY(QDir().rename(files->path(), dir));
     gKelMovieConfig.playbackMouseClickEffect = 6; // its effect is the size of the pointer
-    const auto manager = PlaybackInternals::load(recording.path(), dependencies);
+    auto manager = PlaybackInternals::load(recording.path(), dependencies);
     QCOMPARE(manager->trackNames(), QStringList({"ScreenTrack", "MouseTrack"}));
     const auto pointerWidth = [&] {
         QImage image(300, 200, QImage::Format_RGB32);
@@ -376,6 +382,24 @@ void PlaybackMouseTrackTest::worksInRecording()
     QCOMPARE(manager->currentFrame(), 0);
     manager->seek(5);
     QCOMPARE(pointerWidth(), 16);
+
+    // With effects in recording time, a frame looks the same however it is reached.
+    KelPlaybackRules rules;
+    rules.effectsFollowRecordingTime = true;
+    manager = PlaybackInternals::load(recording.path(), dependencies, rules);
+    manager->setFrameAsPlayed(6);
+    const int width = pointerWidth();
+    QVERIFY(width < 16);
+    manager->seek(90);
+    QCOMPARE(pointerWidth(), 16);
+    manager->seek(6);
+    QCOMPARE(pointerWidth(), width);
+    manager->play();
+    manager->pause();
+    QCOMPARE(pointerWidth(), width);
+    manager->updateSettings();
+    manager->seek(6);
+    QCOMPARE(pointerWidth(), width);
 
     writeFile(dir + "/mousemoves-0.json", "[");
     const auto damaged = PlaybackInternals::load(recording.path(), dependencies);

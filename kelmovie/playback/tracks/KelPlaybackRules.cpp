@@ -1,4 +1,4 @@
-#include "playback/KelPlaybackRules.h"
+#include "playback/tracks/KelPlaybackRules.h"
 
 KelPlaybackRules KelPlaybackRules::recommended()
 {

@@ -2,6 +2,9 @@ set(KELMOVIE_SANITIZE "" CACHE STRING "Sanitizers to build everything with, e.g.
 if(KELMOVIE_SANITIZE)
   add_compile_options(-fsanitize=${KELMOVIE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${KELMOVIE_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    add_compile_options(-fsanitize-ignorelist=${CMAKE_CURRENT_LIST_DIR}/sanitize/ignored-sources.txt)
+  endif()
 
   # Every program contains the options of its sanitizer and what it must know about libraries.
   find_package(Qt5 5.15 REQUIRED COMPONENTS Core)

@@ -9,6 +9,9 @@ if(MSVC)
   add_compile_definitions(_USE_MATH_DEFINES) # for M_PI
 else()
   add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+  if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    add_compile_options(-Wno-gnu-zero-variadic-macro-arguments) # of Qt's logging macros
+  endif()
   if(KELMOVIE_WERROR)
     add_compile_options(-Werror)
   endif()

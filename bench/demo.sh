@@ -73,7 +73,12 @@ start_private_screen() {
     read -r -t 30 line <"$scratch/scene" || { echo "demo: the scene did not start" >&2; exit 1; }
 }
 
-if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then
+# The screen of XWayland, which a Wayland session runs for X11 programs, is black.
+has_screen() {
+    [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1 && ! xrandr 2>/dev/null | grep -q '^XWAYLAND'
+}
+
+if has_screen; then
     say "Recording your screen for $seconds seconds"
     what=(--mouse --system-audio) # no keys: the user may be typing a password
 elif [ -z "${KEL_DEMO_WITH_SOUND:-}" ]; then

@@ -8,6 +8,8 @@
 #include "settings/DockSettings.h"
 #include "style/KelStyleTheme.h"
 
+#include <KelMovie/KelMovieSelfTest.h>
+
 #include <QApplication>
 #include <QFileInfo>
 #include <QSessionManager>
@@ -56,6 +58,9 @@ void DockApplication::start()
 {
     applyShortcuts();
     m_ui.showToolbar();
+    const QString screenProblem = KelMovieSelfTest::screenProblem();
+    if (!screenProblem.isEmpty())
+        showProblem(Severity::Error, screenProblem);
     if (!m_io.problem().isEmpty())
         showProblem(Severity::Warning, m_io.problem());
     connect(&m_io, &DockConfigIO::problemFound, this,

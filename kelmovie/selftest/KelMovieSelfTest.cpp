@@ -86,6 +86,11 @@ QString screenText(const QScreen &screen)
 
 } // namespace
 
+QString KelMovieSelfTest::screenProblem()
+{
+    return KelScreenManager::instance()->errorString();
+}
+
 QString KelMovieSelfTest::featureReport()
 {
     const QString none = QStringLiteral("none");
@@ -99,8 +104,7 @@ QString KelMovieSelfTest::featureReport()
            line("Export formats", formats.join(QStringLiteral(", "))) + line("Decoders", decoders()) +
            line("Libraries", CodecLibraries::versions().join(QStringLiteral(", "))) +
            line("Hardware decoding", hardwareDecoding()) +
-           line("Screen capture",
-                orWhyNot(KelScreenManager::instance()->errorString(), KelScreenManager::instance()->backendName())) +
+           line("Screen capture", orWhyNot(screenProblem(), KelScreenManager::instance()->backendName())) +
            line("Keyboard and mouse", orWhyNot(inputProblem(), QStringLiteral("can be watched"))) +
            line("System audio", SoundDevices::hasSystemAudio() ? outputName() : none) +
            line("Microphone", SoundDevices::hasMicrophone() ? microphoneName() : none);
@@ -148,7 +152,7 @@ KelMovieSelfTest::Check KelMovieSelfTest::checkDevices()
 {
     Check check;
     check.name = QStringLiteral("Find devices");
-    check.error = KelScreenManager::instance()->errorString();
+    check.error = screenProblem();
     if (check.passed()) {
         for (const QScreen *const screen : QGuiApplication::screens())
             check.findings << screenText(*screen);

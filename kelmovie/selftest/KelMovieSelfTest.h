@@ -23,6 +23,9 @@ public:
 
     KelMovieSelfTest() = delete;
 
+    /// Why the screen cannot be captured, as an English sentence; empty if it can.
+    static QString screenProblem();
+
     /// Formats, codecs with the versions of their libraries, hardware decoding, screen capture, input and sound: one
     /// line each.
     static QString featureReport();

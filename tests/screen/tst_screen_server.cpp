@@ -35,12 +35,13 @@ private slots:
             QByteArray wayland;
             QString reason;
         };
+        const QString waylandSession = "this is a Wayland session, which cannot be recorded. Log out and choose an "
+                                       "X11 session (often called \"Xorg\") on the login screen.";
         for (const Case &c : {Case{{}, {}, "there is no display (DISPLAY is not set)."},
                               {":4999", {}, "no connection to the X server \":4999\"."},
                               {"what?", {}, "no connection to the X server \"what?\"."},
-                              {{}, "wayland-0", "this is a Wayland session without an X server."},
-                              {":4999", "wayland-0",
-                               "this is a Wayland session, and there is no connection to its X server \":4999\"."}}) {
+                              {{}, "wayland-0", waylandSession},
+                              {":4999", "wayland-0", waylandSession}}) {
             const EnvironmentChange changes[] = {{"DISPLAY", c.display}, {"WAYLAND_DISPLAY", c.wayland}};
             const QString reason = "The screen cannot be captured: " + c.reason;
             QCOMPARE(KelScreenManager::instance()->errorString(), reason);

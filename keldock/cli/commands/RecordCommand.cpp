@@ -9,6 +9,7 @@
 #include "common/Units.h"
 
 #include <KelMovie/KelMovieConfig.h>
+#include <KelMovie/KelMovieSelfTest.h>
 #include <KelMovie/KelRecordingFiles.h>
 
 #include <QDir>
@@ -145,12 +146,9 @@ QString RecordCommand::run()
 
 QString RecordCommand::findArea(QRect *area) const
 {
-    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
-        const QString display = qEnvironmentVariable("DISPLAY");
-        return display.isEmpty()
-                   ? QStringLiteral("there is no screen to record: DISPLAY is not set")
-                   : QStringLiteral("there is no screen to record: cannot connect to display '%1'").arg(display);
-    }
+    const QString problem = KelMovieSelfTest::screenProblem();
+    if (!problem.isEmpty())
+        return problem;
     const QList<QScreen *> screens = QGuiApplication::screens();
     if (m_screen >= screens.size())
         return QStringLiteral("there is no screen %1; available: %2").arg(m_screen).arg(screenList());

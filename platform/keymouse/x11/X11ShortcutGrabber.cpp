@@ -1,6 +1,6 @@
 #include "keymouse/x11/X11ShortcutGrabber.h"
 
-#include "keymouse/x11/XcbPtr.h"
+#include "x11/XcbPtr.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>

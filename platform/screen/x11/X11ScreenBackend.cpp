@@ -7,6 +7,7 @@
 #include "screen/x11/X11CursorSource.h"
 #include "screen/x11/X11ScreenStreamer.h"
 #include "screen/x11/XcbConnection.h"
+#include "x11/XWayland.h"
 
 namespace kel
 {
@@ -20,18 +21,14 @@ constexpr int kMaxSide = 32767;
 /// Empty for a working connection.
 QString connectionError(const XcbConnection &connection)
 {
-    if (connection.isOpen() && connection.screen())
+    const bool isConnected = connection.isOpen() && connection.screen();
+    if (isConnected && !isXWayland(connection))
         return {};
+    if (isConnected || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+        return QStringLiteral("The screen cannot be captured: ") + xWaylandError();
     const QString display = qEnvironmentVariable("DISPLAY");
-    const bool isWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-    if (display.isEmpty() && isWayland)
-        return QStringLiteral("The screen cannot be captured: this is a Wayland session without an X server.");
     if (display.isEmpty())
         return QStringLiteral("The screen cannot be captured: there is no display (DISPLAY is not set).");
-    if (isWayland)
-        return QStringLiteral("The screen cannot be captured: this is a Wayland session, and there is no connection to "
-                              "its X server \"%1\".")
-            .arg(display);
     return QStringLiteral("The screen cannot be captured: no connection to the X server \"%1\".").arg(display);
 }
 

@@ -3,6 +3,8 @@
 #include <poll.h>
 #include <xcb/xcbext.h>
 
+#include <cstdlib>
+
 namespace kel
 {
 

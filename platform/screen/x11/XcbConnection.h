@@ -1,21 +1,13 @@
 #pragma once
 
+#include "x11/XcbPtr.h"
+
 #include <xcb/xcb.h>
 
 #include <chrono>
-#include <cstdlib>
-#include <memory>
 
 namespace kel
 {
-
-struct XcbFree {
-    void operator()(void *pointer) const { std::free(pointer); }
-};
-
-/// A reply, an event or an error returned by XCB.
-template <typename T>
-using XcbPtr = std::unique_ptr<T, XcbFree>;
 
 /// An own connection to the X server that $DISPLAY names. One thread at a time.
 ///

@@ -1,9 +1,13 @@
 #include "app/SingleInstance.h"
 
+#include <session/SessionSocket.h>
+
 #include <QCryptographicHash>
 #include <QDir>
 #include <QLocalSocket>
 #include <QLockFile>
+
+using namespace kel;
 
 namespace
 {
@@ -12,7 +16,7 @@ constexpr int kConnectTimeoutMs = 2000;
 constexpr int kLockTimeoutMs = 5000;
 
 /// Identical for all instances of one user on one display. Hashed because a display name may contain a slash.
-QString serverName()
+QString sessionName()
 {
     const QByteArray session = QDir::homePath().toUtf8() + '\n' + qgetenv("DISPLAY") + '\n' + qgetenv("XDG_SESSION_ID");
     return QLatin1String("keldock-") +
@@ -23,7 +27,7 @@ QString serverName()
 
 SingleInstance::SingleInstance(QObject *parent)
     : QObject(parent)
-    , m_name(serverName())
+    , m_name(sessionName())
 {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
@@ -35,22 +39,28 @@ SingleInstance::SingleInstance(QObject *parent)
 
 bool SingleInstance::claim()
 {
-    // Instances that start at the same time would not see each other's server yet, and Windows lets all of them listen.
-    QLockFile lock(QDir::temp().filePath(m_name + QLatin1String(".lock")));
-    lock.tryLock(kLockTimeoutMs);
-    if (notifyFirstInstance())
-        return false;
-    if (m_server.listen(m_name))
+    const QString server = SessionSocket::serverName(m_name);
+    if (server.isEmpty()) {
+        qWarning("[SingleInstance] There is no private directory in which instances could find each other");
         return true;
-    QLocalServer::removeServer(m_name); // left behind by a crashed instance
-    if (!m_server.listen(m_name))
+    }
+    // Instances that start at the same time would not see each other's server yet, and Windows lets all of them listen.
+    QLockFile lock(SessionSocket::directory() + QLatin1Char('/') + m_name + QLatin1String(".lock"));
+    lock.tryLock(kLockTimeoutMs);
+    if (notifyFirstInstance(server))
+        return false;
+    if (m_server.listen(server))
+        return true;
+    QLocalServer::removeServer(server); // left behind by a crashed instance
+    if (!m_server.listen(server))
         qWarning("[SingleInstance] %s", qUtf8Printable(m_server.errorString()));
     return true;
 }
 
-bool SingleInstance::notifyFirstInstance() const
+/// A server of another user does not count: it would keep the program from starting.
+bool SingleInstance::notifyFirstInstance(const QString &server)
 {
     QLocalSocket first;
-    first.connectToServer(m_name);
-    return first.waitForConnected(kConnectTimeoutMs);
+    first.connectToServer(server);
+    return first.waitForConnected(kConnectTimeoutMs) && SessionSocket::isOwnUser(first);
 }

@@ -3,7 +3,9 @@
 #include <QLocalServer>
 #include <QObject>
 
-/// Allows one running instance for each user and display. A second one notifies the first and exits. GUI thread.
+/// Allows one running instance for each user and display. A second one notifies the first and exits. Nothing that
+/// another user does keeps the program from starting; where instances cannot find each other, each of them starts. GUI
+/// thread.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -19,7 +21,7 @@ signals:
     void startedAgain();
 
 private:
-    bool notifyFirstInstance() const;
+    static bool notifyFirstInstance(const QString &server);
 
     const QString m_name;
     QLocalServer m_server;

@@ -110,7 +110,9 @@ ExitStatus wrongUsage(const QString &context, const QString &error)
 
 ExitStatus finished()
 {
-    return Console::flush() ? Success : failed(QStringLiteral("cannot write to standard output"));
+    // A reader that has seen enough is no failure of the command.
+    return Console::flush() || Console::hasReaderGone() ? Success
+                                                        : failed(QStringLiteral("cannot write to standard output"));
 }
 
 ExitStatus runCommand(Command &command, const QStringList &arguments, char *programName)

@@ -9,7 +9,6 @@ namespace kel
 
 /// Turns termination requests (Ctrl-C, a closed terminal, a shutdown) into a signal, so that work in progress can be
 /// completed. At most one instance at a time. A signal that was already ignored at program start (nohup) stays ignored.
-/// While the object exists, a broken pipe or an exceeded file size limit does not end the program.
 class StopSignal : public QObject
 {
     Q_OBJECT

@@ -14,6 +14,9 @@ void write(std::FILE *stream, const QString &text);
 /// True when standard output is a terminal that can overwrite a line.
 bool isTerminal();
 
+/// True when standard output is a pipe whose reader has gone, as in "keldock info DIR | head -1".
+bool hasReaderGone();
+
 /// Columns of the terminal; 80 when unknown.
 int width();
 

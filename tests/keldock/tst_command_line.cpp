@@ -18,6 +18,7 @@ private slots:
     void noDisplay_data();
     void noDisplay();
     void lostOutput();
+    void unreadOutput();
 };
 
 void CommandLineTest::help_data()
@@ -174,6 +175,17 @@ void CommandLineTest::lostOutput()
     process.start(KELDOCK_PROGRAM, {"--help"});
     const Keldock keldock = Keldock::finish(process);
     QVERIFY2(keldock.failedWith("cannot write to standard output"), qPrintable(keldock.errors));
+}
+
+/// Who closes standard output, or stops reading, wants no more of it.
+void CommandLineTest::unreadOutput()
+{
+    for (const char *script :
+         {"\"$0\" --help >&-", "\"$0\" --help 0<&- 1>&- 2>&-", "exec 3> >(exec true); wait $!; \"$0\" --help >&3"}) {
+        const Keldock unread = Keldock::runShell(script);
+        QVERIFY2(unread.status == 0, script);
+        QCOMPARE(unread.errors, QString());
+    }
 }
 
 QTEST_GUILESS_MAIN(CommandLineTest)

@@ -13,6 +13,7 @@ class SecondInstanceTest : public QObject
 
 private slots:
     void oneStays();
+    void startsWithoutPrivateDirectory();
 
 private:
     ScratchHome m_home; // isolates the test from other instances
@@ -40,6 +41,27 @@ void SecondInstanceTest::oneStays()
                 QVERIFY(program.waitForFinished(Keldock::kLimitMs));
             }
         }
+    }
+}
+
+void SecondInstanceTest::startsWithoutPrivateDirectory()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"XDG_RUNTIME_DIR", "XDG_CACHE_HOME"})
+        environment.insert(name, "/proc/none");
+    std::array<QProcess, 2> programs;
+    for (QProcess &program : programs) {
+        program.setProcessEnvironment(environment);
+        program.setReadChannel(QProcess::StandardError);
+        program.start(KELDOCK_PROGRAM, QStringList());
+        QTRY_VERIFY_WITH_TIMEOUT(program.peek(10000).contains("[SingleInstance]"), Keldock::kLimitMs);
+    }
+    for (QProcess &program : programs) {
+        QCOMPARE(program.state(), QProcess::Running);
+        program.terminate(); // a program that runs completely stops in order
+        QVERIFY(program.waitForFinished(Keldock::kLimitMs));
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(program.exitCode(), 0);
     }
 }
 

@@ -23,6 +23,11 @@ bool Console::flush()
     return std::fflush(stdout) == 0 && !std::ferror(stdout);
 }
 
+bool Console::hasReaderGone()
+{
+    return Terminal::hasReaderGone();
+}
+
 bool Console::isTerminal()
 {
     return Terminal::isTerminal();

@@ -15,6 +15,9 @@ void printError(const QString &line);
 /// Flushes standard output. False if output was lost, for example on a full disk or a closed pipe.
 bool flush();
 
+/// Whether standard output is a pipe that nobody reads any more.
+bool hasReaderGone();
+
 /// Whether standard output is a terminal on which a line can be redrawn.
 bool isTerminal();
 

@@ -18,14 +18,11 @@ namespace
 {
 
 constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP};
-// Both are also reported as failed writes, which are handled as errors instead of ending the process.
-constexpr std::array kIgnoredSignals{SIGPIPE, SIGXFSZ};
 
 // The only state that the signal handler uses.
 std::atomic<bool> g_raised{false};
 std::array<int, 2> g_pipe{-1, -1};
 std::array<struct sigaction, kStopSignals.size()> g_previous;
-std::array<struct sigaction, kIgnoredSignals.size()> g_previousIgnored;
 
 extern "C" void handleStopSignal(int)
 {
@@ -60,17 +57,12 @@ StopSignal::StopSignal()
         if (g_previous[i].sa_handler != SIG_IGN)
             sigaction(kStopSignals[i], &action, nullptr);
     }
-    action.sa_handler = SIG_IGN;
-    for (std::size_t i = 0; i < kIgnoredSignals.size(); ++i)
-        sigaction(kIgnoredSignals[i], &action, &g_previousIgnored[i]);
 }
 
 StopSignal::~StopSignal()
 {
     for (std::size_t i = 0; i < kStopSignals.size(); ++i)
         sigaction(kStopSignals[i], &g_previous[i], nullptr);
-    for (std::size_t i = 0; i < kIgnoredSignals.size(); ++i)
-        sigaction(kIgnoredSignals[i], &g_previousIgnored[i], nullptr);
     m_notifier.reset();
     for (int &descriptor : g_pipe) {
         if (descriptor >= 0)

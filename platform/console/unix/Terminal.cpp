@@ -1,6 +1,7 @@
 #include "console/Terminal.h"
 
 #include <langinfo.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -16,6 +17,12 @@ void Terminal::write(std::FILE *stream, const QString &text)
 bool Terminal::isTerminal()
 {
     return isatty(STDOUT_FILENO) && qgetenv("TERM") != "dumb";
+}
+
+bool Terminal::hasReaderGone()
+{
+    pollfd output{STDOUT_FILENO, POLLOUT, 0};
+    return poll(&output, 1, 0) > 0 && (output.revents & POLLERR);
 }
 
 int Terminal::width()

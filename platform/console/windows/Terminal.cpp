@@ -46,6 +46,13 @@ bool Terminal::isTerminal()
     return console && enableSequences(console);
 }
 
+bool Terminal::hasReaderGone()
+{
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stdout)));
+    DWORD written = 0;
+    return GetFileType(handle) == FILE_TYPE_PIPE && !WriteFile(handle, "", 0, &written, nullptr);
+}
+
 int Terminal::width()
 {
     CONSOLE_SCREEN_BUFFER_INFO info{};

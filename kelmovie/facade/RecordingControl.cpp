@@ -19,10 +19,10 @@ namespace kel
 namespace
 {
 
-KelRecordTrackManager::Config managerConfig(const KelMultiTrackRecorder::RecordConfig &config)
+KelRecordTrackManager::Config managerConfig(const KelMultiTrackRecorder::RecordConfig &config, const QString &directory)
 {
     KelRecordTrackManager::Config result;
-    result.directory = config.outputDir;
+    result.directory = directory;
     result.fps = config.fps;
     result.screen = config.enableScreen;
     result.mouse = config.enableMouse;
@@ -77,7 +77,7 @@ QString RecordingControl::createManager(const QRect &area, const KelMultiTrackRe
     if (!directory->prepare())
         return directory->errorString();
 
-    m_manager = std::make_unique<KelRecordTrackManager>(area, managerConfig(config), m_recorder);
+    m_manager = std::make_unique<KelRecordTrackManager>(area, managerConfig(config, directory->path()), m_recorder);
     // Queued: a host that reacts by starting a new recording deletes the manager, which must not be emitting then.
     connect(m_manager.get(), &KelRecordTrackManager::trackFailed, this, &RecordingControl::reportFailures,
             Qt::QueuedConnection);

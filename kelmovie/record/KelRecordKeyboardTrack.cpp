@@ -1,12 +1,12 @@
 #include "record/KelRecordKeyboardTrack.h"
 
+#include "files/PrivateFile.h"
 #include "keymouse/KelKeyMouseHook.h"
 #include "logging/Log.h"
 #include "record/EventFrameStamp.h"
 #include "recording/KelRecordingFiles.h"
 
 #include <QDebug>
-#include <QDir>
 
 #include <mutex>
 #include <utility>
@@ -134,7 +134,7 @@ KelRecordKeyboardTrack::KelRecordKeyboardTrack(const QRect &recordArea, const QS
     , m_file(KelRecordingFiles::path(trackDir, KelRecordingFiles::kKeyLog), recordArea.size())
 {
     setObjectName(KelTrackNames::kKeyboard);
-    QDir().mkpath(trackDir);
+    makePrivateDirectory(trackDir); // what fails here fails again when the file is created
 }
 
 KelRecordKeyboardTrack::~KelRecordKeyboardTrack() = default;
@@ -146,6 +146,8 @@ void KelRecordKeyboardTrack::recordFrame(int frameIndex)
 
 void KelRecordKeyboardTrack::startRecording()
 {
+    if (!m_coreDumpBlock)
+        m_coreDumpBlock.emplace();
     d->begin();
     m_file.restart();
 }
@@ -158,7 +160,9 @@ void KelRecordKeyboardTrack::pauseRecording()
 void KelRecordKeyboardTrack::stopRecording(qint64, qint64)
 {
     d->end();
-    if (m_file.finish(d->takeRecords()))
+    const bool isWritten = m_file.finish(d->takeRecords());
+    m_coreDumpBlock.reset();
+    if (isWritten)
         return;
     qCWarning(logRecord) << "KelRecordKeyboardTrack: 无法写入文件:" << m_file.path();
     fail();

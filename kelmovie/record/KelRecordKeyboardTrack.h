@@ -1,15 +1,18 @@
 #pragma once
 
+#include "process/CoreDumpBlock.h"
 #include "record/KelRecordTrack.h"
 #include "recording/input/KeyLogWriter.h"
 
 #include <memory>
+#include <optional>
 
 class KelRecordKeyboardTrackPrivate;
 
 /// Records every key press and release on the desktop, with its logic frame, in "keyboard.keymeta".
 ///
-/// Typed text is secret: only its owner can read the file, and while capture is off, no key reaches this process.
+/// Typed text is secret: only its owner can read the file, a crash dumps no memory, and while capture is off, no key
+/// reaches this process.
 /// Resuming after a pause starts an empty log: the keys from before the pause are discarded.
 class KelRecordKeyboardTrack : public KelRecordTrack
 {
@@ -34,6 +37,7 @@ public:
 private:
     void fail();
 
+    std::optional<kel::CoreDumpBlock> m_coreDumpBlock; // while this process has keys in memory
     const std::unique_ptr<KelRecordKeyboardTrackPrivate> d;
     kel::KeyLogWriter m_file;
 };

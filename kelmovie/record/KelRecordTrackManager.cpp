@@ -1,5 +1,6 @@
 #include "record/KelRecordTrackManager.h"
 
+#include "files/PrivateFile.h"
 #include "logging/Log.h"
 #include "record/KelRecordKeyboardTrack.h"
 #include "record/KelRecordMouseTrack.h"
@@ -85,10 +86,12 @@ void KelRecordTrackManager::createTracks()
     }
 }
 
-QString KelRecordTrackManager::createTrackDir(QLatin1String name) const
+QString KelRecordTrackManager::createTrackDir(QLatin1String name)
 {
     const QString path = KelRecordingFiles::path(m_config.directory, name);
-    QDir().mkpath(path); // a track that cannot write there reports it
+    const QString problem = kel::makePrivateDirectory(path);
+    if (!problem.isEmpty())
+        addFailure({}, QStringLiteral("Cannot create the directory %1: %2").arg(path, problem));
     return path;
 }
 
@@ -274,9 +277,16 @@ void KelRecordTrackManager::saveMetadata(qint64 durationMs)
     QString error;
     if (!metadata(durationMs).save(m_config.directory, &error)) {
         qCCritical(kel::logRecord) << "Failed to save manager metadata:" << error;
-        addFailure({}, QStringLiteral("Metadata: cannot write %1: %2")
-                           .arg(KelRecordingMetadata::filePath(m_config.directory), error));
+        reportMetadataFailure(error);
     }
+}
+
+/// Once per reason.
+void KelRecordTrackManager::reportMetadataFailure(const QString &reason)
+{
+    if (std::exchange(m_metadataFailure, reason) != reason)
+        addFailure({}, QStringLiteral("Metadata: cannot write %1: %2")
+                           .arg(KelRecordingMetadata::filePath(m_config.directory), reason));
 }
 
 /// Brings metadata and track files to the same logic frame, so that a crash of the process leaves a recording that
@@ -291,7 +301,7 @@ void KelRecordTrackManager::saveCheckpoint()
     soFar.complete = false;
     QString error;
     if (!soFar.save(m_config.directory, &error))
-        qCDebug(kel::logRecord) << "[KelRecordTrackManager] No provisional metadata:" << error;
+        reportMetadataFailure(error);
 }
 
 /// Without this file, playback spreads the frames evenly over the duration.

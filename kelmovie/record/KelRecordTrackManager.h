@@ -96,11 +96,12 @@ private:
     template <typename Track>
     Track *findTrack() const;
     void createTracks();
-    QString createTrackDir(QLatin1String name) const;
+    QString createTrackDir(QLatin1String name);
     void addFailure(const QString &track, const QString &problem);
 
     KelRecordingMetadata metadata(qint64 durationMs) const;
     void saveMetadata(qint64 durationMs);
+    void reportMetadataFailure(const QString &reason);
     void saveCheckpoint();
     void saveFrameTimes();
     void logStatistics(qint64 durationMs) const;
@@ -121,6 +122,8 @@ private:
     // Per tick of this recording, to be inspected when the clock is slow; bounded by kMaxFrames.
     QList<qint64> m_tickCostMs;
     QList<double> m_instantFps;
+
+    QString m_metadataFailure; // reported last
 
     std::mutex m_failuresMutex;
     QList<Failure> m_failures;

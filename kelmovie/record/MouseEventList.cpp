@@ -1,7 +1,5 @@
 #include "record/MouseEventList.h"
 
-#include <QDateTime>
-
 #include <utility>
 
 namespace kel
@@ -10,7 +8,7 @@ namespace kel
 void MouseEventList::startTimestamps()
 {
     std::lock_guard lock(m_mutex);
-    m_startTimeMs = QDateTime::currentMSecsSinceEpoch();
+    m_timer.start();
 }
 
 QString MouseEventList::cursor() const
@@ -80,7 +78,7 @@ void MouseEventList::append(const QString &action, const QPoint &position, Mouse
     event.x = position.x();
     event.y = position.y();
     event.frame = m_frameStamp.frameOfEvent();
-    event.timestamp = QDateTime::currentMSecsSinceEpoch() - m_startTimeMs;
+    event.timestamp = m_timer.elapsed();
     m_events.push_back(std::move(event));
 }
 

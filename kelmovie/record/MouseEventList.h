@@ -3,6 +3,7 @@
 #include "record/EventFrameStamp.h"
 #include "recording/input/MouseTrackEvent.h"
 
+#include <QElapsedTimer>
 #include <QPoint>
 #include <QString>
 
@@ -20,7 +21,8 @@ namespace kel
 class MouseEventList
 {
 public:
-    /// Sets the time from which timestamps count.
+    /// Sets the time from which timestamps count, by a clock that adjustments of the system time do not affect. Call it
+    /// before adding events.
     void startTimestamps();
 
     /// Sets the logic frame of the events that follow.
@@ -49,7 +51,7 @@ private:
     std::deque<MouseTrackEvent> m_events;
     QString m_cursor;
     QPoint m_position{0, 0};
-    qint64 m_startTimeMs = 0;
+    QElapsedTimer m_timer;
 };
 
 } // namespace kel

@@ -1,34 +1,12 @@
 #include "recording/FileWriting.h"
 
+#include "files/PrivateFile.h"
 #include "files/RenameOver.h"
 
-#include <QFile>
-#include <QTemporaryFile>
-
-#include <memory>
+#include <QFileInfo>
 
 namespace kel
 {
-
-namespace
-{
-/// Creates a new file beside `path`, unbuffered. It is not open if that failed.
-std::unique_ptr<QFile> createBeside(const QString &path, FileAccess access)
-{
-    std::unique_ptr<QFile> file;
-    if (access == FileAccess::OwnerOnly) {
-        auto temporary = std::make_unique<QTemporaryFile>(path + QStringLiteral(".XXXXXX"));
-        temporary->setAutoRemove(false);
-        file = std::move(temporary);
-        file->open(QIODevice::ReadWrite | QIODevice::Unbuffered);
-    } else {
-        file = std::make_unique<QFile>(path + QStringLiteral(".tmp"));
-        file->remove(); // left by a crash; removed so that NewOnly succeeds, which follows no link
-        file->open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
-    }
-    return file;
-}
-} // namespace
 
 bool writeAll(QIODevice &device, const QByteArray &bytes)
 {
@@ -42,24 +20,29 @@ bool writeAll(QIODevice &device, const QByteArray &bytes)
     return true;
 }
 
-bool replaceFile(const QString &path, const QByteArray &bytes, FileAccess access, QString *error, QFile *replaced)
+bool replaceFile(const QString &path, const QByteArray &bytes, QString *error, QFile *replaced)
 {
-    std::unique_ptr<QFile> file = createBeside(path, access);
-    QString problem = file->isOpen() && writeAll(*file, bytes) ? QString() : file->errorString();
-    const QString written = file->fileName();
-    // Some systems cannot rename or replace an open file, and close() leaves a QTemporaryFile open.
-    file.reset();
-    if (problem.isEmpty()) {
+    if (QFileInfo(path).isSymLink()) {
+        if (error)
+            *error = QStringLiteral("It is a link");
+        return false;
+    }
+    PrivateFile file(path + QStringLiteral(".tmp"));
+    QFile::remove(file.fileName()); // left by a crash
+    const bool isWritten =
+        file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered) && writeAll(file, bytes);
+    QString problem = isWritten ? QString() : file.errorString();
+    file.close(); // some systems cannot rename or replace an open file
+    if (isWritten) {
         if (replaced)
             replaced->close();
-        problem = renameOver(written, path);
+        problem = renameOver(file.fileName(), path);
         if (problem.isEmpty())
             return true;
     }
     if (error)
         *error = problem;
-    if (!written.isEmpty())
-        QFile::remove(written);
+    QFile::remove(file.fileName());
     return false;
 }
 

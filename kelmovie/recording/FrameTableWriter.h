@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QFile>
+#include "files/PrivateFile.h"
+
 #include <QString>
 
 #include <vector>
@@ -32,7 +33,7 @@ public:
 private:
     bool writeAt(qint64 offset, const std::vector<qint64> &numbers);
 
-    QFile m_file;
+    PrivateFile m_file;
     qint64 m_count = -1; // entries in the file; -1 before its header is written
 };
 

@@ -1,5 +1,6 @@
 #include "recording/KelRecordingDirectory.h"
 
+#include "files/PrivateFile.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingState.h"
 
@@ -7,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
+
+using namespace kel;
 
 namespace
 {
@@ -20,8 +23,15 @@ constexpr int kMaxPrevious = 10'000;
 } // namespace
 
 KelRecordingDirectory::KelRecordingDirectory(const QString &path)
-    : m_path(path)
+    : m_path(path.isEmpty() ? path : QDir::cleanPath(path))
 {
+}
+
+QString KelRecordingDirectory::path() const
+{
+    // The directory itself may be a link, because the caller chose it. What it contains may not.
+    const QFileInfo info(m_path);
+    return info.isSymLink() && info.exists() ? info.canonicalFilePath() : m_path;
 }
 
 bool KelRecordingDirectory::prepare()
@@ -30,24 +40,31 @@ bool KelRecordingDirectory::prepare()
         m_error = QStringLiteral("No output directory given");
         return false;
     }
-    m_isNew = !QFileInfo::exists(m_path);
-    if (!QDir().mkpath(m_path)) {
-        m_error = QStringLiteral("Cannot create the directory %1").arg(m_path);
-        return false;
-    }
-    return isWritable() && lock() && (!KelRecordingState::holdsRecording(m_path) || setAsideRecording());
+    return create() && isWritable() && lock() && (!KelRecordingState::holdsRecording(m_path) || setAsideRecording());
 }
 
 void KelRecordingDirectory::discard()
 {
-    QFile::remove(KelRecordingFiles::videoPath(m_path));
-    QFile::remove(KelRecordingFiles::frameIndexPath(m_path));
-    QFile::remove(KelRecordingFiles::frameTimesPath(m_path));
+    // The start may have failed because somebody has put a link there.
+    if (!QFileInfo(KelRecordingFiles::path(m_path, KelRecordingFiles::kScreenDir)).isSymLink()) {
+        QFile::remove(KelRecordingFiles::videoPath(m_path));
+        QFile::remove(KelRecordingFiles::frameIndexPath(m_path));
+        QFile::remove(KelRecordingFiles::frameTimesPath(m_path));
+    }
     for (const QLatin1String entry : kEntries)
         QDir(m_path).rmdir(entry); // removes empty directories only
     release();
     if (m_isNew)
         QDir().rmdir(m_path);
+}
+
+bool KelRecordingDirectory::create()
+{
+    m_isNew = !QFileInfo::exists(m_path);
+    const QString problem = makePrivateDirectory(path());
+    if (!problem.isEmpty())
+        m_error = QStringLiteral("Cannot create the directory %1: %2").arg(m_path, problem);
+    return problem.isEmpty();
 }
 
 bool KelRecordingDirectory::isWritable()
@@ -70,10 +87,15 @@ bool KelRecordingDirectory::lock()
 bool KelRecordingDirectory::setAsideRecording()
 {
     QDir dir(m_path);
+    const auto isTaken = [&](const QString &name) {
+        const QFileInfo info(dir, name);
+        return info.exists() || info.isSymLink();
+    };
     int number = 1;
-    while (!dir.mkdir(KelRecordingFiles::previousDir(number)) && number < kMaxPrevious)
+    while (isTaken(KelRecordingFiles::previousDir(number)) && number < kMaxPrevious)
         ++number;
     const QString aside = KelRecordingFiles::previousDir(number) + QLatin1Char('/');
+    makePrivateDirectory(dir.filePath(KelRecordingFiles::previousDir(number)));
     for (const QLatin1String entry : kEntries) {
         if (dir.exists(entry) && !dir.rename(entry, aside + entry)) {
             m_error = QStringLiteral("Cannot move the earlier recording in %1 to %2").arg(m_path, aside);

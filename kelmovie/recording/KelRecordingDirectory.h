@@ -10,9 +10,9 @@ class KelRecordingDirectory
 public:
     explicit KelRecordingDirectory(const QString &path);
 
-    /// Creates the directory if necessary, checks that it is writable, locks it, and moves a recording that is already
-    /// in it to a subdirectory. False when that fails, as when another recording is running there; errorString() says
-    /// why.
+    /// Creates the directory, for its owner only, if necessary, checks that it is writable, locks it, and moves a
+    /// recording that is already in it to a subdirectory. False when that fails, as when another recording is running
+    /// there; errorString() says why.
     bool prepare();
 
     /// Removes the files that a recording has created in the prepared directory before it failed to start.
@@ -21,9 +21,13 @@ public:
     /// Gives up the lock, because the recording's files are complete. The destructor does the same.
     void release() { m_lock.release(); }
 
+    /// Without a link at its end.
+    QString path() const;
+
     QString errorString() const { return m_error; }
 
 private:
+    bool create();
     bool isWritable();
     bool lock();
     bool setAsideRecording();

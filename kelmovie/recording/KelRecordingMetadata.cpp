@@ -147,5 +147,5 @@ bool KelRecordingMetadata::load(const QString &recordingDir, KelRecordingMetadat
 
 bool KelRecordingMetadata::save(const QString &recordingDir, QString *error) const
 {
-    return replaceFile(filePath(recordingDir), toJson(), FileAccess::Ordinary, error);
+    return replaceFile(filePath(recordingDir), toJson(), error);
 }

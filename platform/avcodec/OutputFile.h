@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QString>
 
+#include <memory>
+
 namespace av
 {
 
@@ -12,8 +14,13 @@ namespace av
 class OutputFile
 {
 public:
-    /// Creates the file, or truncates an existing one.
-    bool open(const QString &path);
+    enum class Access {
+        Default, ///< the permissions of the user's new files
+        Private  ///< as kel::PrivateFile
+    };
+
+    /// Creates the file, or truncates or replaces an existing one.
+    bool open(const QString &path, Access access = Access::Default);
 
     /// Appends.
     bool write(const QByteArray &bytes);
@@ -28,7 +35,7 @@ public:
     /// content of this file is unchanged.
     bool replaceWith(OutputFile &other);
 
-    void close() { m_file.close(); }
+    void close() { m_file->close(); }
 
     /// Closes and deletes the file.
     void remove();
@@ -36,8 +43,8 @@ public:
     /// Sets the error unless there is one, which refuses all further writes. Returns false.
     bool fail(const QString &reason);
 
-    bool isOpen() const { return m_file.isOpen(); }
-    QString path() const { return m_file.fileName(); }
+    bool isOpen() const { return m_file->isOpen(); }
+    QString path() const { return m_file->fileName(); }
 
     /// Bytes of all writes that succeeded.
     qint64 size() const { return m_size; }
@@ -47,7 +54,7 @@ public:
 private:
     bool put(const QByteArray &bytes);
 
-    QFile m_file;
+    std::unique_ptr<QFile> m_file = std::make_unique<QFile>();
     qint64 m_size = 0;
     QString m_error;
 };

@@ -1,10 +1,10 @@
 #include "recording/input/CursorListWriter.h"
 
+#include "files/PrivateFile.h"
 #include "recording/FileWriting.h"
 #include "recording/KelRecordingFiles.h"
 
 #include <QBuffer>
-#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -30,13 +30,16 @@ bool CursorListWriter::add(const QString &id, const QPixmap &image, const QPoint
 {
     m_cursors.insert(id, {hotspot, image.devicePixelRatio()});
     m_isListCurrent = false;
-    QDir().mkpath(m_imageDir);
+    m_failedPath = m_imageDir;
+    m_error = makePrivateDirectory(m_imageDir);
+    if (!m_error.isEmpty())
+        return false;
     QByteArray png;
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
     m_error = QStringLiteral("the image cannot be encoded");
     m_failedPath = m_imageDir + QLatin1Char('/') + imageName(id);
-    return image.save(&buffer, "PNG") && replaceFile(m_failedPath, png, FileAccess::Ordinary, &m_error);
+    return image.save(&buffer, "PNG") && replaceFile(m_failedPath, png, &m_error);
 }
 
 bool CursorListWriter::writeList()
@@ -51,7 +54,7 @@ bool CursorListWriter::writeList()
     }
     const QJsonObject object{{QStringLiteral("cursors"), list}, {QStringLiteral("total_types"), list.size()}};
     m_failedPath = m_listPath;
-    m_isListCurrent = replaceFile(m_listPath, QJsonDocument(object).toJson(), FileAccess::Ordinary, &m_error);
+    m_isListCurrent = replaceFile(m_listPath, QJsonDocument(object).toJson(), &m_error);
     return m_isListCurrent;
 }
 

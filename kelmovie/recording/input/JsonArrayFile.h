@@ -1,7 +1,8 @@
 #pragma once
 
+#include "files/PrivateFile.h"
+
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 
 #include <vector>
@@ -32,7 +33,7 @@ private:
     bool open();
     bool writeAtEnd(const QByteArray &text);
 
-    QFile m_file;
+    PrivateFile m_file;
     qint64 m_end = 0; // of the last object, or of the opening bracket
     bool m_isEmpty = true;
     QString m_error;

@@ -90,8 +90,7 @@ bool KeyLogWriter::replace(const StoredKeyRecords &records, std::size_t room)
     end = std::copy_n(reinterpret_cast<const char *>(records.data()), records.size() * sizeof(StoredKeyRecord), end);
     std::copy_n(reinterpret_cast<const char *>(padding.data()), padding.size() * sizeof(StoredKeyRecord), end);
     const bool wasOpen = m_file.isOpen();
-    if (!replaceFile(path(), QByteArray::fromRawData(bytes.data(), int(bytes.size())), FileAccess::OwnerOnly, &m_error,
-                     &m_file)) {
+    if (!replaceFile(path(), QByteArray::fromRawData(bytes.data(), int(bytes.size())), &m_error, &m_file)) {
         if (wasOpen && !m_file.isOpen())
             open();
         return false;

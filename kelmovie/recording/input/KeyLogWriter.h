@@ -1,8 +1,8 @@
 #pragma once
 
+#include "files/PrivateFile.h"
 #include "recording/input/KeyLogFormat.h"
 
-#include <QFile>
 #include <QSize>
 #include <QString>
 
@@ -42,7 +42,7 @@ private:
     bool open();
     bool replace(const StoredKeyRecords &records, std::size_t room);
 
-    QFile m_file; // open from the first update() on
+    PrivateFile m_file; // open from the first update() on
     const QSize m_area;
     std::size_t m_count = 0; // records in use
     std::size_t m_room = 0;  // records in the file, spare ones included

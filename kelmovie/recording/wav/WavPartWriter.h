@@ -1,8 +1,8 @@
 #pragma once
 
+#include "files/PrivateFile.h"
 #include "recording/wav/WavHeader.h"
 
-#include <QFile>
 #include <QString>
 
 namespace kel
@@ -54,7 +54,7 @@ private:
     void fail();
 
     const WavHeader m_format;
-    QFile m_file;
+    PrivateFile m_file;
     qint64 m_startMs = 0;
     qint64 m_size = 0;     // bytes of sound and silence
     qint64 m_soundEnd = 0; // only filled-in silence follows, which sound may still replace

@@ -36,7 +36,7 @@ RecordingMp4Writer::RecordingMp4Writer(const QString &path, const Mp4VideoTrack 
     : m_muxer(track, m_fragment.io())
     , m_index(track)
 {
-    if (!m_file.open(path)) {
+    if (!m_file.open(path, OutputFile::Access::Private)) {
         fail(m_file.errorString());
         return;
     }

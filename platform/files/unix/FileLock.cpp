@@ -68,7 +68,10 @@ FileLock::Result FileLock::acquire(const QString &path)
     for (int attempt = 0; attempt < kMaxAttempts; ++attempt) {
         const int file = ::open(name.constData(), O_RDWR | O_CREAT | kOpenFlags, S_IRUSR | S_IWUSR);
         if (file < 0 || !isOrdinaryFile(file)) {
-            m_error = file < 0 && errno != ELOOP ? qt_error_string() : QStringLiteral("It is not an ordinary file");
+            if (file < 0)
+                m_error = errno == ELOOP ? QStringLiteral("It is a link") : qt_error_string();
+            else
+                m_error = QStringLiteral("It is not an ordinary file");
             if (file >= 0)
                 ::close(file);
             return Result::Failed;

@@ -1,12 +1,11 @@
 #include "files/FileLock.h"
 
 #include "files/windows/ExtendedPath.h"
+#include "files/windows/ReparsePoint.h"
 
 #include <QDeadlineTimer>
 
 #include <utility>
-
-#include <windows.h>
 
 namespace kel
 {
@@ -21,9 +20,7 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 
 bool isOrdinaryFile(HANDLE file)
 {
-    BY_HANDLE_FILE_INFORMATION info;
-    return GetFileInformationByHandle(file, &info) &&
-           !(info.dwFileAttributes & (FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY));
+    return GetFileType(file) == FILE_TYPE_DISK && !isLink(file); // a directory cannot be opened at all
 }
 } // namespace
 

@@ -8,6 +8,7 @@
 #include "support/LogCapture.h"
 
 #include <QApplication>
+#include <QDirIterator>
 #include <QLoggingCategory>
 #include <QMessageBox>
 #include <QRegularExpression>
@@ -18,6 +19,10 @@
 
 #include <optional>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
 namespace
 {
 QStringList entries(const QString &path)
@@ -26,6 +31,26 @@ QStringList entries(const QString &path)
     names.sort(); // whatever the locale
     return names;
 }
+
+#ifdef Q_OS_UNIX
+/// The different modes of a directory and all that it contains, as "ls" lists them.
+QSet<QString> permissionsBelow(const QString &path)
+{
+    QSet<QString> modes;
+    const auto add = [&](const QString &entry) {
+        struct stat status;
+        QString mode(S_ISDIR(lstat(QFile::encodeName(entry), &status) == 0 ? status.st_mode : 0) ? "d" : "-");
+        for (int bit = 8; bit >= 0; --bit)
+            mode += (status.st_mode >> bit & 1) ? QChar("xwr"[bit % 3]) : QChar('-');
+        modes += mode;
+    };
+    add(path);
+    QDirIterator all(path, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (all.hasNext())
+        add(all.next());
+    return modes;
+}
+#endif
 } // namespace
 
 class RecorderTest : public QObject
@@ -40,6 +65,9 @@ private slots:
     void refusesToStart_data();
     void refusesToStart();
     void failedStartLeavesNothing();
+    void refusesLinks_data();
+    void refusesLinks();
+    void filesAreReadableByTheirOwnerOnly();
     void recordsAgainAndKeepsTheEarlierRecording();
     void trackFailureIsSignaledOnce();
     void failureAtStopComesBeforeStopped();
@@ -187,6 +215,65 @@ void RecorderTest::failedStartLeavesNothing()
     QVERIFY(!recorder->startRecording());
     QVERIFY(QFileInfo::exists(outputDir()));
     QCOMPARE(entries(outputDir()), QStringList());
+}
+
+void RecorderTest::refusesLinks_data()
+{
+    QTest::addColumn<QString>("link"); // leads to a file or directory that does not exist
+    for (const char *link : {"Screen", "Mouse", "Keyboard", "Screen/screen_record.mp4", "Screen/frame_indexes.dat",
+                             "Screen/frame_times.dat", "Mouse/mousemoves-0.json", "Mouse/mouseclicks-0.json",
+                             "Mouse/cursor.json", "Keyboard/keyboard.keymeta", "TrackManager.meta", "recording.lock"})
+        QTest::newRow(link) << link;
+}
+
+/// Somebody else may have prepared the directory.
+void RecorderTest::refusesLinks()
+{
+    QFETCH(QString, link);
+    const QString planted = outputDir() + '/' + link;
+    const QString elsewhere = m_dir->filePath("elsewhere");
+    QVERIFY(QDir().mkpath(QFileInfo(planted).path()));
+    QVERIFY(QDir().mkpath(elsewhere));
+    QVERIFY(QFile::link(elsewhere + "/target", planted));
+    if (QFileInfo(link).suffix().isEmpty()) // a directory
+        QVERIFY(QDir().mkpath(elsewhere + "/target"));
+    KelMultiTrackRecorder *recorder = createRecorder();
+    auto config = recorder->recordConfig();
+    config.enableMouse = true;
+    config.enableKeyboard = true;
+    recorder->setRecordConfig(config);
+    if (recorder->startRecording()) {
+        QTRY_VERIFY(!m_signals.filter("error").isEmpty() && m_script->captures > 0);
+        recorder->stopRecording();
+    }
+    const QStringList errors = m_signals.filter("error");
+    QCOMPARE(errors.size(), 1);
+    QVERIFY2(errors[0].contains(planted + ": ") && errors[0].contains("link"), qPrintable(errors[0]));
+    QCOMPARE(entries(elsewhere + "/target"), QStringList());
+    QVERIFY(!QFileInfo(elsewhere + "/target").isFile());
+}
+
+void RecorderTest::filesAreReadableByTheirOwnerOnly()
+{
+#ifdef Q_OS_UNIX
+    const auto restore = qScopeGuard([mask = umask(0)] { umask(mask); });
+    KelMultiTrackRecorder *recorder = createRecorder();
+    auto config = recorder->recordConfig();
+    config.enableMouse = true;
+    config.enableKeyboard = true;
+    recorder->setRecordConfig(config);
+    for (int i = 0; i < 2; ++i) { // the second recording moves the first one aside
+        m_script->captures = 0;
+        QVERIFY(recorder->startRecording());
+        QTRY_VERIFY(m_script->captures > 0);
+        QTRY_VERIFY(QFileInfo::exists(outputDir() + "/Mouse/mousemoves-0.json"));
+        QCOMPARE(permissionsBelow(outputDir()), (QSet<QString>{"drwx------", "-rw-------"}));
+        recorder->stopRecording();
+        QCOMPARE(permissionsBelow(outputDir()), (QSet<QString>{"drwx------", "-rw-------"}));
+    }
+#else
+    QSKIP("the permissions of the directory apply");
+#endif
 }
 
 void RecorderTest::recordsAgainAndKeepsTheEarlierRecording()

@@ -190,6 +190,13 @@ void RecordingMetadataTest::saveFollowsNoLink()
     QVERIFY(sample().save(dir.path()));
     QCOMPARE(readFile(dir.filePath("bystander")), QByteArray("untouched"));
     QCOMPARE(readFile(dir.filePath("TrackManager.meta")), kSampleJson);
+
+    QVERIFY(QFile::remove(dir.filePath("TrackManager.meta")));
+    QVERIFY(QFile::link(dir.filePath("bystander"), dir.filePath("TrackManager.meta")));
+    QString error;
+    QVERIFY(!sample().save(dir.path(), &error));
+    QCOMPARE(error, QString("It is a link"));
+    QCOMPARE(readFile(dir.filePath("bystander")), QByteArray("untouched"));
 }
 
 QTEST_GUILESS_MAIN(RecordingMetadataTest)

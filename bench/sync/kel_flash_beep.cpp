@@ -1,5 +1,6 @@
 // Flashes $DISPLAY and beeps on the sound server's default output, both at the same moment, once a second until it is
-// stopped: for measuring whether a recording keeps picture and sound together. Says "ready" when it runs.
+// stopped: for measuring whether a recording keeps picture and sound together. Says "ready" when it runs, and then the
+// time of each flash on the steady clock, in seconds.
 
 #include "support/x11/X11Painter.h"
 
@@ -88,6 +89,10 @@ int main(int argc, char **argv)
             painter.fill(window, all, shallBeLit ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
             painter.sync();
             isLit = shallBeLit;
+            if (isLit) {
+                std::printf("%.6f\n", std::chrono::duration<double>(Clock::now().time_since_epoch()).count());
+                std::fflush(stdout);
+            }
         }
     }
 }

@@ -1,6 +1,6 @@
 // Flashes $DISPLAY and beeps on the sound server's default output, both at the same moment, once a second until it is
 // stopped: for measuring whether a recording keeps picture and sound together. Says "ready" when it runs, and then the
-// time of each flash on the steady clock, in seconds.
+// time of each beep on the steady clock, in seconds.
 
 #include "support/x11/X11Painter.h"
 
@@ -80,6 +80,8 @@ int main(int argc, char **argv)
         if (written % kRate == 0) {
             const pa_usec_t delay = pa_simple_get_latency(output.get(), &error);
             flashAt = Clock::now() + std::chrono::microseconds(delay);
+            std::printf("%.6f\n", std::chrono::duration<double>(flashAt.time_since_epoch()).count());
+            std::fflush(stdout);
         }
         const auto samples = block(written);
         if (pa_simple_write(output.get(), samples.data(), sizeof samples, &error) < 0)
@@ -89,10 +91,6 @@ int main(int argc, char **argv)
             painter.fill(window, all, shallBeLit ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
             painter.sync();
             isLit = shallBeLit;
-            if (isLit) {
-                std::printf("%.6f\n", std::chrono::duration<double>(Clock::now().time_since_epoch()).count());
-                std::fflush(stdout);
-            }
         }
     }
 }

@@ -1,7 +1,7 @@
 #include "record/KelRecordVoiceTrack.h"
 
 #include "audio/capture/KelSystemAudioRecord.h"
-#include "audio/capture/MicrophoneBackend.h"
+#include "audio/capture/MicrophoneRecord.h"
 #include "logging/Log.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/wav/SoundFiles.h"
@@ -12,9 +12,7 @@
 #include <QElapsedTimer>
 #include <QMetaEnum>
 #include <QThread>
-#include <QUrl>
 
-#include <exception>
 #include <utility>
 
 using namespace kel;
@@ -28,13 +26,6 @@ qint64 monotonicMs()
     QElapsedTimer timer;
     timer.start();
     return timer.msecsSinceReference();
-}
-
-bool isBusy(const QAudioRecorder &recorder)
-{
-    const QMediaRecorder::Status status = recorder.status();
-    return status == QMediaRecorder::StartingStatus || status == QMediaRecorder::RecordingStatus ||
-           status == QMediaRecorder::FinalizingStatus;
 }
 
 QByteArray keyOf(const char *enumerator, int value)
@@ -72,8 +63,6 @@ void KelRecordVoiceTrack::setSystemAudioEnabled(bool enabled)
 void KelRecordVoiceTrack::setMicrophoneEnabled(bool enabled)
 {
     m_microphoneEnabled = enabled;
-    if (enabled)
-        MicrophoneBackend::preload(); // now, because it would delay the recording's clock at the start
 }
 
 void KelRecordVoiceTrack::noteClockChange()
@@ -96,26 +85,10 @@ void KelRecordVoiceTrack::setUpRecorders()
             this);
     }
     if (m_microphoneEnabled && !m_microphone) {
-        const auto presence = MicrophoneBackend::presence();
-        m_isMicrophonePresenceUnknown = presence == MicrophoneBackend::Presence::Unknown;
-        if (presence == MicrophoneBackend::Presence::Missing) {
-            m_microphoneEnabled = false;
-            reportFailure(KelTrackNames::kMicrophone, QStringLiteral("there is no microphone"));
-        } else {
-            setUpMicrophone();
-        }
+        m_microphone = new MicrophoneRecord(
+            m_microphoneSettings, m_microphonePath,
+            [this](const QString &) { onMicrophoneError(QAudioRecorder::ResourceError); }, this);
     }
-}
-
-void KelRecordVoiceTrack::setUpMicrophone()
-{
-    m_microphone = new QAudioRecorder(this);
-    MicrophoneBackend::setWavSettings(*m_microphone, m_microphoneSettings);
-    m_microphone->setOutputLocation(QUrl::fromLocalFile(m_microphonePath));
-    connect(m_microphone, QOverload<QMediaRecorder::Error>::of(&QMediaRecorder::error), this,
-            &KelRecordVoiceTrack::onMicrophoneError);
-    connect(m_microphone, &QMediaRecorder::statusChanged, this, &KelRecordVoiceTrack::onMicrophoneStatusChanged);
-    connect(m_microphone, &QMediaRecorder::stateChanged, this, &KelRecordVoiceTrack::onMicrophoneStateChanged);
 }
 
 void KelRecordVoiceTrack::startRecording()
@@ -133,7 +106,10 @@ void KelRecordVoiceTrack::startRecording()
     m_isPaused = false;
     if (m_systemAudioEnabled && m_systemAudio)
         m_systemAudio->start(startMs);
-    startMicrophone(startMs, "启动麦克风录制时发生异常");
+    if (m_microphoneEnabled && m_microphone) {
+        m_microphone->start(startMs);
+        checkMicrophone("启动麦克风录制时发生异常");
+    }
 }
 
 void KelRecordVoiceTrack::pauseRecording()
@@ -143,7 +119,8 @@ void KelRecordVoiceTrack::pauseRecording()
     const qint64 endMs = takeClockChange();
     if (m_systemAudioEnabled && m_systemAudio && !m_isPaused)
         m_systemAudio->pause(endMs);
-    endMicrophonePart(endMs);
+    if (m_microphone && m_microphone->isRecording())
+        m_microphone->pause(endMs);
     m_isPaused = true;
 }
 
@@ -155,45 +132,22 @@ void KelRecordVoiceTrack::resumeRecording(qint64 atMs)
         qCWarning(logRecord) << "[VoiceTrack] Cannot resume system audio - enabled:" << m_systemAudioEnabled
                              << "recorder:" << (m_systemAudio != nullptr);
     }
-    if (m_microphone && isBusy(*m_microphone)) {
-        // It has yet to process the completion of its last file, and would mistake it for the end of the next one.
-        delete m_microphone;
-        setUpMicrophone();
+    if (m_microphoneEnabled && m_microphone) {
+        m_microphone->resume(atMs);
+        checkMicrophone("恢复麦克风录制时发生异常");
     }
-    startMicrophone(atMs, "恢复麦克风录制时发生异常");
     m_isRecording = true;
     m_isPaused = false;
 }
 
-void KelRecordVoiceTrack::startMicrophone(qint64 atMs, const char *exceptionText)
+/// Does without the microphone if its recording could not begin.
+void KelRecordVoiceTrack::checkMicrophone(const char *failureText)
 {
-    if (!m_microphone || !m_microphoneEnabled)
+    if (m_microphone->isRecording())
         return;
-    const QString path = soundPartPath(m_microphonePath, m_microphonePartIndex);
-    m_microphoneStartMs = atMs;
-    m_microphoneBeginMs = 0;
-    try {
-        m_microphone->setOutputLocation(QUrl::fromLocalFile(path));
-        m_microphone->record();
-        m_currentMicrophonePart = path;
-    } catch (const std::exception &exception) {
-        qCCritical(logRecord) << exceptionText;
-        m_microphoneEnabled = false;
-        reportFailure(KelTrackNames::kMicrophone, QString::fromLocal8Bit(exception.what()));
-    }
-}
-
-void KelRecordVoiceTrack::endMicrophonePart(qint64 atMs)
-{
-    if (!m_microphone || m_currentMicrophonePart.isEmpty())
-        return;
-    if (m_microphone->state() == QMediaRecorder::RecordingState)
-        m_microphone->stop();
-    const qint64 lateMs = qMax(m_microphoneBeginMs, m_microphoneStartMs) - m_microphoneStartMs;
-    m_microphoneTimes.append({atMs - m_microphoneStartMs, lateMs, monotonicMs() - atMs});
-    MicrophoneBackend::waitForCompleteFile(*m_microphone, m_currentMicrophonePart);
-    m_microphoneParts.append(std::exchange(m_currentMicrophonePart, QString()));
-    ++m_microphonePartIndex;
+    qCCritical(logRecord) << failureText;
+    m_microphoneEnabled = false;
+    reportFailure(KelTrackNames::kMicrophone, QStringLiteral("the recording of the microphone cannot be started"));
 }
 
 void KelRecordVoiceTrack::stopRecording(qint64 frameCount, qint64 durationMs)
@@ -201,6 +155,8 @@ void KelRecordVoiceTrack::stopRecording(qint64 frameCount, qint64 durationMs)
     qCInfo(logRecord) << "[VoiceTrack] Stopping recording, frames:" << frameCount << ", duration:" << durationMs;
     if (m_isRecording)
         pauseRecording();
+    if (m_microphone)
+        m_microphone->prepareStop(); // ends while system audio is stopped
     if (m_systemAudioEnabled && m_systemAudio) {
         qCWarning(logRecord) << "[KelRecordVoiceTrack] 停止系统音频录制，指针:" << static_cast<void *>(m_systemAudio);
         m_systemAudio->stopRecording();
@@ -217,19 +173,12 @@ void KelRecordVoiceTrack::stopRecording(qint64 frameCount, qint64 durationMs)
 
 void KelRecordVoiceTrack::joinMicrophoneParts()
 {
-    qCWarning(logRecord) << "[KelRecordVoiceTrack] 麦克风分段文件数量:" << m_microphoneParts.size();
-    if (m_microphoneParts.isEmpty())
+    const int parts = m_microphone ? m_microphone->partCount() : 0;
+    qCWarning(logRecord) << "[KelRecordVoiceTrack] 麦克风分段文件数量:" << parts;
+    if (parts == 0)
         return;
     qCWarning(logRecord) << "[KelRecordVoiceTrack] 合并麦克风分段文件到:" << m_microphonePath;
-    const QString problem = mergeMicrophoneParts(m_microphoneParts, m_microphonePath, m_microphoneTimes);
-    if (!problem.isEmpty())
-        reportFailure(KelTrackNames::kMicrophone, problem);
-    else if (m_isMicrophonePresenceUnknown && MicrophoneBackend::isSilent(m_microphonePath))
-        reportFailure(KelTrackNames::kMicrophone,
-                      QStringLiteral("nothing but silence was recorded, as there is no sound server"));
-    m_microphoneParts.clear();
-    m_microphoneTimes.clear();
-    m_microphonePartIndex = 0;
+    m_microphone->stopRecording();
     qCWarning(logRecord) << "[KelRecordVoiceTrack] 麦克风分段文件合并完成";
 }
 
@@ -257,10 +206,12 @@ void KelRecordVoiceTrack::cleanupAudioRecorders()
     }
     if (m_microphone) {
         qCWarning(logRecord) << "[cleanupAudioRecorders] 处理麦克风录制器，指针:" << static_cast<void *>(m_microphone);
-        qCWarning(logRecord).noquote() << "[cleanupAudioRecorders] state:" << keyOf("State", m_microphone->state());
-        if (m_microphone->state() == QMediaRecorder::RecordingState) {
+        qCWarning(logRecord).noquote() << "[cleanupAudioRecorders] state:"
+                                       << keyOf("State", m_microphone->isRecording() ? QAudioRecorder::RecordingState
+                                                                                     : QAudioRecorder::StoppedState);
+        if (m_microphone->isRecording()) {
             qCWarning(logRecord) << "[cleanupAudioRecorders] 调用 stop()";
-            m_microphone->stop();
+            m_microphone->stopRecording();
             qCWarning(logRecord) << "[cleanupAudioRecorders] stop() 完成";
         }
         qCWarning(logRecord) << "[cleanupAudioRecorders] 断开信号连接";
@@ -279,12 +230,6 @@ void KelRecordVoiceTrack::cleanupAudioRecorders()
 void KelRecordVoiceTrack::onSystemAudioStateChanged(QAudioRecorder::State) {}
 
 void KelRecordVoiceTrack::onMicrophoneStateChanged(QAudioRecorder::State) {}
-
-void KelRecordVoiceTrack::onMicrophoneStatusChanged(QMediaRecorder::Status status)
-{
-    if (status == QMediaRecorder::RecordingStatus)
-        m_microphoneBeginMs = monotonicMs();
-}
 
 void KelRecordVoiceTrack::onSystemAudioError(QAudioRecorder::Error error)
 {

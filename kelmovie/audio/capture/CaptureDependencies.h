@@ -16,9 +16,6 @@ struct CaptureDependencies {
 
     std::function<HRESULT(IMMDeviceEnumerator **)> createEnumerator;
 
-    /// What to record: eRender for what the default output plays, eCapture for what the default input hears.
-    EDataFlow flow = eRender;
-
     /// Milliseconds of the steady clock that packet times refer to.
     std::function<qint64()> nowMs;
 

@@ -1,9 +1,6 @@
 #include "audio/capture/CaptureDevice.h"
 
 #include "audio/capture/CaptureDependencies.h"
-#include "logging/Log.h"
-
-#include <QDebug>
 
 namespace kel
 {
@@ -13,6 +10,8 @@ namespace
 constexpr REFERENCE_TIME kBufferDuration = 10'000'000; // one second
 constexpr qint64 kCounterUnitsPerMs = 10'000;
 constexpr qint64 kMaxPacketAgeMs = 30'000; // longer than any buffer
+constexpr qint64 kMaxPacketLeadMs = 3'000; // of sound that is captured before an output with a long buffer plays it
+constexpr DWORD kEventWaitMs = 200;
 
 template <typename Interface>
 void releaseObject(Interface *&object)
@@ -34,48 +33,79 @@ CaptureDevice::~CaptureDevice()
     close();
 }
 
-bool CaptureDevice::open(const CaptureFormat &format)
+CaptureDevice::Failure CaptureDevice::open(const CaptureFormat &format)
 {
-    if (FAILED(m_dependencies.createEnumerator(&m_enumerator)) ||
-        FAILED(m_enumerator->GetDefaultAudioEndpoint(m_flow, eConsole, &m_device)) ||
+    const Failure failure = tryToOpen(format);
+    if (failure != Failure::None)
+        close();
+    return failure;
+}
+
+CaptureDevice::Failure CaptureDevice::tryToOpen(const CaptureFormat &format)
+{
+    if (FAILED(m_dependencies.createEnumerator(&m_enumerator)))
+        return Failure::NoServer;
+    if (FAILED(m_enumerator->GetDefaultAudioEndpoint(m_flow, eConsole, &m_device)) ||
         FAILED(m_device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, reinterpret_cast<void **>(&m_client))) ||
-        !initialize(format)) {
-        close();
-        return false;
-    }
+        !initialize(format))
+        return Failure::NoDevice;
     UINT32 bufferFrames = 0;
-    if (FAILED(m_client->GetBufferSize(&bufferFrames))) {
-        qCWarning(logAudio) << "获取音频缓冲区大小失败";
-        close();
-        return false;
-    }
-    if (FAILED(m_client->GetService(IID_IAudioCaptureClient, reinterpret_cast<void **>(&m_capture)))) {
-        qCWarning(logAudio) << "获取音频捕获客户端失败";
-        close();
-        return false;
-    }
-    return true;
+    if (FAILED(m_client->GetBufferSize(&bufferFrames)))
+        return Failure::NoBufferSize;
+    if (FAILED(m_client->GetService(IID_IAudioCaptureClient, reinterpret_cast<void **>(&m_capture))))
+        return Failure::NoCaptureClient;
+    return Failure::None;
 }
 
 bool CaptureDevice::initialize(const CaptureFormat &format)
 {
-    m_deviceFormat = format;
-    if (m_deviceFormat.isNull()) {
-        WAVEFORMATEX *mix = nullptr;
-        if (FAILED(m_client->GetMixFormat(&mix)) || !mix)
-            return false;
-        m_deviceFormat = CaptureFormat(*mix);
-        CoTaskMemFree(mix);
-        if (m_deviceFormat.isNull())
-            return false;
-    }
-    const auto accepts = [this](const CaptureFormat &requested) {
-        m_streamFormat = requested;
-        const DWORD flags = m_flow == eRender ? AUDCLNT_STREAMFLAGS_LOOPBACK : 0;
-        return SUCCEEDED(
-            m_client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, kBufferDuration, 0, requested.get(), nullptr));
-    };
-    return (m_deviceFormat.isPlainFloat() && accepts(m_deviceFormat.asInt16())) || accepts(m_deviceFormat);
+    if (format.isNull())
+        return initializeWithOwnFormat();
+    return accepts(format) ||
+           accepts(format, AUDCLNT_STREAMFLAGS_AUTOCONVERTPCM | AUDCLNT_STREAMFLAGS_SRC_DEFAULT_QUALITY);
+}
+
+bool CaptureDevice::initializeWithOwnFormat()
+{
+    WAVEFORMATEX *mix = nullptr;
+    if (FAILED(m_client->GetMixFormat(&mix)) || !mix)
+        return false;
+    const CaptureFormat own(*mix);
+    CoTaskMemFree(mix);
+    if (own.isNull())
+        return false;
+    return (own.isPlainFloat() && accepts(own.asInt16())) || accepts(own);
+}
+
+bool CaptureDevice::accepts(const CaptureFormat &format, DWORD moreFlags)
+{
+    m_format = format;
+    const DWORD flags = (m_flow == eRender ? AUDCLNT_STREAMFLAGS_LOOPBACK : 0) | moreFlags;
+    return SUCCEEDED(m_client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, kBufferDuration, 0, format.get(), nullptr));
+}
+
+bool CaptureDevice::enableEvents()
+{
+    m_event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    if (m_event && SUCCEEDED(m_client->SetEventHandle(m_event)))
+        return true;
+    closeEvent();
+    return false;
+}
+
+void CaptureDevice::wait()
+{
+    if (m_event)
+        WaitForSingleObject(m_event, kEventWaitMs);
+    else
+        m_dependencies.rest();
+}
+
+void CaptureDevice::closeEvent()
+{
+    if (m_event)
+        CloseHandle(m_event);
+    m_event = nullptr;
 }
 
 void CaptureDevice::close()
@@ -84,6 +114,7 @@ void CaptureDevice::close()
     releaseObject(m_client);
     releaseObject(m_device);
     releaseObject(m_enumerator);
+    closeEvent();
 }
 
 CaptureDevice::Result CaptureDevice::acquire(Packet *packet)
@@ -98,7 +129,7 @@ CaptureDevice::Result CaptureDevice::acquire(Packet *packet)
         return Result::Empty;
     m_heldFrames = frames;
     packet->data = flags & AUDCLNT_BUFFERFLAGS_SILENT ? nullptr : reinterpret_cast<const char *>(data);
-    packet->size = qint64(frames) * m_streamFormat.get()->nBlockAlign;
+    packet->size = qint64(frames) * m_format.get()->nBlockAlign;
     packet->recordedAtMs = plausibleTime(flags, counterPosition, frames);
     return Result::Packet;
 }
@@ -108,8 +139,9 @@ qint64 CaptureDevice::plausibleTime(DWORD flags, UINT64 counterPosition, UINT32 
 {
     const qint64 nowMs = m_dependencies.nowMs();
     const qint64 statedMs = qint64(counterPosition / kCounterUnitsPerMs);
-    if ((flags & AUDCLNT_BUFFERFLAGS_TIMESTAMP_ERROR) != 0 || statedMs > nowMs || statedMs < nowMs - kMaxPacketAgeMs)
-        return nowMs - qint64(frames) * 1000 / m_streamFormat.get()->nSamplesPerSec;
+    if ((flags & AUDCLNT_BUFFERFLAGS_TIMESTAMP_ERROR) != 0 || statedMs > nowMs + kMaxPacketLeadMs ||
+        statedMs < nowMs - kMaxPacketAgeMs)
+        return nowMs - qint64(frames) * 1000 / m_format.get()->nSamplesPerSec;
     return statedMs;
 }
 

@@ -4,8 +4,6 @@
 
 #include <coreaudio/CoreAudio.h>
 
-#include <QString>
-
 namespace kel
 {
 
@@ -16,24 +14,28 @@ struct CaptureDependencies;
 class CaptureDevice
 {
 public:
-    explicit CaptureDevice(const CaptureDependencies &dependencies, EDataFlow flow = eRender);
+    CaptureDevice(const CaptureDependencies &dependencies, EDataFlow flow);
     ~CaptureDevice();
     CaptureDevice(const CaptureDevice &) = delete;
     CaptureDevice &operator=(const CaptureDevice &) = delete;
 
-    /// Opens the device and a stream that is ready to start. A null format means the device's own. False when there is
-    /// no such device or it refuses the format; everything is closed again then.
-    bool open(const CaptureFormat &format = CaptureFormat());
+    enum class Failure { None, NoServer, NoDevice, NoBufferSize, NoCaptureClient };
+
+    /// Opens the device and a stream that is ready to start. A null format means the device's own, with 16-bit integers
+    /// instead of plain floats if the device can convert. On failure everything is closed again.
+    Failure open(const CaptureFormat &format = CaptureFormat());
     void close();
 
-    /// The requested format or the device's own, and the format of the stream: 16-bit integers if the device format is
-    /// plain floats and the device can convert.
-    const CaptureFormat &deviceFormat() const { return m_deviceFormat; }
-    const CaptureFormat &streamFormat() const { return m_streamFormat; }
+    const CaptureFormat &format() const { return m_format; }
 
     bool start() { return SUCCEEDED(m_client->Start()); }
     void stop() { m_client->Stop(); }
-    bool setEventHandle(HANDLE event) { return SUCCEEDED(m_client->SetEventHandle(event)); }
+
+    /// Has wait() end when there is sound. False when the device refuses events, which it may, because the stream was
+    /// opened for polling.
+    bool enableEvents();
+    /// Waits a moment, so that more sound can arrive.
+    void wait();
 
     struct Packet {
         const char *data = nullptr; ///< null when silent
@@ -51,17 +53,21 @@ public:
     void release();
 
 private:
+    Failure tryToOpen(const CaptureFormat &format);
     bool initialize(const CaptureFormat &format);
+    bool initializeWithOwnFormat();
+    void closeEvent();
+    bool accepts(const CaptureFormat &format, DWORD moreFlags = 0);
     qint64 plausibleTime(DWORD flags, UINT64 counterPosition, UINT32 frames) const;
 
     const CaptureDependencies &m_dependencies;
     const EDataFlow m_flow;
-    CaptureFormat m_deviceFormat;
-    CaptureFormat m_streamFormat;
+    CaptureFormat m_format;
     IMMDeviceEnumerator *m_enumerator = nullptr;
     IMMDevice *m_device = nullptr;
     IAudioClient *m_client = nullptr;
     IAudioCaptureClient *m_capture = nullptr;
+    HANDLE m_event = nullptr; // null without events
     UINT32 m_heldFrames = 0;
 };
 

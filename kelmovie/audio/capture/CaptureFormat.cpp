@@ -16,6 +16,14 @@ CaptureFormat::CaptureFormat(const WAVEFORMATEX &format)
 {
 }
 
+CaptureFormat CaptureFormat::int16(DWORD sampleRate, WORD channelCount)
+{
+    WAVEFORMATEX format{};
+    format.nSamplesPerSec = sampleRate;
+    format.nChannels = channelCount;
+    return CaptureFormat(format).asInt16();
+}
+
 bool CaptureFormat::isNull() const
 {
     return m_bytes.size() < int(sizeof(WAVEFORMATEX)) || m_bytes.size() < int(sizeof(WAVEFORMATEX)) + get()->cbSize ||

@@ -17,6 +17,9 @@ public:
     explicit CaptureFormat(const QByteArray &bytes);
     explicit CaptureFormat(const WAVEFORMATEX &format);
 
+    /// 16-bit integers.
+    static CaptureFormat int16(DWORD sampleRate, WORD channelCount);
+
     /// Unusable for capture: too short, or with a rate or size of 0.
     bool isNull() const;
 

@@ -2,6 +2,7 @@
 
 #include "audio/capture/CaptureDevice.h"
 #include "audio/capture/CaptureFormat.h"
+#include "audio/capture/DeleteWhenFinished.h"
 
 #include <algorithm>
 #include <chrono>
@@ -51,12 +52,23 @@ SoundLevelMonitor::SoundLevelMonitor(EDataFlow flow, const CaptureDependencies &
 
 SoundLevelMonitor::~SoundLevelMonitor()
 {
+    requestEnd();
+    wait();
+}
+
+void SoundLevelMonitor::endLater()
+{
+    requestEnd();
+    deleteWhenFinished(this);
+}
+
+void SoundLevelMonitor::requestEnd()
+{
     {
         const std::lock_guard lock(m_mutex);
         m_isEnding = true;
     }
     m_changed.notify_all();
-    wait();
 }
 
 void SoundLevelMonitor::setListening(bool on)
@@ -113,7 +125,7 @@ bool SoundLevelMonitor::isWanted() const
 void SoundLevelMonitor::listen()
 {
     CaptureDevice device(m_dependencies, m_flow);
-    if (!device.open() || !device.start()) {
+    if (device.open() != CaptureDevice::Failure::None || !device.start()) {
         m_state = State::NoDevice;
         std::unique_lock lock(m_mutex);
         m_changed.wait_for(lock, kSearchInterval, [this] { return !m_isWanted || m_isEnding; });
@@ -126,14 +138,14 @@ void SoundLevelMonitor::listen()
         result = device.acquire(&packet);
         if (result == CaptureDevice::Result::Packet) {
             if (packet.data) {
-                const float peak = peakOf(device.streamFormat(), packet.data, packet.size);
+                const float peak = peakOf(device.format(), packet.data, packet.size);
                 float known = m_peak;
                 while (peak > known && !m_peak.compare_exchange_weak(known, peak)) {
                 }
             }
             device.release();
         } else if (result == CaptureDevice::Result::Empty) {
-            m_dependencies.rest();
+            device.wait();
         }
     }
     device.stop();

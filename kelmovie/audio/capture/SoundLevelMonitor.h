@@ -25,8 +25,10 @@ public:
     /// `flow`: eRender for what the computer plays, eCapture for the microphone.
     explicit SoundLevelMonitor(EDataFlow flow, const CaptureDependencies &dependencies = CaptureDependencies(),
                                QObject *parent = nullptr);
-    /// Waits for the thread, which may take seconds if the system does not respond.
+    /// Waits for the thread, which may take long if the system does not respond.
     ~SoundLevelMonitor() override;
+    /// Deletes this when the thread has ended, without waiting for it. It must have been created with new.
+    void endLater();
 
     /// Called from the owner's thread. While off, no device is open.
     void setListening(bool on);
@@ -43,6 +45,7 @@ protected:
     void run() override;
 
 private:
+    void requestEnd();
     bool waitUntilWanted();
     void listen();
     bool isWanted() const;

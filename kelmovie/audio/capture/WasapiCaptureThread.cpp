@@ -1,11 +1,9 @@
 #include "audio/capture/WasapiCaptureThread.h"
 
-#include "audio/capture/CaptureDevice.h"
+#include "audio/capture/CaptureParts.h"
 #include "logging/Log.h"
-#include "recording/wav/WavPartWriter.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QMutexLocker>
 
 #include <utility>
@@ -18,42 +16,17 @@ namespace
 constexpr qint64 kSilenceAfterMs = 100;
 constexpr qint64 kSizesIntervalMs = 1000;
 constexpr qint64 kSearchIntervalMs = 1000;
-constexpr DWORD kEventWaitMs = 200;
+constexpr int kDrainRounds = 10; // a device delivers its last sound after a few
 } // namespace
 
-WasapiCaptureThread::WasapiCaptureThread(const QString &filePath, qint64 startMs, const QByteArray &format,
-                                         const CaptureDependencies &dependencies, FailureHandler failed,
-                                         QObject *parent)
+WasapiCaptureThread::WasapiCaptureThread(EDataFlow flow, const QByteArray &format, std::shared_ptr<CaptureParts> parts,
+                                         const CaptureDependencies &dependencies, QObject *parent)
     : QThread(parent)
-    , m_firstPath(filePath)
-    , m_startMs(startMs)
+    , m_flow(flow)
+    , m_parts(std::move(parts))
     , m_dependencies(dependencies)
-    , m_failed(std::move(failed))
     , m_format(format)
 {
-}
-
-WasapiCaptureThread::~WasapiCaptureThread()
-{
-    requestStop();
-    wait();
-}
-
-void WasapiCaptureThread::pauseAt(qint64 atMs)
-{
-    const QMutexLocker lock(&m_mutex);
-    m_requests.isPaused = true;
-    m_requests.pausedAtMs = atMs;
-}
-
-void WasapiCaptureThread::resumeAt(qint64 atMs, const QString &filePath)
-{
-    const QMutexLocker lock(&m_mutex);
-    if (m_requests.pendingPath.isEmpty())
-        m_requests.currentEndMs = m_requests.pausedAtMs;
-    m_requests.pendingPath = filePath;
-    m_requests.pendingStartMs = atMs;
-    m_requests.isPaused = false;
 }
 
 QByteArray WasapiCaptureThread::format() const
@@ -62,140 +35,124 @@ QByteArray WasapiCaptureThread::format() const
     return m_format;
 }
 
+QStringList WasapiCaptureThread::takeProblems()
+{
+    const QMutexLocker lock(&m_mutex);
+    return std::exchange(m_problems, {});
+}
+
 void WasapiCaptureThread::run()
 {
     CoInitialize(nullptr);
-    m_device = std::make_unique<CaptureDevice>(m_dependencies, m_dependencies.flow);
-    if (!m_device->open(CaptureFormat(format())))
-        reportOnce(QStringLiteral("there is no output whose sound can be recorded"));
-    else
-        capture();
-    m_part.reset();
-    m_device.reset();
+    m_lastPacketMs = m_dependencies.nowMs();
+    const CaptureFormat required(format());
+    if (!required.isNull())
+        begin(required);
+    while (!m_stopRequested) {
+        if (!m_device && m_dependencies.nowMs() >= m_nextSearchMs)
+            openDevice();
+        if (!readPacket()) {
+            padWithSilence();
+            waitForSound();
+        }
+        updateSizesRegularly();
+    }
+    drain();
+    closeDevice();
     CoUninitialize();
 }
 
-void WasapiCaptureThread::capture()
+/// A device that replaces another one has to deliver the same format, so that one file can hold the sound.
+void WasapiCaptureThread::openDevice()
 {
-    {
-        const QMutexLocker lock(&m_mutex);
-        m_format = m_device->deviceFormat().bytes();
-    }
-    m_part = std::make_unique<WavPartWriter>(m_device->streamFormat().wavHeader());
-    if (!m_part->open(m_firstPath, m_startMs)) {
-        qCWarning(logAudio) << "无法打开输出文件:" << m_firstPath;
-        checkPart();
+    auto device = std::make_unique<CaptureDevice>(m_dependencies, m_flow);
+    const CaptureDevice::Failure failure = device->open(CaptureFormat(format()));
+    m_nextSearchMs = m_dependencies.nowMs() + kSearchIntervalMs;
+    if (failure != CaptureDevice::Failure::None) {
+        report(failure);
         return;
     }
-    m_part->writeSilence();
-    m_part->updateSizes();
-    if (!m_device->start()) {
-        qCWarning(logAudio) << "启动音频客户端失败";
-        m_part->close();
-        QFile::remove(m_firstPath); // its silence would shift the sound of later parts
-        reportOnce(QStringLiteral("the sound of the output cannot be recorded"));
+    begin(device->format());
+    if (!device->start()) {
+        reportOnce(QStringLiteral("the sound of the %1 cannot be recorded").arg(deviceName()), "启动音频客户端失败");
         return;
     }
-    if (!m_device->streamFormat().isIntegerPcm() || !captureByEvents())
-        captureByPolling();
-    drain();
-}
-
-/// Waits for the device's event instead of polling, for integer formats. False when the device refuses events, which it
-/// may, because the stream was opened for polling; the caller then has to poll.
-bool WasapiCaptureThread::captureByEvents()
-{
-    const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-    if (!event || !m_device->setEventHandle(event)) {
-        qCWarning(logAudio) << "设置WASAPI事件句柄失败，格式标签:" << m_device->streamFormat().get()->wFormatTag
+    if (m_flow == eRender && device->format().isIntegerPcm() && !device->enableEvents())
+        qCWarning(logAudio) << "设置WASAPI事件句柄失败，格式标签:" << device->format().get()->wFormatTag
                             << "，实际标签:" << int(WavHeader::kPcm);
-        if (event)
-            CloseHandle(event);
-        return false;
-    }
-    while (!m_stopRequested) {
-        handleRequests();
-        if (WaitForSingleObject(event, kEventWaitMs) == WAIT_OBJECT_0) {
-            while (readPacket())
-                continue;
-        } else {
-            padWithSilence();
-        }
-        updateSizesRegularly();
-    }
-    CloseHandle(event);
-    return true;
+    if (m_hasFailed)
+        qCWarning(logAudio) << "[WasapiCaptureThread] Recording the default" << qPrintable(deviceName());
+    m_device = std::move(device);
+    m_isCapturing = true;
 }
 
-void WasapiCaptureThread::captureByPolling()
+/// Begins to write sound in this format, once.
+void WasapiCaptureThread::begin(const CaptureFormat &format)
 {
-    m_lastPacketMs = m_dependencies.nowMs();
-    while (!m_stopRequested) {
-        handleRequests();
-        if (!readPacket()) {
-            if (m_dependencies.nowMs() - m_lastPacketMs >= kSilenceAfterMs) {
-                padWithSilence();
-                m_lastPacketMs = m_dependencies.nowMs();
-            }
-            m_dependencies.rest();
-        }
-        updateSizesRegularly();
-        if (m_isDeviceGone)
-            replaceDevice();
-    }
-}
-
-/// Records what the device still has buffered from before the end.
-void WasapiCaptureThread::drain()
-{
-    handleRequests();
-    while (readPacket())
-        continue;
-    m_device->stop();
-    m_part->close();
-    checkPart();
-}
-
-void WasapiCaptureThread::handleRequests()
-{
-    Requests requests;
+    if (std::exchange(m_hasBegun, true))
+        return;
     {
         const QMutexLocker lock(&m_mutex);
-        requests = m_requests;
-        m_requests.pendingPath.clear();
+        m_format = format.bytes();
     }
-    if (!requests.pendingPath.isEmpty()) {
-        m_part->setEnd(requests.currentEndMs);
-        m_part->close();
-        m_part->open(requests.pendingPath, requests.pendingStartMs);
-        checkPart();
-    }
-    if (requests.isPaused)
-        m_part->setEnd(requests.pausedAtMs);
+    m_parts->setFormat(format.wavHeader());
+    checkParts();
 }
 
-/// While paused, the part accepts only late packets from before the pause.
+void WasapiCaptureThread::closeDevice()
+{
+    m_device.reset();
+    m_isCapturing = false;
+}
+
 bool WasapiCaptureThread::readPacket()
 {
     CaptureDevice::Packet packet;
-    const CaptureDevice::Result result = m_device->acquire(&packet);
-    m_isDeviceGone = result == CaptureDevice::Result::Gone;
+    const auto result = m_device ? m_device->acquire(&packet) : CaptureDevice::Result::Empty;
+    if (result == CaptureDevice::Result::Gone) {
+        closeDevice();
+        reportOnce(
+            QStringLiteral("the %1 was removed; silence is recorded until there is one again").arg(deviceName()));
+    }
     if (result != CaptureDevice::Result::Packet)
         return false;
-    handleRequests();
-    m_part->writePacket(packet.data, packet.size, packet.recordedAtMs);
+    m_parts->writePacket(packet.data, packet.size, packet.recordedAtMs);
     m_device->release();
     m_lastPacketMs = m_dependencies.nowMs();
-    checkPart();
+    checkParts();
     return true;
 }
 
-/// Called also while paused: closing the part cuts it back to the start of the pause, and if the process dies before
-/// that, the duration of the file is the time that passed.
 void WasapiCaptureThread::padWithSilence()
 {
-    m_part->writeSilence();
-    checkPart();
+    const qint64 nowMs = m_dependencies.nowMs();
+    if (nowMs - m_lastPacketMs < kSilenceAfterMs)
+        return;
+    m_lastPacketMs = nowMs;
+    m_parts->writeSilenceTo(nowMs);
+    checkParts();
+}
+
+void WasapiCaptureThread::waitForSound()
+{
+    if (m_device)
+        m_device->wait();
+    else
+        m_dependencies.rest();
+}
+
+/// Records what was heard before the end and is still on its way.
+void WasapiCaptureThread::drain()
+{
+    for (int round = 0; m_device && round < kDrainRounds && !m_parts->isComplete(); ++round) {
+        while (readPacket())
+            continue;
+        waitForSound();
+    }
+    m_parts->finish();
+    if (m_device)
+        m_device->stop();
+    checkParts();
 }
 
 /// If the process is killed, the header states about how much sound the file has.
@@ -205,38 +162,52 @@ void WasapiCaptureThread::updateSizesRegularly()
     if (nowMs - m_lastSizesMs < kSizesIntervalMs)
         return;
     m_lastSizesMs = nowMs;
-    m_part->updateSizes();
+    m_parts->updateSizes();
 }
 
-/// The new device has to deliver the same format, so that one file can hold the sound.
-void WasapiCaptureThread::replaceDevice()
+void WasapiCaptureThread::checkParts()
 {
-    const qint64 nowMs = m_dependencies.nowMs();
-    if (nowMs - m_lastSearchMs < kSearchIntervalMs)
-        return;
-    m_lastSearchMs = nowMs;
-    const CaptureFormat format = m_device->streamFormat();
-    auto device = std::make_unique<CaptureDevice>(m_dependencies, m_dependencies.flow);
-    if (device->open(format) && device->streamFormat().bytes() == format.bytes() && device->start()) {
-        qCWarning(logAudio) << "[WasapiCaptureThread] The output was removed; continuing with the new default output";
-        m_device = std::move(device);
-        m_isDeviceGone = false;
-        return;
+    const QString problem = m_parts->errorString();
+    if (!problem.isEmpty())
+        reportOnce(problem);
+}
+
+void WasapiCaptureThread::report(CaptureDevice::Failure failure)
+{
+    switch (failure) {
+    case CaptureDevice::Failure::NoServer:
+        reportOnce(QStringLiteral("the sound system does not respond; the %1 is recorded as soon as it does")
+                       .arg(deviceName()));
+        break;
+    case CaptureDevice::Failure::NoBufferSize:
+        reportOnce(QStringLiteral("the sound of the %1 cannot be recorded").arg(deviceName()),
+                   "获取音频缓冲区大小失败");
+        break;
+    case CaptureDevice::Failure::NoCaptureClient:
+        reportOnce(QStringLiteral("the sound of the %1 cannot be recorded").arg(deviceName()),
+                   "获取音频捕获客户端失败");
+        break;
+    default:
+        reportOnce(QStringLiteral("there is no %1; it is recorded as soon as there is one").arg(deviceName()));
     }
-    reportOnce(QStringLiteral("the output was removed; silence is recorded until there is one again"));
 }
 
-void WasapiCaptureThread::checkPart()
+void WasapiCaptureThread::reportOnce(const QString &problem, const char *log)
 {
-    if (!m_part->errorString().isEmpty())
-        reportOnce(m_part->errorString());
-}
-
-void WasapiCaptureThread::reportOnce(const QString &problem)
-{
-    if (std::exchange(m_hasFailed, true) || !m_failed)
+    if (std::exchange(m_hasFailed, true))
         return;
-    m_failed(problem);
+    if (log)
+        qCWarning(logAudio) << log;
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_problems << problem;
+    }
+    emit problemFound();
+}
+
+QString WasapiCaptureThread::deviceName() const
+{
+    return m_flow == eRender ? QStringLiteral("sound output") : QStringLiteral("microphone");
 }
 
 } // namespace kel

@@ -1,92 +1,86 @@
 #pragma once
 
 #include "audio/capture/CaptureDependencies.h"
-#include "audio/capture/CaptureFormat.h"
+#include "audio/capture/CaptureDevice.h"
 
+#include <QByteArray>
 #include <QMutex>
 #include <QString>
+#include <QStringList>
 #include <QThread>
 
 #include <atomic>
-#include <functional>
 #include <memory>
 
 namespace kel
 {
 
-class CaptureDevice;
-class WavPartWriter;
+class CaptureParts;
 
-/// Records what the computer plays into part files, one after the other. The thread owns the device.
+/// Records what the default output plays, or what the default microphone hears, into part files. The thread owns the
+/// device.
 ///
 /// While the device delivers nothing, silence is written, so that the duration of the file is the time that passed. A
-/// device that is removed while recording is replaced by the new default device as soon as there is one.
+/// device that is missing, or removed while recording, is looked for once a second.
+///
+/// A call into the sound system may never return. The thread therefore owns what it uses, together with nobody but
+/// `parts`, and can be left behind while it runs; it must not be deleted before it has finished.
 class WasapiCaptureThread : public QThread
 {
     Q_OBJECT
 
 public:
-    /// Called on the capture thread with the reason, in English, why sound is missing.
-    using FailureHandler = std::function<void(const QString &)>;
-
-    /// The first part begins at `startMs` of the steady clock. `format`: the format() of an earlier thread, or empty
-    /// for the device's own.
-    WasapiCaptureThread(const QString &filePath, qint64 startMs, const QByteArray &format,
-                        const CaptureDependencies &dependencies, FailureHandler failed, QObject *parent);
-    ~WasapiCaptureThread() override;
+    /// `format`: the required one; empty for the device's own.
+    WasapiCaptureThread(EDataFlow flow, const QByteArray &format, std::shared_ptr<CaptureParts> parts,
+                        const CaptureDependencies &dependencies, QObject *parent);
 
     // From any thread.
-    /// Ends the part at `atMs`; later sound is dropped.
-    void pauseAt(qint64 atMs);
-    /// Continues with a new part that begins at `atMs`.
-    void resumeAt(qint64 atMs, const QString &filePath);
     void requestStop() { m_stopRequested = true; }
-    /// The device's format; empty until it is known.
+    /// Whether a device is open, so that there may be sound which is not written yet.
+    bool isCapturing() const { return m_isCapturing; }
+    /// The format of the sound; empty until it is known.
     QByteArray format() const;
+    /// The reasons, in English, why sound is missing, since the last call.
+    QStringList takeProblems();
+
+signals:
+    /// takeProblems() has something new.
+    void problemFound();
 
 protected:
     void run() override;
 
 private:
-    void capture();
-    bool captureByEvents();
-    void captureByPolling();
-    void drain();
-
-    void handleRequests();
+    void openDevice();
+    void begin(const CaptureFormat &format);
+    void closeDevice();
     bool readPacket();
     void padWithSilence();
+    void drain();
+    void waitForSound();
     void updateSizesRegularly();
-    void replaceDevice();
-    void checkPart();
-    void reportOnce(const QString &problem);
+    void checkParts();
+    void report(CaptureDevice::Failure failure);
+    void reportOnce(const QString &problem, const char *log = nullptr);
+    QString deviceName() const;
 
-    struct Requests {
-        bool isPaused = false;
-        qint64 pausedAtMs = 0;
-        QString pendingPath; ///< empty unless there is a part to switch to
-        qint64 pendingStartMs = 0;
-        qint64 currentEndMs = 0; ///< of the part before the pending one
-    };
-
-    const QString m_firstPath;
-    const qint64 m_startMs;
+    const EDataFlow m_flow;
+    const std::shared_ptr<CaptureParts> m_parts;
     const CaptureDependencies m_dependencies;
-    const FailureHandler m_failed;
 
     std::atomic<bool> m_stopRequested{false};
+    std::atomic<bool> m_isCapturing{false};
     mutable QMutex m_mutex; // guards the next two
-    Requests m_requests;
     QByteArray m_format;
+    QStringList m_problems;
 
     // Used by the capture thread only.
-    std::unique_ptr<CaptureDevice> m_device;
-    std::unique_ptr<WavPartWriter> m_part;
-    bool m_isDeviceGone = false;
+    std::unique_ptr<CaptureDevice> m_device; // null while there is none
+    bool m_hasBegun = false;
     bool m_hasFailed = false;
     qint64 m_lastPacketMs = 0;
     qint64 m_lastSizesMs = 0;
-    qint64 m_lastSearchMs = 0;
+    qint64 m_nextSearchMs = 0;
 };
 
 } // namespace kel

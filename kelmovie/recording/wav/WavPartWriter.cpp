@@ -5,8 +5,10 @@ namespace kel
 
 namespace
 {
-/// How far continuous sound may deviate from the clock before it is corrected: packet times jitter.
-constexpr qint64 kToleranceMs = 50;
+/// How far continuous sound may deviate from the clock before single frames correct it, and before silence or a cut
+/// does: packet times jitter.
+constexpr qint64 kDriftMs = 4;
+constexpr qint64 kToleranceMs = 25;
 constexpr int kZerosSize = 1 << 16;
 } // namespace
 
@@ -26,6 +28,7 @@ bool WavPartWriter::open(const QString &path, qint64 startMs)
     m_startMs = startMs;
     m_size = 0;
     m_soundEnd = 0;
+    m_heardEnd = 0;
     m_end = kNoEnd;
     m_file.setFileName(path);
     // Unbuffered: written sound survives if this process is killed.
@@ -42,9 +45,9 @@ bool WavPartWriter::open(const QString &path, qint64 startMs)
     return true;
 }
 
-void WavPartWriter::writeSilence()
+void WavPartWriter::writeSilenceTo(qint64 ms)
 {
-    appendZeros(qint64(m_format.sampleRate / 10) * m_format.blockAlign);
+    appendZeros(bytesAt(ms) - m_size);
 }
 
 void WavPartWriter::writePacket(const char *data, qint64 size, qint64 recordedAtMs)
@@ -52,6 +55,7 @@ void WavPartWriter::writePacket(const char *data, qint64 size, qint64 recordedAt
     if (!isOpen())
         return;
     qint64 position = bytesAt(recordedAtMs);
+    m_heardEnd = position + size;
     if (m_end != kNoEnd)
         size = qMin(size, m_end - position);
     const qint64 early = qMax(qint64(0), -position);
@@ -60,16 +64,32 @@ void WavPartWriter::writePacket(const char *data, qint64 size, qint64 recordedAt
     if (size <= 0)
         return;
 
-    const qint64 tolerance = m_size > m_soundEnd ? 0 : bytesAt(m_startMs + kToleranceMs);
-    if (position < m_size)
+    if (data)
+        data += early;
+    // Silence that was only filled in gives way.
+    if (m_size > m_soundEnd)
         resizeTo(qMax(position, m_soundEnd));
-    else if (position > m_size + tolerance)
-        appendZeros(position - m_size);
-    if (!data)
-        appendZeros(size);
-    else
-        append(data + early, size);
+    writeContinuing(data, size, position);
     m_soundEnd = m_size;
+}
+
+void WavPartWriter::writeContinuing(const char *data, qint64 size, qint64 position)
+{
+    const qint64 frame = m_format.blockAlign;
+    const qint64 gap = position - m_size;
+    if (gap > bytesOf(kToleranceMs)) {
+        appendZeros(gap);
+    } else if (gap < -bytesOf(kToleranceMs)) {
+        const qint64 overlap = qMin(-gap, size);
+        data += data ? overlap : 0;
+        size -= overlap;
+    } else if (gap > bytesOf(kDriftMs)) {
+        write(data, frame);
+    } else if (gap < -bytesOf(kDriftMs)) {
+        data += data ? frame : 0;
+        size -= frame;
+    }
+    write(data, size);
 }
 
 void WavPartWriter::setEnd(qint64 endMs)
@@ -90,14 +110,19 @@ void WavPartWriter::close()
     if (!isOpen())
         return;
     if (m_end != kNoEnd)
-        resizeTo(qMax(m_end, m_soundEnd));
+        resizeTo(m_end);
     updateSizes();
     m_file.close();
 }
 
 qint64 WavPartWriter::bytesAt(qint64 ms) const
 {
-    return (ms - m_startMs) * m_format.sampleRate / 1000 * m_format.blockAlign;
+    return bytesOf(ms - m_startMs);
+}
+
+qint64 WavPartWriter::bytesOf(qint64 ms) const
+{
+    return ms * m_format.sampleRate / 1000 * m_format.blockAlign;
 }
 
 void WavPartWriter::resizeTo(qint64 size)
@@ -110,6 +135,15 @@ void WavPartWriter::resizeTo(qint64 size)
         else
             m_size = size;
     }
+}
+
+/// Null `data` means zeros.
+void WavPartWriter::write(const char *data, qint64 size)
+{
+    if (data)
+        append(data, size);
+    else
+        appendZeros(size);
 }
 
 void WavPartWriter::appendZeros(qint64 size)

@@ -26,7 +26,7 @@ SoundLevelView::SoundLevelView(EDataFlow flow, const Texts &texts, QWidget *pare
     , m_meter(new SoundLevelMeter(this))
     , m_icon(new QLabel(this))
     , m_note(new QLabel(this))
-    , m_monitor(flow)
+    , m_monitor(new SoundLevelMonitor(flow))
 {
     m_meter->setAccessibleName(texts.name);
     m_meter->setToolTip(texts.name);
@@ -46,11 +46,16 @@ SoundLevelView::SoundLevelView(EDataFlow flow, const Texts &texts, QWidget *pare
     setNote({}, false);
 }
 
+SoundLevelView::~SoundLevelView()
+{
+    m_monitor->endLater();
+}
+
 void SoundLevelView::setPlaybackLevel(const PlaybackLevel &level)
 {
     m_playbackLevel = level;
     m_lastSoundMs = m_clock.elapsed();
-    m_monitor.setListening(isVisible() && !m_playbackLevel);
+    m_monitor->setListening(isVisible() && !m_playbackLevel);
 }
 
 QString SoundLevelView::note() const
@@ -62,7 +67,7 @@ void SoundLevelView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     m_lastSoundMs = m_clock.elapsed();
-    m_monitor.setListening(!m_playbackLevel);
+    m_monitor->setListening(!m_playbackLevel);
     m_timer.start();
     refresh();
 }
@@ -71,7 +76,7 @@ void SoundLevelView::hideEvent(QHideEvent *event)
 {
     QWidget::hideEvent(event);
     m_timer.stop();
-    m_monitor.setListening(false);
+    m_monitor->setListening(false);
 }
 
 void SoundLevelView::refresh()
@@ -88,8 +93,8 @@ void SoundLevelView::refresh()
 
 void SoundLevelView::showDevice(qint64 nowMs)
 {
-    const SoundLevelMonitor::State state = m_monitor.state();
-    const float peak = m_monitor.takePeak();
+    const SoundLevelMonitor::State state = m_monitor->state();
+    const float peak = m_monitor->takePeak();
     if (peak >= kAudible || state != SoundLevelMonitor::State::Listening)
         m_lastSoundMs = nowMs;
     m_meter->setPeak(peak, nowMs);

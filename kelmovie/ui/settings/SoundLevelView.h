@@ -33,6 +33,7 @@ public:
     using PlaybackLevel = std::function<std::optional<float>()>;
 
     SoundLevelView(EDataFlow flow, const Texts &texts, QWidget *parent = nullptr);
+    ~SoundLevelView() override;
 
     /// Shows the playback level instead of what the device captures; an empty function switches back.
     void setPlaybackLevel(const PlaybackLevel &level);
@@ -52,7 +53,7 @@ private:
     SoundLevelMeter *const m_meter;
     QLabel *const m_icon;
     QLabel *const m_note;
-    SoundLevelMonitor m_monitor;
+    SoundLevelMonitor *const m_monitor;
     PlaybackLevel m_playbackLevel;
     QTimer m_timer;
     QElapsedTimer m_clock;

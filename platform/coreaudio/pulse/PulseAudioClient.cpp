@@ -76,7 +76,9 @@ HRESULT PulseAudioClient::Initialize(AUDCLNT_SHAREMODE mode, DWORD flags, REFERE
         return E_POINTER;
     if (m_stream)
         return AUDCLNT_E_ALREADY_INITIALIZED;
-    if (mode != AUDCLNT_SHAREMODE_SHARED || (flags & ~AUDCLNT_STREAMFLAGS_LOOPBACK) != 0)
+    constexpr DWORD supported =
+        AUDCLNT_STREAMFLAGS_LOOPBACK | AUDCLNT_STREAMFLAGS_AUTOCONVERTPCM | AUDCLNT_STREAMFLAGS_SRC_DEFAULT_QUALITY;
+    if (mode != AUDCLNT_SHAREMODE_SHARED || (flags & ~supported) != 0)
         return E_INVALIDARG;
     if ((m_flow == eRender) != ((flags & AUDCLNT_STREAMFLAGS_LOOPBACK) != 0))
         return AUDCLNT_E_WRONG_ENDPOINT_TYPE;

@@ -15,6 +15,7 @@ std::string text(const char *given)
 struct SourceReply {
     std::optional<PulseConnection::Source> source;
     std::string monitorOf;
+    std::string master; ///< the source that a virtual one is made from
 };
 
 void onSourceInfo(pa_context *, const pa_source_info *info, int, void *reply)
@@ -22,15 +23,16 @@ void onSourceInfo(pa_context *, const pa_source_info *info, int, void *reply)
     if (!info)
         return;
     auto &taken = *static_cast<SourceReply *>(reply);
-    taken.source = {text(info->name), info->sample_spec, info->channel_map};
+    taken.source = {text(info->name), info->sample_spec, info->channel_map, {}};
     taken.monitorOf = text(info->monitor_of_sink_name);
+    taken.master = text(pa_proplist_gets(info->proplist, PA_PROP_DEVICE_MASTER_DEVICE));
 }
 
 void onSinkInfo(pa_context *, const pa_sink_info *info, int, void *reply)
 {
     if (info && info->monitor_source_name)
-        *static_cast<std::optional<PulseConnection::Source> *>(reply) = {info->monitor_source_name, info->sample_spec,
-                                                                         info->channel_map};
+        *static_cast<std::optional<PulseConnection::Source> *>(reply) = {
+            info->monitor_source_name, info->sample_spec, info->channel_map, {}};
 }
 } // namespace
 
@@ -142,9 +144,15 @@ std::optional<PulseConnection::Source> PulseConnection::defaultMicrophone() cons
 {
     const Lock lock(*this);
     const Defaults names = defaults();
-    SourceReply reply;
-    if (!names.source.empty())
-        finish(pa_context_get_source_info_by_name(m_context, names.source.c_str(), onSourceInfo, &reply));
+    const auto find = [this](const std::string &name) {
+        SourceReply reply;
+        if (!name.empty())
+            finish(pa_context_get_source_info_by_name(m_context, name.c_str(), onSourceInfo, &reply));
+        return reply;
+    };
+    SourceReply reply = find(names.source);
+    if (reply.source)
+        reply.source->sink = find(reply.master).monitorOf;
     if (!reply.monitorOf.empty() && reply.monitorOf == names.sink)
         return std::nullopt;
     return reply.source;

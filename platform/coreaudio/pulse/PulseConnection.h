@@ -37,6 +37,7 @@ public:
         std::string name;
         pa_sample_spec format;
         pa_channel_map channels;
+        std::string sink; ///< the output whose sound a source without an own device provides; empty for other sources
     };
 
     /// Null when no server responds within a few seconds.

@@ -12,25 +12,31 @@ namespace
 // Short enough to detect a silence of a tenth of a second, long enough to keep the CPU load low.
 constexpr pa_usec_t kPacketUs = 40 * PA_USEC_PER_MSEC;
 
-/// How much slower than the system clock a device's clock may run.
-constexpr double kClockTolerance = 0.0003;
-constexpr double kGapUs = PA_USEC_PER_SEC;
+/// How often the server is asked for the time of the stream, and after which time without an answer packets wait for
+/// one.
+constexpr double kTimingIntervalUs = 250 * PA_USEC_PER_MSEC;
+constexpr double kTimingMaxAgeUs = 500 * PA_USEC_PER_MSEC;
+
+/// How far statements of the same time may differ.
+constexpr double kTimingJitterUs = 15 * PA_USEC_PER_MSEC;
 } // namespace
 
 std::shared_ptr<PulseRecordStream> PulseRecordStream::open(std::shared_ptr<PulseConnection> connection,
                                                            const PulseConnection::Source &source,
                                                            const pa_sample_spec &format)
 {
-    std::shared_ptr<PulseRecordStream> stream(new PulseRecordStream(std::move(connection), format));
+    std::shared_ptr<PulseRecordStream> stream(new PulseRecordStream(std::move(connection), format, source.sink));
     if (!stream->connect(source))
         return nullptr;
     return stream;
 }
 
-PulseRecordStream::PulseRecordStream(std::shared_ptr<PulseConnection> connection, const pa_sample_spec &format)
+PulseRecordStream::PulseRecordStream(std::shared_ptr<PulseConnection> connection, const pa_sample_spec &format,
+                                     const std::string &sink)
     : m_connection(std::move(connection))
     , m_format(format)
     , m_frameSize(std::uint32_t(pa_frame_size(&format)))
+    , m_sink(sink)
 {
 }
 
@@ -39,6 +45,10 @@ PulseRecordStream::~PulseRecordStream()
     if (!m_stream)
         return;
     const PulseConnection::Lock lock(*m_connection);
+    if (m_timingRequest) {
+        pa_operation_cancel(m_timingRequest);
+        pa_operation_unref(m_timingRequest);
+    }
     pa_stream_set_state_callback(m_stream, nullptr, nullptr);
     pa_stream_set_suspended_callback(m_stream, nullptr, nullptr);
     pa_stream_disconnect(m_stream);
@@ -56,7 +66,7 @@ bool PulseRecordStream::connect(const PulseConnection::Source &source)
         m_stream, [](pa_stream *, void *connection) { static_cast<PulseConnection *>(connection)->signal(); },
         m_connection.get());
     pa_stream_set_suspended_callback(
-        m_stream, [](pa_stream *, void *stream) { static_cast<PulseRecordStream *>(stream)->m_firstFrameUs = 0; },
+        m_stream, [](pa_stream *, void *stream) { static_cast<PulseRecordStream *>(stream)->m_firstFrameUs.reset(); },
         this);
     pa_buffer_attr buffer;
     buffer.maxlength = std::uint32_t(-1); // the maximum of the server, so that a slow disk loses no sound
@@ -97,6 +107,11 @@ std::uint32_t PulseRecordStream::bufferFrames() const
 PulseRecordStream::Packet PulseRecordStream::peek()
 {
     const PulseConnection::Lock lock(*m_connection);
+    const double nowUs = double(pa_rtclock_now());
+    if (!m_firstFrameUs || nowUs - m_timedAtUs > kTimingIntervalUs)
+        requestTiming();
+    if (!m_firstFrameUs || nowUs - m_timedAtUs > kTimingMaxAgeUs)
+        return {};
     const void *data = nullptr;
     std::size_t size = 0;
     if (pa_stream_get_state(m_stream) != PA_STREAM_READY || pa_stream_peek(m_stream, &data, &size) < 0 || size == 0)
@@ -110,24 +125,77 @@ PulseRecordStream::Packet PulseRecordStream::peek()
     }
     packet.data = static_cast<const std::uint8_t *>(data);
     packet.firstFrame = m_framesRead;
-    packet.recordedAtNs100 = recordedAtUs() * 10;
+    const double position = double(m_framesRead) * PA_USEC_PER_SEC / m_format.rate;
+    packet.recordedAtNs100 = std::uint64_t((*m_firstFrameUs + position) * 10);
     return packet;
 }
 
-/// The data in the buffer was recorded up to now, or earlier when its delivery was delayed. The device records at a
-/// constant rate, so the packets with the shortest delay determine the time of all others.
-std::uint64_t PulseRecordStream::recordedAtUs()
+void PulseRecordStream::requestTiming()
 {
-    const double now = double(pa_rtclock_now());
-    const double waiting = double(pa_bytes_to_usec(pa_stream_readable_size(m_stream), &m_format));
-    const double read = double(m_framesRead) * PA_USEC_PER_SEC / m_format.rate;
-    const double latest = now - waiting - read;
-    const double drift = double(kPacketUs) * kClockTolerance;
-    if (m_firstFrameUs == 0 || std::abs(latest - m_firstFrameUs) > kGapUs)
-        m_firstFrameUs = latest;
-    else
-        m_firstFrameUs = std::min(m_firstFrameUs + drift, latest);
-    return std::uint64_t(m_firstFrameUs + read);
+    if (m_timingRequest || pa_stream_get_state(m_stream) != PA_STREAM_READY)
+        return;
+    if (m_sink.empty()) {
+        requestStreamTiming();
+        return;
+    }
+    m_timingRequest = pa_context_get_sink_info_by_name(
+        m_connection->context(), m_sink.c_str(),
+        [](pa_context *, const pa_sink_info *info, int, void *stream) {
+            static_cast<PulseRecordStream *>(stream)->onSinkInfo(info);
+        },
+        this);
+}
+
+/// Called with the information, and then with null.
+void PulseRecordStream::onSinkInfo(const pa_sink_info *info)
+{
+    if (info) {
+        m_sinkLatencyUs = info->latency;
+        return;
+    }
+    pa_operation_unref(std::exchange(m_timingRequest, nullptr));
+    requestStreamTiming();
+}
+
+void PulseRecordStream::requestStreamTiming()
+{
+    m_timingRequest = pa_stream_update_timing_info(
+        m_stream,
+        [](pa_stream *, int isKnown, void *stream) { static_cast<PulseRecordStream *>(stream)->onTiming(isKnown); },
+        this);
+}
+
+/// When a packet arrives says little: server or recorder may have been held up, and then many arrive at once. The
+/// server knows how much it recorded until when.
+void PulseRecordStream::onTiming(bool isKnown)
+{
+    pa_operation_unref(std::exchange(m_timingRequest, nullptr));
+    const pa_timing_info *timing = isKnown ? pa_stream_get_timing_info(m_stream) : nullptr;
+    if (!timing)
+        return;
+    timeval now;
+    pa_gettimeofday(&now);
+    const double nowUs = double(pa_rtclock_now());
+    const double statementAgeUs = double(pa_timeval_diff(&now, &timing->timestamp));
+    const double recordedUs = double(pa_bytes_to_usec(std::uint64_t(timing->write_index), &m_format));
+    // Sound waits in the source before it is recorded. A monitor records what its output plays only later, which a
+    // virtual source made from it does not state.
+    const double delayUs = double(timing->source_usec) - double(timing->sink_usec) - double(m_sinkLatencyUs);
+    setTiming(nowUs - statementAgeUs - delayUs - recordedUs, nowUs);
+}
+
+/// A statement that differs from the time known so far has to be repeated. A server that was held up first makes one as
+/// if it had recorded nothing meanwhile, although it will deliver that sound, too.
+void PulseRecordStream::setTiming(double firstFrameUs, double nowUs)
+{
+    const auto isConfirmedBy = [firstFrameUs](const std::optional<double> &other) {
+        return other && std::abs(firstFrameUs - *other) < kTimingJitterUs;
+    };
+    if (isConfirmedBy(m_firstFrameUs) || isConfirmedBy(m_statedFirstFrameUs)) {
+        m_firstFrameUs = firstFrameUs;
+        m_timedAtUs = nowUs;
+    }
+    m_statedFirstFrameUs = firstFrameUs;
 }
 
 void PulseRecordStream::drop(std::uint32_t frames)

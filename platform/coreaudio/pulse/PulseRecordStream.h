@@ -4,13 +4,15 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace kel
 {
 
 /// A record stream of one source, initially stopped. It never moves to another source: it ends when its own vanishes.
-/// Used by one thread at a time.
+/// Used by one thread at a time. Only open() waits for the server, for a limited time.
 class PulseRecordStream
 {
 public:
@@ -37,23 +39,34 @@ public:
         std::uint64_t recordedAtNs100 = 0; ///< time of its first frame on the steady clock, in units of 100 ns
     };
 
-    /// The oldest packet that was not dropped yet; with 0 frames when there is none.
+    /// The oldest packet that was not dropped yet; with 0 frames when there is none whose time is known.
     Packet peek();
     void drop(std::uint32_t frames);
 
 private:
-    PulseRecordStream(std::shared_ptr<PulseConnection> connection, const pa_sample_spec &format);
+    PulseRecordStream(std::shared_ptr<PulseConnection> connection, const pa_sample_spec &format,
+                      const std::string &sink);
     bool connect(const PulseConnection::Source &source);
     bool setCorked(bool isCorked);
-    std::uint64_t recordedAtUs();
+    void requestTiming();
+    void onSinkInfo(const pa_sink_info *info);
+    void requestStreamTiming();
+    void onTiming(bool isKnown);
+    void setTiming(double firstFrameUs, double nowUs);
 
     const std::shared_ptr<PulseConnection> m_connection;
     const pa_sample_spec m_format;
     const std::uint32_t m_frameSize;
+    const std::string m_sink; // see PulseConnection::Source
     pa_stream *m_stream = nullptr;
     std::uint64_t m_framesRead = 0;
-    double m_firstFrameUs = 0;           // estimated time of the first frame, assuming no gaps; 0: unknown
     std::vector<std::uint8_t> m_silence; // the data of a gap in the stream
+
+    pa_operation *m_timingRequest = nullptr;    // null when none is under way
+    pa_usec_t m_sinkLatencyUs = 0;              // of m_sink
+    std::optional<double> m_firstFrameUs;       // time of the stream's first frame, as if there were no gaps
+    std::optional<double> m_statedFirstFrameUs; // what the server stated last
+    double m_timedAtUs = 0;                     // when m_firstFrameUs was last confirmed
 };
 
 } // namespace kel

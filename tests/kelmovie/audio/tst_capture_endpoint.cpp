@@ -1,12 +1,14 @@
 #include "audio/capture/KelSystemAudioRecord.h"
+#include "audio/capture/MicrophoneRecord.h"
 #include "kelmovie/support/SoundFile.h"
 #include "support/HostProgram.h"
 #include "support/Sound.h"
 
+#include <QAudioEncoderSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <mutex>
+#include <memory>
 
 using namespace kel;
 
@@ -36,22 +38,21 @@ void CaptureEndpointTest::records(EDataFlow flow, const QString &sink)
 {
     const QTemporaryDir directory;
     const QString path = directory.filePath("system_audio.wav");
-    CaptureDependencies dependencies;
-    dependencies.flow = flow;
-    std::mutex mutex;
     QStringList failures;
-    KelSystemAudioRecord record(
-        path,
-        [&](const QString &problem) {
-            const std::lock_guard lock(mutex);
-            failures << problem;
-        },
-        nullptr, dependencies);
-    QVERIFY(record.start());
+    const auto fail = [&](const QString &problem) { failures << problem; };
+    QAudioEncoderSettings settings;
+    settings.setSampleRate(44100);
+    settings.setChannelCount(2);
+    std::unique_ptr<SoundRecorder> record;
+    if (flow == eCapture)
+        record = std::make_unique<MicrophoneRecord>(settings, path, fail, nullptr);
+    else
+        record = std::make_unique<KelSystemAudioRecord>(path, fail, nullptr);
+    QVERIFY(record->start());
     const QByteArray tone = Sound::make(kToneSeconds, Sound::tone(kToneHz, 0.5), kRate).pcm16();
     const QStringList arguments{"--device=" + sink, "--format=s16le", QString("--rate=%1").arg(kRate), "--channels=2"};
     QVERIFY(HostProgram::run("pacat", arguments, tone).succeeded);
-    record.stopRecording();
+    record->stopRecording();
     QVERIFY2(failures.isEmpty(), qPrintable(failures.join("; ")));
 
     WavHeader header;

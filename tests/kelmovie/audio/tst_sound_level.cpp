@@ -97,7 +97,7 @@ void SoundLevelTest::listensOnlyOnRequest()
 void SoundLevelTest::lostDevice()
 {
     ScriptedAudioDevice device;
-    device.failing = "Start";
+    device.setFailing("Start");
     SoundLevelMonitor monitor(eRender, device.dependencies());
     monitor.setListening(true);
     QTRY_VERIFY_WITH_TIMEOUT(monitor.state() == SoundLevelMonitor::State::NoDevice, kWaitMs);

@@ -15,6 +15,7 @@ using namespace kel;
 namespace
 {
 constexpr float kAnySample = -1;
+constexpr int kWaitMs = 30'000;
 
 /// Records the scripted device into a temporary directory.
 class Session
@@ -74,6 +75,8 @@ private slots:
     void formats_data();
     void formats();
     void waitsForEvents();
+    void hangs_data();
+    void hangs();
     void refusesRepeatedCalls();
     void fullDiskKeepsRecordedSound();
     void headerIsCurrentWhileRecording();
@@ -103,6 +106,8 @@ void SystemAudioTest::soundKeepsItsTime_data()
     row("a late packet, then a pause", "stall 100, pause, play 50, resume, play 100");
     row("device replaced", "play 300, gone 1500, play 1500", 1);
     row("device gone, then a pause", "play 100, gone 1200, pause, gone 300, resume, gone 200, play 1500", 1);
+    row("device appears later", "gone 300, play 1500", 1);
+    row("device appears after a pause", "gone 300, pause, gone 50, resume, gone 200, pause, resume, play 1500", 1);
 }
 
 void SystemAudioTest::soundKeepsItsTime()
@@ -111,6 +116,8 @@ void SystemAudioTest::soundKeepsItsTime()
     QFETCH(int, failures);
     ScriptedAudioDevice device;
     Session session(device);
+    device.setMode(steps.first().startsWith("gone") ? ScriptedAudioDevice::Mode::Gone
+                                                    : ScriptedAudioDevice::Mode::Idle);
     QVERIFY(session.record->start());
     device.advance(0);
 
@@ -169,7 +176,7 @@ void SystemAudioTest::failsAt_data()
     row("Start", "W 启动音频客户端失败", 4);
 }
 
-/// The recording goes on, everything opened is released, and the failure is reported once. The next part tries again,
+/// The recording goes on, everything opened is released, and the failure is reported once. The device is tried again,
 /// and its sound keeps its time.
 void SystemAudioTest::failsAt()
 {
@@ -177,7 +184,7 @@ void SystemAudioTest::failsAt()
     QFETCH(int, released);
     LogCapture logged;
     ScriptedAudioDevice device;
-    device.failing = QTest::currentDataTag();
+    device.setFailing(QTest::currentDataTag());
     Session session(device);
     QVERIFY(session.record->start());
     QTRY_COMPARE(device.calls().filter("Release").size(), released);
@@ -185,18 +192,16 @@ void SystemAudioTest::failsAt()
     QCOMPARE(logged.take().join(';'), log);
     QVERIFY(session.record->isRecording());
 
-    device.advance(400, false);
-    session.record->pause();
-    device.failing.clear();
+    const qint64 startedAt = device.dependencies().nowMs();
+    device.advance(400);
+    device.setFailing({});
     device.setMode(ScriptedAudioDevice::Mode::Playing);
-    session.record->resume();
-    const qint64 resumedAt = device.dependencies().nowMs();
-    device.advance(200);
+    device.advance(1000);
     session.record->stopRecording();
     const QVector<float> sound = session.sound();
-    QCOMPARE(sound.size(), 600);
+    QCOMPARE(sound.size(), 1400);
     QCOMPARE(sound.at(399), 0.0F);
-    QCOMPARE(sound.at(400), float(resumedAt));
+    QCOMPARE(sound.last(), float(startedAt + 1399));
     QCOMPARE(session.failures().size(), 1);
 }
 
@@ -254,13 +259,51 @@ void SystemAudioTest::waitsForEvents()
     device.acceptsEvents = true;
     Session session(device);
     QVERIFY(session.record->start());
-    // Silence is written in steps of a tenth of a second while no event arrives.
-    QTRY_VERIFY(QFileInfo(session.partPath(0)).size() > WavHeader::kSize + 3 * 400);
+    QTRY_VERIFY_WITH_TIMEOUT(device.calls().contains("SetEventHandle"), kWaitMs);
+    // Silence is written while no event arrives.
+    device.advance(300, false);
+    QTRY_COMPARE_WITH_TIMEOUT(QFileInfo(session.partPath(0)).size(), WavHeader::kSize + 300 * qint64(sizeof(float)),
+                              kWaitMs);
     session.record->resume();
     session.record->pause();
     session.record->stopRecording();
     QVERIFY(device.calls().contains("SetEventHandle"));
     QVERIFY(device.calls().contains("Stop"));
+}
+
+void SystemAudioTest::hangs_data()
+{
+    const TestTable<int> row("heardMs");
+    row("when opened", 0);
+    row("while recording", 500);
+}
+
+/// The stop gives up a capture in a call that does not return. What was recorded stays as it is when the call returns.
+void SystemAudioTest::hangs()
+{
+    QFETCH(int, heardMs);
+    ScriptedAudioDevice device;
+    Session session(device);
+    device.setMode(heardMs > 0 ? ScriptedAudioDevice::Mode::Playing : ScriptedAudioDevice::Mode::Hung);
+    QVERIFY(session.record->start());
+    const QPointer<QThread> thread = session.record->findChild<QThread *>();
+    if (heardMs > 0)
+        device.advance(heardMs);
+    device.setMode(ScriptedAudioDevice::Mode::Hung);
+    QTRY_VERIFY_WITH_TIMEOUT(device.isHanging(), kWaitMs);
+    device.advance(200, false);
+    session.record->stopRecording();
+    QCOMPARE(session.failures(), QStringList{"the sound system does not respond; the last sound is missing"});
+    const QVector<float> sound = session.sound();
+    QCOMPARE(sound.size(), heardMs > 0 ? heardMs + 200 : 0);
+    if (heardMs > 0)
+        QCOMPARE(sound[heardMs - 1], sound[0] + float(heardMs - 1));
+    session.record.reset();
+
+    QVERIFY(thread && thread->isRunning());
+    device.setMode(ScriptedAudioDevice::Mode::Playing);
+    QTRY_VERIFY_WITH_TIMEOUT(!thread, kWaitMs);
+    QCOMPARE(session.sound(), sound);
 }
 
 void SystemAudioTest::refusesRepeatedCalls()

@@ -1,4 +1,3 @@
-#include "audio/capture/MicrophoneBackend.h"
 #include "facade/KelMultiTrackRecorder.h"
 #include "kelmovie/support/SoundFile.h"
 #include "record/KelRecordVoiceTrack.h"
@@ -9,7 +8,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <mutex>
 #include <tuple>
 
 using namespace kel;
@@ -38,7 +36,6 @@ class VoiceTrackTest : public QObject
 private slots:
     void recordsBothAcrossPauses();
     void startsAndStopsRepeatedly();
-    void detectsSilence();
     void continuesWithoutSound();
 };
 
@@ -124,46 +121,33 @@ void VoiceTrackTest::startsAndStopsRepeatedly()
     }
 }
 
-void VoiceTrackTest::detectsSilence()
-{
-    const QTemporaryDir directory;
-    const QString path = directory.filePath("sound.wav");
-    QVERIFY(!MicrophoneBackend::isSilent(path));
-    QVERIFY(Sound::make(0.0, Sound::tone(440, 1.0)).save(path, false) && !MicrophoneBackend::isSilent(path));
-    QVERIFY(Sound::make(3.0, Sound::tone(440, 0.0)).save(path, false) && MicrophoneBackend::isSilent(path));
-    QVERIFY(Sound::make(3.0, Sound::tone(440, 0.1, 2.9)).save(path, false) && !MicrophoneBackend::isSilent(path));
-}
-
 void VoiceTrackTest::continuesWithoutSound()
 {
-    std::mutex mutex;
     const auto failuresOf = [&](bool isMicrophone) {
         const QTemporaryDir directory;
         QStringList failures;
         {
             KelRecordVoiceTrack track(QRect(), directory.filePath("Voice"));
-            track.setFailureHandler([&](const QString &name, const QString &problem) {
-                const std::lock_guard lock(mutex);
-                failures << name + ": " + problem;
-            });
+            track.setFailureHandler(
+                [&](const QString &name, const QString &problem) { failures << name + ": " + problem; });
             track.setSystemAudioEnabled(!isMicrophone);
             track.setMicrophoneEnabled(isMicrophone);
             track.startRecording();
-            QTest::qWait(100);
+            if (!QTest::qWaitFor([&] { return !failures.isEmpty(); }, 30'000))
+                failures << "nothing was reported";
             track.stopRecording(1, 100);
         }
         return failures << QDir(directory.filePath("Voice")).entryList(QDir::Files);
     };
     {
         const EnvironmentChange noServer("PULSE_SERVER", "unix:/nonexistent/socket");
-        const QStringList failures = failuresOf(false);
-        QCOMPARE(failures.size(), 1);
-        QVERIFY2(failures[0].startsWith("System audio track: "), qPrintable(failures[0]));
+        QCOMPARE(failuresOf(false), QStringList{"System audio track: the sound system does not respond; "
+                                                "the sound output is recorded as soon as it does"});
     }
     QVERIFY(Tone::control({"set-default-source", "speakers.monitor"}));
     const QStringList failures = failuresOf(true);
     QVERIFY(Tone::control({"set-default-source", "microphone.monitor"}));
-    QCOMPARE(failures, QStringList{"Microphone track: there is no microphone"});
+    QVERIFY2(failures.first().startsWith("Microphone track: there is no microphone"), qPrintable(failures.first()));
 }
 
 QTEST_MAIN(VoiceTrackTest)

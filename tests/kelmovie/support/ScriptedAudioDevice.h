@@ -27,7 +27,8 @@ public:
         Playing,  ///< a packet every 10 ms
         Silenced, ///< the same, but the packets are flagged as silent
         Stalled,  ///< packets are made, but delivered only when this mode ends
-        Gone      ///< unplugged: every call fails
+        Gone,     ///< unplugged: every call fails
+        Hung      ///< calls do not return until this mode ends
     };
 
     ScriptedAudioDevice()
@@ -44,7 +45,6 @@ public:
 
     // Set before the capture starts.
     WAVEFORMATEXTENSIBLE mix{};
-    QString failing;            ///< the call that fails
     bool refusesInt16 = false;  ///< does not convert floats
     bool acceptsEvents = false; ///< and never sets the event
 
@@ -67,6 +67,21 @@ public:
     {
         const std::lock_guard lock(m_mutex);
         m_mode = mode;
+        m_changed.notify_all();
+    }
+
+    /// Whether the capture is in a call that does not return.
+    bool isHanging() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_hangingCalls > 0;
+    }
+
+    /// Has every call with this name fail; none if it is empty.
+    void setFailing(const QString &call)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_failing = call;
     }
 
     /// Advances the clock and waits until the capture has taken all packets; without a capture, only advances it.
@@ -95,9 +110,17 @@ private:
 
     HRESULT answer(const QString &call)
     {
-        const Lock lock(m_mutex);
+        std::unique_lock lock(m_mutex);
         m_calls << call;
-        return m_mode == Mode::Gone || call.startsWith("(") || (!failing.isEmpty() && call == failing) ? E_FAIL : S_OK;
+        waitWhileHung(lock);
+        return m_mode == Mode::Gone || call.startsWith("(") || call == m_failing ? E_FAIL : S_OK;
+    }
+
+    void waitWhileHung(std::unique_lock<std::mutex> &lock)
+    {
+        ++m_hangingCalls;
+        m_changed.wait(lock, [this] { return m_mode != Mode::Hung; });
+        --m_hangingCalls;
     }
 
     void rest()
@@ -110,7 +133,7 @@ private:
             m_changed.wait_for(lock, std::chrono::milliseconds(5), [this] { return m_nowMs < m_grantedMs; });
             return;
         }
-        if (m_mode == Mode::Playing || m_mode == Mode::Silenced || m_mode == Mode::Stalled)
+        if (m_isStarted && (m_mode == Mode::Playing || m_mode == Mode::Silenced || m_mode == Mode::Stalled))
             makePacket();
         m_nowMs += kStepMs;
     }
@@ -200,8 +223,22 @@ private:
             std::memcpy(*format, &device.mix, sizeof device.mix);
             return device.answer("GetMixFormat");
         }
-        HRESULT STDMETHODCALLTYPE Start() override { return device.answer("Start"); }
+        HRESULT STDMETHODCALLTYPE Start() override
+        {
+            const HRESULT result = device.answer("Start");
+            const Lock lock(device.m_mutex);
+            device.m_isStarted = SUCCEEDED(result);
+            return result;
+        }
         HRESULT STDMETHODCALLTYPE Stop() override { return device.answer("Stop"); }
+        ULONG STDMETHODCALLTYPE Release() override
+        {
+            {
+                const Lock lock(device.m_mutex);
+                device.m_isStarted = false;
+            }
+            return Object::Release();
+        }
         HRESULT STDMETHODCALLTYPE GetService(REFIID, void **object) override
         {
             *object = static_cast<IAudioCaptureClient *>(&device.m_capture);
@@ -229,7 +266,8 @@ private:
         using Object::Object;
         HRESULT STDMETHODCALLTYPE GetBuffer(BYTE **data, UINT32 *frames, DWORD *flags, UINT64 *, UINT64 *time) override
         {
-            const Lock lock(device.m_mutex);
+            std::unique_lock lock(device.m_mutex);
+            device.waitWhileHung(lock);
             *frames = 0;
             if (device.m_mode == Mode::Gone)
                 return AUDCLNT_E_DEVICE_INVALIDATED;
@@ -264,6 +302,9 @@ private:
     qint64 m_nowMs = 1'000'000;
     qint64 m_grantedMs = m_nowMs;
     bool m_isResting = false;
+    bool m_isStarted = false;
+    int m_hangingCalls = 0;
+    QString m_failing = "(none)";
     Mode m_mode = Mode::Idle;
     std::deque<Packet> m_packets;
     QStringList m_calls;

@@ -255,6 +255,14 @@ void DecoderFaultsTest::rejectedContents()
     QVERIFY(NumberedVideo::write(other, 2, {"-c:v", "ffv1"}));
     QVERIFY(!h264Decoder(other, h264Decoder::PreferH264DecodeParams(false)).isValid());
     QVERIFY(ffv1Decoder(other).isValid());
+
+    // The demuxer would allocate gigabytes for the samples that a few bytes state.
+    const QString fragments = m_dir.filePath("many_samples.mp4");
+    QVERIFY(NumberedVideo::write(fragments, 2, kRecorded + kFragmented));
+    QByteArray content = contentOf(fragments);
+    const int sampleCount = content.lastIndexOf("trun") + 8;
+    writeFile(fragments, content.replace(sampleCount, 4, QByteArray::fromHex("00100000")));
+    QVERIFY(!h264Decoder(fragments, h264Decoder::PreferH264DecodeParams(false)).isValid());
 }
 
 void DecoderFaultsTest::hugeFrames()

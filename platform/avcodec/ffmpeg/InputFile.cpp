@@ -1,7 +1,9 @@
 #include "avcodec/ffmpeg/InputFile.h"
 
 #include "avcodec/ffmpeg/AvLog.h"
+#include "avcodec/ffmpeg/Mp4SampleCount.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace av
@@ -13,6 +15,15 @@ FormatContext openContainer(const QString &path, const char *formats, QString *e
     // Pipes and devices would block, and directories confuse the demuxers.
     if (!QFileInfo(path).isFile()) {
         *error = QStringLiteral("not a regular file");
+        return nullptr;
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        *error = file.errorString();
+        return nullptr;
+    }
+    if (statedMp4Samples(file) > file.size()) {
+        *error = QStringLiteral("the file states more samples than it can hold");
         return nullptr;
     }
     AVDictionary *options = nullptr;

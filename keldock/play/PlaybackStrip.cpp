@@ -26,7 +26,7 @@ PlaybackStrip::PlaybackStrip(Player *player, QWidget *parent)
 void PlaybackStrip::connectTimeline()
 {
     PlayProgressBar *const bar = progressBar();
-    setDuration(m_player->clock().durationMs());
+    setDuration(m_player->durationMs());
     setPlayTime(m_player->positionMs());
     connect(m_player, &Player::positionChanged, this, &PlaybackStrip::setPlayTime);
     connect(m_player, &Player::playingChanged, this, &PlaybackStrip::setPlayButtonState);

@@ -1,5 +1,8 @@
 #include "export/ExportFrameMap.h"
 
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
+
 #include <KelMovie/KelExportRequest.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
@@ -14,50 +17,37 @@ namespace
 
 constexpr double kMaxOutputFrames = 1e15;
 
-/// The logic frame at `ms` of a recording. By default the product wraps at 32 bits for long recordings: kept for
-/// compatibility, so that a range always selects the same frames.
-int frameAtMs(int ms, const ExportFrameMap::Recording &recording, bool isExact)
-{
-    const int lastFrame = recording.totalFrames - 1;
-    const qint64 exact = qint64(ms) * lastFrame;
-    const qint64 product = isExact ? exact : qint32(quint32(exact));
-    return int(std::clamp<qint64>(product / recording.durationMs, 0, lastFrame));
-}
-
 } // namespace
 
-ExportFrameMap::ExportFrameMap(const Recording &recording, const Output &output)
+ExportFrameMap::ExportFrameMap(const RecordingTimeline &timeline, const Output &output)
+    : m_timeline(timeline)
+    , m_frameMs(1000.0 * output.speed / output.fps)
 {
-    Recording known = recording;
-    // Without metadata, the duration follows from the frames; the recording clock ticks at whole milliseconds.
-    if (known.durationMs < 1 && known.totalFrames > 1)
-        known.durationMs = qint64(known.totalFrames) * std::max(1000 / known.fps, 1);
-
-    int endFrame = known.totalFrames - 1;
-    qint64 spanMs = known.durationMs;
-    if (output.trimStartMs >= 0 && output.trimEndMs >= 0 && known.durationMs >= 1) {
-        m_startFrame = frameAtMs(output.trimStartMs, known, output.trimsLongRecordings);
-        endFrame = frameAtMs(output.trimEndMs, known, output.trimsLongRecordings);
-        spanMs = qint64(output.trimEndMs) - output.trimStartMs;
-        m_isRange = true;
-    }
-    m_frameSpan = endFrame - m_startFrame;
-    const double frames = double(spanMs) / output.speed * output.fps / 1000.0;
-    m_outputFrames = qint64(std::clamp(frames, 1.0, kMaxOutputFrames));
+    if (output.trimStartMs >= 0 && output.trimEndMs >= 0)
+        m_range = timeline.rangeOf(output.trimStartMs, output.trimEndMs, !output.trimsLongRecordings);
+    m_exported = m_range.value_or(timeline.whole());
+    const double spanMs = m_exported.endMs - m_exported.startMs;
+    m_outputFrames = qint64(std::clamp(spanMs / output.speed * output.fps / 1000.0, 1.0, kMaxOutputFrames));
 }
 
 ExportFrameMap ExportFrameMap::forExport(const KelPlaybackTrackManager &manager, const KelExportRequest &request)
 {
     return ExportFrameMap(
-        {manager.totalFrames(), manager.fps(), manager.durationMs()},
+        PlaybackInternals::engine(manager).tracks().timeline(),
         {request.fps, request.speed, request.trimStartMs, request.trimEndMs, manager.rules().trimsLongRecordings});
 }
 
 int ExportFrameMap::logicFrame(qint64 i) const
 {
-    const double position = m_outputFrames > 1 ? double(i) * m_frameSpan / double(m_outputFrames - 1) : 0.0;
-    const int offset = int(std::floor(position + 0.5));
-    return m_startFrame + std::max(std::min(offset, m_frameSpan), 0);
+    // Whatever the frame rate, the export begins and ends with the frames at which the range was cut.
+    const int first = m_exported.firstFrame;
+    const int last = std::max(m_exported.lastFrame, first);
+    if (i <= 0 || i >= m_outputFrames - 1)
+        return i <= 0 ? first : last;
+    if (m_timeline.hasTimes())
+        return std::clamp(m_timeline.frameAt(recordingMsAt(double(i) + 0.5)), first, last);
+    const double position = double(i) * (last - first) / double(m_outputFrames - 1);
+    return first + int(std::floor(position + 0.5));
 }
 
 } // namespace kel

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <QtGlobal>
+#include "recording/RecordingTimeline.h"
+
+#include <optional>
 
 class KelPlaybackTrackManager;
 struct KelExportRequest;
@@ -8,17 +10,11 @@ struct KelExportRequest;
 namespace kel
 {
 
-/// Converts ms to frames for an export: maps its output frames to logic frames. The logic frames of the range are
-/// spread evenly over the output frames; their number follows from the duration of the range, the playback speed and
-/// the output frame rate. Playback has PlaybackClock instead.
+/// Converts between output time and recording time for an export: the logic frame of each output frame, and the part of
+/// the sound. Playback has PlaybackClock instead.
 class ExportFrameMap
 {
 public:
-    struct Recording {
-        int totalFrames = 1; ///< at least 1
-        int fps = 25;        ///< logic frames per second, at least 1
-        qint64 durationMs = 0;
-    };
     struct Output {
         int fps = 25;       ///< at least 1
         double speed = 1.0; ///< above 0
@@ -27,23 +23,25 @@ public:
         bool trimsLongRecordings = false; ///< see KelPlaybackRules
     };
 
-    ExportFrameMap(const Recording &recording, const Output &output);
+    ExportFrameMap(const RecordingTimeline &timeline, const Output &output);
 
     static ExportFrameMap forExport(const KelPlaybackTrackManager &manager, const KelExportRequest &request);
 
     /// Number of output frames, at least 1; up to 1e15 at a very slow speed.
     qint64 outputFrames() const { return m_outputFrames; }
-    /// The logic frame that output frame `i` shows, counted from 0.
+    /// The logic frame that output frame `i` shows, counted from 0: the one that was on the screen in the middle of the
+    /// time for which it is shown. Without the times of the frames, they are spread evenly over the output frames.
     int logicFrame(qint64 i) const;
-    /// Whether only a range of the recording is exported: logic frames firstFrame() to lastFrame().
-    bool isRange() const { return m_isRange; }
-    int firstFrame() const { return m_startFrame; }
-    int lastFrame() const { return m_startFrame + m_frameSpan; }
+    /// What is exported; nothing for the whole recording.
+    const std::optional<RecordingTimeline::Range> &range() const { return m_range; }
 
 private:
-    bool m_isRange = false;
-    int m_startFrame = 0;
-    int m_frameSpan = 0;
+    double recordingMsAt(double outputFrame) const { return m_exported.startMs + outputFrame * m_frameMs; }
+
+    const RecordingTimeline m_timeline;
+    std::optional<RecordingTimeline::Range> m_range;
+    RecordingTimeline::Range m_exported; // *m_range, or the whole recording
+    const double m_frameMs;              // recording time per output frame
     qint64 m_outputFrames = 1;
 };
 

@@ -98,7 +98,7 @@ bool FrameExport::encodeRange(const QString &path, const KelExportDependencies &
         return m_log.fail(QStringLiteral("Failed to create encoder"), encoder.errorString());
     started();
     playback().setExporting(true);
-    playback().beginExport(m_request.speed, map.isRange() ? map.firstFrame() : -1, map.lastFrame());
+    playback().beginExport(m_request.speed, map.range());
     if (encodeFrames(encoder, map, canvas) && closeEncoder(encoder, map.outputFrames()))
         return true;
     keepFirstPart(encoder, path);

@@ -175,20 +175,17 @@ QString KelExportPipeline::Private::voiceDir() const
     return KelRecordingFiles::path(dir, KelRecordingFiles::kVoiceDir);
 }
 
-/// The part of the sound that belongs to the exported frames, from logic frames to ms. It starts with the first frame
-/// of the range, which may be a little before trimStartMs. A frame shows what has changed since the frame before, on
-/// average half a frame ago; starting the sound half a frame earlier therefore centers the A/V offset at zero.
+/// The part of the sound that belongs to the exported frames.
 KelExportSound::Range KelExportPipeline::Private::soundRange() const
 {
-    KelExportSound::Range range;
-    range.speed = request.speed;
-    if (request.trimStartMs >= 0 && request.trimEndMs >= 0) {
-        const int first = ExportFrameMap::forExport(*manager, request).firstFrame();
-        const double frameMs = double(manager->durationMs()) / manager->totalFrames();
-        range.startMs = std::max(0.0, (first - 0.5) * frameMs);
-        range.endMs = range.startMs + request.trimEndMs - request.trimStartMs;
+    KelExportSound::Range sound;
+    sound.speed = request.speed;
+    const ExportFrameMap map = ExportFrameMap::forExport(*manager, request);
+    if (const auto &range = map.range()) {
+        sound.startMs = range->soundStartMs;
+        sound.endMs = range->soundStartMs + range->endMs - range->startMs;
     }
-    return range;
+    return sound;
 }
 
 /// Moves the file to its destination on another thread: the destination may be on another disk, and slow.

@@ -98,7 +98,27 @@ int KelPlaybackTrackManager::fps() const
 
 qint64 KelPlaybackTrackManager::durationMs() const
 {
-    return d->metadata().durationMs;
+    return d->durationMs();
+}
+
+qint64 KelPlaybackTrackManager::lengthMs() const
+{
+    return d->tracks().timeline().durationMs();
+}
+
+int KelPlaybackTrackManager::frameAtMs(qint64 ms) const
+{
+    return d->tracks().timeline().frameAtPosition(ms);
+}
+
+qint64 KelPlaybackTrackManager::msOfFrame(int frame) const
+{
+    return d->tracks().timeline().positionOf(frame);
+}
+
+int KelPlaybackTrackManager::framesIn(qint64 ms) const
+{
+    return d->tracks().timeline().framesIn(ms);
 }
 
 double KelPlaybackTrackManager::speed() const
@@ -169,6 +189,11 @@ void KelPlaybackTrackManager::seek(int frame)
 void KelPlaybackTrackManager::seek(int frame, bool force)
 {
     d->seek(frame, force);
+}
+
+void KelPlaybackTrackManager::setTrimRange(qint64 startMs, qint64 endMs)
+{
+    d->setTrimRange(startMs, endMs);
 }
 
 void KelPlaybackTrackManager::setFrameAsPlayed(int frame)

@@ -64,8 +64,19 @@ public:
     int totalFrames() const;
     /// Logic frames per second, at least 1.
     int fps() const;
-    /// Recorded time without pauses in ms; 0 when the metadata does not contain it.
+    /// Recorded time without pauses in ms; 0 when the metadata does not contain it. If the recording was interrupted,
+    /// the time up to what was recorded last.
     qint64 durationMs() const;
+    /// Like durationMs(), but derived from the number of frames when the metadata does not contain it; above 0. A
+    /// slider for the position ends here.
+    qint64 lengthMs() const;
+    /// The frame that was on the screen at `ms` of the recording, clamped to the recording. The range of a
+    /// KelExportRequest selects frames the same way.
+    int frameAtMs(qint64 ms) const;
+    /// The first ms at which frameAtMs() returns `frame`, which is clamped to the recording.
+    qint64 msOfFrame(int frame) const;
+    /// How many frames `ms` of the recording have on average.
+    int framesIn(qint64 ms) const;
     /// Playback speed as a factor; 1.0 is the recorded speed.
     double speed() const;
     /// Wall-clock ms of the last playback up to the end; 0 before the first.
@@ -98,6 +109,9 @@ public:
     void seek(int frame);
     /// With `force`, clock and sound are set to `frame` even for a step so small that they could continue.
     void seek(int frame, bool force);
+    /// Has the time display show the position within a trim range in ms, as an export of that range will; below 0:
+    /// within the whole recording. Only with the rule timeFollowsRecording.
+    void setTrimRange(qint64 startMs, qint64 endMs);
     /// Moves all tracks but the sound to `frame` and starts the mouse effects that would still be running there if the
     /// recording had been played up to it. Emits nothing. A frame outside of the recording is ignored.
     void setFrameAsPlayed(int frame);

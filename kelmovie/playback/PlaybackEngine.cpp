@@ -22,7 +22,6 @@ constexpr double kMinSpeed = 0.1;
 constexpr double kMaxSpeed = 16.0;
 constexpr double kSkippingSpeed = 1.5;
 constexpr int kJumpFrames = 2;
-constexpr double kNegligibleMs = 20;
 
 // Above kSkippingSpeed only every n-th frame change is decoded. The count is shared by all managers and never reset.
 unsigned frameChanges = 0;
@@ -46,8 +45,8 @@ PlaybackEngine::PlaybackEngine(const QString &recordDir, bool preferHardwareDeco
     , m_metadata(loadMetadata(recordDir))
     , m_rules(rules)
     , m_tracks(recordDir, m_metadata, preferHardwareDecode, m_rules, m_dependencies, manager)
+    , m_clock(m_tracks.timeline())
 {
-    m_clock.fps = m_metadata.fps;
     m_timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_timer, &QTimer::timeout, manager, [this] { tick(); });
     if (voiceTrack())
@@ -66,21 +65,10 @@ bool PlaybackEngine::isJump(int frame) const
     return std::abs(frame - m_currentFrame) > kJumpFrames;
 }
 
-/// Position of a frame in the sound. It is derived from the duration because the recording clock may have ticked at
-/// another rate than the nominal one, while the sound was recorded in real time.
-double PlaybackEngine::audioMs(double frame) const
+/// Position of a frame in the sound, which was recorded in real time.
+double PlaybackEngine::audioMs(int frame) const
 {
-    return frame / m_tracks.totalFrames() * double(m_metadata.durationMs);
-}
-
-/// Ms of sound per ms of playback.
-double PlaybackEngine::audioRate() const
-{
-    const double nominalMs = m_tracks.totalFrames() * 1000.0 / m_clock.fps;
-    const auto durationMs = double(m_metadata.durationMs);
-    // Small differences are ignored, to avoid resampling.
-    const bool isNominal = durationMs <= 0 || std::abs(durationMs - nominalMs) <= kNegligibleMs;
-    return isNominal ? m_clock.speed : m_clock.speed * durationMs / nominalMs;
+    return m_tracks.timeline().isMeasured() ? m_tracks.timeline().msOf(frame) : 0.0;
 }
 
 void PlaybackEngine::restartClock()
@@ -91,7 +79,7 @@ void PlaybackEngine::restartClock()
 void PlaybackEngine::playSound()
 {
     if (voiceTrack())
-        voiceTrack()->play(audioMs(m_currentFrame), audioRate());
+        voiceTrack()->play(audioMs(m_currentFrame), m_clock.speed() * m_tracks.timeline().playbackRate());
 }
 
 void PlaybackEngine::tick()
@@ -100,25 +88,25 @@ void PlaybackEngine::tick()
         return;
     const qint64 now = m_dependencies.nowMs();
     const int previous = m_currentFrame;
-    m_currentFrame = m_clock.frameAt(now, m_tracks.totalFrames());
+    m_currentFrame = m_clock.frameAt(now);
     const bool changed = m_currentFrame != previous;
     if (changed)
         emit m_manager->sigFrameChanged(m_currentFrame);
     if (m_state != State::Playing)
         return; // the receiver paused or stopped
-    if (m_currentFrame >= m_tracks.totalFrames() - 1 && m_clock.isOver(now, m_tracks.totalFrames())) {
-        m_lastPlayDurationMs = now - m_clock.startMs;
+    if (m_currentFrame >= m_tracks.totalFrames() - 1 && m_clock.isOver(now)) {
+        m_lastPlayDurationMs = m_clock.elapsedMs(now);
         endPlay();
         return;
     }
     if (changed) {
         ++frameChanges;
-        const unsigned step = m_clock.speed > kSkippingSpeed ? unsigned(m_clock.speed) : 1U;
+        const unsigned step = m_clock.speed() > kSkippingSpeed ? unsigned(m_clock.speed()) : 1U;
         if (frameChanges % step == 0)
             seek(m_currentFrame, false);
     }
-    if (voiceTrack() && m_metadata.durationMs > 0)
-        voiceTrack()->synchronize(audioMs(m_clock.exactFrameAt(m_dependencies.nowMs())));
+    if (voiceTrack() && m_tracks.timeline().isMeasured())
+        voiceTrack()->synchronize(m_clock.recordingMsAt(m_dependencies.nowMs()));
 }
 
 void PlaybackEngine::endPlay()
@@ -177,13 +165,13 @@ void PlaybackEngine::setSpeed(double speed)
 {
     if (!std::isfinite(speed))
         return;
-    m_clock.speed = std::clamp(speed, kMinSpeed, kMaxSpeed);
-    m_tracks.countdown()->setSpeed(m_clock.speed);
+    m_clock.setSpeed(std::clamp(speed, kMinSpeed, kMaxSpeed));
+    m_tracks.countdown()->setSpeed(m_clock.speed());
     m_tracks.noteChange();
     restartClock();
     if (m_state == State::Playing)
         playSound();
-    emit m_manager->sigPlaybackSpeedChanged(m_clock.speed);
+    emit m_manager->sigPlaybackSpeedChanged(m_clock.speed());
 }
 
 void PlaybackEngine::seek(int frame, bool force)
@@ -243,11 +231,27 @@ int PlaybackEngine::failedFrames() const
     return m_tracks.screen() ? m_tracks.screen()->failedFrames() : 0;
 }
 
-void PlaybackEngine::beginExport(double speed, int first, int last)
+qint64 PlaybackEngine::durationMs() const
+{
+    return m_tracks.timeline().isMeasured() ? m_tracks.timeline().durationMs() : 0;
+}
+
+void PlaybackEngine::setTrimRange(qint64 startMs, qint64 endMs)
+{
+    if (!m_rules.timeFollowsRecording)
+        return;
+    m_trimRange.reset();
+    if (startMs >= 0 && endMs >= 0)
+        m_trimRange = m_tracks.timeline().rangeOf(startMs, endMs);
+    m_tracks.countdown()->setRange(m_trimRange);
+    m_tracks.noteChange();
+    emit m_manager->sigFrameChanged(m_currentFrame);
+}
+
+void PlaybackEngine::beginExport(double speed, const std::optional<RecordingTimeline::Range> &range)
 {
     m_tracks.countdown()->setSpeed(speed);
-    if (first >= 0)
-        m_tracks.countdown()->setRange(first, last);
+    m_tracks.countdown()->setRange(range);
     if (m_tracks.screen())
         m_tracks.screen()->keepFrame();
     m_tracks.resetEffects();
@@ -255,8 +259,8 @@ void PlaybackEngine::beginExport(double speed, int first, int last)
 
 void PlaybackEngine::endExport(int frame)
 {
-    m_tracks.countdown()->clearRange();
-    m_tracks.countdown()->setSpeed(m_clock.speed);
+    m_tracks.countdown()->setRange(m_trimRange);
+    m_tracks.countdown()->setSpeed(m_clock.speed());
     m_tracks.resetEffects();
     seek(frame, false);
     if (m_tracks.screen())

@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <optional>
 
 class KelPlaybackVoiceTrack;
 class QPainter;
@@ -39,7 +40,8 @@ public:
 
     State state() const { return m_state; }
     int currentFrame() const { return m_currentFrame; }
-    double speed() const { return m_clock.speed; }
+    double speed() const { return m_clock.speed(); }
+    qint64 durationMs() const;
     qint64 lastPlayDurationMs() const { return m_lastPlayDurationMs; }
 
     void play();
@@ -49,6 +51,7 @@ public:
     void seek(int frame, bool force);
     void paint(QPainter *painter);
     void updateSettings();
+    void setTrimRange(qint64 startMs, qint64 endMs);
 
     /// Moves all tracks but the sound and emits nothing.
     void setFrameSilently(int frame);
@@ -64,18 +67,16 @@ public:
     /// Set by an export while it works. A cancelled export leaves it set.
     void setExporting(bool on) { m_isExporting = on; }
     bool isExporting() const { return m_isExporting; }
-    /// From now on the progress overlay shows the time of an export at `speed`: within logic frames `first` to `last`,
-    /// or within the whole recording if `first` is -1. Ends all mouse effects. Keeps the present video frame, so that
-    /// endExport() need not decode it.
-    void beginExport(double speed, int first, int last);
+    /// From now on the progress overlay shows the time of an export at `speed`, within `range` or the whole recording.
+    /// Ends all mouse effects. Keeps the present video frame, so that endExport() need not decode it.
+    void beginExport(double speed, const std::optional<RecordingTimeline::Range> &range);
     /// Undoes beginExport() and seeks to `frame`.
     void endExport(int frame);
 
 private:
     bool holds(int frame) const { return frame >= 0 && frame < m_tracks.totalFrames(); }
     bool isJump(int frame) const;
-    double audioMs(double frame) const;
-    double audioRate() const;
+    double audioMs(int frame) const;
     void restartClock();
     void playSound();
     void tick();
@@ -90,6 +91,7 @@ private:
     const KelPlaybackRules m_rules;
     PlaybackTracks m_tracks;
     PlaybackClock m_clock;
+    std::optional<RecordingTimeline::Range> m_trimRange;
     int m_currentFrame = 0;
     bool m_isExporting = false;
     qint64 m_lastPlayDurationMs = 0;

@@ -2,6 +2,7 @@
 
 #include "logging/Log.h"
 #include "playback/PlaybackSettings.h"
+#include "playback/TimelineLoader.h"
 #include "playback/keys/KelPlaybackKeyboardTrack.h"
 #include "playback/mouse/KelPlaybackMouseTrack.h"
 #include "playback/tracks/KelPlaybackCountdownTrack.h"
@@ -39,7 +40,7 @@ PlaybackTracks::PlaybackTracks(const QString &recordDir, const KelRecordingMetad
         createMouse();
     if (metadata.systemAudio || metadata.microphoneAudio)
         createVoice(metadata, dependencies);
-    createCountdown(metadata);
+    createCountdown();
     if (metadata.keyboardTrack)
         createKeyboard();
     applySettings();
@@ -98,11 +99,11 @@ void PlaybackTracks::createVoice(const KelRecordingMetadata &metadata, const Kel
                                                           dependencies, m_manager));
 }
 
-void PlaybackTracks::createCountdown(const KelRecordingMetadata &metadata)
+void PlaybackTracks::createCountdown()
 {
     m_countdown = add(std::make_unique<KelPlaybackCountdownTrack>(m_recordDir, m_manager));
     m_countdown->setScale(m_pixelRatio);
-    m_countdown->setFps(metadata.fps);
+    m_countdown->setFps(timeline().fps());
     m_countdown->setArea(QRect(QPoint(), m_frameSize));
     m_countdown->setTotalFrames(totalFrames());
 }
@@ -132,7 +133,8 @@ void PlaybackTracks::createTimeline(const KelRecordingMetadata &metadata)
     } else {
         frames = m_screen->logicFrameCount();
     }
-    m_timeline = RecordingTimeline(frames, metadata.fps, metadata.durationMs);
+    const bool isIndexed = m_screen && m_screen->isIndexed();
+    m_timeline = loadTimeline(m_recordDir, metadata, frames, isIndexed);
 }
 
 QStringList PlaybackTracks::names() const

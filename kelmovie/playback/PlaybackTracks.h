@@ -72,7 +72,7 @@ private:
                       const KelPlaybackDependencies &dependencies);
     void createMouse();
     void createVoice(const KelRecordingMetadata &metadata, const KelPlaybackDependencies &dependencies);
-    void createCountdown(const KelRecordingMetadata &metadata);
+    void createCountdown();
     void createKeyboard();
     void createTimeline(const KelRecordingMetadata &metadata);
 

@@ -164,17 +164,17 @@ void PlaybackWindowTest::keys()
 {
     QFETCH(QString, keys);
     QFETCH(QString, state);
-    const int last = player()->clock().lastFrame();
+    const int last = player()->manager()->totalFrames() - 1;
     QVERIFY(last > 41);
     player()->seekToFrame(20);
     for (const QString &key : keys.split(' '))
         QTest::keySequence(m_window.get(), QKeySequence(key));
     player()->settle();
-    const RecordingClock &clock = player()->clock();
+    const KelPlaybackTrackManager &manager = *player()->manager();
     QCOMPARE(QString("%1 %2 %3 %4")
                  .arg(player()->frame())
-                 .arg(clock.frameAt(player()->rangeStartMs()))
-                 .arg(clock.frameAt(player()->rangeEndMs()))
+                 .arg(manager.frameAtMs(player()->rangeStartMs()))
+                 .arg(manager.frameAtMs(player()->rangeEndMs()))
                  .arg(player()->speed()),
              QString(state).replace("-1", QString::number(last)));
     QCOMPARE(player()->manager()->currentFrame(), player()->frame());
@@ -186,13 +186,13 @@ void PlaybackWindowTest::keys()
 
 void PlaybackWindowTest::playsTheRange()
 {
-    const RecordingClock &clock = player()->clock();
-    player()->setRange(clock.msOf(10), clock.msOf(20));
+    const KelPlaybackTrackManager &manager = *player()->manager();
+    player()->setRange(manager.msOfFrame(10), manager.msOfFrame(20));
     int first = 1000;
     int last = 0;
     connect(player(), &Player::positionChanged, this, [&](int ms) {
-        first = qMin(first, clock.frameAt(ms));
-        last = qMax(last, clock.frameAt(ms));
+        first = qMin(first, manager.frameAtMs(ms));
+        last = qMax(last, manager.frameAtMs(ms));
     });
     const QSignalSpy playing(player(), &Player::playingChanged);
     QTest::keyClick(m_window.get(), Qt::Key_Space);
@@ -216,7 +216,7 @@ void PlaybackWindowTest::scrubbingCombinesSeeks()
     QCOMPARE(seeks.count(), 0);
     emit bar->sigPlayTimeRelease();
     QCOMPARE(seeks.count(), 1);
-    QCOMPARE(player()->manager()->currentFrame(), player()->clock().frameAt(1990));
+    QCOMPARE(player()->manager()->currentFrame(), player()->manager()->frameAtMs(1990));
     QVERIFY2(player()->isPlaying(), "resumes after the drag");
 }
 
@@ -238,7 +238,7 @@ void PlaybackWindowTest::settingsChangeTheFrame()
 void PlaybackWindowTest::exportsTheRangeAtItsSpeed()
 {
     gKelMovieConfig.playbackEncodeFormat = 1;
-    const RecordingClock &clock = player()->clock();
+    const KelPlaybackTrackManager &manager = *player()->manager();
     player()->setRange(500, 1500);
     player()->setSpeed(2);
     player()->goToStart();
@@ -265,7 +265,7 @@ void PlaybackWindowTest::exportsTheRangeAtItsSpeed()
     QVERIFY2(qAbs(ms - 500) <= 1000 / kFps, qPrintable(QString::number(ms)));
     QCOMPARE(steps.first(), firstStep);
     QCOMPARE(steps.last(), lastStep);
-    QCOMPARE(player()->frame(), clock.frameAt(1500));
+    QCOMPARE(player()->frame(), manager.frameAtMs(1500));
     QVERIFY(m_window->findChild<NoticeBar *>()->text().contains("cut.gif was exported"));
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace
 {
@@ -11,13 +12,18 @@ namespace
 // The same as in the menu of PlaySpeedLabel.
 constexpr std::array<double, 8> kSpeeds{0.2, 0.5, 0.8, 1.0, 1.2, 1.5, 1.8, 2.0};
 
+int toInt(qint64 ms)
+{
+    return int(std::min<qint64>(ms, std::numeric_limits<int>::max()));
+}
+
 } // namespace
 
 Player::Player(KelPlaybackTrackManager *manager, QObject *parent)
     : QObject(parent)
     , m_manager(manager)
-    , m_clock(manager->totalFrames(), manager->fps(), manager->durationMs())
-    , m_rangeEndMs(m_clock.durationMs())
+    , m_durationMs(toInt(manager->lengthMs()))
+    , m_rangeEndMs(m_durationMs)
 {
     // Due immediately, but after input events that are already queued.
     m_seekTimer.setSingleShot(true);
@@ -38,6 +44,21 @@ int Player::frame() const
     return m_pendingFrame >= 0 ? m_pendingFrame : m_manager->currentFrame();
 }
 
+int Player::msOf(int frame) const
+{
+    return toInt(m_manager->msOfFrame(frame));
+}
+
+int Player::firstFrame() const
+{
+    return m_manager->frameAtMs(m_rangeStartMs);
+}
+
+int Player::lastFrame() const
+{
+    return m_manager->frameAtMs(m_rangeEndMs);
+}
+
 bool Player::isPlaying() const
 {
     return m_manager->state() == KelPlaybackTrackManager::Playing;
@@ -50,7 +71,7 @@ double Player::speed() const
 
 bool Player::isTrimmed() const
 {
-    return m_rangeStartMs > 0 || m_rangeEndMs < m_clock.durationMs();
+    return m_rangeStartMs > 0 || m_rangeEndMs < m_durationMs;
 }
 
 void Player::setPlaying(bool on)
@@ -69,7 +90,7 @@ void Player::setPlaying(bool on)
 
 void Player::seekToMs(int ms)
 {
-    seekToFrame(m_clock.frameAt(ms));
+    seekToFrame(m_manager->frameAtMs(ms));
 }
 
 void Player::seekToFrame(int frame)
@@ -86,7 +107,7 @@ void Player::stepFrames(int count)
 
 void Player::stepMs(int ms)
 {
-    seekToFrame(frame() + qRound(double(ms) * m_clock.lastFrame() / m_clock.durationMs()));
+    seekToFrame(frame() + m_manager->framesIn(ms));
 }
 
 void Player::beginScrub()
@@ -105,12 +126,13 @@ void Player::endScrub()
 
 void Player::setRange(int startMs, int endMs)
 {
-    startMs = std::clamp(startMs, 0, m_clock.durationMs());
-    endMs = std::clamp(endMs, startMs, m_clock.durationMs());
+    startMs = std::clamp(startMs, 0, m_durationMs);
+    endMs = std::clamp(endMs, startMs, m_durationMs);
     if (startMs == m_rangeStartMs && endMs == m_rangeEndMs)
         return;
     m_rangeStartMs = startMs;
     m_rangeEndMs = endMs;
+    m_manager->setTrimRange(isTrimmed() ? startMs : -1, isTrimmed() ? endMs : -1);
     emit rangeChanged(startMs, endMs);
     if (frame() < firstFrame() || frame() > lastFrame())
         seekToFrame(frame());
@@ -154,7 +176,7 @@ void Player::followFrame(int frame)
         return;
     }
     emit frameChanged();
-    emit positionChanged(m_clock.msOf(frame));
+    emit positionChanged(msOf(frame));
 }
 
 void Player::rewind()

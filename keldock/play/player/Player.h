@@ -1,7 +1,5 @@
 #pragma once
 
-#include "play/player/RecordingClock.h"
-
 #include <QObject>
 #include <QTimer>
 
@@ -18,11 +16,12 @@ public:
     explicit Player(KelPlaybackTrackManager *manager, QObject *parent = nullptr);
 
     KelPlaybackTrackManager *manager() const { return m_manager; }
-    const RecordingClock &clock() const { return m_clock; }
 
     /// The current frame, or the requested one while a seek is pending.
     int frame() const;
-    int positionMs() const { return m_clock.msOf(frame()); }
+    int positionMs() const { return msOf(frame()); }
+    /// Length of the recording, in which positions are.
+    int durationMs() const { return m_durationMs; }
     bool isPlaying() const;
     double speed() const;
 
@@ -55,7 +54,7 @@ public slots:
     void setRange(int startMs, int endMs);
     void trimStartHere();
     void trimEndHere();
-    void resetRange() { setRange(0, m_clock.durationMs()); }
+    void resetRange() { setRange(0, m_durationMs); }
 
     void setSpeed(double speed);
     void faster();
@@ -70,14 +69,15 @@ signals:
     void speedChanged(double speed);
 
 private:
-    int firstFrame() const { return m_clock.frameAt(m_rangeStartMs); }
-    int lastFrame() const { return m_clock.frameAt(m_rangeEndMs); }
+    int msOf(int frame) const;
+    int firstFrame() const;
+    int lastFrame() const;
     void followFrame(int frame);
     void rewind();
     void applySeek();
 
     KelPlaybackTrackManager *const m_manager;
-    const RecordingClock m_clock;
+    const int m_durationMs;
     QTimer m_seekTimer;
     int m_pendingFrame = -1; ///< -1: none
     int m_rangeStartMs = 0;

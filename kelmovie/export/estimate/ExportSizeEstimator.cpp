@@ -136,7 +136,7 @@ bool ExportSizeEstimator::open()
 void ExportSizeEstimator::planExcerpts()
 {
     m_map = std::make_unique<ExportFrameMap>(ExportFrameMap::forExport(*m_manager, m_request));
-    playback().beginExport(m_request.speed, m_map->isRange() ? m_map->firstFrame() : -1, m_map->lastFrame());
+    playback().beginExport(m_request.speed, m_map->range());
     const qint64 frames = m_map->outputFrames();
     const Plan plan = planOf(m_request.format);
     if (frames <= plan.excerpts * plan.frames) {

@@ -7,6 +7,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace kel;
 
@@ -57,13 +58,6 @@ bool KelPlaybackCountdownTrack::isVisible()
     return m_isEnabled;
 }
 
-void KelPlaybackCountdownTrack::setRange(int start, int end)
-{
-    m_isRangeMode = true;
-    m_rangeStart = start;
-    m_rangeEnd = end;
-}
-
 void KelPlaybackCountdownTrack::setBarColors(const QColor &played, const QColor &background)
 {
     m_barColor = played;
@@ -85,11 +79,22 @@ void KelPlaybackCountdownTrack::paint(QPainter *painter)
 /// Width of the played part of the bar, in logical pixels.
 int KelPlaybackCountdownTrack::playedWidth() const
 {
+    return int(m_area.width() * std::clamp(playedShare(), 0.0, 1.0));
+}
+
+double KelPlaybackCountdownTrack::playedShare() const
+{
+    const bool isEnd = m_currentFrame >= m_totalFrames - 1;
+    if (rules().timeFollowsRecording) {
+        const double ms = timeline().msOf(m_currentFrame);
+        const double step = std::max(m_barIntervalMs, 1);
+        return isEnd ? 1.0 : (ms - std::fmod(ms, step)) / double(timeline().durationMs());
+    }
     qint64 frame = m_currentFrame;
     const qint64 step = std::max<qint64>(1, qint64(m_barIntervalMs) * m_fps / 1000);
-    if (frame < m_totalFrames - 1)
+    if (!isEnd)
         frame -= frame % step;
-    return int(m_area.width() * std::clamp(double(frame) / m_totalFrames, 0.0, 1.0));
+    return double(frame) / m_totalFrames;
 }
 
 void KelPlaybackCountdownTrack::paintBar(QPainter &painter) const
@@ -110,19 +115,35 @@ void KelPlaybackCountdownTrack::paintBar(QPainter &painter) const
     painter.drawRoundedRect(bar, m_cornerRadius, m_cornerRadius);
 }
 
+/// At the playback speed.
+double KelPlaybackCountdownTrack::elapsedSeconds() const
+{
+    if (rules().timeFollowsRecording) {
+        const RecordingTimeline::Range range = m_range.value_or(timeline().whole());
+        const double ms = m_currentFrame >= range.lastFrame ? range.endMs : timeline().msOf(m_currentFrame);
+        return std::max(ms - range.startMs, 0.0) / 1000.0 / m_speed;
+    }
+    int elapsed = std::max(m_currentFrame, 0);
+    if (m_range)
+        elapsed = std::max(
+            std::max(std::min(m_currentFrame, m_range->lastFrame), m_range->firstFrame) - m_range->firstFrame, 0);
+    return double(elapsed) / (m_fps * m_speed);
+}
+
+double KelPlaybackCountdownTrack::totalSeconds() const
+{
+    if (rules().timeFollowsRecording) {
+        const RecordingTimeline::Range range = m_range.value_or(timeline().whole());
+        return (range.endMs - range.startMs) / 1000.0 / m_speed;
+    }
+    const int total = m_range ? m_range->lastFrame - m_range->firstFrame : m_totalFrames;
+    return double(total) / (m_fps * m_speed);
+}
+
 QString KelPlaybackCountdownTrack::timeText() const
 {
-    qint64 elapsed = std::max(m_currentFrame, 0);
-    qint64 total = m_totalFrames;
-    if (m_isRangeMode) {
-        elapsed = std::max(std::max(std::min(m_currentFrame, m_rangeEnd), m_rangeStart) - m_rangeStart, 0);
-        total = m_rangeEnd - m_rangeStart;
-    }
-    const double rate = m_fps * m_speed;
-    const auto elapsedSeconds = qint64(double(elapsed) / rate);
-    const auto totalSeconds = qint64(double(total) / rate);
-    return ClockText::hoursMinutesSeconds(elapsedSeconds) + QLatin1Char('/') +
-           ClockText::hoursMinutesSeconds(totalSeconds);
+    return ClockText::hoursMinutesSeconds(qint64(elapsedSeconds())) + QLatin1Char('/') +
+           ClockText::hoursMinutesSeconds(qint64(totalSeconds()));
 }
 
 void KelPlaybackCountdownTrack::paintTimeBox(QPainter &painter) const
@@ -133,11 +154,11 @@ void KelPlaybackCountdownTrack::paintTimeBox(QPainter &painter) const
     const QString text = timeText();
     const QSize textSize = QFontMetrics(font).size(Qt::TextSingleLine, text);
 
-    const int margin = m_isRangeMode ? 15 : 10;
+    const int margin = m_range ? 15 : 10;
     const QRect box(m_area.width() - margin - textSize.width() - kBoxPaddingX,
                     m_area.height() - margin - textSize.height() - kBoxPaddingY, textSize.width() + 2 * kBoxPaddingX,
                     textSize.height() + 2 * kBoxPaddingY);
-    const double defaultRadius = (m_isRangeMode ? 4 : 6) * m_scale;
+    const double defaultRadius = (m_range ? 4 : 6) * m_scale;
     const double radius = m_cornerRadius > 0 ? m_cornerRadius : defaultRadius;
 
     painter.setRenderHint(QPainter::Antialiasing);

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "playback/tracks/KelPlaybackTrack.h"
+#include "recording/RecordingTimeline.h"
 
 #include <QColor>
 #include <QRect>
+
+#include <optional>
 
 /// The layer that shows the position in the recording: a box with elapsed and total time in the bottom-right corner, or
 /// a bar along the bottom edge. It has no files.
@@ -36,9 +39,8 @@ public:
     /// The playback speed: the time box shows wall-clock time.
     void setSpeed(double speed) { m_speed = speed; }
 
-    /// The time box shows the position within logic frames `start` to `end`.
-    void setRange(int start, int end);
-    void clearRange() { m_isRangeMode = false; }
+    /// The time box shows the position within a range of the recording, or within all of it.
+    void setRange(const std::optional<kel::RecordingTimeline::Range> &range) { m_range = range; }
 
     /// A mode other than those of DisplayMode draws nothing.
     void setDisplayMode(int mode) { m_displayMode = mode; }
@@ -55,6 +57,9 @@ private:
     void paintBar(QPainter &painter) const;
     void paintTimeBox(QPainter &painter) const;
     int playedWidth() const;
+    double playedShare() const;
+    double elapsedSeconds() const;
+    double totalSeconds() const;
     QString timeText() const;
     QString visibleState() const;
 
@@ -65,9 +70,7 @@ private:
     int m_fps = 25;
     double m_speed = 1.0;
     QRect m_area;
-    bool m_isRangeMode = false;
-    int m_rangeStart = 0;
-    int m_rangeEnd = 0;
+    std::optional<kel::RecordingTimeline::Range> m_range;
     int m_displayMode = TimeBox;
     QColor m_barColor{0, 122, 255};
     QColor m_barBackground{200, 200, 200};

@@ -27,7 +27,8 @@ KelPlaybackScreenTrack::KelPlaybackScreenTrack(double devicePixelRatio, const QS
     , m_preferHardwareDecode(preferHardwareDecode)
 {
     setName(QStringLiteral("ScreenTrack"));
-    if (!readFrameIndex(directory, m_frameIndexes))
+    m_isIndexed = readFrameIndex(directory, m_frameIndexes);
+    if (!m_isIndexed)
         qCWarning(logPlayback) << "Failed to load frame indexes, will try to create default mapping";
     if (!chooseVideo())
         return;

@@ -31,6 +31,8 @@ public:
 
     /// Entries of the frame index table: the recording's number of logic frames.
     int logicFrameCount() const;
+    /// Whether there is a frame index table. If not, every video frame is a logic frame.
+    bool isIndexed() const { return m_isIndexed; }
     int videoFrameCount() const { return m_videoFrameCount; }
     /// Number of seeks so far whose video frame could not be decoded.
     int failedFrames() const { return m_failedFrames; }
@@ -79,6 +81,7 @@ private:
     int m_keptVideoFrame = -1;
     int m_prefetchedVideoFrame = -1; // the one in m_prefetched
     const bool m_preferHardwareDecode;
+    bool m_isIndexed = false;
     std::vector<int> m_frameIndexes;  // logic frame -> video frame
     std::future<QImage> m_prefetched; // declared last: its thread uses the decoder
 };

@@ -5,7 +5,7 @@
 
 using namespace kel;
 
-using Recording = ExportFrameMap::Recording;
+using Recording = RecordingTimeline;
 using Output = ExportFrameMap::Output;
 using Frames = QMap<int, int>; // output frame -> logic frame
 Q_DECLARE_METATYPE(Recording)
@@ -51,6 +51,15 @@ void ExportFrameMapTest::maps_data()
     row("32 bits wrap below zero", {108'001, 30, 3'600'000}, {25, 1.0, 0, 60'000}, 1'500, {{0, 0}, {1'499, 0}});
     row("long recording", {108'001, 30, 3'600'000}, {25, 1.0, 3'000'000, 3'060'000, true}, 1'500,
         {{0, 90'000}, {1'499, 91'800}});
+    // At 10 frames a second; two seconds were lost after the first.
+    std::vector<int> times;
+    for (int i = 1; i <= 20; ++i)
+        times.push_back(i * 100 + (i > 10 ? 2'000 : 0));
+    const RecordingTimeline lost(times, 10, 4'000);
+    row("times", lost, {10, 1.0}, 40,
+        {{0, 0}, {1, 1}, {9, 9}, {10, 9}, {19, 9}, {20, 10}, {29, 10}, {30, 10}, {31, 11}, {38, 18}, {39, 19}});
+    row("times, range", lost, {5, 2.0, 500, 3'500}, 7, {{0, 4}, {1, 9}, {2, 9}, {3, 9}, {4, 10}, {5, 10}, {6, 14}});
+    row("times, one output frame", lost, {1, 10.0, 500, 3'500}, 1, {{0, 4}});
     row("very slow", tenSeconds, {25, 1e-300}, 1'000'000'000'000'000, {{0, 0}, {1'000'000, 0}});
 }
 

@@ -241,7 +241,7 @@ void ExportPipelineTest::showsTimeWithinRange()
     reference.setArea(QRect(0, 0, 320, 120));
     reference.setScale(recording->metadata.pixelRatio);
     reference.setSpeed(0.5);
-    reference.setRange(25, 75);
+    reference.setRange(kel::RecordingTimeline::Range{25, 75, 0, 0, 0});
     request.speed = 0.5;
     request.trimStartMs = 1010; // of 4 s in 100 frames
     request.trimEndMs = 3040;

@@ -108,7 +108,7 @@ void PlaybackCountdownTrackTest::timeBox()
     track->setSpeed(speed);
     track->seekToFrame(frame);
     if (!range.isNull())
-        track->setRange(range.x(), range.y());
+        track->setRange(kel::RecordingTimeline::Range{range.x(), range.y(), 0, 0, 0});
     QCOMPARE(painted(*track), range.isNull() ? referenceBox(text, 1.5, 10, 9) : referenceBox(text, 1.5, 15, 6));
 }
 

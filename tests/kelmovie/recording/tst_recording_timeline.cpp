@@ -1,0 +1,117 @@
+#include "kelmovie/support/RecordingFixture.h"
+#include "playback/TimelineLoader.h"
+#include "recording/FrameTableWriter.h"
+#include "recording/KelRecordingFiles.h"
+
+#include "support/TestTable.h"
+
+#include <QtTest>
+
+using namespace kel;
+
+using Times = std::vector<qint64>;
+Q_DECLARE_METATYPE(Times)
+
+class RecordingTimelineTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void framesAreShownWhenTheyWereRecorded();
+    void conversionsAgree_data();
+    void conversionsAgree();
+    void loads_data();
+    void loads();
+};
+
+void RecordingTimelineTest::framesAreShownWhenTheyWereRecorded()
+{
+    const RecordingTimeline lost({33, 66, 165, 198}, 30, 250); // two ticks were lost
+    const std::vector<double> appearances{0, 49.5, 115.5, 181.5, 250};
+    for (int i = 0; i <= 4; ++i)
+        QCOMPARE(lost.msOf(i), appearances[std::size_t(i)]);
+    for (const auto &[ms, frame] :
+         {std::pair(-5, 0), {33, 0}, {66, 1}, {115, 1}, {116, 2}, {165, 2}, {198, 3}, {900, 3}})
+        QCOMPARE(lost.frameAt(ms), frame);
+    QCOMPARE(lost.frameAfter(58, 2.0), 2);
+    QCOMPARE(lost.elapsedAt(2, 0.5), qint64(231));
+    QCOMPARE(lost.msAfter(100, 2.0), 200.0);
+    QCOMPARE(lost.playbackRate(), 1.0);
+    QVERIFY(!lost.isOver(124, 2.0) && lost.isOver(125, 2.0));
+    QCOMPARE(lost.rangeOf(60, 170).firstFrame, 1);
+    QCOMPARE(lost.rangeOf(60, 170).lastFrame, 2);
+    QCOMPARE(lost.rangeOf(60, 170).soundStartMs, 60.0);
+}
+
+void RecordingTimelineTest::conversionsAgree_data()
+{
+    const TestTable<int, qint64, bool> row("frames", "durationMs", "hasTimes");
+    row("one frame", 1, 40, false);
+    row("one frame, times", 1, 40, true);
+    row("spread evenly", 997, 33'331, false);
+    row("times", 997, 33'331, true);
+    row("no duration", 250, 0, false);
+}
+
+void RecordingTimelineTest::conversionsAgree()
+{
+    QFETCH(int, frames);
+    QFETCH(qint64, durationMs);
+    QFETCH(bool, hasTimes);
+
+    std::vector<int> times;
+    for (int i = 0; i < frames; ++i)
+        times.push_back(int(durationMs * i / frames));
+    const RecordingTimeline timeline =
+        hasTimes ? RecordingTimeline(times, 30, durationMs) : RecordingTimeline(frames, 30, durationMs);
+    QCOMPARE(timeline.isMeasured(), durationMs > 0);
+    for (int i = 0; i < frames; ++i) {
+        QCOMPARE(timeline.frameAt(timeline.msOf(i)), i);
+        QCOMPARE(timeline.frameAtPosition(timeline.positionOf(i)), i);
+        QCOMPARE(timeline.frameAtPosition(timeline.positionOf(i) - 1), qMax(i - 1, 0));
+    }
+    QCOMPARE(timeline.msOf(frames), double(timeline.durationMs()));
+    QCOMPARE(timeline.frameAtPosition(timeline.durationMs()), frames - 1);
+}
+
+void RecordingTimelineTest::loads_data()
+{
+    // A recording of four frames at 25 a second.
+    const TestTable<Times, bool, qint64, qint64, double> row("times", "isComplete", "metadataMs", "durationMs",
+                                                             "lastAppearance");
+    row("no times", {}, true, 400, 400, 300);
+    row("times", {40, 80, 300, 340}, true, 400, 400, 320);
+    row("without duration", {40, 80, 300, 340}, true, 0, 340, 320);
+    row("more times than frames", {40, 80, 300, 340, 380}, true, 400, 400, 320);
+    row("too few", {40, 80, 300}, true, 400, 400, 300);
+    row("falling", {40, 80, 70, 340}, true, 400, 400, 300);
+    row("negative", {-40, 80, 70, 340}, true, 400, 400, 300);
+    row("behind the duration", {40, 80, 300, 401}, true, 400, 400, 300);
+    row("killed before the times", {40, 80}, false, 90, 200, 140);
+    row("killed before the index", {40, 80, 300, 340, 800}, false, 90, 840, 320);
+    row("killed, no times", {}, false, 90, 160, 120);
+    row("killed, metadata is last", {40, 80, 300, 340}, false, 2000, 2000, 320);
+}
+
+void RecordingTimelineTest::loads()
+{
+    QFETCH(Times, times);
+    QFETCH(bool, isComplete);
+    QFETCH(qint64, metadataMs);
+    QFETCH(qint64, durationMs);
+    QFETCH(double, lastAppearance);
+
+    RecordingFixture recording(4);
+    recording.metadata.complete = isComplete;
+    recording.metadata.durationMs = metadataMs;
+    FrameTableWriter file(KelRecordingFiles::frameTimesPath(recording.path()));
+    QVERIFY(times.empty() || file.update(times));
+    const RecordingTimeline timeline = loadTimeline(recording.path(), recording.metadata, 4, true);
+    QCOMPARE(timeline.totalFrames(), 4);
+    QCOMPARE(timeline.durationMs(), durationMs);
+    QCOMPARE(timeline.msOf(3), lastAppearance);
+    QVERIFY(!loadTimeline(recording.path(), recording.metadata, 4, false).hasTimes());
+}
+
+QTEST_APPLESS_MAIN(RecordingTimelineTest)
+#include "tst_recording_timeline.moc"

@@ -96,6 +96,8 @@ bool KelExportPipeline::Private::runExport()
         directory->filePath(isMp4() ? QStringLiteral("kel_temp_export_video.mp4") : output.fileName());
     if (!isMp4())
         return exportFrames(video) && placeFile(video);
+    for (const QString &soundProblem : PlaybackInternals::engine(*manager).soundProblems())
+        log.warn(soundProblem);
     // Before the frames are exported: the user may close the recording while the encoder finishes the file.
     KelExportSound sound(PlaybackInternals::engine(*manager).voiceTrack(), voiceDir(), soundRange(), directory->path());
     if (!exportFrames(video))
@@ -128,16 +130,17 @@ bool KelExportPipeline::Private::exportFrames(const QString &path)
 /// If the sound cannot be read, the export continues without it.
 bool KelExportPipeline::Private::mixAudio(KelExportSound &sound, const QString &video)
 {
+    const auto report = qScopeGuard([&] {
+        for (const QString &warning : sound.warnings())
+            log.warn(warning);
+    });
     const QString container = // selected by the suffix
         canMixInto(request.outputPath) ? QFileInfo(request.outputPath).suffix() : QStringLiteral("mp4");
     if (sound.isEmpty() && container == QLatin1String("mp4"))
         return placeFile(video);
     const QString mixed = directory->filePath(QLatin1String("kel_temp_export_mixed.") + container);
-    if (waitForMix(sound, video, mixed)) {
-        for (const QString &warning : sound.warnings())
-            log.warn(warning);
+    if (waitForMix(sound, video, mixed))
         return placeFile(mixed);
-    }
     if (progress.isCancelled())
         return false;
     // Not without sound: the video would not fit either, or replace a file that has its sound.
@@ -180,6 +183,8 @@ KelExportSound::Range KelExportPipeline::Private::soundRange() const
 {
     KelExportSound::Range sound;
     sound.speed = request.speed;
+    if (manager->durationMs() > 0)
+        sound.recordedMs = double(manager->durationMs());
     const ExportFrameMap map = ExportFrameMap::forExport(*manager, request);
     if (const auto &range = map.range()) {
         sound.startMs = range->soundStartMs;

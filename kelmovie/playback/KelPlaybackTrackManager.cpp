@@ -156,6 +156,11 @@ QStringList KelPlaybackTrackManager::trackNames() const
     return d->tracks().names();
 }
 
+QStringList KelPlaybackTrackManager::soundProblems() const
+{
+    return d->soundProblems();
+}
+
 bool KelPlaybackTrackManager::hasSound() const
 {
     return d->voiceTrack() != nullptr;

@@ -95,6 +95,8 @@ public:
     QStringList trackNames() const;
     /// Whether the recording has a track for sound.
     bool hasSound() const;
+    /// Why recorded sound cannot be played, a line in English for each reason; empty when all of it can.
+    QStringList soundProblems() const;
 
     /// Starts at the current frame, or resumes. Does nothing while playing.
     void play();

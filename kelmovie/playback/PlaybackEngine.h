@@ -36,6 +36,7 @@ public:
     const KelPlaybackRules &rules() const { return m_rules; }
     const PlaybackTracks &tracks() const { return m_tracks; }
     /// Null when no sound was recorded.
+    QStringList soundProblems() const { return m_tracks.soundProblems(); }
     KelPlaybackVoiceTrack *voiceTrack() const { return m_tracks.voice(); }
 
     State state() const { return m_state; }

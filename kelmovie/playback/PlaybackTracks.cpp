@@ -93,6 +93,7 @@ void PlaybackTracks::createVoice(const KelRecordingMetadata &metadata, const Kel
     const QString dir = KelRecordingFiles::path(m_recordDir, KelRecordingFiles::kVoiceDir);
     if (!QFileInfo(dir).isDir()) {
         qCWarning(logPlayback) << "Voice track enabled but directory not found:" << dir;
+        m_voiceProblem = QLatin1String("The recorded sound is missing: there is no directory ") + dir;
         return;
     }
     m_voice = add(std::make_unique<KelPlaybackVoiceTrack>(dir, metadata.systemAudio, metadata.microphoneAudio,
@@ -135,6 +136,11 @@ void PlaybackTracks::createTimeline(const KelRecordingMetadata &metadata)
     }
     const bool isIndexed = m_screen && m_screen->isIndexed();
     m_timeline = loadTimeline(m_recordDir, metadata, frames, isIndexed);
+}
+
+QStringList PlaybackTracks::soundProblems() const
+{
+    return m_voice ? m_voice->problems() : m_voiceProblem.isEmpty() ? QStringList() : QStringList(m_voiceProblem);
 }
 
 QStringList PlaybackTracks::names() const

@@ -38,6 +38,8 @@ public:
 
     /// Why the recording cannot be shown, as one English line; empty when it can.
     QString errorString() const { return m_errorString; }
+    /// Why recorded sound cannot be played, a line in English for each reason.
+    QStringList soundProblems() const;
     /// Times and number of the recording's logic frames.
     const RecordingTimeline &timeline() const { return m_timeline; }
     /// Logic frames of the recording, at least 1.
@@ -88,6 +90,7 @@ private:
     KelPlaybackCountdownTrack *m_countdown = nullptr;
     KelPlaybackKeyboardTrack *m_keyboard = nullptr;
     QString m_errorString;
+    QString m_voiceProblem;
     QSize m_frameSize;
     quint64 m_revision = 0;
 };

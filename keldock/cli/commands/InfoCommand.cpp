@@ -5,6 +5,8 @@
 #include "cli/terminal/Console.h"
 #include "common/Units.h"
 
+#include <KelMovie/KelPlaybackTrackManager.h>
+
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -40,6 +42,14 @@ QString state(const LoadedRecording &recording)
     if (!recording.metadata().complete)
         return QStringLiteral("interrupted, or still in progress; everything recorded so far can be played");
     return QStringLiteral("complete");
+}
+
+QString soundProblems(const LoadedRecording &recording)
+{
+    QString lines;
+    for (const QString &problem : recording.manager()->soundProblems())
+        lines += line("Sound", problem);
+    return lines;
 }
 
 QString sizeText(const QSize &size)
@@ -107,7 +117,7 @@ QString InfoCommand::asText(const LoadedRecording &recording)
            line("Video frames",
                 QStringLiteral("%1 of %2 pixels").arg(recording.videoFrames()).arg(sizeText(recording.pixels()))) +
            line("Tracks enabled", enabledTracks(metadata)) +
-           line("Tracks present", recording.tracksPresent().join(QLatin1String(", "))) +
+           line("Tracks present", recording.tracksPresent().join(QLatin1String(", "))) + soundProblems(recording) +
            line("Size", Units::bytes(recording.bytes())) + line("Format version", metadata.version);
 }
 
@@ -123,6 +133,7 @@ QString InfoCommand::asJson(const LoadedRecording &recording)
     object.insert(QStringLiteral("videoWidth"), recording.pixels().width());
     object.insert(QStringLiteral("videoHeight"), recording.pixels().height());
     object.insert(QStringLiteral("tracksPresent"), QJsonArray::fromStringList(recording.tracksPresent()));
+    object.insert(QStringLiteral("soundProblems"), QJsonArray::fromStringList(recording.manager()->soundProblems()));
     object.insert(QStringLiteral("bytes"), recording.bytes());
     return QString::fromUtf8(QJsonDocument(object).toJson());
 }

@@ -61,18 +61,34 @@ bool KelAmplifiedAudioPlayer::setSource(const QString &path)
         return fail(QStringLiteral("File path is empty"));
     if (!QFileInfo::exists(path))
         return fail(QStringLiteral("File does not exist: ") + path);
+    unload();
+    return loadWavFile(path);
+}
+
+bool KelAmplifiedAudioPlayer::setSource(std::unique_ptr<QIODevice> file)
+{
+    unload();
+    return takeFile(m_file.open(std::move(file)));
+}
+
+void KelAmplifiedAudioPlayer::unload()
+{
     stop();
     moveTo(0);
     closeDevice();
     m_gain.jumpToTarget();
     m_gain.resetLevel();
     m_isUnreadable = false;
-    return loadWavFile(path);
 }
 
 bool KelAmplifiedAudioPlayer::loadWavFile(const QString &path)
 {
-    if (!m_file.open(path))
+    return takeFile(m_file.open(path));
+}
+
+bool KelAmplifiedAudioPlayer::takeFile(bool isOpen)
+{
+    if (!isOpen)
         return fail(m_file.errorString());
     m_format = audioFormat(m_file.format());
     emit durationChanged(duration());

@@ -33,6 +33,8 @@ public:
     ~KelAmplifiedAudioPlayer() override;
 
     bool setSource(const QString &path);
+    /// Plays a WAV file in a device; false with its error if it is not open.
+    bool setSource(std::unique_ptr<QIODevice> file);
     void play();
     void pause();
     void stop();
@@ -67,7 +69,9 @@ public slots:
     void processAudioData();
 
 private:
+    void unload();
     bool loadWavFile(const QString &path);
+    bool takeFile(bool isOpen);
     bool openDevice();
     void closeDevice();
     void setPlaying(bool on);

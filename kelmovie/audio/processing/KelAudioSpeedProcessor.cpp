@@ -70,10 +70,15 @@ float convertFloatToInt16(const char *floats, qint64 count, float gain, float pe
     return peak;
 }
 
+bool isValid(double speed)
+{
+    return speed > 0.0 && !std::isinf(speed);
+}
+
 } // namespace
 
 struct KelAudioSpeedProcessor::WavFile {
-    QFile file;
+    QIODevice &file;
     qint64 dataBegin = 0;
     qint64 dataBytes = 0; ///< present in the file, whatever the header says
     quint32 sampleRate = 0;
@@ -97,15 +102,27 @@ bool KelAudioSpeedProcessor::processAudio(const QString &inputPath, double speed
     m_writeError.clear();
     if (inputPath.isEmpty() || outputPath.isEmpty())
         return fail(QStringLiteral("Input or output path is empty"));
-    if (!(speed > 0.0) || std::isinf(speed))
+    if (!isValid(speed))
         return fail(QStringLiteral("Invalid speed factor"));
     if (qFuzzyCompare(speed, 1.0)) {
         const bool isCopied = copy(inputPath, outputPath);
         emit processingFinished(isCopied);
         return isCopied;
     }
-    WavFile wav;
-    if (!readWavFile(inputPath, &wav))
+    QFile input(inputPath);
+    if (!input.open(QIODevice::ReadOnly))
+        return fail(QStringLiteral("Cannot open WAV file: ") + inputPath);
+    return processAudio(input, speed, outputPath);
+}
+
+bool KelAudioSpeedProcessor::processAudio(QIODevice &input, double speed, const QString &outputPath)
+{
+    m_errorMessage.clear();
+    m_writeError.clear();
+    if (!isValid(speed))
+        return fail(QStringLiteral("Invalid speed factor"));
+    WavFile wav{input};
+    if (!readWavFile(&wav))
         return false;
     const qint64 frames = wav.frameBytes() > 0 ? wav.dataBytes / wav.frameBytes() : 0;
     const SpeedFrameMap map(int(std::min<qint64>(frames, std::numeric_limits<int>::max())), speed);
@@ -134,12 +151,9 @@ bool KelAudioSpeedProcessor::copy(const QString &inputPath, const QString &outpu
 }
 
 /// Finds the samples without reading them. The format is read at its fixed offset in the header that the module writes.
-bool KelAudioSpeedProcessor::readWavFile(const QString &path, WavFile *wav)
+bool KelAudioSpeedProcessor::readWavFile(WavFile *wav)
 {
-    QFile &file = wav->file;
-    file.setFileName(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(QStringLiteral("Cannot open WAV file: ") + path);
+    QIODevice &file = wav->file;
     const QByteArray head = file.read(WavHeader::kSize);
     if (head.size() < WavHeader::kSize)
         return fail(QStringLiteral("Invalid WAV file: header too short"));
@@ -212,7 +226,7 @@ bool KelAudioSpeedProcessor::changeSpeed(WavFile &wav, const SpeedFrameMap &map,
         const int span = sources[size_t(count) - 1] - sources[0] + 1;
         in.resize(int(span * frameBytes));
         if (!wav.file.seek(wav.dataBegin + sources[0] * frameBytes) || wav.file.read(in.data(), in.size()) != in.size())
-            return fail(QStringLiteral("Cannot read WAV file: ") + wav.file.fileName());
+            return fail(QStringLiteral("Cannot read WAV file to its end"));
         gather(in.constData(), frameBytes, sources, count, out.data());
         const char *bytes = out.constData();
         qint64 size = count * frameBytes;

@@ -5,6 +5,7 @@
 
 #include <atomic>
 
+class QIODevice;
 class QSaveFile;
 namespace kel
 {
@@ -28,6 +29,9 @@ public:
     /// output is replaced only once the new one is complete. False on failure; errorMessage() says why.
     bool processAudio(const QString &inputPath, double speed, const QString &outputPath);
 
+    /// The same for a WAV file in an open device, which is closed. It is not copied at speed 1 either, but converted.
+    bool processAudio(QIODevice &input, double speed, const QString &outputPath);
+
     /// Empty unless the last run failed.
     QString errorMessage() const { return m_errorMessage; }
 
@@ -48,7 +52,7 @@ private:
     struct WavFile;
 
     bool copy(const QString &inputPath, const QString &outputPath);
-    bool readWavFile(const QString &path, WavFile *wav);
+    bool readWavFile(WavFile *wav);
     bool writeWavFile(const QString &path, WavFile &wav, const kel::SpeedFrameMap &map);
     bool changeSpeed(WavFile &wav, const kel::SpeedFrameMap &map, float *gain, QSaveFile &output);
     bool fail(const QString &message);

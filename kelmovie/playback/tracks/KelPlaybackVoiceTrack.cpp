@@ -4,8 +4,7 @@
 #include "logging/Log.h"
 #include "playback/tracks/KelPlaybackDependencies.h"
 #include "recording/KelRecordingFiles.h"
-#include "recording/wav/InterruptedSoundRepair.h"
-#include "recording/wav/SoundFiles.h"
+#include "recording/wav/RecordedSound.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,17 +35,17 @@ KelPlaybackVoiceTrack::KelPlaybackVoiceTrack(const QString &directory, bool syst
     , m_nowMs(dependencies.nowMs)
 {
     setName(QStringLiteral("VoiceTrack"));
-    repairInterruptedSound(directory);
-    if (systemAudio)
-        m_system.path = findSoundFile(directory, KelRecordingFiles::kSystemAudio);
-    if (microphone)
-        m_microphone.path = findSoundFile(directory, KelRecordingFiles::kMicrophone);
-    if (m_system.path.isEmpty() && m_microphone.path.isEmpty()) {
+    const auto files = [&](bool isWanted, QLatin1String source) {
+        return isWanted ? RecordedSound::files(directory, source) : QStringList();
+    };
+    const QStringList systemFiles = files(systemAudio, KelRecordingFiles::kSystemAudio);
+    const QStringList microphoneFiles = files(microphone, KelRecordingFiles::kMicrophone);
+    if (systemFiles.isEmpty() && microphoneFiles.isEmpty()) {
         setErrorString(QLatin1String("No audio WAV files found in: ") + directory);
         qCWarning(logPlayback).noquote() << "[KelPlaybackVoiceTrack]" << errorString();
     }
-    load(m_system, QStringLiteral("Failed to load system audio:"), dependencies);
-    load(m_microphone, QStringLiteral("Failed to load microphone audio:"), dependencies);
+    load(m_system, systemFiles, QStringLiteral("system audio"), dependencies);
+    load(m_microphone, microphoneFiles, QStringLiteral("microphone audio"), dependencies);
     if (m_system.player)
         connect(m_system.player, &KelAmplifiedAudioPlayer::positionChanged, this,
                 &KelPlaybackVoiceTrack::onSystemAudioPositionChanged);
@@ -60,13 +59,16 @@ KelPlaybackVoiceTrack::~KelPlaybackVoiceTrack()
     release();
 }
 
-void KelPlaybackVoiceTrack::load(Source &source, const QString &failure, const KelPlaybackDependencies &dependencies)
+void KelPlaybackVoiceTrack::load(Source &source, const QStringList &files, const QString &name,
+                                 const KelPlaybackDependencies &dependencies)
 {
-    if (source.path.isEmpty())
+    if (files.isEmpty())
         return;
     auto *player = new KelAmplifiedAudioPlayer(dependencies.createAudioSink, this);
-    if (!player->setSource(source.path)) {
-        qCWarning(logPlayback).noquote() << failure << player->errorString();
+    if (!player->setSource(std::make_unique<RecordedSound>(files))) {
+        qCWarning(logPlayback).noquote() << QStringLiteral("Failed to load %1: %2").arg(name, player->errorString());
+        source.problem =
+            QStringLiteral("The %1 cannot be played: %2: %3").arg(name, files.first(), player->errorString());
         delete player;
         return;
     }
@@ -204,6 +206,16 @@ void KelPlaybackVoiceTrack::onMicrophonePositionChanged(qint64 position)
     const bool isMaster = !m_system.isActive() || !m_system.player->isPlaying();
     if (isMaster && m_microphone.isActive() && m_microphone.player->isPlaying())
         m_lastSeekMs = position;
+}
+
+QStringList KelPlaybackVoiceTrack::problems() const
+{
+    QStringList problems;
+    for (const Source *source : {&m_system, &m_microphone}) {
+        if (!source->problem.isEmpty())
+            problems.append(source->problem);
+    }
+    return problems;
 }
 
 float KelPlaybackVoiceTrack::levelOf(const Source &source)

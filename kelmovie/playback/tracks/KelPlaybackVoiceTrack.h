@@ -4,6 +4,7 @@
 #include "playback/tracks/KelPlaybackTrack.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <array>
 #include <functional>
@@ -19,7 +20,7 @@ class KelPlaybackVoiceTrack : public KelPlaybackTrack
     Q_OBJECT
 
 public:
-    /// Loads the newest file of each source in `directory`.
+    /// Loads the newest sound of each source in `directory`.
     KelPlaybackVoiceTrack(const QString &directory, KelPlaybackTrackManager *manager);
     /// Loads only the given sources, with another sound device and clock.
     KelPlaybackVoiceTrack(const QString &directory, bool systemAudio, bool microphone,
@@ -68,6 +69,9 @@ public:
     double audibleSystemAudioGain() const { return audibleGain(m_system); }
     double audibleMicrophoneGain() const { return audibleGain(m_microphone); }
 
+    /// Why sources that were recorded cannot be played, a line in English for each.
+    QStringList problems() const;
+
     /// The level at which each source is being played, with its settings applied; 1.0 is full scale.
     float systemAudioLevel() const { return levelOf(m_system); }
     float microphoneLevel() const { return levelOf(m_microphone); }
@@ -82,7 +86,7 @@ public slots:
 
 private:
     struct Source {
-        QString path;
+        QString problem;                           ///< why its files cannot be played
         KelAmplifiedAudioPlayer *player = nullptr; ///< a QObject child; null when there is no file that can be played
         kel::AudioSync sync;
         bool isEnabled = true;
@@ -96,7 +100,8 @@ private:
     std::array<Source *, 2> sources() { return {&m_system, &m_microphone}; }
     static float levelOf(const Source &source);
     static double audibleGain(const Source &source);
-    void load(Source &source, const QString &failure, const KelPlaybackDependencies &dependencies);
+    void load(Source &source, const QStringList &files, const QString &name,
+              const KelPlaybackDependencies &dependencies);
     void start(Source &source, double ms);
     void onDeviceFailed();
     void setEnabled(Source &source, bool on);

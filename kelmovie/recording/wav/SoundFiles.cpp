@@ -1,12 +1,9 @@
 #include "recording/wav/SoundFiles.h"
 
-#include "recording/KelRecordingFiles.h"
-
 #include <QDir>
 #include <QFileInfo>
+#include <QMap>
 #include <QRegularExpression>
-
-#include <algorithm>
 
 namespace kel
 {
@@ -22,33 +19,30 @@ QString soundPartPath(const QString &soundFile, int number)
     return path.insert(soundFile.lastIndexOf(QLatin1Char('.')), QStringLiteral("_part%1").arg(number));
 }
 
-QString findSoundFile(const QString &voiceDir, QLatin1String source)
+StoredSound findSound(const QString &voiceDir, QLatin1String source)
 {
-    const QDir dir(voiceDir);
-    const QStringList files = dir.entryList({source + QLatin1String("*.wav")}, QDir::Files, QDir::Time);
-    const auto isPart = [](const QString &file) { return file.contains(QLatin1String("_part")); };
-    const auto whole = std::find_if_not(files.begin(), files.end(), isPart);
-    if (whole != files.end())
-        return dir.filePath(*whole);
-    const auto isFirstPart = [](const QString &file) { return file.endsWith(QLatin1String("_part0.wav")); };
-    const auto first = std::find_if(files.begin(), files.end(), isFirstPart);
-    return first != files.end() ? dir.filePath(*first) : QString();
-}
-
-QMap<QString, QMap<int, QString>> findSoundParts(const QString &voiceDir)
-{
-    static const QRegularExpression partName(QStringLiteral("^((?:%1|%2)_.*)_part(\\d{1,6})\\.wav$")
-                                                 .arg(KelRecordingFiles::kSystemAudio, KelRecordingFiles::kMicrophone));
-    QMap<QString, QMap<int, QString>> parts;
-    const QFileInfoList files = QDir(voiceDir).entryInfoList({QStringLiteral("*_part*.wav")}, QDir::Files);
+    static const QRegularExpression partName(QStringLiteral("^(.*)_part(\\d{1,6})\\.wav$"));
+    // Links, pipes and others are listed as well: opening them says what they are.
+    const QFileInfoList files =
+        QDir(voiceDir).entryInfoList({source + QLatin1String("*.wav")}, QDir::Files | QDir::System, QDir::Time);
+    QString chosen;
+    StoredSound sound;
+    QMap<int, QString> parts;
     for (const QFileInfo &file : files) {
-        const QRegularExpressionMatch match = partName.match(file.fileName());
-        if (match.hasMatch()) {
-            const QString soundFile = voiceDir + QLatin1Char('/') + match.captured(1) + QLatin1String(".wav");
-            parts[soundFile].insert(match.captured(2).toInt(), file.filePath());
-        }
+        const QRegularExpressionMatch part = partName.match(file.fileName());
+        const QString name = part.hasMatch() ? part.captured(1) : file.completeBaseName();
+        if (chosen.isNull())
+            chosen = name;
+        if (name != chosen)
+            continue;
+        if (part.hasMatch())
+            parts.insert(part.captured(2).toInt(), file.filePath());
+        else
+            sound.whole = file.filePath();
     }
-    return parts;
+    sound.parts = parts.values();
+    sound.hasFirstPart = parts.contains(0);
+    return sound;
 }
 
 QStringList remainingParts(const QString &soundFile)

@@ -2,7 +2,6 @@
 
 #include <QDateTime>
 #include <QLatin1String>
-#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -19,12 +18,15 @@ QString soundFilePath(const QString &voiceDir, QLatin1String source, const QDate
 /// Part `number` of the sound file `soundFile`.
 QString soundPartPath(const QString &soundFile, int number);
 
-/// The file in `voiceDir` that holds a source: the newest complete one or, in a recording that was interrupted before
-/// its parts were joined, the first part. Empty when there is none.
-QString findSoundFile(const QString &voiceDir, QLatin1String source);
+/// What is on disk of the sound of a source.
+struct StoredSound {
+    QString whole;             ///< the sound file; empty when there is none
+    QStringList parts;         ///< its parts, or those of a sound file that does not exist, ordered by number
+    bool hasFirstPart = false; ///< part 0 is among them
+};
 
-/// Every part in `voiceDir`, whether or not its sound file exists: paths by sound file and part number.
-QMap<QString, QMap<int, QString>> findSoundParts(const QString &voiceDir);
+/// Finds the newest sound of a source in `voiceDir`.
+StoredSound findSound(const QString &voiceDir, QLatin1String source);
 
 /// Names of the parts of `soundFile` on disk.
 QStringList remainingParts(const QString &soundFile);

@@ -23,14 +23,19 @@ public:
     /// Whether a chunk of odd size is followed by a padding byte: RIFF demands it, but not every writer adds one.
     enum class Padding { None, ToEvenSize };
 
-    /// The first chunk is the one behind the RIFF header. `file` outlives this object.
-    WavChunks(QIODevice &file, Padding padding);
+    static constexpr int kHeaderSize = 8;
+    static constexpr int kFirst = 12; ///< behind the RIFF header
+
+    /// The first chunk begins at byte `first`. `file` outlives this object.
+    WavChunks(QIODevice &file, Padding padding, qint64 first = kFirst);
 
     /// Moves to the next chunk and the file to its content. False after the last chunk and after kMaxChunks.
     bool next();
 
     bool isFormat() const { return m_header.startsWith("fmt "); }
     bool isData() const { return m_header.startsWith("data"); }
+    /// Whether the name is one that a chunk can have: four printable characters.
+    bool hasName() const;
 
     /// Where the content begins in the file.
     qint64 offset() const { return m_offset; }

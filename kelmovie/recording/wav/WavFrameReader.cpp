@@ -3,11 +3,13 @@
 #include "recording/wav/WavChunks.h"
 #include "recording/wav/WavHeader.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace kel
 {
@@ -25,10 +27,19 @@ constexpr quint32 kMaxRate = 10'000'000; // Hz; keeps every product of a rate an
 bool WavFrameReader::open(const QString &path)
 {
     close();
-    m_file.setFileName(path);
+    auto file = std::make_unique<QFile>(path);
     // Opening a pipe would block until its other end is opened.
-    if (!QFileInfo(path).isFile() || !m_file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(path).isFile() || !file->open(QIODevice::ReadOnly))
         return fail(QStringLiteral("Failed to open file: ") + path);
+    return open(std::move(file));
+}
+
+bool WavFrameReader::open(std::unique_ptr<QIODevice> file)
+{
+    close();
+    if (!file->isOpen())
+        return fail(file->errorString());
+    m_file = std::move(file);
     if (!findSamples()) {
         close();
         return false;
@@ -39,7 +50,7 @@ bool WavFrameReader::open(const QString &path)
 
 void WavFrameReader::close()
 {
-    m_file.close();
+    m_file.reset();
     m_format = Format();
     m_dataStart = m_dataSize = m_frameCount = 0;
     m_window.clear();
@@ -53,15 +64,15 @@ qint64 WavFrameReader::durationMs() const
 
 bool WavFrameReader::findSamples()
 {
-    const QByteArray riff = m_file.read(kRiffHeaderSize);
+    const QByteArray riff = m_file->read(kRiffHeaderSize);
     if (riff.size() != kRiffHeaderSize || !WavHeader::isRiffWave(riff.constData()))
         return fail(QStringLiteral("Invalid WAV file: RIFF header not found"));
     const bool isUnfinished = qFromLittleEndian<quint32>(riff.constData() + 4) == 0;
 
-    const qint64 fileSize = m_file.size();
+    const qint64 fileSize = m_file->size();
     bool hasFormat = false;
     bool hasData = false;
-    WavChunks chunks(m_file, WavChunks::Padding::None);
+    WavChunks chunks(*m_file, WavChunks::Padding::None);
     while (!(hasFormat && hasData) && chunks.next()) {
         if (chunks.isFormat()) {
             if (!readFormat(chunks.size()))
@@ -83,7 +94,7 @@ bool WavFrameReader::findSamples()
 
 bool WavFrameReader::readFormat(quint32 size)
 {
-    const QByteArray fmt = m_file.read(std::min<qint64>(size, kFmtSize));
+    const QByteArray fmt = m_file->read(std::min<qint64>(size, kFmtSize));
     if (fmt.size() < kFmtSize)
         return fail(QStringLiteral("Invalid WAV file: fmt chunk too small"));
     return setFormat(qFromLittleEndian<quint16>(fmt.constData()), qFromLittleEndian<quint16>(fmt.constData() + 2),
@@ -114,8 +125,8 @@ const char *WavFrameReader::frame(qint64 index)
     if (index < m_windowFirst || index >= m_windowFirst + m_windowFrames) {
         const qint64 frames = std::min(std::max<qint64>(kReadSize / size, 1), m_frameCount - index);
         m_window.resize(int(frames * size));
-        const bool isFound = m_file.seek(m_dataStart + index * size);
-        const qint64 got = isFound ? m_file.read(m_window.data(), m_window.size()) : 0;
+        const bool isFound = m_file->seek(m_dataStart + index * size);
+        const qint64 got = isFound ? m_file->read(m_window.data(), m_window.size()) : 0;
         m_windowFirst = index;
         m_windowFrames = std::max<qint64>(got, 0) / size;
         if (m_windowFrames == 0)

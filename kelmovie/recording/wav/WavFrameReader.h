@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QByteArray>
-#include <QFile>
+#include <QIODevice>
 #include <QString>
+
+#include <memory>
 
 namespace kel
 {
@@ -23,9 +25,11 @@ public:
 
     /// False when the file cannot be played; errorString() says why.
     bool open(const QString &path);
+    /// The same for a WAV file in an open device.
+    bool open(std::unique_ptr<QIODevice> file);
     void close();
 
-    bool isOpen() const { return m_file.isOpen(); }
+    bool isOpen() const { return m_file != nullptr; }
     QString errorString() const { return m_errorString; }
     const Format &format() const { return m_format; }
     int frameBytes() const { return m_format.frameBytes(); }
@@ -42,7 +46,7 @@ private:
     bool setFormat(int tag, quint32 channels, quint32 rate, int bits);
     bool fail(const QString &text);
 
-    QFile m_file;
+    std::unique_ptr<QIODevice> m_file;
     QString m_errorString;
     Format m_format;
     qint64 m_dataStart = 0;

@@ -1,13 +1,18 @@
 #include "recording/wav/WavPartMerger.h"
 
+#include "files/PrivateFile.h"
+#include "files/RenameOver.h"
 #include "logging/Log.h"
+#include "recording/FileWriting.h"
 #include "recording/wav/SoundFiles.h"
 #include "recording/wav/WavHeader.h"
-#include "recording/wav/WavPartReader.h"
+#include "recording/wav/WavReader.h"
 
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace kel
 {
@@ -42,7 +47,8 @@ public:
     Merger(const QString &output, const Messages &messages, const QList<WavPartTime> &times = {})
         : m_messages(messages)
         , m_times(times)
-        , m_output(output)
+        , m_outputPath(output)
+        , m_output(output + QLatin1String(".tmp"))
     {
     }
 
@@ -50,26 +56,30 @@ public:
     QString problem() const { return m_problem; }
 
 private:
-    bool isLate(const QString &part) const;
+    bool isComplete(const QString &part) const;
     void rename(const QString &part);
     void join(const QStringList &parts);
     bool begin(const QStringList &parts);
-    bool join(const QString &path, const WavPartTime &time);
-    bool add(WavPartReader &part, const WavPartTime &time);
-    bool copyData(WavPartReader &part, qint64 size);
-    bool addSilenceFor(const WavPartTime &time);
+    bool append(const QString &path, const WavPartTime &time);
+    bool add(WavReader &part, const WavPartTime &time);
+    bool copyData(WavReader &part, qint64 size);
     bool addSilence(qint64 size);
+    bool write(const QByteArray &sound);
+    bool finish();
     qint64 wholeFrames(qint64 size) const;
     qint64 bytesOf(qint64 ms) const;
+    void removeParts();
     void checkOutput();
     void keepProblem(const QString &problem);
 
     const Messages m_messages;
     const QList<WavPartTime> m_times;
-    QFile m_output;
+    const QString m_outputPath;
+    PrivateFile m_output; ///< becomes the output when it is complete
     WavHeader m_header;
     QByteArray m_fmtChunk;
     qint64 m_total = 0;
+    QStringList m_joined; ///< parts whose sound is in m_output
     QString m_problem;
 };
 
@@ -79,115 +89,125 @@ void Merger::merge(const QStringList &parts)
         qCWarning(logRecording) << "没有分段文件需要合并";
         return;
     }
-    if (parts.size() == 1 && !isLate(parts.first()))
+    if (parts.size() == 1 && isComplete(parts.first()))
         rename(parts.first());
     else
         join(parts);
     checkOutput();
 }
 
-/// Whether the part is noticeably shorter than its recorded time.
-bool Merger::isLate(const QString &path) const
+/// Whether the part can be the output as it is: it begins like all our files, and is not noticeably shorter than its
+/// recorded time. Nothing could be improved in a file without a usable header.
+bool Merger::isComplete(const QString &path) const
 {
     const WavPartTime time = m_times.value(0);
-    WavPartReader part(path);
-    return time.durationMs > 0 && part.open() && part.header().byteRate > 0 &&
-           part.dataSize() * 1000 / part.header().byteRate < time.durationMs + time.surplusMs - kAudibleMs;
+    WavReader part;
+    if (!part.open(path) || !part.isIntact())
+        return true;
+    const bool isLate = time.durationMs > 0 && part.header().byteRate > 0 &&
+                        part.dataSize() * 1000 / part.header().byteRate < time.durationMs + time.surplusMs - kAudibleMs;
+    return part.isCanonical() && !isLate;
 }
 
 void Merger::rename(const QString &part)
 {
     QFile file(part);
-    if (file.rename(m_output.fileName()))
+    if (file.rename(m_outputPath))
         return;
-    qCWarning(logRecording) << m_messages.cannotRename << part << "到" << m_output.fileName();
+    qCWarning(logRecording) << m_messages.cannotRename << part << "到" << m_outputPath;
     if (file.exists())
-        keepProblem(QStringLiteral("the sound stays in %1: %2").arg(part, file.errorString()));
+        keepProblem(file.errorString());
 }
 
+/// All or nothing: the parts stay until the output is complete.
 void Merger::join(const QStringList &parts)
 {
-    if (!m_output.open(QIODevice::ReadWrite | QIODevice::Truncate)) {
-        qCWarning(logRecording) << m_messages.cannotOpenOutput << m_output.fileName();
-        keepProblem(QStringLiteral("the sound stays in its parts, cannot write %1: %2")
-                        .arg(m_output.fileName(), m_output.errorString()));
+    if (!m_output.open(QIODevice::ReadWrite | QIODevice::Truncate | QIODevice::Unbuffered)) {
+        qCWarning(logRecording) << m_messages.cannotOpenOutput << m_outputPath;
+        keepProblem(m_output.errorString());
         return;
     }
-    if (!begin(parts)) {
-        m_output.remove();
-        return;
-    }
-    for (int i = 0; i < parts.size(); ++i) {
-        if (!join(parts[i], m_times.value(i)))
-            break;
-    }
-    WavHeader::writeSizes(m_output, m_total);
+    bool isWritten = begin(parts);
+    for (int i = 0; i < parts.size() && isWritten; ++i)
+        isWritten = append(parts[i], m_times.value(i));
+    isWritten = isWritten && finish();
     m_output.close();
+    if (isWritten)
+        removeParts();
+    else
+        QFile::remove(m_output.fileName());
 }
 
 /// Takes the format of the output from the first part that has one.
 bool Merger::begin(const QStringList &parts)
 {
     for (const QString &path : parts) {
-        WavPartReader part(path);
-        if (!part.open() || !part.hasHeader())
+        WavReader part;
+        if (!part.open(path) || !part.hasHeader())
             continue;
         m_header = part.header();
         m_fmtChunk = part.fmtChunk();
-        if (m_output.write(m_header.toBytes()) == WavHeader::kSize)
+        if (writeAll(m_output, m_header.toBytes()))
             return true;
-        keepProblem(QStringLiteral("the sound stays in its parts, cannot write %1: %2")
-                        .arg(m_output.fileName(), m_output.errorString()));
+        keepProblem(m_output.errorString());
         return false;
     }
     for (const QString &path : parts)
-        qCWarning(logRecording) << (QFileInfo(path).exists() ? "首分段头部读取失败:" : m_messages.cannotOpenPart)
+        qCWarning(logRecording) << (QFileInfo::exists(path) ? "首分段头部读取失败:" : m_messages.cannotOpenPart)
                                 << path;
-    keepProblem(QStringLiteral("no part of %1 states the format of its sound").arg(m_output.fileName()));
+    keepProblem(QStringLiteral("no part states the format of its sound"));
     return false;
 }
 
-/// False when the output cannot be written.
-bool Merger::join(const QString &path, const WavPartTime &time)
+/// Puts silence in place of an unusable part.
+bool Merger::append(const QString &path, const WavPartTime &time)
 {
-    WavPartReader part(path);
-    if (!part.open()) {
+    WavReader part;
+    const bool isOpen = part.open(path);
+    const bool isUsable = isOpen && !part.isTooShort();
+    if (!isOpen)
         qCWarning(logRecording) << m_messages.cannotOpenPart << path;
-        if (QFileInfo::exists(path))
-            keepProblem(QStringLiteral("cannot read %1: %2").arg(path, part.errorString()));
-        return addSilenceFor(time);
-    }
-    if (part.isTooShort()) {
+    else if (!isUsable)
         qCWarning(logRecording) << m_messages.partTooShort << path;
-        return addSilenceFor(time);
-    }
-    if (part.hasHeader() && part.fmtChunk() != m_fmtChunk)
+    else if (part.hasHeader() && part.fmtChunk() != m_fmtChunk)
         qCWarning(logRecording) << m_messages.formatDiffers;
-
-    const qint64 before = m_total;
-    // The sizes include the part before it is deleted, so that a crash cannot lose its sound.
-    if (!add(part, time) || !WavHeader::writeSizes(m_output, m_total) || !m_output.flush()) {
-        keepProblem(QStringLiteral("the sound from %1 on stays in its parts, cannot write %2: %3")
-                        .arg(path, m_output.fileName(), m_output.errorString()));
-        m_total = before;
-        m_output.resize(WavHeader::kSize + m_total);
+    if (!(isUsable ? add(part, time) : addSilence(bytesOf(time.durationMs)))) {
+        keepProblem(m_output.errorString());
         return false;
     }
-    if (part.hasReadError()) {
+    if (isUsable && part.hasReadError()) {
         keepProblem(QStringLiteral("cannot read all of %1: %2").arg(path, part.errorString()));
-        return true;
+        return false;
     }
-    part.close();
-    if (!QFile::remove(path))
-        qCWarning(logRecording) << m_messages.cannotDelete << path;
+    if (isUsable)
+        m_joined.append(path);
     return true;
 }
 
-/// Adds silence for the time before the sound began and for what is missing at its end.
-bool Merger::add(WavPartReader &part, const WavPartTime &time)
+bool Merger::finish()
 {
-    if (!m_output.seek(WavHeader::kSize + m_total))
-        return false;
+    QString problem;
+    if (!WavHeader::writeSizes(m_output, m_total))
+        problem = m_output.errorString();
+    m_output.close();
+    if (problem.isEmpty())
+        problem = renameOver(m_output.fileName(), m_outputPath);
+    keepProblem(problem);
+    return problem.isEmpty();
+}
+
+/// The first part goes last: while it is there, readers compare the parts with the output.
+void Merger::removeParts()
+{
+    std::for_each(m_joined.crbegin(), m_joined.crend(), [&](const QString &part) {
+        if (!QFile::remove(part))
+            qCWarning(logRecording) << m_messages.cannotDelete << part;
+    });
+}
+
+/// Adds silence for the time before the sound began and for what is missing at its end.
+bool Merger::add(WavReader &part, const WavPartTime &time)
+{
     const qint64 size = qMax(qint64(0), wholeFrames(part.dataSize()) - bytesOf(time.surplusMs));
     const qint64 missing = qMax(qint64(0), bytesOf(time.durationMs) - size);
     const qint64 late = qMin(missing, bytesOf(time.lateMs));
@@ -200,15 +220,6 @@ qint64 Merger::wholeFrames(qint64 size) const
     return size - size % qMax<qint64>(1, m_header.blockAlign);
 }
 
-/// Replaces an unusable part by silence.
-bool Merger::addSilenceFor(const WavPartTime &time)
-{
-    if (m_output.seek(WavHeader::kSize + m_total) && addSilence(bytesOf(time.durationMs)))
-        return true;
-    keepProblem(QStringLiteral("cannot write %1: %2").arg(m_output.fileName(), m_output.errorString()));
-    return false;
-}
-
 qint64 Merger::bytesOf(qint64 ms) const
 {
     return wholeFrames(ms * m_header.byteRate / 1000);
@@ -216,35 +227,36 @@ qint64 Merger::bytesOf(qint64 ms) const
 
 bool Merger::addSilence(qint64 size)
 {
-    const QByteArray zeros(int(qMin(size, kBlockSize)), '\0');
-    while (size > 0) {
-        const qint64 written = m_output.write(zeros.constData(), qMin(size, kBlockSize));
-        if (written <= 0)
+    for (qint64 added = 0; added < size; added += kBlockSize) {
+        if (!write(QByteArray(int(qMin(kBlockSize, size - added)), '\0')))
             return false;
-        size -= written;
-        m_total += written;
     }
     return true;
 }
 
 /// Stops early when the part cannot be read to its end; false when the output cannot be written.
-bool Merger::copyData(WavPartReader &part, qint64 size)
+bool Merger::copyData(WavReader &part, qint64 size)
 {
     for (qint64 copied = 0; copied < size;) {
         const QByteArray bytes = part.read(qMin(kBlockSize, size - copied));
         if (bytes.isEmpty())
             return true;
-        if (m_output.write(bytes) != bytes.size())
+        if (!write(bytes))
             return false;
         copied += bytes.size();
-        m_total += bytes.size();
     }
     return true;
 }
 
+bool Merger::write(const QByteArray &sound)
+{
+    m_total += sound.size();
+    return writeAll(m_output, sound);
+}
+
 void Merger::checkOutput()
 {
-    const QString path = m_output.fileName();
+    const QString &path = m_outputPath;
     if (QFileInfo(path).size() <= WavHeader::kSize) {
         qCWarning(logRecording) << m_messages.outputInvalid << path;
         return;
@@ -258,8 +270,9 @@ void Merger::checkOutput()
 
 void Merger::keepProblem(const QString &problem)
 {
-    if (m_problem.isEmpty())
-        m_problem = problem;
+    if (m_problem.isEmpty() && !problem.isEmpty())
+        m_problem = QStringLiteral("its parts, which are played one after the other, could not be joined to %1: %2")
+                        .arg(m_outputPath, problem);
 }
 
 void reportLeftovers(const QString &output)

@@ -14,11 +14,13 @@ struct WavPartTime {
     qint64 surplusMs = 0;  ///< recorded beyond its end, to be dropped
 };
 
-/// Joins the parts of a recording, in order, into `output`, and deletes each part once its sound is in there. A part
-/// that cannot be read is skipped and kept. A single part is renamed.
+/// Joins the parts of a recording, in order, into `output`. A part that cannot be opened is skipped and kept. A single
+/// part is renamed if it begins with the 44 bytes of WavHeader.
 ///
-/// Every problem is logged. Returns, in English, the first problem that lost sound or left parts behind; empty if there
-/// was none. After a crash or on a full disk, every sound is in the output or in a part that still exists.
+/// The output appears when it is complete; only then are the parts deleted. If that fails, for example on a full disk,
+/// or the process dies, the parts are whole, and RecordedSound reads them where they are.
+///
+/// Every problem is logged. Returns, in English, why the parts were not joined; empty if they were. Any thread.
 QString mergePartFiles(const QStringList &parts, const QString &output);
 
 /// The same for the microphone, which starts with a delay: silence fills what is missing from the duration of each

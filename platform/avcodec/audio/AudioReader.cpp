@@ -48,7 +48,13 @@ bool AudioReader::open(const AudioTrack &track, QString *error)
     }
     m_packet.reset(av_packet_alloc());
     m_frame.reset(av_frame_alloc());
-    m_format = openInput(track.path, kFormats, error);
+    if (track.device) {
+        m_device = track.device;
+        m_input = readerOf(*m_device);
+        m_format = openInput(m_input.get(), "wav", error);
+    } else {
+        m_format = openInput(track.path, kFormats, error);
+    }
     if (!m_format || !openDecoder(error) || !openResampler(error))
         return false;
     setRange(track);

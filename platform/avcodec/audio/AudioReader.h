@@ -2,10 +2,12 @@
 
 #include "avcodec/ffmpeg/AvHandles.h"
 
+#include <QSharedPointer>
 #include <QString>
 
 #include <vector>
 
+class QIODevice;
 struct AudioTrack;
 
 namespace av
@@ -37,6 +39,8 @@ private:
     bool decode();
     void resample(const AVFrame *frame);
 
+    QSharedPointer<QIODevice> m_device; ///< null when a file is read
+    IoContext m_input;                  ///< reads m_device
     FormatContext m_format;
     AVStream *m_stream = nullptr; // owned by m_format
     CodecContext m_decoder;

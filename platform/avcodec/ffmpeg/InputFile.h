@@ -4,6 +4,8 @@
 
 #include <QString>
 
+class QIODevice;
+
 namespace av
 {
 
@@ -14,5 +16,11 @@ FormatContext openContainer(const QString &path, const char *formats, QString *e
 /// The same, and also determines stream parameters that the container does not state, for which it may read and decode
 /// some packets.
 FormatContext openInput(const QString &path, const char *formats, QString *error);
+
+/// Gives demuxers access to an open device from its start; the device outlives it. Null without memory.
+IoContext readerOf(QIODevice &device);
+
+/// openInput() for a file in a device, whose reader outlives the result.
+FormatContext openInput(AVIOContext *reader, const char *formats, QString *error);
 
 } // namespace av

@@ -7,12 +7,14 @@
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 #include "support/EnvironmentChange.h"
 #include "support/FileSizeLimit.h"
+#include "support/Files.h"
 #include "support/Sound.h"
 
 #include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelMovieUI.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
+#include <QProcess>
 #include <QtTest>
 
 using namespace kel;
@@ -46,6 +48,8 @@ private slots:
     void hasSound();
     void matchesPlayback_data();
     void matchesPlayback();
+    void anySound_data();
+    void anySound();
     void placesFile_data();
     void placesFile();
     void exportsVideoWithoutSound();
@@ -208,6 +212,96 @@ void ExportSoundTest::matchesPlayback()
     QCOMPARE(sound.samples.empty(), system + microphone == 0.0);
     QVERIFY(std::fabs(sound.level(kSystemHertz, 1.6, 2.4) - system) < 0.02);
     QVERIFY(std::fabs(sound.level(kMicrophoneHertz, 1.6, 2.4) - microphone) < 0.02);
+    QVERIFY(isTidy());
+}
+
+void ExportSoundTest::anySound_data()
+{
+    QTest::addColumn<QStringList>("conversion"); // arguments of the ffmpeg program
+    QTest::addColumn<SetUp>("damage");
+    QTest::addColumn<double>("speed");
+    QTest::addColumn<QString>("problem");
+
+    const QString file = "system_audio_20260101_101010.wav";
+    const auto path = [this, file] { return recording->path() + "/Voice/" + file; };
+    const auto edit = [path](qint64 offset, const QByteArray &bytes) {
+        QFile sound(path());
+        QVERIFY(sound.open(QIODevice::ReadWrite) && sound.seek(offset) && sound.write(bytes) == bytes.size());
+    };
+    const auto cut = [path](int size) { QVERIFY(QFile::resize(path(), size)); };
+    for (const double speed : {1.0, 2.0}) {
+        const auto row = [&](const char *name, const QStringList &conversion, const SetUp &damage,
+                             const QString &problem = {}) {
+            QTest::addRow("%s at %g", name, speed) << conversion << damage << speed << problem;
+        };
+        row("24 bits, with other chunks", {"-c:a", "pcm_s24le"}, [] {});
+        row("32 bits", {"-c:a", "pcm_s32le"}, [] {});
+        row("surround", {"-c:a", "pcm_f32le", "-af", "pan=5.1|FL=c0|FR=c1"}, [] {});
+        row("never finished", {}, [=] {
+            edit(4, QByteArray(4, 0));
+            edit(40, QByteArray(4, 0));
+        });
+        row("parts", {}, [=] {
+            const QByteArray whole = readFile(path());
+            writeFile(path().replace(".wav", "_part0.wav"), whole.left(800'044));
+            writeFile(path().replace(".wav", "_part1.wav"), whole.left(44) + whole.mid(800'044));
+            cut(44); // left by a join on a full disk
+        });
+        row(
+            "compressed", {"-c:a", "adpcm_ms"}, [] {}, "Unsupported audio format: 2");
+        row(
+            "a truncated header", {}, [=] { cut(20); }, "RIFF header not found");
+        row(
+            "garbage", {}, [=] { edit(0, "garbage"); }, "RIFF header not found");
+        row(
+            "a pipe", {},
+            [=] {
+                QFile::remove(path());
+                QCOMPARE(QProcess::execute("mkfifo", {path()}), 0);
+            },
+            file + " is not an ordinary file");
+        row(
+            "no directory", {}, [=] { QDir(QFileInfo(path()).path()).removeRecursively(); }, "no directory");
+    }
+}
+
+/// Sound is exported, or the export says why it is not. Loading and exporting change nothing in the recording.
+void ExportSoundTest::anySound()
+{
+    QFETCH(QStringList, conversion);
+    QFETCH(SetUp, damage);
+    QFETCH(double, speed);
+    QFETCH(QString, problem);
+
+    manager.reset();
+    const QString path = recording->path() + "/Voice/system_audio_20260101_101010.wav";
+    if (!conversion.isEmpty()) {
+        QVERIFY(QFile::rename(path, path + ".original"));
+        HostProgram::run("ffmpeg",
+                         QStringList{"-v", "error", "-i", path + ".original"} + conversion + QStringList{path});
+    }
+    damage();
+    const auto contents = [voice = QDir(QFileInfo(path).path())] {
+        QMap<QString, QByteArray> files;
+        for (const QString &name : voice.entryList(QDir::Files))
+            files.insert(name, readFile(voice.filePath(name)));
+        return files;
+    };
+    const auto before = contents();
+    loadManager();
+    request.speed = speed;
+    QVERIFY2(runExport(), qPrintable(error));
+    const Sound sound = Sound::decode(request.outputPath);
+    const double level = sound.level(kSystemHertz * speed, 1.6 / speed, 2.4 / speed);
+    if (problem.isEmpty()) {
+        QCOMPARE(warning, QString());
+        QVERIFY2(std::fabs(level - 0.4) < 0.02, qPrintable(QString::number(level)));
+        QVERIFY(std::fabs(sound.onset(0.5) - 1.5 / speed) < 0.01); // louder than the microphone alone
+    } else {
+        QVERIFY2(warning.contains(problem), qPrintable(warning));
+        QVERIFY(level < 0.02);
+    }
+    QVERIFY(contents() == before);
     QVERIFY(isTidy());
 }
 

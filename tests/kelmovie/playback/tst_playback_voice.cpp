@@ -326,7 +326,8 @@ void PlaybackVoiceTest::findsFiles_data()
     const TestTable<QStringList, qint64, QStringList> row("names", "durationMs", "messages");
 
     row("newest", {"system_audio_2.wav", "system_audio_1.wav"}, 2000, {});
-    row("without its parts", {"system_audio_1.wav", "system_audio_1_part0.wav"}, 1000, {});
+    row("shorter than its part", {"system_audio_1.wav", "system_audio_1_part0.wav"}, 2000, {});
+    row("without its part", {"system_audio_1_part0.wav", "system_audio_1.wav"}, 2000, {});
     row("never joined", {"system_audio_1_part0.wav", "system_audio_1_part1.wav"}, 3000, {});
     row("none", {"sound.wav"}, 0, {"W [KelPlaybackVoiceTrack] No audio WAV files found in: "});
     row("broken", {"system_audio_bad.wav"}, 0,

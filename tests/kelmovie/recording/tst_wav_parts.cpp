@@ -1,5 +1,4 @@
 #include "kelmovie/support/SoundFile.h"
-#include "recording/wav/InterruptedSoundRepair.h"
 #include "recording/wav/WavChunks.h"
 #include "recording/wav/WavPartMerger.h"
 #include "support/FileSizeLimit.h"
@@ -54,8 +53,6 @@ private slots:
     void join();
     void fullDiskLosesNoSound();
     void microphoneSoundKeepsItsTime();
-    void repairsInterruptedSound_data();
-    void repairsInterruptedSound();
 };
 
 void WavPartsTest::headerBytes()
@@ -88,10 +85,13 @@ void WavPartsTest::join_data()
     const QByteArray nothing("(no file)");
     const QString unopened("无法打开分段文件:"), tooShort("分段文件数据不足:"), remains("目录下仍有残留分段文件:"),
         noHeader("首分段头部读取失败:"), noResult("合并后的文件无效或不存在:");
+    const QByteArray list = "LIST" + SoundFile::littleEndian<quint32>({6}) + "INFO12";
     const auto whole = [](const QByteArray &sound) { return wav(sound, 44100, sound.size()); };
 
     row("none", {}, nothing, {"没有分段文件需要合并"}, {});
     row("one is renamed unchanged", {wav(A, 44100, 17)}, wav(A, 44100, 17), {}, {});
+    row("one with a longer header", {longWav(A)}, whole(A), {}, {});
+    row("one without a header", {A}, A, {}, {});
     row("a missing one", {""}, nothing, {"重命名分段文件失败:", noResult}, {});
     row("several", {wav(A), wav(B, 44100, 5), wav(C)}, whole(A + B + C), {}, {});
     row("without sound", {wav(""), wav("")}, whole(""), {noResult}, {});
@@ -102,6 +102,8 @@ void WavPartsTest::join_data()
     row("bare samples after the first", {wav(A), B, C}, whole(A + B + C), {}, {});
     row("bare samples first", {A, wav(C)}, whole(A + C), {}, {});
     row("bare samples only", {A, B}, nothing, {noHeader, noHeader, noResult, remains}, {0, 1});
+    row("chunks behind the sound", {wav(A, 44100, A.size()) + list, wav(C, 44100, C.size()) + list}, whole(A + C), {},
+        {});
     row("longer headers", {longWav(A), wav(B), longWav(C)}, whole(A + B + C), {}, {});
     row("more chunks than are read", {wav(A), hostileWav(C)}, whole(A + hostileWav(C).mid(WavHeader::kSize)),
         {"WAV分段格式不匹配，播放可能失败!"}, {});
@@ -155,25 +157,33 @@ void WavPartsTest::join()
     }
 }
 
-/// All sound is in the output, which is playable, or in a part that still exists.
+/// A join that fails or dies half-way leaves the parts as they were.
 void WavPartsTest::fullDiskLosesNoSound()
 {
     const QTemporaryDir directory;
+    const QString output = directory.filePath("s.wav");
     const QStringList paths{directory.filePath("s_part0.wav"), directory.filePath("s_part1.wav"),
                             directory.filePath("s_part2.wav")};
-    writeFile(paths[0], wav(A));
-    writeFile(paths[1], wav(B));
-    writeFile(paths[2], wav(C));
-    QString problem;
-    {
-        const FileSizeLimit limit(WavHeader::kSize + A.size() + B.size() / 2);
-        problem = mergePartFiles(paths, directory.filePath("s.wav"));
+    const QList<QByteArray> sounds{A, B, C};
+    for (int i = 0; i < 3; ++i)
+        writeFile(paths[i], wav(sounds[i]));
+    for (const qint64 space : {0, 20, WavHeader::kSize, WavHeader::kSize + A.size() + B.size() / 2}) {
+        QString problem;
+        {
+            const FileSizeLimit limit{quint64(space)};
+            problem = mergePartFiles(paths, output);
+        }
+        QVERIFY2(problem.contains(FileSizeLimit::errorText()), qPrintable(problem));
+        QVERIFY(!QFile::exists(output));
+        QCOMPARE(QDir(directory.path()).entryList(QDir::Files),
+                 (QStringList{"s_part0.wav", "s_part1.wav", "s_part2.wav"}));
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(readFile(paths[i]) == wav(sounds[i]));
     }
-    QVERIFY2(problem.contains("s_part1.wav"), qPrintable(problem));
-    QVERIFY(readFile(directory.filePath("s.wav")) == wav(A, 44100, A.size()));
-    QVERIFY(!QFile::exists(paths[0]));
-    QVERIFY(readFile(paths[1]) == wav(B));
-    QVERIFY(readFile(paths[2]) == wav(C));
+    writeFile(output + ".tmp", "left by a process that died");
+    QCOMPARE(mergePartFiles(paths, output), QString());
+    QVERIFY(readFile(output) == wav(A + B + C, 44100, (A + B + C).size()));
+    QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList{"s.wav"});
 }
 
 /// 1000 frames of 4 bytes a second: one per millisecond.
@@ -197,39 +207,6 @@ void WavPartsTest::microphoneSoundKeepsItsTime()
     writeFile(paths[0], wav(QByteArray(400 * 4, 'a'), 1000));
     mergeMicrophoneParts({paths[0]}, directory.filePath("late.wav"), {{500, 100, 0}});
     QVERIFY(readFile(directory.filePath("late.wav")) == wav(frames(100, 0) + frames(400, 'a'), 1000, 500 * 4));
-}
-
-void WavPartsTest::repairsInterruptedSound_data()
-{
-    const TestTable<int, QStringList> row("ageSeconds", "files");
-    row("interrupted", 3600,
-        {"microphone_2.wav", "system_audio_1.wav", "system_audio_9.wav", "system_audio_9_part0.wav"});
-    row("still running", 0,
-        {"microphone_2_part0.wav", "system_audio_1_part0.wav", "system_audio_1_part10.wav", "system_audio_1_part2.wav",
-         "system_audio_9.wav", "system_audio_9_part0.wav"});
-}
-
-void WavPartsTest::repairsInterruptedSound()
-{
-    QFETCH(int, ageSeconds);
-    QFETCH(QStringList, files);
-    const QTemporaryDir directory;
-    const QList<QPair<QString, QByteArray>> found{
-        {"system_audio_1_part0.wav", wav(A)},  {"system_audio_1_part2.wav", wav(B)},
-        {"system_audio_1_part10.wav", wav(C)}, {"microphone_2_part0.wav", wav(A)},
-        {"system_audio_9.wav", wav(A)},        {"system_audio_9_part0.wav", wav(C)}};
-    for (const auto &[name, bytes] : found) {
-        writeFile(directory.filePath(name), bytes);
-        QFile file(directory.filePath(name));
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds), QFileDevice::FileModificationTime));
-    }
-    repairInterruptedSound(directory.path());
-    QCOMPARE(QDir(directory.path()).entryList(QDir::Files, QDir::Name), files);
-    if (ageSeconds > 0) {
-        const QByteArray sound = A + B + C;
-        QVERIFY(readFile(directory.filePath("system_audio_1.wav")) == wav(sound, 44100, sound.size()));
-    }
 }
 
 QTEST_GUILESS_MAIN(WavPartsTest)

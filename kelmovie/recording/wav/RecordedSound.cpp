@@ -1,0 +1,164 @@
+#include "recording/wav/RecordedSound.h"
+
+#include "logging/Log.h"
+#include "recording/wav/SoundFiles.h"
+
+#include <QDebug>
+
+#include <algorithm>
+#include <cstring>
+
+namespace kel
+{
+
+namespace
+{
+
+constexpr qint64 kBlockSamples = 1 << 16;
+
+qint64 bytesOf(const QStringList &files)
+{
+    qint64 bytes = 0;
+    for (const QString &path : files) {
+        WavReader file;
+        if (file.open(path) && file.hasHeader())
+            bytes += file.dataSize();
+    }
+    return bytes;
+}
+
+QString openProblem(WavReader *file, const QString &path)
+{
+    if (!file->open(path))
+        return QStringLiteral("Failed to open file: %1: %2").arg(path, file->errorString());
+    return file->isTooShort() ? QStringLiteral("Invalid WAV file: RIFF header not found") : QString();
+}
+
+} // namespace
+
+QStringList RecordedSound::files(const QString &voiceDir, QLatin1String source)
+{
+    const StoredSound stored = findSound(voiceDir, source);
+    if (stored.whole.isEmpty())
+        return stored.parts;
+    if (stored.parts.isEmpty())
+        return {stored.whole};
+    // Earlier versions deleted each part as soon as it had been appended to the sound file.
+    if (!stored.hasFirstPart)
+        return QStringList(stored.whole) + stored.parts;
+    return bytesOf({stored.whole}) < bytesOf(stored.parts) ? stored.parts : QStringList(stored.whole);
+}
+
+RecordedSound::RecordedSound(const QStringList &files, Integers32 integers32)
+{
+    setErrorString(QStringLiteral("There is no sound file"));
+    for (const QString &path : files) {
+        WavReader file;
+        QString problem = openProblem(&file, path);
+        if (problem.isEmpty() && m_segments.empty())
+            problem = takeFormat(file, integers32);
+        if (problem.isEmpty()) {
+            add(path, file);
+            continue;
+        }
+        setErrorString(problem);
+        if (files.size() > 1)
+            qCWarning(logRecording).noquote() << "[RecordedSound]" << path << "is left out:" << problem;
+    }
+    if (m_segments.empty())
+        return;
+    setDataSize(m_segments.back().end * m_converter.bytes());
+    open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+/// The first file that states a format has that of all.
+QString RecordedSound::takeFormat(const WavReader &file, Integers32 integers32)
+{
+    if (!file.hasHeader())
+        return QStringLiteral("Invalid WAV file: RIFF header not found");
+    if (!file.isIntact())
+        return QStringLiteral("Invalid WAV file: missing fmt or data chunk");
+    QString problem;
+    m_converter = SampleConverter::from(file.header(), integers32 == Integers32::AsFloats, &problem);
+    m_header = m_converter.header(file.header());
+    m_fmtChunk = file.fmtChunk();
+    return problem;
+}
+
+void RecordedSound::add(const QString &path, const WavReader &file)
+{
+    if (file.hasHeader() && file.fmtChunk() != m_fmtChunk)
+        qCWarning(logRecording).noquote() << "[RecordedSound]" << path << "has another format than the file before";
+    // Without an incomplete frame, which would swap the channels of all that follows.
+    const qint64 frames = file.dataSize() / (m_converter.storedBytes() * m_header.channelCount);
+    const qint64 first = m_segments.empty() ? 0 : m_segments.back().end;
+    m_segments.push_back({path, first, first + frames * m_header.channelCount});
+}
+
+qint64 RecordedSound::durationMs() const
+{
+    return isOpen() ? m_dataSize / m_header.blockAlign * 1000 / m_header.sampleRate : 0;
+}
+
+void RecordedSound::limitTo(qint64 ms)
+{
+    if (ms < durationMs())
+        setDataSize(ms * m_header.sampleRate / 1000 * m_header.blockAlign);
+}
+
+void RecordedSound::setDataSize(qint64 bytes)
+{
+    m_dataSize = bytes;
+    m_header.setDataSize(bytes);
+    m_headerBytes = m_header.toBytes();
+}
+
+qint64 RecordedSound::readData(char *data, qint64 maxSize)
+{
+    qint64 done = 0;
+    const qint64 start = pos();
+    if (start < WavHeader::kSize) {
+        done = std::min<qint64>(maxSize, WavHeader::kSize - start);
+        std::memcpy(data, m_headerBytes.constData() + start, size_t(done));
+    }
+    const qint64 end = std::min(maxSize, std::max<qint64>(done, size() - start));
+    while (done < end)
+        done += copySound(data + done, start + done - WavHeader::kSize, end - done);
+    return done;
+}
+
+/// Copies at least one byte. `offset` is that of the first in the converted sound.
+qint64 RecordedSound::copySound(char *data, qint64 offset, qint64 size)
+{
+    const int bytes = m_converter.bytes();
+    const qint64 first = offset / bytes;
+    const auto segment = std::upper_bound(m_segments.begin(), m_segments.end(), first,
+                                          [](qint64 sample, const Segment &other) { return sample < other.end; });
+    const qint64 skipped = offset % bytes;
+    const qint64 count = std::min({(skipped + size + bytes - 1) / bytes, segment->end - first, kBlockSamples});
+    const QByteArray stored = storedSamples(*segment, first, count);
+    QByteArray samples(int(count * bytes), Qt::Uninitialized);
+    m_converter.convert(stored.constData(), count, samples.data());
+    const qint64 copied = std::min(size, samples.size() - skipped);
+    std::memcpy(data, samples.constData() + skipped, size_t(copied));
+    return copied;
+}
+
+/// Always as many as asked for: zeros stand in for what a file has lost since it was opened.
+QByteArray RecordedSound::storedSamples(const Segment &segment, qint64 first, qint64 count)
+{
+    const int bytes = m_converter.storedBytes();
+    if (m_readPath != segment.path) {
+        m_readPath = segment.path;
+        m_reader.close();
+        if (!m_reader.open(segment.path))
+            qCWarning(logRecording).noquote()
+                << "[RecordedSound] Cannot read" << segment.path << m_reader.errorString();
+    }
+    QByteArray stored;
+    if (m_reader.isOpen() && m_reader.seek((first - segment.first) * bytes))
+        stored = m_reader.read(count * bytes);
+    return stored.append(QByteArray(int(count * bytes) - stored.size(), '\0'));
+}
+
+} // namespace kel

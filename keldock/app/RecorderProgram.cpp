@@ -3,6 +3,7 @@
 #include "app/DockApplication.h"
 #include "app/SingleInstance.h"
 #include "app/Translations.h"
+#include "common/ExitLimit.h"
 #include "settings/DockConfigIO.h"
 #include "settings/DockSettings.h"
 #include "widgets/ProgramIcon.h"
@@ -42,6 +43,7 @@ int RecorderProgram::run(int argc, char **argv)
     const QByteArray requestedPlatform = qgetenv("QT_QPA_PLATFORM");
     addPlatformFallback(requestedPlatform);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    ExitLimit limit; // of destroying the application
     QApplication application(argc, argv);
     if (!hasDisplay(requestedPlatform)) {
         std::fputs("keldock: there is no display to open a window on. For the command line, see keldock --help.\n",
@@ -71,5 +73,6 @@ int RecorderProgram::run(int argc, char **argv)
         status = QApplication::exec();
     }
     KelMovieConfigInit(nullptr);
+    limit.start(status);
     return status;
 }

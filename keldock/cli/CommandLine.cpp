@@ -8,6 +8,7 @@
 #include "cli/commands/SelfTestCommand.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/MessageLog.h"
+#include "common/ExitLimit.h"
 
 #include <KelMovie/KelMovieUI.h>
 #include <console/ProgramArguments.h>
@@ -127,10 +128,13 @@ ExitStatus runCommand(Command &command, const QStringList &arguments, char *prog
 
     MessageLog::install(arguments.contains(QStringLiteral("--verbose")));
     choosePlatform(command.needsDisplay());
+    ExitLimit limit;         // of destroying the application
     int applicationArgc = 1; // hides the arguments from Qt
     QGuiApplication application(applicationArgc, &programName);
     const QString error = command.run();
-    return error.isEmpty() ? finished() : failed(error);
+    const ExitStatus status = error.isEmpty() ? finished() : failed(error);
+    limit.start(status);
+    return status;
 }
 
 } // namespace

@@ -111,6 +111,8 @@ void KelRecordScreenTrack::stopRecording(qint64 frameCount, qint64)
     // Keeps the thread from being terminated while a slow disk delays completing the files.
     TerminationSwitch::setTerminationEnabled(false);
     finishFiles(frameCount);
+    if (m_streamer->isStalled())
+        reportFailure(objectName(), QStringLiteral("the screen does not respond, so its last changes are missing"));
     TerminationSwitch::setTerminationEnabled(true);
 }
 

@@ -20,4 +20,8 @@ public:
 
     /// Empty while the streamer works, otherwise the error in English. Any thread.
     virtual QString errorString() const = 0;
+
+    /// True while the system that draws the screen does not respond. That is no error: capturing continues when it
+    /// responds again. Any thread.
+    virtual bool isStalled() const { return false; }
 };

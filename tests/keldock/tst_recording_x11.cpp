@@ -12,6 +12,7 @@ class RecordingX11Test : public QObject
 
 private slots:
     void lostScreenKeepsRecording();
+    void stopsWhileTheServerHangs();
     void continuesWithoutInput();
 
 private:
@@ -31,6 +32,22 @@ void RecordingX11Test::lostScreenKeepsRecording()
     server.kill();
     const Keldock keldock = Keldock::finish(process);
     QVERIFY2(keldock.status == 1, qPrintable(QString::number(keldock.status) + keldock.errors));
+    QVERIFY(recordingInfo(out).value("videoFrames").toInt() > 0);
+}
+
+void RecordingX11Test::stopsWhileTheServerHangs()
+{
+    XServer server;
+    QProcess process;
+    const QString out = path("hanging");
+    const ColorScene scene(kSceneRect, server.display());
+    startRecording(process, out, server.display());
+    server.freeze();
+    process.terminate();
+    const Keldock keldock = Keldock::finish(process);
+    server.thaw();
+    QVERIFY2(keldock.status >= 0, qPrintable(keldock.errors)); // 1 if the server was asked for pixels
+    QVERIFY(recordingInfo(out).value("complete").toBool());
     QVERIFY(recordingInfo(out).value("videoFrames").toInt() > 0);
 }
 

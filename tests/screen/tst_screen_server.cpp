@@ -231,12 +231,13 @@ private slots:
             QVERIFY(!streamer->hasFrameChanged());
             QVERIFY(!streamer->captureTo(image));
         }
-        QCOMPARE(streamer->errorString(), "The X server does not respond.");
+        QVERIFY(streamer->isStalled());
+        QCOMPARE(streamer->errorString(), QString()); // it may respond again
 
         server.thaw();
         QTRY_VERIFY(streamer->hasFrameChanged());
         QVERIFY(streamer->captureTo(image));
-        QCOMPARE(streamer->errorString(), QString());
+        QVERIFY(!streamer->isStalled());
         QCOMPARE(image, painter.grab(kWholeScreen));
     }
 };

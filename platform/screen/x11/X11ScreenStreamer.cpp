@@ -113,8 +113,10 @@ bool X11ScreenStreamer::update()
     }
     if (damaged && !m_needsFullRead)
         takeDamage();
-    if (m_connection->isOpen() && !m_connection->isStalled())
+    if (m_connection->isOpen() && !m_connection->isStalled()) {
+        m_isStalled = false;
         return true;
+    }
     reportFailure();
     return false;
 }
@@ -181,9 +183,15 @@ void X11ScreenStreamer::reportFailure()
     if (!m_connection->isOpen())
         setError(QStringLiteral("The connection to the X server is lost."));
     else if (m_connection->isStalled())
-        setError(QStringLiteral("The X server does not respond."));
+        reportStall();
     else
         setError(QStringLiteral("The X server refuses access to the pixels of the screen."));
+}
+
+void X11ScreenStreamer::reportStall()
+{
+    if (!m_isStalled.exchange(true))
+        qCWarning(logScreen, "[X11ScreenStreamer] The X server does not respond.");
 }
 
 void X11ScreenStreamer::setError(const QString &error)

@@ -8,6 +8,7 @@
 #include <QRect>
 #include <QRegion>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -27,6 +28,7 @@ public:
     bool hasFrameChanged() override;
     bool captureTo(QImage &image) override;
     QString errorString() const override;
+    bool isStalled() const override { return m_isStalled; }
 
 private:
     using Blocks = std::vector<X11ImageReader::Block>;
@@ -39,6 +41,7 @@ private:
     QVector<QRect> rectsToRead(bool whole) const;
     bool paint(const Blocks &blocks, bool whole, QImage &image) const;
     void reportFailure();
+    void reportStall();
     void setError(const QString &error);
 
     const std::unique_ptr<XcbConnection> m_connection;
@@ -53,6 +56,7 @@ private:
     bool m_isDamageFresh = false; // m_changed was updated since the last capture
     qint64 m_filledKey = 0;       // identifies the image of the last capture in its unmodified state
 
+    std::atomic<bool> m_isStalled{false};
     mutable std::mutex m_errorMutex;
     QString m_error;
 };

@@ -42,6 +42,7 @@ private slots:
     void unwritableIndexIsReported();
     void fullDiskKeepsTheEntriesWritten();
     void lostScreenIsReportedOnce();
+    void stallIsReportedOnlyAtTheStop();
     void encoderFailureIsReportedOnce();
     void releasedTrackDoesNotChangeItsFiles();
 
@@ -237,6 +238,19 @@ void RecordScreenTrackTest::lostScreenIsReportedOnce()
     QCOMPARE(m_failures, QStringList{"Screen track: the X server is gone"});
     track->stopRecording(4, 100);
     QCOMPARE(readFile(indexPath()), indexBytes({0, 0, 0, 0}));
+}
+
+void RecordScreenTrackTest::stallIsReportedOnlyAtTheStop()
+{
+    const auto track = createTrack();
+    track->recordFrame(0);
+    m_script->changed = false;
+    m_script->isStalled = true;
+    track->recordFrame(1);
+    QCOMPARE(m_failures, QStringList());
+    track->stopRecording(2, 100);
+    QCOMPARE(m_failures.size(), 1);
+    QCOMPARE(readFile(indexPath()), indexBytes({0, 0}));
 }
 
 void RecordScreenTrackTest::encoderFailureIsReportedOnce()

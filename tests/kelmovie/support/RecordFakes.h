@@ -82,6 +82,7 @@ struct ScreenScript {
     std::atomic<bool> changed{true};
     bool captureFails = false;
     QString streamerError;
+    bool isStalled = false;
     QSize pictureSize{10, 10};
     std::atomic<int> captures{0};
     std::function<void()> atQuestion;
@@ -125,6 +126,7 @@ public:
         return true;
     }
     QString errorString() const override { return m_script.streamerError; }
+    bool isStalled() const override { return m_script.isStalled; }
 
 private:
     ScreenScript &m_script;

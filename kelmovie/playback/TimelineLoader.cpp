@@ -4,8 +4,7 @@
 #include "recording/FrameTimesReader.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
-#include "recording/wav/SoundFiles.h"
-#include "recording/wav/WavFrameReader.h"
+#include "recording/wav/RecordedSound.h"
 
 #include <QDebug>
 
@@ -23,12 +22,8 @@ qint64 soundMs(const QString &recordingDir)
 {
     const QString voiceDir = KelRecordingFiles::path(recordingDir, KelRecordingFiles::kVoiceDir);
     qint64 longest = 0;
-    for (const QLatin1String source : {KelRecordingFiles::kSystemAudio, KelRecordingFiles::kMicrophone}) {
-        const QString path = findSoundFile(voiceDir, source);
-        WavFrameReader reader;
-        if (!path.isEmpty() && reader.open(path))
-            longest = std::max(longest, reader.durationMs());
-    }
+    for (const QLatin1String source : {KelRecordingFiles::kSystemAudio, KelRecordingFiles::kMicrophone})
+        longest = std::max(longest, RecordedSound(RecordedSound::files(voiceDir, source)).durationMs());
     return longest;
 }
 

@@ -20,18 +20,10 @@ using namespace kel;
 class KelRecordKeyboardTrackPrivate : public KelKeyMouseHook
 {
 public:
-    using AtResume = KelRecordKeyboardTrack::AtResume;
-
-    explicit KelRecordKeyboardTrackPrivate(AtResume atResume)
-        : m_atResume(atResume)
-    {
-    }
     ~KelRecordKeyboardTrackPrivate() override { setHookType(NoKind); }
 
     void setCurrentFrame(int frameIndex) { m_frameStamp.setCurrentFrame(frameIndex); }
-    /// Starts or resumes; false if there are records from before.
-    bool begin();
-    void pause();
+    void begin();
     void end();
     void switchOn();
     void switchOff();
@@ -42,10 +34,8 @@ protected:
     bool OnKeyboardEvent(KelKeyboardEvent event) override;
 
 private:
-    void remove(bool marksGap);
     void add(int key, bool isPressed);
 
-    const AtResume m_atResume;
     EventFrameStamp m_frameStamp;
     std::mutex m_switchMutex; // locked before m_mutex
     bool m_isSwitchedOff = false;
@@ -55,40 +45,25 @@ private:
     bool m_isHookInstalled = false; // its keys are recorded
 };
 
-bool KelRecordKeyboardTrackPrivate::begin()
+void KelRecordKeyboardTrackPrivate::begin()
 {
     std::lock_guard switches(m_switchMutex);
-    if (m_atResume == AtResume::Discard)
-        takeRecords();
+    takeRecords();
     // A user who switched capture off may be typing a password: neither a resume nor a late start switches it on.
     if (!m_isSwitchedOff)
         setHookType(Keyboard);
     std::lock_guard lock(m_mutex);
     m_isRecording = true;
     m_isHookInstalled = !m_isSwitchedOff;
-    const bool isNew = m_records.empty();
-    if (m_isSwitchedOff || !isNew)
-        add(0, !m_isSwitchedOff);
-    return isNew;
-}
-
-void KelRecordKeyboardTrackPrivate::pause()
-{
-    remove(m_atResume == AtResume::Keep);
+    if (m_isSwitchedOff)
+        add(0, false);
 }
 
 void KelRecordKeyboardTrackPrivate::end()
 {
-    remove(false);
-}
-
-void KelRecordKeyboardTrackPrivate::remove(bool marksGap)
-{
     std::lock_guard switches(m_switchMutex);
     {
         std::lock_guard lock(m_mutex);
-        if (marksGap && m_isHookInstalled)
-            add(0, false);
         m_isRecording = false;
         m_isHookInstalled = false;
     }
@@ -153,9 +128,9 @@ void KelRecordKeyboardTrackPrivate::add(int key, bool isPressed)
     m_records.push_back({qint32_le(key), quint32_le(isPressed), qint32_le(m_frameStamp.frameOfEvent())});
 }
 
-KelRecordKeyboardTrack::KelRecordKeyboardTrack(const QRect &recordArea, const QString &trackDir, AtResume atResume)
+KelRecordKeyboardTrack::KelRecordKeyboardTrack(const QRect &recordArea, const QString &trackDir)
     : KelRecordTrack(recordArea, trackDir)
-    , d(std::make_unique<KelRecordKeyboardTrackPrivate>(atResume))
+    , d(std::make_unique<KelRecordKeyboardTrackPrivate>())
     , m_file(KelRecordingFiles::path(trackDir, KelRecordingFiles::kKeyLog), recordArea.size())
 {
     setObjectName(KelTrackNames::kKeyboard);
@@ -173,13 +148,13 @@ void KelRecordKeyboardTrack::startRecording()
 {
     if (!m_coreDumpBlock)
         m_coreDumpBlock.emplace();
-    if (d->begin())
-        m_file.restart();
+    d->begin();
+    m_file.restart();
 }
 
 void KelRecordKeyboardTrack::pauseRecording()
 {
-    d->pause();
+    d->end();
 }
 
 void KelRecordKeyboardTrack::stopRecording(qint64, qint64)

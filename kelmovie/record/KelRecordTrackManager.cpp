@@ -22,8 +22,7 @@
 namespace
 {
 constexpr std::chrono::milliseconds kReleaseWait{10000};
-constexpr std::chrono::milliseconds kCheckpointInterval{500};
-constexpr std::chrono::milliseconds kDiskWait{2000}; // at the stop
+constexpr qint64 kCheckpointIntervalMs = 1000;
 constexpr int kScreenQuality = 100;
 
 /// Starts at the wall clock's time and is monotonic from then on.
@@ -49,18 +48,14 @@ KelRecordTrackManager::KelRecordTrackManager(const QRect &recordArea, const Conf
 KelRecordTrackManager::KelRecordTrackManager(const QRect &recordArea, const Config &config, Clock now, QObject *parent)
     : QObject(parent)
     , m_frameTimer(this)
-    , m_checkpointTimer(this)
     , m_recordArea(withEvenSides(recordArea))
     , m_config(config)
     , m_clock(std::move(now))
     , m_frameTimes(KelRecordingFiles::frameTimesPath(config.directory))
-    , m_saver(config.directory)
 {
     QDir().mkpath(m_config.directory);
     m_frameTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_frameTimer, &QTimer::timeout, this, &KelRecordTrackManager::onFrameTimeout);
-    m_checkpointTimer.setInterval(kCheckpointInterval);
-    connect(&m_checkpointTimer, &QTimer::timeout, this, &KelRecordTrackManager::saveCheckpoint);
     createTracks();
 }
 
@@ -80,11 +75,8 @@ void KelRecordTrackManager::createTracks()
             new KelRecordScreenTrack(m_recordArea, createTrackDir(KelRecordingFiles::kScreenDir), 0, kScreenQuality));
     if (m_config.mouse)
         addTrack(new KelRecordMouseTrack(m_recordArea, createTrackDir(KelRecordingFiles::kMouseDir)));
-    if (m_config.keyboard) {
-        using AtResume = KelRecordKeyboardTrack::AtResume;
-        addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(KelRecordingFiles::kKeyboardDir),
-                                            m_config.keepsKeysAcrossPauses ? AtResume::Keep : AtResume::Discard));
-    }
+    if (m_config.keyboard)
+        addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(KelRecordingFiles::kKeyboardDir)));
     if (m_config.systemAudio || m_config.microphone) {
         m_voiceTrack = new KelRecordVoiceTrack(m_recordArea, createTrackDir(KelRecordingFiles::kVoiceDir), this);
         m_voiceTrack->setFailureHandler(
@@ -130,7 +122,6 @@ void KelRecordTrackManager::startRecording()
         m_voiceTrack->startRecording();
     m_isRecording = true;
     saveCheckpoint();
-    m_checkpointTimer.start();
     m_frameTimer.setInterval(int(1000.0 / qMax(1, m_config.fps)));
     m_frameTimer.start();
 }
@@ -152,6 +143,8 @@ void KelRecordTrackManager::onFrameTimeout()
     if (isAtFrameLimit()) {
         m_frameTimer.stop();
         emit frameLimitReached();
+    } else if (tickStartMs - m_lastCheckpointMs >= kCheckpointIntervalMs) {
+        saveCheckpoint();
     }
 }
 
@@ -177,7 +170,6 @@ void KelRecordTrackManager::stopRecording()
     if (!m_isRecording)
         return;
     m_frameTimer.stop();
-    m_checkpointTimer.stop();
     const qint64 durationMs = m_clock.recordedMs();
     if (m_voiceTrack)
         m_voiceTrack->noteClockChange();
@@ -220,11 +212,6 @@ bool KelRecordTrackManager::releaseResources()
         } else if (auto *screen = qobject_cast<KelRecordScreenTrack *>(thread->track())) {
             screen->releaseResources();
         }
-    }
-    if (std::exchange(m_savedDurationMs, -1) >= 0) { // the tracks have completed their files after the metadata
-        m_saver.save();
-        m_saver.wait(kDiskWait);
-        reportFailures({m_reported.metadata, m_saver.failures().sync});
     }
     m_tickCostMs.clear();
     m_instantFps.clear();
@@ -287,40 +274,34 @@ KelRecordingMetadata KelRecordTrackManager::metadata(qint64 durationMs) const
 
 void KelRecordTrackManager::saveMetadata(qint64 durationMs)
 {
-    const KelRecordingMetadata last = metadata(durationMs);
-    m_saver.save(last.toJson());
-    m_saver.wait(kDiskWait);
     QString error;
-    // A disk that is slow or refuses to synchronize may still take the file.
-    const bool isSaved = m_saver.settleMetadata() || last.save(m_config.directory, &error);
-    if (!isSaved)
+    if (!metadata(durationMs).save(m_config.directory, &error)) {
         qCCritical(kel::logRecord) << "Failed to save manager metadata:" << error;
-    reportFailures({error, m_saver.failures().sync});
+        reportMetadataFailure(error);
+    }
 }
 
-/// Once, until it succeeds again.
-void KelRecordTrackManager::reportFailures(const kel::RecordingSaver::Failures &failures)
+/// Once per reason.
+void KelRecordTrackManager::reportMetadataFailure(const QString &reason)
 {
-    if (!failures.metadata.isEmpty() && m_reported.metadata.isEmpty())
+    if (std::exchange(m_metadataFailure, reason) != reason)
         addFailure({}, QStringLiteral("Metadata: cannot write %1: %2")
-                           .arg(KelRecordingMetadata::filePath(m_config.directory), failures.metadata));
-    if (!failures.sync.isEmpty() && m_reported.sync.isEmpty())
-        addFailure({}, QStringLiteral("Cannot bring the recording to the disk: %1").arg(failures.sync));
-    m_reported = failures;
+                           .arg(KelRecordingMetadata::filePath(m_config.directory), reason));
 }
 
 /// Brings metadata and track files to the same logic frame, so that a crash of the process leaves a recording that
 /// plays up to there.
 void KelRecordTrackManager::saveCheckpoint()
 {
-    reportFailures(m_saver.failures()); // of the checkpoint before
+    m_lastCheckpointMs = m_clock.now();
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
         thread->checkpoint(m_frameIndex);
     saveFrameTimes();
     KelRecordingMetadata soFar = metadata(m_clock.recordedMs());
     soFar.complete = false;
-    const bool hasAdvanced = std::exchange(m_savedDurationMs, soFar.durationMs) != soFar.durationMs;
-    m_saver.save(hasAdvanced ? soFar.toJson() : QByteArray()); // pointer and keys are also recorded during a pause
+    QString error;
+    if (!soFar.save(m_config.directory, &error))
+        reportMetadataFailure(error);
 }
 
 /// Without this file, playback spreads the frames evenly over the duration.

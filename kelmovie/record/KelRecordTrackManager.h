@@ -2,7 +2,6 @@
 
 #include "record/RecordingClock.h"
 #include "recording/FrameTimesWriter.h"
-#include "recording/saving/RecordingSaver.h"
 
 #include <QList>
 #include <QObject>
@@ -37,7 +36,6 @@ public:
         bool screen = true;
         bool mouse = false;
         bool keyboard = false;
-        bool keepsKeysAcrossPauses = false;
         bool systemAudio = false;
         bool microphone = false;
     };
@@ -93,7 +91,6 @@ protected:
 
 private slots:
     void onFrameTimeout();
-    void saveCheckpoint();
 
 private:
     template <typename Track>
@@ -104,12 +101,12 @@ private:
 
     KelRecordingMetadata metadata(qint64 durationMs) const;
     void saveMetadata(qint64 durationMs);
-    void reportFailures(const kel::RecordingSaver::Failures &failures);
+    void reportMetadataFailure(const QString &reason);
+    void saveCheckpoint();
     void saveFrameTimes();
     void logStatistics(qint64 durationMs) const;
 
     QTimer m_frameTimer;
-    QTimer m_checkpointTimer; // also runs while nothing ticks
     QList<KelRecordTrackThreadWrap *> m_threads;
     KelRecordVoiceTrack *m_voiceTrack = nullptr; // child of this; null without sound
     const QRect m_recordArea;                    // with even sides
@@ -120,14 +117,13 @@ private:
     int m_frameIndex = 0; // of the next logic frame
     kel::FrameTimesWriter m_frameTimes;
     bool m_hasReportedFrameTimes = false; // that they cannot be written
+    qint64 m_lastCheckpointMs = 0;
 
     // Per tick of this recording, to be inspected when the clock is slow; bounded by kMaxFrames.
     QList<qint64> m_tickCostMs;
     QList<double> m_instantFps;
 
-    qint64 m_savedDurationMs = -1; // of the last checkpoint; -1 while there is nothing to save
-    kel::RecordingSaver m_saver;
-    kel::RecordingSaver::Failures m_reported; // those of the last checkpoint
+    QString m_metadataFailure; // reported last
 
     std::mutex m_failuresMutex;
     QList<Failure> m_failures;

@@ -181,6 +181,7 @@ void AsyncEncoderTest::reportsOpeningErrors_data()
     QTest::newRow("a directory") << QSize(64, 64) << m_dir.path() << 30;
     QTest::newRow("empty") << QSize(0, 64) << path() << 30;
     QTest::newRow("too large") << QSize(64, 16385) << path() << 30;
+    QTest::newRow("too large to be decoded") << QSize(16380, 16132) << path() << 30;
     QTest::newRow("no rate") << QSize(64, 64) << path() << 0;
     QTest::newRow("full disk") << QSize(64, 64) << "/dev/full" << 30;
 }

@@ -70,11 +70,12 @@ QString RecordingSession::run()
 
 void RecordingSession::handleError(const QString &error)
 {
-    if (m_error.isEmpty())
-        m_error = error;
     // A recording without one of the other tracks is still useful.
     const QString track = std::exchange(m_failedTrack, QString());
-    if (m_hasRecorded && !track.isEmpty() && track != KelTrackNames::kScreen) {
+    const bool isFatal = !m_hasRecorded || track.isEmpty() || track == KelTrackNames::kScreen;
+    if (m_error.isEmpty() || (isFatal && !m_hasFailed)) // what ended the recording matters most
+        m_error = error;
+    if (!isFatal) {
         m_line.clear();
         Console::printError(QStringLiteral("keldock: %1; continuing without it").arg(error));
         return;

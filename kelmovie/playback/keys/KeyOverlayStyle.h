@@ -1,6 +1,6 @@
 #pragma once
 
-#include "playback/keys/KeyDisplaySettings.h"
+#include "playback/keys/KeyDisplayListBuilder.h"
 
 #include <QColor>
 #include <QFont>
@@ -18,8 +18,9 @@ struct KeyOverlayStyle {
     int historyFontSizePx = 16;
     QColor fontColor{255, 255, 255, 255};
     QColor bgColor{0, 0, 0, 180};
-    KeyDisplaySettings display;
+    KeyDisplayListBuilder::Limits limits;
     int displayPos = BottomCenter;
+    int showKeyType = 0; ///< bits of KeyDisplayItem::Type
     bool enabled = true;
 };
 

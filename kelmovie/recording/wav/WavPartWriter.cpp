@@ -156,7 +156,13 @@ void WavPartWriter::appendZeros(qint64 size)
 /// Keeps whole frames only: an incomplete frame would swap the channels of all that follows.
 bool WavPartWriter::append(const char *data, qint64 size)
 {
-    const qint64 written = m_file.isOpen() ? m_file.write(data, size) : 0;
+    qint64 written = 0;
+    while (m_file.isOpen() && written < size) {
+        const qint64 more = m_file.write(data + written, size - written);
+        if (more <= 0)
+            break;
+        written += more; // a disk that fills up reports its error only with the next write
+    }
     if (written == size) {
         m_size += size;
         return true;
@@ -164,7 +170,7 @@ bool WavPartWriter::append(const char *data, qint64 size)
     if (!isOpen())
         return false;
     fail();
-    m_size += qMax(qint64(0), written);
+    m_size += written;
     m_size -= m_size % m_format.blockAlign;
     m_file.resize(WavHeader::kSize + m_size);
     m_file.seek(WavHeader::kSize + m_size);

@@ -3,6 +3,10 @@
 #include "avcodec/x264/PlanarFrameConverter.h"
 #include "logging/PlatformLog.h"
 
+extern "C" {
+#include <libavutil/imgutils.h>
+}
+
 #include <QDebug>
 
 #include <cstdarg>
@@ -33,6 +37,13 @@ void appendParameterSet(QByteArray &record, const QByteArray &set)
     record.append(char(set.size() >> 8)).append(char(set.size())).append(set);
 }
 
+/// Whether FFmpeg's decoder accepts frames of this size, which it checks in whole macroblocks.
+bool isDecodable(const QSize &size)
+{
+    const auto macroblocks = [](int side) { return unsigned(side + 15) / 16 * 16; };
+    return av_image_check_size(macroblocks(size.width()), macroblocks(size.height()), 0, nullptr) >= 0;
+}
+
 } // namespace
 
 x264_param_t X264Encoder::defaultParams(const char *preset, const char *tune, const QSize &size, int fps)
@@ -56,8 +67,11 @@ x264_param_t X264Encoder::defaultParams(const char *preset, const char *tune, co
 
 QString X264Encoder::limitError(const QSize &size, int fps)
 {
-    if (size.isEmpty() || size.width() > kMaxDimension || size.height() > kMaxDimension)
-        return QStringLiteral("Cannot encode frames of %1 x %2 pixels").arg(size.width()).arg(size.height());
+    if (size.isEmpty() || size.width() > kMaxDimension || size.height() > kMaxDimension || !isDecodable(size))
+        return QStringLiteral(
+                   "Cannot encode frames of %1 x %2 pixels; the largest that can be decoded are 16384 x 16128")
+            .arg(size.width())
+            .arg(size.height());
     if (fps < 1 || fps > kMaxFps)
         return QStringLiteral("Cannot encode %1 frames per second").arg(fps);
     return {};

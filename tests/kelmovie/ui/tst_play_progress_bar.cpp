@@ -113,8 +113,10 @@ void PlayProgressBarTest::gestures()
 
 void PlayProgressBarTest::keys()
 {
-    const auto reportOf = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}, bool rangeEditable = true) {
+    const auto reportOf = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}, bool rangeEditable = true,
+                                 int playTime = 400) {
         const auto bar = makeBar(rangeEditable);
+        bar->setPlayTime(playTime);
         report(bar.get());
         QTest::keyClick(bar.get(), key, modifiers);
         return m_report.join(' ');
@@ -125,6 +127,9 @@ void PlayProgressBarTest::keys()
     QCOMPARE(reportOf(Qt::Key_I), "start0 400-800/0 end0"); // trims the start
     QCOMPARE(reportOf(Qt::Key_O), "start1 200-400/1 end1");
     QCOMPARE(reportOf(Qt::Key_O, {}, false), "");
+    // From outside of the range, the other end follows.
+    QCOMPARE(reportOf(Qt::Key_I, {}, true, 900), "start0 900-900/0 end0");
+    QCOMPARE(reportOf(Qt::Key_O, {}, true, 100), "start1 100-100/1 end1");
 }
 
 void PlayProgressBarTest::accessibleInterfaceIsASlider()

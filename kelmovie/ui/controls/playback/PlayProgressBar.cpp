@@ -101,7 +101,10 @@ public:
         if (!rangeEditable)
             return;
         emit q->sigRangeAdjustStart(type);
-        (type == 0 ? rangeStart : rangeEnd) = playTime;
+        // Playback may report a position outside of the range.
+        const double position = std::clamp(playTime, 0.0, duration);
+        rangeStart = type == 0 ? position : std::min(rangeStart, position);
+        rangeEnd = type == 1 ? position : std::max(rangeEnd, position);
         emit q->sigPlayRangeChanged(int(rangeStart), int(rangeEnd), type);
         emit q->sigRangeAdjustEnd(type);
     }

@@ -2,13 +2,13 @@
 
 #include "audio/capture/KelSystemAudioRecord.h"
 #include "audio/capture/MicrophoneRecord.h"
+#include "files/PrivateFile.h"
 #include "logging/Log.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/wav/SoundFiles.h"
 
 #include <QDateTime>
 #include <QDebug>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QMetaEnum>
 #include <QThread>
@@ -45,7 +45,7 @@ KelRecordVoiceTrack::KelRecordVoiceTrack(const QRect &recordArea, const QString 
     m_microphoneSettings.setSampleRate(44100);
     m_microphoneSettings.setChannelCount(2);
     m_microphoneSettings.setQuality(QMultimedia::HighQuality);
-    QDir().mkpath(trackDir);
+    makePrivateDirectory(trackDir);
 }
 
 KelRecordVoiceTrack::~KelRecordVoiceTrack()

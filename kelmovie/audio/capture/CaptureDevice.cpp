@@ -117,6 +117,12 @@ void CaptureDevice::close()
     closeEvent();
 }
 
+bool CaptureDevice::isResponding() const
+{
+    UINT32 frames = 0;
+    return SUCCEEDED(m_client->GetCurrentPadding(&frames));
+}
+
 CaptureDevice::Result CaptureDevice::acquire(Packet *packet)
 {
     BYTE *data = nullptr;

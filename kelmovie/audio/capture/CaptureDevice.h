@@ -19,7 +19,7 @@ public:
     CaptureDevice(const CaptureDevice &) = delete;
     CaptureDevice &operator=(const CaptureDevice &) = delete;
 
-    enum class Failure { None, NoServer, NoDevice, NoBufferSize, NoCaptureClient };
+    enum class Failure { None, NoServer, NoDevice, NoBufferSize, NoCaptureClient, NotStarted };
 
     /// Opens the device and a stream that is ready to start. A null format means the device's own, with 16-bit integers
     /// instead of plain floats if the device can convert. On failure everything is closed again.
@@ -47,6 +47,9 @@ public:
         Empty,  ///< no packet is available at present
         Gone    ///< the device was removed or is not open
     };
+
+    /// False while the system delivers nothing because it does not respond.
+    bool isResponding() const;
 
     /// Acquires the oldest packet and holds it until release().
     Result acquire(Packet *packet);

@@ -3,11 +3,11 @@
 #include "audio/capture/CaptureParts.h"
 #include "audio/capture/DeleteWhenFinished.h"
 #include "audio/capture/WasapiCaptureThread.h"
+#include "files/PrivateFile.h"
 #include "logging/Log.h"
 #include "recording/wav/SoundFiles.h"
 
 #include <QDebug>
-#include <QDir>
 #include <QFileInfo>
 
 #include <utility>
@@ -31,7 +31,7 @@ SoundRecorder::SoundRecorder(const Source &source, const QString &outputPath, Fa
     , m_dependencies(dependencies)
     , m_format(source.format.bytes())
 {
-    QDir().mkpath(QFileInfo(outputPath).absolutePath());
+    makePrivateDirectory(QFileInfo(outputPath).absolutePath()); // a part that cannot be created there reports it
 }
 
 SoundRecorder::~SoundRecorder()

@@ -14,6 +14,7 @@ namespace kel
 namespace
 {
 constexpr qint64 kSilenceAfterMs = 100;
+constexpr qint64 kHangMs = 2000;
 constexpr qint64 kSizesIntervalMs = 1000;
 constexpr qint64 kSearchIntervalMs = 1000;
 constexpr int kDrainRounds = 10; // a device delivers its last sound after a few
@@ -74,7 +75,7 @@ void WasapiCaptureThread::openDevice()
     }
     begin(device->format());
     if (!device->start()) {
-        reportOnce(QStringLiteral("the sound of the %1 cannot be recorded").arg(deviceName()), "启动音频客户端失败");
+        report(CaptureDevice::Failure::NotStarted);
         return;
     }
     if (m_flow == eRender && device->format().isIntegerPcm() && !device->enableEvents())
@@ -84,6 +85,7 @@ void WasapiCaptureThread::openDevice()
         qCWarning(logAudio) << "[WasapiCaptureThread] Recording the default" << qPrintable(deviceName());
     m_device = std::move(device);
     m_isCapturing = true;
+    m_lastSoundMs = m_dependencies.nowMs();
 }
 
 /// Begins to write sound in this format, once.
@@ -118,7 +120,7 @@ bool WasapiCaptureThread::readPacket()
         return false;
     m_parts->writePacket(packet.data, packet.size, packet.recordedAtMs);
     m_device->release();
-    m_lastPacketMs = m_dependencies.nowMs();
+    m_lastPacketMs = m_lastSoundMs = m_dependencies.nowMs();
     checkParts();
     return true;
 }
@@ -131,6 +133,8 @@ void WasapiCaptureThread::padWithSilence()
     m_lastPacketMs = nowMs;
     m_parts->writeSilenceTo(nowMs);
     checkParts();
+    if (nowMs - m_lastSoundMs >= kHangMs)
+        checkDevice();
 }
 
 void WasapiCaptureThread::waitForSound()
@@ -149,6 +153,8 @@ void WasapiCaptureThread::drain()
             continue;
         waitForSound();
     }
+    if (!m_parts->isComplete())
+        checkDevice();
     m_parts->finish();
     if (m_device)
         m_device->stop();
@@ -172,23 +178,30 @@ void WasapiCaptureThread::checkParts()
         reportOnce(problem);
 }
 
+void WasapiCaptureThread::checkDevice()
+{
+    if (m_device && !m_device->isResponding())
+        report(CaptureDevice::Failure::NoServer);
+}
+
 void WasapiCaptureThread::report(CaptureDevice::Failure failure)
 {
+    const QString notRecorded = QStringLiteral("the sound of the %1 cannot be recorded").arg(deviceName());
     switch (failure) {
     case CaptureDevice::Failure::NoServer:
-        reportOnce(QStringLiteral("the sound system does not respond; the %1 is recorded as soon as it does")
-                       .arg(deviceName()));
+        reportOnce(QStringLiteral("the sound system does not respond"));
         break;
     case CaptureDevice::Failure::NoBufferSize:
-        reportOnce(QStringLiteral("the sound of the %1 cannot be recorded").arg(deviceName()),
-                   "获取音频缓冲区大小失败");
+        reportOnce(notRecorded, "获取音频缓冲区大小失败");
         break;
     case CaptureDevice::Failure::NoCaptureClient:
-        reportOnce(QStringLiteral("the sound of the %1 cannot be recorded").arg(deviceName()),
-                   "获取音频捕获客户端失败");
+        reportOnce(notRecorded, "获取音频捕获客户端失败");
+        break;
+    case CaptureDevice::Failure::NotStarted:
+        reportOnce(notRecorded, "启动音频客户端失败");
         break;
     default:
-        reportOnce(QStringLiteral("there is no %1; it is recorded as soon as there is one").arg(deviceName()));
+        reportOnce(QStringLiteral("there is no %1").arg(deviceName()));
     }
 }
 

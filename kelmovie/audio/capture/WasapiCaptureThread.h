@@ -60,6 +60,7 @@ private:
     void waitForSound();
     void updateSizesRegularly();
     void checkParts();
+    void checkDevice();
     void report(CaptureDevice::Failure failure);
     void reportOnce(const QString &problem, const char *log = nullptr);
     QString deviceName() const;
@@ -78,7 +79,8 @@ private:
     std::unique_ptr<CaptureDevice> m_device; // null while there is none
     bool m_hasBegun = false;
     bool m_hasFailed = false;
-    qint64 m_lastPacketMs = 0;
+    qint64 m_lastPacketMs = 0; // or silence
+    qint64 m_lastSoundMs = 0;
     qint64 m_lastSizesMs = 0;
     qint64 m_nextSearchMs = 0;
 };

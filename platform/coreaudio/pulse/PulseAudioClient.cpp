@@ -104,6 +104,17 @@ HRESULT PulseAudioClient::GetBufferSize(UINT32 *frames)
     return *frames > 0 ? S_OK : AUDCLNT_E_DEVICE_INVALIDATED;
 }
 
+HRESULT PulseAudioClient::GetCurrentPadding(UINT32 *frames)
+{
+    if (!frames)
+        return E_POINTER;
+    *frames = 0;
+    if (!m_stream)
+        return AUDCLNT_E_NOT_INITIALIZED;
+    *frames = m_stream->peek().frames;
+    return m_stream->isAnswered() ? S_OK : AUDCLNT_E_SERVICE_NOT_RUNNING;
+}
+
 HRESULT PulseAudioClient::Start()
 {
     if (!m_stream)

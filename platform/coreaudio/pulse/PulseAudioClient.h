@@ -20,6 +20,8 @@ public:
                                          REFERENCE_TIME periodicity, const WAVEFORMATEX *format,
                                          LPCGUID session) override;
     HRESULT STDMETHODCALLTYPE GetBufferSize(UINT32 *frames) override;
+    /// The size of the next packet. AUDCLNT_E_SERVICE_NOT_RUNNING while the server does not respond.
+    HRESULT STDMETHODCALLTYPE GetCurrentPadding(UINT32 *frames) override;
 
     /// Float samples at the device's sample rate and channel count.
     HRESULT STDMETHODCALLTYPE GetMixFormat(WAVEFORMATEX **format) override;
@@ -31,7 +33,6 @@ public:
     HRESULT STDMETHODCALLTYPE SetEventHandle(HANDLE) override { return AUDCLNT_E_EVENTHANDLE_NOT_EXPECTED; }
 
     HRESULT STDMETHODCALLTYPE GetStreamLatency(REFERENCE_TIME *) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetCurrentPadding(UINT32 *) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE IsFormatSupported(AUDCLNT_SHAREMODE, const WAVEFORMATEX *, WAVEFORMATEX **) override
     {
         return E_NOTIMPL;

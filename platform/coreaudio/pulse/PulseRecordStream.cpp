@@ -17,6 +17,9 @@ constexpr pa_usec_t kPacketUs = 40 * PA_USEC_PER_MSEC;
 constexpr double kTimingIntervalUs = 250 * PA_USEC_PER_MSEC;
 constexpr double kTimingMaxAgeUs = 500 * PA_USEC_PER_MSEC;
 
+/// Half a second of peeks. A count, because after a stall of this process the answer has yet to be read.
+constexpr int kMaxUnansweredPeeks = 25;
+
 /// How far statements of the same time may differ.
 constexpr double kTimingJitterUs = 15 * PA_USEC_PER_MSEC;
 } // namespace
@@ -86,6 +89,12 @@ bool PulseRecordStream::isAlive() const
     return pa_stream_get_state(m_stream) == PA_STREAM_READY;
 }
 
+bool PulseRecordStream::isAnswered() const
+{
+    const PulseConnection::Lock lock(*m_connection);
+    return m_unansweredPeeks < kMaxUnansweredPeeks;
+}
+
 /// Does not wait for the reply: if the stream has died in the meantime, its state shows it.
 bool PulseRecordStream::setCorked(bool isCorked)
 {
@@ -110,6 +119,7 @@ PulseRecordStream::Packet PulseRecordStream::peek()
     const double nowUs = double(pa_rtclock_now());
     if (!m_firstFrameUs || nowUs - m_timedAtUs > kTimingIntervalUs)
         requestTiming();
+    m_unansweredPeeks = m_timingRequest ? m_unansweredPeeks + 1 : 0;
     if (!m_firstFrameUs || nowUs - m_timedAtUs > kTimingMaxAgeUs)
         return {};
     const void *data = nullptr;
@@ -170,6 +180,7 @@ void PulseRecordStream::requestStreamTiming()
 void PulseRecordStream::onTiming(bool isKnown)
 {
     pa_operation_unref(std::exchange(m_timingRequest, nullptr));
+    m_unansweredPeeks = 0;
     const pa_timing_info *timing = isKnown ? pa_stream_get_timing_info(m_stream) : nullptr;
     if (!timing)
         return;

@@ -25,6 +25,8 @@ public:
     PulseRecordStream &operator=(const PulseRecordStream &) = delete;
 
     bool isAlive() const;
+    /// False while the server leaves requests unanswered, although peek() was called often since.
+    bool isAnswered() const;
     bool start() { return setCorked(false); }
     bool stop() { return setCorked(true); }
 
@@ -67,6 +69,7 @@ private:
     std::optional<double> m_firstFrameUs;       // time of the stream's first frame, as if there were no gaps
     std::optional<double> m_statedFirstFrameUs; // what the server stated last
     double m_timedAtUs = 0;                     // when m_firstFrameUs was last confirmed
+    int m_unansweredPeeks = 0;                  // since the request
 };
 
 } // namespace kel

@@ -141,13 +141,12 @@ void VoiceTrackTest::continuesWithoutSound()
     };
     {
         const EnvironmentChange noServer("PULSE_SERVER", "unix:/nonexistent/socket");
-        QCOMPARE(failuresOf(false), QStringList{"System audio track: the sound system does not respond; "
-                                                "the sound output is recorded as soon as it does"});
+        QCOMPARE(failuresOf(false), QStringList{"System audio track: the sound system does not respond"});
     }
     QVERIFY(Tone::control({"set-default-source", "speakers.monitor"}));
     const QStringList failures = failuresOf(true);
     QVERIFY(Tone::control({"set-default-source", "microphone.monitor"}));
-    QVERIFY2(failures.first().startsWith("Microphone track: there is no microphone"), qPrintable(failures.first()));
+    QCOMPARE(failures.first(), QString("Microphone track: there is no microphone"));
 }
 
 QTEST_MAIN(VoiceTrackTest)

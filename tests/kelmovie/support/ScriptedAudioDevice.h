@@ -26,7 +26,7 @@ public:
         Idle,     ///< nothing is played, so there are no packets
         Playing,  ///< a packet every 10 ms
         Silenced, ///< the same, but the packets are flagged as silent
-        Stalled,  ///< packets are made, but delivered only when this mode ends
+        Stalled,  ///< packets are made, but delivered only when this mode ends; the system does not respond
         Gone,     ///< unplugged: every call fails
         Hung      ///< calls do not return until this mode ends
     };
@@ -253,7 +253,11 @@ private:
             return device.acceptsEvents ? S_OK : E_FAIL;
         }
         HRESULT STDMETHODCALLTYPE GetStreamLatency(REFERENCE_TIME *) override { return E_NOTIMPL; }
-        HRESULT STDMETHODCALLTYPE GetCurrentPadding(UINT32 *) override { return E_NOTIMPL; }
+        HRESULT STDMETHODCALLTYPE GetCurrentPadding(UINT32 *) override
+        {
+            const Lock lock(device.m_mutex);
+            return device.m_mode == Mode::Stalled ? AUDCLNT_E_SERVICE_NOT_RUNNING : S_OK;
+        }
         HRESULT STDMETHODCALLTYPE IsFormatSupported(AUDCLNT_SHAREMODE, const WAVEFORMATEX *, WAVEFORMATEX **) override
         {
             return E_NOTIMPL;

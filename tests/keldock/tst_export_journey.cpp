@@ -1,9 +1,11 @@
 #include "keldock/ColorScene.h"
 #include "keldock/Keldock.h"
 #include "keldock/RecordingFiles.h"
+#include "support/FileSizeLimit.h"
 #include "support/StopSignals.h"
 
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <QtTest>
 
 /// Exporting from the command line, with the real program.
@@ -18,6 +20,8 @@ private slots:
     void refusesExport_data();
     void refusesExport();
     void refusesDevice();
+    void fullDiskKeepsOldFiles();
+    void exportsRecordedPixels();
     void cancelledExportLeavesNothing();
     void showsProgressOnTerminal();
     void damagedRecording_data();
@@ -98,6 +102,34 @@ void ExportJourneyTest::refusesDevice()
 {
     const Keldock keldock = Keldock::run({"export", m_recording, "/dev/null", "--format", "gif"});
     QVERIFY2(keldock.failedWith("not a regular file"), qPrintable(keldock.errors));
+}
+
+void ExportJourneyTest::fullDiskKeepsOldFiles()
+{
+    const FileSizeLimit limit(200); // of the program, too
+    for (const QStringList &arguments : {QStringList{"frame", m_recording, "5", path("full.png")},
+                                         QStringList{"export", m_recording, path("full.mp4")}}) {
+        QVERIFY(writeAll(arguments.last(), "an older file"));
+        const Keldock keldock = Keldock::run(arguments);
+        QVERIFY2(keldock.failedWith(FileSizeLimit::errorText()), qPrintable(keldock.errors));
+        QCOMPARE(readAll(arguments.last()), QByteArray("an older file"));
+    }
+}
+
+void ExportJourneyTest::exportsRecordedPixels()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QT_SCALE_FACTOR", "2");
+    const QString scaled = path("scaled");
+    const Keldock recorded =
+        Keldock::run({"record", "--area", "0,0,60x40", "--duration", "0.3", "--out", scaled}, environment);
+    QVERIFY2(recorded.status == 0, qPrintable(recorded.errors));
+    const auto exportedWidth = [&](const QStringList &options) {
+        const Keldock keldock = Keldock::run(QStringList{"export", scaled, path("scaled.gif")} + options);
+        return keldock.status == 0 ? qFromLittleEndian<quint16>(readAll(path("scaled.gif")).constData() + 6) : -1;
+    };
+    QCOMPARE(exportedWidth({}), 120);
+    QCOMPARE(exportedWidth({"--size", "60x40"}), 60);
 }
 
 void ExportJourneyTest::cancelledExportLeavesNothing()

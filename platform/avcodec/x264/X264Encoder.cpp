@@ -5,6 +5,7 @@
 
 extern "C" {
 #include <libavutil/imgutils.h>
+#include <libavutil/log.h>
 }
 
 #include <QDebug>
@@ -41,7 +42,7 @@ void appendParameterSet(QByteArray &record, const QByteArray &set)
 bool isDecodable(const QSize &size)
 {
     const auto macroblocks = [](int side) { return unsigned(side + 15) / 16 * 16; };
-    return av_image_check_size(macroblocks(size.width()), macroblocks(size.height()), 0, nullptr) >= 0;
+    return av_image_check_size(macroblocks(size.width()), macroblocks(size.height()), AV_LOG_MAX_OFFSET, nullptr) >= 0;
 }
 
 } // namespace

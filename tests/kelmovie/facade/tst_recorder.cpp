@@ -4,6 +4,7 @@
 #include "record/KelRecordTrackManager.h"
 #include "screen/KelScreenManager.h"
 
+#include "support/FileSizeLimit.h"
 #include "support/Files.h"
 #include "support/LogCapture.h"
 
@@ -404,6 +405,16 @@ void RecorderTest::refusesToExport()
     closer.start(5);
     QCOMPARE(errors(), (QStringList{"error: Failed to start export", "error: Failed to start export",
                                     "error: Failed to start export with audio trim"}));
+
+    // What fails later has started.
+    QVERIFY(recorder->startRecording());
+    QTRY_VERIFY(m_script->captures > 0);
+    recorder->stopRecording();
+    QVERIFY(recorder->loadRecording(outputDir()));
+    const FileSizeLimit fullDisk(100);
+    const QStringList failures = errors();
+    QCOMPARE(failures.filter("error: Export failed: ").filter(FileSizeLimit::errorText()).size(), 3);
+    QCOMPARE(failures.size(), 3);
 }
 
 QTEST_MAIN(RecorderTest)

@@ -26,7 +26,7 @@ constexpr int kRate = 48000;
 constexpr int kBlock = kRate / 500; // a flash comes at most this much late
 constexpr int kBeepSamples = kRate / 10;
 constexpr double kBeepHertz = 1000;
-constexpr std::chrono::milliseconds kFlash(100);
+constexpr std::chrono::milliseconds kFlash(500); // seen even at ten times the speed
 
 [[noreturn]] void giveUp(const char *what, const char *why)
 {

@@ -60,6 +60,7 @@ class PlaybackCountdownTrackTest : public QObject
 private slots:
     void timeBox_data();
     void timeBox();
+    void followsRecordingTime();
     void bar_data();
     void bar();
     void drawsNothing_data();
@@ -110,6 +111,28 @@ void PlaybackCountdownTrackTest::timeBox()
     if (!range.isNull())
         track->setRange(kel::RecordingTimeline::Range{range.x(), range.y(), 0, 0, 0});
     QCOMPARE(painted(*track), range.isNull() ? referenceBox(text, 1.5, 10, 9) : referenceBox(text, 1.5, 15, 6));
+}
+
+/// Of 250 frames at nominally 25 a second, which took 26.5 seconds because ticks came late.
+void PlaybackCountdownTrackTest::followsRecordingTime()
+{
+    const kel::RecordingTimeline timeline(250, 25, 26'500);
+    KelPlaybackRules rules;
+    rules.timeFollowsRecording = true;
+    const auto track = makeTrack(timeline.totalFrames(), timeline.fps());
+    track->setContext(timeline, rules);
+    const auto text = [&](int frame) {
+        track->seekToFrame(frame);
+        return painted(*track);
+    };
+    QCOMPARE(text(0), referenceBox("00:00/00:26", 1, 10, 6));
+    QCOMPARE(text(125), referenceBox("00:13/00:26", 1, 10, 6));
+    QCOMPARE(text(249), referenceBox("00:26/00:26", 1, 10, 6));
+    track->setRange(timeline.rangeOf(6'000, 16'000));
+    track->setSpeed(2.0);
+    QCOMPARE(text(10), referenceBox("00:00/00:05", 1, 15, 4));
+    QCOMPARE(text(125), referenceBox("00:03/00:05", 1, 15, 4));
+    QCOMPARE(text(timeline.rangeOf(6'000, 16'000).lastFrame), referenceBox("00:05/00:05", 1, 15, 4));
 }
 
 void PlaybackCountdownTrackTest::bar_data()

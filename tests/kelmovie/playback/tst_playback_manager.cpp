@@ -41,6 +41,7 @@ private slots:
     void decodesEveryNthChange();
     void endOfPlay();
     void lateTimerDoesNotDrift();
+    void followsFrameTimes();
     void playPauseStop();
     void speedIsClamped();
     void releasesDecoders();
@@ -303,6 +304,33 @@ void PlaybackManagerTest::lateTimerDoesNotDrift()
         tickAfter(*manager, late);
     }
     QCOMPARE(manager->currentFrame(), int(24 * elapsed / 1000));
+}
+
+/// At nominally 25 frames a second, of which the clock lost every second one for a while.
+void PlaybackManagerTest::followsFrameTimes()
+{
+    std::vector<qint32> times{1, 100};
+    for (int i = 0; i < 100; ++i)
+        times.push_back(40 * (i + 1) + 40 * qBound(0, i - 20, 50));
+    recording->write("Screen/frame_times.dat", RecordingFixture::bigEndian(times));
+    recording->metadata.durationMs = 6'000;
+    recording->save();
+    const auto manager = load();
+    QCOMPARE(manager->lengthMs(), qint64(6'000));
+    manager->setSpeed(2.0);
+    manager->play();
+    for (const auto &[elapsedMs, frame] : {std::pair(300, 14), {799, 29}, {800, 30}, {2'900, 94}}) {
+        tickAfter(*manager, 1'700'000'000'000 + elapsedMs - nowMs);
+        QCOMPARE(manager->currentFrame(), frame);
+        QCOMPARE(manager->frameAtMs(2 * elapsedMs), frame);
+    }
+    manager->seek(44, true);
+    tickAfter(*manager, 0);
+    QCOMPARE(manager->currentFrame(), 44);
+    tickAfter(*manager, 1'639); // frame 44 appears at 2720 ms
+    QCOMPARE(manager->state(), KelPlaybackTrackManager::Playing);
+    tickAfter(*manager, 1);
+    QCOMPARE(manager->state(), KelPlaybackTrackManager::Stopped);
 }
 
 void PlaybackManagerTest::playPauseStop()

@@ -1,9 +1,9 @@
 #include "export/ExportEncoder.h"
 
 #include "avcodec/KelAVCodecEncoder.h"
-#include "export/BackgroundTasks.h"
 #include "export/ExportDirectory.h"
 #include "export/ExportProgress.h"
+#include "tasks/BackgroundTasks.h"
 
 #include <QScopeGuard>
 

@@ -1,7 +1,6 @@
 #include "export/KelExportPipeline.h"
 
 #include "avcodec/audio/MixAudioVideoTracks.h"
-#include "export/BackgroundTasks.h"
 #include "export/ExportDirectory.h"
 #include "export/ExportFrameMap.h"
 #include "export/ExportInternals.h"
@@ -14,6 +13,7 @@
 #include "playback/PlaybackEngine.h"
 #include "playback/PlaybackInternals.h"
 #include "recording/KelRecordingFiles.h"
+#include "tasks/BackgroundTasks.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
 

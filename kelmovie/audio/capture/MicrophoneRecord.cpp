@@ -16,7 +16,7 @@ SoundRecorder::Source microphone(const QAudioEncoderSettings &settings)
     SoundRecorder::Source source;
     source.flow = eCapture;
     source.format = CaptureFormat::int16(DWORD(settings.sampleRate()), WORD(settings.channelCount()));
-    source.merge = [](const QStringList &parts, const QString &output) { return mergeMicrophoneParts(parts, output); };
+    source.merge = mergeMicrophoneParts;
     source.alreadyRunning = "麦克风录制已在运行中";
     source.notRunning = "麦克风录制未在运行";
     source.notPaused = "麦克风录制未处于暂停状态";

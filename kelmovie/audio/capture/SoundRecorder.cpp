@@ -6,10 +6,14 @@
 #include "files/PrivateFile.h"
 #include "logging/Log.h"
 #include "recording/wav/SoundFiles.h"
+#include "tasks/BackgroundTasks.h"
 
 #include <QDebug>
 #include <QFileInfo>
 
+#include <chrono>
+#include <future>
+#include <numeric>
 #include <utility>
 
 namespace kel
@@ -18,8 +22,16 @@ namespace kel
 namespace
 {
 constexpr unsigned long kStopWaitMs = 3000;
+constexpr std::chrono::seconds kJoinWait(3); // for a disk that responds slowly
+constexpr qint64 kQuicklyJoinedBytes = 64 << 20;
 /// For a thread without a device, which has no more sound to write and may be waiting for a server that hangs.
 constexpr unsigned long kIdleStopWaitMs = 200;
+
+bool isQuicklyJoined(const QStringList &parts)
+{
+    const auto add = [](qint64 bytes, const QString &part) { return bytes + QFileInfo(part).size(); };
+    return parts.size() == 1 || std::accumulate(parts.begin(), parts.end(), qint64(0), add) <= kQuicklyJoinedBytes;
+}
 } // namespace
 
 SoundRecorder::SoundRecorder(const Source &source, const QString &outputPath, FailureHandler failed, QObject *parent,
@@ -96,11 +108,25 @@ void SoundRecorder::stopRecording()
     prepareStop();
     endThread();
     if (!m_parts.isEmpty()) {
-        report(m_source.merge(m_parts, m_outputPath));
+        joinParts();
         m_parts.clear();
         m_partIndex = 0;
     }
     m_isPaused = false;
+}
+
+/// Much sound is joined in the background, because an hour takes seconds. Its parts can be played meanwhile, and stay
+/// if joining them fails.
+void SoundRecorder::joinParts()
+{
+    const bool isWaitedFor = isQuicklyJoined(m_parts);
+    const auto joined = std::make_shared<std::promise<QString>>();
+    std::future<QString> problem = joined->get_future();
+    BackgroundTasks::run([joined, merge = m_source.merge, parts = m_parts, output = m_outputPath] {
+        joined->set_value(merge(parts, output));
+    });
+    if (isWaitedFor && problem.wait_for(kJoinWait) == std::future_status::ready)
+        report(problem.get());
 }
 
 qint64 SoundRecorder::timeOf(qint64 atMs) const

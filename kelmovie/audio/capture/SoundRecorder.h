@@ -55,7 +55,7 @@ public:
     /// Has the capture end soon. To be called before stopRecording() when several sources are stopped: they then end at
     /// the same time.
     void prepareStop();
-    /// Ends the capture and joins the parts into the output file.
+    /// Ends the capture and joins the parts into the output file. Much sound is joined in the background.
     void stopRecording();
 
     /// Recording and not paused, even if there is no device.
@@ -72,6 +72,7 @@ private:
     QString partPath() const;
     bool startThread(qint64 startMs);
     void endThread();
+    void joinParts();
     void reportProblems();
     void report(const QString &problem);
 

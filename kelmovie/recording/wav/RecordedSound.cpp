@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace kel
 {
@@ -15,6 +16,7 @@ namespace
 {
 
 constexpr qint64 kBlockSamples = 1 << 16;
+constexpr std::size_t kMaxOpenFiles = 200; // of the thousand that a process may have open
 
 qint64 bytesOf(const QStringList &files)
 {
@@ -53,12 +55,12 @@ RecordedSound::RecordedSound(const QStringList &files, Integers32 integers32)
 {
     setErrorString(QStringLiteral("There is no sound file"));
     for (const QString &path : files) {
-        WavReader file;
-        QString problem = openProblem(&file, path);
+        auto file = std::make_unique<WavReader>();
+        QString problem = openProblem(file.get(), path);
         if (problem.isEmpty() && m_segments.empty())
-            problem = takeFormat(file, integers32);
+            problem = takeFormat(*file, integers32);
         if (problem.isEmpty()) {
-            add(path, file);
+            add(path, std::move(file));
             continue;
         }
         setErrorString(problem);
@@ -85,14 +87,16 @@ QString RecordedSound::takeFormat(const WavReader &file, Integers32 integers32)
     return problem;
 }
 
-void RecordedSound::add(const QString &path, const WavReader &file)
+void RecordedSound::add(const QString &path, std::unique_ptr<WavReader> file)
 {
-    if (file.hasHeader() && file.fmtChunk() != m_fmtChunk)
+    if (file->hasHeader() && file->fmtChunk() != m_fmtChunk)
         qCWarning(logRecording).noquote() << "[RecordedSound]" << path << "has another format than the file before";
     // Without an incomplete frame, which would swap the channels of all that follows.
-    const qint64 frames = file.dataSize() / (m_converter.storedBytes() * m_header.channelCount);
+    const qint64 frames = file->dataSize() / (m_converter.storedBytes() * m_header.channelCount);
     const qint64 first = m_segments.empty() ? 0 : m_segments.back().end;
-    m_segments.push_back({path, first, first + frames * m_header.channelCount});
+    if (m_segments.size() >= kMaxOpenFiles)
+        file->close();
+    m_segments.push_back({path, std::move(file), first, first + frames * m_header.channelCount});
 }
 
 qint64 RecordedSound::durationMs() const
@@ -148,16 +152,13 @@ qint64 RecordedSound::copySound(char *data, qint64 offset, qint64 size)
 QByteArray RecordedSound::storedSamples(const Segment &segment, qint64 first, qint64 count)
 {
     const int bytes = m_converter.storedBytes();
-    if (m_readPath != segment.path) {
-        m_readPath = segment.path;
-        m_reader.close();
-        if (!m_reader.open(segment.path))
-            qCWarning(logRecording).noquote()
-                << "[RecordedSound] Cannot read" << segment.path << m_reader.errorString();
-    }
+    WavReader &file = *segment.file;
+    const bool isKeptOpen = file.isOpen();
     QByteArray stored;
-    if (m_reader.isOpen() && m_reader.seek((first - segment.first) * bytes))
-        stored = m_reader.read(count * bytes);
+    if ((isKeptOpen || file.open(segment.path)) && file.seek((first - segment.first) * bytes))
+        stored = file.read(count * bytes);
+    if (!isKeptOpen)
+        file.close();
     return stored.append(QByteArray(int(count * bytes) - stored.size(), '\0'));
 }
 

@@ -10,14 +10,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
 #include <vector>
 
 namespace kel
 {
 
 /// The sound of one source of a recording as a single WAV file with the 44 bytes of WavHeader, which exists nowhere: it
-/// reads the sound file or, where the parts have not been joined, the parts in their order. Writes nothing, and holds
-/// one file open and no sound in memory. Random access, from one thread at a time.
+/// reads the sound file or, where the parts have not been joined, the parts in their order. Writes nothing and holds no
+/// sound in memory. Parts that are joined and deleted meanwhile stay readable. Random access, from one thread at a
+/// time.
 ///
 /// Samples that few readers know are converted, see SampleConverter.
 class RecordedSound : public QIODevice
@@ -54,12 +56,13 @@ private:
     /// The samples of a file; a sample is one number of one channel.
     struct Segment {
         QString path;
+        std::unique_ptr<WavReader> file; ///< not open if there are too many
         qint64 first;
         qint64 end;
     };
 
     QString takeFormat(const WavReader &file, Integers32 integers32);
-    void add(const QString &path, const WavReader &file);
+    void add(const QString &path, std::unique_ptr<WavReader> file);
     qint64 copySound(char *data, qint64 offset, qint64 size);
     void setDataSize(qint64 bytes);
     QByteArray storedSamples(const Segment &segment, qint64 first, qint64 count);
@@ -70,8 +73,6 @@ private:
     SampleConverter m_converter;
     std::vector<Segment> m_segments;
     qint64 m_dataSize = 0;
-    WavReader m_reader;
-    QString m_readPath; ///< of m_reader
 };
 
 } // namespace kel

@@ -20,7 +20,6 @@ namespace kel
 namespace
 {
 constexpr qint64 kBlockSize = 1 << 20;
-constexpr qint64 kAudibleMs = 20;
 
 struct Messages {
     const char *cannotRename;
@@ -44,9 +43,8 @@ constexpr Messages kMicrophoneMessages{
 class Merger
 {
 public:
-    Merger(const QString &output, const Messages &messages, const QList<WavPartTime> &times = {})
+    Merger(const QString &output, const Messages &messages)
         : m_messages(messages)
-        , m_times(times)
         , m_outputPath(output)
         , m_output(output + QLatin1String(".tmp"))
     {
@@ -60,20 +58,14 @@ private:
     void rename(const QString &part);
     void join(const QStringList &parts);
     bool begin(const QStringList &parts);
-    bool append(const QString &path, const WavPartTime &time);
-    bool add(WavReader &part, const WavPartTime &time);
-    bool copyData(WavReader &part, qint64 size);
-    bool addSilence(qint64 size);
-    bool write(const QByteArray &sound);
+    bool append(const QString &path);
+    bool copySound(WavReader &part);
     bool finish();
-    qint64 wholeFrames(qint64 size) const;
-    qint64 bytesOf(qint64 ms) const;
     void removeParts();
     void checkOutput();
     void keepProblem(const QString &problem);
 
     const Messages m_messages;
-    const QList<WavPartTime> m_times;
     const QString m_outputPath;
     PrivateFile m_output; ///< becomes the output when it is complete
     WavHeader m_header;
@@ -96,27 +88,21 @@ void Merger::merge(const QStringList &parts)
     checkOutput();
 }
 
-/// Whether the part can be the output as it is: it begins like all our files, and is not noticeably shorter than its
-/// recorded time. Nothing could be improved in a file without a usable header.
+/// Whether the part can be the output as it is: it begins like all our files, or has no header that could be improved.
 bool Merger::isComplete(const QString &path) const
 {
-    const WavPartTime time = m_times.value(0);
     WavReader part;
-    if (!part.open(path) || !part.isIntact())
-        return true;
-    const bool isLate = time.durationMs > 0 && part.header().byteRate > 0 &&
-                        part.dataSize() * 1000 / part.header().byteRate < time.durationMs + time.surplusMs - kAudibleMs;
-    return part.isCanonical() && !isLate;
+    return !part.open(path) || !part.isIntact() || part.isCanonical();
 }
 
 void Merger::rename(const QString &part)
 {
-    QFile file(part);
-    if (file.rename(m_outputPath))
+    const QString problem = renameOver(part, m_outputPath);
+    if (problem.isEmpty())
         return;
     qCWarning(logRecording) << m_messages.cannotRename << part << "到" << m_outputPath;
-    if (file.exists())
-        keepProblem(file.errorString());
+    if (QFileInfo::exists(part))
+        keepProblem(problem);
 }
 
 /// All or nothing: the parts stay until the output is complete.
@@ -127,12 +113,10 @@ void Merger::join(const QStringList &parts)
         keepProblem(m_output.errorString());
         return;
     }
-    bool isWritten = begin(parts);
-    for (int i = 0; i < parts.size() && isWritten; ++i)
-        isWritten = append(parts[i], m_times.value(i));
-    isWritten = isWritten && finish();
+    const auto isAppended = [this](const QString &part) { return append(part); };
+    const bool isComplete = begin(parts) && std::all_of(parts.begin(), parts.end(), isAppended) && finish();
     m_output.close();
-    if (isWritten)
+    if (isComplete)
         removeParts();
     else
         QFile::remove(m_output.fileName());
@@ -159,28 +143,46 @@ bool Merger::begin(const QStringList &parts)
     return false;
 }
 
-/// Puts silence in place of an unusable part.
-bool Merger::append(const QString &path, const WavPartTime &time)
+/// Skips an unusable part. False when the output is not to be used.
+bool Merger::append(const QString &path)
 {
     WavReader part;
-    const bool isOpen = part.open(path);
-    const bool isUsable = isOpen && !part.isTooShort();
-    if (!isOpen)
+    if (!part.open(path)) {
         qCWarning(logRecording) << m_messages.cannotOpenPart << path;
-    else if (!isUsable)
+        return true;
+    }
+    if (part.isTooShort()) {
         qCWarning(logRecording) << m_messages.partTooShort << path;
-    else if (part.hasHeader() && part.fmtChunk() != m_fmtChunk)
+        return true;
+    }
+    if (part.hasHeader() && part.fmtChunk() != m_fmtChunk)
         qCWarning(logRecording) << m_messages.formatDiffers;
-    if (!(isUsable ? add(part, time) : addSilence(bytesOf(time.durationMs)))) {
+    if (!copySound(part)) {
         keepProblem(m_output.errorString());
         return false;
     }
-    if (isUsable && part.hasReadError()) {
+    if (part.hasReadError()) {
         keepProblem(QStringLiteral("cannot read all of %1: %2").arg(path, part.errorString()));
         return false;
     }
-    if (isUsable)
-        m_joined.append(path);
+    m_joined.append(path);
+    return true;
+}
+
+/// Leaves out an incomplete frame, which a crash may have left: it would swap the channels of all that follows. Stops
+/// early when the part cannot be read to its end; false when the output cannot be written.
+bool Merger::copySound(WavReader &part)
+{
+    qint64 left = part.dataSize() - part.dataSize() % qMax<qint64>(1, m_header.blockAlign);
+    while (left > 0) {
+        const QByteArray bytes = part.read(qMin(kBlockSize, left));
+        if (bytes.isEmpty())
+            return true;
+        if (!writeAll(m_output, bytes))
+            return false;
+        left -= bytes.size();
+        m_total += bytes.size();
+    }
     return true;
 }
 
@@ -203,55 +205,6 @@ void Merger::removeParts()
         if (!QFile::remove(part))
             qCWarning(logRecording) << m_messages.cannotDelete << part;
     });
-}
-
-/// Adds silence for the time before the sound began and for what is missing at its end.
-bool Merger::add(WavReader &part, const WavPartTime &time)
-{
-    const qint64 size = qMax(qint64(0), wholeFrames(part.dataSize()) - bytesOf(time.surplusMs));
-    const qint64 missing = qMax(qint64(0), bytesOf(time.durationMs) - size);
-    const qint64 late = qMin(missing, bytesOf(time.lateMs));
-    return addSilence(late) && copyData(part, size) && addSilence(missing - late);
-}
-
-/// Leaves out an incomplete frame, which a crash may have left: it would swap the channels of all that follows.
-qint64 Merger::wholeFrames(qint64 size) const
-{
-    return size - size % qMax<qint64>(1, m_header.blockAlign);
-}
-
-qint64 Merger::bytesOf(qint64 ms) const
-{
-    return wholeFrames(ms * m_header.byteRate / 1000);
-}
-
-bool Merger::addSilence(qint64 size)
-{
-    for (qint64 added = 0; added < size; added += kBlockSize) {
-        if (!write(QByteArray(int(qMin(kBlockSize, size - added)), '\0')))
-            return false;
-    }
-    return true;
-}
-
-/// Stops early when the part cannot be read to its end; false when the output cannot be written.
-bool Merger::copyData(WavReader &part, qint64 size)
-{
-    for (qint64 copied = 0; copied < size;) {
-        const QByteArray bytes = part.read(qMin(kBlockSize, size - copied));
-        if (bytes.isEmpty())
-            return true;
-        if (!write(bytes))
-            return false;
-        copied += bytes.size();
-    }
-    return true;
-}
-
-bool Merger::write(const QByteArray &sound)
-{
-    m_total += sound.size();
-    return writeAll(m_output, sound);
 }
 
 void Merger::checkOutput()
@@ -292,9 +245,9 @@ QString mergePartFiles(const QStringList &parts, const QString &output)
     return merger.problem();
 }
 
-QString mergeMicrophoneParts(const QStringList &parts, const QString &output, const QList<WavPartTime> &times)
+QString mergeMicrophoneParts(const QStringList &parts, const QString &output)
 {
-    Merger merger(output, kMicrophoneMessages, times);
+    Merger merger(output, kMicrophoneMessages);
     merger.merge(parts);
     return merger.problem();
 }

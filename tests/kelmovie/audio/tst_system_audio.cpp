@@ -4,7 +4,9 @@
 #include "support/FileSizeLimit.h"
 #include "support/LogCapture.h"
 #include "support/TestTable.h"
+#include "tasks/BackgroundTasks.h"
 
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -78,6 +80,7 @@ private slots:
     void hangs_data();
     void hangs();
     void refusesRepeatedCalls();
+    void joinsMuchInTheBackground();
     void fullDiskKeepsRecordedSound();
     void headerIsCurrentWhileRecording();
 };
@@ -325,6 +328,35 @@ void SystemAudioTest::refusesRepeatedCalls()
     QCOMPARE(logged.take(),
              QStringList({"W 系统音频录制未在运行", "W 系统音频录制未处于暂停状态", "W 系统音频录制已在运行中"}));
     QCOMPARE(session.sound().size(), 100);
+}
+
+/// The stop does not wait until much sound is joined.
+void SystemAudioTest::joinsMuchInTheBackground()
+{
+    const QTemporaryDir directory;
+    ScriptedAudioDevice device;
+    QSemaphore gate;
+    QStringList joined;
+    SoundRecorder::Source source;
+    source.merge = [&](const QStringList &parts, const QString &) {
+        if (gate.tryAcquire(1, kWaitMs))
+            joined = parts;
+        return QString();
+    };
+    SoundRecorder record(source, directory.filePath("Voice/sound.wav"), {}, nullptr, device.dependencies());
+    QVERIFY(record.start());
+    device.advance(200);
+    record.pause();
+    record.resume();
+    device.advance(200);
+    record.pause();
+    const QString part = directory.filePath("Voice/sound_part0.wav");
+    QVERIFY(QFile::resize(part, 1 << 30));
+    record.stopRecording();
+    QVERIFY(joined.isEmpty());
+    gate.release();
+    BackgroundTasks::wait(std::chrono::milliseconds(kWaitMs));
+    QCOMPARE(joined, QStringList({part, directory.filePath("Voice/sound_part1.wav")}));
 }
 
 void SystemAudioTest::fullDiskKeepsRecordedSound()

@@ -52,7 +52,6 @@ private slots:
     void join_data();
     void join();
     void fullDiskLosesNoSound();
-    void microphoneSoundKeepsItsTime();
 };
 
 void WavPartsTest::headerBytes()
@@ -184,29 +183,6 @@ void WavPartsTest::fullDiskLosesNoSound()
     QCOMPARE(mergePartFiles(paths, output), QString());
     QVERIFY(readFile(output) == wav(A + B + C, 44100, (A + B + C).size()));
     QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList{"s.wav"});
-}
-
-/// 1000 frames of 4 bytes a second: one per millisecond.
-void WavPartsTest::microphoneSoundKeepsItsTime()
-{
-    const QTemporaryDir directory;
-    QStringList paths;
-    for (int i = 0; i < 4; ++i)
-        paths << directory.filePath(QString("m_part%1.wav").arg(i));
-    writeFile(paths[0], wav(QByteArray(400 * 4, 'a'), 1000)); // started late, and was recorded 10 ms too long
-    writeFile(paths[1], wav(QByteArray(90 * 4, 'b'), 1000));  // delivered too little
-    writeFile(paths[3], wav(QByteArray(50 * 4, 'd'), 1000));  // follows a part that was never written
-    QCOMPARE(mergeMicrophoneParts(paths, directory.filePath("m.wav"),
-                                  {{500, 110, 10}, {200, 20, 0}, {30, 0, 0}, {50, 0, 0}}),
-             QString());
-    const auto frames = [](int count, char value) { return QByteArray(count * 4, value); };
-    const QByteArray joined =
-        frames(110, 0) + frames(390, 'a') + frames(20, 0) + frames(90, 'b') + frames(90 + 30, 0) + frames(50, 'd');
-    QVERIFY(readFile(directory.filePath("m.wav")) == wav(joined, 1000, joined.size()));
-
-    writeFile(paths[0], wav(QByteArray(400 * 4, 'a'), 1000));
-    mergeMicrophoneParts({paths[0]}, directory.filePath("late.wav"), {{500, 100, 0}});
-    QVERIFY(readFile(directory.filePath("late.wav")) == wav(frames(100, 0) + frames(400, 'a'), 1000, 500 * 4));
 }
 
 QTEST_GUILESS_MAIN(WavPartsTest)

@@ -1,4 +1,4 @@
-#include "export/BackgroundTasks.h"
+#include "tasks/BackgroundTasks.h"
 
 #include <QCoreApplication>
 

@@ -2,9 +2,11 @@
 
 #include "Figure.h"
 #include "playback/keys/KelPlaybackKeyboardTrack.h"
+#include "playback/keys/KeyDisplayListBuilder.h"
 #include "playback/mouse/KelPlaybackMouseTrack.h"
 #include "playback/mouse/PointerList.h"
 #include "recording/KelRecordingFiles.h"
+#include "recording/RecordingTimeline.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -156,10 +158,10 @@ void writeKeys(const QString &dir)
 KeyOverlayStyle wholeHistory()
 {
     KeyOverlayStyle style;
-    style.showKeyType = 15;
+    style.display.shownTypes = 15;
     style.fontSizePx = 22;
     style.historyFontSizePx = 20;
-    style.limits.keepTimeSeconds = 60;
+    style.display.keepTimeSeconds = 60;
     return style;
 }
 
@@ -169,8 +171,9 @@ void measureKeys(const QString &dir)
     printFigure("100000 keys: read", msOf([&] { readKeyLog(dir, recording); }), "ms");
     const std::size_t before = allocatedBytes();
     KeyDisplayList list;
-    const double buildMs =
-        msOf([&] { list = KeyDisplayListBuilder::build(recording, kKeyFrames, wholeHistory().limits); });
+    const double buildMs = msOf([&] {
+        list = KeyDisplayListBuilder::build(recording, kKeyFrames, wholeHistory().display, {}, RecordingTimeline());
+    });
     const std::size_t after = allocatedBytes();
     printFigure("100000 keys: display list of a million frames", buildMs, "ms");
     printFigure("100000 keys: memory of the display list", double(after - before) / 1e6, "MB");

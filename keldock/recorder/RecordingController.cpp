@@ -104,6 +104,7 @@ void RecordingController::startRecorder()
     config.fps = std::clamp(gKelMovieConfig.recordFps, 1, kMaxFps);
     config.enableMouse = gKelMovieConfig.recordMouse;
     config.enableKeyboard = gKelMovieConfig.recordKeyboard;
+    config.keepsKeysAcrossPauses = true;
     config.enableSystemAudio = gKelMovieConfig.recordRecordSystemAudio;
     config.enableMicrophone = gKelMovieConfig.recordRecordMicrophone;
     m_recorder->setRecordConfig(config);

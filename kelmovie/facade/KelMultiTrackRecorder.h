@@ -34,6 +34,8 @@ public:
         bool enableKeyboard = false;     ///< record keys, everything typed included
         bool enableSystemAudio = false;  ///< record the sound that the computer plays
         bool enableMicrophone = false;   ///< record the microphone
+        /// Resuming keeps the keys from before the pause. By default it discards them.
+        bool keepsKeysAcrossPauses = false;
     };
 
     explicit KelMultiTrackRecorder(QObject *parent = nullptr);

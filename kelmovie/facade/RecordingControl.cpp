@@ -27,6 +27,7 @@ KelRecordTrackManager::Config managerConfig(const KelMultiTrackRecorder::RecordC
     result.screen = config.enableScreen;
     result.mouse = config.enableMouse;
     result.keyboard = config.enableKeyboard;
+    result.keepsKeysAcrossPauses = config.keepsKeysAcrossPauses;
     result.systemAudio = config.enableSystemAudio;
     result.microphone = config.enableMicrophone;
     return result;

@@ -47,11 +47,11 @@ KeyOverlayStyle keyOverlayStyle(const KelMovieConfig &config)
                    std::min(kMinHistoryFontSizePx, style.fontSizePx), style.fontSizePx);
     style.fontColor = validColor(config.playbackKeyboardFontColor, style.fontColor);
     style.bgColor = validColor(config.playbackKeyboardBgColor, style.bgColor);
-    style.limits.keepTimeSeconds = std::clamp(config.playbackKeyboardKeepTime, 0, kMaxSeconds);
-    style.limits.maxHistoryCount = std::max(config.playbackKeyboardMaxHistoryCount, 0);
-    style.limits.maxContinueChar = std::clamp(config.playbackKeyboardMaxContinueChar, 1, kMaxContinueChar);
+    style.display.keepTimeSeconds = std::clamp(config.playbackKeyboardKeepTime, 0, kMaxSeconds);
+    style.display.maxHistoryCount = std::max(config.playbackKeyboardMaxHistoryCount, 0);
+    style.display.maxContinueChar = std::clamp(config.playbackKeyboardMaxContinueChar, 1, kMaxContinueChar);
     style.displayPos = config.playbackKeyboardDisplayPos;
-    style.showKeyType = config.playbackKeyboardShowKeyType;
+    style.display.shownTypes = config.playbackKeyboardShowKeyType;
     return style;
 }
 

@@ -20,10 +20,18 @@ using namespace kel;
 class KelRecordKeyboardTrackPrivate : public KelKeyMouseHook
 {
 public:
+    using AtResume = KelRecordKeyboardTrack::AtResume;
+
+    explicit KelRecordKeyboardTrackPrivate(AtResume atResume)
+        : m_atResume(atResume)
+    {
+    }
     ~KelRecordKeyboardTrackPrivate() override { setHookType(NoKind); }
 
     void setCurrentFrame(int frameIndex) { m_frameStamp.setCurrentFrame(frameIndex); }
-    void begin();
+    /// Starts or resumes; false if there are records from before.
+    bool begin();
+    void pause();
     void end();
     void switchOn();
     void switchOff();
@@ -34,8 +42,10 @@ protected:
     bool OnKeyboardEvent(KelKeyboardEvent event) override;
 
 private:
+    void remove(bool marksGap);
     void add(int key, bool isPressed);
 
+    const AtResume m_atResume;
     EventFrameStamp m_frameStamp;
     std::mutex m_switchMutex; // locked before m_mutex
     bool m_isSwitchedOff = false;
@@ -45,25 +55,40 @@ private:
     bool m_isHookInstalled = false; // its keys are recorded
 };
 
-void KelRecordKeyboardTrackPrivate::begin()
+bool KelRecordKeyboardTrackPrivate::begin()
 {
     std::lock_guard switches(m_switchMutex);
-    takeRecords();
+    if (m_atResume == AtResume::Discard)
+        takeRecords();
     // A user who switched capture off may be typing a password: neither a resume nor a late start switches it on.
     if (!m_isSwitchedOff)
         setHookType(Keyboard);
     std::lock_guard lock(m_mutex);
     m_isRecording = true;
     m_isHookInstalled = !m_isSwitchedOff;
-    if (m_isSwitchedOff)
-        add(0, false);
+    const bool isNew = m_records.empty();
+    if (m_isSwitchedOff || !isNew)
+        add(0, !m_isSwitchedOff);
+    return isNew;
+}
+
+void KelRecordKeyboardTrackPrivate::pause()
+{
+    remove(m_atResume == AtResume::Keep);
 }
 
 void KelRecordKeyboardTrackPrivate::end()
 {
+    remove(false);
+}
+
+void KelRecordKeyboardTrackPrivate::remove(bool marksGap)
+{
     std::lock_guard switches(m_switchMutex);
     {
         std::lock_guard lock(m_mutex);
+        if (marksGap && m_isHookInstalled)
+            add(0, false);
         m_isRecording = false;
         m_isHookInstalled = false;
     }
@@ -128,9 +153,9 @@ void KelRecordKeyboardTrackPrivate::add(int key, bool isPressed)
     m_records.push_back({qint32_le(key), quint32_le(isPressed), qint32_le(m_frameStamp.frameOfEvent())});
 }
 
-KelRecordKeyboardTrack::KelRecordKeyboardTrack(const QRect &recordArea, const QString &trackDir)
+KelRecordKeyboardTrack::KelRecordKeyboardTrack(const QRect &recordArea, const QString &trackDir, AtResume atResume)
     : KelRecordTrack(recordArea, trackDir)
-    , d(std::make_unique<KelRecordKeyboardTrackPrivate>())
+    , d(std::make_unique<KelRecordKeyboardTrackPrivate>(atResume))
     , m_file(KelRecordingFiles::path(trackDir, KelRecordingFiles::kKeyLog), recordArea.size())
 {
     setObjectName(KelTrackNames::kKeyboard);
@@ -148,13 +173,13 @@ void KelRecordKeyboardTrack::startRecording()
 {
     if (!m_coreDumpBlock)
         m_coreDumpBlock.emplace();
-    d->begin();
-    m_file.restart();
+    if (d->begin())
+        m_file.restart();
 }
 
 void KelRecordKeyboardTrack::pauseRecording()
 {
-    d->end();
+    d->pause();
 }
 
 void KelRecordKeyboardTrack::stopRecording(qint64, qint64)

@@ -13,14 +13,19 @@ class KelRecordKeyboardTrackPrivate;
 ///
 /// Typed text is secret: only its owner can read the file, a crash dumps no memory, and while capture is off, no key
 /// reaches this process.
-/// Resuming after a pause starts an empty log: the keys from before the pause are discarded.
 class KelRecordKeyboardTrack : public KelRecordTrack
 {
     Q_OBJECT
 
 public:
+    /// What a resume does with the keys from before the pause.
+    enum class AtResume {
+        Discard, ///< starts an empty log
+        Keep     ///< keeps them; markers in the log enclose the pause
+    };
+
     /// Creates `trackDir`.
-    KelRecordKeyboardTrack(const QRect &recordArea, const QString &trackDir);
+    KelRecordKeyboardTrack(const QRect &recordArea, const QString &trackDir, AtResume atResume = AtResume::Discard);
     ~KelRecordKeyboardTrack() override;
 
     void recordFrame(int frameIndex) override;

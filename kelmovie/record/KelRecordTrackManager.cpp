@@ -75,8 +75,11 @@ void KelRecordTrackManager::createTracks()
             new KelRecordScreenTrack(m_recordArea, createTrackDir(KelRecordingFiles::kScreenDir), 0, kScreenQuality));
     if (m_config.mouse)
         addTrack(new KelRecordMouseTrack(m_recordArea, createTrackDir(KelRecordingFiles::kMouseDir)));
-    if (m_config.keyboard)
-        addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(KelRecordingFiles::kKeyboardDir)));
+    if (m_config.keyboard) {
+        using AtResume = KelRecordKeyboardTrack::AtResume;
+        addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(KelRecordingFiles::kKeyboardDir),
+                                            m_config.keepsKeysAcrossPauses ? AtResume::Keep : AtResume::Discard));
+    }
     if (m_config.systemAudio || m_config.microphone) {
         m_voiceTrack = new KelRecordVoiceTrack(m_recordArea, createTrackDir(KelRecordingFiles::kVoiceDir), this);
         m_voiceTrack->setFailureHandler(

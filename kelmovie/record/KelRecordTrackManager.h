@@ -36,6 +36,7 @@ public:
         bool screen = true;
         bool mouse = false;
         bool keyboard = false;
+        bool keepsKeysAcrossPauses = false;
         bool systemAudio = false;
         bool microphone = false;
     };

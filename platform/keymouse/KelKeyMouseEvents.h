@@ -4,7 +4,7 @@
 
 /// A key press or release anywhere on the desktop.
 struct KelKeyboardEvent {
-    int key;   ///< a Qt::Key value as in QKeyEvent::key(); never 0
+    int key;   ///< a Qt::Key value; Qt::Key_Meta for the Windows key, on every system; never 0
     int state; ///< 1 pressed (again for every auto-repeat), 0 released
 };
 static_assert(sizeof(KelKeyboardEvent) == 8, "contains only key code and state");

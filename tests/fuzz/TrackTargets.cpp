@@ -117,12 +117,18 @@ void keyLog(const QByteArray &input)
     KeyLog log;
     readKeyLog(directoryOf(writeScratch("keyboard.keymeta", input)), log);
     expect(log.fps >= 1 && log.fps <= KelRecordingMetadata::kMaxFps, "the frame rate is in its range");
-    const KeyDisplayList list = KeyDisplayListBuilder::build(log, kLastFrame, KeyDisplayListBuilder::Limits());
-    for (const KeyDisplayEntry &entry : list.entries) {
-        expect(entry.firstFrame <= entry.lastFrame, "an entry does not end before it begins");
-        expect(entry.historyBegin >= 0 && entry.historyBegin <= entry.historyEnd &&
-                   entry.historyEnd <= int(list.past.size()),
-               "the history of an entry exists");
+    const RecordingTimeline timeline(kLastFrame, log.fps, 0);
+    for (const KelPlaybackRules &rules : {KelPlaybackRules(), KelPlaybackRules::recommended()}) {
+        const KeyDisplayList list =
+            KeyDisplayListBuilder::build(log, kLastFrame, KeyDisplaySettings(), rules, timeline);
+        int last = -1;
+        for (const KeyDisplayEntry &entry : list.entries) {
+            expect(last < entry.firstFrame && entry.firstFrame <= entry.lastFrame, "entries are in order");
+            last = entry.lastFrame;
+            expect(entry.historyBegin >= 0 && entry.historyBegin <= entry.historyEnd &&
+                       entry.historyEnd <= int(list.past.size()),
+                   "the history of an entry exists");
+        }
     }
 }
 

@@ -126,6 +126,7 @@ void RecordCommand::parseTracks(Arguments &options)
             options.reject(QStringLiteral("--%1 and --no-%1 cannot be combined").arg(name));
         m_config.*track.enabled = isIncluded || (track.isDefault && !isExcluded);
     }
+    m_config.keepsKeysAcrossPauses = true;
 }
 
 QString RecordCommand::run()

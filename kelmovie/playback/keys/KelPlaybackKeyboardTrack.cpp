@@ -2,6 +2,7 @@
 
 #include "logging/Log.h"
 #include "playback/keys/KeyBoxPainter.h"
+#include "playback/keys/KeyDisplayListBuilder.h"
 
 #include <QPainter>
 
@@ -38,12 +39,18 @@ KelPlaybackKeyboardTrack::KelPlaybackKeyboardTrack(const QString &directory, int
 
 void KelPlaybackKeyboardTrack::build()
 {
-    m_list = KeyDisplayListBuilder::build(m_recording, m_totalFrames, m_style.limits);
+    m_list = KeyDisplayListBuilder::build(m_recording, m_totalFrames, m_style.display, rules(), timeline());
+}
+
+void KelPlaybackKeyboardTrack::setContext(const RecordingTimeline &timeline, const KelPlaybackRules &rules)
+{
+    KelPlaybackTrack::setContext(timeline, rules);
+    build();
 }
 
 void KelPlaybackKeyboardTrack::setStyle(const KeyOverlayStyle &style)
 {
-    const bool isListStale = !(style.limits == m_style.limits);
+    const bool isListStale = !(style.display == m_style.display);
     m_style = style;
     if (!isListStale)
         return;
@@ -79,7 +86,7 @@ KelPlaybackKeyboardTrack::Shown KelPlaybackKeyboardTrack::shown() const
     Shown shown;
     if (m_entry < 0 || !m_style.enabled)
         return shown;
-    const auto isShown = [this](const KeyDisplayItem &item) { return (item.type & m_style.showKeyType) != 0; };
+    const auto isShown = [this](const KeyDisplayItem &item) { return (item.type & m_style.display.shownTypes) != 0; };
     const KeyDisplayEntry &entry = m_list.entries[size_t(m_entry)];
     if (isShown(entry.current))
         shown.current = &entry.current;
@@ -119,7 +126,7 @@ int KelPlaybackKeyboardTrack::nextKeyFrame()
 
 bool KelPlaybackKeyboardTrack::isVisible()
 {
-    return m_style.enabled && m_style.showKeyType != 0;
+    return m_style.enabled && m_style.display.shownTypes != 0;
 }
 
 void KelPlaybackKeyboardTrack::resetHistory()

@@ -22,6 +22,8 @@ public:
     KelPlaybackKeyboardTrack(const QString &directory, int totalFrames, double pixelRatio, const QSize &frameSize,
                              KelPlaybackTrackManager *manager);
 
+    void setContext(const kel::RecordingTimeline &timeline, const KelPlaybackRules &rules) override;
+
     /// Applies to the current frame, too.
     void setStyle(const kel::KeyOverlayStyle &style);
     const kel::KeyOverlayStyle &style() const { return m_style; }

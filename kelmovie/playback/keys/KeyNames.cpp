@@ -36,6 +36,11 @@ bool isPrintable(int key)
     }
 }
 
+bool isSpace(int key)
+{
+    return QChar::category(uint(key)) == QChar::Separator_Space;
+}
+
 /// For unknown keys, QKeySequence returns arbitrary characters.
 bool isName(const QString &text)
 {
@@ -91,15 +96,30 @@ bool isCharacterKey(int key)
     return (key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9);
 }
 
+bool typesCharacter(int key)
+{
+    return key > 0 && key < kFirstNamedKey;
+}
+
+bool composesCharacter(int key)
+{
+    return key == Qt::Key_Multi_key || (key >= Qt::Key_Dead_Grave && key <= Qt::Key_Dead_Longsolidusoverlay);
+}
+
 QString keyText(int key)
 {
-    if (key > 0 && key < kFirstNamedKey) {
-        if (QChar::category(uint(key)) == QChar::Separator_Space)
+    if (typesCharacter(key)) {
+        if (isSpace(key))
             key = Qt::Key_Space;
         return isPrintable(key) ? QKeySequence(key).toString() : enumeratorName(key);
     }
     const QString text = QKeySequence(key).toString();
     return isName(text) ? text : enumeratorName(key);
+}
+
+QString typedText(int key)
+{
+    return isSpace(key) ? QStringLiteral("␣") : keyText(key);
 }
 
 QString modifierPrefix(quint32 modifiers)

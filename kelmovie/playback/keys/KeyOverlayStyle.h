@@ -1,6 +1,6 @@
 #pragma once
 
-#include "playback/keys/KeyDisplayListBuilder.h"
+#include "playback/keys/KeyDisplaySettings.h"
 
 #include <QColor>
 #include <QFont>
@@ -18,9 +18,8 @@ struct KeyOverlayStyle {
     int historyFontSizePx = 16;
     QColor fontColor{255, 255, 255, 255};
     QColor bgColor{0, 0, 0, 180};
-    KeyDisplayListBuilder::Limits limits;
+    KeyDisplaySettings display;
     int displayPos = BottomCenter;
-    int showKeyType = 0; ///< bits of KeyDisplayItem::Type
     bool enabled = true;
 };
 

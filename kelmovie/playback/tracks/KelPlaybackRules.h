@@ -8,15 +8,17 @@ struct KELMOVIE_EXPORT KelPlaybackRules {
     // Keys
 
     /// Shows every key press: presses in one logic frame follow each other in the next frames, a combination as a
-    /// whole. By default one key record per logic frame is handled.
+    /// whole. Long text that a program typed at once catches up by several characters per frame. By default one key
+    /// record per logic frame is handled.
     bool showsEveryKeyPress = false;
     /// Keys stay for the set time of the recording. By default times of keys assume 30 logic frames per second.
     bool keysFollowRecordingTime = false;
-    /// A gap in the recording of keys releases the modifiers held before it. By default they stay down until their
-    /// release was recorded.
+    /// A gap in the recording of keys releases the modifiers held before it: keys were switched off, the recording was
+    /// paused, or the release of a key was not heard, as when the screen is locked. By default modifiers stay down
+    /// until their release was recorded.
     bool releasesModifiersAtGaps = false;
-    /// "Plain letters hidden" hides whatever types a character without Ctrl, Alt or Win, in any keyboard layout. By
-    /// default it hides only A to Z.
+    /// Whatever types a character without Ctrl, Alt or Win is a character key, in any keyboard layout and also with
+    /// Shift or AltGr, so that hiding character keys hides all typed text. By default only A to Z and 0 to 9 are.
     bool hidesAllTypedText = false;
     /// Only keys that are shown take room in the history. By default hidden keys displace shown ones.
     bool shownKeysOnlyInHistory = false;

@@ -71,7 +71,7 @@ void X11InputMapper::deliver(const X11InputEvent &event, KeyMouseEventSink &sink
 {
     const int pressed = event.type == XCB_KEY_PRESS || event.type == XCB_BUTTON_PRESS ? 1 : 0;
     if (event.type == XCB_KEY_PRESS || event.type == XCB_KEY_RELEASE) {
-        if (const int key = m_keymap.qtKey(event.detail, event.state))
+        if (const int key = m_keymap.qtKey(event.detail, pressed == 1, event.state))
             sink.deliver(KelKeyboardEvent{key, pressed});
         return;
     }

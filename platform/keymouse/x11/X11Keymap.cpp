@@ -13,6 +13,7 @@
 #undef explicit
 
 #include <cstdlib>
+#include <utility>
 
 namespace kel
 {
@@ -86,18 +87,43 @@ void X11Keymap::load()
     m_keymap = std::move(keymap);
 }
 
-int X11Keymap::qtKey(std::uint8_t keycode, std::uint16_t state)
+int X11Keymap::qtKey(std::uint8_t keycode, bool isPressed, std::uint16_t state)
+{
+    int &pressedAs = m_pressedAs[keycode];
+    if (!isPressed && pressedAs != 0)
+        return std::exchange(pressedAs, 0);
+    const int key = translate(keycode, state);
+    pressedAs = isPressed ? key : 0;
+    return key;
+}
+
+int X11Keymap::translate(std::uint8_t keycode, std::uint16_t state)
 {
     if (m_isStale && m_firstEvent != 0)
         load();
     if (!m_state)
         return 0;
     xkb_state_update_mask(m_state.get(), state & kModifierMask, 0, 0, 0, 0, xkb_layout_index_t(groupOf(state)));
-    const xkb_keysym_t symbol = xkb_state_key_get_one_sym(m_state.get(), keycode);
+    const xkb_keysym_t symbol = symbolOf(keycode);
+    if (symbol == XKB_KEY_Super_L || symbol == XKB_KEY_Super_R)
+        return Qt::Key_Meta; // the name of the Windows key on every system
     Qt::KeyboardModifiers modifiers = QXkbCommon::modifiers(m_state.get());
     if (QXkbCommon::isKeypad(symbol))
         modifiers |= Qt::KeypadModifier;
     return QXkbCommon::keysymToQtKey(symbol, modifiers, m_state.get(), keycode);
+}
+
+/// The keysym in the current state. Keymaps have Meta on the shifted level of the Alt keys; Shift does not turn them
+/// into another key.
+std::uint32_t X11Keymap::symbolOf(std::uint8_t keycode) const
+{
+    const xkb_keysym_t symbol = xkb_state_key_get_one_sym(m_state.get(), keycode);
+    if (symbol != XKB_KEY_Meta_L && symbol != XKB_KEY_Meta_R)
+        return symbol;
+    const xkb_keysym_t *unshifted = nullptr;
+    const int count = xkb_keymap_key_get_syms_by_level(m_keymap.get(), keycode,
+                                                       xkb_state_key_get_layout(m_state.get(), keycode), 0, &unshifted);
+    return count == 1 && (*unshifted == XKB_KEY_Alt_L || *unshifted == XKB_KEY_Alt_R) ? *unshifted : symbol;
 }
 
 } // namespace kel

@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 
@@ -28,8 +29,9 @@ public:
     /// Marks the keymap as outdated; it is read again before its next use.
     void invalidate() { m_isStale = true; }
 
-    /// The Qt::Key of a keycode with the modifiers and group of a core event; 0 for a key without meaning.
-    int qtKey(std::uint8_t keycode, std::uint16_t state);
+    /// The Qt::Key of a keycode with the modifiers and group of a core event; 0 for a key without meaning. A release
+    /// reports the same key as its press, even if a modifier or the keymap has changed in between.
+    int qtKey(std::uint8_t keycode, bool isPressed, std::uint16_t state);
 
 private:
     struct Unref {
@@ -41,10 +43,13 @@ private:
 
     bool selectEvents();
     void load();
+    int translate(std::uint8_t keycode, std::uint16_t state);
+    std::uint32_t symbolOf(std::uint8_t keycode) const;
 
     xcb_connection_t *m_connection;
-    std::uint8_t m_firstEvent = 0; // 0: no XKB
-    bool m_isStale = true;         // the keymap is read when the next key is translated
+    std::uint8_t m_firstEvent = 0;      // 0: no XKB
+    bool m_isStale = true;              // the keymap is read when the next key is translated
+    std::array<int, 256> m_pressedAs{}; // the Qt::Key reported for each pressed key
     std::unique_ptr<xkb_context, Unref> m_context;
     std::unique_ptr<xkb_keymap, Unref> m_keymap;
     std::unique_ptr<xkb_state, Unref> m_state;

@@ -21,7 +21,7 @@ const QSize kCanvas(640, 360);
 KeyOverlayStyle everything()
 {
     KeyOverlayStyle style;
-    style.showKeyType = 15;
+    style.display.shownTypes = 15;
     return style;
 }
 
@@ -157,7 +157,7 @@ void PlaybackKeyboardTrackTest::seeks()
     track->paint(nullptr);
 
     KeyOverlayStyle brief = everything();
-    brief.limits.keepTimeSeconds = 1;
+    brief.display.keepTimeSeconds = 1;
     track->seekToFrame(60);
     track->setStyle(brief); // at once, without another seek
     QVERIFY(paintedPart(painted(*track, kCanvas)).isEmpty());
@@ -178,7 +178,7 @@ void PlaybackKeyboardTrackTest::shownTypes()
         track->seekToFrame(10);
         for (int shown = 0; shown < 16; ++shown) {
             KeyOverlayStyle style = everything();
-            style.showKeyType = shown;
+            style.display.shownTypes = shown;
             track->setStyle(style);
             QCOMPARE(track->isVisible(), shown != 0);
             QVERIFY2(paintedPart(painted(*track, kCanvas)).isEmpty() != ((shown & types) != 0), script);
@@ -256,7 +256,7 @@ void PlaybackKeyboardTrackTest::everyKeyIsDrawnInside()
     writeKeyMeta(m_dir->path(), keyMetaFile(records, canvas));
     KelPlaybackKeyboardTrack track(m_dir->path(), 100 * (int(records.size()) + 2), 1.0, QSize(), nullptr);
     KeyOverlayStyle style = everything();
-    style.limits.keepTimeSeconds = 1;
+    style.display.keepTimeSeconds = 1;
     track.setStyle(style);
     for (const KeyRecord &record : records) {
         track.seekToFrame(record.frame);

@@ -71,6 +71,7 @@ private slots:
     void unwritableFile();
 
 private:
+    void create(KelRecordKeyboardTrack::AtResume atResume);
     void play(const QStringList &steps);
     QByteArray file() const { return readFile(path()); }
     QString path() const { return m_dir->filePath("deep/Keyboard/keyboard.keymeta"); }
@@ -86,17 +87,24 @@ void RecordKeyboardTrackTest::init()
     m_failures.clear();
     m_track.reset();
     m_dir = std::make_unique<QTemporaryDir>();
-    m_track = std::make_unique<KelRecordKeyboardTrack>(kArea, m_dir->filePath("deep/Keyboard"));
+    create(KelRecordKeyboardTrack::AtResume::Discard);
+}
+
+void RecordKeyboardTrackTest::create(KelRecordKeyboardTrack::AtResume atResume)
+{
+    m_track = std::make_unique<KelRecordKeyboardTrack>(kArea, m_dir->filePath("deep/Keyboard"), atResume);
     m_track->setFailureHandler(
         [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
 }
 
-/// "frame N", "KEY(hex) STATE", "start", "pause", "on", "off", "checkpoint", "stop"
+/// "keep" (the keys before a pause), "frame N", "KEY(hex) STATE", "start", "pause", "on", "off", "checkpoint", "stop"
 void RecordKeyboardTrackTest::play(const QStringList &steps)
 {
     for (const QString &step : steps) {
         const QStringList words = step.split(' ');
-        if (words[0] == "frame")
+        if (words[0] == "keep")
+            create(KelRecordKeyboardTrack::AtResume::Keep);
+        else if (words[0] == "frame")
             m_track->recordFrame(words[1].toInt());
         else if (words[0] == "start")
             m_track->startRecording();
@@ -135,6 +143,11 @@ void RecordKeyboardTrackTest::recordsByTheRules_data()
     row("before the start", "41 1; off; on", false, "", true);
     row("paused", "start; 41 1; pause; 42 1; on; off", false, "41 1 0", true);
     row("resumed", "start; 41 1; pause; start; frame 5; 42 1", true, "42 1 5", false);
+    row("resumed, keys kept",
+        "keep; start; 41 1; frame 3; pause; 42 1; start; frame 5; checkpoint; 43 1; frame 6; pause", false,
+        "41 1 0; 0 0 3; 0 1 3; 43 1 5; 0 0 6", false);
+    row("resumed while off, keys kept", "keep; start; 41 1; off; pause; start; 42 1; on; 43 1", true,
+        "41 1 0; 0 0 0; 0 0 0; 0 1 0; 43 1 0", false);
     row("off and on", "start; 41 1; frame 4; off; off; 42 1; frame 6; on; on; 43 1; frame 7", true,
         "41 1 0; 0 0 4; 0 1 6; 43 1 6", false);
     row("off at the end", "start; off; 41 1", false, "0 0 0", false);

@@ -9,7 +9,8 @@
 #include <QStringList>
 #include <QtEndian>
 
-/// Records from a text such as "10:+Control 12:+C 14:-C 20:off 30:on": frame, + pressed or - released, Qt::Key.
+/// Records from a text such as "10:+Control 12:+C 14:-C 20:off 30:on": frame, + pressed or - released, Qt::Key or the
+/// character of a key.
 inline std::vector<kel::KeyRecord> keyScript(const QString &script)
 {
     std::vector<kel::KeyRecord> records;
@@ -21,8 +22,8 @@ inline std::vector<kel::KeyRecord> keyScript(const QString &script)
             continue;
         }
         const QByteArray name = "Key_" + event.mid(1).toLatin1();
-        bool isKnown = false;
-        const int key = QMetaEnum::fromType<Qt::Key>().keyToValue(name.constData(), &isKnown);
+        bool isKnown = event.size() == 2;
+        const int key = isKnown ? event[1].unicode() : QMetaEnum::fromType<Qt::Key>().keyToValue(name, &isKnown);
         if (!isKnown)
             qFatal("no such key: %s", qPrintable(word));
         records.push_back({key, event.startsWith('+'), frame});

@@ -33,7 +33,7 @@ struct NaiveKeyEntry {
 
 /// A naive implementation of KeyDisplayListBuilder, frame by frame, to compare its result with.
 inline std::vector<NaiveKeyEntry> naiveKeyDisplay(const kel::KeyLog &recording, int totalFrames,
-                                                  const kel::KeyDisplayListBuilder::Limits &limits)
+                                                  const kel::KeyDisplaySettings &limits)
 {
     const std::vector<kel::KeyRecord> &records = recording.records;
     const qint64 keepMs = limits.keepTimeSeconds * 1000;

@@ -33,7 +33,7 @@ public:
     virtual void stopRecording(qint64 frameCount, qint64 durationMs) = 0;
 
     /// Writes what was recorded in the first `frameCount` logic frames to disk, so that it survives a crash of the
-    /// process. Called about once a second while recording, and when a pause begins.
+    /// process. Called about twice a second while recording, and when a pause begins.
     virtual void checkpoint(qint64 frameCount);
 
     const QRect &recordArea() const { return m_recordArea; }

@@ -22,7 +22,8 @@
 namespace
 {
 constexpr std::chrono::milliseconds kReleaseWait{10000};
-constexpr qint64 kCheckpointIntervalMs = 1000;
+constexpr std::chrono::milliseconds kCheckpointInterval{500};
+constexpr std::chrono::milliseconds kDiskWait{2000}; // at the stop
 constexpr int kScreenQuality = 100;
 
 /// Starts at the wall clock's time and is monotonic from then on.
@@ -48,14 +49,18 @@ KelRecordTrackManager::KelRecordTrackManager(const QRect &recordArea, const Conf
 KelRecordTrackManager::KelRecordTrackManager(const QRect &recordArea, const Config &config, Clock now, QObject *parent)
     : QObject(parent)
     , m_frameTimer(this)
+    , m_checkpointTimer(this)
     , m_recordArea(withEvenSides(recordArea))
     , m_config(config)
     , m_clock(std::move(now))
     , m_frameTimes(KelRecordingFiles::frameTimesPath(config.directory))
+    , m_saver(config.directory)
 {
     QDir().mkpath(m_config.directory);
     m_frameTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_frameTimer, &QTimer::timeout, this, &KelRecordTrackManager::onFrameTimeout);
+    m_checkpointTimer.setInterval(kCheckpointInterval);
+    connect(&m_checkpointTimer, &QTimer::timeout, this, &KelRecordTrackManager::saveCheckpoint);
     createTracks();
 }
 
@@ -125,6 +130,7 @@ void KelRecordTrackManager::startRecording()
         m_voiceTrack->startRecording();
     m_isRecording = true;
     saveCheckpoint();
+    m_checkpointTimer.start();
     m_frameTimer.setInterval(int(1000.0 / qMax(1, m_config.fps)));
     m_frameTimer.start();
 }
@@ -146,8 +152,6 @@ void KelRecordTrackManager::onFrameTimeout()
     if (isAtFrameLimit()) {
         m_frameTimer.stop();
         emit frameLimitReached();
-    } else if (tickStartMs - m_lastCheckpointMs >= kCheckpointIntervalMs) {
-        saveCheckpoint();
     }
 }
 
@@ -173,6 +177,7 @@ void KelRecordTrackManager::stopRecording()
     if (!m_isRecording)
         return;
     m_frameTimer.stop();
+    m_checkpointTimer.stop();
     const qint64 durationMs = m_clock.recordedMs();
     if (m_voiceTrack)
         m_voiceTrack->noteClockChange();
@@ -215,6 +220,11 @@ bool KelRecordTrackManager::releaseResources()
         } else if (auto *screen = qobject_cast<KelRecordScreenTrack *>(thread->track())) {
             screen->releaseResources();
         }
+    }
+    if (std::exchange(m_savedDurationMs, -1) >= 0) { // the tracks have completed their files after the metadata
+        m_saver.save();
+        m_saver.wait(kDiskWait);
+        reportFailures({m_reported.metadata, m_saver.failures().sync});
     }
     m_tickCostMs.clear();
     m_instantFps.clear();
@@ -277,34 +287,40 @@ KelRecordingMetadata KelRecordTrackManager::metadata(qint64 durationMs) const
 
 void KelRecordTrackManager::saveMetadata(qint64 durationMs)
 {
+    const KelRecordingMetadata last = metadata(durationMs);
+    m_saver.save(last.toJson());
+    m_saver.wait(kDiskWait);
     QString error;
-    if (!metadata(durationMs).save(m_config.directory, &error)) {
+    // A disk that is slow or refuses to synchronize may still take the file.
+    const bool isSaved = m_saver.settleMetadata() || last.save(m_config.directory, &error);
+    if (!isSaved)
         qCCritical(kel::logRecord) << "Failed to save manager metadata:" << error;
-        reportMetadataFailure(error);
-    }
+    reportFailures({error, m_saver.failures().sync});
 }
 
-/// Once per reason.
-void KelRecordTrackManager::reportMetadataFailure(const QString &reason)
+/// Once, until it succeeds again.
+void KelRecordTrackManager::reportFailures(const kel::RecordingSaver::Failures &failures)
 {
-    if (std::exchange(m_metadataFailure, reason) != reason)
+    if (!failures.metadata.isEmpty() && m_reported.metadata.isEmpty())
         addFailure({}, QStringLiteral("Metadata: cannot write %1: %2")
-                           .arg(KelRecordingMetadata::filePath(m_config.directory), reason));
+                           .arg(KelRecordingMetadata::filePath(m_config.directory), failures.metadata));
+    if (!failures.sync.isEmpty() && m_reported.sync.isEmpty())
+        addFailure({}, QStringLiteral("Cannot bring the recording to the disk: %1").arg(failures.sync));
+    m_reported = failures;
 }
 
 /// Brings metadata and track files to the same logic frame, so that a crash of the process leaves a recording that
 /// plays up to there.
 void KelRecordTrackManager::saveCheckpoint()
 {
-    m_lastCheckpointMs = m_clock.now();
+    reportFailures(m_saver.failures()); // of the checkpoint before
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
         thread->checkpoint(m_frameIndex);
     saveFrameTimes();
     KelRecordingMetadata soFar = metadata(m_clock.recordedMs());
     soFar.complete = false;
-    QString error;
-    if (!soFar.save(m_config.directory, &error))
-        reportMetadataFailure(error);
+    const bool hasAdvanced = std::exchange(m_savedDurationMs, soFar.durationMs) != soFar.durationMs;
+    m_saver.save(hasAdvanced ? soFar.toJson() : QByteArray()); // pointer and keys are also recorded during a pause
 }
 
 /// Without this file, playback spreads the frames evenly over the duration.

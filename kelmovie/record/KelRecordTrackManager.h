@@ -2,6 +2,7 @@
 
 #include "record/RecordingClock.h"
 #include "recording/FrameTimesWriter.h"
+#include "recording/saving/RecordingSaver.h"
 
 #include <QList>
 #include <QObject>
@@ -92,6 +93,7 @@ protected:
 
 private slots:
     void onFrameTimeout();
+    void saveCheckpoint();
 
 private:
     template <typename Track>
@@ -102,12 +104,12 @@ private:
 
     KelRecordingMetadata metadata(qint64 durationMs) const;
     void saveMetadata(qint64 durationMs);
-    void reportMetadataFailure(const QString &reason);
-    void saveCheckpoint();
+    void reportFailures(const kel::RecordingSaver::Failures &failures);
     void saveFrameTimes();
     void logStatistics(qint64 durationMs) const;
 
     QTimer m_frameTimer;
+    QTimer m_checkpointTimer; // also runs while nothing ticks
     QList<KelRecordTrackThreadWrap *> m_threads;
     KelRecordVoiceTrack *m_voiceTrack = nullptr; // child of this; null without sound
     const QRect m_recordArea;                    // with even sides
@@ -118,13 +120,14 @@ private:
     int m_frameIndex = 0; // of the next logic frame
     kel::FrameTimesWriter m_frameTimes;
     bool m_hasReportedFrameTimes = false; // that they cannot be written
-    qint64 m_lastCheckpointMs = 0;
 
     // Per tick of this recording, to be inspected when the clock is slow; bounded by kMaxFrames.
     QList<qint64> m_tickCostMs;
     QList<double> m_instantFps;
 
-    QString m_metadataFailure; // reported last
+    qint64 m_savedDurationMs = -1; // of the last checkpoint; -1 while there is nothing to save
+    kel::RecordingSaver m_saver;
+    kel::RecordingSaver::Failures m_reported; // those of the last checkpoint
 
     std::mutex m_failuresMutex;
     QList<Failure> m_failures;

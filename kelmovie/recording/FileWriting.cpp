@@ -20,30 +20,40 @@ bool writeAll(QIODevice &device, const QByteArray &bytes)
     return true;
 }
 
+QString createFile(const QString &path, const QByteArray &bytes)
+{
+    QFile::remove(path);
+    PrivateFile file(path);
+    if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered) && writeAll(file, bytes))
+        return {};
+    const QString problem = file.errorString();
+    if (file.isOpen()) {
+        file.close();
+        QFile::remove(path);
+    }
+    return problem;
+}
+
+QString moveIntoPlace(const QString &from, const QString &to)
+{
+    const QString problem = QFileInfo(to).isSymLink() ? QStringLiteral("It is a link") : renameOver(from, to);
+    if (!problem.isEmpty())
+        QFile::remove(from);
+    return problem;
+}
+
 bool replaceFile(const QString &path, const QByteArray &bytes, QString *error, QFile *replaced)
 {
-    if (QFileInfo(path).isSymLink()) {
-        if (error)
-            *error = QStringLiteral("It is a link");
-        return false;
-    }
-    PrivateFile file(path + QStringLiteral(".tmp"));
-    QFile::remove(file.fileName()); // left by a crash
-    const bool isWritten =
-        file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered) && writeAll(file, bytes);
-    QString problem = isWritten ? QString() : file.errorString();
-    file.close(); // some systems cannot rename or replace an open file
-    if (isWritten) {
+    const QString written = path + QStringLiteral(".tmp");
+    QString problem = createFile(written, bytes);
+    if (problem.isEmpty()) {
         if (replaced)
-            replaced->close();
-        problem = renameOver(file.fileName(), path);
-        if (problem.isEmpty())
-            return true;
+            replaced->close(); // some systems cannot replace an open file
+        problem = moveIntoPlace(written, path);
     }
-    if (error)
+    if (error && !problem.isEmpty())
         *error = problem;
-    QFile::remove(file.fileName());
-    return false;
+    return problem.isEmpty();
 }
 
 } // namespace kel

@@ -75,6 +75,8 @@ void PlaybackTracks::createScreen(const KelRecordingMetadata &metadata, bool pre
         qCCritical(logPlayback) << "Screen track creation failed:" << m_errorString;
         return;
     }
+    if (!metadata.complete)
+        track->appendUnindexedFrames();
     m_screen = add(std::move(track));
 }
 

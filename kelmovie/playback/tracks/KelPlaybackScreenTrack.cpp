@@ -55,6 +55,12 @@ KelPlaybackScreenTrack::~KelPlaybackScreenTrack()
     releaseDecoder();
 }
 
+void KelPlaybackScreenTrack::appendUnindexedFrames()
+{
+    for (int frame = std::max(-1, m_frameIndexes.back()) + 1; frame < m_videoFrameCount; ++frame)
+        m_frameIndexes.push_back(frame);
+}
+
 bool KelPlaybackScreenTrack::chooseVideo()
 {
     QString problem;

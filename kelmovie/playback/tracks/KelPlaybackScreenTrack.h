@@ -24,6 +24,10 @@ public:
                            const KelDecoderFactory &decoders, KelPlaybackTrackManager *manager);
     ~KelPlaybackScreenTrack() override;
 
+    /// Adds a logic frame for each video frame behind the last one of the index table, which is written less often than
+    /// the video: for a recording whose process died.
+    void appendUnindexedFrames();
+
     void seekToFrame(int frame) override;
     bool moveToFrame(int frame) override;
     void paint(QPainter *painter) override;

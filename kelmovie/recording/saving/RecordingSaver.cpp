@@ -1,9 +1,9 @@
 #include "recording/saving/RecordingSaver.h"
 
 #include "files/SyncToDisk.h"
-#include "recording/saving/ChangedFiles.h"
 #include "recording/FileWriting.h"
 #include "recording/KelRecordingMetadata.h"
+#include "recording/saving/ChangedFiles.h"
 
 #include <QFile>
 

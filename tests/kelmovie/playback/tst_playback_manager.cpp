@@ -100,6 +100,7 @@ void PlaybackManagerTest::loads_data()
     const QString noScreen = "No screen track found in tracks list";
     const QString noDecoder = "Failed to create H264 decoder or decoder is invalid";
     row("complete", {}, {}, 100, "");
+    row("killed", {}, {}, 97, "");
     row("no metadata", {noMetadata}, {}, 100, "");
     row("metadata is no object", {"Invalid manager metadata format"}, {}, 100, "");
     row("no duration", {"No recording duration found in metadata"}, {}, 100, "");
@@ -119,7 +120,11 @@ void PlaybackManagerTest::loads()
     QFETCH(QString, error);
 
     const QString setup = QTest::currentDataTag();
-    if (setup == "no metadata")
+    if (setup == "killed") { // the video is ahead of its index
+        recording->writeIndexes(90, [](int i) { return i + 3; });
+        recording->metadata.complete = false;
+        recording->save();
+    } else if (setup == "no metadata")
         recording->remove("TrackManager.meta");
     else if (setup == "metadata is no object")
         recording->write("TrackManager.meta", "[1, 2]");

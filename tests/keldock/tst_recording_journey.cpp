@@ -130,6 +130,7 @@ void RecordingJourneyTest::killedRecordingIsKept()
     const QString out = path("killed");
     QProcess process;
     startRecording(process, out);
+    QVERIFY(Keldock::run({"info", out}).output.contains("still in progress"));
     process.kill();
     QVERIFY(process.waitForFinished(Keldock::kLimitMs));
 

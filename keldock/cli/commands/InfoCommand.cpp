@@ -6,6 +6,7 @@
 #include "common/Units.h"
 
 #include <KelMovie/KelPlaybackTrackManager.h>
+#include <KelMovie/KelRecordingState.h>
 
 #include <QDir>
 #include <QJsonArray>
@@ -39,9 +40,21 @@ QString state(const LoadedRecording &recording)
 {
     if (!recording.hasMetadata())
         return QLatin1String("damaged: ") + recording.warning();
-    if (!recording.metadata().complete)
-        return QStringLiteral("interrupted, or still in progress; everything recorded so far can be played");
+    switch (KelRecordingState::stateOf(recording.directory())) {
+    case KelRecordingState::State::InProgress:
+        return QStringLiteral("still in progress; everything recorded so far can be played");
+    case KelRecordingState::State::Interrupted:
+        return QStringLiteral("interrupted; everything recorded until then can be played");
+    case KelRecordingState::State::Complete:
+        break;
+    }
     return QStringLiteral("complete");
+}
+
+/// The metadata of an incomplete recording is older than its last frames.
+qint64 durationMs(const LoadedRecording &recording)
+{
+    return recording.metadata().complete ? recording.metadata().durationMs : recording.manager()->durationMs();
 }
 
 QString soundProblems(const LoadedRecording &recording)
@@ -105,7 +118,7 @@ QString InfoCommand::asText(const LoadedRecording &recording)
     return line("Recording", QDir(recording.directory()).absolutePath()) + line("State", state(recording)) +
            line("Recorded", metadata.timestamp) +
            line("Duration",
-                QStringLiteral("%1 (%2 ms)").arg(Units::seconds(metadata.durationMs)).arg(metadata.durationMs)) +
+                QStringLiteral("%1 (%2 ms)").arg(Units::seconds(durationMs(recording))).arg(durationMs(recording))) +
            line("Area", QStringLiteral("%1 at %2,%3").arg(sizeText(area.size())).arg(area.x()).arg(area.y())) +
            line("Pixel ratio", QString::number(metadata.pixelRatio)) +
            line("Device pixel ratio", QString::number(metadata.devicePixelRatio)) +
@@ -125,6 +138,7 @@ QString InfoCommand::asJson(const LoadedRecording &recording)
 {
     // The members of the metadata file and more. Scripts rely on these names.
     QJsonObject object = QJsonDocument::fromJson(recording.metadata().toJson()).object();
+    object.insert(QStringLiteral("duration"), durationMs(recording));
     object.insert(QStringLiteral("complete"), recording.hasMetadata() && recording.metadata().complete);
     object.insert(QStringLiteral("directory"), QDir(recording.directory()).absolutePath());
     object.insert(QStringLiteral("metadataReadable"), recording.hasMetadata());

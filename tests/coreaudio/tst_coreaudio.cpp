@@ -10,8 +10,6 @@
 #include <algorithm>
 #include <utility>
 
-#include <csignal>
-
 namespace
 {
 constexpr double kToneHz = 1000;
@@ -134,16 +132,15 @@ void CoreaudioTest::timestampsAreContinuous()
     Recording recording;
     QCOMPARE(recording.open(), S_OK);
     qint64 last = 0;
-    const int server = qEnvironmentVariableIntValue("SOUND_SERVER_PID");
     bool wasHeldUp = false;
     for (int packets = 0; packets < 40;) {
         if (packets == 20 && !std::exchange(wasHeldUp, true)) {
             // Held up, the server says so. Afterwards its backlog keeps its times.
             UINT32 frames = 0;
-            QCOMPARE(kill(server, SIGSTOP), 0);
+            QVERIFY(Tone::signalServer("STOP"));
             const bool isNoticed = QTest::qWaitFor(
                 [&] { return recording.client->GetCurrentPadding(&frames) == AUDCLNT_E_SERVICE_NOT_RUNNING; }, 20000);
-            QCOMPARE(kill(server, SIGCONT), 0);
+            QVERIFY(Tone::signalServer("CONT"));
             QVERIFY(isNoticed);
         }
         const int before = recording.sound.size();

@@ -18,6 +18,12 @@ inline bool control(const QStringList &arguments)
     return QProcess::execute("pactl", arguments) == 0;
 }
 
+/// Stops the process of the server without ending it ("STOP"), or has it go on ("CONT").
+inline bool signalServer(const QString &signal)
+{
+    return QProcess::execute("sh", {"-c", QString("kill -%1 $SOUND_SERVER_PID").arg(signal)}) == 0;
+}
+
 /// Adds an output; returns its module number.
 inline QString addSink(const QString &name)
 {

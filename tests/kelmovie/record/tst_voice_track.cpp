@@ -37,6 +37,7 @@ private slots:
     void recordsBothAcrossPauses();
     void startsAndStopsRepeatedly();
     void continuesWithoutSound();
+    void goesOnWhileTheServerHangs();
 };
 
 /// While tones play, each source has one file that is as long as the recording and contains only its own tone.
@@ -147,6 +148,44 @@ void VoiceTrackTest::continuesWithoutSound()
     const QStringList failures = failuresOf(true);
     QVERIFY(Tone::control({"set-default-source", "microphone.monitor"}));
     QCOMPARE(failures.first(), QString("Microphone track: there is no microphone"));
+}
+
+/// No call waits for a server that does not respond, and the sound before stays.
+void VoiceTrackTest::goesOnWhileTheServerHangs()
+{
+    const QTemporaryDir directory;
+    for (const bool hangsFromTheStart : {false, true}) {
+        const QString voice = directory.filePath(QString::number(hangsFromTheStart));
+        QStringList failures;
+        KelRecordVoiceTrack track(QRect(), voice);
+        track.setFailureHandler([&](const QString &, const QString &problem) { failures << problem; });
+        track.setSystemAudioEnabled(true);
+        track.setMicrophoneEnabled(true);
+        const auto isRecorded = [&] {
+            const QFileInfoList parts = QDir(voice).entryInfoList(QDir::Files);
+            return parts.size() == 2 && parts[0].size() > 200'000 && parts[1].size() > 100'000;
+        };
+        if (hangsFromTheStart)
+            QVERIFY(Tone::signalServer("STOP"));
+        track.startRecording();
+        if (!hangsFromTheStart) {
+            QTRY_VERIFY_WITH_TIMEOUT(isRecorded(), 30'000);
+            QVERIFY(Tone::signalServer("STOP"));
+        }
+        const QDeadlineTimer limit(15'000);
+        track.pauseRecording();
+        track.startRecording();
+        const bool isReported = QTest::qWaitFor([&] { return failures.size() == 2; }, 30'000);
+        track.stopRecording(1, 1);
+        const bool isInTime = !limit.hasExpired();
+        QVERIFY(Tone::signalServer("CONT"));
+        QVERIFY(isReported && isInTime);
+        QCOMPARE(failures, QStringList({"the sound system does not respond", "the sound system does not respond"}));
+        for (const QString &file : QDir(voice).entryList(QDir::Files)) {
+            WavHeader header;
+            QVERIFY2(!SoundFile::exactSamples(voice + '/' + file, &header).isEmpty(), qPrintable(file));
+        }
+    }
 }
 
 QTEST_MAIN(VoiceTrackTest)

@@ -5,6 +5,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <optional>
 
 namespace kel
 {
@@ -15,57 +16,114 @@ namespace
 /// Text that a program typed appears at once. Its keys are displayed one per frame until they are that late.
 constexpr int kMaxDelayFrames = 15;
 
-void classify(KeyStroke &stroke, const KelPlaybackRules &rules)
+/// For each record, whether the next key that is pressed before Shift is released or capture is switched types a
+/// character.
+std::vector<bool> precedesText(const std::vector<KeyRecord> &records)
 {
-    constexpr quint32 kCommands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    stroke.isText = rules.hidesAllTypedText && typesCharacter(stroke.key) && !(stroke.modifiers & kCommands);
-    if (stroke.isText)
-        stroke.modifiers = Qt::NoModifier; // Shift is part of the character
-    if (modifierOfKey(stroke.key) != 0)
-        stroke.type = KeyDisplayItem::Modifier;
-    else if (stroke.modifiers != 0)
-        stroke.type = KeyDisplayItem::Combination;
-    else
-        stroke.type = stroke.isText || isCharacterKey(stroke.key) ? KeyDisplayItem::Character : KeyDisplayItem::Other;
+    std::vector<bool> result(records.size());
+    bool isTextNext = false;
+    for (std::size_t i = records.size(); i-- > 0;) {
+        result[i] = isTextNext;
+        const KeyRecord &record = records[i];
+        if (record.key == 0 || (record.key == Qt::Key_Shift && !record.pressed))
+            isTextNext = false;
+        else if (record.pressed && record.key != Qt::Key_Shift)
+            isTextNext = typesCharacter(record.key) || composesCharacter(record.key);
+    }
+    return result;
 }
 
-/// All records as strokes, at their own frames.
+/// Interprets records one after another.
+class KeyInterpreter
+{
+public:
+    KeyInterpreter(int shownTypes, const KelPlaybackRules &rules)
+        : m_shownTypes(shownTypes)
+        , m_rules(rules)
+    {
+    }
+
+    /// Nothing if the record has no meaning for the display. `precedesText`: see precedesText().
+    std::optional<KeyStroke> read(const KeyRecord &record, bool precedesText)
+    {
+        const quint32 modifier = modifierOfKey(record.key);
+        m_held = record.pressed ? m_held | modifier : m_held & ~modifier;
+        KeyStroke stroke;
+        stroke.frame = record.frame;
+        stroke.key = record.key;
+        stroke.modifiers = m_held;
+        if (record.key == 0) {
+            m_isCaptureOn = record.pressed;
+            m_down.clear();
+        }
+        if (record.key == 0 || !m_isCaptureOn) {
+            stroke.kind = KeyStroke::Standstill;
+            return stroke;
+        }
+        classify(stroke);
+        return record.pressed ? readPress(stroke, precedesText) : readRelease(stroke);
+    }
+
+private:
+    void classify(KeyStroke &stroke) const
+    {
+        constexpr quint32 kCommands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+        stroke.isText = m_rules.hidesAllTypedText && typesCharacter(stroke.key) && !(m_held & kCommands);
+        if (stroke.isText)
+            stroke.modifiers = Qt::NoModifier; // Shift is part of the character
+        if (modifierOfKey(stroke.key) != 0)
+            stroke.type = KeyDisplayItem::Modifier;
+        else if (stroke.modifiers != 0)
+            stroke.type = KeyDisplayItem::Combination;
+        else
+            stroke.type =
+                stroke.isText || isCharacterKey(stroke.key) ? KeyDisplayItem::Character : KeyDisplayItem::Other;
+    }
+
+    /// Whether the key only serves to type the next character.
+    bool isPartOfText(const KeyStroke &stroke, bool precedesText) const
+    {
+        const bool isShiftAlone = stroke.key == Qt::Key_Shift && m_held == Qt::ShiftModifier;
+        return m_rules.hidesAllTypedText && (composesCharacter(stroke.key) || (isShiftAlone && precedesText));
+    }
+
+    std::optional<KeyStroke> readPress(KeyStroke &stroke, bool precedesText)
+    {
+        const bool isPart = isPartOfText(stroke, precedesText);
+        const bool isHidden = isPart || (m_rules.shownKeysOnlyInHistory && !(stroke.type & m_shownTypes));
+        stroke.kind = isHidden ? KeyStroke::HiddenPress : KeyStroke::Press;
+        stroke.isRepeat = m_down.contains(stroke.key);
+        m_down.insert(stroke.key, !isHidden);
+        // What a hidden modifier modifies decides whether something is interrupted.
+        const bool isDropped = isPart || (isHidden && stroke.type == KeyDisplayItem::Modifier);
+        return isDropped ? std::nullopt : std::optional(stroke);
+    }
+
+    std::optional<KeyStroke> readRelease(KeyStroke &stroke)
+    {
+        stroke.kind = KeyStroke::Release;
+        const bool mayBeHidden = m_rules.hidesAllTypedText || m_rules.shownKeysOnlyInHistory;
+        const bool wasDisplayed = m_down.take(stroke.key);
+        return wasDisplayed || !mayBeHidden ? std::optional(stroke) : std::nullopt;
+    }
+
+    const int m_shownTypes;
+    const KelPlaybackRules m_rules;
+    QHash<int, bool> m_down; // whether the press of each key that is down is displayed
+    quint32 m_held = 0;
+    bool m_isCaptureOn = true;
+};
+
+/// All records that have a meaning for the display, at their own frames.
 std::vector<KeyStroke> allStrokes(const std::vector<KeyRecord> &records, int shownTypes, const KelPlaybackRules &rules)
 {
     std::vector<KeyStroke> strokes;
     strokes.reserve(records.size());
-    QHash<int, bool> down; // whether the press of each key that is down is displayed
-    quint32 held = 0;
-    bool isCaptureOn = true;
-    for (const KeyRecord &record : records) {
-        KeyStroke stroke;
-        stroke.frame = record.frame;
-        stroke.key = record.key;
-        const quint32 modifier = modifierOfKey(record.key);
-        held = record.pressed ? held | modifier : held & ~modifier;
-        stroke.modifiers = held;
-        classify(stroke, rules);
-        if (record.key == 0) {
-            isCaptureOn = record.pressed;
-            down.clear();
-        }
-        if (record.key == 0 || !isCaptureOn) {
-            stroke.kind = KeyStroke::Standstill;
-        } else if (rules.hidesAllTypedText && composesCharacter(record.key)) {
-            continue; // the next key types the character
-        } else if (record.pressed) {
-            const bool isDisplayed = !rules.shownKeysOnlyInHistory || (stroke.type & shownTypes);
-            stroke.kind = isDisplayed ? KeyStroke::Press : KeyStroke::HiddenPress;
-            stroke.isRepeat = down.contains(record.key);
-            down.insert(record.key, isDisplayed);
-            if (!isDisplayed && modifier != 0)
-                continue;
-        } else {
-            stroke.kind = KeyStroke::Release;
-            if (!down.take(record.key) && rules.shownKeysOnlyInHistory)
-                continue;
-        }
-        strokes.push_back(stroke);
+    const std::vector<bool> isBeforeText = precedesText(records);
+    KeyInterpreter interpreter(shownTypes, rules);
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (const auto stroke = interpreter.read(records[i], isBeforeText[i]))
+            strokes.push_back(*stroke);
     }
     return strokes;
 }

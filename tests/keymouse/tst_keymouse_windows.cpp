@@ -54,6 +54,7 @@ class KeymouseWindowsTest : public QObject
 private slots:
     void keys_data();
     void keys();
+    void releasesUnheardModifiers();
     void reportsKeys();
     void reportsMouse();
     void followsRequestedKinds();
@@ -114,6 +115,19 @@ void KeymouseWindowsTest::keys()
         QCOMPARE(keymap.qtKey(key(VK_RMENU), true, layout), meant);
         QCOMPARE(keymap.qtKey(key(VK_RMENU), false, layout), meant);
     }
+}
+
+void KeymouseWindowsTest::releasesUnheardModifiers()
+{
+    HKL layout = GetKeyboardLayout(0);
+    WindowsKeymap keymap;
+    for (const DWORD held : {DWORD(VK_LWIN), DWORD(VK_RSHIFT), DWORD('L')})
+        keymap.qtKey(key(held), true, layout);
+    ModifierKeySet held;
+    held.set(1); // the right Shift key
+    QCOMPARE(keymap.releaseAllBut(held), std::vector<int>{Qt::Key_Meta});
+    QCOMPARE(keymap.releaseAllBut(held), std::vector<int>{});
+    QCOMPARE(keymap.qtKey(key('1'), true, layout), int(Qt::Key_Exclam));
 }
 
 void KeymouseWindowsTest::reportsKeys()

@@ -40,6 +40,8 @@ LRESULT CALLBACK onKey(int code, WPARAM message, LPARAM data)
         event.message = UINT(message);
         event.key = *reinterpret_cast<const KBDLLHOOKSTRUCT *>(data);
         event.layout = GetKeyboardLayout(GetWindowThreadProcessId(GetForegroundWindow(), nullptr));
+        for (std::size_t i = 0; i < kModifierKeys.size(); ++i)
+            event.heldModifiers.set(i, GetAsyncKeyState(kModifierKeys[i]) < 0);
         t_lastKeyTime = GetTickCount();
         push(event);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "keymouse/windows/VirtualKeys.h"
+
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -18,7 +20,8 @@ struct WindowsInputEvent {
         KBDLLHOOKSTRUCT key;
         MSLLHOOKSTRUCT mouse;
     };
-    HKL layout = nullptr; ///< of the program that receives the key
+    HKL layout = nullptr;         ///< of the program that receives the key
+    ModifierKeySet heldModifiers; ///< before the key
 };
 
 /// Events between the hooks, which must not wait, and the callbacks, which may take their time. One producer and one

@@ -58,6 +58,10 @@ void WindowsInputMapper::deliver(const WindowsInputEvent &event)
 void WindowsInputMapper::deliverKey(const WindowsInputEvent &event)
 {
     const bool isPressed = event.message == WM_KEYDOWN || event.message == WM_SYSKEYDOWN;
+    if (isPressed) {
+        for (const int key : m_keymap.releaseAllBut(event.heldModifiers))
+            m_sink.deliver(KelKeyboardEvent{key, 0});
+    }
     if (const int key = m_keymap.qtKey(event.key, isPressed, event.layout))
         m_sink.deliver(KelKeyboardEvent{key, isPressed ? 1 : 0});
 }

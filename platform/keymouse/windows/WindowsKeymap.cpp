@@ -1,7 +1,5 @@
 #include "keymouse/windows/WindowsKeymap.h"
 
-#include "keymouse/windows/VirtualKeys.h"
-
 #include <QChar>
 #include <QString>
 
@@ -32,8 +30,8 @@ WindowsKeymap::WindowsKeymap()
     : m_capsLock(GetKeyState(VK_CAPITAL) & 1)
     , m_numLock(GetKeyState(VK_NUMLOCK) & 1)
 {
-    for (const int key : {VK_LSHIFT, VK_RSHIFT, VK_LCONTROL, VK_RCONTROL, VK_LMENU, VK_RMENU})
-        m_down.set(unsigned(key), GetAsyncKeyState(key) < 0);
+    for (const BYTE key : kModifierKeys)
+        m_down.set(key, GetAsyncKeyState(key) < 0);
 }
 
 int WindowsKeymap::qtKey(const KBDLLHOOKSTRUCT &event, bool isPressed, HKL layout)
@@ -53,6 +51,20 @@ int WindowsKeymap::qtKey(const KBDLLHOOKSTRUCT &event, bool isPressed, HKL layou
         key = m_pressedAs[virtualKey] ? std::exchange(m_pressedAs[virtualKey], 0) : translate(event, layout);
     trackModifiers(virtualKey, isPressed);
     return key;
+}
+
+std::vector<int> WindowsKeymap::releaseAllBut(const ModifierKeySet &held)
+{
+    std::vector<int> released;
+    for (std::size_t i = 0; i < kModifierKeys.size(); ++i) {
+        const BYTE virtualKey = kModifierKeys[i];
+        if (held.test(i) || !isDown(virtualKey))
+            continue;
+        trackModifiers(virtualKey, false);
+        if (const int key = std::exchange(m_pressedAs[virtualKey], 0))
+            released.push_back(key);
+    }
+    return released;
 }
 
 void WindowsKeymap::trackModifiers(DWORD virtualKey, bool isPressed)

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "keymouse/windows/VirtualKeys.h"
+
 #include <array>
 #include <bitset>
+#include <vector>
 
 #include <windows.h>
 
@@ -18,6 +21,10 @@ public:
 
     /// The Qt::Key of a key press or release; 0 for a key without meaning.
     int qtKey(const KBDLLHOOKSTRUCT &event, bool isPressed, HKL layout);
+
+    /// Releases all modifiers except `held`, and returns their Qt::Key values. While the screen is locked or another
+    /// desktop is shown, such as that of a password prompt, releases are not reported.
+    std::vector<int> releaseAllBut(const ModifierKeySet &held);
 
 private:
     static constexpr unsigned kKeyCount = 256;

@@ -1,7 +1,6 @@
 #include "common/ExitLimit.h"
 
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 
 namespace
@@ -27,9 +26,7 @@ void ExitLimit::start(int status)
 {
     m_thread = std::thread([this, status] {
         std::unique_lock lock(m_mutex);
-        if (m_changed.wait_for(lock, kLimit, [this] { return m_isOver; }))
-            return;
-        std::fflush(stdout);
-        std::_Exit(status);
+        if (!m_changed.wait_for(lock, kLimit, [this] { return m_isOver; }))
+            std::_Exit(status);
     });
 }

@@ -17,6 +17,7 @@
 #include <KelMovie/ProgressSettingsPanel.h>
 
 #include <QClipboard>
+#include <QComboBox>
 #include <QFileDialog>
 #include <QImageReader>
 #include <QMessageBox>
@@ -53,6 +54,7 @@ private slots:
     void scrubbingCombinesSeeks();
     void settingsChangeTheFrame();
     void exportsTheRangeAtItsSpeed();
+    void offersRecordedAndLogicalPixels();
     void savesAndCopiesTheFrame();
     void saysWhyNothingCanBePlayed_data();
     void saysWhyNothingCanBePlayed();
@@ -267,6 +269,27 @@ void PlaybackWindowTest::exportsTheRangeAtItsSpeed()
     QCOMPARE(steps.last(), lastStep);
     QCOMPARE(player()->frame(), manager.frameAtMs(1500));
     QVERIFY(m_window->findChild<NoticeBar *>()->text().contains("cut.gif was exported"));
+}
+
+void PlaybackWindowTest::offersRecordedAndLogicalPixels()
+{
+    const QString scaled = path("Scaled");
+    QVERIFY(copyTree(m_recording, scaled));
+    QJsonObject metadata = QJsonDocument::fromJson(readAll(scaled + "/TrackManager.meta")).object();
+    metadata["devicePixelRatio"] = 1.6; // at which the 160 x 120 pixels have this logical size
+    metadata["recordArea"] = QJsonObject{{"x", 0}, {"y", 0}, {"width", 100}, {"height", 75}};
+    QVERIFY(writeAll(scaled + "/TrackManager.meta", QJsonDocument(metadata).toJson()));
+    open(scaled);
+
+    const ExportOptionsDialog dialog(*player());
+    QCOMPARE(dialog.frameSize(), QSize(160, 120));
+    QStringList sizes;
+    for (const QComboBox *box : dialog.findChildren<QComboBox *>()) {
+        for (int i = 0; i < box->count(); ++i)
+            sizes << box->itemText(i);
+    }
+    sizes = sizes.filter(QString::fromUtf8("×"));
+    QCOMPARE(sizes.join(", "), QString::fromUtf8("160 × 120, 120 × 90, 100 × 75, 80 × 60, 53 × 40, 40 × 30"));
 }
 
 void PlaybackWindowTest::savesAndCopiesTheFrame()

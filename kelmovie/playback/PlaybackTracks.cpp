@@ -11,6 +11,7 @@
 #include "playback/tracks/KelPlaybackVoiceTrack.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
+#include "recording/wav/RecordedSound.h"
 
 #include <KelMovie/KelMovieConfig.h>
 
@@ -20,6 +21,16 @@
 
 namespace kel
 {
+
+namespace
+{
+bool holdsSound(const QString &recordDir)
+{
+    const QString dir = KelRecordingFiles::path(recordDir, KelRecordingFiles::kVoiceDir);
+    return !RecordedSound::files(dir, KelRecordingFiles::kSystemAudio).isEmpty() ||
+           !RecordedSound::files(dir, KelRecordingFiles::kMicrophone).isEmpty();
+}
+} // namespace
 
 /// The order of creation is the painting order, from bottom to top.
 PlaybackTracks::PlaybackTracks(const QString &recordDir, const KelRecordingMetadata &metadata,
@@ -40,6 +51,8 @@ PlaybackTracks::PlaybackTracks(const QString &recordDir, const KelRecordingMetad
         createMouse();
     if (metadata.systemAudio || metadata.microphoneAudio)
         createVoice(metadata, dependencies);
+    else if (holdsSound(recordDir))
+        m_voiceProblem = QStringLiteral("The recording holds sound that its metadata does not list");
     createCountdown();
     if (metadata.keyboardTrack)
         createKeyboard();

@@ -65,7 +65,10 @@ void KelPlaybackVoiceTrack::load(Source &source, const QStringList &files, const
     if (files.isEmpty())
         return;
     auto *player = new KelAmplifiedAudioPlayer(dependencies.createAudioSink, this);
-    if (!player->setSource(std::make_unique<RecordedSound>(files))) {
+    auto sound = std::make_unique<RecordedSound>(files);
+    if (!sound->leftOut().isEmpty())
+        source.problem = QStringLiteral("A part of the %1 cannot be played: %2").arg(name, sound->leftOut());
+    if (!player->setSource(std::move(sound))) {
         qCWarning(logPlayback).noquote() << QStringLiteral("Failed to load %1: %2").arg(name, player->errorString());
         source.problem =
             QStringLiteral("The %1 cannot be played: %2: %3").arg(name, files.first(), player->errorString());

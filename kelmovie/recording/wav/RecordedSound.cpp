@@ -31,9 +31,7 @@ qint64 bytesOf(const QStringList &files)
 
 QString openProblem(WavReader *file, const QString &path)
 {
-    if (!file->open(path))
-        return QStringLiteral("Failed to open file: %1: %2").arg(path, file->errorString());
-    return file->isTooShort() ? QStringLiteral("Invalid WAV file: RIFF header not found") : QString();
+    return file->open(path) ? QString() : QStringLiteral("Failed to open file: ") + file->errorString();
 }
 
 } // namespace
@@ -57,6 +55,8 @@ RecordedSound::RecordedSound(const QStringList &files, Integers32 integers32)
     for (const QString &path : files) {
         auto file = std::make_unique<WavReader>();
         QString problem = openProblem(file.get(), path);
+        if (problem.isEmpty() && files.size() > 1 && file->isTooShort())
+            continue; // its recording ended before the first sound
         if (problem.isEmpty() && m_segments.empty())
             problem = takeFormat(*file, integers32);
         if (problem.isEmpty()) {
@@ -65,7 +65,7 @@ RecordedSound::RecordedSound(const QStringList &files, Integers32 integers32)
         }
         setErrorString(problem);
         if (files.size() > 1)
-            qCWarning(logRecording).noquote() << "[RecordedSound]" << path << "is left out:" << problem;
+            m_leftOut += QStringLiteral("%1%2: %3").arg(QLatin1String(m_leftOut.isEmpty() ? "" : "; "), path, problem);
     }
     if (m_segments.empty())
         return;

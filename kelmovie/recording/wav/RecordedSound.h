@@ -35,9 +35,12 @@ public:
     /// is not used: joining them has failed.
     static QStringList files(const QString &voiceDir, QLatin1String source);
 
-    /// Opens what files() has found. Of several files, one that cannot be opened is logged and left out. If there is
-    /// nothing to play, isOpen() is false and errorString() says why.
+    /// Opens what files() has found. Of several files, one that cannot be opened is left out. If there is nothing to
+    /// play, isOpen() is false and errorString() says why.
     explicit RecordedSound(const QStringList &files, Integers32 integers32 = Integers32::AsStored);
+
+    /// Which files were left out although they may hold sound, and why; empty if none was.
+    QString leftOut() const { return m_leftOut; }
 
     /// The header that is read from the start, with sizes.
     const WavHeader &header() const { return m_header; }
@@ -73,6 +76,7 @@ private:
     SampleConverter m_converter;
     std::vector<Segment> m_segments;
     qint64 m_dataSize = 0;
+    QString m_leftOut;
 };
 
 } // namespace kel

@@ -14,7 +14,7 @@ namespace kel
 namespace
 {
 constexpr qint64 kSilenceAfterMs = 100;
-constexpr qint64 kHangMs = 2000;
+constexpr qint64 kHangMs = 10'000; // a shorter hang leaves only silence in which nothing was played
 constexpr qint64 kSizesIntervalMs = 1000;
 constexpr qint64 kSearchIntervalMs = 1000;
 constexpr int kDrainRounds = 10; // a device delivers its last sound after a few

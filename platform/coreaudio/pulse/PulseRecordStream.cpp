@@ -22,6 +22,9 @@ constexpr int kMaxUnansweredPeeks = 25;
 
 /// How far statements of the same time may differ.
 constexpr double kTimingJitterUs = 15 * PA_USEC_PER_MSEC;
+
+/// How much slower than the system clock a device's clock may run.
+constexpr double kClockTolerance = 0.0003;
 } // namespace
 
 std::shared_ptr<PulseRecordStream> PulseRecordStream::open(std::shared_ptr<PulseConnection> connection,
@@ -54,6 +57,7 @@ PulseRecordStream::~PulseRecordStream()
     }
     pa_stream_set_state_callback(m_stream, nullptr, nullptr);
     pa_stream_set_suspended_callback(m_stream, nullptr, nullptr);
+    pa_stream_set_read_callback(m_stream, nullptr, nullptr);
     pa_stream_disconnect(m_stream);
     pa_stream_unref(m_stream);
 }
@@ -70,6 +74,9 @@ bool PulseRecordStream::connect(const PulseConnection::Source &source)
         m_connection.get());
     pa_stream_set_suspended_callback(
         m_stream, [](pa_stream *, void *stream) { static_cast<PulseRecordStream *>(stream)->m_firstFrameUs.reset(); },
+        this);
+    pa_stream_set_read_callback(
+        m_stream, [](pa_stream *, std::size_t, void *stream) { static_cast<PulseRecordStream *>(stream)->onData(); },
         this);
     pa_buffer_attr buffer;
     buffer.maxlength = std::uint32_t(-1); // the maximum of the server, so that a slow disk loses no sound
@@ -117,7 +124,7 @@ PulseRecordStream::Packet PulseRecordStream::peek()
 {
     const PulseConnection::Lock lock(*m_connection);
     const double nowUs = double(pa_rtclock_now());
-    if (!m_firstFrameUs || nowUs - m_timedAtUs > kTimingIntervalUs)
+    if (!m_firstFrameUs || nowUs - m_timedAtUs > kTimingMaxAgeUs)
         requestTiming();
     m_unansweredPeeks = m_timingRequest ? m_unansweredPeeks + 1 : 0;
     if (!m_firstFrameUs || nowUs - m_timedAtUs > kTimingMaxAgeUs)
@@ -138,6 +145,13 @@ PulseRecordStream::Packet PulseRecordStream::peek()
     const double position = double(m_framesRead) * PA_USEC_PER_SEC / m_format.rate;
     packet.recordedAtNs100 = std::uint64_t((*m_firstFrameUs + position) * 10);
     return packet;
+}
+
+/// When sound has just arrived, what the server states is exact also if it records in larger steps.
+void PulseRecordStream::onData()
+{
+    if (double(pa_rtclock_now()) - m_timedAtUs > kTimingIntervalUs)
+        requestTiming();
 }
 
 void PulseRecordStream::requestTiming()
@@ -202,7 +216,11 @@ void PulseRecordStream::setTiming(double firstFrameUs, double nowUs)
     const auto isConfirmedBy = [firstFrameUs](const std::optional<double> &other) {
         return other && std::abs(firstFrameUs - *other) < kTimingJitterUs;
     };
-    if (isConfirmedBy(m_firstFrameUs) || isConfirmedBy(m_statedFirstFrameUs)) {
+    if (isConfirmedBy(m_firstFrameUs)) {
+        // A statement is late if sound was recorded just before that it does not include.
+        m_firstFrameUs = std::min(firstFrameUs, *m_firstFrameUs + (nowUs - m_timedAtUs) * kClockTolerance);
+        m_timedAtUs = nowUs;
+    } else if (isConfirmedBy(m_statedFirstFrameUs)) {
         m_firstFrameUs = firstFrameUs;
         m_timedAtUs = nowUs;
     }

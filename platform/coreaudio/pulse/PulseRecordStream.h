@@ -50,6 +50,7 @@ private:
                       const std::string &sink);
     bool connect(const PulseConnection::Source &source);
     bool setCorked(bool isCorked);
+    void onData();
     void requestTiming();
     void onSinkInfo(const pa_sink_info *info);
     void requestStreamTiming();

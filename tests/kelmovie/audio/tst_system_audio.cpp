@@ -100,7 +100,7 @@ void SystemAudioTest::soundKeepsItsTime_data()
     row("packets flagged as silent", "play 100, silence 300, play 100");
     row("packets come late", "play 200, stall 380, play 100");
     row("late from the start", "stall 250, play 100");
-    row("a long stall", "play 200, stall 2500, play 100", 1);
+    row("a long stall", "play 200, stall 10500, play 100", 1);
     row("pause while playing", "play 300, pause, play 400, resume, play 200");
     row("pause while idle", "play 200, idle 150, pause, idle 2000, resume, play 100");
     row("three pauses",

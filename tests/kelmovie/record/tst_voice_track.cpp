@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <algorithm>
 #include <tuple>
 
 using namespace kel;
@@ -161,26 +162,27 @@ void VoiceTrackTest::goesOnWhileTheServerHangs()
         track.setFailureHandler([&](const QString &, const QString &problem) { failures << problem; });
         track.setSystemAudioEnabled(true);
         track.setMicrophoneEnabled(true);
-        const auto isRecorded = [&] {
+        const auto isRecorded = [&](int seconds) {
             const QFileInfoList parts = QDir(voice).entryInfoList(QDir::Files);
-            return parts.size() == 2 && parts[0].size() > 200'000 && parts[1].size() > 100'000;
+            const auto isLong = [&](const QFileInfo &part) { return part.size() > seconds * 400'000; };
+            return std::any_of(parts.begin(), parts.end(), isLong);
         };
         if (hangsFromTheStart)
             QVERIFY(Tone::signalServer("STOP"));
         track.startRecording();
-        if (!hangsFromTheStart) {
-            QTRY_VERIFY_WITH_TIMEOUT(isRecorded(), 30'000);
-            QVERIFY(Tone::signalServer("STOP"));
-        }
+        const bool isBegun = QTest::qWaitFor([&] { return isRecorded(1); }, 30'000);
+        const bool isStopped = hangsFromTheStart || Tone::signalServer("STOP");
+        const bool isSilenceRecorded = QTest::qWaitFor([&] { return isRecorded(3); }, 30'000);
         const QDeadlineTimer limit(15'000);
         track.pauseRecording();
         track.startRecording();
-        const bool isReported = QTest::qWaitFor([&] { return failures.size() == 2; }, 30'000);
         track.stopRecording(1, 1);
         const bool isInTime = !limit.hasExpired();
         QVERIFY(Tone::signalServer("CONT"));
-        QVERIFY(isReported && isInTime);
-        QCOMPARE(failures, QStringList({"the sound system does not respond", "the sound system does not respond"}));
+        QVERIFY(isBegun && isStopped && isSilenceRecorded && isInTime);
+        QVERIFY(!failures.isEmpty());
+        for (const QString &failure : failures)
+            QVERIFY2(failure.startsWith("the sound system does not respond"), qPrintable(failure));
         for (const QString &file : QDir(voice).entryList(QDir::Files)) {
             WavHeader header;
             QVERIFY2(!SoundFile::exactSamples(voice + '/' + file, &header).isEmpty(), qPrintable(file));

@@ -185,6 +185,10 @@ void KeyDisplayListTest::hidesTypedText()
         QCOMPARE(seen, showsEveryPress ? (QStringList{"F1", "Return", "Shift+F1", "Shift+Return"})
                                        : (QStringList{"F1", "Return", "Shift"}));
     }
+    // Not a combination, even where the release of the modifier goes by unnoticed.
+    KelPlaybackRules alone;
+    alone.hidesAllTypedText = true;
+    QCOMPARE(boxesAt(build("1:+Control 1:-Control 2:+A", alone), 2), "| 1:A");
 }
 
 /// Hidden keys displace and prolong nothing, but what they interrupt is not continued.

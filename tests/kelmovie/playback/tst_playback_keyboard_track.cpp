@@ -6,6 +6,7 @@
 #include "playback/keys/KelPlaybackKeyboardTrack.h"
 #include "playback/keys/KeyBoxLayout.h"
 #include "playback/keys/KeyNames.h"
+#include "recording/RecordingTimeline.h"
 
 #include <QPainter>
 #include <QTemporaryDir>
@@ -155,6 +156,10 @@ void PlaybackKeyboardTrackTest::seeks()
     track->seekToFrame(3);
     QVERIFY(!paintedPart(painted(*track, kCanvas)).isEmpty());
     track->paint(nullptr);
+    const RecordingTimeline timeline(1000, 60, 1000 * 1000 / 60);
+    track->setContext(timeline, KelPlaybackRules::recommended());
+    QCOMPARE(nextAfter(93), 94);
+    track->setContext(timeline, {});
 
     KeyOverlayStyle brief = everything();
     brief.display.keepTimeSeconds = 1;

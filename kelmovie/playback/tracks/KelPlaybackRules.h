@@ -35,11 +35,12 @@ struct KELMOVIE_EXPORT KelPlaybackRules {
 
     // Time and sound
 
-    /// The time display shows recording time, and in an exported range the time within it. By default it assumes the
-    /// nominal frame rate.
+    /// The time display shows recording time, and in a trim range the time within it, before its export, too. By
+    /// default it assumes the nominal frame rate.
     bool timeFollowsRecording = false;
     /// Computes the frames of a trim range in 64 bits. By default the product of ms and frames wraps at 32 bits, which
-    /// selects another range in long recordings (from 4 minutes on at 30 frames per second).
+    /// selects another range in long recordings (from 4 minutes on at 30 frames per second). Recordings that contain
+    /// the times of their frames are not affected.
     bool trimsLongRecordings = false;
     /// The sound keeps its pitch at other speeds than 1. By default a faster sound is higher.
     bool keepsPitch = false;

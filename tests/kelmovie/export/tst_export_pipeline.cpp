@@ -69,6 +69,7 @@ private slots:
     void fillsUncoveredPixels();
     void exportsWithoutMetadata();
     void showsTimeWithinRange();
+    void previewShowsTimeOfTheExport();
     void failures_data();
     void failures();
     void unsupportedFormat();
@@ -90,13 +91,21 @@ private:
     }
     bool runExport() { return runExport(scriptedEncoders(encoder)); }
 
-    void loadManager()
+    void loadManager(const KelPlaybackRules &rules = {})
     {
         KelPlaybackDependencies dependencies;
         dependencies.nowMs = [] { return 0; };
         dependencies.decoders = scriptedDecoders(decoder);
-        manager = PlaybackInternals::load(recording->path(), dependencies);
+        manager = PlaybackInternals::load(recording->path(), dependencies, rules);
         request.playbackManager = manager.get();
+    }
+    QImage composed()
+    {
+        QImage image(320, 120, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        manager->paint(&painter);
+        return image;
     }
     void setFormat(int format)
     {
@@ -225,13 +234,6 @@ void ExportPipelineTest::showsTimeWithinRange()
     gKelMovieConfig.playbackProgressEnable = true;
     const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
     loadManager();
-    const auto composed = [&] {
-        QImage image(320, 120, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::black);
-        QPainter painter(&image);
-        manager->paint(&painter);
-        return image;
-    };
     manager->seek(50);
     const QImage before = composed();
 
@@ -262,6 +264,33 @@ void ExportPipelineTest::showsTimeWithinRange()
     QVERIFY(!differs);
     manager->seek(50);
     QCOMPARE(composed(), before);
+}
+
+void ExportPipelineTest::previewShowsTimeOfTheExport()
+{
+    recording->metadata.recordArea = QRect(0, 0, 320, 120);
+    recording->save();
+    gKelMovieConfig.playbackProgressEnable = true;
+    const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
+    KelPlaybackRules rules;
+    rules.timeFollowsRecording = true;
+    loadManager(rules);
+    manager->seek(60);
+    const QImage ofWhole = composed();
+    manager->setTrimRange(1010, 3040);
+    const QImage preview = composed();
+    QVERIFY(preview != ofWhole);
+    request.trimStartMs = 1010;
+    request.trimEndMs = 3040;
+    QImage exported;
+    encoder->onFrame = [&](int) {
+        PlaybackInternals::engine(*manager).setFrameSilently(60);
+        exported = composed();
+    };
+    QVERIFY(runExport());
+    QCOMPARE(exported, preview);
+    manager->setTrimRange(-1, -1);
+    QCOMPARE(composed(), ofWhole);
 }
 
 void ExportPipelineTest::exportsWithoutMetadata()

@@ -12,9 +12,11 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <thread>
 
 namespace
@@ -23,7 +25,7 @@ namespace
 using Clock = std::chrono::steady_clock;
 
 constexpr int kRate = 48000;
-constexpr int kBlock = kRate / 500; // a flash comes at most this much late
+constexpr int kBlock = kRate / 500;
 constexpr int kBeepSamples = kRate / 10;
 constexpr double kBeepHertz = 1000;
 constexpr std::chrono::milliseconds kFlash(500); // seen even at ten times the speed
@@ -58,6 +60,56 @@ std::array<int16_t, kBlock> block(qint64 firstSample)
     return samples;
 }
 
+/// Paints the flashes on a thread of its own, because writing sound blocks while the sound server is busy.
+class Flashes
+{
+public:
+    Flashes(X11Painter &painter, xcb_window_t window, const QRect &area)
+        : m_painter(painter)
+        , m_window(window)
+        , m_area(area)
+        , m_thread([this] { run(); })
+    {
+        m_thread.detach(); // runs until the process ends
+    }
+
+    void flashAt(Clock::time_point time)
+    {
+        std::lock_guard lock(m_mutex);
+        m_next = time;
+        m_changed.notify_one();
+    }
+
+private:
+    void run()
+    {
+        for (Clock::time_point done;;) {
+            {
+                std::unique_lock lock(m_mutex);
+                m_changed.wait(lock, [&] { return m_next != done; });
+                done = m_next;
+            }
+            fillAt(done, qRgb(255, 255, 255));
+            fillAt(done + kFlash, qRgb(0, 0, 0));
+        }
+    }
+
+    void fillAt(Clock::time_point time, QRgb color)
+    {
+        std::this_thread::sleep_until(time);
+        m_painter.fill(m_window, m_area, color);
+        m_painter.sync();
+    }
+
+    X11Painter &m_painter;
+    const xcb_window_t m_window;
+    const QRect m_area;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    Clock::time_point m_next;
+    std::thread m_thread;
+};
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -73,24 +125,15 @@ int main(int argc, char **argv)
     std::puts("ready");
     std::fflush(stdout);
 
-    Clock::time_point flashAt = Clock::time_point::max();
-    bool isLit = false;
+    Flashes flashes(painter, window, all);
     for (qint64 written = 0;; written += kBlock) {
         int error = 0;
         if (written % kRate == 0) {
             const pa_usec_t delay = pa_simple_get_latency(output.get(), &error);
-            flashAt = Clock::now() + std::chrono::microseconds(delay);
-            std::printf("%.6f\n", std::chrono::duration<double>(flashAt.time_since_epoch()).count());
-            std::fflush(stdout);
+            flashes.flashAt(Clock::now() + std::chrono::microseconds(delay));
         }
         const auto samples = block(written);
         if (pa_simple_write(output.get(), samples.data(), sizeof samples, &error) < 0)
             giveUp("playing failed", pa_strerror(error));
-        const bool shallBeLit = Clock::now() >= flashAt && Clock::now() < flashAt + kFlash;
-        if (shallBeLit != isLit) {
-            painter.fill(window, all, shallBeLit ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
-            painter.sync();
-            isLit = shallBeLit;
-        }
     }
 }

@@ -30,5 +30,8 @@ QString scratchPath(const QString &name);
 /// Writes a file there and returns its path.
 QString writeScratch(const QString &name, const QByteArray &content);
 
+/// Makes the content of a settings file the settings of the module.
+void applySettings(const QByteArray &content);
+
 /// Ends the process with a message unless `isKept`.
 void expect(bool isKept, const char *promise);

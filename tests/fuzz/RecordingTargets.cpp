@@ -17,6 +17,9 @@
 namespace
 {
 
+/// The settings with which the recording is played.
+constexpr const char *kSettings = "keldock.ini";
+
 /// Writes the files of a recording that the input contains, see pack-recording: each follows a line "=== PATH".
 QString unpack(const QByteArray &input)
 {
@@ -74,7 +77,10 @@ void recording(const QByteArray &input)
     dependencies.nowMs = [&now] { return now += 10; };
     dependencies.createAudioSink = [](const QAudioFormat &) { return std::make_unique<OneBufferSink>(); };
     const KelPlaybackRules rules = input.size() % 2 == 0 ? KelPlaybackRules() : KelPlaybackRules::recommended();
-    const auto manager = kel::PlaybackInternals::load(unpack(input), dependencies, rules);
+    const QString dir = unpack(input);
+    QFile settings(dir + '/' + kSettings);
+    applySettings(settings.open(QIODevice::ReadOnly) ? settings.readAll() : QByteArray());
+    const auto manager = kel::PlaybackInternals::load(dir, dependencies, rules);
     const int count = manager->totalFrames();
     expect(count >= 1 && manager->fps() >= 1, "a recording has frames");
     expect(manager->isValidRecording() == manager->errorString().isEmpty(), "what cannot be shown has a reason");

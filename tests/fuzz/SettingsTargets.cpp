@@ -8,23 +8,28 @@
 
 #include <QFile>
 
-namespace
-{
-
-void settings(const QByteArray &input)
+void applySettings(const QByteArray &content)
 {
     // QSettings recognizes a changed file by its time, which is too coarse here.
     static int number = 0;
-    const QString path = writeScratch(QString("keldock-%1.ini").arg(++number), input);
+    const QString path = writeScratch(QString("keldock-%1.ini").arg(++number), content);
     gKelMovieConfig = KelMovieConfig();
     {
         DockConfigIO store(path);
         KelMovieConfigInit(&store);
     }
-    expect(gKelMovieConfig.playbackMouseColor.isValid(), "an invalid color is not taken");
     KelMovieConfigInit(nullptr);
     QFile::remove(path);
     QFile::remove(path + ".damaged");
+}
+
+namespace
+{
+
+void settings(const QByteArray &input)
+{
+    applySettings(input);
+    expect(gKelMovieConfig.playbackMouseColor.isValid(), "an invalid color is not taken");
 }
 
 } // namespace

@@ -45,7 +45,7 @@ void wavParts(const QByteArray &input)
         const int size = input.size() / kParts;
         parts << writeScratch(QString("microphone_20260131_123456_part%1.wav").arg(i), input.mid(i * size, size));
     }
-    mergeMicrophoneParts(parts, output);
+    mergeMicrophoneParts(parts, output); // as after a crash: their times are not known
     const qint64 size = QFileInfo(output).size();
     expect(size == 0 || size >= WavHeader::kSize, "a sound file has a whole header");
 }

@@ -5,6 +5,7 @@
 #include "audio/processing/KelAudioSpeedProcessor.h"
 #include "avcodec/AudioTrack.h"
 #include "avcodec/audio/AudioReader.h"
+#include "recording/wav/RecordedSound.h"
 #include "recording/wav/WavFrameReader.h"
 #include "recording/wav/WavHeader.h"
 #include "recording/wav/WavPartMerger.h"
@@ -13,6 +14,8 @@
 #include <QFileInfo>
 
 #include <array>
+#include <memory>
+#include <utility>
 
 using namespace kel;
 
@@ -34,18 +37,39 @@ void wav(const QByteArray &input)
     }
 }
 
-/// The input is divided into parts of the same length; the last bytes may belong to none.
+/// Writes the input as two parts of the same length; the last byte may belong to none.
+QStringList writeParts(const QByteArray &input)
+{
+    QStringList parts;
+    const int size = input.size() / 2;
+    for (int i = 0; i < 2; ++i)
+        parts << writeScratch(QString("microphone_20260131_123456_part%1.wav").arg(i), input.mid(i * size, size));
+    return parts;
+}
+
+void recordedSound(const QByteArray &input)
+{
+    const QStringList parts = writeParts(input);
+    for (const auto integers32 : {RecordedSound::Integers32::AsStored, RecordedSound::Integers32::AsFloats}) {
+        auto sound = std::make_unique<RecordedSound>(parts, integers32);
+        if (!sound->isOpen())
+            continue;
+        // Converted samples have at most four bytes for three.
+        expect(sound->size() <= WavHeader::kSize + input.size() / 3 * 4 + 4, "no sound that the parts do not have");
+        expect(sound->readAll().size() == sound->size(), "all of it can be read");
+        sound->seek(0);
+        WavFrameReader reader;
+        const qint64 size = sound->size();
+        expect(reader.open(std::move(sound)), "it can be played");
+        expect(reader.frameCount() * reader.frameBytes() == size - WavHeader::kSize, "to its end");
+    }
+}
+
 void wavParts(const QByteArray &input)
 {
-    constexpr int kParts = 2;
     const QString output = scratchPath("microphone_20260131_123456.wav");
     QFile::remove(output);
-    QStringList parts;
-    for (int i = 0; i < kParts; ++i) {
-        const int size = input.size() / kParts;
-        parts << writeScratch(QString("microphone_20260131_123456_part%1.wav").arg(i), input.mid(i * size, size));
-    }
-    mergeMicrophoneParts(parts, output); // as after a crash: their times are not known
+    mergeMicrophoneParts(writeParts(input), output); // as after a crash: their times are not known
     const qint64 size = QFileInfo(output).size();
     expect(size == 0 || size >= WavHeader::kSize, "a sound file has a whole header");
 }
@@ -77,5 +101,9 @@ void soundDecoder(const QByteArray &input)
 
 std::vector<FuzzTarget> soundTargets()
 {
-    return {{"wav", wav}, {"wav_parts", wavParts}, {"wav_speed", wavSpeed}, {"sound_decoder", soundDecoder}};
+    return {{"wav", wav},
+            {"recorded_sound", recordedSound},
+            {"wav_parts", wavParts},
+            {"wav_speed", wavSpeed},
+            {"sound_decoder", soundDecoder}};
 }

@@ -183,6 +183,7 @@ KelExportSound::Range KelExportPipeline::Private::soundRange() const
 {
     KelExportSound::Range sound;
     sound.speed = request.speed;
+    sound.keepsPitch = manager->rules().keepsPitch;
     if (manager->durationMs() > 0)
         sound.recordedMs = double(manager->durationMs());
     const ExportFrameMap map = ExportFrameMap::forExport(*manager, request);

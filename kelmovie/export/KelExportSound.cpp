@@ -24,6 +24,7 @@ KelExportSound::KelExportSound(const KelPlaybackVoiceTrack *voice, const QString
     : m_range(range)
     , m_temporaryDir(temporaryDir)
 {
+    m_processor.setKeepsPitch(range.keepsPitch);
     if (!voice)
         return;
     add(voiceDir, KelRecordingFiles::kSystemAudio, voice->audibleSystemAudioGain());

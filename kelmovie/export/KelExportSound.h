@@ -26,6 +26,7 @@ public:
         double endMs = -1.0;   ///< below 0: to the end
         double speed = 1.0;
         double recordedMs = -1.0; ///< of the whole recording; below 0: unknown
+        bool keepsPitch = false;  ///< see KelPlaybackRules
     };
 
     /// Determines the audible sources of `voice`, which may be null and is not used later, and opens their files in

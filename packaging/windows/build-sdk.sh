@@ -31,7 +31,7 @@ export PATH="$work/bin:$PATH" PKG_CONFIG_LIBDIR="$sdk/deps/lib/pkgconfig"
 # source_entries: this machine's package sources, turned into entries for source packages
 source_entries() {
     # One-line entries in *.list files; options in brackets are kept.
-    find /etc/apt/sources.list /etc/apt/sources.list.d -name '*.list' -exec sed -n 's/^deb /deb-src /p' {} + 2>/dev/null
+    find /etc/apt/sources.list /etc/apt/sources.list.d -name '*.list' -exec sed -n 's/^deb /deb-src /p' {} + 2>/dev/null || true
     # Paragraphs of "Field: value" lines in *.sources files.
     find /etc/apt/sources.list.d -name '*.sources' -exec cat {} + -exec echo {} + 2>/dev/null | awk '
         function flush(   i, j, n, m, uri, suite) {
@@ -156,6 +156,11 @@ rlottie() {
     cp "$build/librlottie.dll" "$sdk/deps/bin" # not installed by its build
 }
 
+soundtouch() {
+    unpack soundtouch
+    with_cmake -DBUILD_SHARED_LIBS=OFF -DSOUNDSTRETCH=OFF -DSOUNDTOUCH_DLL=OFF -DOPENMP=OFF
+}
+
 qtbase() {
     unpack qtbase-opensource-src
     # Debian's archive lacks a header for tablets. The other features are not used by the programs.
@@ -172,10 +177,10 @@ qtmultimedia() {
     (cd "$build" && "$sdk/host/bin/qmake" "$source" -- -no-wmf && make -j "$jobs" && make install)
 }
 
-[ $# -gt 0 ] || set -- zlib x264 ffmpeg libwebp libdeflate rlottie qtbase qtmultimedia
+[ $# -gt 0 ] || set -- zlib x264 ffmpeg libwebp libdeflate rlottie soundtouch qtbase qtmultimedia
 for library in "$@"; do
     case "$library" in
-    zlib | x264 | ffmpeg | libwebp | libdeflate | rlottie | qtbase | qtmultimedia) ;;
+    zlib | x264 | ffmpeg | libwebp | libdeflate | rlottie | soundtouch | qtbase | qtmultimedia) ;;
     *)
         echo "build-sdk.sh: no library named $library" >&2
         exit 2

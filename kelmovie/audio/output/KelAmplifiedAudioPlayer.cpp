@@ -1,6 +1,7 @@
 #include "audio/output/KelAmplifiedAudioPlayer.h"
 
 #include "audio/output/QtAudioSink.h"
+#include "audio/processing/FloatSamples.h"
 #include "logging/Log.h"
 
 #include <QDebug>
@@ -10,6 +11,7 @@
 #include <cmath>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 using namespace kel;
 
@@ -17,7 +19,8 @@ namespace
 {
 
 constexpr int kFeedMs = 20;
-constexpr int kPieceBytes = 8192; // short, so that a new gain is heard soon
+constexpr int kPieceBytes = 8192;         // short, so that a new gain is heard soon
+constexpr double kInaudibleChange = 0.05; // of the pitch
 
 QAudioFormat audioFormat(const WavFrameReader::Format &wav)
 {
@@ -160,6 +163,8 @@ void KelAmplifiedAudioPlayer::setRate(double rate)
     m_first = nextFrame();
     m_made = 0;
     m_rate = rate;
+    if (m_stretched)
+        m_stretched->setSpeed(rate);
 }
 
 double KelAmplifiedAudioPlayer::exactPosition() const
@@ -220,19 +225,61 @@ QByteArray KelAmplifiedAudioPlayer::nextPiece()
     const int frames = std::max(kPieceBytes / frameBytes, 1);
     const bool isOffset = m_format.sampleType() == QAudioFormat::UnSignedInt;
     QByteArray piece(frames * frameBytes, isOffset ? char(0x80) : char(0));
-    for (int i = 0; i < frames; ++i, ++m_made) {
-        const auto source = qint64(nextFrame());
-        if (source >= m_file.frameCount())
-            continue;
-        if (const char *frame = m_file.frame(source)) {
-            std::memcpy(piece.data() + i * frameBytes, frame, size_t(frameBytes));
-        } else if (!m_isUnreadable) {
-            m_isUnreadable = true;
-            qCWarning(logAudio) << "KelAmplifiedAudioPlayer: Failed to seek in file";
-        }
-    }
+    if (m_stretched || shouldStretch())
+        stretchTo(piece.data(), frames);
+    else
+        mapTo(piece.data(), frames);
     m_gain.apply(m_format, &piece);
     return piece;
+}
+
+bool KelAmplifiedAudioPlayer::shouldStretch() const
+{
+    return m_keepsPitch && std::abs(m_rate - 1.0) > kInaudibleChange &&
+           StretchedSound::supports(m_file.format().sampleRate, m_file.format().channelCount);
+}
+
+/// Makes the next frames with the pitch of the file.
+void KelAmplifiedAudioPlayer::stretchTo(char *bytes, int frames)
+{
+    const WavFrameReader::Format &wav = m_file.format();
+    const FloatSamples format{wav.bitsPerSample, wav.isFloat};
+    if (!m_stretched) {
+        const auto source = [this, format](qint64 first, int count, float *samples) {
+            const int channels = m_file.format().channelCount;
+            std::fill_n(samples, std::ptrdiff_t(count) * channels, 0.0F);
+            for (int i = 0; i < count; ++i) {
+                if (const char *stored = frame(first + i))
+                    format.read(stored, channels, samples + std::ptrdiff_t(i) * channels);
+            }
+        };
+        m_stretched.emplace(wav.sampleRate, wav.channelCount, source, nextFrame(), m_rate);
+    }
+    std::vector<float> samples(std::size_t(frames) * std::size_t(wav.channelCount));
+    m_stretched->read(samples.data(), frames);
+    format.write(samples.data(), qint64(samples.size()), bytes);
+    m_made += frames;
+}
+
+/// Makes the next frames by dropping or repeating frames of the file.
+void KelAmplifiedAudioPlayer::mapTo(char *bytes, int frames)
+{
+    const int frameBytes = m_file.frameBytes();
+    for (int i = 0; i < frames; ++i, ++m_made) {
+        if (const char *stored = frame(qint64(nextFrame())))
+            std::memcpy(bytes + i * frameBytes, stored, size_t(frameBytes));
+    }
+}
+
+/// A frame of the file; null outside of it, and where it cannot be read, which is logged once.
+const char *KelAmplifiedAudioPlayer::frame(qint64 index)
+{
+    if (index < 0 || index >= m_file.frameCount())
+        return nullptr;
+    const char *const stored = m_file.frame(index);
+    if (!stored && !std::exchange(m_isUnreadable, true))
+        qCWarning(logAudio) << "KelAmplifiedAudioPlayer: Failed to seek in file";
+    return stored;
 }
 
 void KelAmplifiedAudioPlayer::tick()
@@ -283,6 +330,7 @@ void KelAmplifiedAudioPlayer::moveTo(double frame)
     if (m_sink)
         m_sink->stop();
     m_pending.clear();
+    m_stretched.reset();
     m_first = frame;
     m_made = 0;
 }

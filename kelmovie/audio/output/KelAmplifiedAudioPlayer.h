@@ -2,6 +2,7 @@
 
 #include "audio/output/AudioGain.h"
 #include "audio/output/AudioSink.h"
+#include "audio/processing/StretchedSound.h"
 #include "recording/wav/WavFrameReader.h"
 
 #include <QAudioFormat>
@@ -11,6 +12,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 
 /// Plays one WAV file, with optional amplification, at any rate. Reads the file while playing. The sound device is
 /// opened by the first play(), so that loading a recording needs none.
@@ -45,8 +47,11 @@ public:
     void setGain(double gain);
     void setMuted(bool on);
     /// Sets how many ms of the file are played per ms, above 0; other values are ignored. Frames are dropped or
-    /// repeated, which changes the pitch.
+    /// repeated, which changes the pitch unless setKeepsPitch() is on.
     void setRate(double rate);
+    /// Whether the pitch stays at other rates, where StretchedSound supports the file; off by default. Rates close to
+    /// 1, at which one hears no difference, are played as by default. Takes effect with the next seek, pause or stop.
+    void setKeepsPitch(bool on) { m_keepsPitch = on; }
 
     bool isPlaying() const { return m_isPlaying; }
     /// What is being heard, as far as the device reports it.
@@ -80,6 +85,10 @@ private:
     double heardFrame() const;
     bool isOver() const { return heardFrame() >= double(m_file.frameCount()); }
     QByteArray nextPiece();
+    bool shouldStretch() const;
+    void stretchTo(char *bytes, int frames);
+    void mapTo(char *bytes, int frames);
+    const char *frame(qint64 index);
     void tick();
     bool fail(const QString &text);
 
@@ -94,6 +103,8 @@ private:
     double m_first = 0;   ///< frame of the file at which the current rate was set
     qint64 m_made = 0;    ///< frames prepared since
     double m_rate = 1.0;
+    std::optional<kel::StretchedSound> m_stretched; ///< from m_first on, while the pitch is kept
+    bool m_keepsPitch = false;
     bool m_isPlaying = false;
     bool m_isDeviceMissing = false; ///< and this was reported
     bool m_isUnreadable = false;    ///< and this was logged

@@ -1,6 +1,8 @@
 #include "audio/processing/KelAudioSpeedProcessor.h"
 
+#include "audio/processing/FloatSamples.h"
 #include "audio/processing/SpeedFrameMap.h"
+#include "audio/processing/StretchedSound.h"
 #include "recording/FileWriting.h"
 #include "recording/wav/WavChunks.h"
 #include "recording/wav/WavHeader.h"
@@ -22,6 +24,7 @@ namespace
 {
 
 constexpr qint64 kBlockBytes = 1 << 20;
+constexpr int kStretchedFrames = 16'384; // at a time
 constexpr int kFloatBits = 32;
 constexpr int kPcmBits = 16;
 
@@ -87,6 +90,11 @@ struct KelAudioSpeedProcessor::WavFile {
 
     qint64 frameBytes() const { return qint64(channelCount) * (bitsPerSample / 8); }
     bool isFloat() const { return bitsPerSample == kFloatBits; }
+    bool canBeStretched() const
+    {
+        return (bitsPerSample == 8 || bitsPerSample == kPcmBits || isFloat()) &&
+               StretchedSound::supports(int(sampleRate), channelCount);
+    }
 };
 
 KelAudioSpeedProcessor::KelAudioSpeedProcessor(QObject *parent)
@@ -124,6 +132,12 @@ bool KelAudioSpeedProcessor::processAudio(QIODevice &input, double speed, const 
     WavFile wav{input};
     if (!readWavFile(&wav))
         return false;
+    if (m_keepsPitch && wav.canBeStretched()) {
+        if (!writeStretchedFile(outputPath, wav, speed))
+            return false;
+        emit processingFinished(true);
+        return true;
+    }
     const qint64 frames = wav.frameBytes() > 0 ? wav.dataBytes / wav.frameBytes() : 0;
     const SpeedFrameMap map(int(std::min<qint64>(frames, std::numeric_limits<int>::max())), speed);
     if (frames > std::numeric_limits<int>::max() || map.isTooLong())
@@ -184,18 +198,81 @@ bool KelAudioSpeedProcessor::writeWavFile(const QString &path, WavFile &wav, con
     WavHeader header = WavHeader::pcm(wav.sampleRate, quint16(wav.channelCount), quint16(bits));
     header.setDataSize(qint64(map.outFrames()) * wav.channelCount * (bits / 8));
     QSaveFile output(path);
-    if (!output.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        failToWrite(output);
-        return fail(QStringLiteral("Cannot create output WAV file: ") + path);
-    }
-    if (!writeAll(output, header.toBytes()))
-        return failToWrite(output);
+    if (!begin(output, header))
+        return false;
     // The gain is known only after a full pass; the few sounds that exceed full scale need a second one.
     float gain = 1.0F;
     if (!changeSpeed(wav, map, &gain, output))
         return false;
     if (gain < 1.0F && (!output.seek(WavHeader::kSize) || !changeSpeed(wav, map, &gain, output)))
         return false;
+    return commit(output, wav);
+}
+
+bool KelAudioSpeedProcessor::writeStretchedFile(const QString &path, WavFile &wav, double speed)
+{
+    const FloatSamples format{wav.bitsPerSample, wav.isFloat()};
+    const qint64 frameBytes = wav.frameBytes();
+    const qint64 inFrames = wav.dataBytes / frameBytes;
+    bool isReadable = true;
+    QByteArray bytes;
+    const auto source = [&](qint64 first, int count, float *samples) {
+        std::fill_n(samples, std::ptrdiff_t(count) * wav.channelCount, 0.0F);
+        const qint64 begin = std::clamp<qint64>(first, 0, inFrames);
+        const qint64 present = std::clamp<qint64>(first + count, 0, inFrames) - begin;
+        if (present == 0)
+            return;
+        bytes.resize(int(present * frameBytes));
+        if (wav.file.seek(wav.dataBegin + begin * frameBytes) &&
+            wav.file.read(bytes.data(), bytes.size()) == bytes.size())
+            format.read(bytes.constData(), present * wav.channelCount, samples + (begin - first) * wav.channelCount);
+        else
+            isReadable = false;
+    };
+
+    const double exactFrames = double(inFrames) / speed;
+    if (exactFrames * double(frameBytes) > double(std::numeric_limits<qint64>::max()))
+        return fail(QStringLiteral("Too many audio frames"));
+    const auto outFrames = qint64(exactFrames);
+    WavHeader header = WavHeader::pcm(wav.sampleRate, quint16(wav.channelCount), quint16(wav.bitsPerSample));
+    header.formatTag = wav.isFloat() ? WavHeader::kIeeeFloat : WavHeader::kPcm;
+    header.setDataSize(outFrames * frameBytes);
+    QSaveFile output(path);
+    if (!begin(output, header))
+        return false;
+    StretchedSound sound(int(wav.sampleRate), wav.channelCount, source, 0, speed);
+    std::vector<float> samples(std::size_t(kStretchedFrames) * std::size_t(wav.channelCount));
+    QByteArray out;
+    int percent = -1;
+    for (qint64 first = 0; first < outFrames; first += kStretchedFrames) {
+        if (m_isCancelled)
+            return fail(QStringLiteral("Cancelled"));
+        if (const int reached = int(double(first) / exactFrames * 100); reached > percent)
+            emit progressChanged(percent = reached);
+        const auto count = int(std::min<qint64>(kStretchedFrames, outFrames - first));
+        sound.read(samples.data(), count);
+        if (!isReadable)
+            return fail(QStringLiteral("Cannot read WAV file to its end"));
+        out.resize(int(count * frameBytes));
+        format.write(samples.data(), qint64(count) * wav.channelCount, out.data());
+        if (!writeAll(output, out))
+            return failToWrite(output);
+    }
+    emit progressChanged(100);
+    return commit(output, wav);
+}
+
+bool KelAudioSpeedProcessor::begin(QSaveFile &output, const WavHeader &header)
+{
+    if (!output.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        failToWrite(output);
+        return fail(QStringLiteral("Cannot create output WAV file: ") + output.fileName());
+    }
+    return writeAll(output, header.toBytes()) || failToWrite(output);
+}
+
+bool KelAudioSpeedProcessor::commit(QSaveFile &output, WavFile &wav)
+{
     wav.file.close(); // it may be the output, which some systems cannot replace while it is open
     return output.commit() || failToWrite(output);
 }

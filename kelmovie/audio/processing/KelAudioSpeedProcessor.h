@@ -10,13 +10,14 @@ class QSaveFile;
 namespace kel
 {
 class SpeedFrameMap;
+struct WavHeader;
 } // namespace kel
 
 /// Converts a WAV file to another speed, so that sound stays in sync in a video that is exported at that speed.
 ///
-/// Whole sample frames are dropped or repeated without interpolation, so the pitch changes with the speed. 32-bit
-/// samples are treated as floats, whatever the header says, and become 16-bit PCM, scaled down as a whole if they
-/// exceed full scale. Files of any length are processed in blocks of about a megabyte.
+/// By default, whole sample frames are dropped or repeated without interpolation, so the pitch changes with the speed.
+/// 32-bit samples are treated as floats, whatever the header says, and become 16-bit PCM, scaled down as a whole if
+/// they exceed full scale. Files of any length are processed in blocks of about a megabyte.
 class KelAudioSpeedProcessor : public QObject
 {
     Q_OBJECT
@@ -24,6 +25,9 @@ class KelAudioSpeedProcessor : public QObject
 public:
     explicit KelAudioSpeedProcessor(QObject *parent = nullptr);
     ~KelAudioSpeedProcessor() override;
+
+    /// Keeps the pitch and the format of the samples, where StretchedSound supports the sound.
+    void setKeepsPitch(bool on) { m_keepsPitch = on; }
 
     /// Runs on the caller's thread, and emits the signals there. At speed 1 the file is copied unchanged. An existing
     /// output is replaced only once the new one is complete. False on failure; errorMessage() says why.
@@ -54,10 +58,14 @@ private:
     bool copy(const QString &inputPath, const QString &outputPath);
     bool readWavFile(WavFile *wav);
     bool writeWavFile(const QString &path, WavFile &wav, const kel::SpeedFrameMap &map);
+    bool writeStretchedFile(const QString &path, WavFile &wav, double speed);
+    bool begin(QSaveFile &output, const kel::WavHeader &header);
+    bool commit(QSaveFile &output, WavFile &wav);
     bool changeSpeed(WavFile &wav, const kel::SpeedFrameMap &map, float *gain, QSaveFile &output);
     bool fail(const QString &message);
     bool failToWrite(const QSaveFile &output);
 
+    bool m_keepsPitch = false;
     QString m_errorMessage;
     QString m_writeError;
     std::atomic<bool> m_isCancelled{false};

@@ -42,7 +42,8 @@ struct KELMOVIE_EXPORT KelPlaybackRules {
     /// selects another range in long recordings (from 4 minutes on at 30 frames per second). Recordings that contain
     /// the times of their frames are not affected.
     bool trimsLongRecordings = false;
-    /// The sound keeps its pitch at other speeds than 1. By default a faster sound is higher.
+    /// The sound keeps its pitch at other speeds than 1, unless the module was built without SoundTouch. By default a
+    /// faster sound is higher.
     bool keepsPitch = false;
 
     /// All rules that viewers find better.

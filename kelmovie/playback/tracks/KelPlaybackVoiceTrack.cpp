@@ -79,6 +79,15 @@ void KelPlaybackVoiceTrack::load(Source &source, const QStringList &files, const
     connect(player, &KelAmplifiedAudioPlayer::errorOccurred, this, &KelPlaybackVoiceTrack::onDeviceFailed);
 }
 
+void KelPlaybackVoiceTrack::setContext(const RecordingTimeline &timeline, const KelPlaybackRules &rules)
+{
+    KelPlaybackTrack::setContext(timeline, rules);
+    for (Source *source : sources()) {
+        if (source->player)
+            source->player->setKeepsPitch(rules.keepsPitch);
+    }
+}
+
 void KelPlaybackVoiceTrack::seekToFrame(int frame)
 {
     seekToMs(qint64(frame) * 1000 / kFramesPerSecond);

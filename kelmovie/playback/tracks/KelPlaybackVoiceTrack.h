@@ -27,6 +27,7 @@ public:
                           const KelPlaybackDependencies &dependencies, KelPlaybackTrackManager *manager);
     ~KelPlaybackVoiceTrack() override;
 
+    void setContext(const kel::RecordingTimeline &timeline, const KelPlaybackRules &rules) override;
     void seekToFrame(int frame) override;
     void paint(QPainter *painter) override;
     int nextKeyFrame() override;

@@ -1,6 +1,7 @@
 #include "kelmovie/support/ScriptedAudioSink.h"
 #include "kelmovie/support/SoundFile.h"
 #include "support/LogCapture.h"
+#include "support/Sound.h"
 #include "support/TestTable.h"
 
 #include "audio/output/AudioGain.h"
@@ -57,6 +58,7 @@ private slots:
     void amplifies();
     void changesState();
     void followsRate();
+    void keepsPitch();
     void playsShortEndings();
     void mutes();
 
@@ -301,6 +303,35 @@ void AmplifiedPlayerTest::followsRate()
         player->setRate(0);
         player->setRate(std::numeric_limits<double>::quiet_NaN());
         QCOMPARE(player->rate(), rate);
+    }
+}
+
+/// A tone from 3 s on is heard with its pitch, when it is due, also after corrections of the rate.
+void AmplifiedPlayerTest::keepsPitch()
+{
+    constexpr int rate = 8000;
+    if (!StretchedSound::supports(rate, 1))
+        QSKIP("built without SoundTouch");
+    const auto player = load(SoundFile::wav(rate, 16, Sound::make(60, Sound::tone(440, 0.5, 3.0), rate, 1).pcm16()));
+    player->setKeepsPitch(true);
+    for (const double speed : {0.5, 1.5, 2.0, 4.0, 10.0}) {
+        player->setRate(speed);
+        player->seek(1000);
+        player->play();
+        for (int i = 0; i < 50; ++i) {
+            nowMs += 100;
+            player->setRate(speed * (i < 20 ? 1.01 : 0.99));
+            player->processAudioData();
+        }
+        QVERIFY(std::abs(player->exactPosition() - (1000 + 5000 * speed * 0.998)) < 10 * speed);
+        Sound sound{rate, 1, {}};
+        const QByteArray &written = script->last->written();
+        for (int i = 0; i < written.size(); i += 2)
+            sound.samples.push_back(float(qFromLittleEndian<qint16>(written.constData() + i)) / 32768);
+        QVERIFY2(std::abs(sound.onset(0.25) - 2.0 / speed / 1.01) < 0.03,
+                 qPrintable(QString::number(sound.onset(0.25))));
+        QVERIFY2(sound.level(440, 4.5, 4.6) > 0.42, qPrintable(QString::number(speed)));
+        player->pause();
     }
 }
 

@@ -1,7 +1,9 @@
 #include "audio/processing/KelAudioSpeedProcessor.h"
+#include "audio/processing/StretchedSound.h"
 #include "kelmovie/support/SoundFile.h"
 #include "recording/wav/WavChunks.h"
 #include "support/FileSizeLimit.h"
+#include "support/Sound.h"
 #include "support/TestTable.h"
 
 #include <QSignalSpy>
@@ -40,6 +42,8 @@ private slots:
     void changesSpeed_data();
     void changesSpeed();
     void followsTheFormulas();
+    void keepsPitch_data();
+    void keepsPitch();
     void malformed_data();
     void malformed();
     void copiesAtSpeedOne();
@@ -132,6 +136,46 @@ void AudioSpeedTest::followsTheFormulas()
             QCOMPARE(progress, percents << 100);
         }
     }
+}
+
+void AudioSpeedTest::keepsPitch_data()
+{
+    QTest::addColumn<double>("speed");
+    QTest::addColumn<bool>("isFloat");
+    for (const double speed : {0.1, 0.5, 0.8, 1.2, 1.5, 2.0, 4.0, 10.0, 16.0})
+        QTest::addRow("at %g", speed) << speed << (speed != 2.0);
+}
+
+/// A tone from 30.5 s to 36.5 s stays a tone of the same pitch at the right time: off by no more than 10 ms of the
+/// output or, when it is slower, of the input.
+void AudioSpeedTest::keepsPitch()
+{
+    QFETCH(double, speed);
+    QFETCH(bool, isFloat);
+    if (!StretchedSound::supports(16'000, 2))
+        QSKIP("built without SoundTouch");
+    constexpr double hertz = 440, from = 30.5, to = 36.5;
+    QVERIFY(Sound::make(40, Sound::tone(hertz, 0.5, from, to), 16'000).save(m_input, isFloat));
+    KelAudioSpeedProcessor processor;
+    processor.setKeepsPitch(true);
+    QSignalSpy progress(&processor, &KelAudioSpeedProcessor::progressChanged);
+    QVERIFY2(processor.processAudio(m_input, speed, m_output), qPrintable(processor.errorMessage()));
+
+    WavHeader header;
+    const QVector<float> samples = SoundFile::exactSamples(m_output, &header);
+    QCOMPARE(samples.size(), int(40 * 16'000 / speed));
+    QCOMPARE(int(header.channelCount), 2);
+    const Sound sound{16'000, 1, {samples.begin(), samples.end()}};
+    const double tolerance = speed < 0.5 ? 0.015 / speed : 0.0105 / std::min(speed, 1.0);
+    QVERIFY2(std::abs(sound.onset(0.25) - from / speed) < tolerance, qPrintable(QString::number(sound.onset(0.25))));
+    QVERIFY2(std::abs(sound.end(0.25) - to / speed) < tolerance, qPrintable(QString::number(sound.end(0.25))));
+    QVERIFY(sound.peak() < 0.55);
+    // Measured in short parts: the phase may jump between pieces.
+    for (double time = from / speed + tolerance; time + 0.1 < to / speed - tolerance; time += 0.1) {
+        const double level = sound.level(hertz, time, time + 0.1);
+        QVERIFY2(level > 0.42, qPrintable(QString("%1 at %2").arg(level).arg(time)));
+    }
+    QVERIFY(progress.size() > 2 && progress.last().first().toInt() == 100);
 }
 
 void AudioSpeedTest::malformed_data()

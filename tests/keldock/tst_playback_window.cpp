@@ -189,7 +189,9 @@ void PlaybackWindowTest::keys()
 void PlaybackWindowTest::playsTheRange()
 {
     const KelPlaybackTrackManager &manager = *player()->manager();
+    const quint64 before = manager.frameRevision();
     player()->setRange(manager.msOfFrame(10), manager.msOfFrame(20));
+    QVERIFY2(manager.frameRevision() != before, "the time display shows the range");
     int first = 1000;
     int last = 0;
     connect(player(), &Player::positionChanged, this, [&](int ms) {

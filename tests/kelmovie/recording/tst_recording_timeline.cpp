@@ -1,4 +1,5 @@
 #include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/SoundFile.h"
 #include "playback/TimelineLoader.h"
 #include "recording/FrameTableWriter.h"
 #include "recording/KelRecordingFiles.h"
@@ -90,6 +91,7 @@ void RecordingTimelineTest::loads_data()
     row("killed before the times", {40, 80}, false, 90, 200, 140);
     row("killed before the index", {40, 80, 300, 340, 800}, false, 90, 840, 320);
     row("killed, no times", {}, false, 90, 160, 120);
+    row("killed, sound is last", {40, 80, 300, 340}, false, 90, 1000, 320);
     row("killed, metadata is last", {40, 80, 300, 340}, false, 2000, 2000, 320);
 }
 
@@ -106,6 +108,8 @@ void RecordingTimelineTest::loads()
     recording.metadata.durationMs = metadataMs;
     FrameTableWriter file(KelRecordingFiles::frameTimesPath(recording.path()));
     QVERIFY(times.empty() || file.update(times));
+    if (QTest::currentDataTag() == QString("killed, sound is last"))
+        recording.write("Voice/microphone_20260101_000000.wav", SoundFile::numbered(1000, 1000));
     const RecordingTimeline timeline = loadTimeline(recording.path(), recording.metadata, 4, true);
     QCOMPARE(timeline.totalFrames(), 4);
     QCOMPARE(timeline.durationMs(), durationMs);

@@ -77,10 +77,10 @@ public:
     /// The step at which the export failed.
     enum class Failure {
         None,      ///< it did not: it is complete or was cancelled
-        Start,     ///< before the first frame was encoded
         Video,     ///< while the frames were encoded
         Sound,     ///< while the sound was added or the file was moved to its destination
         Exception, ///< the monitor threw
+        Start,     ///< before the first frame was encoded
     };
     Failure failure() const;
 

@@ -225,10 +225,13 @@ KelPlaybackExportDialog::KelPlaybackExportDialog(const KelExportRequest &request
 
 KelPlaybackExportDialog::~KelPlaybackExportDialog() = default;
 
-bool KelPlaybackExportDialog::run(const KelExportRequest &request, QWidget *parent)
+bool KelPlaybackExportDialog::run(const KelExportRequest &request, QWidget *parent, bool *cancelled)
 {
     KelPlaybackExportDialog dialog(request, parent);
-    return dialog.exec() == Accepted;
+    const bool isAccepted = dialog.exec() == Accepted;
+    if (cancelled)
+        *cancelled = dialog.d->isCancelled;
+    return isAccepted;
 }
 
 const KelExportPipeline &KelPlaybackExportDialog::pipeline() const

@@ -27,8 +27,9 @@ public:
     explicit KelPlaybackExportDialog(const KelExportRequest &request, QWidget *parent = nullptr);
     ~KelPlaybackExportDialog() override;
 
-    /// Exports in a new dialog. True if the file is complete; a failure has been reported to the user.
-    static bool run(const KelExportRequest &request, QWidget *parent = nullptr);
+    /// Exports in a new dialog. True if the file is complete; a failure has been reported to the user. If `cancelled`
+    /// is not null, it is set to whether the user canceled.
+    static bool run(const KelExportRequest &request, QWidget *parent = nullptr, bool *cancelled = nullptr);
 
     /// The export of this dialog. After exec() it says whether and why the export failed.
     const KelExportPipeline &pipeline() const;

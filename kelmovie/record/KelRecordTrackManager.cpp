@@ -14,7 +14,6 @@
 #include <QDateTime>
 #include <QDeadlineTimer>
 #include <QDebug>
-#include <QDir>
 #include <QElapsedTimer>
 
 #include <utility>
@@ -56,7 +55,7 @@ KelRecordTrackManager::KelRecordTrackManager(const QRect &recordArea, const Conf
     , m_frameTimes(KelRecordingFiles::frameTimesPath(config.directory))
     , m_saver(config.directory)
 {
-    QDir().mkpath(m_config.directory);
+    kel::makePrivateDirectory(m_config.directory);
     m_frameTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_frameTimer, &QTimer::timeout, this, &KelRecordTrackManager::onFrameTimeout);
     m_checkpointTimer.setInterval(kCheckpointInterval);

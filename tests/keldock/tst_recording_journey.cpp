@@ -131,6 +131,9 @@ void RecordingJourneyTest::killedRecordingIsKept()
     QProcess process;
     startRecording(process, out);
     QVERIFY(Keldock::run({"info", out}).output.contains("still in progress"));
+#ifdef Q_OS_UNIX
+    QVERIFY(!(QFile::permissions(out) & (QFile::ReadGroup | QFile::ReadOther)));
+#endif
     process.kill();
     QVERIFY(process.waitForFinished(Keldock::kLimitMs));
 

@@ -170,9 +170,10 @@ QString RecordCommand::prepareDirectory() const
     if (QFileInfo::exists(KelRecordingMetadata::filePath(directory)) ||
         QFileInfo::exists(KelRecordingFiles::path(directory, KelRecordingFiles::kScreenDir)))
         return QStringLiteral("'%1' already contains a recording; choose another directory").arg(directory);
-    if (!QDir().mkpath(directory))
+    // The recorder creates the directory itself, for its owner only.
+    if (!QDir().mkpath(QFileInfo(QDir::cleanPath(directory)).path()))
         return QStringLiteral("the directory '%1' cannot be created").arg(directory);
-    if (!QFileInfo(directory).isWritable())
+    if (info.exists() && !info.isWritable())
         return QStringLiteral("the directory '%1' is not writable").arg(directory);
     return QString();
 }

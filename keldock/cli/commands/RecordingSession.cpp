@@ -7,6 +7,7 @@
 #include <KelMovie/KelRecordingFiles.h>
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QTimer>
 
 #include <utility>
@@ -70,14 +71,17 @@ QString RecordingSession::run()
 
 void RecordingSession::handleError(const QString &error)
 {
-    // A recording without one of the other tracks is still useful.
+    // A recording without one of the other tracks is still useful, and so is one without its latest metadata.
     const QString track = std::exchange(m_failedTrack, QString());
-    const bool isFatal = !m_hasRecorded || track.isEmpty() || track == KelTrackNames::kScreen;
+    const bool isDirectoryLost = !QFileInfo::exists(m_recorder.recordConfig().outputDir);
+    const bool isFatal = !m_hasRecorded || track == KelTrackNames::kScreen || isDirectoryLost;
     if (m_error.isEmpty() || (isFatal && !m_hasFailed)) // what ended the recording matters most
         m_error = error;
     if (!isFatal) {
         m_line.clear();
-        Console::printError(QStringLiteral("keldock: %1; continuing without it").arg(error));
+        Console::printError(
+            (track.isEmpty() ? QStringLiteral("keldock: %1") : QStringLiteral("keldock: %1; continuing without it"))
+                .arg(error));
         return;
     }
     m_hasFailed = true;

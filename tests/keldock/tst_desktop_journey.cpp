@@ -1,6 +1,7 @@
 #include "keldock/ColorScene.h"
 #include "keldock/Keldock.h"
 #include "keldock/RecordingFiles.h"
+#include "kelmovie/support/InputFiles.h"
 #include "keymouse/XTestInput.h"
 #include "support/x11/X11Painter.h"
 #include "support/x11/X11Windows.h"
@@ -155,6 +156,8 @@ void DesktopJourneyTest::playsTheRecording()
     QCOMPARE(info.value("videoWidth").toInt(), kArea.width());
     QCOMPARE(info.value("videoHeight").toInt(), kArea.height());
     QCOMPARE(info.value("tracksPresent").toArray(), (QJsonArray{"screen", "mouse", "keyboard"}));
+    const QStringList keys = keyRecords(readFile(recording + "/Keyboard/keyboard.keymeta"));
+    QVERIFY2(!keys.filter(QRegularExpression("^0 0 ")).isEmpty(), "the resume kept what was before the pause");
 
     const int frames = info.value("logicFrames").toInt();
     for (const int frame : {0, frames / 2}) {

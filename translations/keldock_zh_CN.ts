@@ -201,6 +201,10 @@
         <source>The frame was copied.</source>
         <translation>画面已复制。</translation>
     </message>
+    <message>
+        <source>Not all of the recorded sound can be played: %1</source>
+        <translation>部分录制的声音无法播放：%1</translation>
+    </message>
 </context>
 <context>
     <name>PlaybackStrip</name>

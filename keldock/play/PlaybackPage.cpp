@@ -49,6 +49,8 @@ PlaybackPage::PlaybackPage(KelPlaybackTrackManager *manager, QWidget *parent)
     connectExport();
     connect(manager, &KelPlaybackTrackManager::sigSoundDeviceFailed, this,
             [this] { showNotice(tr("No audio output device is available. The recording plays without sound.")); });
+    if (const QStringList problems = manager->soundProblems(); !problems.isEmpty())
+        showNotice(tr("Not all of the recorded sound can be played: %1").arg(problems.join(QLatin1String("; "))));
     setSettingsShown(windowStore().value(kSettingsShownKey, true).toBool());
 }
 

@@ -54,6 +54,7 @@ private slots:
     void scrubbingCombinesSeeks();
     void settingsChangeTheFrame();
     void exportsTheRangeAtItsSpeed();
+    void namesSoundThatCannotBePlayed();
     void offersRecordedAndLogicalPixels();
     void savesAndCopiesTheFrame();
     void saysWhyNothingCanBePlayed_data();
@@ -271,6 +272,21 @@ void PlaybackWindowTest::exportsTheRangeAtItsSpeed()
     QCOMPARE(steps.last(), lastStep);
     QCOMPARE(player()->frame(), manager.frameAtMs(1500));
     QVERIFY(m_window->findChild<NoticeBar *>()->text().contains("cut.gif was exported"));
+}
+
+void PlaybackWindowTest::namesSoundThatCannotBePlayed()
+{
+    const QString dir = path("Damaged sound");
+    QVERIFY(copyTree(m_recording, dir));
+    QJsonObject metadata = QJsonDocument::fromJson(readAll(dir + "/TrackManager.meta")).object();
+    metadata["tracks"] = QJsonObject{{"screenTrack", true}, {"systemAudio", true}};
+    QVERIFY(writeAll(dir + "/TrackManager.meta", QJsonDocument(metadata).toJson()));
+    QVERIFY(QDir(dir).mkpath("Voice"));
+    QVERIFY(writeAll(dir + "/Voice/system_audio_1.wav", "no sound"));
+    open(dir);
+    QVERIFY(m_window->findChild<NoticeBar *>()->text().contains("system_audio_1.wav: Invalid WAV file"));
+    const QJsonArray problems = recordingInfo(dir).value("soundProblems").toArray();
+    QVERIFY(problems.size() == 1 && problems[0].toString().contains("system_audio_1.wav: Invalid WAV file"));
 }
 
 void PlaybackWindowTest::offersRecordedAndLogicalPixels()

@@ -2,6 +2,7 @@
 
 #include "files/PrivateFile.h"
 #include "files/RenameOver.h"
+#include "files/SyncToDisk.h"
 #include "logging/Log.h"
 #include "recording/FileWriting.h"
 #include "recording/wav/SoundFiles.h"
@@ -192,8 +193,13 @@ bool Merger::finish()
     if (!WavHeader::writeSizes(m_output, m_total))
         problem = m_output.errorString();
     m_output.close();
+    // The parts are deleted next, which a power failure must not leave as the only thing that has happened.
+    if (problem.isEmpty())
+        problem = syncFile(m_output.fileName());
     if (problem.isEmpty())
         problem = renameOver(m_output.fileName(), m_outputPath);
+    if (problem.isEmpty())
+        problem = syncDirectory(QFileInfo(m_outputPath).path());
     keepProblem(problem);
     return problem.isEmpty();
 }

@@ -7,7 +7,7 @@ class TempoChanger::Private
 {
 };
 
-bool TempoChanger::supports(int, int)
+bool TempoChanger::supports(int, int, double)
 {
     return false;
 }

@@ -11,10 +11,12 @@ namespace kel
 namespace
 {
 
-// Outside of these, the library's tables would be too short or its searches too long.
+// Outside of these, the library's pieces would be too short, its searches too long or its buffers too large.
 constexpr int kMinSampleRate = 4'000;
 constexpr int kMaxSampleRate = 400'000;
 constexpr int kMaxChannels = 16;
+constexpr double kMinTempo = 0.05;
+constexpr double kMaxTempo = 32;
 
 // Longer pieces and searches sound smoother but move a sound further from its place. With these it is off by no more
 // than 10 ms, at less than half the speed by 15 ms of the slow sound's original.
@@ -38,10 +40,10 @@ public:
     double pieceFrames = 0; // without the overlap
 };
 
-bool TempoChanger::supports(int sampleRate, int channelCount)
+bool TempoChanger::supports(int sampleRate, int channelCount, double tempo)
 {
     return sampleRate >= kMinSampleRate && sampleRate <= kMaxSampleRate && channelCount >= 1 &&
-           channelCount <= kMaxChannels;
+           channelCount <= kMaxChannels && tempo >= kMinTempo && tempo <= kMaxTempo;
 }
 
 TempoChanger::TempoChanger(int sampleRate, int channelCount, double tempo)

@@ -10,11 +10,11 @@ namespace kel
 class TempoChanger
 {
 public:
-    /// Whether sound of this kind can be changed; false for all if the library is missing from this build. Nothing else
-    /// may be used then.
-    static bool supports(int sampleRate, int channelCount);
+    /// Whether sound of this kind can be brought to `tempo`; never if the library is missing from this build. Nothing
+    /// else may be used then.
+    static bool supports(int sampleRate, int channelCount, double tempo);
 
-    /// `tempo` is above 0; 2 halves the duration.
+    /// A `tempo` of 2 halves the duration.
     TempoChanger(int sampleRate, int channelCount, double tempo);
     ~TempoChanger();
 

@@ -236,7 +236,7 @@ QByteArray KelAmplifiedAudioPlayer::nextPiece()
 bool KelAmplifiedAudioPlayer::shouldStretch() const
 {
     return m_keepsPitch && std::abs(m_rate - 1.0) > kInaudibleChange &&
-           StretchedSound::supports(m_file.format().sampleRate, m_file.format().channelCount);
+           StretchedSound::supports(m_file.format().sampleRate, m_file.format().channelCount, m_rate);
 }
 
 /// Makes the next frames with the pitch of the file.

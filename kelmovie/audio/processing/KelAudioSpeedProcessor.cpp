@@ -90,10 +90,24 @@ struct KelAudioSpeedProcessor::WavFile {
 
     qint64 frameBytes() const { return qint64(channelCount) * (bitsPerSample / 8); }
     bool isFloat() const { return bitsPerSample == kFloatBits; }
-    bool canBeStretched() const
+    qint64 frameCount() const { return dataBytes / frameBytes(); }
+    FloatSamples sampleFormat() const { return {bitsPerSample, isFloat()}; }
+    /// Stores silence for frames that do not exist. False when it cannot read those that do.
+    bool readFrames(qint64 first, int count, float *samples)
+    {
+        std::fill_n(samples, std::ptrdiff_t(count) * channelCount, 0.0F);
+        const qint64 from = std::clamp<qint64>(first, 0, frameCount());
+        const qint64 present = std::clamp<qint64>(first + count, 0, frameCount()) - from;
+        QByteArray bytes(int(present * frameBytes()), Qt::Uninitialized);
+        if (!file.seek(dataBegin + from * frameBytes()) || file.read(bytes.data(), bytes.size()) != bytes.size())
+            return false;
+        sampleFormat().read(bytes.constData(), present * channelCount, samples + (from - first) * channelCount);
+        return true;
+    }
+    bool canBeStretched(double speed) const
     {
         return (bitsPerSample == 8 || bitsPerSample == kPcmBits || isFloat()) &&
-               StretchedSound::supports(int(sampleRate), channelCount);
+               StretchedSound::supports(int(sampleRate), channelCount, speed);
     }
 };
 
@@ -132,7 +146,7 @@ bool KelAudioSpeedProcessor::processAudio(QIODevice &input, double speed, const 
     WavFile wav{input};
     if (!readWavFile(&wav))
         return false;
-    if (m_keepsPitch && wav.canBeStretched()) {
+    if (m_keepsPitch && wav.canBeStretched(speed)) {
         if (!writeStretchedFile(outputPath, wav, speed))
             return false;
         emit processingFinished(true);
@@ -211,35 +225,18 @@ bool KelAudioSpeedProcessor::writeWavFile(const QString &path, WavFile &wav, con
 
 bool KelAudioSpeedProcessor::writeStretchedFile(const QString &path, WavFile &wav, double speed)
 {
-    const FloatSamples format{wav.bitsPerSample, wav.isFloat()};
     const qint64 frameBytes = wav.frameBytes();
-    const qint64 inFrames = wav.dataBytes / frameBytes;
-    bool isReadable = true;
-    QByteArray bytes;
-    const auto source = [&](qint64 first, int count, float *samples) {
-        std::fill_n(samples, std::ptrdiff_t(count) * wav.channelCount, 0.0F);
-        const qint64 begin = std::clamp<qint64>(first, 0, inFrames);
-        const qint64 present = std::clamp<qint64>(first + count, 0, inFrames) - begin;
-        if (present == 0)
-            return;
-        bytes.resize(int(present * frameBytes));
-        if (wav.file.seek(wav.dataBegin + begin * frameBytes) &&
-            wav.file.read(bytes.data(), bytes.size()) == bytes.size())
-            format.read(bytes.constData(), present * wav.channelCount, samples + (begin - first) * wav.channelCount);
-        else
-            isReadable = false;
-    };
-
-    const double exactFrames = double(inFrames) / speed;
-    if (exactFrames * double(frameBytes) > double(std::numeric_limits<qint64>::max()))
-        return fail(QStringLiteral("Too many audio frames"));
-    const auto outFrames = qint64(exactFrames);
+    const auto outFrames = qint64(double(wav.frameCount()) / speed);
     WavHeader header = WavHeader::pcm(wav.sampleRate, quint16(wav.channelCount), quint16(wav.bitsPerSample));
     header.formatTag = wav.isFloat() ? WavHeader::kIeeeFloat : WavHeader::kPcm;
     header.setDataSize(outFrames * frameBytes);
     QSaveFile output(path);
     if (!begin(output, header))
         return false;
+    bool isReadable = true;
+    const auto source = [&](qint64 first, int count, float *frames) {
+        isReadable = wav.readFrames(first, count, frames) && isReadable;
+    };
     StretchedSound sound(int(wav.sampleRate), wav.channelCount, source, 0, speed);
     std::vector<float> samples(std::size_t(kStretchedFrames) * std::size_t(wav.channelCount));
     QByteArray out;
@@ -247,14 +244,14 @@ bool KelAudioSpeedProcessor::writeStretchedFile(const QString &path, WavFile &wa
     for (qint64 first = 0; first < outFrames; first += kStretchedFrames) {
         if (m_isCancelled)
             return fail(QStringLiteral("Cancelled"));
-        if (const int reached = int(double(first) / exactFrames * 100); reached > percent)
+        if (const auto reached = int(first * 100 / outFrames); reached > percent)
             emit progressChanged(percent = reached);
         const auto count = int(std::min<qint64>(kStretchedFrames, outFrames - first));
         sound.read(samples.data(), count);
         if (!isReadable)
             return fail(QStringLiteral("Cannot read WAV file to its end"));
         out.resize(int(count * frameBytes));
-        format.write(samples.data(), qint64(count) * wav.channelCount, out.data());
+        wav.sampleFormat().write(samples.data(), qint64(count) * wav.channelCount, out.data());
         if (!writeAll(output, out))
             return failToWrite(output);
     }

@@ -18,9 +18,12 @@ public:
     using Source = std::function<void(qint64 first, int count, float *samples)>;
 
     /// See TempoChanger.
-    static bool supports(int sampleRate, int channelCount) { return TempoChanger::supports(sampleRate, channelCount); }
+    static bool supports(int sampleRate, int channelCount, double speed)
+    {
+        return TempoChanger::supports(sampleRate, channelCount, speed);
+    }
 
-    /// The first frame that is read is `firstFrame` of the original. `speed` is above 0.
+    /// The first frame that is read is `firstFrame` of the original.
     StretchedSound(int sampleRate, int channelCount, Source source, double firstFrame, double speed);
 
     /// For what is read from now on; meant for small corrections.

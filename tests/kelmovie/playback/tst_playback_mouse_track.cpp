@@ -295,13 +295,17 @@ void PlaybackMouseTrackTest::paintsExtremeValues()
     files->writeCursorList("square.png", 1e-300);
     KelPlaybackMouseTrack track(files->path(), nullptr);
     track.setWheelType(1);
-    for (double scale : {double(NAN), double(INFINITY), -1.0, 1.0}) {
-        for (int type : {1, 4, 6}) {
-            track.setEffectScale(scale);
-            track.setClickType(type);
-            for (int frame : {0, 1, 2, 3, 4, kMost, -kMost}) {
-                track.seekToFrame(frame);
-                paint(track);
+    const RecordingTimeline timeline(5, 30, 1);
+    for (const KelPlaybackRules &rules : {KelPlaybackRules(), KelPlaybackRules::recommended()}) {
+        track.setContext(timeline, rules);
+        for (double scale : {double(NAN), double(INFINITY), -1.0, 1.0}) {
+            for (int type : {1, 4, 6}) {
+                track.setEffectScale(scale);
+                track.setClickType(type);
+                for (int frame : {0, 1, 2, 3, 4, kMost, -kMost}) {
+                    track.seekToFrame(frame);
+                    paint(track);
+                }
             }
         }
     }
@@ -400,6 +404,17 @@ void PlaybackMouseTrackTest::worksInRecording()
     manager->updateSettings();
     manager->seek(6);
     QCOMPARE(pointerWidth(), width);
+
+    MouseFixture(dir).write("mouseclicks-0.json",
+                            MouseFixture::clicks("2 left down, 2 left up, 60 left down, 60 left up"));
+    for (const bool pairsNearest : {false, true}) {
+        rules.pairsNearestRelease = pairsNearest;
+        manager = PlaybackInternals::load(recording.path(), dependencies, rules);
+        manager->seek(6);
+        QVERIFY(pointerWidth() < 16);
+        manager->seek(40); // until the second release, or long after the first one
+        QCOMPARE(pointerWidth() < 16, !pairsNearest);
+    }
 
     writeFile(dir + "/mousemoves-0.json", "[");
     const auto damaged = PlaybackInternals::load(recording.path(), dependencies);

@@ -147,7 +147,6 @@ void KelRecordVoiceTrack::checkMicrophone(const char *failureText)
         return;
     qCCritical(logRecord) << failureText;
     m_microphoneEnabled = false;
-    reportFailure(KelTrackNames::kMicrophone, QStringLiteral("the recording of the microphone cannot be started"));
 }
 
 void KelRecordVoiceTrack::stopRecording(qint64 frameCount, qint64 durationMs)

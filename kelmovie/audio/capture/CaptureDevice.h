@@ -28,7 +28,7 @@ public:
 
     const CaptureFormat &format() const { return m_format; }
 
-    bool start() { return SUCCEEDED(m_client->Start()); }
+    Failure start() { return SUCCEEDED(m_client->Start()) ? Failure::None : Failure::NotStarted; }
     void stop() { m_client->Stop(); }
 
     /// Has wait() end when there is sound. False when the device refuses events, which it may, because the stream was

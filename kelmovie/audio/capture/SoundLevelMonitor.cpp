@@ -125,7 +125,7 @@ bool SoundLevelMonitor::isWanted() const
 void SoundLevelMonitor::listen()
 {
     CaptureDevice device(m_dependencies, m_flow);
-    if (device.open() != CaptureDevice::Failure::None || !device.start()) {
+    if (device.open() != CaptureDevice::Failure::None || device.start() != CaptureDevice::Failure::None) {
         m_state = State::NoDevice;
         std::unique_lock lock(m_mutex);
         m_changed.wait_for(lock, kSearchInterval, [this] { return !m_isWanted || m_isEnding; });

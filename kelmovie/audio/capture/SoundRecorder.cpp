@@ -146,7 +146,10 @@ bool SoundRecorder::startThread(qint64 startMs)
     m_thread = new WasapiCaptureThread(m_source.flow, m_format, m_files, m_dependencies, this);
     connect(m_thread, &WasapiCaptureThread::problemFound, this, &SoundRecorder::reportProblems);
     m_thread->start(QThread::InheritPriority);
-    return m_thread->isRunning();
+    if (m_thread->isRunning())
+        return true;
+    report(QStringLiteral("no thread can be started for the sound"));
+    return false;
 }
 
 void SoundRecorder::endThread()

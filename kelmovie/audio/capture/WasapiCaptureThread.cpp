@@ -67,15 +67,14 @@ void WasapiCaptureThread::run()
 void WasapiCaptureThread::openDevice()
 {
     auto device = std::make_unique<CaptureDevice>(m_dependencies, m_flow);
-    const CaptureDevice::Failure failure = device->open(CaptureFormat(format()));
+    CaptureDevice::Failure failure = device->open(CaptureFormat(format()));
+    if (failure == CaptureDevice::Failure::None) {
+        begin(device->format());
+        failure = device->start();
+    }
     m_nextSearchMs = m_dependencies.nowMs() + kSearchIntervalMs;
     if (failure != CaptureDevice::Failure::None) {
         report(failure);
-        return;
-    }
-    begin(device->format());
-    if (!device->start()) {
-        report(CaptureDevice::Failure::NotStarted);
         return;
     }
     if (m_flow == eRender && device->format().isIntegerPcm() && !device->enableEvents())

@@ -2,13 +2,17 @@
 
 #include <windows.h>
 
-#include <werapi.h>
+// MinGW's werapi.h does not compile.
+extern "C" HRESULT WINAPI WerGetFlags(HANDLE process, PDWORD flags);
+extern "C" HRESULT WINAPI WerSetFlags(DWORD flags);
 
 namespace kel
 {
 
 namespace
 {
+constexpr DWORD kNoHeap = 1; // WER_FAULT_REPORTING_FLAG_NOHEAP
+
 DWORD reportingFlags()
 {
     DWORD flags = 0;
@@ -19,13 +23,12 @@ DWORD reportingFlags()
 
 bool CoreDumpBlock::areDumpsOn()
 {
-    return !(reportingFlags() & WER_FAULT_REPORTING_FLAG_NOHEAP);
+    return !(reportingFlags() & kNoHeap);
 }
 
 void CoreDumpBlock::switchDumps(bool on)
 {
-    const DWORD noHeap = WER_FAULT_REPORTING_FLAG_NOHEAP;
-    WerSetFlags(on ? reportingFlags() & ~noHeap : reportingFlags() | noHeap);
+    WerSetFlags(on ? reportingFlags() & ~kNoHeap : reportingFlags() | kNoHeap);
 }
 
 } // namespace kel

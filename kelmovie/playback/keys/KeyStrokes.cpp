@@ -165,7 +165,7 @@ std::vector<KeyStroke> oneAfterAnother(const std::vector<KeyStroke> &strokes, in
         const bool isPress = stroke.kind == KeyStroke::Press;
         const bool isModifier = stroke.type == KeyDisplayItem::Modifier;
         // No more characters than fit into a box, so that every box is displayed.
-        const bool catchesUp = nextFree - stroke.frame > kMaxDelayFrames && pressesInFrame < maxContinueChar &&
+        const bool catchesUp = qint64(nextFree) - stroke.frame > kMaxDelayFrames && pressesInFrame < maxContinueChar &&
                                stroke.type == KeyDisplayItem::Character && lastType == KeyDisplayItem::Character;
         const bool sharesFrame = stroke.isRepeat || lastType == KeyDisplayItem::Modifier || catchesUp;
         const int previous = frame;

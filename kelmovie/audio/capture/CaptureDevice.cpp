@@ -45,8 +45,7 @@ CaptureDevice::Failure CaptureDevice::tryToOpen(const CaptureFormat &format)
 {
     if (FAILED(m_dependencies.createEnumerator(&m_enumerator)))
         return Failure::NoServer;
-    if (FAILED(m_enumerator->GetDefaultAudioEndpoint(m_flow, eConsole, &m_device)) ||
-        FAILED(m_device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, reinterpret_cast<void **>(&m_client))) ||
+    if (FAILED(m_enumerator->GetDefaultAudioEndpoint(m_flow, eConsole, &m_device)) || !activate() ||
         !initialize(format))
         return Failure::NoDevice;
     UINT32 bufferFrames = 0;
@@ -55,6 +54,12 @@ CaptureDevice::Failure CaptureDevice::tryToOpen(const CaptureFormat &format)
     if (FAILED(m_client->GetService(IID_IAudioCaptureClient, reinterpret_cast<void **>(&m_capture))))
         return Failure::NoCaptureClient;
     return Failure::None;
+}
+
+bool CaptureDevice::activate()
+{
+    releaseObject(m_client);
+    return SUCCEEDED(m_device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, reinterpret_cast<void **>(&m_client)));
 }
 
 bool CaptureDevice::initialize(const CaptureFormat &format)
@@ -81,7 +86,11 @@ bool CaptureDevice::accepts(const CaptureFormat &format, DWORD moreFlags)
 {
     m_format = format;
     const DWORD flags = (m_flow == eRender ? AUDCLNT_STREAMFLAGS_LOOPBACK : 0) | moreFlags;
-    return SUCCEEDED(m_client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, kBufferDuration, 0, format.get(), nullptr));
+    if (m_client &&
+        SUCCEEDED(m_client->Initialize(AUDCLNT_SHAREMODE_SHARED, flags, kBufferDuration, 0, format.get(), nullptr)))
+        return true;
+    activate(); // a client that has refused a format may refuse all others, too
+    return false;
 }
 
 bool CaptureDevice::enableEvents()

@@ -57,6 +57,7 @@ public:
 
 private:
     Failure tryToOpen(const CaptureFormat &format);
+    bool activate();
     bool initialize(const CaptureFormat &format);
     bool initializeWithOwnFormat();
     void closeEvent();

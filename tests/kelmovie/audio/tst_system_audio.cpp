@@ -174,7 +174,7 @@ void SystemAudioTest::failsAt_data()
     row("GetDefaultAudioEndpoint 0 0", "", 2);
     row("Activate", "", 3);
     row("GetMixFormat", "", 3);
-    row("Initialize 0 20000 10000000 0, tag 65534, 32 bits", "", 3);
+    row("Initialize 0 20000 10000000 0, tag 65534, 32 bits", "", 4);
     row("GetBufferSize", "W 获取音频缓冲区大小失败", 3);
     row("GetService", "W 获取音频捕获客户端失败", 3);
     row("Start", "W 启动音频客户端失败", 4);

@@ -16,6 +16,9 @@ namespace
 {
 
 constexpr qint64 kBlockSamples = 1 << 16;
+// A file can claim any length. A recording has at most a million frames, which last 12 days at one a second.
+constexpr qint64 kMaxBytes = qint64(1) << 50;
+constexpr qint64 kMaxMs = qint64(12) * 24 * 60 * 60 * 1000;
 constexpr std::size_t kMaxOpenFiles = 200; // of the thousand that a process may have open
 
 qint64 bytesOf(const QStringList &files)
@@ -71,6 +74,7 @@ RecordedSound::RecordedSound(const QStringList &files, Integers32 integers32)
         return;
     setDataSize(m_segments.back().end * m_converter.bytes());
     open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    limitTo(kMaxMs);
 }
 
 /// The first file that states a format has that of all.
@@ -92,8 +96,9 @@ void RecordedSound::add(const QString &path, std::unique_ptr<WavReader> file)
     if (file->hasHeader() && file->fmtChunk() != m_fmtChunk)
         qCWarning(logRecording).noquote() << "[RecordedSound]" << path << "has another format than the file before";
     // Without an incomplete frame, which would swap the channels of all that follows.
-    const qint64 frames = file->dataSize() / (m_converter.storedBytes() * m_header.channelCount);
     const qint64 first = m_segments.empty() ? 0 : m_segments.back().end;
+    const qint64 bytes = std::min(file->dataSize(), kMaxBytes - first * m_converter.storedBytes());
+    const qint64 frames = bytes / (m_converter.storedBytes() * m_header.channelCount);
     if (m_segments.size() >= kMaxOpenFiles)
         file->close();
     m_segments.push_back({path, std::move(file), first, first + frames * m_header.channelCount});

@@ -11,6 +11,7 @@ namespace
 {
 
 constexpr quint32 kMaxRate = 10'000'000; // Hz; keeps every product of a rate and a time in range
+constexpr int kMaxFrameBytes = 65'535;   // which a header can state
 constexpr float kInt32Scale = 1.0F / 2147483648.0F;
 
 /// Sign and scale of an integer of 24 bits become those of one of 32.
@@ -47,7 +48,8 @@ SampleConverter SampleConverter::from(const WavHeader &stored, bool integers32As
         *problem = QStringLiteral("Unsupported audio format: %1").arg(stored.formatTag);
     else if (!converter.isNeeded() && !isKept)
         *problem = QStringLiteral("Unsupported bits per sample: %1").arg(bits);
-    else if (stored.channelCount == 0 || stored.sampleRate == 0 || stored.sampleRate > kMaxRate)
+    else if (stored.channelCount == 0 || stored.channelCount * converter.bytes() > kMaxFrameBytes ||
+             stored.sampleRate == 0 || stored.sampleRate > kMaxRate)
         *problem =
             QStringLiteral("Invalid WAV file: %1 channels at %2 Hz").arg(stored.channelCount).arg(stored.sampleRate);
     else

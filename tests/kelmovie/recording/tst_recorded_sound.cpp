@@ -230,6 +230,8 @@ void RecordedSoundTest::readsAnywhere()
     QVERIFY(QFile::remove(paths[1])); // joined meanwhile
     QVERIFY(sound.seek(0));
     QVERIFY(sound.readAll() == all);
+    QVERIFY(QFile::resize(paths[2], qint64(1) << 43));
+    QCOMPARE(RecordedSound({paths[2]}).durationMs(), qint64(12) * 24 * 3'600'000);
     QVERIFY(QFile::resize(paths[2], WavHeader::kSize + 1000));
     QVERIFY(sound.seek(0));
     QVERIFY(sound.readAll() == wav(first + second + third.left(1000) + QByteArray(third.size() - 1000, 0)));
@@ -248,6 +250,8 @@ void RecordedSoundTest::refuses_data()
     row("12 bits", file(1, 12, A).replace(32, 2, QByteArray(2, '\0')), "Unsupported bits per sample: 12");
     row("a compressed format", file(85, 16, A), "Unsupported audio format: 85");
     row("no channels", file(1, 16, A).replace(22, 2, QByteArray(2, '\0')), "Invalid WAV file: 0 channels at 1000 Hz");
+    row("too many channels", file(3, 32, A).replace(22, 2, QByteArray("\0\x40", 2)),
+        "Invalid WAV file: 16384 channels at 1000 Hz");
     row("no rate", file(1, 16, A).replace(24, 4, QByteArray(4, '\0')), "Invalid WAV file: 1 channels at 0 Hz");
 }
 

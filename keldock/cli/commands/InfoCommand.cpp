@@ -51,12 +51,6 @@ QString state(const LoadedRecording &recording)
     return QStringLiteral("complete");
 }
 
-/// The metadata of an incomplete recording is older than its last frames.
-qint64 durationMs(const LoadedRecording &recording)
-{
-    return recording.metadata().complete ? recording.metadata().durationMs : recording.manager()->durationMs();
-}
-
 QString soundProblems(const LoadedRecording &recording)
 {
     QString lines;
@@ -118,7 +112,7 @@ QString InfoCommand::asText(const LoadedRecording &recording)
     return line("Recording", QDir(recording.directory()).absolutePath()) + line("State", state(recording)) +
            line("Recorded", metadata.timestamp) +
            line("Duration",
-                QStringLiteral("%1 (%2 ms)").arg(Units::seconds(durationMs(recording))).arg(durationMs(recording))) +
+                QStringLiteral("%1 (%2 ms)").arg(Units::seconds(recording.durationMs())).arg(recording.durationMs())) +
            line("Area", QStringLiteral("%1 at %2,%3").arg(sizeText(area.size())).arg(area.x()).arg(area.y())) +
            line("Pixel ratio", QString::number(metadata.pixelRatio)) +
            line("Device pixel ratio", QString::number(metadata.devicePixelRatio)) +
@@ -138,7 +132,7 @@ QString InfoCommand::asJson(const LoadedRecording &recording)
 {
     // The members of the metadata file and more. Scripts rely on these names.
     QJsonObject object = QJsonDocument::fromJson(recording.metadata().toJson()).object();
-    object.insert(QStringLiteral("duration"), durationMs(recording));
+    object.insert(QStringLiteral("duration"), recording.durationMs());
     object.insert(QStringLiteral("complete"), recording.hasMetadata() && recording.metadata().complete);
     object.insert(QStringLiteral("directory"), QDir(recording.directory()).absolutePath());
     object.insert(QStringLiteral("metadataReadable"), recording.hasMetadata());

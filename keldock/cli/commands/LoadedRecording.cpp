@@ -48,6 +48,11 @@ KelPlaybackTrackManager *LoadedRecording::manager() const
     return m_recorder.playbackManager();
 }
 
+qint64 LoadedRecording::durationMs() const
+{
+    return m_metadata.complete || !manager() ? m_metadata.durationMs : manager()->durationMs();
+}
+
 int LoadedRecording::logicFrames() const
 {
     return m_error.isEmpty() ? manager()->totalFrames() : 0;

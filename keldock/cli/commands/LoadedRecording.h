@@ -28,6 +28,8 @@ public:
     /// Null if the directory does not contain a recording.
     KelPlaybackTrackManager *manager() const;
 
+    /// Recorded time. In an interrupted recording the metadata is older than what was recorded last.
+    qint64 durationMs() const;
     int logicFrames() const;
     int videoFrames() const;
     /// Size of a composed frame in physical pixels.

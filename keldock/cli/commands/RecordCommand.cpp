@@ -186,7 +186,7 @@ QString RecordCommand::summaryText() const
                           "  video frames  %3\n"
                           "  size          %4\n"
                           "  directory     %5\n")
-        .arg(Units::seconds(recording.metadata().durationMs))
+        .arg(Units::seconds(recording.durationMs()))
         .arg(recording.logicFrames())
         .arg(recording.videoFrames())
         .arg(Units::bytes(recording.bytes()), QDir(m_config.outputDir).absolutePath());

@@ -26,9 +26,9 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kRate = 48000;
 constexpr int kBlock = kRate / 500;
-constexpr int kBeepSamples = kRate / 10;
+constexpr int kBeepSamples = kRate * 4 / 10; // heard even at ten times the speed
 constexpr double kBeepHertz = 1000;
-constexpr std::chrono::milliseconds kFlash(500); // seen even at ten times the speed
+constexpr std::chrono::milliseconds kFlash(400);
 
 [[noreturn]] void giveUp(const char *what, const char *why)
 {

@@ -130,7 +130,10 @@ int main(int argc, char **argv)
         int error = 0;
         if (written % kRate == 0) {
             const pa_usec_t delay = pa_simple_get_latency(output.get(), &error);
-            flashes.flashAt(Clock::now() + std::chrono::microseconds(delay));
+            const Clock::time_point heardAt = Clock::now() + std::chrono::microseconds(delay);
+            flashes.flashAt(heardAt);
+            std::printf("%.6f\n", std::chrono::duration<double>(heardAt.time_since_epoch()).count());
+            std::fflush(stdout);
         }
         const auto samples = block(written);
         if (pa_simple_write(output.get(), samples.data(), sizeof samples, &error) < 0)

@@ -6,6 +6,7 @@
 #include "playback/PlaybackInternals.h"
 #include "playback/mouse/KelPlaybackMouseTrack.h"
 #include "playback/mouse/PointerList.h"
+#include "recording/RecordingTimeline.h"
 #include "recording/input/CursorListReader.h"
 #include "support/LogCapture.h"
 #include "support/PaintedPart.h"
@@ -127,7 +128,8 @@ void PlaybackMouseTrackTest::hiddenPointer()
         QVERIFY2(partOf(paint(track, {2100, 1600})).isEmpty() != c.isShown, c.name);
         KelPlaybackRules rules;
         rules.showsPointerEverywhere = true;
-        track.setContext({}, rules);
+        const kel::RecordingTimeline timeline;
+        track.setContext(timeline, rules);
         track.seekToFrame(0);
         QVERIFY2(partOf(paint(track, {2100, 1600})).isEmpty() != c.isShownByRule, c.name);
     }

@@ -9,6 +9,7 @@
 #include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelMultiTrackRecorder.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
+#include <KelMovie/KelRecordingMetadata.h>
 
 #include <QDirIterator>
 #include <QImageReader>
@@ -57,6 +58,10 @@ void FileNamesTest::recordsAndExports()
     QVERIFY(QFile::exists(dir + "/Previous-1/TrackManager.meta"));
     QVERIFY(QDir(dir).mkpath("Voice"));
     QVERIFY(Sound::make(1, Sound::tone(440, 0.5)).save(dir + "/Voice/system_audio_20260101_000000.wav"));
+    KelRecordingMetadata metadata;
+    QVERIFY(KelRecordingMetadata::load(dir, &metadata));
+    metadata.systemAudio = true;
+    QVERIFY(metadata.save(dir));
 
     KelPlaybackTrackManager playback(dir, false);
     QVERIFY2(playback.isValidRecording(), qPrintable(playback.errorString()));
@@ -74,7 +79,7 @@ void FileNamesTest::recordsAndExports()
             QCOMPARE(pipeline.warningString(), QString());
         }
         if (format == 0)
-            QCOMPARE(DecodedVideo("file:" + request.outputPath).errorString, QString());
+            QCOMPARE(DecodedVideo("file:" + request.outputPath).errorString, "2 streams"); // video and sound
         else if (format == 1)
             QVERIFY(QImageReader(request.outputPath).canRead());
         else

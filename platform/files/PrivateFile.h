@@ -30,7 +30,6 @@ public:
 
 private:
     bool fail(const QString &reason);
-    int openDescriptor(OpenMode mode);
 
     QString m_path;
 };

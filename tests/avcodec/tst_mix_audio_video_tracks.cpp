@@ -400,7 +400,9 @@ void MixAudioVideoTracksTest::fullDisk()
             const FileSizeLimit limit(room);
             QVERIFY(!mix({a}, name));
             QVERIFY(m_error.isOutput);
-            QCOMPARE(m_error.text, QString("Cannot write %1: %2").arg(path(name), FileSizeLimit::errorText()));
+            const QString expected = "^Cannot write " + QRegularExpression::escape(path(name)) + ": ";
+            QVERIFY2(m_error.text.contains(QRegularExpression(expected + FileSizeLimit::errorPattern() + '$')),
+                     qPrintable(m_error.text));
         }
     }
     QCOMPARE(files(), QStringList{"a.wav"});

@@ -28,10 +28,13 @@ void OpenInsideTest::opens()
     QFETCH(QString, name);
     const QString root = m_dir.filePath(name);
     writeFile(root + "/track/" + name, "0123456789");
-    const QString link = m_dir.filePath("link");
-    QFile::remove(link);
-    QVERIFY(QFile::link(root, link)); // only what is inside the directory is not trusted
-    for (const QString &dir : {root, link}) {
+    QStringList dirs{root};
+#ifdef Q_OS_UNIX // what Qt creates on Windows is not a link to the system
+    dirs << m_dir.filePath("link");
+    QFile::remove(dirs[1]);
+    QVERIFY(QFile::link(root, dirs[1])); // only what is inside the directory is not trusted
+#endif
+    for (const QString &dir : qAsConst(dirs)) {
         QFile file;
         QCOMPARE(openInside(&file, dir, "track/" + name), QString());
         QCOMPARE(file.size(), qint64(10));

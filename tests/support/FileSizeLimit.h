@@ -13,4 +13,6 @@ public:
 
     /// The system's error text for a write beyond the limit.
     static QString errorText();
+    /// A regular expression for that text and the C library's, which differ on Windows.
+    static QString errorPattern();
 };

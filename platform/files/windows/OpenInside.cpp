@@ -1,12 +1,12 @@
 #include "files/OpenInside.h"
 
 #include "files/windows/ExtendedPath.h"
+#include "files/windows/ReparsePoint.h"
 
-#include <QDir>
 #include <QFile>
+#include <QStringList>
 
 #include <memory>
-#include <string>
 
 #include <fcntl.h>
 #include <io.h>
@@ -18,44 +18,41 @@ namespace kel
 namespace
 {
 
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
 struct HandleCloser {
     using pointer = HANDLE;
     void operator()(HANDLE handle) const { CloseHandle(handle); }
 };
 using Handle = std::unique_ptr<HANDLE, HandleCloser>;
 
-Handle openPath(const QString &path, DWORD access, DWORD flags)
+Handle openForReading(const QString &path)
 {
     const HANDLE handle =
-        CreateFileW(extendedPath(path).c_str(), access, kShareAll, nullptr, OPEN_EXISTING, flags, nullptr);
+        CreateFileW(extendedPath(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
-}
-
-/// Where an open file really is, all links followed; empty on failure.
-QString finalPath(const Handle &handle)
-{
-    std::wstring path(GetFinalPathNameByHandleW(handle.get(), nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
-    path.resize(GetFinalPathNameByHandleW(handle.get(), path.data(), DWORD(path.size()), FILE_NAME_NORMALIZED));
-    return QString::fromStdWString(path);
 }
 
 } // namespace
 
 QString openInside(QFile *file, const QString &root, const QString &name)
 {
-    const Handle dir = openPath(root, 0, FILE_FLAG_BACKUP_SEMANTICS); // the flag that directories need
-    if (!dir)
-        return qt_error_string();
-    Handle opened = openPath(root + QLatin1Char('/') + name, GENERIC_READ, FILE_ATTRIBUTE_NORMAL);
+    QString path = root;
+    for (const QString &part : name.split(QLatin1Char('/'))) {
+        // A colon begins the name of a drive or of a stream inside the file.
+        if (part == QLatin1String("..") || part.contains(QLatin1Char(':')) || part.contains(QLatin1Char('\\')) ||
+            part.contains(QChar::Null))
+            return QStringLiteral("%1 is not a name in the directory").arg(part);
+        path += QLatin1Char('/') + part;
+        if (isLinkAt(path))
+            return QStringLiteral("%1 is a link").arg(part);
+    }
+    Handle opened = openForReading(path);
     if (!opened)
         return qt_error_string();
     if (GetFileType(opened.get()) != FILE_TYPE_DISK)
         return QStringLiteral("%1 is not an ordinary file").arg(name);
-    const QString expected = finalPath(dir) + QLatin1Char('\\') + QDir::toNativeSeparators(name);
-    if (finalPath(opened).compare(expected, Qt::CaseInsensitive) != 0)
-        return QStringLiteral("%1 is a link or leads out of the directory").arg(name);
+    if (isLink(opened.get()))
+        return QStringLiteral("%1 is a link").arg(name);
     const int descriptor = _open_osfhandle(intptr_t(opened.get()), _O_RDONLY);
     if (descriptor < 0)
         return qt_error_string();

@@ -339,8 +339,10 @@ void ExportPipelineTest::failures_data()
         setFormat(1);
     });
     row("name of another format", "The suffix of", [this] { request.outputPath = outputDir->filePath("out.wav"); });
+#ifdef Q_OS_UNIX // Windows keeps a folder with open files
     row("output directory is removed", "Failed to finish the output file",
         [this] { encoder->onFrame = [this](int) { outputDir->remove(); }; });
+#endif
     row("a directory takes the place of the output", "Failed to copy video file to output path", [this] {
         encoder->onFrame = [this](int) {
             QFile::remove(request.outputPath);

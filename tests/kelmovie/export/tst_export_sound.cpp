@@ -266,6 +266,7 @@ void ExportSoundTest::anySound_data()
             "a truncated header", {}, [=] { cut(20); }, "RIFF header not found");
         row(
             "garbage", {}, [=] { edit(0, "garbage"); }, "RIFF header not found");
+#ifdef Q_OS_UNIX
         row(
             "a pipe", {},
             [=] {
@@ -273,6 +274,7 @@ void ExportSoundTest::anySound_data()
                 QCOMPARE(QProcess::execute("mkfifo", {path()}), 0);
             },
             file + " is not an ordinary file");
+#endif
         row(
             "no directory", {}, [=] { QDir(QFileInfo(path()).path()).removeRecursively(); }, "no directory");
     }
@@ -371,7 +373,8 @@ void ExportSoundTest::fullDisk()
     old.close();
     const FileSizeLimit limit(30'000);
     QVERIFY(!runExport());
-    QVERIFY2(error.contains(QRegularExpression("Cannot write /.*: " + FileSizeLimit::errorText())), qPrintable(error));
+    QVERIFY2(error.contains(QRegularExpression("Cannot write .*/.*: " + FileSizeLimit::errorPattern())),
+             qPrintable(error));
     QVERIFY(old.open(QIODevice::ReadOnly));
     QCOMPARE(old.readAll(), QByteArray("with sound"));
     QVERIFY(isTidy());

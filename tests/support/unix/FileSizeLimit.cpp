@@ -1,5 +1,7 @@
 #include "support/FileSizeLimit.h"
 
+#include <QRegularExpression>
+
 #include <cerrno>
 #include <csignal>
 #include <sys/resource.h>
@@ -27,4 +29,9 @@ FileSizeLimit::~FileSizeLimit()
 QString FileSizeLimit::errorText()
 {
     return qt_error_string(EFBIG);
+}
+
+QString FileSizeLimit::errorPattern()
+{
+    return QRegularExpression::escape(errorText());
 }

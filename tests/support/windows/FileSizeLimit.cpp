@@ -1,7 +1,11 @@
 #include "support/FileSizeLimit.h"
 
+#include <QRegularExpression>
+
 #include <array>
 #include <atomic>
+#include <cerrno>
+#include <cstring>
 
 #include <windows.h>
 
@@ -18,6 +22,7 @@ std::atomic<decltype(&WriteFile)> g_writeFile{nullptr};
 BOOL WINAPI writeWithinLimit(HANDLE file, LPCVOID data, DWORD size, LPDWORD written, LPOVERLAPPED overlapped)
 {
     LARGE_INTEGER place{};
+    const DWORD wanted = size;
     if (GetFileType(file) == FILE_TYPE_DISK && SetFilePointerEx(file, {}, &place, FILE_CURRENT) &&
         quint64(place.QuadPart) + size > g_limit) {
         // A nearly full disk accepts what fits.
@@ -28,7 +33,10 @@ BOOL WINAPI writeWithinLimit(HANDLE file, LPCVOID data, DWORD size, LPDWORD writ
             return FALSE;
         }
     }
-    return g_writeFile.load()(file, data, size, written, overlapped);
+    const BOOL isWritten = g_writeFile.load()(file, data, size, written, overlapped);
+    if (isWritten && size < wanted)
+        SetLastError(ERROR_DISK_FULL); // the C library asks for the reason of a short write
+    return isWritten;
 }
 
 void exchangeImport(HMODULE module, void *from, void *to)
@@ -78,4 +86,9 @@ FileSizeLimit::~FileSizeLimit()
 QString FileSizeLimit::errorText()
 {
     return qt_error_string(ERROR_DISK_FULL);
+}
+
+QString FileSizeLimit::errorPattern()
+{
+    return QString("(%1|%2)").arg(QRegularExpression::escape(errorText()), std::strerror(ENOSPC));
 }

@@ -82,7 +82,7 @@ public:
         Exception, ///< the monitor threw
         Start,     ///< before the first frame was encoded
     };
-    Failure failure() const;
+    Failure failure() const; ///< the step at which run() failed
 
 private:
     friend class kel::ExportInternals;

@@ -31,6 +31,7 @@ public:
     void setCurrentFrame(int frameIndex) { m_frameStamp.setCurrentFrame(frameIndex); }
     /// Starts or resumes; false if there are records from before.
     bool begin();
+    void suspend();
     void pause();
     void end();
     void switchOn();
@@ -53,6 +54,7 @@ private:
     StoredKeyRecords m_records;
     bool m_isRecording = false;
     bool m_isHookInstalled = false; // its keys are recorded
+    bool m_isSuspended = false;     // a pause or stop is to follow; keys are ignored
 };
 
 bool KelRecordKeyboardTrackPrivate::begin()
@@ -65,11 +67,18 @@ bool KelRecordKeyboardTrackPrivate::begin()
         setHookType(Keyboard);
     std::lock_guard lock(m_mutex);
     m_isRecording = true;
+    m_isSuspended = false;
     m_isHookInstalled = !m_isSwitchedOff;
     const bool isNew = m_records.empty();
     if (m_isSwitchedOff || !isNew)
         add(0, !m_isSwitchedOff);
     return isNew;
+}
+
+void KelRecordKeyboardTrackPrivate::suspend()
+{
+    std::lock_guard lock(m_mutex);
+    m_isSuspended = true;
 }
 
 void KelRecordKeyboardTrackPrivate::pause()
@@ -142,7 +151,7 @@ StoredKeyRecords KelRecordKeyboardTrackPrivate::takeRecords()
 bool KelRecordKeyboardTrackPrivate::OnKeyboardEvent(KelKeyboardEvent event)
 {
     std::lock_guard lock(m_mutex);
-    if (m_isRecording && m_isHookInstalled)
+    if (m_isRecording && m_isHookInstalled && !m_isSuspended)
         add(event.key, event.state == 1);
     return false;
 }
@@ -175,6 +184,11 @@ void KelRecordKeyboardTrack::startRecording()
         m_coreDumpBlock.emplace();
     if (d->begin())
         m_file.restart();
+}
+
+void KelRecordKeyboardTrack::suspend()
+{
+    d->suspend();
 }
 
 void KelRecordKeyboardTrack::pauseRecording()

@@ -34,6 +34,10 @@ public:
     void stopRecording(qint64 frameCount, qint64 durationMs) override;
     void checkpoint(qint64 frameCount) override;
 
+    /// Ignores keys until the next startRecording(): a pause or stop takes effect at once, although the track's thread
+    /// may be busy. Any thread.
+    void suspend();
+
     /// Switch capture on and off during a recording. Any thread. Each switch adds a marker to the log; keys typed after
     /// the call of disableCapture() are not recorded. Capture that is off stays off across a pause.
     void enableCapture();

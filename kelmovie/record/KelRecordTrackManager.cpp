@@ -160,6 +160,8 @@ void KelRecordTrackManager::pauseRecording()
         return;
     m_frameTimer.stop();
     m_clock.pause();
+    if (KelRecordKeyboardTrack *keyboard = keyboardTrack())
+        keyboard->suspend();
     if (m_voiceTrack)
         m_voiceTrack->noteClockChange();
     for (KelRecordTrackThreadWrap *thread : qAsConst(m_threads))
@@ -178,6 +180,8 @@ void KelRecordTrackManager::stopRecording()
     m_frameTimer.stop();
     m_checkpointTimer.stop();
     const qint64 durationMs = m_clock.recordedMs();
+    if (KelRecordKeyboardTrack *keyboard = keyboardTrack())
+        keyboard->suspend();
     if (m_voiceTrack)
         m_voiceTrack->noteClockChange();
     if (m_clock.isPaused())

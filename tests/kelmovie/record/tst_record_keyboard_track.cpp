@@ -97,7 +97,8 @@ void RecordKeyboardTrackTest::create(KelRecordKeyboardTrack::AtResume atResume)
         [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
 }
 
-/// "keep" (the keys before a pause), "frame N", "KEY(hex) STATE", "start", "pause", "on", "off", "checkpoint", "stop"
+/// "keep" (the keys before a pause), "frame N", "KEY(hex) STATE", "start", "suspend", "pause", "on", "off",
+/// "checkpoint", "stop"
 void RecordKeyboardTrackTest::play(const QStringList &steps)
 {
     for (const QString &step : steps) {
@@ -108,6 +109,8 @@ void RecordKeyboardTrackTest::play(const QStringList &steps)
             m_track->recordFrame(words[1].toInt());
         else if (words[0] == "start")
             m_track->startRecording();
+        else if (words[0] == "suspend")
+            m_track->suspend();
         else if (words[0] == "pause")
             m_track->pauseRecording();
         else if (words[0] == "on")
@@ -146,6 +149,8 @@ void RecordKeyboardTrackTest::recordsByTheRules_data()
     row("resumed, keys kept",
         "keep; start; 41 1; frame 3; pause; 42 1; start; frame 5; checkpoint; 43 1; frame 6; pause", false,
         "41 1 0; 0 0 3; 0 1 3; 43 1 5; 0 0 6", false);
+    row("suspended until the pause gets through", "keep; start; 41 1; suspend; 42 1; pause; start; 43 1", true,
+        "41 1 0; 0 0 0; 0 1 0; 43 1 0", false);
     row("resumed while off, keys kept", "keep; start; 41 1; off; pause; start; 42 1; on; 43 1", true,
         "41 1 0; 0 0 0; 0 0 0; 0 1 0; 43 1 0", false);
     row("off and on", "start; 41 1; frame 4; off; off; 42 1; frame 6; on; on; 43 1; frame 7", true,

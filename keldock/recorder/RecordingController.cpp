@@ -35,6 +35,8 @@ RecordingController::RecordingController(std::function<QString()> newDirectory, 
     connect(&m_clock, &QTimer::timeout, this, [this] { emit elapsed(elapsedMs()); });
     m_countdown.setSingleShot(true);
     connect(&m_countdown, &QTimer::timeout, this, &RecordingController::countDown);
+    connect(m_recorder, &KelMultiTrackRecorder::recordingPrepared, this, &RecordingController::beginCountdown);
+    connect(m_recorder, &KelMultiTrackRecorder::recordingDeclined, this, [this] { setState(State::Idle); });
     connect(m_recorder, &KelMultiTrackRecorder::recordingStopped, this, &RecordingController::finish);
     connect(m_recorder, &KelMultiTrackRecorder::trackFailed, this,
             [this](const QString &track) { m_failedTrack = track; });
@@ -73,7 +75,14 @@ void RecordingController::start(int minimumDelay)
         return;
     m_secondsLeft = std::clamp(std::max(gKelMovieConfig.recordDelay, minimumDelay), 0, kMaxDelaySeconds) + 1;
     setState(State::CountingDown);
-    countDown();
+    m_recorder->setRecordArea(m_area);
+    m_recorder->prepareRecording();
+}
+
+void RecordingController::beginCountdown()
+{
+    if (m_state == State::CountingDown)
+        countDown();
 }
 
 void RecordingController::countDown()
@@ -108,9 +117,8 @@ void RecordingController::startRecorder()
     config.enableSystemAudio = gKelMovieConfig.recordRecordSystemAudio;
     config.enableMicrophone = gKelMovieConfig.recordRecordMicrophone;
     m_recorder->setRecordConfig(config);
-    m_recorder->setRecordArea(m_area);
     if (!m_recorder->startRecording())
-        return setState(State::Idle);
+        return;
     m_directory = directory;
     m_elapsedBefore = 0;
     m_running.start();
@@ -184,6 +192,8 @@ void RecordingController::handleError(const QString &error)
         emit problem(Severity::Error, (isStarting ? tr("The recording could not be started.\n%1")
                                                   : tr("The recording is incomplete.\n%1"))
                                           .arg(error));
+        if (isStarting)
+            setState(State::Idle);
     } else {
         // A recording without one of the other tracks is still useful.
         emit problem(Severity::Warning,
@@ -233,5 +243,7 @@ void RecordingController::setState(State state)
     if (m_state == state)
         return;
     m_state = state;
+    if (state == State::Idle)
+        m_recorder->cancelPreparation();
     emit stateChanged(state);
 }

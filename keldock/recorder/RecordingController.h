@@ -25,6 +25,7 @@ class RecordingController : public QObject
     Q_OBJECT
 
 public:
+    /// CountingDown begins with the permission of the system, for which it may ask a person.
     enum class State { Idle, CountingDown, Recording, Paused };
     Q_ENUM(State)
     enum class Severity { Warning, Error };
@@ -51,7 +52,8 @@ public:
     DiskGuard &diskGuard() { return m_diskGuard; }
 
 public slots:
-    /// Counts down the delay of the settings, at least `minimumDelay` seconds, and starts to record.
+    /// Obtains the permission of the system, counts down the delay of the settings, at least `minimumDelay` seconds,
+    /// and starts to record.
     void start(int minimumDelay = 0);
     void togglePause();
     /// Stops and keeps the recording, or cancels the countdown.
@@ -73,6 +75,7 @@ signals:
 
 private:
     void setState(State state);
+    void beginCountdown();
     void countDown();
     void startRecorder();
     void finish();

@@ -34,6 +34,8 @@ KelMultiTrackRecorder::Private::Private(KelMultiTrackRecorder *recorder)
     : q(recorder)
     , recording(recorder)
 {
+    connect(&recording, &RecordingControl::prepared, q, &KelMultiTrackRecorder::recordingPrepared);
+    connect(&recording, &RecordingControl::declined, q, &KelMultiTrackRecorder::recordingDeclined);
     connect(&recording, &RecordingControl::started, q, &KelMultiTrackRecorder::recordingStarted);
     connect(&recording, &RecordingControl::stopped, q, &KelMultiTrackRecorder::recordingStopped);
     connect(&recording, &RecordingControl::paused, q, &KelMultiTrackRecorder::recordingPaused);
@@ -107,6 +109,21 @@ bool KelMultiTrackRecorder::isRecording() const
 bool KelMultiTrackRecorder::isPaused() const
 {
     return d->recording.isPaused();
+}
+
+void KelMultiTrackRecorder::prepareRecording()
+{
+    if (isRecording())
+        return;
+    if (d->recordArea.isEmpty())
+        d->reportError(QStringLiteral("Record area not set"));
+    else
+        d->recording.prepare(d->recordArea);
+}
+
+void KelMultiTrackRecorder::cancelPreparation()
+{
+    d->recording.cancelPreparation();
 }
 
 bool KelMultiTrackRecorder::startRecording()

@@ -15,6 +15,9 @@ class KelPlaybackTrackManager;
 /// export. GUI thread only, which also emits all signals; needs a running event loop, whose timer is the recording's
 /// clock.
 ///
+/// On some systems a person must allow each recording: prepareRecording() asks, and startRecording() follows the
+/// answer. Hosts that always do both work everywhere.
+///
 ///     idle --startRecording--> recording --pauseRecording--> paused --startRecording--> recording
 ///     recording or paused --stopRecording--> idle
 ///
@@ -51,11 +54,18 @@ public:
     void setRecordConfig(const RecordConfig &config);
     RecordConfig recordConfig() const; ///< the configuration set last
 
+    /// Asks the system for everything that the next recording of the area needs, as long as a person takes to answer.
+    /// Ends with recordingPrepared(), recordingDeclined() or recordingError(), before it returns where nobody is asked.
+    /// What was obtained is kept for the next startRecording(). Ignored while recording.
+    void prepareRecording();
+    /// Withdraws the request of prepareRecording() without a signal, or gives up what was obtained.
+    void cancelPreparation();
+
     bool isRecording() const; ///< also while paused
     bool isPaused() const;    ///< a recording is paused
 
-    /// Starts a recording, or resumes a paused one. False while recording, and on failure, which is reported by
-    /// recordingError() and leaves no files behind.
+    /// Starts a recording, or resumes a paused one. Fails without prepareRecording() where the system asks. False while
+    /// recording, and on failure, which is reported by recordingError() and leaves no files behind.
     ///
     /// An earlier recording in the output directory is never overwritten: it is first moved, complete and loadable,
     /// into the subdirectory "Previous-1" (or -2, -3, …).
@@ -105,7 +115,9 @@ public:
     QString lastError() const;
 
 signals:
-    void recordingStarted(); ///< a recording has started
+    void recordingPrepared();                      ///< prepareRecording() has obtained everything
+    void recordingDeclined(const QString &reason); ///< a person has not allowed it; `reason` is English
+    void recordingStarted();                       ///< a recording has started
     /// The recording has ended, by stopRecording() or at its frame limit. A slot may start the next one.
     void recordingStopped();
     void recordingPaused();  ///< the recording is paused

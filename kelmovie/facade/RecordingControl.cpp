@@ -42,8 +42,32 @@ RecordingControl::RecordingControl(KelMultiTrackRecorder *recorder)
 
 RecordingControl::~RecordingControl() = default;
 
+void RecordingControl::prepare(const QRect &area)
+{
+    m_preparation.reset(); // first: the system may allow one at a time
+    m_preparation = KelScreenManager::instance()->prepare(
+        area, [this](const KelScreenPermission &permission) { endPreparation(permission); });
+}
+
+void RecordingControl::endPreparation(const KelScreenPermission &permission)
+{
+    using Answer = KelScreenPermission::Answer;
+    if (permission.answer == Answer::Granted)
+        emit prepared();
+    else if (permission.answer == Answer::Declined)
+        emit declined(permission.reason);
+    else
+        emit failed(permission.reason);
+}
+
+void RecordingControl::cancelPreparation()
+{
+    m_preparation.reset();
+}
+
 QString RecordingControl::start(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config)
 {
+    const auto preparation = std::move(m_preparation);
     try {
         const QString problem = createManager(area, config);
         if (!problem.isEmpty())

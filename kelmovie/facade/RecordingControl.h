@@ -7,6 +7,8 @@
 #include <memory>
 
 class KelRecordTrackManager;
+class KelScreenPreparation;
+struct KelScreenPermission;
 class KelRecordingDirectory;
 
 namespace kel
@@ -27,6 +29,12 @@ public:
     bool isRecording() const { return m_isRecording; } ///< also while paused
     bool isPaused() const { return m_isPaused; }
 
+    /// Asks the system for what recording `area` needs and keeps it for the next start(). Ends with prepared(),
+    /// declined() or failed(), possibly before it returns.
+    void prepare(const QRect &area);
+    /// Withdraws what prepare() asks for, or gives up what it got.
+    void cancelPreparation();
+
     /// Starts a new recording while none is running. On failure returns the reason and removes what it created;
     /// otherwise returns an empty string.
     QString start(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config);
@@ -41,6 +49,8 @@ public:
     const KelRecordTrackManager *manager() const { return m_manager.get(); }
 
 signals:
+    void prepared();
+    void declined(const QString &reason);
     void started();
     void stopped();
     void paused();
@@ -52,12 +62,14 @@ signals:
     void frameLimitReached();
 
 private:
+    void endPreparation(const KelScreenPermission &permission);
     QString createManager(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config);
     void reportFailures();
     void onFrameLimitReached();
 
     KelMultiTrackRecorder *const m_recorder;
-    std::unique_ptr<KelRecordingDirectory> m_directory; // locked until the manager has completed the files
+    std::unique_ptr<KelScreenPreparation> m_preparation; // until the next start
+    std::unique_ptr<KelRecordingDirectory> m_directory;  // locked until the manager has completed the files
     std::unique_ptr<KelRecordTrackManager> m_manager;
     bool m_isRecording = false;
     bool m_isPaused = false;

@@ -48,6 +48,20 @@ QString RecordingCheck::record()
         problem = error;
         loop.quit();
     });
+    bool isPrepared = false;
+    QObject::connect(&recorder, &KelMultiTrackRecorder::recordingPrepared, &loop, [&] {
+        isPrepared = true;
+        loop.quit();
+    });
+    QObject::connect(&recorder, &KelMultiTrackRecorder::recordingDeclined, &loop, [&](const QString &reason) {
+        problem = reason;
+        loop.quit();
+    });
+    recorder.prepareRecording();
+    if (!isPrepared && problem.isEmpty())
+        loop.exec();
+    if (!isPrepared)
+        return problem;
     if (!recorder.startRecording())
         return recorder.lastError();
     QTimer::singleShot(kRecordMs, &loop, &QEventLoop::quit);

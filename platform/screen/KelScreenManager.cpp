@@ -6,6 +6,12 @@
 
 using namespace kel;
 
+std::unique_ptr<KelScreenPreparation> KelScreenBackend::prepare(const QRect &, const KelScreenPreparation::Done &done)
+{
+    done({});
+    return nullptr;
+}
+
 std::unique_ptr<KelCursorSource> KelScreenBackend::createCursorSource(const QRect &)
 {
     return nullptr;
@@ -22,6 +28,12 @@ KelScreenManager *KelScreenManager::instance()
 {
     static KelScreenManager manager;
     return &manager;
+}
+
+std::unique_ptr<KelScreenPreparation> KelScreenManager::prepare(const QRect &rect,
+                                                                const KelScreenPreparation::Done &done)
+{
+    return m_backend->prepare(rect, done);
 }
 
 KelScreenStreamer *KelScreenManager::createScreenStreamer(const QRect &rect)
@@ -49,6 +61,11 @@ std::shared_ptr<KelCursorSource> KelScreenManager::cursorSource(const QRect &rec
 QString KelScreenManager::backendName() const
 {
     return m_backend->name();
+}
+
+bool KelScreenManager::isPointerInFrames() const
+{
+    return m_backend->isPointerInFrames();
 }
 
 QString KelScreenManager::errorString() const

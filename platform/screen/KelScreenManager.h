@@ -1,6 +1,7 @@
 #pragma once
 
 #include "screen/KelCursorSource.h"
+#include "screen/KelScreenPermission.h"
 #include "screen/KelScreenStreamer.h"
 
 #include <QRect>
@@ -23,6 +24,14 @@ public:
     /// Empty when the screen can be captured, otherwise the reason in English.
     virtual QString errorString() const { return {}; }
 
+    /// Obtains what capturing `rect` needs from the system. Calls `done` once: before this returns null, or later,
+    /// while the returned object exists, as late as a person answers the system's question. `done` may delete that
+    /// object.
+    virtual std::unique_ptr<KelScreenPreparation> prepare(const QRect &rect, const KelScreenPreparation::Done &done);
+
+    /// Whether the pointer is part of the frames because its position cannot be read.
+    virtual bool isPointerInFrames() const { return false; }
+
     /// A streamer for `rect` (logical pixels of the desktop). Never null: a streamer that cannot work reports the
     /// reason in its errorString().
     virtual std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) = 0;
@@ -38,6 +47,10 @@ class KelScreenManager
 public:
     static KelScreenManager *instance();
 
+    /// Obtains what capturing `rect` (logical pixels of the desktop) needs from the system: before
+    /// createScreenStreamer() and cursorSource(), and kept until then. See KelScreenBackend::prepare().
+    std::unique_ptr<KelScreenPreparation> prepare(const QRect &rect, const KelScreenPreparation::Done &done);
+
     /// A new streamer for `rect` (logical pixels of the desktop). Never null; owned by the caller.
     KelScreenStreamer *createScreenStreamer(const QRect &rect);
 
@@ -47,6 +60,9 @@ public:
 
     /// The name of the capture technology, such as "X11".
     QString backendName() const;
+
+    /// Whether the pointer is part of the frames because its position cannot be read.
+    bool isPointerInFrames() const;
 
     /// Empty when the screen can currently be captured, otherwise the reason ("no display", "Wayland without X", …) in
     /// English.

@@ -17,6 +17,7 @@ using namespace kel;
 namespace
 {
 constexpr int kUpdateIntervalMs = 250;
+constexpr int kHintAfterMs = 1000; // to a person who may not see a question of the system
 } // namespace
 
 RecordingSession::RecordingSession(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config,
@@ -27,13 +28,37 @@ RecordingSession::RecordingSession(const QRect &area, const KelMultiTrackRecorde
     m_recorder.setRecordConfig(config);
     connect(&m_recorder, &KelMultiTrackRecorder::trackFailed, this, &RecordingSession::rememberFailedTrack);
     connect(&m_recorder, &KelMultiTrackRecorder::recordingError, this, &RecordingSession::handleError);
+    connect(&m_recorder, &KelMultiTrackRecorder::recordingPrepared, this, [this] {
+        m_isPrepared = true;
+        m_loop.quit();
+    });
+    connect(&m_recorder, &KelMultiTrackRecorder::recordingDeclined, this, &RecordingSession::handleError);
     // The recorder also stops by itself at the maximum number of frames.
     connect(&m_recorder, &KelMultiTrackRecorder::recordingStopped, &m_loop, &QEventLoop::quit);
     connect(&m_stopSignal, &StopSignal::raised, &m_loop, &QEventLoop::quit);
 }
 
+/// False after an error, which is reported, and after a stop signal.
+bool RecordingSession::prepare()
+{
+    m_recorder.prepareRecording();
+    if (!m_isPrepared && !m_hasFailed) {
+        QTimer hint;
+        hint.setSingleShot(true);
+        connect(&hint, &QTimer::timeout, [] {
+            Console::printError(QStringLiteral("keldock: waiting until you allow the recording in the dialog of your "
+                                               "desktop; Ctrl-C cancels"));
+        });
+        hint.start(kHintAfterMs);
+        m_loop.exec();
+    }
+    return m_isPrepared;
+}
+
 QString RecordingSession::run()
 {
+    if (!prepare())
+        return m_error.isEmpty() ? QStringLiteral("the recording was cancelled") : m_error;
     if (!m_recorder.startRecording())
         return m_error.isEmpty() ? QStringLiteral("the recording cannot be started") : m_error;
     m_hasRecorded = true;

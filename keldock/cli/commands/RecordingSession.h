@@ -29,6 +29,7 @@ public:
     bool hasRecorded() const { return m_hasRecorded; }
 
 private:
+    bool prepare();
     void rememberFailedTrack(const QString &track) { m_failedTrack = track; }
     void handleError(const QString &error);
     void showElapsed();
@@ -41,6 +42,7 @@ private:
     QEventLoop m_loop;
     QString m_failedTrack; // the track of the next error; empty if the error is not about a track
     QString m_error;
+    bool m_isPrepared = false;
     bool m_hasRecorded = false;
     bool m_hasFailed = false;
 };

@@ -3,7 +3,6 @@
 #include "geometry/ScreenGeometry.h"
 #include "screen/CaptureRect.h"
 #include "screen/FailedScreenStreamer.h"
-#include "screen/NativeScreenBackend.h"
 #include "screen/x11/X11CursorSource.h"
 #include "screen/x11/X11ScreenStreamer.h"
 #include "screen/x11/XcbConnection.h"
@@ -45,11 +44,6 @@ std::unique_ptr<KelScreenStreamer> streamerFor(const QRect &physical)
 }
 
 } // namespace
-
-std::unique_ptr<KelScreenBackend> createNativeScreenBackend()
-{
-    return std::make_unique<X11ScreenBackend>();
-}
 
 QString X11ScreenBackend::errorString() const
 {

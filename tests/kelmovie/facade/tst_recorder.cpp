@@ -52,6 +52,28 @@ QSet<QString> permissionsBelow(const QString &path)
     return modes;
 }
 #endif
+
+/// A system that asks a person before it lets anyone capture the screen.
+class AskingBackend final : public ScriptedBackend
+{
+public:
+    using ScriptedBackend::ScriptedBackend;
+
+    std::unique_ptr<KelScreenPreparation> prepare(const QRect &, const KelScreenPreparation::Done &done) override
+    {
+        struct Question : KelScreenPreparation {
+            std::shared_ptr<int> isOpen;
+        };
+        auto question = std::make_unique<Question>();
+        question->isOpen = std::make_shared<int>();
+        open = question->isOpen;
+        answer = done;
+        return question;
+    }
+
+    std::weak_ptr<int> open; ///< while somebody keeps the question or the permission
+    KelScreenPreparation::Done answer;
+};
 } // namespace
 
 class RecorderTest : public QObject
@@ -63,6 +85,7 @@ private slots:
     void cleanup();
 
     void goesThroughItsStates();
+    void asksForPermission();
     void refusesToStart_data();
     void refusesToStart();
     void failedStartLeavesNothing();
@@ -107,6 +130,8 @@ KelMultiTrackRecorder *RecorderTest::createRecorder()
 {
     KelMultiTrackRecorder *recorder = m_ui->createMultiTrackRecorder();
     using R = KelMultiTrackRecorder;
+    connect(recorder, &R::recordingPrepared, this, [this] { m_signals << "prepared"; });
+    connect(recorder, &R::recordingDeclined, this, [this](const QString &why) { m_signals << "declined: " + why; });
     connect(recorder, &R::recordingStarted, this, [this] { m_signals << "started"; });
     connect(recorder, &R::recordingStopped, this, [this] { m_signals << "stopped"; });
     connect(recorder, &R::recordingPaused, this, [this] { m_signals << "paused"; });
@@ -152,6 +177,34 @@ void RecorderTest::goesThroughItsStates()
     QCOMPARE(entries(outputDir()), (QStringList{"Screen", "TrackManager.meta"}));
     QCOMPARE(entries(outputDir() + "/Screen"),
              (QStringList{"frame_indexes.dat", "frame_times.dat", "screen_record.mp4"}));
+}
+
+void RecorderTest::asksForPermission()
+{
+    using Answer = KelScreenPermission::Answer;
+    auto owned = std::make_unique<AskingBackend>(*m_script);
+    AskingBackend &backend = *owned;
+    KelScreenManager::instance()->setBackend(std::move(owned));
+    KelMultiTrackRecorder *recorder = createRecorder();
+
+    recorder->prepareRecording();
+    QVERIFY(!backend.open.expired());
+    recorder->cancelPreparation();
+    QVERIFY(backend.open.expired());
+    QCOMPARE(m_signals, QStringList());
+
+    recorder->prepareRecording();
+    backend.answer({Answer::Declined, "not now"});
+    recorder->prepareRecording();
+    backend.answer({Answer::Failed, "nobody answers"});
+    QCOMPARE(m_signals, (QStringList{"declined: not now", "error: nobody answers"}));
+
+    m_signals.clear();
+    connect(recorder, &KelMultiTrackRecorder::recordingPrepared, this, [&] { QVERIFY(recorder->startRecording()); });
+    recorder->prepareRecording();
+    backend.answer({Answer::Granted, {}});
+    QVERIFY(backend.open.expired()); // the tracks have what they need
+    QCOMPARE(m_signals, (QStringList{"prepared", "started"}));
 }
 
 void RecorderTest::refusesToStart_data()

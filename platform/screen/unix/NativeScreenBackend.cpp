@@ -1,0 +1,31 @@
+#include "screen/NativeScreenBackend.h"
+
+#include "screen/x11/X11ScreenBackend.h"
+#include "x11/DisplayServer.h"
+
+#include <QGuiApplication>
+
+namespace kel
+{
+
+namespace
+{
+
+/// The user's choice of Qt's platform counts as well: areas are in the coordinates of its screens.
+bool isOnWayland()
+{
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland")) ||
+           displayServer() == DisplayServer::Wayland;
+}
+
+} // namespace
+
+std::unique_ptr<KelScreenBackend> createNativeScreenBackend()
+{
+    if (isOnWayland()) {
+        // Backends for Wayland, the best first, each of which tells whether the session offers what it needs.
+    }
+    return std::make_unique<X11ScreenBackend>();
+}
+
+} // namespace kel

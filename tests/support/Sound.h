@@ -59,8 +59,8 @@ struct Sound {
         return data;
     }
 
-    /// Writes a canonical WAV file of floats or of 16-bit samples.
-    bool save(const QString &path, bool isFloat = true) const
+    /// A canonical WAV file of floats or of 16-bit samples.
+    QByteArray wav(bool isFloat = true) const
     {
         const int bytes = isFloat ? 4 : 2;
         const QByteArray data =
@@ -76,8 +76,13 @@ struct Sound {
                << quint32(rate * channels * bytes) << quint16(channels * bytes) << quint16(bytes * 8);
         stream.writeRawData("data", 4);
         stream << quint32(data.size());
+        return head + data;
+    }
+    bool save(const QString &path, bool isFloat = true) const
+    {
         QFile file(path);
-        return file.open(QIODevice::WriteOnly) && file.write(head + data) == head.size() + data.size();
+        const QByteArray bytes = wav(isFloat);
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
     }
 
     /// The amplitude of a frequency in a channel between two times (Goertzel).

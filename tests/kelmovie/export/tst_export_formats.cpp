@@ -102,11 +102,10 @@ void ExportFormatsTest::showsRecordedFrames()
 void ExportFormatsTest::recordingOfKilledProcess()
 {
     // The last video frames are missing in the index table, and the metadata was never written.
-    RecordingFixture dead;
-    dead.remove("TrackManager.meta");
-    dead.remove("Screen/screen_record.mp4");
-    QVERIFY(QFile::copy(scene.videoPath(), dead.screenDir() + "/screen_record.mp4"));
-    dead.writeIndexes(25, [](int i) { return i / 3; });
+    RecordingOnDisk dead;
+    dead.frames(25, 25, [](int i) { return i / 3; })
+        .file("Screen/screen_record.mp4", readFile(scene.videoPath()))
+        .without("TrackManager.meta");
     gKelMovieConfig.playbackProgressEnable = false;
     const auto showAgain = qScopeGuard([] { gKelMovieConfig.playbackProgressEnable = true; });
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot open manager metadata:"));
@@ -217,7 +216,8 @@ void ExportFormatsTest::hasDurationOfRange()
     QFETCH(int, fps);
     QFETCH(int, loops);
 
-    RecordingFixture recording(50, 25);
+    RecordingOnDisk recording;
+    recording.frames(50);
     KelPlaybackDependencies dependencies;
     dependencies.nowMs = [] { return 0; };
     const auto script = std::make_shared<DecoderScript>();
@@ -319,10 +319,8 @@ void ExportFormatsTest::higherQualityIsLarger()
     QFETCH(int, format);
 
     constexpr int frames = 8;
-    RecordingFixture recording(frames, ExportScene::Fps);
-    recording.metadata.recordArea = QRect(0, 0, 160, 120);
-    recording.save();
-    writeVideo(recording, frames, [](int i) {
+    RecordingOnDisk recording;
+    recording.size(160, 120).frames(frames, ExportScene::Fps).video(frames, [](int i) {
         QImage image = textImage(QSize(160, 120), i);
         QLinearGradient gradient(0, i, 160, 120);
         gradient.setColorAt(0, QColor(20, 60, 250, 120));

@@ -1,4 +1,4 @@
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "kelmovie/support/ScriptedEncoder.h"
 
@@ -132,7 +132,7 @@ private:
     const QString defaultTemporaryPath = QDir::tempPath();
     QTemporaryDir temporary;
     std::unique_ptr<QTemporaryDir> outputDir;
-    std::unique_ptr<RecordingFixture> recording;
+    std::unique_ptr<RecordingOnDisk> recording;
     std::unique_ptr<KelPlaybackTrackManager> manager;
     std::shared_ptr<DecoderScript> decoder;
     std::shared_ptr<EncoderScript> encoder;
@@ -151,7 +151,8 @@ void ExportPipelineTest::init()
 {
     setTemporaryPath(defaultTemporaryPath);
     outputDir = std::make_unique<QTemporaryDir>();
-    recording = std::make_unique<RecordingFixture>(250);
+    recording = std::make_unique<RecordingOnDisk>();
+    recording->frames(250);
     setTemporaryPath(temporary.path());
     decoder = std::make_shared<DecoderScript>();
     decoder->frameCount = 250;
@@ -229,8 +230,7 @@ void ExportPipelineTest::fillsUncoveredPixels()
 
 void ExportPipelineTest::showsTimeWithinRange()
 {
-    recording->metadata.recordArea = QRect(0, 0, 320, 120);
-    recording->save();
+    recording->size(320, 120);
     gKelMovieConfig.playbackProgressEnable = true;
     const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
     loadManager();
@@ -241,7 +241,7 @@ void ExportPipelineTest::showsTimeWithinRange()
     reference.setTotalFrames(manager->totalFrames());
     reference.setFps(manager->fps());
     reference.setArea(QRect(0, 0, 320, 120));
-    reference.setScale(recording->metadata.pixelRatio);
+    reference.setScale(recording->metadata().pixelRatio);
     reference.setSpeed(0.5);
     reference.setRange(kel::RecordingTimeline::Range{25, 75, 0, 0, 0});
     request.speed = 0.5;
@@ -268,8 +268,7 @@ void ExportPipelineTest::showsTimeWithinRange()
 
 void ExportPipelineTest::previewShowsTimeOfTheExport()
 {
-    recording->metadata.recordArea = QRect(0, 0, 320, 120);
-    recording->save();
+    recording->size(320, 120);
     gKelMovieConfig.playbackProgressEnable = true;
     const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
     KelPlaybackRules rules;
@@ -295,7 +294,7 @@ void ExportPipelineTest::previewShowsTimeOfTheExport()
 
 void ExportPipelineTest::exportsWithoutMetadata()
 {
-    recording->remove("TrackManager.meta");
+    recording->without("TrackManager.meta");
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Cannot open manager metadata:"));
     loadManager();
     QVERIFY2(runExport(), qPrintable(error));
@@ -314,12 +313,11 @@ void ExportPipelineTest::failures_data()
     };
     row("no manager", "Track manager is null", [this] { request.playbackManager = nullptr; });
     row("no recording", "Video file not found", [this] {
-        recording->remove("Screen/screen_record.mp4");
+        recording->without("Screen/screen_record.mp4");
         loadManager();
     });
     row("no area", "Invalid playback area size", [this] {
-        recording->metadata.recordArea = QRect();
-        recording->save();
+        recording->area(QRect());
         decoder->frameSize = QSize(0, 0);
         loadManager();
     });
@@ -442,7 +440,7 @@ void ExportPipelineTest::cancel()
 
 void ExportPipelineTest::paintsUnchangedFramesOnce()
 {
-    recording->writeIndexes(250, [](int i) { return i / 10; });
+    recording->frames(250, 25, [](int i) { return i / 10; });
     loadManager();
     decoder->decoded.clear();
     manager->seek(33);

@@ -1,4 +1,4 @@
-#include "kelmovie/support/RecordedVideo.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/SavingConfigIO.h"
 
 #include "export/KelExportPipeline.h"
@@ -65,16 +65,14 @@ private:
         return request;
     }
 
-    RecordingFixture recording{kFrames, kFps};
+    RecordingOnDisk recording;
     std::unique_ptr<KelPlaybackTrackManager> manager;
     QTemporaryDir output;
 };
 
 void ExportSizeTest::initTestCase()
 {
-    recording.metadata.recordArea = QRect(QPoint(), kSize);
-    recording.save();
-    writeVideo(recording, kFrames, image);
+    recording.size(kSize.width(), kSize.height()).frames(kFrames, kFps).video(kFrames, image);
     manager = std::make_unique<KelPlaybackTrackManager>(recording.path(), false);
     QVERIFY2(manager->isValidRecording(), qPrintable(manager->errorString()));
 }
@@ -136,7 +134,7 @@ void ExportSizeTest::restartsAndStops()
 
 void ExportSizeTest::unusableRecording()
 {
-    const RecordingFixture broken; // its video cannot be decoded
+    const RecordingOnDisk broken; // its video cannot be decoded
     KelPlaybackTrackManager loaded(broken.path(), false);
     KelExportRequest wanted = request();
     wanted.playbackManager = &loaded;

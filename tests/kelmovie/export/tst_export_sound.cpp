@@ -1,6 +1,6 @@
 #include "audio/processing/StretchedSound.h"
 #include "export/ExportInternals.h"
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "kelmovie/support/ScriptedEncoder.h"
 #include "playback/PlaybackEngine.h"
@@ -88,7 +88,7 @@ private:
     const QString defaultTemporaryPath = QDir::tempPath();
     std::unique_ptr<QTemporaryDir> temporary;
     std::unique_ptr<QTemporaryDir> outputDir;
-    std::unique_ptr<RecordingFixture> recording;
+    std::unique_ptr<RecordingOnDisk> recording;
     std::shared_ptr<DecoderScript> decoder;
     std::unique_ptr<KelPlaybackTrackManager> manager;
     KelExportRequest request;
@@ -103,16 +103,12 @@ void ExportSoundTest::init()
     temporary = std::make_unique<QTemporaryDir>();
     outputDir = std::make_unique<QTemporaryDir>();
     // The recording clock ticks every 33 ms at 30 fps: 4 s have 121 frames.
-    recording = std::make_unique<RecordingFixture>(121, 30);
-    recording->metadata.durationMs = 4'000;
-    recording->metadata.systemAudio = recording->metadata.microphoneAudio = true;
-    recording->save();
-    QVERIFY(QDir(recording->path()).mkdir("Voice"));
-    const QString voice = recording->path() + "/Voice/";
-    QVERIFY(
-        Sound::make(4.0, Sound::tone(kSystemHertz, 0.4, 1.5, 2.5)).save(voice + "system_audio_20260101_101010.wav"));
-    QVERIFY(Sound::make(4.0, Sound::tone(kMicrophoneHertz, 0.3), 44'100, 1)
-                .save(voice + "microphone_20260101_101010.wav", false));
+    recording = std::make_unique<RecordingOnDisk>();
+    recording->frames(121, 30)
+        .set(&KelRecordingMetadata::durationMs, qint64(4'000))
+        .sound("system_audio_20260101_101010.wav", Sound::make(4.0, Sound::tone(kSystemHertz, 0.4, 1.5, 2.5)).wav())
+        .sound("microphone_20260101_101010.wav",
+               Sound::make(4.0, Sound::tone(kMicrophoneHertz, 0.3), 44'100, 1).wav(false));
     setTemporaryPath(temporary->path());
     decoder = std::make_shared<DecoderScript>();
     decoder->frameCount = 121;
@@ -197,8 +193,7 @@ void ExportSoundTest::matchesPlayback_data()
     });
     row("no gain", 0.0, 0.3, [this] { PlaybackInternals::engine(*manager).voiceTrack()->setSystemAudioGain(0.0); });
     row("microphone not recorded", 0.4, 0.0, [this] {
-        recording->metadata.microphoneAudio = false;
-        recording->save();
+        recording->set(&KelRecordingMetadata::microphoneAudio, false);
         loadManager();
     });
     row("both muted", 0.0, 0.0, [this] {

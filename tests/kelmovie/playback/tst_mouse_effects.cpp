@@ -1,4 +1,4 @@
-#include "kelmovie/support/MouseFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 
 #include "playback/mouse/ClickList.h"
 #include "playback/mouse/ClickPlayer.h"
@@ -81,7 +81,7 @@ private slots:
     void pairsLikeNaiveSearch();
 
 private:
-    MouseFixture files;
+    RecordingOnDisk files;
 };
 
 void MouseEffectsTest::clickEffects()
@@ -195,11 +195,11 @@ void MouseEffectsTest::effects()
     QFETCH(QString, seeks);
     QFETCH(int, clickType);
     QFETCH(bool, pairsNearest);
-    files.write("clicks", MouseFixture::clicks(clicks));
+    files.clicks(clicks);
     ClickPlayer player;
     player.setClickType(clickType);
     player.setWheelType(1);
-    QVERIFY(player.load(files.filePath("clicks")));
+    QVERIFY(player.load(files.filePath("Mouse/mouseclicks-0.json")));
     if (pairsNearest)
         player.pairNearestReleases();
     for (const QString &seek : seeks.split(';')) {
@@ -256,17 +256,17 @@ void MouseEffectsTest::effectsInTime()
     QFETCH(int, clickType);
     for (const int fps : {20, 24, 60}) {
         QJsonArray records;
-        for (const QJsonValue &value : MouseFixture::clicks(clicks)) {
+        for (const QJsonValue &value : mouseClicks(clicks)) {
             QJsonObject record = value.toObject();
             record["timestamp"] = record["frame"].toInt() + 1;
             record["frame"] = record["frame"].toInt() * fps / 1000;
             records.append(record);
         }
-        files.write("clicks", records);
+        files.clicks(records);
         const RecordingTimeline timeline(10 * fps, fps, 10'000);
         ClickPlayer player;
         player.setWheelType(1);
-        QVERIFY(player.load(files.filePath("clicks")));
+        QVERIFY(player.load(files.filePath("Mouse/mouseclicks-0.json")));
         player.followTime(timeline);
         player.pairNearestReleases();
         const auto check = [&](const QString &seek) {
@@ -324,9 +324,9 @@ void MouseEffectsTest::pairsLikeNaiveSearch()
             }
             return next >= 0 && events[next].frame == events[click].frame ? next : -1;
         };
-        files.write("clicks", records);
+        files.clicks(records);
         ClickList list;
-        QVERIFY(list.load(files.filePath("clicks")));
+        QVERIFY(list.load(files.filePath("Mouse/mouseclicks-0.json")));
         std::pair<int, int> last{-100, 0};
         int seen = 0;
         for (const MouseClick &click : list.between(-100, 100)) {

@@ -1,4 +1,4 @@
-#include "kelmovie/support/KeyScript.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "support/LogCapture.h"
 #include "support/PaintedPart.h"
 #include "support/TestTable.h"
@@ -9,7 +9,6 @@
 #include "recording/RecordingTimeline.h"
 
 #include <QPainter>
-#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace kel;
@@ -53,7 +52,7 @@ class PlaybackKeyboardTrackTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { m_dir = std::make_unique<QTemporaryDir>(); }
+    void init() { m_recording = RecordingOnDisk(); }
 
     void readsInvalidFiles_data();
     void readsInvalidFiles();
@@ -69,13 +68,15 @@ private:
     std::unique_ptr<KelPlaybackKeyboardTrack> load(const QString &script, const QSize &canvas = kCanvas,
                                                    double scale = 1.0)
     {
-        writeKeyMeta(m_dir->path(), keyMetaFile(keyScript(script), canvas));
-        auto track = std::make_unique<KelPlaybackKeyboardTrack>(m_dir->path(), 1000, scale, QSize(), nullptr);
+        m_recording.size(canvas.width(), canvas.height()).frames(1000, 30).keys(script);
+        auto track = std::make_unique<KelPlaybackKeyboardTrack>(dir(), 1000, scale, QSize(), nullptr);
         track->setStyle(everything());
         return track;
     }
 
-    std::unique_ptr<QTemporaryDir> m_dir;
+    QString dir() const { return m_recording.filePath("Keyboard"); }
+
+    RecordingOnDisk m_recording;
 };
 
 void PlaybackKeyboardTrackTest::readsInvalidFiles_data()
@@ -117,9 +118,9 @@ void PlaybackKeyboardTrackTest::readsInvalidFiles()
     QFETCH(QString, log);
     QFETCH(int, entries);
 
-    writeKeyMeta(m_dir->path(), content);
+    m_recording.file("Keyboard/keyboard.keymeta", content);
     LogCapture capture;
-    KelPlaybackKeyboardTrack track(m_dir->path(), 50, 1.0, QSize(), nullptr);
+    KelPlaybackKeyboardTrack track(dir(), 50, 1.0, QSize(), nullptr);
     const QStringList lines = capture.take();
     QCOMPARE(lines.size(), log.isEmpty() ? 0 : 1);
     QVERIFY2(log.isEmpty() || lines.first().startsWith(log), qPrintable(lines.join('\n')));
@@ -131,9 +132,9 @@ void PlaybackKeyboardTrackTest::readsInvalidFiles()
         painted(track, kCanvas);
     }
 
-    QFile::remove(m_dir->filePath("keyboard.keymeta"));
-    const KelPlaybackKeyboardTrack missing(m_dir->path(), 50, 1.0, QSize(), nullptr);
-    const QString error = "KelPlaybackKeyboardTrack open meta file failed: " + m_dir->path();
+    m_recording.without("Keyboard/keyboard.keymeta");
+    const KelPlaybackKeyboardTrack missing(dir(), 50, 1.0, QSize(), nullptr);
+    const QString error = "KelPlaybackKeyboardTrack open meta file failed: " + dir();
     QCOMPARE(missing.errorString(), error);
     QCOMPARE(capture.take(), QStringList{"C " + error});
 }
@@ -258,8 +259,8 @@ void PlaybackKeyboardTrackTest::everyKeyIsDrawnInside()
     for (KeyRecord &record : records)
         record.key = modifierOfKey(shownKey(record.key)) || shownKey(record.key) == 0 ? Qt::Key_Up : record.key;
     const QSize canvas(300, 60);
-    writeKeyMeta(m_dir->path(), keyMetaFile(records, canvas));
-    KelPlaybackKeyboardTrack track(m_dir->path(), 100 * (int(records.size()) + 2), 1.0, QSize(), nullptr);
+    m_recording.size(300, 60).frames(1000, 30).keys(records);
+    KelPlaybackKeyboardTrack track(dir(), 100 * (int(records.size()) + 2), 1.0, QSize(), nullptr);
     KeyOverlayStyle style = everything();
     style.display.keepTimeSeconds = 1;
     track.setStyle(style);

@@ -1,4 +1,4 @@
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 
 #include "playback/PlaybackEngine.h"
@@ -26,7 +26,7 @@ private slots:
     void init()
     {
         script = std::make_shared<DecoderScript>();
-        recording = std::make_unique<RecordingFixture>(100);
+        recording = RecordingOnDisk();
         signalLog.clear();
         nowMs = 1'700'000'000'000;
     }
@@ -52,7 +52,7 @@ private:
         KelPlaybackDependencies dependencies;
         dependencies.nowMs = [this] { return nowMs; };
         dependencies.decoders = scriptedDecoders(script);
-        auto manager = PlaybackInternals::load(recording->path(), dependencies);
+        auto manager = PlaybackInternals::load(recording.path(), dependencies);
         const auto *m = manager.get();
         connect(m, &KelPlaybackTrackManager::sigFrameChanged, this,
                 [this](int frame) { signalLog.append(QString::number(frame)); });
@@ -87,7 +87,7 @@ private:
     }
 
     std::shared_ptr<DecoderScript> script;
-    std::unique_ptr<RecordingFixture> recording;
+    RecordingOnDisk recording;
     QStringList signalLog;
     qint64 nowMs = 0;
 };
@@ -121,25 +121,23 @@ void PlaybackManagerTest::loads()
 
     const QString setup = QTest::currentDataTag();
     if (setup == "killed") { // the video is ahead of its index
-        recording->writeIndexes(90, [](int i) { return i + 3; });
-        recording->metadata.complete = false;
-        recording->save();
+        recording.frames(90, 25, [](int i) { return i + 3; })
+            .set(&KelRecordingMetadata::durationMs, qint64(4'000))
+            .set(&KelRecordingMetadata::complete, false);
     } else if (setup == "no metadata")
-        recording->remove("TrackManager.meta");
+        recording.without("TrackManager.meta");
     else if (setup == "metadata is no object")
-        recording->write("TrackManager.meta", "[1, 2]");
+        recording.file("TrackManager.meta", "[1, 2]");
     else if (setup == "no duration")
-        recording->write("TrackManager.meta", R"({"fps": 25, "tracks": {"mouseTrack": false}})");
+        recording.file("TrackManager.meta", R"({"fps": 25, "tracks": {"mouseTrack": false}})");
     else if (setup == "no directory")
-        QDir(recording->path()).removeRecursively();
+        recording.without("");
     else if (setup == "no screen directory")
-        QDir(recording->screenDir()).removeRecursively();
+        recording.without("Screen");
     else if (setup == "broken video")
         script->validity = {false};
-    else if (setup == "no screen track") {
-        recording->metadata.screenTrack = false;
-        recording->save();
-    }
+    else if (setup == "no screen track")
+        recording.set(&KelRecordingMetadata::screenTrack, false);
     for (const QString &text : warnings)
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^" + QRegularExpression::escape(text)));
     for (const QString &text : criticals)
@@ -167,8 +165,8 @@ void PlaybackManagerTest::loads()
 
 void PlaybackManagerTest::survivesDamagedRecordings()
 {
-    const QByteArray validMetadata = readFile(recording->path() + "/TrackManager.meta");
-    const QByteArray validIndex = readFile(recording->screenDir() + "/frame_indexes.dat");
+    const QByteArray validMetadata = readFile(recording.filePath("TrackManager.meta"));
+    const QByteArray validIndex = readFile(recording.filePath("Screen/frame_indexes.dat"));
     QRandomGenerator random(4711);
     const auto damaged = [&](QByteArray bytes) {
         for (int i = random.bounded(1, 6); i > 0; --i)
@@ -177,8 +175,8 @@ void PlaybackManagerTest::survivesDamagedRecordings()
     };
     const QtMessageHandler loud = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     for (int round = 0; round < 400; ++round) {
-        recording->write("TrackManager.meta", damaged(validMetadata));
-        recording->write("Screen/frame_indexes.dat", damaged(validIndex));
+        recording.file("TrackManager.meta", damaged(validMetadata));
+        recording.file("Screen/frame_indexes.dat", damaged(validIndex));
         script->frameCount = random.bounded(-1, 200);
         script->failures = {{random.bounded(200), random.bounded(4)}};
         const auto manager = load();
@@ -299,7 +297,7 @@ void PlaybackManagerTest::endOfPlay()
 
 void PlaybackManagerTest::lateTimerDoesNotDrift()
 {
-    recording = std::make_unique<RecordingFixture>(2000, 24);
+    recording.frames(2000, 24);
     const auto manager = load();
     manager->play();
     qint64 elapsed = 0;
@@ -314,12 +312,10 @@ void PlaybackManagerTest::lateTimerDoesNotDrift()
 /// At nominally 25 frames a second, of which the clock lost every second one for a while.
 void PlaybackManagerTest::followsFrameTimes()
 {
-    std::vector<qint32> times{1, 100};
+    std::vector<qint32> times;
     for (int i = 0; i < 100; ++i)
         times.push_back(40 * (i + 1) + 40 * qBound(0, i - 20, 50));
-    recording->write("Screen/frame_times.dat", RecordingFixture::bigEndian(times));
-    recording->metadata.durationMs = 6'000;
-    recording->save();
+    recording.frameTimes(times);
     const auto manager = load();
     QCOMPARE(manager->lengthMs(), qint64(6'000));
     manager->setSpeed(2.0);

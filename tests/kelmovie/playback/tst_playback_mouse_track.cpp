@@ -1,5 +1,4 @@
-#include "kelmovie/support/MouseFixture.h"
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 
 #include "playback/PlaybackEngine.h"
@@ -69,14 +68,15 @@ private slots:
     void worksInRecording();
 
 private:
-    std::unique_ptr<MouseFixture> files;
+    QString dir() const { return recording.filePath("Mouse"); }
+
+    RecordingOnDisk recording;
 };
 
 void PlaybackMouseTrackTest::init()
 {
-    files = std::make_unique<MouseFixture>();
-    files->writeSquareCursor();
-    files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(1, 100, 50)});
+    recording = RecordingOnDisk();
+    recording.cursor().moves("1:100,50");
 }
 
 /// The hotspot is at the recorded position, and nothing is blurred.
@@ -84,8 +84,8 @@ void PlaybackMouseTrackTest::paintsPointerAtItsPixel()
 {
     // Device pixel ratios of image and target: normal, high resolution, a high-resolution image on a normal target.
     for (const auto &[imageRatio, deviceRatio] : {std::pair(1, 1), {2, 2}, {2, 1}}) {
-        files->writeSquareCursor(16, imageRatio);
-        KelPlaybackMouseTrack track(files->path(), nullptr);
+        recording.cursor(16, imageRatio);
+        KelPlaybackMouseTrack track(dir(), nullptr);
         QCOMPARE(track.errorString(), QString());
         track.seekToFrame(0); // before the first move
         QCOMPARE(partOf(paint(track)), QRect());
@@ -121,9 +121,8 @@ void PlaybackMouseTrackTest::hiddenPointer()
                           {"no position", {-1, -1}, "move", false, false},
                           {"hidden", {10, 10}, "hide", false, false},
                           {"unknown action", {10, 10}, "jump", true, true}}) {
-        files->write("mousemoves-0.json",
-                     QJsonArray{MouseFixture::move(0, c.place.x(), c.place.y(), "square", c.action)});
-        KelPlaybackMouseTrack track(files->path(), nullptr);
+        recording.moves({mouseMove(0, c.place.x(), c.place.y(), c.action)});
+        KelPlaybackMouseTrack track(dir(), nullptr);
         track.seekToFrame(0);
         QVERIFY2(partOf(paint(track, {2100, 1600})).isEmpty() != c.isShown, c.name);
         KelPlaybackRules rules;
@@ -138,8 +137,8 @@ void PlaybackMouseTrackTest::hiddenPointer()
 /// With the default settings of a track, a click is visible.
 void PlaybackMouseTrackTest::pressedPointer()
 {
-    files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
-    KelPlaybackMouseTrack track(files->path(), nullptr);
+    recording.clicks("2 left down, 40 left up");
+    KelPlaybackMouseTrack track(dir(), nullptr);
     for (int frame = 0; frame <= 10; ++frame)
         track.seekToFrame(frame);
     // 16 pixels at 4/5, about the pointer: from 2 left and 3 above.
@@ -153,11 +152,11 @@ void PlaybackMouseTrackTest::pressedPointer()
 void PlaybackMouseTrackTest::effectsAroundThePointer()
 {
     // Away from the clicks at (100, 50). Long effects follow the pointer.
-    files->write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, 220, 150)});
+    recording.moves("0:220,150");
     const QRect pointer(218, 147, 16, 16);
     const auto partWith = [&](const QString &clicks, auto set) {
-        files->write("mouseclicks-0.json", MouseFixture::clicks(clicks));
-        KelPlaybackMouseTrack track(files->path(), nullptr);
+        recording.clicks(clicks);
+        KelPlaybackMouseTrack track(dir(), nullptr);
         track.setClickType(5);
         track.setWheelType(1);
         track.setEffectColor(Qt::magenta);
@@ -204,7 +203,7 @@ void PlaybackMouseTrackTest::badFiles_data()
     const QStringList noMoves{"W Failed to load mouse moves", failed};
     const QStringList noCursors{"W Failed to load cursor types", failed};
     const QStringList noClicks{"W Failed to load mouse clicks"};
-    const QByteArray whole = QJsonDocument(QJsonArray{MouseFixture::move(0, 1, 1)}).toJson();
+    const QByteArray whole = QJsonDocument(QJsonArray{mouseMove(0, 1, 1)}).toJson();
 
     row("moves missing", moves, {}, {failed});
     row("moves empty", moves, "", noMoves);
@@ -237,11 +236,11 @@ void PlaybackMouseTrackTest::badFiles()
     QFETCH(QString, name);
     QFETCH(QByteArray, content);
     QFETCH(QStringList, log);
-    QFile::remove(files->filePath(name));
+    recording.without("Mouse/" + name);
     if (!content.isNull())
-        files->write(name, content);
+        recording.file("Mouse/" + name, content);
     LogCapture capture;
-    KelPlaybackMouseTrack track(files->path(), nullptr);
+    KelPlaybackMouseTrack track(dir(), nullptr);
     QCOMPARE(capture.take(), log);
     const bool isUsable = log.isEmpty() || log.last().startsWith("W");
     QCOMPARE(track.errorString(), isUsable ? QString() : QString("Failed to load mouse track JSON data"));
@@ -254,21 +253,21 @@ void PlaybackMouseTrackTest::badFiles()
 
 void PlaybackMouseTrackTest::badCursors()
 {
-    const QString dir = files->filePath("cursors/");
-    QVERIFY(QFile::copy(dir + "square.png", files->filePath("outside.png")));
-    QVERIFY(QFile::link(files->filePath("outside.png"), dir + "link.png"));
-    QCOMPARE(QProcess::execute("mkfifo", {dir + "pipe.png"}), 0);
-    QVERIFY(QImage(8, 8, QImage::Format_RGB32).save(dir + "bitmap.bmp"));
-    QVERIFY(QImage(2000, 8, QImage::Format_RGB32).save(dir + "large.png"));
-    files->write("cursors/text.png", "text");
-    files->write("cursors/huge.png", hugePng());
+    const QString cursors = recording.filePath("Mouse/cursors/");
+    QVERIFY(QFile::copy(cursors + "square.png", recording.filePath("Mouse/outside.png")));
+    QVERIFY(QFile::link(recording.filePath("Mouse/outside.png"), cursors + "link.png"));
+    QCOMPARE(QProcess::execute("mkfifo", {cursors + "pipe.png"}), 0);
+    QVERIFY(QImage(8, 8, QImage::Format_RGB32).save(cursors + "bitmap.bmp"));
+    QVERIFY(QImage(2000, 8, QImage::Format_RGB32).save(cursors + "large.png"));
+    recording.file("Mouse/cursors/text.png", "text");
+    recording.file("Mouse/cursors/huge.png", hugePng());
     for (const QString image : {"missing.png", "", ".", "../outside.png", "link.png", "pipe.png", "bitmap.bmp",
                                 "text.png", "huge.png", "large.png"}) {
-        files->writeCursorList(image);
+        recording.cursorList(image);
         LogCapture log;
-        KelPlaybackMouseTrack track(files->path(), nullptr);
+        KelPlaybackMouseTrack track(dir(), nullptr);
         QCOMPARE(track.errorString(), QString());
-        QCOMPARE(log.take(), QStringList("W Failed to load cursor image: \"" + dir + image + '"'));
+        QCOMPARE(log.take(), QStringList("W Failed to load cursor image: \"" + cursors + image + '"'));
         track.seekToFrame(1);
         QCOMPARE(log.take(), QStringList("W Cursor type not found: \"square\""));
         QCOMPARE(partOf(paint(track)), QRect());
@@ -281,8 +280,8 @@ void PlaybackMouseTrackTest::paintsExtremeValues()
     QJsonArray moves, clicks;
     for (int value : {kMost, -kMost, -2, 0}) {
         const int frame = moves.size();
-        moves.append(MouseFixture::move(frame, -2, value));
-        moves.append(MouseFixture::move(frame, value, -2));
+        moves.append(mouseMove(frame, -2, value));
+        moves.append(mouseMove(frame, value, -2));
         for (int i = 0; i < 1000; ++i) {
             clicks.append(QJsonObject{{"frame", frame},
                                       {"x", value},
@@ -292,10 +291,10 @@ void PlaybackMouseTrackTest::paintsExtremeValues()
                                       {"button", "left"}});
         }
     }
-    files->write("mousemoves-0.json", moves);
-    files->write("mouseclicks-0.json", clicks);
-    files->writeCursorList("square.png", 1e-300);
-    KelPlaybackMouseTrack track(files->path(), nullptr);
+    recording.moves(moves);
+    recording.clicks(clicks);
+    recording.cursorList("square.png", 1e-300);
+    KelPlaybackMouseTrack track(dir(), nullptr);
     track.setWheelType(1);
     const RecordingTimeline timeline(5, 30, 1);
     for (const KelPlaybackRules &rules : {KelPlaybackRules(), KelPlaybackRules::recommended()}) {
@@ -324,11 +323,11 @@ void PlaybackMouseTrackTest::findsLikeNaiveSearch()
         for (int i = random.bounded(40); i > 0; --i) {
             frames.append(step == 3 ? random.bounded(-5, 30)
                                     : frames.value(frames.size() - 1) + random.bounded(-1, step));
-            records.append(MouseFixture::move(frames.last(), records.size(), 0));
+            records.append(mouseMove(frames.last(), records.size(), 0));
         }
-        files->write("mousemoves-0.json", records);
+        recording.moves(records);
         PointerList list;
-        QVERIFY(list.load(files->filePath("mousemoves-0.json")));
+        QVERIFY(list.load(recording.filePath("Mouse/mousemoves-0.json")));
         for (int frame = -8; frame < 90; ++frame) {
             int index = frames.size() - 1;
             while (index >= 0 && frames[index] > frame)
@@ -345,11 +344,8 @@ void PlaybackMouseTrackTest::findsLikeNaiveSearch()
 
 void PlaybackMouseTrackTest::worksInRecording()
 {
-    RecordingFixture recording;
-    recording.metadata.mouseTrack = true;
-    recording.metadata.recordArea = QRect(0, 0, 300, 200);
-    recording.save();
-    const QString dir = recording.path() + "/Mouse";
+    recording = RecordingOnDisk();
+    recording.size(300, 200).set(&KelRecordingMetadata::mouseTrack, true);
     KelPlaybackDependencies dependencies;
     dependencies.nowMs = [] { return 0; };
     auto script = std::make_shared<DecoderScript>();
@@ -357,10 +353,9 @@ void PlaybackMouseTrackTest::worksInRecording()
     dependencies.decoders = scriptedDecoders(script);
     LogCapture log;
     QCOMPARE(PlaybackInternals::load(recording.path(), dependencies)->trackNames(), {"ScreenTrack"});
-    QCOMPARE(log.take(), QStringList("W Mouse track enabled but directory not found: \"" + dir + '"'));
+    QCOMPARE(log.take(), QStringList("W Mouse track enabled but directory not found: \"" + dir() + '"'));
 
-    files->write("mouseclicks-0.json", MouseFixture::clicks("2 left down, 40 left up"));
-    QVERIFY(QDir().rename(files->path(), dir));
+    recording.cursor().moves("1:100,50").clicks("2 left down, 40 left up");
     gKelMovieConfig.playbackMouseClickEffect = 6; // its effect is the size of the pointer
     auto manager = PlaybackInternals::load(recording.path(), dependencies);
     QCOMPARE(manager->trackNames(), QStringList({"ScreenTrack", "MouseTrack"}));
@@ -407,8 +402,7 @@ void PlaybackMouseTrackTest::worksInRecording()
     manager->seek(6);
     QCOMPARE(pointerWidth(), width);
 
-    MouseFixture(dir).write("mouseclicks-0.json",
-                            MouseFixture::clicks("2 left down, 2 left up, 60 left down, 60 left up"));
+    recording.clicks("2 left down, 2 left up, 60 left down, 60 left up");
     for (const bool pairsNearest : {false, true}) {
         rules.pairsNearestRelease = pairsNearest;
         manager = PlaybackInternals::load(recording.path(), dependencies, rules);
@@ -418,7 +412,7 @@ void PlaybackMouseTrackTest::worksInRecording()
         QCOMPARE(pointerWidth() < 16, !pairsNearest);
     }
 
-    writeFile(dir + "/mousemoves-0.json", "[");
+    recording.file("Mouse/mousemoves-0.json", "[");
     const auto damaged = PlaybackInternals::load(recording.path(), dependencies);
     QCOMPARE(damaged->trackNames(), QStringList("ScreenTrack"));
     QCOMPARE(damaged->totalFrames(), 100);

@@ -1,4 +1,4 @@
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 
 #include "playback/tracks/KelPlaybackScreenTrack.h"
@@ -21,7 +21,8 @@ private slots:
     void init()
     {
         script = std::make_shared<DecoderScript>();
-        recording = std::make_unique<RecordingFixture>(10);
+        recording = RecordingOnDisk();
+        recording.frames(10);
     }
 
     void readsIndexTable_data();
@@ -39,7 +40,7 @@ private slots:
 private:
     std::unique_ptr<KelPlaybackScreenTrack> makeTrack(double ratio = 1.0, bool preferHardware = false)
     {
-        return std::make_unique<KelPlaybackScreenTrack>(ratio, recording->screenDir(), preferHardware,
+        return std::make_unique<KelPlaybackScreenTrack>(ratio, recording.filePath("Screen"), preferHardware,
                                                         scriptedDecoders(script), nullptr);
     }
 
@@ -60,14 +61,14 @@ private:
     }
 
     std::shared_ptr<DecoderScript> script;
-    std::unique_ptr<RecordingFixture> recording;
+    RecordingOnDisk recording;
 };
 
 void PlaybackScreenTrackTest::readsIndexTable_data()
 {
     const TestTable<QByteArray, std::vector<int>, QString> row("file", "entries", "log");
 
-    const auto table = [](std::initializer_list<qint32> values) { return RecordingFixture::bigEndian(values); };
+    const auto table = [](std::initializer_list<qint32> values) { return RecordingOnDisk::bigEndian(values); };
     row("plain", table({1, 3, -1, 0, 7}), {-1, 0, 7}, "");
     row("bytes after the last entry", table({1, 1, 4, 5}), {4}, "");
     row("short by one and a half", table({1, 4, 1, 2, 3}).chopped(2), {1, 2, 0, 0}, "");
@@ -88,11 +89,11 @@ void PlaybackScreenTrackTest::readsIndexTable()
     QFETCH(std::vector<int>, entries);
     QFETCH(QString, log);
 
-    recording->write("Screen/frame_indexes.dat", file);
+    recording.file("Screen/frame_indexes.dat", file);
     if (!log.isEmpty())
         expectLog(QtCriticalMsg, log);
     std::vector<int> read{99};
-    QCOMPARE(readFrameIndex(recording->screenDir(), read), log.isEmpty());
+    QCOMPARE(readFrameIndex(recording.filePath("Screen"), read), log.isEmpty());
     QCOMPARE(read, entries);
 }
 
@@ -126,11 +127,11 @@ void PlaybackScreenTrackTest::construction()
 
     const QStringList words = setup.split(' ');
     if (words.contains("mkv"))
-        recording->write("Screen/screen_record.mkv", "video");
+        recording.file("Screen/screen_record.mkv", "video");
     if (words.contains("noindex"))
-        recording->remove("Screen/frame_indexes.dat");
+        recording.without("Screen/frame_indexes.dat");
     if (words.contains("novideo"))
-        recording->remove("Screen/screen_record.mp4");
+        recording.without("Screen/screen_record.mp4");
     script->ffv1Supported = words.contains("ffv1");
     script->h264Supported = !words.contains("noh264");
     if (words.contains("invalid"))
@@ -156,7 +157,7 @@ void PlaybackScreenTrackTest::construction()
 void PlaybackScreenTrackTest::mapsLogicFrames()
 {
     const std::vector<int> table{-1, 0, 7, 8, 5000, 3, 9, 10, 11, 42};
-    recording->writeIndexes(10, [&](int i) { return table[i]; });
+    recording.frames(10, 25, [&](int i) { return table[i]; });
     struct Case {
         int frame;
         int shown;
@@ -174,7 +175,7 @@ void PlaybackScreenTrackTest::mapsLogicFrames()
 
 void PlaybackScreenTrackTest::decodesVideoFrameOnce()
 {
-    recording->writeIndexes(10, [](int i) { return i / 4; });
+    recording.frames(10, 25, [](int i) { return i / 4; });
     const auto track = makeTrack();
     QCOMPARE(shownFrame(*track), -1);
     QCOMPARE(painted(*track).pixel(63, 47), QColor(Qt::black).rgb());
@@ -214,7 +215,7 @@ void PlaybackScreenTrackTest::recoversFromFailingFrame()
     QFETCH(int, shown);
 
     if (setup.startsWith("ffv1")) {
-        recording->write("Screen/screen_record.mkv", "video");
+        recording.file("Screen/screen_record.mkv", "video");
         script->ffv1Supported = true;
     }
     script->validity = validity;

@@ -1,6 +1,6 @@
 // Records what a sound server plays during playback.
 
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "support/LogCapture.h"
 #include "support/Sound.h"
@@ -82,21 +82,16 @@ private slots:
 private:
     std::unique_ptr<KelPlaybackTrackManager> load()
     {
-        recording = std::make_unique<RecordingFixture>(60 * 25);
-        recording->metadata.systemAudio = true;
-        recording->save();
-        QDir(recording->path()).mkdir("Voice");
         const Sound sound = Sound::make(
             60, [](double t) { return 0.5 * std::sin(2 * M_PI * (t < 30 ? 400 : 1000) * t); }, 44'100,
             1); // the device has another rate
-        if (!sound.save(recording->path() + "/Voice/system_audio_1.wav", false))
-            qFatal("cannot write the sound");
+        recording.frames(60 * 25).sound("system_audio_1.wav", sound.wav(false));
         KelPlaybackDependencies dependencies = KelPlaybackDependencies::real();
         dependencies.decoders = scriptedDecoders(std::make_shared<DecoderScript>());
-        return PlaybackInternals::load(recording->path(), dependencies);
+        return PlaybackInternals::load(recording.path(), dependencies);
     }
 
-    std::unique_ptr<RecordingFixture> recording;
+    RecordingOnDisk recording;
 };
 
 void PlaybackSoundTest::plays()

@@ -1,4 +1,4 @@
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedAudioSink.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "kelmovie/support/SoundFile.h"
@@ -47,15 +47,14 @@ private slots:
 private:
     void record(int frames, int fps, int soundMs)
     {
-        recording = std::make_unique<RecordingFixture>(frames, fps);
-        recording->metadata.durationMs = soundMs;
-        recording->metadata.systemAudio = recording->metadata.microphoneAudio = true;
-        recording->save();
-        QDir(recording->path()).mkdir("Voice");
+        recording = std::make_unique<RecordingOnDisk>();
+        recording->frames(frames, fps)
+            .set(&KelRecordingMetadata::durationMs, qint64(soundMs))
+            .set(&KelRecordingMetadata::systemAudio, true);
     }
     void addSound(const QString &name, int ms)
     {
-        recording->write("Voice/" + name, SoundFile::numbered(kRate, int(qint64(kRate) * ms / 1000)));
+        recording->sound(name, SoundFile::numbered(kRate, int(qint64(kRate) * ms / 1000)));
     }
     std::unique_ptr<KelPlaybackTrackManager> load()
     {
@@ -91,7 +90,7 @@ private:
 
     std::shared_ptr<SoundScript> sound;
     std::shared_ptr<DecoderScript> decoders;
-    std::unique_ptr<RecordingFixture> recording;
+    std::unique_ptr<RecordingOnDisk> recording;
     qint64 nowMs = 0;
 };
 
@@ -238,8 +237,7 @@ void PlaybackVoiceTest::twoSources()
 void PlaybackVoiceTest::appliesSettingsAtOnce()
 {
     record(500, 25, 20'000);
-    recording->write("Voice/system_audio_1.wav",
-                     SoundFile::wav(kRate, 16, QByteArray("\0\x10", 2).repeated(kRate * 20)));
+    recording->sound("system_audio_1.wav", SoundFile::wav(kRate, 16, QByteArray("\0\x10", 2).repeated(kRate * 20)));
     const auto manager = load();
     const KelAmplifiedAudioPlayer *player = players(*manager).first();
     QVERIFY(PlaybackInternals::engine(*manager).voiceTrack()->hasSystemAudio() &&
@@ -344,7 +342,7 @@ void PlaybackVoiceTest::findsFiles()
     record(100, 25, 4000);
     for (int i = 0; i < names.size(); ++i) {
         if (names[i].contains("bad"))
-            recording->write("Voice/" + names[i], "no sound");
+            recording->sound(names[i], "no sound");
         else
             addSound(names[i], (i + 1) * 1000);
         QFile file(recording->path() + "/Voice/" + names[i]);

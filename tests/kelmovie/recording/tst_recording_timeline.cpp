@@ -1,4 +1,4 @@
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/SoundFile.h"
 #include "playback/TimelineLoader.h"
 #include "recording/FrameTableWriter.h"
@@ -103,18 +103,19 @@ void RecordingTimelineTest::loads()
     QFETCH(qint64, durationMs);
     QFETCH(double, lastAppearance);
 
-    RecordingFixture recording(4);
-    recording.metadata.complete = isComplete;
-    recording.metadata.durationMs = metadataMs;
+    RecordingOnDisk recording;
+    recording.frames(4)
+        .set(&KelRecordingMetadata::complete, isComplete)
+        .set(&KelRecordingMetadata::durationMs, metadataMs);
     FrameTableWriter file(KelRecordingFiles::frameTimesPath(recording.path()));
     QVERIFY(times.empty() || file.update(times));
     if (QTest::currentDataTag() == QString("killed, sound is last"))
-        recording.write("Voice/microphone_20260101_000000.wav", SoundFile::numbered(1000, 1000));
-    const RecordingTimeline timeline = loadTimeline(recording.path(), recording.metadata, 4, true);
+        recording.sound("microphone_20260101_000000.wav", SoundFile::numbered(1000, 1000));
+    const RecordingTimeline timeline = loadTimeline(recording.path(), recording.metadata(), 4, true);
     QCOMPARE(timeline.totalFrames(), 4);
     QCOMPARE(timeline.durationMs(), durationMs);
     QCOMPARE(timeline.msOf(3), lastAppearance);
-    QVERIFY(!loadTimeline(recording.path(), recording.metadata, 4, false).hasTimes());
+    QVERIFY(!loadTimeline(recording.path(), recording.metadata(), 4, false).hasTimes());
 }
 
 QTEST_APPLESS_MAIN(RecordingTimelineTest)

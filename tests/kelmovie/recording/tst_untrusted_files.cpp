@@ -1,4 +1,4 @@
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "kelmovie/support/SoundFile.h"
 #include "playback/PlaybackInternals.h"
@@ -35,7 +35,7 @@ void UntrustedFilesTest::readsOrdinaryFilesOnly_data()
 {
     // Null content: as the fixture writes it.
     const TestTable<QString, QByteArray, Read> row("name", "content", "read");
-    const QByteArray one = RecordingFixture::bigEndian({1, 1, 0});
+    const QByteArray one = RecordingOnDisk::bigEndian({1, 1, 0});
     row("metadata", "TrackManager.meta", {}, [](const QString &dir) {
         KelRecordingMetadata metadata;
         return KelRecordingMetadata::load(dir, &metadata);
@@ -73,9 +73,9 @@ void UntrustedFilesTest::readsOrdinaryFilesOnly()
     QFETCH(QString, name);
     QFETCH(QByteArray, content);
     QFETCH(Read, read);
-    RecordingFixture recording;
+    RecordingOnDisk recording;
     if (!content.isNull())
-        recording.write(name, content);
+        recording.file(name, content);
     const QString path = recording.path() + '/' + name;
     QVERIFY(read(recording.path()));
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "kelmovie/support/KeyScript.h"
-#include "kelmovie/support/MouseFixture.h"
-#include "kelmovie/support/RecordedVideo.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 
 #include <KelMovie/KelMovieConfig.h>
 
@@ -21,17 +19,13 @@ public:
 
     ExportScene()
     {
-        m_recording.metadata.recordArea = QRect(10, 20, Side, Side);
-        m_recording.metadata.mouseTrack = m_recording.metadata.keyboardTrack = true;
-        m_recording.save();
-        m_recording.writeIndexes(LogicFrames, [](int i) { return i < 3 ? -1 : videoFrameAt(i); });
-        writeVideo(m_recording, VideoFrames, image);
-        m_mouse.writeSquareCursor();
-        m_mouse.write("mousemoves-0.json", QJsonArray{MouseFixture::move(0, 20, 30), MouseFixture::move(4, 30, 40),
-                                                      MouseFixture::move(5, 50, 60)});
-        m_mouse.write("mouseclicks-0.json", MouseFixture::clicks("8 left down, 9 left up"));
-        writeKeyMeta(m_recording.path() + "/Keyboard",
-                     keyMetaFile(keyScript("20:+Control 22:+C 24:-C 25:-Control"), QSize(Side, Side), Fps));
+        m_recording.area(QRect(10, 20, Side, Side))
+            .frames(LogicFrames, Fps, [](int i) { return i < 3 ? -1 : videoFrameAt(i); })
+            .video(VideoFrames, image)
+            .cursor()
+            .moves("0:20,30 4:30,40 5:50,60")
+            .clicks("8 left down, 9 left up")
+            .keys("20:+Control 22:+C 24:-C 25:-Control");
         gKelMovieConfig.playbackProgressEnable = true;
         gKelMovieConfig.playbackProgressDisplayMode = 1;
         gKelMovieConfig.playbackProgressGapTime = 500;
@@ -39,7 +33,7 @@ public:
     ~ExportScene() { gKelMovieConfig = {}; }
 
     QString path() const { return m_recording.path(); }
-    QString videoPath() const { return m_recording.screenDir() + "/screen_record.mp4"; }
+    QString videoPath() const { return m_recording.filePath("Screen/screen_record.mp4"); }
 
     /// A video frame: its own color, with a black square at its own position.
     static QImage image(int videoFrame)
@@ -52,6 +46,5 @@ public:
     static int videoFrameAt(int logicFrame) { return qBound(0, logicFrame / 3 - 1, VideoFrames - 1); }
 
 private:
-    RecordingFixture m_recording{LogicFrames, Fps};
-    MouseFixture m_mouse{m_recording.path() + "/Mouse"};
+    RecordingOnDisk m_recording;
 };

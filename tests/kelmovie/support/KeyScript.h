@@ -1,9 +1,7 @@
 #pragma once
 
 #include "recording/input/KeyLogReader.h"
-#include "support/Files.h"
 
-#include <QHash>
 #include <QMetaEnum>
 #include <QString>
 #include <QStringList>
@@ -41,9 +39,4 @@ inline QByteArray keyMetaFile(const std::vector<kel::KeyRecord> &records, const 
     QByteArray bytes(int(words.size() * sizeof(qint32)), Qt::Uninitialized);
     qToLittleEndian<qint32>(words.data(), qsizetype(words.size()), bytes.data());
     return bytes.replace(0, 4, "KELK");
-}
-
-inline void writeKeyMeta(const QString &trackDir, const QByteArray &content)
-{
-    writeFile(trackDir + "/keyboard.keymeta", content);
 }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "kelmovie/support/KeyScript.h"
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 
 #include "playback/PlaybackEngine.h"
@@ -20,24 +19,13 @@ public:
 
     OverlayRecording()
     {
-        m_files.metadata.recordArea = QRect(0, 0, 640, 360);
-        m_files.metadata.keyboardTrack = m_files.metadata.mouseTrack = true;
-        m_files.save();
-        writeKeyMeta(m_files.path() + "/Keyboard",
-                     keyMetaFile(keyScript("98:+Return 99:+Control 100:+C 101:-C 102:-Control "
-                                           "195:+A 196:+B 197:+C 198:+D 199:+E 200:+F"),
-                                 QSize(640, 360)));
-        QDir().mkpath(m_files.path() + "/Mouse/cursors");
-        QImage cursor(16, 16, QImage::Format_ARGB32);
-        cursor.fill(Qt::white);
-        cursor.save(m_files.path() + "/Mouse/cursors/arrow.png");
-        m_files.write("Mouse/cursor.json", R"({"cursors": [{"id": "arrow", "image": "arrow.png"}]})");
-        m_files.write("Mouse/mousemoves-0.json",
-                      R"([{"frame": 0, "x": 400, "y": 100, "cursor": "arrow", "timestamp": 1}])");
-        m_files.write("Mouse/mouseclicks-0.json", R"([
-        {"frame": 5, "x": 400, "y": 100, "action": "click", "button": "left", "timestamp": 200},
-        {"frame": 7, "x": 400, "y": 100, "action": "release", "button": "left", "timestamp": 280},
-        {"frame": 300, "x": 400, "y": 100, "action": "wheel", "button": "wheel", "delta": 120, "timestamp": 9000}])");
+        m_files.size(640, 360)
+            .frames(400)
+            .keys("98:+Return 99:+Control 100:+C 101:-C 102:-Control "
+                  "195:+A 196:+B 197:+C 198:+D 199:+E 200:+F")
+            .cursor()
+            .moves("0:400,100")
+            .clicks(mouseClicks("5 left down, 7 left up, 300 wheel 120", QPoint(400, 100)));
     }
 
     std::unique_ptr<KelPlaybackTrackManager> load() const
@@ -50,7 +38,7 @@ public:
     /// The composed current frame, without the corner of the scripted video, whose color encodes the frame number.
     QImage image(KelPlaybackTrackManager &manager) const
     {
-        QImage image(m_files.metadata.recordArea.size(), QImage::Format_ARGB32_Premultiplied);
+        QImage image(m_files.metadata().recordArea.size(), QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::gray);
         QPainter painter(&image);
         manager.paint(&painter);
@@ -67,5 +55,5 @@ public:
 
 private:
     std::shared_ptr<DecoderScript> m_script = std::make_shared<DecoderScript>();
-    RecordingFixture m_files{400};
+    RecordingOnDisk m_files;
 };

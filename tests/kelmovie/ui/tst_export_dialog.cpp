@@ -1,4 +1,4 @@
-#include "kelmovie/support/RecordingFixture.h"
+#include "kelmovie/support/RecordingOnDisk.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "kelmovie/support/ScriptedEncoder.h"
 
@@ -59,7 +59,7 @@ private:
         timer->start(5);
     }
 
-    RecordingFixture m_recording{50};
+    RecordingOnDisk m_recording;
     std::shared_ptr<EncoderScript> m_encoder;
     std::shared_ptr<DecoderScript> m_decoder;
     std::unique_ptr<KelPlaybackTrackManager> m_manager;
@@ -75,6 +75,7 @@ void ExportDialogTest::init()
     dependencies.nowMs = [] { return 0; };
     m_decoder = std::make_shared<DecoderScript>();
     dependencies.decoders = scriptedDecoders(m_decoder);
+    m_recording.frames(50);
     m_manager = PlaybackInternals::load(m_recording.path(), dependencies);
     m_manager->seek(7);
     m_exitChoices.clear();

@@ -1,5 +1,7 @@
 #include "common/PngFile.h"
 
+#include "files/WriteAll.h"
+
 #include <QBuffer>
 #include <QImageWriter>
 #include <QSaveFile>
@@ -14,12 +16,5 @@ QString savePng(const QImage &image, const QString &path)
     // Unbuffered: QSaveFile does not notice when the disk is too full for what it has buffered.
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return file.errorString();
-    const QByteArray &bytes = png.data();
-    for (qint64 written = 0; written < bytes.size();) {
-        const qint64 more = file.write(bytes.constData() + written, bytes.size() - written); // may be a part
-        if (more <= 0)
-            return file.errorString();
-        written += more;
-    }
-    return file.commit() ? QString() : file.errorString();
+    return kel::writeAll(file, png.data()) && file.commit() ? QString() : file.errorString();
 }

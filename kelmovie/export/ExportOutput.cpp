@@ -1,7 +1,7 @@
 #include "export/ExportOutput.h"
 
 #include "files/RenameOver.h"
-#include "recording/FileWriting.h"
+#include "files/WriteAll.h"
 #include "recording/KelRecordingFiles.h"
 #include "recording/KelRecordingMetadata.h"
 

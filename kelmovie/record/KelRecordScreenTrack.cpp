@@ -1,6 +1,5 @@
 #include "record/KelRecordScreenTrack.h"
 
-#include "avcodec/mp4/KelAsyncEncoder.h"
 #include "geometry/ScreenGeometry.h"
 #include "logging/Log.h"
 #include "recording/KelRecordingFiles.h"
@@ -21,10 +20,10 @@ QString videoPath(const QString &trackDir)
     return KelRecordingFiles::path(trackDir, KelRecordingFiles::kVideo);
 }
 
-std::unique_ptr<KelAsyncEncoder> createEncoder(const QRect &area, const QString &trackDir, int quality)
+KelAsyncEncoder::Params encoderParams(const QSize &frameSize, const QString &trackDir, int quality)
 {
     KelAsyncEncoder::Params params;
-    params.frameSize = kel::physicalRect(area).size();
+    params.frameSize = frameSize;
     params.inputFormat = QImage::Format_ARGB32_Premultiplied;
     params.path = videoPath(trackDir);
     params.fps = kStreamFps;
@@ -33,7 +32,7 @@ std::unique_ptr<KelAsyncEncoder> createEncoder(const QRect &area, const QString 
     params.keyframeInterval = 10;
     params.keyframeIntervalMin = 10;
     params.queueCapacity = 4;
-    return std::make_unique<KelAsyncEncoder>(params);
+    return params;
 }
 
 /// Makes a protected function of QThread accessible.
@@ -44,22 +43,22 @@ struct TerminationSwitch : QThread {
 
 KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int, int quality)
     : KelRecordScreenTrack(
-          recordArea, trackDir,
+          recordArea, trackDir, quality,
           std::unique_ptr<KelScreenStreamer>(KelScreenManager::instance()->createScreenStreamer(recordArea)),
-          createEncoder(recordArea, trackDir, quality))
+          [](const KelAsyncEncoder::Params &params) { return std::make_unique<KelAsyncEncoder>(params); })
 {
 }
 
-KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir,
+KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int quality,
                                            std::unique_ptr<KelScreenStreamer> streamer,
-                                           std::unique_ptr<KelAsyncEncoder> encoder)
+                                           const EncoderFactory &createEncoder)
     : KelRecordTrack(recordArea, trackDir)
     , m_frameSize(kel::physicalRect(recordArea).size())
     , m_videoPath(videoPath(trackDir))
     , m_indexFile(KelRecordingFiles::path(trackDir, KelRecordingFiles::kFrameIndex))
     , m_frame(recordArea.size(), QImage::Format_ARGB32_Premultiplied)
     , m_streamer(std::move(streamer))
-    , m_encoder(std::move(encoder))
+    , m_encoder(createEncoder(encoderParams(m_frameSize, trackDir, quality)))
 {
     setObjectName(KelTrackNames::kScreen);
     reportStreamerFailure();

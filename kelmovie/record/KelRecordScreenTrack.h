@@ -1,5 +1,6 @@
 #pragma once
 
+#include "avcodec/mp4/KelAsyncEncoder.h"
 #include "record/KelRecordTrack.h"
 #include "recording/FrameTableWriter.h"
 
@@ -7,10 +8,10 @@
 #include <QSize>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <vector>
 
-class KelAsyncEncoder;
 class KelScreenStreamer;
 
 /// Records the screen rectangle as "screen_record.mp4" and, in "frame_indexes.dat", the video frame to show at each
@@ -23,10 +24,12 @@ public:
     /// `quality`: 0 to 100. The third argument is ignored.
     KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int, int quality);
 
+    using EncoderFactory = std::function<std::unique_ptr<KelAsyncEncoder>(const KelAsyncEncoder::Params &)>;
+
     /// Uses the given streamer and encoder instead of the real ones. Without an encoder, frames are captured but not
     /// encoded.
-    KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, std::unique_ptr<KelScreenStreamer> streamer,
-                         std::unique_ptr<KelAsyncEncoder> encoder);
+    KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int quality,
+                         std::unique_ptr<KelScreenStreamer> streamer, const EncoderFactory &createEncoder);
 
     ~KelRecordScreenTrack() override;
 

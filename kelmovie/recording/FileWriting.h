@@ -4,14 +4,9 @@
 #include <QString>
 
 class QFile;
-class QIODevice;
 
 namespace kel
 {
-
-/// Writes all of `bytes` to an unbuffered device. False when that fails; the device then has the error. Writes the rest
-/// after a partial write, because a disk that fills up reports its error only with the next write.
-bool writeAll(QIODevice &device, const QByteArray &bytes);
 
 /// Creates a file for its owner only, in place of an earlier one or a link. Returns a null string on success, otherwise
 /// an error text in English; there is no file then.

@@ -1,6 +1,6 @@
 #include "recording/FrameTableWriter.h"
 
-#include "recording/FileWriting.h"
+#include "files/WriteAll.h"
 #include "recording/FrameTableFormat.h"
 
 #include <QDataStream>

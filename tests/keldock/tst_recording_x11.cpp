@@ -1,6 +1,7 @@
 #include "keldock/RecordedScene.h"
 #include "support/x11/XServer.h"
 
+#include <QImage>
 #include <QJsonObject>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -14,6 +15,7 @@ private slots:
     void lostScreenKeepsRecording();
     void stopsWhileTheServerHangs();
     void continuesWithoutInput();
+    void recordsPhysicalPixels();
 
 private:
     QString path(const QString &name) const { return m_scratch.filePath(name); }
@@ -62,6 +64,24 @@ void RecordingX11Test::continuesWithoutInput()
     QCOMPARE(keldock.errors.count("keyboard and mouse cannot be monitored"), 1);
     QVERIFY2(keldock.errors.contains("RECORD") && keldock.errors.contains("continuing without"),
              qPrintable(keldock.errors));
+}
+
+void RecordingX11Test::recordsPhysicalPixels()
+{
+    const ColorScene scene(kSceneRect);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QT_SCALE_FACTOR", "2");
+    const Keldock recorded =
+        Keldock::run({"record", "--area", "10,15,160x120", "--duration", "0.5", "--out", path("scaled")}, environment);
+    QVERIFY2(recorded.status == 0, qPrintable(recorded.errors));
+    const QJsonObject info = recordingInfo(path("scaled"));
+    QCOMPARE(info.value("recordArea").toObject(), (QJsonObject{{"x", 10}, {"y", 15}, {"width", 160}, {"height", 120}}));
+    QCOMPARE(info.value("devicePixelRatio").toDouble(), 2.0);
+    QCOMPARE(Keldock::run({"frame", path("scaled"), "0", path("frame.png")}).status, 0);
+    const QImage frame(path("frame.png"));
+    QCOMPARE(frame.size(), kSceneRect.size());
+    for (const QPoint &corner : {frame.rect().topLeft(), frame.rect().bottomRight()})
+        QVERIFY(ColorScene::step(frame.pixelColor(corner)) >= 0);
 }
 
 QTEST_GUILESS_MAIN(RecordingX11Test)

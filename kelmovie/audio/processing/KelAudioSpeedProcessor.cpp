@@ -3,7 +3,7 @@
 #include "audio/processing/FloatSamples.h"
 #include "audio/processing/SpeedFrameMap.h"
 #include "audio/processing/StretchedSound.h"
-#include "recording/FileWriting.h"
+#include "files/WriteAll.h"
 #include "recording/wav/WavChunks.h"
 #include "recording/wav/WavHeader.h"
 

@@ -1,6 +1,6 @@
 #include "recording/input/JsonArrayFile.h"
 
-#include "recording/FileWriting.h"
+#include "files/WriteAll.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

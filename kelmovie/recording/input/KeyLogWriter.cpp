@@ -1,5 +1,6 @@
 #include "recording/input/KeyLogWriter.h"
 
+#include "files/WriteAll.h"
 #include "recording/FileWriting.h"
 
 #include <algorithm>

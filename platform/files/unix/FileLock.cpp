@@ -1,5 +1,7 @@
 #include "files/FileLock.h"
 
+#include "files/unix/Descriptor.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -28,18 +30,18 @@ struct flock wholeFile()
     return range;
 }
 
-bool isOrdinaryFile(int file)
+bool isOrdinaryFile(const Descriptor &file)
 {
     struct stat status;
-    return fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+    return fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 /// Whether `path` still leads to the open file: the holder before may have deleted it after it was opened here.
-bool isAt(const QByteArray &path, int file)
+bool isAt(const QByteArray &path, const Descriptor &file)
 {
     struct stat here;
     struct stat there;
-    return fstat(file, &here) == 0 && lstat(path.constData(), &there) == 0 && here.st_dev == there.st_dev &&
+    return fstat(file.get(), &here) == 0 && lstat(path.constData(), &there) == 0 && here.st_dev == there.st_dev &&
            here.st_ino == there.st_ino;
 }
 } // namespace
@@ -48,7 +50,7 @@ class FileLock::Private
 {
 public:
     QByteArray path;
-    int file = -1;
+    Descriptor file;
 };
 
 FileLock::FileLock()
@@ -66,30 +68,27 @@ FileLock::Result FileLock::acquire(const QString &path)
     release();
     const QByteArray name = QFile::encodeName(path);
     for (int attempt = 0; attempt < kMaxAttempts; ++attempt) {
-        const int file = ::open(name.constData(), O_RDWR | O_CREAT | kOpenFlags, S_IRUSR | S_IWUSR);
-        if (file < 0 || !isOrdinaryFile(file)) {
-            if (file < 0)
-                m_error = errno == ELOOP ? QStringLiteral("It is a link") : qt_error_string();
-            else
-                m_error = QStringLiteral("It is not an ordinary file");
-            if (file >= 0)
-                ::close(file);
+        Descriptor file(::open(name.constData(), O_RDWR | O_CREAT | kOpenFlags, S_IRUSR | S_IWUSR));
+        if (!file.isValid()) {
+            m_error = errno == ELOOP ? QStringLiteral("It is a link") : qt_error_string();
+            return Result::Failed;
+        }
+        if (!isOrdinaryFile(file)) {
+            m_error = QStringLiteral("It is not an ordinary file");
             return Result::Failed;
         }
         struct flock range = wholeFile();
-        if (fcntl(file, F_OFD_SETLK, &range) != 0) {
-            const bool isHeld = errno == EAGAIN || errno == EACCES;
-            if (!isHeld)
-                ::unlink(name.constData());
-            ::close(file);
-            return isHeld ? Result::HeldElsewhere : Result::NotSupported;
+        if (fcntl(file.get(), F_OFD_SETLK, &range) != 0) {
+            if (errno == EAGAIN || errno == EACCES)
+                return Result::HeldElsewhere;
+            ::unlink(name.constData());
+            return Result::NotSupported;
         }
         if (isAt(name, file)) {
             d->path = name;
-            d->file = file;
+            d->file = std::move(file);
             return Result::Acquired;
         }
-        ::close(file);
     }
     m_error = QStringLiteral("Others keep replacing it");
     return Result::Failed;
@@ -97,24 +96,18 @@ FileLock::Result FileLock::acquire(const QString &path)
 
 void FileLock::release()
 {
-    if (d->file < 0)
-        return;
-    if (isAt(d->path, d->file)) // the directory may have been renamed, and another one put in its place
+    const Descriptor file = std::exchange(d->file, Descriptor());
+    if (file.isValid() && isAt(d->path, file)) // the directory may have been renamed, and another one put in its place
         ::unlink(d->path.constData());
-    ::close(std::exchange(d->file, -1));
 }
 
 FileLock::State FileLock::stateOf(const QString &path)
 {
-    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | kOpenFlags);
-    if (file < 0)
-        return State::None;
+    const Descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | kOpenFlags));
     struct flock range = wholeFile();
-    State state = State::None;
-    if (isOrdinaryFile(file) && fcntl(file, F_OFD_GETLK, &range) == 0)
-        state = range.l_type == F_UNLCK ? State::Abandoned : State::Held;
-    ::close(file);
-    return state;
+    if (!file.isValid() || !isOrdinaryFile(file) || fcntl(file.get(), F_OFD_GETLK, &range) != 0)
+        return State::None;
+    return range.l_type == F_UNLCK ? State::Abandoned : State::Held;
 }
 
 } // namespace kel

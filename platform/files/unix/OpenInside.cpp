@@ -1,5 +1,7 @@
 #include "files/OpenInside.h"
 
+#include "files/unix/Descriptor.h"
+
 #include <QFile>
 #include <QStringList>
 
@@ -7,38 +9,12 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace kel
 {
 
 namespace
 {
-
-class Descriptor
-{
-public:
-    explicit Descriptor(int number)
-        : m_number(number)
-    {
-    }
-    ~Descriptor()
-    {
-        if (m_number >= 0)
-            ::close(m_number);
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-
-    bool isValid() const { return m_number >= 0; }
-    int get() const { return m_number; }
-    int release() { return std::exchange(m_number, -1); }
-    void swap(Descriptor &other) { std::swap(m_number, other.m_number); }
-
-private:
-    int m_number;
-};
-
 constexpr int kFlags = O_RDONLY | O_CLOEXEC;
 // A pipe would block the open, and a terminal could become the one of this process.
 constexpr int kUntrustedFlags = kFlags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
@@ -69,7 +45,7 @@ QString enter(Descriptor *dir, const QString &name, int flags)
     Descriptor opened(::openat(dir->get(), encodedName.constData(), kUntrustedFlags | flags));
     if (!opened.isValid())
         return openProblem(*dir, name, encodedName);
-    dir->swap(opened);
+    *dir = std::move(opened);
     return QString();
 }
 

@@ -1,5 +1,7 @@
 #include "files/PrivateFile.h"
 
+#include "files/unix/Descriptor.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -7,7 +9,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace kel
 {
@@ -24,36 +25,33 @@ QString reason(int directory, const char *name)
     return qt_error_string(error);
 }
 
-/// The descriptor of the file; −1 with `error` on failure.
-int openDescriptor(const QString &path, QIODevice::OpenMode mode, QString *error)
+/// Invalid, with `error`, on failure.
+Descriptor openDescriptor(const QString &path, QIODevice::OpenMode mode, QString *error)
 {
     const QFileInfo info(path);
     const QByteArray directoryName = QFile::encodeName(info.path());
     const QByteArray name = QFile::encodeName(info.fileName());
-    const int directory = ::open(directoryName.constData(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (directory < 0) {
+    const Descriptor directory(::open(directoryName.constData(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!directory.isValid()) {
         *error = QStringLiteral("%1: %2").arg(info.path(), reason(AT_FDCWD, directoryName.constData()));
-        return -1;
+        return Descriptor();
     }
-    int file = -1;
     struct stat status;
-    const bool exists = fstatat(directory, name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0;
-    if (exists && S_ISLNK(status.st_mode)) {
-        *error = QStringLiteral("It is a link");
-    } else if (exists && !S_ISREG(status.st_mode)) {
-        *error = QStringLiteral("It is not an ordinary file");
-    } else {
-        if (exists && (mode & QIODevice::Truncate))
-            unlinkat(directory, name.constData(), 0);
-        // Another process may put something in its place at any moment, so the system has to refuse it as well.
-        const int access = (mode & QIODevice::ReadOnly) ? O_RDWR : O_WRONLY;
-        const int creation = (mode & QIODevice::ExistingOnly) ? 0 : O_CREAT | O_EXCL;
-        file = openat(directory, name.constData(), access | creation | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC,
-                      S_IRUSR | S_IWUSR);
-        if (file < 0)
-            *error = reason(directory, name.constData());
+    const bool exists = fstatat(directory.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+    if (exists && !S_ISREG(status.st_mode)) {
+        *error =
+            S_ISLNK(status.st_mode) ? QStringLiteral("It is a link") : QStringLiteral("It is not an ordinary file");
+        return Descriptor();
     }
-    ::close(directory);
+    if (exists && (mode & QIODevice::Truncate))
+        unlinkat(directory.get(), name.constData(), 0);
+    // Another process may put something in its place at any moment, so the system has to refuse it as well.
+    const int access = (mode & QIODevice::ReadOnly) ? O_RDWR : O_WRONLY;
+    const int creation = (mode & QIODevice::ExistingOnly) ? 0 : O_CREAT | O_EXCL;
+    Descriptor file(openat(directory.get(), name.constData(), access | creation | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC,
+                           S_IRUSR | S_IWUSR));
+    if (!file.isValid())
+        *error = reason(directory.get(), name.constData());
     return file;
 }
 } // namespace
@@ -61,10 +59,10 @@ int openDescriptor(const QString &path, QIODevice::OpenMode mode, QString *error
 bool PrivateFile::open(OpenMode mode)
 {
     QString error;
-    const int file = openDescriptor(m_path, mode, &error);
-    if (file < 0)
+    Descriptor file = openDescriptor(m_path, mode, &error);
+    if (!file.isValid())
         return fail(error);
-    return QFile::open(file, mode & ~(Truncate | NewOnly | ExistingOnly), AutoCloseHandle);
+    return QFile::open(file.release(), mode & ~(Truncate | NewOnly | ExistingOnly), AutoCloseHandle);
 }
 
 QString makePrivateDirectory(const QString &path)

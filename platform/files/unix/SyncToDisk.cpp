@@ -1,5 +1,7 @@
 #include "files/SyncToDisk.h"
 
+#include "files/unix/Descriptor.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -14,15 +16,13 @@ namespace
 {
 QString sync(const QString &path, int flags, int (*synchronize)(int))
 {
-    const int file =
-        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | flags);
-    if (file < 0)
+    const Descriptor file(
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | flags));
+    if (!file.isValid())
         return qt_error_string();
     // A file system that knows no such call is no failure.
-    const bool isDone = synchronize(file) == 0 || errno == EINVAL || errno == ENOTSUP;
-    const QString problem = isDone ? QString() : qt_error_string();
-    ::close(file);
-    return problem;
+    const bool isDone = synchronize(file.get()) == 0 || errno == EINVAL || errno == ENOTSUP;
+    return isDone ? QString() : qt_error_string();
 }
 } // namespace
 

@@ -261,9 +261,9 @@ void RecordManagerTest::releaseWaitsForTheQueuedStops()
         changed.notify_all();
     };
     QDir().mkpath(m_dir->filePath("recording/Screen"));
-    m_manager->addTrack(new KelRecordScreenTrack(QRect(0, 0, 10, 10), m_dir->filePath("recording/Screen"),
-                                                 std::make_unique<ScriptedStreamer>(script),
-                                                 std::make_unique<ScriptedEncoder>(script)));
+    m_manager->addTrack(new KelRecordScreenTrack(
+        QRect(0, 0, 10, 10), m_dir->filePath("recording/Screen"), 100, std::make_unique<ScriptedStreamer>(script),
+        [&](const auto &params) { return std::make_unique<ScriptedEncoder>(script, params); }));
     other = addTrack();
     m_manager->startRecording();
     other->calls(1);

@@ -1,3 +1,4 @@
+#include "avcodec/DecodedVideo.h"
 #include "kelmovie/support/RecordFakes.h"
 #include "record/KelRecordScreenTrack.h"
 
@@ -34,6 +35,7 @@ private slots:
 
     void indexesChangedFrames_data();
     void indexesChangedFrames();
+    void videoOfAScaledScreen();
     void framesOfAnotherSizeAreScaled();
     void unexpectedFrameNumberIsLogged();
     void checkpointsLeaveAValidFile();
@@ -60,6 +62,7 @@ void RecordScreenTrackTest::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
     m_script.emplace();
+    m_script->pictureSize = QSize(20, 20);
     m_script->atClose = [this] { writeFile(videoPath(), "video"); };
     m_failures.clear();
 }
@@ -67,8 +70,10 @@ void RecordScreenTrackTest::init()
 std::unique_ptr<KelRecordScreenTrack> RecordScreenTrackTest::createTrack(bool withEncoder)
 {
     auto track = std::make_unique<KelRecordScreenTrack>(
-        QRect(0, 0, 10, 10), m_dir->path(), std::make_unique<ScriptedStreamer>(*m_script),
-        withEncoder ? std::make_unique<ScriptedEncoder>(*m_script) : nullptr);
+        QRect(0, 0, 10, 10), m_dir->path(), 100, std::make_unique<ScriptedStreamer>(*m_script),
+        [&](const KelAsyncEncoder::Params &params) {
+            return withEncoder ? std::make_unique<ScriptedEncoder>(*m_script, params) : nullptr;
+        });
     track->setFailureHandler(
         [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
     return track;
@@ -112,18 +117,49 @@ void RecordScreenTrackTest::indexesChangedFrames()
     QCOMPARE(m_failures, QStringList());
 }
 
+/// With the real encoder.
+void RecordScreenTrackTest::videoOfAScaledScreen()
+{
+    KelScreenManager::instance()->setBackend(std::make_unique<ScriptedBackend>(*m_script));
+    const auto putBack = qScopeGuard([] { KelScreenManager::instance()->setBackend(nullptr); });
+    constexpr int kFrames = 25;
+    const QSize physical(200, 140);
+    KelRecordScreenTrack track(QRect(10, 20, 100, 70), m_dir->path(), 0, 100);
+    for (int frame = 0; frame < kFrames; ++frame) {
+        m_script->picture = textImage(physical, frame);
+        QVERIFY(QTest::qWaitFor([&] { // the encoder may be busy
+            track.recordFrame(frame);
+            return track.frameCount() > frame;
+        }));
+    }
+    track.stopRecording(kFrames, 1000);
+
+    const DecodedVideo video(videoPath());
+    QCOMPARE(video.errorString, QString());
+    QCOMPARE(video.fps, 30.0);
+    QCOMPARE(int(video.frames.size()), kFrames);
+    for (int frame = 0; frame < kFrames; ++frame) {
+        const auto i = std::size_t(frame);
+        QCOMPARE(video.times[i], qint64(frame));
+        QCOMPARE(bool(video.keyframes[i]), frame % 10 == 0);
+        QCOMPARE(video.rgbImage(frame).size(), physical);
+        QVERIFY(psnr(video.rgbImage(frame), textImage(physical, frame)) > 48);
+    }
+}
+
 void RecordScreenTrackTest::framesOfAnotherSizeAreScaled()
 {
     const auto track = createTrack();
+    QCOMPARE(m_script->params.queueCapacity, 4); // what a slow encoder may keep in memory
     LogCapture log;
     m_script->pictureSize = QSize(15, 20);
     track->recordFrame(0);
     track->recordFrame(1);
-    m_script->pictureSize = QSize(10, 10);
+    m_script->pictureSize = QSize(20, 20);
     track->recordFrame(2);
-    QCOMPARE(m_script->addedSizes, QVector<QSize>(3, QSize(10, 10)));
+    QCOMPARE(m_script->addedSizes, QVector<QSize>(3, QSize(20, 20)));
     const QString line =
-        "W [Performance Warning] Unexpected frame size mismatch: QSize(15, 20) expected: QSize(10, 10)";
+        "W [Performance Warning] Unexpected frame size mismatch: QSize(15, 20) expected: QSize(20, 20)";
     QCOMPARE(log.take(), (QStringList{line, line}));
 }
 
@@ -276,5 +312,12 @@ void RecordScreenTrackTest::releasedTrackDoesNotChangeItsFiles()
     QCOMPARE(m_script->closes, 1);
 }
 
-QTEST_MAIN(RecordScreenTrackTest)
+int main(int argc, char **argv)
+{
+    qputenv("QT_SCALE_FACTOR", "2"); // of all screens
+    QGuiApplication app(argc, argv);
+    RecordScreenTrackTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_record_screen_track.moc"

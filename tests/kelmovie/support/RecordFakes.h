@@ -84,10 +84,12 @@ struct ScreenScript {
     QString streamerError;
     bool isStalled = false;
     QSize pictureSize{10, 10};
+    QImage picture; ///< of the screen; null: black
     std::atomic<int> captures{0};
     std::function<void()> atQuestion;
     std::function<void()> atStreamerEnd;
 
+    KelAsyncEncoder::Params params; ///< of the encoder
     bool busy = false;
     int answerOffset = 0; ///< added to the frame number that the encoder answers
     QVector<int> added;
@@ -120,9 +122,11 @@ public:
         if (m_script.captureFails)
             return false;
         ++m_script.captures;
-        if (image.size() != m_script.pictureSize)
+        image = m_script.picture;
+        if (image.isNull()) {
             image = QImage(m_script.pictureSize, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::black);
+            image.fill(Qt::black);
+        }
         return true;
     }
     QString errorString() const override { return m_script.streamerError; }
@@ -155,10 +159,11 @@ private:
 class ScriptedEncoder : public KelAsyncEncoder
 {
 public:
-    explicit ScriptedEncoder(ScreenScript &script)
+    ScriptedEncoder(ScreenScript &script, const Params &params)
         : KelAsyncEncoder(Params{})
         , m_script(script)
     {
+        m_script.params = params;
     }
     void setErrorHandler(std::function<void(const QString &)> handler) override { m_script.encoderFailed = handler; }
     bool isBusy() const override { return m_script.busy; }

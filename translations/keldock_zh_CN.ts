@@ -424,6 +424,10 @@ The recording continues without it.</source>
         <source>A screen was changed or disconnected, and the recorded area is no longer visible. The recording was stopped and saved.</source>
         <translation>屏幕已更改或断开，录制区域已不可见。录制已停止并保存。</translation>
     </message>
+    <message>
+        <source>Clicks and keys are not recorded: %1</source>
+        <translation>未录制点击和按键：%1</translation>
+    </message>
 </context>
 <context>
     <name>RecordingExport</name>
@@ -779,6 +783,14 @@ The recording continues without it.</source>
     <message>
         <source>Remove shortcut: %1</source>
         <translation>移除快捷键：%1</translation>
+    </message>
+    <message>
+        <source>&amp;Read clicks and keys from the devices</source>
+        <translation>从设备读取点击和按键(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Wayland shows them to no program. Your user must be in the group &quot;input&quot;.</source>
+        <translation>Wayland 不向任何程序显示点击和按键。您的用户必须属于“input”组。</translation>
     </message>
 </context>
 <context>

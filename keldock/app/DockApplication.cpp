@@ -9,6 +9,7 @@
 #include "style/KelStyleTheme.h"
 
 #include <KelMovie/KelMovieSelfTest.h>
+#include <KelMovie/KelMovieUI.h>
 
 #include <QApplication>
 #include <QFileInfo>
@@ -56,6 +57,7 @@ DockApplication::~DockApplication()
 
 void DockApplication::start()
 {
+    KelMovieUI::setReadsInputDevices(m_settings.readsInputDevices);
     applyShortcuts();
     m_ui.showToolbar();
     const QString screenProblem = KelMovieSelfTest::screenProblem();
@@ -87,6 +89,7 @@ void DockApplication::connectWindows()
     connect(&m_windows, &DockWindows::recordRequested, this, &DockApplication::record);
     connect(&m_windows, &DockWindows::settingsChanged, this, [this] {
         applyTheme(m_settings);
+        KelMovieUI::setReadsInputDevices(m_settings.readsInputDevices);
         m_ui.toolbar().refresh();
     });
     connect(&m_windows, &DockWindows::shortcutEditBegun, &m_shortcuts, &GlobalShortcuts::suspend);

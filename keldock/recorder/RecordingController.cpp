@@ -4,6 +4,7 @@
 #include "common/Units.h"
 
 #include <KelMovie/KelMovieConfig.h>
+#include <KelMovie/KelMovieSelfTest.h>
 #include <KelMovie/KelMultiTrackRecorder.h>
 #include <KelMovie/KelRecordingFiles.h>
 
@@ -117,6 +118,7 @@ void RecordingController::startRecorder()
     config.enableSystemAudio = gKelMovieConfig.recordRecordSystemAudio;
     config.enableMicrophone = gKelMovieConfig.recordRecordMicrophone;
     m_recorder->setRecordConfig(config);
+    warnOfMissingInput(config.enableMouse, config.enableKeyboard);
     if (!m_recorder->startRecording())
         return;
     m_directory = directory;
@@ -126,6 +128,17 @@ void RecordingController::startRecorder()
     setState(State::Recording);
     emit elapsed(0);
     m_diskGuard.watch(directory);
+}
+
+/// Once: whoever has read it may have reasons to go on without clicks.
+void RecordingController::warnOfMissingInput(bool needsMouse, bool needsKeys)
+{
+    if (m_hasCheckedInput || (!needsMouse && !needsKeys))
+        return;
+    m_hasCheckedInput = true;
+    const QString reason = KelMovieSelfTest::inputProblem(needsKeys);
+    if (!reason.isEmpty())
+        emit problem(Severity::Warning, tr("Clicks and keys are not recorded: %1").arg(reason));
 }
 
 void RecordingController::togglePause()

@@ -78,6 +78,7 @@ private:
     void beginCountdown();
     void countDown();
     void startRecorder();
+    void warnOfMissingInput(bool needsMouse, bool needsKeys);
     void finish();
     void stopWithProblem(Severity severity, const QString &text);
     void handleError(const QString &error);
@@ -88,6 +89,7 @@ private:
     KelMovieUI m_movie;
     KelMultiTrackRecorder *const m_recorder;
     DiskGuard m_diskGuard;
+    bool m_hasCheckedInput = false;
     State m_state = State::Idle;
     QRect m_area;
     QString m_directory;

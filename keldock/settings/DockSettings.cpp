@@ -10,6 +10,7 @@ const QString DockSettings::kLanguageKey = QStringLiteral("KelDock.language");
 const QString DockSettings::kRecordKeysKey = QStringLiteral("KelDock.shortcut.record");
 const QString DockSettings::kPauseKeysKey = QStringLiteral("KelDock.shortcut.pause");
 const QString DockSettings::kStopKeysKey = QStringLiteral("KelDock.shortcut.stop");
+const QString DockSettings::kReadsInputDevicesKey = QStringLiteral("KelDock.readsInputDevices");
 const QString DockSettings::kAreaKey = QStringLiteral("KelDock.area");
 const QString DockSettings::kOfferedRecordingsKey = QStringLiteral("KelDock.offeredLeftovers");
 
@@ -21,6 +22,7 @@ void DockSettings::bind(KelConfigIO &io)
     io.bindString(kRecordKeysKey, &recordKeys);
     io.bindString(kPauseKeysKey, &pauseKeys);
     io.bindString(kStopKeysKey, &stopKeys);
+    io.bindBool(kReadsInputDevicesKey, &readsInputDevices);
     io.bindString(kAreaKey, &area);
     io.bindString(kOfferedRecordingsKey, &offeredRecordings);
 }

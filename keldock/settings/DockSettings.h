@@ -14,8 +14,9 @@ struct DockSettings {
     QString recordKeys = QStringLiteral("Ctrl+Alt+R");
     QString pauseKeys = QStringLiteral("Ctrl+Alt+P");
     QString stopKeys = QStringLiteral("Ctrl+Alt+S");
-    QString area;              ///< the last recorded area, see lastArea()
-    QString offeredRecordings; ///< interrupted recordings that were offered to the user, one path per line
+    bool readsInputDevices = false; ///< clicks and keys in Wayland sessions
+    QString area;                   ///< the last recorded area, see lastArea()
+    QString offeredRecordings;      ///< interrupted recordings that were offered to the user, one path per line
 
     static const QString kRecordingsFolderKey;
     static const QString kThemeKey;
@@ -23,6 +24,7 @@ struct DockSettings {
     static const QString kRecordKeysKey;
     static const QString kPauseKeysKey;
     static const QString kStopKeysKey;
+    static const QString kReadsInputDevicesKey;
     static const QString kAreaKey;
     static const QString kOfferedRecordingsKey;
 

@@ -16,6 +16,7 @@
 #include <QEvent>
 #include <QFileDialog>
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QKeySequenceEdit>
 #include <QLabel>
 #include <QPushButton>
@@ -65,6 +66,11 @@ QWidget *SettingsDialog::createRecordingPage()
     addSwitch(form, {tr("&Ask before recording keystrokes"), tr("At the start of each recording")},
               KelMovieConfigKeys::kRecordDontShowRecordingWarning, !gKelMovieConfig.recordDontShowRecordingWarning,
               true);
+    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        addSwitch(form,
+                  {tr("&Read clicks and keys from the devices"),
+                   tr("Wayland shows them to no program. Your user must be in the group \"input\".")},
+                  DockSettings::kReadsInputDevicesKey, m_settings.readsInputDevices);
     return page;
 }
 

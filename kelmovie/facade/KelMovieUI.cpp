@@ -2,6 +2,7 @@
 
 #include "audio/processing/TrimmedAudio.h"
 #include "facade/KelMultiTrackRecorder.h"
+#include "keymouse/KelKeyMouseHook.h"
 
 #include <KelMovie/KelMovieVersion.h>
 
@@ -20,6 +21,11 @@ KelMultiTrackRecorder *KelMovieUI::createMultiTrackRecorder()
 QString KelMovieUI::createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath)
 {
     return kel::createTrimmedAudioFile(audioPath, startMs, endMs, outputPath);
+}
+
+void KelMovieUI::setReadsInputDevices(bool isAllowed)
+{
+    KelKeyMouseHook::setReadsInputDevices(isAllowed);
 }
 
 QString KelMovieUI::version()

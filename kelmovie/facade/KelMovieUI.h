@@ -25,6 +25,11 @@ public:
     /// complete new one.
     static QString createTrimmedAudioFile(const QString &audioPath, int startMs, int endMs, const QString &outputPath);
 
+    /// Whether clicks, wheel and keys may be read from the input devices of the computer in sessions that show them to
+    /// no program, as Wayland does; initially false. Needs a user in the group "input", who thereby lets every program
+    /// read everything typed: leave the choice to the user. Takes effect with the next recording, in the whole process.
+    static void setReadsInputDevices(bool isAllowed);
+
     /// Version of the module, for display.
     static QString version();
 };

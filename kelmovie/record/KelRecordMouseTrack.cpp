@@ -8,6 +8,7 @@
 #include <QDebug>
 
 #include <atomic>
+#include <optional>
 #include <utility>
 
 using namespace kel;
@@ -54,8 +55,11 @@ protected:
     bool OnMouseWheelEvent(KelWheelEvent event) override;
 
 private:
+    bool locate(KelMouseEvent &event);
+
     const QRect m_recordArea;
     MouseEventList &m_events;
+    std::optional<QPoint> m_lastPosition; // of events without one; of the hook's thread
     std::atomic<bool> m_isCaptureEnabled{true};
     bool m_isInstalled = false; // of the track's thread
 };
@@ -78,11 +82,26 @@ bool KelRecordMouseTrackPrivate::OnMouseEvent(KelMouseEvent event)
 {
     if (!m_isCaptureEnabled || event.button == 0)
         return false;
+    if (!event.hasPosition && !locate(event))
+        return false;
     const bool isPress = event.state == 1;
     // A button that was pressed inside may be released outside.
     if (!isPress || m_recordArea.contains(event.globalPosition))
         m_events.addButton(isPress, buttonName(event.button), event.globalPosition - m_recordArea.topLeft());
     return false;
+}
+
+/// Gives the event the position that the screen capture last saw the pointer at. False if it sees none: a click that
+/// nobody can place is not recorded.
+bool KelRecordMouseTrackPrivate::locate(KelMouseEvent &event)
+{
+    const auto pointer = KelCursorPixmap::GetCursor(m_recordArea);
+    if (pointer->hasCursor())
+        m_lastPosition = pointer->position();
+    else if (event.state == 1)
+        m_lastPosition.reset();
+    event.globalPosition = m_lastPosition.value_or(QPoint());
+    return m_lastPosition.has_value();
 }
 
 bool KelRecordMouseTrackPrivate::OnMouseWheelEvent(KelWheelEvent event)

@@ -26,6 +26,9 @@ public:
     /// Why the screen cannot be captured, as an English sentence; empty if it can.
     static QString screenProblem();
 
+    /// Why clicks, wheel and, with `withKeys`, keys cannot be recorded, in English; empty if they can.
+    static QString inputProblem(bool withKeys);
+
     /// Formats, codecs with the versions of their libraries, hardware decoding, screen capture, input and sound: one
     /// line each.
     static QString featureReport();
@@ -35,7 +38,7 @@ public:
     /// Encodes a small video in each of the export formats and decodes it again.
     static Check checkFormats();
     /// Looks for the screen, keyboard and mouse input, the output whose sound is recorded, and the microphone. Missing
-    /// sound is a warning.
+    /// input and sound are warnings.
     static Check checkDevices();
 
     /// Runs all three checks.

@@ -2,7 +2,16 @@
 
 #include "keymouse/KeyMouseHub.h"
 
+#include <atomic>
+
 using namespace kel;
+
+namespace
+{
+
+std::atomic<bool> mayReadInputDevices{false};
+
+} // namespace
 
 KelKeyMouseHook::KelKeyMouseHook()
 {
@@ -22,6 +31,16 @@ void KelKeyMouseHook::setHookType(int type)
 QString KelKeyMouseHook::errorString()
 {
     return KeyMouseHub::instance().errorString();
+}
+
+void KelKeyMouseHook::setReadsInputDevices(bool isAllowed)
+{
+    mayReadInputDevices = isAllowed;
+}
+
+bool KelKeyMouseHook::readsInputDevices()
+{
+    return mayReadInputDevices;
 }
 
 bool KelKeyMouseHook::OnKeyboardEvent(KelKeyboardEvent)

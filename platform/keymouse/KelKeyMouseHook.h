@@ -42,12 +42,18 @@ public:
     /// and none is called again; only when called from within a callback, that callback still completes. Do not hold a
     /// lock here that a callback acquires: the call would wait 5 seconds for the callback and then log an error.
     ///
-    /// Where input cannot be monitored (no display, no RECORD extension, a lost connection), one warning is logged and
-    /// the hook reports nothing.
+    /// Where input cannot be monitored (no display, no RECORD extension, a lost connection, Wayland), one warning is
+    /// logged and the hook reports nothing.
     void setHookType(int type);
 
     /// Why installed hooks receive no events, in English; empty when they do.
     static QString errorString();
+
+    /// Whether events may be read from the input devices of the computer where nothing else shows them, as in Wayland
+    /// sessions; initially false. Needs a user in the group "input". Takes effect when the next hook is installed while
+    /// none is.
+    static void setReadsInputDevices(bool isAllowed);
+    static bool readsInputDevices();
 
 protected:
     /// The callbacks run on the event source's thread, one at a time. They must not throw, and must return quickly:

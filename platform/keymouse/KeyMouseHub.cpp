@@ -77,14 +77,16 @@ void KeyMouseHub::deliver(KelKeyboardEvent event)
 
 void KeyMouseHub::deliver(KelMouseEvent event)
 {
-    event.globalPosition = m_screens.toLogical(event.globalPosition);
+    if (event.hasPosition)
+        event.globalPosition = m_screens.toLogical(event.globalPosition);
     dispatch(event.state == 1 ? KelKeyMouseHook::ButtonPress : KelKeyMouseHook::ButtonRelease,
              [event](KelKeyMouseHook *hook) { hook->OnMouseEvent(event); });
 }
 
 void KeyMouseHub::deliver(KelWheelEvent event)
 {
-    event.globalPosition = m_screens.toLogical(event.globalPosition);
+    if (event.hasPosition)
+        event.globalPosition = m_screens.toLogical(event.globalPosition);
     dispatch(KelKeyMouseHook::Wheel, [event](KelKeyMouseHook *hook) { hook->OnMouseWheelEvent(event); });
 }
 

@@ -44,19 +44,21 @@ protected:
     }
     bool OnMouseEvent(KelMouseEvent event) override
     {
-        return add(QString("button %1 %2 at %3,%4")
-                       .arg(event.button)
-                       .arg(event.state)
-                       .arg(event.globalPosition.x())
-                       .arg(event.globalPosition.y()));
+        return add(QString("button %1 %2").arg(event.button).arg(event.state) + place(event));
     }
     bool OnMouseWheelEvent(KelWheelEvent event) override
     {
-        return add(
-            QString("wheel %1 at %2,%3").arg(event.delta).arg(event.globalPosition.x()).arg(event.globalPosition.y()));
+        return add(QString("wheel %1").arg(event.delta) + place(event));
     }
 
 private:
+    template <typename Event>
+    static QString place(const Event &event)
+    {
+        const QPoint position = event.globalPosition;
+        return event.hasPosition ? QString(" at %1,%2").arg(position.x()).arg(position.y()) : QString(" nowhere");
+    }
+
     bool add(const QString &line)
     {
         if (onEvent)

@@ -10,6 +10,7 @@
 
 #include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelMovieSelfTest.h>
+#include <KelMovie/KelMovieUI.h>
 #include <KelMovie/KelRecordingFiles.h>
 
 #include <QDir>
@@ -64,6 +65,8 @@ QString RecordCommand::help() const
         "  --[no-]keyboard     record keystrokes in every program, including passwords (default: no)\n"
         "  --[no-]system-audio record what the computer plays (default: no)\n"
         "  --[no-]microphone   record the microphone (default: no)\n"
+        "  --input-devices     read clicks and keys from the input devices where the session does not show them\n"
+        "                      (Wayland); your user must be in the group 'input'\n"
         "  --verbose           show the engine's log on standard error\n"
         "  --help              show this help\n"
         "\n"
@@ -84,6 +87,7 @@ QString RecordCommand::parse(const QStringList &arguments)
         known.append(QCommandLineOption(QLatin1String(track.option)));
         known.append(QCommandLineOption(QLatin1String("no-") + QLatin1String(track.option)));
     }
+    known.append(QCommandLineOption(QStringLiteral("input-devices")));
     Arguments options(known, arguments);
     options.positional({});
     parseArea(options);
@@ -127,6 +131,7 @@ void RecordCommand::parseTracks(Arguments &options)
         m_config.*track.enabled = isIncluded || (track.isDefault && !isExcluded);
     }
     m_config.keepsKeysAcrossPauses = true;
+    KelMovieUI::setReadsInputDevices(options.isSet(QStringLiteral("input-devices")));
 }
 
 QString RecordCommand::run()

@@ -4,6 +4,7 @@
 #include "cli/terminal/Console.h"
 
 #include <KelMovie/KelMovieSelfTest.h>
+#include <KelMovie/KelMovieUI.h>
 
 namespace
 {
@@ -46,6 +47,7 @@ QString SelfTestCommand::parse(const QStringList &arguments)
 
 QString SelfTestCommand::run()
 {
+    KelMovieUI::setReadsInputDevices(true); // to say whether it would work
     Console::print(KelMovieSelfTest::featureReport());
     int failures = 0;
     for (const KelMovieSelfTest::Check &check : KelMovieSelfTest::runChecks()) {

@@ -1,6 +1,5 @@
 #include "keymouse/x11/X11InputRecorder.h"
 
-#include "x11/XWayland.h"
 #include "x11/XcbPtr.h"
 
 #include <xcb/record.h>
@@ -38,15 +37,10 @@ void X11InputRecorder::Disconnect::operator()(xcb_connection_t *connection) cons
 
 X11InputRecorder::~X11InputRecorder() = default;
 
-bool X11InputRecorder::fail(const QString &message)
-{
-    m_error = message;
-    return false;
-}
-
 bool X11InputRecorder::fail(const char *message)
 {
-    return fail(QString::fromLatin1(message));
+    m_error = QLatin1String(message);
+    return false;
 }
 
 bool X11InputRecorder::open()
@@ -55,8 +49,6 @@ bool X11InputRecorder::open()
     m_data.reset(xcb_connect(nullptr, nullptr));
     if (xcb_connection_has_error(m_control.get()) || xcb_connection_has_error(m_data.get()))
         return fail("no X display can be reached");
-    if (isXWayland(m_control.get()))
-        return fail(xWaylandError());
 
     for (xcb_connection_t *connection : {m_control.get(), m_data.get()}) {
         const xcb_query_extension_reply_t *extension = xcb_get_extension_data(connection, &xcb_record_id);

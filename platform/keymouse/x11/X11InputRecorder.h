@@ -67,7 +67,6 @@ private:
     using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
     Q_DISABLE_COPY(X11InputRecorder)
 
-    bool fail(const QString &message);
     bool fail(const char *message);
     bool enable();
     void selectRawEvents(bool keys, bool buttons);

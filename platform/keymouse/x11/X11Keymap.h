@@ -1,15 +1,12 @@
 #pragma once
 
+#include "keymouse/xkb/XkbKeyboard.h"
+
 #include <QtGlobal>
 
-#include <array>
 #include <cstdint>
-#include <memory>
 
 struct xcb_connection_t;
-struct xkb_context;
-struct xkb_keymap;
-struct xkb_state;
 
 namespace kel
 {
@@ -21,7 +18,6 @@ public:
     /// Subscribes to keymap changes on `connection`, which belongs to the caller. Without XKB in the server, every key
     /// is 0.
     explicit X11Keymap(xcb_connection_t *connection);
-    ~X11Keymap();
 
     /// True for the type of the events that announce a keymap change.
     bool isKeymapEvent(int eventType) const { return m_firstEvent != 0 && eventType == m_firstEvent; }
@@ -34,25 +30,16 @@ public:
     int qtKey(std::uint8_t keycode, bool isPressed, std::uint16_t state);
 
 private:
-    struct Unref {
-        void operator()(xkb_context *context) const;
-        void operator()(xkb_keymap *keymap) const;
-        void operator()(xkb_state *state) const;
-    };
     Q_DISABLE_COPY(X11Keymap)
 
     bool selectEvents();
     void load();
-    int translate(std::uint8_t keycode, std::uint16_t state);
-    std::uint32_t symbolOf(std::uint8_t keycode) const;
 
     xcb_connection_t *m_connection;
-    std::uint8_t m_firstEvent = 0;      // 0: no XKB
-    bool m_isStale = true;              // the keymap is read when the next key is translated
-    std::array<int, 256> m_pressedAs{}; // the Qt::Key reported for each pressed key
-    std::unique_ptr<xkb_context, Unref> m_context;
-    std::unique_ptr<xkb_keymap, Unref> m_keymap;
-    std::unique_ptr<xkb_state, Unref> m_state;
+    std::uint8_t m_firstEvent = 0; // 0: no XKB
+    bool m_isStale = true;         // the keymap is read when the next key is translated
+    XkbContext m_context;
+    XkbKeyboard m_keyboard;
 };
 
 } // namespace kel

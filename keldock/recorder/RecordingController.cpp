@@ -25,6 +25,19 @@ namespace
 constexpr int kElapsedIntervalMs = 200;
 constexpr int kMaxDelaySeconds = 60;
 
+KelMultiTrackRecorder::RecordConfig configFromSettings(const QString &directory)
+{
+    KelMultiTrackRecorder::RecordConfig config;
+    config.outputDir = directory;
+    config.fps = std::clamp(gKelMovieConfig.recordFps, 1, kMaxFps);
+    config.enableMouse = gKelMovieConfig.recordMouse;
+    config.enableKeyboard = gKelMovieConfig.recordKeyboard;
+    config.keepsKeysAcrossPauses = true;
+    config.enableSystemAudio = gKelMovieConfig.recordRecordSystemAudio;
+    config.enableMicrophone = gKelMovieConfig.recordRecordMicrophone;
+    return config;
+}
+
 } // namespace
 
 RecordingController::RecordingController(std::function<QString()> newDirectory, QObject *parent)
@@ -77,6 +90,7 @@ void RecordingController::start(int minimumDelay)
     m_secondsLeft = std::clamp(std::max(gKelMovieConfig.recordDelay, minimumDelay), 0, kMaxDelaySeconds) + 1;
     setState(State::CountingDown);
     m_recorder->setRecordArea(m_area);
+    m_recorder->setRecordConfig(configFromSettings({}));
     m_recorder->prepareRecording();
 }
 
@@ -109,14 +123,7 @@ void RecordingController::startRecorder()
                                           .arg(QDir::toNativeSeparators(QFileInfo(directory).path())));
         return;
     }
-    KelMultiTrackRecorder::RecordConfig config;
-    config.outputDir = directory;
-    config.fps = std::clamp(gKelMovieConfig.recordFps, 1, kMaxFps);
-    config.enableMouse = gKelMovieConfig.recordMouse;
-    config.enableKeyboard = gKelMovieConfig.recordKeyboard;
-    config.keepsKeysAcrossPauses = true;
-    config.enableSystemAudio = gKelMovieConfig.recordRecordSystemAudio;
-    config.enableMicrophone = gKelMovieConfig.recordRecordMicrophone;
+    const KelMultiTrackRecorder::RecordConfig config = configFromSettings(directory); // may have changed meanwhile
     m_recorder->setRecordConfig(config);
     warnOfMissingInput(config.enableMouse, config.enableKeyboard);
     if (!m_recorder->startRecording())

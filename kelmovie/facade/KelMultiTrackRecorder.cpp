@@ -118,7 +118,7 @@ void KelMultiTrackRecorder::prepareRecording()
     if (d->recordArea.isEmpty())
         d->reportError(QStringLiteral("Record area not set"));
     else
-        d->recording.prepare(d->recordArea);
+        d->recording.prepare(d->recordArea, d->config);
 }
 
 void KelMultiTrackRecorder::cancelPreparation()

@@ -54,9 +54,9 @@ public:
     void setRecordConfig(const RecordConfig &config);
     RecordConfig recordConfig() const; ///< the configuration set last
 
-    /// Asks the system for everything that the next recording of the area needs, as long as a person takes to answer.
-    /// Ends with recordingPrepared(), recordingDeclined() or recordingError(), before it returns where nobody is asked.
-    /// What was obtained is kept for the next startRecording(). Ignored while recording.
+    /// Asks the system for everything that the next recording, as configured, needs, as long as a person takes to
+    /// answer. Ends with recordingPrepared(), recordingDeclined() or recordingError(), before it returns where nobody
+    /// is asked. What was obtained is kept for the next startRecording(). Ignored while recording.
     void prepareRecording();
     /// Withdraws the request of prepareRecording() without a signal, or gives up what was obtained.
     void cancelPreparation();

@@ -42,11 +42,11 @@ RecordingControl::RecordingControl(KelMultiTrackRecorder *recorder)
 
 RecordingControl::~RecordingControl() = default;
 
-void RecordingControl::prepare(const QRect &area)
+void RecordingControl::prepare(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config)
 {
     m_preparation.reset(); // first: the system may allow one at a time
     m_preparation = KelScreenManager::instance()->prepare(
-        area, [this](const KelScreenPermission &permission) { endPreparation(permission); });
+        area, config.enableMouse, [this](const KelScreenPermission &permission) { endPreparation(permission); });
 }
 
 void RecordingControl::endPreparation(const KelScreenPermission &permission)

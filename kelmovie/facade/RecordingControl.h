@@ -31,7 +31,7 @@ public:
 
     /// Asks the system for what recording `area` needs and keeps it for the next start(). Ends with prepared(),
     /// declined() or failed(), possibly before it returns.
-    void prepare(const QRect &area);
+    void prepare(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config);
     /// Withdraws what prepare() asks for, or gives up what it got.
     void cancelPreparation();
 

@@ -41,10 +41,12 @@ struct TerminationSwitch : QThread {
 };
 } // namespace
 
-KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int, int quality)
+KelRecordScreenTrack::KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int, int quality,
+                                           bool withPointer)
     : KelRecordScreenTrack(
           recordArea, trackDir, quality,
-          std::unique_ptr<KelScreenStreamer>(KelScreenManager::instance()->createScreenStreamer(recordArea)),
+          std::unique_ptr<KelScreenStreamer>(
+              KelScreenManager::instance()->createScreenStreamer(recordArea, withPointer)),
           [](const KelAsyncEncoder::Params &params) { return std::make_unique<KelAsyncEncoder>(params); })
 {
 }

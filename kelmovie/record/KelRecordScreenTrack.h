@@ -21,8 +21,9 @@ class KelRecordScreenTrack : public KelRecordTrack
     Q_OBJECT
 
 public:
-    /// `quality`: 0 to 100. The third argument is ignored.
-    KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int, int quality);
+    /// `quality`: 0 to 100. The third argument is ignored. `withPointer`: the frames contain the pointer where it
+    /// cannot be recorded apart from them.
+    KelRecordScreenTrack(const QRect &recordArea, const QString &trackDir, int, int quality, bool withPointer = true);
 
     using EncoderFactory = std::function<std::unique_ptr<KelAsyncEncoder>(const KelAsyncEncoder::Params &)>;
 

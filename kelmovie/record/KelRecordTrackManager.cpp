@@ -75,8 +75,8 @@ KelRecordTrackManager::~KelRecordTrackManager()
 void KelRecordTrackManager::createTracks()
 {
     if (m_config.screen)
-        addTrack(
-            new KelRecordScreenTrack(m_recordArea, createTrackDir(KelRecordingFiles::kScreenDir), 0, kScreenQuality));
+        addTrack(new KelRecordScreenTrack(m_recordArea, createTrackDir(KelRecordingFiles::kScreenDir), 0,
+                                          kScreenQuality, m_config.mouse));
     if (m_config.mouse)
         addTrack(new KelRecordMouseTrack(m_recordArea, createTrackDir(KelRecordingFiles::kMouseDir)));
     if (m_config.keyboard) {

@@ -6,7 +6,8 @@
 
 using namespace kel;
 
-std::unique_ptr<KelScreenPreparation> KelScreenBackend::prepare(const QRect &, const KelScreenPreparation::Done &done)
+std::unique_ptr<KelScreenPreparation> KelScreenBackend::prepare(const QRect &, bool,
+                                                                const KelScreenPreparation::Done &done)
 {
     done({});
     return nullptr;
@@ -30,15 +31,15 @@ KelScreenManager *KelScreenManager::instance()
     return &manager;
 }
 
-std::unique_ptr<KelScreenPreparation> KelScreenManager::prepare(const QRect &rect,
+std::unique_ptr<KelScreenPreparation> KelScreenManager::prepare(const QRect &rect, bool withPointer,
                                                                 const KelScreenPreparation::Done &done)
 {
-    return m_backend->prepare(rect, done);
+    return m_backend->prepare(rect, withPointer, done);
 }
 
-KelScreenStreamer *KelScreenManager::createScreenStreamer(const QRect &rect)
+KelScreenStreamer *KelScreenManager::createScreenStreamer(const QRect &rect, bool withPointer)
 {
-    return m_backend->createStreamer(rect).release();
+    return m_backend->createStreamer(rect, withPointer).release();
 }
 
 std::shared_ptr<KelCursorSource> KelScreenManager::cursorSource(const QRect &rect)

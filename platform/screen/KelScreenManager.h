@@ -24,17 +24,18 @@ public:
     /// Empty when the screen can be captured, otherwise the reason in English.
     virtual QString errorString() const { return {}; }
 
-    /// Obtains what capturing `rect` needs from the system. Calls `done` once: before this returns null, or later,
-    /// while the returned object exists, as late as a person answers the system's question. `done` may delete that
-    /// object.
-    virtual std::unique_ptr<KelScreenPreparation> prepare(const QRect &rect, const KelScreenPreparation::Done &done);
+    /// Obtains what capturing `rect` needs from the system; `withPointer` when the pointer is wanted as well. Calls
+    /// `done` once: before this returns null, or later, while the returned object exists, as late as a person answers
+    /// the system's question. `done` may delete that object.
+    virtual std::unique_ptr<KelScreenPreparation> prepare(const QRect &rect, bool withPointer,
+                                                          const KelScreenPreparation::Done &done);
 
-    /// Whether the pointer is part of the frames because its position cannot be read.
+    /// Whether the pointer is part of the frames, where it is wanted, because its position cannot be read.
     virtual bool isPointerInFrames() const { return false; }
 
-    /// A streamer for `rect` (logical pixels of the desktop). Never null: a streamer that cannot work reports the
-    /// reason in its errorString().
-    virtual std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) = 0;
+    /// A streamer for `rect` (logical pixels of the desktop); `withPointer` matters if isPointerInFrames(). Never null:
+    /// a streamer that cannot work reports the reason in its errorString().
+    virtual std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect, bool withPointer) = 0;
 
     /// The pointer, with positions in the same coordinates as `rect`. Null where the pointer is not available.
     virtual std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect);
@@ -49,10 +50,12 @@ public:
 
     /// Obtains what capturing `rect` (logical pixels of the desktop) needs from the system: before
     /// createScreenStreamer() and cursorSource(), and kept until then. See KelScreenBackend::prepare().
-    std::unique_ptr<KelScreenPreparation> prepare(const QRect &rect, const KelScreenPreparation::Done &done);
+    std::unique_ptr<KelScreenPreparation> prepare(const QRect &rect, bool withPointer,
+                                                  const KelScreenPreparation::Done &done);
 
-    /// A new streamer for `rect` (logical pixels of the desktop). Never null; owned by the caller.
-    KelScreenStreamer *createScreenStreamer(const QRect &rect);
+    /// A new streamer for `rect` (logical pixels of the desktop). Its frames contain the pointer if isPointerInFrames()
+    /// and `withPointer`. Never null; owned by the caller.
+    KelScreenStreamer *createScreenStreamer(const QRect &rect, bool withPointer = true);
 
     /// The source of pointer snapshots for `rect`; null where the pointer is not available. Shared by all users,
     /// created anew when none is left. Any thread may call this while someone holds the source of that rectangle.
@@ -61,7 +64,7 @@ public:
     /// The name of the capture technology, such as "X11".
     QString backendName() const;
 
-    /// Whether the pointer is part of the frames because its position cannot be read.
+    /// Whether the pointer is part of the frames, where it is wanted, because its position cannot be read.
     bool isPointerInFrames() const;
 
     /// Empty when the screen can currently be captured, otherwise the reason ("no display", "Wayland without X", …) in

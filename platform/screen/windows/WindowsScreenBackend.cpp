@@ -32,7 +32,7 @@ QString WindowsScreenBackend::errorString() const
                                      : QString();
 }
 
-std::unique_ptr<KelScreenStreamer> WindowsScreenBackend::createStreamer(const QRect &rect)
+std::unique_ptr<KelScreenStreamer> WindowsScreenBackend::createStreamer(const QRect &rect, bool)
 {
     const QRect physical = physicalRect(rect);
     QString error = captureRectError(physical, kMaxSide);

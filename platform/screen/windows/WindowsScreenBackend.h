@@ -11,7 +11,7 @@ class WindowsScreenBackend final : public KelScreenBackend
 public:
     QString name() const override { return QStringLiteral("Windows"); }
     QString errorString() const override;
-    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override;
+    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect, bool withPointer) override;
     std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect) override;
 };
 

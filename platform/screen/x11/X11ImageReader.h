@@ -1,6 +1,6 @@
 #pragma once
 
-#include "screen/x11/SharedMemory.h"
+#include "screen/memory/SharedMemory.h"
 #include "screen/x11/XcbConnection.h"
 
 #include <QImage>

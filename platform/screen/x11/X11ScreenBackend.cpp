@@ -50,7 +50,7 @@ QString X11ScreenBackend::errorString() const
     return streamerFor({0, 0, 1, 1})->errorString();
 }
 
-std::unique_ptr<KelScreenStreamer> X11ScreenBackend::createStreamer(const QRect &rect)
+std::unique_ptr<KelScreenStreamer> X11ScreenBackend::createStreamer(const QRect &rect, bool)
 {
     return streamerFor(physicalRect(rect));
 }

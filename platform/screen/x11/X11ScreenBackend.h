@@ -11,7 +11,7 @@ class X11ScreenBackend final : public KelScreenBackend
 public:
     QString name() const override { return QStringLiteral("X11"); }
     QString errorString() const override;
-    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override;
+    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect, bool withPointer) override;
     std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect) override;
 };
 

@@ -59,7 +59,7 @@ class AskingBackend final : public ScriptedBackend
 public:
     using ScriptedBackend::ScriptedBackend;
 
-    std::unique_ptr<KelScreenPreparation> prepare(const QRect &, const KelScreenPreparation::Done &done) override
+    std::unique_ptr<KelScreenPreparation> prepare(const QRect &, bool, const KelScreenPreparation::Done &done) override
     {
         struct Question : KelScreenPreparation {
             std::shared_ptr<int> isOpen;

@@ -33,9 +33,9 @@ class CountingBackend : public KelScreenBackend
 public:
     static inline std::atomic<int> reads{0};
 
-    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect) override
+    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &rect, bool withPointer) override
     {
-        return m_native->createStreamer(rect);
+        return m_native->createStreamer(rect, withPointer);
     }
     std::unique_ptr<KelCursorSource> createCursorSource(const QRect &rect) override
     {

@@ -68,7 +68,7 @@ private:
             : state(std::move(shared))
         {
         }
-        std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &) override
+        std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &, bool) override
         {
             return std::make_unique<kel::FailedScreenStreamer>(QStringLiteral("no pictures here"));
         }

@@ -146,7 +146,7 @@ public:
     {
     }
     QString errorString() const override { return m_error; }
-    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &) override
+    std::unique_ptr<KelScreenStreamer> createStreamer(const QRect &, bool) override
     {
         return std::make_unique<ScriptedStreamer>(m_script);
     }

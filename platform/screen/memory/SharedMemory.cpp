@@ -1,4 +1,4 @@
-#include "screen/x11/SharedMemory.h"
+#include "screen/memory/SharedMemory.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -148,6 +148,18 @@
         <comment>%1 is a key combination, %2 a sentence with the reason</comment>
         <translation>%1 无法在所有程序中使用：%2</translation>
     </message>
+    <message>
+        <source>Record the screen</source>
+        <translation>录制屏幕</translation>
+    </message>
+    <message>
+        <source>Pause and resume the recording</source>
+        <translation>暂停和继续录制</translation>
+    </message>
+    <message>
+        <source>Stop the recording</source>
+        <translation>停止录制</translation>
+    </message>
 </context>
 <context>
     <name>NoticeBar</name>

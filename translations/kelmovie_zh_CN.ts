@@ -342,6 +342,14 @@
         <source>There is no connection to an X server.</source>
         <translation>没有可用的 X 服务器。</translation>
     </message>
+    <message>
+        <source>The desktop has declined it.</source>
+        <translation>桌面环境拒绝了它。</translation>
+    </message>
+    <message>
+        <source>This desktop offers no shortcuts to programs. Use the toolbar and the tray icon.</source>
+        <translation>此桌面环境不向程序提供快捷键。请使用工具栏和托盘图标。</translation>
+    </message>
 </context>
 <context>
     <name>KelPlayCtrlWidget</name>

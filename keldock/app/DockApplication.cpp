@@ -81,6 +81,11 @@ void DockApplication::connectRecorder()
     connect(&m_controller, &RecordingController::stateChanged, this, &DockApplication::followState);
     connect(&m_shortcuts, &GlobalShortcuts::recordPressed, &m_ui, &RecorderUi::startRecording);
     connect(&m_shortcuts, &GlobalShortcuts::pausePressed, &m_controller, &RecordingController::togglePause);
+    connect(&m_shortcuts, &GlobalShortcuts::changed, this, [this](const QString &problem) {
+        m_ui.setStopKeys(m_shortcuts.stopKeys());
+        if (!problem.isEmpty())
+            showProblem(Severity::Warning, problem);
+    });
     connect(&m_shortcuts, &GlobalShortcuts::stopPressed, &m_controller, &RecordingController::stop);
 }
 
@@ -112,7 +117,7 @@ void DockApplication::connectSession()
 void DockApplication::applyShortcuts()
 {
     const QString problems = m_shortcuts.apply(m_settings);
-    m_ui.setStopKeys(m_shortcuts.stopKeys().toString(QKeySequence::NativeText));
+    m_ui.setStopKeys(m_shortcuts.stopKeys());
     if (!m_windows.showShortcutProblems(problems) && !problems.isEmpty())
         showProblem(Severity::Warning, problems);
 }

@@ -8,7 +8,12 @@ using namespace kel;
 
 GlobalShortcuts::GlobalShortcuts(QObject *parent)
     : QObject(parent)
+    , m_record({QStringLiteral("record"), tr("Record the screen")})
+    , m_pause({QStringLiteral("pause"), tr("Pause and resume the recording")})
+    , m_stop({QStringLiteral("stop"), tr("Stop the recording")})
 {
+    for (GlobalShortcut *const shortcut : {&m_record, &m_pause, &m_stop})
+        connect(shortcut, &GlobalShortcut::changed, this, [this, shortcut] { report(shortcut->errorString()); });
     connect(&m_record, &GlobalShortcut::activated, this, &GlobalShortcuts::recordPressed);
     connect(&m_pause, &GlobalShortcut::activated, this, &GlobalShortcuts::pausePressed);
     connect(&m_stop, &GlobalShortcut::activated, this, &GlobalShortcuts::stopPressed);
@@ -32,6 +37,14 @@ QString GlobalShortcuts::apply(const DockSettings &settings)
     assign(m_pause, settings.pauseKeys);
     assign(m_stop, settings.stopKeys);
     return problems.join(QLatin1Char('\n'));
+}
+
+/// All shortcuts have the same answer of the desktop, which the user reads once.
+void GlobalShortcuts::report(const QString &problem)
+{
+    const bool isNews = problem != m_reported;
+    m_reported = problem;
+    emit changed(isNews ? problem : QString());
 }
 
 void GlobalShortcuts::suspend()

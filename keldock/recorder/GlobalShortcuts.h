@@ -18,8 +18,8 @@ public:
 
     /// Registers the shortcuts of the settings. Returns one line for each that does not work; empty if all do.
     QString apply(const DockSettings &settings);
-    /// The shortcut that stops; empty if it does not work.
-    QKeySequence stopKeys() const { return m_stop.keys(); }
+    /// What to press to stop, as text; empty if nothing does.
+    QString stopKeys() const { return m_stop.trigger(); }
     /// Unregisters all shortcuts until the next apply().
     void suspend();
 
@@ -27,9 +27,15 @@ signals:
     void recordPressed();
     void pausePressed();
     void stopPressed();
+    /// The desktop has answered later: stopKeys() may have changed. `problem` is new and for the user; empty if there
+    /// is none.
+    void changed(const QString &problem);
 
 private:
+    void report(const QString &problem);
+
     kel::GlobalShortcut m_record;
     kel::GlobalShortcut m_pause;
     kel::GlobalShortcut m_stop;
+    QString m_reported;
 };

@@ -1,7 +1,5 @@
 #include "keymouse/GlobalShortcut.h"
 
-#include "keymouse/GlobalShortcutGrabber.h"
-
 namespace kel
 {
 
@@ -21,13 +19,25 @@ std::shared_ptr<GlobalShortcutGrabber> sharedGrabber()
 
 } // namespace
 
-GlobalShortcut::GlobalShortcut(QObject *parent)
+QString GlobalShortcutGrabber::trigger(int combination) const
+{
+    return QKeySequence(combination).toString(QKeySequence::NativeText);
+}
+
+GlobalShortcut::GlobalShortcut(const ShortcutPurpose &purpose, QObject *parent)
     : QObject(parent)
     , m_grabber(sharedGrabber())
+    , m_purpose(purpose)
 {
     connect(m_grabber.get(), &GlobalShortcutGrabber::pressed, this, [this](int combination) {
         if (!m_keys.isEmpty() && combination == m_keys[0])
             emit activated();
+    });
+    connect(m_grabber.get(), &GlobalShortcutGrabber::triggersChanged, this, [this](const QString &error) {
+        if (m_keys.isEmpty())
+            return;
+        m_error = error;
+        emit changed();
     });
 }
 
@@ -42,10 +52,15 @@ bool GlobalShortcut::setKeys(const QKeySequence &keys)
     m_error.clear();
     if (keys.isEmpty())
         return true;
-    m_error = m_grabber->grab(keys[0]);
+    m_error = m_grabber->grab(keys[0], m_purpose);
     if (m_error.isEmpty())
         m_keys = QKeySequence(keys[0]);
     return m_error.isEmpty();
+}
+
+QString GlobalShortcut::trigger() const
+{
+    return m_keys.isEmpty() ? QString() : m_grabber->trigger(m_keys[0]);
 }
 
 void GlobalShortcut::release()

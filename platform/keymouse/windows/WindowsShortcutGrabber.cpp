@@ -55,7 +55,7 @@ WindowsShortcutGrabber::~WindowsShortcutGrabber()
         UnregisterHotKey(nullptr, known.key());
 }
 
-QString WindowsShortcutGrabber::grab(int combination)
+QString WindowsShortcutGrabber::grab(int combination, const ShortcutPurpose &)
 {
     const int key = combination & ~int(Qt::KeyboardModifierMask);
     DWORD virtualKey = virtualKeyOf(key);

@@ -17,7 +17,7 @@ public:
     WindowsShortcutGrabber();
     ~WindowsShortcutGrabber() override;
 
-    QString grab(int combination) override;
+    QString grab(int combination, const ShortcutPurpose &purpose) override;
     void release(int combination) override;
 
     bool nativeEventFilter(const QByteArray &type, void *message, long *result) override;

@@ -23,7 +23,7 @@ public:
     X11ShortcutGrabber();
     ~X11ShortcutGrabber() override;
 
-    QString grab(int combination) override;
+    QString grab(int combination, const ShortcutPurpose &purpose) override;
     void release(int combination) override;
 
 private:

@@ -1,4 +1,5 @@
 #include "kelmovie/support/RecordingOnDisk.h"
+#include "kelmovie/support/SavingConfigIO.h"
 #include "kelmovie/support/ScriptedDecoder.h"
 
 #include "playback/PlaybackEngine.h"
@@ -6,6 +7,7 @@
 #include "support/TestTable.h"
 #include <KelMovie/KelPlaybackTrackManager.h>
 
+#include <QBitmap>
 #include <QPainter>
 #include <QRandomGenerator>
 #include <QRegularExpression>
@@ -45,6 +47,7 @@ private slots:
     void playPauseStop();
     void speedIsClamped();
     void releasesDecoders();
+    void paintsFromBottomToTop();
 
 private:
     std::unique_ptr<KelPlaybackTrackManager> load()
@@ -386,6 +389,39 @@ void PlaybackManagerTest::releasesDecoders()
     manager.reset();
     QCOMPARE(script->alive, 0);
     QCOMPARE(script->deletedUnclosed, 0);
+}
+
+/// The screen, the pointer, the time, the keys.
+void PlaybackManagerTest::paintsFromBottomToTop()
+{
+    const SavingConfigIO settings;
+    KelMovieConfig &config = gKelMovieConfig;
+    config.playbackKeyboardBgColor = Qt::yellow;
+    config.playbackProgressFgColor = Qt::white;
+    config.playbackProgressSize = 100; // down to the keys
+    recording.size(300, 200).frames(50).cursor(300).moves("0:1,1").keys("0:+Control 1:+C");
+    const auto manager = load();
+    const auto paint = [&](bool withPointer, bool withTime, bool withKeys) {
+        config.playbackMouseEnable = withPointer;
+        config.playbackProgressEnable = withTime;
+        config.playbackKeyboardShowKeyType = withKeys ? 15 : 0;
+        manager->updateSettings();
+        manager->seek(10);
+        QImage image(300, 200, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::magenta);
+        QPainter painter(&image);
+        manager->paint(&painter);
+        return image;
+    };
+    const auto area = [](const QImage &image, const QColor &color) {
+        return QRegion(QBitmap::fromImage(image.createMaskFromColor(color.rgb(), Qt::MaskOutColor)));
+    };
+    const QImage pointer = paint(true, false, false), time = paint(false, true, false), all = paint(true, true, true);
+    QCOMPARE(pointer.pixelColor(20, 20), QColor(Qt::green));
+    const QRegion keys = area(paint(false, false, true), Qt::yellow), digits = area(time, Qt::white);
+    QVERIFY(!digits.isEmpty() && time.pixelColor(keys.boundingRect().center()) != QColor(Qt::magenta));
+    QCOMPARE(area(all, Qt::yellow), keys);
+    QVERIFY((digits - area(all, Qt::white) - keys.boundingRect()).isEmpty());
 }
 
 QTEST_MAIN(PlaybackManagerTest)

@@ -1,9 +1,12 @@
+#include "kelmovie/support/InputFakes.h"
 #include "kelmovie/support/RecordFakes.h"
 #include "record/KelRecordScreenTrack.h"
 #include "record/KelRecordTrackManager.h"
+#include "record/KelRecordTrackThreadWrap.h"
 #include "recording/FrameTimesReader.h"
 #include "recording/KelRecordingMetadata.h"
 
+#include "support/EnvironmentChange.h"
 #include "support/LogCapture.h"
 
 #include <QDir>
@@ -58,7 +61,8 @@ private slots:
     void failuresOfTracksAreCollected();
     void releaseWaitsForTheQueuedStops();
     void destructionStopsTheRecording();
-    void timerTicksTruncatedMilliseconds();
+    void timersOfTheClock();
+    void tracksOfTheConfiguration();
 
 private:
     QStringList takenFailures()
@@ -68,20 +72,21 @@ private:
             texts << failure.text();
         return texts;
     }
-    void createManager(int fps = 25, const QRect &area = QRect(-3, 7, 1001, 601));
+    KelRecordTrackManager::Config noTracks() const;
+    void createManager();
     GatedTrack *addTrack();
     KelRecordingMetadata metadata() const;
 
     std::unique_ptr<QTemporaryDir> m_dir;
     qint64 m_nowMs = 1'000'000;
-    bool m_hasScreen = false;
+    KelRecordTrackManager::Config m_config;
     std::unique_ptr<TestedManager> m_manager;
 };
 
 void RecordManagerTest::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
-    m_hasScreen = false;
+    m_config = noTracks();
 }
 
 void RecordManagerTest::cleanup()
@@ -89,13 +94,17 @@ void RecordManagerTest::cleanup()
     m_manager.reset();
 }
 
-void RecordManagerTest::createManager(int fps, const QRect &area)
+KelRecordTrackManager::Config RecordManagerTest::noTracks() const
 {
     KelRecordTrackManager::Config config;
     config.directory = m_dir->filePath("recording");
-    config.fps = fps;
-    config.screen = m_hasScreen;
-    m_manager = std::make_unique<TestedManager>(area, config, m_nowMs);
+    config.screen = false;
+    return config;
+}
+
+void RecordManagerTest::createManager()
+{
+    m_manager = std::make_unique<TestedManager>(QRect(-3, 7, 1001, 601), m_config, m_nowMs);
 }
 
 GatedTrack *RecordManagerTest::addTrack()
@@ -115,7 +124,7 @@ KelRecordingMetadata RecordManagerTest::metadata() const
 
 void RecordManagerTest::timesExcludePauses()
 {
-    m_hasScreen = true;
+    m_config.screen = true;
     createManager();
     m_manager->stopRecording(); // nothing is recorded yet
     QVERIFY(!QFileInfo::exists(m_dir->filePath("recording/TrackManager.meta")));
@@ -149,7 +158,8 @@ void RecordManagerTest::totalFramesFollowTheDuration()
     };
     // Exact, truncated, beyond 32 bits; without a duration, the number of ticks.
     for (const Case &c : {Case{24, 10000, 240}, {30, 999, 29}, {60, 100000000, 6000000}, {25, 0, 3}}) {
-        createManager(c.fps);
+        m_config.fps = c.fps;
+        createManager();
         m_manager->startRecording();
         for (int i = 0; i < 3; ++i)
             m_manager->tick(0);
@@ -184,7 +194,8 @@ void RecordManagerTest::ticksReachTheTrackOnlyWhileRecording()
 
 void RecordManagerTest::metadataIsKeptUpToDate()
 {
-    createManager(1);
+    m_config.fps = 1;
+    createManager();
     m_manager->startRecording();
     m_nowMs += 300; // nothing ticks
     QTRY_COMPARE(metadata().durationMs, qint64(300));
@@ -300,15 +311,66 @@ void RecordManagerTest::destructionStopsTheRecording()
     QCOMPARE(metadata().durationMs, qint64(80));
 }
 
-void RecordManagerTest::timerTicksTruncatedMilliseconds()
+void RecordManagerTest::timersOfTheClock()
 {
     const QMap<int, int> intervals{{1, 1000}, {24, 41}, {25, 40}, {30, 33}, {60, 16}, {1000, 1}};
     for (auto it = intervals.begin(); it != intervals.end(); ++it) {
-        createManager(it.key());
+        m_config.fps = it.key();
+        createManager();
         m_manager->startRecording();
-        QCOMPARE(m_manager->findChild<QTimer *>()->interval(), it.value());
-        QCOMPARE(m_manager->findChild<QTimer *>()->timerType(), Qt::PreciseTimer);
+        const auto timers = m_manager->findChildren<QTimer *>();
+        QCOMPARE(timers.size(), 2);
+        QCOMPARE(timers[0]->interval(), it.value()); // in whole milliseconds
+        QCOMPARE(timers[0]->timerType(), Qt::PreciseTimer);
+        QCOMPARE(timers[1]->interval(), 500); // what a killed process loses at most
     }
+}
+
+void RecordManagerTest::tracksOfTheConfiguration()
+{
+    using Metadata = KelRecordingMetadata;
+    const ScriptedInput input;
+    const EnvironmentChange noServer("PULSE_SERVER", "unix:/nowhere");
+    struct Track {
+        bool KelRecordTrackManager::Config::*flag;
+        bool Metadata::*stated;
+        QString dir;
+        QString name;
+        bool canFail;
+    };
+    using Config = KelRecordTrackManager::Config;
+    const Track tracks[] = {{&Config::screen, &Metadata::screenTrack, "Screen", "Screen track", true},
+                            {&Config::mouse, &Metadata::mouseTrack, "Mouse", "Mouse track", false},
+                            {&Config::keyboard, &Metadata::keyboardTrack, "Keyboard", "Keyboard track", false},
+                            {&Config::systemAudio, &Metadata::systemAudio, "Voice", "System audio", true},
+                            {&Config::microphone, &Metadata::microphoneAudio, "Voice", "Microphone", true}};
+    const auto threads = [this] {
+        QStringList names;
+        for (const auto *thread : m_manager->findChildren<KelRecordTrackThreadWrap *>())
+            names << thread->track()->objectName();
+        return names;
+    };
+    for (const Track &track : tracks) {
+        m_config = noTracks();
+        m_config.*track.flag = true;
+        createManager();
+        QCOMPARE(threads(), track.dir == "Voice" ? QStringList() : QStringList{track.name});
+        m_manager->startRecording();
+        QStringList failures; // there is neither a screen nor a sound system
+        QTRY_VERIFY((failures += takenFailures(), !failures.isEmpty() || !track.canFail));
+        m_manager->stopRecording();
+        m_manager->releaseResources();
+        for (const Track &other : tracks)
+            QCOMPARE(metadata().*other.stated, &other == &track);
+        QCOMPARE(QDir(m_config.directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList{track.dir});
+        QVERIFY2(!track.canFail || failures[0].startsWith(track.name), qPrintable(failures[0]));
+        m_manager.reset();
+        QVERIFY(QDir(m_config.directory).removeRecursively());
+    }
+    for (const Track &track : tracks)
+        m_config.*track.flag = true;
+    createManager();
+    QCOMPARE(threads(), (QStringList{"Screen track", "Mouse track", "Keyboard track"})); // as they are stopped
 }
 
 QTEST_MAIN(RecordManagerTest)

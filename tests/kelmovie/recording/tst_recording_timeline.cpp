@@ -13,12 +13,21 @@ using namespace kel;
 using Times = std::vector<qint64>;
 Q_DECLARE_METATYPE(Times)
 
+namespace
+{
+QVector<double> parts(const RecordingTimeline::Range &range)
+{
+    return {double(range.firstFrame), double(range.lastFrame), range.startMs, range.endMs, range.soundStartMs};
+}
+} // namespace
+
 class RecordingTimelineTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void framesAreShownWhenTheyWereRecorded();
+    void framesAreSpreadEvenly();
     void conversionsAgree_data();
     void conversionsAgree();
     void loads_data();
@@ -39,9 +48,28 @@ void RecordingTimelineTest::framesAreShownWhenTheyWereRecorded()
     QCOMPARE(lost.msAfter(100, 2.0), 200.0);
     QCOMPARE(lost.playbackRate(), 1.0);
     QVERIFY(!lost.isOver(124, 2.0) && lost.isOver(125, 2.0));
-    QCOMPARE(lost.rangeOf(60, 170).firstFrame, 1);
-    QCOMPARE(lost.rangeOf(60, 170).lastFrame, 2);
-    QCOMPARE(lost.rangeOf(60, 170).soundStartMs, 60.0);
+    QCOMPARE(parts(lost.rangeOf(60, 170)), (QVector<double>{1, 2, 60, 170, 60}));
+    QCOMPARE(parts(lost.whole()), (QVector<double>{0, 3, 0, 250, 0}));
+}
+
+/// Ten frames that should have taken 400 ms and took 500.
+void RecordingTimelineTest::framesAreSpreadEvenly()
+{
+    const RecordingTimeline slow(10, 25, 500);
+    QCOMPARE(slow.msOf(5), 250.0);
+    for (const auto &[ms, frame] : {std::pair(-5.0, 0), {249.9, 4}, {250.0, 5}, {999.0, 9}})
+        QCOMPARE(slow.frameAt(ms), frame);
+    QCOMPARE(slow.frameAfter(99, 2.0), 4);
+    QCOMPARE(slow.frameAfter(100, 2.0), 5);
+    QCOMPARE(slow.elapsedAt(5, 2.0), qint64(100));
+    QCOMPARE(slow.msAfter(100, 2.0), 250.0);
+    QVERIFY(!slow.isOver(199, 2.0) && slow.isOver(200, 2.0));
+    QCOMPARE(slow.framesIn(100), 2);
+    QCOMPARE(parts(slow.rangeOf(100, 400)), (QVector<double>{1, 7, 100, 400, 25}));
+    QCOMPARE(parts(slow.rangeOf(0, 500)), (QVector<double>{0, 9, 0, 500, 0}));
+    for (const auto &[durationMs, rate] : {std::pair(500, 1.25), {420, 1.0}, {380, 1.0}, {379, 0.9475}, {0, 1.0}})
+        QCOMPARE(RecordingTimeline(10, 25, durationMs).playbackRate(), rate);
+    QCOMPARE(RecordingTimeline(10, 30, 0).durationMs(), qint64(330)); // the clock ticks at whole ms
 }
 
 void RecordingTimelineTest::conversionsAgree_data()

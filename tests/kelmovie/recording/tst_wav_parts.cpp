@@ -1,12 +1,15 @@
 #include "kelmovie/support/SoundFile.h"
 #include "recording/wav/WavChunks.h"
 #include "recording/wav/WavPartMerger.h"
+#include "recording/wav/WavPartWriter.h"
 #include "support/FileSizeLimit.h"
 #include "support/LogCapture.h"
 #include "support/TestTable.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <cmath>
 
 using namespace kel;
 
@@ -52,6 +55,8 @@ private slots:
     void join_data();
     void join();
     void fullDiskLosesNoSound();
+    void followsTheClock_data();
+    void followsTheClock();
 };
 
 void WavPartsTest::headerBytes()
@@ -183,6 +188,66 @@ void WavPartsTest::fullDiskLosesNoSound()
     QCOMPARE(mergePartFiles(paths, output), QString());
     QVERIFY(readFile(output) == wav(A + B + C, 44100, (A + B + C).size()));
     QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList{"s.wav"});
+}
+
+void WavPartsTest::followsTheClock_data()
+{
+    const TestTable<double, int, int, int> row("rate", "jumpMs", "cuts", "gaps");
+    row("exact", 1.0, 0, 0, 0);
+    row("fast device", 1.0005, 0, 0, 0);
+    row("slow device", 0.9995, 0, 0, 0);
+    row("jitter", 1.0, 15, 0, 0);
+    row("sound is missing", 1.0, 3000, 0, 1);
+    row("more sound than time", 1.0, -3000, 1, 0);
+}
+
+/// A device numbers its samples, from a moment before the part begins. `rate` is the speed of its clock; after 100 s,
+/// it states times that differ by `jumpMs`. In the file, each sample is where the clock had it. Deviations are
+/// corrected by single samples, in `cuts` or `gaps`.
+void WavPartsTest::followsTheClock()
+{
+    QFETCH(double, rate);
+    QFETCH(int, jumpMs);
+    QFETCH(int, cuts);
+    QFETCH(int, gaps);
+    constexpr int kRate = 1000; // a sample a millisecond
+    constexpr int kPacketMs = 40;
+    constexpr int kFirst = -25;
+    constexpr int kSamples = 200 * kRate;
+    constexpr int kEndMs = 190'000;
+    constexpr qint64 kStartMs = 500'000;
+    const QTemporaryDir directory;
+    WavHeader format = WavHeader::pcm(kRate, 1, 32);
+    format.formatTag = WavHeader::kIeeeFloat;
+    WavPartWriter writer(format);
+    QVERIFY(writer.open(directory.filePath("part.wav"), kStartMs));
+    const auto timeOf = [&](int sample) { return sample / rate + (sample >= kFirst + kSamples / 2 ? jumpMs : 0); };
+    writer.setEnd(kStartMs + kEndMs);
+    for (int first = kFirst; first < kSamples; first += kPacketMs) {
+        QVector<float> packet;
+        for (int i = 0; i < kPacketMs; ++i)
+            packet << float(first + i);
+        writer.writePacket(reinterpret_cast<const char *>(packet.constData()), packet.size() * qint64(sizeof(float)),
+                           kStartMs + std::lround(timeOf(first)));
+    }
+    writer.close();
+
+    WavHeader header;
+    const QVector<float> sound = SoundFile::exactSamples(directory.filePath("part.wav"), &header);
+    QCOMPARE(sound.size(), kEndMs);
+    const int toleranceMs = 5 + (qAbs(jumpMs) < 25 ? qAbs(jumpMs) : 0);
+    int foundCuts = 0;
+    int foundGaps = 0;
+    for (int at = 1; at < kEndMs - toleranceMs; ++at) {
+        const int sample = int(sound[at]);
+        const int before = int(sound[at - 1]);
+        foundGaps += sample == 0 && before > 0 ? 1 : 0;
+        foundCuts += before > 0 && sample > before + 2 ? 1 : 0;
+        if (sample != 0)
+            QVERIFY2(std::abs(timeOf(sample) - at) <= toleranceMs, qPrintable(QString("%1 at %2").arg(sample).arg(at)));
+    }
+    QCOMPARE(foundGaps, gaps);
+    QCOMPARE(foundCuts, cuts);
 }
 
 QTEST_GUILESS_MAIN(WavPartsTest)

@@ -49,7 +49,7 @@ QRectF MiniSlider::grooveLine() const
 int MiniSlider::valueAt(double x) const
 {
     const QRectF line = grooveLine();
-    double fraction = std::clamp((x - line.left()) / line.width(), 0.0, 1.0);
+    double fraction = (x - line.left()) / line.width(); // QSlider keeps its position within the range
     if ((layoutDirection() == Qt::RightToLeft) != invertedAppearance())
         fraction = 1 - fraction;
     return minimum() + qRound(fraction * (maximum() - minimum()));

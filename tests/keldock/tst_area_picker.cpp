@@ -20,15 +20,12 @@ private slots:
     void picks();
     void toolbarPlacement_data();
     void toolbarPlacement();
-
-private:
-    void act(const QString &step);
-
-    QPointer<QWindow> m_overlay;
 };
 
 namespace
 {
+
+constexpr QPoint kNowhere(-9999, -9999);
 
 QPoint point(const QString &text)
 {
@@ -45,6 +42,36 @@ AreaOverlay *overlay()
     return nullptr;
 }
 
+/// "click 10,20", "drag 10,20 30,40", ... or key sequences: "Ctrl+Left Down".
+void act(QWindow *window, const QString &steps)
+{
+    const QStringList words = steps.split(' ', Qt::SkipEmptyParts);
+    const QPoint from = point(words.value(1));
+    const QPoint to = point(words.value(2));
+    if (steps.startsWith("drag")) {
+        QTest::mouseMove(window, from);
+        QTest::mousePress(window, Qt::LeftButton, {}, from);
+        QTest::mouseMove(window, to + QPoint(7, 3)); // not on a straight line
+        QTest::mouseMove(window, to);
+        QTest::mouseRelease(window, Qt::LeftButton, {}, to);
+    } else if (steps.startsWith("point")) {
+        QTest::mouseMove(window, from);
+    } else if (steps.startsWith("click")) {
+        QTest::mouseMove(window, from);
+        QTest::mouseClick(window, Qt::LeftButton, {}, from);
+    } else if (steps.startsWith("right")) {
+        QTest::mousePress(window, Qt::RightButton, {}, from);
+    } else if (steps.startsWith("double")) {
+        QTest::mouseDClick(window, Qt::LeftButton, {}, from);
+    } else {
+        for (const QString &word : words) {
+            const int keys = QKeySequence(word)[0];
+            QTest::keyPress(window, Qt::Key(keys & ~int(Qt::KeyboardModifierMask)),
+                            Qt::KeyboardModifiers(keys & int(Qt::KeyboardModifierMask)));
+        }
+    }
+}
+
 } // namespace
 
 void AreaPickerTest::picks_data()
@@ -56,12 +83,13 @@ void AreaPickerTest::picks_data()
     row("draw", none, "drag 100,120 299,219", QRect(100, 120, 200, 100));
     row("draw from the lower right", none, "drag 299,219 100,120", QRect(100, 120, 200, 100));
     row("draw a new area beside the last one", area, "drag 20,20 119,69", QRect(20, 20, 100, 50));
-    row("draw to the edge of the screen", none, "drag 700,500 799,599", QRect(700, 500, 100, 100));
+    row("draw beyond the edge of the screen", none, "drag 700,500 900,700", QRect(700, 500, 100, 100));
     row("a tiny drag is ignored", area, "drag 20,20 25,25", area);
     row("last area", area, "", area);
     row("last area of a larger screen", QRect(700, 500, 300, 300), "", QRect(700, 500, 100, 100));
     row("move", area, "drag 350,300 360,280", QRect(210, 180, 300, 200));
     row("move to the edge of the screen", area, "drag 350,300 799,0", QRect(500, 0, 300, 200));
+    row("move to the other edge", area, "drag 350,300 0,599", QRect(0, 400, 300, 200));
     row("left", area, "drag 200,300 180,310", QRect(180, 200, 320, 200));
     row("right", area, "drag 499,300 519,310", QRect(200, 200, 320, 200));
     row("top", area, "drag 350,200 340,190", QRect(200, 190, 300, 210));
@@ -73,10 +101,15 @@ void AreaPickerTest::picks_data()
     row("an edge, pressed outside of it", area, "drag 195,300 175,300", QRect(180, 200, 320, 200));
     row("an edge across the opposite one", area, "drag 200,300 600,300", QRect(500, 200, 100, 200));
     row("minimum width", area, "drag 200,300 498,300", QRect(484, 200, 16, 200));
+    row("minimum width, no room before", QRect(0, 200, 20, 200), "drag 19,300 2,300", QRect(0, 200, 16, 200));
+    row("minimum width, just enough room before", QRect(16, 200, 40, 200), "drag 55,300 14,300",
+        QRect(0, 200, 16, 200));
     row("arrows", area, "Right Down Down Left Left", QRect(199, 202, 300, 200));
     row("arrows with Shift", area, "Shift+Left Shift+Up", QRect(190, 190, 300, 200));
     row("arrows with Ctrl", area, "Ctrl+Right Ctrl+Up", QRect(200, 200, 301, 199));
     row("arrows with both", area, "Ctrl+Shift+Left Ctrl+Shift+Down", QRect(200, 200, 290, 210));
+    row("smallest and largest size", QRect(100, 580, 20, 18), "Ctrl+Shift+Left Ctrl+Shift+Down",
+        QRect(100, 580, 16, 20));
     row("arrows at the edge", QRect(5, 5, 100, 100), "Shift+Left Shift+Up", QRect(0, 0, 100, 100));
     row("whole screen", none, "Ctrl+A", QRect(0, 0, 800, 600));
     row("a window", none, "click 640,120", QRect(600, 100, 150, 100));
@@ -101,85 +134,36 @@ void AreaPickerTest::picks()
     QSignalSpy cancels(&picker, &AreaPicker::cancelled);
     picker.open(area, {{600, 100, 40, 20}, {600, 100, 150, 100}, {-50, 560, 100, 100}});
     QVERIFY(overlay());
-    m_overlay = overlay()->windowHandle();
-
-    QString verb;
-    for (const QString &word : steps.split(' ', Qt::SkipEmptyParts)) {
-        if (word.at(0).isUpper()) {
-            act(word);
-        } else if (word.at(0).isLetter()) {
-            verb = word;
-        } else if (verb == "drag" || verb == "dragged") {
-            act(verb + ' ' + word);
-            verb = "dragged";
-        } else {
-            act(verb + ' ' + word);
-        }
-    }
+    const QPointer<QWindow> window = overlay()->windowHandle();
+    act(window, steps);
     if (picker.isOpen())
-        act("Return");
-    if (picked.isEmpty()) {
-        QCOMPARE(picks.size(), 0);
-    } else {
-        QCOMPARE(picks.size(), 1);
-        QCOMPARE(picks.first().first().toRect(), picked);
-        QCOMPARE(cancels.size(), 0);
-        QVERIFY(!picker.isOpen() && !overlay());
-    }
-}
-
-/// "Ctrl+Left", "click 10,20", "drag 10,20" for the start of a drag, "dragged 30,40" for its end, …
-void AreaPickerTest::act(const QString &step)
-{
-    const QString verb = step.section(' ', 0, 0);
-    const QPoint at = point(step.section(' ', 1));
-    if (verb == "drag") {
-        QTest::mouseMove(m_overlay, at);
-        QTest::mousePress(m_overlay, Qt::LeftButton, {}, at);
-    } else if (verb == "dragged") {
-        QTest::mouseMove(m_overlay, at + QPoint(7, 3)); // not on a straight line
-        QTest::mouseMove(m_overlay, at);
-        QTest::mouseRelease(m_overlay, Qt::LeftButton, {}, at);
-    } else if (verb == "point") {
-        QTest::mouseMove(m_overlay, at);
-    } else if (verb == "click") {
-        QTest::mouseMove(m_overlay, at);
-        QTest::mouseClick(m_overlay, Qt::LeftButton, {}, at);
-    } else if (verb == "right") {
-        QTest::mousePress(m_overlay, Qt::RightButton, {}, at);
-    } else if (verb == "double") {
-        QTest::mouseDClick(m_overlay, Qt::LeftButton, {}, at);
-    } else {
-        const int keys = QKeySequence(verb)[0];
-        QTest::keyPress(m_overlay, Qt::Key(keys & ~int(Qt::KeyboardModifierMask)),
-                        Qt::KeyboardModifiers(keys & int(Qt::KeyboardModifierMask)));
-    }
+        act(window, "Return");
+    QCOMPARE(picks.value(0).value(0).toRect(), picked);
+    QCOMPARE(picks.size(), picked.isEmpty() ? 0 : 1);
+    QCOMPARE(cancels.size(), steps == "Escape" || steps.startsWith("right") ? 1 : 0);
+    QVERIFY(picked.isEmpty() || (!picker.isOpen() && !overlay()));
 }
 
 void AreaPickerTest::toolbarPlacement_data()
 {
-    QTest::addColumn<QRect>("area");
-    QTest::addColumn<int>("screens");
-    QTest::addColumn<QPoint>("place"); // none: there is no place
-    const QPoint none(-9999, -9999);
-    QTest::newRow("below") << QRect(300, 200, 400, 300) << 1 << QPoint(300, 512);
-    QTest::newRow("above") << QRect(300, 200, 400, 600) << 1 << QPoint(300, 148);
-    QTest::newRow("right") << QRect(0, 0, 500, 800) << 1 << QPoint(512, 380);
-    QTest::newRow("left") << QRect(500, 0, 500, 800) << 1 << QPoint(88, 380);
-    QTest::newRow("clamped to the screen") << QRect(0, 200, 100, 100) << 1 << QPoint(0, 312);
-    QTest::newRow("nowhere") << QRect(0, 0, 1000, 800) << 1 << none;
-    QTest::newRow("on the other screen") << QRect(0, 0, 1000, 800) << 2 << QPoint(1012, 380);
+    const TestTable<QRect, int, QPoint> row("area", "screens", "place");
+    row("below", QRect(300, 200, 400, 300), 1, QPoint(300, 512));
+    row("above", QRect(300, 200, 400, 600), 1, QPoint(300, 148));
+    row("right", QRect(0, 0, 500, 800), 1, QPoint(512, 380));
+    row("left", QRect(500, 0, 500, 800), 1, QPoint(88, 380));
+    row("clamped to the screen", QRect(0, 200, 100, 100), 1, QPoint(0, 312));
+    row("clamped to its right edge", QRect(900, 200, 100, 100), 1, QPoint(600, 312));
+    row("nowhere", QRect(0, 0, 1000, 800), 1, kNowhere);
+    row("on the other screen", QRect(0, 0, 1000, 800), 2, QPoint(1012, 380));
+    row("on the screen with most of the area", QRect(900, 200, 400, 300), 2, QPoint(1000, 512));
 }
 
 void AreaPickerTest::toolbarPlacement()
 {
     QFETCH(QRect, area);
     QFETCH(int, screens);
-    QFETCH(QPoint, place);
     const QVector<QRect> all{{0, 0, 1000, 800}, {1000, 0, 1000, 800}};
-    const std::optional<QPoint> found = ToolbarPlacement::beside(area, QSize(400, 40), all.mid(0, screens));
-    QCOMPARE(found.value_or(QPoint(-9999, -9999)), place);
-    QVERIFY(!found || !QRect(*found, QSize(400, 40)).intersects(area));
+    QTEST(ToolbarPlacement::beside(area, QSize(400, 40), all.mid(0, screens)).value_or(kNowhere), "place");
 }
 
 QTEST_MAIN(AreaPickerTest)

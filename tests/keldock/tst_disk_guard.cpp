@@ -1,4 +1,5 @@
 #include "recorder/DiskGuard.h"
+#include "support/TestTable.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -19,12 +20,7 @@ void DiskGuardTest::warnsAndStops_data()
 {
     constexpr qint64 kGB = 1'000'000'000;
     constexpr qint64 kMB = 1'000'000;
-    QTest::addColumn<DiskGuard::Reading>("reading");
-    QTest::addColumn<QString>("emitted");
-    QTest::addColumn<bool>("canStart");
-    const auto row = [](const char *name, const DiskGuard::Reading &reading, const char *emitted, bool canStart) {
-        QTest::newRow(name) << reading << QString(emitted) << canStart;
-    };
+    const TestTable<DiskGuard::Reading, QString, bool> row("reading", "emitted", "canStart");
     row("plenty", {500 * kGB, 10 * kMB, 10'000}, "", true);
     row("just enough", {2 * kGB, 0, 0}, "", true);
     row("below two gigabytes", {2 * kGB - 1, 0, 0}, "low -1", true);
@@ -32,6 +28,7 @@ void DiskGuardTest::warnsAndStops_data()
     row("five minutes at this rate", {6200 * kMB, 200 * kMB, 10'000}, "", true);
     row("rate not settled yet", {5 * kGB, 200 * kMB, 4'000}, "", true);
     row("full", {200 * kMB - 1, 0, 0}, "full", false);
+    row("not one byte left", {0, 0, 0}, "full", false);
     row("unknown", {-1, 0, 0}, "", true);
     row("deleted", {500 * kGB, 0, 0, false}, "lost", true);
 }
@@ -68,7 +65,7 @@ void DiskGuardTest::examinesTheRealDisk()
     guard.watch(dir.path());
     QCOMPARE(lost.size(), 0);
     QVERIFY(dir.remove());
-    QTRY_COMPARE(lost.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(lost.size(), 1, 30000); // by its timer
     QVERIFY(guard.hasRoom(dir.path() + "/not/there/yet"));
 }
 

@@ -8,31 +8,14 @@
 #include <QThread>
 #include <QWaitCondition>
 
-#include <array>
 #include <functional>
-#include <memory>
 
 namespace
 {
 
 constexpr int kRounds = 200;
 bool isRacing = false;
-std::array<int, kRounds> shared{};
-
-} // namespace
-
-Q_DECLARE_METATYPE(std::shared_ptr<int>)
-
-class Producer : public QObject
-{
-    Q_OBJECT
-
-signals:
-    void produced(int index, const std::shared_ptr<int> &value);
-};
-
-namespace
-{
+int shared[kRounds]{};
 
 class Function : public QThread
 {
@@ -51,71 +34,54 @@ private:
     const std::function<void()> m_function;
 };
 
-/// A thread with an event loop, and an object that lives in it.
-class Loop
+/// Runs `hand`, which gives each round to another thread's event loop.
+void throughAnEventLoop(const std::function<void(QObject *receiver, int round)> &hand)
 {
-public:
-    Loop()
-    {
-        object.moveToThread(&m_thread);
-        m_thread.start();
+    QThread thread;
+    QObject receiver;
+    receiver.moveToThread(&thread);
+    thread.start();
+    for (int round = 0; round < kRounds; ++round) {
+        shared[round] = round;
+        hand(&receiver, round);
+        if (isRacing)
+            shared[round] = 0;
     }
-    ~Loop()
-    {
-        QMetaObject::invokeMethod(
-            &object, [this] { m_thread.quit(); }, Qt::QueuedConnection); // after all other calls
-        m_thread.wait();
-    }
-    Q_DISABLE_COPY(Loop)
-
-    QObject object;
-
-private:
-    QThread m_thread;
-};
+    // After all other calls.
+    QMetaObject::invokeMethod(
+        &receiver, [&thread] { thread.quit(); }, Qt::QueuedConnection);
+    thread.wait();
+}
 
 void queuedSignal()
 {
-    qRegisterMetaType<std::shared_ptr<int>>();
-    Producer producer;
-    const Loop loop;
-    QObject::connect(&producer, &Producer::produced, &loop.object,
-                     [](int index, const std::shared_ptr<int> &value) { shared[std::size_t(index)] += *value; });
-    for (int i = 0; i < kRounds; ++i) {
-        shared[std::size_t(i)] = i;
-        emit producer.produced(i, std::make_shared<int>(i));
-        if (isRacing)
-            shared[std::size_t(i)] = 0;
-    }
+    throughAnEventLoop([](QObject *receiver, int round) {
+        QObject sender;
+        QObject::connect(&sender, &QObject::objectNameChanged, receiver,
+                         [](const QString &name) { shared[name.toInt()] += name.size(); });
+        sender.setObjectName(QString::number(round));
+    });
 }
 
 void queuedCall()
 {
-    Loop loop;
-    for (std::size_t i = 0; i < kRounds; ++i) {
-        shared[i] = 1;
+    throughAnEventLoop([](QObject *receiver, int round) {
         QMetaObject::invokeMethod(
-            &loop.object, [i] { ++shared[i]; }, Qt::QueuedConnection);
-        if (isRacing)
-            shared[i] = 0;
-    }
+            receiver, [round] { ++shared[round]; }, Qt::QueuedConnection);
+    });
 }
 
 void mutex()
 {
     QMutex mutex;
-    const auto count = [&mutex](bool careless) {
+    const auto count = [&mutex](bool isCareful) {
         for (int i = 0; i < kRounds * 50; ++i) {
-            if (careless) {
-                ++shared[0];
-            } else {
-                const QMutexLocker lock(&mutex);
-                ++shared[0];
-            }
+            QMutexLocker lock(isCareful ? &mutex : nullptr);
+            ++shared[0];
         }
     };
-    const Function first([&count] { count(false); });
-    const Function second([&count] { count(isRacing); });
+    const Function first([&] { count(true); });
+    const Function second([&] { count(!isRacing); });
 }
 
 void waitCondition()
@@ -162,14 +128,14 @@ void semaphore()
 
 void finishedThread()
 {
-    Function thread([] {
+    const auto count = [] {
         for (int &value : shared)
             ++value;
-    });
+    };
+    Function thread(count);
     if (!isRacing)
         thread.wait();
-    for (int &value : shared)
-        ++value;
+    count();
 }
 
 } // namespace
@@ -187,5 +153,3 @@ int main(int argc, char *argv[])
     ways[argv[1]]();
     return 0;
 }
-
-#include "thread_sanitizer_probe.moc"

@@ -24,6 +24,28 @@ public:
     QMap<QString, QVariant> saved;
     bool refuses = false; ///< as a store that is read-only
 
+    /// The bound settings, except fonts, as they are now.
+    QMap<QString, QVariant> values() const
+    {
+        QMap<QString, QVariant> all;
+        const auto add = [&all](const auto &fields) {
+            for (auto field = fields.begin(); field != fields.end(); ++field)
+                all[field.key()] = *field.value();
+        };
+        add(m_colors);
+        add(m_bools);
+        add(m_ints);
+        return all;
+    }
+    /// Sets all bound numbers and colors, as an edited settings file may.
+    void setAll(int number, const QColor &color)
+    {
+        for (int *const field : qAsConst(m_ints))
+            *field = number;
+        for (QColor *const field : qAsConst(m_colors))
+            *field = color;
+    }
+
     void bindFont(const QString &, QFont *) override {}
     void bindString(const QString &, QString *) override {}
     void bindColor(const QString &key, QColor *field) override { m_colors[key] = field; }

@@ -5,23 +5,26 @@
 #include "notification/KelToastsMessage.h"
 #include "playback/PlaybackEngine.h"
 #include "playback/PlaybackInternals.h"
+#include "support/TestTable.h"
+#include "support/WhenModal.h"
 #include "ui/export/ExportDialogInternals.h"
 
 #include <KelMovie/KelPlaybackExportDialog.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTextDocument>
-#include <QTimer>
 #include <QtTest>
 
 using namespace kel;
+using Dialog = KelPlaybackExportDialog;
+using Choices = QVector<bool>;
 
+/// Exports a recording of 50 frames, the current one being 7, by a scripted encoder.
 class ExportDialogTest : public QObject
 {
     Q_OBJECT
@@ -34,124 +37,121 @@ private slots:
     void autoExitsAfterARecording();
     void cancel_data();
     void cancel();
+    void runTellsWhetherItWasCancelled();
     void restoresMinimizedWindow();
-    void warnsAboutMissingFrames();
-    void reportsFailure_data();
-    void reportsFailure();
+    void reportsProblem_data();
+    void reportsProblem();
 
 private:
-    std::unique_ptr<KelPlaybackExportDialog> makeDialog(QWidget *parent = nullptr)
+    void makeDialog(QWidget *parent = nullptr)
     {
-        return ExportDialogInternals::createDialog(m_request, scriptedEncoders(m_encoder), parent);
+        m_dialog = ExportDialogInternals::createDialog(m_request, scriptedEncoders(m_encoder), parent);
     }
-
-    /// Runs `action` in the event loop of the dialog as soon as `isDue` returns true.
-    static void when(const std::function<bool()> &isDue, const std::function<void()> &action)
+    template <typename Widget>
+    Widget *child(const char *name) const
     {
-        auto *const timer = new QTimer(qApp);
-        connect(timer, &QTimer::timeout, timer, [=] {
-            if (!isDue())
-                return;
-            timer->deleteLater();
-            timer->stop();
-            action();
-        });
-        timer->start(5);
+        return m_dialog->findChild<Widget *>(name);
+    }
+    /// Presses the button with this name, or Escape.
+    void press(const QString &button) const
+    {
+        if (button == "Escape")
+            QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
+        else
+            QTest::mouseClick(child<QPushButton>(qPrintable(button)), Qt::LeftButton);
     }
 
     RecordingOnDisk m_recording;
     std::shared_ptr<EncoderScript> m_encoder;
     std::shared_ptr<DecoderScript> m_decoder;
     std::unique_ptr<KelPlaybackTrackManager> m_manager;
-    QTemporaryDir m_dir;
+    std::unique_ptr<QTemporaryDir> m_dir;
     KelExportRequest m_request;
-    QVector<bool> m_exitChoices;
+    std::unique_ptr<Dialog> m_dialog;
+    Choices m_exitChoices;
 };
 
 void ExportDialogTest::init()
 {
+    m_recording.frames(50);
     m_encoder = std::make_shared<EncoderScript>();
+    m_decoder = std::make_shared<DecoderScript>();
     KelPlaybackDependencies dependencies;
     dependencies.nowMs = [] { return 0; };
-    m_decoder = std::make_shared<DecoderScript>();
     dependencies.decoders = scriptedDecoders(m_decoder);
-    m_recording.frames(50);
+    m_dialog.reset();
     m_manager = PlaybackInternals::load(m_recording.path(), dependencies);
     m_manager->seek(7);
     m_exitChoices.clear();
+    m_dir = std::make_unique<QTemporaryDir>();
     m_request = {};
-    m_request.format = 1;
-    m_request.outputPath = m_dir.filePath("out.gif");
+    m_request.format = KelExportRequest::Gif;
+    m_request.outputPath = m_dir->filePath("out.gif");
     m_request.playbackManager = m_manager.get();
     m_request.onExitRecord = [this](bool on) { m_exitChoices.append(on); };
 }
 
 void ExportDialogTest::closesByItselfAfterPlayback()
 {
-    const auto dialog = makeDialog();
-    const auto *const status = dialog->findChild<QLabel *>("labelStatus");
-    QString titleMeanwhile;
-    QString statusMeanwhile;
-    m_encoder->onFrame = [&](int) {
-        titleMeanwhile = dialog->windowTitle();
-        statusMeanwhile = status->text();
+    makeDialog();
+    const auto *const status = child<QLabel>("labelStatus");
+    const auto *const progress = child<QProgressBar>("progressBar");
+    QCOMPARE(progress->value(), 0);
+    QStringList meanwhile;
+    m_encoder->onFrame = [&](int frame) {
+        if (frame == 49)
+            meanwhile = QStringList{m_dialog->windowTitle(), status->text(), QString::number(progress->value())};
     };
-    QCOMPARE(dialog->exec(), int(QDialog::Accepted));
-    QCOMPARE(titleMeanwhile, QString("Exporting..."));
-    QVERIFY2(QRegularExpression("^Frame \\d+ of 50, .*\\d:\\d\\d").match(statusMeanwhile).hasMatch(),
-             qPrintable(statusMeanwhile));
+    QCOMPARE(m_dialog->exec(), int(QDialog::Accepted));
+    QCOMPARE(meanwhile.value(0), QString("Exporting..."));
+    QVERIFY2(QRegularExpression("^Frame \\d+ of 50, .*\\d:\\d\\d").match(meanwhile.value(1)).hasMatch(),
+             qPrintable(meanwhile.value(1)));
+    QVERIFY(meanwhile.value(2).toInt() > 0);
     QVERIFY2(status->text().startsWith("Saving the file"), qPrintable(status->text()));
     QCOMPARE(m_encoder->frames.size(), 50);
-    QCOMPARE(dialog->findChild<QProgressBar *>("progressBar")->value(), 100);
-    QVERIFY(!dialog->exitRecord());
+    QCOMPARE(progress->value(), 100);
+    QVERIFY(!m_dialog->exitRecord());
     QVERIFY(m_exitChoices.isEmpty());
 }
 
 void ExportDialogTest::asksAfterARecording_data()
 {
-    QTest::addColumn<bool>("tick");
-    QTest::addColumn<QString>("button"); // empty: Escape
-    QTest::addColumn<bool>("exits");
-    QTest::addColumn<QVector<bool>>("choices");
-
-    QTest::newRow("stay") << false << "btnComplete" << false << QVector<bool>{false};
-    QTest::newRow("exit from now on") << true << "btnComplete" << true << QVector<bool>{true, true};
-    QTest::newRow("exit this time") << false << "btnExitRecord" << true << QVector<bool>{};
-    QTest::newRow("escape keeps the file") << false << "" << false << QVector<bool>{};
+    const TestTable<bool, QString, bool, Choices> row("tick", "button", "exits", "choices");
+    row("stay", false, "btnComplete", false, {false});
+    row("exit from now on", true, "btnComplete", true, {true, true});
+    row("exit this time", false, "btnExitRecord", true, {});
+    row("escape keeps the file", false, "Escape", false, {});
 }
 
 void ExportDialogTest::asksAfterARecording()
 {
     QFETCH(bool, tick);
     QFETCH(QString, button);
-    QFETCH(bool, exits);
-    QFETCH(QVector<bool>, choices);
-
     m_request.fromRecording = true;
-    const auto dialog = makeDialog();
-    auto *const box = dialog->findChild<QCheckBox *>("cboxAutoExit");
-    when([&] { return box->isVisible(); },
-         [&] {
-             QCOMPARE(dialog->windowTitle(), QString("Export Complete"));
-             if (tick)
-                 box->click();
-             if (button.isEmpty())
-                 QTest::keyClick(dialog.get(), Qt::Key_Escape);
-             else
-                 QTest::mouseClick(dialog->findChild<QPushButton *>(button), Qt::LeftButton);
-         });
-    QCOMPARE(dialog->exec(), int(QDialog::Accepted));
-    QCOMPARE(dialog->exitRecord(), exits);
-    QCOMPARE(m_exitChoices, choices);
+    makeDialog();
+    auto *const box = child<QCheckBox>("cboxAutoExit");
+    QString title;
+    whenModal<Dialog>(
+        [&](Dialog *) {
+            title = m_dialog->windowTitle();
+            if (tick)
+                box->click();
+            press(button);
+        },
+        [&](Dialog *) { return box->isVisible(); });
+    QCOMPARE(m_dialog->exec(), int(QDialog::Accepted));
+    QCOMPARE(title, QString("Export Complete"));
+    QTEST(m_dialog->exitRecord(), "exits");
+    QTEST(m_exitChoices, "choices");
 }
 
 void ExportDialogTest::autoExitsAfterARecording()
 {
     m_request.fromRecording = true;
     m_request.autoExitAfterEncode = true;
-    const auto dialog = makeDialog();
-    QCOMPARE(dialog->exec(), int(QDialog::Accepted));
-    QVERIFY(dialog->exitRecord());
+    makeDialog();
+    QCOMPARE(m_dialog->exec(), int(QDialog::Accepted));
+    QVERIFY(m_dialog->exitRecord());
     QString toast;
     for (const QWidget *window : QApplication::topLevelWidgets()) {
         if (const auto *note = qobject_cast<const KelToastsMessage *>(window))
@@ -162,115 +162,115 @@ void ExportDialogTest::autoExitsAfterARecording()
 
 void ExportDialogTest::cancel_data()
 {
-    QTest::addColumn<bool>("whileFinishing");
-    QTest::addColumn<bool>("byEscape");
-    QTest::newRow("button, between frames") << false << false;
-    QTest::newRow("escape, between frames") << false << true;
-    QTest::newRow("button, while the encoder finishes") << true << false;
+    const TestTable<QString, QString, int> row("when", "button", "result");
+    row("between frames", "frame 20", "btnCancel", QDialog::Rejected);
+    row("between frames, by key", "frame 20", "Escape", QDialog::Rejected);
+    row("while the encoder finishes", "finishing", "btnCancel", QDialog::Rejected);
+    row("too late", "complete", "btnCancel", QDialog::Accepted);
 }
 
 void ExportDialogTest::cancel()
 {
-    QFETCH(bool, whileFinishing);
-    QFETCH(bool, byEscape);
-
-    const auto dialog = makeDialog();
-    const auto press = [&] {
-        if (byEscape)
-            QTest::keyClick(dialog.get(), Qt::Key_Escape);
-        else
-            QTest::mouseClick(dialog->findChild<QPushButton *>("btnCancel"), Qt::LeftButton);
+    QFETCH(QString, when);
+    QFETCH(QString, button);
+    QFETCH(int, result);
+    makeDialog();
+    m_encoder->hangsInClose = when == "finishing";
+    m_encoder->onFrame = [&](int frame) {
+        if (frame == 20 && when == "frame 20")
+            press(button);
     };
-    m_encoder->hangsInClose = whileFinishing;
-    if (whileFinishing) {
-        when([&] { return m_encoder->frames.size() == 50; }, press);
-    } else {
-        m_encoder->onFrame = [&](int frame) {
-            if (frame == 20)
-                press();
-        };
-    }
-    QCOMPARE(dialog->exec(), int(QDialog::Rejected));
-    QVERIFY(m_encoder->aborted);
-    QVERIFY(whileFinishing || m_encoder->frames.size() == 21);
+    if (when == "finishing")
+        whenModal<Dialog>([&](Dialog *) { press(button); }, [&](Dialog *) { return m_encoder->isClosing.load(); });
+    connect(child<QProgressBar>("progressBar"), &QProgressBar::valueChanged, this, [&](int percent) {
+        if (percent == 100)
+            press(button);
+    });
+    QCOMPARE(m_dialog->exec(), result);
+    const bool isComplete = result == QDialog::Accepted;
+    QCOMPARE(QFile::exists(m_request.outputPath), isComplete);
+    QCOMPARE(m_encoder->aborted.load(), !isComplete);
+    QCOMPARE(m_encoder->frames.size(), when == "frame 20" ? 21 : 50);
     QCOMPARE(m_manager->currentFrame(), 7);
+}
+
+void ExportDialogTest::runTellsWhetherItWasCancelled()
+{
+    bool isCancelled = false;
+    QTimer::singleShot(0, [] { static_cast<QDialog *>(QApplication::activeModalWidget())->reject(); });
+    QVERIFY(!Dialog::run(m_request, nullptr, &isCancelled));
+    QVERIFY(isCancelled);
+    QVERIFY(Dialog::run(m_request, nullptr, &isCancelled));
+    QVERIFY(!isCancelled);
+    QVERIFY(QFile::exists(m_request.outputPath));
 }
 
 void ExportDialogTest::restoresMinimizedWindow()
 {
     QWidget application;
     application.show();
-    const auto dialog = makeDialog(&application);
+    makeDialog(&application);
     bool wasMinimized = false;
     m_encoder->onFrame = [&](int frame) {
         if (frame == 10)
-            QTest::mouseClick(dialog->findChild<QPushButton *>("btnMinimize"), Qt::LeftButton);
+            press("btnMinimize");
         wasMinimized = wasMinimized || application.isMinimized();
     };
-    QCOMPARE(dialog->exec(), int(QDialog::Accepted));
+    QCOMPARE(m_dialog->exec(), int(QDialog::Accepted));
     QVERIFY(wasMinimized);
     QVERIFY(!application.isMinimized());
+    m_dialog.reset();
 }
 
-void ExportDialogTest::warnsAboutMissingFrames()
+void ExportDialogTest::reportsProblem_data()
 {
-    for (int frame = 20; frame < 50; ++frame)
-        m_decoder->failures[frame] = 100;
-    const auto dialog = makeDialog();
-    QString message;
-    const auto box = [] { return qobject_cast<QMessageBox *>(QApplication::activeModalWidget()); };
-    when([&] { return box() != nullptr; },
-         [&] {
-             QTextDocument detail;
-             detail.setHtml(box()->informativeText());
-             message = box()->text() + detail.toPlainText();
-             box()->button(QMessageBox::Ok)->click();
-         });
-    QCOMPARE(dialog->exec(), int(QDialog::Accepted));
-    QVERIFY2(message.contains("problems") && message.contains("30 frames"), qPrintable(message));
-}
-
-void ExportDialogTest::reportsFailure_data()
-{
-    QTest::addColumn<int>("failAtFrame");
-    QTest::addColumn<bool>("throws");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("detail");
-
-    QTest::newRow("encoder") << 3 << false << "Failed to generate video track"
-                             << "Failed to encode frame 3: scripted failure";
-    QTest::newRow("exception") << -1 << true << "An error occurred during export: no <more> paper"
-                               << "";
-}
-
-void ExportDialogTest::reportsFailure()
-{
-    QFETCH(int, failAtFrame);
-    QFETCH(bool, throws);
-    QFETCH(QString, text);
-    QFETCH(QString, detail);
-
-    m_encoder->failAtFrame = failAtFrame;
-    m_encoder->onFrame = [&](int frame) {
-        if (throws && frame == 5)
-            throw std::runtime_error("no <more> paper");
+    const TestTable<QString, QString, QString> row("text", "detail", "title");
+    const auto failure = [&](const char *name, const char *text, const char *detail) {
+        row(name, text, detail, "Export Error");
     };
-    const auto dialog = makeDialog();
+    failure("start", "Failed to generate video track", "Track manager is null");
+    failure("encoder", "Failed to generate video track", "Failed to encode frame 3: scripted failure");
+    failure("exception", "An error occurred during export: no <more> paper", "");
+    failure("destination", "Failed to mix audio and video tracks", "Failed to copy video file to output path: ");
+    row("missing frames", "Exported with problems", "30 frames of the video could not be decoded", "Export Complete");
+}
+
+void ExportDialogTest::reportsProblem()
+{
+    const QString problem = QTest::currentDataTag();
+    QFETCH(QString, detail);
+    if (problem == "start")
+        m_request.playbackManager = nullptr;
+    if (problem == "encoder")
+        m_encoder->failAtFrame = 3;
+    if (problem == "destination") {
+        m_request.format = KelExportRequest::Mp4;
+        m_request.outputPath = m_dir->filePath("out.mp4");
+    }
+    for (int frame = 20; problem == "missing frames" && frame < 50; ++frame)
+        m_decoder->failures[frame] = 100;
+    m_encoder->onFrame = [&](int frame) {
+        if (problem == "exception" && frame == 5)
+            throw std::runtime_error("no <more> paper");
+        if (problem == "destination" && frame == 5)
+            QDir().mkpath(m_request.outputPath + "/in the way");
+    };
+    makeDialog();
     QString title;
-    QString message;
-    QTextDocument detailMessage;
-    const auto box = [] { return qobject_cast<QMessageBox *>(QApplication::activeModalWidget()); };
-    when([&] { return box() != nullptr; },
-         [&] {
-             title = box()->windowTitle();
-             message = box()->text();
-             detailMessage.setHtml(box()->informativeText());
-             box()->button(QMessageBox::Ok)->click();
-         });
-    QCOMPARE(dialog->exec(), int(QDialog::Rejected));
-    QCOMPARE(title, QString("Export Error"));
-    QCOMPARE(message, text);
-    QCOMPARE(detailMessage.toPlainText(), detail);
+    QString text;
+    QTextDocument shownDetail;
+    whenModal<QMessageBox>([&](QMessageBox *box) {
+        title = box->windowTitle();
+        text = box->text();
+        shownDetail.setHtml(box->informativeText());
+        box->button(QMessageBox::Ok)->click();
+    });
+    const int result = m_dialog->exec();
+    QTEST(title, "title");
+    QTEST(text, "text");
+    QVERIFY2(shownDetail.toPlainText().startsWith(detail) && detail.isEmpty() == shownDetail.isEmpty(),
+             qPrintable(shownDetail.toPlainText()));
+    QCOMPARE(result, int(problem == "missing frames" ? QDialog::Accepted : QDialog::Rejected));
     QCOMPARE(m_manager->currentFrame(), 7);
 }
 

@@ -1,6 +1,7 @@
 #include "kelmovie/support/SavingConfigIO.h"
 
 #include "style/KelStyleTheme.h"
+#include "support/Controls.h"
 #include "support/TestTable.h"
 #include "widget/FloatPanel.h"
 
@@ -15,19 +16,15 @@
 #include <KelMovie/PlaySpeedLabel.h>
 
 #include <QListWidget>
+#include <QVBoxLayout>
 #include <QtTest>
+
+#include <optional>
 
 namespace
 {
 
-QStringList texts(const QListWidget *list)
-{
-    QStringList result;
-    for (int row = 0; row < list->count(); ++row)
-        result << list->item(row)->text();
-    return result;
-}
-
+/// Clicks the label and returns the list of its panel; null if the panel does not open.
 QListWidget *openList(LabelWidthFloatPanel *label)
 {
     label->show();
@@ -35,110 +32,92 @@ QListWidget *openList(LabelWidthFloatPanel *label)
     return label->panel()->isVisible() ? label->panel()->findChild<QListWidget *>() : nullptr;
 }
 
-void clickRow(QListWidget *list, int row)
+template <typename Label>
+LabelWidthFloatPanel *create()
 {
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(row)).center());
+    return new Label;
 }
 
 } // namespace
+
+using LabelFactory = LabelWidthFloatPanel *(*)();
+Q_DECLARE_METATYPE(LabelFactory)
 
 class MovieControlsTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void buttons_data();
-    void buttons();
+    void playButton();
+    void recordButton();
+    void pauseButton();
     void playTimes_data();
     void playTimes();
     void controlBar();
-    void speed();
+    void choices_data();
+    void choices();
+    void choosesSpeedByKeys();
+    void unknownFrameRate();
     void recordTimes_data();
     void recordTimes();
     void recordTimeIsUpdatedOncePerSecond();
-    void delay();
-    void frameRate();
-    void frameRateWithoutAStore();
-    void listsFitTheirRows();
-    void everyControlHasToolTipAndName();
+    void controlsAreAccessible();
+
+private:
+    template <typename Button>
+    void checkButton(const char *name, bool (Button::*isOn)() const, void (Button::*setOn)(bool),
+                     void (Button::*clicked)(bool), char16_t off, char16_t on, bool otherTextIsOn);
 };
 
-namespace
-{
-
-/// The interface that the three button classes have in common.
-struct TwoGlyphs {
-    std::shared_ptr<QPushButton> button;
-    std::function<bool()> state;
-    std::function<void(bool)> setState;
-    std::shared_ptr<QVector<bool>> changes;
-    QString off;
-    QString on;
-    bool otherTextIsOn;
-};
-
+/// The state of a button is its text, a single glyph.
 template <typename Button>
-TwoGlyphs twoGlyphs(bool (Button::*state)() const, void (Button::*setState)(bool), void (Button::*changed)(bool),
-                    char16_t off, char16_t on, bool otherTextIsOn)
+void MovieControlsTest::checkButton(const char *name, bool (Button::*isOn)() const, void (Button::*setOn)(bool),
+                                    void (Button::*clicked)(bool), char16_t off, char16_t on, bool otherTextIsOn)
 {
-    const auto button = std::make_shared<Button>();
-    const auto changes = std::make_shared<QVector<bool>>();
-    QObject::connect(button.get(), changed, button.get(), [changes](bool is) { changes->append(is); });
-    return {button,
-            [button, state] { return (button.get()->*state)(); },
-            [button, setState](bool is) { (button.get()->*setState)(is); },
-            changes,
-            QString(QChar(off)),
-            QString(QChar(on)),
-            otherTextIsOn};
+    Button button;
+    QSignalSpy clicks(&button, clicked);
+    QCOMPARE(button.objectName(), QString(name));
+    QVERIFY(!(button.*isOn)());
+    QCOMPARE(button.text(), QString(QChar(off)));
+    const QString offAction = button.toolTip();
+
+    (button.*setOn)(true);
+    (button.*setOn)(true);
+    QCOMPARE(button.text(), QString(QChar(on)));
+    QVERIFY((button.*isOn)());
+    QVERIFY(clicks.isEmpty());
+    QVERIFY(button.toolTip() != offAction);
+    QCOMPARE(button.accessibleName(), button.toolTip());
+
+    QTest::mouseClick(&button, Qt::LeftButton);
+    QCOMPARE(button.text(), QString(QChar(off)));
+    QCOMPARE(button.toolTip(), offAction);
+    QTest::keyClick(&button, Qt::Key_Space);
+    QCOMPARE(button.text(), QString(QChar(on)));
+    QCOMPARE(clicks, (QList<QVariantList>{{false}, {true}}));
+
+    button.setText("?");
+    QCOMPARE((button.*isOn)(), otherTextIsOn);
 }
 
-} // namespace
-
-Q_DECLARE_METATYPE(TwoGlyphs)
-
-void MovieControlsTest::buttons_data()
+void MovieControlsTest::playButton()
 {
-    const TestTable<TwoGlyphs, QString> row("glyphs", "name");
-    row("play",
-        twoGlyphs(&PlayPauseButton::isPlay, &PlayPauseButton::setPlay, &PlayPauseButton::sigPlay, 0xe624, 0xe622,
-                  false),
-        "PlayPauseButton");
-    row("record",
-        twoGlyphs(&KelRecordButton::isRecording, &KelRecordButton::setRecording,
-                  &KelRecordButton::sigRecordStateChanged, 0xe62f, 0xe692, true),
-        "PlayPauseButton");
-    row("pause",
-        twoGlyphs(&KelRecordPauseButton::isPause, &KelRecordPauseButton::setPause,
-                  &KelRecordPauseButton::sigPauseStateChanged, 0xe622, 0xe624, true),
-        "KelRecordPauseButton");
+    using Button = PlayPauseButton;
+    checkButton("PlayPauseButton", &Button::isPlay, &Button::setPlay, &Button::sigPlay, 0xe624, 0xe622, false);
 }
 
-void MovieControlsTest::buttons()
+void MovieControlsTest::recordButton()
 {
-    QFETCH(TwoGlyphs, glyphs);
-    QPushButton *const button = glyphs.button.get();
-    QTEST(button->objectName(), "name");
-    QVERIFY(!glyphs.state());
-    QCOMPARE(button->text(), glyphs.off);
-    const QString offAction = button->toolTip();
+    using Button = KelRecordButton;
+    checkButton("PlayPauseButton", &Button::isRecording, &Button::setRecording, &Button::sigRecordStateChanged, 0xe62f,
+                0xe692, true);
+}
 
-    glyphs.setState(true);
-    glyphs.setState(true);
-    QCOMPARE(button->text(), glyphs.on);
-    QVERIFY(glyphs.state());
-    QVERIFY(glyphs.changes->isEmpty());
-    QVERIFY(button->toolTip() != offAction);
-    QCOMPARE(button->accessibleName(), button->toolTip());
-
-    QTest::mouseClick(button, Qt::LeftButton);
-    QCOMPARE(button->text(), glyphs.off);
-    QTest::keyClick(button, Qt::Key_Space);
-    QCOMPARE(button->text(), glyphs.on);
-    QCOMPARE(*glyphs.changes, (QVector<bool>{false, true}));
-
-    button->setText("?");
-    QCOMPARE(glyphs.state(), glyphs.otherTextIsOn);
+void MovieControlsTest::pauseButton()
+{
+    using Button = KelRecordPauseButton;
+    checkButton("KelRecordPauseButton", &Button::isPause, &Button::setPause, &Button::sigPauseStateChanged, 0xe622,
+                0xe624, true);
 }
 
 void MovieControlsTest::playTimes_data()
@@ -194,28 +173,75 @@ void MovieControlsTest::controlBar()
     QCOMPARE(plays.size(), 1);
 }
 
-void MovieControlsTest::speed()
+void MovieControlsTest::choices_data()
+{
+    const TestTable<LabelFactory, QString, int, int, QString, QVariant> row("label", "texts", "current", "clicked",
+                                                                            "text", "value");
+    row("speed", create<PlaySpeedLabel>, "0.2X 0.5X 0.8X 1.0X 1.2X 1.5X 1.8X 2.0X", 3, 5, "1.5X", 1.5);
+    row("delay", create<KelRecordTimeLable>, "No delay -1s -2s -3s -5s -10s", 0, 5, "-0:10", 10);
+    row("frame rate", create<KelRecordFpsLabel>, "5FPS 16FPS 24FPS 60FPS", 2, 3, "60FPS", 60);
+}
+
+void MovieControlsTest::choices()
+{
+    QFETCH(LabelFactory, label);
+    QFETCH(int, clicked);
+    QFETCH(QString, text);
+    QFETCH(QVariant, value);
+    for (const bool hasStore : {true, false}) {
+        std::optional<SavingConfigIO> io(std::in_place);
+        const std::unique_ptr<LabelWidthFloatPanel> control(label());
+        if (!hasStore)
+            io.reset();
+        std::optional<QSignalSpy> speeds;
+        if (auto *const speed = qobject_cast<PlaySpeedLabel *>(control.get()))
+            speeds.emplace(speed, &PlaySpeedLabel::sigSpeedChanged);
+        const QListWidget *const list = openList(control.get());
+        QVERIFY(list);
+        QStringList texts;
+        for (int row = 0; row < list->count(); ++row) {
+            texts += list->item(row)->text();
+            QVERIFY2(list->viewport()->rect().contains(list->visualItemRect(list->item(row))), "a row is cut off");
+        }
+        QTEST(texts.join(' '), "texts");
+        QVERIFY(control->panel()->rect().contains(list->geometry()));
+        QTEST(list->currentRow(), "current");
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(clicked)).center());
+        QVERIFY(!control->panel()->isVisible());
+        QCOMPARE(control->text(), text);
+        if (speeds)
+            QCOMPARE(*speeds, QList<QVariantList>{{value}});
+        else if (hasStore)
+            QCOMPARE(io->saved.values(), QList<QVariant>{value});
+        gKelMovieConfig = KelMovieConfig();
+    }
+}
+
+void MovieControlsTest::choosesSpeedByKeys()
 {
     PlaySpeedLabel label;
     QCOMPARE(label.objectName(), QString("PlaySpeedLabel"));
-    QCOMPARE(label.text(), QString("1.0X"));
+    label.setSpeed(1.5);
     QSignalSpy changed(&label, &PlaySpeedLabel::sigSpeedChanged);
-    QListWidget *list = openList(&label);
-    QVERIFY(list);
-    QCOMPARE(texts(list), QStringList({"0.2X", "0.5X", "0.8X", "1.0X", "1.2X", "1.5X", "1.8X", "2.0X"}));
-    QCOMPARE(list->currentRow(), 3);
-    clickRow(list, 5);
-    QCOMPARE(changed, QList<QVariantList>{{1.5}});
-    QCOMPARE(label.getSpeed(), 1.5);
-    QVERIFY(!label.panel()->isVisible());
-
-    list = openList(&label);
+    QListWidget *const list = openList(&label);
     QTest::keyClick(list, Qt::Key_Down);
     QTest::keyClick(list, Qt::Key_Return);
     QCOMPARE(label.text(), QString("1.8X"));
-    QCOMPARE(changed.size(), 2);
-    label.setSpeed(0.2);
-    QCOMPARE(changed.size(), 2);
+    QCOMPARE(changed, QList<QVariantList>{{1.8}});
+    QCOMPARE(label.getSpeed(), 1.8);
+}
+
+/// No row is selected, and Enter does not choose the first one.
+void MovieControlsTest::unknownFrameRate()
+{
+    SavingConfigIO io;
+    gKelMovieConfig.recordFps = 30;
+    KelRecordFpsLabel label;
+    QCOMPARE(label.text(), QString("30FPS"));
+    QListWidget *const list = openList(&label);
+    QVERIFY(list->selectedItems().isEmpty());
+    QTest::keyClick(list, Qt::Key_Return);
+    QVERIFY(io.saved.isEmpty());
 }
 
 void MovieControlsTest::recordTimes_data()
@@ -255,81 +281,20 @@ void MovieControlsTest::recordTimeIsUpdatedOncePerSecond()
     QCOMPARE(label.text(), QString("00:06"));
 }
 
-void MovieControlsTest::delay()
+void MovieControlsTest::controlsAreAccessible()
 {
-    SavingConfigIO io;
-    KelRecordTimeLable label;
-    QListWidget *const list = openList(&label);
-    QVERIFY(list);
-    QCOMPARE(label.panel()->findChild<QLabel *>("DescLabel")->text(), QString("Record delay"));
-    QCOMPARE(texts(list), QStringList({"No delay", "-1s", "-2s", "-3s", "-5s", "-10s"}));
-    QCOMPARE(list->currentRow(), 0);
-    clickRow(list, 5);
-    QCOMPARE(io.saved, (QMap<QString, QVariant>{{"KelMovie.record.delay", 10}}));
-    QCOMPARE(label.text(), QString("-0:10"));
-    QVERIFY(!label.panel()->isVisible());
-}
-
-void MovieControlsTest::frameRate()
-{
-    SavingConfigIO io;
-    gKelMovieConfig.recordFps = 30;
-    KelRecordFpsLabel label;
-    QCOMPARE(label.text(), QString("30FPS"));
-    QListWidget *const list = openList(&label);
-    QVERIFY(list);
-    QCOMPARE(texts(list), QStringList({"5FPS", "16FPS", "24FPS", "60FPS"}));
-    QVERIFY(list->selectedItems().isEmpty());
-    QTest::keyClick(list, Qt::Key_Return);
-    QVERIFY(io.saved.isEmpty());
-    clickRow(list, 3);
-    QCOMPARE(io.saved, (QMap<QString, QVariant>{{"KelMovie.record.fps", 60}}));
-    QCOMPARE(label.text(), QString("60FPS"));
-    QVERIFY(!label.panel()->isVisible());
-}
-
-void MovieControlsTest::frameRateWithoutAStore()
-{
-    KelRecordFpsLabel label;
-    clickRow(openList(&label), 0);
-    QCOMPARE(label.text(), QString("5FPS"));
-    gKelMovieConfig.recordFps = 24;
-}
-
-void MovieControlsTest::listsFitTheirRows()
-{
-    KelRecordTimeLable time;
-    KelRecordFpsLabel fps;
-    PlaySpeedLabel speed;
-    for (LabelWidthFloatPanel *const label :
-         {static_cast<LabelWidthFloatPanel *>(&time), static_cast<LabelWidthFloatPanel *>(&fps),
-          static_cast<LabelWidthFloatPanel *>(&speed)}) {
-        const QListWidget *const list = openList(label);
-        QVERIFY(list);
-        QVERIFY(list->viewport()->rect().contains(list->visualItemRect(list->item(0))));
-        QVERIFY(list->viewport()->rect().contains(list->visualItemRect(list->item(list->count() - 1))));
-        QVERIFY(label->panel()->rect().contains(list->geometry()));
-        label->panel()->hideManual();
-    }
-}
-
-void MovieControlsTest::everyControlHasToolTipAndName()
-{
-    KelPlayCtrlWidget controls;
-    KelPlayTimeLable played;
-    KelRecordTimeLable recorded;
-    KelRecordFpsLabel fps;
-    PlaySpeedLabel speed;
-    for (const QWidget *const control :
-         {static_cast<QWidget *>(controls.findChild<PlayProgressBar *>()),
-          static_cast<QWidget *>(controls.findChild<PlayPauseButton *>()),
-          static_cast<QWidget *>(controls.findChild<QLabel *>("playTimeLabel")), static_cast<QWidget *>(&played),
-          static_cast<QWidget *>(&recorded), static_cast<QWidget *>(&fps), static_cast<QWidget *>(&speed)}) {
-        QVERIFY2(!control->toolTip().isEmpty(), control->metaObject()->className());
-        QVERIFY2(!control->accessibleName().isEmpty(), control->metaObject()->className());
-        const bool isPlainLabel = qstrcmp(control->metaObject()->className(), "QLabel") == 0 || control == &played;
-        QVERIFY2(isPlainLabel || control->focusPolicy() & Qt::TabFocus, control->metaObject()->className());
-    }
+    QWidget window;
+    auto *const layout = new QVBoxLayout(&window);
+    auto *const played = new KelPlayTimeLable;
+    for (QWidget *const control :
+         {static_cast<QWidget *>(new KelPlayCtrlWidget), static_cast<QWidget *>(played),
+          static_cast<QWidget *>(new KelRecordTimeLable), static_cast<QWidget *>(new KelRecordFpsLabel),
+          static_cast<QWidget *>(new PlaySpeedLabel)})
+        layout->addWidget(control);
+    window.show();
+    QCOMPARE(controlFaults(&window).join('\n'), QString());
+    for (const QWidget *const label : {static_cast<QWidget *>(played), window.findChild<QWidget *>("playTimeLabel")})
+        QVERIFY(!label->accessibleName().isEmpty() && !label->toolTip().isEmpty());
 }
 
 QTEST_MAIN(MovieControlsTest)

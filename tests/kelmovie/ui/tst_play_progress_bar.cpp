@@ -10,220 +10,232 @@ namespace
 {
 
 constexpr int kHeight = 18;
-constexpr int kDurationMs = 1000;
+constexpr int kMsPerPixel = 10;
+constexpr int kDurationMs = 50000;
 
 } // namespace
 
-/// One pixel of the bar is one millisecond, so that gestures can be written in milliseconds.
+/// The bar of a recording of 50 seconds, of which 10 to 40 are selected, at second 25 unless a case says otherwise.
 class PlayProgressBarTest : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void init();
     void gestures_data();
     void gestures();
-    void keys();
     void accessibleInterfaceIsASlider();
-    void playTimeIsDeferredWhileDragging();
-    void rangeAndDuration();
-    void sizes();
-    void painting();
+    void reportedTimeWaitsForTheEndOfADrag();
+    void rangeFollowsDuration();
+    void unknownDuration();
+    void looks();
     void cursorOverHandles();
 
 private:
-    static std::unique_ptr<PlayProgressBar> makeBar(bool rangeEditable);
-    void report(const PlayProgressBar *bar);
-    static void perform(PlayProgressBar *bar, const QString &gesture);
-    static QPoint at(double ms) { return {kHeight / 2 + int(ms), kHeight / 2}; }
-    static QColor pixel(PlayProgressBar *bar, int ms) { return bar->grab().toImage().pixelColor(at(ms)); }
+    void makeBar(bool rangeEditable);
+    void perform(const QString &gesture);
+    void moveTo(int ms);
+    static QPoint at(int ms) { return {kHeight / 2 + ms / kMsPerPixel, kHeight / 2}; }
+    QColor pixel(int ms) { return m_bar->grab().toImage().pixelColor(at(ms)); }
 
-    QStringList m_report;
+    std::unique_ptr<PlayProgressBar> m_bar;
+    QStringList m_signals;
 };
 
-std::unique_ptr<PlayProgressBar> PlayProgressBarTest::makeBar(bool rangeEditable)
+void PlayProgressBarTest::init()
 {
-    auto bar = std::make_unique<PlayProgressBar>(rangeEditable);
-    bar->setBarHeight(12);
-    bar->resize(kDurationMs + kHeight, kHeight);
-    bar->setDuration(kDurationMs);
-    bar->setPlayRange(200, 800);
-    bar->setPlayTime(400);
-    return bar;
+    makeBar(true);
 }
 
-/// Records the signals of a bar as text.
-void PlayProgressBarTest::report(const PlayProgressBar *bar)
+void PlayProgressBarTest::makeBar(bool rangeEditable)
 {
-    m_report.clear();
-    connect(bar, &PlayProgressBar::sigPlayTimePress, this, [this] { m_report << "press"; });
-    connect(bar, &PlayProgressBar::sigPlayTimeChanged, this, [this](int ms) { m_report << QString::number(ms); });
-    connect(bar, &PlayProgressBar::sigPlayTimeRelease, this, [this] { m_report << "release"; });
-    connect(bar, &PlayProgressBar::sigRangeAdjustStart, this, [this](int t) { m_report << QString("start%1").arg(t); });
-    connect(bar, &PlayProgressBar::sigPlayRangeChanged, this,
-            [this](int start, int end, int type) { m_report << QString("%1-%2/%3").arg(start).arg(end).arg(type); });
-    connect(bar, &PlayProgressBar::sigRangeAdjustEnd, this, [this](int t) { m_report << QString("end%1").arg(t); });
+    m_bar = std::make_unique<PlayProgressBar>(rangeEditable);
+    m_bar->setBarHeight(12);
+    m_bar->resize(kDurationMs / kMsPerPixel + kHeight, kHeight);
+    m_bar->setDuration(kDurationMs);
+    m_bar->setPlayRange(10000, 40000);
+    m_bar->setPlayTime(25000);
+    m_signals.clear();
+    const auto note = [this](const QString &text) { m_signals += text; };
+    using Bar = PlayProgressBar;
+    connect(m_bar.get(), &Bar::sigPlayTimePress, this, [=] { note("press"); });
+    connect(m_bar.get(), &Bar::sigPlayTimeChanged, this, [=](int ms) { note(QString::number(ms)); });
+    connect(m_bar.get(), &Bar::sigPlayTimeRelease, this, [=] { note("release"); });
+    connect(m_bar.get(), &Bar::sigRangeAdjustStart, this, [=](int type) { note(QString("start%1").arg(type)); });
+    connect(m_bar.get(), &Bar::sigPlayRangeChanged, this,
+            [=](int start, int end, int type) { note(QString("%1-%2/%3").arg(start).arg(end).arg(type)); });
+    connect(m_bar.get(), &Bar::sigRangeAdjustEnd, this, [=](int type) { note(QString("end%1").arg(type)); });
 }
 
-/// A gesture is the positions in ms of a press, any moves and the release: "200 300 500".
-void PlayProgressBarTest::perform(PlayProgressBar *bar, const QString &gesture)
+void PlayProgressBarTest::moveTo(int ms)
 {
-    const QStringList places = gesture.split(' ');
-    const QPoint last = at(places.last().toDouble());
-    QTest::mousePress(bar, Qt::LeftButton, {}, at(places.first().toDouble()));
-    for (const QString &place : places.mid(1)) {
-        QMouseEvent move(QEvent::MouseMove, at(place.toDouble()), Qt::NoButton, Qt::LeftButton, {});
-        QApplication::sendEvent(bar, &move);
+    QMouseEvent move(QEvent::MouseMove, at(ms), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(m_bar.get(), &move);
+}
+
+/// Keys, and positions in ms: the mouse is pressed at the first, moved to the others and released at the last.
+void PlayProgressBarTest::perform(const QString &gesture)
+{
+    int last = -1;
+    bool isPressed = false;
+    for (const QString &step : gesture.split(' ')) {
+        if (step.at(0).isLetter()) {
+            QTest::keySequence(m_bar.get(), QKeySequence(step));
+            continue;
+        }
+        last = step.toInt();
+        if (isPressed)
+            moveTo(last);
+        else
+            QTest::mousePress(m_bar.get(), Qt::LeftButton, {}, at(last));
+        isPressed = true;
     }
-    QTest::mouseRelease(bar, Qt::LeftButton, {}, last);
+    if (isPressed)
+        QTest::mouseRelease(m_bar.get(), Qt::LeftButton, {}, at(last));
 }
 
 void PlayProgressBarTest::gestures_data()
 {
-    const TestTable<QString, QString, bool> row("gesture", "expected", "rangeEditable");
-    row("seek", "300", "press 300 release", true);
-    row("seek and drag", "300 350 310", "press 300 350 310 release", true);
-    row("dragged out of the range", "300 100 950", "press 300 200 800 release", true);
-    row("before the range", "100 300", "", true);
-    row("after the range", "900 300", "", true);
-    row("start handle", "200 250 150", "start0 250-800/0 150-800/0 end0", true);
-    row("end handle", "800 700 900", "start1 200-700/1 200-900/1 end1", true);
-    row("handles stop at the ends of the recording", "200 -50 1100", "start0 0-800/0 800-1000/0 end1", true);
-    row("start handle past the end, and on", "200 850 900 700", "start0 800-850/0 800-900/1 700-800/1 end0", true);
-    row("end handle past the start, and on", "800 150 100 300", "start1 150-200/1 100-200/0 200-300/0 end1", true);
-    row("empty range", "200 800", "start0 800-800/0 end0", true);
-    row("edge of the handle", "202 210", "start0 210-800/0 end0", true);
-    row("next to the handle", "203 210", "press 203 210 release", true);
-    row("on a handle, not editable", "200 300", "press 200 300 release", false);
-    row("on its outer half, not editable", "199 300", "", false);
+    const TestTable<QString, QString, bool, int> row("gesture", "expected", "rangeEditable", "playTime");
+    const auto mouse = [&](const char *name, const char *gesture, const char *expected, bool rangeEditable = true) {
+        row(name, gesture, expected, rangeEditable, 25000);
+    };
+    mouse("seek", "15000", "press 15000 release");
+    mouse("seek and drag", "15000 17500 15500", "press 15000 17500 15500 release");
+    mouse("dragged out of the range", "15000 5000 45000", "press 15000 10000 40000 release");
+    mouse("before the range", "5000 15000", "");
+    mouse("after the range", "45000 15000", "");
+    mouse("start handle", "10000 12500 7500", "start0 12500-40000/0 7500-40000/0 end0");
+    mouse("end handle", "40000 35000 45000", "start1 10000-35000/1 10000-45000/1 end1");
+    mouse("handles stop at the ends of the recording", "10000 -40 50040", "start0 0-40000/0 40000-50000/0 end1");
+    mouse("start handle past the end, and on", "10000 42000 45000 35000",
+          "start0 40000-42000/0 40000-45000/1 35000-40000/1 end0");
+    mouse("end handle past the start, and on", "40000 8000 5000 15000",
+          "start1 8000-10000/1 5000-10000/0 10000-15000/0 end1");
+    mouse("empty range", "10000 40000", "start0 40000-40000/0 end0");
+    mouse("edge of the handle", "10020 10500", "start0 10500-40000/0 end0");
+    mouse("next to the handle", "10030 10500", "press 10030 10500 release");
+    mouse("on a handle, not editable", "10000 15000", "press 10000 15000 release", false);
+    mouse("on its outer half, not editable", "9990 15000", "", false);
+    mouse("keys during a drag", "15000 Right I 16000", "press 15000 16000 release");
+
+    const auto keys = [&](const char *pressed, const char *expected, int playTime = 25000) {
+        row(qPrintable(QString("%1 at %2").arg(pressed).arg(playTime)), pressed, expected, true, playTime);
+    };
+    keys("Right Ctrl+Right", "press 26000 release press 26100 release");
+    keys("Left Ctrl+Left", "press 24000 release press 23900 release");
+    keys("PgUp PgUp", "press 15000 release press 10000 release");
+    keys("PgDown PgDown", "press 35000 release press 40000 release");
+    keys("Home End", "press 10000 release press 40000 release");
+    keys("I", "start0 25000-40000/0 end0");
+    keys("O", "start1 10000-25000/1 end1");
+    row("not editable", "I O", "", false, 25000);
+    // The other end follows, but not beyond the recording.
+    keys("I", "start0 45000-45000/0 end0", 45000);
+    keys("O", "start1 5000-5000/1 end1", 5000);
+    keys("I", "start0 50000-50000/0 end0", 60000);
+    keys("O", "start1 0-0/1 end1", -10);
 }
 
 void PlayProgressBarTest::gestures()
 {
-    QFETCH(bool, rangeEditable);
     QFETCH(QString, gesture);
-    const auto bar = makeBar(rangeEditable);
-    report(bar.get());
-    perform(bar.get(), gesture);
-    QTEST(m_report.join(' '), "expected");
-    QVERIFY(!bar->isDragging());
-    QVERIFY(bar->rangeStartMs() <= bar->rangeEndMs());
-    QTest::mouseClick(bar.get(), Qt::RightButton, {}, at(300));
-    QTEST(m_report.join(' '), "expected");
-}
-
-void PlayProgressBarTest::keys()
-{
-    const auto reportOf = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}, bool rangeEditable = true,
-                                 int playTime = 400) {
-        const auto bar = makeBar(rangeEditable);
-        bar->setPlayTime(playTime);
-        report(bar.get());
-        QTest::keyClick(bar.get(), key, modifiers);
-        return m_report.join(' ');
-    };
-    QCOMPARE(reportOf(Qt::Key_Right, Qt::ControlModifier), "press 500 release");
-    QCOMPARE(reportOf(Qt::Key_Left), "press 200 release"); // stops at the start of the range
-    QCOMPARE(reportOf(Qt::Key_End), "press 800 release");
-    QCOMPARE(reportOf(Qt::Key_I), "start0 400-800/0 end0"); // trims the start
-    QCOMPARE(reportOf(Qt::Key_O), "start1 200-400/1 end1");
-    QCOMPARE(reportOf(Qt::Key_O, {}, false), "");
-    // From outside of the range, the other end follows.
-    QCOMPARE(reportOf(Qt::Key_I, {}, true, 900), "start0 900-900/0 end0");
-    QCOMPARE(reportOf(Qt::Key_O, {}, true, 100), "start1 100-100/1 end1");
+    QFETCH(bool, rangeEditable);
+    QFETCH(int, playTime);
+    makeBar(rangeEditable);
+    m_bar->setPlayTime(playTime);
+    perform(gesture);
+    QTest::mouseClick(m_bar.get(), Qt::RightButton, {}, at(15000));
+    QTEST(m_signals.join(' '), "expected");
+    QVERIFY(!m_bar->isDragging());
+    QVERIFY(gesture.at(0).isLetter() ||
+            (m_bar->playTimeMs() >= m_bar->rangeStartMs() && m_bar->playTimeMs() <= m_bar->rangeEndMs()));
 }
 
 void PlayProgressBarTest::accessibleInterfaceIsASlider()
 {
-    const auto bar = makeBar(true);
-    report(bar.get());
-    QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(bar.get());
+    QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(m_bar.get());
     QCOMPARE(accessible->role(), QAccessible::Slider);
+    QCOMPARE(accessible->text(QAccessible::Value), QString("00:25"));
     QAccessibleValueInterface *const value = accessible->valueInterface();
-    QCOMPARE(value->currentValue().toInt(), 400);
-    QCOMPARE(value->maximumValue().toInt(), 800);
-    value->setCurrentValue(900);
-    QCOMPARE(m_report.join(' '), QString("press 800 release"));
-    QCOMPARE(value->currentValue().toInt(), 800);
+    QCOMPARE(value->minimumValue().toInt(), 10000);
+    QCOMPARE(value->maximumValue().toInt(), 40000);
+    value->setCurrentValue(45000);
+    QCOMPARE(m_signals.join(' '), QString("press 40000 release"));
+    QCOMPARE(value->currentValue().toInt(), 40000);
 }
 
-void PlayProgressBarTest::playTimeIsDeferredWhileDragging()
+void PlayProgressBarTest::reportedTimeWaitsForTheEndOfADrag()
 {
-    const auto bar = makeBar(true);
-    const QColor played = bar->playedColor().lighter(120);
-    QTest::mousePress(bar.get(), Qt::LeftButton, {}, at(600));
-    bar->setPlayTime(300);
-    QCOMPARE(pixel(bar.get(), 500), played);
-    QTest::mouseRelease(bar.get(), Qt::LeftButton, {}, at(600));
-    QVERIFY(pixel(bar.get(), 400) != played);
-    QCOMPARE(pixel(bar.get(), 250), played);
+    const QColor played = m_bar->playedColor().lighter(120);
+    QTest::mousePress(m_bar.get(), Qt::LeftButton, {}, at(30000));
+    QVERIFY(m_bar->isDragging());
+    m_bar->setPlayTime(15000);
+    QCOMPARE(pixel(25000), played);
+    QTest::mouseRelease(m_bar.get(), Qt::LeftButton, {}, at(30000));
+    QVERIFY(pixel(20000) != played);
+    QCOMPARE(pixel(12500), played);
+    QCOMPARE(m_bar->playTimeMs(), 15000);
 
     // A later move of the mouse overrides the reported time.
-    QTest::mousePress(bar.get(), Qt::LeftButton, {}, at(600));
-    bar->setPlayTime(300);
-    QMouseEvent move(QEvent::MouseMove, at(700), Qt::NoButton, Qt::LeftButton, {});
-    QApplication::sendEvent(bar.get(), &move);
-    QTest::mouseRelease(bar.get(), Qt::LeftButton, {}, at(700));
-    QCOMPARE(pixel(bar.get(), 680), played);
+    QTest::mousePress(m_bar.get(), Qt::LeftButton, {}, at(30000));
+    m_bar->setPlayTime(15000);
+    moveTo(35000);
+    QTest::mouseRelease(m_bar.get(), Qt::LeftButton, {}, at(35000));
+    QCOMPARE(m_bar->playTimeMs(), 35000);
 }
 
-void PlayProgressBarTest::rangeAndDuration()
+void PlayProgressBarTest::rangeFollowsDuration()
 {
-    const auto bar = makeBar(true);
-    bar->setDuration(kDurationMs);
-    QCOMPARE(bar->rangeStartMs(), 200);
-    bar->setDuration(2000);
-    QCOMPARE(bar->rangeStartMs(), 0);
-    QCOMPARE(bar->rangeEndMs(), 2000);
-
-    PlayProgressBar empty(true);
-    empty.resize(100, 18);
-    empty.grab();
-    report(&empty);
-    perform(&empty, "0 50 20");
-    QTest::keyClick(&empty, Qt::Key_Right);
-    QVERIFY(!m_report.contains("-2147483648"));
+    m_bar->setDuration(kDurationMs);
+    QCOMPARE(m_bar->rangeStartMs(), 10000);
+    m_bar->setPlayRange(30000, 40000);
+    QCOMPARE(m_bar->playTimeMs(), 30000);
+    m_bar->setDuration(2000);
+    QCOMPARE(m_bar->rangeStartMs(), 0);
+    QCOMPARE(m_bar->rangeEndMs(), 2000);
+    QCOMPARE(m_bar->playTimeMs(), 0);
 }
 
-void PlayProgressBarTest::sizes()
+void PlayProgressBarTest::unknownDuration()
 {
-    PlayProgressBar bar(false);
-    QCOMPARE(bar.sizeHint().height(), 20);
-    QVERIFY(bar.setProperty("barHeight", 12));
-    QCOMPARE(bar.height(), 18);
-    bar.setBarHeight(15);
-    QCOMPARE(bar.height(), 23);
-    QVERIFY(bar.setProperty("playedColor", QColor(Qt::blue)));
-    QCOMPARE(bar.playedColor(), QColor(Qt::blue));
+    m_bar->setDuration(0);
+    m_bar->grab();
+    perform("0 500 200 Right");
+    QCOMPARE(m_signals.filter(QRegularExpression("[1-9]\\d")), QStringList());
 }
 
-void PlayProgressBarTest::painting()
+void PlayProgressBarTest::looks()
 {
-    const auto bar = makeBar(true);
-    bar->setPlayedColor(QColor(0, 100, 200));
-    QCOMPARE(pixel(bar.get(), 100), QColor(208, 208, 208));
-    QCOMPARE(pixel(bar.get(), 600), QColor(189, 189, 189));
-    QCOMPARE(pixel(bar.get(), 300), QColor(0, 100, 200).lighter(120));
-    QCOMPARE(pixel(bar.get(), 200), QColor(0, 100, 200)); // the handle
-    QCOMPARE(pixel(bar.get(), 403), QColor(189, 189, 189));
+    QVERIFY(m_bar->setProperty("barHeight", 15) && m_bar->setProperty("playedColor", QColor(0, 100, 200)));
+    QCOMPARE(m_bar->height(), 23);
+    QCOMPARE(m_bar->sizeHint().height(), 15);
+    m_bar->setBarHeight(12);
+    const QColor range(189, 189, 189);
+    QCOMPARE(pixel(5000), QColor(208, 208, 208));
+    QCOMPARE(pixel(30000), range);
+    QCOMPARE(pixel(20000), QColor(0, 100, 200).lighter(120));
+    QCOMPARE(pixel(10000), QColor(0, 100, 200)); // the handle
+    QCOMPARE(pixel(25030), range);
     QEvent enter(QEvent::Enter);
-    QApplication::sendEvent(bar.get(), &enter);
-    QCOMPARE(pixel(bar.get(), 402), QColor(0, 100, 200)); // the knob
+    QApplication::sendEvent(m_bar.get(), &enter);
+    QCOMPARE(pixel(25020), QColor(0, 100, 200)); // the knob
     QEvent leave(QEvent::Leave);
-    QApplication::sendEvent(bar.get(), &leave);
-    QCOMPARE(pixel(bar.get(), 403), QColor(189, 189, 189));
+    QApplication::sendEvent(m_bar.get(), &leave);
+    QCOMPARE(pixel(25030), range);
 }
 
 void PlayProgressBarTest::cursorOverHandles()
 {
-    const auto bar = makeBar(false);
-    const auto shapeAt = [&bar](double ms) {
-        QMouseEvent move(QEvent::MouseMove, at(ms), Qt::NoButton, Qt::NoButton, {});
-        QApplication::sendEvent(bar.get(), &move);
-        return bar->cursor().shape();
+    makeBar(false);
+    m_bar->show();
+    const auto shapeAt = [this](int ms) {
+        QTest::mouseMove(m_bar->windowHandle(), at(ms));
+        return m_bar->cursor().shape();
     };
-    QCOMPARE(shapeAt(800), Qt::SizeHorCursor);
-    QCOMPARE(shapeAt(500), Qt::ArrowCursor);
-    QCOMPARE(shapeAt(200), Qt::SizeHorCursor);
+    QCOMPARE(shapeAt(40000), Qt::SizeHorCursor);
+    QCOMPARE(shapeAt(25000), Qt::ArrowCursor);
+    QCOMPARE(shapeAt(10000), Qt::SizeHorCursor);
 }
 
 QTEST_MAIN(PlayProgressBarTest)

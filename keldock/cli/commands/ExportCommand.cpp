@@ -38,8 +38,9 @@ int formatNumber(const QString &name)
 class TerminalMonitor : public KelExportMonitor
 {
 public:
-    explicit TerminalMonitor(const QString &fileName)
-        : m_bar(QLatin1String("Exporting ") + fileName)
+    TerminalMonitor(const QString &fileName, const StopSignal &stop)
+        : m_stop(stop)
+        , m_bar(QLatin1String("Exporting ") + fileName)
     {
     }
 
@@ -67,7 +68,7 @@ private:
         return QString();
     }
 
-    StopSignal m_stop;
+    const StopSignal &m_stop;
     ProgressBar m_bar;
 };
 
@@ -179,6 +180,7 @@ QString ExportCommand::parse(const QStringList &arguments)
 
 QString ExportCommand::run()
 {
+    const StopSignal stop; // loading can take a while, too
     const LoadedRecording recording(m_directory);
     if (!recording.error().isEmpty())
         return recording.error();
@@ -204,7 +206,7 @@ QString ExportCommand::run()
     QElapsedTimer timer;
     timer.start();
     const QString fileName = QFileInfo(m_file).fileName();
-    TerminalMonitor monitor(fileName);
+    TerminalMonitor monitor(fileName, stop);
     KelExportPipeline pipeline(request, &monitor);
     const bool isComplete = pipeline.run();
     monitor.finish();

@@ -58,6 +58,8 @@ QStringList RecordingsFolder::interrupted(const QString &except) const
 
 bool RecordingsFolder::moveToTrash(const QString &dir)
 {
+    // The trash is a folder in it, which Qt does not create.
+    QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
     QString trashed;
     if (!QFile::moveToTrash(dir, &trashed))
         return false;

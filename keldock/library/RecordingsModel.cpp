@@ -112,7 +112,7 @@ bool RecordingsModel::setData(const QModelIndex &index, const QVariant &value, i
     QString error;
     Row &row = m_rows[index.row()];
     if (!RecordingsFolder::rename(row.entry.dir, name, &newDir, &error)) {
-        emit renameFailed(error);
+        emit renameFailed(row.entry.dir, name, error);
         return false;
     }
     row.entry.dir = newDir;

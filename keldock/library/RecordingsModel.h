@@ -43,8 +43,8 @@ public:
 signals:
     /// The folder has been read.
     void refreshed();
-    /// `error` is for the user.
-    void renameFailed(const QString &error);
+    /// `name` is the refused name, `error` is for the user.
+    void renameFailed(const QString &dir, const QString &name, const QString &error);
 
 private:
     struct Row {

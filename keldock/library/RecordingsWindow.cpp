@@ -13,6 +13,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
@@ -26,6 +27,7 @@ namespace
 
 const QString kGeometryKey = QStringLiteral("RecordingsWindow/geometry");
 constexpr QSize kDefaultSize(620, 560);
+constexpr int kMaxOpenedUnasked = 5;
 
 } // namespace
 
@@ -49,9 +51,8 @@ RecordingsWindow::RecordingsWindow(const QString &root, const QString &program, 
     createListPage();
     createEmptyPage();
     connect(&m_model, &RecordingsModel::refreshed, this, &RecordingsWindow::showPage);
-    connect(&m_model, &RecordingsModel::renameFailed, this, [this](const QString &error) {
-        KelMsgBox::warning(this, tr("Rename"), tr("The recording was not renamed."), error);
-    });
+    // Queued because the model refuses a name while the editor closes.
+    connect(&m_model, &RecordingsModel::renameFailed, this, &RecordingsWindow::askForOtherName, Qt::QueuedConnection);
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &RecordingsWindow::refresh);
     connect(new QShortcut(QKeySequence::Refresh, this), &QShortcut::activated, this, &RecordingsWindow::refresh);
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
@@ -90,7 +91,8 @@ QBoxLayout *RecordingsWindow::createSearchRow()
     m_search->setClearButtonEnabled(true);
     m_search->setAccessibleName(tr("Search by name"));
     m_search->setToolTip(tr("Show only recordings whose name contains this text (Ctrl+F)"));
-    connect(m_search, &QLineEdit::textChanged, &m_filter, &QSortFilterProxyModel::setFilterFixedString);
+    m_search->installEventFilter(this);
+    connect(m_search, &QLineEdit::textChanged, this, &RecordingsWindow::search);
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, m_search,
             [this] { m_search->setFocus(Qt::ShortcutFocusReason); });
     auto *const record = new QPushButton(tr("&New Recording"), m_listPage);
@@ -101,6 +103,33 @@ QBoxLayout *RecordingsWindow::createSearchRow()
     row->addWidget(m_search, 1);
     row->addWidget(record);
     return row;
+}
+
+/// From the search field, Enter opens and the arrows select, as in the list.
+bool RecordingsWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QMainWindow::eventFilter(watched, event);
+    switch (static_cast<QKeyEvent *>(event)->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        openSelected();
+        return true;
+    case Qt::Key_Down:
+    case Qt::Key_Up:
+        m_list->setFocus();
+        QCoreApplication::sendEvent(m_list, event);
+        return true;
+    default:
+        return QMainWindow::eventFilter(watched, event);
+    }
+}
+
+void RecordingsWindow::search(const QString &text)
+{
+    m_filter.setFilterFixedString(text);
+    m_list->setCurrentIndex(m_filter.index(0, 0));
+    m_list->scrollToTop();
 }
 
 void RecordingsWindow::createList()
@@ -221,6 +250,10 @@ void RecordingsWindow::openSelected()
     if (!m_open->isEnabled())
         return;
     const QStringList dirs = selectedDirs();
+    if (dirs.size() > kMaxOpenedUnasked &&
+        KelMsgBox::question(this, tr("Open"), tr("Open %n recording(s), each in its own window?", nullptr, dirs.size()),
+                            QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+        return;
     for (const QString &dir : dirs)
         emit openRequested(dir);
 }
@@ -228,6 +261,22 @@ void RecordingsWindow::openSelected()
 void RecordingsWindow::renameSelected()
 {
     m_list->edit(m_list->currentIndex());
+}
+
+/// Opens the editor again with the refused name, which the user may have taken some trouble to type.
+void RecordingsWindow::askForOtherName(const QString &dir, const QString &name, const QString &error)
+{
+    KelMsgBox::warning(this, tr("Rename"), tr("The recording was not renamed."), error);
+    const QModelIndexList found =
+        m_filter.match(m_filter.index(0, 0), RecordingsModel::DirRole, dir, 1, Qt::MatchExactly);
+    if (found.isEmpty())
+        return;
+    m_list->setCurrentIndex(found.constFirst());
+    m_list->edit(found.constFirst());
+    if (auto *const editor = m_list->viewport()->findChild<QLineEdit *>()) {
+        editor->setText(name);
+        editor->selectAll();
+    }
 }
 
 void RecordingsWindow::showSelected()

@@ -39,6 +39,7 @@ signals:
     void recordRequested();
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
@@ -48,12 +49,14 @@ private:
     void createList();
     QWidget *createButtons();
     void createEmptyPage();
+    void search(const QString &text);
     void watchFolder();
     void showPage();
     void updateActions();
     QStringList selectedDirs() const;
     void openSelected();
     void renameSelected();
+    void askForOtherName(const QString &dir, const QString &name, const QString &error);
     void showSelected();
     void deleteSelected();
     void deletePermanently(const QStringList &dirs);

@@ -21,6 +21,7 @@
 #include <QPainterPath>
 #include <QPushButton>
 #include <QScreen>
+#include <QWindow>
 
 using KelDockIcon::Glyph;
 using State = RecordingController::State;
@@ -66,7 +67,20 @@ RecordToolbar::RecordToolbar(QWidget *parent)
     connectRecordButtons();
     connect(m_switches, &TrackSwitches::keysSwitched, this, &RecordToolbar::keysSwitched);
     connect(m_switches, &TrackSwitches::mouseSwitched, this, &RecordToolbar::mouseSwitched);
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &RecordToolbar::giveWayTo);
     showState(State::Idle);
+}
+
+/// The toolbar is above the windows of other programs, but not above a window of this one that the user works in.
+void RecordToolbar::giveWayTo(QWindow *focused)
+{
+    QWindow *const toolbar = windowHandle();
+    if (!toolbar || (focused && focused->type() != Qt::Window && focused->type() != Qt::Dialog))
+        return;
+    const bool isOwn = !focused || focused == toolbar || focused->transientParent() == toolbar;
+    toolbar->setFlag(Qt::WindowStaysOnTopHint, isOwn);
+    if (!isOwn)
+        focused->raise();
 }
 
 void RecordToolbar::layOut()

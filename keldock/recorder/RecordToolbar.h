@@ -59,6 +59,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void giveWayTo(QWindow *focused);
     void layOut();
     void connectRecordButtons();
     QPushButton *addButton(KelDockIcon::Glyph glyph, const QString &action, void (RecordToolbar::*request)());

@@ -47,6 +47,13 @@
             <numerusform>%n recordings cannot be moved to the trash. Delete them permanently?</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>Open %n recording(s), each in its own window?</source>
+        <translation>
+            <numerusform>Open %n recording, each in its own window?</numerusform>
+            <numerusform>Open %n recordings, each in its own window?</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>SettingsDialog</name>

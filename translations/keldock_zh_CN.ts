@@ -160,6 +160,10 @@
         <source>Stop the recording</source>
         <translation>停止录制</translation>
     </message>
+    <message>
+        <source>%1 alone would be taken from every program. Add Ctrl, Alt or Win, or use a function key.</source>
+        <translation>单独的 %1 会从所有程序中被占用。请加上 Ctrl、Alt 或 Win，或使用功能键。</translation>
+    </message>
 </context>
 <context>
     <name>NoticeBar</name>
@@ -592,6 +596,16 @@ The recording continues without it.</source>
             <numerusform>%n 个录制无法移到回收站。要永久删除吗？</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Open</source>
+        <translation>打开</translation>
+    </message>
+    <message numerus="yes">
+        <source>Open %n recording(s), each in its own window?</source>
+        <translation>
+            <numerusform>打开 %n 个录制，每个都在单独的窗口中？</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>SaveFileDialog</name>
@@ -779,14 +793,6 @@ The recording continues without it.</source>
     <message>
         <source>Restart the program to change the language.</source>
         <translation>重启程序后语言才会更改。</translation>
-    </message>
-    <message>
-        <source>Use the &amp;graphics card for playback</source>
-        <translation>用显卡播放(&amp;G)</translation>
-    </message>
-    <message>
-        <source>Decode recordings on the graphics card if it supports this</source>
-        <translation>在显卡支持时由显卡解码录制</translation>
     </message>
     <message>
         <source>Press the new shortcut</source>

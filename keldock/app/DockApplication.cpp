@@ -52,7 +52,7 @@ DockApplication::~DockApplication()
 {
     m_isEnding = true;
     m_controller.stop();
-    m_io.saveFonts();
+    m_io.saveChanges();
 }
 
 void DockApplication::start()

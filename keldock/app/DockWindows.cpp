@@ -3,12 +3,14 @@
 #include "library/RecordingsFolder.h"
 #include "library/RecordingsWindow.h"
 #include "play/PlaybackWindow.h"
+#include "recorder/RecordingController.h"
 #include "settings/DockConfigIO.h"
 #include "settings/DockSettings.h"
 #include "settings/SettingsDialog.h"
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -38,7 +40,11 @@ bool DockWindows::openRecording(const QString &dir, bool isNew)
     auto *const window = new PlaybackWindow(dir);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setFromRecording(isNew);
-    connect(window, &PlaybackWindow::recordAgainRequested, this, &DockWindows::recordRequested);
+    connect(window, &QObject::destroyed, this, [this] { m_io.saveChanges(); });
+    connect(window, &PlaybackWindow::recordAgainRequested, this, [this, window] {
+        window->close(); // it would be in the new recording
+        QTimer::singleShot(RecordingController::kScreenSettleMs, this, &DockWindows::recordRequested);
+    });
     bringToFront(window);
     return true;
 }
@@ -61,6 +67,7 @@ void DockWindows::openSettings()
     if (!m_settingsDialog) {
         m_settingsDialog = new SettingsDialog(m_settings, m_io);
         m_settingsDialog->setAttribute(Qt::WA_DeleteOnClose);
+        m_settingsDialog->setRecording(!m_activeRecording.isEmpty());
         connect(m_settingsDialog, &SettingsDialog::changed, this, &DockWindows::settingsChanged);
         connect(m_settingsDialog, &SettingsDialog::shortcutEditBegun, this, &DockWindows::shortcutEditBegun);
         connect(m_settingsDialog, &SettingsDialog::shortcutEditEnded, this, &DockWindows::shortcutEditEnded);
@@ -74,6 +81,8 @@ void DockWindows::setActiveRecording(const QString &dir)
     m_activeRecording = dir;
     if (m_recordings)
         m_recordings->setActiveRecording(dir);
+    if (m_settingsDialog)
+        m_settingsDialog->setRecording(!dir.isEmpty());
 }
 
 bool DockWindows::showShortcutProblems(const QString &problems)

@@ -24,7 +24,8 @@ public:
     void openRecordings();
     void openSettings();
 
-    /// The recording in progress, empty if there is none: the list of recordings protects it.
+    /// The recording in progress, empty if there is none: the list of recordings protects it, and the
+    /// settings say what applies to the next one only.
     void setActiveRecording(const QString &dir);
 
     /// Reports shortcuts that do not work, one per line, where the user edits them. False if the settings are not open.

@@ -49,6 +49,7 @@ void PlaybackStrip::connectTimeline()
 void PlaybackStrip::addSpeed()
 {
     auto *const label = new PlaySpeedLabel(this);
+    label->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard to the player
     label->setSpeed(m_player->speed());
     connect(label, &PlaySpeedLabel::sigSpeedChanged, m_player, &Player::setSpeed);
     connect(m_player, &Player::speedChanged, label, &PlaySpeedLabel::setSpeed);

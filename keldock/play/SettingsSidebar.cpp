@@ -1,5 +1,7 @@
 #include "play/SettingsSidebar.h"
 
+#include "widgets/ScrollPage.h"
+
 #include <KelMovie/AudioSettingsPanel.h>
 #include <KelMovie/CursorSettingsPanel.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
@@ -7,7 +9,6 @@
 #include <KelMovie/KeyboardSettingsPanel.h>
 #include <KelMovie/ProgressSettingsPanel.h>
 
-#include <QScrollArea>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -19,14 +20,12 @@ Panel *addTab(QTabWidget *tabs, const QString &title, const QString &toolTip, Ke
 {
     auto *const panel = new Panel;
     QObject::connect(panel, &Panel::sigConfigUpdated, manager, &KelPlaybackTrackManager::updateSettings);
-    auto *const scroller = new QScrollArea;
-    scroller->setFrameShape(QFrame::NoFrame);
-    scroller->setWidgetResizable(true);
-    scroller->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroller->setFocusPolicy(Qt::NoFocus);
-    scroller->setWidget(panel);
-    scroller->setMinimumWidth(panel->minimumSizeHint().width());
-    tabs->setTabToolTip(tabs->addTab(scroller, title), toolTip);
+    // A click on a control leaves the keyboard to the player.
+    for (QWidget *const control : panel->template findChildren<QWidget *>()) {
+        if (control->focusPolicy() == Qt::StrongFocus || control->focusPolicy() == Qt::WheelFocus)
+            control->setFocusPolicy(Qt::TabFocus);
+    }
+    tabs->setTabToolTip(tabs->addTab(new ScrollPage(panel), title), toolTip);
     return panel;
 }
 

@@ -6,6 +6,21 @@
 
 using namespace kel;
 
+namespace
+{
+
+/// Other keys are needed for typing, which they would no longer do in any program.
+bool canBeGlobal(const QKeySequence &keys)
+{
+    const int combination = keys[0];
+    const int key = combination & ~Qt::KeyboardModifierMask;
+    const bool isFunctionKey = (key >= Qt::Key_F1 && key <= Qt::Key_F35) || key == Qt::Key_Pause ||
+                               key == Qt::Key_Print || key == Qt::Key_ScrollLock;
+    return isFunctionKey || combination & (Qt::CTRL | Qt::ALT | Qt::META);
+}
+
+} // namespace
+
 GlobalShortcuts::GlobalShortcuts(QObject *parent)
     : QObject(parent)
     , m_record({QStringLiteral("record"), tr("Record the screen")})
@@ -26,7 +41,10 @@ QString GlobalShortcuts::apply(const DockSettings &settings)
     const auto assign = [&](GlobalShortcut &shortcut, const QString &text) {
         const QKeySequence keys(text, QKeySequence::PortableText);
         const bool isDuplicate = !keys.isEmpty() && (keys == m_record.keys() || keys == m_pause.keys());
-        if (isDuplicate)
+        if (!keys.isEmpty() && !canBeGlobal(keys))
+            problems += tr("%1 alone would be taken from every program. Add Ctrl, Alt or Win, or use a function key.")
+                            .arg(keys.toString(QKeySequence::NativeText));
+        else if (isDuplicate)
             problems += tr("%1 is assigned twice.").arg(keys.toString(QKeySequence::NativeText));
         else if (!shortcut.setKeys(keys))
             problems +=

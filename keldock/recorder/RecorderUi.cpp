@@ -34,6 +34,7 @@ QRect visiblePart(const QRect &area)
 RecorderUi::RecorderUi(RecordingController &controller, const DockSettings &settings, KelConfigIO &io, QObject *parent)
     : QObject(parent)
     , m_controller(controller)
+    , m_settings(settings)
     , m_io(io)
 {
     m_controller.setArea(visiblePart(settings.lastArea()));
@@ -163,7 +164,7 @@ void RecorderUi::startRecording()
 /// Users may not expect that recorded keystrokes reveal passwords. False if the user cancels the recording.
 bool RecorderUi::confirmRecordingKeys()
 {
-    if (!gKelMovieConfig.recordKeyboard || gKelMovieConfig.recordDontShowRecordingWarning)
+    if (!gKelMovieConfig.recordKeyboard || !m_settings.asksBeforeRecordingKeys)
         return true;
     QMessageBox box(QMessageBox::Warning, tr("Record keystrokes?"),
                     tr("Everything you type will be recorded in every program, including passwords."),
@@ -181,7 +182,7 @@ bool RecorderUi::confirmRecordingKeys()
     if (box.clickedButton() != with && box.clickedButton() != without)
         return false;
     if (dontAsk->isChecked())
-        m_io.saveBool(KelMovieConfigKeys::kRecordDontShowRecordingWarning, true);
+        m_io.saveBool(DockSettings::kAsksBeforeRecordingKeysKey, false);
     if (box.clickedButton() == without) {
         m_io.saveBool(KelMovieConfigKeys::kRecordKeyboard, false);
         m_toolbar.refresh();

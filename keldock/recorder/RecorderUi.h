@@ -65,6 +65,7 @@ private:
     void previewArea(bool shown);
 
     RecordingController &m_controller;
+    const DockSettings &m_settings;
     KelConfigIO &m_io;
     RecordToolbar m_toolbar;
     AreaPicker m_picker;

@@ -7,6 +7,36 @@
 #include <QFont>
 #include <QStandardPaths>
 
+namespace
+{
+
+QString textOf(const QFont &value)
+{
+    return value.toString();
+}
+
+QString textOf(const QString &value)
+{
+    return value;
+}
+
+QString textOf(const QColor &value)
+{
+    return value.name(QColor::HexArgb);
+}
+
+QString textOf(bool value)
+{
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+QString textOf(int value)
+{
+    return QString::number(value);
+}
+
+} // namespace
+
 DockConfigIO::DockConfigIO(const QString &path)
     : m_store(path, QSettings::IniFormat)
 {
@@ -54,34 +84,44 @@ template <typename T, typename Parse>
 void DockConfigIO::bind(const QString &key, T *field, QHash<QString, T *> *fields, Parse parse)
 {
     fields->insert(key, field);
-    if (!m_store.contains(key))
-        return;
-    bool isValid = true;
-    const T value = parse(m_store.value(key).toString(), &isValid);
-    if (isValid)
-        *field = value;
-    else
-        report(tr("The setting \"%1\" is invalid. The default is used.").arg(key));
+    if (m_store.contains(key)) {
+        bool isValid = true;
+        const T value = parse(m_store.value(key).toString(), &isValid);
+        if (isValid)
+            *field = value;
+        else
+            report(tr("The setting \"%1\" is invalid. The default is used.").arg(key));
+    }
+    m_saved.insert(key, textOf(*field));
 }
 
 template <typename T>
-void DockConfigIO::save(const QString &key, const T &value, const QString &text, const QHash<QString, T *> &fields)
+void DockConfigIO::save(const QString &key, const T &value, const QHash<QString, T *> &fields)
 {
     if (T *const field = fields.value(key))
         *field = value;
-    m_store.setValue(key, text);
+    m_saved.insert(key, textOf(value));
+    m_store.setValue(key, textOf(value));
     m_store.sync();
     if (m_store.status() == QSettings::AccessError)
         report(tr("The settings cannot be saved to \"%1\". Changes are lost when the program ends.")
                    .arg(QDir::toNativeSeparators(m_store.fileName())));
 }
 
-void DockConfigIO::saveFonts()
+template <typename T>
+void DockConfigIO::saveChanges(const QHash<QString, T *> &fields)
 {
-    for (auto font = m_fonts.cbegin(); font != m_fonts.cend(); ++font) {
-        if (font.value()->toString() != m_savedFonts.value(font.key()))
-            saveFont(font.key(), *font.value());
+    for (auto field = fields.cbegin(); field != fields.cend(); ++field) {
+        if (textOf(*field.value()) != m_saved.value(field.key()))
+            save(field.key(), *field.value(), fields);
     }
+}
+
+void DockConfigIO::saveChanges()
+{
+    saveChanges(m_fonts);
+    saveChanges(m_bools);
+    saveChanges(m_ints);
 }
 
 void DockConfigIO::bindFont(const QString &key, QFont *field)
@@ -91,7 +131,6 @@ void DockConfigIO::bindFont(const QString &key, QFont *field)
         *isValid = font.fromString(text);
         return font;
     });
-    m_savedFonts.insert(key, field->toString());
 }
 
 void DockConfigIO::bindString(const QString &key, QString *field)
@@ -123,26 +162,25 @@ void DockConfigIO::bindInt(const QString &key, int *field)
 
 void DockConfigIO::saveFont(const QString &key, const QFont &value)
 {
-    save(key, value, value.toString(), m_fonts);
-    m_savedFonts.insert(key, value.toString());
+    save(key, value, m_fonts);
 }
 
 void DockConfigIO::saveString(const QString &key, const QString &value)
 {
-    save(key, value, value, m_strings);
+    save(key, value, m_strings);
 }
 
 void DockConfigIO::saveColor(const QString &key, const QColor &value)
 {
-    save(key, value, value.name(QColor::HexArgb), m_colors);
+    save(key, value, m_colors);
 }
 
 void DockConfigIO::saveBool(const QString &key, bool value)
 {
-    save(key, value, value ? QStringLiteral("true") : QStringLiteral("false"), m_bools);
+    save(key, value, m_bools);
 }
 
 void DockConfigIO::saveInt(const QString &key, int value)
 {
-    save(key, value, QString::number(value), m_ints);
+    save(key, value, m_ints);
 }

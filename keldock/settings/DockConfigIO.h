@@ -20,8 +20,9 @@ public:
     /// The first problem since the start, for the user; empty if there was none.
     QString problem() const { return m_problem; }
 
-    /// Saves bound fonts that have changed: the module changes them without saving.
-    void saveFonts();
+    /// Saves bound fields that were changed without saving, as the module does with fonts and with fields that have no
+    /// key of its own.
+    void saveChanges();
 
     void bindFont(const QString &key, QFont *field) override;
     void bindString(const QString &key, QString *field) override;
@@ -42,14 +43,16 @@ private:
     template <typename T, typename Parse>
     void bind(const QString &key, T *field, QHash<QString, T *> *fields, Parse parse);
     template <typename T>
-    void save(const QString &key, const T &value, const QString &text, const QHash<QString, T *> &fields);
+    void save(const QString &key, const T &value, const QHash<QString, T *> &fields);
+    template <typename T>
+    void saveChanges(const QHash<QString, T *> &fields);
     void backUpDamagedFile();
     void report(const QString &problem);
 
     QSettings m_store;
     QString m_problem;
+    QHash<QString, QString> m_saved; // what the file has, or would have if it had the key
     QHash<QString, QFont *> m_fonts;
-    QHash<QString, QString> m_savedFonts;
     QHash<QString, QString *> m_strings;
     QHash<QString, QColor *> m_colors;
     QHash<QString, bool *> m_bools;

@@ -1,6 +1,7 @@
 #include "settings/DockSettings.h"
 
 #include <KelMovie/KelConfigIO.h>
+#include <KelMovie/KelMovieConfig.h>
 
 #include <QStringList>
 
@@ -11,6 +12,7 @@ const QString DockSettings::kRecordKeysKey = QStringLiteral("KelDock.shortcut.re
 const QString DockSettings::kPauseKeysKey = QStringLiteral("KelDock.shortcut.pause");
 const QString DockSettings::kStopKeysKey = QStringLiteral("KelDock.shortcut.stop");
 const QString DockSettings::kReadsInputDevicesKey = QStringLiteral("KelDock.readsInputDevices");
+const QString DockSettings::kAsksBeforeRecordingKeysKey = QStringLiteral("KelDock.asksBeforeRecordingKeys");
 const QString DockSettings::kAreaKey = QStringLiteral("KelDock.area");
 const QString DockSettings::kOfferedRecordingsKey = QStringLiteral("KelDock.offeredLeftovers");
 
@@ -23,8 +25,13 @@ void DockSettings::bind(KelConfigIO &io)
     io.bindString(kPauseKeysKey, &pauseKeys);
     io.bindString(kStopKeysKey, &stopKeys);
     io.bindBool(kReadsInputDevicesKey, &readsInputDevices);
+    io.bindBool(kAsksBeforeRecordingKeysKey, &asksBeforeRecordingKeys);
     io.bindString(kAreaKey, &area);
     io.bindString(kOfferedRecordingsKey, &offeredRecordings);
+    io.bindInt(QStringLiteral("KelDock.mouse.clickEffect"), &gKelMovieConfig.playbackMouseClickEffect);
+    io.bindInt(QStringLiteral("KelDock.mouse.wheelEffect"), &gKelMovieConfig.playbackMouseWheelEffect);
+    io.bindBool(QStringLiteral("KelDock.mouse.replaceEffects"), &gKelMovieConfig.playbackMouseReplaceEffects);
+    io.bindInt(QStringLiteral("KelDock.export.quality"), &gKelMovieConfig.saveQuality);
 }
 
 QRect DockSettings::lastArea() const

@@ -14,9 +14,10 @@ struct DockSettings {
     QString recordKeys = QStringLiteral("Ctrl+Alt+R");
     QString pauseKeys = QStringLiteral("Ctrl+Alt+P");
     QString stopKeys = QStringLiteral("Ctrl+Alt+S");
-    bool readsInputDevices = false; ///< clicks and keys in Wayland sessions
-    QString area;                   ///< the last recorded area, see lastArea()
-    QString offeredRecordings;      ///< interrupted recordings that were offered to the user, one path per line
+    bool readsInputDevices = false;      ///< clicks and keys in Wayland sessions
+    bool asksBeforeRecordingKeys = true; ///< at the start of each recording
+    QString area;                        ///< the last recorded area, see lastArea()
+    QString offeredRecordings;           ///< interrupted recordings that were offered to the user, one path per line
 
     static const QString kRecordingsFolderKey;
     static const QString kThemeKey;
@@ -25,10 +26,12 @@ struct DockSettings {
     static const QString kPauseKeysKey;
     static const QString kStopKeysKey;
     static const QString kReadsInputDevicesKey;
+    static const QString kAsksBeforeRecordingKeysKey;
     static const QString kAreaKey;
     static const QString kOfferedRecordingsKey;
 
-    /// Binds all fields, which then hold the stored values.
+    /// Binds all fields, which then hold the stored values, and the settings of the module that it does not store
+    /// itself.
     void bind(KelConfigIO &io);
 
     /// Empty if none is stored.

@@ -7,6 +7,7 @@
 #include "widget/ChoiceBox.h"
 #include "widget/ToggleSwitch.h"
 #include "widgets/DockStyle.h"
+#include "widgets/ScrollPage.h"
 
 #include <KelMovie/AudioSettingsPanel.h>
 #include <KelMovie/KelMovieConfig.h>
@@ -32,10 +33,10 @@ SettingsDialog::SettingsDialog(const DockSettings &settings, DockConfigIO &io, Q
     setWindowTitle(tr("Settings"));
     applyDockStyle(this, QStringLiteral("Window"));
     auto *const tabs = new QTabWidget(this);
-    tabs->addTab(createRecordingPage(), tr("Recording"));
-    tabs->addTab(createSoundPage(), tr("Sound"));
-    tabs->addTab(createShortcutsPage(), tr("Shortcuts"));
-    tabs->addTab(createGeneralPage(), tr("General"));
+    tabs->addTab(new ScrollPage(createRecordingPage()), tr("Recording"));
+    tabs->addTab(new ScrollPage(createSoundPage()), tr("Sound"));
+    tabs->addTab(new ScrollPage(createShortcutsPage()), tr("Shortcuts"));
+    tabs->addTab(new ScrollPage(createGeneralPage()), tr("General"));
     auto *const close = new QPushButton(tr("&Close"), this);
     close->setToolTip(tr("Changes are saved automatically (Esc)"));
     connect(close, &QPushButton::clicked, this, &QDialog::close);
@@ -50,7 +51,7 @@ QWidget *SettingsDialog::createRecordingPage()
     QFormLayout *const form = createForm(page);
     form->addRow(tr("Save recordings in"), createFolderRow());
     QVector<QPair<QString, int>> rates;
-    for (const int fps : {5, 16, 24, 60})
+    for (const int fps : {5, 16, 24, 30, 60})
         rates.append({tr("%1 fps").arg(fps), fps});
     addNumberChoice(form, {tr("&Frame rate"), tr("A higher frame rate shows motion better and takes more disk space")},
                     KelMovieConfigKeys::kRecordFps, rates, gKelMovieConfig.recordFps);
@@ -64,8 +65,7 @@ QWidget *SettingsDialog::createRecordingPage()
     addSwitch(form, {tr("Record &keystrokes"), tr("In every program, including passwords")},
               KelMovieConfigKeys::kRecordKeyboard, gKelMovieConfig.recordKeyboard);
     addSwitch(form, {tr("&Ask before recording keystrokes"), tr("At the start of each recording")},
-              KelMovieConfigKeys::kRecordDontShowRecordingWarning, !gKelMovieConfig.recordDontShowRecordingWarning,
-              true);
+              DockSettings::kAsksBeforeRecordingKeysKey, m_settings.asksBeforeRecordingKeys);
     if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
         addSwitch(form,
                   {tr("&Read clicks and keys from the devices"),
@@ -77,14 +77,9 @@ QWidget *SettingsDialog::createRecordingPage()
 /// The level meters show before a recording whether sound arrives.
 QWidget *SettingsDialog::createSoundPage()
 {
-    auto *const page = new QWidget;
-    auto *const panel = new AudioSettingsPanel(page);
-    auto *const layout = new QVBoxLayout(page);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(panel);
-    layout->addStretch();
-    connect(panel, &AudioSettingsPanel::sigConfigUpdated, this, &SettingsDialog::changed);
-    return page;
+    m_sound = new AudioSettingsPanel;
+    connect(m_sound, &AudioSettingsPanel::sigConfigUpdated, this, &SettingsDialog::changed);
+    return m_sound;
 }
 
 QWidget *SettingsDialog::createFolderRow()
@@ -160,10 +155,6 @@ QWidget *SettingsDialog::createGeneralPage()
         m_io.saveString(DockSettings::kLanguageKey, language->currentData().toString());
         restart->show();
     });
-    addSwitch(
-        form,
-        {tr("Use the &graphics card for playback"), tr("Decode recordings on the graphics card if it supports this")},
-        KelMovieConfigKeys::kRecordEnableHardwareAcceleration, gKelMovieConfig.recordEnableHardwareAcceleration);
     return page;
 }
 
@@ -184,13 +175,13 @@ void SettingsDialog::addRow(QFormLayout *form, const Texts &texts, QWidget *cont
     form->addRow(texts.label, control);
 }
 
-void SettingsDialog::addSwitch(QFormLayout *form, const Texts &texts, const QString &key, bool value, bool isInverted)
+void SettingsDialog::addSwitch(QFormLayout *form, const Texts &texts, const QString &key, bool value)
 {
     auto *const box = new ToggleSwitch;
     box->setChecked(value);
     addRow(form, texts, box);
-    connect(box, &QCheckBox::toggled, this, [this, key, isInverted](bool isOn) {
-        m_io.saveBool(key, isOn != isInverted);
+    connect(box, &QCheckBox::toggled, this, [this, key](bool isOn) {
+        m_io.saveBool(key, isOn);
         emit changed();
     });
 }
@@ -235,6 +226,11 @@ void SettingsDialog::addShortcut(QFormLayout *form, const QString &label, const 
         m_io.saveString(key, QString());
         emit shortcutEditEnded();
     });
+}
+
+void SettingsDialog::setRecording(bool recording)
+{
+    m_sound->setRecording(recording);
 }
 
 void SettingsDialog::showShortcutProblems(const QString &problems)

@@ -4,6 +4,7 @@
 #include <QPair>
 #include <QVector>
 
+class AudioSettingsPanel;
 class DockConfigIO;
 class QFormLayout;
 class QLabel;
@@ -18,6 +19,8 @@ public:
     /// Both must outlive the dialog.
     SettingsDialog(const DockSettings &settings, DockConfigIO &io, QWidget *parent = nullptr);
 
+    /// While recording, the settings of the sound apply to the next recording only, which the dialog says.
+    void setRecording(bool recording);
     /// Shortcuts that do not work, one per line; empty if all work.
     void showShortcutProblems(const QString &problems);
 
@@ -46,13 +49,14 @@ private:
     void useFolder(const QString &folder);
     static QFormLayout *createForm(QWidget *page);
     static void addRow(QFormLayout *form, const Texts &texts, QWidget *control);
-    void addSwitch(QFormLayout *form, const Texts &texts, const QString &key, bool value, bool isInverted = false);
+    void addSwitch(QFormLayout *form, const Texts &texts, const QString &key, bool value);
     void addNumberChoice(QFormLayout *form, const Texts &texts, const QString &key,
                          const QVector<QPair<QString, int>> &choices, int value);
     void addShortcut(QFormLayout *form, const QString &label, const QString &key, const QString &value);
 
     const DockSettings &m_settings;
     DockConfigIO &m_io;
+    AudioSettingsPanel *m_sound = nullptr;
     QLabel *m_folder = nullptr;
     QLabel *m_shortcutProblems = nullptr;
 };

@@ -55,8 +55,7 @@ struct KelMovieConfig {
     bool recordMouse = true;             ///< record the mouse
     bool recordRecordSystemAudio = true; ///< record system audio
     bool recordRecordMicrophone = true;  ///< record the microphone
-    bool recordDontShowRecordingWarning =
-        false; ///< hides the warning before keys are recorded, and the note in AudioSettingsPanel
+    bool recordDontShowRecordingWarning = false;   ///< hides the note in AudioSettingsPanel
     int recordRecordToolbarDisplayType = 0;        ///< 0 all buttons, 1 the most important ones
     bool recordEnableHardwareAcceleration = false; ///< decode with hardware on playback
     int saveQuality = 1;                           ///< of exports: 0 small, 1 balanced, 2 best

@@ -48,7 +48,7 @@ void DockConfigTest::savesAndLoads()
         DockSettings settings;
         settings.bind(io);
         QVERIFY(settings.lastArea().isEmpty());
-        io.saveFonts();
+        io.saveChanges();
         QVERIFY2(!QFile::exists(m_path), "nothing was changed, so nothing is saved");
 
         io.saveInt("KelMovie.record.fps", 60);
@@ -57,7 +57,9 @@ void DockConfigTest::savesAndLoads()
         io.saveString(DockSettings::kStopKeysKey, "Ctrl+Shift+F9");
         DockSettings::saveArea(io, QRect(-1280, 5, 640, 480));
         gKelMovieConfig.playbackKeyboardFont = QFont("DejaVu Sans", 17);
-        io.saveFonts();
+        gKelMovieConfig.playbackMouseClickEffect = 5;
+        gKelMovieConfig.playbackMouseReplaceEffects = false;
+        io.saveChanges();
         QCOMPARE(gKelMovieConfig.recordFps, 60);
         QCOMPARE(settings.stopKeys, QString("Ctrl+Shift+F9"));
         QCOMPARE(io.problem(), QString());
@@ -72,6 +74,8 @@ void DockConfigTest::savesAndLoads()
     QCOMPARE(gKelMovieConfig.playbackMouseColor, QColor(1, 2, 3, 4));
     QCOMPARE(gKelMovieConfig.playbackKeyboardFont, QFont("DejaVu Sans", 17));
     QCOMPARE(gKelMovieConfig.playbackProgressGapTime, 41);
+    QCOMPARE(gKelMovieConfig.playbackMouseClickEffect, 5);
+    QCOMPARE(gKelMovieConfig.playbackMouseReplaceEffects, false);
     QCOMPARE(settings.stopKeys, QString("Ctrl+Shift+F9"));
     QCOMPARE(settings.recordKeys, DockSettings().recordKeys);
     QCOMPARE(settings.lastArea(), QRect(-1280, 5, 640, 480));

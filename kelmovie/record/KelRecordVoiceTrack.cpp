@@ -9,7 +9,6 @@
 
 #include <QDateTime>
 #include <QDebug>
-#include <QElapsedTimer>
 #include <QMetaEnum>
 #include <QThread>
 
@@ -21,13 +20,6 @@ namespace
 {
 constexpr unsigned long kWindDownMs = 50;
 
-qint64 monotonicMs()
-{
-    QElapsedTimer timer;
-    timer.start();
-    return timer.msecsSinceReference();
-}
-
 QByteArray keyOf(const char *enumerator, int value)
 {
     const QMetaObject &recorder = QMediaRecorder::staticMetaObject;
@@ -36,8 +28,10 @@ QByteArray keyOf(const char *enumerator, int value)
 }
 } // namespace
 
-KelRecordVoiceTrack::KelRecordVoiceTrack(const QRect &recordArea, const QString &trackDir, QObject *parent)
+KelRecordVoiceTrack::KelRecordVoiceTrack(const QRect &recordArea, const QString &trackDir, QObject *parent,
+                                         const CaptureDependencies &dependencies)
     : KelRecordTrack(recordArea, trackDir, parent)
+    , m_dependencies(dependencies)
     , m_systemAudioPath(soundFilePath(trackDir, KelRecordingFiles::kSystemAudio, QDateTime::currentDateTime()))
     , m_microphonePath(soundFilePath(trackDir, KelRecordingFiles::kMicrophone, QDateTime::currentDateTime()))
 {
@@ -67,14 +61,14 @@ void KelRecordVoiceTrack::setMicrophoneEnabled(bool enabled)
 
 void KelRecordVoiceTrack::noteClockChange()
 {
-    m_clockChangeMs = monotonicMs();
+    m_clockChangeMs = m_dependencies.nowMs();
 }
 
 /// The time noted for the current start, pause or stop; the current time if none was noted.
 qint64 KelRecordVoiceTrack::takeClockChange()
 {
     const qint64 noted = std::exchange(m_clockChangeMs, 0);
-    return noted > 0 ? noted : monotonicMs();
+    return noted > 0 ? noted : m_dependencies.nowMs();
 }
 
 void KelRecordVoiceTrack::setUpRecorders()
@@ -82,12 +76,12 @@ void KelRecordVoiceTrack::setUpRecorders()
     if (m_systemAudioEnabled && !m_systemAudio) {
         m_systemAudio = new KelSystemAudioRecord(
             m_systemAudioPath, [this](const QString &problem) { reportFailure(KelTrackNames::kSystemAudio, problem); },
-            this);
+            this, m_dependencies);
     }
     if (m_microphoneEnabled && !m_microphone) {
         m_microphone = new MicrophoneRecord(
             m_microphoneSettings, m_microphonePath,
-            [this](const QString &) { onMicrophoneError(QAudioRecorder::ResourceError); }, this);
+            [this](const QString &) { onMicrophoneError(QAudioRecorder::ResourceError); }, this, m_dependencies);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audio/capture/CaptureDependencies.h"
 #include "record/KelRecordTrack.h"
 
 #include <QAudioEncoderSettings>
@@ -22,7 +23,8 @@ class KelRecordVoiceTrack final : public KelRecordTrack
     Q_OBJECT
 
 public:
-    KelRecordVoiceTrack(const QRect &recordArea, const QString &trackDir, QObject *parent = nullptr);
+    KelRecordVoiceTrack(const QRect &recordArea, const QString &trackDir, QObject *parent = nullptr,
+                        const kel::CaptureDependencies &dependencies = kel::CaptureDependencies());
     ~KelRecordVoiceTrack() override;
 
     // To be called before the start.
@@ -51,6 +53,7 @@ private:
     void checkMicrophone(const char *failureText);
     void joinMicrophoneParts();
 
+    const kel::CaptureDependencies m_dependencies;
     const QString m_systemAudioPath;
     const QString m_microphonePath;
     QAudioEncoderSettings m_microphoneSettings;

@@ -12,7 +12,7 @@
 
 namespace
 {
-constexpr double kToneHz = 1000;
+constexpr int kToneHz = 1000;
 
 /// Holds a reference and releases it in the destructor.
 template <typename Interface>
@@ -122,7 +122,7 @@ void CoreaudioTest::records()
         QCOMPARE(recording.format->wFormatTag, WAVE_FORMAT_EXTENSIBLE);
         QCOMPARE(recording.format->nSamplesPerSec, 48000u);
         QCOMPARE(recording.format->nBlockAlign, WORD(8));
-        const Tone::Player player(isMicrophone ? "microphone" : "speakers", kToneHz, 20000);
+        const Tone::Player player(isMicrophone ? "microphone" : "speakers", kToneHz);
         QVERIFY2(receivesTone(recording), isMicrophone ? "the microphone" : "the output");
     }
 }
@@ -224,7 +224,7 @@ void CoreaudioTest::suspendedOutput()
         continue;
     QCOMPARE(recording.read(), AUDCLNT_S_BUFFER_EMPTY);
     QVERIFY(Tone::control({"suspend-sink", "speakers", "0"}));
-    const Tone::Player player("speakers", kToneHz, 20000);
+    const Tone::Player player("speakers", kToneHz);
     QVERIFY(receivesTone(recording));
 }
 
@@ -234,7 +234,7 @@ void CoreaudioTest::vanishedOutput()
     QVERIFY(Tone::control({"set-default-sink", "headphones"}));
     Recording recording;
     QCOMPARE(recording.open(), S_OK);
-    const Tone::Player player("microphone", kToneHz, 20000);
+    const Tone::Player player("microphone", kToneHz);
     QVERIFY(Tone::control({"unload-module", module}));
     QTRY_COMPARE_WITH_TIMEOUT(([&] {
                                   HRESULT result = S_OK;

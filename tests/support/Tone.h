@@ -24,36 +24,35 @@ inline bool signalServer(const QString &signal)
     return QProcess::execute("sh", {"-c", QString("kill -%1 $SOUND_SERVER_PID").arg(signal)}) == 0;
 }
 
-/// Adds an output; returns its module number.
-inline QString addSink(const QString &name)
+/// Loads a module of the server; returns its number.
+inline QString load(const QStringList &module)
 {
     QProcess process;
-    process.start("pactl", {"load-module", "module-null-sink", "sink_name=" + name, "norewinds=1"});
+    process.start("pactl", QStringList{"load-module"} + module);
     process.waitForFinished();
     return QString::fromLatin1(process.readAllStandardOutput()).trimmed();
 }
 
-/// Plays a tone into `sink` for `ms`, or until destruction.
+/// Adds an output; returns its module number.
+inline QString addSink(const QString &name)
+{
+    return load({"module-null-sink", "sink_name=" + name, "norewinds=1"});
+}
+
+/// A tone of half of full scale in `sink`, until destruction. The server makes it, so that it has no gaps on a busy
+/// machine.
 class Player
 {
 public:
-    Player(const QString &sink, double hz, int ms)
+    Player(const QString &sink, int hz)
+        : m_module(load({"module-sine", "sink=" + sink, QString("frequency=%1").arg(hz)}))
     {
-        m_process.start("pacat", {"--device=" + sink, "--format=s16le", QString("--rate=%1").arg(kRate), "--channels=2",
-                                  "--latency-msec=20"});
-        m_process.write(Sound::make(ms / 1000.0, Sound::tone(hz, 0.5), kRate).pcm16()); // stereo
-        m_process.closeWriteChannel();
-        m_process.waitForStarted();
     }
-    ~Player()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-    bool waitForEnd() { return m_process.waitForFinished(); }
+    ~Player() { control({"unload-module", m_module}); }
+    Q_DISABLE_COPY(Player)
 
 private:
-    QProcess m_process;
+    const QString m_module;
 };
 
 /// The amplitude of a sine of `hz` in the sound.

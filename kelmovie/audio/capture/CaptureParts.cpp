@@ -31,7 +31,7 @@ void CaptureParts::pauseAt(qint64 atMs)
 void CaptureParts::resumeAt(qint64 atMs, const QString &path)
 {
     const QMutexLocker lock(&m_requestMutex);
-    m_switches.append({m_pausedAtMs.value_or(atMs), atMs, path});
+    m_requestedSwitches.append({m_pausedAtMs.value_or(atMs), atMs, path});
     m_pausedAtMs.reset();
 }
 
@@ -62,9 +62,14 @@ void CaptureParts::writePacket(const char *data, qint64 size, qint64 recordedAtM
     const QMutexLocker lock(&m_fileMutex);
     if (m_isFinished)
         return;
-    applyRequests();
-    if (m_writer)
+    takeRequests();
+    while (m_writer) {
         m_writer->writePacket(data, size, recordedAtMs);
+        // A part ends only when all its sound has arrived, even if the recording was resumed before that.
+        if (m_switches.isEmpty() || (isWritable() && !m_writer->isComplete()))
+            return;
+        switchPart();
+    }
 }
 
 /// Also while paused: ending the part cuts it back to the start of the pause, and if the process dies before that, the
@@ -98,24 +103,41 @@ QString CaptureParts::errorString()
     return m_writer ? m_writer->errorString() : QString();
 }
 
-void CaptureParts::applyRequests()
+void CaptureParts::takeRequests()
 {
-    QList<Switch> switches;
-    std::optional<qint64> pausedAtMs;
     {
         const QMutexLocker lock(&m_requestMutex);
-        switches = std::exchange(m_switches, {});
-        pausedAtMs = m_pausedAtMs;
+        m_switches += std::exchange(m_requestedSwitches, {});
+        m_endMs = m_pausedAtMs;
     }
-    for (const Switch &next : qAsConst(switches)) {
-        const qint64 missingMs = endPart(next.previousEndMs);
-        m_path = next.path;
-        m_startMs = next.startMs - missingMs;
-        if (m_writer)
-            openPart();
-    }
-    if (pausedAtMs && isWritable())
-        m_writer->setEnd(*pausedAtMs);
+    setEnd();
+}
+
+void CaptureParts::applyRequests()
+{
+    takeRequests();
+    while (!m_switches.isEmpty())
+        switchPart();
+}
+
+/// Ends the current part and continues with the next one.
+void CaptureParts::switchPart()
+{
+    const Switch next = m_switches.takeFirst();
+    const qint64 missingMs = endPart(next.previousEndMs);
+    m_path = next.path;
+    m_startMs = next.startMs - missingMs;
+    if (m_writer)
+        openPart();
+    setEnd();
+}
+
+/// Tells the writer where the current part ends, if that is known.
+void CaptureParts::setEnd()
+{
+    const auto endMs = m_switches.isEmpty() ? m_endMs : m_switches.first().previousEndMs;
+    if (endMs && isWritable())
+        m_writer->setEnd(*endMs);
 }
 
 void CaptureParts::openPart()
@@ -133,7 +155,6 @@ qint64 CaptureParts::endPart(qint64 endMs)
 {
     if (!isWritable())
         return endMs - m_startMs;
-    m_writer->setEnd(endMs);
     m_writer->close();
     return 0;
 }

@@ -48,17 +48,22 @@ private:
         QString path;
     };
 
+    void takeRequests();
     void applyRequests();
+    void switchPart();
+    void setEnd();
     void openPart();
     qint64 endPart(qint64 endMs);
     bool isWritable() const { return m_writer && m_writer->isOpen(); }
 
     QMutex m_requestMutex; // guards the next two; never held during a write
-    QList<Switch> m_switches;
+    QList<Switch> m_requestedSwitches;
     std::optional<qint64> m_pausedAtMs;
 
     std::atomic<bool> m_isFinished{false};
-    QMutex m_fileMutex; // guards what follows
+    QMutex m_fileMutex;            // guards what follows
+    QList<Switch> m_switches;      // that the current part still has to be completed for
+    std::optional<qint64> m_endMs; // of the last part
     QString m_path;
     qint64 m_startMs;                      // of the part, with the time before it that no file holds
     std::optional<WavPartWriter> m_writer; // empty until the format is known

@@ -4,49 +4,59 @@
 
 #include <coreaudio/CoreAudio.h>
 
+#include <QByteArray>
 #include <QStringList>
 
 #include <condition_variable>
 #include <cstring>
 #include <deque>
 #include <mutex>
-#include <vector>
 
 /// A device with its enumerator and clients, and a clock that the test advances.
 ///
-/// The device makes a packet for every 10 ms of the clock. With 1000 mono float samples a second, the value of a sample
-/// is the clock's time in ms at which it was "played".
+/// The device makes a packet for every 10 ms of the clock, in the format that the capture asked for: its own, or one
+/// that it converts to. All samples of a ms have the value sampleAt(), so that a recording shows when each was
+/// "played".
 class ScriptedAudioDevice
 {
 public:
     static constexpr int kStepMs = 10;
     static constexpr int kRate = 1000;
+    static constexpr qint64 kStartMs = 1'000'000; ///< of the clock
+
+    /// The sample that is played at this time of the clock; an exact 16-bit value.
+    static float sampleAt(qint64 ms) { return float(ms - kStartMs + 1) / 32768; }
 
     enum class Mode {
         Idle,     ///< nothing is played, so there are no packets
         Playing,  ///< a packet every 10 ms
         Silenced, ///< the same, but the packets are flagged as silent
-        Stalled,  ///< packets are made, but delivered only when this mode ends; the system does not respond
-        Gone,     ///< unplugged: every call fails
-        Hung      ///< calls do not return until this mode ends
+        Mistimed, ///< the times of the packets are wrong, and flagged as such
+        Future,   ///< the times of the packets are impossible
+        Ancient,
+        Stalled, ///< packets are made, but delivered only when this mode ends; the system does not respond
+        Gone,    ///< unplugged: every call fails
+        Hung     ///< calls do not return until this mode ends
     };
 
-    ScriptedAudioDevice()
-    {
-        mix.Format.wFormatTag = WAVE_FORMAT_EXTENSIBLE;
-        mix.Format.nChannels = 1;
-        mix.Format.nSamplesPerSec = kRate;
-        mix.Format.nBlockAlign = sizeof(float);
-        mix.Format.nAvgBytesPerSec = kRate * sizeof(float);
-        mix.Format.wBitsPerSample = 32;
-        mix.Format.cbSize = sizeof(WAVEFORMATEXTENSIBLE) - sizeof(WAVEFORMATEX);
-        mix.SubFormat = KSDATAFORMAT_SUBTYPE_IEEE_FLOAT;
-    }
+    ScriptedAudioDevice() { setFormat(WAVE_FORMAT_EXTENSIBLE, 32); }
 
-    // Set before the capture starts.
-    WAVEFORMATEXTENSIBLE mix{};
-    bool refusesInt16 = false;  ///< does not convert floats
-    bool acceptsEvents = false; ///< and never sets the event
+    // Set before the capture starts, or while the device is gone.
+    bool refusesInt16 = false;  ///< does not convert floats, unless asked to convert everything
+    bool acceptsEvents = false; ///< and sets the event for each packet
+    void setFormat(int tag, int bits, int rate = kRate, int channels = 1)
+    {
+        m_mix = {};
+        WAVEFORMATEX &format = m_mix.Format;
+        format.wFormatTag = WORD(tag);
+        format.nChannels = WORD(channels);
+        format.nSamplesPerSec = DWORD(rate);
+        format.wBitsPerSample = WORD(bits);
+        format.nBlockAlign = WORD(channels * bits / 8);
+        format.nAvgBytesPerSec = DWORD(rate) * format.nBlockAlign;
+        format.cbSize = sizeof m_mix - sizeof format;
+        m_mix.SubFormat = KSDATAFORMAT_SUBTYPE_IEEE_FLOAT;
+    }
 
     kel::CaptureDependencies dependencies()
     {
@@ -91,7 +101,9 @@ public:
         m_grantedMs += ms;
         m_isResting = false;
         m_changed.notify_all();
-        if (!isCaptured)
+        if (m_event) // the capture does not rest
+            passTimeWithEvents(lock);
+        else if (!isCaptured)
             m_nowMs = m_grantedMs;
         else if (!m_changed.wait_for(lock, std::chrono::seconds(20),
                                      [this] { return m_nowMs == m_grantedMs && m_isResting; }))
@@ -133,19 +145,68 @@ private:
             m_changed.wait_for(lock, std::chrono::milliseconds(5), [this] { return m_nowMs < m_grantedMs; });
             return;
         }
-        if (m_isStarted && (m_mode == Mode::Playing || m_mode == Mode::Silenced || m_mode == Mode::Stalled))
+        passStep();
+    }
+
+    void passStep()
+    {
+        if (m_isStarted && m_mode != Mode::Idle && m_mode != Mode::Gone)
             makePacket();
         m_nowMs += kStepMs;
     }
 
+    void passTimeWithEvents(std::unique_lock<std::mutex> &lock)
+    {
+        while (m_nowMs < m_grantedMs) {
+            passStep();
+            if (!m_packets.empty())
+                SetEvent(m_event);
+        }
+        m_changed.wait_for(lock, std::chrono::seconds(20), [this] { return m_packets.empty(); });
+    }
+
     void makePacket()
     {
+        const int rate = int(m_format.nSamplesPerSec);
         Packet packet;
-        packet.recordedAtMs = m_nowMs;
-        packet.flags = m_mode == Mode::Silenced ? AUDCLNT_BUFFERFLAGS_SILENT : 0;
-        for (int i = 0; i < kStepMs; ++i)
-            packet.samples.push_back(float(m_nowMs + i));
+        packet.frames = UINT32(kStepMs * rate / 1000);
+        packet.statedMs = m_nowMs;
+        switch (m_mode) {
+        case Mode::Silenced:
+            packet.flags = AUDCLNT_BUFFERFLAGS_SILENT;
+            break;
+        case Mode::Mistimed:
+            packet.flags = AUDCLNT_BUFFERFLAGS_TIMESTAMP_ERROR;
+            packet.statedMs += 500;
+            break;
+        case Mode::Future:
+            packet.statedMs += 3100;
+            break;
+        case Mode::Ancient:
+            packet.statedMs -= 30'100;
+            break;
+        default:
+            break;
+        }
+        for (UINT32 i = 0; i < packet.frames * m_format.nChannels; ++i) {
+            const float sample = sampleAt(m_nowMs + qint64(i / m_format.nChannels) * 1000 / rate);
+            const auto integer = qint16(sample * 32768);
+            if (m_format.wBitsPerSample == 32)
+                packet.bytes.append(reinterpret_cast<const char *>(&sample), sizeof sample);
+            else
+                packet.bytes.append(reinterpret_cast<const char *>(&integer), sizeof integer);
+        }
         m_packets.push_back(packet);
+    }
+
+    /// Whether packets can have this format.
+    bool takes(const WAVEFORMATEX &format, DWORD flags) const
+    {
+        const WAVEFORMATEX &own = m_mix.Format;
+        const bool isOwn = format.wBitsPerSample == own.wBitsPerSample && format.wFormatTag == own.wFormatTag;
+        const bool isInt16 = format.wBitsPerSample == 16 && !refusesInt16;
+        return (flags & AUDCLNT_STREAMFLAGS_AUTOCONVERTPCM) != 0 ||
+               (format.nSamplesPerSec == own.nSamplesPerSec && format.nChannels == own.nChannels && (isOwn || isInt16));
     }
 
     template <typename Interface>
@@ -214,13 +275,15 @@ private:
                                                      .arg(periodicity)
                                                      .arg(format->wFormatTag)
                                                      .arg(format->wBitsPerSample));
-            return device.refusesInt16 && format->wBitsPerSample == 16 ? AUDCLNT_E_UNSUPPORTED_FORMAT : result;
+            const Lock lock(device.m_mutex);
+            device.m_format = *format;
+            return device.takes(*format, flags) ? result : AUDCLNT_E_UNSUPPORTED_FORMAT;
         }
         HRESULT STDMETHODCALLTYPE GetBufferSize(UINT32 *) override { return device.answer("GetBufferSize"); }
         HRESULT STDMETHODCALLTYPE GetMixFormat(WAVEFORMATEX **format) override
         {
-            *format = static_cast<WAVEFORMATEX *>(CoTaskMemAlloc(sizeof device.mix));
-            std::memcpy(*format, &device.mix, sizeof device.mix);
+            *format = static_cast<WAVEFORMATEX *>(CoTaskMemAlloc(sizeof device.m_mix));
+            std::memcpy(*format, &device.m_mix, sizeof device.m_mix);
             return device.answer("GetMixFormat");
         }
         HRESULT STDMETHODCALLTYPE Start() override
@@ -236,6 +299,8 @@ private:
             {
                 const Lock lock(device.m_mutex);
                 device.m_isStarted = false;
+                device.m_event = nullptr;
+                device.m_packets.clear();
             }
             return Object::Release();
         }
@@ -247,8 +312,12 @@ private:
                 *object = nullptr;
             return result;
         }
-        HRESULT STDMETHODCALLTYPE SetEventHandle(HANDLE) override
+        HRESULT STDMETHODCALLTYPE SetEventHandle(HANDLE event) override
         {
+            if (device.acceptsEvents) {
+                const Lock lock(device.m_mutex);
+                device.m_event = event;
+            }
             device.answer("SetEventHandle");
             return device.acceptsEvents ? S_OK : E_FAIL;
         }
@@ -278,35 +347,40 @@ private:
             if (device.m_mode == Mode::Stalled || device.m_packets.empty())
                 return AUDCLNT_S_BUFFER_EMPTY;
             Packet &packet = device.m_packets.front();
-            *data = reinterpret_cast<BYTE *>(packet.samples.data());
-            *frames = UINT32(packet.samples.size());
+            *data = reinterpret_cast<BYTE *>(packet.bytes.data());
+            *frames = packet.frames;
             *flags = packet.flags;
-            *time = UINT64(packet.recordedAtMs) * 10'000;
+            *time = UINT64(packet.statedMs) * 10'000;
             return S_OK;
         }
         HRESULT STDMETHODCALLTYPE ReleaseBuffer(UINT32 frames) override
         {
             const Lock lock(device.m_mutex);
-            if (device.m_packets.empty() || frames != device.m_packets.front().samples.size())
+            if (device.m_packets.empty() || frames != device.m_packets.front().frames)
                 return AUDCLNT_E_OUT_OF_ORDER;
             device.m_packets.pop_front();
+            device.m_changed.notify_all();
             return S_OK;
         }
         HRESULT STDMETHODCALLTYPE GetNextPacketSize(UINT32 *) override { return E_NOTIMPL; }
     };
 
     struct Packet {
-        qint64 recordedAtMs = 0;
+        qint64 statedMs = 0;
         DWORD flags = 0;
-        std::vector<float> samples;
+        UINT32 frames = 0;
+        QByteArray bytes;
     };
 
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
-    qint64 m_nowMs = 1'000'000;
+    qint64 m_nowMs = kStartMs;
     qint64 m_grantedMs = m_nowMs;
     bool m_isResting = false;
     bool m_isStarted = false;
+    HANDLE m_event = nullptr;
+    WAVEFORMATEXTENSIBLE m_mix{};
+    WAVEFORMATEX m_format{}; // of the packets
     int m_hangingCalls = 0;
     QString m_failing = "(none)";
     Mode m_mode = Mode::Idle;

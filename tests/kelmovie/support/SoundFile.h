@@ -41,7 +41,19 @@ inline qint32 numberAt(const QByteArray &samples, int offset)
     return qFromLittleEndian<qint32>(samples.constData() + offset / 4 * 4);
 }
 
-/// The first channel of a file of floats or 16-bit integers; empty unless the header describes the file exactly.
+/// The first channel of a file of floats or 16-bit integers, whatever sizes the header states.
+inline QVector<float> samples(const QByteArray &file, const kel::WavHeader &header)
+{
+    QVector<float> samples;
+    for (int at = kel::WavHeader::kSize; at + header.blockAlign <= file.size(); at += header.blockAlign) {
+        const char *const sample = file.constData() + at;
+        samples << (header.formatTag == kel::WavHeader::kIeeeFloat ? qFromLittleEndian<float>(sample)
+                                                                   : float(qFromLittleEndian<qint16>(sample)) / 32768);
+    }
+    return samples;
+}
+
+/// The same; empty unless the header describes the file exactly.
 inline QVector<float> exactSamples(const QString &path, kel::WavHeader *header)
 {
     const QByteArray bytes = readFile(path);
@@ -50,11 +62,7 @@ inline QVector<float> exactSamples(const QString &path, kel::WavHeader *header)
     *header = kel::WavHeader::fromBytes(bytes.constData());
     if (header->dataSize != quint32(bytes.size() - kel::WavHeader::kSize) || header->riffSize != header->dataSize + 36)
         return {};
-    QVector<float> samples;
-    for (const char *at = bytes.cbegin() + kel::WavHeader::kSize; at < bytes.cend(); at += header->blockAlign)
-        samples << (header->formatTag == kel::WavHeader::kIeeeFloat ? qFromLittleEndian<float>(at)
-                                                                    : float(qFromLittleEndian<qint16>(at)) / 32768);
-    return samples;
+    return samples(bytes, *header);
 }
 
 } // namespace SoundFile

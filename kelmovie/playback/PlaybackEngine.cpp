@@ -44,6 +44,7 @@ PlaybackEngine::PlaybackEngine(const QString &recordDir, bool preferHardwareDeco
     , m_recordDir(recordDir)
     , m_metadata(loadMetadata(recordDir))
     , m_rules(rules)
+    , m_prefersHardwareDecode(preferHardwareDecode)
     , m_tracks(recordDir, m_metadata, preferHardwareDecode, m_rules, m_dependencies, manager)
     , m_clock(m_tracks.timeline())
 {

@@ -35,8 +35,9 @@ public:
     const KelRecordingMetadata &metadata() const { return m_metadata; }
     const KelPlaybackRules &rules() const { return m_rules; }
     const PlaybackTracks &tracks() const { return m_tracks; }
-    /// Null when no sound was recorded.
+    bool prefersHardwareDecode() const { return m_prefersHardwareDecode; }
     QStringList soundProblems() const { return m_tracks.soundProblems(); }
+    /// Null when no sound was recorded.
     KelPlaybackVoiceTrack *voiceTrack() const { return m_tracks.voice(); }
 
     State state() const { return m_state; }
@@ -90,6 +91,7 @@ private:
     const QString m_recordDir;
     const KelRecordingMetadata m_metadata;
     const KelPlaybackRules m_rules;
+    const bool m_prefersHardwareDecode;
     PlaybackTracks m_tracks;
     PlaybackClock m_clock;
     std::optional<RecordingTimeline::Range> m_trimRange;

@@ -1,6 +1,6 @@
 #include "avcodec/DecodedAnimation.h"
 
-#include "avcodec/ffmpeg/AvHandles.h"
+#include "avcodec/DecodedVideo.h"
 
 #include <QFile>
 #include <QtEndian>
@@ -8,8 +8,6 @@
 #include <webp/demux.h>
 
 #include <numeric>
-
-using namespace av;
 
 namespace
 {
@@ -99,38 +97,11 @@ QString DecodedAnimation::readWebp(const QByteArray &bytes)
 
 QString DecodedAnimation::read(const QString &path)
 {
-    AVDictionary *options = nullptr; // keep the durations stated by the file, play once
-    av_dict_set(&options, "min_delay", "0", 0);
-    av_dict_set(&options, "max_fps", "0", 0);
-    AVFormatContext *opened = nullptr;
-    const int code = avformat_open_input(&opened, path.toUtf8(),
-                                         av_find_input_format(path.endsWith(".gif") ? "gif" : "apng"), &options);
-    const av::Dictionary unused(options);
-    if (code < 0)
-        return av::errorText(code);
-    const av::FormatContext format(opened);
-    const AVStream *stream = format->streams[0];
-    const av::CodecContext codec(avcodec_alloc_context3(avcodec_find_decoder(stream->codecpar->codec_id)));
-    avcodec_parameters_to_context(codec.get(), stream->codecpar);
-    codec->err_recognition = AV_EF_EXPLODE | AV_EF_CRCCHECK;
-    codec->thread_count = 1;
-    if (const int opening = avcodec_open2(codec.get(), nullptr, nullptr); opening < 0)
-        return av::errorText(opening);
-
-    const av::Packet packet(av_packet_alloc());
-    const av::Frame frame(av_frame_alloc());
-    int reading = 0;
-    while ((reading = av_read_frame(format.get(), packet.get())) == 0) {
-        durationsMs.push_back(double(packet->duration) * 1000 * av_q2d(stream->time_base));
-        int decoding = avcodec_send_packet(codec.get(), packet.get());
-        av_packet_unref(packet.get());
-        if (decoding == 0)
-            decoding = avcodec_receive_frame(codec.get(), frame.get());
-        if (decoding < 0)
-            return QString("Frame %1: %2").arg(frames.size()).arg(av::errorText(decoding));
+    DecodedVideo video(path);
+    durationsMs = video.durationsMs;
+    for (const av::Frame &frame : video.frames)
         frames.push_back(imageOf(*frame));
-    }
-    return reading == AVERROR_EOF ? QString() : av::errorText(reading);
+    return video.errorString;
 }
 
 double DecodedAnimation::totalMs() const

@@ -13,9 +13,15 @@ DecodedVideo::DecodedVideo(const QString &path)
 
 QString DecodedVideo::read(const QString &path)
 {
+    AVDictionary *options = nullptr; // of GIF: the durations stated by the file
+    av_dict_set(&options, "min_delay", "0", 0);
+    av_dict_set(&options, "max_fps", "0", 0);
     AVFormatContext *opened = nullptr;
-    if (const int code = avformat_open_input(&opened, path.toUtf8(), nullptr, nullptr); code < 0)
-        return av::errorText(code);
+    const AVInputFormat *apng = path.endsWith("png") ? av_find_input_format("apng") : nullptr;
+    const int opening = avformat_open_input(&opened, path.toUtf8(), apng, &options);
+    const av::Dictionary unused(options);
+    if (opening < 0)
+        return av::errorText(opening);
     const av::FormatContext format(opened);
     if (format->nb_streams != 1)
         return QString("%1 streams").arg(format->nb_streams);
@@ -27,7 +33,7 @@ QString DecodedVideo::read(const QString &path)
 
     const av::CodecContext codec(avcodec_alloc_context3(avcodec_find_decoder(stream->codecpar->codec_id)));
     avcodec_parameters_to_context(codec.get(), stream->codecpar);
-    codec->err_recognition = AV_EF_EXPLODE;
+    codec->err_recognition = AV_EF_EXPLODE | AV_EF_CRCCHECK;
     if (const int code = avcodec_open2(codec.get(), nullptr, nullptr); code < 0)
         return av::errorText(code);
 
@@ -46,6 +52,7 @@ QString DecodedVideo::read(const QString &path)
     int code = 0;
     while ((code = av_read_frame(format.get(), packet.get())) == 0) {
         keyframes.push_back(packet->flags & AV_PKT_FLAG_KEY);
+        durationsMs.push_back(double(packet->duration) * 1000 * av_q2d(stream->time_base));
         code = avcodec_send_packet(codec.get(), packet.get());
         av_packet_unref(packet.get());
         if (code == 0)
@@ -78,6 +85,25 @@ int DecodedVideo::sample(int frame, int plane, int x, int y) const
     return f->data[plane][y * f->linesize[plane] + x];
 }
 
+Yuv Yuv::of(QRgb pixel)
+{
+    const double r = qRed(pixel) / 255.0;
+    const double g = qGreen(pixel) / 255.0;
+    const double b = qBlue(pixel) / 255.0;
+    const double y = 0.2126 * r + 0.7152 * g + 0.0722 * b;
+    return {16 + 219 * y, 128 + 224 * (b - y) / 1.8556, 128 + 224 * (r - y) / 1.5748};
+}
+
+double DecodedVideo::lumaPsnr(int frame, const QImage &wanted) const
+{
+    double sum = 0;
+    for (int y = 0; y < wanted.height(); ++y)
+        for (int x = 0; x < wanted.width(); ++x)
+            sum += std::pow(sample(frame, 0, x, y) - Yuv::of(wanted.pixel(x, y)).y, 2);
+    const double mean = sum / (wanted.width() * wanted.height());
+    return mean > 0 ? 10 * std::log10(255 * 255 / mean) : kLossless;
+}
+
 QList<QByteArray> mp4Boxes(const QString &path)
 {
     QFile file(path);
@@ -103,16 +129,13 @@ double psnr(const QImage &a, const QImage &b)
 {
     if (a.size() != b.size())
         return 0;
+    const QImage first = a.convertToFormat(QImage::Format_RGB888);
+    const QImage second = b.convertToFormat(QImage::Format_RGB888);
     qint64 sum = 0;
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
-            for (const int d : {qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q)})
-                sum += d * d;
-        }
-    }
-    return sum == 0 ? 99 : 10 * std::log10(255.0 * 255.0 * 3 * a.width() * a.height() / double(sum));
+    for (int y = 0; y < a.height(); ++y)
+        for (int i = 0; i < 3 * a.width(); ++i)
+            sum += qint64(std::pow(first.constScanLine(y)[i] - second.constScanLine(y)[i], 2));
+    return sum == 0 ? kLossless : 10 * std::log10(255.0 * 255.0 * 3 * a.width() * a.height() / double(sum));
 }
 
 QImage textImage(const QSize &size, int number)

@@ -8,6 +8,7 @@
 #include "avcodec/animation/png/ApngFormat.h"
 #include "avcodec/animation/webp/WebpFormat.h"
 #include "support/FileSizeLimit.h"
+#include "support/TestTable.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -25,9 +26,18 @@ constexpr int kFps = 25;
 
 void addFormats()
 {
-    QTest::addColumn<QString>("format");
+    const TestTable<QString> row("format");
     for (const char *format : {"gif", "png", "webp"})
-        QTest::newRow(format) << format;
+        row(format, format);
+}
+
+/// Adds frames until the encoder fails. Returns how many it has accepted.
+int addUntilFailure(KelAVCodecEncoder &encoder)
+{
+    int frame = 0;
+    while (frame < 1000 && encoder.addFrame(quint64(frame), noise(kSize, uint(frame))))
+        ++frame;
+    return frame;
 }
 
 /// Every error is logged once.
@@ -68,29 +78,18 @@ private:
 
 void AnimationFaultsTest::rejectsInvalidParameters_data()
 {
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<int>("fps");
-    QTest::addColumn<QString>("extra");
-    QTest::addColumn<QString>("error");
+    const TestTable<QString, QSize, QString, int, QString, QString> row("format", "size", "path", "fps", "extra",
+                                                                        "error");
     const QString file = path("any");
-    QTest::newRow("no size") << "gif" << QSize(0, 5) << file << 25 << ""
-                             << "Invalid frame size: 0x5";
-    QTest::newRow("too wide") << "webp" << QSize(16384, 5) << file << 25 << ""
-                              << "Invalid frame size: 16384x5";
-    QTest::newRow("too large") << "png" << QSize(32767, 32767) << file << 25 << ""
-                               << "Invalid frame size: 32767x32767";
-    QTest::newRow("no rate") << "png" << kSize << file << 0 << ""
-                             << "Invalid frame rate: 0";
-    QTest::newRow("unknown option") << "gif" << kSize << file << 25 << "loops"
-                                    << "Invalid option: loops";
-    QTest::newRow("too many plays") << "gif" << kSize << file << 25 << "loop=65536"
-                                    << "Invalid option: loop=65536";
-    QTest::newRow("directory") << "webp" << kSize << m_dir.path() << 25 << ""
-                               << "Cannot create " + m_dir.path();
-    QTest::newRow("no directory") << "png" << kSize << m_dir.filePath("none/x") << 25 << ""
-                                  << "Cannot create " + m_dir.filePath("none/x");
+    row("no size", "gif", QSize(0, 5), file, 25, "", "Invalid frame size: 0x5");
+    row("too wide", "webp", QSize(16384, 5), file, 25, "", "Invalid frame size: 16384x5");
+    row("too large", "png", QSize(32767, 32767), file, 25, "", "Invalid frame size: 32767x32767");
+    row("no rate", "png", kSize, file, 0, "", "Invalid frame rate: 0");
+    row("unknown option", "gif", kSize, file, 25, "loops", "Invalid option: loops");
+    row("too many plays", "gif", kSize, file, 25, "loop=65536", "Invalid option: loop=65536");
+    row("directory", "webp", kSize, m_dir.path(), 25, "", "Cannot create " + m_dir.path());
+    const QString nowhere = m_dir.filePath("none/x");
+    row("no directory", "png", kSize, nowhere, 25, "", "Cannot create " + nowhere);
 }
 
 void AnimationFaultsTest::rejectsInvalidParameters()
@@ -136,10 +135,7 @@ void AnimationFaultsTest::failsWhileFramesAreAdded()
     QFETCH(QString, format);
     expectWarning("Cannot write ");
     const auto encoder = makeAnimationEncoder(format, kSize, "/dev/full", kFps, 90);
-    quint64 frame = 0;
-    while (frame < 1000 && encoder->addFrame(frame, noise(kSize, uint(frame))))
-        ++frame;
-    QVERIFY2(frame < 100, "reported only by close()");
+    QVERIFY2(addUntilFailure(*encoder) < 100, "reported only by close()");
     QVERIFY(!encoder->isValid());
     QVERIFY(!encoder->close());
     QVERIFY2(encoder->errorString().contains("No space left"), qPrintable(encoder->errorString()));
@@ -148,11 +144,10 @@ void AnimationFaultsTest::failsWhileFramesAreAdded()
 
 void AnimationFaultsTest::keepsCompleteFramesOnFullDisk_data()
 {
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<int>("limit");
-    for (const char *format : {"gif", "png", "webp"}) {
-        QTest::addRow("%s, many frames", format) << format << 250000;
-        QTest::addRow("%s, few frames", format) << format << 100000;
+    const TestTable<QString, int> row("format", "limit");
+    for (const QByteArray format : {"gif", "png", "webp"}) {
+        row(format + ", many frames", format, 250'000);
+        row(format + ", few frames", format, 100'000);
     }
 }
 
@@ -165,10 +160,7 @@ void AnimationFaultsTest::keepsCompleteFramesOnFullDisk()
         expectWarning("Cannot write ");
         const FileSizeLimit fullDisk{quint64(limit)};
         const auto encoder = makeAnimationEncoder(format, kSize, path(format), kFps, 100);
-        quint64 frame = 0;
-        while (frame < 1000 && encoder->addFrame(frame, noise(kSize, uint(frame))))
-            ++frame;
-        QVERIFY(frame < 100);
+        QVERIFY(addUntilFailure(*encoder) < 100);
         QVERIFY(!encoder->close());
         QVERIFY2(encoder->errorString().startsWith("Cannot write "), qPrintable(encoder->errorString()));
         written = encoder->framesWritten();
@@ -208,11 +200,9 @@ void AnimationFaultsTest::webpStopsBeforeItsSizeLimit()
 
 void AnimationFaultsTest::pngKeepsCompleteFramesWhenRewritingFails_data()
 {
-    QTest::addColumn<bool>("isAborted");
-    QTest::addColumn<quint64>("limit");
-    QTest::addColumn<QString>("error");
-    QTest::newRow("aborted") << true << quint64(1e9) << "Aborted";
-    QTest::newRow("full disk") << false << quint64(100000) << "Cannot write ";
+    const TestTable<bool, quint64, QString> row("isAborted", "limit", "error");
+    row("aborted", true, quint64(1e9), "Aborted");
+    row("full disk", false, 100'000, "Cannot write ");
 }
 
 void AnimationFaultsTest::pngKeepsCompleteFramesWhenRewritingFails()

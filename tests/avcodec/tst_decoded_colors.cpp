@@ -2,6 +2,7 @@
 #include "avcodec/decode/FrameConverter.h"
 #include "avcodec/decode/ffv1Decoder.h"
 #include "avcodec/decode/h264Decoder.h"
+#include "support/TestTable.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -34,37 +35,32 @@ private:
 
 void DecodedColorsTest::colors_data()
 {
-    QTest::addColumn<QString>("size");
-    QTest::addColumn<QString>("filter");
-    QTest::addColumn<QStringList>("options");
-    QTest::addColumn<int>("tolerance");
-
+    const TestTable<QString, QString, QStringList, int> row("size", "filter", "options", "tolerance");
     const QStringList x264{"-c:v", "libx264", "-crf", "4"};
+    const QStringList ffv1{"-c:v", "ffv1"};
     const auto tagged = [&](const char *matrix, const char *range) {
         return x264 + QStringList{"-colorspace", matrix, "-color_range", range};
     };
-    const QString bt709 = "scale=out_color_matrix=bt709:out_range=tv:flags=accurate_rnd,format=yuv420p";
-    const QString bt601 = "scale=out_color_matrix=bt601:out_range=tv:flags=accurate_rnd,format=yuv420p";
-    const QString fullRange = "scale=out_color_matrix=bt709:out_range=pc:flags=accurate_rnd,format=yuv420p";
-    const QString bt709Full = "scale=out_color_matrix=bt709:out_range=tv:flags=accurate_rnd,format=yuv444p";
-
-    QTest::newRow("BT.709, small") << "160x90" << bt709 << tagged("bt709", "tv") << 3;
-    QTest::newRow("BT.601, large") << "1280x720" << bt601 << tagged("smpte170m", "tv") << 3;
-    QTest::newRow("full range") << "160x90" << fullRange << tagged("bt709", "pc") << 3;
-    QTest::newRow("4:4:4") << "160x90" << bt709Full << tagged("bt709", "tv") << 3;
-    QTest::newRow("odd size") << "161x91" << bt709Full << tagged("bt709", "tv") << 3;
-    QTest::newRow("unspecified, small") << "160x90" << bt601 << x264 << 3;
-    QTest::newRow("unspecified, large") << "1280x720" << bt709 << x264 << 3;
-    QTest::newRow("RGB") << "160x90"
-                         << "format=gbrp" << QStringList{"-c:v", "libx264rgb", "-crf", "16"} << 2;
-    QTest::newRow("RGB, lossless, odd size") << "163x91"
-                                             << "format=gbrp" << QStringList{"-c:v", "libx264rgb", "-crf", "0"} << 0;
-    QTest::newRow("FFV1") << "163x91"
-                          << "format=bgr0" << QStringList{"-c:v", "ffv1"} << 0;
+    const auto converted = [](const char *matrix, const char *range, const char *format) {
+        return QString("scale=out_color_matrix=%1:out_range=%2:flags=accurate_rnd,format=%3")
+            .arg(matrix, range, format);
+    };
+    const QString bt709 = converted("bt709", "tv", "yuv420p");
+    const QString bt601 = converted("bt601", "tv", "yuv420p");
+    const QString fullColor = converted("bt709", "tv", "yuv444p");
+    row("BT.709, small", "160x90", bt709, tagged("bt709", "tv"), 3);
+    row("BT.601, large", "1280x720", bt601, tagged("smpte170m", "tv"), 3);
+    row("full range", "160x90", converted("bt709", "pc", "yuv420p"), tagged("bt709", "pc"), 3);
+    row("4:4:4", "160x90", fullColor, tagged("bt709", "tv"), 3);
+    row("odd size", "161x91", fullColor, tagged("bt709", "tv"), 3);
+    row("unspecified, small", "160x90", bt601, x264, 3);
+    row("unspecified, large", "1280x720", bt709, x264, 3);
+    row("RGB", "160x90", "format=gbrp", {"-c:v", "libx264rgb", "-crf", "16"}, 2);
+    row("RGB, lossless, odd size", "163x91", "format=gbrp", {"-c:v", "libx264rgb", "-crf", "0"}, 0);
+    row("FFV1", "163x91", "format=bgr0", ffv1, 0);
     // Recorded screens are opaque even if their alpha bytes were never set.
-    QTest::newRow("FFV1, empty alpha") << "160x90"
-                                       << "format=bgra,colorchannelmixer=aa=0" << QStringList{"-c:v", "ffv1"} << 0;
-    QTest::newRow("FFV1, 4:2:0") << "160x90" << bt601 << QStringList{"-c:v", "ffv1"} << 3;
+    row("FFV1, empty alpha", "160x90", "format=bgra,colorchannelmixer=aa=0", ffv1, 0);
+    row("FFV1, 4:2:0", "160x90", bt601, ffv1, 3);
 }
 
 void DecodedColorsTest::colors()

@@ -3,6 +3,7 @@
 #include "avcodec/decode/ffv1Decoder.h"
 #include "avcodec/decode/h264Decoder.h"
 #include "avcodec/ffmpeg/AvHandles.h"
+#include "support/Files.h"
 #include "support/LogCapture.h"
 #include "support/TestTable.h"
 
@@ -21,23 +22,12 @@ namespace
 
 constexpr int kFrames = 30;
 
+const H264DecodeParams kSoftware{"h264", {}};
+
 const QStringList kRecorded{"-c:v",        "libx264rgb", "-preset", "ultrafast", "-tune",
                             "zerolatency", "-crf",       "16",      "-g",        "10"};
 const QStringList kSubsampled{"-c:v", "libx264", "-pix_fmt", "yuv420p", "-g", "10"};
 const QStringList kFragmented{"-movflags", "frag_every_frame+empty_moov+default_base_moof"};
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    QCOMPARE(file.write(content), qint64(content.size()));
-}
 
 /// Offsets of the top-level boxes of a type.
 QList<int> boxesOf(const QByteArray &mp4, const QByteArray &type)
@@ -50,6 +40,16 @@ QList<int> boxesOf(const QByteArray &mp4, const QByteArray &type)
         at += int(qMax(size, 8U));
     }
     return found;
+}
+
+/// Where a frame is in a file, in decoding order.
+Sample sampleOf(const QString &path, AVCodecID codec, int number)
+{
+    VideoDemuxer demuxer;
+    QString error;
+    if (!demuxer.open(path, codec, &error))
+        qFatal("%s", qPrintable(error));
+    return demuxer.index().sample(number);
 }
 
 /// The log without the messages of FFmpeg's libraries.
@@ -95,18 +95,16 @@ private:
 
 void DecoderFaultsTest::truncatedFragments_data()
 {
-    QTest::addColumn<QByteArray>("box"); // the sixth of this type, or the only one
-    QTest::addColumn<int>("kept");       // bytes of it that are kept; negative: bytes of it that are cut off
-    QTest::addColumn<int>("frames");
-
-    QTest::newRow("inside the header") << QByteArray("moov") << 60 << 0;
-    QTest::newRow("nothing but the header") << QByteArray("moov") << -0 << 0;
-    QTest::newRow("before a fragment") << QByteArray("moof") << 0 << 5;
-    QTest::newRow("inside a box's own header") << QByteArray("moof") << 5 << 5;
-    QTest::newRow("inside a fragment's header") << QByteArray("moof") << 50 << 5;
-    QTest::newRow("before the data") << QByteArray("mdat") << 0 << 5;
-    QTest::newRow("inside the data") << QByteArray("mdat") << 20 << 5;
-    QTest::newRow("one byte short") << QByteArray("mdat") << -1 << 5;
+    // The sixth box of this type, or the only one; bytes of it that are kept or, if negative, cut off; whole frames.
+    const TestTable<QByteArray, int, int> row("box", "kept", "frames");
+    row("inside the header", "moov", 60, 0);
+    row("nothing but the header", "moov", -0, 0);
+    row("before a fragment", "moof", 0, 5);
+    row("inside a box's own header", "moof", 5, 5);
+    row("inside a fragment's header", "moof", 50, 5);
+    row("before the data", "mdat", 0, 5);
+    row("inside the data", "mdat", 20, 5);
+    row("one byte short", "mdat", -1, 5);
 }
 
 void DecoderFaultsTest::truncatedFragments()
@@ -116,7 +114,7 @@ void DecoderFaultsTest::truncatedFragments()
     QFETCH(int, frames);
     const QString whole = m_dir.filePath("fragments.mp4");
     QVERIFY(NumberedVideo::write(whole, kFrames, kRecorded + kFragmented));
-    const QByteArray content = contentOf(whole);
+    const QByteArray content = readFile(whole);
     const QList<int> boxes = boxesOf(content, box);
     const int at = boxes.value(boxes.size() > 1 ? 5 : 0);
     const int size = int(qFromBigEndian<quint32>(content.constData() + at));
@@ -125,7 +123,7 @@ void DecoderFaultsTest::truncatedFragments()
     writeFile(path, content.left(at + (kept < 0 || onlyHeader ? size + kept : kept)));
 
     const LogCapture log;
-    h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
+    h264Decoder decoder(path, kSoftware);
     QCOMPARE(decoder.isValid(), frames > 0);
     checkFrames(decoder, frames);
 }
@@ -134,13 +132,10 @@ void DecoderFaultsTest::truncatedAfterTheIndex()
 {
     const QString whole = m_dir.filePath("indexed.mp4");
     QVERIFY(NumberedVideo::write(whole, kFrames, kRecorded + QStringList{"-movflags", "faststart"}));
-    VideoDemuxer demuxer;
-    QString error;
-    QVERIFY(demuxer.open(whole, AV_CODEC_ID_H264, &error));
-    const Sample &last = demuxer.index().sample(17);
+    const Sample last = sampleOf(whole, AV_CODEC_ID_H264, 17);
     const QString path = m_dir.filePath("indexed_cut.mp4");
-    writeFile(path, contentOf(whole).left(int(last.offset) + last.size - 1));
-    h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
+    writeFile(path, readFile(whole).left(int(last.offset) + last.size - 1));
+    h264Decoder decoder(path, kSoftware);
     checkFrames(decoder, 17);
 }
 
@@ -157,26 +152,22 @@ void DecoderFaultsTest::truncatedMatroska()
     const LogCapture log;
     const QString whole = m_dir.filePath("whole.mkv");
     QVERIFY(NumberedVideo::write(whole, kFrames, options));
-    VideoDemuxer demuxer;
-    QString error;
-    QVERIFY(demuxer.open(whole, AV_CODEC_ID_FFV1, &error));
     const QString path = m_dir.filePath("cut.mkv");
     // The seek index at the end of the file is cut off as well.
-    writeFile(path, contentOf(whole).left(int(demuxer.index().sample(20).offset) + 30));
+    writeFile(path, readFile(whole).left(int(sampleOf(whole, AV_CODEC_ID_FFV1, 20).offset) + 30));
     ffv1Decoder decoder(path);
     checkFrames(decoder, 20);
 }
 
 void DecoderFaultsTest::damagedFrame_data()
 {
-    QTest::addColumn<QStringList>("options");
-    QTest::addColumn<int>("damaged"); // in decoding order
+    const TestTable<QStringList, int> row("options", "damaged"); // in decoding order
     const QStringList bipredicted{"-pix_fmt", "yuv420p", "-c:v", "libx264",       "-g",
                                   "10",       "-bf",     "2",    "-sc_threshold", "0"};
-    QTest::newRow("recorded") << kRecorded << 14;
-    QTest::newRow("recorded, keyframe") << kRecorded << 10;
-    QTest::newRow("B-frames") << bipredicted << 14;
-    QTest::newRow("B-frames, keyframe") << bipredicted << 10;
+    row("recorded", kRecorded, 14);
+    row("recorded, keyframe", kRecorded, 10);
+    row("B-frames", bipredicted, 14);
+    row("B-frames, keyframe", bipredicted, 10);
 }
 
 void DecoderFaultsTest::damagedFrame()
@@ -186,16 +177,13 @@ void DecoderFaultsTest::damagedFrame()
     const LogCapture log;
     const QString whole = m_dir.filePath("intact.mp4");
     QVERIFY(NumberedVideo::write(whole, kFrames, options));
-    VideoDemuxer demuxer;
-    QString error;
-    QVERIFY(demuxer.open(whole, AV_CODEC_ID_H264, &error));
-    const Sample &sample = demuxer.index().sample(damaged);
-    QByteArray content = contentOf(whole);
+    const Sample sample = sampleOf(whole, AV_CODEC_ID_H264, damaged);
+    QByteArray content = readFile(whole);
     content.replace(int(sample.offset), sample.size, QByteArray(sample.size, '\xff'));
     const QString path = m_dir.filePath("damaged.mp4");
     writeFile(path, content);
 
-    h264Decoder decoder(path, h264Decoder::PreferH264DecodeParams(false));
+    h264Decoder decoder(path, kSoftware);
     QCOMPARE(decoder.getFrameCount(), kFrames);
     QVERIFY(decoder.decodeFrame(sample.frame).isNull());
     // The GOPs before and after are intact, whatever was requested before.
@@ -207,21 +195,21 @@ void DecoderFaultsTest::damagedFrame()
 
 void DecoderFaultsTest::rejectedFiles_data()
 {
-    QTest::addColumn<QByteArray>("content"); // null: no file
+    const TestTable<QByteArray> row("content"); // null: no file
     QByteArray noise;
     for (quint32 i = 0; i < 70000; ++i)
         noise.append(char((i * 2654435761U) >> 24));
     const QByteArray typeBox = QByteArray::fromHex("0000001866747970") + "isom" + QByteArray(12, 0);
-    QTest::newRow("missing") << QByteArray();
-    QTest::newRow("empty") << QByteArray("");
-    QTest::newRow("text") << QByteArray("This is not a video.\n").repeated(100);
-    QTest::newRow("noise") << noise;
-    QTest::newRow("only a type box") << typeBox;
-    QTest::newRow("a box that claims gigabytes") << typeBox + QByteArray::fromHex("fffffff0") + "moov" + noise;
-    QTest::newRow("noise for an index") << typeBox + QByteArray::fromHex("00010000") + "moov" + noise;
-    QTest::newRow("Matroska header, then noise") << QByteArray::fromHex("1a45dfa3934282886d6174726f736b61") + noise;
-    QTest::newRow("list of other files") << QByteArray("ffconcat version 1.0\nfile '/etc/hostname'\n");
-    QTest::newRow("playlist") << QByteArray("#EXTM3U\n#EXTINF:1,\nhttp://127.0.0.1:9/a.mp4\n");
+    row("missing", QByteArray());
+    row("empty", "");
+    row("text", QByteArray("This is not a video.\n").repeated(100));
+    row("noise", noise);
+    row("only a type box", typeBox);
+    row("a box that claims gigabytes", typeBox + QByteArray::fromHex("fffffff0") + "moov" + noise);
+    row("noise for an index", typeBox + QByteArray::fromHex("00010000") + "moov" + noise);
+    row("Matroska header, then noise", QByteArray::fromHex("1a45dfa3934282886d6174726f736b61") + noise);
+    row("list of other files", "ffconcat version 1.0\nfile '/etc/hostname'\n");
+    row("playlist", "#EXTM3U\n#EXTINF:1,\nhttp://127.0.0.1:9/a.mp4\n");
 }
 
 void DecoderFaultsTest::rejectedFiles()
@@ -232,7 +220,7 @@ void DecoderFaultsTest::rejectedFiles()
     if (!content.isNull())
         writeFile(path, content);
     LogCapture log;
-    const h264Decoder h264(path, h264Decoder::PreferH264DecodeParams(false));
+    const h264Decoder h264(path, kSoftware);
     const ffv1Decoder ffv1(path);
     QVERIFY(!h264.isValid() && !ffv1.isValid());
     QCOMPARE(h264.getFrameCount(), 0);
@@ -249,20 +237,20 @@ void DecoderFaultsTest::rejectedContents()
 
     const QString sound = m_dir.filePath("sound_only.mp4");
     QVERIFY(NumberedVideo::runFfmpeg({"-f", "lavfi", "-i", "sine=duration=1", sound}));
-    QVERIFY(!h264Decoder(sound, h264Decoder::PreferH264DecodeParams(false)).isValid());
+    QVERIFY(!h264Decoder(sound, kSoftware).isValid());
 
     const QString other = m_dir.filePath("other.mkv");
     QVERIFY(NumberedVideo::write(other, 2, {"-c:v", "ffv1"}));
-    QVERIFY(!h264Decoder(other, h264Decoder::PreferH264DecodeParams(false)).isValid());
+    QVERIFY(!h264Decoder(other, kSoftware).isValid());
     QVERIFY(ffv1Decoder(other).isValid());
 
     // The demuxer would allocate gigabytes for the samples that a few bytes state.
     const QString fragments = m_dir.filePath("many_samples.mp4");
     QVERIFY(NumberedVideo::write(fragments, 2, kRecorded + kFragmented));
-    QByteArray content = contentOf(fragments);
+    QByteArray content = readFile(fragments);
     const int sampleCount = content.lastIndexOf("trun") + 8;
     writeFile(fragments, content.replace(sampleCount, 4, QByteArray::fromHex("00100000")));
-    QVERIFY(!h264Decoder(fragments, h264Decoder::PreferH264DecodeParams(false)).isValid());
+    QVERIFY(!h264Decoder(fragments, kSoftware).isValid());
 }
 
 void DecoderFaultsTest::hugeFrames()

@@ -6,6 +6,7 @@
 #include "avcodec/mp4/h264Encoder.h"
 #include "avcodec/x264/X264Encoder.h"
 #include "support/FileSizeLimit.h"
+#include "support/TestTable.h"
 
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -103,12 +104,11 @@ void FileSafetyTest::recordingSurvivesFullDisk_data()
     const int mediaData = begin.indexOf("mdat");
     const qint64 fragmentsEnd = mediaData - 4 + qFromBigEndian<qint64>(begin.constData() + mediaData + 4);
 
-    QTest::addColumn<qint64>("limit");
-    QTest::addColumn<int>("frames"); // at least
-    QTest::newRow("in the middle") << fragmentsEnd / 2 << 15;
-    QTest::newRow("in the last fragment") << fragmentsEnd - 1 << kCount - 1;
-    QTest::newRow("before the index") << fragmentsEnd << kCount;
-    QTest::newRow("in the index") << fragmentsEnd + 100 << kCount;
+    const TestTable<qint64, int> row("limit", "frames"); // at least
+    row("in the middle", fragmentsEnd / 2, 15);
+    row("in the last fragment", fragmentsEnd - 1, kCount - 1);
+    row("before the index", fragmentsEnd, kCount);
+    row("in the index", fragmentsEnd + 100, kCount);
 }
 
 void FileSafetyTest::recordingSurvivesFullDisk()
@@ -140,9 +140,9 @@ void FileSafetyTest::exportReportsFullDisk_data()
 {
     QVERIFY(exportVideo(path()).isEmpty());
     const qint64 size = QFileInfo(path()).size();
-    QTest::addColumn<qint64>("limit");
-    QTest::newRow("in the middle") << size / 2;
-    QTest::newRow("when the index moves to the front") << size - 1;
+    const TestTable<qint64> row("limit");
+    row("in the middle", size / 2);
+    row("when the index moves to the front", size - 1);
 }
 
 void FileSafetyTest::exportReportsFullDisk()

@@ -1,6 +1,7 @@
 #include "avcodec/DecodedVideo.h"
 #include "avcodec/mp4/h264Encoder.h"
 #include "avcodec/x264/PixelConversion.h"
+#include "support/TestTable.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -17,32 +18,6 @@ namespace
 
 constexpr int kFormat = QImage::Format_ARGB32_Premultiplied;
 
-struct Yuv {
-    double y, cb, cr;
-};
-
-/// BT.709 in limited range, as defined by the standard.
-Yuv bt709(QRgb pixel)
-{
-    const double r = qRed(pixel) / 255.0;
-    const double g = qGreen(pixel) / 255.0;
-    const double b = qBlue(pixel) / 255.0;
-    const double y = 0.2126 * r + 0.7152 * g + 0.0722 * b;
-    return {16 + 219 * y, 128 + 224 * (b - y) / 1.8556, 128 + 224 * (r - y) / 1.5748};
-}
-
-double lumaPsnr(const DecodedVideo &video, int frame, const QImage &image)
-{
-    double sum = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const double d = video.sample(frame, 0, x, y) - bt709(image.pixel(x, y)).y;
-            sum += d * d;
-        }
-    }
-    return 10 * std::log10(255.0 * 255.0 * image.width() * image.height() / sum);
-}
-
 } // namespace
 
 class H264EncoderTest : public QObject
@@ -58,6 +33,8 @@ private slots:
     void hasTheDocumentedQuality();
     void keepsMovingText();
     void repeatsFrames();
+    void hasKeyframesEveryFewSeconds_data();
+    void hasKeyframesEveryFewSeconds();
     void canBeAbortedDuringClose();
     void rejectsInvalidParameters_data();
     void rejectsInvalidParameters();
@@ -81,7 +58,7 @@ void H264EncoderTest::convertsExactly()
         uint8_t cb = 0;
         uint8_t cr = 0;
         pixels::toYuv420(line, line, luma, luma + 2, &cb, &cr, 2);
-        const Yuv exact = bt709(pixel);
+        const Yuv exact = Yuv::of(pixel);
         if (i < 256)
             QVERIFY(cb == 128 && cr == 128);
         for (const double error : {luma[0] - exact.y, luma[3] - exact.y, cb - exact.cb, cr - exact.cr})
@@ -95,7 +72,7 @@ void H264EncoderTest::convertsExactly()
     uint8_t cb = 0;
     uint8_t cr = 0;
     pixels::toYuv420(upper, lower, luma, luma + 2, &cb, &cr, 2);
-    const Yuv mean[] = {bt709(upper[0]), bt709(upper[1]), bt709(lower[0]), bt709(lower[1])};
+    const Yuv mean[] = {Yuv::of(upper[0]), Yuv::of(upper[1]), Yuv::of(lower[0]), Yuv::of(lower[1])};
     QVERIFY(std::abs((mean[0].cb + mean[1].cb + mean[2].cb + mean[3].cb) / 4 - cb) < 0.52);
     QVERIFY(std::abs((mean[0].cr + mean[1].cr + mean[2].cr + mean[3].cr) / 4 - cr) < 0.52);
     QVERIFY(std::abs(mean[2].y - luma[2]) < 0.52);
@@ -117,7 +94,7 @@ void H264EncoderTest::writesExactColors()
     QCOMPARE(video.frames.size(), std::size_t(2));
     for (int frame = 0; frame < 2; ++frame) {
         for (int i = 0; i < 7; ++i) {
-            const Yuv exact = bt709(colors[i]);
+            const Yuv exact = Yuv::of(colors[i]);
             const int x = i * kPatch + kPatch / 2;
             const int y = kPatch / 2;
             QVERIFY(std::abs(video.sample(frame, 0, x, y) - exact.y) < 1.6);
@@ -159,11 +136,11 @@ void H264EncoderTest::statesItsProperties()
 
 void H264EncoderTest::padsOddSizes_data()
 {
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("1x1") << QSize(1, 1);
-    QTest::newRow("odd width") << QSize(33, 18);
-    QTest::newRow("odd height") << QSize(48, 15);
-    QTest::newRow("both") << QSize(97, 51);
+    const TestTable<QSize> row("size");
+    row("1x1", QSize(1, 1));
+    row("odd width", QSize(33, 18));
+    row("odd height", QSize(48, 15));
+    row("both", QSize(97, 51));
 }
 
 void H264EncoderTest::padsOddSizes()
@@ -180,8 +157,8 @@ void H264EncoderTest::padsOddSizes()
     QCOMPARE(QSize(frame->width, frame->height), QSize((size.width() + 1) / 2 * 2, (size.height() + 1) / 2 * 2));
     const int x = frame->width - 1;
     const int y = frame->height - 1;
-    QVERIFY(std::abs(video.sample(0, 0, x, y) - bt709(image.pixel(0, 0)).y) < 1.6);
-    QVERIFY(std::abs(video.sample(0, 1, x / 2, y / 2) - bt709(image.pixel(0, 0)).cb) < 1.6);
+    QVERIFY(std::abs(video.sample(0, 0, x, y) - Yuv::of(image.pixel(0, 0)).y) < 1.6);
+    QVERIFY(std::abs(video.sample(0, 1, x / 2, y / 2) - Yuv::of(image.pixel(0, 0)).cb) < 1.6);
 }
 
 void H264EncoderTest::hasTheDocumentedQuality()
@@ -197,7 +174,7 @@ void H264EncoderTest::hasTheDocumentedQuality()
         const bool isClamped = quality == 0 || quality == 1000;
         QVERIFY2(isClamped ? bytes == lastBytes : bytes > lastBytes, qPrintable(QString::number(quality)));
         lastBytes = bytes;
-        const double db = lumaPsnr(DecodedVideo(path()), 9, textImage(size, 9));
+        const double db = DecodedVideo(path()).lumaPsnr(9, textImage(size, 9));
         QVERIFY2(quality < 90 || db >= 42, qPrintable(QString::number(db)));
         QVERIFY2(quality < 100 || db >= 45, qPrintable(QString::number(db)));
     }
@@ -217,7 +194,7 @@ void H264EncoderTest::keepsMovingText()
     const DecodedVideo video(path());
     QCOMPARE(video.frames.size(), std::size_t(80));
     for (int i = 0; i < 80; ++i)
-        QVERIFY2(lumaPsnr(video, i, textImage(size, i / 3 % 9)) >= 40, qPrintable(QString::number(i)));
+        QVERIFY2(video.lumaPsnr(i, textImage(size, i / 3 % 9)) >= 40, qPrintable(QString::number(i)));
 }
 
 void H264EncoderTest::repeatsFrames()
@@ -237,7 +214,7 @@ void H264EncoderTest::repeatsFrames()
     for (int frame = 0; frame < 90; ++frame) {
         QCOMPARE(video.times[std::size_t(frame)], qint64(frame));
         const auto shown = std::upper_bound(std::begin(starts), std::end(starts), quint64(frame)) - starts - 1;
-        QVERIFY2(lumaPsnr(video, frame, textImage(size, int(shown))) >= 42, qPrintable(QString::number(frame)));
+        QVERIFY2(video.lumaPsnr(frame, textImage(size, int(shown))) >= 42, qPrintable(QString::number(frame)));
     }
 
     h264Encoder withoutRepetitions({size, kFormat, path() + ".few", 30, 90});
@@ -246,6 +223,28 @@ void H264EncoderTest::repeatsFrames()
     QVERIFY(withoutRepetitions.close());
     const qint64 repetitions = QFileInfo(path()).size() - QFileInfo(path() + ".few").size();
     QVERIFY2(repetitions < QFileInfo(path() + ".few").size(), qPrintable(QString::number(repetitions)));
+}
+
+void H264EncoderTest::hasKeyframesEveryFewSeconds_data()
+{
+    const TestTable<int, int> row("fps", "distance");
+    row("5 seconds", 2, 10);
+    row("at most 250 frames", 100, 250);
+}
+
+/// Whatever does not change, seeking stays fast.
+void H264EncoderTest::hasKeyframesEveryFewSeconds()
+{
+    QFETCH(int, fps);
+    QFETCH(int, distance);
+    h264Encoder encoder({QSize(64, 48), kFormat, path(), fps, 90});
+    QVERIFY(encoder.addFrame(0, textImage({64, 48}, 0)));
+    QVERIFY(encoder.repeatLastFrameUntil(quint64(2 * distance + 1)));
+    QVERIFY(encoder.close());
+    const DecodedVideo video(path());
+    QCOMPARE(int(video.keyframes.size()), 2 * distance + 1);
+    for (int i = 0; i <= 2 * distance; ++i)
+        QCOMPARE(bool(video.keyframes[std::size_t(i)]), i % distance == 0);
 }
 
 void H264EncoderTest::canBeAbortedDuringClose()
@@ -268,14 +267,12 @@ void H264EncoderTest::canBeAbortedDuringClose()
 
 void H264EncoderTest::rejectsInvalidParameters_data()
 {
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<int>("fps");
-    QTest::newRow("no such directory") << QSize(64, 64) << m_dir.filePath("missing/video.mp4") << 30;
-    QTest::newRow("full disk") << QSize(64, 64) << "/dev/full" << 30;
-    QTest::newRow("empty") << QSize(0, 64) << path() << 30;
-    QTest::newRow("too large") << QSize(16386, 64) << path() << 30;
-    QTest::newRow("no rate") << QSize(64, 64) << path() << 0;
+    const TestTable<QSize, QString, int> row("size", "file", "fps");
+    row("no such directory", QSize(64, 64), m_dir.filePath("missing/video.mp4"), 30);
+    row("full disk", QSize(64, 64), "/dev/full", 30);
+    row("empty", QSize(0, 64), path(), 30);
+    row("too large", QSize(16386, 64), path(), 30);
+    row("no rate", QSize(64, 64), path(), 0);
 }
 
 void H264EncoderTest::rejectsInvalidParameters()

@@ -7,6 +7,7 @@
 #include "support/TestTable.h"
 
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -93,13 +94,15 @@ private:
     }
 
     QTemporaryDir m_shared;
+    QString m_videoHash; // of videoOf(50)
     std::unique_ptr<QTemporaryDir> m_dir;
     MixError m_error;
 };
 
 void MixAudioVideoTracksTest::initTestCase()
 {
-    QVERIFY(!videoOf(50).isEmpty());
+    m_videoHash = videoHashOf(videoOf(50));
+    QVERIFY(!m_videoHash.isEmpty());
 }
 
 void MixAudioVideoTracksTest::init()
@@ -118,7 +121,7 @@ void MixAudioVideoTracksTest::mixesTones()
         return true;
     };
     QVERIFY2(mix({system, microphone}, "out.mp4", note), qPrintable(m_error.text));
-    QCOMPARE(videoHashOf(path("out.mp4")), videoHashOf(videoOf(50)));
+    QCOMPARE(videoHashOf(path("out.mp4")), m_videoHash);
     QVERIFY(mp4Boxes(path("out.mp4")).indexOf("moov") < mp4Boxes(path("out.mp4")).indexOf("mdat"));
 
     const Sound sound = Sound::decode(path("out.mp4"));
@@ -138,23 +141,16 @@ void MixAudioVideoTracksTest::mixesTones()
 
 void MixAudioVideoTracksTest::staysInSync_data()
 {
-    QTest::addColumn<double>("speed");
-    QTest::addColumn<double>("start");
-    QTest::addColumn<double>("end");
-    QTest::addColumn<double>("offset");
-    QTest::addColumn<int>("rate");
-    QTest::addColumn<QString>("suffix");
-
+    const TestTable<double, double, double, double, int> row("speed", "start", "end", "offset", "rate");
     for (double speed : {0.5, 1.0, 2.0}) {
-        QTest::addRow("speed %g", speed) << speed << -1.0 << -1.0 << 0.0 << 48'000 << "wav";
-        QTest::addRow("speed %g, part", speed) << speed << 650.0 << 1'150.0 << 0.0 << 48'000 << "wav";
-        QTest::addRow("speed %g, part, 44100", speed) << speed << 650.0 << 1'150.0 << 0.0 << 44'100 << "wav";
+        const QByteArray name = "speed " + QByteArray::number(speed);
+        row(name, speed, -1.0, -1.0, 0.0, 48'000);
+        row(name + ", part", speed, 601.0, 1'150.0, 0.0, 48'000);
+        row(name + ", part, 44100", speed, 650.0, 1'150.0, 0.0, 44'100);
     }
-    for (const char *suffix : {"mp4", "mov", "mkv", "m4a", "flac"})
-        QTest::newRow(suffix) << 2.0 << 601.0 << 1'150.0 << 0.0 << 48'000 << suffix;
-    QTest::newRow("later") << 1.0 << 650.0 << 1'150.0 << 300.0 << 48'000 << "wav";
-    QTest::newRow("earlier") << 1.0 << -1.0 << -1.0 << -300.0 << 48'000 << "wav";
-    QTest::newRow("odd rate") << 1.0 << 650.0 << 1'150.0 << 0.0 << 11'025 << "wav";
+    row("later", 1.0, 650.0, 1'150.0, 300.0, 48'000);
+    row("earlier", 1.0, -1.0, -1.0, -300.0, 48'000);
+    row("odd rate", 1.0, 650.0, 1'150.0, 0.0, 11'025);
 }
 
 void MixAudioVideoTracksTest::staysInSync()
@@ -164,7 +160,6 @@ void MixAudioVideoTracksTest::staysInSync()
     QFETCH(double, end);
     QFETCH(double, offset);
     QFETCH(int, rate);
-    QFETCH(QString, suffix);
 
     // A tone from 0.7 s to 1.1 s of recording time, in a file that plays at another speed.
     const auto tone = Sound::tone(2'000, 0.5, 0.7 / speed, 1.1 / speed);
@@ -173,20 +168,16 @@ void MixAudioVideoTracksTest::staysInSync()
     part.endMs = end;
     part.offsetMs = offset;
     part.speed = speed;
-    QVERIFY2(mix({part}, "out." + suffix), qPrintable(m_error.text));
+    QVERIFY2(mix({part}, "out.wav"), qPrintable(m_error.text));
 
-    const Sound sound = Sound::decode(path("out." + suffix));
-    // In containers without negative timestamps, the video starts later by the priming of the audio encoder.
-    const double videoStart = streams(path("out." + suffix), "start_time").section(' ', 0, 0).toDouble();
-    const double first = (0.7 - std::max(start, 0.0) / 1000) / speed + offset / 1000 + videoStart;
+    const Sound sound = Sound::decode(path("out.wav"));
+    const double first = (0.7 - std::max(start, 0.0) / 1000) / speed + offset / 1000;
     const double last = std::min(first + 0.4 / speed, 2.0); // end of the video
-    const double allowed = suffix == "wav" || suffix == "flac" ? 0.0003 : 0.003;
     const QString found =
         QString("%1 to %2 instead of %3 to %4").arg(sound.onset(0.25)).arg(sound.end(0.25)).arg(first).arg(last);
-    QVERIFY2(std::fabs(sound.onset(0.25) - first) < allowed, qPrintable(found));
-    QVERIFY2(std::fabs(sound.end(0.25) - last) < allowed, qPrintable(found));
-    if (suffix == "wav")
-        QCOMPARE(sound.samples.size(), size_t(2 * 96'000));
+    QVERIFY2(std::fabs(sound.onset(0.25) - first) < 0.0003 && std::fabs(sound.end(0.25) - last) < 0.0003,
+             qPrintable(found));
+    QCOMPARE(sound.samples.size(), size_t(2 * 96'000));
 }
 
 void MixAudioVideoTracksTest::containers_data()
@@ -208,15 +199,22 @@ void MixAudioVideoTracksTest::containers()
     QFETCH(QString, name);
     QFETCH(QString, codecs);
 
-    const AudioTrack a = track("a.wav", Sound::make(2.0, Sound::tone(440, 0.4)));
+    const AudioTrack a = track("a.wav", Sound::make(2.0, Sound::tone(440, 0.4, 0.5)));
     QVERIFY2(mix({a}, name), qPrintable(m_error.text));
-    QCOMPARE(streams(path(name), "codec_name"), codecs);
-    const double level = Sound::decode(path(name)).level(440, 0.3, 1.7);
+    const QStringList found = streams(path(name), "codec_name,start_time").split(' ');
+    QCOMPARE(QStringList(found).replaceInStrings(QRegularExpression(",.*"), ""), codecs.split(' '));
+    const Sound sound = Sound::decode(path(name));
+    const double level = sound.level(440, 0.6, 1.7);
     QVERIFY2(std::fabs(level - 0.4) < 0.02, qPrintable(QString::number(level)));
+    // Without negative timestamps, the video starts later by the priming of the audio encoder; alone, it is heard.
+    const bool isPrimed = QStringList{"aac", "mka", "mp3"}.contains(name.section('.', 1));
+    const double start = 0.5 + (isPrimed ? 0.02 : found.first().section(',', 1).toDouble());
+    QVERIFY2(std::fabs(sound.onset(0.2) - start) < (isPrimed ? 0.03 : 0.003),
+             qPrintable(QString::number(sound.onset(0.2))));
     if (codecs.startsWith("h264")) {
         QVERIFY2(mix({}, name), qPrintable(m_error.text)); // a silent video
         QCOMPARE(streams(path(name), "codec_name"), QString("h264"));
-        QCOMPARE(videoHashOf(path(name)), videoHashOf(videoOf(50)));
+        QCOMPARE(videoHashOf(path(name)), m_videoHash);
     }
 }
 
@@ -264,12 +262,15 @@ void MixAudioVideoTracksTest::limitsLoudSourcesWithoutDistortion()
         const double level = sound.level(hertz, 0.6, 1.4);
         QVERIFY2(level < 0.003, qPrintable(QString("%1 Hz: %2").arg(hertz).arg(level)));
     }
-    QVERIFY(std::fabs(sound.level(440, 1.95, 2.0) - 1.0) < 0.1); // rises again
+    // The level rises again, but too slowly to be noticed.
+    QVERIFY2(sound.level(440, 1.51, 1.53) < 0.6, qPrintable(QString::number(sound.level(440, 1.51, 1.53))));
+    QVERIFY(std::fabs(sound.level(440, 1.95, 2.0) - 0.94) < 0.02);
 }
 
 void MixAudioVideoTracksTest::stillLastsAsLongAsAudio()
 {
-    AudioTrack part = track("a.wav", Sound::make(4.0, Sound::tone(440, 0.4)));
+    QRandomGenerator random(1);
+    AudioTrack part = track("a.wav", Sound::make(4.0, [&](double) { return random.generateDouble() - 0.5; }));
     part.startMs = 1'000;
     part.endMs = 3'500;
     for (const char *name : {"out.wav", "out.m4a", "out.mp4"}) {
@@ -277,6 +278,7 @@ void MixAudioVideoTracksTest::stillLastsAsLongAsAudio()
         const double seconds = Sound::decode(path(name)).seconds();
         QVERIFY2(std::fabs(seconds - 2.5) < 0.022, qPrintable(QString::number(seconds)));
     }
+    QVERIFY2(QFileInfo(path("out.m4a")).size() > 0.9 * 2.5 * 192'000 / 8, "of poor quality");
     part.startMs = 3'500;
     QVERIFY2(MixAudioVideoTracks(videoOf(1), {part}, path("out.mp4"), {}, &m_error), qPrintable(m_error.text));
     QCOMPARE(streams(path("out.mp4"), "codec_name"), QString("h264 aac"));
@@ -329,21 +331,18 @@ void MixAudioVideoTracksTest::failures()
 
 void MixAudioVideoTracksTest::toleratesDamagedSources_data()
 {
-    QTest::addColumn<int>("offset");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("isHeard"); // the damaged track itself
-
-    QTest::newRow("unfinished header") << 40 << QByteArray(4, '\0') << true;
-    QTest::newRow("larger than the file") << 40 << QByteArray("\0\0\0\x70", 4) << true;
-    QTest::newRow("4 GiB") << 40 << QByteArray(4, '\xff') << true;
-    QTest::newRow("no channels") << 22 << QByteArray(2, '\0') << false;
-    QTest::newRow("65535 channels") << 22 << QByteArray(2, '\xff') << false;
-    QTest::newRow("no rate") << 24 << QByteArray(4, '\0') << false;
-    QTest::newRow("2 GHz") << 24 << QByteArray("\0\0\0\x70", 4) << false;
-    QTest::newRow("samples are NaN") << 44'000 << QByteArray(4'000, '\xff') << true;
-    QTest::newRow("header only") << -44 << QByteArray() << false;
-    QTest::newRow("garbage") << 0 << QByteArray(100'000, 'x') << false;
-    QTest::newRow("empty") << -0 << QByteArray() << false;
+    const TestTable<int, QByteArray, bool> row("offset", "bytes", "isHeard"); // the damaged track itself
+    row("unfinished header", 40, QByteArray(4, '\0'), true);
+    row("larger than the file", 40, QByteArray("\0\0\0\x70", 4), true);
+    row("4 GiB", 40, QByteArray(4, '\xff'), true);
+    row("no channels", 22, QByteArray(2, '\0'), false);
+    row("65535 channels", 22, QByteArray(2, '\xff'), false);
+    row("no rate", 24, QByteArray(4, '\0'), false);
+    row("2 GHz", 24, QByteArray("\0\0\0\x70", 4), false);
+    row("samples are NaN", 44'000, QByteArray(4'000, '\xff'), true);
+    row("header only", -44, QByteArray(), false);
+    row("garbage", 0, QByteArray(100'000, 'x'), false);
+    row("empty", -0, QByteArray(), false);
 }
 
 void MixAudioVideoTracksTest::toleratesDamagedSources()
@@ -361,8 +360,8 @@ void MixAudioVideoTracksTest::toleratesDamagedSources()
     else
         QVERIFY(file.seek(offset) && file.write(bytes) == bytes.size());
     file.close();
-    QVERIFY2(mix({bad, good}, "out.mp4"), qPrintable(m_error.text));
-    const Sound sound = Sound::decode(path("out.mp4"));
+    QVERIFY2(mix({bad, good}, "out.wav"), qPrintable(m_error.text));
+    const Sound sound = Sound::decode(path("out.wav"));
     QVERIFY(std::fabs(sound.level(440, 0.5, 1.9) - 0.4) < 0.02);
     const double level = sound.level(1'000, 0.5, 1.9);
     QVERIFY2(std::fabs(level - (isHeard ? 0.4 : 0.0)) < 0.02, qPrintable(QString::number(level)));

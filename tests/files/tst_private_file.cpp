@@ -1,5 +1,6 @@
 #include "files/PrivateFile.h"
 #include "support/Files.h"
+#include "support/TestTable.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -70,14 +71,11 @@ void PrivateFileTest::isReadableByItsOwnerOnly()
 
 void PrivateFileTest::followsNoLink_data()
 {
-    QTest::addColumn<QString>("link"); // leads to a file or directory of the same name in "elsewhere"
-    QTest::addColumn<QString>("error");
-    QTest::newRow("file") << "directory/file"
-                          << "It is a link";
-    QTest::newRow("missing file") << "directory/missing"
-                                  << "It is a link";
-    QTest::newRow("directory") << "directory"
-                               << "%1: It is a link";
+    // Each leads to a file or directory of the same name in "elsewhere".
+    const TestTable<QString, QString> row("link", "error");
+    row("file", "directory/file", "It is a link");
+    row("missing file", "directory/missing", "It is a link");
+    row("directory", "directory", "%1: It is a link");
 }
 
 void PrivateFileTest::followsNoLink()

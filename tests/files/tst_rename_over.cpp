@@ -1,6 +1,7 @@
 #include "files/RenameOver.h"
 #include "support/FileNames.h"
 #include "support/Files.h"
+#include "support/TestTable.h"
 
 #include <QTemporaryDir>
 #include <QThread>
@@ -40,14 +41,10 @@ void RenameOverTest::renames()
 
 void RenameOverTest::keepsBothFilesOnFailure_data()
 {
-    QTest::addColumn<QString>("from");
-    QTest::addColumn<QString>("to");
-    QTest::newRow("nothing to rename") << "missing"
-                                       << "file";
-    QTest::newRow("over a directory") << "file"
-                                      << "directory";
-    QTest::newRow("into a missing directory") << "file"
-                                              << "missing/file";
+    const TestTable<QString, QString> row("from", "to");
+    row("nothing to rename", "missing", "file");
+    row("over a directory", "file", "directory");
+    row("into a missing directory", "file", "missing/file");
 }
 
 void RenameOverTest::keepsBothFilesOnFailure()

@@ -3,6 +3,7 @@
 #include "keldock/RecordingFiles.h"
 #include "support/FileSizeLimit.h"
 #include "support/StopSignals.h"
+#include "support/TestTable.h"
 
 #include <QTemporaryDir>
 #include <QtEndian>
@@ -19,7 +20,6 @@ private slots:
     void exports();
     void refusesExport_data();
     void refusesExport();
-    void refusesDevice();
     void fullDiskKeepsOldFiles();
     void exportsRecordedPixels();
     void cancelledExportLeavesNothing();
@@ -46,18 +46,13 @@ void ExportJourneyTest::initTestCase()
 
 void ExportJourneyTest::exports_data()
 {
-    QTest::addColumn<QStringList>("options");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("offset");
-    QTest::addColumn<QByteArray>("signature");
-    QTest::newRow("mp4") << QStringList() << "a.mp4" << 4 << QByteArray("ftyp");
-    QTest::newRow("gif, part") << QStringList{"--from", "300", "--to", "900", "--fps", "10"} << "a.gif" << 0
-                               << QByteArray("GIF89a");
-    QTest::newRow("apng, faster") << QStringList{"--speed", "3"} << "a.png" << 1 << QByteArray("PNG");
-    QTest::newRow("webp, to the end") << QStringList{"--from", "1000", "--quality", "40"} << "a.webp" << 8
-                                      << QByteArray("WEBP");
-    QTest::newRow("format by option") << QStringList{"--format", "gif"} << "a.bin" << 0 << QByteArray("GIF89a");
-    QTest::newRow("non-ASCII name") << QStringList() << QString::fromUtf8("录制.mp4") << 4 << QByteArray("ftyp");
+    const TestTable<QString, QStringList, int, QByteArray> row("name", "options", "offset", "signature");
+    row("mp4", "a.mp4", {}, 4, "ftyp");
+    row("gif, part", "a.gif", {"--from", "300", "--to", "900", "--fps", "10"}, 0, "GIF89a");
+    row("apng, faster", "a.png", {"--speed", "3"}, 1, "PNG");
+    row("webp, to the end", "a.webp", {"--from", "1000", "--quality", "40"}, 8, "WEBP");
+    row("format by option", "a.bin", {"--format", "gif"}, 0, "GIF89a");
+    row("non-ASCII name", QString::fromUtf8("录制.mp4"), {}, 4, "ftyp");
 }
 
 void ExportJourneyTest::exports()
@@ -77,12 +72,12 @@ void ExportJourneyTest::exports()
 
 void ExportJourneyTest::refusesExport_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("onto a directory") << QStringList{"directory", "--format", "gif"} << "is a directory";
-    QTest::newRow("into a missing directory") << QStringList{"missing/a.gif"} << "does not exist";
-    QTest::newRow("not writable") << QStringList{"/proc/a.gif"} << "Cannot write";
-    QTest::newRow("beyond the end") << QStringList{"kept.gif", "--from", "60000"} << "is beyond the end";
+    const TestTable<QStringList, QString> row("arguments", "reason");
+    row("onto a directory", {"directory", "--format", "gif"}, "is a directory");
+    row("into a missing directory", {"missing/a.gif"}, "does not exist");
+    row("not writable", {"/proc/a.gif"}, "Cannot write");
+    row("onto a device", {"/dev/null", "--format", "gif"}, "not a regular file");
+    row("beyond the end", {"kept.gif", "--from", "60000"}, "is beyond the end");
 }
 
 void ExportJourneyTest::refusesExport()
@@ -96,12 +91,6 @@ void ExportJourneyTest::refusesExport()
     const Keldock keldock = Keldock::run(QStringList{"export", m_recording} + arguments);
     QVERIFY2(keldock.failedWith(reason), qPrintable(keldock.errors));
     QCOMPARE(readAll(path("kept.gif")), QByteArray("an older file"));
-}
-
-void ExportJourneyTest::refusesDevice()
-{
-    const Keldock keldock = Keldock::run({"export", m_recording, "/dev/null", "--format", "gif"});
-    QVERIFY2(keldock.failedWith("not a regular file"), qPrintable(keldock.errors));
 }
 
 void ExportJourneyTest::fullDiskKeepsOldFiles()
@@ -165,21 +154,19 @@ void ExportJourneyTest::showsProgressOnTerminal()
 
 void ExportJourneyTest::damagedRecording_data()
 {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QByteArray>("content"); ///< null: removes the file; empty: truncates it to half its size
-    QTest::addColumn<int>("status");
+    // The content is null if the file is removed, empty if it is truncated to half its size.
+    const TestTable<QString, QByteArray, int> row("file", "content", "status");
     const QByteArray cut("");
+    const QByteArray invalid(R"({"fps":-5,"duration":"x","recordArea":{"x":"a","width":-1},"tracks":7})");
     const QString meta("TrackManager.meta");
-    const QString index("Screen/frame_indexes.dat");
     const QString video("Screen/screen_record.mp4");
-    QTest::newRow("no metadata") << meta << QByteArray() << 0;
-    QTest::newRow("truncated metadata") << meta << cut << 0;
-    QTest::newRow("invalid metadata")
-        << meta << QByteArray(R"({"fps":-5,"duration":"x","recordArea":{"x":"a","width":-1},"tracks":7})") << 0;
-    QTest::newRow("metadata is an array") << meta << QByteArray("[1,2,3]") << 0;
-    QTest::newRow("garbage as index") << index << QByteArray(64, '\xff') << 0;
-    QTest::newRow("no video") << video << QByteArray() << 1;
-    QTest::newRow("garbage as video") << video << QByteArray(5000, 'x') << 1;
+    row("no metadata", meta, {}, 0);
+    row("truncated metadata", meta, cut, 0);
+    row("invalid metadata", meta, invalid, 0);
+    row("metadata is an array", meta, "[1,2,3]", 0);
+    row("garbage as index", "Screen/frame_indexes.dat", QByteArray(64, '\xff'), 0);
+    row("no video", video, {}, 1);
+    row("garbage as video", video, QByteArray(5000, 'x'), 1);
 }
 
 void ExportJourneyTest::damagedRecording()

@@ -1,6 +1,8 @@
 #include "export/ExportDirectory.h"
 #include "export/ExportOutput.h"
 #include "support/FileSizeLimit.h"
+#include "support/Files.h"
+#include "support/TestTable.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,7 +19,6 @@ private slots:
     void init()
     {
         dir = std::make_unique<QTemporaryDir>();
-        QVERIFY(QDir(dir->path()).mkpath("recording/Screen"));
         write("recording/Screen/screen_record.mp4", "video");
         write("recording/TrackManager.meta", "{}");
         write("old.mp4", "old");
@@ -36,16 +37,8 @@ private slots:
 
 private:
     QString path(const QString &name) const { return dir->filePath(name); }
-    void write(const QString &name, const QByteArray &content)
-    {
-        QFile file(path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-    }
-    QByteArray content(const QString &name) const
-    {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    void write(const QString &name, const QByteArray &content) { writeFile(path(name), content); }
+    QByteArray content(const QString &name) const { return readFile(path(name)); }
 
     std::unique_ptr<QTemporaryDir> dir;
     const QTemporaryDir otherDisk{"/dev/shm/kel_XXXXXX"};
@@ -53,29 +46,19 @@ private:
 
 void ExportOutputTest::findsProblems_data()
 {
-    QTest::addColumn<QString>("output");
-    QTest::addColumn<QString>("problem");
-
-    QTest::newRow("new file") << "@/new.mp4"
-                              << "";
-    QTest::newRow("existing file") << "@/old.mp4"
-                                   << "";
-    QTest::newRow("beside the tracks") << "@/recording/out.mp4"
-                                       << "";
-    QTest::newRow("nothing") << ""
-                             << "No output file given";
-    QTest::newRow("directory") << "@/recording"
-                               << "Output path is a directory: @/recording";
-    QTest::newRow("no directory") << "@/no/out.mp4"
-                                  << "Output directory does not exist: @/no";
-    QTest::newRow("file as directory") << "@/old.mp4/out.mp4"
-                                       << "Output directory does not exist: @/old.mp4";
-    QTest::newRow("unwritable") << "/proc/out.mp4"
-                                << "Cannot write output file /proc/out.mp4: ";
+    const TestTable<QString, QString> row("output", "problem");
+    row("new file", "@/new.mp4", "");
+    row("existing file", "@/old.mp4", "");
+    row("beside the tracks", "@/recording/out.mp4", "");
+    row("nothing", "", "No output file given");
+    row("directory", "@/recording", "Output path is a directory: @/recording");
+    row("no directory", "@/no/out.mp4", "Output directory does not exist: @/no");
+    row("file as directory", "@/old.mp4/out.mp4", "Output directory does not exist: @/old.mp4");
+    row("unwritable", "/proc/out.mp4", "Cannot write output file /proc/out.mp4: ");
     const QString ours = "Output file would overwrite a part of the recording: ";
-    QTest::newRow("the video") << "@/recording/Screen/screen_record.mp4" << ours;
-    QTest::newRow("would become the video") << "@/recording/Mouse/../Screen/screen_record.mkv" << ours;
-    QTest::newRow("the metadata") << "@/recording/TrackManager.meta" << ours;
+    row("the video", "@/recording/Screen/screen_record.mp4", ours);
+    row("would become the video", "@/recording/Mouse/../Screen/screen_record.mkv", ours);
+    row("the metadata", "@/recording/TrackManager.meta", ours);
 }
 
 void ExportOutputTest::findsProblems()
@@ -95,13 +78,9 @@ void ExportOutputTest::findsProblems()
 
 void ExportOutputTest::findsLinksAndDevices_data()
 {
-    QTest::addColumn<QString>("output");
-    QTest::addColumn<QString>("problem");
-
-    QTest::newRow("device") << "/dev/full"
-                            << "Output path is not a regular file: /dev/full";
-    QTest::newRow("the video by a link") << "@/link.mp4"
-                                         << "Output file would overwrite a part of the recording: ";
+    const TestTable<QString, QString> row("output", "problem");
+    row("device", "/dev/full", "Output path is not a regular file: /dev/full");
+    row("the video by a link", "@/link.mp4", "Output file would overwrite a part of the recording: ");
 }
 
 void ExportOutputTest::findsLinksAndDevices()
@@ -112,18 +91,12 @@ void ExportOutputTest::findsLinksAndDevices()
 
 void ExportOutputTest::moves_data()
 {
-    QTest::addColumn<bool>("isCopied");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("destination");
-
+    const TestTable<bool, QString, QString> row("isCopied", "name", "destination");
     for (bool isCopied : {false, true}) {
         const QByteArray origin = isCopied ? " from another disk" : "";
-        QTest::newRow("new" + origin) << isCopied << "new.mp4"
-                                      << "new.mp4";
-        QTest::newRow("over a file" + origin) << isCopied << "old.mp4"
-                                              << "old.mp4";
-        QTest::newRow("over the target of a link" + origin) << isCopied << "link.mp4"
-                                                            << "recording/Screen/screen_record.mp4";
+        row("new" + origin, isCopied, "new.mp4", "new.mp4");
+        row("over a file" + origin, isCopied, "old.mp4", "old.mp4");
+        row("over the target of a link" + origin, isCopied, "link.mp4", "recording/Screen/screen_record.mp4");
     }
 }
 
@@ -193,15 +166,11 @@ void ExportOutputTest::removesWhatKilledExportsLeft()
 
 void ExportOutputTest::keepsOldFile_data()
 {
-    QTest::addColumn<bool>("isSourceThere");
-    QTest::addColumn<bool>("continues");
-    QTest::addColumn<qint64>("size");
-    QTest::addColumn<qint64>("room");
-
-    QTest::newRow("cancelled") << true << false << qint64(5'000'000) << qint64(-1);
-    QTest::newRow("nothing to move") << false << true << qint64(0) << qint64(-1);
-    QTest::newRow("full disk") << true << true << qint64(5'000'000) << qint64(3'000'000);
-    QTest::newRow("full at the end") << true << true << qint64(14'000) << qint64(12'288); // less than a buffer
+    const TestTable<bool, bool, qint64, qint64> row("isSourceThere", "continues", "size", "room");
+    row("cancelled", true, false, 5'000'000, -1);
+    row("nothing to move", false, true, 0, -1);
+    row("full disk", true, true, 5'000'000, 3'000'000);
+    row("full at the end", true, true, 14'000, 12'288); // less than a buffer
 }
 
 void ExportOutputTest::keepsOldFile()

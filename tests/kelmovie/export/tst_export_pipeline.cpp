@@ -1,68 +1,30 @@
-#include "kelmovie/support/RecordingOnDisk.h"
-#include "kelmovie/support/ScriptedDecoder.h"
-#include "kelmovie/support/ScriptedEncoder.h"
-
-#include "export/ExportInternals.h"
-#include "playback/PlaybackEngine.h"
-#include "playback/PlaybackInternals.h"
+#include "kelmovie/support/ExportFixture.h"
 #include "playback/tracks/KelPlaybackCountdownTrack.h"
-#include "support/EnvironmentChange.h"
+#include "support/TestTable.h"
 
-#include <KelMovie/KelExportPipeline.h>
 #include <KelMovie/KelMovieConfig.h>
-#include <KelMovie/KelPlaybackTrackManager.h>
 
-#include <QDir>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QtTest>
 
 #include <limits>
-#include <stdexcept>
 
 using namespace kel;
 
 using SetUp = std::function<void()>;
 Q_DECLARE_METATYPE(SetUp)
 
-namespace
-{
-
-class ScriptedMonitor : public KelExportMonitor
-{
-public:
-    void exportProgress(int percent) override
-    {
-        reports.append(percent);
-        if (percent == cancelAtPercent)
-            cancelled = true;
-        if (percent == throwAtPercent)
-            throw std::runtime_error("out of paper");
-    }
-    bool isExportCancelled() override
-    {
-        ++questions;
-        return cancelled || questions == cancelAtQuestion || (cancelWhen && cancelWhen());
-    }
-
-    QVector<int> reports;
-    int questions = 0;
-    int cancelAtPercent = -1;
-    int cancelAtQuestion = -1;
-    int throwAtPercent = -1;
-    std::function<bool()> cancelWhen;
-    bool cancelled = false;
-};
-
-} // namespace
-
-class ExportPipelineTest : public QObject
+class ExportPipelineTest : public QObject, ExportFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
+    void init()
+    {
+        reset(250);
+        manager->seek(33);
+    }
     void exportsEachFrame();
     void placesFile_data();
     void placesFile();
@@ -70,6 +32,7 @@ private slots:
     void exportsWithoutMetadata();
     void showsTimeWithinRange();
     void previewShowsTimeOfTheExport();
+    void cleanup() { gKelMovieConfig = {}; }
     void failures_data();
     void failures();
     void unsupportedFormat();
@@ -81,23 +44,15 @@ private slots:
     void monitorThrows();
 
 private:
-    bool runExport(const KelExportDependencies &dependencies)
-    {
-        const auto pipeline = ExportInternals::createPipeline(request, &monitor, dependencies);
-        const bool done = pipeline->run();
-        error = pipeline->errorString();
-        failure = pipeline->failure();
-        return done;
-    }
+    using ExportFixture::runExport;
     bool runExport() { return runExport(scriptedEncoders(encoder)); }
 
-    void loadManager(const KelPlaybackRules &rules = {})
+    /// A recording with room for the progress bar beside its video.
+    void loadWide(const KelPlaybackRules &rules = {})
     {
-        KelPlaybackDependencies dependencies;
-        dependencies.nowMs = [] { return 0; };
-        dependencies.decoders = scriptedDecoders(decoder);
-        manager = PlaybackInternals::load(recording->path(), dependencies, rules);
-        request.playbackManager = manager.get();
+        recording->size(320, 120);
+        gKelMovieConfig.playbackProgressEnable = true;
+        loadManager(rules);
     }
     QImage composed()
     {
@@ -112,57 +67,7 @@ private:
         request.format = format;
         request.outputPath = outputDir->filePath(format == 0 ? "out.mp4" : "out.gif");
     }
-    void writeOutput(const QByteArray &bytes)
-    {
-        QFile file(request.outputPath);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-    }
-    QByteArray output() const
-    {
-        QFile file(request.outputPath);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
-    }
-    /// Nothing of an export is left but its output.
-    bool isTidy() const
-    {
-        return QDir(temporary.path()).isEmpty() &&
-               QDir(outputDir->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size() <= 1;
-    }
-
-    const QString defaultTemporaryPath = QDir::tempPath();
-    QTemporaryDir temporary;
-    std::unique_ptr<QTemporaryDir> outputDir;
-    std::unique_ptr<RecordingOnDisk> recording;
-    std::unique_ptr<KelPlaybackTrackManager> manager;
-    std::shared_ptr<DecoderScript> decoder;
-    std::shared_ptr<EncoderScript> encoder;
-    ScriptedMonitor monitor;
-    KelExportRequest request;
-    QString error;
-    KelExportPipeline::Failure failure = KelExportPipeline::Failure::None;
 };
-
-void ExportPipelineTest::initTestCase()
-{
-    setTemporaryPath(temporary.path());
-}
-
-void ExportPipelineTest::init()
-{
-    setTemporaryPath(defaultTemporaryPath);
-    outputDir = std::make_unique<QTemporaryDir>();
-    recording = std::make_unique<RecordingOnDisk>();
-    recording->frames(250);
-    setTemporaryPath(temporary.path());
-    decoder = std::make_shared<DecoderScript>();
-    decoder->frameCount = 250;
-    encoder = std::make_shared<EncoderScript>();
-    monitor = ScriptedMonitor();
-    request = KelExportRequest();
-    request.outputPath = outputDir->filePath("out.mp4");
-    loadManager();
-    manager->seek(33);
-}
 
 void ExportPipelineTest::exportsEachFrame()
 {
@@ -170,7 +75,7 @@ void ExportPipelineTest::exportsEachFrame()
     request.quality = 77;
     manager->play();
     int exportingFrames = 0;
-    encoder->onFrame = [&](int) { exportingFrames += PlaybackInternals::engine(*manager).isExporting(); };
+    encoder->onFrame = [&](int) { exportingFrames += engine().isExporting(); };
     QVERIFY2(runExport(), qPrintable(error));
     QVector<int> expected;
     for (int i = 0; i < 125; ++i)
@@ -181,7 +86,7 @@ void ExportPipelineTest::exportsEachFrame()
     QCOMPARE(encoder->quality, 77);
 
     QCOMPARE(exportingFrames, 125);
-    QVERIFY(!PlaybackInternals::engine(*manager).isExporting());
+    QVERIFY(!engine().isExporting());
     QCOMPARE(manager->state(), KelPlaybackTrackManager::Paused);
     QCOMPARE(manager->currentFrame(), 33);
 
@@ -194,13 +99,11 @@ void ExportPipelineTest::exportsEachFrame()
 
 void ExportPipelineTest::placesFile_data()
 {
-    QTest::addColumn<int>("format");
-    QTest::addColumn<bool>("exists");
-
-    QTest::newRow("MP4") << 0 << false;
-    QTest::newRow("MP4 over a file") << 0 << true;
-    QTest::newRow("GIF") << 1 << false;
-    QTest::newRow("GIF over a file") << 1 << true;
+    const TestTable<int, bool> row("format", "exists");
+    row("MP4", 0, false);
+    row("MP4 over a file", 0, true);
+    row("GIF", 1, false);
+    row("GIF over a file", 1, true);
 }
 
 void ExportPipelineTest::placesFile()
@@ -210,7 +113,8 @@ void ExportPipelineTest::placesFile()
 
     setFormat(format);
     if (exists)
-        writeOutput("old");
+        writeFile(request.outputPath, "old");
+    monitor.cancelFromPercent = 100; // too late
     QVERIFY2(runExport(), qPrintable(error));
     QCOMPARE(output(), QByteArray("encoded"));
     QVERIFY(encoder->path.startsWith(outputDir->path())); // on the disk that must have room for the file anyway
@@ -230,10 +134,7 @@ void ExportPipelineTest::fillsUncoveredPixels()
 
 void ExportPipelineTest::showsTimeWithinRange()
 {
-    recording->size(320, 120);
-    gKelMovieConfig.playbackProgressEnable = true;
-    const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
-    loadManager();
+    loadWide();
     manager->seek(50);
     const QImage before = composed();
 
@@ -249,7 +150,7 @@ void ExportPipelineTest::showsTimeWithinRange()
     request.trimEndMs = 3040;
     bool differs = false;
     encoder->onFrame = [&](int) {
-        PlaybackInternals::engine(*manager).setFrameSilently(60);
+        engine().setFrameSilently(60);
         const QImage shown = composed();
         QImage expected(shown.size(), shown.format());
         expected.fill(Qt::black);
@@ -268,12 +169,9 @@ void ExportPipelineTest::showsTimeWithinRange()
 
 void ExportPipelineTest::previewShowsTimeOfTheExport()
 {
-    recording->size(320, 120);
-    gKelMovieConfig.playbackProgressEnable = true;
-    const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
     KelPlaybackRules rules;
     rules.timeFollowsRecording = true;
-    loadManager(rules);
+    loadWide(rules);
     manager->seek(60);
     const QImage ofWhole = composed();
     manager->setTrimRange(1010, 3040);
@@ -283,7 +181,7 @@ void ExportPipelineTest::previewShowsTimeOfTheExport()
     request.trimEndMs = 3040;
     QImage exported;
     encoder->onFrame = [&](int) {
-        PlaybackInternals::engine(*manager).setFrameSilently(60);
+        engine().setFrameSilently(60);
         exported = composed();
     };
     QVERIFY(runExport());
@@ -305,12 +203,7 @@ void ExportPipelineTest::exportsWithoutMetadata()
 
 void ExportPipelineTest::failures_data()
 {
-    QTest::addColumn<SetUp>("setUp");
-    QTest::addColumn<QString>("text");
-
-    const auto row = [](const char *name, const QString &text, const SetUp &setUp) {
-        QTest::newRow(name) << setUp << text;
-    };
+    const TestTable<QString, SetUp> row("text", "setUp");
     row("no manager", "Track manager is null", [this] { request.playbackManager = nullptr; });
     row("no recording", "Video file not found", [this] {
         recording->without("Screen/screen_record.mp4");
@@ -354,7 +247,7 @@ void ExportPipelineTest::failures()
     QFETCH(SetUp, setUp);
     QFETCH(QString, text);
 
-    writeOutput("old");
+    writeFile(request.outputPath, "old");
     const QString outputPath = request.outputPath;
     setUp();
     manager->seek(33);
@@ -365,7 +258,7 @@ void ExportPipelineTest::failures()
         QRegularExpression("^(Failed to (encode|finish|copy)|Output file (does|is))").match(text).hasMatch();
     QCOMPARE(failure == KelExportPipeline::Failure::Start, !hasStarted);
     QCOMPARE(manager->currentFrame(), manager->isValidRecording() ? 33 : 0);
-    QVERIFY(!PlaybackInternals::engine(*manager).isExporting());
+    QVERIFY(!engine().isExporting());
     QVERIFY(!monitor.reports.contains(100));
     QVERIFY(isTidy());
     request.outputPath = outputPath;
@@ -395,7 +288,7 @@ void ExportPipelineTest::cancel_data()
     };
     row("before the start", 0, [this] { monitor.cancelAtQuestion = 1; });
     row("before the first frame", 0, [this] { monitor.cancelAtQuestion = 2; });
-    row("in the middle", 126, [this] { monitor.cancelAtPercent = 45; });
+    row("in the middle", 126, [this] { monitor.cancelFromPercent = 45; });
     row("while a frame is decoded", 100, [this] {
         decoder->hangsAtFrame = 100;
         monitor.cancelWhen = [this] { return decoder->isHanging && encoder->frames.size() == 100; };
@@ -409,12 +302,12 @@ void ExportPipelineTest::cancel_data()
         encoder->fullFromFrame = 50;
         monitor.cancelWhen = [this] { return encoder->frames.size() == 50; };
     });
-    row("after the last frame", 250, [this] { monitor.cancelAtPercent = 90; });
+    row("after the last frame", 250, [this] { monitor.cancelFromPercent = 90; });
     row("while the encoder closes", 250, [this] {
         encoder->hangsInClose = true;
         monitor.cancelWhen = [this] { return encoder->isClosing.load(); };
     });
-    QTest::newRow("MP4, before the file is moved") << 0 << 250 << SetUp([this] { monitor.cancelAtPercent = 95; });
+    QTest::newRow("MP4, before the file is moved") << 0 << 250 << SetUp([this] { monitor.cancelFromPercent = 95; });
 }
 
 void ExportPipelineTest::cancel()
@@ -424,7 +317,7 @@ void ExportPipelineTest::cancel()
     QFETCH(SetUp, setUp);
 
     setFormat(format);
-    writeOutput("old");
+    writeFile(request.outputPath, "old");
     setUp();
     const int frame = manager->currentFrame();
     QVERIFY(!runExport());
@@ -433,6 +326,8 @@ void ExportPipelineTest::cancel()
     QCOMPARE(manager->currentFrame(), frame);
     QVERIFY(!monitor.reports.contains(100));
     QVERIFY(encoder->aborted || encoder->isClosing || frames == 0);
+    const bool hasVideo = monitor.reports.contains(95);
+    QCOMPARE(engine().isExporting(), !encoder->path.isEmpty() && !hasVideo); // as long as there is an encoder
     QVERIFY(isTidy());
     QCOMPARE(output(), QByteArray("old"));
     decoder->release();
@@ -456,11 +351,10 @@ void ExportPipelineTest::warnsAboutFailedFrames()
 {
     for (int frame = 120; frame < 250; ++frame)
         decoder->failures[frame] = 100;
-    const auto pipeline = ExportInternals::createPipeline(request, &monitor, scriptedEncoders(encoder));
-    QVERIFY2(pipeline->run(), qPrintable(pipeline->errorString()));
+    QVERIFY2(runExport(), qPrintable(error));
     QCOMPARE(encoder->frames.size(), 250);
     QCOMPARE(encoder->frames.last(), 119);
-    QVERIFY2(pipeline->warningString().contains("130 frames"), qPrintable(pipeline->warningString()));
+    QVERIFY2(warning.contains("130 frames"), qPrintable(warning));
     QCOMPARE(output(), QByteArray("encoded"));
 }
 

@@ -1,12 +1,20 @@
 #include "facade/KelMovieUI.h"
 #include "facade/KelMultiTrackRecorder.h"
+#include "kelmovie/support/ExportScene.h"
+#include "kelmovie/support/InputFakes.h"
+#include "kelmovie/support/InputFiles.h"
 #include "kelmovie/support/RecordFakes.h"
+#include "playback/PlaybackEngine.h"
+#include "playback/PlaybackInternals.h"
 #include "record/KelRecordTrackManager.h"
 #include "screen/KelScreenManager.h"
 
 #include "support/FileSizeLimit.h"
 #include "support/Files.h"
 #include "support/LogCapture.h"
+#include "support/TestTable.h"
+
+#include <KelMovie/KelExportPipeline.h>
 
 #include <QApplication>
 #include <QDirIterator>
@@ -33,25 +41,21 @@ QStringList entries(const QString &path)
     return names;
 }
 
-#ifdef Q_OS_UNIX
-/// The different modes of a directory and all that it contains, as "ls" lists them.
-QSet<QString> permissionsBelow(const QString &path)
+/// What anybody but the owner can read, write or list.
+QStringList openToOthers(const QString &path)
 {
-    QSet<QString> modes;
-    const auto add = [&](const QString &entry) {
-        struct stat status;
-        QString mode(S_ISDIR(lstat(QFile::encodeName(entry), &status) == 0 ? status.st_mode : 0) ? "d" : "-");
-        for (int bit = 8; bit >= 0; --bit)
-            mode += (status.st_mode >> bit & 1) ? QChar("xwr"[bit % 3]) : QChar('-');
-        modes += mode;
-    };
-    add(path);
-    QDirIterator all(path, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
-    while (all.hasNext())
-        add(all.next());
-    return modes;
+    QStringList found;
+    QDirIterator all(path, QDir::AllEntries | QDir::Hidden | QDir::NoDotDot, QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+        all.next();
+        if (all.fileInfo().permissions() & QFile::Permissions(0x0077)) // of group and others
+            found << all.filePath();
+    }
+    return found;
 }
-#endif
+
+using R = KelMultiTrackRecorder;
+using Export = std::function<bool(R &recorder, const QString &path)>;
 
 /// A system that asks a person before it lets anyone capture the screen.
 class AskingBackend final : public ScriptedBackend
@@ -76,6 +80,9 @@ public:
 };
 } // namespace
 
+Q_DECLARE_METATYPE(Export)
+Q_DECLARE_METATYPE(KelExportRequest)
+
 class RecorderTest : public QObject
 {
     Q_OBJECT
@@ -98,10 +105,19 @@ private slots:
     void stopsAtTheFrameLimit();
     void logsNothingWhenFiltered();
     void hostMayStartAgainInTheStoppedSignal();
+    void recordsWhatIsConfigured();
+    void exports_data();
+    void exports();
+    void loadsWithTheChosenDecoding();
     void refusesToExport();
 
 private:
-    KelMultiTrackRecorder *createRecorder();
+    R *createRecorder(bool recordsInput = false);
+    bool start(R *recorder)
+    {
+        m_script->captures = 0;
+        return recorder->startRecording() && QTest::qWaitFor([this] { return m_script->captures > 0; });
+    }
     QString outputDir() const { return m_dir->filePath("recording"); }
 
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -126,10 +142,9 @@ void RecorderTest::cleanup()
     KelScreenManager::instance()->setBackend(nullptr);
 }
 
-KelMultiTrackRecorder *RecorderTest::createRecorder()
+R *RecorderTest::createRecorder(bool recordsInput)
 {
-    KelMultiTrackRecorder *recorder = m_ui->createMultiTrackRecorder();
-    using R = KelMultiTrackRecorder;
+    R *recorder = m_ui->createMultiTrackRecorder();
     connect(recorder, &R::recordingPrepared, this, [this] { m_signals << "prepared"; });
     connect(recorder, &R::recordingDeclined, this, [this](const QString &why) { m_signals << "declined: " + why; });
     connect(recorder, &R::recordingStarted, this, [this] { m_signals << "started"; });
@@ -139,7 +154,7 @@ KelMultiTrackRecorder *RecorderTest::createRecorder()
     connect(recorder, &R::recordingError, this, [this](const QString &error) { m_signals << "error: " + error; });
     R::RecordConfig config;
     config.outputDir = outputDir();
-    config.enableMouse = false;
+    config.enableMouse = config.enableKeyboard = recordsInput;
     recorder->setRecordConfig(config);
     recorder->setRecordArea(QRect(0, 0, 64, 48));
     return recorder;
@@ -147,7 +162,7 @@ KelMultiTrackRecorder *RecorderTest::createRecorder()
 
 void RecorderTest::goesThroughItsStates()
 {
-    KelMultiTrackRecorder *recorder = createRecorder();
+    R *recorder = createRecorder();
     LogCapture log;
     recorder->pauseRecording();
     recorder->stopRecording();
@@ -185,7 +200,7 @@ void RecorderTest::asksForPermission()
     auto owned = std::make_unique<AskingBackend>(*m_script);
     AskingBackend &backend = *owned;
     KelScreenManager::instance()->setBackend(std::move(owned));
-    KelMultiTrackRecorder *recorder = createRecorder();
+    R *recorder = createRecorder();
 
     recorder->prepareRecording();
     QVERIFY(!backend.open.expired());
@@ -200,7 +215,7 @@ void RecorderTest::asksForPermission()
     QCOMPARE(m_signals, (QStringList{"declined: not now", "error: nobody answers"}));
 
     m_signals.clear();
-    connect(recorder, &KelMultiTrackRecorder::recordingPrepared, this, [&] { QVERIFY(recorder->startRecording()); });
+    connect(recorder, &R::recordingPrepared, this, [&] { QVERIFY(recorder->startRecording()); });
     recorder->prepareRecording();
     backend.answer({Answer::Granted, {}});
     QVERIFY(backend.open.expired()); // the tracks have what they need
@@ -209,24 +224,16 @@ void RecorderTest::asksForPermission()
 
 void RecorderTest::refusesToStart_data()
 {
-    QTest::addColumn<QRect>("area");
-    QTest::addColumn<int>("fps");
-    QTest::addColumn<QString>("outputDir"); // %1 is a directory
-    QTest::addColumn<QString>("screenError");
-    QTest::addColumn<QString>("error"); // its beginning
+    const TestTable<QRect, int, QString, QString, QString> row("area", "fps", "outputDir", "screenError", "error");
     const QRect area(0, 0, 64, 48);
-    const auto row = [](const char *name, const QRect &rect, int fps, const char *dir, const char *screenError,
-                        const char *error) {
-        QTest::newRow(name) << rect << fps << QString(dir) << QString(screenError)
-                            << (rect.isEmpty() ? "" : "Failed to start recording: ") + QString(error);
-    };
-    row("no area", QRect(), 25, "%1/new", "", "Record area not set");
-    row("fps 0", area, 0, "%1/new", "", "The frame rate 0 is not between 1 and 1000");
-    row("fps 1001", area, 1001, "%1/new", "", "The frame rate 1001 is not between 1 and 1000");
-    row("no directory", area, 25, "", "", "No output directory given");
-    row("below a file", area, 25, "%1/file/new", "", "Cannot create the directory %1/file/new");
-    row("not writable", area, 25, "/proc/self", "", "Cannot write to the directory /proc/self: ");
-    row("no display", area, 25, "%1/new", "no display", "no display");
+    const QString start("Failed to start recording: ");
+    row("no area", QRect(), 25, "%1/new", "", "Record area not set"); // %1: a directory
+    row("fps 0", area, 0, "%1/new", "", start + "The frame rate 0 is not between 1 and 1000");
+    row("fps 1001", area, 1001, "%1/new", "", start + "The frame rate 1001 is not between 1 and 1000");
+    row("no directory", area, 25, "", "", start + "No output directory given");
+    row("below a file", area, 25, "%1/file/new", "", start + "Cannot create the directory %1/file/new");
+    row("not writable", area, 25, "/proc/self", "", start + "Cannot write to the directory /proc/self: ");
+    row("no display", area, 25, "%1/new", "no display", start + "no display");
 }
 
 void RecorderTest::refusesToStart()
@@ -238,7 +245,7 @@ void RecorderTest::refusesToStart()
     QFETCH(QString, error);
     writeFile(m_dir->filePath("file"), "bystander");
     KelScreenManager::instance()->setBackend(std::make_unique<ScriptedBackend>(*m_script, screenError));
-    KelMultiTrackRecorder *recorder = createRecorder();
+    R *recorder = createRecorder();
     auto config = recorder->recordConfig();
     config.fps = fps;
     config.outputDir = outputDir.replace("%1", m_dir->path());
@@ -256,11 +263,7 @@ void RecorderTest::refusesToStart()
 void RecorderTest::failedStartLeavesNothing()
 {
     m_script->streamerError = "the rectangle cannot be read";
-    KelMultiTrackRecorder *recorder = createRecorder();
-    auto config = recorder->recordConfig();
-    config.enableMouse = true;
-    config.enableKeyboard = true;
-    recorder->setRecordConfig(config);
+    R *recorder = createRecorder(true);
     QVERIFY(!recorder->startRecording());
     QCOMPARE(m_signals, QStringList{"error: Failed to start recording: Screen track: the rectangle cannot be read"});
     QVERIFY(!QFileInfo::exists(outputDir()));
@@ -291,11 +294,7 @@ void RecorderTest::refusesLinks()
     QVERIFY(QFile::link(elsewhere + "/target", planted));
     if (QFileInfo(link).suffix().isEmpty()) // a directory
         QVERIFY(QDir().mkpath(elsewhere + "/target"));
-    KelMultiTrackRecorder *recorder = createRecorder();
-    auto config = recorder->recordConfig();
-    config.enableMouse = true;
-    config.enableKeyboard = true;
-    recorder->setRecordConfig(config);
+    R *recorder = createRecorder(true);
     if (recorder->startRecording()) {
         QTRY_VERIFY(!m_signals.filter("error").isEmpty() && m_script->captures > 0);
         recorder->stopRecording();
@@ -311,19 +310,13 @@ void RecorderTest::filesAreReadableByTheirOwnerOnly()
 {
 #ifdef Q_OS_UNIX
     const auto restore = qScopeGuard([mask = umask(0)] { umask(mask); });
-    KelMultiTrackRecorder *recorder = createRecorder();
-    auto config = recorder->recordConfig();
-    config.enableMouse = true;
-    config.enableKeyboard = true;
-    recorder->setRecordConfig(config);
+    R *recorder = createRecorder(true);
     for (int i = 0; i < 2; ++i) { // the second recording moves the first one aside
-        m_script->captures = 0;
-        QVERIFY(recorder->startRecording());
-        QTRY_VERIFY(m_script->captures > 0);
+        QVERIFY(start(recorder));
         QTRY_VERIFY(QFileInfo::exists(outputDir() + "/Mouse/mousemoves-0.json"));
-        QCOMPARE(permissionsBelow(outputDir()), (QSet<QString>{"drwx------", "-rw-------"}));
+        QCOMPARE(openToOthers(outputDir()), QStringList());
         recorder->stopRecording();
-        QCOMPARE(permissionsBelow(outputDir()), (QSet<QString>{"drwx------", "-rw-------"}));
+        QCOMPARE(openToOthers(outputDir()), QStringList());
     }
 #else
     QSKIP("the permissions of the directory apply");
@@ -333,12 +326,10 @@ void RecorderTest::filesAreReadableByTheirOwnerOnly()
 void RecorderTest::recordsAgainAndKeepsTheEarlierRecording()
 {
     writeFile(outputDir() + "/notes.txt", "the user's");
-    KelMultiTrackRecorder *recorder = createRecorder();
+    R *recorder = createRecorder();
     QList<QByteArray> recordings;
     for (int i = 0; i < 3; ++i) {
-        m_script->captures = 0;
-        QVERIFY(recorder->startRecording());
-        QTRY_VERIFY(m_script->captures > 0);
+        QVERIFY(start(recorder));
         recorder->stopRecording();
         recordings << readFile(outputDir() + "/TrackManager.meta");
     }
@@ -354,15 +345,14 @@ void RecorderTest::recordsAgainAndKeepsTheEarlierRecording()
 
 void RecorderTest::trackFailureIsSignaledOnce()
 {
-    KelMultiTrackRecorder *recorder = createRecorder();
-    QSignalSpy tracks(recorder, &KelMultiTrackRecorder::trackFailed);
+    R *recorder = createRecorder();
+    QSignalSpy tracks(recorder, &R::trackFailed);
     std::atomic<bool> lost{false};
     m_script->atQuestion = [&] {
         if (lost)
             m_script->streamerError = "the X server is gone";
     };
-    QVERIFY(recorder->startRecording());
-    QTRY_VERIFY(m_script->captures > 0);
+    QVERIFY(start(recorder));
     m_script->changed = false;
     lost = true;
     const QString error = "error: Screen track: the X server is gone";
@@ -375,9 +365,8 @@ void RecorderTest::trackFailureIsSignaledOnce()
 
 void RecorderTest::failureAtStopComesBeforeStopped()
 {
-    KelMultiTrackRecorder *recorder = createRecorder();
-    QVERIFY(recorder->startRecording());
-    QTRY_VERIFY(m_script->captures > 0);
+    R *recorder = createRecorder();
+    QVERIFY(start(recorder));
     const QString metadata = outputDir() + "/TrackManager.meta";
     QTRY_VERIFY(QFileInfo::exists(metadata));
     QTRY_VERIFY((QFile::remove(metadata), QDir().mkpath(metadata + "/occupied")));
@@ -389,7 +378,7 @@ void RecorderTest::failureAtStopComesBeforeStopped()
 
 void RecorderTest::stopsAtTheFrameLimit()
 {
-    KelMultiTrackRecorder *recorder = createRecorder();
+    R *recorder = createRecorder();
     m_script->changed = false;
     QVERIFY(recorder->startRecording());
     auto *manager = recorder->findChild<KelRecordTrackManager *>();
@@ -410,11 +399,7 @@ void RecorderTest::logsNothingWhenFiltered()
 {
     const auto restore = qScopeGuard([] { QLoggingCategory::setFilterRules({}); });
     QLoggingCategory::setFilterRules("kelmovie.*=false");
-    KelMultiTrackRecorder *recorder = createRecorder();
-    auto config = recorder->recordConfig();
-    config.enableMouse = true;
-    config.enableKeyboard = true;
-    recorder->setRecordConfig(config);
+    R *recorder = createRecorder(true);
     LogCapture log;
     m_script->pictureSize = QSize(10, 10); // warns of each frame
     recorder->stopRecording();
@@ -427,10 +412,9 @@ void RecorderTest::logsNothingWhenFiltered()
 
 void RecorderTest::hostMayStartAgainInTheStoppedSignal()
 {
-    KelMultiTrackRecorder *recorder = createRecorder();
-    QVERIFY(recorder->startRecording());
-    QTRY_VERIFY(m_script->captures > 0);
-    QMetaObject::Connection connection = connect(recorder, &KelMultiTrackRecorder::recordingStopped, this, [&] {
+    R *recorder = createRecorder();
+    QVERIFY(start(recorder));
+    QMetaObject::Connection connection = connect(recorder, &R::recordingStopped, this, [&] {
         disconnect(connection);
         QVERIFY(recorder->startRecording());
     });
@@ -439,9 +423,97 @@ void RecorderTest::hostMayStartAgainInTheStoppedSignal()
     QCOMPARE(m_signals, (QStringList{"started", "stopped", "started"}));
 }
 
+/// Buttons that are switched off for the start can be switched on, keys off, and back.
+void RecorderTest::recordsWhatIsConfigured()
+{
+    ScriptedInput input;
+    R *recorder = createRecorder(true);
+    auto config = recorder->recordConfig();
+    config.mouseCaptureEnabled = false;
+    config.keepsKeysAcrossPauses = true;
+    config.fps = 50;
+    recorder->setRecordConfig(config);
+    const auto act = [&](int number) {
+        input.button(1, 1, QPoint(number, number));
+        input.key(Qt::Key_0 + number, 1);
+    };
+    QVERIFY(start(recorder));
+    act(1);
+    recorder->setMouseRecordingEnabled(true);
+    recorder->setKeyboardRecordingEnabled(false);
+    act(2);
+    recorder->setKeyboardRecordingEnabled(true);
+    recorder->setMouseRecordingEnabled(false);
+    act(3);
+    recorder->pauseRecording();
+    QVERIFY(recorder->startRecording());
+    recorder->stopRecording();
+    const QStringList clicks = mouseEvents(outputDir() + "/Mouse/mouseclicks-0.json");
+    QVERIFY2(clicks.size() == 1 && clicks[0].contains(" 2,2 "), qPrintable(clicks.join('\n')));
+    const QString keys = keyRecords(readFile(outputDir() + "/Keyboard/keyboard.keymeta")).join('\n');
+    QVERIFY2(keys.contains("31 1 ") && !keys.contains("32 1 ") && keys.contains("33 1 "), qPrintable(keys));
+    QVERIFY(readFile(outputDir() + "/TrackManager.meta").contains("\"fps\": 50"));
+}
+
+void RecorderTest::exports_data()
+{
+    const TestTable<Export, KelExportRequest> row("exportAs", "equal");
+    KelExportRequest whole;
+    whole.speed = 2;
+    whole.loops = 3;
+    whole.format = KelExportRequest::WebP;
+    const auto webP = [](R &recorder, const QString &path) { return recorder.exportToVideo(path, 3); };
+    row("WebP", webP, whole);
+    KelExportRequest part = whole;
+    part.fps = 12;
+    part.quality = 100;
+    const auto trimmed = [](int start, int end) {
+        return [=](R &recorder, const QString &path) {
+            return recorder.exportToVideoWithTrim(path, 3, start, end, 7, 12);
+        };
+    };
+    row("no start", trimmed(-1, 1500), part);
+    row("no end", trimmed(500, -1), part);
+    part.trimStartMs = 0;
+    part.trimEndMs = 1500;
+    row("part", trimmed(0, 1500), part);
+    whole.format = KelExportRequest::Gif;
+    row(
+        "GIF", [](R &recorder, const QString &path) { return recorder.exportToGif(path, 7); }, whole);
+}
+
+/// As the pipeline does with a request that states everything.
+void RecorderTest::exports()
+{
+    QFETCH(Export, exportAs);
+    QFETCH(KelExportRequest, equal);
+    const ExportScene scene;
+    gKelMovieConfig.encodeGifPlayLoop = equal.loops;
+    R *recorder = createRecorder();
+    QVERIFY(recorder->loadRecording(scene.path()));
+    recorder->playbackManager()->setSpeed(equal.speed);
+    QVERIFY(exportAs(*recorder, m_dir->filePath("facade")));
+    KelPlaybackTrackManager reference(scene.path(), false);
+    equal.playbackManager = &reference;
+    equal.outputPath = m_dir->filePath("pipeline");
+    QVERIFY(KelExportPipeline(equal).run());
+    QVERIFY(readFile(m_dir->filePath("facade")) == readFile(equal.outputPath));
+}
+
+void RecorderTest::loadsWithTheChosenDecoding()
+{
+    const auto restore = qScopeGuard([] { gKelMovieConfig = {}; });
+    R *recorder = createRecorder();
+    for (const bool isChosen : {true, false}) {
+        gKelMovieConfig.recordEnableHardwareAcceleration = isChosen;
+        QVERIFY(recorder->loadRecording(m_dir->path()));
+        QCOMPARE(kel::PlaybackInternals::engine(*recorder->playbackManager()).prefersHardwareDecode(), isChosen);
+    }
+}
+
 void RecorderTest::refusesToExport()
 {
-    KelMultiTrackRecorder *recorder = createRecorder();
+    R *recorder = createRecorder();
     const auto errors = [&] {
         m_signals.clear();
         const bool isExported = recorder->exportToVideo(m_dir->filePath("a.mp4"), 0) ||
@@ -462,8 +534,7 @@ void RecorderTest::refusesToExport()
                                     "error: Failed to start export with audio trim"}));
 
     // What fails later has started.
-    QVERIFY(recorder->startRecording());
-    QTRY_VERIFY(m_script->captures > 0);
+    QVERIFY(start(recorder));
     recorder->stopRecording();
     QVERIFY(recorder->loadRecording(outputDir()));
     const FileSizeLimit fullDisk(100);

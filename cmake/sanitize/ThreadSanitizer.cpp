@@ -14,6 +14,7 @@
 #include <QMutex>
 #include <QSemaphore>
 #include <QThread>
+#include <QThreadPool>
 #include <QWaitCondition>
 #include <private/qobject_p.h>
 
@@ -22,6 +23,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <memory>
+#include <utility>
 
 // The sanitizer's library has this function, but not every compiler has the header.
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*malloced)(const volatile void *, std::size_t),
@@ -57,7 +61,7 @@ void signalBegins(QObject *sender, int, void **)
 {
     ++postings;
     if (qobject_cast<QThread *>(sender))
-        __tsan_release(sender); // finished() is the last action of a thread
+        __tsan_release(sender); // finished()
 }
 
 void signalEnds(QObject *, int)
@@ -221,6 +225,32 @@ bool QThread::wait(unsigned long time)
     if (finished)
         __tsan_acquire(this);
     return finished;
+}
+
+/// After finished(), the last action of a thread is to delete the objects that were told to deleteLater() in it. A
+/// destructor can be defined by its mangled name only.
+extern "C" Q_DECL_EXPORT void destroyQObject(QObject *object) __asm__("_ZN7QObjectD2Ev");
+
+extern "C" Q_DECL_EXPORT void destroyQObject(QObject *object)
+{
+    static const auto real = qtFunction<void (*)(QObject *)>("_ZN7QObjectD2Ev");
+    real(object);
+    __tsan_release(QThread::currentThread());
+}
+
+void QThreadPool::start(std::function<void()> task, int priority)
+{
+    static const auto real =
+        qtFunction<void (*)(QThreadPool *, std::function<void()>, int)>("_ZN11QThreadPool5startESt8functionIFvvEEi");
+    const auto identity = std::make_shared<char>();
+    __tsan_release(identity.get());
+    real(
+        this,
+        [identity, task = std::move(task)] {
+            __tsan_acquire(identity.get());
+            task();
+        },
+        priority);
 }
 
 // Events posted without a signal

@@ -1,6 +1,6 @@
 #include "kelmovie/support/RecordingOnDisk.h"
 
-#include "playback/mouse/ClickList.h"
+#include "lottie/KelLottie.h"
 #include "playback/mouse/ClickPlayer.h"
 #include "playback/mouse/EffectTiming.h"
 #include "playback/mouse/KelMouseButtonLottie.h"
@@ -8,10 +8,10 @@
 #include "recording/RecordingTimeline.h"
 
 #include <QPainter>
-#include <QRandomGenerator>
 #include <QtTest>
 
 #include <cmath>
+#include <functional>
 
 using namespace kel;
 
@@ -20,23 +20,25 @@ namespace
 
 constexpr QPoint kPointer(7, 7);
 
-/// Whether anything is painted, and the fraction of the total opacity that is in the left half.
-template <typename Effect>
-std::pair<bool, double> paintOf(Effect &effect, int frame, int argument)
+/// What `paint` paints of an effect in a square of 64 pixels.
+QImage painted(const std::function<void(QPainter *, const QRectF &)> &paint)
 {
     QImage image(128, 128, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    effect.paint(&painter, frame, QRectF(32, 32, 64, 64), argument);
-    painter.end();
-    double all = 0, left = 0;
-    for (int y = 0; y < 128; ++y) {
-        for (int x = 0; x < 128; ++x) {
-            all += qAlpha(image.pixel(x, y));
-            left += x < 64 ? qAlpha(image.pixel(x, y)) : 0;
-        }
-    }
-    return {all > 0, all > 0 ? left / all : 0};
+    paint(&painter, QRectF(32, 32, 64, 64));
+    return image;
+}
+
+/// Frame 8 of an animation; empty without a name.
+QImage expected(const QString &animation, double scale, double angle)
+{
+    return painted([&](QPainter *painter, const QRectF &square) {
+        QRectF target(QPointF(), square.size() * scale);
+        target.moveCenter(square.center());
+        if (!animation.isEmpty())
+            KelLottie(":/KelScreenRecord/" + animation + ".json").paint(painter, 8, target, angle);
+    });
 }
 
 /// "L12h!": the effect of a left click at frame 12, with the button held and the hold frame reached. "W3-": a turn
@@ -78,7 +80,6 @@ private slots:
     void effects();
     void effectsInTime_data();
     void effectsInTime();
-    void pairsLikeNaiveSearch();
 
 private:
     RecordingOnDisk files;
@@ -87,40 +88,49 @@ private:
 void MouseEffectsTest::clickEffects()
 {
     struct Case {
+        QString animation;
         int frames;
         int hold;
         int holdRaw;
         bool flag;
-        bool paints;
+        double scale;
     };
-    const Case cases[] = {{0, 0, 0, false, false}, // none, ray, floral, fireworks, stars, ripple, conventional
-                          {24, 4, 9, true, true},  {24, 0, 1, false, true}, {24, 6, 12, true, true},
-                          {24, 4, 9, true, true},  {24, 6, 12, true, true}, {12, 4, 4, true, false}};
     int type = 0;
-    for (const Case &c : cases) {
+    for (const Case &c : {Case{"", 0, 0, 0, false, 1},
+                          {"click_ray", 24, 4, 9, true, 1},
+                          {"click_floral", 24, 0, 1, false, 1.3},
+                          {"click_fireworks", 24, 6, 12, true, 1.3},
+                          {"click_starts", 24, 4, 9, true, 1.3},
+                          {"click_ripple", 24, 6, 12, true, 1},
+                          {"", 12, 4, 4, true, 1}}) {
         const auto effect = createMouseButtonLottie(30, type);
         QCOMPARE(effect->holdFrameRaw(), c.holdRaw);
         QCOMPARE(effect->holdFrame(), c.hold);
         QCOMPARE(effect->effectFlag(), c.flag);
         QCOMPARE(effect->frameCount(0, true), c.frames);
         QCOMPARE(createMouseButtonLottie(60, type)->frameCount(0, true), 2 * c.frames);
-        QCOMPARE(paintOf(*effect, 4, 0).first, c.paints);
+        for (const int button : {0, 1, 2}) {
+            // The ray points towards the side of the button.
+            const double angle = type != 1 || button == 2 ? 0 : button == 0 ? -50 : 50;
+            QCOMPARE(painted([&](QPainter *p, const QRectF &target) { effect->paint(p, 4, target, button); }),
+                     expected(c.animation, c.scale, angle));
+        }
         ++type;
     }
     QVERIFY(!createMouseButtonLottie(30, -1) && !createMouseButtonLottie(30, type));
-    const auto ray = createMouseButtonLottie(30, 1); // points towards the side of the button
-    QVERIFY(paintOf(*ray, 4, 0).second > 0.8);
-    QVERIFY(paintOf(*ray, 4, 1).second < 0.2);
 }
 
 void MouseEffectsTest::wheelEffects()
 {
-    QVERIFY(!createMouseWheelLottie(30, 2));
-    QVERIFY(!createMouseWheelLottie(30, -1));
-    QCOMPARE(createMouseWheelLottie(30, 0)->frameCount(), 0);
-    QVERIFY(!paintOf(*createMouseWheelLottie(30, 0), 5, 1).first);
-    QCOMPARE(createMouseWheelLottie(30, 1)->frameCount(), 24);
-    QVERIFY(paintOf(*createMouseWheelLottie(30, 1), 5, 1).first);
+    QVERIFY(!createMouseWheelLottie(30, -1) && !createMouseWheelLottie(30, 2));
+    for (const auto &[type, frames, animation] : {std::tuple(0, 0, ""), {1, 24, "wheel_arrow"}}) {
+        const auto effect = createMouseWheelLottie(30, type);
+        QCOMPARE(effect->frameCount(), frames);
+        for (const auto &[isDown, angle] : {std::pair(1, 0), {0, 180}})
+            QCOMPARE(
+                painted([&, down = isDown](QPainter *p, const QRectF &target) { effect->paint(p, 4, target, down); }),
+                expected(animation, 1, angle));
+    }
 }
 
 void MouseEffectsTest::timing()
@@ -145,10 +155,11 @@ void MouseEffectsTest::effects_data()
     QTest::addColumn<QString>("clicks");
     QTest::addColumn<QString>("seeks");
     QTest::addColumn<bool>("pairsNearest");
+    QTest::addColumn<bool>("replaces");
 
     const auto row = [](const char *name, const char *clicks, const char *seeks, int clickType = 1,
-                        bool pairsNearest = false) {
-        QTest::newRow(name) << clickType << clicks << seeks << pairsNearest;
+                        bool pairsNearest = false, bool replaces = false) {
+        QTest::newRow(name) << clickType << clicks << seeks << pairsNearest << replaces;
     };
     row("short", "1 left down, 4 left up", "0=;1=L0;2=L1;3-4;5=L4;6-23;24=L23;25=");
     row("held", "10 left down, 30 left up",
@@ -165,6 +176,9 @@ void MouseEffectsTest::effects_data()
     row("released twice", "1 left down, 3 left up, 40 left up", "0-39;40=");
     row("another click while held", "5 left down, 8 left down, 40 left up, 9 right down, 12 right up",
         "0-8;9=L4h R0;10=L4h! R1");
+    const char clicks[] = "1 left down, 2 left up, 3 right down, 4 right up, 5 left down, 6 left up";
+    row("clicks", clicks, "0-4;5=L4 R2 L0;6=L5 R3 L1");
+    row("clicks that replace", clicks, "0-4;5=R2 L0;6=R3 L1", 1, false, true);
     row("unknown button", "5 side down, 9 side up", "0-4;5=;6=");
     row("wheel", "5 wheel -120", "0-4;5=W0-;6=W1-;7-26;27=W22-;28=");
     row("wheel turned again", "5 wheel -120, 10 wheel -120", "0-9;10=W5-");
@@ -195,10 +209,12 @@ void MouseEffectsTest::effects()
     QFETCH(QString, seeks);
     QFETCH(int, clickType);
     QFETCH(bool, pairsNearest);
+    QFETCH(bool, replaces);
     files.clicks(clicks);
     ClickPlayer player;
     player.setClickType(clickType);
     player.setWheelType(1);
+    player.setReplaceSameButton(replaces);
     QVERIFY(player.load(files.filePath("Mouse/mouseclicks-0.json")));
     if (pairsNearest)
         player.pairNearestReleases();
@@ -222,9 +238,9 @@ void MouseEffectsTest::effectsInTime_data()
     QTest::addColumn<int>("clickType");
     QTest::addColumn<QString>("clicks");
     QTest::addColumn<QString>("seeks");
-    const auto row = [](const char *name, const char *clicks, const char *seeks, int clickType = 1) {
-        QTest::newRow(name) << clickType << clicks << seeks;
-    };
+    QTest::addColumn<bool>("replaces");
+    const auto row = [](const char *name, const char *clicks, const char *seeks, int clickType = 1,
+                        bool replaces = false) { QTest::newRow(name) << clickType << clicks << seeks << replaces; };
     row("tap", "500 left down, 500 left up", "250=;500=L0;750=L250;1250=L750;1500=");
     row("short", "500 left down, 750 left up", "500=L0;750=L250;1250=L750;1500=");
     row("held", "500 left down, 3000 left up", "500=L0@;750=L150@;2750=L150@;3000=L150@;3250=L400@;3500=L650@;3750=");
@@ -232,6 +248,8 @@ void MouseEffectsTest::effectsInTime_data()
     row("never pressed", "500 left up", "500=;750=");
     row("release not recorded", "500 left down, 2000 left down, 2250 left up", "500=L0;1250=L750;1500=;2000=L0");
     row("taps", "500 left down, 500 left up, 1000 left down, 1000 left up", "750=L250;1000=L500 L0;1250=L750 L250");
+    row("taps that replace", "500 left down, 500 left up, 750 right down, 750 right up, 1000 left down, 1000 left up",
+        "750=L250 R0;1000=R250 L0;1250=R500 L250", 1, true);
     row("two buttons", "500 left down, 750 right down, 1000 right up, 2000 left up",
         "750=L150@ R0;1250=L150@ R500;1750=L150@");
     row("click after a long press", "500 left down, 1500 left up, 1750 left down, 1750 left up", "1750=L400@ L0");
@@ -254,6 +272,7 @@ void MouseEffectsTest::effectsInTime()
     QFETCH(QString, clicks);
     QFETCH(QString, seeks);
     QFETCH(int, clickType);
+    QFETCH(bool, replaces);
     for (const int fps : {20, 24, 60}) {
         QJsonArray records;
         for (const QJsonValue &value : mouseClicks(clicks)) {
@@ -266,6 +285,7 @@ void MouseEffectsTest::effectsInTime()
         const RecordingTimeline timeline(10 * fps, fps, 10'000);
         ClickPlayer player;
         player.setWheelType(1);
+        player.setReplaceSameButton(replaces);
         QVERIFY(player.load(files.filePath("Mouse/mouseclicks-0.json")));
         player.followTime(timeline);
         player.pairNearestReleases();
@@ -286,65 +306,6 @@ void MouseEffectsTest::effectsInTime()
         std::reverse(moments.begin(), moments.end());
         for (const QString &moment : qAsConst(moments))
             check(moment);
-    }
-}
-
-/// Naive search: for each click, the first later release of the same button, or the next release if it is in the same
-/// frame.
-void MouseEffectsTest::pairsLikeNaiveSearch()
-{
-    struct Event {
-        int frame;
-        int ms;
-        bool isRelease;
-        bool isLeft;
-    };
-    QRandomGenerator random(4711);
-    for (int round = 0; round < 200; ++round) {
-        QVector<Event> events;
-        QJsonArray records;
-        for (int i = random.bounded(40); i > 0; --i) {
-            const Event event{random.bounded(-3, 30), random.bounded(1500), random.bounded(2) > 0,
-                              random.bounded(2) > 0};
-            records.append(QJsonObject{{"frame", event.frame},
-                                       {"x", events.size()}, // the index of the record
-                                       {"timestamp", event.ms},
-                                       {"action", event.isRelease ? "release" : "click"},
-                                       {"button", event.isLeft ? "left" : "right"}});
-            events << event;
-        }
-        const auto releaseOf = [&](int click) {
-            int next = -1;
-            for (int i = click + 1; i < events.size(); ++i) {
-                if (!events[i].isRelease || events[i].isLeft != events[click].isLeft)
-                    continue;
-                if (events[i].frame > events[click].frame)
-                    return i;
-                next = next < 0 ? i : next;
-            }
-            return next >= 0 && events[next].frame == events[click].frame ? next : -1;
-        };
-        files.clicks(records);
-        ClickList list;
-        QVERIFY(list.load(files.filePath("Mouse/mouseclicks-0.json")));
-        std::pair<int, int> last{-100, 0};
-        int seen = 0;
-        for (const MouseClick &click : list.between(-100, 100)) {
-            const int index = click.position.x();
-            QVERIFY(std::make_pair(click.frame, index) > last);
-            last = {click.frame, index};
-            ++seen;
-            if (events[index].isRelease)
-                continue;
-            const int release = releaseOf(index);
-            QCOMPARE(click.isPaired, release >= 0 && events[release].ms >= 1);
-            if (click.isPaired) {
-                QCOMPARE(click.releaseFrame, events[release].frame);
-                QCOMPARE(click.isLong,
-                         click.releaseFrame > click.frame && events[release].ms - events[index].ms >= 500);
-            }
-        }
-        QCOMPARE(seen, records.size());
     }
 }
 

@@ -5,7 +5,6 @@
 
 #include "playback/keys/KelPlaybackKeyboardTrack.h"
 #include "playback/keys/KeyBoxLayout.h"
-#include "playback/keys/KeyNames.h"
 #include "recording/RecordingTimeline.h"
 
 #include <QPainter>
@@ -25,24 +24,53 @@ KeyOverlayStyle everything()
     return style;
 }
 
-QImage painted(KelPlaybackKeyboardTrack &track, const QSize &size, double scale = 1.0)
+QImage painted(KelPlaybackKeyboardTrack &track, const QSize &size = kCanvas, double ratio = 1.0)
 {
-    QImage image((QSizeF(size) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(scale);
+    QImage image((QSizeF(size) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     track.paint(&painter);
     return image;
 }
 
-/// The gray value of the brightest pixel: text is white, its box black.
-int brightest(const QImage &image)
+bool isBlank(KelPlaybackKeyboardTrack &track)
 {
-    int gray = 0;
-    for (int y = 0; y < image.height(); ++y)
+    return paintedPart(painted(track)).isEmpty();
+}
+
+template <typename Condition>
+int count(const QImage &image, Condition isCounted)
+{
+    int pixels = 0;
+    for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x)
-            gray = qMax(gray, qGray(image.pixel(x, y)));
-    return gray;
+            pixels += isCounted(image.pixel(x, y));
+    }
+    return pixels;
+}
+int lightPixels(const QImage &image)
+{
+    return count(image, [](QRgb pixel) { return qGray(pixel) > 150; });
+}
+int blackPixels(const QImage &image)
+{
+    return count(image, [](QRgb pixel) { return pixel == 0xff000000; });
+}
+
+/// The painted boxes, from the lowest to the highest.
+std::vector<QRect> boxesIn(const QImage &image)
+{
+    std::vector<QRect> boxes;
+    for (int bottom = image.height() - 1; bottom >= 0;) {
+        int top = bottom;
+        while (top >= 0 && !paintedPart(image.copy(0, top, image.width(), 1)).isEmpty())
+            --top;
+        if (top < bottom)
+            boxes.push_back(paintedPart(image.copy(0, top + 1, image.width(), bottom - top)).translated(0, top + 1));
+        bottom = std::min(top, bottom - 1);
+    }
+    return boxes;
 }
 
 } // namespace
@@ -52,31 +80,36 @@ class PlaybackKeyboardTrackTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { m_recording = RecordingOnDisk(); }
-
     void readsInvalidFiles_data();
     void readsInvalidFiles();
     void seeks();
     void shownTypes();
-    void positionsBoxes();
+    void stacksBoxes();
+    void paintsWholeBoxes();
     void boxesStayInsideTheCanvas();
-    void everyKeyIsDrawnInside();
     void splitsModifiersFromKeys();
     void isSharpWhenScaled();
 
 private:
-    std::unique_ptr<KelPlaybackKeyboardTrack> load(const QString &script, const QSize &canvas = kCanvas,
-                                                   double scale = 1.0)
+    std::unique_ptr<KelPlaybackKeyboardTrack> load(const std::vector<KeyRecord> &records, const QSize &canvas = kCanvas,
+                                                   double scale = 1.0, const KeyOverlayStyle &style = everything())
     {
-        m_recording.size(canvas.width(), canvas.height()).frames(1000, 30).keys(script);
-        auto track = std::make_unique<KelPlaybackKeyboardTrack>(dir(), 1000, scale, QSize(), nullptr);
-        track->setStyle(everything());
+        m_recording.size(canvas.width(), canvas.height()).keys(records);
+        auto track = std::make_unique<KelPlaybackKeyboardTrack>(dir(), 100'000, scale, QSize(), nullptr);
+        track->setStyle(style);
         return track;
     }
-
+    /// The image of the last key that is pressed.
+    QImage paintedAt(const QString &script, double scale = 1.0, const KeyOverlayStyle &style = everything())
+    {
+        const std::vector<KeyRecord> records = keyScript(script);
+        const auto track = load(records, kCanvas, scale, style);
+        track->seekToFrame(records.back().frame);
+        return painted(*track);
+    }
     QString dir() const { return m_recording.filePath("Keyboard"); }
 
-    RecordingOnDisk m_recording;
+    RecordingOnDisk m_recording = RecordingOnDisk().frames(100, 30);
 };
 
 void PlaybackKeyboardTrackTest::readsInvalidFiles_data()
@@ -92,24 +125,16 @@ void PlaybackKeyboardTrackTest::readsInvalidFiles_data()
     const char sizeError[] = "W KelPlaybackKeyboardTrack meta file size error: \"";
     const char fpsError[] = "W KelPlaybackKeyboardTrack meta file frame rate error: \"";
     row("whole", whole, "", 2);
-    row("other magic", patched(0, 0), "", 2);
     row("no record", keyMetaFile({}, kCanvas), "", 0);
     row("empty", "", sizeError, 0);
-    row("header cut", whole.left(20), sizeError, 0);
     row("record cut", whole.left(whole.size() - 1), sizeError, 0);
     row("too long", whole + "x", sizeError, 0);
     row("negative count", patched(4, -2), sizeError, 0);
     row("count times 12 overflows", patched(4, 357913943), sizeError, 0);
-    row("huge count", patched(4, INT_MAX), sizeError, 0);
     row("no frame rate", patched(8, 0), fpsError, 2);
-    row("negative frame rate", patched(8, -30), fpsError, 2);
-    row("huge frame rate", patched(8, INT_MAX), fpsError, 2);
     row("canvas of no size", patched(24, 0), "", 2);
-    row("huge canvas", patched(28, INT_MAX), "", 2);
-    row("negative canvas", patched(24, INT_MIN), "", 2);
     row("negative frame", patched(40, INT_MIN), "", 1);
     row("huge frame", patched(40, INT_MAX), "", 0);
-    row("no such key", patched(44, INT_MIN), "", 2);
 }
 
 void PlaybackKeyboardTrackTest::readsInvalidFiles()
@@ -129,7 +154,7 @@ void PlaybackKeyboardTrackTest::readsInvalidFiles()
     track.setStyle(everything());
     for (const int frame : {-1, 0, 1, 3, 49, 50, INT_MAX}) {
         track.seekToFrame(frame);
-        painted(track, kCanvas);
+        painted(track);
     }
 
     m_recording.without("Keyboard/keyboard.keymeta");
@@ -141,7 +166,7 @@ void PlaybackKeyboardTrackTest::readsInvalidFiles()
 
 void PlaybackKeyboardTrackTest::seeks()
 {
-    const auto track = load("0:+A 3:+B 200:+C");
+    const auto track = load(keyScript("0:+A 3:+B 200:+C"));
     QCOMPARE(track->nextKeyFrame(), -1);
     const auto nextAfter = [&](int frame) {
         track->seekToFrame(frame);
@@ -153,23 +178,30 @@ void PlaybackKeyboardTrackTest::seeks()
     QCOMPARE(nextAfter(94), -1);
     QCOMPARE(nextAfter(290), -1);
     QCOMPARE(nextAfter(0), -1);
-    QVERIFY(paintedPart(painted(*track, kCanvas)).isEmpty());
-    track->seekToFrame(3);
-    QVERIFY(!paintedPart(painted(*track, kCanvas)).isEmpty());
+    QVERIFY(isBlank(*track));
     track->paint(nullptr);
     const RecordingTimeline timeline(1000, 60, 1000 * 1000 / 60);
     track->setContext(timeline, KelPlaybackRules::recommended());
     QCOMPARE(nextAfter(93), 94);
     track->setContext(timeline, {});
 
+    // Whether another image is painted.
+    track->seekToFrame(94);
+    QVERIFY(track->moveToFrame(3));
+    QVERIFY(!track->moveToFrame(90));
+    QVERIFY(track->moveToFrame(200));
+    QVERIFY(track->moveToFrame(3));
+    QVERIFY(track->moveToFrame(94));
+
     KeyOverlayStyle brief = everything();
     brief.display.keepTimeSeconds = 1;
     track->seekToFrame(60);
+    QVERIFY(!isBlank(*track));
     track->setStyle(brief); // at once, without another seek
-    QVERIFY(paintedPart(painted(*track, kCanvas)).isEmpty());
+    QVERIFY(isBlank(*track));
     track->seekToFrame(3);
     track->resetHistory();
-    QVERIFY(paintedPart(painted(*track, kCanvas)).isEmpty());
+    QVERIFY(isBlank(*track));
 }
 
 void PlaybackKeyboardTrackTest::shownTypes()
@@ -180,45 +212,77 @@ void PlaybackKeyboardTrackTest::shownTypes()
                                         {"1:+Control", 4},
                                         {"1:+Control 2:+C", 8},
                                         {"1:+A 3:+F1", 3}}) {
-        const auto track = load(script);
+        const auto track = load(keyScript(script));
         track->seekToFrame(10);
+        KeyOverlayStyle style = everything();
         for (int shown = 0; shown < 16; ++shown) {
-            KeyOverlayStyle style = everything();
             style.display.shownTypes = shown;
             track->setStyle(style);
             QCOMPARE(track->isVisible(), shown != 0);
-            QVERIFY2(paintedPart(painted(*track, kCanvas)).isEmpty() != ((shown & types) != 0), script);
+            QVERIFY2(isBlank(*track) != ((shown & types) != 0), script);
         }
-        KeyOverlayStyle off = everything();
-        off.enabled = false;
-        track->setStyle(off);
-        QVERIFY(!track->isVisible() && paintedPart(painted(*track, kCanvas)).isEmpty());
+        style.enabled = false;
+        track->setStyle(style);
+        QVERIFY(!track->isVisible() && isBlank(*track));
     }
 }
 
-void PlaybackKeyboardTrackTest::positionsBoxes()
+void PlaybackKeyboardTrackTest::stacksBoxes()
 {
-    enum Position { Center = 1, Left, Right };
     for (const double scale : {1.0, 1.5, 2.0}) {
-        for (const int position : {Center, Left, Right}) {
-            const auto track = load("1:+Control 2:+C 3:-C 4:+Alt 5:+F4", kCanvas, scale);
-            KeyOverlayStyle style = everything();
+        const int gap = int(4 * scale);
+        KeyOverlayStyle style = everything();
+        for (const auto position :
+             {KeyOverlayStyle::BottomCenter, KeyOverlayStyle::BottomLeft, KeyOverlayStyle::BottomRight}) {
             style.displayPos = position;
-            track->setStyle(style);
-            track->seekToFrame(3);
-            const QRect one = paintedPart(painted(*track, kCanvas));
-            const int gap = int(4 * scale);
-            QCOMPARE(kCanvas.height() - one.bottom() - 1, gap);
-            const int left = one.left();
-            const int right = kCanvas.width() - one.right() - 1;
-            QVERIFY(position == Center ? qAbs(left - right) <= 1 : (position == Left ? left : right) == gap);
-
-            track->seekToFrame(5); // a second box above the first
-            const QRect two = paintedPart(painted(*track, kCanvas));
-            QCOMPARE(two.bottom(), one.bottom());
-            QCOMPARE(two.height(), 2 * one.height() + gap);
+            // The widest is the oldest, the narrowest the newest.
+            const auto boxes = boxesIn(paintedAt("1:+PageDown 3:+Left 5:+F4", scale, style));
+            QCOMPARE(boxes.size(), size_t(3));
+            QCOMPARE(kCanvas.height() - boxes[0].bottom() - 1, gap);
+            for (int i = 0; i < 3; ++i) {
+                const int left = boxes[i].left();
+                const int right = kCanvas.width() - boxes[i].right() - 1;
+                if (position == KeyOverlayStyle::BottomCenter)
+                    QVERIFY(qAbs(left - right) <= 1);
+                else
+                    QCOMPARE(position == KeyOverlayStyle::BottomLeft ? left : right, gap);
+                QVERIFY(i == 0 || boxes[i].width() > boxes[i - 1].width());
+                QVERIFY(i == 0 || boxes[i - 1].top() - boxes[i].bottom() - 1 == gap);
+            }
         }
     }
+    // Scaled as a whole; the font only in whole pixels.
+    const QRect one = paintedPart(paintedAt("1:+Return"));
+    const QRect two = paintedPart(paintedAt("1:+Return", 2.0));
+    QVERIFY(qAbs(two.width() - 2 * one.width()) <= 2 && qAbs(two.height() - 2 * one.height()) <= 2);
+
+    KeyOverlayStyle smallHistory = everything();
+    smallHistory.historyFontSizePx = 10;
+    const auto boxes = boxesIn(paintedAt("1:+F1 3:+F2", 1.0, smallHistory));
+    QVERIFY(boxes.at(1).height() < boxes.at(0).height());
+}
+
+/// With nothing missing: text, chip of the modifiers, number of repetitions.
+void PlaybackKeyboardTrackTest::paintsWholeBoxes()
+{
+    KeyOverlayStyle style = everything();
+    style.displayPos = KeyOverlayStyle::BottomLeft;
+    const QImage once = paintedAt("1:+Return", 1.0, style);
+    const QRect box = paintedPart(once);
+    QVERIFY(lightPixels(once) > 20 && blackPixels(once) == 0);
+    QCOMPARE(once.pixel(box.center().x(), box.top()), qRgba(0, 0, 0, 180));
+    QCOMPARE(once.pixel(box.topLeft()), qRgba(0, 0, 0, 0)); // rounded
+
+    const QImage twice = paintedAt("1:+Return 3:-Return 5:+Return", 1.0, style);
+    const QRect wider = paintedPart(twice);
+    QCOMPARE(QRect(wider.topLeft(), box.size()), box);
+    QVERIFY(lightPixels(twice.copy(wider.adjusted(box.width(), 0, 0, 0))) > 10);
+
+    style.bgColor = QColor(0, 0, 0, 100); // opaque on the chip
+    const QImage combination = paintedAt("1:+Control 3:+C", 1.0, style);
+    const QRect whole = paintedPart(combination);
+    const QImage left = combination.copy(whole.adjusted(0, 0, -whole.width() / 2, 0));
+    QVERIFY(lightPixels(left) > 200 && blackPixels(left) > 10);
 }
 
 void PlaybackKeyboardTrackTest::boxesStayInsideTheCanvas()
@@ -226,85 +290,47 @@ void PlaybackKeyboardTrackTest::boxesStayInsideTheCanvas()
     QString longWord;
     for (int i = 1; i < 20; ++i)
         longWord += QString("%1:+W ").arg(i);
+    KeyOverlayStyle style = everything();
+    style.fontSizePx = style.historyFontSizePx = 22;
     for (const QString &script :
          {QString("1:+Control 2:+C"), longWord, QString("1:+Shift 2:+Control 3:+Alt 4:+Meta 5:+MediaTogglePlayPause"),
-          QString("1:+PageDown 2:+PageDown 3:+PageDown 4:+PageDown 5:+PageDown"),
+          QString("1:+PageDown 2:+PageDown 3:+PageDown 4:+PageDown 5:+PageDown"), QString("1:+א 2:+中 3:+あ 4:+Up"),
           QString("1:+F1 2:+F2 3:+Control 4:+C 5:-Control 6:+F3 7:+F3")}) {
         for (const QSize &canvas : {QSize(640, 360), QSize(200, 100), QSize(121, 41), QSize(60, 300), QSize(9, 7)}) {
-            const auto track = load(script, canvas);
-            for (const int position : {0, 1, 2, 3}) {
-                KeyOverlayStyle style = everything();
-                style.displayPos = position;
-                style.fontSizePx = style.historyFontSizePx = 22;
-                track->setStyle(style);
+            for (style.displayPos = 0; style.displayPos < 4; ++style.displayPos) {
+                const auto track = load(keyScript(script), canvas, 1.0, style);
                 track->seekToFrame(20);
                 // On a larger image, to detect painting outside of the canvas.
-                const QRect ink = paintedPart(painted(*track, canvas * 2));
-                QVERIFY2(QRect(QPoint(), canvas).contains(ink) || ink.isEmpty(), qPrintable(script));
-                QVERIFY(!ink.isEmpty() || canvas.width() < 200);
+                const QImage image = painted(*track, canvas * 2);
+                QVERIFY2(QRect(QPoint(), canvas).contains(paintedPart(image)) || lightPixels(image) == 0,
+                         qPrintable(script));
+                QVERIFY(lightPixels(image) > 0 || canvas.width() < 200);
             }
         }
     }
 }
 
-void PlaybackKeyboardTrackTest::everyKeyIsDrawnInside()
-{
-    std::vector<KeyRecord> records;
-    const QMetaEnum keys = QMetaEnum::fromType<Qt::Key>();
-    for (int i = 0; i < keys.keyCount(); ++i)
-        records.push_back({keys.value(i), true, 100 * (int(records.size()) + 1)});
-    for (const int key : {0x424, 0x5d0, 0x4e2d, 0x3042, 0x1f600, 1, -1})
-        records.push_back({key, true, 100 * (int(records.size()) + 1)});
-    // Modifiers would stay held; replaces them by another key.
-    for (KeyRecord &record : records)
-        record.key = modifierOfKey(shownKey(record.key)) || shownKey(record.key) == 0 ? Qt::Key_Up : record.key;
-    const QSize canvas(300, 60);
-    m_recording.size(300, 60).frames(1000, 30).keys(records);
-    KelPlaybackKeyboardTrack track(dir(), 100 * (int(records.size()) + 2), 1.0, QSize(), nullptr);
-    KeyOverlayStyle style = everything();
-    style.display.keepTimeSeconds = 1;
-    track.setStyle(style);
-    for (const KeyRecord &record : records) {
-        track.seekToFrame(record.frame);
-        const QImage image = painted(track, canvas);
-        const QRect ink = paintedPart(image);
-        QVERIFY2(ink.left() > 0 && ink.right() < canvas.width() - 1 && ink.top() > 0,
-                 qPrintable(QString::number(record.key, 16)));
-        QVERIFY2(brightest(image) > 150, qPrintable(QString::number(record.key, 16)));
-    }
-}
-
 void PlaybackKeyboardTrackTest::splitsModifiersFromKeys()
 {
-    const auto parts = [](const QString &text, int count) {
-        const KeyBoxLayout layout({text, KeyDisplayItem::Combination, 0, count}, everything(), {kCanvas, 1.0}, 0.0,
-                                  true);
-        return QStringList{layout.chipText, layout.text, layout.labelText};
-    };
-    QCOMPARE(parts("Ctrl+C", 1), (QStringList{"Ctrl", " + C", ""}));
-    QCOMPARE(parts("Shift+Ctrl+Left", 3), (QStringList{"Shift+Ctrl", " + Left", "x3"}));
-    QCOMPARE(parts("Ctrl++", 1), (QStringList{"Ctrl", " + +", ""}));
-    QCOMPARE(parts("+", 2), (QStringList{"", "+", "x2"}));
-    QCOMPARE(parts("Return", 1), (QStringList{"", "Return", ""}));
+    for (const QStringList &parts : {QStringList{"Ctrl+C", "Ctrl", " + C"},
+                                     {"Shift+Ctrl+Left", "Shift+Ctrl", " + Left"},
+                                     {"Ctrl++", "Ctrl", " + +"},
+                                     {"+", "", "+"}}) {
+        const KeyBoxLayout layout({parts[0], KeyDisplayItem::Combination, 0, 1}, everything(), {kCanvas, 1.0}, 0, true);
+        QCOMPARE(layout.chipText, parts[1]);
+        QCOMPARE(layout.text, parts[2]);
+    }
 }
 
 void PlaybackKeyboardTrackTest::isSharpWhenScaled()
 {
-    const auto track = load("1:+Control 2:+C");
+    const auto track = load(keyScript("1:+Control 2:+C"));
     track->seekToFrame(5);
-    const QRect plain = paintedPart(painted(*track, kCanvas));
+    const QImage plain = painted(*track);
     const QImage doubled = painted(*track, kCanvas, 2.0);
-    const QRect ink = paintedPart(doubled);
-    QCOMPARE(ink, QRect(plain.topLeft() * 2, plain.size() * 2));
-    // An enlarged image would have no lines of one pixel.
-    int thinLines = 0;
-    for (int y = ink.top(); y <= ink.bottom(); ++y) {
-        for (int x = ink.left() + 1; x < ink.right(); ++x) {
-            const QRgb pixel = doubled.pixel(x, y);
-            thinLines += pixel != doubled.pixel(x - 1, y) && pixel != doubled.pixel(x + 1, y) ? 1 : 0;
-        }
-    }
-    QVERIFY(thinLines > 50);
+    const QRect ink = paintedPart(plain);
+    QCOMPARE(paintedPart(doubled), QRect(ink.topLeft() * 2, ink.size() * 2));
+    QVERIFY(doubled.copy() != plain.scaled(doubled.size()));
 }
 
 QTEST_MAIN(PlaybackKeyboardTrackTest)

@@ -1,5 +1,8 @@
 #include "kelmovie/support/OverlayRecording.h"
 
+#include "playback/keys/KeyOverlayStyle.h"
+#include "support/PaintedPart.h"
+
 #include <KelMovie/KelMovieConfig.h>
 #include <KelMovie/KelPlaybackTrackManager.h>
 
@@ -10,44 +13,59 @@
 #include <functional>
 
 using R = OverlayRecording;
-using Change = std::function<void(KelMovieConfig &)>;
+using C = KelMovieConfig;
+using kel::KeyOverlayStyle;
+using Change = std::function<void(C &)>;
 Q_DECLARE_METATYPE(Change)
 
-/// Compares composed frames before and after changes of the settings.
+namespace
+{
+
+QRect changedPart(QImage before, const QImage &after)
+{
+    QPainter painter(&before);
+    painter.setCompositionMode(QPainter::CompositionMode_Difference);
+    painter.drawImage(0, 0, after);
+    painter.end();
+    return paintedPart(before, qRgb(0, 0, 0));
+}
+
+} // namespace
+
+/// Compares composed frames of recordings and settings.
 class PlaybackSettingsTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init();
+    void init() { gKelMovieConfig = withBar(); }
     void defaultsShowClicksAndShortcutsOnly();
     void settingsTakeEffect_data();
     void settingsTakeEffect();
     void invalidSettingsAreClamped();
+    void pixelRatioEnlargesOverlays();
+    void endHidesEffectsAndKeys();
 
 private:
-    std::unique_ptr<KelPlaybackTrackManager> load() { return recording->load(); }
-    QImage image(KelPlaybackTrackManager &manager) const { return recording->image(manager); }
-    QImage imageAt(KelPlaybackTrackManager &manager, int frame) const { return recording->imageAt(manager, frame); }
+    static C withBar()
+    {
+        C config;
+        config.playbackProgressEnable = true;
+        config.playbackProgressDisplayMode = 1;
+        return config;
+    }
+    QImage imageAt(int frame) const { return m_recording.imageAt(*m_recording.load(), frame); }
 
-    std::unique_ptr<OverlayRecording> recording;
+    OverlayRecording m_recording;
 };
-
-void PlaybackSettingsTest::init()
-{
-    gKelMovieConfig = KelMovieConfig();
-    recording = std::make_unique<OverlayRecording>();
-}
 
 void PlaybackSettingsTest::defaultsShowClicksAndShortcutsOnly()
 {
-    const auto manager = load();
-    QCOMPARE(manager->trackNames().last(), QString("Keyboard"));
-    const QImage plain = imageAt(*manager, R::PlainFrame);
-    QVERIFY(imageAt(*manager, R::ClickFrame) != plain);
-    QVERIFY(imageAt(*manager, R::ShortcutFrame) != plain);
-    QVERIFY(imageAt(*manager, R::LetterFrame) == plain);
-    QVERIFY(imageAt(*manager, R::WheelFrame) != plain);
+    gKelMovieConfig = C();
+    const QImage plain = imageAt(R::PlainFrame);
+    for (const auto &[frame, shows] :
+         {std::pair(R::ClickFrame, true), {R::ShortcutFrame, true}, {R::LetterFrame, false}, {R::WheelFrame, true}})
+        QCOMPARE(imageAt(frame) != plain, shows);
 }
 
 void PlaybackSettingsTest::settingsTakeEffect_data()
@@ -56,13 +74,13 @@ void PlaybackSettingsTest::settingsTakeEffect_data()
     QTest::addColumn<Change>("change");
 
     const auto row = [](const char *name, int frame, const Change &change) { QTest::newRow(name) << frame << change; };
-    using C = KelMovieConfig;
     row("mouse on", R::ClickFrame, [](C &c) { c.playbackMouseEnable = false; });
     row("mouse buttons", R::ClickFrame, [](C &c) { c.playbackMouseShowActionButton = 6; });
     row("mouse wheel", R::WheelFrame, [](C &c) { c.playbackMouseShowWheel = false; });
     row("mouse color", R::ClickFrame, [](C &c) { c.playbackMouseColor = Qt::red; });
     row("mouse size", R::ClickFrame, [](C &c) { c.playbackMouseSize = 30; });
     row("click effect", R::ClickFrame, [](C &c) { c.playbackMouseClickEffect = 2; });
+    row("replaced clicks", R::SecondClickFrame, [](C &c) { c.playbackMouseReplaceEffects ^= true; });
     row("wheel effect", R::WheelFrame, [](C &c) { c.playbackMouseWheelEffect = 0; });
     row("key types", R::ShortcutFrame, [](C &c) { c.playbackKeyboardShowKeyType = 2; });
     row("letters", R::LetterFrame, [](C &c) { c.playbackKeyboardShowKeyType = 15; });
@@ -74,15 +92,17 @@ void PlaybackSettingsTest::settingsTakeEffect_data()
     row("history font", R::ShortcutFrame, [](C &c) { c.playbackKeyboardHistoryFontSize = 10; });
     row("history count", R::ShortcutFrame, [](C &c) { c.playbackKeyboardMaxHistoryCount = 1; });
     row("font", R::ShortcutFrame, [](C &c) { c.playbackKeyboardFont.setBold(true); });
-    row("time box", R::PlainFrame, [](C &c) { c.playbackProgressEnable = true; });
-    row("progress bar", R::PlainFrame, [](C &c) {
-        c.playbackProgressEnable = true;
-        c.playbackProgressDisplayMode = 1;
-    });
     row("letters per box", R::LetterFrame, [](C &c) {
         c.playbackKeyboardShowKeyType = 15;
         c.playbackKeyboardMaxContinueChar = 3;
     });
+    row("progress on", R::PlainFrame, [](C &c) { c.playbackProgressEnable = false; });
+    row("time box", R::PlainFrame, [](C &c) { c.playbackProgressDisplayMode = 0; });
+    row("bar color", R::PlainFrame, [](C &c) { c.playbackProgressFgColor = Qt::red; });
+    row("bar background", R::PlainFrame, [](C &c) { c.playbackProgressBgColor = Qt::red; });
+    row("bar height", R::PlainFrame, [](C &c) { c.playbackProgressSize = 40; });
+    row("bar corners", R::PlainFrame, [](C &c) { c.playbackProgressRound = 3; });
+    row("bar steps", R::PlainFrame, [](C &c) { c.playbackProgressGapTime = 1'000; });
 }
 
 void PlaybackSettingsTest::settingsTakeEffect()
@@ -90,44 +110,100 @@ void PlaybackSettingsTest::settingsTakeEffect()
     QFETCH(int, frame);
     QFETCH(Change, change);
 
-    const auto early = load();
-    const QImage before = imageAt(*early, frame);
+    const auto early = m_recording.load();
+    const QImage before = m_recording.imageAt(*early, frame);
     change(gKelMovieConfig);
-    const auto late = load();
-    const QImage after = imageAt(*late, frame);
+    const auto late = m_recording.load();
+    const QImage after = m_recording.imageAt(*late, frame);
     QVERIFY(after != before);
 
     // When playback starts.
-    QVERIFY(image(*early) == before);
+    QVERIFY(m_recording.image(*early) == before);
     early->play();
     early->pause();
     early->seek(0);
-    QVERIFY(imageAt(*early, frame) == after);
+    QVERIFY(m_recording.imageAt(*early, frame) == after);
 
     // When a panel reports a change: at once, except that running effects only change with the next click.
-    gKelMovieConfig = KelMovieConfig();
+    gKelMovieConfig = withBar();
     QSignalSpy repaints(late.get(), &KelPlaybackTrackManager::sigFrameChanged);
     late->updateSettings();
     QCOMPARE(repaints, (QList<QVariantList>{{frame}}));
-    if (frame != R::ClickFrame && frame != R::WheelFrame)
-        QVERIFY(image(*late) == before);
-    QVERIFY(imageAt(*late, frame) == before);
+    const bool isEffect = frame == R::ClickFrame || frame == R::SecondClickFrame || frame == R::WheelFrame;
+    QVERIFY(isEffect || m_recording.image(*late) == before);
+    QVERIFY(m_recording.imageAt(*late, frame) == before);
 }
 
 void PlaybackSettingsTest::invalidSettingsAreClamped()
 {
-    for (const int value : {INT_MIN, -1, 0, INT_MAX}) {
-        KelMovieConfig &config = gKelMovieConfig;
-        config.playbackMouseShowActionButton = config.playbackMouseSize = value;
-        config.playbackMouseClickEffect = config.playbackMouseWheelEffect = value;
-        config.playbackKeyboardMaxContinueChar = config.playbackKeyboardKeepTime = value;
-        config.playbackKeyboardDisplayPos = config.playbackKeyboardFontSizePx = value;
-        config.playbackKeyboardHistoryFontSize = config.playbackKeyboardMaxHistoryCount = value;
-        config.playbackKeyboardShowKeyType = 15;
-        config.playbackMouseColor = config.playbackKeyboardFontColor = config.playbackKeyboardBgColor = QColor();
-        const auto manager = load();
-        for (const int frame : {R::ClickFrame, R::ShortcutFrame, R::LetterFrame, R::WheelFrame})
-            QVERIFY(!imageAt(*manager, frame).isNull());
+    struct Case {
+        int C::*setting;
+        int frame;
+        int invalid;
+        int used;
+    };
+    for (const Case &c : {Case{&C::playbackMouseSize, R::ClickFrame, -1, 0},
+                          {&C::playbackMouseClickEffect, R::ClickFrame, INT_MAX, 0},
+                          {&C::playbackMouseWheelEffect, R::WheelFrame, -1, 0},
+                          {&C::playbackKeyboardKeepTime, R::ShortcutFrame, INT_MIN, 0},
+                          {&C::playbackKeyboardKeepTime, R::ShortcutFrame, INT_MAX, 3},
+                          {&C::playbackKeyboardDisplayPos, R::ShortcutFrame, INT_MAX, 1},
+                          {&C::playbackKeyboardFontSizePx, R::ShortcutFrame, INT_MIN, 1},
+                          {&C::playbackKeyboardFontSizePx, R::ShortcutFrame, INT_MAX, 400},
+                          {&C::playbackKeyboardHistoryFontSize, R::ShortcutFrame, -1, 0},
+                          {&C::playbackKeyboardHistoryFontSize, R::ShortcutFrame, INT_MAX, 400},
+                          {&C::playbackKeyboardMaxHistoryCount, R::ShortcutFrame, INT_MIN, 1},
+                          {&C::playbackKeyboardMaxContinueChar, R::LetterFrame, -1, 1},
+                          {&C::playbackProgressSize, R::PlainFrame, -1, 1},
+                          {&C::playbackProgressSize, R::PlainFrame, INT_MAX, 400},
+                          {&C::playbackProgressRound, R::PlainFrame, INT_MIN, 0},
+                          {&C::playbackProgressGapTime, R::PlainFrame, INT_MIN, 0}}) {
+        gKelMovieConfig = withBar();
+        gKelMovieConfig.playbackKeyboardShowKeyType = 15;
+        gKelMovieConfig.*c.setting = c.used;
+        const QImage used = imageAt(c.frame);
+        gKelMovieConfig.*c.setting = c.invalid;
+        QCOMPARE(imageAt(c.frame), used);
+    }
+    gKelMovieConfig = C();
+    gKelMovieConfig.playbackKeyboardFontColor = KeyOverlayStyle().fontColor;
+    gKelMovieConfig.playbackKeyboardBgColor = KeyOverlayStyle().bgColor;
+    const QImage used = imageAt(R::ShortcutFrame);
+    gKelMovieConfig.playbackKeyboardFontColor = gKelMovieConfig.playbackKeyboardBgColor = QColor();
+    QCOMPARE(imageAt(R::ShortcutFrame), used);
+}
+
+/// On a desktop of twice the resolution, effects, keys and time are twice as large.
+void PlaybackSettingsTest::pixelRatioEnlargesOverlays()
+{
+    const OverlayRecording large(2.0);
+    for (const int frame : {R::ClickFrame, R::WheelFrame, R::ShortcutFrame, R::PlainFrame}) {
+        gKelMovieConfig = C();
+        const auto sizeIn = [frame](const OverlayRecording &recording) {
+            const auto manager = recording.load();
+            gKelMovieConfig.playbackProgressEnable = false;
+            manager->updateSettings();
+            const QImage plain = recording.imageAt(*manager, R::PlainFrame);
+            gKelMovieConfig.playbackProgressEnable = frame == R::PlainFrame;
+            manager->updateSettings();
+            return changedPart(plain, recording.imageAt(*manager, frame)).size();
+        };
+        const QSize once = sizeIn(m_recording);
+        const QSize twice = sizeIn(large);
+        QVERIFY(twice.width() > 1.7 * once.width() && twice.height() > 1.7 * once.height());
+    }
+}
+
+void PlaybackSettingsTest::endHidesEffectsAndKeys()
+{
+    gKelMovieConfig = C();
+    const QImage plain = imageAt(R::PlainFrame);
+    for (const int frame : {R::ClickFrame, R::WheelFrame, R::ShortcutFrame}) {
+        const auto manager = m_recording.load();
+        QVERIFY(m_recording.imageAt(*manager, frame) != plain);
+        manager->play();
+        manager->stop();
+        QCOMPARE(m_recording.image(*manager), plain);
     }
 }
 

@@ -15,17 +15,27 @@
 class OverlayRecording
 {
 public:
-    enum Frame { ClickFrame = 10, PlainFrame = 60, ShortcutFrame = 100, LetterFrame = 200, WheelFrame = 310 };
+    enum Frame {
+        ClickFrame = 10,
+        PlainFrame = 60,
+        ShortcutFrame = 100,
+        LetterFrame = 200,
+        SecondClickFrame = 260,
+        WheelFrame = 310
+    };
 
-    OverlayRecording()
+    explicit OverlayRecording(double pixelRatio = 1)
     {
         m_files.size(640, 360)
+            .set(&KelRecordingMetadata::pixelRatio, pixelRatio)
             .frames(400)
             .keys("98:+Return 99:+Control 100:+C 101:-C 102:-Control "
                   "195:+A 196:+B 197:+C 198:+D 199:+E 200:+F")
             .cursor()
             .moves("0:400,100")
-            .clicks(mouseClicks("5 left down, 7 left up, 300 wheel 120", QPoint(400, 100)));
+            .clicks(mouseClicks("5 left down, 7 left up, 250 left down, 251 left up, 255 left down, "
+                                "256 left up, 300 wheel 120",
+                                QPoint(400, 100)));
     }
 
     std::unique_ptr<KelPlaybackTrackManager> load() const

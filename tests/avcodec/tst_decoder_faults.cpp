@@ -161,25 +161,30 @@ void DecoderFaultsTest::truncatedMatroska()
 
 void DecoderFaultsTest::damagedFrame_data()
 {
-    const TestTable<QStringList, int> row("options", "damaged"); // in decoding order
+    const TestTable<QStringList, int, int> row("options", "damaged",
+                                               "intact"); // in decoding order; percent of the frame
     const QStringList bipredicted{"-pix_fmt", "yuv420p", "-c:v", "libx264",       "-g",
                                   "10",       "-bf",     "2",    "-sc_threshold", "0"};
-    row("recorded", kRecorded, 14);
-    row("recorded, keyframe", kRecorded, 10);
-    row("B-frames", bipredicted, 14);
-    row("B-frames, keyframe", bipredicted, 10);
+    row("recorded", kRecorded, 14, 0);
+    row("recorded, keyframe", kRecorded, 10, 0);
+    row("recorded, end of the keyframe", kRecorded, 10, 80);
+    row("B-frames", bipredicted, 14, 0);
+    row("B-frames, keyframe", bipredicted, 10, 0);
+    row("B-frames, end of the keyframe", bipredicted, 10, 80);
 }
 
 void DecoderFaultsTest::damagedFrame()
 {
     QFETCH(QStringList, options);
     QFETCH(int, damaged);
+    QFETCH(int, intact);
     const LogCapture log;
     const QString whole = m_dir.filePath("intact.mp4");
     QVERIFY(NumberedVideo::write(whole, kFrames, options));
     const Sample sample = sampleOf(whole, AV_CODEC_ID_H264, damaged);
     QByteArray content = readFile(whole);
-    content.replace(int(sample.offset), sample.size, QByteArray(sample.size, '\xff'));
+    const int kept = sample.size * intact / 100;
+    content.replace(int(sample.offset) + kept, sample.size - kept, QByteArray(sample.size - kept, '\0'));
     const QString path = m_dir.filePath("damaged.mp4");
     writeFile(path, content);
 

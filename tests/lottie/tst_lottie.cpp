@@ -3,6 +3,7 @@
 #include "support/Files.h"
 #include "support/LogCapture.h"
 #include "support/PaintedPart.h"
+#include "support/TestTable.h"
 
 #include <QCryptographicHash>
 #include <QPainter>
@@ -40,6 +41,16 @@ QImage canvas(int width, int height, double devicePixelRatio = 1)
     QImage image(QSize(width, height) * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(devicePixelRatio);
     image.fill(Qt::transparent);
+    return image;
+}
+
+/// The frame in `target` on a canvas; in all of it by default.
+QImage painted(KelLottie &lottie, float frame, const QSize &size, const QRectF &target = {}, double angle = 0,
+               double ratio = 1)
+{
+    QImage image = canvas(size.width(), size.height(), ratio);
+    QPainter painter(&image);
+    lottie.paint(&painter, frame, target.isEmpty() ? QRectF(QPointF(), size) : target, angle);
     return image;
 }
 
@@ -81,13 +92,7 @@ private slots:
             QCOMPARE(effect.frameRate(), 60.0);
             QCOMPARE(effect.totalFrame(), 48ULL);
             for (int side : {64, 256}) {
-                const auto covered = [&](int frame) {
-                    QImage image = canvas(side, side);
-                    QPainter painter(&image);
-                    effect.paint(&painter, float(frame), image.rect(), 0);
-                    painter.end();
-                    return coverage(image);
-                };
+                const auto covered = [&](int frame) { return coverage(painted(effect, float(frame), {side, side})); };
                 QVERIFY2(covered(0) > 0.01, name);
                 QVERIFY2(covered(holdFrame) > 0.05 && covered(holdFrame) >= covered(0), name);
                 QVERIFY2(covered(47) < 0.03, name);
@@ -141,10 +146,7 @@ private slots:
                               {2, {10, 10}, 90},
                               {1, {10.4, 9.7}, 0},
                               {1, {10.4, 9.7}, 180}}) {
-            QImage image = canvas(80, 80, c.ratio);
-            QPainter painter(&image);
-            lottie.paint(&painter, 0, QRectF(c.place, QSizeF(50, 50)), c.angle);
-            painter.end();
+            const QImage image = painted(lottie, 0, {80, 80}, QRectF(c.place, QSizeF(50, 50)), c.angle, c.ratio);
             // All edges of the sample are on pixel boundaries here, so every pixel is covered or not.
             int covered = 0;
             for (int y = 0; y < image.height(); ++y) {
@@ -185,12 +187,7 @@ private slots:
     {
         KelLottie lottie(write(sample()));
         KelLottie other(write(sample()));
-        const auto shot = [](KelLottie &object) {
-            QImage image = canvas(100, 100);
-            QPainter painter(&image);
-            object.paint(&painter, 4, image.rect(), 0);
-            return image;
-        };
+        const auto shot = [](KelLottie &object) { return painted(object, 4, {100, 100}); };
         const QPoint filled(30, 30), stroked(80, 20), own(80, 80);
         QCOMPARE(shot(lottie).pixelColor(filled), QColor(Qt::red));
         for (const QColor &color : {QColor(Qt::blue), QColor(51, 136, 255), QColor(Qt::black)}) {
@@ -232,28 +229,25 @@ private slots:
 
     void unusableFiles_data()
     {
-        QTest::addColumn<QByteArray>("text");
+        const TestTable<QByteArray> row("text");
         const auto with = [](const char *before, const char *after) { return sample().replace(before, after); };
-        QTest::newRow("missing") << QByteArray();
-        QTest::newRow("empty") << QByteArray("");
-        QTest::newRow("no JSON") << QByteArray("GIF89a");
-        QTest::newRow("cut off") << sample().left(400);
-        QTest::newRow("array") << QByteArray("[1,2,3]");
-        QTest::newRow("empty object") << QByteArray("{}");
-        QTest::newRow("no frame rate") << with("\"fr\":25", "\"fr\":0");
-        QTest::newRow("negative frame rate") << with("\"fr\":25", "\"fr\":-25");
-        QTest::newRow("frame rate as text") << with("\"fr\":25", "\"fr\":\"25\"");
-        QTest::newRow("no length") << with("\"op\":10,\"w\"", "\"op\":0,\"w\"");
-        QTest::newRow("endless") << with("\"op\":10,\"w\"", "\"op\":1e300,\"w\"");
-        QTest::newRow("ends before it begins") << with("\"ip\":0,\"op\":10,\"w\"", "\"ip\":10,\"op\":2,\"w\"");
-        QTest::newRow("no size") << with("\"w\":100", "\"w\":0");
-        QTest::newRow("huge size") << with("\"h\":100", "\"h\":1e9");
-        QTest::newRow("no layers") << with("\"layers\":[", "\"layers\":[],\"others\":[");
-        QTest::newRow("external images") << with(
-            "\"layers\"", R"("assets":[{"id":"a","u":"/etc/","p":"passwd","w":1,"h":1}],"layers")");
-        QTest::newRow("endless curve") << with("[[70,20],", "[[70,1e30],");
-        QTest::newRow("deeply nested") << QByteArray(100000, '[');
-        QTest::newRow("too large") << sample() + QByteArray(KelLottie::kMaxFileSize, ' ');
+        row("missing", {});
+        row("empty", QByteArray(""));
+        row("no JSON", QByteArray("GIF89a"));
+        row("cut off", sample().left(400));
+        row("no frame rate", with("\"fr\":25", "\"fr\":0"));
+        row("frame rate as text", with("\"fr\":25", "\"fr\":\"25\""));
+        row("no length", with("\"op\":10,\"w\"", "\"op\":0,\"w\""));
+        row("endless", with("\"op\":10,\"w\"", "\"op\":1e300,\"w\""));
+        row("ends before it begins", with("\"ip\":0,\"op\":10,\"w\"", "\"ip\":10,\"op\":2,\"w\""));
+        row("no size", with("\"w\":100", "\"w\":0"));
+        row("huge size", with("\"h\":100", "\"h\":1e9"));
+        row("no layers", with("\"layers\":[", "\"layers\":[],\"others\":["));
+        row("external images",
+            with("\"layers\"", R"("assets":[{"id":"a","u":"/etc/","p":"passwd","w":1,"h":1}],"layers")"));
+        row("endless curve", with("[[70,20],", "[[70,1e30],"));
+        row("deeply nested", QByteArray(100000, '['));
+        row("too large", sample() + QByteArray(KelLottie::kMaxFileSize, ' '));
     }
     void unusableFiles()
     {
@@ -264,10 +258,7 @@ private slots:
         QCOMPARE(lottie.totalFrame(), 0ULL);
         QCOMPARE(lottie.frameRate(), 0.0);
         lottie.setColor(Qt::red);
-        QImage image = canvas(10, 10);
-        QPainter painter(&image);
-        lottie.paint(&painter, 0, image.rect(), 0);
-        QCOMPARE(coverage(image), 0.0);
+        QCOMPARE(coverage(painted(lottie, 0, {10, 10})), 0.0);
     }
 };
 

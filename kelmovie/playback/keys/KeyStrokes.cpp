@@ -1,5 +1,6 @@
 #include "playback/keys/KeyStrokes.h"
 
+#include "playback/keys/HeldModifiers.h"
 #include "playback/keys/KeyNames.h"
 
 #include <QHash>
@@ -46,12 +47,11 @@ public:
     /// Nothing if the record has no meaning for the display. `precedesText`: see precedesText().
     std::optional<KeyStroke> read(const KeyRecord &record, bool precedesText)
     {
-        const quint32 modifier = modifierOfKey(record.key);
-        m_held = record.pressed ? m_held | modifier : m_held & ~modifier;
+        m_held.apply(record);
         KeyStroke stroke;
         stroke.frame = record.frame;
         stroke.key = record.key;
-        stroke.modifiers = m_held;
+        stroke.modifiers = m_held.flags();
         if (record.key == 0) {
             m_isCaptureOn = record.pressed;
             m_down.clear();
@@ -68,7 +68,7 @@ private:
     void classify(KeyStroke &stroke) const
     {
         constexpr quint32 kCommands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-        stroke.isText = m_rules.hidesAllTypedText && typesCharacter(stroke.key) && !(m_held & kCommands);
+        stroke.isText = m_rules.hidesAllTypedText && typesCharacter(stroke.key) && !(m_held.flags() & kCommands);
         if (stroke.isText)
             stroke.modifiers = Qt::NoModifier; // Shift is part of the character
         if (modifierOfKey(stroke.key) != 0)
@@ -83,7 +83,7 @@ private:
     /// Whether the key only serves to type the next character.
     bool isPartOfText(const KeyStroke &stroke, bool precedesText) const
     {
-        const bool isShiftAlone = stroke.key == Qt::Key_Shift && m_held == Qt::ShiftModifier;
+        const bool isShiftAlone = stroke.key == Qt::Key_Shift && m_held.flags() == Qt::ShiftModifier;
         return m_rules.hidesAllTypedText && (composesCharacter(stroke.key) || (isShiftAlone && precedesText));
     }
 
@@ -110,7 +110,7 @@ private:
     const int m_shownTypes;
     const KelPlaybackRules m_rules;
     QHash<int, bool> m_down; // whether the press of each key that is down is displayed
-    quint32 m_held = 0;
+    HeldModifiers m_held;
     bool m_isCaptureOn = true;
 };
 

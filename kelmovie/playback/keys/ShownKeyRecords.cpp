@@ -1,5 +1,6 @@
 #include "playback/keys/ShownKeyRecords.h"
 
+#include "playback/keys/HeldModifiers.h"
 #include "playback/keys/KeyClock.h"
 #include "playback/keys/KeyNames.h"
 
@@ -11,21 +12,6 @@ namespace
 
 /// A key that is held repeats sooner, whatever the settings of the keyboard.
 constexpr qint64 kLongestRepeatMs = 2000;
-
-/// Tracks which modifiers are held.
-class HeldModifiers
-{
-public:
-    void apply(const KeyRecord &record)
-    {
-        const quint32 modifier = modifierOfKey(record.key);
-        m_held = record.pressed ? m_held | modifier : m_held & ~modifier;
-    }
-    bool has(int key) const { return (m_held & modifierOfKey(key)) != 0; }
-
-private:
-    quint32 m_held = 0;
-};
 
 /// Older recordings on X11 name the Windows key Super, and Alt Meta if Shift was held first: a key may be pressed as
 /// one and released as the other. In all other recordings Meta is the Windows key.

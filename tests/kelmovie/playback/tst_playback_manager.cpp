@@ -9,9 +9,7 @@
 
 #include <QBitmap>
 #include <QPainter>
-#include <QRandomGenerator>
 #include <QRegularExpression>
-#include <QSignalSpy>
 #include <QTimer>
 #include <QTimerEvent>
 #include <QtTest>
@@ -35,7 +33,6 @@ private slots:
 
     void loads_data();
     void loads();
-    void survivesDamagedRecordings();
     void seeks();
     void seekWhilePlayingRestartsClock();
     void tick_data();
@@ -46,7 +43,6 @@ private slots:
     void followsFrameTimes();
     void playPauseStop();
     void speedIsClamped();
-    void releasesDecoders();
     void paintsFromBottomToTop();
 
 private:
@@ -111,6 +107,8 @@ void PlaybackManagerTest::loads_data()
     row("no screen directory", {noDirectory}, {noScreen}, 1, "Screen directory not found: ");
     row("no screen track", {"Screen track disabled, cannot determine frame count"}, {}, 1,
         "The recording has no screen track");
+    row("no keys", {}, {"KelPlaybackKeyboardTrack open meta file failed: ", "Keyboard track creation failed: "}, 100,
+        "");
     row("broken video", {}, {noDecoder, "Screen track creation failed: \"Failed to create H264", noScreen}, 1,
         noDecoder);
 }
@@ -139,6 +137,8 @@ void PlaybackManagerTest::loads()
         recording.without("Screen");
     else if (setup == "broken video")
         script->validity = {false};
+    else if (setup == "no keys")
+        recording.set(&KelRecordingMetadata::keyboardTrack, true);
     else if (setup == "no screen track")
         recording.set(&KelRecordingMetadata::screenTrack, false);
     for (const QString &text : warnings)
@@ -146,13 +146,14 @@ void PlaybackManagerTest::loads()
     for (const QString &text : criticals)
         QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("^" + QRegularExpression::escape(text)));
 
-    const auto manager = load();
+    auto manager = load();
     QCOMPARE(manager->totalFrames(), totalFrames);
     QCOMPARE(manager->fps(), 25);
     QCOMPARE(manager->state(), KelPlaybackTrackManager::Stopped);
     QCOMPARE(manager->isValidRecording(), error.isEmpty());
     QVERIFY(error.isEmpty() ? manager->errorString().isEmpty() : manager->errorString().startsWith(error));
     QCOMPARE(manager->trackNames(), error.isEmpty() ? QStringList{"ScreenTrack"} : QStringList{});
+    QVERIFY(!PlaybackInternals::engine(*manager).tracks().keyboard()); // would paint nothing
     if (error.isEmpty())
         QCOMPARE(manager->frameSize(), QSize(64, 48)); // from the video where the metadata has none
     else if (setup == "no directory")
@@ -164,35 +165,10 @@ void PlaybackManagerTest::loads()
     QVERIFY(signalLog.isEmpty());
     manager->seek(totalFrames - 1);
     QCOMPARE(signalLog, QStringList{QString::number(totalFrames - 1)});
-}
-
-void PlaybackManagerTest::survivesDamagedRecordings()
-{
-    const QByteArray validMetadata = readFile(recording.filePath("TrackManager.meta"));
-    const QByteArray validIndex = readFile(recording.filePath("Screen/frame_indexes.dat"));
-    QRandomGenerator random(4711);
-    const auto damaged = [&](QByteArray bytes) {
-        for (int i = random.bounded(1, 6); i > 0; --i)
-            bytes[random.bounded(bytes.size())] = char(random.bounded(256));
-        return random.bounded(4) == 0 ? bytes.left(random.bounded(bytes.size())) : bytes;
-    };
-    const QtMessageHandler loud = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-    for (int round = 0; round < 400; ++round) {
-        recording.file("TrackManager.meta", damaged(validMetadata));
-        recording.file("Screen/frame_indexes.dat", damaged(validIndex));
-        script->frameCount = random.bounded(-1, 200);
-        script->failures = {{random.bounded(200), random.bounded(4)}};
-        const auto manager = load();
-        for (int frame : {0, manager->totalFrames() - 1, random.bounded(manager->totalFrames())})
-            manager->seek(frame);
-        manager->setSpeed(random.bounded(20.0));
-        manager->play();
-        for (int i = 0; i < 5; ++i)
-            tickAfter(*manager, random.bounded(100'000));
-        shownFrame(*manager);
-    }
-    qInstallMessageHandler(loud);
+    manager->play();
+    manager.reset();
     QCOMPARE(script->alive, 0);
+    QCOMPARE(script->deletedUnclosed, 0);
 }
 
 void PlaybackManagerTest::seeks()
@@ -347,7 +323,8 @@ void PlaybackManagerTest::playPauseStop()
     manager->play();
     manager->play();
     const auto *timer = manager->findChild<QTimer *>();
-    QVERIFY(timer->isActive() && timer->interval() <= 40);
+    QVERIFY(timer->isActive());
+    QCOMPARE(timer->interval(), 20); // a frame is at most half a frame late
     tickAfter(*manager, 410);
     manager->pause();
     manager->pause();
@@ -380,15 +357,6 @@ void PlaybackManagerTest::speedIsClamped()
         tickAfter(*manager, 120); // from frame 10 on, no jump
         QCOMPARE(manager->currentFrame(), 10 + int(3 * speed));
     }
-}
-
-void PlaybackManagerTest::releasesDecoders()
-{
-    auto manager = load();
-    manager->play();
-    manager.reset();
-    QCOMPARE(script->alive, 0);
-    QCOMPARE(script->deletedUnclosed, 0);
 }
 
 /// The screen, the pointer, the time, the keys.

@@ -75,10 +75,7 @@ void PlaybackScreenTrackTest::readsIndexTable_data()
     row("largest count, no entries", table({1, 1000000}), std::vector<int>(1000000, 0), "");
     row("empty", "", {}, "Unsupported frame index file version: 0");
     row("version 2", table({2, 1, 0}), {}, "Unsupported frame index file version: 2");
-    row("little-endian", QByteArray("\x01\0\0\0\x01\0\0\0\0\0\0\0", 12), {},
-        "Unsupported frame index file version: 16777216");
     row("no count", table({1}), {}, "Invalid frame count in file: 0");
-    row("count 0", table({1, 0}), {}, "Invalid frame count in file: 0");
     row("negative count", table({1, -5}), {}, "Invalid frame count in file: -5");
     row("count too large", table({1, 1000001, 3}), {}, "Invalid frame count in file: 1000001");
 }

@@ -141,29 +141,31 @@ void PlaybackSettingsTest::invalidSettingsAreClamped()
         int frame;
         int invalid;
         int used;
+        int other; // the nearest that looks different
     };
-    for (const Case &c : {Case{&C::playbackMouseSize, R::ClickFrame, -1, 0},
-                          {&C::playbackMouseClickEffect, R::ClickFrame, INT_MAX, 0},
-                          {&C::playbackMouseWheelEffect, R::WheelFrame, -1, 0},
-                          {&C::playbackKeyboardKeepTime, R::ShortcutFrame, INT_MIN, 0},
-                          {&C::playbackKeyboardKeepTime, R::ShortcutFrame, INT_MAX, 3},
-                          {&C::playbackKeyboardDisplayPos, R::ShortcutFrame, INT_MAX, 1},
-                          {&C::playbackKeyboardFontSizePx, R::ShortcutFrame, INT_MIN, 1},
-                          {&C::playbackKeyboardFontSizePx, R::ShortcutFrame, INT_MAX, 400},
-                          {&C::playbackKeyboardHistoryFontSize, R::ShortcutFrame, -1, 0},
-                          {&C::playbackKeyboardHistoryFontSize, R::ShortcutFrame, INT_MAX, 400},
-                          {&C::playbackKeyboardMaxHistoryCount, R::ShortcutFrame, INT_MIN, 1},
-                          {&C::playbackKeyboardMaxContinueChar, R::LetterFrame, -1, 1},
-                          {&C::playbackProgressSize, R::PlainFrame, -1, 1},
-                          {&C::playbackProgressSize, R::PlainFrame, INT_MAX, 400},
-                          {&C::playbackProgressRound, R::PlainFrame, INT_MIN, 0},
-                          {&C::playbackProgressGapTime, R::PlainFrame, INT_MIN, 0}}) {
+    for (const Case &c : {Case{&C::playbackMouseSize, R::ClickFrame, -1, 0, 5},
+                          {&C::playbackMouseClickEffect, R::ClickFrame, INT_MAX, 0, 1},
+                          {&C::playbackMouseWheelEffect, R::WheelFrame, -1, 0, 1},
+                          {&C::playbackKeyboardKeepTime, R::ShortcutFrame, INT_MIN, 0, 1},
+                          {&C::playbackKeyboardDisplayPos, R::ShortcutFrame, INT_MAX, 1, 2},
+                          {&C::playbackKeyboardFontSizePx, R::ShortcutFrame, INT_MIN, 1, 2},
+                          {&C::playbackKeyboardFontSizePx, R::ShortcutFrame, INT_MAX, 400, 22},
+                          {&C::playbackKeyboardHistoryFontSize, R::ShortcutFrame, -1, 0, 1},
+                          {&C::playbackKeyboardHistoryFontSize, R::ShortcutFrame, INT_MAX, 400, 13},
+                          {&C::playbackKeyboardMaxHistoryCount, R::ShortcutFrame, INT_MIN, 1, 2},
+                          {&C::playbackKeyboardMaxContinueChar, R::LetterFrame, -1, 1, 2},
+                          {&C::playbackProgressSize, R::PlainFrame, -1, 1, 6},
+                          {&C::playbackProgressSize, R::PlainFrame, INT_MAX, 400, 399},
+                          {&C::playbackProgressRound, R::PlainFrame, INT_MIN, 0, 1},
+                          {&C::playbackProgressGapTime, R::PlainFrame, INT_MIN, 0, 1'000}}) {
         gKelMovieConfig = withBar();
         gKelMovieConfig.playbackKeyboardShowKeyType = 15;
         gKelMovieConfig.*c.setting = c.used;
         const QImage used = imageAt(c.frame);
         gKelMovieConfig.*c.setting = c.invalid;
         QCOMPARE(imageAt(c.frame), used);
+        gKelMovieConfig.*c.setting = c.other;
+        QVERIFY2(imageAt(c.frame) != used, qPrintable(QString("%1 used as %2").arg(c.invalid).arg(c.used)));
     }
     gKelMovieConfig = C();
     gKelMovieConfig.playbackKeyboardFontColor = KeyOverlayStyle().fontColor;

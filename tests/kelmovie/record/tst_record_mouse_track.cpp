@@ -59,6 +59,7 @@ private slots:
     void init();
     void recordsByTheRules_data();
     void recordsByTheRules();
+    void nextRecordingKnowsThePointer();
     void filesByteForByte();
     void cursorsAreSavedOncePerShape();
     void eventsSurviveAFullDisk();
@@ -167,6 +168,19 @@ void RecordMouseTrackTest::recordsByTheRules()
     QTEST(lines("mousemoves-0.json").join("; "), "moves");
     QTEST(lines("mouseclicks-0.json").join("; "), "clicks");
     QCOMPARE(m_failures, QStringList());
+}
+
+/// A pointer that was hidden or outside at the end of a recording is not hidden once more at the start of the next.
+void RecordMouseTrackTest::nextRecordingKnowsThePointer()
+{
+    for (const QString state : {"gone", "at 5,5 arrow"}) {
+        play(*createTrack(), {state, "frame 0"});
+        const auto next = createTrack();
+        next->startRecording();
+        play(*next, {"frame 0", "at 110,60 arrow", "frame 1", state, "frame 2"});
+        next->stopRecording(3, 100);
+        QCOMPARE(lines("mousemoves-0.json"), (QStringList{"1 move 10,10 arrow", "2 hide -1,-1 "}));
+    }
 }
 
 void RecordMouseTrackTest::filesByteForByte()

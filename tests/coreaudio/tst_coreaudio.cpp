@@ -209,10 +209,10 @@ void CoreaudioTest::initializes()
 
 void CoreaudioTest::monitorIsNoMicrophone()
 {
-    QVERIFY(Tone::control({"set-default-source", "speakers.monitor"}));
+    QVERIFY(Tone::setDefault("source", "speakers.monitor"));
     Recording recording;
     QCOMPARE(recording.open(eCapture, 0), E_NOTFOUND);
-    QVERIFY(Tone::control({"set-default-source", "microphone.monitor"}));
+    QVERIFY(Tone::setDefault("source", "microphone.monitor"));
 }
 
 void CoreaudioTest::suspendedOutput()
@@ -231,7 +231,7 @@ void CoreaudioTest::suspendedOutput()
 void CoreaudioTest::vanishedOutput()
 {
     const QString module = Tone::addSink("headphones");
-    QVERIFY(Tone::control({"set-default-sink", "headphones"}));
+    QVERIFY(Tone::setDefault("sink", "headphones"));
     Recording recording;
     QCOMPARE(recording.open(), S_OK);
     const Tone::Player player("microphone", kToneHz);
@@ -259,7 +259,7 @@ void CoreaudioTest::deadServer()
 {
     Recording recording;
     QCOMPARE(recording.open(), S_OK);
-    QVERIFY(Tone::control({"exit"}));
+    QVERIFY(Tone::signalServer("TERM"));
     QTRY_COMPARE_WITH_TIMEOUT(recording.read(), AUDCLNT_E_DEVICE_INVALIDATED, 20000);
     QCOMPARE(recording.client->Stop(), AUDCLNT_E_DEVICE_INVALIDATED);
     Ref<IMMDevice> device;

@@ -4,6 +4,7 @@
 #include "kelmovie/support/ScriptedDecoder.h"
 #include "support/LogCapture.h"
 #include "support/Sound.h"
+#include "support/Tone.h"
 
 #include "playback/PlaybackEngine.h"
 #include "playback/PlaybackInternals.h"
@@ -129,7 +130,7 @@ void PlaybackSoundTest::serverEnds()
     Listener listener;
     QTRY_VERIFY(listener.hears(400));
     LogCapture log;
-    QCOMPARE(QProcess::execute("pactl", {"exit"}), 0);
+    QVERIFY(Tone::signalServer("TERM"));
     QStringList warnings;
     const auto logged = [&] { return warnings += log.take().filter("[KelAmplifiedAudioPlayer]"); };
     QTRY_COMPARE(logged(), QStringList{"W [KelAmplifiedAudioPlayer] Audio output error: 4"});

@@ -99,6 +99,8 @@ void AreaPickerTest::picks_data()
     row("bottom right", area, "drag 499,399 509,419", QRect(200, 200, 310, 220));
     row("bottom left", area, "drag 200,399 190,419", QRect(190, 200, 310, 220));
     row("an edge, pressed outside of it", area, "drag 195,300 175,300", QRect(180, 200, 320, 200));
+    row("an edge beyond the screen", area, "drag 204,300 0,300", QRect(0, 200, 500, 200));
+    row("the opposite edge beyond the screen", area, "drag 495,300 799,300", QRect(200, 200, 600, 200));
     row("an edge across the opposite one", area, "drag 200,300 600,300", QRect(500, 200, 100, 200));
     row("minimum width", area, "drag 200,300 498,300", QRect(484, 200, 16, 200));
     row("minimum width, no room before", QRect(0, 200, 20, 200), "drag 19,300 2,300", QRect(0, 200, 16, 200));

@@ -1,5 +1,6 @@
 #include "settings/DockConfigIO.h"
 #include "settings/DockSettings.h"
+#include "support/Files.h"
 #include "support/TestTable.h"
 
 #include <KelMovie/KelMovieConfig.h>
@@ -13,14 +14,13 @@ class DockConfigTest : public QObject
 
 private slots:
     void init();
+    void cleanup() { KelMovieConfigInit(nullptr); }
     void savesAndLoads();
     void damagedFile_data();
     void damagedFile();
     void unwritableFile();
 
 private:
-    void write(const QByteArray &content) const;
-
     std::unique_ptr<QTemporaryDir> m_dir;
     QString m_path;
 };
@@ -30,14 +30,6 @@ void DockConfigTest::init()
     gKelMovieConfig = KelMovieConfig();
     m_dir = std::make_unique<QTemporaryDir>();
     m_path = m_dir->filePath("sub/keldock.ini");
-}
-
-void DockConfigTest::write(const QByteArray &content) const
-{
-    QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
-    QFile file(m_path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
 }
 
 void DockConfigTest::savesAndLoads()
@@ -80,30 +72,24 @@ void DockConfigTest::savesAndLoads()
     QCOMPARE(settings.recordKeys, DockSettings().recordKeys);
     QCOMPARE(settings.lastArea(), QRect(-1280, 5, 640, 480));
     QCOMPARE(io.problem(), QString());
-    KelMovieConfigInit(nullptr);
 }
 
 void DockConfigTest::damagedFile_data()
 {
-    const TestTable<QByteArray, QString, bool> row("content", "problem", "isKept");
-    row("not a number", QByteArray("[General]\nKelMovie.record.delay=5\nKelMovie.record.fps=many\n"),
-        "KelMovie.record.fps", false);
-    row("not a color",
-        QByteArray("[General]\nKelMovie.playback.mouse.color=mauvish\n"
-                   "KelMovie.record.delay=5\n"),
-        "KelMovie.playback.mouse.color", false);
-    row("neither true nor false", QByteArray("[General]\nKelMovie.record.mouse=\nKelMovie.record.delay=5\n"),
-        "KelMovie.record.mouse", false);
-    row("not a settings file", QByteArray("[General]\nKelMovie.record.delay=5\n<?xml garbage\n\x01\x02"), ".damaged",
-        true);
+    const TestTable<QByteArray, QString, bool> row("line", "problem", "isKept");
+    row("not a number", "KelMovie.record.fps=many", "KelMovie.record.fps", false);
+    row("not a color", "KelMovie.playback.mouse.color=mauvish", "KelMovie.playback.mouse.color", false);
+    row("neither true nor false", "KelMovie.record.mouse=", "KelMovie.record.mouse", false);
+    row("not a settings file", "<?xml garbage\n\x01\x02", ".damaged", true);
 }
 
 void DockConfigTest::damagedFile()
 {
-    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, line);
     QFETCH(QString, problem);
     QFETCH(bool, isKept);
-    write(content);
+    const QByteArray content = "[General]\nKelMovie.record.delay=5\n" + line + '\n';
+    writeFile(m_path, content);
     DockConfigIO io(m_path);
     KelMovieConfigInit(&io);
     const KelMovieConfig defaults;
@@ -112,11 +98,7 @@ void DockConfigTest::damagedFile()
     QCOMPARE(gKelMovieConfig.playbackMouseColor, defaults.playbackMouseColor);
     QCOMPARE(gKelMovieConfig.recordDelay, 5); // readable settings are used
     QVERIFY2(io.problem().contains(problem), qPrintable(io.problem()));
-    QFile copy(m_path + ".damaged");
-    QCOMPARE(copy.open(QIODevice::ReadOnly), isKept);
-    if (isKept)
-        QCOMPARE(copy.readAll(), content);
-    KelMovieConfigInit(nullptr);
+    QCOMPARE(readFile(m_path + ".damaged"), isKept ? content : QByteArray("(no file)"));
 }
 
 void DockConfigTest::unwritableFile()
@@ -131,7 +113,6 @@ void DockConfigTest::unwritableFile()
     QCOMPARE(gKelMovieConfig.recordFps, 16);
     QCOMPARE(gKelMovieConfig.recordDelay, 3);
     QCOMPARE(problems.size() + (io.problem().contains("read") ? 1 : 0), 1); // reported once
-    KelMovieConfigInit(nullptr);
 }
 
 QTEST_MAIN(DockConfigTest)

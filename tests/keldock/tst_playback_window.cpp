@@ -204,6 +204,10 @@ void PlaybackWindowTest::keys()
 void PlaybackWindowTest::playsTheRange()
 {
     const KelPlaybackTrackManager &manager = *player()->manager();
+    player()->setRange(100, 1000000);
+    QCOMPARE(player()->rangeEndMs(), player()->durationMs());
+    player()->setRange(-100, 1000000);
+    QVERIFY(!player()->isTrimmed());
     const quint64 before = manager.frameRevision();
     player()->setRange(manager.msOfFrame(10), manager.msOfFrame(20));
     QVERIFY2(manager.frameRevision() != before, "the time display shows the range");

@@ -16,38 +16,31 @@ private slots:
     void reports_data();
     void reports();
     void reportsServers_data();
-    void reportsServers();
+    void reportsServers() { reports(); }
 };
 
 void SelfTestTest::reports_data()
 {
     const TestTable<QString, QString, int, QStringList> row("variable", "value", "status", "mentions");
-    const QStringList codecs{"MP4, GIF, APNG, WebP", "H.264", "libavcodec ", "x264 ", "libwebp ", "libdeflate "};
-    const QString formats = "Encode and decode: passed\n  MP4\n  GIF\n  APNG\n  WebP\n";
     row("complete system", "NOTHING", "", 0,
-        codecs + QStringList{"Record and play back: passed\n", formats, "Find devices: passed\n", "1280x800 at 0,0",
-                             "keyboard and mouse\n"});
+        {"MP4, GIF, APNG, WebP", "H.264", "libavcodec ", "x264 ", "libwebp ", "libdeflate ",
+         "Record and play back: passed\n", "Encode and decode: passed\n  MP4\n  GIF\n  APNG\n  WebP\n",
+         "Find devices: passed\n", "1280x800 at 0,0", "keyboard and mouse\n"});
     row("no space for temporary files", "TMPDIR", "/dev/null", 1,
-        QStringList{"Record and play back: FAILED: cannot create a temporary directory",
-                    "Encode and decode: FAILED: cannot create a temporary directory", "Find devices: passed\n"});
+        {"Record and play back: FAILED: cannot create a temporary directory",
+         "Encode and decode: FAILED: cannot create a temporary directory", "Find devices: passed\n"});
 }
 
 /// Only on systems with servers for display and sound.
 void SelfTestTest::reportsServers_data()
 {
     const TestTable<QString, QString, int, QStringList> row("variable", "value", "status", "mentions");
-    row("complete system", "NOTHING", "", 0,
-        QStringList{"X11\n", "system audio: speakers\n", "microphone: microphone.monitor\n"});
+    row("complete system", "NOTHING", "", 0, {"X11\n", "system audio: speakers\n", "microphone: microphone.monitor\n"});
     row("no sound", "PULSE_SERVER", "unix:/nowhere", 0,
-        QStringList{"Find devices: passed\n", "warning: no device plays sound", "warning: there is no microphone\n"});
+        {"Find devices: passed\n", "warning: no device plays sound", "warning: there is no microphone\n"});
     row("no display", "DISPLAY", "", 1,
-        QStringList{"H.264", "Record and play back: FAILED: ", "Encode and decode: passed\n",
-                    "Find devices: FAILED: ", "there is no display"});
-}
-
-void SelfTestTest::reportsServers()
-{
-    reports();
+        {"H.264", "Record and play back: FAILED: ", "Encode and decode: passed\n",
+         "Find devices: FAILED: ", "there is no display"});
 }
 
 void SelfTestTest::reports()

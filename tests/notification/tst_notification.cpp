@@ -17,6 +17,8 @@ private slots:
     void cleanup();
     void toastFades_data();
     void toastFades();
+    void toastShowsItsType();
+    void toastStaysOnScreen();
     void toastAvoidsArea_data();
     void toastAvoidsArea();
     void boxesShowPlainText_data();
@@ -83,6 +85,33 @@ void NotificationTest::toastFades()
         QTest::mouseClick(toast, Qt::LeftButton);
     }
     QTRY_VERIFY_WITH_TIMEOUT(!shownToast(), 30000);
+}
+
+void NotificationTest::toastShowsItsType()
+{
+    const auto look = [](int type, bool hasCloseButton = false) {
+        KelToastsMessage::showMessage(nullptr, type, "text", 0, true, hasCloseButton);
+        return shownToast()->grab().toImage();
+    };
+    QVector<QImage> looks{look(KelToastsMessage::Warning, true)};
+    for (const int type : {0, 1, 2, 3}) {
+        const QImage image = look(type);
+        QVERIFY(!looks.contains(image));
+        looks += image;
+    }
+    QCOMPARE(look(99), looks.at(1));
+    QVERIFY(looks.first().width() > looks.last().width());
+}
+
+void NotificationTest::toastStaysOnScreen()
+{
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    for (const QPoint &corner : {screen.topLeft(), screen.topRight(), screen.bottomLeft(), screen.bottomRight()}) {
+        QWidget window;
+        window.setGeometry(QRect(corner - QPoint(100, 100), QSize(200, 200)));
+        KelToastsMessage::showMessage(&window, KelToastsMessage::Error, QString("word ").repeated(100));
+        QVERIFY(screen.contains(shownToast()->geometry()));
+    }
 }
 
 void NotificationTest::toastAvoidsArea_data()

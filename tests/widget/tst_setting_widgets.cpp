@@ -118,7 +118,11 @@ void SettingWidgetsTest::colorDialog()
     const QColor before(10, 20, 30, 40);
     const QColor tried(200, 100, 50, 128);
     ColorSelectButton button;
+    button.setColor(Qt::red);
+    const auto pixel = [&button](int x) { return button.grab().toImage().pixelColor(x, button.height() / 2 - 1); };
+    QCOMPARE(pixel(20), QColor(Qt::red));
     button.setColor(before);
+    QVERIFY2(pixel(20) != pixel(24), "translucent colors are shown on checkers");
     QSignalSpy changed(&button, &ColorSelectButton::sigColorChanged);
     button.show();
     QTest::keyClick(&button, Qt::Key_Space);

@@ -174,6 +174,7 @@ void ExportDialogTest::cancel()
     QFETCH(QString, when);
     QFETCH(QString, button);
     QFETCH(int, result);
+    m_request.fromRecording = when == "complete"; // does not ask either
     makeDialog();
     m_encoder->hangsInClose = when == "finishing";
     m_encoder->onFrame = [&](int frame) {

@@ -92,8 +92,8 @@ private slots:
     void sliders();
     void settingsWithoutAKey();
     void panels_data();
-    void controlsAreAccessible_data() { panels_data(); }
-    void controlsAreAccessible();
+    void controlsAreInPlace_data() { panels_data(); }
+    void controlsAreInPlace();
     void outOfRangeSettingsAreKept_data() { panels_data(); }
     void outOfRangeSettingsAreKept();
     void settingsWithoutEffectAreDisabled();
@@ -252,12 +252,20 @@ void SettingsPanelsTest::panels_data()
     row("quality", create<SaveQualityPanel>);
 }
 
-void SettingsPanelsTest::controlsAreAccessible()
+void SettingsPanelsTest::controlsAreInPlace()
 {
     QFETCH(Factory, factory);
     const std::unique_ptr<QWidget> panel(factory());
     panel->show();
     QCOMPARE(controlFaults(panel.get()).join('\n'), QString());
+    for (const auto *const label : panel->findChildren<QLabel *>()) {
+        if (const QWidget *const control = label->buddy()) {
+            const QPoint place = control->mapTo(panel.get(), QPoint());
+            const QRect text(label->mapTo(panel.get(), QPoint()), label->size());
+            QVERIFY2(place.x() > text.right(), qPrintable(label->text()));
+            QVERIFY2(place.y() <= text.bottom() && place.y() + control->height() > text.top(), "beside each other");
+        }
+    }
 }
 
 void SettingsPanelsTest::outOfRangeSettingsAreKept()

@@ -6,6 +6,7 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
+#include <memory>
 
 /// Finds windows of other programs.
 class X11Windows
@@ -31,25 +32,18 @@ public:
 
 private:
     template <typename T>
-    struct Reply {
-        explicit Reply(T *given)
-            : reply(given)
-        {
-        }
-        ~Reply() { std::free(reply); }
-        Reply(const Reply &) = delete;
-        Reply &operator=(const Reply &) = delete;
-        T *operator->() const { return reply; }
-        T *reply;
-    };
+    static std::unique_ptr<T, decltype(&std::free)> owned(T *reply)
+    {
+        return {reply, &std::free};
+    }
 
     Window find(xcb_window_t parent, const QByteArray &title) const
     {
-        const Reply tree(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, parent), nullptr));
-        if (!tree.reply)
+        const auto tree = owned(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, parent), nullptr));
+        if (!tree)
             return {};
-        const xcb_window_t *const children = xcb_query_tree_children(tree.reply);
-        for (int i = xcb_query_tree_children_length(tree.reply) - 1; i >= 0; --i) {
+        const xcb_window_t *const children = xcb_query_tree_children(tree.get());
+        for (int i = xcb_query_tree_children_length(tree.get()) - 1; i >= 0; --i) {
             if (!isVisible(children[i]))
                 continue;
             if (name(children[i]) == title)
@@ -62,29 +56,29 @@ private:
 
     bool isVisible(xcb_window_t window) const
     {
-        const Reply attributes(
+        const auto attributes = owned(
             xcb_get_window_attributes_reply(m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
-        return attributes.reply && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+        return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
     }
 
     QByteArray name(xcb_window_t window) const
     {
-        const Reply property(xcb_get_property_reply(
+        const auto property = owned(xcb_get_property_reply(
             m_connection,
             xcb_get_property(m_connection, 0, window, XCB_ATOM_WM_NAME, XCB_GET_PROPERTY_TYPE_ANY, 0, 256), nullptr));
-        if (!property.reply)
+        if (!property)
             return {};
-        return {static_cast<const char *>(xcb_get_property_value(property.reply)),
-                xcb_get_property_value_length(property.reply)};
+        return {static_cast<const char *>(xcb_get_property_value(property.get())),
+                xcb_get_property_value_length(property.get())};
     }
 
     QRect rect(xcb_window_t window) const
     {
-        const Reply geometry(xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr));
-        const Reply origin(xcb_translate_coordinates_reply(
+        const auto geometry =
+            owned(xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr));
+        const auto origin = owned(xcb_translate_coordinates_reply(
             m_connection, xcb_translate_coordinates(m_connection, window, m_root, 0, 0), nullptr));
-        return geometry.reply && origin.reply ? QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height)
-                                              : QRect();
+        return geometry && origin ? QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height) : QRect();
     }
 
     xcb_connection_t *m_connection;

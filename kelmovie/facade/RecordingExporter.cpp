@@ -49,10 +49,8 @@ RecordingExporter::Outcome RecordingExporter::exportRange(const QString &path, i
     request.fps = fps;
     request.quality = KelMovieExportQuality(100);
     request.outputPath = path;
-    if (startMs >= 0 && endMs >= 0) {
-        request.trimStartMs = startMs;
-        request.trimEndMs = endMs;
-    }
+    request.trimStartMs = startMs;
+    request.trimEndMs = endMs;
     request.trackDataDir = m_recording.property("trackDataDir").toString();
     return run(request);
 }

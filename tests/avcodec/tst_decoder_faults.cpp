@@ -16,6 +16,8 @@
 #include <memory>
 
 using namespace av;
+using NumberedVideo::kFragmented;
+using NumberedVideo::kRecorded;
 
 namespace
 {
@@ -24,10 +26,7 @@ constexpr int kFrames = 30;
 
 const H264DecodeParams kSoftware{"h264", {}};
 
-const QStringList kRecorded{"-c:v",        "libx264rgb", "-preset", "ultrafast", "-tune",
-                            "zerolatency", "-crf",       "16",      "-g",        "10"};
 const QStringList kSubsampled{"-c:v", "libx264", "-pix_fmt", "yuv420p", "-g", "10"};
-const QStringList kFragmented{"-movflags", "frag_every_frame+empty_moov+default_base_moof"};
 
 /// Offsets of the top-level boxes of a type.
 QList<int> boxesOf(const QByteArray &mp4, const QByteArray &type)

@@ -372,7 +372,7 @@
         <translation>不录制按键</translation>
     </message>
     <message>
-        <source>Don&apos;t ask again</source>
+        <source>Don't ask again</source>
         <translation>不再询问</translation>
     </message>
     <message>

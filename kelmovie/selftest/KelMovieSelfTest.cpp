@@ -5,6 +5,7 @@
 #include "avcodec/decode/ffv1Decoder.h"
 #include "avcodec/decode/h264Decoder.h"
 #include "facade/KelMovieUI.h"
+#include "keymouse/GlobalShortcut.h"
 #include "keymouse/KelKeyMouseHook.h"
 #include "screen/KelScreenManager.h"
 #include "selftest/FormatCheck.h"
@@ -106,6 +107,7 @@ QString KelMovieSelfTest::featureReport()
            line("Hardware decoding", hardwareDecoding()) +
            line("Screen capture", orWhyNot(screenProblem(), KelScreenManager::instance()->backendName())) +
            line("Keyboard and mouse", orWhyNot(inputProblem(true), QStringLiteral("can be watched"))) +
+           line("Global shortcuts", orWhyNot(GlobalShortcut().problem(), QStringLiteral("can be set"))) +
            line("System audio", SoundDevices::hasSystemAudio() ? outputName() : none) +
            line("Microphone", SoundDevices::hasMicrophone() ? microphoneName() : none);
 }

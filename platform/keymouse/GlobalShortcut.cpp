@@ -58,6 +58,11 @@ bool GlobalShortcut::setKeys(const QKeySequence &keys)
     return m_error.isEmpty();
 }
 
+QString GlobalShortcut::problem() const
+{
+    return m_grabber->problem();
+}
+
 QString GlobalShortcut::trigger() const
 {
     return m_keys.isEmpty() ? QString() : m_grabber->trigger(m_keys[0]);

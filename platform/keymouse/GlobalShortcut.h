@@ -19,6 +19,9 @@ public:
     explicit GlobalShortcut(const ShortcutPurpose &purpose = {}, QObject *parent = nullptr);
     ~GlobalShortcut() override;
 
+    /// Why no combination can be set at all; empty if some can. May wait two seconds for the desktop.
+    QString problem() const;
+
     /// Replaces the combination by the first one of `keys`; an empty sequence removes it. False, with errorString(),
     /// when the combination is not available, for example because another program uses it; no combination is set then.
     /// A desktop that asks the user answers later, by changed().

@@ -26,6 +26,9 @@ public:
     /// The implementation for this desktop. Never null.
     static std::unique_ptr<GlobalShortcutGrabber> create();
 
+    /// Why this desktop offers no shortcuts, translated; empty if it does. May wait two seconds for its answer.
+    virtual QString problem() = 0;
+
     /// Returns an empty string on success, otherwise a translated text that says why the combination is not available.
     virtual QString grab(int combination, const ShortcutPurpose &purpose) = 0;
     virtual void release(int combination) = 0;

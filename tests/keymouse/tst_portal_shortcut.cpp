@@ -126,6 +126,7 @@ private slots:
         QTRY_COMPARE(changed.size(), 1);
         QVERIFY2(shortcut.errorString().contains("toolbar"), qPrintable(shortcut.errorString()));
         QCOMPARE(shortcut.trigger(), QString());
+        QCOMPARE(shortcut.problem(), shortcut.errorString());
     }
 
     void offered()

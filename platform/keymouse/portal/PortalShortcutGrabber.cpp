@@ -59,6 +59,13 @@ const QString kInterface = QStringLiteral("org.freedesktop.portal.GlobalShortcut
 const QString kSessionInterface = QStringLiteral("org.freedesktop.portal.Session");
 
 constexpr std::chrono::minutes kPersonLimit{10};
+constexpr int kVersionTimeoutMs = 2000;
+
+QString notOffered()
+{
+    return QCoreApplication::translate(
+        "GlobalShortcut", "This desktop offers no shortcuts to programs. Use the toolbar and the tray icon.");
+}
 
 /// The combination in the notation of the portal, such as "CTRL+ALT+r".
 QString notation(int combination)
@@ -97,6 +104,15 @@ PortalShortcutGrabber::PortalShortcutGrabber()
 PortalShortcutGrabber::~PortalShortcutGrabber()
 {
     close();
+}
+
+QString PortalShortcutGrabber::problem()
+{
+    QDBusMessage get = QDBusMessage::createMethodCall(
+        kService, kPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    get << kInterface << QStringLiteral("version");
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(get, QDBus::Block, kVersionTimeoutMs);
+    return reply.type() == QDBusMessage::ReplyMessage ? QString() : notOffered();
 }
 
 QString PortalShortcutGrabber::grab(int combination, const ShortcutPurpose &purpose)
@@ -157,8 +173,7 @@ void PortalShortcutGrabber::request(const QString &method, const QVariantList &a
             [this] { fail(QCoreApplication::translate("GlobalShortcut", "The desktop has declined it.")); });
     connect(m_request, &PortalRequest::failed, this, [this](const QString &error) {
         qCInfo(logInput) << "[GlobalShortcut]" << error;
-        fail(QCoreApplication::translate(
-            "GlobalShortcut", "This desktop offers no shortcuts to programs. Use the toolbar and the tray icon."));
+        fail(notOffered());
     });
 }
 

@@ -27,6 +27,7 @@ public:
     PortalShortcutGrabber();
     ~PortalShortcutGrabber() override;
 
+    QString problem() override;
     QString grab(int combination, const ShortcutPurpose &purpose) override;
     void release(int combination) override;
     QString trigger(int combination) const override;

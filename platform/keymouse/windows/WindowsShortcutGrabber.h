@@ -17,6 +17,7 @@ public:
     WindowsShortcutGrabber();
     ~WindowsShortcutGrabber() override;
 
+    QString problem() override { return {}; }
     QString grab(int combination, const ShortcutPurpose &purpose) override;
     void release(int combination) override;
 

@@ -51,10 +51,16 @@ bool X11ShortcutGrabber::isConnected() const
     return !xcb_connection_has_error(m_connection);
 }
 
+QString X11ShortcutGrabber::problem()
+{
+    return isConnected() ? QString()
+                         : QCoreApplication::translate("GlobalShortcut", "There is no connection to an X server.");
+}
+
 QString X11ShortcutGrabber::grab(int combination, const ShortcutPurpose &)
 {
     if (!isConnected())
-        return QCoreApplication::translate("GlobalShortcut", "There is no connection to an X server.");
+        return problem();
     const Chord chord = chordOf(combination);
     if (chord.keycodes.empty())
         return QCoreApplication::translate("GlobalShortcut", "The keyboard has no such key.");

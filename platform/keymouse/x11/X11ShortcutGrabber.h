@@ -23,6 +23,7 @@ public:
     X11ShortcutGrabber();
     ~X11ShortcutGrabber() override;
 
+    QString problem() override;
     QString grab(int combination, const ShortcutPurpose &purpose) override;
     void release(int combination) override;
 

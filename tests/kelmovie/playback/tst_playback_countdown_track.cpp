@@ -81,6 +81,7 @@ void PlaybackCountdownTrackTest::timeBox_data()
     const Range frames = RecordingTimeline::Range{250, 500, 0, 0, 0};
     row("truncated seconds", 65 * 25, 25, 1.0, 49, {}, "00:01/01:05");
     row("hours", 3725 * 10, 10, 1.0, 36000, {}, "01:00:00/01:02:05");
+    row("one frame a second", 10, 1, 1.0, 5, {}, "00:05/00:10");
     row("double speed", 65 * 25, 25, 2.0, 100, {}, "00:02/00:32");
     row("before the first frame", 250, 25, 1.0, -5, {}, "00:00/00:10");
     row("within a range", 2500, 25, 1.0, 300, frames, "00:02/00:10");
@@ -110,12 +111,11 @@ void PlaybackCountdownTrackTest::timeBox()
     track->setContext(m_late, rules);
     track->setScale(1.5);
     track->setSpeed(speed);
-    track->seekToFrame(frame);
     track->setRange(range);
+    QCOMPARE(track->moveToFrame(frame), !text.startsWith("00:00")); // whether the image changes
     QCOMPARE(painted(*track), range ? referenceBox(text, 1.5, 15, 6) : referenceBox(text, 1.5, 10, 9));
     track->setCornerRadius(2);
     QCOMPARE(painted(*track), referenceBox(text, 1.5, range ? 15 : 10, 2));
-    QVERIFY(!track->moveToFrame(frame)); // the same image
 }
 
 void PlaybackCountdownTrackTest::bar_data()

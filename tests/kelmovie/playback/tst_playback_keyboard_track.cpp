@@ -130,9 +130,7 @@ void PlaybackKeyboardTrackTest::readsInvalidFiles_data()
     row("record cut", whole.left(whole.size() - 1), sizeError, 0);
     row("too long", whole + "x", sizeError, 0);
     row("negative count", patched(4, -2), sizeError, 0);
-    row("count times 12 overflows", patched(4, 357913943), sizeError, 0);
     row("no frame rate", patched(8, 0), fpsError, 2);
-    row("canvas of no size", patched(24, 0), "", 2);
     row("negative frame", patched(40, INT_MIN), "", 1);
     row("huge frame", patched(40, INT_MAX), "", 0);
 }
@@ -151,11 +149,6 @@ void PlaybackKeyboardTrackTest::readsInvalidFiles()
     QVERIFY2(log.isEmpty() || lines.first().startsWith(log), qPrintable(lines.join('\n')));
     QVERIFY(track.errorString().isEmpty());
     QCOMPARE(int(track.displayList().entries.size()), entries);
-    track.setStyle(everything());
-    for (const int frame : {-1, 0, 1, 3, 49, 50, INT_MAX}) {
-        track.seekToFrame(frame);
-        painted(track);
-    }
 
     m_recording.without("Keyboard/keyboard.keymeta");
     const KelPlaybackKeyboardTrack missing(dir(), 50, 1.0, QSize(), nullptr);

@@ -59,7 +59,6 @@ private slots:
     void init();
     void paintsPointerAtItsPixel();
     void hiddenPointer();
-    void pressedPointer();
     void effectsAroundThePointer();
     void badFiles_data();
     void badFiles();
@@ -134,21 +133,6 @@ void PlaybackMouseTrackTest::hiddenPointer()
     }
 }
 
-/// With the default settings of a track, a click is visible.
-void PlaybackMouseTrackTest::pressedPointer()
-{
-    recording.clicks("2 left down, 40 left up");
-    KelPlaybackMouseTrack track(dir(), nullptr);
-    for (int frame = 0; frame <= 10; ++frame)
-        track.seekToFrame(frame);
-    // 16 pixels at 4/5, about the pointer: from 2 left and 3 above.
-    const QRect part = partOf(paint(track));
-    QVERIFY(QRect(98, 47, 14, 14).contains(part));
-    QVERIFY(part.width() <= 14 && part.height() <= 14);
-    track.resetEffects();
-    QCOMPARE(partOf(paint(track)).size(), QSize(16, 16));
-}
-
 /// Away from the clicks at (100, 50). Long effects follow the pointer.
 void PlaybackMouseTrackTest::effectsAroundThePointer()
 {
@@ -182,6 +166,8 @@ void PlaybackMouseTrackTest::effectsAroundThePointer()
     const QImage turned = imageWith("3 wheel 120");
     for (const QImage &image : {held, turned})
         QVERIFY(aroundPointer.contains(partOf(image)) && partOf(image).contains(pointer) && partOf(image) != pointer);
+    QCOMPARE(partOf(turned).bottom(), pointer.bottom()); // an arrow upwards
+    QVERIFY(partOf(imageWith("3 wheel -120")).bottom() > pointer.bottom());
     QCOMPARE(held.copy(pointer), clicked.copy(pointer));
     QVERIFY(turned.copy(pointer) != clicked.copy(pointer));
 
@@ -210,21 +196,14 @@ void PlaybackMouseTrackTest::badFiles_data()
     row("moves cut off", moves, whole.left(whole.size() - 3), noMoves);
     row("moves too long", moves, whole + "[", noMoves);
     row("moves an object", moves, "{\"frame\":0}", noMoves);
-    row("moves nested without end", moves, QByteArray(200'000, '['), noMoves);
     row("moves none", moves, "[]", {});
     row("moves behind a byte order mark", moves, "\xef\xbb\xbf" + whole, {});
-    row("moves of odd types", moves,
-        R"([1,"a",null,[{"frame":1}],{"frame":"7","x":[1],"y":{"y":3},"cursor":4,"action":5},)"
-        R"({"frame":1e99,"x":1.5,"y":-9e18,"timestamp":1e300,"cursor":null,"frame":true}])",
-        {});
     row("cursors missing", list, {}, {failed});
     row("cursors an array", list, "[]", noCursors);
     row("cursors without a list", list, "{\"cursors\": 5}", {});
     row("cursors too large", list, QByteArray(5'000'000, ' ') + "{}", noCursors);
     row("clicks missing", clicks, {}, {});
     row("clicks cut off", clicks, "[{\"action\":\"click\"},", noClicks);
-    row("clicks of odd types", clicks,
-        R"([{"action":"click","frame":1e9,"timestamp":-1e300},{"action":"release","x":"5"}])", {});
 }
 
 void PlaybackMouseTrackTest::badFiles()
@@ -334,18 +313,13 @@ void PlaybackMouseTrackTest::worksInRecording()
     // With effects in recording time, a frame looks the same however it is reached.
     rules.effectsFollowRecordingTime = true;
     load();
-    manager->setFrameAsPlayed(6);
+    manager->seek(6);
     const int width = pointerWidth();
     QVERIFY(width < 16);
     manager->seek(90);
     QCOMPARE(pointerWidth(), 16);
-    manager->seek(6);
-    QCOMPARE(pointerWidth(), width);
-    manager->play();
-    manager->pause();
-    QCOMPARE(pointerWidth(), width);
+    manager->setFrameAsPlayed(6);
     manager->updateSettings();
-    manager->seek(6);
     QCOMPARE(pointerWidth(), width);
 
     recording.clicks("2 left down, 2 left up, 60 left down, 60 left up");

@@ -165,6 +165,9 @@ void RecordMouseTrackTest::recordsByTheRules()
     QVERIFY(m_input.isWatched(KelKeyMouseHook::Mouse) && !m_input.isWatched(KelKeyMouseHook::Keyboard));
     track->stopRecording(10, 1000);
     QVERIFY(!m_input.isWatched(KelKeyMouseHook::Mouse));
+    track->startRecording();
+    QVERIFY(m_input.isWatched(KelKeyMouseHook::Mouse));
+    track->stopRecording(10, 1000);
     QTEST(lines("mousemoves-0.json").join("; "), "moves");
     QTEST(lines("mouseclicks-0.json").join("; "), "clicks");
     QCOMPARE(m_failures, QStringList());

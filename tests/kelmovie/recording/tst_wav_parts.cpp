@@ -222,8 +222,9 @@ void WavPartsTest::followsTheClock()
     WavPartWriter writer(format);
     QVERIFY(writer.open(directory.filePath("part.wav"), kStartMs));
     const auto timeOf = [&](int sample) { return sample / rate + (sample >= kFirst + kSamples / 2 ? jumpMs : 0); };
-    writer.setEnd(kStartMs + kEndMs);
     for (int first = kFirst; first < kSamples; first += kPacketMs) {
+        if (first == kFirst + kSamples / 2) // a pause will begin later
+            writer.setEnd(kStartMs + kEndMs);
         QVector<float> packet;
         for (int i = 0; i < kPacketMs; ++i)
             packet << float(first + i);

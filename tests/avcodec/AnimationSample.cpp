@@ -3,6 +3,7 @@
 #include "avcodec/animation/gif/kelGifEncoder.h"
 #include "avcodec/animation/png/pngEncoder.h"
 #include "avcodec/animation/webp/webpEncoder.h"
+#include "support/TestTable.h"
 
 #include <QPainter>
 
@@ -76,4 +77,11 @@ QImage landscape(QSize size, int frame)
         }
     }
     return image;
+}
+
+void addAnimationFormats()
+{
+    const TestTable<QString> row("format");
+    for (const char *format : {"gif", "png", "webp"})
+        row(format, format);
 }

@@ -19,3 +19,6 @@ QImage noise(QSize size, uint seed);
 
 /// Smooth gradients of many colors, as in a photograph; consecutive frames are scrolled.
 QImage landscape(QSize size, int frame);
+
+/// The table of a test of all formats, with the column "format".
+void addAnimationFormats();

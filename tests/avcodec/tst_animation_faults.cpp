@@ -24,13 +24,6 @@ namespace
 const QSize kSize(120, 90);
 constexpr int kFps = 25;
 
-void addFormats()
-{
-    const TestTable<QString> row("format");
-    for (const char *format : {"gif", "png", "webp"})
-        row(format, format);
-}
-
 /// Adds frames until the encoder fails. Returns how many it has accepted.
 int addUntilFailure(KelAVCodecEncoder &encoder)
 {
@@ -55,18 +48,18 @@ class AnimationFaultsTest : public QObject
 private slots:
     void rejectsInvalidParameters_data();
     void rejectsInvalidParameters();
-    void rejectsInvalidFrames_data() { addFormats(); }
+    void rejectsInvalidFrames_data() { addAnimationFormats(); }
     void rejectsInvalidFrames();
-    void failsWhileFramesAreAdded_data() { addFormats(); }
+    void failsWhileFramesAreAdded_data() { addAnimationFormats(); }
     void failsWhileFramesAreAdded();
     void keepsCompleteFramesOnFullDisk_data();
     void keepsCompleteFramesOnFullDisk();
     void webpStopsBeforeItsSizeLimit();
     void pngKeepsCompleteFramesWhenRewritingFails_data();
     void pngKeepsCompleteFramesWhenRewritingFails();
-    void abortsWithoutEncodingTheQueue_data() { addFormats(); }
+    void abortsWithoutEncodingTheQueue_data() { addAnimationFormats(); }
     void abortsWithoutEncodingTheQueue();
-    void cancelsAFrameBeingEncoded_data() { addFormats(); }
+    void cancelsAFrameBeingEncoded_data() { addAnimationFormats(); }
     void cancelsAFrameBeingEncoded();
     void abortsWithoutWaitingForDroppedItems();
 

@@ -17,13 +17,6 @@ namespace
 
 const QByteArrayList kFormats{"gif", "png", "webp"};
 
-void addFormats()
-{
-    const TestTable<QString> row("format");
-    for (const QByteArray &format : kFormats)
-        row(format, format);
-}
-
 bool sameColors(const QImage &a, const QImage &b)
 {
     return a.convertToFormat(QImage::Format_ARGB32) == b.convertToFormat(QImage::Format_ARGB32);
@@ -42,7 +35,7 @@ private slots:
     void dropsFramesBelowTheMinimumDuration();
     void unchangedFramesTakeNoBytes_data();
     void unchangedFramesTakeNoBytes();
-    void distantChangesTakeFewBytes_data() { addFormats(); }
+    void distantChangesTakeFewBytes_data() { addAnimationFormats(); }
     void distantChangesTakeFewBytes();
     void showsColorsThatStoodForTransparency();
     void encodesAnySize_data();

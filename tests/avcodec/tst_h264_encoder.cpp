@@ -30,7 +30,6 @@ private slots:
     void statesItsProperties();
     void hasTheDocumentedQuality();
     void repeatsFrames();
-    void hasKeyframesEveryFewSeconds_data();
     void hasKeyframesEveryFewSeconds();
     void canBeAbortedDuringClose();
     void rejectsInvalidParameters_data();
@@ -190,26 +189,19 @@ void H264EncoderTest::repeatsFrames()
     QVERIFY2(repetitions < QFileInfo(path() + ".few").size(), qPrintable(QString::number(repetitions)));
 }
 
-void H264EncoderTest::hasKeyframesEveryFewSeconds_data()
-{
-    const TestTable<int, int> row("fps", "distance");
-    row("5 seconds", 2, 10);
-    row("at most 250 frames", 100, 250);
-}
-
 /// Whatever does not change, seeking stays fast.
 void H264EncoderTest::hasKeyframesEveryFewSeconds()
 {
-    QFETCH(int, fps);
-    QFETCH(int, distance);
-    h264Encoder encoder({QSize(64, 48), kFormat, path(), fps, 90});
-    QVERIFY(encoder.addFrame(0, textImage({64, 48}, 0)));
-    QVERIFY(encoder.repeatLastFrameUntil(quint64(2 * distance + 1)));
-    QVERIFY(encoder.close());
-    const DecodedVideo video(path());
-    QCOMPARE(int(video.keyframes.size()), 2 * distance + 1);
-    for (int i = 0; i <= 2 * distance; ++i)
-        QCOMPARE(bool(video.keyframes[std::size_t(i)]), i % distance == 0);
+    for (const auto &[fps, distance] : {std::pair(2, 10), {100, 250}}) { // 5 seconds, at most 250 frames
+        h264Encoder encoder({QSize(64, 48), kFormat, path(), fps, 90});
+        QVERIFY(encoder.addFrame(0, textImage({64, 48}, 0)));
+        QVERIFY(encoder.repeatLastFrameUntil(quint64(2 * distance + 1)));
+        QVERIFY(encoder.close());
+        const DecodedVideo video(path());
+        QCOMPARE(int(video.keyframes.size()), 2 * distance + 1);
+        for (int i = 0; i <= 2 * distance; ++i)
+            QCOMPARE(bool(video.keyframes[std::size_t(i)]), i % distance == 0);
+    }
 }
 
 void H264EncoderTest::canBeAbortedDuringClose()

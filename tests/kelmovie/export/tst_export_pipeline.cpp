@@ -25,11 +25,9 @@ private slots:
         manager->seek(33);
     }
     void exportsEachFrame();
-    void placesFile_data();
     void placesFile();
     void fillsUncoveredPixels();
     void exportsWithoutMetadata();
-    void showsTimeWithinRange_data();
     void showsTimeWithinRange();
     void cleanup() { gKelMovieConfig = {}; }
     void failures_data();
@@ -89,29 +87,21 @@ void ExportPipelineTest::exportsEachFrame()
     QVERIFY(monitor.questions >= 125);
 }
 
-void ExportPipelineTest::placesFile_data()
-{
-    const TestTable<int, bool> row("format", "exists");
-    row("MP4", 0, false);
-    row("MP4 over a file", 0, true);
-    row("GIF", 1, false);
-    row("GIF over a file", 1, true);
-}
-
 void ExportPipelineTest::placesFile()
 {
-    QFETCH(int, format);
-    QFETCH(bool, exists);
-
-    setFormat(format);
-    if (exists)
-        writeFile(request.outputPath, "old");
-    monitor.cancelFromPercent = 100; // too late
-    QVERIFY2(runExport(), qPrintable(error));
-    QCOMPARE(output(), QByteArray("encoded"));
-    QVERIFY(encoder->path.startsWith(outputDir->path())); // on the disk that must have room for the file anyway
-    QVERIFY(isTidy());
-    QVERIFY(error.isEmpty());
+    for (const int format : {0, 1}) {
+        for (const bool exists : {false, true}) {
+            init();
+            setFormat(format);
+            if (exists)
+                writeFile(request.outputPath, "old");
+            monitor.cancelFromPercent = 100; // too late
+            QVERIFY2(runExport(), qPrintable(error));
+            QCOMPARE(output(), QByteArray("encoded"));
+            QVERIFY(encoder->path.startsWith(outputDir->path())); // on the disk that must have room for the file anyway
+            QVERIFY(isTidy() && error.isEmpty());
+        }
+    }
 }
 
 void ExportPipelineTest::fillsUncoveredPixels()
@@ -124,50 +114,40 @@ void ExportPipelineTest::fillsUncoveredPixels()
     QCOMPARE(encoder->corners, QVector<QRgb>{QColor(Qt::black).rgba()});
 }
 
-void ExportPipelineTest::showsTimeWithinRange_data()
-{
-    const TestTable<bool> row("timeFollowsRecording");
-    row("of the frame's number", false);
-    row("of the recording", true);
-}
-
 /// A preview with the better rule shows the same.
 void ExportPipelineTest::showsTimeWithinRange()
 {
-    QFETCH(bool, timeFollowsRecording);
-
-    recording->size(320, 120);
     gKelMovieConfig.playbackProgressEnable = true;
-    KelPlaybackRules rules;
-    rules.timeFollowsRecording = timeFollowsRecording;
-    loadManager(rules);
-    manager->seek(60);
-    const QImage ofWhole = composed();
-    const auto exported = [&] {
-        QImage image;
-        encoder = std::make_shared<EncoderScript>();
-        encoder->onFrame = [&](int) {
-            engine().setFrameSilently(60);
-            image = composed();
+    for (const bool timeFollowsRecording : {false, true}) {
+        recording->size(320, 120);
+        KelPlaybackRules rules;
+        rules.timeFollowsRecording = timeFollowsRecording;
+        loadManager(rules);
+        manager->seek(60);
+        const QImage ofWhole = composed();
+        const auto exported = [&] {
+            QImage image;
+            encoder = std::make_shared<EncoderScript>();
+            encoder->onFrame = [&](int) {
+                engine().setFrameSilently(60);
+                image = composed();
+            };
+            return runExport() ? image : QImage();
         };
-        return runExport() ? image : QImage();
-    };
-    request.trimStartMs = 1010;
-    request.trimEndMs = 3040;
-    request.speed = 0.5;
-    const QImage ofRange = exported();
-    QVERIFY(ofRange != ofWhole);
-    manager->seek(60);
-    QCOMPARE(composed(), ofWhole);
+        request.trimStartMs = 1010;
+        request.trimEndMs = 3040;
+        request.speed = 0.5;
+        const QImage ofRange = exported();
+        QVERIFY(ofRange != ofWhole);
+        manager->seek(60);
+        QCOMPARE(composed(), ofWhole);
 
-    manager->setTrimRange(1010, 3040);
-    manager->setSpeed(0.5);
-    if (timeFollowsRecording)
-        QCOMPARE(composed(), ofRange);
-    QCOMPARE(exported(), ofRange);
-    manager->setTrimRange(-1, -1);
-    manager->setSpeed(1.0);
-    QCOMPARE(composed(), ofWhole);
+        manager->setTrimRange(1010, 3040);
+        manager->setSpeed(0.5);
+        if (timeFollowsRecording)
+            QCOMPARE(composed(), ofRange);
+        QCOMPARE(exported(), ofRange);
+    }
 }
 
 void ExportPipelineTest::exportsWithoutMetadata()

@@ -28,10 +28,8 @@ private slots:
     void matchesPlayback();
     void anySound_data();
     void anySound();
-    void placesFile_data();
-    void placesFile();
+    void keepsPermissionsAndAnyName();
     void exportsVideoWithoutSound();
-    void fullDisk_data();
     void fullDisk();
     void cancelWhileMixing();
     void trimsAudioFile();
@@ -242,25 +240,19 @@ void ExportSoundTest::anySound()
     QVERIFY(isTidy());
 }
 
-void ExportSoundTest::placesFile_data()
+void ExportSoundTest::keepsPermissionsAndAnyName()
 {
-    const TestTable<QString> row("name");
-    row("Matroska", "out.mkv");
-    row("name of another type", "out.bin");
-}
-
-void ExportSoundTest::placesFile()
-{
-    QFETCH(QString, name);
-
-    request.outputPath = outputDir->filePath(name);
-    writeFile(request.outputPath, "old");
-    QVERIFY(QFile::setPermissions(request.outputPath, QFile::ReadOwner | QFile::WriteOwner));
-    const QFile::Permissions permissions = QFileInfo(request.outputPath).permissions();
-    QVERIFY2(runExport(), qPrintable(error));
-    QVERIFY(std::fabs(Sound::decode(request.outputPath).level(kMicrophoneHertz, 0.5, 3.5) - 0.3) < 0.02);
-    QCOMPARE(QFileInfo(request.outputPath).permissions(), permissions);
-    QVERIFY(isTidy());
+    for (const char *name : {"out.mkv", "out.bin"}) {
+        init();
+        request.outputPath = outputDir->filePath(name);
+        writeFile(request.outputPath, "old");
+        QVERIFY(QFile::setPermissions(request.outputPath, QFile::ReadOwner | QFile::WriteOwner));
+        const QFile::Permissions permissions = QFileInfo(request.outputPath).permissions();
+        QVERIFY2(runExport(), qPrintable(error));
+        QVERIFY(std::fabs(Sound::decode(request.outputPath).level(kMicrophoneHertz, 0.5, 3.5) - 0.3) < 0.02);
+        QCOMPARE(QFileInfo(request.outputPath).permissions(), permissions);
+        QVERIFY(isTidy());
+    }
 }
 
 void ExportSoundTest::exportsVideoWithoutSound()
@@ -273,26 +265,20 @@ void ExportSoundTest::exportsVideoWithoutSound()
     QVERIFY(isTidy());
 }
 
-void ExportSoundTest::fullDisk_data()
-{
-    const TestTable<double> row("speed");
-    row("while mixing", 1.0);
-    row("while the speed is changed", 2.0);
-}
-
 void ExportSoundTest::fullDisk()
 {
-    QFETCH(double, speed);
-
-    request.speed = speed;
-    writeFile(request.outputPath, "with sound");
-    const FileSizeLimit limit(30'000);
-    QVERIFY(!runExport());
-    QVERIFY2(error.contains(QRegularExpression("Cannot write .*/.*: " + FileSizeLimit::errorPattern())),
-             qPrintable(error));
-    QCOMPARE(failure, KelExportPipeline::Failure::Sound);
-    QCOMPARE(output(), QByteArray("with sound"));
-    QVERIFY(isTidy());
+    for (const double speed : {1.0, 2.0}) { // while mixing, while the speed is changed
+        init();
+        request.speed = speed;
+        writeFile(request.outputPath, "with sound");
+        const FileSizeLimit limit(30'000);
+        QVERIFY(!runExport());
+        QVERIFY2(error.contains(QRegularExpression("Cannot write .*/.*: " + FileSizeLimit::errorPattern())),
+                 qPrintable(error));
+        QCOMPARE(failure, KelExportPipeline::Failure::Sound);
+        QCOMPARE(output(), QByteArray("with sound"));
+        QVERIFY(isTidy());
+    }
 }
 
 void ExportSoundTest::cancelWhileMixing()

@@ -77,6 +77,7 @@ void RecordingX11Test::recordsPhysicalPixels()
     const QJsonObject info = recordingInfo(path("scaled"));
     QCOMPARE(info.value("recordArea").toObject(), (QJsonObject{{"x", 10}, {"y", 15}, {"width", 160}, {"height", 120}}));
     QCOMPARE(info.value("devicePixelRatio").toDouble(), 2.0);
+    QCOMPARE(info.value("videoWidth").toInt(), 320);
     QCOMPARE(Keldock::run({"frame", path("scaled"), "0", path("frame.png")}).status, 0);
     const QImage frame(path("frame.png"));
     QCOMPARE(frame.size(), kSceneRect.size());

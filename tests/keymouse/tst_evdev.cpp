@@ -3,8 +3,12 @@
 #include "keymouse/KeyMouseHub.h"
 #include "keymouse/evdev/EvdevEventSource.h"
 #include "keymouse/unix/KeyMouseThread.h"
+#include "support/EnvironmentChange.h"
 #include "support/TestTable.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QtTest>
 
 #include <linux/input.h>
@@ -136,6 +140,7 @@ class EvdevTest : public QObject
 {
     Q_OBJECT
 
+    QByteArray m_compositor;
     std::unique_ptr<Plugs> m_plugs;
     std::unique_ptr<RecordingHook> m_hook;
 
@@ -148,6 +153,7 @@ class EvdevTest : public QObject
 private slots:
     void initTestCase()
     {
+        m_compositor = qgetenv("WAYLAND_DISPLAY");
         qunsetenv("WAYLAND_DISPLAY");
         qputenv("XKB_DEFAULT_LAYOUT", "de");
     }
@@ -233,9 +239,39 @@ private slots:
         QCOMPARE(keyLine(KEY_A, 1), line(Qt::Key_A, 1));
         m_plugs->unplug("kbd");
         QCOMPARE(m_hook->take(1), QStringList{line(Qt::Key_A, 0)}); // otherwise it would be held forever
+        m_hook->setHookType(kMouse | kKeyboard);
+        m_plugs->send("mouse", {key(BTN_RIGHT, 1)});
+        QCOMPARE(m_hook->take(1), QStringList{"button 2 1 nowhere"});
+        m_plugs->unplug("mouse");
+        QCOMPARE(m_hook->take(1), QStringList{"button 2 0 nowhere"});
         m_plugs->plug("kbd", kKeyboard);
         QTRY_VERIFY(m_plugs->isOpen("kbd"));
         QCOMPARE(keyLine(KEY_B, 1), line(Qt::Key_B, 1));
+    }
+
+    /// The session's keymap, an American one, replaces the default as soon as the session has a keyboard.
+    void keymapOfTheSession()
+    {
+        const EnvironmentChange session("WAYLAND_DISPLAY", m_compositor);
+        m_hook->setHookType(kKeyboard);
+        QCOMPARE(keyLine(KEY_Y, 1), line(Qt::Key_Z, 1));
+        const auto call = [](const QString &path, const QString &interface, const QString &method,
+                             const QVariantList &arguments = {}) {
+            const QString service = "org.gnome.Mutter.RemoteDesktop";
+            QDBusMessage message = QDBusMessage::createMethodCall(service, path, service + interface, method);
+            message.setArguments(arguments);
+            return QDBusConnection::sessionBus().call(message);
+        };
+        const QString remote = call("/org/gnome/Mutter/RemoteDesktop", "", "CreateSession")
+                                   .arguments()
+                                   .value(0)
+                                   .value<QDBusObjectPath>()
+                                   .path();
+        call(remote, ".Session", "Start");
+        call(remote, ".Session", "NotifyKeyboardKeycode", {uint(KEY_LEFTSHIFT), true}); // plugs in a keyboard
+        QCOMPARE(keyLine(KEY_Y, 0), line(Qt::Key_Z, 0));                                // as it was pressed
+        QTRY_COMPARE((m_plugs->send("kbd", {key(KEY_Y, 1)}), m_plugs->send("kbd", {key(KEY_Y, 0)}), m_hook->take(2)),
+                     (QStringList{line(Qt::Key_Y, 1), line(Qt::Key_Y, 0)}));
     }
 
     void nothingIsPluggedIn()

@@ -213,12 +213,8 @@ void EvdevEventSource::handle(OpenDevice &device, const input_event &event, KeyM
             device.isDropping = false;
             releaseKeys(device, keysHeldNow(device.device.descriptor.get()), sink);
         }
-    } else if (event.type == EV_KEY && isMouseButton(event.code)) {
-        if ((device.device.opened & KelKeyMouseHook::Mouse) && event.value != Repeated)
-            sink.deliver(KelMouseEvent{qtButton(event.code), {}, event.value == Pressed ? 1 : 0, false});
     } else if (event.type == EV_KEY) {
-        if (device.device.opened & KelKeyMouseHook::Keyboard)
-            key(device, event.code, event.value, sink);
+        key(device, event.code, event.value, sink);
     } else if (event.type == EV_REL && event.code == REL_WHEEL) {
         if (!(device.device.opened & KelKeyMouseHook::Mouse))
             return;
@@ -230,21 +226,31 @@ void EvdevEventSource::handle(OpenDevice &device, const input_event &event, KeyM
 
 void EvdevEventSource::key(OpenDevice &device, int code, int value, KeyMouseEventSink &sink)
 {
-    const std::uint32_t keycode = kXkbOffset + std::uint32_t(code);
+    const bool isButton = isMouseButton(code);
+    if (!(device.device.opened & (isButton ? KelKeyMouseHook::Mouse : KelKeyMouseHook::Keyboard)))
+        return;
+    if (value == Pressed)
+        device.heldKeys.insert(code);
+    else if (value == Released)
+        device.heldKeys.erase(code);
+    if (!isButton)
+        type(kXkbOffset + std::uint32_t(code), value, sink);
+    else if (value != Repeated)
+        sink.deliver(KelMouseEvent{qtButton(code), {}, value == Pressed ? 1 : 0, false});
+}
+
+void EvdevEventSource::type(std::uint32_t keycode, int value, KeyMouseEventSink &sink)
+{
     if (value == Repeated && !m_keyboard->repeats(keycode))
         return; // the kernel repeats modifiers, too
     // The name of a key is that before its own effect on the state.
     if (const int qtKey = m_keyboard->qtKey(keycode, value != Released))
         sink.deliver(KelKeyboardEvent{qtKey, value != Released ? 1 : 0});
-    if (value == Pressed)
-        device.heldKeys.insert(code);
-    else if (value == Released)
-        device.heldKeys.erase(code);
     if (value != Repeated && m_keyboard->state())
         xkb_state_update_key(m_keyboard->state(), keycode, value == Pressed ? XKB_KEY_DOWN : XKB_KEY_UP);
 }
 
-/// For keys whose release was not, and will not be, received
+/// For keys and buttons whose release was not, and will not be, received
 void EvdevEventSource::releaseKeys(OpenDevice &device, const std::set<int> &stillHeld, KeyMouseEventSink &sink)
 {
     const std::set<int> held = device.heldKeys;

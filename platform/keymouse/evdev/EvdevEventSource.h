@@ -4,6 +4,7 @@
 #include "keymouse/unix/NativeEventSource.h"
 #include "keymouse/xkb/XkbKeyboard.h"
 
+#include <cstdint>
 #include <memory>
 #include <set>
 #include <vector>
@@ -31,7 +32,7 @@ public:
 private:
     struct OpenDevice {
         InputDevice device;
-        std::set<int> heldKeys;
+        std::set<int> heldKeys;  // and buttons
         bool isDropping = false; // the kernel's buffer has overflowed
     };
 
@@ -41,6 +42,7 @@ private:
     bool read(OpenDevice &device, KeyMouseEventSink &sink);
     void handle(OpenDevice &device, const input_event &event, KeyMouseEventSink &sink);
     void key(OpenDevice &device, int code, int value, KeyMouseEventSink &sink);
+    void type(std::uint32_t keycode, int value, KeyMouseEventSink &sink);
     void releaseKeys(OpenDevice &device, const std::set<int> &stillHeld, KeyMouseEventSink &sink);
 
     const std::unique_ptr<InputDevices> m_devices;

@@ -43,8 +43,6 @@ public:
     /// Drops all effects, unless they follow the time.
     void reset();
 
-    /// The state of the effects that do not follow the time.
-    const std::vector<ActiveMouseEffect> &effects() const { return m_effects.effects(); }
     /// How the effects are painted that are visible. Those of long presses and of the wheel are at the `pointer`.
     std::vector<ShownMouseEffect> shown(const QPoint &pointer) const;
     /// The factor by which to scale the pointer about its position.

@@ -17,7 +17,6 @@ namespace kel
 class MouseEffectList
 {
 public:
-    const std::vector<ActiveMouseEffect> &effects() const { return m_effects; }
     /// How they are painted. Those of long presses and of the wheel are at the `pointer`.
     std::vector<ShownMouseEffect> shown(const QPoint &pointer) const;
 

@@ -8,7 +8,8 @@ if(MSVC)
   endif()
   add_compile_definitions(_USE_MATH_DEFINES) # for M_PI
 else()
-  add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+  add_compile_options(-Wall -Wextra -Wpedantic -Wshadow
+    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor> $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>)
   if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
     add_compile_options(-Wno-gnu-zero-variadic-macro-arguments) # of Qt's logging macros
   endif()

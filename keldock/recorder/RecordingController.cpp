@@ -44,6 +44,7 @@ RecordingController::RecordingController(std::function<QString()> newDirectory, 
     : QObject(parent)
     , m_newDirectory(std::move(newDirectory))
     , m_recorder(m_movie.createMultiTrackRecorder())
+    , m_exitGuard([this] { completeAtExit(); })
 {
     m_clock.setInterval(kElapsedIntervalMs);
     connect(&m_clock, &QTimer::timeout, this, [this] { emit elapsed(elapsedMs()); });
@@ -231,6 +232,12 @@ void RecordingController::setMouseRecorded(bool recorded)
 {
     if (isRecording() && m_recorder->recordConfig().enableMouse)
         m_recorder->setMouseRecordingEnabled(recorded);
+}
+
+void RecordingController::completeAtExit()
+{
+    disconnect(m_recorder, nullptr, this, nullptr); // there are no windows left that could show anything
+    m_recorder->stopRecording();
 }
 
 void RecordingController::watchScreens()

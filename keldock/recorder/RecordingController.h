@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/ExitGuard.h"
 #include "recorder/DiskGuard.h"
 
 #include <KelMovie/KelMovieUI.h>
@@ -82,12 +83,14 @@ private:
     void finish();
     void stopWithProblem(Severity severity, const QString &text);
     void handleError(const QString &error);
+    void completeAtExit();
     void watchScreens();
     void stopIfAreaIsLost();
 
     const std::function<QString()> m_newDirectory;
     KelMovieUI m_movie;
     KelMultiTrackRecorder *const m_recorder;
+    const ExitGuard m_exitGuard;
     DiskGuard m_diskGuard;
     bool m_hasCheckedInput = false;
     State m_state = State::Idle;

@@ -23,7 +23,7 @@ int width();
 /// True when standard output can show characters beyond ASCII.
 bool showsUnicode();
 
-/// The name of Qt's platform plugin for this system's desktop.
+/// Qt's platform plugins for this desktop, the best first, separated by semicolons.
 const char *desktopPlatform();
 
 /// The name of the platform plugin for programs without windows. It provides the system fonts.

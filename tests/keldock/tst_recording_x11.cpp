@@ -34,6 +34,7 @@ void RecordingX11Test::lostScreenKeepsRecording()
     server.kill();
     const Keldock keldock = Keldock::finish(process);
     QVERIFY2(keldock.status == 1, qPrintable(QString::number(keldock.status) + keldock.errors));
+    QVERIFY(recordingInfo(out).value("complete").toBool());
     QVERIFY(recordingInfo(out).value("videoFrames").toInt() > 0);
 }
 

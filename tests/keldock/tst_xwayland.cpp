@@ -5,12 +5,14 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-/// In a Wayland session whose X server is XWayland, whose screen is black and whose pointer stands still for others.
+/// Where nothing but XWayland can be reached, whose screen is black and whose pointer stands still for others.
 class XWaylandTest : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase() { qunsetenv("WAYLAND_DISPLAY"); }
+
     void refusesToRecord_data()
     {
         QTest::addColumn<QStringList>("tracks");

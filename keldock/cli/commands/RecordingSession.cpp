@@ -23,6 +23,7 @@ constexpr int kHintAfterMs = 1000; // to a person who may not see a question of 
 RecordingSession::RecordingSession(const QRect &area, const KelMultiTrackRecorder::RecordConfig &config,
                                    qint64 durationMs)
     : m_durationMs(durationMs)
+    , m_exitGuard([this] { completeAtExit(); })
 {
     m_recorder.setRecordArea(area);
     m_recorder.setRecordConfig(config);
@@ -92,6 +93,15 @@ QString RecordingSession::run()
     // Errors on completing a file are reported by a queued signal.
     QCoreApplication::processEvents();
     return m_hasFailed || m_error.isEmpty() ? m_error : QLatin1String("the recording is incomplete: ") + m_error;
+}
+
+void RecordingSession::completeAtExit()
+{
+    if (!m_recorder.isRecording())
+        return;
+    m_line.clear();
+    Console::printError(QStringLiteral("keldock: the connection to the desktop is lost; saving the recording"));
+    m_recorder.stopRecording();
 }
 
 void RecordingSession::handleError(const QString &error)

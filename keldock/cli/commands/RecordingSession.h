@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/terminal/TerminalLine.h"
+#include "common/ExitGuard.h"
 
 #include <console/StopSignal.h>
 
@@ -30,6 +31,7 @@ public:
 
 private:
     bool prepare();
+    void completeAtExit();
     void rememberFailedTrack(const QString &track) { m_failedTrack = track; }
     void handleError(const QString &error);
     void showElapsed();
@@ -42,6 +44,7 @@ private:
     QEventLoop m_loop;
     QString m_failedTrack; // the track of the next error; empty if the error is not about a track
     QString m_error;
+    ExitGuard m_exitGuard;
     bool m_isPrepared = false;
     bool m_hasRecorded = false;
     bool m_hasFailed = false;

@@ -1,5 +1,7 @@
 #include "console/Terminal.h"
 
+#include "x11/DisplayServer.h"
+
 #include <langinfo.h>
 #include <poll.h>
 #include <sys/ioctl.h>
@@ -40,7 +42,7 @@ bool Terminal::showsUnicode()
 
 const char *Terminal::desktopPlatform()
 {
-    return "xcb";
+    return displayServer() == DisplayServer::Wayland ? "wayland;xcb" : "xcb";
 }
 
 const char *Terminal::windowlessPlatform()

@@ -1,5 +1,6 @@
 #include "screen/NativeScreenBackend.h"
 
+#include "screen/wayland/ScreencopyBackend.h"
 #include "screen/x11/X11ScreenBackend.h"
 #include "x11/DisplayServer.h"
 
@@ -22,9 +23,8 @@ bool isOnWayland()
 
 std::unique_ptr<KelScreenBackend> createNativeScreenBackend()
 {
-    if (isOnWayland()) {
-        // Backends for Wayland, the best first, each of which tells whether the session offers what it needs.
-    }
+    if (isOnWayland() && ScreencopyBackend::isAvailable())
+        return std::make_unique<ScreencopyBackend>();
     return std::make_unique<X11ScreenBackend>();
 }
 

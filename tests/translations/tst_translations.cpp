@@ -6,17 +6,6 @@
 #include <QTranslator>
 #include <QtTest>
 
-/// Every text has a finished translation with the same placeholders, and a mnemonic where the source has one.
-class TranslationsTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void catalogIsComplete_data();
-    void catalogIsComplete();
-    void catalogIsEmbedded();
-};
-
 namespace
 {
 
@@ -46,41 +35,49 @@ QStringList found(const QString &text, const char *expression)
 
 } // namespace
 
-void TranslationsTest::catalogIsComplete_data()
+/// Every text has a finished translation with the same placeholders, and a mnemonic where the source has one.
+class TranslationsTest : public QObject
 {
-    const TestTable<QString, QStringList> row("catalog", "folders");
-    row("module", "kelmovie_zh_CN.ts", {"platform", "kelmovie"});
-    row("English plurals of the host", "keldock_en.ts", {"keldock"});
-    row("host", "keldock_zh_CN.ts", {"keldock"});
-}
+    Q_OBJECT
 
-void TranslationsTest::catalogIsComplete()
-{
-    QFETCH(QString, catalog);
-    QFETCH(QStringList, folders);
-    const QRegularExpression message("<source>(.*?)</source>.*?<translation([^>]*)>(.*?)</translation>",
-                                     QRegularExpression::DotMatchesEverythingOption);
-    auto messages = message.globalMatch(currentCatalog(catalog, folders));
-    QVERIFY(messages.hasNext());
-    while (messages.hasNext()) {
-        const QStringList parts = messages.next().capturedTexts();
-        QVERIFY2(!parts[2].contains("type="), qPrintable("not translated: " + parts[1]));
-        // The plural forms of a text are elements of their own.
-        for (const QString &text : parts[3].split(QRegularExpression("\\s*</?numerusform>\\s*"), Qt::SkipEmptyParts)) {
-            QCOMPARE(found(text, "%(L?\\d|n)"), found(parts[1], "%(L?\\d|n)"));
-            QCOMPARE(found(text, "&amp;[^& ]").isEmpty(), found(parts[1], "&amp;[^& ]").isEmpty());
-        }
-        QVERIFY2(!parts[3].isEmpty(), qPrintable("empty: " + parts[1]));
+private slots:
+    void catalogIsComplete_data()
+    {
+        const TestTable<QString, QStringList> row("catalog", "folders");
+        row("module", "kelmovie_zh_CN.ts", {"platform", "kelmovie"});
+        row("English plurals of the host", "keldock_en.ts", {"keldock"});
+        row("host", "keldock_zh_CN.ts", {"keldock"});
     }
-}
 
-void TranslationsTest::catalogIsEmbedded()
-{
-    QTranslator translator;
-    QVERIFY(translator.load(QLocale("zh_CN"), "kelmovie", "_", ":/i18n"));
-    QVERIFY(QCoreApplication::installTranslator(&translator));
-    QCOMPARE(QCoreApplication::translate("KelRecordButton", "Start recording"), QString("开始录制"));
-}
+    void catalogIsComplete()
+    {
+        QFETCH(QString, catalog);
+        QFETCH(QStringList, folders);
+        const QRegularExpression message("<source>(.*?)</source>.*?<translation([^>]*)>(.*?)</translation>",
+                                         QRegularExpression::DotMatchesEverythingOption);
+        auto messages = message.globalMatch(currentCatalog(catalog, folders));
+        QVERIFY(messages.hasNext());
+        while (messages.hasNext()) {
+            const QStringList parts = messages.next().capturedTexts();
+            QVERIFY2(!parts[2].contains("type="), qPrintable("not translated: " + parts[1]));
+            // The plural forms of a text are elements of their own.
+            for (const QString &text :
+                 parts[3].split(QRegularExpression("\\s*</?numerusform>\\s*"), Qt::SkipEmptyParts)) {
+                QCOMPARE(found(text, "%(L?\\d|n)"), found(parts[1], "%(L?\\d|n)"));
+                QCOMPARE(found(text, "&amp;[^& ]").isEmpty(), found(parts[1], "&amp;[^& ]").isEmpty());
+            }
+            QVERIFY2(!parts[3].isEmpty(), qPrintable("empty: " + parts[1]));
+        }
+    }
+
+    void catalogIsEmbedded()
+    {
+        QTranslator translator;
+        QVERIFY(translator.load(QLocale("zh_CN"), "kelmovie", "_", ":/i18n"));
+        QVERIFY(QCoreApplication::installTranslator(&translator));
+        QCOMPARE(QCoreApplication::translate("KelRecordButton", "Start recording"), QString("开始录制"));
+    }
+};
 
 QTEST_GUILESS_MAIN(TranslationsTest)
 #include "tst_translations.moc"

@@ -47,10 +47,11 @@ void ExportSoundTest::init()
 {
     // The recording clock ticks every 33 ms at 30 fps: 4 s have 121 frames.
     reset(121, 30);
+    static const QByteArray system = Sound::make(4.0, Sound::tone(kSystemHertz, 0.4, 1.5, 2.5)).wav();
+    static const QByteArray voice = Sound::make(4.0, Sound::tone(kMicrophoneHertz, 0.3), 44'100, 1).wav(false);
     recording->set(&KelRecordingMetadata::durationMs, qint64(4'000))
-        .sound("system_audio_20260101_101010.wav", Sound::make(4.0, Sound::tone(kSystemHertz, 0.4, 1.5, 2.5)).wav())
-        .sound("microphone_20260101_101010.wav",
-               Sound::make(4.0, Sound::tone(kMicrophoneHertz, 0.3), 44'100, 1).wav(false));
+        .sound("system_audio_20260101_101010.wav", system)
+        .sound("microphone_20260101_101010.wav", voice);
     loadManager();
 }
 
@@ -113,6 +114,7 @@ void ExportSoundTest::matchesPlayback_data()
     row("system audio muted", 0.0, 0.3, [this] { engine().voiceTrack()->setSystemAudioMuted(true); });
     row("system audio off", 0.0, 0.3, [this] { engine().voiceTrack()->setSystemAudioEnabled(false); });
     row("microphone without volume", 0.4, 0.0, [this] { engine().voiceTrack()->setMicrophoneVolume(0.0); });
+    row("quiet", 0.04, 0.3, [this] { engine().voiceTrack()->setSystemAudioVolume(0.1); });
     row("volume and gain", 0.2, 0.6, [this] {
         engine().voiceTrack()->setSystemAudioVolume(0.5);
         engine().voiceTrack()->setMicrophoneVolume(0.8);

@@ -376,6 +376,9 @@ void RecorderTest::failureAtStopComesBeforeStopped()
 void RecorderTest::stopsAtTheFrameLimit()
 {
     R *recorder = createRecorder();
+    auto config = recorder->recordConfig();
+    config.fps = 1;
+    recorder->setRecordConfig(config);
     m_script->changed = false;
     QVERIFY(recorder->startRecording());
     auto *manager = recorder->findChild<KelRecordTrackManager *>();
@@ -428,7 +431,7 @@ void RecorderTest::recordsWhatIsConfigured()
     auto config = recorder->recordConfig();
     config.mouseCaptureEnabled = false;
     config.keepsKeysAcrossPauses = true;
-    config.fps = 50;
+    config.fps = 1000;
     recorder->setRecordConfig(config);
     const auto act = [&](int number) {
         input.button(1, 1, QPoint(number, number));
@@ -449,7 +452,7 @@ void RecorderTest::recordsWhatIsConfigured()
     QVERIFY2(clicks.size() == 1 && clicks[0].contains(" 2,2 "), qPrintable(clicks.join('\n')));
     const QString keys = keyRecords(readFile(outputDir() + "/Keyboard/keyboard.keymeta")).join('\n');
     QVERIFY2(keys.contains("31 1 ") && !keys.contains("32 1 ") && keys.contains("33 1 "), qPrintable(keys));
-    QVERIFY(readFile(outputDir() + "/TrackManager.meta").contains("\"fps\": 50"));
+    QVERIFY(readFile(outputDir() + "/TrackManager.meta").contains("\"fps\": 1000"));
 }
 
 void RecorderTest::exports_data()

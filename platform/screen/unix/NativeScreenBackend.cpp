@@ -1,5 +1,6 @@
 #include "screen/NativeScreenBackend.h"
 
+#include "screen/portal/PortalScreenBackend.h"
 #include "screen/wayland/ScreencopyBackend.h"
 #include "screen/x11/X11ScreenBackend.h"
 #include "x11/DisplayServer.h"
@@ -23,8 +24,14 @@ bool isOnWayland()
 
 std::unique_ptr<KelScreenBackend> createNativeScreenBackend()
 {
+    // The compositor itself first: it asks nobody.
     if (isOnWayland() && ScreencopyBackend::isAvailable())
         return std::make_unique<ScreencopyBackend>();
+    if (isOnWayland()) {
+        auto portal = std::make_unique<PortalScreenBackend>();
+        if (portal->errorString().isEmpty())
+            return portal;
+    }
     return std::make_unique<X11ScreenBackend>();
 }
 

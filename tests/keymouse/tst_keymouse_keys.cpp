@@ -17,6 +17,7 @@ enum Code {
     EscapeKey = 9,
     Digit1 = 10,
     LeftControl = 37,
+    LetterA = 38,
     LeftShift = 50,
     LeftAlt = 64,
     CapsLock = 66,
@@ -180,6 +181,22 @@ private slots:
         run("setxkbmap", {"us", "-option", "altwin:meta_win"});
         QCOMPARE(lines({LeftWindows, -LeftWindows}), (QStringList{meta + "1", meta + "0"}));
         run("setxkbmap", {"-option"});
+        m_window.lines.clear();
+    }
+
+    /// Of two layouts, the one that the user has switched to.
+    void secondLayout()
+    {
+        run("setxkbmap", {"us,ru", "-option", "grp:rctrl_toggle"});
+        m_hook.take();
+        for (const QString letter : {"424", "41"}) { // Cyrillic ef, Latin A
+            m_input.tap(RightControl);
+            m_input.tap(LetterA);
+            const QString press = "key " + letter + " 1";
+            QTRY_VERIFY2(m_hook.lines().contains(press), qPrintable(m_hook.lines().join("; ")));
+            m_hook.take();
+        }
+        run("setxkbmap", {"us", "-option"});
         m_window.lines.clear();
     }
 

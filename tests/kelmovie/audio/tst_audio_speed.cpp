@@ -23,12 +23,12 @@ QByteArray wav(int channels, int bits, const QByteArray &samples)
     return SoundFile::wav(48'000, quint16(bits), samples, quint16(channels));
 }
 
-/// Frames that contain their number, for sounds of several blocks.
+/// Frames that begin with their number, for sounds of several blocks.
 QByteArray numberedFrames(int count, int frameBytes)
 {
-    QByteArray frames;
+    QByteArray frames(count * frameBytes, 0);
     for (int i = 0; i < count; ++i)
-        frames += QByteArray::number(i).rightJustified(frameBytes, '0').right(frameBytes);
+        qToLittleEndian<qint32>(i, frames.data() + i * frameBytes);
     return frames;
 }
 
@@ -41,13 +41,12 @@ class AudioSpeedTest : public QObject
 private slots:
     void changesSpeed_data();
     void changesSpeed();
-    void followsTheFormulas();
+    void changesLongSound();
     void keepsPitch_data();
     void keepsPitch();
     void malformed_data();
     void malformed();
-    void copiesAtSpeedOne();
-    void mayReplaceItsInput();
+    void handlesFiles();
     void givesUpCleanly();
 
 private:
@@ -110,30 +109,28 @@ void AudioSpeedTest::changesSpeed()
     QCOMPARE(finished, QList<QVariantList>{{true}});
 }
 
-void AudioSpeedTest::followsTheFormulas()
+/// Across blocks, each frame is the one that is heard then, and none is left out or repeated too often.
+void AudioSpeedTest::changesLongSound()
 {
-    const int frames = 400'003; // several blocks
+    constexpr int frames = 400'003;
     for (const int frameBytes : {4, 8, 6}) {
         const QByteArray samples = numberedFrames(frames, frameBytes);
         // Mono for 8 bytes: stereo frames of that size would be floats.
-        write(frameBytes == 8 ? wav(1, 64, samples) : wav(2, frameBytes * 4, samples));
-        for (const double speed : {0.1, 0.3, 0.9, 1.1, 1.7, 16.0, 70'000.0}) {
+        write(frameBytes == 8 ? wav(1, 64, samples) : wav(frameBytes / 2, 16, samples));
+        for (const double speed : {0.3, 1.7, 70'000.0}) {
             KelAudioSpeedProcessor processor;
             QVector<int> progress;
             connect(&processor, &KelAudioSpeedProcessor::progressChanged, [&](int percent) { progress << percent; });
             QVERIFY2(processor.processAudio(m_input, speed, m_output), qPrintable(processor.errorMessage()));
-
-            const int outFrames = int(frames / speed);
-            QByteArray expected;
-            QVector<int> percents;
-            for (int i = 0; i < outFrames; ++i) {
-                const double position = speed < 1 ? double(i) / outFrames * frames : i * speed;
-                expected.append(samples.constData() + std::min(int(position), frames - 1) * frameBytes, frameBytes);
-                if (i % std::max(outFrames / 100, 1) == 0)
-                    percents << int(qint64(i) * 100 / outFrames);
+            const QByteArray output = readFile(m_output).mid(WavHeader::kSize);
+            QCOMPARE(output.size() / frameBytes, int(frames / speed));
+            for (int i = 0; i < output.size() / frameBytes; ++i) {
+                const int number = qFromLittleEndian<qint32>(output.constData() + i * frameBytes);
+                if (std::abs(number - i * speed) > 1)
+                    QFAIL(qPrintable(QString("%1 at %2, speed %3").arg(number).arg(i).arg(speed)));
             }
-            QVERIFY2(readFile(m_output).mid(WavHeader::kSize) == expected, qPrintable(QString::number(speed)));
-            QCOMPARE(progress, percents << 100);
+            QVERIFY(std::is_sorted(progress.cbegin(), progress.cend()));
+            QVERIFY(progress.first() == 0 && progress.last() == 100 && (progress.size() > 99) == (speed < 1000));
         }
     }
 }
@@ -142,7 +139,7 @@ void AudioSpeedTest::keepsPitch_data()
 {
     QTest::addColumn<double>("speed");
     QTest::addColumn<bool>("isFloat");
-    for (const double speed : {0.1, 0.5, 0.8, 1.2, 1.5, 2.0, 4.0, 10.0, 16.0})
+    for (const double speed : {0.1, 0.8, 1.5, 2.0, 16.0})
         QTest::addRow("at %g", speed) << speed << (speed != 2.0);
 }
 
@@ -226,7 +223,7 @@ void AudioSpeedTest::malformed()
     QVERIFY(!QFile::exists(m_output));
 }
 
-void AudioSpeedTest::copiesAtSpeedOne()
+void AudioSpeedTest::handlesFiles()
 {
     KelAudioSpeedProcessor processor;
     const QSignalSpy finished(&processor, &KelAudioSpeedProcessor::processingFinished);
@@ -245,13 +242,9 @@ void AudioSpeedTest::copiesAtSpeedOne()
     QCOMPARE(processor.errorMessage(), QString("Input or output path is empty"));
     QVERIFY(!processor.processAudio(m_input, 2.0, m_dir.filePath("nowhere/out.wav")));
     QCOMPARE(finished.size(), 3);
-}
 
-void AudioSpeedTest::mayReplaceItsInput()
-{
     write(wav(1, 16, "aabbccdd"));
-    KelAudioSpeedProcessor processor;
-    QVERIFY(processor.processAudio(m_input, 2.0, m_input));
+    QVERIFY2(processor.processAudio(m_input, 2.0, m_input), "it may replace its input");
     QCOMPARE(readFile(m_input), wav(1, 16, "aacc"));
 }
 

@@ -52,6 +52,7 @@ void ExportSoundTest::init()
     recording->set(&KelRecordingMetadata::durationMs, qint64(4'000))
         .sound("system_audio_20260101_101010.wav", system)
         .sound("microphone_20260101_101010.wav", voice);
+    request.fps = 10;
     loadManager();
 }
 
@@ -79,6 +80,7 @@ void ExportSoundTest::hasSound()
     request.speed = speed;
     request.trimStartMs = from;
     request.trimEndMs = to;
+    request.fps = 30;
     QVERIFY2(runExport(), qPrintable(error));
     QCOMPARE(warning, QString());
     const Sound sound = Sound::decode(request.outputPath);

@@ -170,24 +170,13 @@ private:
         const int rate = int(m_format.nSamplesPerSec);
         Packet packet;
         packet.frames = UINT32(kStepMs * rate / 1000);
-        packet.statedMs = m_nowMs;
-        switch (m_mode) {
-        case Mode::Silenced:
-            packet.flags = AUDCLNT_BUFFERFLAGS_SILENT;
-            break;
-        case Mode::Mistimed:
-            packet.flags = AUDCLNT_BUFFERFLAGS_TIMESTAMP_ERROR;
-            packet.statedMs += 500;
-            break;
-        case Mode::Future:
-            packet.statedMs += 3100;
-            break;
-        case Mode::Ancient:
-            packet.statedMs -= 30'100;
-            break;
-        default:
-            break;
-        }
+        packet.flags = m_mode == Mode::Silenced   ? AUDCLNT_BUFFERFLAGS_SILENT
+                       : m_mode == Mode::Mistimed ? AUDCLNT_BUFFERFLAGS_TIMESTAMP_ERROR
+                                                  : 0;
+        packet.statedMs = m_nowMs + (m_mode == Mode::Mistimed  ? 500
+                                     : m_mode == Mode::Future  ? 3100
+                                     : m_mode == Mode::Ancient ? -30'100
+                                                               : 0);
         for (UINT32 i = 0; i < packet.frames * m_format.nChannels; ++i) {
             const float sample = sampleAt(m_nowMs + qint64(i / m_format.nChannels) * 1000 / rate);
             const auto integer = qint16(sample * 32768);

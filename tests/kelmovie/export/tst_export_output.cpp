@@ -132,6 +132,7 @@ void ExportOutputTest::moves()
 
 void ExportOutputTest::fitsNameAndFormat()
 {
+    QCOMPARE(exportOutputProblem(path("new.mp4"), path("a removed recording")), QString());
     const QStringList fitting{"out.mp4 out.MOV out.mkv out.m4v", "out.gif", "out.apng out.PNG", "out.webp"};
     const QString others = "out out.part rec.2026-01-02 .mp4x";
     for (int format = 0; format < 4; ++format) {

@@ -319,7 +319,7 @@ void RecorderTest::recordsAgainAndKeepsTheEarlierRecording()
     const QString notes = outputDir() + "/notes.txt";
     writeFile(notes, "the user's");
     QVERIFY(QFile::setPermissions(outputDir(), QFile::Permissions(0x7000)));
-    QVERIFY(QFile::setPermissions(notes, QFile::ReadOwner));
+    QVERIFY(QFile::setPermissions(notes, QFile::ReadOwner | QFile::WriteOwner));
     R *recorder = createRecorder(true);
     QList<QByteArray> recordings;
     for (int i = 0; i < 3; ++i) {

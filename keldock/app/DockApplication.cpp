@@ -117,6 +117,7 @@ void DockApplication::connectSession()
 void DockApplication::applyShortcuts()
 {
     const QString problems = m_shortcuts.apply(m_settings);
+    m_controller.setShortcuts(m_shortcuts.controlKeys());
     m_ui.setStopKeys(m_shortcuts.stopKeys());
     if (!m_windows.showShortcutProblems(problems) && !problems.isEmpty())
         showProblem(Severity::Warning, problems);

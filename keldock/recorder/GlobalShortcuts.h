@@ -5,6 +5,7 @@
 #include <QKeySequence>
 #include <QObject>
 #include <QString>
+#include <QVector>
 
 struct DockSettings;
 
@@ -20,6 +21,8 @@ public:
     QString apply(const DockSettings &settings);
     /// What to press to stop, as text; empty if nothing does.
     QString stopKeys() const { return m_stop.trigger(); }
+    /// The combinations that pause and stop.
+    QVector<QKeySequence> controlKeys() const { return {m_pause.keys(), m_stop.keys()}; }
     /// Unregisters all shortcuts until the next apply().
     void suspend();
 

@@ -124,7 +124,8 @@ void RecordingController::startRecorder()
                                           .arg(QDir::toNativeSeparators(QFileInfo(directory).path())));
         return;
     }
-    const KelMultiTrackRecorder::RecordConfig config = configFromSettings(directory); // may have changed meanwhile
+    KelMultiTrackRecorder::RecordConfig config = configFromSettings(directory); // may have changed meanwhile
+    config.controlShortcuts = m_shortcuts;
     m_recorder->setRecordConfig(config);
     warnOfMissingInput(config.enableMouse, config.enableKeyboard);
     if (!m_recorder->startRecording())

@@ -6,9 +6,11 @@
 #include <KelMovie/KelMovieUI.h>
 
 #include <QElapsedTimer>
+#include <QKeySequence>
 #include <QObject>
 #include <QRect>
 #include <QTimer>
+#include <QVector>
 
 #include <functional>
 
@@ -49,6 +51,9 @@ public:
     /// The area for the next recording, in logical pixels of the desktop.
     void setArea(const QRect &area) { m_area = area; }
     QRect area() const { return m_area; }
+
+    /// The shortcuts for pause and stop, which the next recording leaves out when they are used.
+    void setShortcuts(const QVector<QKeySequence> &shortcuts) { m_shortcuts = shortcuts; }
 
     DiskGuard &diskGuard() { return m_diskGuard; }
 
@@ -95,6 +100,7 @@ private:
     bool m_hasCheckedInput = false;
     State m_state = State::Idle;
     QRect m_area;
+    QVector<QKeySequence> m_shortcuts;
     QString m_directory;
     QTimer m_countdown;
     int m_secondsLeft = 0;

@@ -3,9 +3,11 @@
 #include <KelMovie/KelMovieGlobal.h>
 #include <KelMovie/KelPlaybackRules.h>
 
+#include <QKeySequence>
 #include <QObject>
 #include <QRect>
 #include <QString>
+#include <QVector>
 
 #include <memory>
 
@@ -39,6 +41,9 @@ public:
         bool enableMicrophone = false;   ///< record the microphone
         /// Resuming keeps the keys from before the pause. By default it discards them.
         bool keepsKeysAcrossPauses = false;
+        /// The host's shortcuts for pause and stop, one combination each: the recording does not contain the one that
+        /// pauses or stops it.
+        QVector<QKeySequence> controlShortcuts;
     };
 
     explicit KelMultiTrackRecorder(QObject *parent = nullptr);

@@ -28,6 +28,7 @@ KelRecordTrackManager::Config managerConfig(const KelMultiTrackRecorder::RecordC
     result.mouse = config.enableMouse;
     result.keyboard = config.enableKeyboard;
     result.keepsKeysAcrossPauses = config.keepsKeysAcrossPauses;
+    result.controlShortcuts = config.controlShortcuts;
     result.systemAudio = config.enableSystemAudio;
     result.microphone = config.enableMicrophone;
     return result;

@@ -8,8 +8,11 @@
 
 #include <QDebug>
 
+#include <algorithm>
 #include <mutex>
+#include <set>
 #include <utility>
+#include <vector>
 
 using namespace kel;
 
@@ -28,6 +31,7 @@ public:
     }
     ~KelRecordKeyboardTrackPrivate() override { setHookType(NoKind); }
 
+    void setControlShortcuts(const QVector<QKeySequence> &shortcuts);
     void setCurrentFrame(int frameIndex) { m_frameStamp.setCurrentFrame(frameIndex); }
     /// Starts or resumes; false if there are records from before.
     bool begin();
@@ -43,19 +47,43 @@ protected:
     bool OnKeyboardEvent(KelKeyboardEvent event) override;
 
 private:
+    struct Combination {
+        std::set<int> modifiers;
+        int key;
+    };
+
     void remove(bool marksGap);
     void add(int key, bool isPressed);
+    void dropControlShortcut();
 
     const AtResume m_atResume;
     EventFrameStamp m_frameStamp;
     std::mutex m_switchMutex; // locked before m_mutex
     bool m_isSwitchedOff = false;
+    std::vector<Combination> m_controlShortcuts;
     std::mutex m_mutex; // guards what follows; the two flags change only with both held
     StoredKeyRecords m_records;
     bool m_isRecording = false;
     bool m_isHookInstalled = false; // its keys are recorded
     bool m_isSuspended = false;     // a pause or stop is to follow; keys are ignored
 };
+
+void KelRecordKeyboardTrackPrivate::setControlShortcuts(const QVector<QKeySequence> &shortcuts)
+{
+    static const std::pair<int, int> modifiers[] = {
+        {Qt::CTRL, Qt::Key_Control}, {Qt::ALT, Qt::Key_Alt}, {Qt::SHIFT, Qt::Key_Shift}, {Qt::META, Qt::Key_Meta}};
+    m_controlShortcuts.clear();
+    for (const QKeySequence &shortcut : shortcuts) {
+        if (shortcut.isEmpty())
+            continue;
+        Combination combination{{}, shortcut[0] & ~int(Qt::KeyboardModifierMask)};
+        for (const auto &[modifier, key] : modifiers) {
+            if (shortcut[0] & modifier)
+                combination.modifiers.insert(key);
+        }
+        m_controlShortcuts.push_back(combination);
+    }
+}
 
 bool KelRecordKeyboardTrackPrivate::begin()
 {
@@ -78,7 +106,26 @@ bool KelRecordKeyboardTrackPrivate::begin()
 void KelRecordKeyboardTrackPrivate::suspend()
 {
     std::lock_guard lock(m_mutex);
+    if (!m_isSuspended)
+        dropControlShortcut();
     m_isSuspended = true;
+}
+
+/// Called with m_mutex locked. The last key of the combination may not have arrived yet.
+void KelRecordKeyboardTrackPrivate::dropControlShortcut()
+{
+    for (const Combination &combination : m_controlShortcuts) {
+        const auto isOther = [&](const StoredKeyRecord &record) {
+            return !record.pressed || (record.key != combination.key && combination.modifiers.count(record.key) == 0);
+        };
+        const auto first = std::find_if(m_records.rbegin(), m_records.rend(), isOther).base();
+        std::set<int> missing(combination.modifiers);
+        std::for_each(first, m_records.end(), [&](const StoredKeyRecord &record) { missing.erase(record.key); });
+        if (missing.empty() && first != m_records.end()) {
+            m_records.erase(first, m_records.end());
+            return;
+        }
+    }
 }
 
 void KelRecordKeyboardTrackPrivate::pause()
@@ -184,6 +231,11 @@ void KelRecordKeyboardTrack::startRecording()
         m_coreDumpBlock.emplace();
     if (d->begin())
         m_file.restart();
+}
+
+void KelRecordKeyboardTrack::setControlShortcuts(const QVector<QKeySequence> &shortcuts)
+{
+    d->setControlShortcuts(shortcuts);
 }
 
 void KelRecordKeyboardTrack::suspend()

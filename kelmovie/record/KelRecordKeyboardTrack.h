@@ -4,6 +4,9 @@
 #include "record/KelRecordTrack.h"
 #include "recording/input/KeyLogWriter.h"
 
+#include <QKeySequence>
+#include <QVector>
+
 #include <memory>
 #include <optional>
 
@@ -33,6 +36,10 @@ public:
     void pauseRecording() override;
     void stopRecording(qint64 frameCount, qint64 durationMs) override;
     void checkpoint(qint64 frameCount) override;
+
+    /// Combinations with which the user controls the recording. When one pauses or stops it, its keys are not part of
+    /// the recording. Before the start.
+    void setControlShortcuts(const QVector<QKeySequence> &shortcuts);
 
     /// Ignores keys until the next startRecording(): a pause or stop takes effect at once, although the track's thread
     /// may be busy. Any thread.

@@ -81,8 +81,11 @@ void KelRecordTrackManager::createTracks()
         addTrack(new KelRecordMouseTrack(m_recordArea, createTrackDir(KelRecordingFiles::kMouseDir)));
     if (m_config.keyboard) {
         using AtResume = KelRecordKeyboardTrack::AtResume;
-        addTrack(new KelRecordKeyboardTrack(m_recordArea, createTrackDir(KelRecordingFiles::kKeyboardDir),
-                                            m_config.keepsKeysAcrossPauses ? AtResume::Keep : AtResume::Discard));
+        auto *const track =
+            new KelRecordKeyboardTrack(m_recordArea, createTrackDir(KelRecordingFiles::kKeyboardDir),
+                                       m_config.keepsKeysAcrossPauses ? AtResume::Keep : AtResume::Discard);
+        track->setControlShortcuts(m_config.controlShortcuts);
+        addTrack(track);
     }
     if (m_config.systemAudio || m_config.microphone) {
         m_voiceTrack = new KelRecordVoiceTrack(m_recordArea, createTrackDir(KelRecordingFiles::kVoiceDir), this);

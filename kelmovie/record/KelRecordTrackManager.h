@@ -4,11 +4,13 @@
 #include "recording/FrameTimesWriter.h"
 #include "recording/saving/RecordingSaver.h"
 
+#include <QKeySequence>
 #include <QList>
 #include <QObject>
 #include <QRect>
 #include <QString>
 #include <QTimer>
+#include <QVector>
 
 #include <mutex>
 
@@ -38,6 +40,7 @@ public:
         bool mouse = false;
         bool keyboard = false;
         bool keepsKeysAcrossPauses = false;
+        QVector<QKeySequence> controlShortcuts;
         bool systemAudio = false;
         bool microphone = false;
     };

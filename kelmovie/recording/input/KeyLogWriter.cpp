@@ -28,7 +28,7 @@ KeyLogWriter::KeyLogWriter(const QString &path, const QSize &area)
 
 std::size_t KeyLogWriter::firstNeeded(std::size_t count) const
 {
-    return m_file.isOpen() && count <= m_room ? m_count : 0;
+    return m_file.isOpen() && count <= m_room ? std::min(m_count, count) : 0;
 }
 
 bool KeyLogWriter::update(std::size_t first, const StoredKeyRecords &records)

@@ -22,7 +22,8 @@ public:
     /// `area`: the size of the recorded rectangle.
     KeyLogWriter(const QString &path, const QSize &area);
 
-    /// The first of `count` records that update() has to be given.
+    /// The first of `count` records that update() has to be given. Records at the end may have been taken back; the
+    /// file keeps them until others replace them.
     std::size_t firstNeeded(std::size_t count) const;
 
     /// Writes the records from number `first` on, replacing any that the file already has from there on. False when

@@ -97,14 +97,16 @@ void RecordKeyboardTrackTest::create(KelRecordKeyboardTrack::AtResume atResume)
         [this](const QString &name, const QString &problem) { m_failures << name + ": " + problem; });
 }
 
-/// "keep" (the keys before a pause), "frame N", "KEY(hex) STATE", "start", "suspend", "pause", "on", "off",
-/// "checkpoint", "stop"
+/// "keep" (the keys before a pause), "shortcut TEXT" (that pauses or stops), "frame N", "KEY(hex) STATE", "start",
+/// "suspend", "pause", "on", "off", "checkpoint", "stop"
 void RecordKeyboardTrackTest::play(const QStringList &steps)
 {
     for (const QString &step : steps) {
         const QStringList words = step.split(' ');
         if (words[0] == "keep")
             create(KelRecordKeyboardTrack::AtResume::Keep);
+        else if (words[0] == "shortcut")
+            m_track->setControlShortcuts({QKeySequence("F9"), QKeySequence(words[1])});
         else if (words[0] == "frame")
             m_track->recordFrame(words[1].toInt());
         else if (words[0] == "start")
@@ -151,6 +153,13 @@ void RecordKeyboardTrackTest::recordsByTheRules_data()
         "41 1 0; 0 0 3; 0 1 3; 43 1 5; 0 0 6", false);
     row("suspended until the pause gets through", "keep; start; 41 1; suspend; 42 1; pause; start; 43 1", true,
         "41 1 0; 0 0 0; 0 1 0; 43 1 0", false);
+    row("paused by a shortcut",
+        "keep; shortcut Ctrl+A; start; 43 1; 1000021 1; checkpoint; 41 1; suspend; pause; checkpoint", false,
+        "43 1 0; 0 0 0", false);
+    row("paused by a shortcut whose last key comes late", "shortcut Ctrl+A; start; 1000021 1; suspend", true, "",
+        false);
+    row("paused otherwise", "shortcut Ctrl+A; start; 1000021 1; 43 1; 41 1; suspend", true,
+        "1000021 1 0; 43 1 0; 41 1 0", false);
     row("resumed while off, keys kept", "keep; start; 41 1; off; pause; start; 42 1; on; 43 1", true,
         "41 1 0; 0 0 0; 0 0 0; 0 1 0; 43 1 0", false);
     row("off and on", "start; 41 1; frame 4; off; off; 42 1; frame 6; on; on; 43 1; frame 7", true,

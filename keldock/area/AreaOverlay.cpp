@@ -1,23 +1,37 @@
 #include "area/AreaOverlay.h"
 
 #include "area/AreaPicker.h"
+#include "common/WindowPlacement.h"
 #include "dockicon/KelDockIcon.h"
 #include "style/KelStyleTheme.h"
 #include "widget/ScaleFactor.h"
 #include "widgets/DockStyle.h"
 #include "widgets/FlatButton.h"
 
+#include <KelMovie/KelMovieUI.h>
+
 #include <QHBoxLayout>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
+#include <QWindow>
 
 namespace
 {
 
 const QColor kDim(0, 0, 0, 120);
 const QColor kNoteBackground(20, 22, 26, 220);
+
+/// Wayland shows the screen to the module only.
+QPixmap screenshotOf(QScreen &screen)
+{
+    if (canPlaceWindows())
+        return screen.grabWindow(0);
+    QPixmap pixmap = QPixmap::fromImage(KelMovieUI::screenshot(screen.geometry()));
+    pixmap.setDevicePixelRatio(screen.devicePixelRatio());
+    return pixmap;
+}
 
 QPushButton *addButton(QWidget *bar, KelDockIcon::Glyph glyph, const QString &action)
 {
@@ -56,7 +70,7 @@ AreaOverlay::AreaOverlay(AreaPicker *picker, QScreen *screen)
     : QWidget(nullptr, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::BypassWindowManagerHint)
     , m_picker(picker)
     , m_geometry(screen->geometry())
-    , m_screenshot(screen->grabWindow(0))
+    , m_screenshot(screenshotOf(*screen))
     , m_buttons(createButtons())
 {
     setWindowTitle(tr("Choose the area to record"));
@@ -66,6 +80,8 @@ AreaOverlay::AreaOverlay(AreaPicker *picker, QScreen *screen)
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::CrossCursor);
     setGeometry(m_geometry);
+    winId(); // creates the window, so that it can be given a screen
+    windowHandle()->setScreen(screen);
 }
 
 QWidget *AreaOverlay::createButtons()
@@ -88,7 +104,10 @@ QWidget *AreaOverlay::createButtons()
 
 void AreaOverlay::appear()
 {
-    show();
+    if (canPlaceWindows())
+        show();
+    else
+        showFullScreen(); // the only window whose place is certain
     raise();
     showSelection();
 }

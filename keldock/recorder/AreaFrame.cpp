@@ -1,5 +1,6 @@
 #include "recorder/AreaFrame.h"
 
+#include "common/WindowPlacement.h"
 #include "widgets/DockColors.h"
 
 #include <QPainter>
@@ -23,7 +24,7 @@ AreaFrame::AreaFrame(QWidget *parent)
 
 void AreaFrame::showAround(const QRect &area)
 {
-    if (area.isEmpty()) {
+    if (area.isEmpty() || !canPlaceWindows()) {
         hide();
         return;
     }

@@ -1,5 +1,6 @@
 #include "recorder/RecordToolbar.h"
 
+#include "common/WindowPlacement.h"
 #include "recorder/SwitchButton.h"
 #include "recorder/ToolbarPlacement.h"
 #include "recorder/TrackSwitches.h"
@@ -174,6 +175,8 @@ void RecordToolbar::showElapsed(qint64 ms)
 
 bool RecordToolbar::moveAwayFrom(const QRect &area)
 {
+    if (!canPlaceWindows())
+        return false;
     if (isVisible() && !geometry().intersects(area))
         return true;
     const std::optional<QPoint> place = ToolbarPlacement::beside(area, sizeHint(), availableGeometries());

@@ -29,7 +29,8 @@ public:
     /// Shows the current settings.
     void refresh();
 
-    /// Moves beside the area if it overlaps it or is hidden. False when there is no space outside of the area.
+    /// Moves beside the area if it overlaps it or is hidden. False when there is no space outside of the area, and
+    /// where windows cannot be placed.
     bool moveAwayFrom(const QRect &area);
     /// Moves to its initial position: beside the area, or near the bottom of the screen.
     void moveToStart(const QRect &area);

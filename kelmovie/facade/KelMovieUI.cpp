@@ -3,8 +3,11 @@
 #include "audio/processing/TrimmedAudio.h"
 #include "facade/KelMultiTrackRecorder.h"
 #include "keymouse/KelKeyMouseHook.h"
+#include "screen/KelScreenManager.h"
 
 #include <KelMovie/KelMovieVersion.h>
+
+#include <memory>
 
 KelMovieUI::KelMovieUI(QObject *parent)
     : QObject(parent)
@@ -26,6 +29,16 @@ QString KelMovieUI::createTrimmedAudioFile(const QString &audioPath, int startMs
 void KelMovieUI::setReadsInputDevices(bool isAllowed)
 {
     KelKeyMouseHook::setReadsInputDevices(isAllowed);
+}
+
+QImage KelMovieUI::screenshot(const QRect &area)
+{
+    constexpr bool kWithPointer = false;
+    const std::unique_ptr<KelScreenStreamer> streamer(
+        KelScreenManager::instance()->createScreenStreamer(area, kWithPointer));
+    QImage image;
+    streamer->captureTo(image);
+    return image;
 }
 
 QString KelMovieUI::version()

@@ -2,7 +2,9 @@
 
 #include <KelMovie/KelMovieGlobal.h>
 
+#include <QImage>
 #include <QObject>
+#include <QRect>
 #include <QString>
 
 class KelMultiTrackRecorder;
@@ -29,6 +31,10 @@ public:
     /// no program, as Wayland does; initially false. Needs a user in the group "input", who thereby lets every program
     /// read everything typed: leave the choice to the user. Takes effect with the next recording, in the whole process.
     static void setReadsInputDevices(bool isAllowed);
+
+    /// What the screen shows in `area` (logical pixels of the desktop) without the pointer, in physical pixels. Null
+    /// where the screen cannot be captured, or not without asking a person.
+    static QImage screenshot(const QRect &area);
 
     /// Version of the module, for display.
     static QString version();

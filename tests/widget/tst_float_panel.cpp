@@ -54,7 +54,7 @@ private slots:
         QCOMPARE(m_panel->focusWidget(), m_content);
         act(close);
         QVERIFY(!m_panel->isVisible());
-        QCOMPARE(visible.size(), 2);
+        QCOMPARE(visible, (QList<QVariantList>{{true}, {false}}));
         QCOMPARE(m_window->focusWidget(), m_label);
     }
 

@@ -133,6 +133,69 @@ private slots:
         }
     }
 
+    void asksOnce()
+    {
+        const int questions = MutterSession::questions();
+        for (int i = 0; i < 2; ++i) {
+            const Permission permission(m_screen);
+            QVERIFY(permission.wait());
+            QCOMPARE(permission.permission.reason, QString());
+        }
+        QCOMPARE(MutterSession::questions(), questions); // the test before has answered it
+    }
+
+    void tellsWhyNot_data()
+    {
+        QTest::addColumn<QString>("choice");
+        QTest::addColumn<bool>("isDeclined");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("declined") << "decline" << true << "was declined";
+        QTest::newRow("broken") << "fail" << false << "Start: the portal of this desktop has failed";
+        QTest::newRow("another monitor") << "Meta-0" << false << "on a screen that was not chosen";
+    }
+
+    void tellsWhyNot()
+    {
+        QFETCH(QString, choice);
+        MutterSession::setAnswer({choice});
+        const Permission permission(QGuiApplication::screens().last()->geometry());
+        QVERIFY(permission.wait());
+        QCOMPARE(permission.answers, 1);
+        QTEST(permission.permission.answer == Answer::Declined, "isDeclined");
+        QFETCH(QString, reason);
+        QVERIFY2(permission.permission.reason.contains(reason), qPrintable(permission.permission.reason));
+    }
+
+    void withdrawsTheQuestion()
+    {
+        const int questions = MutterSession::questions();
+        MutterSession::setAnswer({"wait"});
+        Permission permission(QGuiApplication::screens().last()->geometry());
+        QTRY_COMPARE(MutterSession::questions(), questions + 1);
+        permission.preparation.reset();
+        QTRY_COMPARE(MutterSession::sessions(), 0);
+        QCOMPARE(permission.answers, 0);
+        MutterSession::setAnswer({"Meta-0"});
+    }
+
+    void recordsAcrossMonitors()
+    {
+        MutterSession::setAnswer({"Meta-0", "Meta-1"});
+        const QRect area(m_screen.right() - 99, 100, 200, 100);
+        const Permission permission(area);
+        QVERIFY(permission.wait());
+        QCOMPARE(permission.permission.reason, QString());
+        const auto streamer = streamerFor(area);
+        QImage frame;
+        QVERIFY(streamer->captureTo(frame));
+        QCOMPARE(frame.size(), area.size());
+        const QRect left(0, 0, 100, 100);
+        QTRY_VERIFY(streamer->captureTo(frame) &&
+                    frame.copy(left) == m_window->picture().copy(m_screen.right() - 99, 100, 100, 100));
+        QVERIFY(frame.pixelColor(150, 50) != frame.pixelColor(50, 50)); // Mutter's background
+        MutterSession::setAnswer({"Meta-0"});
+    }
+
     void tellsThePointer()
     {
         const Permission permission(m_screen);
@@ -157,6 +220,33 @@ private slots:
         QTRY_VERIFY(use(Qt::IBeamCursor) && pointer->type() != cross);
         QTRY_VERIFY(use(Qt::CrossCursor) && pointer->type() == cross);
         QTRY_VERIFY(!use(Qt::BlankCursor));
+    }
+
+    void endsWhenThePersonStopsIt()
+    {
+        const Permission permission(m_screen);
+        QVERIFY(permission.wait());
+        const auto streamer = streamerFor(m_screen);
+        MutterSession::closeCasts();
+        QTRY_COMPARE(streamer->errorString(), QString("The desktop has ended the screen cast."));
+    }
+
+    void goesOnWithoutThePortal()
+    {
+        const Permission permission(m_screen);
+        QVERIFY(permission.wait());
+        const auto streamer = streamerFor(m_screen);
+        QImage frame;
+        QVERIFY(streamer->captureTo(frame));
+        kill(qEnvironmentVariableIntValue("PORTAL_PID"), SIGKILL);
+        m_window->setColor(Qt::green);
+        QTRY_VERIFY(streamer->captureTo(frame) && frame == m_window->picture());
+        QCOMPARE(streamer->errorString(), QString());
+
+        kill(qEnvironmentVariableIntValue("PIPEWIRE_PID"), SIGKILL);
+        QTRY_VERIFY(streamer->errorString().contains("PipeWire"));
+        QVERIFY(!streamer->hasFrameChanged());
+        QVERIFY(!streamer->captureTo(frame));
     }
 
 private:

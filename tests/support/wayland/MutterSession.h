@@ -40,6 +40,7 @@ public:
     /// See Backend::answer in screen_cast_backend.cpp.
     static void setAnswer(const QStringList &answer) { callBackend("setAnswer", {answer}); }
     static int questions() { return callBackend("questions").arguments().value(0).toInt(); }
+    static int sessions() { return callBackend("sessions").arguments().value(0).toInt(); }
     static void closeCasts() { callBackend("closeAll"); }
 
 private:

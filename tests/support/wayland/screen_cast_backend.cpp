@@ -1,5 +1,5 @@
 // The part of the desktop portal that shows monitors of Mutter. Instead of a person, a test answers through the object
-// /test (CastAnswers.h).
+// /test (MutterSession.h).
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusContext>
@@ -247,6 +247,7 @@ public:
 
 public slots:
     void setAnswer(const QStringList &answer) { m_backend->answer = answer; }
+    int sessions() const { return m_backend->findChildren<Session *>().size(); }
     int questions() const { return m_backend->questions; }
     void closeAll() { m_backend->closeAll(); }
 

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <functional>
 #include <vector>
 
@@ -54,8 +53,8 @@ struct Sound {
         const QByteArray bytes = HostProgram::run("ffmpeg", {"-v", "error", "-i", path, "-map", "0:a:0", "-f", "f32le",
                                                              "-ac", "2", "-ar", "48000", "pipe:1"})
                                      .output;
-        sound.samples.resize(size_t(bytes.size()) / sizeof(float));
-        std::memcpy(sound.samples.data(), bytes.constData(), sound.samples.size() * sizeof(float));
+        const auto *const samples = reinterpret_cast<const float *>(bytes.constData());
+        sound.samples.assign(samples, samples + size_t(bytes.size()) / sizeof(float));
         return sound;
     }
 

@@ -271,9 +271,12 @@ private:
         HRESULT STDMETHODCALLTYPE GetBufferSize(UINT32 *) override { return device.answer("GetBufferSize"); }
         HRESULT STDMETHODCALLTYPE GetMixFormat(WAVEFORMATEX **format) override
         {
-            *format = static_cast<WAVEFORMATEX *>(CoTaskMemAlloc(sizeof device.m_mix));
-            std::memcpy(*format, &device.m_mix, sizeof device.m_mix);
-            return device.answer("GetMixFormat");
+            const HRESULT result = device.answer("GetMixFormat");
+            if (SUCCEEDED(result)) {
+                *format = static_cast<WAVEFORMATEX *>(CoTaskMemAlloc(sizeof device.m_mix));
+                std::memcpy(*format, &device.m_mix, sizeof device.m_mix);
+            }
+            return result;
         }
         HRESULT STDMETHODCALLTYPE Start() override
         {

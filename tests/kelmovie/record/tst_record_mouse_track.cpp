@@ -93,7 +93,8 @@ std::unique_ptr<KelRecordMouseTrack> RecordMouseTrackTest::createTrack()
     return track;
 }
 
-/// "at X,Y SHAPE", "gone", "frame N", "button CODE STATE X,Y", "wheel DELTA", "capture 0|1", "checkpoint"
+/// "at X,Y SHAPE", "gone", "frame N", "button CODE STATE X,Y", "somewhere CODE STATE", "wheel DELTA", "capture 0|1",
+/// "checkpoint"
 void RecordMouseTrackTest::play(KelRecordMouseTrack &track, const QStringList &steps)
 {
     for (const QString &step : steps) {
@@ -106,6 +107,8 @@ void RecordMouseTrackTest::play(KelRecordMouseTrack &track, const QStringList &s
             track.recordFrame(words[1].toInt());
         else if (words[0] == "button")
             m_input.button(words[1].toInt(), words[2].toInt(), point(words[3]));
+        else if (words[0] == "somewhere")
+            m_input.buttonSomewhere(words[1].toInt(), words[2].toInt());
         else if (words[0] == "wheel")
             m_input.wheel(words[1].toInt());
         else if (words[0] == "capture")
@@ -145,6 +148,10 @@ void RecordMouseTrackTest::recordsByTheRules_data()
         "",
         "0 click 10,10  [right]; 0 click 10,10  [middle]; 0 click 10,10  [unknown]; 0 release 10,10  [unknown]; "
         "0 release 10,10  [unknown]");
+    row("buttons without a position are where the pointer is seen",
+        "frame 1; at 110,60 arrow; somewhere 1 1; gone; somewhere 1 0; somewhere 2 1; somewhere 2 0; at 99,60 arrow; "
+        "somewhere 1 1; somewhere 1 0",
+        "1 move 50,20 arrow", "1 click 10,10 arrow [left]; 1 release 10,10 arrow [left]; 1 release -1,10 arrow [left]");
     row("wheel", "wheel 120; at 110,60 arrow; frame 2; gone; frame 3; wheel -120", "2 move 10,10 arrow; 3 hide -1,-1 ",
         "0 wheel 0,0  [] 120; 3 wheel 10,10  [] -120");
     row("capture off",

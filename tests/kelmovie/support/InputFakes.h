@@ -23,6 +23,11 @@ public:
     {
         kel::KeyMouseHub::instance().deliver(KelMouseEvent{button, at, state});
     }
+    /// As where input knows nothing about the pointer.
+    void buttonSomewhere(int button, int state)
+    {
+        kel::KeyMouseHub::instance().deliver(KelMouseEvent{button, {}, state, false});
+    }
     void wheel(int delta) { kel::KeyMouseHub::instance().deliver(KelWheelEvent{delta, QPoint(-7, -7)}); }
     bool isWatched(int kind) const { return kel::KeyMouseHub::instance().wantedKinds() & kind; }
 

@@ -230,9 +230,9 @@ void KeymouseWindowsTest::hotKeys()
     const QVector<int> otherTyped{VK_CONTROL, VK_MENU, VK_F11};
     const auto grabber = GlobalShortcutGrabber::create(), rival = GlobalShortcutGrabber::create();
     QSignalSpy pressed(grabber.get(), &GlobalShortcutGrabber::pressed);
-    QCOMPARE(grabber->grab(combination), QString());
-    QCOMPARE(grabber->grab(other), QString());
-    QVERIFY(!rival->grab(combination).isEmpty());
+    QCOMPARE(grabber->grab(combination, {}), QString());
+    QCOMPARE(grabber->grab(other, {}), QString());
+    QVERIFY(!rival->grab(combination, {}).isEmpty());
     const auto counts = [&](int key) {
         return int(std::count_if(pressed.begin(), pressed.end(), [key](const auto &one) { return one[0] == key; }));
     };
@@ -242,7 +242,7 @@ void KeymouseWindowsTest::hotKeys()
     QCOMPARE(counts(combination), int(matches));
 
     grabber->release(combination);
-    QCOMPARE(rival->grab(combination), QString());
+    QCOMPARE(rival->grab(combination, {}), QString());
     rival->release(combination);
     press(typed);
     press(otherTyped);

@@ -43,6 +43,7 @@ QStringList entries(const QString &path)
     return names;
 }
 
+#ifdef Q_OS_UNIX
 /// What anybody but the owner can read, write or list.
 QStringList openToOthers(const QString &path)
 {
@@ -55,6 +56,7 @@ QStringList openToOthers(const QString &path)
     }
     return found;
 }
+#endif
 
 using R = KelMultiTrackRecorder;
 using Export = std::function<bool(R &recorder, const QString &path)>;

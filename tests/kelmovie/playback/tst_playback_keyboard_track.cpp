@@ -247,7 +247,7 @@ void PlaybackKeyboardTrackTest::stacksBoxes()
     // Scaled as a whole; the font only in whole pixels.
     const QRect one = paintedPart(paintedAt("1:+Return"));
     const QRect two = paintedPart(paintedAt("1:+Return", 2.0));
-    QVERIFY(qAbs(two.width() - 2 * one.width()) <= 2 && qAbs(two.height() - 2 * one.height()) <= 2);
+    QVERIFY(qAbs(double(two.width()) / one.width() - 2) < 0.1 && qAbs(double(two.height()) / one.height() - 2) < 0.1);
 
     KeyOverlayStyle smallHistory = everything();
     smallHistory.historyFontSizePx = 10;

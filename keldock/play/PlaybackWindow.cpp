@@ -15,6 +15,8 @@
 #include <QShortcut>
 #include <QStackedWidget>
 
+#include <functional>
+
 namespace
 {
 
@@ -97,7 +99,7 @@ void PlaybackWindow::addShortcuts()
     const auto add = [this](const QKeySequence &keys, void (PlaybackPage::*action)()) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, [this, action] {
             if (isPlaybackShown())
-                (m_playback->*action)();
+                std::invoke(action, m_playback);
         });
     };
     add(Qt::CTRL + Qt::Key_E, &PlaybackPage::exportRecording);

@@ -63,8 +63,8 @@ bool isXWayland(xcb_connection_t *connection)
 QString xWaylandError()
 {
     return QStringLiteral(
-        "this is a Wayland session, which cannot be recorded. Log out and choose an X11 session (often "
-        "called \"Xorg\") on the login screen.");
+        "this is a Wayland session whose screen cannot be reached. Install xdg-desktop-portal with the part for your "
+        "desktop, and PipeWire, or log out and choose an X11 session (often called \"Xorg\") on the login screen.");
 }
 
 } // namespace kel

@@ -35,8 +35,10 @@ private slots:
             QByteArray wayland;
             QString reason;
         };
-        const QString waylandSession = "this is a Wayland session, which cannot be recorded. Log out and choose an "
-                                       "X11 session (often called \"Xorg\") on the login screen.";
+        const QString waylandSession =
+            "this is a Wayland session whose screen cannot be reached. Install xdg-desktop-portal with the part "
+            "for your desktop, and PipeWire, or log out and choose an X11 session (often called \"Xorg\") on the "
+            "login screen.";
         for (const Case &c : {Case{{}, {}, "there is no display (DISPLAY is not set)."},
                               {":4999", {}, "no connection to the X server \":4999\"."},
                               {"what?", {}, "no connection to the X server \"what?\"."},
